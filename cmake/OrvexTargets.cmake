@@ -1,0 +1,77 @@
+# How this project's targets are made: one function per kind of target, so that the layers stay what their names say.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+# A moved build or install folder still finds its own libraries.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+set(CMAKE_INSTALL_RPATH "$ORIGIN")
+
+set(ORVEX_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
+option(ORVEX_FUZZ "Build the fuzzers" OFF)
+
+find_program(ORVEX_CCACHE ccache)
+if(ORVEX_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${ORVEX_CCACHE}")
+endif()
+
+if(ORVEX_SANITIZE)
+    add_compile_options(-fsanitize=${ORVEX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+    add_link_options(-fsanitize=${ORVEX_SANITIZE})
+endif()
+
+function(orvex_common_options target)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wconversion -Werror)
+    target_include_directories(${target} PUBLIC "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
+    set_target_properties(${target} PROPERTIES AUTOMOC OFF)
+endfunction()
+
+# A static library without Qt: inspection, validation, text, result assembly.
+function(orvex_core_library target)
+    add_library(${target} STATIC ${ARGN})
+    orvex_common_options(${target})
+endfunction()
+
+# A static library with Qt: models, pages, dialogs.
+function(orvex_qt_library target)
+    add_library(${target} STATIC ${ARGN})
+    orvex_common_options(${target})
+    target_link_libraries(${target} PUBLIC Qt6::Core Qt6::Gui Qt6::Widgets)
+    set_target_properties(${target} PROPERTIES AUTOMOC ON)
+endfunction()
+
+# A library of the host's own: shared; the component sees only its header in include/orvexcommon.
+function(orvex_host_library target)
+    add_library(${target} SHARED ${ARGN})
+    orvex_common_options(${target})
+    string(TOUPPER "${target}_BUILD" build_macro)
+    target_compile_definitions(${target} PRIVATE ${build_macro})
+    install(TARGETS ${target} LIBRARY DESTINATION bin RUNTIME DESTINATION bin)
+endfunction()
+
+# A program in bin/.
+function(orvex_program target)
+    add_executable(${target} ${ARGN})
+    orvex_common_options(${target})
+endfunction()
+
+# A GoogleTest program, registered as one CTest per test. LIBS: what it links. QT: it has a QApplication main of its own.
+function(orvex_test target)
+    cmake_parse_arguments(ARG "QT" "" "SOURCES;LIBS" ${ARGN})
+    add_executable(${target} ${ARG_SOURCES})
+    orvex_common_options(${target})
+    if(ARG_QT)
+        set_target_properties(${target} PROPERTIES AUTOMOC ON)
+        target_link_libraries(${target} PRIVATE ${ARG_LIBS} orvex_testing_qt GTest::gmock Qt6::Test)
+    else()
+        target_link_libraries(${target} PRIVATE ${ARG_LIBS} orvex_testing GTest::gmock GTest::gtest_main)
+    endif()
+    set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+    add_test(NAME ${target} COMMAND ${target})
+    set_tests_properties(${target} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+endfunction()

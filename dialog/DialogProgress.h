@@ -1,0 +1,53 @@
+#pragma once
+#include <QObject>
+
+#include "support/ProgressIf.h"
+
+class QProgressBar;
+
+namespace orvex {
+
+/// The dialog's progress bar as a ProgressIf: shown while a run lasts, pumps events, and is stopped by Escape
+/// (the Escape that stops a run does not close the dialog) or by its stop button. Used on the user-interface
+/// thread.
+class DialogProgress final : public QObject, public Kst::ProgressIf {
+    Q_OBJECT
+
+  public:
+    explicit DialogProgress(QProgressBar* bar, QObject* parent = nullptr);
+    ~DialogProgress() override;
+
+    /// A run from construction to destruction; runs do not nest (an inner one is part of the outer).
+    class Run {
+      public:
+        explicit Run(DialogProgress& progress);
+        ~Run();
+        Run(const Run&) = delete;
+        Run& operator=(const Run&) = delete;
+
+      private:
+        DialogProgress& progress_;
+        bool outer_;
+    };
+
+    void SetRange(std::uint64_t total) override;
+    void SetText(const std::wstring& text) override;
+    void SetPosition(std::uint64_t done) override;
+    /// Pumps events, at most every few milliseconds.
+    bool IsCancelled() override;
+    bool IsRunning() const { return running_; }
+
+  signals:
+    void RunningChanged(bool running);
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    QProgressBar* bar_;
+    bool running_ = false;
+    bool cancelled_ = false;
+    std::int64_t lastPumpMs_ = 0;
+};
+
+}  // namespace orvex

@@ -1,0 +1,96 @@
+#pragma once
+// The record that the host hands to ShowAddFilesDialog and reads back.
+#include <array>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace orvex {
+class OrvexApplication;
+class LasFileInfo;
+class RasterFileInfo;
+}  // namespace orvex
+
+/// Folder path (without a trailing separator) to the names of the files chosen in it, in grid order.
+using FilesByFolder = std::map<std::wstring, std::vector<std::wstring>>;
+
+/// Inputs are set by the host before the call; results are written only when the dialog ends with OK. The
+/// host makes, owns and destroys the record. The detail objects in lasFileDetails and rasterFileDetails
+/// belong to the host after OK, which deletes them.
+class AddFilesParams {
+  public:
+    // Inputs.
+    orvex::OrvexApplication* hostApplication =
+        nullptr;                  ///< asked for the signed-in cloud account; may be null
+    std::int32_t initialTab = 0;  ///< index of the tab selected at first
+    std::map<std::wstring, std::wstring>
+        existingLasLayers;  ///< layer name to the CRS of the layer as WKT, may be empty
+
+    // LAS results.
+    FilesByFolder lasFiles;
+    std::map<std::wstring, orvex::LasFileInfo*>
+        lasFileDetails;  ///< full path to the file's details, owned by the host
+
+    // Which tabs exist; the LAS tab always does. The order differs on purpose from the order of the tabs.
+    bool showRasterTab = false;
+    bool showPhotoTab = false;
+    bool showFeatureTab = false;
+    bool showDemTab = false;
+    bool showCloudTab = false;
+
+    // LAS load options.
+    bool lasOpenSetting = false;      ///< true: open read-write
+    bool lasLoadSetting = false;      ///< true: load footprints only
+    bool lasAppend = false;           ///< append the files to compatible layers
+    std::uint16_t lasThinning = 0;    ///< 2 to 256
+    std::int32_t lasPyramidType = 0;  ///< 1 OrvexLAS, 2 QVR, 0 none
+    bool convertExistingQvr = false;
+    std::int32_t orvexLasBackupOption = 0;  ///< 0 overwrite, 1 backup, 2 backup and compress
+    bool orvexLasOverwritePending = false;
+    bool reCreateOrvexLas = false;
+
+    // Raster input and results.
+    std::map<std::wstring, std::wstring> existingRasterLayers;
+    FilesByFolder rasterFiles;
+    std::map<std::wstring, orvex::RasterFileInfo*> rasterFileDetails;
+    bool rasterAppend = false;
+    bool rasterPyramid = false;
+
+    // Feature results.
+    bool featureImportPoints = false;
+    bool featureImportLines = false;
+    bool featureImportPolygons = false;
+    bool featureImportText = false;
+    std::wstring featureOutputFolder;  ///< resolved; empty when no CAD or KML file was chosen
+    std::map<std::wstring, std::wstring> existingFeatureLayers;  ///< input
+    std::map<std::wstring, std::wstring> featureFiles;           ///< layer name to full path
+    bool featureRequireCrs = false;
+
+    // DEM results.
+    FilesByFolder demFiles;
+    bool demOpenReadWrite = false;
+    bool demAppend = false;
+    std::int32_t demLasVersion = 0;   ///< 0, 1, 3, 4, 5 for LAS 1.0 to 1.4
+    std::int32_t demPointFormat = 0;  ///< 0 to 8
+    bool demPyramid = false;
+    std::uint16_t demThinning = 0;  ///< 2 to 256
+    std::wstring demLasFolder;      ///< as typed; may hold the project-path token
+    std::array<std::int32_t, 5> demExtraValues{};
+
+    // Photo results: full paths in grid order.
+    std::vector<std::wstring> photoFiles;
+
+    // Cloud results, keyed by layer name.
+    std::map<std::wstring, std::wstring> presignedUrlLayers;
+    std::map<std::wstring, std::wstring> cloudLasLayers;
+    std::map<std::wstring, std::wstring> cloudLasLayerValues2;
+    std::map<std::wstring, std::wstring> cloudLasLayerValues3;
+
+    // LAS options without a stored setting, for hosts that honour them.
+    bool lasIgnoreIncompatibleCrs = false;
+    bool lasLoadCorruptFiles = false;
+    /// Full path of a file in lasFiles to the layer it was assigned to (an existing one when appending, else
+    /// a new name).
+    std::map<std::wstring, std::wstring> lasFileLayers;
+};

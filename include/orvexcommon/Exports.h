@@ -1,0 +1,33 @@
+#pragma once
+// The exported functions of the component.
+#include <string>
+
+#include "orvexcommon/AddFilesParams.h"
+#include "orvexcommon/AddLidarChoice.h"
+
+#if defined(_WIN32)
+#if defined(ORVEXCOMMON_BUILD)
+#define ORVEXCOMMON_API __declspec(dllexport)
+#else
+#define ORVEXCOMMON_API __declspec(dllimport)
+#endif
+struct HWND__;
+using HWND = HWND__*;
+#else
+#define ORVEXCOMMON_API __attribute__((visibility("default")))
+/// The QWidget that a message belongs to, as QWidget::winId() gives it; null for none.
+using HWND = void*;
+#endif
+
+/// Shows the Add Files dialog modally. True only when it ended with OK and at least one result list of
+/// `params` is not empty. `params` must not be null and must outlive the call. Needs a QApplication; never
+/// throws.
+ORVEXCOMMON_API bool ShowAddFilesDialog(AddFilesParams* params);
+
+/// Shows the messages that follow from the host's findings about LiDAR files to be added (see
+/// docs/embedding.md for the flags). `stop` is only ever set to true. Never throws.
+ORVEXCOMMON_API void MessageRegardingAddingLidar(HWND owner, const std::wstring& caption, bool a, bool b,
+                                                 bool c, bool d, bool e, bool f, bool g, bool& stop);
+
+/// Asks how LiDAR data is to be added, unless the user has asked not to be asked again. Never throws.
+ORVEXCOMMON_API AddLidarChoice GetAddingLidarChoice(bool readWriteAllowed);

@@ -1,0 +1,85 @@
+#pragma once
+// What the component asks of its host's objects. On Windows these are COM objects, reached by class id;
+// elsewhere the host registers a factory for each class id in its object library (orvexobjects).
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <variant>
+
+#if defined(_WIN32)
+#if defined(ORVEXOBJECTS_BUILD)
+#define ORVEXOBJECTS_API __declspec(dllexport)
+#else
+#define ORVEXOBJECTS_API __declspec(dllimport)
+#endif
+#else
+#define ORVEXOBJECTS_API __attribute__((visibility("default")))
+#endif
+
+namespace orvex {
+
+/// A class id, in the field order of a GUID.
+struct ClassId {
+    std::uint32_t data1;
+    std::uint16_t data2;
+    std::uint16_t data3;
+    std::uint8_t data4[8];
+
+    friend bool operator==(const ClassId&, const ClassId&) = default;
+};
+
+/// {38E5B774-7F17-48A4-BB8A-CEEA8FE4F258}: the settings object OrvexSystemSettings.
+inline constexpr ClassId kSystemSettingsClass{
+    0x38E5B774, 0x7F17, 0x48A4, {0xBB, 0x8A, 0xCE, 0xEA, 0x8F, 0xE4, 0xF2, 0x58}};
+/// {A59ECFF0-11E3-4339-B008-8FBD1D3B6420}: the host application object.
+inline constexpr ClassId kApplicationClass{
+    0xA59ECFF0, 0x11E3, 0x4339, {0xB0, 0x08, 0x8F, 0xBD, 0x1D, 0x3B, 0x64, 0x20}};
+
+/// Result codes of host objects: 0 is success, negative values are failures (the HRESULT values of the same
+/// names).
+inline constexpr std::int32_t kHostOk = 0;
+inline constexpr std::int32_t kHostFail = static_cast<std::int32_t>(0x80004005);
+inline constexpr std::int32_t kHostClassNotRegistered = static_cast<std::int32_t>(0x80040154);
+
+/// One value of the settings object. Booleans travel as 16-bit integers, -1 for true and 0 for false.
+using SettingValue = std::variant<std::monostate, std::int16_t, std::int32_t, double, std::wstring>;
+
+/// Base of every object that the object library hands out.
+class HostObject {
+  public:
+    virtual ~HostObject() = default;
+};
+
+/// The host's settings object OrvexSystemSettings: named values in sections.
+class OrvexSystemSettings : public HostObject {
+  public:
+    /// Overwrites `value` (pre-set by the caller to the default) when the setting is stored. Returns a result
+    /// code.
+    virtual std::int32_t Get(const std::wstring& section, const std::wstring& key, SettingValue& value) = 0;
+    /// Stores the value. Returns a result code; a failure leaves the old value.
+    virtual std::int32_t Set(const std::wstring& section, const std::wstring& key,
+                             const SettingValue& value) = 0;
+};
+
+/// The host application object.
+class OrvexApplication : public HostObject {
+  public:
+    /// The folder of the open project, with a trailing separator; empty when no project is open. Returns a
+    /// result code.
+    virtual std::int32_t GetProjectFolder(std::wstring& folder) = 0;
+    /// A numbered option of the host. `value` is overwritten when the option is set. Returns a result code.
+    virtual std::int32_t GetOptionItem(std::int32_t item, SettingValue& value) = 0;
+};
+
+using HostObjectFactory = std::function<std::unique_ptr<HostObject>()>;
+
+}  // namespace orvex
+
+/// Registers the factory of a class; an empty factory takes the class away. The newest registration holds.
+ORVEXOBJECTS_API void RegisterHostClass(const orvex::ClassId& classId, orvex::HostObjectFactory factory);
+
+/// Makes an object of a class. Null and a failure code (kHostClassNotRegistered, kHostFail) when it cannot be
+/// made; never throws. The caller owns the object.
+ORVEXOBJECTS_API std::unique_ptr<orvex::HostObject> CreateHostObject(const orvex::ClassId& classId,
+                                                                     std::int32_t& result);

@@ -1,0 +1,47 @@
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace orvex {
+
+class LASFile;
+
+enum class LasSeverity { Note, Warning, Error };
+
+enum class LasFindingCode {
+    PointsTruncated,
+    BytesAfterPoints,
+    ExtentInverted,
+    ExtentNotFinite,
+    ScaleZero,
+    ScaleNotFinite,
+    OffsetBeyondEnd,
+    OffsetInsideHeader,
+    HeaderSizeOdd,
+    VlrCountTooHigh,
+    VlrTruncated,
+    EvlrCountTooHigh,
+    EvlrTruncated,
+    UnknownPointFormat,
+    RecordLengthTooShort,
+    UnknownVersion,
+    NoPoints,
+    CountMismatch,
+    NoCrs,
+    CrsUnreadable,
+    SignatureMissing,
+};
+
+/// One thing that is odd about a file.
+struct LasFinding {
+    LasFindingCode code;
+    LasSeverity severity;
+    std::uint64_t offset;  ///< byte in the file that says so
+    std::wstring text;     ///< a sentence in plain words
+};
+
+/// Everything that is odd about a file's header and records, worst first, in file order among equals.
+std::vector<LasFinding> ValidateLas(const LASFile& file);
+
+}  // namespace orvex

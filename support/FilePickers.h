@@ -1,0 +1,39 @@
+#pragma once
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvex {
+
+struct FileFilter {
+    std::wstring caption;   ///< "LAS Files (*.las)"
+    std::wstring patterns;  ///< "*.las;*.laz"
+};
+
+struct OpenFilesRequest {
+    std::wstring title;          ///< empty: the system's own
+    std::wstring initialFolder;  ///< empty: the system's choice
+    std::vector<FileFilter> filters;
+    /// The names of one selection must fit in this many characters: the folder and each name count with one
+    /// separator.
+    std::size_t bufferCharacters = 130261;
+};
+
+enum class PickOutcome { Picked, Cancelled, BufferTooSmall, OutOfMemory, Failed };
+
+struct PickedFiles {
+    PickOutcome outcome = PickOutcome::Cancelled;
+    std::vector<std::wstring> paths;  ///< full paths in the order chosen; empty unless Picked
+};
+
+/// Choosing files and folders. The real half shows the system's dialogs; the scripted half answers tests.
+class FilePickers {
+  public:
+    virtual ~FilePickers() = default;
+    virtual PickedFiles PickFiles(const OpenFilesRequest& request) = 0;
+    /// None when the user cancelled.
+    virtual std::optional<std::wstring> PickFolder(const std::wstring& title) = 0;
+};
+
+}  // namespace orvex

@@ -1,0 +1,38 @@
+#pragma once
+// printf-like formats on wide texts, the same under every process locale ("%.2f" always writes a point).
+#include <concepts>
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace orvex {
+
+/// One argument of a format. Texts are viewed, not copied.
+class FormatArg {
+  public:
+    FormatArg(std::wstring_view text) : value_(text) {}
+    FormatArg(const std::wstring& text) : value_(std::wstring_view(text)) {}
+    FormatArg(const wchar_t* text) : value_(std::wstring_view(text)) {}
+    FormatArg(std::floating_point auto number) : value_(static_cast<double>(number)) {}
+    FormatArg(std::signed_integral auto number) : value_(static_cast<std::int64_t>(number)) {}
+    FormatArg(std::unsigned_integral auto number) : value_(static_cast<std::uint64_t>(number)) {}
+
+    const auto& Value() const { return value_; }
+
+  private:
+    std::variant<std::wstring_view, double, std::int64_t, std::uint64_t> value_;
+};
+
+/// Applies a format with the conversions %s %d %i %u %x %X %f %e %g %c %%, flags, width, precision; length
+/// words (l, ll, I64, h, z) are accepted and mean nothing. A conversion without a fitting argument writes
+/// nothing; arguments left over are ignored. The result is cut to `limit` characters less one, as a buffer of
+/// that size would cut it.
+std::wstring FormatText(std::wstring_view format, std::initializer_list<FormatArg> arguments,
+                        std::size_t limit = 32768);
+
+/// The conversions of a format in order, one letter each ("sd" for "%s of %d"; "%%" gives none).
+std::string ConversionsOf(std::wstring_view format);
+
+}  // namespace orvex

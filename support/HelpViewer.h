@@ -1,0 +1,23 @@
+#pragma once
+
+namespace orvex {
+
+/// Topics of the manual; the numbers are the manual's help contexts.
+enum class HelpTopic {
+    LasFiles = 730,
+    RasterFiles = 731,
+    FeatureFiles = 732,
+    DemFiles = 733,
+    PhotoFiles = 734,
+    CloudLas = 737,
+    PresignedUrl = 738
+};
+
+/// Opens the manual at a topic. False when it cannot be shown (the caller tells the user).
+class HelpViewer {
+  public:
+    virtual ~HelpViewer() = default;
+    virtual bool Show(HelpTopic topic) = 0;
+};
+
+}  // namespace orvex

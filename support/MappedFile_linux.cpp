@@ -1,0 +1,153 @@
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <limits>
+#include <system_error>
+#include <utility>
+
+#include "support/MappedFile.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+int Descriptor(std::intptr_t handle) {
+    return static_cast<int>(handle);
+}
+
+}  // namespace
+
+MappedView::MappedView(std::byte* base, std::size_t baseLength, std::size_t skip, std::size_t length)
+    : base_(base), baseLength_(baseLength), skip_(skip), length_(length) {}
+
+MappedView::MappedView(MappedView&& other) noexcept
+    : base_(std::exchange(other.base_, nullptr)),
+      baseLength_(other.baseLength_),
+      skip_(other.skip_),
+      length_(other.length_) {}
+
+MappedView& MappedView::operator=(MappedView&& other) noexcept {
+    MappedView taken(std::move(other));
+    std::swap(base_, taken.base_);
+    std::swap(baseLength_, taken.baseLength_);
+    std::swap(skip_, taken.skip_);
+    std::swap(length_, taken.length_);
+    return *this;
+}
+
+MappedView::~MappedView() {
+    if (base_ != nullptr) {
+        munmap(base_, baseLength_);
+    }
+}
+
+MappedFile::MappedFile(MappedFile&& other) noexcept
+    : handle_(std::exchange(other.handle_, kNone)), mapping_(std::exchange(other.mapping_, kNone)) {}
+
+MappedFile& MappedFile::operator=(MappedFile&& other) noexcept {
+    if (this != &other) {
+        Close();
+        handle_ = std::exchange(other.handle_, kNone);
+        mapping_ = std::exchange(other.mapping_, kNone);
+    }
+    return *this;
+}
+
+MappedFile::~MappedFile() {
+    Close();
+}
+
+SystemError MappedFile::Open(const std::wstring& path, bool readOnly) {
+    Close();
+    const std::string name = ToUtf8(path);
+    // A name that is a pipe or a device must not make the caller wait for a writer.
+    const int descriptor = open(name.c_str(), (readOnly ? O_RDONLY : O_RDWR) | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0) {
+        return errno;
+    }
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+        const SystemError error = S_ISDIR(status.st_mode) ? EISDIR : (errno != 0 ? errno : EINVAL);
+        close(descriptor);
+        return error;
+    }
+    handle_ = descriptor;
+    return 0;
+}
+
+void MappedFile::Close() {
+    if (handle_ != kNone) {
+        close(Descriptor(handle_));
+        handle_ = kNone;
+    }
+}
+
+SystemError MappedFile::Size(std::uint64_t& size) const {
+    struct stat status {};
+    if (fstat(Descriptor(handle_), &status) != 0) {
+        return errno;
+    }
+    size = static_cast<std::uint64_t>(status.st_size);
+    return 0;
+}
+
+SystemError MappedFile::ReadAt(std::uint64_t offset, std::span<std::byte> buffer, std::size_t& read) const {
+    read = 0;
+    if (offset > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max())) {
+        return EINVAL;
+    }
+    while (read < buffer.size()) {
+        const ssize_t got = pread(Descriptor(handle_), buffer.data() + read, buffer.size() - read,
+                                  static_cast<off_t>(offset + read));
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got < 0) {
+            return errno;
+        }
+        if (got == 0) {
+            break;
+        }
+        read += static_cast<std::size_t>(got);
+    }
+    return 0;
+}
+
+SystemError MappedFile::Map(std::uint64_t offset, std::uint64_t length, bool writable,
+                            MappedView& view) const {
+    std::uint64_t size = 0;
+    if (const SystemError error = Size(size)) {
+        return error;
+    }
+    if (length == 0 || offset > size || length > size - offset) {
+        return EINVAL;
+    }
+    const std::uint64_t skip = offset % AllocationGranularity();
+    const std::size_t mapped = static_cast<std::size_t>(length + skip);
+    void* base = mmap(nullptr, mapped, writable ? PROT_READ | PROT_WRITE : PROT_READ, MAP_SHARED,
+                      Descriptor(handle_), static_cast<off_t>(offset - skip));
+    if (base == MAP_FAILED) {
+        return errno;
+    }
+    view = MappedView(static_cast<std::byte*>(base), mapped, static_cast<std::size_t>(skip),
+                      static_cast<std::size_t>(length));
+    return 0;
+}
+
+std::uint64_t MappedFile::AllocationGranularity() {
+    return static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+}
+
+std::wstring SystemErrorText(SystemError error) {
+    return FromUtf8(std::generic_category().message(error));
+}
+
+bool FileExists(const std::wstring& path) {
+    struct stat status {};
+    return stat(ToUtf8(path).c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+}  // namespace orvex

@@ -1,0 +1,51 @@
+#pragma once
+// Conversions between the component's wide texts (UTF-16 on Windows, UTF-32 elsewhere) and UTF-8. Lossless
+// both ways: bytes that are no UTF-8 become lone surrogates U+DC80 to U+DCFF and come back as the same bytes,
+// so that any file name survives; a lone surrogate of other origin is written as its three-byte form. Nothing
+// here throws on bad input.
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "orvexcommon/StringLibrary.h"
+
+namespace orvex {
+
+std::string ToUtf8(std::wstring_view text);
+std::wstring FromUtf8(std::string_view bytes);
+
+std::filesystem::path ToPath(std::wstring_view text);
+std::wstring FromPath(const std::filesystem::path& path);
+
+/// Upper case of each character, independent of the process's locale.
+std::wstring ToUpper(std::wstring_view text);
+/// Equal without regard to letter case.
+bool EqualNoCase(std::wstring_view a, std::wstring_view b);
+
+/// The last component of a path; both "/" and "\" separate on Windows, "/" elsewhere.
+std::wstring FileNameOf(std::wstring_view path);
+/// The path without its last component and without a trailing separator (a root keeps its own).
+std::wstring FolderOf(std::wstring_view path);
+/// The extension with its dot, upper-cased: ".LAS"; empty when there is none.
+std::wstring UpperExtensionOf(std::wstring_view path);
+/// The path with its extension replaced (`extension` with its dot).
+std::wstring WithExtension(std::wstring_view path, std::wstring_view extension);
+
+/// The key under which a path is compared with the paths already listed: the full path, upper-cased.
+std::wstring PathKey(std::wstring_view path);
+
+/// A string-library id. Written as 13558_lsid, so that a test finds every id that the code uses.
+struct StringId {
+    unsigned value = 0;
+    friend constexpr bool operator==(StringId, StringId) = default;
+};
+constexpr StringId operator""_lsid(unsigned long long value) {
+    return StringId{static_cast<unsigned>(value)};
+}
+
+/// The library's text of an id; empty for id 0.
+inline std::wstring Text(StringId id) {
+    return id.value == 0 ? std::wstring() : std::wstring(LSwchar(id.value));
+}
+
+}  // namespace orvex

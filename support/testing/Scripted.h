@@ -1,0 +1,94 @@
+#pragma once
+// Halves of the seams that answer from a script and keep what they were asked.
+#include <deque>
+#include <vector>
+
+#include "support/FilePickers.h"
+#include "support/HelpViewer.h"
+#include "support/HostObjects.h"
+#include "support/ProgressIf.h"
+#include "support/UserPrompts.h"
+
+namespace orvex::testing {
+
+/// Answers from `answers` in order; when they run out with the kindest answer (Ok, Yes).
+class ScriptedPrompts final : public UserPrompts {
+  public:
+    std::deque<PromptAnswer> answers;
+    std::deque<TaskAnswer> taskAnswers;
+    std::vector<Prompt> shown;
+    std::vector<TaskPrompt> tasksShown;
+
+    PromptAnswer Show(const Prompt& prompt) override {
+        shown.push_back(prompt);
+        if (answers.empty()) {
+            return prompt.buttons == PromptButtons::Ok ? PromptAnswer::Ok : PromptAnswer::Yes;
+        }
+        const PromptAnswer answer = answers.front();
+        answers.pop_front();
+        return answer;
+    }
+    TaskAnswer ShowTask(const TaskPrompt& prompt) override {
+        tasksShown.push_back(prompt);
+        if (taskAnswers.empty()) {
+            return {PromptAnswer::Yes, false};
+        }
+        const TaskAnswer answer = taskAnswers.front();
+        taskAnswers.pop_front();
+        return answer;
+    }
+};
+
+class ScriptedPickers final : public FilePickers {
+  public:
+    std::deque<PickedFiles> files;
+    std::deque<std::optional<std::wstring>> folders;
+    std::vector<OpenFilesRequest> asked;
+
+    PickedFiles PickFiles(const OpenFilesRequest& request) override {
+        asked.push_back(request);
+        if (files.empty()) {
+            return {};
+        }
+        PickedFiles picked = files.front();
+        files.pop_front();
+        return picked;
+    }
+    std::optional<std::wstring> PickFolder(const std::wstring&) override {
+        if (folders.empty()) {
+            return std::nullopt;
+        }
+        auto picked = folders.front();
+        folders.pop_front();
+        return picked;
+    }
+};
+
+class RecordingHelpViewer final : public HelpViewer {
+  public:
+    std::vector<HelpTopic> shown;
+    bool Show(HelpTopic topic) override {
+        shown.push_back(topic);
+        return true;
+    }
+};
+
+/// Stops when `stopAfter` positions have been told (never when negative).
+class RecordingProgress final : public Kst::ProgressIf {
+  public:
+    std::uint64_t total = 0;
+    std::uint64_t position = 0;
+    std::vector<std::wstring> texts;
+    int stopAfter = -1;
+    int told = 0;
+
+    void SetRange(std::uint64_t range) override { total = range; }
+    void SetText(const std::wstring& text) override { texts.push_back(text); }
+    void SetPosition(std::uint64_t done) override {
+        position = done;
+        ++told;
+    }
+    bool IsCancelled() override { return stopAfter >= 0 && told >= stopAfter; }
+};
+
+}  // namespace orvex::testing

@@ -1,0 +1,63 @@
+#include "support/Format.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+
+namespace orvex {
+namespace {
+
+TEST(Format, WritesWhatPrintfWouldInTheCLocale) {
+    struct Case {
+        const wchar_t* format;
+        FormatArg argument;
+        const wchar_t* wanted;
+    };
+    const Case cases[] = {
+        {L"%.2f", 1234.5, L"1234.50"},
+        {L"%.8lf", -0.5, L"-0.50000000"},
+        {L"%.0f", 2.5, L"2"},
+        {L"%d files", 7, L"7 files"},
+        {L"%5d|", 7, L"    7|"},
+        {L"%-5d|", 7, L"7    |"},
+        {L"%02x ", 10, L"0a "},
+        {L"%I64d", -5000000000LL, L"-5000000000"},
+        {L"%lld", 5000000000ULL, L"5000000000"},
+        {L"%s.", L"text", L"text."},
+        {L"%.3s", L"abcdef", L"abc"},
+        {L"%-6s|", L"ab", L"ab    |"},
+        {L"100 %%, %i", 3, L"100 %, 3"},
+        {L"%.0f", 12, L"12"},
+        {L"%d", 12.0, L"12"},
+        {L"%g", 0.001, L"0.001"},
+        {L"ends with %", 1, L"ends with "},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(FormatText(c.format, {c.argument}), c.wanted);
+    }
+}
+
+TEST(Format, CutsMissesAndIgnores) {
+    EXPECT_EQ(FormatText(L"%s and %s", {L"one"}), L"one and ");
+    EXPECT_EQ(FormatText(L"none", {1, 2}), L"none");
+    EXPECT_EQ(FormatText(L"'%s'", {L"0123456789"}, 6), L"'0123");
+    EXPECT_EQ(FormatText(L"%999999999d", {1}, 10), L"         ");
+}
+
+TEST(Format, DoesNotFollowACommaDecimalLocale) {
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    const bool german = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
+    EXPECT_EQ(FormatText(L"%.2f", {0.25}), L"0.25");
+    std::setlocale(LC_ALL, before.c_str());
+    if (!german) {
+        GTEST_SKIP() << "de_DE.UTF-8 is not installed";
+    }
+}
+
+TEST(Format, NamesItsConversions) {
+    EXPECT_EQ(ConversionsOf(L"%d of %I64d: %-8.3s %%"), "dds");
+    EXPECT_EQ(ConversionsOf(L"nothing %"), "");
+}
+
+}  // namespace
+}  // namespace orvex

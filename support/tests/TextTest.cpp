@@ -1,0 +1,63 @@
+#include "support/Text.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+
+#include "support/LDataError.h"
+
+namespace orvex {
+namespace {
+
+TEST(Text, WideAndUtf8AreLosslessBothWays) {
+    const std::string cases[] = {
+        "",         "plain",        "\xC3\xA4\xE2\x82\xAC", "\xF0\x9F\x98\x80", "bad \xFF\xC3 tail\xE2\x82",
+        "\xC0\x80", "\xED\xA0\x80", "\xED\xB2\x80",         "\xF4\x90\x80\x80", std::string("nul\0in", 6)};
+    for (const std::string& bytes : cases) {
+        EXPECT_EQ(ToUtf8(FromUtf8(bytes)), bytes);
+    }
+    const std::wstring loneSurrogate{L'a', static_cast<wchar_t>(0xD800), L'b'};
+    EXPECT_EQ(FromUtf8(ToUtf8(loneSurrogate)), loneSurrogate);
+    EXPECT_EQ(FromUtf8("\xF0\x9F\x98\x80"), L"\U0001F600");
+}
+
+TEST(Text, LetterCaseDoesNotDependOnTheProcessLocale) {
+    EXPECT_EQ(ToUpper(L"straße äöü éł.las"), L"STRAßE ÄÖÜ ÉŁ.LAS");
+    EXPECT_TRUE(EqualNoCase(L"Ä.LAZ", L"ä.laz"));
+    EXPECT_FALSE(EqualNoCase(L"a", L"ab"));
+}
+
+TEST(Text, PathsComeApart) {
+    struct Case {
+        const wchar_t *path, *folder, *name, *extension, *withLas;
+    };
+    const Case cases[] = {
+        {L"/data/a.b/tile.laz", L"/data/a.b", L"tile.laz", L".LAZ", L"/data/a.b/tile.las"},
+        {L"/data/a.b/tile", L"/data/a.b", L"tile", L"", L"/data/a.b/tile.las"},
+        {L"/tile.las", L"/", L"tile.las", L".LAS", L"/tile.las"},
+        {L"/data/.las", L"/data", L".las", L"", L"/data/.las.las"},
+        {L"tile.copc.laz", L"", L"tile.copc.laz", L".LAZ", L"tile.copc.las"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(FolderOf(c.path), c.folder);
+        EXPECT_EQ(FileNameOf(c.path), c.name);
+        EXPECT_EQ(UpperExtensionOf(c.path), c.extension);
+        EXPECT_EQ(WithExtension(c.path, L".las"), c.withLas);
+    }
+}
+
+TEST(LDataError, KeepsItsWideText) {
+    try {
+        throw LDataError(L"‘ä.las’ is no LAS file");
+    } catch (...) {
+        EXPECT_EQ(CurrentExceptionText(), L"‘ä.las’ is no LAS file");
+    }
+    try {
+        throw std::runtime_error("plain");
+    } catch (...) {
+        EXPECT_EQ(CurrentExceptionText(), L"plain");
+    }
+}
+
+}  // namespace
+}  // namespace orvex

@@ -1,0 +1,67 @@
+# Installs the Debian packages of tools/packages.txt that are missing, and the locale that the tests run under.
+# Needs root only when something is missing. Where apt does not offer LASzip, that one package comes from the next
+# Debian release, pinned so that nothing else can.
+
+missing_packages() {
+    local name
+    while read -r name; do
+        case "$name" in '' | '#'*) continue ;; esac
+        dpkg-query -W -f='${db:Status-Status}' "$name" 2>/dev/null | grep -qx installed || echo "$name"
+    done <tools/packages.txt
+}
+
+has_test_locale() { locale -a 2>/dev/null | grep -qix 'de_DE\.utf-\?8'; }
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then
+        "$@"
+    elif command -v sudo >/dev/null; then
+        sudo "$@"
+    else
+        echo "orvex: this step needs root: $*" >&2
+        return 1
+    fi
+}
+
+# The address and the keyring are the ones that this machine's own apt uses for its Debian release.
+offer_next_release_laszip() {
+    [ -n "$(apt-cache madison liblaszip-dev 2>/dev/null)" ] && return 0
+    local release next address keyring file
+    release=$(. /etc/os-release && echo "${VERSION_CODENAME:-}")
+    case "$release" in
+        bookworm) next=trixie ;;
+        *)
+            echo "orvex: apt offers no liblaszip-dev on '$release'; please install LASzip 3.4 or newer by hand" >&2
+            return 1
+            ;;
+    esac
+    address=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' "Codename: $release" | head -n 1)
+    keyring=/usr/share/keyrings/debian-archive-keyring.gpg
+    [ -n "$address" ] || { echo "orvex: apt knows no package list of '$release'" >&2; return 1; }
+    file=$(mktemp)
+    printf 'Types: deb\nURIs: %s\nSuites: %s\nComponents: main\nSigned-By: %s\n' \
+        "$address" "$next" "$keyring" >"$file"
+    as_root install -m 644 "$file" /etc/apt/sources.list.d/orvex-laszip.sources
+    printf 'Package: *\nPin: release n=%s\nPin-Priority: -1\n\nPackage: liblaszip-dev liblaszip8 liblaszip-api8\nPin: release n=%s\nPin-Priority: 500\n' \
+        "$next" "$next" >"$file"
+    as_root install -m 644 "$file" /etc/apt/preferences.d/orvex-laszip
+    rm -f "$file"
+    as_root apt-get update -qq
+}
+
+install_missing() {
+    local packages
+    mapfile -t packages < <(missing_packages)
+    if [ ${#packages[@]} -gt 0 ]; then
+        echo "orvex: installing ${packages[*]}"
+        as_root apt-get update -qq
+        case " ${packages[*]} " in *' liblaszip-dev '*) offer_next_release_laszip ;; esac
+        as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
+            -o Dpkg::Use-Pty=0 "${packages[@]}" >/dev/null
+    fi
+    if ! has_test_locale; then
+        as_root localedef -i de_DE -f UTF-8 de_DE.UTF-8
+    fi
+}
+
+install_missing

@@ -1,0 +1,7 @@
+# Every test of the dev build, and once more under a locale that writes decimals with a comma.
+source tools/build.sh dev
+
+export QT_QPA_PLATFORM=offscreen
+ctest --preset dev "$@"
+echo "Once more under de_DE.UTF-8:"
+LC_ALL=de_DE.UTF-8 LANG=de_DE.UTF-8 ctest --preset dev "$@"
