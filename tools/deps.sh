@@ -3,11 +3,11 @@
 # Debian release, pinned so that nothing else can.
 
 missing_packages() {
-    local name
-    while read -r name; do
-        case "$name" in '' | '#'*) continue ;; esac
-        dpkg-query -W -f='${db:Status-Status}' "$name" 2>/dev/null | grep -qx installed || echo "$name"
-    done <tools/packages.txt
+    local wanted
+    mapfile -t wanted < <(grep -v '^#' tools/packages.txt)
+    comm -13 \
+        <(dpkg-query -W -f='${db:Status-Status} ${Package}\n' "${wanted[@]}" 2>/dev/null | sed -n 's/^installed //p' | sort -u) \
+        <(printf '%s\n' "${wanted[@]}" | sort -u)
 }
 
 has_test_locale() { locale -a 2>/dev/null | grep -qix 'de_DE\.utf-\?8'; }
