@@ -1,0 +1,94 @@
+#include "orvexcommon/StringLibrary.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "host/strings/EmbeddedTables.h"
+#include "host/strings/StringTable.h"
+#include "support/Text.h"
+
+// The library chooses its language once per process, from whatever the tests are run under.
+namespace orvex {
+namespace {
+
+std::vector<unsigned> reported;
+
+class StringLibrary : public testing::Test {
+  protected:
+    void SetUp() override {
+        reported.clear();
+        previous_ = LSSetMissingIdHandler([](unsigned id) { reported.push_back(id); });
+    }
+    void TearDown() override { LSSetMissingIdHandler(previous_); }
+
+  private:
+    LSMissingIdHandler previous_ = nullptr;
+};
+
+TEST_F(StringLibrary, GivesEveryTextOfTheUsersLanguage) {
+    for (const StringEntry& entry : ParseStringTable(EmbeddedTable(UserLanguage())).entries) {
+        EXPECT_EQ(LSwchar(entry.id), FromUtf8(entry.text)) << entry.id;
+        EXPECT_EQ(LSIDwchar(entry.id), FromUtf8(entry.text)) << entry.id;
+    }
+    EXPECT_TRUE(reported.empty());
+}
+
+TEST_F(StringLibrary, FollowsTheProductsVariable) {
+    const char* language = std::getenv("ORVEX_LANGUAGE");
+    ASSERT_NE(language, nullptr) << "run this through ctest, which runs it once per language";
+    EXPECT_STREQ(LSwchar(13453), language == std::string_view("de") ? L"Abbrechen" : L"Cancel");
+}
+
+TEST_F(StringLibrary, NamesAnUnknownIdAndReportsItOnce) {
+    const wchar_t* first = LSwchar(900001);
+    EXPECT_STREQ(first, L"#900001");
+    EXPECT_EQ(LSwchar(900001), first);
+    EXPECT_EQ(LSIDwchar(900001), L"#900001");
+    EXPECT_STREQ(LSwchar(0), L"#0");
+    EXPECT_STREQ(LSwchar(4294967295U), L"#4294967295");
+    EXPECT_EQ(reported, (std::vector<unsigned>{900001, 0, 4294967295U}));
+}
+
+TEST_F(StringLibrary, AHandlerMayAskForTextsItself) {
+    LSSetMissingIdHandler([](unsigned id) {
+        if (id < 900110) {
+            LSwchar(id + 1);
+        }
+        LSwchar(id);
+        reported.push_back(id);
+    });
+    LSwchar(900107);
+    EXPECT_EQ(reported, (std::vector<unsigned>{900110, 900109, 900108, 900107}));
+}
+
+TEST_F(StringLibrary, PointersStayTheSameForEveryThread) {
+    constexpr unsigned kFirst = 900200;
+    constexpr unsigned kCount = 500;
+    LSSetMissingIdHandler([](unsigned) {});
+    std::vector<std::vector<const wchar_t*>> seen(4);
+    std::vector<std::thread> threads;
+    for (auto& pointers : seen) {
+        threads.emplace_back([&pointers] {
+            for (unsigned i = 0; i < kCount; ++i) {
+                pointers.push_back(LSwchar(kFirst + i));
+            }
+            pointers.push_back(LSwchar(13558));
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (const auto& pointers : seen) {
+        EXPECT_EQ(pointers, seen[0]);
+    }
+    for (unsigned i = 0; i < kCount; ++i) {
+        EXPECT_EQ(seen[0][i], L"#" + std::to_wstring(kFirst + i));
+    }
+}
+
+}  // namespace
+}  // namespace orvex

@@ -1,0 +1,168 @@
+// What the shipped tables must keep, whoever adds a line.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include "host/strings/EmbeddedTables.h"
+#include "host/strings/StringTable.h"
+#include "support/Format.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+using Texts = std::map<unsigned, StringEntry>;
+
+Texts TextsOf(Language language) {
+    Texts texts;
+    for (StringEntry& entry : ParseStringTable(EmbeddedTable(language)).entries) {
+        const unsigned id = entry.id;
+        texts.emplace(id, std::move(entry));
+    }
+    return texts;
+}
+
+const char* NameOf(Language language) {
+    return language == Language::kGerman ? "strings.de.tsv" : "strings.en.tsv";
+}
+
+constexpr Language kLanguages[] = {Language::kEnglish, Language::kGerman};
+
+TEST(Tables, HaveNoMalformedLine) {
+    for (const Language language : kLanguages) {
+        const StringTable table = ParseStringTable(EmbeddedTable(language));
+        EXPECT_GT(table.entries.size(), 50U);
+        for (const StringTableProblem& problem : table.problems) {
+            ADD_FAILURE() << NameOf(language) << ":" << problem.line << ": " << problem.reason;
+        }
+    }
+}
+
+TEST(Tables, HoldTheSameIds) {
+    const Texts english = TextsOf(Language::kEnglish);
+    const Texts german = TextsOf(Language::kGerman);
+    for (const auto& [id, entry] : english) {
+        EXPECT_TRUE(german.contains(id)) << "strings.de.tsv lacks " << id << ": " << entry.text;
+    }
+    for (const auto& [id, entry] : german) {
+        EXPECT_TRUE(english.contains(id)) << "strings.en.tsv lacks " << id << ": " << entry.text;
+    }
+}
+
+TEST(Tables, TranslationsKeepPlaceholdersAndLines) {
+    const Texts german = TextsOf(Language::kGerman);
+    for (const auto& [id, entry] : TextsOf(Language::kEnglish)) {
+        const auto other = german.find(id);
+        if (other == german.end()) {
+            continue;
+        }
+        const std::string& text = other->second.text;
+        EXPECT_EQ(ConversionsOf(FromUtf8(text)), ConversionsOf(FromUtf8(entry.text))) << id << ": " << text;
+        EXPECT_EQ(std::ranges::count(text, '\n'), std::ranges::count(entry.text, '\n')) << id << ": " << text;
+        EXPECT_EQ(text.ends_with(':'), entry.text.ends_with(':')) << id << ": " << text;
+        EXPECT_EQ(text.ends_with("..."), entry.text.ends_with("...")) << id << ": " << text;
+    }
+}
+
+TEST(Tables, TextsAreTidy) {
+    for (const Language language : kLanguages) {
+        for (const auto& [id, entry] : TextsOf(language)) {
+            const std::string& text = entry.text;
+            const auto where = [&] {
+                return std::string(NameOf(language)) + " " + std::to_string(id) + ": " + text;
+            };
+            EXPECT_EQ(text.find_last_not_of(" \t\n"), text.size() - 1) << where();
+            EXPECT_EQ(text.find_first_not_of(" \t\n"), 0U) << where();
+            EXPECT_EQ(text.find("  "), std::string::npos) << where();
+            for (const wchar_t character : FromUtf8(text)) {
+                EXPECT_FALSE(character >= 0xD800 && character <= 0xDFFF) << "not UTF-8: " << where();
+            }
+        }
+    }
+}
+
+// The placeholders that the callers fill, and the room that a text has where a fixed buffer takes it.
+TEST(Tables, FormatsTakeWhatTheirCallersPass) {
+    struct Case {
+        unsigned id;
+        const char* conversions;
+        std::size_t room;
+    };
+    const Case cases[] = {
+        {792, "s", 515},  {794, "s", 515},  {13656, "d", 512}, {13662, "dd", 256}, {3214, "", 256},
+        {13647, "", 256}, {13556, "", 512}, {7669, "", 512},   {10048, "", 512},
+    };
+    for (const Language language : kLanguages) {
+        const Texts texts = TextsOf(language);
+        for (const Case& c : cases) {
+            const auto found = texts.find(c.id);
+            ASSERT_NE(found, texts.end()) << NameOf(language) << " " << c.id;
+            const std::wstring text = FromUtf8(found->second.text);
+            EXPECT_EQ(ConversionsOf(text), c.conversions) << NameOf(language) << " " << c.id;
+            EXPECT_LT(text.size(), c.room) << NameOf(language) << " " << c.id;
+        }
+    }
+}
+
+// Only formats may hold a conversion: a caller that shows a text as it is would show "%d".
+TEST(Tables, OnlyFormatsHoldConversions) {
+    const std::set<unsigned> formats = {792, 794, 13656, 13662, 13663, 13678, 3312, 13636, 3252, 3245};
+    for (const auto& [id, entry] : TextsOf(Language::kEnglish)) {
+        const bool ownRange = id >= 40000 && id < 60000;
+        EXPECT_TRUE(ownRange || formats.contains(id) || ConversionsOf(FromUtf8(entry.text)).empty())
+            << id << ": " << entry.text;
+    }
+}
+
+bool IsSource(const std::filesystem::path& path) {
+    return path.extension() == ".cpp" || path.extension() == ".h";
+}
+
+bool IsSkippedFolder(const std::filesystem::path& path) {
+    const std::string name = path.filename().string();
+    return name == "tests" || name == "build" || name.starts_with('.');
+}
+
+std::string ReadAll(const std::filesystem::path& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+TEST(Tables, HoldEveryIdThatTheCodeUses) {
+    const Texts english = TextsOf(Language::kEnglish);
+    const Texts german = TextsOf(Language::kGerman);
+    const std::regex use(R"(\b([0-9]+)_lsid\b)");
+    std::size_t files = 0;
+    auto walk = std::filesystem::recursive_directory_iterator(ORVEX_SOURCE_DIR);
+    for (auto entry = begin(walk); entry != end(walk); ++entry) {
+        if (entry->is_directory()) {
+            if (IsSkippedFolder(entry->path())) {
+                entry.disable_recursion_pending();
+            }
+            continue;
+        }
+        if (!IsSource(entry->path())) {
+            continue;
+        }
+        ++files;
+        const std::string source = ReadAll(entry->path());
+        for (std::sregex_iterator hit(source.begin(), source.end(), use); hit != std::sregex_iterator();
+             ++hit) {
+            const auto id = static_cast<unsigned>(std::stoul((*hit)[1]));
+            if (id != 0) {
+                EXPECT_TRUE(english.contains(id) && german.contains(id)) << entry->path() << " uses " << id;
+            }
+        }
+    }
+    EXPECT_GT(files, 30U);
+}
+
+}  // namespace
+}  // namespace orvex
