@@ -1,10 +1,8 @@
 #pragma once
 #include <cstddef>
-#include <cstdint>
-#include <memory>
 #include <optional>
-#include <span>
 #include <string>
+#include <type_traits>
 
 #include "orvexcommon/OptionItems.h"
 #include "settings/RegistryKey.h"
@@ -20,17 +18,20 @@ class OptionStore {
 
     /// Bytes delivered: 0 when the item is unknown, the store cannot be opened or `size` is below the item's
     /// size; else the item's size, or the size of its default when nothing is stored (0 and an untouched
-    /// buffer when it has none).
+    /// buffer when it has none). Texts are delivered as they are stored: UTF-16, least significant byte
+    /// first, with a terminating zero.
     std::size_t Read(OrvexOptionItem2 item, void* buffer, std::size_t size) const;
-    /// Bytes written: the item's size, or 0 (unknown item, `size` below the item's size, no access).
+    /// Bytes written: the item's size (for texts all of `size`), or 0 (unknown item, `size` below the item's
+    /// size, no access).
     std::size_t Write(OrvexOptionItem2 item, const void* data, std::size_t size) const;
 
-    /// A value of the item's size, or `fallback` when nothing is delivered. T: bool and char for 1-byte
-    /// items, 32-bit integers for 4-byte items, double for 8-byte items.
+    /// The item's value, or `fallback` when nothing is delivered. T: bool and char for 1-byte items (as bool,
+    /// any byte but 0 is true), 32-bit integers for 4-byte items, double for 8-byte items.
     template <typename T>
     T Get(OrvexOptionItem2 item, T fallback) const {
-        T value = fallback;
-        return Read(item, &value, sizeof(T)) == 0 ? fallback : value;
+        using Stored = std::conditional_t<std::is_same_v<T, bool>, unsigned char, T>;
+        Stored value{};
+        return Read(item, &value, sizeof(value)) == 0 ? fallback : static_cast<T>(value);
     }
     template <typename T>
     bool Put(OrvexOptionItem2 item, const T& value) const {

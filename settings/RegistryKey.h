@@ -17,7 +17,8 @@ enum class RegistryType : std::uint32_t { String = 1, Binary = 3, Dword = 4 };
 /// "Not there", "wrong type" and "no access" are different answers.
 enum class RegistryStatus { Ok, NotFound, WrongType, NoAccess };
 
-/// One open key of a store. Closed when destroyed. Not shared between threads.
+/// One open key of a store, which outlives it. Closed when destroyed. Names are compared without regard to
+/// the case of ASCII letters. Not shared between threads; no function throws.
 class RegistryKey {
   public:
     virtual ~RegistryKey() = default;

@@ -1,0 +1,101 @@
+#include "settings/SystemSettings.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "settings/testing/FakeHostObjects.h"
+#include "support/LDataError.h"
+
+namespace orvex {
+namespace {
+
+using testing::FakeHostObjects;
+
+class SystemSettingsTest : public ::testing::Test {
+  protected:
+    SettingValue& Stored(const std::wstring& key) { return host_.settings[{L"AddFilesDlg", key}]; }
+
+    FakeHostObjects host_;
+};
+
+TEST_F(SystemSettingsTest, OnlyMinusOneIsTrue) {
+    struct Case {
+        SettingValue stored;
+        bool isTrue;
+    };
+    const Case cases[] = {
+        {std::int16_t{-1}, true}, {std::int16_t{0}, false}, {std::int16_t{1}, false},
+        {std::int16_t{2}, false}, {std::int32_t{1}, false}, {L"-1", false},
+    };
+    const SystemSettings settings(host_);
+    EXPECT_TRUE(settings.GetBool(L"DEMAutoPyramid", true));
+    EXPECT_FALSE(settings.GetBool(L"DEMAutoPyramid", false));
+    for (const Case& c : cases) {
+        Stored(L"DEMAutoPyramid") = c.stored;
+        EXPECT_EQ(settings.GetBool(L"DEMAutoPyramid", true), c.isTrue) << c.stored.index();
+        EXPECT_EQ(settings.GetBool(L"DEMAutoPyramid", false), c.isTrue) << c.stored.index();
+    }
+}
+
+TEST_F(SystemSettingsTest, NumbersComeFromEveryKindThatHoldsOne) {
+    struct Case {
+        SettingValue stored;
+        std::int32_t number;
+    };
+    constexpr std::int32_t kFallback = 99;
+    const Case cases[] = {
+        {std::int16_t{16}, 16},
+        {std::int32_t{-70000}, -70000},
+        {32.0, 32},
+        {1e300, kFallback},
+        {L"16", 16},
+        {L"-3", -3},
+        {L"16 points", kFallback},
+        {L"", kFallback},
+        {L"99999999999", kFallback},
+        {std::monostate(), kFallback},
+        {std::numeric_limits<double>::quiet_NaN(), kFallback},
+    };
+    const SystemSettings settings(host_);
+    EXPECT_EQ(settings.GetNumber(L"DEMThinningFactor", kFallback), kFallback);
+    for (const Case& c : cases) {
+        Stored(L"DEMThinningFactor") = c.stored;
+        EXPECT_EQ(settings.GetNumber(L"DEMThinningFactor", kFallback), c.number) << c.stored.index();
+    }
+}
+
+TEST_F(SystemSettingsTest, WritesTheKindsThatTravel) {
+    SystemSettings settings(host_);
+    settings.SetBool(L"DWGImportLines", true);
+    settings.SetBool(L"DWGImportText", false);
+    settings.SetText(L"DWGShpFolder", L"<ORVEX_PROJECT_PATH>/ä");
+    settings.SetInt16(L"DEMThinningFactor", 16);
+    EXPECT_EQ(Stored(L"DWGImportLines"), SettingValue(std::int16_t{-1}));
+    EXPECT_EQ(Stored(L"DWGImportText"), SettingValue(std::int16_t{0}));
+    EXPECT_EQ(Stored(L"DEMThinningFactor"), SettingValue(std::int16_t{16}));
+    EXPECT_EQ(settings.GetText(L"DWGShpFolder", L""), L"<ORVEX_PROJECT_PATH>/ä");
+    EXPECT_EQ(settings.GetText(L"DEMThinningFactor", L"none"), L"none");
+    EXPECT_EQ(settings.GetText(L"DEMLASFolder", L"none"), L"none");
+}
+
+TEST_F(SystemSettingsTest, FailuresGiveFallbacksAndKeepOldValues) {
+    Stored(L"DEMThinningFactor") = std::int16_t{16};
+    SystemSettings settings(host_);
+    host_.setResult = kHostFail;
+    settings.SetInt16(L"DEMThinningFactor", 4);
+    EXPECT_EQ(settings.GetNumber(L"DEMThinningFactor", 2), 16);
+    host_.getResult = kHostFail;
+    EXPECT_EQ(settings.GetNumber(L"DEMThinningFactor", 2), 2);
+
+    host_.createSettingsResult = kHostClassNotRegistered;
+    try {
+        const SystemSettings none(host_);
+        FAIL() << "no error";
+    } catch (const LDataError& error) {
+        EXPECT_EQ(error.Text(), L"Failed to create OrvexSystemSettings object");
+    }
+}
+
+}  // namespace
+}  // namespace orvex
