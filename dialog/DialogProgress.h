@@ -1,4 +1,5 @@
 #pragma once
+#include <QElapsedTimer>
 #include <QObject>
 
 #include "support/ProgressIf.h"
@@ -14,6 +15,7 @@ class DialogProgress final : public QObject, public Kst::ProgressIf {
     Q_OBJECT
 
   public:
+    /// `bar` must outlive the object; it is hidden until a run starts.
     explicit DialogProgress(QProgressBar* bar, QObject* parent = nullptr);
     ~DialogProgress() override;
 
@@ -37,6 +39,11 @@ class DialogProgress final : public QObject, public Kst::ProgressIf {
     bool IsCancelled() override;
     bool IsRunning() const { return running_; }
 
+    /// Asks the run to stop, as Escape does; without effect when none is on.
+    void Stop();
+    /// True while the last run was stopped so short a time ago that another Escape was meant for it too.
+    bool WasStoppedJustNow() const;
+
   signals:
     void RunningChanged(bool running);
 
@@ -44,10 +51,16 @@ class DialogProgress final : public QObject, public Kst::ProgressIf {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    void Begin();
+    void End();
+    bool IsOfMyWindow(const QObject* watched) const;
+
     QProgressBar* bar_;
     bool running_ = false;
     bool cancelled_ = false;
-    std::int64_t lastPumpMs_ = 0;
+    std::uint64_t total_ = 0;
+    QElapsedTimer sincePump_;
+    QElapsedTimer sinceStopped_;
 };
 
 }  // namespace orvex

@@ -1,0 +1,92 @@
+#include "dialog/BackgroundRun.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include "support/ProgressIf.h"
+
+namespace orvex {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr auto kPollEvery = std::chrono::milliseconds(4);
+constexpr auto kPatience = std::chrono::seconds(1);
+
+struct Shared {
+    std::mutex lock;
+    std::condition_variable ended;
+    bool done = false;
+    std::exception_ptr failure;
+    std::stop_source stop;
+};
+
+void Work(const std::shared_ptr<Shared>& shared, std::function<void(std::stop_token)> work) {
+    std::exception_ptr failure;
+    try {
+        work(shared->stop.get_token());
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    work = nullptr;  // what it owns is gone before the run counts as ended
+    const std::lock_guard guard(shared->lock);
+    shared->failure = failure;
+    shared->done = true;
+    shared->ended.notify_all();
+}
+
+bool WaitForEnd(Shared& shared) {
+    std::unique_lock guard(shared.lock);
+    return shared.ended.wait_for(guard, kPollEvery, [&] { return shared.done; });
+}
+
+// Asks the work to stop however this thread leaves the run.
+class StopOnExit {
+  public:
+    explicit StopOnExit(Shared& shared) : shared_(shared) {}
+    ~StopOnExit() { shared_.stop.request_stop(); }
+    StopOnExit(const StopOnExit&) = delete;
+    StopOnExit& operator=(const StopOnExit&) = delete;
+
+  private:
+    Shared& shared_;
+};
+
+}  // namespace
+
+RunEnd RunInBackground(std::function<void(std::stop_token)> work, Kst::ProgressIf& progress,
+                       const std::function<PollResult()>& poll) {
+    const auto shared = std::make_shared<Shared>();
+    std::thread(Work, shared, std::move(work)).detach();
+    const StopOnExit stopOnExit(*shared);
+    std::optional<Clock::time_point> stoppedAt;
+    while (!WaitForEnd(*shared)) {
+        if (poll() == PollResult::Abandon) {
+            return RunEnd::Abandoned;
+        }
+        if (!stoppedAt && progress.IsCancelled()) {
+            shared->stop.request_stop();
+            stoppedAt = Clock::now();
+        }
+        if (stoppedAt && Clock::now() - *stoppedAt > kPatience) {
+            return RunEnd::Abandoned;
+        }
+        if (stoppedAt) {
+            progress.IsCancelled();  // the window stays alive while the last file is awaited
+        }
+    }
+    const std::exception_ptr failure = shared->failure;
+    if (poll() == PollResult::Abandon) {
+        return RunEnd::Abandoned;
+    }
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+    return stoppedAt ? RunEnd::Stopped : RunEnd::Finished;
+}
+
+}  // namespace orvex

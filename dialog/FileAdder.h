@@ -1,0 +1,123 @@
+#pragma once
+// Adding files to a page's grid: duplicate check, inspection on a worker thread, progress, Escape, and the
+// question whether to go on.
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "support/Text.h"
+
+namespace Kst {
+class ProgressIf;
+}
+
+namespace orvex {
+
+class UserPrompts;
+
+/// What differs between the pages.
+struct AddingDescription {
+    StringId progressText;           ///< two %d: the ordinal of the file and how many there are
+    StringId confirmText = {};       ///< one %d: how many files there are; 0: never asked
+    StringId confirmCaption = {};    ///< of that question
+    std::size_t confirmAtRows = 10;  ///< the question comes when the grid reaches exactly this many rows
+    /// A second path under which a file may be listed already (the LAS file of a LAZ file and the reverse);
+    /// empty text or no function: none. Called on the worker thread.
+    std::function<std::wstring(const std::wstring& path)> buddy;
+};
+
+/// What is to be added to what.
+struct AddingRequest {
+    std::vector<std::wstring> paths;              ///< full paths, added in this order
+    std::unordered_set<std::wstring> listedKeys;  ///< PathKey of every path in the grid
+    std::size_t rowsBefore = 0;                   ///< rows in the grid
+};
+
+struct AddingSummary {
+    std::size_t offered = 0;     ///< paths asked for
+    std::size_t added = 0;       ///< records delivered
+    std::size_t skipped = 0;     ///< listed already, under their own path or their buddy's
+    bool stopped = false;        ///< by Escape or by the answer to the question; the rest was not looked at
+    std::wstring abandonedPath;  ///< the file that did not answer when the run was stopped; empty: none
+};
+
+namespace adding {
+
+/// A record whose type only the page knows.
+struct Inspected {
+    virtual ~Inspected() = default;
+};
+using InspectedPtr = std::unique_ptr<Inspected>;
+
+struct Steps {
+    std::function<InspectedPtr(const std::wstring& path)> inspect;  ///< on the worker thread
+    std::function<void(std::vector<InspectedPtr> batch)> deliver;   ///< on this thread
+};
+
+AddingSummary Run(const AddingDescription& description, AddingRequest request, const Steps& steps,
+                  UserPrompts& prompts, Kst::ProgressIf& progress);
+
+}  // namespace adding
+
+/// Adds files for a page whose rows show records of one type (movable).
+template <typename Record>
+class FileAdder {
+  public:
+    /// Reads one file. Runs on a worker thread that may outlive the page (a network drive that never
+    /// answers): it must own whatever it touches.
+    using Inspect = std::function<Record(const std::wstring& path)>;
+    /// The record of a file whose inspection threw; on the worker thread too.
+    using Failed = std::function<Record(const std::wstring& path, const std::wstring& message)>;
+    /// Takes records into the grid, in the order of the paths: a batch at most every 30 ms or 100 records.
+    using Deliver = std::function<void(std::vector<Record> batch)>;
+
+    FileAdder(AddingDescription description, Inspect inspect, Failed failed)
+        : description_(std::move(description)), inspect_(std::move(inspect)), failed_(std::move(failed)) {}
+
+    /// Returns when all files are added or the run was stopped. The caller opens the DialogProgress::Run and
+    /// keeps its controls disabled meanwhile: events are handled. An exception of `deliver` ends the run and
+    /// passes.
+    AddingSummary Add(AddingRequest request, const Deliver& deliver, UserPrompts& prompts,
+                      Kst::ProgressIf& progress) const;
+
+  private:
+    struct Holder final : adding::Inspected {
+        explicit Holder(Record taken) : record(std::move(taken)) {}
+        Record record;
+    };
+
+    AddingDescription description_;
+    Inspect inspect_;
+    Failed failed_;
+};
+
+/// The text of the exception that is being handled, as the row of the file shows it.
+std::wstring InspectionFailureText();
+
+template <typename Record>
+AddingSummary FileAdder<Record>::Add(AddingRequest request, const Deliver& deliver, UserPrompts& prompts,
+                                     Kst::ProgressIf& progress) const {
+    adding::Steps steps;
+    steps.inspect = [inspect = inspect_, failed = failed_](const std::wstring& path) -> adding::InspectedPtr {
+        try {
+            return std::make_unique<Holder>(inspect(path));
+        } catch (...) {
+            return std::make_unique<Holder>(failed(path, InspectionFailureText()));
+        }
+    };
+    steps.deliver = [&deliver](std::vector<adding::InspectedPtr> batch) {
+        std::vector<Record> records;
+        records.reserve(batch.size());
+        for (adding::InspectedPtr& inspected : batch) {
+            records.push_back(std::move(static_cast<Holder&>(*inspected).record));
+        }
+        deliver(std::move(records));
+    };
+    return adding::Run(description_, std::move(request), steps, prompts, progress);
+}
+
+}  // namespace orvex

@@ -1,0 +1,41 @@
+#pragma once
+// Finding the files that a page can list: in folders, and among what was dropped.
+#include <cstddef>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+namespace Kst {
+class ProgressIf;
+}
+
+namespace orvex {
+
+struct ScanRequest {
+    std::vector<std::wstring> paths;       ///< folders and files
+    std::vector<std::wstring> extensions;  ///< upper-cased, with their dot: ".LAS"
+    bool recursive = true;                 ///< subfolders too
+};
+
+struct ScanResult {
+    /// Full paths. Files that were named come in the order given; those of a folder in natural order.
+    std::vector<std::wstring> files;
+    std::vector<std::wstring> unreadable;  ///< folders that could not be listed, or not to their end
+    std::size_t ignored = 0;               ///< files that were named but have another extension
+    bool stopped = false;                  ///< the user stopped it; `files` is what was found until then
+};
+
+/// Searches on the thread that calls. Links to folders are followed, each folder is listed once however it is
+/// reached. Throws nothing but
+/// bad_alloc.
+ScanResult ScanPaths(const ScanRequest& request, const std::stop_token& stop);
+
+/// Searches on a worker thread while the window stays alive; Escape stops it. The caller opens the
+/// DialogProgress::Run. `progressText` is shown while it lasts.
+ScanResult ScanPathsWithProgress(ScanRequest request, const std::wstring& progressText,
+                                 Kst::ProgressIf& progress);
+
+/// Whether a path has one of the extensions.
+bool HasExtension(const std::wstring& path, const std::vector<std::wstring>& extensions);
+
+}  // namespace orvex

@@ -1,0 +1,16 @@
+#pragma once
+// Conversions between the component's wide texts and QString.
+#include <QString>
+#include <string>
+#include <string_view>
+
+namespace orvex {
+
+/// The same text as a QString. Lone surrogates stay as they are, so any file name comes back unchanged from
+/// ToWide; values that are no code point become U+FFFD.
+QString ToQString(std::wstring_view text);
+
+/// The same text as the component's wide text. Lossless for every QString, well formed or not.
+std::wstring ToWide(const QString& text);
+
+}  // namespace orvex
