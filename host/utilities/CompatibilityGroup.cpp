@@ -1,0 +1,150 @@
+// Which LAS files can lie in one layer.
+#include <cpl_conv.h>
+
+#include <cctype>
+#include <charconv>
+#include <set>
+#include <string_view>
+
+#include "host/utilities/CrsReading.h"
+#include "orvexcommon/OrvexUtilities.h"
+#include "support/GdalErrorScope.h"
+
+using namespace orvex;
+
+namespace {
+
+// From this confidence on a CRS of PROJ's database is the same CRS, at most under another name.
+constexpr int kSameCrs = 90;
+
+/// A number as the group writes it. The foot and the US survey foot differ in the sixth digit; writers of CRS
+/// texts round from the tenth on.
+std::string NumberText(double number) {
+    char buffer[32];
+    const auto result = std::to_chars(buffer, buffer + sizeof(buffer), number, std::chars_format::general, 9);
+    return {buffer, result.ptr};
+}
+
+std::string AuthorityText(const char* authority, const char* code) {
+    return authority == nullptr || code == nullptr ? std::string() : std::string(authority) + ":" + code;
+}
+
+/// The code of the same CRS in PROJ's database, for a CRS that comes without one; empty when there is none.
+std::string FindCode(const OGRSpatialReference& crs) {
+    int count = 0;
+    int* confidences = nullptr;
+    OGRSpatialReferenceH* matches = crs.FindMatches(nullptr, &count, &confidences);
+    std::string code;
+    // The best match comes first.
+    if (count > 0 && confidences[0] >= kSameCrs) {
+        const auto* match = OGRSpatialReference::FromHandle(matches[0]);
+        code = AuthorityText(match->GetAuthorityName(nullptr), match->GetAuthorityCode(nullptr));
+    }
+    OSRFreeSRSArray(matches);
+    CPLFree(confidences);
+    return code;
+}
+
+/// A WKT with its numbers rounded (those outside of quotes) and, unless it is the CRS's identity, without the
+/// name that its writer chose.
+std::string NormalizedWkt(const OGRSpatialReference& crs, bool nameIsIdentity) {
+    std::string wkt = ExportWkt(crs, "WKT1_SIMPLE", false);
+    if (wkt.empty()) {
+        wkt = ExportWkt(crs, "WKT2_2019", false);
+    }
+    std::string text;
+    std::size_t quotes = 0;
+    for (std::size_t i = 0; i < wkt.size();) {
+        double number = 0;
+        const bool inQuotes = quotes % 2 == 1;
+        const auto [end, error] = std::from_chars(wkt.data() + i, wkt.data() + wkt.size(), number);
+        const bool afterComma = i > 0 && wkt[i - 1] == ',';
+        if (!inQuotes && afterComma && error == std::errc()) {
+            text += NumberText(number);
+            i = static_cast<std::size_t>(end - wkt.data());
+            continue;
+        }
+        if (nameIsIdentity || quotes != 1 || wkt[i] == '"') {
+            text += wkt[i];
+        }
+        quotes += wkt[i] == '"' ? 1 : 0;
+        ++i;
+    }
+    return text;
+}
+
+std::string HorizontalText(const OGRSpatialReference& crs);
+
+/// Method, parameters in an order of their own, and the geographic CRS below.
+std::string ProjectionText(const OGRSpatialReference& crs) {
+    const OGR_SRSNode* node = crs.GetAttrNode("PROJCS");
+    const char* method = crs.GetAttrValue("PROJECTION");
+    if (node == nullptr || method == nullptr) {
+        return NormalizedWkt(crs, false);
+    }
+    std::set<std::string> parameters;
+    for (int i = 0; i < node->GetChildCount(); ++i) {
+        const OGR_SRSNode* child = node->GetChild(i);
+        if (EQUAL(child->GetValue(), "PARAMETER") && child->GetChildCount() == 2) {
+            parameters.insert(std::string(child->GetChild(0)->GetValue()) + "=" +
+                              NumberText(CPLAtof(child->GetChild(1)->GetValue())));
+        }
+    }
+    std::string text = method;
+    for (const std::string& parameter : parameters) {
+        text += " " + parameter;
+    }
+    OGRSpatialReference* base = crs.CloneGeogCS();
+    text += base == nullptr ? "" : " on " + HorizontalText(*base);
+    OSRRelease(OGRSpatialReference::ToHandle(base));
+    return text;
+}
+
+/// A CRS without a vertical part: its code where it has one or can be given one, else its definition.
+std::string HorizontalText(const OGRSpatialReference& crs) {
+    std::string identity = AuthorityText(crs.GetAuthorityName(nullptr), crs.GetAuthorityCode(nullptr));
+    if (identity.empty() && (crs.IsGeographic() || crs.IsProjected())) {
+        identity = FindCode(crs);
+    }
+    if (identity.empty()) {
+        identity = crs.IsProjected() ? ProjectionText(crs) : NormalizedWkt(crs, crs.IsLocal() != 0);
+    }
+    const double unit = crs.IsGeographic() ? crs.GetAngularUnits() : crs.GetLinearUnits();
+    return identity + " unit " + NumberText(unit);
+}
+
+std::string VerticalText(const OGRSpatialReference& crs) {
+    const OGR_SRSNode* node = VerticalNode(crs);
+    if (node == nullptr) {
+        return "none";
+    }
+    const char* key = node->GetValue();
+    std::string identity = AuthorityText(crs.GetAuthorityName(key), crs.GetAuthorityCode(key));
+    if (identity.empty() && node->GetChildCount() > 0) {
+        for (const char letter : std::string_view(node->GetChild(0)->GetValue())) {
+            if (std::isalnum(static_cast<unsigned char>(letter)) != 0) {
+                identity += static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
+            }
+        }
+    }
+    return identity + " unit " + NumberText(crs.GetTargetLinearUnits(key));
+}
+
+}  // namespace
+
+std::string OrvexUtilities::GetCompatibilityGroup(const std::string& wkt) {
+    const std::string_view text(wkt.c_str());
+    if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {
+        return "no CRS";
+    }
+    const GdalErrorScope errors;
+    OGRSpatialReference crs;
+    if (!ImportWkt(wkt, crs)) {
+        // Files with the same unreadable text were made alike.
+        return "unreadable " + std::string(text);
+    }
+    OGRSpatialReference horizontal = HorizontalPart(crs);
+    // A shift to WGS 84 that one writer adds does not make another CRS.
+    horizontal.StripTOWGS84IfKnownDatum();
+    return HorizontalText(horizontal) + ", vertical " + VerticalText(crs);
+}

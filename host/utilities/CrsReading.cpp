@@ -1,0 +1,60 @@
+#include "host/utilities/CrsReading.h"
+
+#include <cpl_conv.h>
+
+#include <charconv>
+#include <string_view>
+
+namespace orvex {
+namespace {
+
+// The longest WKTs of the EPSG database have some ten thousand characters.
+constexpr std::size_t kMaxWktLength = 1 << 20;
+
+}  // namespace
+
+bool ImportWkt(const std::string& wkt, OGRSpatialReference& crs) {
+    return !wkt.empty() && wkt.size() <= kMaxWktLength && crs.importFromWkt(wkt.c_str()) == OGRERR_NONE;
+}
+
+std::string ExportWkt(const OGRSpatialReference& crs, const char* format, bool multiLine) {
+    const std::string formatOption = std::string("FORMAT=") + format;
+    const char* const options[] = {formatOption.c_str(), multiLine ? "MULTILINE=YES" : "MULTILINE=NO",
+                                   nullptr};
+    char* text = nullptr;
+    const OGRErr error = crs.exportToWkt(&text, options);
+    std::string wkt = error == OGRERR_NONE && text != nullptr ? text : "";
+    CPLFree(text);
+    return wkt;
+}
+
+OGRSpatialReference HorizontalPart(const OGRSpatialReference& crs) {
+    OGRSpatialReference part(crs);
+    if (part.IsCompound()) {
+        part.StripVertical();
+    }
+    return part;
+}
+
+const OGR_SRSNode* VerticalNode(const OGRSpatialReference& crs) {
+    for (const char* name : {"VERT_CS", "VERTCRS", "VERTICALCRS"}) {
+        if (const OGR_SRSNode* node = crs.GetAttrNode(name); node != nullptr) {
+            return node;
+        }
+    }
+    return nullptr;
+}
+
+long EpsgCode(const OGRSpatialReference& crs, const char* node) {
+    const char* authority = crs.GetAuthorityName(node);
+    const char* text = crs.GetAuthorityCode(node);
+    if (authority == nullptr || text == nullptr || std::string_view(authority) != "EPSG") {
+        return 0;
+    }
+    const std::string_view digits(text);
+    long code = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), code);
+    return error == std::errc() && end == digits.data() + digits.size() && code > 0 ? code : 0;
+}
+
+}  // namespace orvex

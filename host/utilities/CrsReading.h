@@ -1,0 +1,24 @@
+#pragma once
+#include <ogr_spatialref.h>
+
+#include <string>
+
+namespace orvex {
+
+/// Reads a WKT of any dialect. False when it is empty, longer than any CRS is, or no WKT. Call it inside a
+/// GdalErrorScope.
+bool ImportWkt(const std::string& wkt, OGRSpatialReference& crs);
+
+/// The CRS in a format of GDAL's ("WKT1_GDAL", "WKT2_2019", ...); empty when it cannot be expressed in it.
+std::string ExportWkt(const OGRSpatialReference& crs, const char* format, bool multiLine);
+
+/// The horizontal part of a compound CRS, else the CRS itself.
+OGRSpatialReference HorizontalPart(const OGRSpatialReference& crs);
+
+/// The node of the vertical part, whatever dialect the WKT was in; null when there is none.
+const OGR_SRSNode* VerticalNode(const OGRSpatialReference& crs);
+
+/// EPSG code of the CRS (null) or of a node ("PROJCS|UNIT"); 0 when it has none, or one of another authority.
+long EpsgCode(const OGRSpatialReference& crs, const char* node = nullptr);
+
+}  // namespace orvex

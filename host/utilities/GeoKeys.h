@@ -1,0 +1,24 @@
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace orvex {
+
+/// The GeoTIFF keys of a LAS file, checked: every key that is left lies inside its record and has the kind of
+/// value that its number says.
+struct GeoKeys {
+    std::vector<std::uint16_t> directory;  ///< four numbers of header, then four a key; empty for no keys
+    std::vector<double> doubles;
+    std::string text;
+};
+
+/// Reads the payloads of the records 34735, 34736 and 34737. What cannot be used is left out; `reason` then
+/// says what, for the user.
+GeoKeys ReadGeoKeys(const std::string& directory, const std::string& doubles, const std::string& text,
+                    std::wstring& reason);
+
+/// A TIFF file of one pixel that holds the keys, as GDAL reads them.
+std::string GeoKeysToTiff(const GeoKeys& keys);
+
+}  // namespace orvex

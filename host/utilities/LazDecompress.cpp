@@ -1,0 +1,241 @@
+#include "host/utilities/LazDecompress.h"
+
+#include <laszip/laszip_api.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+
+#include "support/Format.h"
+#include "support/LDataError.h"
+#include "support/MappedFile.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+constexpr std::uint64_t kPointsPerStep = 20000;
+// More points than any drive holds; the codec counts with signed numbers.
+constexpr std::uint64_t kMaxPoints = std::uint64_t{1} << 62;
+constexpr std::uint64_t kCopyBlock = 1 << 20;
+constexpr std::uint64_t kOffsetOfWaveformStart = 227;
+constexpr std::uint64_t kOffsetOfExtendedStart = 235;
+constexpr std::uint64_t kOffsetOfExtendedCount = 243;
+
+LaszipHandle CreateCodec() {
+    laszip_POINTER codec = nullptr;
+    if (laszip_create(&codec) != 0) {
+        throw LDataError(Text(40306_lsid));
+    }
+    return LaszipHandle(codec);
+}
+
+/// LAS 1.4 has a 64-bit count beside the old one, which may then be 0.
+std::uint64_t PointCountOf(const laszip_header& header) {
+    return header.version_minor >= 4 && header.extended_number_of_point_records != 0
+               ? header.extended_number_of_point_records
+               : header.number_of_point_records;
+}
+
+std::wstring CodecError(const LaszipHandle& codec) {
+    laszip_CHAR* text = nullptr;
+    if (laszip_get_error(codec.get(), &text) != 0 || text == nullptr) {
+        return {};
+    }
+    return FromUtf8(text);
+}
+
+}  // namespace
+
+void LaszipDeleter::operator()(void* codec) const noexcept {
+    // Destroying also frees what an open reader or writer holds; nothing is written any more.
+    laszip_clean(codec);
+    laszip_destroy(codec);
+}
+
+LazDecompressor::LazDecompressor(const std::wstring& lazPath, const std::wstring& lasPath,
+                                 Kst::ProgressIf& progress)
+    : lazPath_(lazPath), lasPath_(lasPath), progress_(progress), temporary_(ToPath(lasPath)) {}
+
+bool LazDecompressor::Run() {
+    std::error_code error;
+    if (std::filesystem::equivalent(ToPath(lazPath_), ToPath(lasPath_), error)) {
+        throw LDataError(FormatText(Text(40305_lsid), {lazPath_}));
+    }
+    layout_ = ReadLazLayout(lazPath_);
+    extendedRecords_ = ReadExtendedRecords(lazPath_, layout_);
+    OpenInput();
+    RequireSpace();
+    OpenOutput();
+    if (!CopyPoints() || !CopyExtendedRecords()) {
+        return false;
+    }
+    PatchHeader();
+    Finish();
+    return true;
+}
+
+void LazDecompressor::OpenInput() {
+    errno = 0;
+    input_.open(ToPath(lazPath_), std::ios::binary);
+    if (!input_) {
+        throw LDataError(FormatText(Text(40300_lsid), {lazPath_, SystemErrorText(errno)}));
+    }
+    reader_ = CreateCodec();
+    // Points of formats 6 to 10 that were packed into older formats for old readers come out as they were.
+    CheckRead(laszip_request_compatibility_mode(reader_.get(), 1));
+    laszip_BOOL compressed = 0;
+    CheckRead(laszip_open_reader_stream(reader_.get(), input_, &compressed));
+    CheckRead(laszip_get_header_pointer(reader_.get(), &header_));
+    pointCount_ = PointCountOf(*header_);
+    if (pointCount_ > kMaxPoints) {
+        throw LDataError(FormatText(Text(40302_lsid), {lazPath_}));
+    }
+}
+
+void LazDecompressor::RequireSpace() const {
+    std::error_code error;
+    std::filesystem::path folder = ToPath(lasPath_).parent_path();
+    const auto space = std::filesystem::space(folder.empty() ? "." : folder, error);
+    if (error) {
+        return;  // a drive that does not tell; writing will
+    }
+    double needed = static_cast<double>(layout_.offsetToPoints) +
+                    static_cast<double>(pointCount_) * header_->point_data_record_length;
+    for (const ExtendedRecord& record : extendedRecords_) {
+        needed += static_cast<double>(record.length);
+    }
+    if (needed > static_cast<double>(space.available)) {
+        throw LDataError(FormatText(Text(40304_lsid),
+                                    {lasPath_, needed * 1e-6, static_cast<double>(space.available) * 1e-6}));
+    }
+}
+
+void LazDecompressor::OpenOutput() {
+    errno = 0;
+    output_.open(temporary_.Path(), std::ios::binary | std::ios::trunc);
+    if (!output_) {
+        FailToWrite(errno);
+    }
+    writer_ = CreateCodec();
+    CheckWritten(laszip_preserve_generating_software(writer_.get(), 1));
+    CheckWritten(laszip_set_header(writer_.get(), header_));
+    // The octree of a COPC file holds places of compressed chunks; a LAS file that kept it would claim an
+    // index that leads nowhere. Not finding the record is no error.
+    laszip_remove_vlr(writer_.get(), "copc", 1);
+    CheckWritten(laszip_open_writer_stream(writer_.get(), output_, 0, 0));
+}
+
+bool LazDecompressor::CopyPoints() {
+    laszip_point_struct* point = nullptr;
+    CheckRead(laszip_get_point_pointer(reader_.get(), &point));
+    progress_.SetRange(pointCount_);
+    for (std::uint64_t done = 0; done < pointCount_;) {
+        if (progress_.IsCancelled()) {
+            return false;
+        }
+        const std::uint64_t stepEnd = done + std::min(kPointsPerStep, pointCount_ - done);
+        for (; done < stepEnd; ++done) {
+            CheckRead(laszip_read_point(reader_.get()));
+            CheckWritten(laszip_set_point(writer_.get(), point));
+            CheckWritten(laszip_write_point(writer_.get()));
+        }
+        progress_.SetPosition(done);
+    }
+    CheckWritten(laszip_close_writer(writer_.get()));
+    return true;
+}
+
+bool LazDecompressor::CopyExtendedRecords() {
+    input_.clear();
+    for (const ExtendedRecord& record : extendedRecords_) {
+        const auto place = static_cast<std::uint64_t>(output_.tellp());
+        if (!CopyBytes(record.offset, record.length)) {
+            return false;
+        }
+        if (extendedStart_ == 0) {
+            extendedStart_ = place;
+        }
+        if (record.isWaveform) {
+            waveformStart_ = place;
+        }
+        ++extendedCount_;
+    }
+    return true;
+}
+
+bool LazDecompressor::CopyBytes(std::uint64_t from, std::uint64_t length) {
+    std::vector<char> block(static_cast<std::size_t>(std::min(kCopyBlock, length)));
+    input_.seekg(static_cast<std::streamoff>(from));
+    while (length > 0) {
+        if (progress_.IsCancelled()) {
+            return false;
+        }
+        const auto part = static_cast<std::streamsize>(std::min<std::uint64_t>(block.size(), length));
+        errno = 0;
+        if (!input_.read(block.data(), part)) {
+            throw LDataError(FormatText(Text(40300_lsid), {lazPath_, SystemErrorText(errno)}));
+        }
+        CheckWritten(output_.write(block.data(), part) ? 0 : 1);
+        length -= static_cast<std::uint64_t>(part);
+    }
+    return true;
+}
+
+void LazDecompressor::PatchHeader() {
+    if (layout_.waveformStart != 0) {
+        PatchField(kOffsetOfWaveformStart, waveformStart_);
+    }
+    if (header_->version_minor >= 4) {
+        PatchField(kOffsetOfExtendedStart, extendedStart_);
+        PatchField(kOffsetOfExtendedCount, extendedCount_);
+    }
+}
+
+template <typename T>
+void LazDecompressor::PatchField(std::uint64_t offset, T value) {
+    output_.seekp(static_cast<std::streamoff>(offset));
+    output_.write(reinterpret_cast<const char*>(&value), sizeof(value));
+}
+
+void LazDecompressor::Finish() {
+    errno = 0;
+    output_.close();
+    if (!output_) {
+        FailToWrite(errno);
+    }
+    std::error_code error;
+    const auto time = std::filesystem::last_write_time(ToPath(lazPath_), error);
+    if (!error) {
+        std::filesystem::last_write_time(temporary_.Path(), time, error);
+    }
+    if (!error) {
+        error = temporary_.Commit();
+    }
+    if (error) {
+        FailToWrite(error.value());
+    }
+}
+
+void LazDecompressor::CheckRead(int result) const {
+    if (result != 0) {
+        throw LDataError(FormatText(Text(40307_lsid), {lazPath_, CodecError(reader_)}));
+    }
+}
+
+void LazDecompressor::CheckWritten(int result) const {
+    if (result == 0) {
+        return;
+    }
+    // The system's reason is still in errno: the stream that failed was the last to call the system.
+    if (!output_) {
+        FailToWrite(errno);
+    }
+    throw LDataError(FormatText(Text(40303_lsid), {lasPath_, CodecError(writer_)}));
+}
+
+void LazDecompressor::FailToWrite(int systemError) const {
+    throw LDataError(FormatText(Text(40303_lsid), {lasPath_, SystemErrorText(systemError)}));
+}
+
+}  // namespace orvex

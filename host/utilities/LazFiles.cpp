@@ -1,0 +1,89 @@
+// LAZ files and their LAS buddies: tests and names.
+#include <chrono>
+#include <filesystem>
+#include <optional>
+
+#include "host/utilities/LazDecompress.h"
+#include "orvexcommon/OrvexUtilities.h"
+#include "support/FolderAccess.h"
+#include "support/LDataError.h"
+#include "support/MappedFile.h"
+#include "support/Text.h"
+
+using namespace orvex;
+
+namespace {
+
+/// Seconds since the epoch of the file clock; none when the file is not there.
+std::optional<std::chrono::seconds> ModifiedSeconds(const std::wstring& path) {
+    std::error_code error;
+    const auto time = std::filesystem::last_write_time(ToPath(path), error);
+    if (error) {
+        return std::nullopt;
+    }
+    return std::chrono::floor<std::chrono::seconds>(time.time_since_epoch());
+}
+
+/// The folder of a path; the current one for a bare name.
+std::filesystem::path FolderOrCurrent(const std::wstring& path) {
+    const std::filesystem::path folder = ToPath(path).parent_path();
+    return folder.empty() ? std::filesystem::path(".") : folder;
+}
+
+}  // namespace
+
+bool OrvexUtilities::IsLAZFile(const std::wstring& path) {
+    return UpperExtensionOf(path) == L".LAZ";
+}
+
+bool OrvexUtilities::IsLAZEnabled(const std::wstring& path) {
+    return IsLAZFile(path) && FileExists(path) &&
+           (LAZEnabledLASFileExists(path) || CanCreateFilesIn(FolderOrCurrent(path)));
+}
+
+std::wstring OrvexUtilities::GetLAZBuddyPath(const std::wstring& path) {
+    const std::wstring extension = UpperExtensionOf(path);
+    if (extension != L".LAZ" && extension != L".LAS") {
+        return {};
+    }
+    std::wstring buddy = path;
+    switch (buddy.back()) {
+        case L'z':
+            buddy.back() = L's';
+            break;
+        case L'Z':
+            buddy.back() = L'S';
+            break;
+        case L's':
+            buddy.back() = L'z';
+            break;
+        default:
+            buddy.back() = L'Z';
+            break;
+    }
+    return buddy;
+}
+
+bool OrvexUtilities::IsLAZNewer(const std::wstring& lazPath) {
+    const auto laz = ModifiedSeconds(lazPath);
+    if (!IsLAZFile(lazPath) || !laz) {
+        return false;
+    }
+    const auto las = ModifiedSeconds(GetLAZBuddyPath(lazPath));
+    return !las || *laz > *las;
+}
+
+bool OrvexUtilities::LAZEnabledLASFileExists(const std::wstring& lazPath) {
+    return IsLAZFile(lazPath) && FileExists(GetLAZBuddyPath(lazPath));
+}
+
+bool OrvexUtilities::LAZDecompress(const std::wstring& lazPath, const std::wstring& lasPath,
+                                   Kst::ProgressIf& progress, std::wstring& reason) {
+    reason.clear();
+    try {
+        return LazDecompressor(lazPath, lasPath, progress).Run();
+    } catch (...) {
+        reason = CurrentExceptionText();
+        return false;
+    }
+}

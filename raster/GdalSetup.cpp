@@ -1,0 +1,81 @@
+#include "raster/GdalSetup.h"
+
+#include <cpl_conv.h>
+#include <cpl_string.h>
+#include <gdal.h>
+#include <ogr_srs_api.h>
+
+#include <mutex>
+
+#include "orvexcommon/OrvexUtilities.h"
+#include "support/GdalErrorScope.h"
+#include "support/ModuleFolder.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+constexpr std::int32_t kReady = 0;
+constexpr auto kFailed = static_cast<std::int32_t>(0x80004005U);
+constexpr double kCacheFraction = 0.25;
+
+std::string Utf8Of(const std::filesystem::path& path) {
+    return ToUtf8(FromPath(path));
+}
+
+/// PROJ's data beside the component comes before the system's, so that a moved folder brings its own.
+void AddProjFolder(const std::filesystem::path& folder) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(folder / "proj.db", error)) {
+        return;
+    }
+    CPLStringList paths;
+    paths.AddString(Utf8Of(folder).c_str());
+    const CPLStringList known(OSRGetPROJSearchPaths());
+    for (int i = 0; i < known.size(); ++i) {
+        if (paths.FindString(known[i]) < 0) {
+            paths.AddString(known[i]);
+        }
+    }
+    OSRSetPROJSearchPaths(paths.List());
+}
+
+bool SetUp(const std::filesystem::path& folder) {
+    const std::filesystem::path data = folder / "gdal-data";
+    const std::filesystem::path plugins = folder / "gdalplugins";
+    std::error_code error;
+    if (!std::filesystem::is_directory(data, error) || !std::filesystem::is_directory(plugins, error) ||
+        !std::filesystem::exists(data / "pcs.csv", error)) {
+        return false;
+    }
+    const GdalErrorScope errors;
+    CPLSetConfigOption("GDAL_DATA", Utf8Of(data).c_str());
+    CPLSetConfigOption("GDAL_DRIVER_PATH", Utf8Of(plugins).c_str());
+    AddProjFolder(folder / "proj");
+    OrvexUtilities::SetGDALRasterCacheSize(kCacheFraction);
+    GDALAllRegister();
+    return true;
+}
+
+}  // namespace
+
+std::int32_t GdalSetup::Run(const std::filesystem::path& folder) {
+    if (!attempted_) {
+        attempted_ = true;
+        succeeded_ = SetUp(folder);
+    }
+    return succeeded_ ? kReady : kFailed;
+}
+
+std::int32_t GdalSetup::Run() {
+    return Run(ModuleFolder());
+}
+
+std::int32_t EnsureGdal() {
+    static std::mutex lock;
+    static GdalSetup setup;
+    const std::lock_guard guard(lock);
+    return setup.Run();
+}
+
+}  // namespace orvex
