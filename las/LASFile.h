@@ -2,7 +2,6 @@
 // One LAS file: its header, its records and, when asked, its point data.
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -14,7 +13,6 @@
 #include "las/LasRecords.h"
 #include "orvexcommon/LasFileInfo.h"
 #include "support/MappedFile.h"
-#include "support/ProgressIf.h"
 
 namespace orvex {
 
@@ -49,6 +47,8 @@ class LASFile final : public LasFileInfo {
     const std::vector<EvlrEntry>& GetEVLRs() const;
 
     bool HasProjectionRecords() const;
+    /// The data of the first "LASF_Projection" record of an id, from the VLRs, else the EVLRs, or none.
+    std::optional<std::span<const std::byte>> FindProjectionRecord(std::uint16_t recordId) const;
     /// The data of the "LASF_Projection" record 34735, or none.
     std::optional<std::span<const std::byte>> FindGeoKeyDirectory() const;
     /// The data of the "LASF_Projection" record 2112, from the VLRs, else the EVLRs, or none.
@@ -57,7 +57,8 @@ class LASFile final : public LasFileInfo {
     const ExtraBytes& GetExtraBytes() const;
     bool HasRangeIncidencePhotoIndex() const;
 
-    /// The point data; null when it was not mapped.
+    /// The point data; null when it was not mapped: that was not asked for, the points are compressed, or the
+    /// point record length is 0.
     const LasPointViews* Points() const;
 
   private:

@@ -41,7 +41,11 @@ struct LasFinding {
     std::wstring text;     ///< a sentence in plain words
 };
 
-/// Everything that is odd about a file's header and records, worst first, in file order among equals.
+/// Everything that is odd about a file's header and records, worst first, in file order among equals. Whether
+/// its CRS can be read is not asked here.
 std::vector<LasFinding> ValidateLas(const LASFile& file);
+
+/// Puts findings in that order.
+void SortFindings(std::vector<LasFinding>& findings);
 
 }  // namespace orvex

@@ -1,0 +1,56 @@
+#include "las/FileIdRegistry.h"
+
+namespace orvex {
+
+FileIdRegistry& FileIdRegistry::Instance() {
+    static FileIdRegistry registry;
+    return registry;
+}
+
+std::uint16_t FileIdRegistry::FileId(const std::wstring& fileName, std::uint16_t requested) {
+    const std::lock_guard guard(lock_);
+    if (requested != kAny) {
+        Record(fileName, requested);
+        return requested;
+    }
+    if (const auto known = idOfName_.find(fileName); known != idOfName_.end()) {
+        return known->second;
+    }
+    const std::uint16_t id = NextId();
+    if (id != kAny) {
+        Record(fileName, id);
+    }
+    return id;
+}
+
+std::uint16_t FileIdRegistry::NextId() const {
+    if (namesOfId_.empty()) {
+        return 0;
+    }
+    const auto next = static_cast<std::uint16_t>(namesOfId_.rbegin()->first + 1);
+    if (next != kAny || namesOfId_.size() == kAny) {
+        return next;
+    }
+    std::uint16_t free = 0;
+    for (const auto& [id, names] : namesOfId_) {
+        if (id != free) {
+            break;
+        }
+        ++free;
+    }
+    return free;
+}
+
+void FileIdRegistry::Record(const std::wstring& fileName, std::uint16_t id) {
+    const auto [entry, isNew] = idOfName_.try_emplace(fileName, id);
+    if (!isNew) {
+        const auto old = namesOfId_.find(entry->second);
+        if (--old->second == 0) {
+            namesOfId_.erase(old);
+        }
+        entry->second = id;
+    }
+    ++namesOfId_[id];
+}
+
+}  // namespace orvex

@@ -1,0 +1,70 @@
+#include "las/LasCrs.h"
+
+#include <algorithm>
+#include <map>
+#include <mutex>
+#include <tuple>
+
+#include "las/LASFile.h"
+#include "orvexcommon/OrvexUtilities.h"
+
+namespace orvex {
+namespace {
+
+constexpr std::size_t kMostCached = 256;
+
+std::string BytesOf(const LASFile& file, std::uint16_t recordId) {
+    const auto data = file.FindProjectionRecord(recordId);
+    return data ? std::string(reinterpret_cast<const char*>(data->data()), data->size()) : std::string();
+}
+
+// The text ends at its first zero; some writers pad it with blanks or line ends.
+std::string WktRecord(const LASFile& file) {
+    std::string text = BytesOf(file, kWktRecordId);
+    text.resize(std::min(text.find('\0'), text.size()));
+    text.erase(text.find_last_not_of(" \t\r\n") + 1);
+    return text;
+}
+
+// A folder of tiles shares a few CRSs, and a conversion costs far more than reading a header.
+std::string ConvertGeoKeys(const std::string& directory, const std::string& doubles,
+                           const std::string& text) {
+    static std::mutex lock;
+    static std::map<std::tuple<std::string, std::string, std::string>, std::string> cache;
+    auto key = std::make_tuple(directory, doubles, text);
+    {
+        const std::lock_guard guard(lock);
+        if (const auto known = cache.find(key); known != cache.end()) {
+            return known->second;
+        }
+    }
+    std::string reason;
+    std::string wkt = OrvexUtilities::CrsWktFromGeoKeys(directory, doubles, text, reason);
+    const std::lock_guard guard(lock);
+    if (cache.size() >= kMostCached) {
+        cache.clear();
+    }
+    cache.emplace(std::move(key), wkt);
+    return wkt;
+}
+
+std::string GeoKeysWkt(const LASFile& file) {
+    const std::string directory = BytesOf(file, kGeoKeyDirectoryRecordId);
+    if (directory.empty()) {
+        return {};
+    }
+    return ConvertGeoKeys(directory, BytesOf(file, kGeoDoublesRecordId), BytesOf(file, kGeoTextRecordId));
+}
+
+}  // namespace
+
+std::string LasWkt(const LASFile& file) {
+    const bool isWktFirst = file.Header().HasWktBit() || !file.FindGeoKeyDirectory();
+    std::string wkt = isWktFirst ? WktRecord(file) : GeoKeysWkt(file);
+    if (wkt.empty()) {
+        wkt = isWktFirst ? GeoKeysWkt(file) : WktRecord(file);
+    }
+    return wkt;
+}
+
+}  // namespace orvex

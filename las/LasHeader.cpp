@@ -1,0 +1,205 @@
+#include "las/LasHeader.h"
+
+#include <algorithm>
+
+#include "support/ByteReader.h"
+
+namespace orvex {
+namespace {
+
+// Byte offsets of the fields (table 3 of the LAS 1.4 format).
+namespace at {
+constexpr std::uint64_t kSignature = 0;
+constexpr std::uint64_t kFileSourceId = 4;
+constexpr std::uint64_t kGlobalEncoding = 6;
+constexpr std::uint64_t kProjectId = 8;
+constexpr std::uint64_t kVersionMajor = 24;
+constexpr std::uint64_t kVersionMinor = 25;
+constexpr std::uint64_t kSystemIdentifier = 26;
+constexpr std::uint64_t kGeneratingSoftware = 58;
+constexpr std::uint64_t kCreationDay = 90;
+constexpr std::uint64_t kCreationYear = 92;
+constexpr std::uint64_t kHeaderSize = 94;
+constexpr std::uint64_t kOffsetToPoints = 96;
+constexpr std::uint64_t kVlrCount = 100;
+constexpr std::uint64_t kPointFormat = 104;
+constexpr std::uint64_t kPointRecordLength = 105;
+constexpr std::uint64_t kLegacyPointCount = 107;
+constexpr std::uint64_t kLegacyPointsByReturn = 111;
+constexpr std::uint64_t kScale = 131;
+constexpr std::uint64_t kOffset = 155;
+constexpr std::uint64_t kMaximum = 179;  // maximum and minimum alternate: X, X, Y, Y, Z, Z
+constexpr std::uint64_t kMinimum = 187;
+constexpr std::uint64_t kWaveformStart = 227;
+constexpr std::uint64_t kEvlrStart = 235;
+constexpr std::uint64_t kEvlrCount = 243;
+constexpr std::uint64_t kPointCount = 247;
+constexpr std::uint64_t kPointsByReturn = 255;
+}  // namespace at
+
+constexpr std::uint64_t kTextLength = 32;
+constexpr std::uint8_t kCompressionBits = 0xC0;
+
+// How much of a header of the given size belongs to it. The start of the waveform data is there as a whole as
+// soon as the header is longer than the legacy one.
+std::size_t HeldBytes(std::uint16_t headerSize) {
+    if (headerSize <= LasHeader::kLegacySize) {
+        return LasHeader::kLegacySize;
+    }
+    return std::clamp<std::size_t>(headerSize, LasHeader::kWaveformSize, LasHeader::kSize);
+}
+
+}  // namespace
+
+LasHeader::LasHeader(std::span<const std::byte> block) : block_(block) {
+    block_ = block.first(std::min(block.size(), HeldBytes(HeaderSize())));
+}
+
+template <typename T>
+T LasHeader::Read(std::uint64_t offset) const {
+    return ByteReader(block_).Read<T>(offset);
+}
+
+bool LasHeader::HasSignature() const {
+    return ByteReader(block_).FixedText(at::kSignature, 4) == "LASF";
+}
+
+std::uint16_t LasHeader::FileSourceId() const {
+    return Read<std::uint16_t>(at::kFileSourceId);
+}
+
+std::uint16_t LasHeader::GlobalEncoding() const {
+    return Read<std::uint16_t>(at::kGlobalEncoding);
+}
+
+std::string LasHeader::ProjectId() const {
+    // The first three parts are little-endian numbers, the last two are bytes in order.
+    constexpr std::array<int, 16> kOrder{3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::string text;
+    bool isSet = false;
+    for (std::size_t i = 0; i < kOrder.size(); ++i) {
+        const auto byte = Read<std::uint8_t>(at::kProjectId + static_cast<std::uint64_t>(kOrder[i]));
+        isSet = isSet || byte != 0;
+        if (i == 4 || i == 6 || i == 8 || i == 10) {
+            text += '-';
+        }
+        text += kDigits[byte >> 4U];
+        text += kDigits[byte & 0xFU];
+    }
+    return isSet ? text : std::string();
+}
+
+std::uint8_t LasHeader::VersionMajor() const {
+    return Read<std::uint8_t>(at::kVersionMajor);
+}
+
+std::uint8_t LasHeader::VersionMinor() const {
+    return Read<std::uint8_t>(at::kVersionMinor);
+}
+
+int LasHeader::Version() const {
+    return VersionMajor() * 10 + VersionMinor();
+}
+
+int LasHeader::VersionCode() const {
+    if (VersionMajor() == 2 && VersionMinor() == 0) {
+        return 2;
+    }
+    if (VersionMajor() != 1 || VersionMinor() > 4) {
+        return -1;
+    }
+    // 2.0 sits between 1.1 and 1.2.
+    return VersionMinor() < 2 ? VersionMinor() : VersionMinor() + 1;
+}
+
+std::string LasHeader::SystemIdentifier() const {
+    return ByteReader(block_).FixedText(at::kSystemIdentifier, kTextLength);
+}
+
+std::string LasHeader::GeneratingSoftware() const {
+    return ByteReader(block_).FixedText(at::kGeneratingSoftware, kTextLength);
+}
+
+std::uint16_t LasHeader::CreationDay() const {
+    return Read<std::uint16_t>(at::kCreationDay);
+}
+
+std::uint16_t LasHeader::CreationYear() const {
+    return Read<std::uint16_t>(at::kCreationYear);
+}
+
+std::uint16_t LasHeader::HeaderSize() const {
+    return Read<std::uint16_t>(at::kHeaderSize);
+}
+
+std::uint32_t LasHeader::OffsetToPoints() const {
+    return Read<std::uint32_t>(at::kOffsetToPoints);
+}
+
+std::uint32_t LasHeader::VlrCount() const {
+    return Read<std::uint32_t>(at::kVlrCount);
+}
+
+int LasHeader::PointFormat() const {
+    return Read<std::uint8_t>(at::kPointFormat) & static_cast<std::uint8_t>(~kCompressionBits);
+}
+
+bool LasHeader::IsCompressed() const {
+    return (Read<std::uint8_t>(at::kPointFormat) & kCompressionBits) != 0;
+}
+
+std::uint16_t LasHeader::PointRecordLength() const {
+    return Read<std::uint16_t>(at::kPointRecordLength);
+}
+
+std::uint32_t LasHeader::LegacyPointCount() const {
+    return Read<std::uint32_t>(at::kLegacyPointCount);
+}
+
+std::uint64_t LasHeader::PointCount() const {
+    return VersionCode() == 5 ? Read<std::uint64_t>(at::kPointCount) : LegacyPointCount();
+}
+
+std::uint64_t LasHeader::PointsOfReturn(int number) const {
+    if (number < 1 || number > ReturnCount()) {
+        return 0;
+    }
+    const auto index = static_cast<std::uint64_t>(number - 1);
+    return VersionCode() == 5 ? Read<std::uint64_t>(at::kPointsByReturn + 8 * index)
+                              : Read<std::uint32_t>(at::kLegacyPointsByReturn + 4 * index);
+}
+
+std::array<double, 3> LasHeader::Triple(std::uint64_t x, std::uint64_t stride) const {
+    return {Read<double>(x), Read<double>(x + stride), Read<double>(x + 2 * stride)};
+}
+
+std::array<double, 3> LasHeader::Scale() const {
+    return Triple(at::kScale, 8);
+}
+
+std::array<double, 3> LasHeader::Offset() const {
+    return Triple(at::kOffset, 8);
+}
+
+std::array<double, 3> LasHeader::Minimum() const {
+    return Triple(at::kMinimum, 16);
+}
+
+std::array<double, 3> LasHeader::Maximum() const {
+    return Triple(at::kMaximum, 16);
+}
+
+std::uint64_t LasHeader::WaveformStart() const {
+    return Read<std::uint64_t>(at::kWaveformStart);
+}
+
+std::uint64_t LasHeader::EvlrStart() const {
+    return Read<std::uint64_t>(at::kEvlrStart);
+}
+
+std::uint32_t LasHeader::EvlrCount() const {
+    return Read<std::uint32_t>(at::kEvlrCount);
+}
+
+}  // namespace orvex

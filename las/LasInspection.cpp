@@ -1,0 +1,89 @@
+#include "las/LasInspection.h"
+
+#include <chrono>
+#include <filesystem>
+#include <utility>
+
+#include "las/LasCrs.h"
+#include "raster/GdalSetup.h"
+#include "support/Format.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+// Byte of the header's count of VLRs, which the CRS is among.
+constexpr std::uint64_t kVlrCountAt = 100;
+
+std::int64_t ModifiedMs(const std::wstring& path) {
+    std::error_code error;
+    const auto time = std::filesystem::last_write_time(ToPath(path), error);
+    if (error) {
+        return 0;
+    }
+    const auto since = std::chrono::file_clock::to_sys(time).time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(since).count();
+}
+
+void DescribeFileCrs(LasInspection& inspection) {
+    const LASFile& file = *inspection.file;
+    std::string wkt;
+    if (file.HasProjectionRecords()) {
+        EnsureGdal();
+        wkt = LasWkt(file);
+        inspection.crs = DescribeCrs(wkt);
+    }
+    const bool isExpected = file.FindWKT().has_value() || file.FindGeoKeyDirectory().has_value();
+    if (isExpected && (wkt.empty() || inspection.crs->name.empty())) {
+        inspection.findings.push_back(
+            {LasFindingCode::CrsUnreadable, LasSeverity::Warning, kVlrCountAt, Text(40122_lsid)});
+    }
+}
+
+// Nothing of a file that does not even begin as a LAS file can be trusted.
+void RefuseWithoutSignature(LasInspection& inspection) {
+    if (inspection.file->Header().HasSignature()) {
+        return;
+    }
+    inspection.loadable = false;
+    inspection.summary = FormatText(Text(40123_lsid), {inspection.path});
+    inspection.findings = {{LasFindingCode::SignatureMissing, LasSeverity::Error, 0, inspection.summary}};
+    inspection.file.reset();
+}
+
+void Inspect(LasInspection& inspection) {
+    inspection.file = LASFile::Open(inspection.path, true, true);
+    inspection.loadable = true;
+    RefuseWithoutSignature(inspection);
+    if (!inspection.loadable) {
+        return;
+    }
+    inspection.fileSize = inspection.file->FileSize();
+    inspection.findings = ValidateLas(*inspection.file);
+    DescribeFileCrs(inspection);
+    SortFindings(inspection.findings);
+    const bool isOdd =
+        !inspection.findings.empty() && inspection.findings.front().severity > LasSeverity::Note;
+    inspection.summary = isOdd ? inspection.findings.front().text : Text(40100_lsid);
+}
+
+}  // namespace
+
+LasInspection InspectLasFile(const std::wstring& path) {
+    LasInspection inspection;
+    inspection.path = path;
+    inspection.crs = DescribeCrs({});
+    inspection.modifiedMs = ModifiedMs(path);
+    try {
+        Inspect(inspection);
+    } catch (...) {
+        inspection.loadable = false;
+        inspection.file.reset();
+        inspection.findings.clear();
+        inspection.summary = CurrentExceptionText();
+    }
+    return inspection;
+}
+
+}  // namespace orvex

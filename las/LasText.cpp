@@ -1,0 +1,100 @@
+#include "las/LasText.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "las/LASFile.h"
+#include "las/PointFormats.h"
+#include "support/Format.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+constexpr std::array<std::wstring_view, 5> kCaptions{L"Reserved", L"User ID", L"Record ID",
+                                                     L"Record Length After Header", L"Description"};
+constexpr std::size_t kCaptionWidth = std::ranges::max(kCaptions, {}, &std::wstring_view::size).size();
+
+constexpr std::uint64_t kLongestDump = 256;
+constexpr std::size_t kBytesPerLine = 8;
+constexpr std::size_t kMostLines = 50;
+constexpr int kVersionCode12 = 3;
+
+template <typename Record>
+void AppendFields(std::wstring& text, const Record& record) {
+    const std::array<std::wstring, kCaptions.size()> values{
+        std::to_wstring(record.Reserved()), FromUtf8(record.UserId()), std::to_wstring(record.RecordId()),
+        std::to_wstring(record.RecordLength()), FromUtf8(record.Description())};
+    for (std::size_t i = 0; i < kCaptions.size(); ++i) {
+        text.append(kCaptions[i]).append(kCaptionWidth - kCaptions[i].size(), L' ');
+        text.append(L" = ").append(values[i]).append(L"\n");
+    }
+}
+
+void AppendByte(std::wstring& text, std::byte byte) {
+    constexpr std::wstring_view kDigits = L"0123456789abcdef";
+    const auto value = std::to_integer<unsigned>(byte);
+    text += kDigits[value >> 4U];
+    text += kDigits[value & 0xFU];
+    text += L' ';
+}
+
+// Returns the number of lines. A last line of fewer bytes ends as the others do, so that what follows begins
+// a line of its own.
+std::size_t AppendDump(std::wstring& text, std::span<const std::byte> data) {
+    for (std::size_t i = 0; i < data.size(); ++i) {
+        AppendByte(text, data[i]);
+        if ((i + 1) % kBytesPerLine == 0 || i + 1 == data.size()) {
+            text += L'\n';
+        }
+    }
+    return (data.size() + kBytesPerLine - 1) / kBytesPerLine;
+}
+
+// A CRS is shown in words elsewhere, so its records are not dumped.
+template <typename Record>
+bool IsDumped(const Record& record) {
+    return record.RecordLength() <= kLongestDump && record.UserId() != kProjectionUserId;
+}
+
+template <typename Records>
+std::wstring RecordsText(const Records& records, std::wstring_view kind) {
+    std::wstring text;
+    std::size_t lines = 0;
+    for (const auto& record : records) {
+        AppendFields(text, record);
+        lines += kCaptions.size();
+        if (IsDumped(record)) {
+            lines += AppendDump(text, record.Data());
+        }
+        if (lines > kMostLines) {
+            text.append(L"...\n...\n...\n... ").append(kind).append(L" size exceeds display size");
+            break;
+        }
+    }
+    return text;
+}
+
+}  // namespace
+
+std::wstring LasVlrText(const LASFile& file) {
+    return RecordsText(file.GetVLRs(), L"VLR");
+}
+
+std::wstring LasEvlrText(const LASFile& file) {
+    return RecordsText(file.GetEVLRs(), L"EVLR");
+}
+
+std::wstring LasGpsTimeText(const LASFile& file) {
+    if (file.GetVersionCode() < kVersionCode12) {
+        return {};
+    }
+    const PointFormatFacts* facts = FindPointFormat(file.PointFormat());
+    if (facts != nullptr && !facts->hasGpsTime) {
+        return Text(13490_lsid);
+    }
+    return file.Header().HasStandardGpsTime() ? L"Standard GPS Time" : L"GPS-Week-Seconds";
+}
+
+}  // namespace orvex

@@ -1,0 +1,251 @@
+#include "las/LasValidate.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <functional>
+#include <optional>
+
+#include "las/LASFile.h"
+#include "las/PointFormats.h"
+#include "support/Format.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+// Bytes of the header that a finding points at.
+constexpr std::uint64_t kVersionAt = 24;
+constexpr std::uint64_t kHeaderSizeAt = 94;
+constexpr std::uint64_t kOffsetToPointsAt = 96;
+constexpr std::uint64_t kVlrCountAt = 100;
+constexpr std::uint64_t kPointFormatAt = 104;
+constexpr std::uint64_t kRecordLengthAt = 105;
+constexpr std::uint64_t kLegacyPointCountAt = 107;
+constexpr std::uint64_t kScaleAt = 131;
+constexpr std::uint64_t kExtentAt = 179;
+constexpr std::uint64_t kEvlrCountAt = 243;
+constexpr std::uint64_t kPointCountAt = 247;
+
+constexpr int kVersionCode20 = 2;
+constexpr int kVersionCode13 = 4;
+constexpr int kVersionCode14 = 5;
+constexpr std::uint16_t kInternalWaveformBit = 0x2;
+
+// "X, Z": the axes for which a condition holds.
+std::wstring AxesWhere(const std::function<bool(std::size_t axis)>& holds) {
+    constexpr std::array<const wchar_t*, 3> kNames{L"X", L"Y", L"Z"};
+    std::wstring axes;
+    for (std::size_t axis = 0; axis < kNames.size(); ++axis) {
+        if (holds(axis)) {
+            axes.append(axes.empty() ? L"" : L", ").append(kNames[axis]);
+        }
+    }
+    return axes;
+}
+
+std::uint16_t SmallestHeaderSize(int versionCode) {
+    if (versionCode == kVersionCode14) {
+        return LasHeader::kSize;
+    }
+    return versionCode == kVersionCode13 ? LasHeader::kWaveformSize : LasHeader::kLegacySize;
+}
+
+class Validator {
+  public:
+    explicit Validator(const LASFile& file) : file_(file), header_(file.Header()) {}
+
+    std::vector<LasFinding> Run() {
+        if (!header_.HasSignature()) {
+            Add(LasFindingCode::SignatureMissing, LasSeverity::Error, 0, 40123_lsid, {file_.FileName()});
+        }
+        CheckVersion();
+        CheckLayout();
+        CheckPointFormat();
+        CheckScale();
+        CheckExtent();
+        CheckPointCount();
+        CheckVlrs();
+        CheckEvlrs();
+        if (!file_.HasProjectionRecords()) {
+            Add(LasFindingCode::NoCrs, LasSeverity::Note, kVlrCountAt, 40121_lsid, {});
+        }
+        SortFindings(findings_);
+        return std::move(findings_);
+    }
+
+  private:
+    void Add(LasFindingCode code, LasSeverity severity, std::uint64_t offset, StringId text,
+             std::initializer_list<FormatArg> arguments) {
+        findings_.push_back({code, severity, offset, FormatText(Text(text), arguments)});
+    }
+
+    void CheckVersion() {
+        if (file_.GetVersionCode() < 0) {
+            Add(LasFindingCode::UnknownVersion, LasSeverity::Error, kVersionAt, 40116_lsid,
+                {static_cast<unsigned>(header_.VersionMajor()),
+                 static_cast<unsigned>(header_.VersionMinor())});
+        } else if (file_.GetVersionCode() == kVersionCode20) {
+            Add(LasFindingCode::UnknownVersion, LasSeverity::Warning, kVersionAt, 40117_lsid, {});
+        }
+    }
+
+    void CheckLayout() {
+        const std::uint16_t smallest = SmallestHeaderSize(file_.GetVersionCode());
+        if (header_.HeaderSize() < smallest) {
+            Add(LasFindingCode::HeaderSizeOdd,
+                header_.HeaderSize() < LasHeader::kLegacySize ? LasSeverity::Error : LasSeverity::Warning,
+                kHeaderSizeAt, 40109_lsid, {header_.HeaderSize(), smallest});
+        }
+        if (header_.OffsetToPoints() < std::max<std::size_t>(header_.HeaderSize(), LasHeader::kLegacySize)) {
+            Add(LasFindingCode::OffsetInsideHeader, LasSeverity::Error, kOffsetToPointsAt, 40108_lsid,
+                {header_.OffsetToPoints(), header_.HeaderSize()});
+        }
+        if (header_.OffsetToPoints() > file_.FileSize()) {
+            Add(LasFindingCode::OffsetBeyondEnd, LasSeverity::Error, kOffsetToPointsAt, 40107_lsid,
+                {header_.OffsetToPoints(), file_.FileSize()});
+        }
+    }
+
+    void CheckPointFormat() {
+        const PointFormatFacts* facts = FindPointFormat(header_.PointFormat());
+        if (facts == nullptr) {
+            Add(LasFindingCode::UnknownPointFormat, LasSeverity::Error, kPointFormatAt, 40114_lsid,
+                {header_.PointFormat()});
+        } else if (header_.PointRecordLength() < facts->minimumLength) {
+            Add(LasFindingCode::RecordLengthTooShort, LasSeverity::Error, kRecordLengthAt, 40115_lsid,
+                {header_.PointFormat(), facts->minimumLength, header_.PointRecordLength()});
+        }
+    }
+
+    void CheckScale() {
+        const auto scale = header_.Scale();
+        const auto offset = header_.Offset();
+        const auto zero = AxesWhere([&](std::size_t axis) { return scale[axis] == 0; });
+        if (!zero.empty()) {
+            Add(LasFindingCode::ScaleZero, LasSeverity::Warning, kScaleAt, 40105_lsid, {zero});
+        }
+        const auto notFinite = AxesWhere(
+            [&](std::size_t axis) { return !std::isfinite(scale[axis]) || !std::isfinite(offset[axis]); });
+        if (!notFinite.empty()) {
+            Add(LasFindingCode::ScaleNotFinite, LasSeverity::Error, kScaleAt, 40106_lsid, {notFinite});
+        }
+    }
+
+    // Programs leave whatever they like in the extent of a file without points.
+    void CheckExtent() {
+        if (header_.PointCount() == 0) {
+            return;
+        }
+        const auto low = header_.Minimum();
+        const auto high = header_.Maximum();
+        const auto notFinite = AxesWhere(
+            [&](std::size_t axis) { return !std::isfinite(low[axis]) || !std::isfinite(high[axis]); });
+        if (!notFinite.empty()) {
+            Add(LasFindingCode::ExtentNotFinite, LasSeverity::Warning, kExtentAt, 40104_lsid, {notFinite});
+        }
+        const auto inverted = AxesWhere([&](std::size_t axis) { return low[axis] > high[axis]; });
+        if (!inverted.empty()) {
+            Add(LasFindingCode::ExtentInverted, LasSeverity::Warning, kExtentAt, 40103_lsid, {inverted});
+        }
+    }
+
+    // Where the points must have ended: at what follows them, else at the end of the file.
+    std::uint64_t PointsLimit() const {
+        std::uint64_t limit = file_.FileSize();
+        const auto endBefore = [&](std::uint64_t start) {
+            if (start >= header_.OffsetToPoints()) {
+                limit = std::min(limit, start);
+            }
+        };
+        if (file_.GetVersionCode() == kVersionCode14 && header_.EvlrCount() > 0) {
+            endBefore(header_.EvlrStart());
+        }
+        if ((header_.GlobalEncoding() & kInternalWaveformBit) != 0) {
+            endBefore(header_.WaveformStart());
+        }
+        return limit;
+    }
+
+    void CheckPointCount() {
+        const std::uint64_t count = header_.PointCount();
+        const bool is14 = file_.GetVersionCode() == kVersionCode14;
+        if (count == 0) {
+            Add(LasFindingCode::NoPoints, LasSeverity::Warning, is14 ? kPointCountAt : kLegacyPointCountAt,
+                40118_lsid, {});
+        }
+        if (is14 && header_.LegacyPointCount() != 0 && header_.LegacyPointCount() != count) {
+            Add(LasFindingCode::CountMismatch, LasSeverity::Warning, kLegacyPointCountAt, 40119_lsid,
+                {count, header_.LegacyPointCount()});
+        }
+        // How long compressed points are does not follow from their count.
+        if (header_.PointRecordLength() != 0 && !header_.IsCompressed() &&
+            header_.OffsetToPoints() <= file_.FileSize()) {
+            CheckPointsAgainstSize(count, PointsLimit() - header_.OffsetToPoints());
+        }
+    }
+
+    void CheckPointsAgainstSize(std::uint64_t count, std::uint64_t bytes) {
+        const std::uint64_t held = bytes / header_.PointRecordLength();
+        if (held < count) {
+            Add(LasFindingCode::PointsTruncated, LasSeverity::Error, header_.OffsetToPoints(), 40101_lsid,
+                {count - held, count, held});
+            return;
+        }
+        const std::uint64_t end = header_.OffsetToPoints() + count * header_.PointRecordLength();
+        if (held > count) {
+            Add(LasFindingCode::CountMismatch, LasSeverity::Warning, end, 40120_lsid, {count, held});
+        } else if (bytes % header_.PointRecordLength() != 0) {
+            Add(LasFindingCode::BytesAfterPoints, LasSeverity::Note, end, 40102_lsid,
+                {bytes % header_.PointRecordLength()});
+        }
+    }
+
+    void CheckVlrs() {
+        const auto& vlrs = file_.GetVLRs();
+        if (vlrs.size() < header_.VlrCount()) {
+            Add(LasFindingCode::VlrCountTooHigh, LasSeverity::Warning, kVlrCountAt, 40110_lsid,
+                {header_.VlrCount(), vlrs.size()});
+        }
+        if (!vlrs.empty() && vlrs.back().IsTruncated()) {
+            AddTruncated(LasFindingCode::VlrTruncated, 40111_lsid, vlrs);
+        }
+    }
+
+    void CheckEvlrs() {
+        const auto& evlrs = file_.GetEVLRs();
+        if (file_.GetVersionCode() == kVersionCode14 && evlrs.size() < header_.EvlrCount()) {
+            Add(LasFindingCode::EvlrCountTooHigh, LasSeverity::Warning, kEvlrCountAt, 40112_lsid,
+                {header_.EvlrCount(), evlrs.size()});
+        }
+        if (!evlrs.empty() && evlrs.back().IsTruncated()) {
+            AddTruncated(LasFindingCode::EvlrTruncated, 40113_lsid, evlrs);
+        }
+    }
+
+    // Only the last record of a list can be cut.
+    template <typename Records>
+    void AddTruncated(LasFindingCode code, StringId text, const Records& records) {
+        const auto& last = records.back();
+        Add(code, LasSeverity::Warning, last.FileOffset(), text,
+            {records.size(), FromUtf8(last.UserId()), last.RecordId()});
+    }
+
+    const LASFile& file_;
+    const LasHeader& header_;
+    std::vector<LasFinding> findings_;
+};
+
+}  // namespace
+
+std::vector<LasFinding> ValidateLas(const LASFile& file) {
+    return Validator(file).Run();
+}
+
+void SortFindings(std::vector<LasFinding>& findings) {
+    std::ranges::stable_sort(findings, [](const LasFinding& a, const LasFinding& b) {
+        return a.severity != b.severity ? a.severity > b.severity : a.offset < b.offset;
+    });
+}
+
+}  // namespace orvex
