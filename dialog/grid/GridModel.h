@@ -1,7 +1,6 @@
 #pragma once
 #include <QAbstractTableModel>
 #include <QColor>
-#include <QString>
 #include <functional>
 #include <optional>
 #include <span>
@@ -9,6 +8,7 @@
 #include <vector>
 
 #include "dialog/grid/GridColumn.h"
+#include "dialog/grid/GridSortKeys.h"
 
 namespace orvex {
 
@@ -31,21 +31,29 @@ class GridModel : public QAbstractTableModel {
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     /// Stable, by typed value (texts without regard to case, with digits in them by value); column -1
-    /// restores the order of adding. Keys are computed once per call.
-    void sort(int column, Qt::SortOrder order) override;
+    /// restores the order of adding. Keys are computed once per call. Records added later are merged in.
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+    /// What the rows are sorted by; -1 when they are in the order of adding.
+    int SortColumn() const { return sortColumn_; }
+    Qt::SortOrder SortOrder() const { return sortOrder_; }
 
     /// The record shown in a row and the row that shows a record.
     std::size_t RecordOfRow(int row) const { return order_[static_cast<std::size_t>(row)]; }
+    /// -1 when there is no such record.
     int RowOfRecord(std::size_t record) const;
+    /// The first row from `from` on, going round once, whose text in a column begins with `start` without
+    /// regard to case; -1 for none.
+    int FindRow(int column, std::wstring_view start, int from) const;
 
     /// The text of a cell as shown.
     std::wstring CellText(std::size_t record, int column) const;
-    /// Footer cell: a count, a sum, or nothing. Kept up to date incrementally per batch.
+    /// Footer cell: a count, a sum, or nothing. Brought up to date once per batch.
     std::optional<std::wstring> FooterText(int column) const;
 
   signals:
     /// After rows were added, removed or changed; once per batch.
     void RecordsChanged();
+    void SortChanged(int column, Qt::SortOrder order);
 
   protected:
     virtual std::size_t RecordCount() const = 0;
@@ -56,10 +64,11 @@ class GridModel : public QAbstractTableModel {
     virtual std::wstring Tooltip(std::size_t record, int column) const;
     virtual std::optional<QColor> TextColour(std::size_t record, int column) const;
 
-    /// Brackets an append of `count` records at the end of the subclass's storage; `append` does it.
+    /// Brackets an append of `count` records at the end of the subclass's storage; `append` does it and
+    /// must not throw.
     void AppendRecords(std::size_t count, const std::function<void()>& append);
     /// Removes records by index (ascending, unique); `remove` erases them from the subclass's storage,
-    /// keeping the order.
+    /// keeping the order. It must not throw.
     void RemoveRecords(const std::vector<std::size_t>& records, const std::function<void()>& remove);
     /// Empties everything; `clear` empties the subclass's storage.
     void ClearRecords(const std::function<void()>& clear);
@@ -67,8 +76,25 @@ class GridModel : public QAbstractTableModel {
     void NotifyChanged(int firstColumn, int lastColumn);
 
   private:
+    QVariant DisplayValue(std::size_t record, int column, int role) const;
+    QVariant Alignment(int column, bool header) const;
+    /// Lets `change` alter order_ and tells the views, so that selections stay with their records.
+    void Reorder(const std::function<void()>& change);
+    bool Before(std::uint32_t a, std::uint32_t b) const;
+    void SortAll();
+    void RebuildKeys();
+    void AddToSums(std::size_t firstRecord, int firstColumn, int lastColumn);
+    void RecomputeSums(int firstColumn, int lastColumn);
+    void EraseRows(int first, int last);
+
     std::span<const GridColumn> columns_;
-    std::vector<std::uint32_t> order_;
+    std::vector<std::uint32_t> order_;  ///< the record of each row
+    mutable std::vector<int> rows_;     ///< the row of each record; empty until asked for
+    std::size_t recordCount_ = 0;       ///< in the storage; more than rows only while rows are going
+    int sortColumn_ = -1;
+    Qt::SortOrder sortOrder_ = Qt::AscendingOrder;
+    GridSortKeys keys_;         ///< of the sort column, by record; empty while unsorted
+    std::vector<double> sums_;  ///< by column
 };
 
 }  // namespace orvex

@@ -1,18 +1,22 @@
 #pragma once
+#include <QFrame>
 #include <QIcon>
-#include <QWidget>
+#include <memory>
 #include <vector>
 
 #include "dialog/grid/GridModel.h"
 
+class QMenu;
 class QTableView;
 
 namespace orvex {
 
+class GridFooter;
+
 /// The grid that every page uses: a table with frozen columns at the left, a footer row, sorting by clicking
 /// a header (once ascending, twice descending, three times the order of adding), best fit, copying of the
 /// selected rows as tab-separated text (Ctrl+C), and a message in the middle while it is empty.
-class GridView : public QWidget {
+class GridView : public QFrame {
     Q_OBJECT
 
   public:
@@ -29,8 +33,11 @@ class GridView : public QWidget {
     void ShowDetailColumns(bool show);
     bool DetailColumnsShown() const;
     /// Every visible column to its contents (of the rows in sight and a sample of the rest), within its
-    /// limits.
+    /// limits. Columns that cannot be resized keep their width.
     void FitColumns();
+    void FitColumn(int column);
+    bool IsColumnShown(int column) const;
+    int ColumnWidth(int column) const;
 
     /// Rows selected, ascending.
     std::vector<int> SelectedRows() const;
@@ -39,18 +46,48 @@ class GridView : public QWidget {
     void SelectAll();
     /// The row with the focus, -1 for none.
     int CurrentRow() const;
-    void CopySelection() const;
+    /// Puts the selected rows on the clipboard as tab-separated text of the visible columns.
+    void CopySelection(bool withHeaders = true) const;
+    /// The commands of the right mouse button.
+    QMenu* ContextMenu() const;
 
     /// The table that scrolls; tests click in it.
     QTableView* Table() const;
+    /// The table of the columns that stay; hidden when there are none.
+    QTableView* FrozenTable() const;
+    /// The row of counts and sums.
+    GridFooter* Footer() const;
+    /// The message shown while there are no rows; empty otherwise.
+    QString ShownMessage() const;
+    /// Cells drawn so far; tells what scrolling costs.
+    std::size_t CellsPainted() const;
 
   signals:
     void SelectionChanged();
     void CurrentRowChanged(int row);
-    void RemoveRequested();  ///< the Delete key
+    void RemoveRequested();  ///< the Delete key, while rows are selected
+
+  protected:
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     struct Parts;
+
+    void BuildLayout();
+    void BuildCommands();
+    void JoinScrolling();
+    void ConnectSelection();
+    void EnableCommands();
+    void CycleSort(int column);
+    void ShowColumns();
+    void ArrangePanes();
+    void ArrangeRows();
+    void ArrangeMessage();
+    std::vector<int> ShownColumns() const;
+    std::vector<int> SampleRows() const;
+    int SearchColumn() const;
+
     std::unique_ptr<Parts> parts_;
 };
 

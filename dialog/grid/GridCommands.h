@@ -1,0 +1,40 @@
+#pragma once
+#include <QObject>
+
+class QAction;
+class QKeySequence;
+class QMenu;
+class QWidget;
+
+namespace orvex {
+
+/// What the keyboard and the right mouse button do in a grid. Keys work while the grid or a part of it has
+/// the focus.
+class GridCommands : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit GridCommands(QWidget* grid);
+
+    /// What can be used: copying and removing need a selection, selecting needs rows.
+    void Enable(bool hasRows, bool hasSelection);
+    QMenu* Menu() const { return menu_; }
+
+  signals:
+    void CopyRequested(bool withHeaders);
+    void SelectAllRequested();
+    void FitRequested();
+    void RemoveRequested();
+
+  private:
+    QAction* Add(const char* name, const QString& text, const QKeySequence& key);
+
+    QMenu* menu_;
+    QAction* copy_;
+    QAction* copyRows_;
+    QAction* selectAll_;
+    QAction* fit_;
+    QAction* remove_;
+};
+
+}  // namespace orvex

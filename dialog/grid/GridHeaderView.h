@@ -1,0 +1,34 @@
+#pragma once
+#include <QHeaderView>
+
+namespace orvex {
+
+class GridDelegate;
+class GridModel;
+
+/// The header of one pane of a grid: icons of captionless columns, fixed sections, least widths.
+class GridHeaderView : public QHeaderView {
+    Q_OBJECT
+
+  public:
+    /// `delegate` has the icons and must outlive the header.
+    GridHeaderView(const GridDelegate& delegate, QWidget* parent);
+
+    /// Column widths, limits and fixed columns as the model's table of columns says.
+    void SetUp(const GridModel& model);
+    /// Shows the sort indicator over a column of this pane; -1 for none.
+    void ShowSort(int column, Qt::SortOrder order);
+
+    QSize sizeHint() const override;
+
+  protected:
+    void initStyleOptionForIndex(QStyleOptionHeader* option, int logicalIndex) const override;
+
+  private:
+    void KeepLeastWidth(int column, int width);
+
+    const GridDelegate& delegate_;
+    const GridModel* grid_ = nullptr;
+};
+
+}  // namespace orvex

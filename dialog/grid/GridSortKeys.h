@@ -1,0 +1,55 @@
+#pragma once
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "dialog/grid/GridColumn.h"
+
+namespace orvex {
+
+/// A text such that comparing two of them character by character compares the originals without regard to
+/// letter case and with runs of digits by their value ("tile9" before "Tile10"; leading zeros mean nothing).
+std::wstring NaturalKey(std::wstring_view text);
+
+/// The keys of one column, by record: computed once, compared often. Numbers and dates come before texts;
+/// what has no value comes last in both directions.
+class GridSortKeys {
+  public:
+    void Clear();
+    void Reserve(std::size_t count);
+    void Append(const GridCell& cell);
+    /// Takes out the keys of these records (ascending, unique); the others move up.
+    void Remove(const std::vector<std::size_t>& records);
+    std::size_t Size() const { return kinds_.size(); }
+
+    /// Whether record `a` comes before record `b`; false for equal ones.
+    bool Before(std::size_t a, std::size_t b, bool descending) const;
+
+  private:
+    enum class Kind : std::uint8_t { Number, Text, Nothing };
+
+    std::vector<Kind> kinds_;
+    std::vector<double> numbers_;
+    std::vector<std::wstring> texts_;  ///< shorter than the others when the last records have none
+};
+
+/// Takes the elements at these positions (ascending, unique) out of a vector in one pass.
+template <class T>
+void EraseAt(std::vector<T>& items, const std::vector<std::size_t>& positions) {
+    std::size_t next = 0;
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (next < positions.size() && positions[next] == i) {
+            ++next;
+            continue;
+        }
+        if (kept != i) {
+            items[kept] = std::move(items[i]);
+        }
+        ++kept;
+    }
+    items.resize(kept);
+}
+
+}  // namespace orvex

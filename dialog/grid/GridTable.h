@@ -1,0 +1,56 @@
+#pragma once
+#include <QElapsedTimer>
+#include <QTableView>
+#include <functional>
+
+namespace orvex {
+
+class GridDelegate;
+class GridHeaderView;
+
+/// One pane of a grid. Rows are selected and have the focus as a whole; the arrow keys left and right scroll.
+class GridTable : public QTableView {
+    Q_OBJECT
+
+  public:
+    enum class Pane { Frozen, Scrolling };
+
+    GridTable(Pane pane, GridDelegate& delegate, QWidget* parent);
+
+    GridHeaderView* Header() const { return header_; }
+    /// The pane that has the keyboard; it also gets the mouse of the other one, so that a selection with
+    /// Shift starts where the last click was, in whichever pane that was.
+    void SetMain(GridTable* main) { main_ = main; }
+    /// The column that typing searches; asked for at each key.
+    void SetSearchColumn(std::function<int()> column) { searchColumn_ = std::move(column); }
+    void SetRowHeight(int height);
+    /// Whether another pane stands at the left.
+    void SetJoinsLeft(bool joins) { joinsLeft_ = joins; }
+    /// Repaints one row; -1 does nothing.
+    void UpdateRow(int row);
+
+    void keyboardSearch(const QString& typed) override;
+
+  protected:
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    bool viewportEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+  signals:
+    void FocusChanged();
+
+  private:
+    bool ForwardMouse(QEvent* event);
+
+    Pane pane_;
+    bool joinsLeft_ = false;
+    GridTable* main_ = this;
+    GridHeaderView* header_;
+    std::function<int()> searchColumn_;
+    QString typed_;
+    QElapsedTimer sinceTyped_;
+};
+
+}  // namespace orvex

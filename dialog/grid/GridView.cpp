@@ -1,0 +1,423 @@
+#include "dialog/grid/GridView.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QGridLayout>
+#include <QLabel>
+#include <QMenu>
+#include <QScrollBar>
+#include <algorithm>
+
+#include "dialog/grid/GridColours.h"
+#include "dialog/grid/GridCommands.h"
+#include "dialog/grid/GridDelegate.h"
+#include "dialog/grid/GridFit.h"
+#include "dialog/grid/GridFooter.h"
+#include "dialog/grid/GridHeaderView.h"
+#include "dialog/grid/GridSelection.h"
+#include "dialog/grid/GridTable.h"
+#include "dialog/grid/GridText.h"
+
+namespace orvex {
+namespace {
+
+constexpr int kFitSample = 200;  // rows measured beside those in sight
+constexpr double kFrozenShare = 0.6;
+
+QString ShownText(StringId id) {
+    return QString::fromStdWString(Text(id));
+}
+
+QFrame* MakeSeam(QWidget* parent) {
+    auto* seam = new QFrame(parent);
+    seam->setFixedWidth(1);
+    seam->setAutoFillBackground(true);
+    seam->setBackgroundRole(QPalette::Mid);
+    return seam;
+}
+
+}  // namespace
+
+struct GridView::Parts {
+    GridModel* model = nullptr;
+    bool details = true;
+    GridDelegate* delegate = nullptr;
+    GridTable* frozen = nullptr;
+    GridTable* table = nullptr;
+    QFrame* seam = nullptr;
+    GridFooter* footer = nullptr;
+    QScrollBar* bar = nullptr;
+    QLabel* message = nullptr;
+    GridCommands* commands = nullptr;
+
+    GridTable& PaneOf(int column) const {
+        return model->Columns()[static_cast<std::size_t>(column)].frozen ? *frozen : *table;
+    }
+};
+
+GridView::GridView(QWidget* parent) : QFrame(parent), parts_(std::make_unique<Parts>()) {
+    Parts& p = *parts_;
+    setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+    p.delegate = new GridDelegate(this);
+    p.frozen = new GridTable(GridTable::Pane::Frozen, *p.delegate, this);
+    p.table = new GridTable(GridTable::Pane::Scrolling, *p.delegate, this);
+    p.seam = MakeSeam(this);
+    p.footer = new GridFooter(p.frozen, p.table, this);
+    p.bar = new QScrollBar(Qt::Horizontal, this);
+    p.message = new QLabel(this);
+    p.frozen->SetMain(p.table);
+    p.frozen->setObjectName("frozenTable");
+    p.table->setObjectName("table");
+    p.footer->setObjectName("footer");
+    p.table->setAccessibleName(ShownText(40405_lsid));
+    p.frozen->setAccessibleName(ShownText(40406_lsid));
+    p.footer->setAccessibleName(ShownText(40407_lsid));
+    p.message->setAlignment(Qt::AlignCenter);
+    p.message->setWordWrap(true);
+    p.message->setForegroundRole(QPalette::PlaceholderText);
+    p.message->setAttribute(Qt::WA_TransparentForMouseEvents);
+    p.table->SetSearchColumn([this] { return SearchColumn(); });
+    setFocusProxy(p.table);
+    BuildLayout();
+    BuildCommands();
+    JoinScrolling();
+    ArrangeRows();
+    ArrangePanes();
+}
+
+GridView::~GridView() = default;
+
+void GridView::BuildLayout() {
+    Parts& p = *parts_;
+    auto* layout = new QGridLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(p.frozen, 0, 0);
+    layout->addWidget(p.seam, 0, 1);
+    layout->addWidget(p.table, 0, 2);
+    layout->addWidget(p.footer, 1, 0, 1, 3);
+    layout->addWidget(p.bar, 2, 0, 1, 3);
+    layout->setColumnStretch(2, 1);
+    layout->setRowStretch(0, 1);
+}
+
+void GridView::BuildCommands() {
+    Parts& p = *parts_;
+    p.commands = new GridCommands(this);
+    connect(p.commands, &GridCommands::CopyRequested, this, &GridView::CopySelection);
+    connect(p.commands, &GridCommands::SelectAllRequested, this, &GridView::SelectAll);
+    connect(p.commands, &GridCommands::FitRequested, this, &GridView::FitColumns);
+    connect(p.commands, &GridCommands::RemoveRequested, this, &GridView::RemoveRequested);
+    for (GridTable* table : {p.frozen, p.table}) {
+        connect(table, &QWidget::customContextMenuRequested, this, [this, table](const QPoint& at) {
+            ContextMenu()->popup(table->viewport()->mapToGlobal(at));
+        });
+    }
+}
+
+void GridView::JoinScrolling() {
+    Parts& p = *parts_;
+    QScrollBar* main = p.table->verticalScrollBar();
+    QScrollBar* frozen = p.frozen->verticalScrollBar();
+    connect(main, &QScrollBar::valueChanged, frozen, &QScrollBar::setValue);
+    connect(frozen, &QScrollBar::valueChanged, main, &QScrollBar::setValue);
+    // A pane that is laid out later than the other one has cut its position to its old range.
+    connect(frozen, &QScrollBar::rangeChanged, this, [main, frozen] { frozen->setValue(main->value()); });
+
+    QScrollBar* inner = p.table->horizontalScrollBar();
+    connect(inner, &QScrollBar::rangeChanged, this, [this, inner](int least, int most) {
+        parts_->bar->setPageStep(inner->pageStep());
+        parts_->bar->setSingleStep(inner->singleStep());
+        parts_->bar->setRange(least, most);
+        parts_->bar->setVisible(most > least);
+    });
+    connect(inner, &QScrollBar::valueChanged, p.bar, &QScrollBar::setValue);
+    connect(p.bar, &QScrollBar::valueChanged, inner, &QScrollBar::setValue);
+    connect(inner, &QScrollBar::valueChanged, p.footer, qOverload<>(&QWidget::update));
+    p.bar->hide();
+
+    for (GridTable* table : {p.frozen, p.table}) {
+        connect(table->Header(), &QHeaderView::sectionClicked, this, &GridView::CycleSort);
+        connect(table->Header(), &QHeaderView::sectionHandleDoubleClicked, this, &GridView::FitColumn);
+    }
+    connect(p.frozen->Header(), &QHeaderView::sectionResized, this, [this] { ArrangePanes(); });
+    connect(p.table, &GridTable::FocusChanged, this, [this] {
+        const int row = CurrentRow();
+        parts_->table->UpdateRow(row);
+        parts_->frozen->UpdateRow(row);
+    });
+}
+
+void GridView::SetModel(GridModel* model) {
+    Parts& p = *parts_;
+    if (p.model) {
+        disconnect(p.model, nullptr, this, nullptr);
+    }
+    QItemSelectionModel* const oldSelection = p.table->selectionModel();
+    p.model = model;
+    p.table->setModel(model);
+    p.frozen->setModel(model);
+    p.footer->SetModel(model);
+    if (oldSelection) {
+        oldSelection->deleteLater();
+    }
+    if (model) {
+        QItemSelectionModel* const own = p.frozen->selectionModel();
+        p.frozen->setSelectionModel(p.table->selectionModel());
+        own->deleteLater();
+        ConnectSelection();
+        for (GridTable* table : {p.frozen, p.table}) {
+            table->Header()->SetUp(*model);
+        }
+        connect(model, &GridModel::RecordsChanged, this, [this] {
+            ArrangeMessage();
+            EnableCommands();
+        });
+        connect(model, &GridModel::SortChanged, this, [this](int column, Qt::SortOrder order) {
+            parts_->frozen->Header()->ShowSort(column, order);
+            parts_->table->Header()->ShowSort(column, order);
+        });
+        ShowColumns();
+        for (const int column : ShownColumns()) {
+            if (model->Columns()[static_cast<std::size_t>(column)].width == 0) {
+                FitColumn(column);
+            }
+        }
+    }
+    ArrangePanes();
+    ArrangeMessage();
+    EnableCommands();
+}
+
+void GridView::ConnectSelection() {
+    const QItemSelectionModel* selection = parts_->table->selectionModel();
+    connect(selection, &QItemSelectionModel::selectionChanged, this, &GridView::SelectionChanged);
+    connect(selection, &QItemSelectionModel::selectionChanged, this, &GridView::EnableCommands);
+    connect(selection, &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex& current, const QModelIndex& previous) {
+                for (GridTable* table : {parts_->frozen, parts_->table}) {
+                    table->UpdateRow(previous.row());
+                    table->UpdateRow(current.row());
+                }
+                if (current.row() != previous.row()) {
+                    emit CurrentRowChanged(current.row());
+                }
+            });
+}
+
+void GridView::SetIcons(std::vector<QIcon> icons) {
+    parts_->delegate->SetIcons(std::move(icons));
+    update();
+}
+
+void GridView::SetEmptyText(const QString& text) {
+    parts_->message->setText(text);
+    ArrangeMessage();
+}
+
+void GridView::CycleSort(int column) {
+    GridModel* model = parts_->model;
+    if (model->SortColumn() != column) {
+        model->sort(column, Qt::AscendingOrder);
+    } else if (model->SortOrder() == Qt::AscendingOrder) {
+        model->sort(column, Qt::DescendingOrder);
+    } else {
+        model->sort(-1);
+    }
+}
+
+void GridView::ShowDetailColumns(bool show) {
+    parts_->details = show;
+    if (parts_->model) {
+        ShowColumns();
+        ArrangePanes();
+    }
+}
+
+bool GridView::DetailColumnsShown() const {
+    return parts_->details;
+}
+
+void GridView::ShowColumns() {
+    const auto columns = parts_->model->Columns();
+    for (int i = 0; i < static_cast<int>(columns.size()); ++i) {
+        const GridColumn& column = columns[static_cast<std::size_t>(i)];
+        const bool shown = !column.hidden && (column.basic || parts_->details);
+        parts_->frozen->setColumnHidden(i, !shown || !column.frozen);
+        parts_->table->setColumnHidden(i, !shown || column.frozen);
+    }
+}
+
+bool GridView::IsColumnShown(int column) const {
+    return parts_->model && !parts_->PaneOf(column).isColumnHidden(column);
+}
+
+int GridView::ColumnWidth(int column) const {
+    return IsColumnShown(column) ? parts_->PaneOf(column).columnWidth(column) : 0;
+}
+
+std::vector<int> GridView::ShownColumns() const {
+    std::vector<int> shown;
+    for (const GridTable* pane : {parts_->frozen, parts_->table}) {
+        for (int i = 0; i < pane->Header()->count(); ++i) {
+            if (!pane->isColumnHidden(i)) {
+                shown.push_back(i);
+            }
+        }
+    }
+    return shown;
+}
+
+std::vector<int> GridView::SampleRows() const {
+    const GridTable& table = *parts_->table;
+    const int count = parts_->model->rowCount();
+    const int first = table.rowAt(0);
+    const int last = table.rowAt(table.viewport()->height() - 1);
+    return SpreadRows(count, first, last < 0 ? first + kFitSample : last, kFitSample);
+}
+
+void GridView::FitColumns() {
+    for (const int column : ShownColumns()) {
+        FitColumn(column);
+    }
+}
+
+void GridView::FitColumn(int column) {
+    if (!IsColumnShown(column) || !parts_->model->Columns()[static_cast<std::size_t>(column)].resizable) {
+        return;
+    }
+    GridTable& pane = parts_->PaneOf(column);
+    const int margin = pane.style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &pane) + 1;
+    const CellRoom room{.margins = 2 * margin + 2, .icon = pane.iconSize().width() + 2 * margin};
+    pane.setColumnWidth(
+        column, FittedWidth(*parts_->model, column, SampleRows(), pane.Header()->sectionSizeHint(column),
+                            pane.fontMetrics(), room));
+}
+
+std::vector<int> GridView::SelectedRows() const {
+    const QItemSelectionModel* selection = parts_->table->selectionModel();
+    return selection ? RowsOf(selection->selection()) : std::vector<int>();
+}
+
+void GridView::SelectRows(const std::vector<int>& rows) {
+    if (parts_->model) {
+        parts_->table->selectionModel()->select(SelectionOf(*parts_->model, rows),
+                                                QItemSelectionModel::ClearAndSelect);
+    }
+}
+
+void GridView::ClearSelection() {
+    parts_->table->clearSelection();
+}
+
+void GridView::SelectAll() {
+    parts_->table->selectAll();
+}
+
+int GridView::CurrentRow() const {
+    return parts_->table->currentIndex().row();
+}
+
+void GridView::CopySelection(bool withHeaders) const {
+    const std::vector<int> rows = SelectedRows();
+    if (!rows.empty()) {
+        QApplication::clipboard()->setText(
+            QString::fromStdWString(TabSeparated(*parts_->model, rows, ShownColumns(), withHeaders)));
+    }
+}
+
+QMenu* GridView::ContextMenu() const {
+    return parts_->commands->Menu();
+}
+
+void GridView::EnableCommands() {
+    const bool hasRows = parts_->model && parts_->model->rowCount() > 0;
+    parts_->commands->Enable(hasRows, hasRows && parts_->table->selectionModel()->hasSelection());
+}
+
+int GridView::SearchColumn() const {
+    const int sorted = parts_->model ? parts_->model->SortColumn() : -1;
+    const auto isText = [this](int column) {
+        return parts_->model->Columns()[static_cast<std::size_t>(column)].kind == CellKind::Text;
+    };
+    if (sorted >= 0 && IsColumnShown(sorted) && isText(sorted)) {
+        return sorted;
+    }
+    const std::vector<int> shown = ShownColumns();
+    const auto first = std::find_if(shown.begin(), shown.end(), isText);
+    return first == shown.end() ? -1 : *first;
+}
+
+QTableView* GridView::Table() const {
+    return parts_->table;
+}
+
+QTableView* GridView::FrozenTable() const {
+    return parts_->frozen;
+}
+
+GridFooter* GridView::Footer() const {
+    return parts_->footer;
+}
+
+QString GridView::ShownMessage() const {
+    return parts_->message->isHidden() ? QString() : parts_->message->text();
+}
+
+std::size_t GridView::CellsPainted() const {
+    return parts_->delegate->CellsPainted();
+}
+
+void GridView::ArrangePanes() {
+    Parts& p = *parts_;
+    const int length = p.model ? p.frozen->Header()->length() : 0;
+    const int most = std::max(static_cast<int>(contentsRect().width() * kFrozenShare), 1);
+    p.frozen->setFixedWidth(std::min(length, most));
+    p.frozen->setVisible(length > 0);
+    p.seam->setVisible(length > 0);
+    p.table->SetJoinsLeft(length > 0);
+    bool footer = false;
+    for (std::size_t i = 0; p.model && i < p.model->Columns().size(); ++i) {
+        footer = footer || p.model->Columns()[i].footer != FooterKind::None;
+    }
+    p.footer->setVisible(footer);
+    p.footer->update();
+}
+
+void GridView::ArrangeRows() {
+    Parts& p = *parts_;
+    const int height = std::max(fontMetrics().height() + 6, p.table->iconSize().height() + 4);
+    for (GridTable* table : {p.frozen, p.table}) {
+        table->setPalette(TablePalette(palette()));
+        table->SetRowHeight(height);
+    }
+    p.footer->setFixedHeight(height);
+}
+
+void GridView::ArrangeMessage() {
+    Parts& p = *parts_;
+    const bool empty = !p.model || p.model->rowCount() == 0;
+    p.message->setVisible(empty && !p.message->text().isEmpty());
+    const int top = contentsRect().top() + p.table->Header()->sizeHint().height();
+    const int bottom = p.footer->isHidden() ? contentsRect().bottom() : p.footer->y();
+    const QRect room(contentsRect().left(), top, contentsRect().width(), std::max(bottom - top, 0));
+    p.message->setGeometry(room.adjusted(16, 8, -16, -8));
+    p.message->raise();
+}
+
+void GridView::changeEvent(QEvent* event) {
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange ||
+        event->type() == QEvent::StyleChange) {
+        ArrangeRows();
+        ArrangeMessage();
+    }
+}
+
+void GridView::resizeEvent(QResizeEvent* event) {
+    QFrame::resizeEvent(event);
+    ArrangePanes();
+    ArrangeMessage();
+}
+
+}  // namespace orvex
