@@ -1,4 +1,6 @@
 # How this project's targets are made: one function per kind of target, so that the layers stay what their names say.
+include("${CMAKE_CURRENT_LIST_DIR}/CoreTargets.cmake")
+
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -35,6 +37,7 @@ endfunction()
 function(orvex_core_library target)
     add_library(${target} STATIC ${ARGN})
     orvex_common_options(${target})
+    orvex_declare_core_target(${target})
 endfunction()
 
 # A static library with Qt: models, pages, dialogs.

@@ -1,0 +1,34 @@
+#pragma once
+// The rules of the source tree that no compiler keeps.
+#include <string>
+#include <vector>
+
+#include "tools/rules/Tree.h"
+
+namespace orvex::rules {
+
+struct Violation {
+    std::string file;
+    std::size_t line = 0;  ///< counted from 1; 0 when the file itself is meant
+    std::string what;
+};
+
+/// Core files reach no Qt header, neither themselves nor through headers of the tree. A core file is one of a
+/// data or settings folder whose name does not end like a widget's or model's.
+std::vector<Violation> CheckCoreIsWithoutQt(const Tree& tree);
+/// Windows conditions and headers stay in the seams' folders.
+std::vector<Violation> CheckWindowsStaysInSeams(const Tree& tree);
+/// Option items keep their types, which QSettings cannot write.
+std::vector<Violation> CheckNoQSettings(const Tree& tree);
+/// Texts are fetched through Text(), so that a test finds every id.
+std::vector<Violation> CheckTextsGoThroughText(const Tree& tree);
+/// Included names are spelled like the files, as a case-sensitive file system needs it.
+std::vector<Violation> CheckIncludeCase(const Tree& tree);
+/// Folders are lower-case, C++ files PascalCase (with a lower-case suffix for a platform's half), and no two
+/// paths differ in letter case only, as a case-insensitive file system needs it.
+std::vector<Violation> CheckFileNames(const Tree& tree);
+
+/// All of the above, by file and line.
+std::vector<Violation> CheckAll(const Tree& tree);
+
+}  // namespace orvex::rules
