@@ -1,0 +1,130 @@
+#include "host/app/LayerTreeModel.h"
+
+#include <numeric>
+
+#include "host/app/HostText.h"
+#include "host/app/LayerColours.h"
+#include "orvexcommon/OrvexUtilities.h"
+
+namespace orvex {
+
+namespace {
+
+/// The internal id of a layer; that of a file is its layer's place plus one.
+constexpr quintptr kLayerId = 0;
+
+std::uint64_t PointsOf(const Layer& layer) {
+    return std::accumulate(layer.files.begin(), layer.files.end(), std::uint64_t{0},
+                           [](std::uint64_t sum, const LayerFile& file) { return sum + file.points; });
+}
+
+}  // namespace
+
+LayerTreeModel::LayerTreeModel(const Project& project, QObject* parent)
+    : QAbstractItemModel(parent), project_(project) {}
+
+void LayerTreeModel::Reload() {
+    beginResetModel();
+    endResetModel();
+}
+
+bool LayerTreeModel::IsLayer(const QModelIndex& index) {
+    return index.isValid() && index.internalId() == kLayerId;
+}
+
+std::size_t LayerTreeModel::LayerOf(const QModelIndex& index) {
+    return static_cast<std::size_t>(IsLayer(index) ? static_cast<quintptr>(index.row()) : index.internalId() - 1);
+}
+
+std::size_t LayerTreeModel::FileOf(const QModelIndex& index) {
+    return static_cast<std::size_t>(index.row());
+}
+
+QModelIndex LayerTreeModel::IndexOf(std::size_t layer, std::size_t file) const {
+    return createIndex(static_cast<int>(file), 0, static_cast<quintptr>(layer + 1));
+}
+
+QModelIndex LayerTreeModel::index(int row, int column, const QModelIndex& parent) const {
+    if (!hasIndex(row, column, parent)) {
+        return {};
+    }
+    return parent.isValid() ? createIndex(row, column, static_cast<quintptr>(parent.row()) + 1)
+                            : createIndex(row, column, kLayerId);
+}
+
+QModelIndex LayerTreeModel::parent(const QModelIndex& child) const {
+    if (!child.isValid() || IsLayer(child)) {
+        return {};
+    }
+    return createIndex(static_cast<int>(LayerOf(child)), 0, kLayerId);
+}
+
+int LayerTreeModel::rowCount(const QModelIndex& parent) const {
+    if (!parent.isValid()) {
+        return static_cast<int>(project_.layers.size());
+    }
+    return IsLayer(parent) && parent.column() == 0 ? static_cast<int>(project_.layers[LayerOf(parent)].files.size())
+                                                   : 0;
+}
+
+int LayerTreeModel::columnCount(const QModelIndex&) const {
+    return kColumnCount;
+}
+
+QVariant LayerTreeModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid()) {
+        return {};
+    }
+    if (role == Qt::TextAlignmentRole && index.column() == kPoints) {
+        return QVariant(Qt::AlignRight | Qt::AlignVCenter);
+    }
+    const Layer& layer = project_.layers[LayerOf(index)];
+    return IsLayer(index) ? LayerData(layer, LayerOf(index), index.column(), role)
+                          : FileData(layer.files[FileOf(index)], index.column(), role);
+}
+
+QVariant LayerTreeModel::LayerData(const Layer& layer, std::size_t index, int column, int role) const {
+    if (role == Qt::DecorationRole && column == kName) {
+        return LayerColour(index);
+    }
+    if (role == Qt::ToolTipRole) {
+        const std::string name = OrvexUtilities::CrsGetCRSName(layer.wkt);
+        return name.empty() ? HostText(40861_lsid) : QString::fromStdString(name);
+    }
+    if (role != Qt::DisplayRole) {
+        return {};
+    }
+    switch (column) {
+        case kName: return ToQString(layer.name);
+        case kPoints: return GroupedNumber(PointsOf(layer));
+        default: return HostText(40862_lsid, {layer.files.size()});
+    }
+}
+
+QVariant LayerTreeModel::FileData(const LayerFile& file, int column, int role) const {
+    if (role == Qt::ToolTipRole) {
+        return ToQString(file.path);
+    }
+    if (role != Qt::DisplayRole) {
+        return {};
+    }
+    switch (column) {
+        case kName: return ToQString(FileNameOf(file.path));
+        case kPoints: return GroupedNumber(file.points);
+        default: return HostText(40863_lsid, {file.version / 10, file.version % 10, file.pointFormat});
+    }
+}
+
+QVariant LayerTreeModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole) {
+        return {};
+    }
+    switch (section) {
+        case kName: return HostText(40864_lsid);
+        case kPoints: return HostText(40803_lsid);
+        case kFormat: return HostText(40802_lsid);
+        default: return {};
+    }
+}
+
+}  // namespace orvex

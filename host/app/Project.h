@@ -1,0 +1,73 @@
+#pragma once
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+class AddFilesParams;
+
+namespace orvex {
+
+/// How the project holds its LiDAR data.
+enum class LidarAccess { ReadOnly, ReadWrite, NotAtAll };
+
+/// One file of a layer: what the footprint view and the tree tell of it without opening it.
+struct LayerFile {
+    std::wstring path;
+    std::uint64_t points = 0;
+    std::array<double, 3> min{};  ///< in the units of the layer's CRS
+    std::array<double, 3> max{};
+    int version = 0;  ///< 14 for LAS 1.4
+    int pointFormat = 0;
+    bool readOnly = true;
+    bool footprintOnly = false;
+
+    friend bool operator==(const LayerFile&, const LayerFile&) = default;
+};
+
+/// Files that share a CRS and are shown together.
+struct Layer {
+    std::wstring name;
+    std::string wkt;  ///< UTF-8; empty when the files carry no CRS
+    std::vector<LayerFile> files;
+
+    friend bool operator==(const Layer&, const Layer&) = default;
+};
+
+/// What became of a record.
+struct AddedFiles {
+    std::size_t files = 0;      ///< taken into the project
+    std::size_t updated = 0;    ///< were in it already; what is known of them was renewed
+    std::size_t newLayers = 0;  ///< made for them
+};
+
+/// The open project: layers in the order of their making.
+struct Project {
+    std::vector<Layer> layers;
+    LidarAccess lidarAccess = LidarAccess::ReadOnly;
+
+    bool IsEmpty() const { return layers.empty(); }
+    std::size_t FileCount() const;
+    Layer* FindLayer(const std::wstring& name);
+    /// Layer name to WKT, as the Add Files dialog wants to know the layers that files can be appended to.
+    std::map<std::wstring, std::wstring> LayersForDialog() const;
+
+    /// Takes the LAS files of a record into the layers that the dialog assigned them to. A file that is in the
+    /// project already moves to the layer assigned now.
+    AddedFiles Add(const AddFilesParams& record);
+    /// Takes a file away, and its layer with its last file.
+    void Remove(std::size_t layer, std::size_t file);
+    void RemoveLayer(std::size_t layer);
+
+    friend bool operator==(const Project&, const Project&) = default;
+};
+
+/// The details objects of a record belong to the host once the dialog ended with OK; this deletes them.
+void DeleteDetails(AddFilesParams& record);
+
+/// A folder and a name as a full path.
+std::wstring JoinPath(const std::wstring& folder, const std::wstring& name);
+
+}  // namespace orvex

@@ -1,0 +1,24 @@
+#pragma once
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvex {
+
+/// What the paths of a command line name.
+struct InputPaths {
+    std::vector<std::wstring> files;    ///< in the order given; those of a folder in natural order
+    std::vector<std::wstring> missing;  ///< paths that do not exist or cannot be looked at
+};
+
+/// Files as they are; folders searched with their subfolders for files that a reader is for. Links to folders
+/// are not followed (they can lead in circles); a subfolder that cannot be read is passed over.
+InputPaths CollectInputPaths(const std::vector<std::wstring>& paths);
+
+/// True for the extensions that a reader is for, in any letter case.
+bool HasKnownExtension(std::wstring_view path);
+
+/// Order by character without regard to letter case, digits by the value of their number: "a2" before "a10".
+bool NaturalLess(std::wstring_view a, std::wstring_view b);
+
+}  // namespace orvex

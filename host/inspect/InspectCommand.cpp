@@ -1,0 +1,159 @@
+#include "host/inspect/InspectCommand.h"
+
+#include <chrono>
+#include <optional>
+#include <ostream>
+#include <thread>
+
+#include "host/inspect/InputPaths.h"
+#include "host/inspect/JsonWriter.h"
+#include "host/inspect/OrderedJobs.h"
+#include "host/inspect/ReportWriter.h"
+#include "support/Format.h"
+#include "support/Text.h"
+
+namespace orvex {
+
+namespace {
+
+constexpr unsigned kMostJobs = 256;
+
+struct Options {
+    ReportFormat format = ReportFormat::Table;
+    unsigned jobs = 0;  ///< 0: one per processor
+    bool help = false;
+    std::vector<std::wstring> paths;
+    std::wstring error;
+};
+
+/// A number of jobs, or none when the text is not one from 1 to kMostJobs.
+std::optional<unsigned> ParseJobs(const std::wstring& text) {
+    unsigned jobs = 0;
+    for (const wchar_t c : text) {
+        if (c < L'0' || c > L'9' || jobs > kMostJobs) {
+            return std::nullopt;
+        }
+        jobs = jobs * 10 + static_cast<unsigned>(c - L'0');
+    }
+    return jobs >= 1 && jobs <= kMostJobs ? std::optional(jobs) : std::nullopt;
+}
+
+void ParseOption(const std::vector<std::wstring>& arguments, std::size_t& i, Options& options) {
+    const std::wstring& argument = arguments[i];
+    const std::wstring jobsPrefix = L"--jobs=";
+    if (argument == L"--json") {
+        options.format = ReportFormat::Json;
+    } else if (argument == L"--csv") {
+        options.format = ReportFormat::Csv;
+    } else if (argument == L"--table") {
+        options.format = ReportFormat::Table;
+    } else if (argument == L"--help" || argument == L"-h") {
+        options.help = true;
+    } else if (argument == L"--jobs" || argument.starts_with(jobsPrefix)) {
+        const std::wstring value = argument != L"--jobs"        ? argument.substr(jobsPrefix.size())
+                                   : i + 1 < arguments.size() ? arguments[++i]
+                                                              : std::wstring();
+        const std::optional<unsigned> jobs = ParseJobs(value);
+        options.jobs = jobs.value_or(0);
+        if (!jobs) {
+            options.error = FormatText(Text(40810_lsid), {kMostJobs});
+        }
+    } else {
+        options.error = FormatText(Text(40811_lsid), {argument});
+    }
+}
+
+Options ParseArguments(const std::vector<std::wstring>& arguments) {
+    Options options;
+    bool onlyPaths = false;
+    for (std::size_t i = 0; i < arguments.size() && options.error.empty(); ++i) {
+        if (!onlyPaths && arguments[i] == L"--") {
+            onlyPaths = true;
+        } else if (!onlyPaths && arguments[i].size() > 1 && arguments[i].front() == L'-') {
+            ParseOption(arguments, i, options);
+        } else {
+            options.paths.push_back(arguments[i]);
+        }
+    }
+    if (options.error.empty() && !options.help && options.paths.empty()) {
+        options.error = Text(40812_lsid);
+    }
+    return options;
+}
+
+void WriteLine(std::ostream& out, const std::wstring& line) {
+    out << ValidUtf8(ToUtf8(line)) << '\n';
+}
+
+/// One line on the terminal that counts, rewritten a few times a second and wiped at the end.
+class CountingLine {
+  public:
+    CountingLine(std::ostream& err, bool shown, std::size_t total) : err_(err), shown_(shown), total_(total) {}
+    ~CountingLine() {
+        if (written_) {
+            err_ << "\r\x1b[K" << std::flush;
+        }
+    }
+    CountingLine(const CountingLine&) = delete;
+    CountingLine& operator=(const CountingLine&) = delete;
+
+    void Tell(std::size_t done) {
+        const auto now = std::chrono::steady_clock::now();
+        if (!shown_ || now < next_) {
+            return;
+        }
+        next_ = now + std::chrono::milliseconds(100);
+        written_ = true;
+        err_ << '\r' << ToUtf8(FormatText(Text(40813_lsid), {done, total_})) << "\x1b[K" << std::flush;
+    }
+
+  private:
+    std::ostream& err_;
+    const bool shown_;
+    const std::size_t total_;
+    bool written_ = false;
+    std::chrono::steady_clock::time_point next_ = std::chrono::steady_clock::now() + std::chrono::milliseconds(300);
+};
+
+bool WriteReports(const std::vector<std::wstring>& files, const Options& options, const InspectStreams& streams) {
+    const auto writer = MakeReportWriter(options.format, streams.out);
+    CountingLine counting(streams.err, streams.showProgress, files.size());
+    const unsigned jobs = options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
+    OrderedJobs<FileReport> work(files.size(), jobs, [&](std::size_t i) { return InspectFile(files[i]); });
+    const bool complete = work.Run(
+        [&](std::size_t i, FileReport&& report) {
+            writer->Write(report);
+            counting.Tell(i + 1);
+            return static_cast<bool>(streams.out);
+        },
+        streams.stop);
+    writer->Finish();
+    streams.out.flush();
+    return complete;
+}
+
+}  // namespace
+
+int RunInspectCommand(const std::vector<std::wstring>& arguments, const InspectStreams& streams) {
+    const Options options = ParseArguments(arguments);
+    if (!options.error.empty()) {
+        WriteLine(streams.err, options.error);
+        WriteLine(streams.err, Text(40814_lsid));
+        return kInspectUsage;
+    }
+    if (options.help) {
+        WriteLine(streams.out, Text(40814_lsid));
+        return kInspectOk;
+    }
+    const InputPaths inputs = CollectInputPaths(options.paths);
+    const bool complete = WriteReports(inputs.files, options, streams);
+    for (const std::wstring& path : inputs.missing) {
+        WriteLine(streams.err, FormatText(Text(40815_lsid), {path}));
+    }
+    if (!complete && streams.stop()) {
+        return kInspectStopped;
+    }
+    return inputs.missing.empty() ? kInspectOk : kInspectPathMissing;
+}
+
+}  // namespace orvex

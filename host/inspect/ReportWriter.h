@@ -1,0 +1,27 @@
+#pragma once
+#include <iosfwd>
+#include <memory>
+
+#include "host/inspect/FileReport.h"
+
+namespace orvex {
+
+enum class ReportFormat { Table, Csv, Json };
+
+/// Prints reports, one call per file in the order wanted, then Finish once (also after an early end: what is
+/// printed is then complete in itself).
+class ReportWriter {
+  public:
+    virtual ~ReportWriter() = default;
+    virtual void Write(const FileReport& report) = 0;
+    virtual void Finish() = 0;
+};
+
+/// `out` must outlive the writer.
+std::unique_ptr<ReportWriter> MakeReportWriter(ReportFormat format, std::ostream& out);
+
+std::unique_ptr<ReportWriter> MakeJsonReportWriter(std::ostream& out);
+std::unique_ptr<ReportWriter> MakeCsvReportWriter(std::ostream& out);
+std::unique_ptr<ReportWriter> MakeTableReportWriter(std::ostream& out);
+
+}  // namespace orvex
