@@ -1,8 +1,5 @@
 #include "host/app/Project.h"
 
-#include <algorithm>
-#include <unordered_map>
-
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/LasFileInfo.h"
 #include "support/Text.h"
@@ -24,22 +21,6 @@ LayerFile DescribeFile(const std::wstring& path, const LasFileInfo* details, boo
         file.readOnly = details->IsReadOnly();
     }
     return file;
-}
-
-/// Where a file lies in the project.
-struct Place {
-    std::size_t layer;
-    std::size_t file;
-};
-
-std::unordered_map<std::wstring, Place> PlacesByKey(const std::vector<Layer>& layers) {
-    std::unordered_map<std::wstring, Place> places;
-    for (std::size_t layer = 0; layer < layers.size(); ++layer) {
-        for (std::size_t file = 0; file < layers[layer].files.size(); ++file) {
-            places.emplace(PathKey(layers[layer].files[file].path), Place{layer, file});
-        }
-    }
-    return places;
 }
 
 const LasFileInfo* DetailsOf(const AddFilesParams& record, const std::wstring& path) {
@@ -70,12 +51,6 @@ std::size_t Project::FileCount() const {
     return count;
 }
 
-Layer* Project::FindLayer(const std::wstring& name) {
-    const auto found =
-        std::find_if(layers.begin(), layers.end(), [&](const Layer& layer) { return layer.name == name; });
-    return found == layers.end() ? nullptr : &*found;
-}
-
 std::map<std::wstring, std::wstring> Project::LayersForDialog() const {
     std::map<std::wstring, std::wstring> byName;
     for (const Layer& layer : layers) {
@@ -84,57 +59,50 @@ std::map<std::wstring, std::wstring> Project::LayersForDialog() const {
     return byName;
 }
 
-AddedFiles Project::Add(const AddFilesParams& record) {
+AddedFiles Project::Add(const AddFilesParams& record, const std::set<std::wstring>& skipped) {
     AddedFiles added;
-    std::unordered_map<std::wstring, Place> places = PlacesByKey(layers);
-    std::vector<Place> moved;
+    std::map<std::wstring, std::size_t> placeOfLayer;
+    for (std::size_t i = 0; i < layers.size(); ++i) {
+        placeOfLayer.emplace(layers[i].name, i);
+    }
     for (const auto& [folder, names] : record.lasFiles) {
         for (const std::wstring& name : names) {
             const std::wstring path = JoinPath(folder, name);
-            const LasFileInfo* details = DetailsOf(record, path);
-            const std::wstring layerName = LayerNameOf(record, path);
-            Layer* layer = FindLayer(layerName);
-            if (layer == nullptr) {
-                layers.push_back({layerName, details == nullptr ? std::string() : details->CrsWkt(), {}});
-                layer = &layers.back();
-                ++added.newLayers;
-            }
-            LayerFile file = DescribeFile(path, details, record.lasLoadSetting);
-            const auto place = static_cast<std::size_t>(layer - layers.data());
-            const auto known = places.find(PathKey(path));
-            if (known != places.end() && known->second.layer == place) {
-                layer->files[known->second.file] = std::move(file);
-                ++added.updated;
+            if (skipped.contains(path)) {
                 continue;
             }
-            if (known != places.end()) {
-                moved.push_back(known->second);
+            const LasFileInfo* details = DetailsOf(record, path);
+            const std::wstring layerName = LayerNameOf(record, path);
+            const auto [place, isNew] = placeOfLayer.emplace(layerName, layers.size());
+            if (isNew) {
+                layers.push_back({layerName, details == nullptr ? std::string() : details->CrsWkt(), {}});
+                ++added.newLayers;
             }
-            ++(known != places.end() ? added.updated : added.files);
-            places[PathKey(path)] = {place, layer->files.size()};
-            layer->files.push_back(std::move(file));
+            layers[place->second].files.push_back(DescribeFile(path, details, record.lasLoadSetting));
+            ++added.files;
         }
-    }
-    // From the back, so that the places of the others stay true.
-    std::sort(moved.begin(), moved.end(), [](const Place& a, const Place& b) {
-        return a.layer != b.layer ? a.layer > b.layer : a.file > b.file;
-    });
-    for (const Place& place : moved) {
-        Remove(place.layer, place.file);
     }
     return added;
 }
 
-void Project::Remove(std::size_t layer, std::size_t file) {
-    std::vector<LayerFile>& files = layers[layer].files;
-    files.erase(files.begin() + static_cast<std::ptrdiff_t>(file));
-    if (files.empty()) {
-        RemoveLayer(layer);
+void Project::Remove(const std::set<std::pair<std::size_t, std::size_t>>& files,
+                     const std::set<std::size_t>& wholeLayers) {
+    std::vector<Layer> kept;
+    for (std::size_t layer = 0; layer < layers.size(); ++layer) {
+        if (wholeLayers.contains(layer)) {
+            continue;
+        }
+        Layer rest{layers[layer].name, layers[layer].wkt, {}};
+        for (std::size_t file = 0; file < layers[layer].files.size(); ++file) {
+            if (!files.contains({layer, file})) {
+                rest.files.push_back(std::move(layers[layer].files[file]));
+            }
+        }
+        if (!rest.files.empty()) {
+            kept.push_back(std::move(rest));
+        }
     }
-}
-
-void Project::RemoveLayer(std::size_t layer) {
-    layers.erase(layers.begin() + static_cast<std::ptrdiff_t>(layer));
+    layers = std::move(kept);
 }
 
 void DeleteDetails(AddFilesParams& record) {

@@ -3,7 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 class AddFilesParams;
@@ -39,7 +41,6 @@ struct Layer {
 /// What became of a record.
 struct AddedFiles {
     std::size_t files = 0;      ///< taken into the project
-    std::size_t updated = 0;    ///< were in it already; what is known of them was renewed
     std::size_t newLayers = 0;  ///< made for them
 };
 
@@ -50,16 +51,14 @@ struct Project {
 
     bool IsEmpty() const { return layers.empty(); }
     std::size_t FileCount() const;
-    Layer* FindLayer(const std::wstring& name);
     /// Layer name to WKT, as the Add Files dialog wants to know the layers that files can be appended to.
     std::map<std::wstring, std::wstring> LayersForDialog() const;
 
-    /// Takes the LAS files of a record into the layers that the dialog assigned them to. A file that is in the
-    /// project already moves to the layer assigned now.
-    AddedFiles Add(const AddFilesParams& record);
-    /// Takes a file away, and its layer with its last file.
-    void Remove(std::size_t layer, std::size_t file);
-    void RemoveLayer(std::size_t layer);
+    /// Takes the LAS files of a record into the layers that the dialog assigned them to, but not those whose full
+    /// path is in `skipped`.
+    AddedFiles Add(const AddFilesParams& record, const std::set<std::wstring>& skipped);
+    /// Takes files (layer and place in it) and whole layers away; a layer goes with its last file.
+    void Remove(const std::set<std::pair<std::size_t, std::size_t>>& files, const std::set<std::size_t>& wholeLayers);
 
     friend bool operator==(const Project&, const Project&) = default;
 };

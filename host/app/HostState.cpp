@@ -1,0 +1,73 @@
+#include "host/app/HostState.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <utility>
+
+namespace orvex {
+
+namespace {
+
+constexpr int kMostRecent = 10;
+
+QByteArray BytesFrom(const QJsonValue& value) {
+    return QByteArray::fromBase64(value.toString().toLatin1());
+}
+
+}  // namespace
+
+HostState::HostState(QString path) : path_(std::move(path)) {
+    QFile file(path_);
+    if (path_.isEmpty() || !file.open(QIODevice::ReadOnly)) {
+        return;
+    }
+    const QJsonObject json = QJsonDocument::fromJson(file.readAll()).object();
+    for (const QJsonValue& folder : json["recentProjects"].toArray()) {
+        if (recent_.size() < kMostRecent && !folder.toString().isEmpty()) {
+            recent_.append(folder.toString());
+        }
+    }
+    windowGeometry = BytesFrom(json["windowGeometry"]);
+    windowState = BytesFrom(json["windowState"]);
+    dark = json["dark"].toBool();
+}
+
+QString HostState::DefaultPath() {
+    return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + "/host.json";
+}
+
+void HostState::AddRecentProject(const QString& folder) {
+    recent_.removeAll(folder);
+    recent_.prepend(folder);
+    while (recent_.size() > kMostRecent) {
+        recent_.removeLast();
+    }
+}
+
+void HostState::RemoveRecentProject(const QString& folder) {
+    recent_.removeAll(folder);
+}
+
+void HostState::Save() const {
+    if (path_.isEmpty()) {
+        return;
+    }
+    const QJsonObject json{{"recentProjects", QJsonArray::fromStringList(recent_)},
+                           {"windowGeometry", QString::fromLatin1(windowGeometry.toBase64())},
+                           {"windowState", QString::fromLatin1(windowState.toBase64())},
+                           {"dark", dark}};
+    QDir().mkpath(QFileInfo(path_).path());
+    QSaveFile file(path_);
+    if (file.open(QIODevice::WriteOnly)) {
+        file.write(QJsonDocument(json).toJson());
+        file.commit();
+    }
+}
+
+}  // namespace orvex

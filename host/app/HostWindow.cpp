@@ -1,0 +1,330 @@
+#include "host/app/HostWindow.h"
+
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QItemSelectionModel>
+#include <QLabel>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QStatusBar>
+#include <QTimer>
+#include <QTreeView>
+#include <set>
+
+#include "host/app/Appearance.h"
+#include "host/app/DialogDrop.h"
+#include "host/app/FootprintView.h"
+#include "host/app/HostText.h"
+#include "host/app/LayerTreeModel.h"
+#include "host/app/LidarCheck.h"
+#include "host/app/ProjectFile.h"
+#include "host/app/RecordText.h"
+#include "orvexcommon/Exports.h"
+#include "orvexcommon/HostInterfaces.h"
+#include "orvexcommon/OptionItems.h"
+#include "orvexcommon/OrvexUtilities.h"
+
+namespace orvex {
+
+namespace {
+
+/// The tab that the dialog showed last, as the host's application object has it.
+std::int32_t LastTab(OrvexApplication* application) {
+    SettingValue value = std::int32_t{0};
+    if (application != nullptr) {
+        application->GetOptionItem(static_cast<std::int32_t>(opt2AddFilesCurTabIndex), value);
+    }
+    const auto* number = std::get_if<std::int32_t>(&value);
+    return number == nullptr ? 0 : *number;
+}
+
+std::unique_ptr<OrvexApplication> MakeApplicationObject() {
+    std::int32_t result = kHostOk;
+    std::unique_ptr<HostObject> object = CreateHostObject(kApplicationClass, result);
+    auto* application = dynamic_cast<OrvexApplication*>(object.get());
+    if (application != nullptr) {
+        (void)object.release();
+    }
+    return std::unique_ptr<OrvexApplication>(application);
+}
+
+/// A record whose details are deleted with it: they are the host's from OK on.
+struct OwnedRecord : AddFilesParams {
+    OwnedRecord() = default;
+    ~OwnedRecord() { DeleteDetails(*this); }
+    OwnedRecord(const OwnedRecord&) = delete;
+    OwnedRecord& operator=(const OwnedRecord&) = delete;
+};
+
+/// Drops the paths on the dialog as soon as it is open.
+void DropWhenOpen(QObject* context, const QStringList& paths) {
+    if (paths.isEmpty()) {
+        return;
+    }
+    auto* timer = new QTimer(context);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, paths] {
+        if (QWidget* dialog = FindAddFilesDialog()) {
+            timer->stop();
+            timer->deleteLater();
+            DropPaths(dialog, paths);
+        }
+    });
+    timer->start(10);
+}
+
+bool CanWriteAll(const AddFilesParams& record) {
+    for (const auto& [folder, names] : record.lasFiles) {
+        for (const std::wstring& name : names) {
+            if (!QFileInfo(ToQString(JoinPath(folder, name))).isWritable()) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+HostWindow::HostWindow(HostState& state, QWidget* parent) : QMainWindow(parent), state_(state) {
+    setObjectName("hostWindow");
+    setAcceptDrops(true);
+    resize(1180, 760);
+    BuildViews();
+    BuildActions();
+    restoreGeometry(state_.windowGeometry);
+    restoreState(state_.windowState);
+    ProjectChanged();
+}
+
+HostWindow::~HostWindow() = default;
+
+bool HostWindow::OpenProject(const QString& folder) {
+    const QString full = QDir(folder).absolutePath();
+    QString problem;
+    std::optional<Project> opened = Project();
+    if (IsProjectFolder(full)) {
+        opened = LoadProject(full, problem);
+    } else if (!SaveProject(full, *opened, problem)) {
+        opened.reset();
+    }
+    if (!opened) {
+        state_.RemoveRecentProject(full);
+        FillRecentMenu();
+        QMessageBox::warning(this, HostText(40880_lsid), problem);
+        return false;
+    }
+    folder_ = full;
+    project_ = std::move(*opened);
+    record_->clear();
+    state_.AddRecentProject(full);
+    state_.Save();
+    FillRecentMenu();
+    ProjectChanged();
+    footprints_->FitAll();
+    return true;
+}
+
+bool HostWindow::AddFiles(const QStringList& paths) {
+    const std::unique_ptr<OrvexApplication> application = MakeApplicationObject();
+    OwnedRecord record;
+    record.hostApplication = application.get();
+    record.initialTab = LastTab(application.get());
+    record.existingLasLayers = project_.LayersForDialog();
+    DropWhenOpen(this, paths);
+    if (!ShowAddFilesDialog(&record)) {
+        return false;
+    }
+    TakeRecord(record);
+    return !record.lasFiles.empty();
+}
+
+void HostWindow::TakeRecord(AddFilesParams& record) {
+    record_->setPlainText(ToQString(RecordText(record)));
+    const LidarFindings found = CheckLidar(project_, record);
+    bool stop = false;
+    MessageRegardingAddingLidar(reinterpret_cast<HWND>(winId()), Text(40880_lsid), found.appending, found.crsDiffers,
+                                found.crsMissing, found.damaged, found.tellSkipped, found.alreadyThere,
+                                found.unreadable, stop);
+    if (stop || !MayAdd(record)) {
+        statusBar()->showMessage(HostText(40881_lsid), 8000);
+        return;
+    }
+    const AddedFiles added = project_.Add(record, found.skipped);
+    ProjectChanged();
+    SaveNow();
+    tree_->expandAll();
+    if (added.files > 0) {
+        crsChoice_->setCurrentIndex(crsChoice_->findData(QByteArray::fromStdString(project_.layers.back().wkt)));
+        footprints_->FitAll();
+    }
+    statusBar()->showMessage(HostText(40882_lsid, {added.files, added.newLayers}), 8000);
+}
+
+/// Files that are opened read-write can be changed: the user is asked once more.
+bool HostWindow::MayAdd(const AddFilesParams& record) {
+    if (!record.lasOpenSetting) {
+        return true;
+    }
+    const AddLidarChoice choice = GetAddingLidarChoice(CanWriteAll(record));
+    project_.lidarAccess = static_cast<LidarAccess>(choice);
+    return choice != ADD_LIDAR_NOT_AT_ALL;
+}
+
+void HostWindow::AskLidarAccess() {
+    const AddLidarChoice choice = GetAddingLidarChoice(QFileInfo(folder_).isWritable());
+    project_.lidarAccess = static_cast<LidarAccess>(choice);
+    SaveNow();
+    constexpr StringId kAnswers[] = {40883_lsid, 40884_lsid, 40885_lsid};
+    statusBar()->showMessage(HostText(kAnswers[choice]), 8000);
+}
+
+QString HostWindow::LastRecord() const {
+    return record_->toPlainText();
+}
+
+void HostWindow::NewProject() {
+    const QString folder = QFileDialog::getExistingDirectory(this, HostText(40886_lsid), folder_);
+    if (folder.isEmpty()) {
+        return;
+    }
+    if (IsProjectFolder(folder)) {
+        QMessageBox::information(this, HostText(40880_lsid), HostText(40887_lsid));
+    }
+    OpenProject(folder);
+}
+
+void HostWindow::ChooseProject() {
+    const QString folder = QFileDialog::getExistingDirectory(this, HostText(40888_lsid), folder_);
+    if (folder.isEmpty()) {
+        return;
+    }
+    if (!IsProjectFolder(folder)) {
+        QMessageBox::warning(this, HostText(40880_lsid), HostText(40889_lsid, {ToWide(folder)}));
+        return;
+    }
+    OpenProject(folder);
+}
+
+void HostWindow::RemoveSelected() {
+    std::set<std::pair<std::size_t, std::size_t>> files;
+    std::set<std::size_t> layers;
+    for (const QModelIndex& index : tree_->selectionModel()->selectedRows()) {
+        if (LayerTreeModel::IsLayer(index)) {
+            layers.insert(LayerTreeModel::LayerOf(index));
+        } else {
+            files.emplace(LayerTreeModel::LayerOf(index), LayerTreeModel::FileOf(index));
+        }
+    }
+    if (files.empty() && layers.empty()) {
+        return;
+    }
+    project_.Remove(files, layers);
+    ProjectChanged();
+    SaveNow();
+}
+
+void HostWindow::SelectionChanged() {
+    std::set<std::pair<std::size_t, std::size_t>> files;
+    std::optional<std::size_t> layer;
+    for (const QModelIndex& index : tree_->selectionModel()->selectedRows()) {
+        layer = LayerTreeModel::LayerOf(index);
+        if (!LayerTreeModel::IsLayer(index)) {
+            files.emplace(*layer, LayerTreeModel::FileOf(index));
+            continue;
+        }
+        for (std::size_t file = 0; file < project_.layers[*layer].files.size(); ++file) {
+            files.emplace(*layer, file);
+        }
+    }
+    if (layer) {
+        const int crs = crsChoice_->findData(QByteArray::fromStdString(project_.layers[*layer].wkt));
+        if (crs != crsChoice_->currentIndex()) {
+            crsChoice_->setCurrentIndex(crs);
+        }
+    }
+    footprints_->SetSelected(std::move(files));
+}
+
+void HostWindow::SelectFile(std::size_t layer, std::size_t file) {
+    const QModelIndex index = layers_->IndexOf(layer, file);
+    tree_->setCurrentIndex(index);
+    tree_->scrollTo(index);
+}
+
+void HostWindow::FillCrsChoice() {
+    const QVariant shown = crsChoice_->currentData();
+    const QSignalBlocker blocker(crsChoice_);
+    crsChoice_->clear();
+    for (const Layer& layer : project_.layers) {
+        const QByteArray wkt = QByteArray::fromStdString(layer.wkt);
+        if (crsChoice_->findData(wkt) >= 0) {
+            continue;
+        }
+        const std::string name = OrvexUtilities::CrsGetCRSName(layer.wkt);
+        crsChoice_->addItem(name.empty() ? HostText(40861_lsid) : QString::fromStdString(name), wkt);
+    }
+    crsChoice_->setEnabled(crsChoice_->count() > 1);
+    crsChoice_->setCurrentIndex(std::max(0, crsChoice_->findData(shown)));
+}
+
+void HostWindow::ShowChosenCrs() {
+    footprints_->ShowCrs(crsChoice_->currentData().toByteArray().toStdString());
+}
+
+void HostWindow::ProjectChanged() {
+    layers_->Reload();
+    FillCrsChoice();
+    ShowChosenCrs();
+    footprints_->SetSelected({});
+    const QString name = folder_.isEmpty() ? QString() : QDir(folder_).dirName();
+    setWindowTitle(name.isEmpty() ? HostText(40880_lsid) : name + " \u2013 " + HostText(40880_lsid));
+    totals_->setText(HostText(40890_lsid, {project_.layers.size(), project_.FileCount()}));
+}
+
+bool HostWindow::SaveNow() {
+    QString problem;
+    if (folder_.isEmpty() || SaveProject(folder_, project_, problem)) {
+        return true;
+    }
+    QMessageBox::warning(this, HostText(40880_lsid), problem);
+    return false;
+}
+
+void HostWindow::SetDark(bool dark) {
+    state_.dark = dark;
+    ApplyAppearance(dark);
+    state_.Save();
+}
+
+void HostWindow::closeEvent(QCloseEvent* event) {
+    state_.windowGeometry = saveGeometry();
+    state_.windowState = saveState();
+    state_.Save();
+    event->setAccepted(SaveNow());
+}
+
+void HostWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->hasUrls()) {
+        event->acceptProposedAction();
+    }
+}
+
+void HostWindow::dropEvent(QDropEvent* event) {
+    QStringList paths;
+    for (const QUrl& url : event->mimeData()->urls()) {
+        if (url.isLocalFile()) {
+            paths.append(url.toLocalFile());
+        }
+    }
+    event->acceptProposedAction();
+    // The program that dragged waits until this returns; the dialog must not run inside.
+    QTimer::singleShot(0, this, [this, paths] { AddFiles(paths); });
+}
+
+}  // namespace orvex

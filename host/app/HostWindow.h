@@ -1,0 +1,81 @@
+#pragma once
+#include <QMainWindow>
+#include <QStringList>
+#include <memory>
+
+#include "host/app/HostState.h"
+#include "host/app/Project.h"
+
+class AddFilesParams;
+class QComboBox;
+class QLabel;
+class QMenu;
+class QPlainTextEdit;
+class QTreeView;
+
+namespace orvex {
+
+class FootprintView;
+class LayerTreeModel;
+
+/// The reference host's window: one project with its layers, footprints and the record that came back last.
+class HostWindow final : public QMainWindow {
+    Q_OBJECT
+
+  public:
+    explicit HostWindow(HostState& state, QWidget* parent = nullptr);
+    ~HostWindow() override;
+
+    /// Opens the project of a folder, or makes one there. False after telling the user why not.
+    bool OpenProject(const QString& folder);
+    /// Runs the Add Files dialog, at first with these files and folders in its grid, and takes what comes back.
+    /// True when the record held files.
+    bool AddFiles(const QStringList& paths = {});
+    /// Asks how LiDAR data is to be held and keeps the answer with the project.
+    void AskLidarAccess();
+
+    /// The folder of the open project; empty when none is open.
+    const QString& ProjectFolder() const { return folder_; }
+    const Project& CurrentProject() const { return project_; }
+    /// The record that came back last, as text.
+    QString LastRecord() const;
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+  private:
+    void BuildActions();
+    void BuildViews();
+    QWidget* MakeFootprintPane();
+    void FillRecentMenu();
+    void NewProject();
+    void ChooseProject();
+    void RemoveSelected();
+    void SelectionChanged();
+    void SelectFile(std::size_t layer, std::size_t file);
+    void FillCrsChoice();
+    void ShowChosenCrs();
+    void ProjectChanged();
+    bool SaveNow();
+    void TakeRecord(AddFilesParams& record);
+    bool MayAdd(const AddFilesParams& record);
+    void SetDark(bool dark);
+    void ShowAbout();
+
+    HostState& state_;
+    QString folder_;
+    Project project_;
+    LayerTreeModel* layers_ = nullptr;
+    QTreeView* tree_ = nullptr;
+    FootprintView* footprints_ = nullptr;
+    QComboBox* crsChoice_ = nullptr;
+    QPlainTextEdit* record_ = nullptr;
+    QLabel* position_ = nullptr;
+    QLabel* totals_ = nullptr;
+    QMenu* recentMenu_ = nullptr;
+    QMenu* viewMenu_ = nullptr;
+};
+
+}  // namespace orvex

@@ -1,0 +1,176 @@
+// The widgets and commands of the host's window.
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QDesktopServices>
+#include <QDir>
+#include <QDockWidget>
+#include <QFontDatabase>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QToolButton>
+#include <QTreeView>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include "host/app/FootprintView.h"
+#include "host/app/HostText.h"
+#include "host/app/HostWindow.h"
+#include "host/app/LayerTreeModel.h"
+
+namespace orvex {
+
+namespace {
+
+QIcon HostIcon(const char* name) {
+    QIcon icon;
+    for (const int size : {16, 32}) {
+        icon.addFile(QString(":/orvexhost/%1-%2.png").arg(name).arg(size), {size, size});
+    }
+    return icon;
+}
+
+QDockWidget* MakeDock(QMainWindow* window, const char* name, StringId title, QWidget* content) {
+    auto* dock = new QDockWidget(HostText(title), window);
+    dock->setObjectName(name);
+    dock->setWidget(content);
+    return dock;
+}
+
+}  // namespace
+
+void HostWindow::BuildViews() {
+    setWindowIcon(HostIcon("application"));
+    layers_ = new LayerTreeModel(project_, this);
+    tree_ = new QTreeView;
+    tree_->setObjectName("layers");
+    tree_->setModel(layers_);
+    tree_->setUniformRowHeights(true);
+    tree_->setAlternatingRowColors(true);
+    tree_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    tree_->header()->setStretchLastSection(false);
+    tree_->header()->setSectionResizeMode(LayerTreeModel::kName, QHeaderView::Stretch);
+    tree_->header()->setSectionResizeMode(LayerTreeModel::kPoints, QHeaderView::ResizeToContents);
+    tree_->header()->setSectionResizeMode(LayerTreeModel::kFormat, QHeaderView::ResizeToContents);
+    connect(tree_->selectionModel(), &QItemSelectionModel::selectionChanged, this, &HostWindow::SelectionChanged);
+
+    record_ = new QPlainTextEdit;
+    record_->setObjectName("record");
+    record_->setReadOnly(true);
+    record_->setLineWrapMode(QPlainTextEdit::NoWrap);
+    record_->setPlaceholderText(HostText(40891_lsid));
+    record_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+
+    setCentralWidget(MakeFootprintPane());
+    QDockWidget* layersDock = MakeDock(this, "layersDock", 40864_lsid, tree_);
+    QDockWidget* recordDock = MakeDock(this, "recordDock", 40892_lsid, record_);
+    addDockWidget(Qt::LeftDockWidgetArea, layersDock);
+    addDockWidget(Qt::LeftDockWidgetArea, recordDock);
+    resizeDocks({layersDock, recordDock}, {430, 430}, Qt::Horizontal);
+    resizeDocks({layersDock, recordDock}, {330, 300}, Qt::Vertical);
+    viewMenu_ = new QMenu(HostText(40893_lsid), this);
+    viewMenu_->addAction(layersDock->toggleViewAction());
+    viewMenu_->addAction(recordDock->toggleViewAction());
+    viewMenu_->addSeparator();
+
+    position_ = new QLabel;
+    totals_ = new QLabel;
+    statusBar()->addWidget(position_, 1);
+    statusBar()->addPermanentWidget(totals_);
+}
+
+QWidget* HostWindow::MakeFootprintPane() {
+    auto* pane = new QWidget;
+    footprints_ = new FootprintView(project_);
+    crsChoice_ = new QComboBox;
+    crsChoice_->setObjectName("crs");
+    crsChoice_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    crsChoice_->setMinimumContentsLength(30);
+    auto* caption = new QLabel(HostText(40894_lsid));
+    caption->setBuddy(crsChoice_);
+    auto* fit = new QToolButton;
+    fit->setIcon(HostIcon("fit"));
+    fit->setToolTip(HostText(40895_lsid));
+    fit->setAccessibleName(HostText(40895_lsid));
+    fit->setAutoRaise(true);
+
+    auto* bar = new QHBoxLayout;
+    bar->setContentsMargins(6, 4, 6, 0);
+    bar->addWidget(caption);
+    bar->addWidget(crsChoice_, 1);
+    bar->addWidget(fit);
+    auto* column = new QVBoxLayout(pane);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(4);
+    column->addLayout(bar);
+    column->addWidget(footprints_, 1);
+
+    connect(crsChoice_, &QComboBox::currentIndexChanged, this, &HostWindow::ShowChosenCrs);
+    connect(fit, &QToolButton::clicked, footprints_, &FootprintView::FitAll);
+    connect(footprints_, &FootprintView::FileClicked, this, &HostWindow::SelectFile);
+    connect(footprints_, &FootprintView::Hovered, this, [this](const QString& text) { position_->setText(text); });
+    return pane;
+}
+
+void HostWindow::BuildActions() {
+    auto* project = menuBar()->addMenu(HostText(40896_lsid));
+    auto* data = menuBar()->addMenu(HostText(40897_lsid));
+    menuBar()->addMenu(viewMenu_);
+    auto* help = menuBar()->addMenu(HostText(40898_lsid));
+    auto* tools = addToolBar(HostText(40899_lsid));
+    tools->setObjectName("tools");
+    tools->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    tools->setIconSize({16, 16});
+    viewMenu_->addAction(tools->toggleViewAction());
+
+    project->addAction(HostIcon("project"), HostText(40900_lsid), QKeySequence::New, this, &HostWindow::NewProject);
+    QAction* open = project->addAction(HostIcon("folder"), HostText(40901_lsid), QKeySequence::Open, this,
+                                       &HostWindow::ChooseProject);
+    recentMenu_ = project->addMenu(HostText(40902_lsid));
+    FillRecentMenu();
+    project->addAction(HostText(40903_lsid), this,
+                       [this] { QDesktopServices::openUrl(QUrl::fromLocalFile(folder_)); });
+    project->addSeparator();
+    project->addAction(HostText(40904_lsid), QKeySequence::Quit, this, &QWidget::close);
+
+    QAction* add = data->addAction(HostIcon("add-files"), HostText(40905_lsid), QKeySequence("Ctrl+Shift+A"), this,
+                                   [this] { AddFiles(); });
+    add->setObjectName("addFiles");
+    QAction* remove = data->addAction(HostIcon("remove"), HostText(40906_lsid), QKeySequence::Delete, this,
+                                      &HostWindow::RemoveSelected);
+    data->addSeparator();
+    QAction* lidar = data->addAction(HostIcon("las"), HostText(40907_lsid), this, &HostWindow::AskLidarAccess);
+    lidar->setObjectName("lidarAccess");
+
+    viewMenu_->addSeparator();
+    viewMenu_->addAction(HostIcon("fit"), HostText(40895_lsid), QKeySequence("Ctrl+0"), footprints_,
+                         &FootprintView::FitAll);
+    viewMenu_->addAction(HostText(40908_lsid), QKeySequence("Ctrl+1"), footprints_, &FootprintView::FitSelected);
+    QAction* dark = viewMenu_->addAction(HostText(40909_lsid));
+    dark->setCheckable(true);
+    dark->setChecked(state_.dark);
+    connect(dark, &QAction::toggled, this, &HostWindow::SetDark);
+    help->addAction(HostIcon("help"), HostText(40910_lsid), this, &HostWindow::ShowAbout);
+
+    tools->addActions({open, add, remove, lidar});
+}
+
+void HostWindow::FillRecentMenu() {
+    recentMenu_->clear();
+    for (const QString& folder : state_.RecentProjects()) {
+        recentMenu_->addAction(QDir::toNativeSeparators(folder), this, [this, folder] { OpenProject(folder); });
+    }
+    recentMenu_->setEnabled(!recentMenu_->isEmpty());
+}
+
+void HostWindow::ShowAbout() {
+    QMessageBox::about(this, HostText(40910_lsid),
+                       HostText(40911_lsid, {ToWide(QApplication::applicationVersion()), ToWide(folder_)}));
+}
+
+}  // namespace orvex
