@@ -8,8 +8,10 @@
 #include "las/EvlrReader.h"
 #include "las/FileIdRegistry.h"
 #include "las/HeaderBlock.h"
+#include "las/LasCrs.h"
 #include "las/LasPointViews.h"
 #include "las/VlrArea.h"
+#include "raster/GdalSetup.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
@@ -177,6 +179,14 @@ std::array<double, 3> LASFile::Minimum() const {
 
 std::array<double, 3> LASFile::Maximum() const {
     return state_->header.Maximum();
+}
+
+std::string LASFile::CrsWkt() const {
+    if (!HasProjectionRecords()) {
+        return {};
+    }
+    EnsureGdal();
+    return LasWkt(*this);
 }
 
 int LASFile::GetCompanionStatus() const {

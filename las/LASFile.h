@@ -34,6 +34,7 @@ class LASFile final : public LasFileInfo {
     bool IsReadOnly() const override;
     std::array<double, 3> Minimum() const override;
     std::array<double, 3> Maximum() const override;
+    std::string CrsWkt() const override;
     int GetCompanionStatus() const override;
     std::uint16_t RegisteredId() const override;
 

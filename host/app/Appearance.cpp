@@ -30,7 +30,8 @@ QPalette DarkPalette() {
     palette.setColor(QPalette::Highlight, accent);
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::Link, QColor(0x6c, 0xb2, 0xf2));
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::HighlightedText}) {
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::HighlightedText}) {
         palette.setColor(QPalette::Disabled, role, dim);
     }
     palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(0x45, 0x4a, 0x52));

@@ -16,10 +16,10 @@ namespace orvex {
 namespace {
 
 constexpr double kMargin = 40;
-constexpr double kGridPixels = 110;   ///< grid lines lie at least this far apart
-constexpr double kHitSlack = 3;       ///< pixels beside a footprint that still hit it
+constexpr double kGridPixels = 110;  ///< grid lines lie at least this far apart
+constexpr double kHitSlack = 3;      ///< pixels beside a footprint that still hit it
 constexpr double kZoomPerNotch = 1.25;
-constexpr double kSmallest = 4;       ///< pixels; what is smaller is drawn this large
+constexpr double kSmallest = 4;  ///< pixels; what is smaller is drawn this large
 
 /// A footprint as it is drawn: never too small to be seen.
 QRectF Drawn(const QRectF& pixels) {
@@ -134,7 +134,8 @@ void FootprintView::DrawGrid(QPainter& painter) const {
         painter.setPen(line);
         painter.drawLine(QPointF(x, 0), QPointF(x, height()));
         painter.setPen(label);
-        painter.drawText(QPointF(x + 4, height() - metrics.descent() - 3), QString::number(k * step, 'f', decimals));
+        painter.drawText(QPointF(x + 4, height() - metrics.descent() - 3),
+                         QString::number(k * step, 'f', decimals));
     }
     for (double k = std::ceil(bottomRight.y() / step); k * step <= topLeft.y(); ++k) {
         const double y = transform_.ToPixel(QPointF(0, k * step)).y();
@@ -244,7 +245,8 @@ void FootprintView::mouseMoveEvent(QMouseEvent* event) {
     }
     const QPointF world = transform_.ToWorld(event->position());
     const int decimals = GridDecimals(1 / transform_.PixelsPerUnit());
-    const QString position = QString("%1  %2").arg(world.x(), 0, 'f', decimals).arg(world.y(), 0, 'f', decimals);
+    const QString position =
+        QString("%1  %2").arg(world.x(), 0, 'f', decimals).arg(world.y(), 0, 'f', decimals);
     emit Hovered(under ? position + QString("   ") + Describe(*under).section('\n', 0, 0) : position);
 }
 
@@ -289,13 +291,27 @@ void FootprintView::keyPressEvent(QKeyEvent* event) {
     const QPointF middle = QRectF(rect()).center();
     const double step = 60;
     switch (event->key()) {
-        case Qt::Key_Plus: transform_.ZoomAbout(middle, kZoomPerNotch); break;
-        case Qt::Key_Minus: transform_.ZoomAbout(middle, 1 / kZoomPerNotch); break;
-        case Qt::Key_Left: transform_.Pan({step, 0}); break;
-        case Qt::Key_Right: transform_.Pan({-step, 0}); break;
-        case Qt::Key_Up: transform_.Pan({0, step}); break;
-        case Qt::Key_Down: transform_.Pan({0, -step}); break;
-        default: QWidget::keyPressEvent(event); return;
+        case Qt::Key_Plus:
+            transform_.ZoomAbout(middle, kZoomPerNotch);
+            break;
+        case Qt::Key_Minus:
+            transform_.ZoomAbout(middle, 1 / kZoomPerNotch);
+            break;
+        case Qt::Key_Left:
+            transform_.Pan({step, 0});
+            break;
+        case Qt::Key_Right:
+            transform_.Pan({-step, 0});
+            break;
+        case Qt::Key_Up:
+            transform_.Pan({0, step});
+            break;
+        case Qt::Key_Down:
+            transform_.Pan({0, -step});
+            break;
+        default:
+            QWidget::keyPressEvent(event);
+            return;
     }
     fitWhenSized_ = false;
     Redraw();

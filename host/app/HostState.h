@@ -5,8 +5,8 @@
 
 namespace orvex {
 
-/// What the host remembers between its runs, in one small file of the user's. A file that cannot be read gives
-/// the defaults; one that cannot be written is let be.
+/// What the host remembers between its runs, in one small file of the user's. A file that cannot be read
+/// gives the defaults; one that cannot be written is let be.
 class HostState {
   public:
     /// An empty path remembers nothing beyond the process.

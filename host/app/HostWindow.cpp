@@ -148,9 +148,9 @@ void HostWindow::TakeRecord(AddFilesParams& record) {
     record_->setPlainText(ToQString(RecordText(record)));
     const LidarFindings found = CheckLidar(project_, record);
     bool stop = false;
-    MessageRegardingAddingLidar(reinterpret_cast<HWND>(winId()), Text(40880_lsid), found.appending, found.crsDiffers,
-                                found.crsMissing, found.damaged, found.tellSkipped, found.alreadyThere,
-                                found.unreadable, stop);
+    MessageRegardingAddingLidar(reinterpret_cast<HWND>(winId()), Text(40880_lsid), found.appending,
+                                found.crsDiffers, found.crsMissing, found.damaged, found.tellSkipped,
+                                found.alreadyThere, found.unreadable, stop);
     if (stop || !MayAdd(record)) {
         statusBar()->showMessage(HostText(40881_lsid), 8000);
         return;
@@ -160,7 +160,8 @@ void HostWindow::TakeRecord(AddFilesParams& record) {
     SaveNow();
     tree_->expandAll();
     if (added.files > 0) {
-        crsChoice_->setCurrentIndex(crsChoice_->findData(QByteArray::fromStdString(project_.layers.back().wkt)));
+        crsChoice_->setCurrentIndex(
+            crsChoice_->findData(QByteArray::fromStdString(project_.layers.back().wkt)));
         footprints_->FitAll();
     }
     statusBar()->showMessage(HostText(40882_lsid, {added.files, added.newLayers}), 8000);

@@ -28,8 +28,8 @@ class HostWindow final : public QMainWindow {
 
     /// Opens the project of a folder, or makes one there. False after telling the user why not.
     bool OpenProject(const QString& folder);
-    /// Runs the Add Files dialog, at first with these files and folders in its grid, and takes what comes back.
-    /// True when the record held files.
+    /// Runs the Add Files dialog, at first with these files and folders in its grid, and takes what comes
+    /// back. True when the record held files.
     bool AddFiles(const QStringList& paths = {});
     /// Asks how LiDAR data is to be held and keeps the answer with the project.
     void AskLidarAccess();

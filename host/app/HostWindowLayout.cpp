@@ -57,7 +57,8 @@ void HostWindow::BuildViews() {
     tree_->header()->setSectionResizeMode(LayerTreeModel::kName, QHeaderView::Stretch);
     tree_->header()->setSectionResizeMode(LayerTreeModel::kPoints, QHeaderView::ResizeToContents);
     tree_->header()->setSectionResizeMode(LayerTreeModel::kFormat, QHeaderView::ResizeToContents);
-    connect(tree_->selectionModel(), &QItemSelectionModel::selectionChanged, this, &HostWindow::SelectionChanged);
+    connect(tree_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &HostWindow::SelectionChanged);
 
     record_ = new QPlainTextEdit;
     record_->setObjectName("record");
@@ -113,7 +114,8 @@ QWidget* HostWindow::MakeFootprintPane() {
     connect(crsChoice_, &QComboBox::currentIndexChanged, this, &HostWindow::ShowChosenCrs);
     connect(fit, &QToolButton::clicked, footprints_, &FootprintView::FitAll);
     connect(footprints_, &FootprintView::FileClicked, this, &HostWindow::SelectFile);
-    connect(footprints_, &FootprintView::Hovered, this, [this](const QString& text) { position_->setText(text); });
+    connect(footprints_, &FootprintView::Hovered, this,
+            [this](const QString& text) { position_->setText(text); });
     return pane;
 }
 
@@ -128,7 +130,8 @@ void HostWindow::BuildActions() {
     tools->setIconSize({16, 16});
     viewMenu_->addAction(tools->toggleViewAction());
 
-    project->addAction(HostIcon("project"), HostText(40900_lsid), QKeySequence::New, this, &HostWindow::NewProject);
+    project->addAction(HostIcon("project"), HostText(40900_lsid), QKeySequence::New, this,
+                       &HostWindow::NewProject);
     QAction* open = project->addAction(HostIcon("folder"), HostText(40901_lsid), QKeySequence::Open, this,
                                        &HostWindow::ChooseProject);
     recentMenu_ = project->addMenu(HostText(40902_lsid));
@@ -138,19 +141,21 @@ void HostWindow::BuildActions() {
     project->addSeparator();
     project->addAction(HostText(40904_lsid), QKeySequence::Quit, this, &QWidget::close);
 
-    QAction* add = data->addAction(HostIcon("add-files"), HostText(40905_lsid), QKeySequence("Ctrl+Shift+A"), this,
-                                   [this] { AddFiles(); });
+    QAction* add = data->addAction(HostIcon("add-files"), HostText(40905_lsid), QKeySequence("Ctrl+Shift+A"),
+                                   this, [this] { AddFiles(); });
     add->setObjectName("addFiles");
     QAction* remove = data->addAction(HostIcon("remove"), HostText(40906_lsid), QKeySequence::Delete, this,
                                       &HostWindow::RemoveSelected);
     data->addSeparator();
-    QAction* lidar = data->addAction(HostIcon("las"), HostText(40907_lsid), this, &HostWindow::AskLidarAccess);
+    QAction* lidar =
+        data->addAction(HostIcon("las"), HostText(40907_lsid), this, &HostWindow::AskLidarAccess);
     lidar->setObjectName("lidarAccess");
 
     viewMenu_->addSeparator();
     viewMenu_->addAction(HostIcon("fit"), HostText(40895_lsid), QKeySequence("Ctrl+0"), footprints_,
                          &FootprintView::FitAll);
-    viewMenu_->addAction(HostText(40908_lsid), QKeySequence("Ctrl+1"), footprints_, &FootprintView::FitSelected);
+    viewMenu_->addAction(HostText(40908_lsid), QKeySequence("Ctrl+1"), footprints_,
+                         &FootprintView::FitSelected);
     QAction* dark = viewMenu_->addAction(HostText(40909_lsid));
     dark->setCheckable(true);
     dark->setChecked(state_.dark);
@@ -163,7 +168,8 @@ void HostWindow::BuildActions() {
 void HostWindow::FillRecentMenu() {
     recentMenu_->clear();
     for (const QString& folder : state_.RecentProjects()) {
-        recentMenu_->addAction(QDir::toNativeSeparators(folder), this, [this, folder] { OpenProject(folder); });
+        recentMenu_->addAction(QDir::toNativeSeparators(folder), this,
+                               [this, folder] { OpenProject(folder); });
     }
     recentMenu_->setEnabled(!recentMenu_->isEmpty());
 }

@@ -33,7 +33,8 @@ bool LayerTreeModel::IsLayer(const QModelIndex& index) {
 }
 
 std::size_t LayerTreeModel::LayerOf(const QModelIndex& index) {
-    return static_cast<std::size_t>(IsLayer(index) ? static_cast<quintptr>(index.row()) : index.internalId() - 1);
+    return static_cast<std::size_t>(IsLayer(index) ? static_cast<quintptr>(index.row())
+                                                   : index.internalId() - 1);
 }
 
 std::size_t LayerTreeModel::FileOf(const QModelIndex& index) {
@@ -63,8 +64,9 @@ int LayerTreeModel::rowCount(const QModelIndex& parent) const {
     if (!parent.isValid()) {
         return static_cast<int>(project_.layers.size());
     }
-    return IsLayer(parent) && parent.column() == 0 ? static_cast<int>(project_.layers[LayerOf(parent)].files.size())
-                                                   : 0;
+    return IsLayer(parent) && parent.column() == 0
+               ? static_cast<int>(project_.layers[LayerOf(parent)].files.size())
+               : 0;
 }
 
 int LayerTreeModel::columnCount(const QModelIndex&) const {
@@ -95,9 +97,12 @@ QVariant LayerTreeModel::LayerData(const Layer& layer, std::size_t index, int co
         return {};
     }
     switch (column) {
-        case kName: return ToQString(layer.name);
-        case kPoints: return GroupedNumber(PointsOf(layer));
-        default: return HostText(40862_lsid, {layer.files.size()});
+        case kName:
+            return ToQString(layer.name);
+        case kPoints:
+            return GroupedNumber(PointsOf(layer));
+        default:
+            return HostText(40862_lsid, {layer.files.size()});
     }
 }
 
@@ -109,9 +114,12 @@ QVariant LayerTreeModel::FileData(const LayerFile& file, int column, int role) c
         return {};
     }
     switch (column) {
-        case kName: return ToQString(FileNameOf(file.path));
-        case kPoints: return GroupedNumber(file.points);
-        default: return HostText(40863_lsid, {file.version / 10, file.version % 10, file.pointFormat});
+        case kName:
+            return ToQString(FileNameOf(file.path));
+        case kPoints:
+            return GroupedNumber(file.points);
+        default:
+            return HostText(40863_lsid, {file.version / 10, file.version % 10, file.pointFormat});
     }
 }
 
@@ -120,10 +128,14 @@ QVariant LayerTreeModel::headerData(int section, Qt::Orientation orientation, in
         return {};
     }
     switch (section) {
-        case kName: return HostText(40864_lsid);
-        case kPoints: return HostText(40803_lsid);
-        case kFormat: return HostText(40802_lsid);
-        default: return {};
+        case kName:
+            return HostText(40864_lsid);
+        case kPoints:
+            return HostText(40803_lsid);
+        case kFormat:
+            return HostText(40802_lsid);
+        default:
+            return {};
     }
 }
 

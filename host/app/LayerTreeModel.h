@@ -5,8 +5,8 @@
 
 namespace orvex {
 
-/// The layers of a project and the files in them. It shows the project it was given and asks it for every cell;
-/// Reload is called after each change.
+/// The layers of a project and the files in them. It shows the project it was given and asks it for every
+/// cell; Reload is called after each change.
 class LayerTreeModel final : public QAbstractItemModel {
     Q_OBJECT
 

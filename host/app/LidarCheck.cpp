@@ -87,7 +87,8 @@ LidarFindings CheckLidar(const Project& project, const AddFilesParams& record) {
                 continue;
             }
             const std::string wkt = details->second->CrsWkt();
-            const std::wstring layer = record.lasFileLayers.contains(path) ? record.lasFileLayers.at(path) : L"";
+            const std::wstring layer =
+                record.lasFileLayers.contains(path) ? record.lasFileLayers.at(path) : L"";
             findings.appending = findings.appending || record.existingLasLayers.contains(layer);
             findings.crsMissing = findings.crsMissing || wkt.empty();
             findings.crsDiffers = findings.crsDiffers || !groups.Fits(layer, wkt);

@@ -54,11 +54,12 @@ struct Project {
     /// Layer name to WKT, as the Add Files dialog wants to know the layers that files can be appended to.
     std::map<std::wstring, std::wstring> LayersForDialog() const;
 
-    /// Takes the LAS files of a record into the layers that the dialog assigned them to, but not those whose full
-    /// path is in `skipped`.
+    /// Takes the LAS files of a record into the layers that the dialog assigned them to, but not those whose
+    /// full path is in `skipped`.
     AddedFiles Add(const AddFilesParams& record, const std::set<std::wstring>& skipped);
     /// Takes files (layer and place in it) and whole layers away; a layer goes with its last file.
-    void Remove(const std::set<std::pair<std::size_t, std::size_t>>& files, const std::set<std::size_t>& wholeLayers);
+    void Remove(const std::set<std::pair<std::size_t, std::size_t>>& files,
+                const std::set<std::size_t>& wholeLayers);
 
     friend bool operator==(const Project&, const Project&) = default;
 };

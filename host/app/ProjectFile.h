@@ -9,8 +9,8 @@ namespace orvex {
 /// Name of the file that makes a folder a project.
 inline constexpr const char* kProjectFileName = "project.orvex.json";
 
-/// What a project folder holds. None when there is no project in it or the file cannot be read; `problem` then
-/// says why, in the user's words.
+/// What a project folder holds. None when there is no project in it or the file cannot be read; `problem`
+/// then says why, in the user's words.
 std::optional<Project> LoadProject(const QString& folder, QString& problem);
 
 /// Writes the project to a temporary name beside its file and renames it when complete: a failure leaves the

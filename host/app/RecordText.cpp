@@ -26,8 +26,8 @@ std::wstring FileLine(const AddFilesParams& record, const std::wstring& folder, 
     const auto details = record.lasFileDetails.find(path);
     if (details != record.lasFileDetails.end() && details->second != nullptr) {
         const LasFileInfo& file = *details->second;
-        line += L"  " + FormatText(Text(40832_lsid), {file.Version() / 10, file.Version() % 10, file.PointFormat(),
-                                                      file.GetPointCount()});
+        line += L"  " + FormatText(Text(40832_lsid), {file.Version() / 10, file.Version() % 10,
+                                                      file.PointFormat(), file.GetPointCount()});
         line += L", " + Text(file.IsReadOnly() ? 40833_lsid : 40834_lsid);
         if (FileNameOf(file.FileName()) != name) {
             line += L" (" + FileNameOf(file.FileName()) + L")";
@@ -64,17 +64,23 @@ std::wstring LayersText(const AddFilesParams& record) {
 
 std::wstring PyramidName(std::int32_t type) {
     switch (type) {
-        case 1: return Text(40840_lsid);
-        case 2: return Text(40841_lsid);
-        default: return Text(40842_lsid);
+        case 1:
+            return Text(40840_lsid);
+        case 2:
+            return Text(40841_lsid);
+        default:
+            return Text(40842_lsid);
     }
 }
 
 std::wstring BackupName(std::int32_t option) {
     switch (option) {
-        case 0: return Text(40843_lsid);
-        case 1: return Text(40844_lsid);
-        default: return Text(40845_lsid);
+        case 0:
+            return Text(40843_lsid);
+        case 1:
+            return Text(40844_lsid);
+        default:
+            return Text(40845_lsid);
     }
 }
 

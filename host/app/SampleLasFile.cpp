@@ -97,8 +97,8 @@ std::vector<std::string> RecordsOf(const SampleTile& tile) {
 }
 
 /// A point record of format 3 (34 bytes) or 7 (36 bytes).
-std::string PointRecord(const SampleTile& tile, const std::array<std::int32_t, 3>& position, const Terrain& terrain,
-                        double time) {
+std::string PointRecord(const SampleTile& tile, const std::array<std::int32_t, 3>& position,
+                        const Terrain& terrain, double time) {
     const bool extended = tile.pointFormat >= 6;
     const std::size_t afterXyz = 12;
     Block point(extended ? 36 : 34);
@@ -223,8 +223,9 @@ bool CompressSample(const std::filesystem::path& las, const std::filesystem::pat
         laszip_open_writer(writer.pointer, laz.string().c_str(), 1) != 0) {
         return false;
     }
-    const std::uint64_t count = header->number_of_point_records != 0 ? header->number_of_point_records
-                                                                     : header->extended_number_of_point_records;
+    const std::uint64_t count = header->number_of_point_records != 0
+                                    ? header->number_of_point_records
+                                    : header->extended_number_of_point_records;
     for (std::uint64_t i = 0; i < count; ++i) {
         if (laszip_read_point(reader.pointer) != 0 || laszip_set_point(writer.pointer, point) != 0 ||
             laszip_write_point(writer.pointer) != 0) {

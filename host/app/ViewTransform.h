@@ -11,8 +11,8 @@ namespace orvex {
 /// From world coordinates (x to the right, y up) to the pixels of a view (y down), the same scale both ways.
 class ViewTransform {
   public:
-    /// Shows all of `world` in a view of this size with a margin on every side. A world without extent is shown
-    /// a hundred units wide.
+    /// Shows all of `world` in a view of this size with a margin on every side. A world without extent is
+    /// shown a hundred units wide.
     void Fit(const QRectF& world, const QSizeF& view, double marginPixels);
     /// Scales by `factor` and keeps the world point under `pixel` where it is. The scale stays within what
     /// coordinates can tell apart.

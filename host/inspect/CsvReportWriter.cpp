@@ -12,12 +12,12 @@ namespace orvex {
 namespace {
 
 constexpr const char* kColumns[] = {
-    "path",           "kind",           "loadable",     "summary",       "findings",     "crs",
-    "epsg",           "linearUnits",    "angularUnits", "version",       "pointFormat",  "compressed",
-    "headerSize",     "offsetToPoints", "recordLength", "pointCount",    "scaleX",       "scaleY",
-    "scaleZ",         "offsetX",        "offsetY",      "offsetZ",       "minX",         "minY",
-    "minZ",           "maxX",           "maxY",         "maxZ",          "gpsTime",      "vlrs",
-    "evlrs",          "companionStatus"};
+    "path",       "kind",           "loadable",     "summary",    "findings",    "crs",
+    "epsg",       "linearUnits",    "angularUnits", "version",    "pointFormat", "compressed",
+    "headerSize", "offsetToPoints", "recordLength", "pointCount", "scaleX",      "scaleY",
+    "scaleZ",     "offsetX",        "offsetY",      "offsetZ",    "minX",        "minY",
+    "minZ",       "maxX",           "maxY",         "maxZ",       "gpsTime",     "vlrs",
+    "evlrs",      "companionStatus"};
 constexpr std::size_t kLasColumns = 23;  ///< from "version" on
 
 /// RFC 4180: quoted when it holds a separator, a quote or a line end; quotes are doubled.

@@ -10,14 +10,14 @@
 namespace orvex {
 
 struct LasRecordReport {
-    std::string userId;
+    std::string userId;  ///< as the file has it, which need not be UTF-8
     unsigned recordId = 0;
     std::uint64_t length = 0;  ///< bytes after the record's header
     std::string description;
 };
 
 struct LasExtraBytesReport {
-    std::string name;
+    std::wstring name;
     std::uint64_t offset = 0;  ///< byte within a point's extra bytes
     std::uint64_t size = 0;    ///< bytes
 };
@@ -45,8 +45,8 @@ struct LasReport {
     std::wstring vlrText;
 };
 
-/// What the command line tells of one file. Plain data: the file itself is closed, so that a report costs what
-/// it says and nothing else.
+/// What the command line tells of one file. Plain data: the file itself is closed, so that a report costs
+/// what it says and nothing else.
 struct FileReport {
     std::wstring path;
     std::string kind;  ///< "las", or "unknown" for files that no reader is for

@@ -50,7 +50,7 @@ void ParseOption(const std::vector<std::wstring>& arguments, std::size_t& i, Opt
     } else if (argument == L"--help" || argument == L"-h") {
         options.help = true;
     } else if (argument == L"--jobs" || argument.starts_with(jobsPrefix)) {
-        const std::wstring value = argument != L"--jobs"        ? argument.substr(jobsPrefix.size())
+        const std::wstring value = argument != L"--jobs"      ? argument.substr(jobsPrefix.size())
                                    : i + 1 < arguments.size() ? arguments[++i]
                                                               : std::wstring();
         const std::optional<unsigned> jobs = ParseJobs(value);
@@ -88,7 +88,8 @@ void WriteLine(std::ostream& out, const std::wstring& line) {
 /// One line on the terminal that counts, rewritten a few times a second and wiped at the end.
 class CountingLine {
   public:
-    CountingLine(std::ostream& err, bool shown, std::size_t total) : err_(err), shown_(shown), total_(total) {}
+    CountingLine(std::ostream& err, bool shown, std::size_t total)
+        : err_(err), shown_(shown), total_(total) {}
     ~CountingLine() {
         if (written_) {
             err_ << "\r\x1b[K" << std::flush;
@@ -112,13 +113,16 @@ class CountingLine {
     const bool shown_;
     const std::size_t total_;
     bool written_ = false;
-    std::chrono::steady_clock::time_point next_ = std::chrono::steady_clock::now() + std::chrono::milliseconds(300);
+    std::chrono::steady_clock::time_point next_ =
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(300);
 };
 
-bool WriteReports(const std::vector<std::wstring>& files, const Options& options, const InspectStreams& streams) {
+bool WriteReports(const std::vector<std::wstring>& files, const Options& options,
+                  const InspectStreams& streams) {
     const auto writer = MakeReportWriter(options.format, streams.out);
     CountingLine counting(streams.err, streams.showProgress, files.size());
-    const unsigned jobs = options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
+    const unsigned jobs =
+        options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
     OrderedJobs<FileReport> work(files.size(), jobs, [&](std::size_t i) { return InspectFile(files[i]); });
     const bool complete = work.Run(
         [&](std::size_t i, FileReport&& report) {

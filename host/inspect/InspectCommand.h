@@ -10,7 +10,7 @@ namespace orvex {
 struct InspectStreams {
     std::ostream& out;
     std::ostream& err;
-    bool showProgress = false;                           ///< count the files on `err` while they are read
+    bool showProgress = false;                          ///< count the files on `err` while they are read
     std::function<bool()> stop = [] { return false; };  ///< true: leave as soon as the files at hand are done
 };
 

@@ -55,7 +55,7 @@ void WriteExtraBytes(JsonWriter& json, const std::vector<LasExtraBytesReport>& a
     for (const LasExtraBytesReport& attribute : attributes) {
         json.BeginObject();
         json.Key("name");
-        json.Utf8(attribute.name);
+        json.Text(attribute.name);
         json.Key("offset");
         json.Unsigned(attribute.offset);
         json.Key("size");

@@ -6,8 +6,8 @@
 
 namespace orvex {
 
-/// Writes JSON to a stream, indented by two blanks, members in the order of the calls. Whatever the texts hold,
-/// the output is valid UTF-8 and valid JSON: bytes or characters that are none become U+FFFD.
+/// Writes JSON to a stream, indented by two blanks, members in the order of the calls. Whatever the texts
+/// hold, the output is valid UTF-8 and valid JSON: bytes or characters that are none become U+FFFD.
 class JsonWriter {
   public:
     explicit JsonWriter(std::ostream& out) : out_(out) {}

@@ -45,7 +45,8 @@ class OrderedJobs {
             std::size_t index = 0;
             {
                 std::unique_lock guard(lock_);
-                spaceFree_.wait(guard, [&] { return stopped_ || next_ >= count_ || next_ < taken_ + slots_.size(); });
+                spaceFree_.wait(
+                    guard, [&] { return stopped_ || next_ >= count_ || next_ < taken_ + slots_.size(); });
                 if (stopped_ || next_ >= count_) {
                     return;
                 }
@@ -67,7 +68,8 @@ class OrderedJobs {
                 std::unique_lock guard(lock_);
                 auto& slot = slots_[i % slots_.size()];
                 // Woken now and then so that a signal, which cannot notify, is seen soon.
-                while (!resultReady_.wait_for(guard, std::chrono::milliseconds(50), [&] { return slot.has_value(); })) {
+                while (!resultReady_.wait_for(guard, std::chrono::milliseconds(50),
+                                              [&] { return slot.has_value(); })) {
                     if (stop()) {
                         return false;
                     }

@@ -12,12 +12,23 @@ namespace orvex {
 
 namespace {
 
-enum Column : std::size_t { kFile, kVersion, kFormat, kPoints, kMinimum, kMaximum, kCrs, kSummary, kColumnCount };
+enum Column : std::size_t {
+    kFile,
+    kVersion,
+    kFormat,
+    kPoints,
+    kMinimum,
+    kMaximum,
+    kCrs,
+    kSummary,
+    kColumnCount
+};
 using Row = std::array<std::wstring, kColumnCount>;
 
 constexpr std::array<StringId, kColumnCount> kHeadings = {40800_lsid, 40801_lsid, 40802_lsid, 40803_lsid,
                                                           40804_lsid, 40805_lsid, 40806_lsid, 40807_lsid};
-constexpr std::array<bool, kColumnCount> kRightAligned = {false, false, true, true, false, false, false, false};
+constexpr std::array<bool, kColumnCount> kRightAligned = {false, false, true,  true,
+                                                          false, false, false, false};
 constexpr std::size_t kWidestCell = 60;  ///< characters; the last column is as wide as it is
 
 /// 12345678 as "12 345 678": blanks mean the same in every language.
@@ -123,9 +134,12 @@ std::unique_ptr<ReportWriter> MakeTableReportWriter(std::ostream& out) {
 
 std::unique_ptr<ReportWriter> MakeReportWriter(ReportFormat format, std::ostream& out) {
     switch (format) {
-        case ReportFormat::Json: return MakeJsonReportWriter(out);
-        case ReportFormat::Csv: return MakeCsvReportWriter(out);
-        case ReportFormat::Table: break;
+        case ReportFormat::Json:
+            return MakeJsonReportWriter(out);
+        case ReportFormat::Csv:
+            return MakeCsvReportWriter(out);
+        case ReportFormat::Table:
+            break;
     }
     return MakeTableReportWriter(out);
 }

@@ -27,8 +27,8 @@ int main(int argc, char** argv) {
         for (int i = 1; i < argc; ++i) {
             arguments.push_back(orvex::FromUtf8(argv[i]));
         }
-        return orvex::RunInspectCommand(
-            arguments, {std::cout, std::cerr, orvex::StandardErrorIsTerminal(), [] { return interrupted != 0; }});
+        return orvex::RunInspectCommand(arguments, {std::cout, std::cerr, orvex::StandardErrorIsTerminal(),
+                                                    [] { return interrupted != 0; }});
     } catch (...) {
         std::cerr << orvex::ToUtf8(orvex::CurrentExceptionText()) << '\n';
         return 3;
