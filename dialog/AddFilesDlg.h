@@ -1,0 +1,79 @@
+#pragma once
+#include <QDialog>
+#include <QIcon>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "dialog/DialogServices.h"
+#include "dialog/PageDescription.h"
+
+class QHBoxLayout;
+class QProgressBar;
+class QPushButton;
+class QToolButton;
+
+namespace orvex {
+
+class CTabCtrlEx;
+class DialogProgress;
+class RunInputFilter;
+
+/// The tabbed dialog for adding data to the project. Its pages come from a table; it knows nothing of any one
+/// of them. Child objects carry the names "tabs", "progress", "stop", "ok", "cancel" and "page<template id>".
+class AddFilesDlg : public QDialog {
+    Q_OBJECT
+
+  public:
+    /// Makes the pages that `params` switches on. `params` and `services` outlive the dialog.
+    AddFilesDlg(AddFilesParams& params, DialogServices& services, std::span<const PageDescription> pages,
+                QWidget* parent = nullptr);
+    ~AddFilesDlg() override;
+
+    /// Prepares the dialog for its first show. 0, or the result code of the host's application object when it
+    /// cannot be made or does not answer; the dialog must not be shown then.
+    std::int32_t Initialise();
+
+    /// Initialises, shows the dialog modally and returns true when it ended with OK. Tells the user when it
+    /// cannot be opened.
+    bool Run();
+
+    /// Every page frees what it holds behind its rows.
+    void ReleasePages();
+
+    CTabCtrlEx& Tabs() { return *tabs_; }
+
+  public slots:
+    /// OK: every page checks and stores in turn; the first that refuses keeps the dialog open.
+    void accept() override;
+    /// Cancel. Stops a running operation instead, and does nothing in the moment after one was stopped.
+    void reject() override;
+    /// Stores the shown tab and the window's placement; every way of closing comes here.
+    void done(int result) override;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+  private:
+    void BuildWindow();
+    QHBoxLayout* BuildBottomRow();
+    void OnRunningChanged(bool running);
+    bool StorePages();
+    std::int32_t AskHostApplication();
+    AddFilesPage* PageFor(const std::vector<std::wstring>& paths) const;
+
+    AddFilesParams& params_;
+    DialogServices& services_;
+    std::vector<QIcon> images_;
+    CTabCtrlEx* tabs_;
+    QProgressBar* bar_;
+    QToolButton* stop_;
+    QPushButton* ok_;
+    QPushButton* cancel_;
+    DialogProgress* progress_;
+    RunInputFilter* inputFilter_;
+};
+
+}  // namespace orvex

@@ -1,0 +1,58 @@
+#include "dialog/AddingLidar.h"
+
+#include <cstdint>
+
+#include "settings/OptionStore.h"
+#include "support/Text.h"
+#include "support/UserPrompts.h"
+
+namespace orvex {
+namespace {
+
+// States of the stored answer. Any other value counts as read-only.
+constexpr std::uint8_t kAsk = 0;
+constexpr std::uint8_t kAlwaysReadOnly = 1;
+constexpr std::uint8_t kAlwaysReadWrite = 2;
+
+}  // namespace
+
+AddLidarChoice DecideAddingLidar(const OptionStore& options, bool readWriteAllowed,
+                                 const std::function<LidarAnswer(bool readWriteAllowed)>& ask) {
+    const std::uint8_t stored = options.Get(opt2ShowAddReadWriteDlg, kAsk);
+    if (stored != kAsk) {
+        return stored == kAlwaysReadWrite ? ADD_LIDAR_READ_WRITE : ADD_LIDAR_READ_ONLY;
+    }
+    const LidarAnswer answer = ask(readWriteAllowed);
+    if (answer.doNotAskAgain) {
+        options.Put(opt2ShowAddReadWriteDlg,
+                    answer.choice == ADD_LIDAR_READ_WRITE ? kAlwaysReadWrite : kAlwaysReadOnly);
+    }
+    return answer.choice;
+}
+
+bool ShowLidarMessages(const LidarFindings& findings, const std::wstring& caption, UserPrompts& prompts) {
+    const auto show = [&](StringId text, PromptIcon icon) {
+        prompts.Show({Text(text), caption, icon, PromptButtons::Ok});
+    };
+    if (findings.a && (findings.b || findings.c)) {
+        show(13441_lsid, PromptIcon::Warning);
+    } else if (!findings.a && findings.b && findings.c) {
+        show(13442_lsid, PromptIcon::Information);
+    }
+    if (findings.d) {
+        show(13443_lsid, PromptIcon::Warning);
+    }
+    if (findings.f && findings.g) {
+        show(13444_lsid, PromptIcon::Warning);
+        return true;
+    }
+    if (findings.e && findings.f) {
+        show(13445_lsid, PromptIcon::Warning);
+    }
+    if (findings.e && findings.g) {
+        show(13446_lsid, PromptIcon::Warning);
+    }
+    return false;
+}
+
+}  // namespace orvex

@@ -1,0 +1,434 @@
+// The shell of the Add Files dialog with pages that only write down what is asked of them.
+#include "dialog/AddFilesDlg.h"
+
+#include <gmock/gmock.h>
+
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTest>
+#include <QTimer>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include "dialog/CTabCtrlEx.h"
+#include "dialog/DialogProgress.h"
+#include "settings/OptionStore.h"
+#include "settings/testing/FakeHostObjects.h"
+#include "settings/testing/FakeRegistry.h"
+#include "support/LDataError.h"
+#include "support/testing/Scripted.h"
+
+namespace orvex {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+struct Journal {
+    std::vector<std::string> lines;
+    std::string refuse;         // the page that refuses OK
+    std::string throwOnStore;   // the page whose validation throws
+    std::string needCompanion;  // the page whose files need companion files
+    std::vector<std::wstring> added;
+    DialogProgress* progress = nullptr;
+};
+
+class FakePage : public AddFilesPage {
+  public:
+    FakePage(std::string name, std::wstring extension, Journal& journal)
+        : name_(std::move(name)), extension_(std::move(extension)), journal_(journal) {
+        auto* button = new QPushButton(QStringLiteral("act"));
+        button->setObjectName(QStringLiteral("act"));
+        auto* layout = new QVBoxLayout(this);
+        layout->addWidget(button);
+        connect(button, &QPushButton::clicked, this, [this] { journal_.lines.push_back("act " + name_); });
+    }
+    bool ValidateAndStore() override {
+        journal_.lines.push_back("store " + name_);
+        if (journal_.throwOnStore == name_) {
+            throw LDataError(L"disk full");
+        }
+        return journal_.refuse != name_;
+    }
+    void Release() override { journal_.lines.push_back("release " + name_); }
+    void AddPaths(const std::vector<std::wstring>& paths) override {
+        journal_.lines.push_back("add " + name_);
+        journal_.added = paths;
+    }
+    bool Accepts(const std::wstring& path) const override { return UpperExtensionOf(path) == extension_; }
+    bool NeedsCompanionFiles() const override { return journal_.needCompanion == name_; }
+
+  private:
+    std::string name_;
+    std::wstring extension_;
+    Journal& journal_;
+};
+
+PageDescription Describe(PageKind kind, unsigned caption, int templateId, int image,
+                         bool AddFilesParams::*pageSwitch, const char* name, const wchar_t* extension,
+                         Journal& journal) {
+    return {kind,
+            StringId{caption},
+            {},
+            L"insert failed",
+            {},
+            L"create failed",
+            templateId,
+            image,
+            pageSwitch,
+            [=, &journal](const PageContext& context) {
+                journal.progress = &context.progress;
+                return std::make_unique<FakePage>(name, extension, journal);
+            }};
+}
+
+class Shell : public ::testing::Test {
+  protected:
+    Shell() {
+        const auto add = [this](auto... arguments) { pages.push_back(Describe(arguments..., journal)); };
+        add(PageKind::Las, 13558U, 363, 8, nullptr, "las", L".LAS");
+        add(PageKind::Raster, 13561U, 385, 9, &AddFilesParams::showRasterTab, "raster", L".TIF");
+        add(PageKind::Feature, 13683U, 390, 10, &AddFilesParams::showFeatureTab, "feature", L".SHP");
+        add(PageKind::Dem, 3253U, 403, 11, &AddFilesParams::showDemTab, "dem", L".DEM");
+        add(PageKind::Photo, 3261U, 406, 12, &AddFilesParams::showPhotoTab, "photo", L".JPG");
+        add(PageKind::CloudLas, 3346U, 410, 13, &AddFilesParams::showCloudTab, "cloud", L".URL");
+    }
+
+    void AllOn() {
+        params.showRasterTab = params.showFeatureTab = params.showDemTab = true;
+        params.showPhotoTab = params.showCloudTab = true;
+    }
+    std::unique_ptr<AddFilesDlg> Make() { return std::make_unique<AddFilesDlg>(params, services, pages); }
+    std::unique_ptr<AddFilesDlg> Open() {
+        auto dialog = Make();
+        EXPECT_EQ(dialog->Initialise(), 0);
+        dialog->show();
+        return dialog;
+    }
+    static void Press(QDialog& dialog, const char* button) {
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QLatin1String(button)), Qt::LeftButton);
+    }
+    std::optional<std::int32_t> StoredTab() {
+        std::int32_t tab = 99;
+        return options.Read(opt2AddFilesCurTabIndex, &tab, sizeof tab) == 0 ? std::nullopt
+                                                                            : std::optional(tab);
+    }
+
+    Journal journal;
+    std::vector<PageDescription> pages;
+    AddFilesParams params;
+    testing::ScriptedPrompts prompts;
+    testing::ScriptedPickers pickers;
+    testing::RecordingHelpViewer help;
+    testing::FakeRegistry registry;
+    testing::FakeHostObjects hostObjects;
+    OptionStore options{registry};
+    DialogServices services{prompts, pickers, help, options, hostObjects};
+};
+
+TEST_F(Shell, TabsAreDenseAndInOrder) {
+    struct Case {
+        std::vector<bool AddFilesParams::*> on;
+        std::vector<PageKind> kinds;
+    };
+    using P = AddFilesParams;
+    const Case cases[] = {
+        {{}, {PageKind::Las}},
+        {{&P::showCloudTab}, {PageKind::Las, PageKind::CloudLas}},
+        {{&P::showPhotoTab, &P::showRasterTab}, {PageKind::Las, PageKind::Raster, PageKind::Photo}},
+        {{&P::showRasterTab, &P::showPhotoTab, &P::showFeatureTab, &P::showDemTab, &P::showCloudTab},
+         {PageKind::Las, PageKind::Raster, PageKind::Feature, PageKind::Dem, PageKind::Photo,
+          PageKind::CloudLas}},
+    };
+    for (const Case& c : cases) {
+        params = {};
+        for (auto pageSwitch : c.on) {
+            params.*pageSwitch = true;
+        }
+        const auto dialog = Make();
+        std::vector<PageKind> kinds;
+        for (int i = 0; i < dialog->Tabs().count(); ++i) {
+            kinds.push_back(dialog->Tabs().KindOfTab(i));
+        }
+        EXPECT_EQ(kinds, c.kinds);
+    }
+}
+
+TEST_F(Shell, OnlyTheSelectedTabHasItsImageAndItsPage) {
+    AllOn();
+    const auto dialog = Open();
+    CTabCtrlEx& tabs = dialog->Tabs();
+    const auto key = [&](int tab) { return tabs.tabIcon(tab).pixmap(16).toImage(); };
+    const QImage inactive = key(1);
+    QTest::mouseClick(tabs.tabBar(), Qt::LeftButton, {}, tabs.tabBar()->tabRect(1).center());
+    EXPECT_EQ(tabs.ShownIndex(), 1);
+    EXPECT_EQ(key(0), inactive);
+    EXPECT_NE(key(1), inactive);
+    EXPECT_TRUE(dialog->findChild<QWidget*>(QStringLiteral("page385"))->isVisible());
+    EXPECT_TRUE(dialog->findChild<QWidget*>(QStringLiteral("page385"))->isEnabled());
+    EXPECT_FALSE(dialog->findChild<QWidget*>(QStringLiteral("page363"))->isVisible());
+    EXPECT_FALSE(dialog->findChild<QWidget*>(QStringLiteral("page363"))->isEnabled());
+    tabs.Select(5);
+    EXPECT_TRUE(tabs.tabIcon(5).isNull()) << "the list has no image for the cloud tab";
+}
+
+TEST_F(Shell, InitialTabSelectsATabOrNone) {
+    params.showCloudTab = true;
+    struct Case {
+        int initial;
+        int shown;
+    };
+    for (const Case& c : {Case{0, 0}, Case{1, 1}, Case{2, -1}, Case{-1, -1}, Case{1000, -1}}) {
+        params.initialTab = c.initial;
+        const auto dialog = Open();
+        EXPECT_EQ(dialog->Tabs().ShownIndex(), c.shown) << c.initial;
+        EXPECT_EQ(dialog->findChild<QWidget*>(QStringLiteral("page363"))->isVisible(), c.shown == 0)
+            << c.initial;
+        EXPECT_EQ(dialog->findChild<QWidget*>(QStringLiteral("page410"))->isVisible(), c.shown == 1)
+            << c.initial;
+        QTabBar* bar = dialog->Tabs().tabBar();
+        QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(0).center());
+        EXPECT_EQ(dialog->Tabs().ShownIndex(), 0) << "a click leads out of it";
+        EXPECT_TRUE(dialog->findChild<QWidget*>(QStringLiteral("page363"))->isVisible());
+        dialog->reject();
+        EXPECT_EQ(StoredTab(), 0);
+    }
+}
+
+TEST_F(Shell, OkAsksThePagesInOrderUntilOneRefuses) {
+    AllOn();
+    struct Case {
+        const char* refuse;
+        std::vector<std::string> asked;
+        bool closes;
+    };
+    const Case cases[] = {
+        {"las", {"store las"}, false},
+        {"dem", {"store las", "store raster", "store feature", "store dem"}, false},
+        {"cloud",
+         {"store las", "store raster", "store feature", "store dem", "store photo", "store cloud"},
+         false},
+        {"", {"store las", "store raster", "store feature", "store dem", "store photo", "store cloud"}, true},
+    };
+    for (const Case& c : cases) {
+        journal.lines.clear();
+        journal.refuse = c.refuse;
+        const auto dialog = Open();
+        Press(*dialog, "ok");
+        EXPECT_EQ(journal.lines, c.asked) << c.refuse;
+        EXPECT_EQ(dialog->isVisible(), !c.closes) << c.refuse;
+        EXPECT_EQ(dialog->result() == QDialog::Accepted, c.closes);
+    }
+}
+
+TEST_F(Shell, APageThatThrowsOnOkKeepsTheDialogOpen) {
+    journal.throwOnStore = "las";
+    const auto dialog = Open();
+    Press(*dialog, "ok");
+    EXPECT_TRUE(dialog->isVisible());
+    ASSERT_THAT(prompts.shown, SizeIs(1));
+    EXPECT_EQ(prompts.shown[0].text, L"An exception occurred in OnOK():\n\ndisk full");
+}
+
+TEST_F(Shell, EveryOtherEndReleasesThePagesThatExist) {
+    params.showPhotoTab = true;
+    const auto ends = {+[](QDialog& d) { Press(d, "cancel"); }, +[](QDialog& d) { d.close(); },
+                       +[](QDialog& d) { QTest::keyClick(&d, Qt::Key_Escape); }};
+    for (auto end : ends) {
+        journal.lines.clear();
+        const auto dialog = Open();
+        end(*dialog);
+        EXPECT_FALSE(dialog->isVisible());
+        EXPECT_THAT(journal.lines, ElementsAre("release las", "release photo"));
+    }
+}
+
+TEST_F(Shell, AMissingPageIsToldAndTheOthersWork) {
+    params.showRasterTab = params.showDemTab = true;
+    pages[1].create = [](const PageContext&) -> std::unique_ptr<AddFilesPage> {
+        throw LDataError(L"no settings");
+    };
+    pages[3].create = [](const PageContext&) { return std::unique_ptr<AddFilesPage>(); };
+    const auto dialog = Open();
+    ASSERT_THAT(prompts.shown, SizeIs(2));
+    EXPECT_EQ(prompts.shown[0].text, L"create failed");
+    EXPECT_EQ(prompts.shown[0].caption, L"");
+    EXPECT_EQ(dialog->Tabs().count(), 3);
+    dialog->Tabs().Select(1);
+    Press(*dialog, "ok");
+    EXPECT_THAT(journal.lines, ElementsAre("store las"));
+    EXPECT_EQ(StoredTab(), 1);
+}
+
+TEST_F(Shell, DoesNotOpenWithoutTheHostApplication) {
+    hostObjects.projectFolderResult = kHostFail;
+    EXPECT_EQ(Make()->Initialise(), kHostFail);
+    hostObjects.createApplicationResult = kHostClassNotRegistered;
+    const auto dialog = Make();
+    EXPECT_EQ(dialog->Initialise(), kHostClassNotRegistered);
+    EXPECT_FALSE(dialog->Run());
+    ASSERT_THAT(prompts.shown, SizeIs(1));
+    EXPECT_NE(prompts.shown[0].text.find(L"80040154"), std::wstring::npos) << "the code is told";
+    EXPECT_EQ(StoredTab(), std::nullopt) << "what never opened stores nothing";
+}
+
+TEST_F(Shell, PlacementComesBackUnlessCtrlIsHeld) {
+    {
+        const auto dialog = Open();
+        EXPECT_EQ(dialog->minimumSize(), QSize(800, 400));
+        EXPECT_EQ(dialog->width(), qMin(1024, dialog->screen()->availableSize().width()));
+        dialog->resize(811, 433);
+        dialog->reject();
+    }
+    EXPECT_EQ(Open()->size(), QSize(811, 433));
+
+    QWidget keyboard;
+    keyboard.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&keyboard));
+    QTest::keyPress(keyboard.windowHandle(), Qt::Key_Control, Qt::ControlModifier);
+    {
+        const auto dialog = Open();
+        EXPECT_NE(dialog->size(), QSize(811, 433));
+        dialog->resize(822, 444);
+        dialog->reject();
+    }
+    QTest::keyRelease(keyboard.windowHandle(), Qt::Key_Control, Qt::NoModifier);
+    EXPECT_EQ(Open()->size(), QSize(822, 444)) << "saved on close although Ctrl was held";
+}
+
+TEST_F(Shell, AnUnusablePlacementIsIgnoredAndAnUnreachableOneMovedIntoSight) {
+    options.WritePlacement(L"AddFilesDlgA", "not a placement");
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    EXPECT_EQ(Open()->width(), qMin(1024, screen.width()));
+    QWidget far;
+    far.setGeometry(QRect(screen.right() + 5000, screen.bottom() + 5000, 810, 410));
+    options.WritePlacement(L"AddFilesDlgA", far.saveGeometry().toStdString());
+    const auto dialog = Open();
+    EXPECT_TRUE(screen.intersects(dialog->geometry()));
+    EXPECT_TRUE(screen.contains(dialog->geometry().topLeft() + QPoint(50, 5)));
+}
+
+TEST_F(Shell, ARunLocksWhatCouldStartAnother) {
+    params.showRasterTab = true;
+    const auto dialog = Open();
+    auto* bar = dialog->findChild<QProgressBar*>(QStringLiteral("progress"));
+    auto* act = dialog->findChild<QWidget*>(QStringLiteral("page363"))
+                    ->findChild<QPushButton*>(QStringLiteral("act"));
+    EXPECT_FALSE(bar->isVisible());
+    {
+        const DialogProgress::Run run(*journal.progress);
+        EXPECT_TRUE(bar->isVisible());
+        Press(*dialog, "ok");
+        QTest::mouseClick(act, Qt::LeftButton);
+        QTest::keyClick(act, Qt::Key_Space);
+        QTest::mouseClick(dialog->Tabs().tabBar(), Qt::LeftButton, {},
+                          dialog->Tabs().tabBar()->tabRect(1).center());
+        dialog->accept();
+        EXPECT_THAT(journal.lines, IsEmpty());
+        EXPECT_EQ(dialog->Tabs().ShownIndex(), 0);
+        QTest::keyClick(act, Qt::Key_Escape);
+        EXPECT_TRUE(journal.progress->IsCancelled());
+    }
+    QTest::mouseClick(act, Qt::LeftButton);
+    EXPECT_THAT(journal.lines, ElementsAre("act las"));
+}
+
+TEST_F(Shell, EveryWayOfClosingStopsARunAndASecondPressLosesNothing) {
+    const auto ways = {+[](QDialog& d) { Press(d, "cancel"); }, +[](QDialog& d) { d.close(); },
+                       +[](QDialog& d) { QTest::keyClick(&d, Qt::Key_Escape); }};
+    for (auto way : ways) {
+        const auto dialog = Open();
+        {
+            const DialogProgress::Run run(*journal.progress);
+            way(*dialog);
+            EXPECT_TRUE(journal.progress->IsCancelled());
+        }
+        way(*dialog);
+        EXPECT_TRUE(dialog->isVisible());
+        EXPECT_THAT(journal.lines, IsEmpty());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !journal.progress->WasStoppedJustNow(); }));
+        way(*dialog);
+        EXPECT_FALSE(dialog->isVisible());
+        journal.lines.clear();
+    }
+}
+
+TEST_F(Shell, DropsGoToTheShownPageOrTheFirstThatKnowsTheFiles) {
+    params.showRasterTab = true;
+    const auto dialog = Open();
+    const auto drop = [&](const QStringList& files) {
+        QMimeData data;
+        QList<QUrl> urls;
+        for (const QString& file : files) {
+            urls.append(QUrl::fromLocalFile(file));
+        }
+        data.setUrls(urls);
+        QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(dialog.get(), &enter);
+        QDropEvent event(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(dialog.get(), &event);
+    };
+    drop({QStringLiteral("/data/a b.las"), QStringLiteral("/data/x.txt")});
+    EXPECT_THAT(journal.added, ElementsAre(L"/data/a b.las", L"/data/x.txt"));
+    EXPECT_EQ(dialog->Tabs().ShownIndex(), 0);
+    drop({QStringLiteral("/data/image.tif")});
+    EXPECT_EQ(dialog->Tabs().ShownIndex(), 1);
+    drop({QStringLiteral("/data/x.txt")});
+    EXPECT_THAT(journal.lines, ElementsAre("add las", "add raster"));
+}
+
+TEST_F(Shell, OverwriteWarningComesExactlyWhenOriginalsWouldBeLost) {
+    struct Case {
+        bool companion, convert;
+        int pyramid, backup;
+        bool pending;
+        bool asked;
+    };
+    const Case cases[] = {
+        {true, true, 1, 0, true, true},    {true, false, 1, 0, true, true}, {false, true, 1, 0, true, true},
+        {false, false, 1, 0, true, false}, {true, true, 2, 0, true, false}, {true, true, 0, 0, true, false},
+        {true, true, 1, 1, true, false},   {true, true, 1, 2, true, false}, {true, true, 1, 0, false, false},
+    };
+    for (const Case& c : cases) {
+        prompts.tasksShown.clear();
+        journal.needCompanion = c.companion ? "las" : "";
+        params.convertExistingQvr = c.convert;
+        params.lasPyramidType = c.pyramid;
+        params.orvexLasBackupOption = c.backup;
+        params.orvexLasOverwritePending = c.pending;
+        const auto dialog = Open();
+        Press(*dialog, "ok");
+        EXPECT_EQ(prompts.tasksShown.size(), c.asked ? 1U : 0U)
+            << c.companion << c.convert << c.pyramid << c.backup;
+        EXPECT_FALSE(dialog->isVisible());
+    }
+}
+
+TEST_F(Shell, OverwriteWarningIsSuppressedByItsCheckBoxWhateverTheAnswer) {
+    params.convertExistingQvr = params.orvexLasOverwritePending = true;
+    params.lasPyramidType = 1;
+    const auto press = [&](TaskAnswer answer) {
+        prompts.taskAnswers = {answer};
+        const auto dialog = Open();
+        Press(*dialog, "ok");
+        return !dialog->isVisible();
+    };
+    EXPECT_FALSE(press({PromptAnswer::No, false}));
+    EXPECT_FALSE(press({PromptAnswer::Cancel, false}));
+    EXPECT_TRUE(press({PromptAnswer::Yes, false}));
+    EXPECT_FALSE(press({PromptAnswer::No, true}));
+    ASSERT_THAT(prompts.tasksShown, SizeIs(4));
+    EXPECT_EQ(prompts.tasksShown[0].content,
+              Text(3368_lsid) + L"\n" + Text(3369_lsid) + L"\n\n" + Text(3370_lsid));
+    EXPECT_TRUE(press({PromptAnswer::No, false})) << "ticked with No: never asked again";
+    EXPECT_THAT(prompts.tasksShown, SizeIs(4));
+}
+
+}  // namespace
+}  // namespace orvex
