@@ -1,0 +1,119 @@
+#include "settings/SqliteConnection.h"
+
+#include <algorithm>
+#include <thread>
+
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kLongestValue = 1 << 20;
+constexpr int kStepsBetweenChecks = 1000;
+
+// SQLite's own busy timeout starts anew with every statement; this one ends for all of them together.
+int OnBusy(void* limits, int attempt) {
+    const auto now = Clock::now();
+    const auto until = static_cast<const SqliteLimits*>(limits)->waitUntil;
+    if (now >= until) {
+        return 0;
+    }
+    const Clock::duration pause = std::chrono::milliseconds(1 + attempt % 4);
+    std::this_thread::sleep_for(std::min(pause, until - now));
+    return 1;
+}
+
+// A damaged tree can lead a search in circles.
+int OnProgress(void* limits) {
+    return Clock::now() >= static_cast<const SqliteLimits*>(limits)->workUntil ? 1 : 0;
+}
+
+}  // namespace
+
+SqliteConnection::SqliteConnection(const std::filesystem::path& file, Mode mode, const SqliteLimits& limits)
+    : limits_(limits) {
+    const int flags =
+        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
+    sqlite3* handle = nullptr;
+    openResult_ = sqlite3_open_v2(ToUtf8(FromPath(file)).c_str(), &handle, flags, nullptr);
+    handle_.reset(handle);  // also of a failed attempt, for its error text
+    if (openResult_ != SQLITE_OK) {
+        return;
+    }
+    sqlite3_extended_result_codes(handle, 1);
+    sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, kLongestValue);
+    sqlite3_busy_handler(handle, &OnBusy, &limits_);
+    sqlite3_progress_handler(handle, kStepsBetweenChecks, &OnProgress, &limits_);
+}
+
+int SqliteConnection::Execute(const char* sql) {
+    return openResult_ == SQLITE_OK ? sqlite3_exec(handle_.get(), sql, nullptr, nullptr, nullptr)
+                                    : openResult_;
+}
+
+bool SqliteConnection::HasTable(const char* table) const {
+    return openResult_ == SQLITE_OK &&
+           sqlite3_table_column_metadata(handle_.get(), nullptr, table, nullptr, nullptr, nullptr, nullptr,
+                                         nullptr, nullptr) == SQLITE_OK;
+}
+
+bool SqliteConnection::FileWasMoved() const {
+    int moved = 0;
+    return openResult_ == SQLITE_OK &&
+           sqlite3_file_control(handle_.get(), nullptr, SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK &&
+           moved != 0;
+}
+
+std::string SqliteConnection::ErrorText() const {
+    return handle_ ? sqlite3_errmsg(handle_.get()) : sqlite3_errstr(openResult_);
+}
+
+SqliteStatement::SqliteStatement(const SqliteConnection& connection, const char* sql)
+    : result_(connection.OpenResult()) {
+    if (result_ == SQLITE_OK) {
+        sqlite3_stmt* handle = nullptr;
+        result_ = sqlite3_prepare_v2(connection.Handle(), sql, -1, &handle, nullptr);
+        handle_.reset(handle);
+    }
+}
+
+void SqliteStatement::BindText(int parameter, std::string_view text) {
+    if (handle_) {
+        Keep(sqlite3_bind_text64(handle_.get(), parameter, text.data(), text.size(), SQLITE_STATIC,
+                                 SQLITE_UTF8));
+    }
+}
+
+void SqliteStatement::BindBlob(int parameter, std::span<const std::byte> bytes) {
+    if (handle_) {
+        // A null pointer would bind NULL, which is not an empty value.
+        Keep(bytes.empty()
+                 ? sqlite3_bind_zeroblob(handle_.get(), parameter, 0)
+                 : sqlite3_bind_blob64(handle_.get(), parameter, bytes.data(), bytes.size(), SQLITE_STATIC));
+    }
+}
+
+void SqliteStatement::BindInteger(int parameter, std::int64_t value) {
+    if (handle_) {
+        Keep(sqlite3_bind_int64(handle_.get(), parameter, value));
+    }
+}
+
+int SqliteStatement::Step() {
+    return result_ == SQLITE_OK ? sqlite3_step(handle_.get()) : result_;
+}
+
+std::string SqliteStatement::Text(int column) const {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(handle_.get(), column));
+    return text == nullptr ? std::string() : std::string(text);
+}
+
+std::vector<std::byte> SqliteStatement::Blob(int column) const {
+    const auto* bytes = static_cast<const std::byte*>(sqlite3_column_blob(handle_.get(), column));
+    const int size = sqlite3_column_bytes(handle_.get(), column);
+    return bytes == nullptr ? std::vector<std::byte>() : std::vector<std::byte>(bytes, bytes + size);
+}
+
+}  // namespace orvex

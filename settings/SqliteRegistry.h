@@ -1,0 +1,14 @@
+#pragma once
+#include <filesystem>
+#include <memory>
+
+#include "settings/RegistryKey.h"
+
+namespace orvex {
+
+/// A registry store over one SQLite file per root. A file that cannot be read answers as an empty key that
+/// refuses writes, so base keys always open.
+std::unique_ptr<RegistryStore> MakeSqliteRegistryStore(std::filesystem::path userFile,
+                                                       std::filesystem::path machineFile);
+
+}  // namespace orvex

@@ -1,0 +1,221 @@
+#include "settings/ValueFile.h"
+
+#include <system_error>
+#include <utility>
+
+#include "settings/DamagedFile.h"
+#include "support/Log.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::filesystem::file_type;
+using std::filesystem::perms;
+
+constexpr auto kLongestWait = std::chrono::milliseconds(500);
+constexpr auto kLongestWork = std::chrono::milliseconds(700);
+// After a wait in vain the next calls do not wait, so that a dialog that reads twenty options is held up
+// once.
+constexpr auto kPauseAfterWait = std::chrono::seconds(3);
+constexpr int kAttempts = 3;
+
+constexpr const char* kTable = "stored_value";
+constexpr const char* kCreateTable =
+    "CREATE TABLE IF NOT EXISTS stored_value ("
+    " key TEXT NOT NULL COLLATE NOCASE,"
+    " name TEXT NOT NULL COLLATE NOCASE,"
+    " type INTEGER NOT NULL,"
+    " data BLOB NOT NULL,"
+    " PRIMARY KEY (key, name)) WITHOUT ROWID";
+constexpr const char* kFind = "SELECT type, data FROM stored_value WHERE key = ?1 AND name = ?2";
+constexpr const char* kStore =
+    "INSERT INTO stored_value (key, name, type, data) VALUES (?1, ?2, ?3, ?4)"
+    " ON CONFLICT (key, name) DO UPDATE SET type = excluded.type, data = excluded.data";
+
+int Primary(int result) {
+    return result & 0xFF;
+}
+bool Succeeded(int result) {
+    return result == SQLITE_OK || result == SQLITE_ROW || result == SQLITE_DONE;
+}
+bool IsDamage(int result) {
+    return Primary(result) == SQLITE_CORRUPT || Primary(result) == SQLITE_NOTADB;
+}
+bool RanOutOfTime(int result) {
+    return Primary(result) == SQLITE_BUSY || Primary(result) == SQLITE_INTERRUPT;
+}
+
+file_type TypeOf(const std::filesystem::path& file) {
+    std::error_code error;
+    return std::filesystem::status(file, error).type();
+}
+
+/// Looks at the whole file; false also when it cannot be read now.
+bool IsDamaged(const std::filesystem::path& file, const SqliteLimits& limits) {
+    const SqliteConnection connection(file, SqliteConnection::Mode::Existing, limits);
+    SqliteStatement check(connection, "PRAGMA quick_check(1)");
+    const int result = check.Step();
+    return IsDamage(result) || (result == SQLITE_ROW && check.Text(0) != "ok");
+}
+
+void Permit(const std::filesystem::path& path, perms rights) {
+    std::error_code error;
+    std::filesystem::permissions(path, rights, error);
+}
+
+}  // namespace
+
+ValueFile::ValueFile(std::filesystem::path file, ValueFileOwner owner)
+    : file_(std::move(file)), owner_(owner) {}
+
+ValueStatus ValueFile::Find(std::wstring_view key, std::wstring_view name, Value& value) {
+    const std::string keyText = ToUtf8(key);
+    const std::string nameText = ToUtf8(name);
+    const int result =
+        Try([&](const SqliteLimits& limits) { return TryFind(limits, keyText, nameText, value); }, "read");
+    return result == SQLITE_ROW    ? ValueStatus::Ok
+           : result == SQLITE_DONE ? ValueStatus::NotFound
+                                   : ValueStatus::NoAccess;
+}
+
+ValueStatus ValueFile::Store(std::wstring_view key, std::wstring_view name, std::int64_t type,
+                             std::span<const std::byte> data) {
+    const std::string keyText = ToUtf8(key);
+    const std::string nameText = ToUtf8(name);
+    const int result =
+        Try([&](const SqliteLimits& limits) { return TryStore(limits, keyText, nameText, type, data); },
+            "written");
+    return result == SQLITE_OK ? ValueStatus::Ok : ValueStatus::NoAccess;
+}
+
+int ValueFile::Try(const Attempt& attempt, const char* doing) {
+    if (file_.empty()) {
+        return SQLITE_CANTOPEN;
+    }
+    const SqliteLimits limits = Limits();
+    int result = SQLITE_CANTOPEN;
+    for (int i = 0; i < kAttempts; ++i) {
+        result = attempt(limits);
+        const bool again = result == SQLITE_READONLY_DBMOVED || (IsDamage(result) && StartAfresh(limits));
+        if (!again) {
+            break;
+        }
+    }
+    if (Succeeded(result)) {
+        noWaitUntil_ = {};
+    } else {
+        noWaitUntil_ = RanOutOfTime(result) ? Clock::now() + kPauseAfterWait : noWaitUntil_;
+        Warn("cannot be " + std::string(doing) + ": " + failure_);
+    }
+    return result;
+}
+
+int ValueFile::TryFind(const SqliteLimits& limits, std::string_view key, std::string_view name,
+                       Value& value) {
+    const file_type type = TypeOf(file_);
+    if (type == file_type::not_found) {
+        return SQLITE_DONE;
+    }
+    if (!IsUsable(type)) {
+        return SQLITE_CANTOPEN;
+    }
+    const SqliteConnection connection(file_, SqliteConnection::Mode::Existing, limits);
+    SqliteStatement find(connection, kFind);
+    find.BindText(1, key);
+    find.BindText(2, name);
+    const int result = find.Step();
+    if (result == SQLITE_ROW) {
+        value = {find.Integer(0), find.Blob(1)};
+        return result;
+    }
+    failure_ = connection.ErrorText();
+    const bool isEmpty = result == SQLITE_ERROR && !connection.HasTable(kTable);
+    const bool hasGone = Primary(result) == SQLITE_CANTOPEN && TypeOf(file_) == file_type::not_found;
+    return isEmpty || hasGone ? SQLITE_DONE : result;
+}
+
+int ValueFile::TryStore(const SqliteLimits& limits, std::string_view key, std::string_view name,
+                        std::int64_t type, std::span<const std::byte> data) {
+    const file_type before = TypeOf(file_);
+    if (before == file_type::not_found) {
+        MakeFolder();
+    } else if (!IsUsable(before)) {
+        return SQLITE_CANTOPEN;
+    }
+    SqliteConnection connection(file_, SqliteConnection::Mode::Create, limits);
+    const int result = RunStore(connection, key, name, type, data);
+    failure_ = connection.ErrorText();
+    if (result != SQLITE_OK) {
+        return result;
+    }
+    if (before == file_type::not_found && owner_ == ValueFileOwner::Machine) {
+        Permit(file_, perms::owner_read | perms::owner_write | perms::group_read | perms::others_read);
+    }
+    // Another process may have found the file damaged meanwhile and set it aside, with this value in it.
+    return connection.FileWasMoved() ? SQLITE_READONLY_DBMOVED : SQLITE_OK;
+}
+
+int ValueFile::RunStore(SqliteConnection& connection, std::string_view key, std::string_view name,
+                        std::int64_t type, std::span<const std::byte> data) {
+    // "BEGIN IMMEDIATE" waits for other writers here, before anything is read, so none is overtaken. With
+    // "NORMAL" a power failure cannot cost more than the newest values, and a write waits for fewer flushes.
+    for (const char* sql : {"PRAGMA synchronous = NORMAL", "BEGIN IMMEDIATE", kCreateTable}) {
+        if (const int result = connection.Execute(sql); result != SQLITE_OK) {
+            return result;
+        }
+    }
+    SqliteStatement store(connection, kStore);
+    store.BindText(1, key);
+    store.BindText(2, name);
+    store.BindInteger(3, type);
+    store.BindBlob(4, data);
+    const int result = store.Step();
+    return result == SQLITE_DONE ? connection.Execute("COMMIT") : result;
+}
+
+bool ValueFile::IsUsable(file_type type) {
+    // Reading from a pipe or a device could wait for ever.
+    if (type == file_type::regular) {
+        return true;
+    }
+    failure_ = type == file_type::none ? "no access" : "not a regular file";
+    return false;
+}
+
+void ValueFile::MakeFolder() {
+    std::error_code error;
+    const std::filesystem::path folder = file_.parent_path();
+    if (!folder.empty() && std::filesystem::create_directories(folder, error)) {
+        const perms others = perms::group_read | perms::group_exec | perms::others_read | perms::others_exec;
+        Permit(folder, owner_ == ValueFileOwner::User ? perms::owner_all : perms::owner_all | others);
+    }
+}
+
+bool ValueFile::StartAfresh(const SqliteLimits& limits) {
+    if (owner_ != ValueFileOwner::User) {
+        return false;
+    }
+    bool isDamaged = false;
+    const auto kept =
+        SetDamagedFileAside(file_, limits.workUntil, [&] { return isDamaged = IsDamaged(file_, limits); });
+    if (!kept.empty()) {
+        Warn("is damaged (" + failure_ + "); it is kept as " + ToUtf8(FromPath(kept.filename())));
+    }
+    // Found whole: another process has just put a fresh one there.
+    return !kept.empty() || !isDamaged;
+}
+
+SqliteLimits ValueFile::Limits() const {
+    const auto now = Clock::now();
+    return {now < noWaitUntil_ ? now : now + kLongestWait, now + kLongestWork};
+}
+
+void ValueFile::Warn(const std::string& line) {
+    if (logged_.insert(line).second) {
+        LogWarning(L"settings: " + FromPath(file_) + L" " + FromUtf8(line));
+    }
+}
+
+}  // namespace orvex
