@@ -1,16 +1,23 @@
 #pragma once
-#include <chrono>
 #include <filesystem>
-#include <functional>
+
+#include "settings/SqliteConnection.h"
 
 namespace orvex {
 
-/// Renames a damaged SQLite file and its journals to "NAME.damaged-1" (the first free number), so that a
-/// fresh one can take its place and nothing is lost. Only one process does it at a time: `isDamaged` is asked
-/// again when the others are done, since one of them may have put the file right. Returns the new name; empty
-/// when nothing was renamed (not damaged any more, no rights, or others not done at `until`).
-std::filesystem::path SetDamagedFileAside(const std::filesystem::path& file,
-                                          std::chrono::steady_clock::time_point until,
-                                          const std::function<bool()>& isDamaged);
+/// True when the file is no sound SQLite file; false also when that cannot be found out now.
+bool IsDamagedFile(const std::filesystem::path& file, const SqliteLimits& limits);
+
+enum class AfreshResult {
+    Emptied,  ///< copied and emptied
+    Sound,    ///< another process has done it meanwhile
+    Failed,   ///< no rights, no space, too large or no time
+};
+
+/// Copies a damaged SQLite file to "NAME.damaged-1" (the first free number) and empties it under SQLite's own
+/// locks. It is not renamed: a process that still has it open would take the journal of the file in its place
+/// for the renamed one's, and play it back. `kept` is the name of the copy when Emptied.
+AfreshResult StartDamagedFileAfresh(const std::filesystem::path& file, const SqliteLimits& limits,
+                                    std::filesystem::path& kept);
 
 }  // namespace orvex

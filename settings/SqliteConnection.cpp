@@ -20,7 +20,7 @@ int OnBusy(void* limits, int attempt) {
     if (now >= until) {
         return 0;
     }
-    const Clock::duration pause = std::chrono::milliseconds(1 + attempt % 4);
+    const Clock::duration pause = std::chrono::microseconds(200 * (1 + attempt % 8));
     std::this_thread::sleep_for(std::min(pause, until - now));
     return 1;
 }
@@ -57,13 +57,6 @@ bool SqliteConnection::HasTable(const char* table) const {
     return openResult_ == SQLITE_OK &&
            sqlite3_table_column_metadata(handle_.get(), nullptr, table, nullptr, nullptr, nullptr, nullptr,
                                          nullptr, nullptr) == SQLITE_OK;
-}
-
-bool SqliteConnection::FileWasMoved() const {
-    int moved = 0;
-    return openResult_ == SQLITE_OK &&
-           sqlite3_file_control(handle_.get(), nullptr, SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK &&
-           moved != 0;
 }
 
 std::string SqliteConnection::ErrorText() const {

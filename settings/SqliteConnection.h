@@ -35,8 +35,6 @@ class SqliteConnection {
     /// Runs a statement that delivers nothing.
     int Execute(const char* sql);
     bool HasTable(const char* table) const;
-    /// True when the file no longer has the name under which it was opened.
-    bool FileWasMoved() const;
     /// The last failure in SQLite's words.
     std::string ErrorText() const;
 

@@ -52,14 +52,6 @@ file_type TypeOf(const std::filesystem::path& file) {
     return std::filesystem::status(file, error).type();
 }
 
-/// Looks at the whole file; false also when it cannot be read now.
-bool IsDamaged(const std::filesystem::path& file, const SqliteLimits& limits) {
-    const SqliteConnection connection(file, SqliteConnection::Mode::Existing, limits);
-    SqliteStatement check(connection, "PRAGMA quick_check(1)");
-    const int result = check.Step();
-    return IsDamage(result) || (result == SQLITE_ROW && check.Text(0) != "ok");
-}
-
 void Permit(const std::filesystem::path& path, perms rights) {
     std::error_code error;
     std::filesystem::permissions(path, rights, error);
@@ -98,8 +90,7 @@ int ValueFile::Try(const Attempt& attempt, const char* doing) {
     int result = SQLITE_CANTOPEN;
     for (int i = 0; i < kAttempts; ++i) {
         result = attempt(limits);
-        const bool again = result == SQLITE_READONLY_DBMOVED || (IsDamage(result) && StartAfresh(limits));
-        if (!again) {
+        if (!IsDamage(result) || !StartAfresh(limits)) {
             break;
         }
     }
@@ -144,8 +135,11 @@ int ValueFile::TryStore(const SqliteLimits& limits, std::string_view key, std::s
     } else if (!IsUsable(before)) {
         return SQLITE_CANTOPEN;
     }
+    // Whoever waits for SQLite's lock polls, and would starve beside a process that writes without pause. So
+    // writers line up here first, and a writer that has begun lets the next one to the head of the line.
+    FolderLock turn(file_.parent_path(), limits.waitUntil);
     SqliteConnection connection(file_, SqliteConnection::Mode::Create, limits);
-    const int result = RunStore(connection, key, name, type, data);
+    const int result = RunStore(connection, turn, key, name, type, data);
     failure_ = connection.ErrorText();
     if (result != SQLITE_OK) {
         return result;
@@ -153,12 +147,11 @@ int ValueFile::TryStore(const SqliteLimits& limits, std::string_view key, std::s
     if (before == file_type::not_found && owner_ == ValueFileOwner::Machine) {
         Permit(file_, perms::owner_read | perms::owner_write | perms::group_read | perms::others_read);
     }
-    // Another process may have found the file damaged meanwhile and set it aside, with this value in it.
-    return connection.FileWasMoved() ? SQLITE_READONLY_DBMOVED : SQLITE_OK;
+    return SQLITE_OK;
 }
 
-int ValueFile::RunStore(SqliteConnection& connection, std::string_view key, std::string_view name,
-                        std::int64_t type, std::span<const std::byte> data) {
+int ValueFile::RunStore(SqliteConnection& connection, FolderLock& turn, std::string_view key,
+                        std::string_view name, std::int64_t type, std::span<const std::byte> data) {
     // "BEGIN IMMEDIATE" waits for other writers here, before anything is read, so none is overtaken. With
     // "NORMAL" a power failure cannot cost more than the newest values, and a write waits for fewer flushes.
     for (const char* sql : {"PRAGMA synchronous = NORMAL", "BEGIN IMMEDIATE", kCreateTable}) {
@@ -166,6 +159,7 @@ int ValueFile::RunStore(SqliteConnection& connection, std::string_view key, std:
             return result;
         }
     }
+    turn.Release();
     SqliteStatement store(connection, kStore);
     store.BindText(1, key);
     store.BindText(2, name);
@@ -197,14 +191,13 @@ bool ValueFile::StartAfresh(const SqliteLimits& limits) {
     if (owner_ != ValueFileOwner::User) {
         return false;
     }
-    bool isDamaged = false;
-    const auto kept =
-        SetDamagedFileAside(file_, limits.workUntil, [&] { return isDamaged = IsDamaged(file_, limits); });
-    if (!kept.empty()) {
-        Warn("is damaged (" + failure_ + "); it is kept as " + ToUtf8(FromPath(kept.filename())));
+    std::filesystem::path kept;
+    const AfreshResult result = StartDamagedFileAfresh(file_, limits, kept);
+    if (result == AfreshResult::Emptied) {
+        Warn("is damaged (" + failure_ + "); it starts afresh, a copy is kept as " +
+             ToUtf8(FromPath(kept.filename())));
     }
-    // Found whole: another process has just put a fresh one there.
-    return !kept.empty() || !isDamaged;
+    return result != AfreshResult::Failed;
 }
 
 SqliteLimits ValueFile::Limits() const {

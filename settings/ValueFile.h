@@ -10,14 +10,15 @@
 #include <string_view>
 #include <vector>
 
+#include "settings/FolderLock.h"
 #include "settings/SqliteConnection.h"
 
 namespace orvex {
 
 enum class ValueStatus { Ok, NotFound, NoAccess };
 
-/// Whose file it is: a user's own is kept from others and started afresh when it is damaged; a shared one
-/// can be read by all and is left to whoever manages it.
+/// Whose file it is: a user's own is kept from others and starts afresh (a copy is kept) when it is damaged;
+/// a shared one can be read by all and is left to whoever manages it.
 enum class ValueFileOwner { User, Machine };
 
 /// Small typed values under a key and a name (both compared without regard to the case of ASCII letters), in
@@ -50,8 +51,8 @@ class ValueFile {
     int TryFind(const SqliteLimits& limits, std::string_view key, std::string_view name, Value& value);
     int TryStore(const SqliteLimits& limits, std::string_view key, std::string_view name, std::int64_t type,
                  std::span<const std::byte> data);
-    int RunStore(SqliteConnection& connection, std::string_view key, std::string_view name, std::int64_t type,
-                 std::span<const std::byte> data);
+    int RunStore(SqliteConnection& connection, FolderLock& turn, std::string_view key, std::string_view name,
+                 std::int64_t type, std::span<const std::byte> data);
     bool IsUsable(std::filesystem::file_type type);
     void MakeFolder();
     bool StartAfresh(const SqliteLimits& limits);

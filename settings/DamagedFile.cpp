@@ -1,0 +1,100 @@
+#include "settings/DamagedFile.h"
+
+#include <string>
+#include <system_error>
+
+#include "settings/FolderLock.h"
+
+namespace orvex {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kMostKept = 1000;
+constexpr std::uintmax_t kLargestKept = 64U << 20;  // copied within a call's time on any disk
+
+fs::path FreeNameFor(const fs::path& file) {
+    for (int number = 1; number <= kMostKept; ++number) {
+        fs::path name = file;
+        name += ".damaged-" + std::to_string(number);
+        std::error_code error;
+        if (!fs::exists(fs::symlink_status(name, error))) {
+            return name;
+        }
+    }
+    return {};
+}
+
+bool CopyCompletely(const fs::path& file, const fs::path& copy) {
+    fs::path part = copy;
+    part += ".part";
+    std::error_code error;
+    const bool isCopied = fs::copy_file(file, part, fs::copy_options::overwrite_existing, error);
+    if (isCopied) {
+        fs::rename(part, copy, error);
+    }
+    if (isCopied && !error) {
+        return true;
+    }
+    fs::remove(part, error);
+    return false;
+}
+
+/// Opens a file as if it were empty, whatever is in it.
+void TakeAsEmpty(const SqliteConnection& connection) {
+    if (connection.OpenResult() == SQLITE_OK) {
+        sqlite3_db_config(connection.Handle(), SQLITE_DBCONFIG_RESET_DATABASE, 1, nullptr);
+    }
+}
+
+/// Waits for the writer that is at work; false when the file cannot be written at all.
+bool CanBeWritten(const fs::path& file, const SqliteLimits& limits) {
+    SqliteConnection connection(file, SqliteConnection::Mode::Existing, limits);
+    TakeAsEmpty(connection);
+    return connection.Execute("BEGIN IMMEDIATE") == SQLITE_OK;
+}
+
+bool Empty(const fs::path& file, const SqliteLimits& limits) {
+    SqliteConnection connection(file, SqliteConnection::Mode::Existing, limits);
+    TakeAsEmpty(connection);
+    return connection.Execute("VACUUM") == SQLITE_OK;
+}
+
+}  // namespace
+
+bool IsDamagedFile(const fs::path& file, const SqliteLimits& limits) {
+    const SqliteConnection connection(file, SqliteConnection::Mode::Existing, limits);
+    SqliteStatement check(connection, "PRAGMA quick_check(1)");
+    const int result = check.Step();
+    const int primary = result & 0xFF;
+    return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB ||
+           (result == SQLITE_ROW && check.Text(0) != "ok");
+}
+
+AfreshResult StartDamagedFileAfresh(const fs::path& file, const SqliteLimits& limits, fs::path& kept) {
+    // Writers line up at this lock too, so none begins between the copy and the emptying.
+    const FolderLock lock(file.parent_path(), limits.waitUntil);
+    if (!lock.IsHeld()) {
+        return AfreshResult::Failed;
+    }
+    if (!IsDamagedFile(file, limits)) {
+        return AfreshResult::Sound;
+    }
+    std::error_code error;
+    const std::uintmax_t size = fs::file_size(file, error);
+    const fs::path copy = FreeNameFor(file);
+    // The copy is made while no connection is open: closing any descriptor of a file drops the locks that
+    // SQLite has on it in this process.
+    if (error || size > kLargestKept || copy.empty() || !CanBeWritten(file, limits) ||
+        !CopyCompletely(file, copy)) {
+        return AfreshResult::Failed;
+    }
+    if (!Empty(file, limits)) {
+        fs::remove(copy, error);
+        return AfreshResult::Failed;
+    }
+    kept = copy;
+    return AfreshResult::Emptied;
+}
+
+}  // namespace orvex
