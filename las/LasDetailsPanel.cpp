@@ -1,0 +1,162 @@
+#include "las/LasDetailsPanel.h"
+
+#include <QEvent>
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QScrollBar>
+#include <QTabWidget>
+#include <QTextDocument>
+#include <QTextEdit>
+#include <QToolButton>
+#include <QUrl>
+#include <algorithm>
+
+#include "las/LasDetailsHtml.h"
+#include "support/Format.h"
+
+namespace orvex {
+
+namespace {
+
+constexpr int kImageSize = 16;
+
+QTextEdit* MakeTextView(const char* name) {
+    auto* view = new QTextEdit;
+    view->setObjectName(QString::fromLatin1(name));
+    view->setReadOnly(true);
+    view->setFrameShape(QFrame::NoFrame);
+    view->setTabChangesFocus(true);
+    view->setMinimumHeight(0);
+    return view;
+}
+
+/// The colour of what explains a value, also readable in dark themes.
+QString CaptionColour(const QWidget& widget) {
+    return widget.palette().color(QPalette::Disabled, QPalette::Text).name();
+}
+
+}  // namespace
+
+LasDetailsPanel::LasDetailsPanel(const std::vector<QIcon>& images, QWidget* parent)
+    : QWidget(parent), images_(images) {
+    setObjectName(QStringLiteral("detailsPane"));
+    overview_ = MakeTextView("detailsOverview");
+    overview_->setLineWrapMode(QTextEdit::NoWrap);
+    crs_ = MakeTextView("detailsCrs");
+    crs_->setLineWrapMode(QTextEdit::NoWrap);
+    records_ = new QPlainTextEdit;
+    records_->setObjectName(QStringLiteral("detailsRecords"));
+    records_->setReadOnly(true);
+    records_->setFrameShape(QFrame::NoFrame);
+    records_->setTabChangesFocus(true);
+    records_->setLineWrapMode(QPlainTextEdit::NoWrap);
+    records_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    tabs_ = new QTabWidget;
+    tabs_->setObjectName(QStringLiteral("detailsTabs"));
+    tabs_->setDocumentMode(true);
+    tabs_->addTab(overview_, QString::fromStdWString(Text(40631_lsid)));
+    tabs_->addTab(crs_, QString::fromStdWString(Text(40632_lsid)));
+    tabs_->addTab(records_, QString::fromStdWString(Text(40633_lsid)));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    layout->addWidget(MakeTitle());
+    layout->addWidget(tabs_, 1);
+    ShowNothing();
+}
+
+QWidget* LasDetailsPanel::MakeTitle() {
+    auto* row = new QWidget;
+    fold_ = new QToolButton;
+    fold_->setObjectName(QStringLiteral("detailsFold"));
+    fold_->setAutoRaise(true);
+    fold_->setCheckable(true);
+    fold_->setChecked(true);
+    fold_->setArrowType(Qt::DownArrow);
+    fold_->setToolTip(QString::fromStdWString(Text(40657_lsid)));
+    fold_->setWhatsThis(fold_->toolTip());
+    fold_->setAccessibleName(QString::fromStdWString(Text(40630_lsid)));
+    title_ = new QLabel;
+    title_->setObjectName(QStringLiteral("detailsTitle"));
+    title_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(fold_);
+    layout->addWidget(title_, 1);
+    connect(fold_, &QToolButton::toggled, this, [this](bool shown) { SetFolded(!shown); });
+    return row;
+}
+
+bool LasDetailsPanel::IsFolded() const {
+    return tabs_->isHidden();
+}
+
+void LasDetailsPanel::SetFolded(bool folded) {
+    if (folded == IsFolded()) {
+        return;
+    }
+    tabs_->setVisible(!folded);
+    fold_->setChecked(!folded);
+    fold_->setArrowType(folded ? Qt::RightArrow : Qt::DownArrow);
+    emit FoldedChanged(folded);
+}
+
+void LasDetailsPanel::ShowRows(std::span<const LasRow> rows, std::span<const std::size_t> records) {
+    if (records.empty()) {
+        ShowNothing();
+    } else if (records.size() == 1) {
+        ShowOne(rows[records.front()]);
+    } else {
+        ShowTotals(TotalsOf(rows, records));
+    }
+}
+
+void LasDetailsPanel::ShowNothing() {
+    SetTitle({});
+    SetOverview(QString::fromStdWString(Text(40634_lsid)).toHtmlEscaped());
+    crs_->clear();
+    records_->clear();
+}
+
+void LasDetailsPanel::ShowOne(const LasRow& row) {
+    const QString colour = CaptionColour(*overview_);
+    SetTitle(FileNameOf(row.inspection.path));
+    SetOverview(FindingsHtml(row) + SectionsHtml(LasOverview(row), colour));
+    const std::vector<LasDetailField> fields = LasCrsFields(row);
+    crs_->setHtml(fields.empty() ? QString::fromStdWString(Text(40648_lsid)).toHtmlEscaped()
+                                 : FieldsHtml(fields, colour) + PreformattedHtml(row.inspection.crs->prettyWkt));
+    records_->setPlainText(QString::fromStdWString(LasRecordsText(row)));
+}
+
+void LasDetailsPanel::ShowTotals(const LasTotals& totals) {
+    SetTitle(FormatText(Text(40635_lsid), {totals.files}));
+    const LasDetailSection section = TotalsSection(totals);
+    SetOverview(SectionsHtml({&section, 1}, CaptionColour(*overview_)));
+    crs_->clear();
+    records_->clear();
+}
+
+void LasDetailsPanel::SetTitle(const std::wstring& title) {
+    const std::wstring text = Text(40630_lsid) + (title.empty() ? L"" : L": " + title);
+    title_->setText(QString::fromStdWString(text));
+}
+
+void LasDetailsPanel::SetOverview(const QString& html) {
+    overview_->clear();
+    for (std::size_t i = 0; i < images_.size(); ++i) {
+        overview_->document()->addResource(QTextDocument::ImageResource, QUrl(QStringLiteral("image:%1").arg(i)),
+                                           images_[i].pixmap(kImageSize));
+    }
+    overview_->setHtml(html);
+}
+
+void LasDetailsPanel::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        emit PaletteChanged();
+    }
+}
+
+}  // namespace orvex

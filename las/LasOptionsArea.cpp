@@ -1,0 +1,53 @@
+#include "las/LasOptionsArea.h"
+
+#include <QEvent>
+#include <QScrollBar>
+
+namespace orvex {
+
+LasOptionsArea::LasOptionsArea(QWidget* content, QWidget* parent) : QScrollArea(parent) {
+    setFrameShape(QFrame::NoFrame);
+    setWidgetResizable(true);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    setFocusPolicy(Qt::NoFocus);
+    setWidget(content);
+    // The page's own background, not that of a list.
+    viewport()->setAutoFillBackground(false);
+    content->setAutoFillBackground(false);
+    content->installEventFilter(this);
+    FitHeight();
+}
+
+QSize LasOptionsArea::sizeHint() const {
+    return {widget()->sizeHint().width(), WantedHeight()};
+}
+
+QSize LasOptionsArea::minimumSizeHint() const {
+    return {0, WantedHeight()};
+}
+
+void LasOptionsArea::resizeEvent(QResizeEvent* event) {
+    QScrollArea::resizeEvent(event);
+    FitHeight();
+}
+
+bool LasOptionsArea::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == widget() && event->type() == QEvent::LayoutRequest) {
+        FitHeight();
+    }
+    return QScrollArea::eventFilter(watched, event);
+}
+
+int LasOptionsArea::WantedHeight() const {
+    const bool scrolls = widget()->minimumSizeHint().width() > width();
+    return widget()->sizeHint().height() + (scrolls ? horizontalScrollBar()->sizeHint().height() : 0);
+}
+
+void LasOptionsArea::FitHeight() {
+    if (height() != WantedHeight()) {
+        setFixedHeight(WantedHeight());
+    }
+}
+
+}  // namespace orvex

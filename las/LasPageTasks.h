@@ -1,0 +1,25 @@
+#pragma once
+// What the LAS page asks of the shared parts, described.
+#include <string>
+#include <vector>
+
+#include "dialog/FileAdder.h"
+#include "las/LasInspection.h"
+#include "las/LasOpenMode.h"
+#include "support/FilePickers.h"
+#include "support/UserPrompts.h"
+
+namespace orvex {
+
+/// The extensions of the files that the page lists, upper-cased with their dot.
+const std::vector<std::wstring>& LasExtensions();
+
+OpenFilesRequest LasOpenFilesRequest();
+
+/// Adds LAS files: how they are read, asked about and compared.
+FileAdder<LasInspection> MakeLasFileAdder();
+
+/// One message that names every file that could not be opened and why; a long list is cut.
+Prompt OpenFailuresPrompt(const std::vector<LasFileFailure>& failures);
+
+}  // namespace orvex
