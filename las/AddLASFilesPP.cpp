@@ -1,8 +1,9 @@
 #include "las/AddLASFilesPP.h"
 
-#include <QMimeData>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QMimeData>
+#include <QPushButton>
 #include <QUrl>
 #include <algorithm>
 
@@ -19,6 +20,7 @@
 #include "settings/OptionStore.h"
 #include "support/Format.h"
 #include "support/HelpViewer.h"
+#include "support/QtText.h"
 
 namespace orvex {
 
@@ -78,7 +80,8 @@ void AddLASFilesPP::AddFound(std::vector<std::wstring> paths, bool recursive) {
     ScanResult found;
     {
         const DialogProgress::Run run(progress_);
-        found = ScanPathsWithProgress({std::move(paths), LasExtensions(), recursive}, Text(13647_lsid), progress_);
+        found = ScanPathsWithProgress({std::move(paths), LasExtensions(), recursive}, Text(13647_lsid),
+                                      progress_);
     }
     if (!found.unreadable.empty()) {
         std::wstring text = Text(40677_lsid) + L"\n";
@@ -133,7 +136,8 @@ void AddLASFilesPP::AssignLayers() {
     const LasLayerRules rules{optionGroups_->Options(options_).append,
                               optionGroups_->Options(options_).ignoreIncompatibleCrs};
     store_.Withdraw();
-    model_->Change([&](std::vector<LasRow>& rows) { orvex::AssignLayers(rows, params_.existingLasLayers, rules); });
+    model_->Change(
+        [&](std::vector<LasRow>& rows) { orvex::AssignLayers(rows, params_.existingLasLayers, rules); });
     ShowDetails();
 }
 
@@ -261,8 +265,8 @@ bool AddLASFilesPP::Accepts(const std::wstring& path) const {
 
 void AddLASFilesPP::dragEnterEvent(QDragEnterEvent* event) {
     const QList<QUrl> urls = event->mimeData()->urls();
-    const bool any = std::ranges::any_of(
-        urls, [this](const QUrl& url) { return Accepts(url.toLocalFile().toStdWString()); });
+    const bool any =
+        std::ranges::any_of(urls, [this](const QUrl& url) { return Accepts(ToWide(url.toLocalFile())); });
     if (any && !progress_.IsRunning()) {
         event->acceptProposedAction();
     }
@@ -271,7 +275,7 @@ void AddLASFilesPP::dragEnterEvent(QDragEnterEvent* event) {
 void AddLASFilesPP::dropEvent(QDropEvent* event) {
     std::vector<std::wstring> paths;
     for (const QUrl& url : event->mimeData()->urls()) {
-        paths.push_back(FromPath(url.toLocalFile().toStdString()));
+        paths.push_back(ToWide(url.toLocalFile()));
     }
     event->acceptProposedAction();
     AddPaths(paths);

@@ -22,6 +22,7 @@
 #include "las/LasPageControls.h"
 #include "las/LasPageTasks.h"
 #include "las/LasPaneState.h"
+#include "support/QtText.h"
 
 namespace orvex {
 
@@ -118,7 +119,7 @@ void AddLASFilesPP::MakeSplitter() {
 
 void AddLASFilesPP::InitializeColumns() {
     grid_->SetIcons(images_);
-    grid_->SetEmptyText(QString::fromStdWString(Text(40674_lsid)));
+    grid_->SetEmptyText(ToQString(Text(40674_lsid)));
     grid_->SetModel(model_);
 }
 

@@ -313,8 +313,8 @@ std::wstring LasCellText(const LasRow& row, LasColumn column) {
         return {};
     }
     const wchar_t* format = LasNumberFormat(row, column);
-    return FormatText(
-        format != nullptr ? format : LasColumns()[static_cast<std::size_t>(column)].format, {*number});
+    return FormatText(format != nullptr ? format : LasColumns()[static_cast<std::size_t>(column)].format,
+                      {*number});
 }
 
 const wchar_t* LasNumberFormat(const LasRow& row, LasColumn column) {

@@ -2,6 +2,7 @@
 #include <QString>
 #include <concepts>
 
+#include "support/QtText.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -16,13 +17,13 @@ template <typename Widget>
 Widget* MakeControl(int id, StringId caption, StringId tooltip = {}) {
     auto* widget = new Widget;
     widget->setObjectName(ControlName(id));
-    const QString text = QString::fromStdWString(Text(caption));
+    const QString text = ToQString(Text(caption));
     if constexpr (requires { widget->setTitle(text); }) {
         widget->setTitle(text);
     } else {
         widget->setText(text);
     }
-    widget->setToolTip(QString::fromStdWString(Text(tooltip)));
+    widget->setToolTip(ToQString(Text(tooltip)));
     widget->setWhatsThis(widget->toolTip());
     return widget;
 }

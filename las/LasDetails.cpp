@@ -160,11 +160,11 @@ LasDetailSection TotalsSection(const LasTotals& totals) {
         AddField(fields, 40654_lsid, name.empty() ? Text(40612_lsid) : name);
     }
     if (totals.extent.has_value()) {
-        constexpr std::array kCaptions{40588_lsid, 40589_lsid, 40590_lsid, 40591_lsid, 40592_lsid, 40593_lsid};
+        constexpr std::array kCaptions{40588_lsid, 40589_lsid, 40590_lsid,
+                                       40591_lsid, 40592_lsid, 40593_lsid};
         for (std::size_t i = 0; i < kCaptions.size(); ++i) {
             const bool degrees = totals.isGeographic && i % 3 != 2;
-            AddField(fields, kCaptions[i],
-                     FormatText(degrees ? L"%.8lf" : L"%.3f", {(*totals.extent)[i]}));
+            AddField(fields, kCaptions[i], FormatText(degrees ? L"%.8lf" : L"%.3f", {(*totals.extent)[i]}));
         }
     }
     return section;

@@ -1,6 +1,7 @@
 #include "las/LasDetailsHtml.h"
 
 #include "dialog/Images.h"
+#include "support/QtText.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -8,12 +9,13 @@ namespace orvex {
 namespace {
 
 QString Escaped(const std::wstring& text) {
-    return QString::fromStdWString(text).toHtmlEscaped();
+    return ToQString(text).toHtmlEscaped();
 }
 
 QString FindingLine(int image, const std::wstring& text) {
-    return QStringLiteral("<tr><td style=\"padding-right:6px\"><img src=\"image:%1\" width=\"16\" height=\"16\"></td>"
-                          "<td>%2</td></tr>")
+    return QStringLiteral(
+               "<tr><td style=\"padding-right:6px\"><img src=\"image:%1\" width=\"16\" height=\"16\"></td>"
+               "<td>%2</td></tr>")
         .arg(image)
         .arg(Escaped(text));
 }
@@ -35,8 +37,9 @@ int ImageOf(LasSeverity severity) {
 QString FieldsHtml(std::span<const LasDetailField> fields, const QString& captionColour) {
     QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"1\">");
     for (const LasDetailField& field : fields) {
-        html += QStringLiteral("<tr><td style=\"color:%1; padding-right:10px; white-space:nowrap\">%2</td>"
-                               "<td>%3</td></tr>")
+        html += QStringLiteral(
+                    "<tr><td style=\"color:%1; padding-right:10px; white-space:nowrap\">%2</td>"
+                    "<td>%3</td></tr>")
                     .arg(captionColour, Escaped(Text(field.caption)), Escaped(field.value));
     }
     return html + QStringLiteral("</table>");
@@ -45,7 +48,8 @@ QString FieldsHtml(std::span<const LasDetailField> fields, const QString& captio
 QString SectionsHtml(std::span<const LasDetailSection> sections, const QString& captionColour) {
     QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"0\"><tr>");
     for (const LasDetailSection& section : sections) {
-        html += QStringLiteral("<td style=\"padding-right:28px\"><p style=\"margin-bottom:3px\"><b>%1</b></p>%2</td>")
+        html += QStringLiteral(
+                    "<td style=\"padding-right:28px\"><p style=\"margin-bottom:3px\"><b>%1</b></p>%2</td>")
                     .arg(Escaped(Text(section.title)), FieldsHtml(section.fields, captionColour));
     }
     return html + QStringLiteral("</tr></table>");

@@ -15,6 +15,7 @@
 
 #include "las/LasDetailsHtml.h"
 #include "support/Format.h"
+#include "support/QtText.h"
 
 namespace orvex {
 
@@ -56,9 +57,9 @@ LasDetailsPanel::LasDetailsPanel(const std::vector<QIcon>& images, QWidget* pare
     tabs_ = new QTabWidget;
     tabs_->setObjectName(QStringLiteral("detailsTabs"));
     tabs_->setDocumentMode(true);
-    tabs_->addTab(overview_, QString::fromStdWString(Text(40631_lsid)));
-    tabs_->addTab(crs_, QString::fromStdWString(Text(40632_lsid)));
-    tabs_->addTab(records_, QString::fromStdWString(Text(40633_lsid)));
+    tabs_->addTab(overview_, ToQString(Text(40631_lsid)));
+    tabs_->addTab(crs_, ToQString(Text(40632_lsid)));
+    tabs_->addTab(records_, ToQString(Text(40633_lsid)));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
@@ -75,9 +76,9 @@ QWidget* LasDetailsPanel::MakeTitle() {
     fold_->setCheckable(true);
     fold_->setChecked(true);
     fold_->setArrowType(Qt::DownArrow);
-    fold_->setToolTip(QString::fromStdWString(Text(40657_lsid)));
+    fold_->setToolTip(ToQString(Text(40657_lsid)));
     fold_->setWhatsThis(fold_->toolTip());
-    fold_->setAccessibleName(QString::fromStdWString(Text(40630_lsid)));
+    fold_->setAccessibleName(ToQString(Text(40630_lsid)));
     title_ = new QLabel;
     title_->setObjectName(QStringLiteral("detailsTitle"));
     title_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -115,7 +116,7 @@ void LasDetailsPanel::ShowRows(std::span<const LasRow> rows, std::span<const std
 
 void LasDetailsPanel::ShowNothing() {
     SetTitle({});
-    SetOverview(QString::fromStdWString(Text(40634_lsid)).toHtmlEscaped());
+    SetOverview(ToQString(Text(40634_lsid)).toHtmlEscaped());
     crs_->clear();
     records_->clear();
 }
@@ -125,9 +126,10 @@ void LasDetailsPanel::ShowOne(const LasRow& row) {
     SetTitle(FileNameOf(row.inspection.path));
     SetOverview(FindingsHtml(row) + SectionsHtml(LasOverview(row), colour));
     const std::vector<LasDetailField> fields = LasCrsFields(row);
-    crs_->setHtml(fields.empty() ? QString::fromStdWString(Text(40648_lsid)).toHtmlEscaped()
-                                 : FieldsHtml(fields, colour) + PreformattedHtml(row.inspection.crs->prettyWkt));
-    records_->setPlainText(QString::fromStdWString(LasRecordsText(row)));
+    crs_->setHtml(fields.empty()
+                      ? ToQString(Text(40648_lsid)).toHtmlEscaped()
+                      : FieldsHtml(fields, colour) + PreformattedHtml(row.inspection.crs->prettyWkt));
+    records_->setPlainText(ToQString(LasRecordsText(row)));
 }
 
 void LasDetailsPanel::ShowTotals(const LasTotals& totals) {
@@ -140,13 +142,14 @@ void LasDetailsPanel::ShowTotals(const LasTotals& totals) {
 
 void LasDetailsPanel::SetTitle(const std::wstring& title) {
     const std::wstring text = Text(40630_lsid) + (title.empty() ? L"" : L": " + title);
-    title_->setText(QString::fromStdWString(text));
+    title_->setText(ToQString(text));
 }
 
 void LasDetailsPanel::SetOverview(const QString& html) {
     overview_->clear();
     for (std::size_t i = 0; i < images_.size(); ++i) {
-        overview_->document()->addResource(QTextDocument::ImageResource, QUrl(QStringLiteral("image:%1").arg(i)),
+        overview_->document()->addResource(QTextDocument::ImageResource,
+                                           QUrl(QStringLiteral("image:%1").arg(i)),
                                            images_[i].pixmap(kImageSize));
     }
     overview_->setHtml(html);

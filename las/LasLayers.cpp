@@ -82,8 +82,7 @@ void AssignLayers(std::span<LasRow> rows, const std::map<std::wstring, std::wstr
                   const LasLayerRules& rules) {
     NewLayerNames names(existing);
     const LayersByKey existingByKey = rules.append ? ExistingByKey(existing) : LayersByKey{};
-    const Layer shared =
-        rules.ignoreCrs ? SharedLayer(rows, existing, existingByKey, names) : Layer{};
+    const Layer shared = rules.ignoreCrs ? SharedLayer(rows, existing, existingByKey, names) : Layer{};
     std::unordered_map<std::string, Group> groups;
     for (LasRow& row : rows) {
         if (!row.inspection.loadable) {
@@ -97,7 +96,7 @@ void AssignLayers(std::span<LasRow> rows, const std::map<std::wstring, std::wstr
         if (isNew) {
             group.number = static_cast<unsigned>(groups.size());
             const auto found = existingByKey.find(place->first);
-            group.layer = rules.ignoreCrs                  ? shared
+            group.layer = rules.ignoreCrs                ? shared
                           : found != existingByKey.end() ? found->second
                                                          : Layer{names.Next(), false};
         }

@@ -11,6 +11,7 @@
 
 #include "las/LasControlFactory.h"
 #include "las/LasPageControls.h"
+#include "support/QtText.h"
 
 namespace orvex {
 
@@ -97,10 +98,12 @@ QGroupBox* LasOptionsWidget::MakePyramidGroup() {
     auto* layout = new QGridLayout(group);
     layout->setVerticalSpacing(2);
     auto* types = new QHBoxLayout;
-    types->addWidget(AddRadio(pyramidType_, ValueOf(LasPyramidType::OrvexLas), kPyramidOrvexLas, 41005_lsid,
-                              3379_lsid));
-    types->addWidget(AddRadio(pyramidType_, ValueOf(LasPyramidType::Qvr), kPyramidQvr, 41006_lsid, 3380_lsid));
-    types->addWidget(AddRadio(pyramidType_, ValueOf(LasPyramidType::None), kPyramidNone, 41007_lsid, 3381_lsid));
+    types->addWidget(
+        AddRadio(pyramidType_, ValueOf(LasPyramidType::OrvexLas), kPyramidOrvexLas, 41005_lsid, 3379_lsid));
+    types->addWidget(
+        AddRadio(pyramidType_, ValueOf(LasPyramidType::Qvr), kPyramidQvr, 41006_lsid, 3380_lsid));
+    types->addWidget(
+        AddRadio(pyramidType_, ValueOf(LasPyramidType::None), kPyramidNone, 41007_lsid, 3381_lsid));
     types->addStretch();
     layout->addLayout(types, 0, 0, 1, 2);
     convertQvr_ = MakeControl<QCheckBox>(kConvertQvr, 41008_lsid, 40683_lsid);
@@ -166,7 +169,7 @@ LasPageOptions LasOptionsWidget::Options(const LasPageOptions& base) const {
 }
 
 std::wstring LasOptionsWidget::ThinningText() const {
-    return thinning_->text().toStdWString();
+    return ToWide(thinning_->text());
 }
 
 void LasOptionsWidget::EditThinning() {

@@ -28,8 +28,8 @@ class LasOptionsWidget final : public QWidget {
     void EditThinning();
 
   signals:
-    void LayerRulesChanged();      ///< append, ignore CRS
-    void OpenModeChanged();        ///< open and load mode
+    void LayerRulesChanged();       ///< append, ignore CRS
+    void OpenModeChanged();         ///< open and load mode
     void PyramidSettingsChanged();  ///< pyramid type, conversion, re-creation, backup
 
   private:

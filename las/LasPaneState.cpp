@@ -29,7 +29,8 @@ LasPaneState ReadLasPaneState(const OptionStore& store) {
 }
 
 void SaveLasPaneState(const OptionStore& store, const LasPaneState& state) {
-    store.WritePlacement(kPlacementName, std::string(state.folded ? "f " : "o ") + std::to_string(state.height));
+    store.WritePlacement(kPlacementName,
+                         std::string(state.folded ? "f " : "o ") + std::to_string(state.height));
 }
 
 }  // namespace orvex
