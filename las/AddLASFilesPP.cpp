@@ -12,7 +12,7 @@
 #include "dialog/HandlerGuard.h"
 #include "dialog/grid/GridView.h"
 #include "las/AddLASFilesModel.h"
-#include "las/LasControlFactory.h"
+#include "las/LasControlWidget.h"
 #include "las/LasDetailsPanel.h"
 #include "las/LasOptionsWidget.h"
 #include "las/LasPageControls.h"

@@ -13,7 +13,7 @@
 #include <QUrl>
 #include <algorithm>
 
-#include "las/LasDetailsHtml.h"
+#include "las/LasDetailsHtmlView.h"
 #include "support/Format.h"
 #include "support/QtText.h"
 

@@ -9,7 +9,7 @@
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
 
-#include "las/LasControlFactory.h"
+#include "las/LasControlWidget.h"
 #include "las/LasPageControls.h"
 #include "support/QtText.h"
 

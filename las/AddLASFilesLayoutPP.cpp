@@ -15,9 +15,9 @@
 #include "dialog/grid/GridView.h"
 #include "las/AddLASFilesModel.h"
 #include "las/AddLASFilesPP.h"
-#include "las/LasControlFactory.h"
+#include "las/LasControlWidget.h"
 #include "las/LasDetailsPanel.h"
-#include "las/LasOptionsArea.h"
+#include "las/LasOptionsPanel.h"
 #include "las/LasOptionsWidget.h"
 #include "las/LasPageControls.h"
 #include "las/LasPageTasks.h"
@@ -80,7 +80,7 @@ void AddLASFilesPP::BuildLayout() {
     layout->addWidget(MakeButtonRow());
     MakeSplitter();
     layout->addWidget(splitter_, 1);
-    layout->addWidget(new LasOptionsArea(optionGroups_));
+    layout->addWidget(new LasOptionsPanel(optionGroups_));
 }
 
 QWidget* AddLASFilesPP::MakeButtonRow() {

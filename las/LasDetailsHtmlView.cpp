@@ -1,4 +1,4 @@
-#include "las/LasDetailsHtml.h"
+#include "las/LasDetailsHtmlView.h"
 
 #include "dialog/Images.h"
 #include "support/QtText.h"

@@ -1,11 +1,11 @@
-#include "las/LasOptionsArea.h"
+#include "las/LasOptionsPanel.h"
 
 #include <QEvent>
 #include <QScrollBar>
 
 namespace orvex {
 
-LasOptionsArea::LasOptionsArea(QWidget* content, QWidget* parent) : QScrollArea(parent) {
+LasOptionsPanel::LasOptionsPanel(QWidget* content, QWidget* parent) : QScrollArea(parent) {
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -19,32 +19,32 @@ LasOptionsArea::LasOptionsArea(QWidget* content, QWidget* parent) : QScrollArea(
     FitHeight();
 }
 
-QSize LasOptionsArea::sizeHint() const {
+QSize LasOptionsPanel::sizeHint() const {
     return {widget()->sizeHint().width(), WantedHeight()};
 }
 
-QSize LasOptionsArea::minimumSizeHint() const {
+QSize LasOptionsPanel::minimumSizeHint() const {
     return {0, WantedHeight()};
 }
 
-void LasOptionsArea::resizeEvent(QResizeEvent* event) {
+void LasOptionsPanel::resizeEvent(QResizeEvent* event) {
     QScrollArea::resizeEvent(event);
     FitHeight();
 }
 
-bool LasOptionsArea::eventFilter(QObject* watched, QEvent* event) {
+bool LasOptionsPanel::eventFilter(QObject* watched, QEvent* event) {
     if (watched == widget() && event->type() == QEvent::LayoutRequest) {
         FitHeight();
     }
     return QScrollArea::eventFilter(watched, event);
 }
 
-int LasOptionsArea::WantedHeight() const {
+int LasOptionsPanel::WantedHeight() const {
     const bool scrolls = widget()->minimumSizeHint().width() > width();
     return widget()->sizeHint().height() + (scrolls ? horizontalScrollBar()->sizeHint().height() : 0);
 }
 
-void LasOptionsArea::FitHeight() {
+void LasOptionsPanel::FitHeight() {
     if (height() != WantedHeight()) {
         setFixedHeight(WantedHeight());
     }

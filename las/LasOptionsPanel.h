@@ -4,11 +4,11 @@
 namespace orvex {
 
 /// Shows a row of options at its full height; where the window is too narrow for it, it scrolls sideways.
-class LasOptionsArea final : public QScrollArea {
+class LasOptionsPanel final : public QScrollArea {
     Q_OBJECT
 
   public:
-    explicit LasOptionsArea(QWidget* content, QWidget* parent = nullptr);
+    explicit LasOptionsPanel(QWidget* content, QWidget* parent = nullptr);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
