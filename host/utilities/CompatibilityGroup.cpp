@@ -94,14 +94,14 @@ std::string ProjectionText(const OGRSpatialReference& crs) {
     for (const std::string& parameter : parameters) {
         text += " " + parameter;
     }
-    OGRSpatialReference* base = crs.CloneGeogCS();
-    text += base == nullptr ? "" : " on " + HorizontalText(*base);
-    OSRRelease(OGRSpatialReference::ToHandle(base));
-    return text;
+    return text + " on " + HorizontalText(GeographicPart(crs));
 }
 
 /// A CRS without a vertical part: its code where it has one or can be given one, else its definition.
 std::string HorizontalText(const OGRSpatialReference& crs) {
+    if (crs.IsEmpty()) {
+        return "none";
+    }
     std::string identity = AuthorityText(crs.GetAuthorityName(nullptr), crs.GetAuthorityCode(nullptr));
     if (identity.empty() && (crs.IsGeographic() || crs.IsProjected())) {
         identity = FindCode(crs);
@@ -113,21 +113,30 @@ std::string HorizontalText(const OGRSpatialReference& crs) {
     return identity + " unit " + NumberText(unit);
 }
 
-std::string VerticalText(const OGRSpatialReference& crs) {
-    const OGR_SRSNode* node = VerticalNode(crs);
-    if (node == nullptr) {
-        return "none";
-    }
-    const char* key = node->GetValue();
-    std::string identity = AuthorityText(crs.GetAuthorityName(key), crs.GetAuthorityCode(key));
-    if (identity.empty() && node->GetChildCount() > 0) {
-        for (const char letter : std::string_view(node->GetChild(0)->GetValue())) {
-            if (std::isalnum(static_cast<unsigned char>(letter)) != 0) {
-                identity += static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
-            }
+/// Letters and digits of a name in upper case: writers differ in the rest.
+std::string PlainName(std::string_view name) {
+    std::string plain;
+    for (const char letter : name) {
+        if (std::isalnum(static_cast<unsigned char>(letter)) != 0) {
+            plain += static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
         }
     }
-    return identity + " unit " + NumberText(crs.GetTargetLinearUnits(key));
+    return plain;
+}
+
+/// Name and unit: the name of PROJ's database where there is a code, so that texts with and without meet.
+std::string VerticalText(const OGRSpatialReference& crs) {
+    const OGR_SRSNode* node = VerticalNode(crs);
+    if (node == nullptr || node->GetChildCount() == 0) {
+        return "none";
+    }
+    std::string name = PlainName(node->GetChild(0)->GetValue());
+    OGRSpatialReference known;
+    const long code = EpsgCode(crs, node->GetValue());
+    if (code != 0 && known.importFromEPSG(static_cast<int>(code)) == OGRERR_NONE) {
+        name = PlainName(known.GetName());
+    }
+    return name + " unit " + NumberText(crs.GetTargetLinearUnits(node->GetValue()));
 }
 
 }  // namespace
@@ -143,6 +152,7 @@ std::string OrvexUtilities::GetCompatibilityGroup(const std::string& wkt) {
         // Files with the same unreadable text were made alike.
         return "unreadable " + std::string(text);
     }
+    crs = WithCodedParts(crs);
     OGRSpatialReference horizontal = HorizontalPart(crs);
     // A shift to WGS 84 that one writer adds does not make another CRS.
     horizontal.StripTOWGS84IfKnownDatum();

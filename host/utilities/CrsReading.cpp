@@ -3,6 +3,7 @@
 #include <cpl_conv.h>
 
 #include <charconv>
+#include <limits>
 #include <string_view>
 
 namespace orvex {
@@ -28,10 +29,32 @@ std::string ExportWkt(const OGRSpatialReference& crs, const char* format, bool m
     return wkt;
 }
 
+OGRSpatialReference WithCodedParts(const OGRSpatialReference& crs) {
+    const long code = crs.IsCompound() ? EpsgCode(crs) : 0;
+    OGRSpatialReference known;
+    return code != 0 && known.importFromEPSG(static_cast<int>(code)) == OGRERR_NONE ? known : crs;
+}
+
 OGRSpatialReference HorizontalPart(const OGRSpatialReference& crs) {
+    if (crs.IsVertical() && !crs.IsCompound()) {
+        return OGRSpatialReference();
+    }
     OGRSpatialReference part(crs);
     if (part.IsCompound()) {
         part.StripVertical();
+    }
+    return part;
+}
+
+OGRSpatialReference GeographicPart(const OGRSpatialReference& crs) {
+    if (!crs.IsGeographic() && !crs.IsProjected()) {
+        return OGRSpatialReference();
+    }
+    OGRSpatialReference* clone = crs.CloneGeogCS();
+    OGRSpatialReference part;
+    if (clone != nullptr) {
+        part = *clone;
+        clone->Release();
     }
     return part;
 }
@@ -54,7 +77,10 @@ long EpsgCode(const OGRSpatialReference& crs, const char* node) {
     const std::string_view digits(text);
     long code = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), code);
-    return error == std::errc() && end == digits.data() + digits.size() && code > 0 ? code : 0;
+    return error == std::errc() && end == digits.data() + digits.size() && code > 0 &&
+                   code <= std::numeric_limits<int>::max()
+               ? code
+               : 0;
 }
 
 }  // namespace orvex

@@ -12,8 +12,15 @@ bool ImportWkt(const std::string& wkt, OGRSpatialReference& crs);
 /// The CRS in a format of GDAL's ("WKT1_GDAL", "WKT2_2019", ...); empty when it cannot be expressed in it.
 std::string ExportWkt(const OGRSpatialReference& crs, const char* format, bool multiLine);
 
-/// The horizontal part of a compound CRS, else the CRS itself.
+/// A compound CRS that has a code, with its parts as PROJ's database has them: WKT2 gives the code of the
+/// whole only. Any other CRS as it is.
+OGRSpatialReference WithCodedParts(const OGRSpatialReference& crs);
+
+/// The horizontal part of a compound CRS, else the CRS itself; empty for a vertical CRS.
 OGRSpatialReference HorizontalPart(const OGRSpatialReference& crs);
+
+/// The geographic CRS that a projected or geographic one stands on; empty when there is none.
+OGRSpatialReference GeographicPart(const OGRSpatialReference& crs);
 
 /// The node of the vertical part, whatever dialect the WKT was in; null when there is none.
 const OGR_SRSNode* VerticalNode(const OGRSpatialReference& crs);

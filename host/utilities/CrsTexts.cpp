@@ -10,24 +10,16 @@ using namespace orvex;
 
 namespace {
 
-/// Code of a unit: of the node that carries the CRS's axes, in the names of both generations of WKT.
-long UnitCode(const OGRSpatialReference& crs, std::initializer_list<const char*> nodes) {
-    for (const char* node : nodes) {
-        if (const long code = EpsgCode(crs, node); code != 0) {
-            return code;
-        }
+/// Code of the unit of the CRS's first axes ("PROJCS|UNIT"); taken from PROJ's database where the text gives
+/// only the code of the CRS, as WKT2 does.
+long UnitCode(const OGRSpatialReference& crs, const char* node) {
+    if (const long code = EpsgCode(crs, node); code != 0) {
+        return code;
     }
-    return 0;
-}
-
-long GeographicCode(const OGRSpatialReference& crs) {
-    if (!crs.IsGeographic() && !crs.IsProjected()) {
-        return 0;
-    }
-    OGRSpatialReference* base = crs.CloneGeogCS();
-    const long code = base == nullptr ? 0 : EpsgCode(*base);
-    OSRRelease(OGRSpatialReference::ToHandle(base));
-    return code;
+    const long known = EpsgCode(crs);
+    OGRSpatialReference full;
+    return known != 0 && full.importFromEPSG(static_cast<int>(known)) == OGRERR_NONE ? EpsgCode(full, node)
+                                                                                     : 0;
 }
 
 }  // namespace
@@ -70,18 +62,19 @@ bool OrvexUtilities::CrsGetEPSGFromWKT(const std::string& wkt, long& code, long&
     if (!ImportWkt(wkt, crs)) {
         return false;
     }
-    const OGRSpatialReference horizontalCrs = HorizontalPart(crs);
+    const OGRSpatialReference full = WithCodedParts(crs);
+    const OGRSpatialReference horizontalCrs = HorizontalPart(full);
     horizontal = EpsgCode(horizontalCrs);
     code = EpsgCode(crs);
     if (code == 0) {
         code = horizontal;
     }
-    if (const OGR_SRSNode* node = VerticalNode(crs); node != nullptr) {
-        vertical = EpsgCode(crs, node->GetValue());
+    if (const OGR_SRSNode* node = VerticalNode(full); node != nullptr) {
+        vertical = EpsgCode(full, node->GetValue());
     }
-    geographic = GeographicCode(horizontalCrs);
-    linearUnit = UnitCode(horizontalCrs, {"PROJCS|UNIT", "LOCAL_CS|UNIT", "PROJCRS|CS|LENGTHUNIT"});
-    angularUnit = UnitCode(horizontalCrs, {"GEOGCS|UNIT", "GEOGCRS|CS|ANGLEUNIT"});
+    geographic = EpsgCode(GeographicPart(horizontalCrs));
+    linearUnit = UnitCode(horizontalCrs, horizontalCrs.IsLocal() ? "LOCAL_CS|UNIT" : "PROJCS|UNIT");
+    angularUnit = UnitCode(horizontalCrs, "GEOGCS|UNIT");
     return horizontal != 0;
 }
 

@@ -16,6 +16,8 @@ constexpr std::uint64_t kHeaderSize13 = 235;
 constexpr std::uint64_t kHeaderSize14 = 375;
 constexpr std::uint64_t kRecordHeaderSize = 54;
 constexpr std::uint64_t kExtendedHeaderSize = 60;
+// Bytes of a point of the formats 0 to 10; a record may have more.
+constexpr std::array<std::uint16_t, 11> kPointSizes = {20, 28, 26, 34, 57, 63, 30, 36, 38, 59, 67};
 constexpr std::uint16_t kInternalWaveformBit = 2;
 constexpr std::uint16_t kWaveformRecordId = 65535;
 
@@ -29,6 +31,12 @@ MappedFile OpenForReading(const std::wstring& path, std::uint64_t& size) {
         throw LDataError(FormatText(Text(40300_lsid), {path, SystemErrorText(error)}));
     }
     return file;
+}
+
+bool IsKnownPoint(std::uint8_t formatByte, std::uint16_t recordLength) {
+    // The two high bits say that the points are compressed.
+    const std::size_t format = formatByte & 63;
+    return format < kPointSizes.size() && recordLength >= kPointSizes[format];
 }
 
 void RequirePlausible(const LazLayout& layout, const std::wstring& path) {
@@ -68,6 +76,9 @@ LazLayout ReadLazLayout(const std::wstring& path) {
     layout.offsetToPoints = header.Read<std::uint32_t>(96);
     layout.recordCount = header.Read<std::uint32_t>(100);
     RequirePlausible(layout, path);
+    if (!IsKnownPoint(header.Read<std::uint8_t>(104), header.Read<std::uint16_t>(105))) {
+        throw LDataError(FormatText(Text(40302_lsid), {path}));
+    }
     const bool internalWaveform = (header.Read<std::uint16_t>(6) & kInternalWaveformBit) != 0;
     if (layout.versionMinor >= 3 && internalWaveform) {
         layout.waveformStart = header.Read<std::uint64_t>(227);

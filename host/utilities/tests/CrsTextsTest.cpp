@@ -1,0 +1,142 @@
+#include <cpl_conv.h>
+#include <gdal.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <ogr_spatialref.h>
+
+#include <array>
+
+#include "orvexcommon/OrvexUtilities.h"
+
+namespace orvex {
+namespace {
+
+/// The WKT of an EPSG code as writers of one format make it.
+std::string Wkt(int code, const char* format = "FORMAT=WKT1_GDAL") {
+    OGRSpatialReference crs;
+    EXPECT_EQ(crs.importFromEPSG(code), OGRERR_NONE) << code;
+    const char* const options[] = {format, nullptr};
+    char* text = nullptr;
+    crs.exportToWkt(&text, options);
+    std::string wkt = text == nullptr ? "" : text;
+    CPLFree(text);
+    return wkt;
+}
+
+constexpr auto kEsri = "FORMAT=WKT1_ESRI";
+constexpr auto kWkt2 = "FORMAT=WKT2_2019";
+
+std::string Group(const std::string& wkt) {
+    return OrvexUtilities::GetCompatibilityGroup(wkt);
+}
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+    const std::size_t place = text.find(from);
+    EXPECT_NE(place, std::string::npos) << from;
+    return text.replace(place, from.size(), to);
+}
+
+TEST(CrsTexts, CodesOfAWkt) {
+    struct Case {
+        std::string wkt;
+        bool found;
+        std::array<long, 6> codes;  // whole, horizontal, vertical, geographic, linear and angular unit
+    };
+    for (const Case& row : {
+             Case{Wkt(4326), true, {4326, 4326, 0, 4326, 0, 9122}},
+             Case{Wkt(25832), true, {25832, 25832, 0, 4258, 9001, 9122}},
+             Case{Wkt(25832, kWkt2), true, {25832, 25832, 0, 4258, 9001, 9122}},
+             Case{Wkt(2903), true, {2903, 2903, 0, 4152, 9003, 9122}},
+             Case{Wkt(7415), true, {7415, 28992, 5709, 4289, 9001, 9122}},
+             Case{Wkt(7415, kWkt2), true, {7415, 28992, 5709, 4289, 9001, 9122}},
+             Case{Wkt(4978), true, {4978, 4978, 0, 0, 0, 0}},
+             Case{Wkt(5703), false, {5703, 0, 5703, 0, 0, 0}},
+             Case{R"(LOCAL_CS["Site",UNIT["metre",1,AUTHORITY["EPSG","9001"]]])",
+                  false,
+                  {0, 0, 0, 0, 9001, 0}},
+             Case{R"(LOCAL_CS["Site",UNIT["metre",1],AUTHORITY["EPSG","99999999999999999999"]])",
+                  false,
+                  {0, 0, 0, 0, 0, 0}},
+             Case{R"(LOCAL_CS["Site",UNIT["metre",1],AUTHORITY["OTHER","12"]])", false, {0, 0, 0, 0, 0, 0}},
+             Case{"garbage", false, {}},
+             Case{"", false, {}},
+         }) {
+        long a = 7, b = 7, c = 7, d = 7, e = 7, f = 7;
+        EXPECT_EQ(OrvexUtilities::CrsGetEPSGFromWKT(row.wkt, a, b, c, d, e, f), row.found) << row.wkt;
+        EXPECT_THAT((std::array<long, 6>{a, b, c, d, e, f}), ::testing::ElementsAreArray(row.codes))
+            << row.wkt;
+    }
+}
+
+TEST(CrsTexts, NamesAndPrettyTexts) {
+    EXPECT_EQ(OrvexUtilities::CrsGetCRSName(Wkt(25832, kEsri)), "ETRS89 / UTM zone 32N");
+    EXPECT_EQ(OrvexUtilities::CrsGetCRSName(Wkt(7415)), "Amersfoort / RD New + NAP height");
+    for (const std::string bad : {"", "garbage", "PROJCS["}) {
+        EXPECT_EQ(OrvexUtilities::CrsGetCRSName(bad), "");
+        EXPECT_EQ(OrvexUtilities::CrsGetPrettyWktFromWKT(bad, true), "");
+    }
+    EXPECT_THAT(OrvexUtilities::CrsGetPrettyWktFromWKT(Wkt(25832, kWkt2), true),
+                ::testing::StartsWith("PROJCS[\"ETRS89 / UTM zone 32N\",\n    GEOGCS["));
+    EXPECT_THAT(OrvexUtilities::CrsGetPrettyWktFromWKT(Wkt(25832), false), ::testing::StartsWith("PROJCRS["));
+    EXPECT_THAT(OrvexUtilities::CrsGetPrettyWktFromEPSG(25832), ::testing::StartsWith("PROJCS["));
+    for (const int unknown : {0, -1, 99999999}) {
+        EXPECT_EQ(OrvexUtilities::CrsGetPrettyWktFromEPSG(unknown), "");
+    }
+}
+
+TEST(CrsTexts, TheSameCrsIsOneGroupInEveryDialect) {
+    for (const int code : {4326, 25832, 2994, 2903, 7415, 5554, 3857}) {
+        const std::string group = Group(Wkt(code));
+        EXPECT_EQ(Group(Wkt(code, kWkt2)), group) << code;
+        EXPECT_EQ(Group(Wkt(code, kEsri)), group) << code;
+    }
+    const std::string own =
+        R"(PROJCS["mine",GEOGCS["WGS 84",DATUM["WGS_1984",SPHEROID["WGS 84",6378137,298.257223563]],)"
+        R"(PRIMEM["Greenwich",0],UNIT["degree",0.0174532925199433]],PROJECTION["Transverse_Mercator"],)"
+        R"(PARAMETER["latitude_of_origin",10],PARAMETER["central_meridian",11.25],PARAMETER["scale_factor",1],)"
+        R"(PARAMETER["false_easting",5000],PARAMETER["false_northing",0],UNIT["metre",1]])";
+    EXPECT_EQ(Group(own), Group(Replaced(own, "mine", "the same under another name")));
+    EXPECT_EQ(Group(own), Group(Replaced(own, "0.0174532925199433", "0.01745329251994328")));
+    EXPECT_NE(Group(own), Group(Replaced(own, "11.25", "11.5")));
+    EXPECT_NE(Group(own), Group(Replaced(own, R"("metre",1])", R"("foot",0.3048])")));
+}
+
+TEST(CrsTexts, DifferentCrsAreDifferentGroups) {
+    const std::vector<std::string> texts = {
+        "",
+        "garbage",
+        "other garbage",
+        Wkt(4326),
+        Wkt(25832),
+        Wkt(25833),
+        Wkt(2994),
+        Wkt(2903),
+        Wkt(28992),
+        Wkt(7415),  // the same with heights
+        Replaced(Wkt(25832), R"("metre",1)", R"("US survey foot",0.304800609601219)"),
+        R"(LOCAL_CS["Site A",UNIT["metre",1]])",
+        R"(LOCAL_CS["Site B",UNIT["metre",1]])",
+        R"(LOCAL_CS["Site A",UNIT["foot",0.3048]])",
+        R"(LOCAL_CS["Site A",UNIT["US survey foot",0.304800609601219]])",
+    };
+    std::set<std::string> groups;
+    for (const std::string& wkt : texts) {
+        EXPECT_TRUE(groups.insert(Group(wkt)).second) << wkt;
+    }
+    EXPECT_EQ(Group(""), Group(" \r\n"));
+}
+
+TEST(CrsTexts, CacheSizeTakesFractionsOnly) {
+    const GIntBig before = GDALGetCacheMax64();
+    for (const double bad : {0.0, -0.5, 1.01, std::nan("")}) {
+        EXPECT_FALSE(OrvexUtilities::SetGDALRasterCacheSize(bad)) << bad;
+        EXPECT_EQ(GDALGetCacheMax64(), before);
+    }
+    ASSERT_TRUE(OrvexUtilities::SetGDALRasterCacheSize(0.125));
+    EXPECT_NEAR(static_cast<double>(GDALGetCacheMax64()), static_cast<double>(CPLGetUsablePhysicalRAM()) / 8,
+                1);
+    GDALSetCacheMax64(before);
+}
+
+}  // namespace
+}  // namespace orvex

@@ -1,0 +1,295 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <stdexcept>
+
+#include "host/utilities/tests/LazSamples.h"
+#include "orvexcommon/OrvexUtilities.h"
+#include "support/Text.h"
+#include "support/testing/Scripted.h"
+#include "support/testing/TemporaryFolder.h"
+
+namespace orvex {
+namespace {
+
+using testing::AppendExtendedRecords;
+using testing::Bytes;
+using testing::LazSample;
+using testing::PatchFile;
+using testing::ReadFile;
+using testing::RecordingProgress;
+using testing::TemporaryFolder;
+using testing::WriteSample;
+
+template <typename T>
+T At(const std::string& bytes, std::size_t offset) {
+    T value{};
+    std::memcpy(&value, bytes.data() + offset, sizeof(value));
+    return value;
+}
+
+std::size_t CountFiles(const TemporaryFolder& folder) {
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder.Path()),
+                                                  std::filesystem::directory_iterator()));
+}
+
+/// Expects a decompression to fail with a reason that names the file, leaving nothing new in the folder.
+void ExpectFailure(const TemporaryFolder& folder, const std::wstring& laz, const std::wstring& las) {
+    const std::size_t before = CountFiles(folder);
+    RecordingProgress progress;
+    std::wstring reason;
+    EXPECT_FALSE(OrvexUtilities::LAZDecompress(laz, las, progress, reason));
+    const bool namesFile = reason.find(laz) != std::wstring::npos || reason.find(las) != std::wstring::npos;
+    EXPECT_TRUE(namesFile) << ToUtf8(reason);
+    EXPECT_EQ(CountFiles(folder), before);
+}
+
+TEST(LazDecompress, GivesTheSameBytesAsTheFileThatWasNeverCompressed) {
+    for (const LazSample& sample : {
+             LazSample{0, 0, 20, 500},
+             LazSample{2, 1, 28, 0},
+             LazSample{2, 1, 28, 1},
+             LazSample{2, 1, 31, 60000},  // three extra bytes, more than one chunk
+             LazSample{2, 3, 34, 1000},
+             LazSample{4, 1, 28, 1000},
+             LazSample{4, 6, 30, 1000},
+             LazSample{4, 7, 40, 60000},  // four extra bytes
+             LazSample{4, 8, 38, 1000},
+         }) {
+        SCOPED_TRACE(::testing::Message() << "1." << int{sample.versionMinor} << " format "
+                                          << int{sample.pointFormat} << ", " << sample.points << " points");
+        const TemporaryFolder folder;
+        const std::wstring laz = folder.Name(L"Gelände süd.LAZ");
+        const std::wstring las = OrvexUtilities::GetLAZBuddyPath(laz);
+        WriteSample(laz, sample, true);
+        const std::string compressed = ReadFile(laz);
+        const auto old = std::filesystem::file_time_type::clock::now() - std::chrono::hours(48);
+        std::filesystem::last_write_time(ToPath(laz), old);
+        EXPECT_TRUE(OrvexUtilities::IsLAZNewer(laz));
+
+        RecordingProgress progress;
+        std::wstring reason;
+        ASSERT_TRUE(OrvexUtilities::LAZDecompress(laz, las, progress, reason)) << ToUtf8(reason);
+        EXPECT_EQ(reason, L"");
+        EXPECT_EQ(progress.total, sample.points);
+        EXPECT_EQ(progress.position, sample.points);
+        EXPECT_FALSE(OrvexUtilities::IsLAZNewer(laz));
+        EXPECT_EQ(ReadFile(laz), compressed);
+        EXPECT_EQ(CountFiles(folder), 2U);
+
+        const std::wstring twin = folder.Name(L"twin.las");
+        WriteSample(twin, sample, false);
+        EXPECT_TRUE(ReadFile(las) == ReadFile(twin));
+        EXPECT_EQ(At<std::uint8_t>(ReadFile(las), 104), sample.pointFormat);
+    }
+}
+
+TEST(LazDecompress, UnpacksPointsThatWereFittedIntoOlderFormats) {
+    const TemporaryFolder folder;
+    const LazSample sample{4, 7, 36, 1000, true};
+    WriteSample(folder.Name(L"a.laz"), sample, true);
+    ASSERT_LT(At<std::uint8_t>(ReadFile(folder.Name(L"a.laz")), 104) & 63, 6) << "packed";
+    RecordingProgress progress;
+    std::wstring reason;
+    ASSERT_TRUE(OrvexUtilities::LAZDecompress(folder.Name(L"a.laz"), folder.Name(L"a.las"), progress, reason))
+        << ToUtf8(reason);
+    WriteSample(folder.Name(L"twin.las"), {4, 7, 36, 1000}, false);
+    const std::string las = ReadFile(folder.Name(L"a.las"));
+    const std::string twin = ReadFile(folder.Name(L"twin.las"));
+    EXPECT_EQ(At<std::uint8_t>(las, 104), 7);
+    const std::size_t points = std::size_t{36} * 1000;
+    ASSERT_GE(las.size(), points);
+    EXPECT_TRUE(las.substr(las.size() - points) == twin.substr(twin.size() - points));
+}
+
+TEST(LazDecompress, MovesExtendedRecordsBehindThePoints) {
+    const TemporaryFolder folder;
+    const std::wstring laz = folder.Name(L"a.laz");
+    WriteSample(laz, {4, 6, 30, 100}, true);
+    AppendExtendedRecords(laz, {{"LASF_Projection", 2112, "WKT text"},
+                                {"copc", 1000, "where the chunks were"},
+                                {"other", 5, std::string(3 << 20, 'x')}});
+    RecordingProgress progress;
+    std::wstring reason;
+    ASSERT_TRUE(OrvexUtilities::LAZDecompress(laz, folder.Name(L"a.las"), progress, reason))
+        << ToUtf8(reason);
+    const std::string las = ReadFile(folder.Name(L"a.las"));
+    const std::size_t start = At<std::uint32_t>(las, 96) + std::size_t{30} * 100;
+    EXPECT_EQ(At<std::uint64_t>(las, 235), start);
+    EXPECT_EQ(At<std::uint32_t>(las, 243), 2U);
+    EXPECT_STREQ(las.c_str() + start + 2, "LASF_Projection");
+    EXPECT_EQ(las.substr(start + 60, 8), "WKT text");
+    EXPECT_STREQ(las.c_str() + start + 68 + 2, "other");
+    EXPECT_EQ(las.size(), start + 68 + 60 + (3 << 20));
+}
+
+TEST(LazDecompress, AnnouncesNoExtendedRecordsWhereNoneAreUsable) {
+    const TemporaryFolder folder;
+    const std::wstring laz = folder.Name(L"a.laz");
+    const std::uint64_t farAway = ~std::uint64_t{0} - 10;
+    struct Case {
+        std::uint64_t start;
+        std::uint32_t count;
+    };
+    for (const Case& row : {Case{0, 0}, Case{farAway, 1}, Case{1, 0xFFFFFFFF}, Case{375, 3}}) {
+        WriteSample(laz, {4, 6, 30, 10}, true);
+        PatchFile(laz, 235, Bytes(row.start) + Bytes(row.count));
+        RecordingProgress progress;
+        std::wstring reason;
+        ASSERT_TRUE(OrvexUtilities::LAZDecompress(laz, folder.Name(L"a.las"), progress, reason))
+            << ToUtf8(reason);
+        const std::string las = ReadFile(folder.Name(L"a.las"));
+        EXPECT_EQ(At<std::uint64_t>(las, 235), 0U) << row.start;
+        EXPECT_EQ(At<std::uint32_t>(las, 243), 0U) << row.start;
+        EXPECT_EQ(las.size(), At<std::uint32_t>(las, 96) + 300U);
+    }
+}
+
+TEST(LazDecompress, MovesTheWaveformRecordOfOlderFiles) {
+    const TemporaryFolder folder;
+    const std::wstring laz = folder.Name(L"a.laz");
+    WriteSample(laz, {3, 1, 28, 100}, true);
+    AppendExtendedRecords(laz, {{"LASF_Spec", 65535, "packets"}});
+    RecordingProgress progress;
+    std::wstring reason;
+    ASSERT_TRUE(OrvexUtilities::LAZDecompress(laz, folder.Name(L"a.las"), progress, reason))
+        << ToUtf8(reason);
+    const std::string las = ReadFile(folder.Name(L"a.las"));
+    const std::size_t start = At<std::uint32_t>(las, 96) + std::size_t{28} * 100;
+    EXPECT_EQ(At<std::uint64_t>(las, 227), start);
+    EXPECT_EQ(las.substr(start + 60), "packets");
+}
+
+TEST(LazDecompress, StopLeavesNothingAndKeepsAnOlderLasFile) {
+    const TemporaryFolder folder;
+    WriteSample(folder.Name(L"a.laz"), {2, 1, 28, 100000}, true);
+    folder.Write(L"a.las", "older");
+    for (const int stopAfter : {0, 1, 3}) {
+        RecordingProgress progress;
+        progress.stopAfter = stopAfter;
+        std::wstring reason = L"old";
+        EXPECT_FALSE(
+            OrvexUtilities::LAZDecompress(folder.Name(L"a.laz"), folder.Name(L"a.las"), progress, reason));
+        EXPECT_EQ(reason, L"");
+        EXPECT_LT(progress.position, 100000U);
+        EXPECT_EQ(CountFiles(folder), 2U);
+        EXPECT_EQ(ReadFile(folder.Name(L"a.las")), "older");
+    }
+}
+
+TEST(LazDecompress, BrokenFilesGiveAReason) {
+    struct Case {
+        const char* defect;
+        std::function<void(const std::wstring&)> damage;
+    };
+    const auto cut = [](double share) {
+        return [share](const std::wstring& path) {
+            const auto size = std::filesystem::file_size(ToPath(path));
+            std::filesystem::resize_file(ToPath(path),
+                                         static_cast<std::uintmax_t>(static_cast<double>(size) * share));
+        };
+    };
+    const auto patch = [](std::uint64_t offset, const std::string& bytes) {
+        return [=](const std::wstring& path) { PatchFile(path, offset, bytes); };
+    };
+    for (const Case& row : {
+             Case{"missing", [](const auto& path) { std::filesystem::remove(ToPath(path)); }},
+             Case{"empty", cut(0)},
+             Case{"half a header", [](const auto& path) { std::filesystem::resize_file(ToPath(path), 180); }},
+             Case{"points cut off", cut(0.5)},
+             Case{"no signature", patch(0, "XXXX")},
+             Case{"header size 0", patch(94, Bytes(std::uint16_t{0}))},
+             Case{"points start beyond the end", patch(96, Bytes(std::uint32_t{0xFFFFFFF0}))},
+             Case{"four billion records", patch(100, Bytes(std::uint32_t{0xFFFFFFFF}))},
+             Case{"unknown point format", patch(104, Bytes(std::uint8_t{128 + 63}))},
+             Case{"record length 0", patch(105, Bytes(std::uint16_t{0}))},
+             Case{"more points than there are", patch(107, Bytes(std::uint32_t{100001}))},
+             Case{"more points than fit on the drive", patch(247, Bytes(std::uint64_t{1} << 60))},
+             Case{"points without end", patch(247, Bytes(~std::uint64_t{0}))},
+         }) {
+        SCOPED_TRACE(row.defect);
+        const TemporaryFolder folder;
+        const std::wstring laz = folder.Name(L"a.laz");
+        WriteSample(laz, {4, 1, 28, 100000}, true);
+        row.damage(laz);
+        ExpectFailure(folder, laz, folder.Name(L"a.las"));
+    }
+}
+
+TEST(LazDecompress, PlacesThatCannotBeWrittenGiveAReason) {
+    const TemporaryFolder folder;
+    const std::wstring laz = folder.Name(L"a.laz");
+    WriteSample(laz, {2, 1, 28, 100}, true);
+    std::filesystem::create_directory(ToPath(folder.Name(L"taken.las")));
+    ExpectFailure(folder, laz, folder.Name(L"taken.las"));
+    ExpectFailure(folder, laz, folder.Name(L"missing/a.las"));
+    ExpectFailure(folder, laz, L"/proc/a.las");
+    ExpectFailure(folder, laz, laz);
+}
+
+/// Lets the process write files of up to so many bytes only.
+class FileSizeLimit {
+  public:
+    explicit FileSizeLimit(rlim_t bytes) : oldHandler_(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &old_);
+        const rlimit limit{bytes, old_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &old_);
+        std::signal(SIGXFSZ, oldHandler_);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+  private:
+    rlimit old_{};
+    void (*oldHandler_)(int);
+};
+
+TEST(LazDecompress, WriteErrorsInTheMiddleAndAtTheEndGiveTheSystemsReason) {
+    const TemporaryFolder folder;
+    const std::wstring laz = folder.Name(L"a.laz");
+    WriteSample(laz, {2, 1, 28, 100000}, true);
+    const rlim_t whole = 227 + 54 + 21 + 28 * 100000;
+    for (const rlim_t limit : {rlim_t{100}, rlim_t{100000}, whole - 1}) {
+        RecordingProgress progress;
+        std::wstring reason;
+        bool done = true;
+        {
+            const FileSizeLimit limited(limit);
+            done = OrvexUtilities::LAZDecompress(laz, folder.Name(L"a.las"), progress, reason);
+        }
+        EXPECT_FALSE(done) << limit;
+        EXPECT_NE(reason.find(L"a.las"), std::wstring::npos);
+        EXPECT_NE(reason.find(FromUtf8(std::strerror(EFBIG))), std::wstring::npos) << ToUtf8(reason);
+        EXPECT_EQ(CountFiles(folder), 1U) << limit;
+    }
+}
+
+class ThrowingProgress final : public Kst::ProgressIf {
+  public:
+    void SetRange(std::uint64_t) override {}
+    void SetText(const std::wstring&) override {}
+    void SetPosition(std::uint64_t) override { throw std::runtime_error("the window is gone"); }
+    bool IsCancelled() override { return false; }
+};
+
+TEST(LazDecompress, AnExceptionFromTheProgressLeavesNothing) {
+    const TemporaryFolder folder;
+    WriteSample(folder.Name(L"a.laz"), {2, 1, 28, 100}, true);
+    ThrowingProgress progress;
+    std::wstring reason;
+    EXPECT_FALSE(
+        OrvexUtilities::LAZDecompress(folder.Name(L"a.laz"), folder.Name(L"a.las"), progress, reason));
+    EXPECT_EQ(reason, L"the window is gone");
+    EXPECT_EQ(CountFiles(folder), 1U);
+}
+
+}  // namespace
+}  // namespace orvex

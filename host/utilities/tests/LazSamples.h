@@ -1,0 +1,39 @@
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace orvex::testing {
+
+/// What a small LAS or LAZ file is to hold. Points have values in every field of their format.
+struct LazSample {
+    std::uint8_t versionMinor = 2;
+    std::uint8_t pointFormat = 1;
+    std::uint16_t recordLength = 28;  ///< more than the format's own: extra bytes
+    std::uint32_t points = 1000;
+    bool compatibilityMode = false;  ///< formats 6 to 10 packed into older ones when compressed
+};
+
+/// Writes the sample, compressed or not; the two hold the same points and records.
+void WriteSample(const std::wstring& path, const LazSample& sample, bool compress);
+
+struct TrailingRecord {
+    std::string userId;
+    std::uint16_t recordId = 0;
+    std::string data;
+};
+
+/// Appends extended records to a file and enters them in its header (LAS 1.4), or the first of them as the
+/// waveform record (LAS 1.3).
+void AppendExtendedRecords(const std::wstring& path, const std::vector<TrailingRecord>& records);
+
+/// Overwrites bytes of a file.
+void PatchFile(const std::wstring& path, std::uint64_t offset, const std::string& bytes);
+
+/// The bytes of a little-endian number.
+template <typename T>
+std::string Bytes(T value) {
+    return {reinterpret_cast<const char*>(&value), sizeof(value)};
+}
+
+}  // namespace orvex::testing
