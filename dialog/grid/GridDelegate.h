@@ -13,7 +13,10 @@ class GridDelegate : public QStyledItemDelegate {
   public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
-    void SetIcons(std::vector<QIcon> icons) { icons_ = std::move(icons); }
+    /// Pixels between the edge of a cell and its text, on either side.
+    static int TextMargin(const QStyle* style);
+
+    void SetIcons(std::vector<QIcon> icons);
     /// Null for an index without an image.
     QIcon IconAt(int image) const;
 

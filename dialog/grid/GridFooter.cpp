@@ -3,6 +3,7 @@
 #include <QPainter>
 
 #include "dialog/grid/GridColours.h"
+#include "dialog/grid/GridDelegate.h"
 #include "dialog/grid/GridHeaderView.h"
 #include "dialog/grid/GridModel.h"
 #include "dialog/grid/GridTable.h"
@@ -66,7 +67,7 @@ void GridFooter::paintEvent(QPaintEvent*) {
 
 void GridFooter::PaintPane(QPainter& painter, const GridTable& table) const {
     const QRect pane = PaneRect(table);
-    const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1;
+    const int margin = GridDelegate::TextMargin(style());
     painter.setClipRect(pane);
     for (int column = 0; column < table.Header()->count(); ++column) {
         if (table.Header()->isSectionHidden(column)) {

@@ -17,7 +17,6 @@ GridHeaderView::GridHeaderView(const GridDelegate& delegate, QWidget* parent)
     : QHeaderView(Qt::Horizontal, parent), delegate_(delegate) {
     setSectionsMovable(false);
     setSectionsClickable(true);
-    setSortIndicatorShown(true);
     setHighlightSections(false);
     setMinimumSectionSize(kLeastSection);
     setTextElideMode(Qt::ElideRight);

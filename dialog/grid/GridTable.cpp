@@ -14,6 +14,7 @@ namespace orvex {
 GridTable::GridTable(Pane pane, GridDelegate& delegate, QWidget* parent)
     : QTableView(parent), pane_(pane), header_(new GridHeaderView(delegate, this)) {
     setHorizontalHeader(header_);
+    header_->setSortIndicatorShown(true);  // a table hides it when it gets its header
     setItemDelegate(&delegate);
     setFrameShape(QFrame::NoFrame);
     setSelectionBehavior(SelectRows);
@@ -127,15 +128,16 @@ void GridTable::paintEvent(QPaintEvent* event) {
     const bool leftOpen = joinsLeft_ || header_->offset() > 0;
     const int end = header_->length() - header_->offset();
     const bool rightOpen = pane_ == Pane::Frozen || end > viewport()->width();
-    const QRect row(
-        QPoint(leftOpen ? -1 : 0, rowViewportPosition(current.row())),
-        QSize((rightOpen ? viewport()->width() + 1 : end) + (leftOpen ? 1 : 0), rowHeight(current.row())));
+    constexpr int kBeyond = 3;
+    const int left = leftOpen ? -kBeyond : 0;
+    const int right = rightOpen ? viewport()->width() + kBeyond : end - 1;
+    const QRect row(left, rowViewportPosition(current.row()), right - left, rowHeight(current.row()) - 1);
     const bool selected = selectionModel() && selectionModel()->isRowSelected(current.row());
     QPainter painter(viewport());
     QPen pen(palette().color(selected ? QPalette::HighlightedText : QPalette::Highlight));
     pen.setStyle(Qt::DotLine);
     painter.setPen(pen);
-    painter.drawRect(row.adjusted(0, 0, -1, -1));
+    painter.drawRect(row);
 }
 
 void GridTable::focusInEvent(QFocusEvent* event) {

@@ -32,7 +32,6 @@ QFrame* MakeSeam(QWidget* parent) {
     auto* seam = new QFrame(parent);
     seam->setFixedWidth(1);
     seam->setAutoFillBackground(true);
-    seam->setBackgroundRole(QPalette::Mid);
     return seam;
 }
 
@@ -74,6 +73,9 @@ GridView::GridView(QWidget* parent) : QFrame(parent), parts_(std::make_unique<Pa
     p.footer->setAccessibleName(ShownText(40407_lsid));
     p.message->setAlignment(Qt::AlignCenter);
     p.message->setWordWrap(true);
+    p.message->setMargin(16);
+    p.message->setAutoFillBackground(true);
+    p.message->setBackgroundRole(QPalette::Base);
     p.message->setForegroundRole(QPalette::PlaceholderText);
     p.message->setAttribute(Qt::WA_TransparentForMouseEvents);
     p.table->SetSearchColumn([this] { return SearchColumn(); });
@@ -85,7 +87,13 @@ GridView::GridView(QWidget* parent) : QFrame(parent), parts_(std::make_unique<Pa
     ArrangePanes();
 }
 
-GridView::~GridView() = default;
+GridView::~GridView() {
+    // Children go after this object has become a plain frame, and the table with the focus still tells that
+    // it loses it.
+    for (QObject* child : findChildren<QObject*>()) {
+        child->disconnect(this);
+    }
+}
 
 void GridView::BuildLayout() {
     Parts& p = *parts_;
@@ -287,7 +295,7 @@ void GridView::FitColumn(int column) {
         return;
     }
     GridTable& pane = parts_->PaneOf(column);
-    const int margin = pane.style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &pane) + 1;
+    const int margin = GridDelegate::TextMargin(pane.style());
     const CellRoom room{.margins = 2 * margin + 2, .icon = pane.iconSize().width() + 2 * margin};
     pane.setColumnWidth(
         column, FittedWidth(*parts_->model, column, SampleRows(), pane.Header()->sectionSizeHint(column),
@@ -392,6 +400,10 @@ void GridView::ArrangeRows() {
         table->SetRowHeight(height);
     }
     p.footer->setFixedHeight(height);
+    QPalette seam = palette();
+    seam.setColor(QPalette::Window,
+                  Mixed(palette().color(QPalette::Base), palette().color(QPalette::Text), 0.3));
+    p.seam->setPalette(seam);
 }
 
 void GridView::ArrangeMessage() {
@@ -401,7 +413,7 @@ void GridView::ArrangeMessage() {
     const int top = contentsRect().top() + p.table->Header()->sizeHint().height();
     const int bottom = p.footer->isHidden() ? contentsRect().bottom() : p.footer->y();
     const QRect room(contentsRect().left(), top, contentsRect().width(), std::max(bottom - top, 0));
-    p.message->setGeometry(room.adjusted(16, 8, -16, -8));
+    p.message->setGeometry(room);
     p.message->raise();
 }
 

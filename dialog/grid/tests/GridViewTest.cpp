@@ -1,0 +1,289 @@
+#include "dialog/grid/GridView.h"
+
+#include <gmock/gmock.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenu>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTableView>
+#include <QTest>
+
+#include "dialog/grid/GridColours.h"
+#include "dialog/grid/GridFooter.h"
+#include "dialog/grid/tests/SampleModel.h"
+
+namespace orvex::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class GridViewTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        view_.SetModel(&model_);
+        view_.resize(500, 240);
+        view_.show();
+        view_.activateWindow();
+        Settle();
+    }
+
+    static void Settle() { QCoreApplication::processEvents(); }
+
+    void AddMany(int count) {
+        std::vector<SampleRecord> records;
+        for (int i = 0; i < count; ++i) {
+            records.push_back({L"f" + std::to_wstring(i), static_cast<double>(count - i)});
+        }
+        model_.Add(records);
+        Settle();
+    }
+    static void ClickHeader(QTableView* table, int column) {
+        const QHeaderView* header = table->horizontalHeader();
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
+                          QPoint(header->sectionViewportPosition(column) + 12, header->height() / 2));
+    }
+    static void ClickRow(QTableView* table, int row, Qt::KeyboardModifiers keys = {}) {
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, keys,
+                          QPoint(4, table->rowViewportPosition(row) + 4));
+    }
+
+    SampleModel model_;
+    GridView view_;
+};
+
+TEST_F(GridViewTest, HeaderClicksGoUpDownAndBack) {
+    model_.Add({{L"b", 3.0}, {L"c", 1.0}, {L"a", 2.0}});
+    Settle();
+    const auto indicator = [](QTableView* table) {
+        return table->horizontalHeader()->sortIndicatorSection();
+    };
+    ClickHeader(view_.FrozenTable(), kName);
+    EXPECT_THAT(model_.Names(), ElementsAre(L"a", L"b", L"c"));
+    EXPECT_TRUE(view_.FrozenTable()->horizontalHeader()->isSortIndicatorShown());
+    EXPECT_EQ(indicator(view_.FrozenTable()), kName);
+    ClickHeader(view_.Table(), kSize);
+    EXPECT_THAT(model_.Names(), ElementsAre(L"c", L"a", L"b"));
+    EXPECT_EQ(indicator(view_.FrozenTable()), -1);
+    EXPECT_EQ(indicator(view_.Table()), kSize);
+    ClickHeader(view_.Table(), kSize);
+    EXPECT_THAT(model_.Names(), ElementsAre(L"b", L"a", L"c"));
+    EXPECT_EQ(view_.Table()->horizontalHeader()->sortIndicatorOrder(), Qt::DescendingOrder);
+    ClickHeader(view_.Table(), kSize);
+    EXPECT_THAT(model_.Names(), ElementsAre(L"b", L"c", L"a"));
+    EXPECT_EQ(indicator(view_.Table()), -1);
+    EXPECT_THAT(view_.SelectedRows(), IsEmpty()) << "a header selects nothing";
+}
+
+TEST_F(GridViewTest, FrozenColumnsStayWhileTheOthersScroll) {
+    AddMany(50);
+    QTableView* frozen = view_.FrozenTable();
+    QTableView* table = view_.Table();
+    const QRect place = frozen->geometry();
+    EXPECT_EQ(frozen->width(), view_.ColumnWidth(kFlag) + view_.ColumnWidth(kName));
+    EXPECT_FALSE(table->isColumnHidden(kSize));
+    EXPECT_TRUE(table->isColumnHidden(kName));
+    const QRect name = view_.Footer()->CellRect(kName);
+    const QRect modified = view_.Footer()->CellRect(kModified);
+    EXPECT_EQ(view_.Footer()->CellRect(kSize).left(), table->x() - view_.Footer()->x());
+
+    table->horizontalScrollBar()->setValue(37);
+    table->verticalScrollBar()->setValue(133);
+    EXPECT_EQ(frozen->geometry(), place);
+    EXPECT_EQ(frozen->horizontalScrollBar()->value(), 0);
+    EXPECT_EQ(view_.Footer()->CellRect(kName), name);
+    EXPECT_EQ(view_.Footer()->CellRect(kModified).left(), modified.left() - 37);
+    EXPECT_EQ(frozen->rowViewportPosition(9), table->rowViewportPosition(9));
+    frozen->verticalScrollBar()->setValue(12);
+    EXPECT_EQ(table->verticalScrollBar()->value(), 12);
+    EXPECT_EQ(frozen->viewport()->y(), table->viewport()->y());
+    table->verticalScrollBar()->setValue(table->verticalScrollBar()->maximum());
+    EXPECT_EQ(frozen->rowViewportPosition(49), table->rowViewportPosition(49));
+}
+
+TEST_F(GridViewTest, SelectionSpansThePanesAndStaysWithItsRecords) {
+    AddMany(12);
+    QSignalSpy selected(&view_, &GridView::SelectionChanged);
+    QSignalSpy current(&view_, &GridView::CurrentRowChanged);
+    ClickRow(view_.FrozenTable(), 2);
+    ClickRow(view_.Table(), 4, Qt::ShiftModifier);
+    EXPECT_THAT(view_.SelectedRows(), ElementsAre(2, 3, 4));
+    ClickRow(view_.FrozenTable(), 6, Qt::ControlModifier);
+    EXPECT_THAT(view_.SelectedRows(), ElementsAre(2, 3, 4, 6));
+    EXPECT_EQ(view_.CurrentRow(), 6);
+    EXPECT_EQ(selected.count(), 3);
+    EXPECT_EQ(current.count(), 3);
+
+    model_.sort(kSize);
+    EXPECT_THAT(view_.SelectedRows(), ElementsAre(5, 7, 8, 9));
+    model_.AddNames({L"new", L"newer"});
+    EXPECT_THAT(view_.SelectedRows(), ElementsAre(7, 9, 10, 11));
+    EXPECT_EQ(view_.CurrentRow(), 7);
+    model_.Remove({0, 1, 3});
+    model_.sort(-1);
+    EXPECT_THAT(view_.SelectedRows(), ElementsAre(0, 1, 3));
+    view_.SelectRows({1, 2, 5});
+    EXPECT_THAT(view_.SelectedRows(), ElementsAre(1, 2, 5));
+    model_.Clear();
+    EXPECT_THAT(view_.SelectedRows(), IsEmpty());
+    EXPECT_EQ(view_.CurrentRow(), -1);
+}
+
+TEST_F(GridViewTest, KeysWorkOnRows) {
+    model_.AddNames({L"beta", L"alpha", L"alps", L"gamma"});
+    Settle();
+    QTableView* table = view_.Table();
+    table->setFocus();
+    QTest::keyClicks(table, "al");
+    EXPECT_EQ(view_.CurrentRow(), 1);
+    QTest::keyClicks(table, "ps");
+    EXPECT_EQ(view_.CurrentRow(), 2);
+    QTest::keyClick(table, Qt::Key_Home);
+    EXPECT_EQ(view_.CurrentRow(), 0);
+    QTest::keyClick(table, Qt::Key_End, Qt::ShiftModifier);
+    EXPECT_THAT(view_.SelectedRows(), ElementsAre(0, 1, 2, 3));
+    QTest::keyClick(table, Qt::Key_Right);
+    EXPECT_EQ(view_.CurrentRow(), 3);
+    EXPECT_GT(table->horizontalScrollBar()->value(), 0);
+
+    QSignalSpy remove(&view_, &GridView::RemoveRequested);
+    view_.ClearSelection();
+    QTest::keyClick(table, Qt::Key_Delete);
+    EXPECT_EQ(remove.count(), 0);
+    QTest::keyClick(table, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(view_.SelectedRows().size(), 4U);
+    QTest::keyClick(table, Qt::Key_Delete);
+    EXPECT_EQ(remove.count(), 1);
+}
+
+TEST_F(GridViewTest, CopiesWhatIsShownOfTheSelectedRows) {
+    model_.Add({{L"a", 1.0}, {L"b", 2.0}, {L"c", 3.0, {}, false}});
+    view_.ShowDetailColumns(false);
+    Settle();
+    view_.SelectRows({0, 2});
+    view_.Table()->setFocus();
+    QTest::keyClick(view_.Table(), Qt::Key_C, Qt::ControlModifier);
+    const std::wstring rows =
+        L"true\ta\t1.00\tSummary of a second line of it\n"
+        L"false\tc\t3.00\tSummary of c second line of it\n";
+    const std::wstring headers =
+        L"\t" + Text(40402_lsid) + L"\t" + Text(40403_lsid) + L"\t" + Text(40405_lsid) + L"\n";
+    EXPECT_EQ(QApplication::clipboard()->text().toStdWString(), headers + rows);
+    view_.findChild<QAction*>("copyRows")->trigger();
+    EXPECT_EQ(QApplication::clipboard()->text().toStdWString(), rows);
+
+    QApplication::clipboard()->setText("kept");
+    view_.ClearSelection();
+    view_.CopySelection();
+    EXPECT_EQ(QApplication::clipboard()->text(), QString("kept"));
+    EXPECT_FALSE(view_.findChild<QAction*>("copy")->isEnabled());
+    EXPECT_EQ(view_.ContextMenu()->actions().size(), 6);
+}
+
+TEST_F(GridViewTest, DetailColumnsComeAndGo) {
+    const auto shown = [this] {
+        std::vector<int> columns;
+        for (int column = 0; column < model_.columnCount(); ++column) {
+            if (view_.IsColumnShown(column)) {
+                columns.push_back(column);
+            }
+        }
+        return columns;
+    };
+    EXPECT_THAT(shown(), ElementsAre(kFlag, kName, kSize, kModified, kSummary, kMore, kRest));
+    view_.ShowDetailColumns(false);
+    EXPECT_FALSE(view_.DetailColumnsShown());
+    EXPECT_THAT(shown(), ElementsAre(kFlag, kName, kSize, kSummary));
+    view_.ShowDetailColumns(true);
+    EXPECT_THAT(shown(), ElementsAre(kFlag, kName, kSize, kModified, kSummary, kMore, kRest));
+    EXPECT_EQ(view_.ColumnWidth(kMore), 200);
+}
+
+TEST_F(GridViewTest, FittingKeepsTheLimits) {
+    model_.AddNames({L"a", L"a name so long that its column must become wider than it was"});
+    view_.FitColumns();
+    EXPECT_EQ(view_.ColumnWidth(kFlag), 20) << "cannot be resized";
+    EXPECT_EQ(view_.ColumnWidth(kPath), 0) << "hidden";
+    EXPECT_GT(view_.ColumnWidth(kName), 300);
+    EXPECT_LT(view_.ColumnWidth(kSize), 130);
+    EXPECT_GE(view_.ColumnWidth(kModified), 130) << "least width";
+    EXPECT_EQ(view_.ColumnWidth(kSummary), 240) << "widest fit";
+
+    view_.Table()->setColumnWidth(kSummary, 400);
+    EXPECT_EQ(view_.ColumnWidth(kSummary), 400) << "the user may go beyond";
+    view_.Table()->setColumnWidth(kModified, 40);
+    EXPECT_EQ(view_.ColumnWidth(kModified), 130) << "but not below the least width";
+    model_.Add({{L"b", 1e17}});
+    view_.FitColumn(kSize);
+    const QString sum = QString::fromStdWString(*model_.FooterText(kSize));
+    EXPECT_GE(view_.ColumnWidth(kSize), view_.fontMetrics().horizontalAdvance(sum));
+    EXPECT_LE(view_.FrozenTable()->width(), view_.width() * 6 / 10) << "room is left to scroll in";
+}
+
+TEST_F(GridViewTest, MessageShowsOnlyWhileThereAreNoRows) {
+    EXPECT_EQ(view_.ShownMessage(), QString());
+    view_.SetEmptyText("Drop files here");
+    EXPECT_EQ(view_.ShownMessage(), QString("Drop files here"));
+    AddMany(1);
+    EXPECT_EQ(view_.ShownMessage(), QString());
+    model_.Clear();
+    EXPECT_EQ(view_.ShownMessage(), QString("Drop files here"));
+    view_.SetModel(nullptr);
+    EXPECT_EQ(view_.ShownMessage(), QString("Drop files here"));
+    view_.SetModel(&model_);
+    AddMany(3);
+    EXPECT_EQ(view_.ShownMessage(), QString());
+}
+
+TEST_F(GridViewTest, FooterIsOutOfReach) {
+    AddMany(3);
+    view_.SelectRows({1});
+    EXPECT_EQ(view_.Footer()->focusPolicy(), Qt::NoFocus);
+    QTest::mouseClick(view_.Footer(), Qt::LeftButton, {}, QPoint(30, 5));
+    QTest::mouseDClick(view_.Footer(), Qt::LeftButton, {}, QPoint(30, 5));
+    EXPECT_THAT(view_.SelectedRows(), ElementsAre(1));
+
+    const FooterColours light = FooterColoursFor(QPalette(Qt::white));
+    EXPECT_EQ(light.text, QColor(0, 0, 255));
+    EXPECT_EQ(light.ground, QColor(240, 240, 255));
+    const QImage picture = view_.Footer()->grab().toImage();
+    EXPECT_EQ(picture.pixelColor(picture.width() - 3, picture.height() - 3), light.ground);
+    QPalette dark;
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    dark.setColor(QPalette::Text, Qt::white);
+    const FooterColours night = FooterColoursFor(dark);
+    EXPECT_LT(night.ground.lightness(), 80);
+    EXPECT_GT(night.text.lightness(), 180);
+    EXPECT_GT(night.text.blue(), night.text.red());
+}
+
+// What is asked of the model depends on what is in sight, not on how many rows there are.
+TEST_F(GridViewTest, ScrollingAsksOnlyForWhatComesIntoSight) {
+    AddMany(100'000);
+    view_.Table()->repaint();
+    view_.FrozenTable()->repaint();
+    QScrollBar* bar = view_.Table()->verticalScrollBar();
+    model_.cellsAsked = 0;
+    const std::size_t before = view_.CellsPainted();
+    constexpr int kSteps = 50;
+    for (int step = 1; step <= kSteps; ++step) {
+        bar->setValue(static_cast<int>(static_cast<std::int64_t>(bar->maximum()) * step / kSteps));
+        Settle();
+    }
+    const int rowsInSight = view_.Table()->viewport()->height() / view_.Table()->rowHeight(0) + 2;
+    const auto perStep = static_cast<std::size_t>(rowsInSight * model_.columnCount());
+    EXPECT_GT(view_.CellsPainted(), before) << "the grid must be on a screen for this test to say anything";
+    EXPECT_LE(view_.CellsPainted() - before, kSteps * perStep);
+    EXPECT_LE(model_.cellsAsked, kSteps * perStep);
+
+    model_.cellsAsked = 0;
+    view_.FitColumns();
+    EXPECT_LE(model_.cellsAsked, 300U * 8U);
+}
+
+}  // namespace
+}  // namespace orvex::testing
