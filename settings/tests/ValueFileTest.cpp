@@ -100,6 +100,7 @@ TEST_F(ValueFileTest, AnythingElseThanASoundFileMeansDefaultsAndAFreshStart) {
         {"text", "[AddFilesDlg]\nthinning=4\n"},
         {"zeros", std::string(8192, '\0')},
         {"noise after the header", torn},
+        {"cut off", sound.substr(0, 8192)},
     };
     int kept = 0;
     for (const auto& c : cases) {

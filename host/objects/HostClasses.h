@@ -1,0 +1,31 @@
+#pragma once
+#include <filesystem>
+
+#include "host/objects/HostApplication.h"
+
+namespace orvex::host {
+
+/// Option item: KML and KMZ files may be added.
+inline constexpr std::int32_t kAcceptKmlOption = 1019;
+
+/// What the host's objects answer from.
+struct HostState {
+    std::filesystem::path settingsFile;  ///< made when first written; see DefaultSettingsFile
+    ProjectFolderProvider projectFolder;
+    OptionItems options{{kAcceptKmlOption, std::int16_t{-1}}};
+};
+
+/// "host.sqlite" in the folder of the user's settings.
+std::filesystem::path DefaultSettingsFile();
+
+/// Makes the settings object and the application object of this host what the object library hands out, until
+/// destroyed.
+class HostClasses {
+  public:
+    explicit HostClasses(HostState state);
+    ~HostClasses();
+    HostClasses(const HostClasses&) = delete;
+    HostClasses& operator=(const HostClasses&) = delete;
+};
+
+}  // namespace orvex::host
