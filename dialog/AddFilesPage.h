@@ -27,9 +27,10 @@ class AddFilesPage : public QWidget {
     using QWidget::QWidget;
 
     /// Checks the input and writes the page's members of the record. False keeps the dialog open; the page
-    /// has said why.
+    /// has said why. May be called again: the dialog stays open when a later page refuses.
     virtual bool ValidateAndStore() = 0;
-    /// Frees what the page holds behind its rows and empties its grid. May be called more than once.
+    /// Frees what the page holds behind its rows, empties its grid, and takes back what ValidateAndStore
+    /// wrote. May be called more than once.
     virtual void Release() = 0;
     /// Files named from outside (the host's command line, a drop on the dialog) are added as if picked.
     virtual void AddPaths(const std::vector<std::wstring>& paths) = 0;

@@ -1,0 +1,70 @@
+#include "orvexcommon/Exports.h"
+
+#include <QApplication>
+#include <QThread>
+
+#include "dialog/CAddingLidarDlg.h"
+#include "entry/AddFilesRun.h"
+#include "entry/ComponentParts.h"
+#include "entry/PageTable.h"
+#include "support/LDataError.h"
+#include "support/Log.h"
+
+namespace {
+
+// Windows can be shown: there is an application, and this is its thread.
+bool HasUserInterface() {
+    return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr &&
+           QThread::currentThread() == qApp->thread();
+}
+
+// No exception leaves the component: the host may be built with another runtime. What happened is logged.
+template <typename Result, typename Body>
+Result Exported(const wchar_t* name, Result onFailure, Body body) noexcept {
+    try {
+        if (HasUserInterface()) {
+            return body();
+        }
+        orvex::LogWarning(std::wstring(name) + L" was called without a QApplication or off its thread");
+    } catch (...) {
+        try {
+            orvex::LogWarning(std::wstring(name) + L": " + orvex::CurrentExceptionText());
+        } catch (...) {
+            return onFailure;  // not even the log: memory is exhausted
+        }
+    }
+    return onFailure;
+}
+
+}  // namespace
+
+bool ShowAddFilesDialog(AddFilesParams* params) {
+    return Exported(L"ShowAddFilesDialog", false, [params] {
+        if (params == nullptr) {
+            throw orvex::LDataError(L"no record was given");
+        }
+        orvex::ComponentParts parts;
+        return orvex::RunAddFiles(*params, parts.Services(), orvex::AddFilesPages(),
+                                  QApplication::activeWindow());
+    });
+}
+
+void MessageRegardingAddingLidar(HWND owner, const std::wstring& caption, bool a, bool b, bool c, bool d,
+                                 bool e, bool f, bool g, bool& stop) {
+    const bool mustStop = Exported(L"MessageRegardingAddingLidar", false, [&] {
+        orvex::ComponentParts parts(QWidget::find(reinterpret_cast<WId>(owner)));
+        return orvex::ShowLidarMessages({a, b, c, d, e, f, g}, caption, parts.Services().prompts);
+    });
+    stop = stop || mustStop;
+}
+
+AddLidarChoice GetAddingLidarChoice(bool readWriteAllowed) {
+    return Exported(L"GetAddingLidarChoice", ADD_LIDAR_READ_ONLY, [readWriteAllowed] {
+        orvex::ComponentParts parts;
+        return orvex::DecideAddingLidar(parts.Services().options, readWriteAllowed, [](bool allowed) {
+            orvex::CAddingLidarDlg dialog(allowed, QApplication::activeWindow());
+            dialog.exec();
+            return dialog.Answer();
+        });
+    });
+}
