@@ -1,4 +1,5 @@
-# Exactly the three functions are exported:  cmake -DLIBRARY=... -DNM=... -P CheckExports.cmake
+# Exactly the three functions are exported (symbols of local binding, whose letter is small, are seen by nobody):
+#  cmake -DLIBRARY=... -DNM=... -P CheckExports.cmake
 execute_process(COMMAND "${NM}" -D --defined-only -C "${LIBRARY}" OUTPUT_VARIABLE listing RESULT_VARIABLE result)
 if(NOT result EQUAL 0)
     message(FATAL_ERROR "${NM} could not read ${LIBRARY}")
@@ -6,8 +7,9 @@ endif()
 string(REGEX MATCHALL "[^\n]+" lines "${listing}")
 set(names)
 foreach(line IN LISTS lines)
-    string(REGEX REPLACE "^[0-9a-f]+ . ([A-Za-z_0-9:]+).*$" "\\1" name "${line}")
-    list(APPEND names "${name}")
+    if(line MATCHES "^[0-9a-f]+ [A-Zu] ([A-Za-z_0-9:]+)")
+        list(APPEND names "${CMAKE_MATCH_1}")
+    endif()
 endforeach()
 list(SORT names)
 set(wanted GetAddingLidarChoice MessageRegardingAddingLidar ShowAddFilesDialog)

@@ -36,9 +36,14 @@ class NoSettings final : public OrvexSystemSettings {
 
 class Exports : public ::testing::Test {
   protected:
+    // One folder for all: the log stays open for the life of the process.
+    static testing::TemporaryFolder& Folder() {
+        static testing::TemporaryFolder folder;
+        return folder;
+    }
     Exports() {
-        qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(folder.Path().string()));
-        qputenv("ORVEX_LOG", QByteArray::fromStdString((folder.Path() / "log").string()));
+        qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(Folder().Path().string()));
+        qputenv("ORVEX_LOG", QByteArray::fromStdString((Folder().Path() / "log").string()));
         RegisterHostClass(kApplicationClass, [] { return std::make_unique<Application>(); });
         RegisterHostClass(kSystemSettingsClass, [] { return std::make_unique<NoSettings>(); });
     }
@@ -64,7 +69,6 @@ class Exports : public ::testing::Test {
             QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(8, button->height() / 2));
         });
     }
-    testing::TemporaryFolder folder;
     QTimer timer;
     std::vector<std::string> clicks;
 };
@@ -108,7 +112,7 @@ TEST_F(Exports, WrongCallsDoNothing) {
     EXPECT_FALSE(ShowAddFilesDialog(nullptr));
     AddFilesParams params;
     std::thread([&] { EXPECT_FALSE(ShowAddFilesDialog(&params)); }).join();
-    EXPECT_NE(testing::ReadFile(folder.Name(L"log")).find("ShowAddFilesDialog"), std::string::npos);
+    EXPECT_NE(testing::ReadFile(Folder().Name(L"log")).find("ShowAddFilesDialog"), std::string::npos);
 }
 
 }  // namespace
