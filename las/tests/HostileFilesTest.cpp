@@ -1,0 +1,171 @@
+// Damaged files give a reading or a message, in bounded time and memory; never a crash.
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <chrono>
+#include <filesystem>
+#include <random>
+
+#include "las/LASFile.h"
+#include "las/LasPointViews.h"
+#include "las/LasText.h"
+#include "las/LasValidate.h"
+#include "las/testing/LasBuilder.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
+#include "support/testing/TemporaryFolder.h"
+
+namespace orvex {
+namespace {
+
+using testing::LasBuilder;
+
+LasBuilder Rich() {
+    return LasBuilder(14, 6)
+        .AddPoints(5)
+        .AddExtraBytes("reflectance", 10, 8)
+        .AddExtraBytes("raw", 0, 3)
+        .AddVlr("BrightwellMarsh", 64, std::string(81, 'i'))
+        .ProjectedEpsg(25832)
+        .Wkt("GEOGCS[\"WGS 84\"]")
+        .AddEvlr("Kst", 5, "own data")
+        .AddEvlr("copc", 1000, "pages")
+        .AddEvlr("LASF_Projection", 2112, "second WKT");
+}
+
+class HostileFiles : public ::testing::Test {
+  protected:
+    /// Everything that can be said about the bytes, in one text.
+    std::wstring Read(const std::string& bytes, bool readOnly) const {
+        // A file that is truncated and written anew goes to the disk when it is closed, which takes long.
+        std::filesystem::remove(folder_.Path() / "a.las");
+        return ReadFileAt(folder_.Write(L"a.las", bytes), readOnly);
+    }
+    static std::wstring ReadFileAt(const std::wstring& path, bool readOnly) {
+        try {
+            const auto file = LASFile::Open(path, readOnly, false);
+            std::wstring text = LasVlrText(*file) + LasEvlrText(*file) + LasGpsTimeText(*file);
+            for (const LasFinding& finding : ValidateLas(*file)) {
+                text += finding.text + L"\n";
+            }
+            for (const ExtraBytesAttribute& attribute : file->GetExtraBytes().Attributes()) {
+                text += attribute.name + std::to_wstring(attribute.offset) + L"\n";
+            }
+            text +=
+                std::to_wstring(file->GetPointCount()) + L" " + std::to_wstring(file->GetCompanionStatus());
+            TouchPoints(*file);
+            return text;
+        } catch (const LDataError& error) {
+            EXPECT_FALSE(error.Text().empty());
+            return error.Text();
+        }
+    }
+    static void TouchPoints(const LASFile& file) {
+        if (file.Points() == nullptr || file.Points()->PointCount() == 0) {
+            return;
+        }
+        const std::uint64_t last = file.Points()->PointCount() - 1;
+        const LasPointView view = file.Points()->Map(file.Points()->ViewOf(last));
+        EXPECT_FALSE(view.Record(last).empty());
+        view.Position(last);
+    }
+
+    const testing::TemporaryFolder folder_;
+};
+
+TEST_F(HostileFiles, TwinsReadAlike) {
+    for (const LasBuilder& builder :
+         {Rich(), LasBuilder(10, 0).AddPoints(2), LasBuilder(13, 4).AddPoints(2).AddVlr("a", 1, "b"),
+          LasBuilder(14).HeaderSize(227).AddPoints(9), Rich().MarkCompressed()}) {
+        EXPECT_EQ(Read(builder.Build(), true), Read(builder.Build(), false));
+    }
+}
+
+TEST_F(HostileFiles, EveryTruncation) {
+    const std::string whole = Rich().Build();
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        const std::wstring text = Read(whole.substr(0, length), true);
+        Read(whole.substr(0, length), false);
+        EXPECT_FALSE(text.empty()) << length;
+        if (length < 227) {
+            EXPECT_TRUE(text.starts_with(L"ReadHeaderBlock failed on '")) << length;
+        }
+    }
+}
+
+TEST_F(HostileFiles, EveryByteOfTheHeaderAndTheRecords) {
+    const std::string whole = Rich().Build();
+    const std::size_t tried = 375 + 54 * 4 + 81;
+    for (std::size_t i = 0; i < tried; ++i) {
+        for (const char value : {'\x00', '\x01', '\x7F', '\x80', '\xFF'}) {
+            std::string bytes = whole;
+            bytes[i] = value;
+            Read(bytes, (i + static_cast<unsigned char>(value)) % 2 == 0);
+        }
+    }
+}
+
+TEST_F(HostileFiles, RandomBytesBehindASignature) {
+    std::minstd_rand random(1);
+    for (int round = 0; round < 300; ++round) {
+        std::string bytes(375 + random() % 2000, '\0');
+        for (char& byte : bytes) {
+            byte = static_cast<char>(random() % 256);
+        }
+        bytes.replace(0, 4, "LASF");
+        if (round % 2 == 0) {
+            bytes.replace(24, 2, "\x01\x04");
+        }
+        Read(bytes, round % 4 < 2);
+    }
+}
+
+TEST_F(HostileFiles, LiesInASmallFileCostNothing) {
+    constexpr std::uint64_t kMost = ~std::uint64_t{0};
+    constexpr std::uint32_t kMost32 = 0xFFFFFFFF;
+    const LasBuilder cases[] = {
+        Rich().Lie(100, kMost32),
+        Rich().Lie(96, kMost32),
+        Rich().Lie(96, kMost32).Lie(100, kMost32),
+        Rich().Lie(243, kMost32),
+        Rich().Lie(235, kMost - 5),
+        Rich().Lie(235, kMost >> 1U),
+        Rich().Lie(235, std::uint64_t{1}).Lie(243, kMost32),
+        Rich().Lie(247, kMost),
+        Rich().Lie(94, std::uint16_t{0}),
+        Rich().Lie(94, std::uint16_t{65535}),
+        Rich().Lie(105, std::uint16_t{65535}).Lie(247, kMost),
+    };
+    for (const bool readOnly : {true, false}) {
+        for (const LasBuilder& builder : cases) {
+            EXPECT_FALSE(Read(builder.Build(), readOnly).empty());
+        }
+    }
+}
+
+TEST_F(HostileFiles, LiesInAHugeSparseFileAreBounded) {
+    // Room for eighty million empty records of either kind, and for a VLR area of four gigabytes.
+    const std::string header = LasBuilder(14, 6)
+                                   .Lie<std::uint32_t>(96, 0xFFFFFFFF)
+                                   .Lie<std::uint32_t>(100, 0xFFFFFFFF)
+                                   .Lie<std::uint64_t>(235, 400)
+                                   .Lie<std::uint32_t>(243, 0xFFFFFFFF)
+                                   .Lie<std::uint64_t>(247, ~std::uint64_t{0})
+                                   .Build();
+    const std::wstring path = folder_.Write(L"huge.las", header);
+    std::filesystem::resize_file(ToPath(path), std::uint64_t{6} << 30U);
+    for (const bool readOnly : {true, false}) {
+        const auto start = std::chrono::steady_clock::now();
+        const auto file = LASFile::Open(path, readOnly, true);
+        EXPECT_EQ(file->GetVLRs().size(), kMostRecords);
+        EXPECT_EQ(file->GetEVLRs().size(), kMostRecords);
+        EXPECT_FALSE(ValidateLas(*file).empty());
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    }
+    struct rusage usage {};
+    ASSERT_EQ(getrusage(RUSAGE_SELF, &usage), 0);
+    EXPECT_LT(usage.ru_maxrss, 600L * 1024) << "kilobytes";
+}
+
+}  // namespace
+}  // namespace orvex

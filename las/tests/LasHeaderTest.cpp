@@ -1,0 +1,117 @@
+#include "las/LasHeader.h"
+
+#include <gtest/gtest.h>
+
+#include "las/PointFormats.h"
+#include "las/testing/LasBuilder.h"
+
+namespace orvex {
+namespace {
+
+using testing::LasBuilder;
+
+LasHeader HeaderOf(const std::string& bytes) {
+    return LasHeader(std::as_bytes(std::span(bytes)));
+}
+
+TEST(LasHeader, ReadsEveryFieldAtItsPlace) {
+    LasBuilder builder(14, 3);
+    builder.Lie<std::uint16_t>(4, 11).Lie<std::uint16_t>(6, 17);
+    builder.Lie<std::uint32_t>(8, 0x01234567).Lie<std::uint16_t>(12, 0x89AB).Lie<std::uint16_t>(14, 0xCDEF);
+    builder.Lie<std::uint64_t>(16, 0x0807060504030201);
+    builder.SystemIdentifier("scanner")
+        .GeneratingSoftware("a program with a name of 32 byte")
+        .CreationDate(60, 2023);
+    builder.Lie<std::uint32_t>(96, 4000000000).Lie<std::uint32_t>(100, 5).Lie<std::uint8_t>(104, 0xC7);
+    builder.Lie<std::uint16_t>(105, 40).Lie<std::uint32_t>(107, 12);
+    for (std::uint32_t i = 0; i < 12; ++i) {
+        builder.Lie<double>(131 + 8 * i, 1.5 + i);
+    }
+    builder.Lie<std::uint64_t>(227, 1U).Lie<std::uint64_t>(235, std::uint64_t{1} << 40U);
+    builder.Lie<std::uint32_t>(243, 9).Lie<std::uint64_t>(247, std::uint64_t{1} << 33U);
+    builder.Lie<std::uint64_t>(255, 21).Lie<std::uint64_t>(367, 35);
+    const std::string bytes = builder.Build();
+    const LasHeader header = HeaderOf(bytes);
+
+    EXPECT_TRUE(header.HasSignature());
+    EXPECT_EQ(header.FileSourceId(), 11);
+    EXPECT_EQ(header.GlobalEncoding(), 17);
+    EXPECT_TRUE(header.HasStandardGpsTime());
+    EXPECT_TRUE(header.HasWktBit());
+    EXPECT_EQ(header.ProjectId(), "01234567-89AB-CDEF-0102-030405060708");
+    EXPECT_EQ(header.Version(), 14);
+    EXPECT_EQ(header.SystemIdentifier(), "scanner");
+    EXPECT_EQ(header.GeneratingSoftware(), "a program with a name of 32 byte");
+    EXPECT_EQ(header.CreationDay(), 60);
+    EXPECT_EQ(header.CreationYear(), 2023);
+    EXPECT_EQ(header.HeaderSize(), 375);
+    EXPECT_EQ(header.OffsetToPoints(), 4000000000U);
+    EXPECT_EQ(header.VlrCount(), 5U);
+    EXPECT_EQ(header.PointFormat(), 7);
+    EXPECT_TRUE(header.IsCompressed());
+    EXPECT_EQ(header.PointRecordLength(), 40);
+    EXPECT_EQ(header.LegacyPointCount(), 12U);
+    EXPECT_EQ(header.PointCount(), std::uint64_t{1} << 33U);
+    EXPECT_EQ(header.Scale(), (std::array<double, 3>{1.5, 2.5, 3.5}));
+    EXPECT_EQ(header.Offset(), (std::array<double, 3>{4.5, 5.5, 6.5}));
+    EXPECT_EQ(header.Maximum(), (std::array<double, 3>{7.5, 9.5, 11.5}));
+    EXPECT_EQ(header.Minimum(), (std::array<double, 3>{8.5, 10.5, 12.5}));
+    EXPECT_EQ(header.WaveformStart(), 1U);
+    EXPECT_EQ(header.EvlrStart(), std::uint64_t{1} << 40U);
+    EXPECT_EQ(header.EvlrCount(), 9U);
+    EXPECT_EQ(header.PointsOfReturn(1), 21U);
+    EXPECT_EQ(header.PointsOfReturn(15), 35U);
+    EXPECT_EQ(header.PointsOfReturn(0) + header.PointsOfReturn(16), 0U);
+}
+
+TEST(LasHeader, OrdersVersionsByTheirCodes) {
+    const struct {
+        std::uint8_t major, minor;
+        int code;
+    } cases[] = {{1, 0, 0},  {1, 1, 1},  {2, 0, 2},  {1, 2, 3},  {1, 3, 4},      {1, 4, 5},
+                 {1, 5, -1}, {2, 1, -1}, {0, 0, -1}, {3, 0, -1}, {126, 203, -1}, {255, 255, -1}};
+    for (const auto& expected : cases) {
+        const std::string bytes =
+            LasBuilder(14).Lie(24, expected.major).Lie(25, expected.minor).AddPoints(2).Build();
+        EXPECT_EQ(HeaderOf(bytes).VersionCode(), expected.code) << +expected.major << "." << +expected.minor;
+        EXPECT_EQ(HeaderOf(bytes).Version(), expected.major * 10 + expected.minor);
+    }
+}
+
+TEST(LasHeader, TakesThe64BitCountOfLas14Only) {
+    LasBuilder builder(14);
+    builder.AddPoints(3).Lie<std::uint64_t>(247, 4);
+    EXPECT_EQ(HeaderOf(builder.Build()).PointCount(), 4U);
+    EXPECT_EQ(HeaderOf(builder.Lie<std::uint8_t>(25, 3).Build()).PointCount(), 3U);
+}
+
+TEST(LasHeader, IgnoresWhatFollowsAShortHeader) {
+    // A VLR lies where a longer header would hold these fields.
+    std::string bytes = LasBuilder(14).HeaderSize(227).AddVlr("any", 1, std::string(200, 'x')).Build();
+    EXPECT_EQ(HeaderOf(bytes).WaveformStart(), 0U);
+    EXPECT_EQ(HeaderOf(bytes).EvlrStart(), 0U);
+    EXPECT_EQ(HeaderOf(bytes).EvlrCount(), 0U);
+    EXPECT_EQ(HeaderOf(bytes).PointCount(), 0U);
+    EXPECT_EQ(LasHeader().Version(), 0);
+    EXPECT_EQ(HeaderOf(LasBuilder().Build()).ProjectId(), "");
+}
+
+TEST(PointFormats, KnowWhatEachCarries) {
+    // Length; T time, C colour, N near infrared, W waveform.
+    const std::pair<int, const char*> expected[] = {{20, ""},    {28, "T"},   {26, "C"},   {34, "TC"},
+                                                    {57, "TW"},  {63, "TCW"}, {30, "T"},   {36, "TC"},
+                                                    {38, "TCN"}, {59, "TW"},  {67, "TCNW"}};
+    for (int format = 0; format <= kLastPointFormat; ++format) {
+        const PointFormatFacts* facts = FindPointFormat(format);
+        ASSERT_NE(facts, nullptr);
+        const std::string letters = std::string(facts->hasGpsTime ? "T" : "") + (facts->hasColor ? "C" : "") +
+                                    (facts->hasNearInfrared ? "N" : "") + (facts->hasWaveform ? "W" : "");
+        EXPECT_EQ(facts->minimumLength, expected[format].first) << format;
+        EXPECT_EQ(letters, expected[format].second) << format;
+    }
+    EXPECT_EQ(FindPointFormat(-1), nullptr);
+    EXPECT_EQ(FindPointFormat(kLastPointFormat + 1), nullptr);
+}
+
+}  // namespace
+}  // namespace orvex

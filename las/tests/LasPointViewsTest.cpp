@@ -1,0 +1,117 @@
+#include "las/LasPointViews.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "las/LASFile.h"
+#include "las/testing/LasBuilder.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
+#include "support/testing/TemporaryFolder.h"
+
+namespace orvex {
+namespace {
+
+using testing::LasBuilder;
+using testing::TemporaryFolder;
+
+std::unique_ptr<LASFile> OpenMapped(const std::wstring& path, bool readOnly = true) {
+    return LASFile::Open(path, readOnly, false);
+}
+
+/// Every point is in exactly the view that says it holds it, and the views hold nothing else.
+void ExpectWholeCover(const LasPointViews& points) {
+    std::uint64_t next = 0;
+    for (std::uint64_t i = 0; i < points.ViewCount(); ++i) {
+        const LasPointView view = points.Map(i);
+        ASSERT_EQ(view.FirstPoint(), next);
+        if (view.Count() > 0) {
+            ASSERT_EQ(points.ViewOf(view.FirstPoint()), i);
+            ASSERT_EQ(points.ViewOf(view.FirstPoint() + view.Count() - 1), i);
+            ASSERT_EQ(view.Records().size() % view.Count(), 0U);
+        }
+        next += view.Count();
+    }
+    EXPECT_EQ(next, points.PointCount());
+    EXPECT_THROW(points.Map(points.ViewCount()), LDataError);
+}
+
+TEST(LasPointViews, CoverEveryPointOnce) {
+    const TemporaryFolder folder;
+    const std::uint64_t granularity = LasPointViews::Granularity();
+    EXPECT_EQ(granularity, 4 * MappedFile::AllocationGranularity());
+    // About three views; the first record begins at odd places in its view.
+    for (const std::size_t gap : {std::size_t{0}, std::size_t{13}, granularity - 228, granularity}) {
+        const auto count = static_cast<std::size_t>(3 * granularity / 28);
+        const auto file = OpenMapped(
+            folder.Write(L"a.las", LasBuilder(12, 1).AddPoints(count).Gap(std::string(gap, 'g')).Build()));
+        ASSERT_NE(file->Points(), nullptr);
+        EXPECT_EQ(file->Points()->PointCount(), count);
+        ExpectWholeCover(*file->Points());
+        const std::uint64_t point = count - 5;
+        const LasPointView view = file->Points()->Map(file->Points()->ViewOf(point));
+        EXPECT_NEAR(view.Position(point)[2], 100 + 0.01 * static_cast<double>(point), 1e-6);
+        EXPECT_EQ(view.Record(point).size(), 28U);
+        EXPECT_TRUE(view.Record(count).empty());
+        EXPECT_EQ(view.Frame().scale[0], 0.01);
+        EXPECT_EQ(view.Frame().extent.minimum, file->Minimum());
+    }
+}
+
+TEST(LasPointViews, HoldWholeRecordsOfTheFileOnly) {
+    const TemporaryFolder folder;
+    const auto pointsOf = [&](const LasBuilder& builder) {
+        const auto file = OpenMapped(folder.Write(L"a.las", builder.Build()));
+        return file->Points() == nullptr ? -1 : static_cast<std::int64_t>(file->Points()->PointCount());
+    };
+    const LasBuilder ten = LasBuilder(12, 0).AddPoints(10);
+    EXPECT_EQ(pointsOf(ten), 10);
+    EXPECT_EQ(pointsOf(LasBuilder(ten).Cut(227 + 59)), 2);
+    EXPECT_EQ(pointsOf(LasBuilder(ten).Lie<std::uint32_t>(107, 0xFFFFFFFF)), 10);
+    EXPECT_EQ(pointsOf(LasBuilder(ten).Lie<std::uint32_t>(96, 0xFFFFFFFF)), 0);
+    EXPECT_EQ(pointsOf(LasBuilder(ten).Lie<std::uint16_t>(105, 0)), -1);
+    EXPECT_EQ(pointsOf(LasBuilder(12, 0)), 0);
+}
+
+TEST(LasPointViews, TakeRecordsLongerThanAView) {
+    const TemporaryFolder folder;
+    const auto file = OpenMapped(folder.Write(L"a.las", LasBuilder(12, 0)
+                                                            .Append(std::string(5 * 65535, 'p'))
+                                                            .Lie<std::uint16_t>(105, 65535)
+                                                            .Lie<std::uint32_t>(107, 5)
+                                                            .Build()));
+    EXPECT_EQ(file->Points()->PointCount(), 5U);
+    ExpectWholeCover(*file->Points());
+}
+
+TEST(LasPointViews, ReachBeyondFourGigabytes) {
+    const TemporaryFolder folder;
+    constexpr std::uint64_t kPoints = 200'000'000;
+    constexpr std::uint64_t kStart = 375;
+    constexpr std::uint64_t kLength = 30;
+    const std::wstring path = folder.Write(L"large.las", LasBuilder(14, 6).Lie(247, kPoints).Build());
+    std::filesystem::resize_file(ToPath(path), kStart + (kPoints - 1) * kLength);
+    std::ofstream(ToPath(path), std::ios::binary | std::ios::app)
+        << testing::Bytes(std::int32_t{100}, std::int32_t{200}, std::int32_t{300}) + std::string(18, '\0');
+
+    const auto file = OpenMapped(path);
+    ASSERT_EQ(file->Points()->PointCount(), kPoints);
+    const LasPointView view = file->Points()->Map(file->Points()->ViewOf(kPoints - 1));
+    EXPECT_EQ(view.Position(kPoints - 1), (std::array<double, 3>{1, 2, 3}));
+    EXPECT_EQ(view.FirstPoint() + view.Count(), kPoints);
+}
+
+TEST(LasPointViews, EditFilesOpenedReadWrite) {
+    const TemporaryFolder folder;
+    const std::wstring path = folder.Write(L"a.las", LasBuilder(12, 0).AddPoints(3).Build());
+    {
+        const auto file = OpenMapped(path, false);
+        file->Points()->Map(0).Record(1)[0] = std::byte{0x5A};
+    }
+    EXPECT_EQ(testing::ReadFile(path)[227 + 20], 0x5A);
+}
+
+}  // namespace
+}  // namespace orvex
