@@ -4,8 +4,6 @@
 #include <filesystem>
 #include <utility>
 
-#include "las/LasCrs.h"
-#include "raster/GdalSetup.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
@@ -28,10 +26,8 @@ std::int64_t ModifiedMs(const std::wstring& path) {
 
 void DescribeFileCrs(LasInspection& inspection) {
     const LASFile& file = *inspection.file;
-    std::string wkt;
-    if (file.HasProjectionRecords()) {
-        EnsureGdal();
-        wkt = LasWkt(file);
+    const std::string wkt = file.CrsWkt();
+    if (!wkt.empty()) {
         inspection.crs = DescribeCrs(wkt);
     }
     const bool isExpected = file.FindWKT().has_value() || file.FindGeoKeyDirectory().has_value();

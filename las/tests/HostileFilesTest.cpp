@@ -7,11 +7,9 @@
 #include <random>
 
 #include "las/LASFile.h"
-#include "las/LasPointViews.h"
-#include "las/LasText.h"
 #include "las/LasValidate.h"
 #include "las/testing/LasBuilder.h"
-#include "support/LDataError.h"
+#include "las/testing/LasReadAll.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 
@@ -39,35 +37,9 @@ class HostileFiles : public ::testing::Test {
     std::wstring Read(const std::string& bytes, bool readOnly) const {
         // A file that is truncated and written anew goes to the disk when it is closed, which takes long.
         std::filesystem::remove(folder_.Path() / "a.las");
-        return ReadFileAt(folder_.Write(L"a.las", bytes), readOnly);
-    }
-    static std::wstring ReadFileAt(const std::wstring& path, bool readOnly) {
-        try {
-            const auto file = LASFile::Open(path, readOnly, false);
-            std::wstring text = LasVlrText(*file) + LasEvlrText(*file) + LasGpsTimeText(*file);
-            for (const LasFinding& finding : ValidateLas(*file)) {
-                text += finding.text + L"\n";
-            }
-            for (const ExtraBytesAttribute& attribute : file->GetExtraBytes().Attributes()) {
-                text += attribute.name + std::to_wstring(attribute.offset) + L"\n";
-            }
-            text +=
-                std::to_wstring(file->GetPointCount()) + L" " + std::to_wstring(file->GetCompanionStatus());
-            TouchPoints(*file);
-            return text;
-        } catch (const LDataError& error) {
-            EXPECT_FALSE(error.Text().empty());
-            return error.Text();
-        }
-    }
-    static void TouchPoints(const LASFile& file) {
-        if (file.Points() == nullptr || file.Points()->PointCount() == 0) {
-            return;
-        }
-        const std::uint64_t last = file.Points()->PointCount() - 1;
-        const LasPointView view = file.Points()->Map(file.Points()->ViewOf(last));
-        EXPECT_FALSE(view.Record(last).empty());
-        view.Position(last);
+        const std::wstring text = testing::ReadAllOfLas(folder_.Write(L"a.las", bytes), readOnly);
+        EXPECT_FALSE(text.empty());
+        return text;
     }
 
     const testing::TemporaryFolder folder_;
@@ -86,7 +58,6 @@ TEST_F(HostileFiles, EveryTruncation) {
     for (std::size_t length = 0; length < whole.size(); ++length) {
         const std::wstring text = Read(whole.substr(0, length), true);
         Read(whole.substr(0, length), false);
-        EXPECT_FALSE(text.empty()) << length;
         if (length < 227) {
             EXPECT_TRUE(text.starts_with(L"ReadHeaderBlock failed on '")) << length;
         }
@@ -138,7 +109,7 @@ TEST_F(HostileFiles, LiesInASmallFileCostNothing) {
     };
     for (const bool readOnly : {true, false}) {
         for (const LasBuilder& builder : cases) {
-            EXPECT_FALSE(Read(builder.Build(), readOnly).empty());
+            Read(builder.Build(), readOnly);
         }
     }
 }
