@@ -11,7 +11,6 @@
 #include "las/LasCrs.h"
 #include "las/LasPointViews.h"
 #include "las/VlrArea.h"
-#include "raster/GdalSetup.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
@@ -182,11 +181,7 @@ std::array<double, 3> LASFile::Maximum() const {
 }
 
 std::string LASFile::CrsWkt() const {
-    if (!HasProjectionRecords()) {
-        return {};
-    }
-    EnsureGdal();
-    return LasWkt(*this);
+    return ReadLasCrs(*this).wkt;
 }
 
 int LASFile::GetCompanionStatus() const {

@@ -4,9 +4,11 @@
 #include <map>
 #include <mutex>
 #include <tuple>
+#include <utility>
 
 #include "las/LASFile.h"
 #include "orvexcommon/OrvexUtilities.h"
+#include "raster/GdalSetup.h"
 
 namespace orvex {
 namespace {
@@ -27,10 +29,9 @@ std::string WktRecord(const LASFile& file) {
 }
 
 // A folder of tiles shares a few CRSs, and a conversion costs far more than reading a header.
-std::string ConvertGeoKeys(const std::string& directory, const std::string& doubles,
-                           const std::string& text) {
+LasCrs ConvertGeoKeys(const std::string& directory, const std::string& doubles, const std::string& text) {
     static std::mutex lock;
-    static std::map<std::tuple<std::string, std::string, std::string>, std::string> cache;
+    static std::map<std::tuple<std::string, std::string, std::string>, LasCrs> cache;
     auto key = std::make_tuple(directory, doubles, text);
     {
         const std::lock_guard guard(lock);
@@ -38,17 +39,19 @@ std::string ConvertGeoKeys(const std::string& directory, const std::string& doub
             return known->second;
         }
     }
+    EnsureGdal();
     std::string reason;
-    std::string wkt = OrvexUtilities::CrsWktFromGeoKeys(directory, doubles, text, reason);
+    LasCrs crs{OrvexUtilities::CrsWktFromGeoKeys(directory, doubles, text, reason), false};
+    crs.isDamaged = crs.wkt.empty() && !reason.empty();
     const std::lock_guard guard(lock);
     if (cache.size() >= kMostCached) {
         cache.clear();
     }
-    cache.emplace(std::move(key), wkt);
-    return wkt;
+    cache.emplace(std::move(key), crs);
+    return crs;
 }
 
-std::string GeoKeysWkt(const LASFile& file) {
+LasCrs FromGeoKeys(const LASFile& file) {
     const std::string directory = BytesOf(file, kGeoKeyDirectoryRecordId);
     if (directory.empty()) {
         return {};
@@ -58,13 +61,16 @@ std::string GeoKeysWkt(const LASFile& file) {
 
 }  // namespace
 
-std::string LasWkt(const LASFile& file) {
+LasCrs ReadLasCrs(const LASFile& file) {
     const bool isWktFirst = file.Header().HasWktBit() || !file.FindGeoKeyDirectory();
-    std::string wkt = isWktFirst ? WktRecord(file) : GeoKeysWkt(file);
-    if (wkt.empty()) {
-        wkt = isWktFirst ? GeoKeysWkt(file) : WktRecord(file);
+    const auto fromWkt = [&file] { return LasCrs{WktRecord(file), false}; };
+    LasCrs crs = isWktFirst ? fromWkt() : FromGeoKeys(file);
+    if (!crs.wkt.empty()) {
+        return crs;
     }
-    return wkt;
+    LasCrs other = isWktFirst ? FromGeoKeys(file) : fromWkt();
+    other.isDamaged = other.wkt.empty() && (other.isDamaged || crs.isDamaged);
+    return other;
 }
 
 }  // namespace orvex

@@ -5,9 +5,15 @@ namespace orvex {
 
 class LASFile;
 
-/// The CRS of a file as WKT (UTF-8); empty when it has none or none that can be read. The WKT record holds it
-/// when the header's WKT bit is set or there are no GeoKeys, else the GeoKeys do; where the one that should
-/// hold it says nothing, the other is asked. Safe from any thread; equal GeoKeys are converted once.
-std::string LasWkt(const LASFile& file);
+/// What the projection records of a file say.
+struct LasCrs {
+    std::string wkt;         ///< UTF-8; empty when there is no CRS or none that can be read
+    bool isDamaged = false;  ///< there are records that should say a CRS, but nothing can be made of them
+};
+
+/// The CRS of a file. The WKT record holds it when the header's WKT bit is set or there are no GeoKeys, else
+/// the GeoKeys do; where the one that should hold it says nothing, the other is asked. Sets GDAL up when
+/// there are GeoKeys. Safe from any thread; equal GeoKeys are converted once.
+LasCrs ReadLasCrs(const LASFile& file);
 
 }  // namespace orvex

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "las/LasCrs.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
@@ -26,14 +27,17 @@ std::int64_t ModifiedMs(const std::wstring& path) {
 
 void DescribeFileCrs(LasInspection& inspection) {
     const LASFile& file = *inspection.file;
-    const std::string wkt = file.CrsWkt();
-    if (!wkt.empty()) {
-        inspection.crs = DescribeCrs(wkt);
+    if (!file.HasProjectionRecords()) {
+        return;
     }
-    const bool isExpected = file.FindWKT().has_value() || file.FindGeoKeyDirectory().has_value();
-    if (isExpected && (wkt.empty() || inspection.crs->name.empty())) {
+    const LasCrs crs = ReadLasCrs(file);
+    inspection.crs = DescribeCrs(crs.wkt);
+    if (crs.isDamaged || (!crs.wkt.empty() && inspection.crs->name.empty())) {
         inspection.findings.push_back(
             {LasFindingCode::CrsUnreadable, LasSeverity::Warning, kVlrCountAt, Text(40122_lsid)});
+    } else if (crs.wkt.empty()) {
+        inspection.findings.push_back(
+            {LasFindingCode::NoCrs, LasSeverity::Note, kVlrCountAt, Text(40121_lsid)});
     }
 }
 

@@ -188,8 +188,8 @@ class Validator {
     void CheckPointsAgainstSize(std::uint64_t count, std::uint64_t bytes) {
         const std::uint64_t held = bytes / header_.PointRecordLength();
         if (held < count) {
-            Add(LasFindingCode::PointsTruncated, LasSeverity::Error, header_.OffsetToPoints(), 40101_lsid,
-                {count - held, count, held});
+            Add(LasFindingCode::PointsTruncated, LasSeverity::Error, header_.OffsetToPoints(),
+                count - held == 1 ? 40124_lsid : 40101_lsid, {count - held, count, held});
             return;
         }
         const std::uint64_t end = header_.OffsetToPoints() + count * header_.PointRecordLength();
