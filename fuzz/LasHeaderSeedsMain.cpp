@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "fuzz/las_header_seeds.h"
+#include "fuzz/LasHeaderSeeds.h"
 
 int main(int argc, char** argv) {
     if (argc != 2) {

@@ -1,4 +1,4 @@
-#include "fuzz/las_header_seeds.h"
+#include "fuzz/LasHeaderSeeds.h"
 
 #include <cstdint>
 
