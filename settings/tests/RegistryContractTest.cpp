@@ -58,7 +58,7 @@ class RegistryContract : public ::testing::Test {
     static std::string Get(const RegistryKey& key, const std::wstring& name, RegistryType type) {
         std::vector<std::byte> data{std::byte{'?'}};
         const RegistryStatus status = key.Query(name, type, data);
-        const std::string text(reinterpret_cast<const char*>(data.data()), data.size());
+        std::string text(reinterpret_cast<const char*>(data.data()), data.size());
         if (status != RegistryStatus::Ok) {
             EXPECT_EQ(text, "?") << "touched without a value";
             return "#" + std::to_string(static_cast<int>(status));

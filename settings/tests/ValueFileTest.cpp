@@ -259,9 +259,9 @@ TEST_F(ValueFileTest, ProcessesThatWriteAtOnceLoseNothing) {
 
 TEST_F(ValueFileTest, ProcessesThatFindTheSameDamageKeepOneCopyAndAllNewValues) {
     std::ofstream(path_, std::ios::binary) << std::string(4096, 'd');
-    std::vector<pid_t> writers;
-    for (int writer = 0; writer < 6; ++writer) {
-        writers.push_back(InChild([&] { return Put(file_, std::to_wstring(writer), "new") ? 0 : 1; }));
+    std::vector<pid_t> writers(6);
+    for (std::size_t writer = 0; writer < writers.size(); ++writer) {
+        writers[writer] = InChild([&] { return Put(file_, std::to_wstring(writer), "new") ? 0 : 1; });
     }
     for (const pid_t writer : writers) {
         EXPECT_EQ(ExitCodeOf(writer), 0);
