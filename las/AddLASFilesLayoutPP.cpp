@@ -30,7 +30,9 @@ using namespace las_control;
 
 namespace {
 
-constexpr int kUsualPaneHeight = 210;
+constexpr int kUsualPaneHeight = 250;
+// Below this height of the page the grid needs all that the options leave.
+constexpr int kRoomForPane = 440;
 
 QPushButton* MakeButton(int id, StringId caption, StringId tooltip, ButtonImage image) {
     auto* button = MakeControl<QPushButton>(id, caption, tooltip);
@@ -54,7 +56,6 @@ AddLASFilesPP::AddLASFilesPP(const PageContext& context, QWidget* parent)
       services_(context.services),
       params_(*context.params),
       progress_(context.progress),
-      images_(context.images),
       store_(*context.params),
       adder_(MakeLasFileAdder()),
       model_(new AddLASFilesModel(this)),
@@ -64,12 +65,13 @@ AddLASFilesPP::AddLASFilesPP(const PageContext& context, QWidget* parent)
       splitter_(new QSplitter(Qt::Vertical)) {
     setAcceptDrops(true);
     BuildLayout();
+    grid_->SetIcons(context.images);
     RunGuarded(services_.prompts, L"InitializeColumns", [this] { InitializeColumns(); });
     ReadOptions();
     OnDetailColumns();
-    RestorePane();
     ConnectButtons();
     ConnectGroups();
+    RestorePane();
     EnableItems();
 }
 
@@ -80,7 +82,8 @@ void AddLASFilesPP::BuildLayout() {
     layout->addWidget(MakeButtonRow());
     MakeSplitter();
     layout->addWidget(splitter_, 1);
-    layout->addWidget(new LasOptionsPanel(optionGroups_));
+    optionsPanel_ = new LasOptionsPanel(optionGroups_);
+    layout->addWidget(optionsPanel_);
 }
 
 QWidget* AddLASFilesPP::MakeButtonRow() {
@@ -118,7 +121,6 @@ void AddLASFilesPP::MakeSplitter() {
 }
 
 void AddLASFilesPP::InitializeColumns() {
-    grid_->SetIcons(images_);
     grid_->SetEmptyText(ToQString(Text(40674_lsid)));
     grid_->SetModel(model_);
 }
@@ -155,13 +157,13 @@ void AddLASFilesPP::ConnectGroups() {
     connect(grid_, &GridView::SelectionChanged, this, enable);
     connect(grid_, &GridView::SelectionChanged, this, details);
     connect(details_, &LasDetailsPanel::PaletteChanged, this, details);
-    connect(details_, &LasDetailsPanel::FoldedChanged, this, &AddLASFilesPP::PaneFolded);
+    connect(details_, &LasDetailsPanel::BodyShownChanged, this, &AddLASFilesPP::PaneShown);
 }
 
-void AddLASFilesPP::PaneFolded(bool folded) {
-    if (folded) {
-        paneHeight_ = details_->height();
-        details_->setMaximumHeight(details_->sizeHint().height());
+void AddLASFilesPP::PaneShown(bool shown) {
+    if (!shown) {
+        paneHeight_ = splitter_->sizes().last();
+        details_->setMaximumHeight(details_->minimumSizeHint().height());
         return;
     }
     details_->setMaximumHeight(QWIDGETSIZE_MAX);
@@ -169,20 +171,24 @@ void AddLASFilesPP::PaneFolded(bool folded) {
     splitter_->setSizes({all - paneHeight_, paneHeight_});
 }
 
+void AddLASFilesPP::resizeEvent(QResizeEvent* event) {
+    AddFilesPage::resizeEvent(event);
+    details_->SetCrowded(height() < kRoomForPane);
+    optionsPanel_->SetMostHeight(height() * 2 / 5);
+}
+
 void AddLASFilesPP::RestorePane() {
     const LasPaneState state = ReadLasPaneState(services_.options);
-    paneHeight_ = state.height > 0 ? state.height : kUsualPaneHeight;
-    splitter_->setSizes({2 * paneHeight_, paneHeight_});
-    if (state.folded) {
-        details_->SetFolded(true);
-        details_->setMaximumHeight(details_->sizeHint().height());
-    }
+    const int height = state.height > 0 ? state.height : kUsualPaneHeight;
+    details_->SetFolded(state.folded);
+    splitter_->setSizes({2 * height, height});
+    paneHeight_ = height;
 }
 
 void AddLASFilesPP::SavePane() const {
-    const bool folded = details_->IsFolded();
-    const bool wasLaidOut = splitter_->isVisible() || splitter_->testAttribute(Qt::WA_WState_Created);
-    SaveLasPaneState(services_.options, {folded, folded || !wasLaidOut ? paneHeight_ : details_->height()});
+    const bool shown = details_->IsBodyShown() && isVisible();
+    SaveLasPaneState(services_.options,
+                     {details_->IsFolded(), shown ? splitter_->sizes().last() : paneHeight_});
 }
 
 }  // namespace orvex

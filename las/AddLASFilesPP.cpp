@@ -26,6 +26,7 @@ namespace orvex {
 
 AddLASFilesPP::~AddLASFilesPP() {
     SavePane();
+    disconnect(grid_, nullptr, this, nullptr);
     grid_->SetModel(nullptr);
     model_->Change([this](std::vector<LasRow>& rows) { store_.HandOver(rows); });
 }

@@ -16,6 +16,7 @@ namespace orvex {
 class AddLASFilesModel;
 class GridView;
 class LasDetailsPanel;
+class LasOptionsPanel;
 class LasOptionsWidget;
 
 /// The LAS files page. Every control is named "c" and its id.
@@ -38,12 +39,12 @@ class AddLASFilesPP final : public AddFilesPage {
   protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     void BuildLayout();
     QWidget* MakeButtonRow();
     void MakeSplitter();
-    QWidget* MakeOptionsArea();
     void InitializeColumns();
     void ConnectButtons();
     void ConnectGroups();
@@ -58,7 +59,7 @@ class AddLASFilesPP final : public AddFilesPage {
     void OnHelp();
     void EnableItems();
     void ShowDetails();
-    void PaneFolded(bool folded);
+    void PaneShown(bool shown);
 
     void AddFound(std::vector<std::wstring> paths, bool recursive);
     void AddFiles(std::vector<std::wstring> paths);
@@ -74,7 +75,6 @@ class AddLASFilesPP final : public AddFilesPage {
     DialogServices services_;
     AddFilesParams& params_;
     DialogProgress& progress_;
-    const std::vector<QIcon>& images_;
     LasPageStore store_;
     FileAdder<LasInspection> adder_;
     LasPageOptions options_;
@@ -82,6 +82,7 @@ class AddLASFilesPP final : public AddFilesPage {
     AddLASFilesModel* model_;
     GridView* grid_;
     LasOptionsWidget* optionGroups_;
+    LasOptionsPanel* optionsPanel_ = nullptr;
     LasDetailsPanel* details_;
     QSplitter* splitter_;
     QPushButton* detailColumns_ = nullptr;

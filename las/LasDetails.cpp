@@ -20,16 +20,12 @@ struct SectionColumns {
 const std::vector<SectionColumns>& Sections() {
     static const std::vector<SectionColumns> sections{
         {40636_lsid,
-         {LasColumn::Folder, LasColumn::Size, LasColumn::Modified, LasColumn::Version, LasColumn::Compressed,
+         {LasColumn::Size, LasColumn::Modified, LasColumn::Version, LasColumn::Compressed,
           LasColumn::Companion, LasColumn::Layer}},
         {40637_lsid,
          {LasColumn::Points, LasColumn::PointFormat, LasColumn::Attributes, LasColumn::RecordLength,
           LasColumn::ExtraBytes, LasColumn::GpsTime, LasColumn::PointsByReturn, LasColumn::Density,
           LasColumn::Spacing}},
-        {40638_lsid,
-         {LasColumn::MinimumX, LasColumn::MaximumX, LasColumn::MinimumY, LasColumn::MaximumY,
-          LasColumn::MinimumZ, LasColumn::MaximumZ, LasColumn::ScaleX, LasColumn::ScaleY, LasColumn::ScaleZ,
-          LasColumn::OffsetX, LasColumn::OffsetY, LasColumn::OffsetZ}},
         {40639_lsid,
          {LasColumn::SystemId, LasColumn::Software, LasColumn::Created, LasColumn::SourceId,
           LasColumn::ProjectId, LasColumn::GlobalEncoding, LasColumn::Waveform, LasColumn::HeaderSize,
@@ -69,6 +65,29 @@ std::wstring RecordsBlock(StringId title, const std::wstring& text) {
            (text.empty() ? Text(40651_lsid) + L"\n" : text);
 }
 
+std::wstring Joined(const LasRow& row, LasColumn first, const wchar_t* separator,
+                    std::initializer_list<int> steps) {
+    std::wstring text;
+    for (const int step : steps) {
+        const std::wstring cell = LasCellText(row, static_cast<LasColumn>(IndexOf(first) + step));
+        text += (text.empty() ? L"" : separator) + (cell.empty() ? L"?" : cell);
+    }
+    return text;
+}
+
+LasDetailSection ExtentSection(const LasRow& row) {
+    constexpr int kToMaximum = IndexOf(LasColumn::MaximumX) - IndexOf(LasColumn::MinimumX);
+    constexpr const wchar_t* kTo = L" \u2013 ";
+    LasDetailSection section{40638_lsid, {}};
+    AddField(section.fields, 40660_lsid, Joined(row, LasColumn::MinimumX, kTo, {0, kToMaximum}));
+    AddField(section.fields, 40661_lsid, Joined(row, LasColumn::MinimumY, kTo, {0, kToMaximum}));
+    AddField(section.fields, 40662_lsid, Joined(row, LasColumn::MinimumZ, kTo, {0, kToMaximum}));
+    AddField(section.fields, 40663_lsid, Joined(row, LasColumn::ScaleX, L" / ", {0, 1, 2}));
+    AddField(section.fields, 40664_lsid, Joined(row, LasColumn::OffsetX, L" / ", {0, 1, 2}));
+    AddField(section.fields, 40559_lsid, LasCellText(row, LasColumn::Units));
+    return section;
+}
+
 }  // namespace
 
 std::vector<LasDetailSection> LasOverview(const LasRow& row) {
@@ -85,6 +104,11 @@ std::vector<LasDetailSection> LasOverview(const LasRow& row) {
         if (!shown.fields.empty()) {
             sections.push_back(std::move(shown));
         }
+    }
+    if (row.inspection.file != nullptr) {
+        sections.insert(
+            sections.begin() + static_cast<std::ptrdiff_t>(std::min<std::size_t>(2, sections.size())),
+            ExtentSection(row));
     }
     return sections;
 }
@@ -148,7 +172,7 @@ LasTotals TotalsOf(std::span<const LasRow> rows, std::span<const std::size_t> re
 
 LasDetailSection TotalsSection(const LasTotals& totals) {
     const auto count = [](std::size_t number) { return number == 0 ? L"" : std::to_wstring(number); };
-    LasDetailSection section{40636_lsid, {}};
+    LasDetailSection section{40665_lsid, {}};
     auto& fields = section.fields;
     AddField(fields, 40652_lsid, std::to_wstring(totals.files));
     AddField(fields, 40552_lsid, FormatText(L"%.2f", {static_cast<double>(totals.bytes) * 1e-6}));

@@ -46,10 +46,10 @@ QString FieldsHtml(std::span<const LasDetailField> fields, const QString& captio
 }
 
 QString SectionsHtml(std::span<const LasDetailSection> sections, const QString& captionColour) {
-    QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"0\"><tr>");
+    QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"0\" style=\"margin-top:8px\"><tr>");
     for (const LasDetailSection& section : sections) {
         html += QStringLiteral(
-                    "<td style=\"padding-right:28px\"><p style=\"margin-bottom:3px\"><b>%1</b></p>%2</td>")
+                    "<td style=\"padding-right:20px\"><p style=\"margin-bottom:3px\"><b>%1</b></p>%2</td>")
                     .arg(Escaped(Text(section.title)), FieldsHtml(section.fields, captionColour));
     }
     return html + QStringLiteral("</tr></table>");

@@ -33,15 +33,20 @@ QTextEdit* MakeTextView(const char* name) {
     return view;
 }
 
-/// The colour of what explains a value, also readable in dark themes.
+/// The colour of what explains a value: two thirds of the way from the background to the text, so that it
+/// can be read in light and dark themes.
 QString CaptionColour(const QWidget& widget) {
-    return widget.palette().color(QPalette::Disabled, QPalette::Text).name();
+    const QColor text = widget.palette().color(QPalette::Text);
+    const QColor base = widget.palette().color(QPalette::Base);
+    const auto mix = [](int a, int b) { return (2 * a + b) / 3; };
+    return QColor(mix(text.red(), base.red()), mix(text.green(), base.green()), mix(text.blue(), base.blue()))
+        .name();
 }
 
 }  // namespace
 
-LasDetailsPanel::LasDetailsPanel(const std::vector<QIcon>& images, QWidget* parent)
-    : QWidget(parent), images_(images) {
+LasDetailsPanel::LasDetailsPanel(std::vector<QIcon> images, QWidget* parent)
+    : QWidget(parent), images_(std::move(images)) {
     setObjectName(QStringLiteral("detailsPane"));
     overview_ = MakeTextView("detailsOverview");
     overview_->setLineWrapMode(QTextEdit::NoWrap);
@@ -73,8 +78,6 @@ QWidget* LasDetailsPanel::MakeTitle() {
     fold_ = new QToolButton;
     fold_->setObjectName(QStringLiteral("detailsFold"));
     fold_->setAutoRaise(true);
-    fold_->setCheckable(true);
-    fold_->setChecked(true);
     fold_->setArrowType(Qt::DownArrow);
     fold_->setToolTip(ToQString(Text(40657_lsid)));
     fold_->setWhatsThis(fold_->toolTip());
@@ -86,22 +89,27 @@ QWidget* LasDetailsPanel::MakeTitle() {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(fold_);
     layout->addWidget(title_, 1);
-    connect(fold_, &QToolButton::toggled, this, [this](bool shown) { SetFolded(!shown); });
+    connect(fold_, &QToolButton::clicked, this, [this] { SetFolded(!IsFolded()); });
     return row;
 }
 
-bool LasDetailsPanel::IsFolded() const {
-    return tabs_->isHidden();
+void LasDetailsPanel::SetFolded(bool folded) {
+    folded_ = folded;
+    ShowBody();
 }
 
-void LasDetailsPanel::SetFolded(bool folded) {
-    if (folded == IsFolded()) {
-        return;
+void LasDetailsPanel::SetCrowded(bool crowded) {
+    crowded_ = crowded;
+    ShowBody();
+}
+
+void LasDetailsPanel::ShowBody() {
+    fold_->setEnabled(!crowded_);
+    fold_->setArrowType(IsBodyShown() ? Qt::DownArrow : Qt::RightArrow);
+    if (tabs_->isHidden() == IsBodyShown()) {
+        tabs_->setVisible(IsBodyShown());
+        emit BodyShownChanged(IsBodyShown());
     }
-    tabs_->setVisible(!folded);
-    fold_->setChecked(!folded);
-    fold_->setArrowType(folded ? Qt::RightArrow : Qt::DownArrow);
-    emit FoldedChanged(folded);
 }
 
 void LasDetailsPanel::ShowRows(std::span<const LasRow> rows, std::span<const std::size_t> records) {
@@ -123,7 +131,7 @@ void LasDetailsPanel::ShowNothing() {
 
 void LasDetailsPanel::ShowOne(const LasRow& row) {
     const QString colour = CaptionColour(*overview_);
-    SetTitle(FileNameOf(row.inspection.path));
+    SetTitle(row.inspection.path);
     SetOverview(FindingsHtml(row) + SectionsHtml(LasOverview(row), colour));
     const std::vector<LasDetailField> fields = LasCrsFields(row);
     crs_->setHtml(fields.empty()
@@ -143,6 +151,7 @@ void LasDetailsPanel::ShowTotals(const LasTotals& totals) {
 void LasDetailsPanel::SetTitle(const std::wstring& title) {
     const std::wstring text = Text(40630_lsid) + (title.empty() ? L"" : L": " + title);
     title_->setText(ToQString(text));
+    title_->setToolTip(ToQString(title));
 }
 
 void LasDetailsPanel::SetOverview(const QString& html) {

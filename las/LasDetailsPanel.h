@@ -21,16 +21,20 @@ class LasDetailsPanel final : public QWidget {
 
   public:
     /// `images`: the dialog's image list.
-    explicit LasDetailsPanel(const std::vector<QIcon>& images, QWidget* parent = nullptr);
+    explicit LasDetailsPanel(std::vector<QIcon> images, QWidget* parent = nullptr);
 
     /// `records`: what is selected, as indices into `rows`; nothing is kept of them.
     void ShowRows(std::span<const LasRow> rows, std::span<const std::size_t> records);
 
-    bool IsFolded() const;
+    /// What the user chose; a crowded pane shows only its title all the same.
+    bool IsFolded() const { return folded_; }
     void SetFolded(bool folded);
+    /// The window has no room for the pane.
+    void SetCrowded(bool crowded);
+    bool IsBodyShown() const { return !folded_ && !crowded_; }
 
   signals:
-    void FoldedChanged(bool folded);
+    void BodyShownChanged(bool shown);
     void PaletteChanged();  ///< the colours of what is shown are out of date
 
   protected:
@@ -44,7 +48,11 @@ class LasDetailsPanel final : public QWidget {
     void SetTitle(const std::wstring& title);
     void SetOverview(const QString& html);
 
-    const std::vector<QIcon>& images_;
+    void ShowBody();
+
+    std::vector<QIcon> images_;
+    bool folded_ = false;
+    bool crowded_ = false;
     QToolButton* fold_ = nullptr;
     QLabel* title_ = nullptr;
     QTabWidget* tabs_ = nullptr;

@@ -2,13 +2,13 @@
 
 #include <QEvent>
 #include <QScrollBar>
+#include <algorithm>
 
 namespace orvex {
 
 LasOptionsPanel::LasOptionsPanel(QWidget* content, QWidget* parent) : QScrollArea(parent) {
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
-    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     setFocusPolicy(Qt::NoFocus);
     setWidget(content);
@@ -16,6 +16,11 @@ LasOptionsPanel::LasOptionsPanel(QWidget* content, QWidget* parent) : QScrollAre
     viewport()->setAutoFillBackground(false);
     content->setAutoFillBackground(false);
     content->installEventFilter(this);
+    FitHeight();
+}
+
+void LasOptionsPanel::SetMostHeight(int pixels) {
+    mostHeight_ = pixels;
     FitHeight();
 }
 
@@ -41,7 +46,9 @@ bool LasOptionsPanel::eventFilter(QObject* watched, QEvent* event) {
 
 int LasOptionsPanel::WantedHeight() const {
     const bool scrolls = widget()->minimumSizeHint().width() > width();
-    return widget()->sizeHint().height() + (scrolls ? horizontalScrollBar()->sizeHint().height() : 0);
+    const int all =
+        widget()->sizeHint().height() + (scrolls ? horizontalScrollBar()->sizeHint().height() : 0);
+    return std::min(all, mostHeight_);
 }
 
 void LasOptionsPanel::FitHeight() {

@@ -3,12 +3,16 @@
 
 namespace orvex {
 
-/// Shows a row of options at its full height; where the window is too narrow for it, it scrolls sideways.
+/// Shows a row of options at its full height, or at most a given one. What the window has no room
+/// for is reached by scrolling.
 class LasOptionsPanel final : public QScrollArea {
     Q_OBJECT
 
   public:
     explicit LasOptionsPanel(QWidget* content, QWidget* parent = nullptr);
+
+    /// Pixels that the row may take.
+    void SetMostHeight(int pixels);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -20,6 +24,8 @@ class LasOptionsPanel final : public QScrollArea {
   private:
     int WantedHeight() const;
     void FitHeight();
+
+    int mostHeight_ = QWIDGETSIZE_MAX;
 };
 
 }  // namespace orvex

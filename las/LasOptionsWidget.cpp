@@ -28,11 +28,17 @@ QRadioButton* AddRadio(QButtonGroup* group, int value, int id, StringId caption,
     return button;
 }
 
-QGroupBox* MakeGroup(int id, StringId caption, std::initializer_list<QWidget*> column) {
+constexpr QMargins kGroupMargins{8, 4, 8, 4};
+constexpr int kRowSpacing = 4;
+
+/// A group whose controls stand in a row or below each other.
+QGroupBox* MakeGroup(int id, StringId caption, QBoxLayout::Direction direction,
+                     std::initializer_list<QWidget*> controls) {
     auto* group = MakeControl<QGroupBox>(id, caption);
-    auto* layout = new QVBoxLayout(group);
-    layout->setSpacing(2);
-    for (QWidget* widget : column) {
+    auto* layout = new QBoxLayout(direction, group);
+    layout->setContentsMargins(kGroupMargins);
+    layout->setSpacing(direction == QBoxLayout::LeftToRight ? 12 : kRowSpacing);
+    for (QWidget* widget : controls) {
         layout->addWidget(widget);
     }
     layout->addStretch();
@@ -54,8 +60,10 @@ LasOptionsWidget::LasOptionsWidget(QWidget* parent)
       backup_(new QButtonGroup(this)) {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(MakeOpenGroup());
-    layout->addWidget(MakeLoadGroup());
+    auto* modes = new QVBoxLayout;
+    modes->addWidget(MakeOpenGroup());
+    modes->addWidget(MakeLoadGroup());
+    layout->addLayout(modes);
     layout->addWidget(MakeOptionsGroup());
     layout->addWidget(MakePyramidGroup());
     layout->addStretch();
@@ -75,13 +83,13 @@ LasOptionsWidget::LasOptionsWidget(QWidget* parent)
 }
 
 QGroupBox* LasOptionsWidget::MakeOpenGroup() {
-    return MakeGroup(kOpenGroup, 13467_lsid,
+    return MakeGroup(kOpenGroup, 13467_lsid, QBoxLayout::TopToBottom,
                      {AddRadio(openMode_, 0, kReadOnly, 13469_lsid, 40679_lsid),
                       AddRadio(openMode_, 1, kReadWrite, 13470_lsid, 40680_lsid)});
 }
 
 QGroupBox* LasOptionsWidget::MakeLoadGroup() {
-    return MakeGroup(kLoadGroup, 41000_lsid,
+    return MakeGroup(kLoadGroup, 41000_lsid, QBoxLayout::TopToBottom,
                      {AddRadio(loadMode_, 0, kLoadFiles, 41001_lsid, 40681_lsid),
                       AddRadio(loadMode_, 1, kFootprints, 41002_lsid, 40682_lsid)});
 }
@@ -90,33 +98,38 @@ QGroupBox* LasOptionsWidget::MakeOptionsGroup() {
     append_ = MakeControl<QCheckBox>(kAppend, 13658_lsid, 13487_lsid);
     ignoreCrs_ = MakeControl<QCheckBox>(kIgnoreCrs, 3256_lsid, 13659_lsid);
     loadCorrupt_ = MakeControl<QCheckBox>(kLoadCorrupt, 41004_lsid, 41016_lsid);
-    return MakeGroup(kOptionsGroup, 41003_lsid, {append_, ignoreCrs_, loadCorrupt_});
+    return MakeGroup(kOptionsGroup, 41003_lsid, QBoxLayout::TopToBottom, {append_, ignoreCrs_, loadCorrupt_});
 }
 
 QGroupBox* LasOptionsWidget::MakePyramidGroup() {
-    auto* group = MakeControl<QGroupBox>(kPyramidGroup, 13475_lsid);
-    auto* layout = new QGridLayout(group);
-    layout->setVerticalSpacing(2);
-    auto* types = new QHBoxLayout;
-    types->addWidget(
-        AddRadio(pyramidType_, ValueOf(LasPyramidType::OrvexLas), kPyramidOrvexLas, 41005_lsid, 3379_lsid));
-    types->addWidget(
-        AddRadio(pyramidType_, ValueOf(LasPyramidType::Qvr), kPyramidQvr, 41006_lsid, 3380_lsid));
-    types->addWidget(
-        AddRadio(pyramidType_, ValueOf(LasPyramidType::None), kPyramidNone, 41007_lsid, 3381_lsid));
-    types->addStretch();
-    layout->addLayout(types, 0, 0, 1, 2);
     convertQvr_ = MakeControl<QCheckBox>(kConvertQvr, 41008_lsid, 40683_lsid);
-    layout->addWidget(convertQvr_, 1, 0, 1, 2);
     reCreate_ = MakeControl<QCheckBox>(kReCreate, 41013_lsid, 41014_lsid);
-    layout->addWidget(reCreate_, 2, 0);
-    AddThinning(layout);
-    layout->addWidget(MakeOriginalsGroup(), 0, 2, 3, 1);
-    layout->setRowStretch(3, 1);
+    auto* group = MakeControl<QGroupBox>(kPyramidGroup, 13475_lsid);
+    auto* layout = new QVBoxLayout(group);
+    layout->setContentsMargins(kGroupMargins);
+    layout->setSpacing(kRowSpacing);
+    layout->addLayout(MakePyramidRow());
+    layout->addWidget(convertQvr_);
+    layout->addWidget(reCreate_);
+    layout->addWidget(MakeOriginalsGroup());
     return group;
 }
 
-void LasOptionsWidget::AddThinning(QGridLayout* layout) {
+QHBoxLayout* LasOptionsWidget::MakePyramidRow() {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(12);
+    const auto add = [&](LasPyramidType type, int id, StringId caption, StringId tooltip) {
+        row->addWidget(AddRadio(pyramidType_, ValueOf(type), id, caption, tooltip));
+    };
+    add(LasPyramidType::OrvexLas, kPyramidOrvexLas, 41005_lsid, 3379_lsid);
+    add(LasPyramidType::Qvr, kPyramidQvr, 41006_lsid, 3380_lsid);
+    add(LasPyramidType::None, kPyramidNone, 41007_lsid, 3381_lsid);
+    row->addStretch();
+    AddThinning(row);
+    return row;
+}
+
+void LasOptionsWidget::AddThinning(QHBoxLayout* row) {
     auto* caption = MakeControl<QLabel>(kThinningCaption, 13472_lsid, 41017_lsid);
     thinning_ = MakeControl<QLineEdit>(kThinning, {}, 41017_lsid);
     thinning_->setMaxLength(kThinningDigits);
@@ -125,16 +138,13 @@ void LasOptionsWidget::AddThinning(QGridLayout* layout) {
         new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]*")), thinning_));
     thinning_->setFixedWidth(thinning_->fontMetrics().horizontalAdvance(QStringLiteral("000000")) + 16);
     caption->setBuddy(thinning_);
-    auto* row = new QHBoxLayout;
-    row->addStretch();
     row->addWidget(caption);
     row->addWidget(thinning_);
-    layout->addLayout(row, 2, 1);
 }
 
 QGroupBox* LasOptionsWidget::MakeOriginalsGroup() {
     return MakeGroup(
-        kOriginalsGroup, 41009_lsid,
+        kOriginalsGroup, 41009_lsid, QBoxLayout::LeftToRight,
         {AddRadio(backup_, ValueOf(LasBackupOption::Overwrite), kOverwrite, 41010_lsid, 40684_lsid),
          AddRadio(backup_, ValueOf(LasBackupOption::Backup), kBackup, 41011_lsid, 40685_lsid),
          AddRadio(backup_, ValueOf(LasBackupOption::BackupAndCompress), kBackupCompress, 41012_lsid,

@@ -7,9 +7,8 @@
 class QButtonGroup;
 class QCheckBox;
 class QGroupBox;
-class QGridLayout;
+class QHBoxLayout;
 class QLineEdit;
-class QRadioButton;
 
 namespace orvex {
 
@@ -38,7 +37,8 @@ class LasOptionsWidget final : public QWidget {
     QGroupBox* MakeOptionsGroup();
     QGroupBox* MakePyramidGroup();
     QGroupBox* MakeOriginalsGroup();
-    void AddThinning(QGridLayout* layout);
+    QHBoxLayout* MakePyramidRow();
+    void AddThinning(QHBoxLayout* row);
 
     QButtonGroup* openMode_;
     QButtonGroup* loadMode_;
