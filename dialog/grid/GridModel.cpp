@@ -14,23 +14,6 @@ namespace {
 // Removing many scattered rows one range at a time costs the views a pass over all rows each.
 constexpr std::size_t kMostSeparateRanges = 32;
 
-struct RowRange {
-    int first;
-    int last;
-};
-
-std::vector<RowRange> RangesOf(const std::vector<int>& ascending) {
-    std::vector<RowRange> ranges;
-    for (const int row : ascending) {
-        if (!ranges.empty() && ranges.back().last + 1 == row) {
-            ranges.back().last = row;
-        } else {
-            ranges.push_back({row, row});
-        }
-    }
-    return ranges;
-}
-
 std::wstring DateText(std::int64_t time, const wchar_t* format) {
     const QDateTime local = QDateTime::fromMSecsSinceEpoch(time);
     const QString pattern = QString::fromWCharArray(format);
@@ -302,39 +285,50 @@ void GridModel::AppendRecords(std::size_t count, const std::function<void()>& ap
     emit RecordsChanged();
 }
 
-void GridModel::EraseRows(int first, int last) {
-    order_.erase(order_.begin() + first, order_.begin() + last + 1);
+void GridModel::EraseRows(RowRange range) {
+    order_.erase(order_.begin() + range.first, order_.begin() + range.last + 1);
     rows_.clear();
+}
+
+std::vector<GridModel::RowRange> GridModel::RangesToRemove(const std::vector<std::size_t>& records) {
+    std::vector<int> rows;
+    rows.reserve(records.size());
+    std::transform(records.begin(), records.end(), std::back_inserter(rows),
+                   [this](std::size_t record) { return RowOfRecord(record); });
+    std::sort(rows.begin(), rows.end());
+    std::vector<RowRange> ranges;
+    for (const int row : rows) {
+        if (!ranges.empty() && ranges.back().last + 1 == row) {
+            ranges.back().last = row;
+        } else {
+            ranges.push_back({row, row});
+        }
+    }
+    if (ranges.size() <= kMostSeparateRanges) {
+        return ranges;
+    }
+    Reorder([this, &records] {
+        std::stable_partition(order_.begin(), order_.end(), [&records](std::uint32_t record) {
+            return !std::binary_search(records.begin(), records.end(), record);
+        });
+    });
+    return {{rowCount() - static_cast<int>(records.size()), rowCount() - 1}};
 }
 
 void GridModel::RemoveRecords(const std::vector<std::size_t>& records, const std::function<void()>& remove) {
     if (records.empty()) {
         return;
     }
-    std::vector<int> rows;
-    rows.reserve(records.size());
-    std::transform(records.begin(), records.end(), std::back_inserter(rows),
-                   [this](std::size_t record) { return RowOfRecord(record); });
-    std::sort(rows.begin(), rows.end());
-    std::vector<RowRange> ranges = RangesOf(rows);
-    if (ranges.size() > kMostSeparateRanges) {
-        Reorder([this, &records] {
-            std::stable_partition(order_.begin(), order_.end(), [&records](std::uint32_t record) {
-                return !std::binary_search(records.begin(), records.end(), record);
-            });
-        });
-        ranges = {{rowCount() - static_cast<int>(records.size()), rowCount() - 1}};
-    }
     // The records stay in the storage, under their numbers, until the last range goes: whoever listens to
     // rows on their way out can still read the others.
-    while (ranges.size() > 1) {
+    std::vector<RowRange> ranges = RangesToRemove(records);
+    for (; ranges.size() > 1; ranges.pop_back()) {
         beginRemoveRows({}, ranges.back().first, ranges.back().last);
-        EraseRows(ranges.back().first, ranges.back().last);
+        EraseRows(ranges.back());
         endRemoveRows();
-        ranges.pop_back();
     }
     beginRemoveRows({}, ranges.front().first, ranges.front().last);
-    EraseRows(ranges.front().first, ranges.front().last);
+    EraseRows(ranges.front());
     remove();
     for (std::uint32_t& record : order_) {
         const auto gone = std::lower_bound(records.begin(), records.end(), record) - records.begin();
@@ -344,7 +338,6 @@ void GridModel::RemoveRecords(const std::vector<std::size_t>& records, const std
         keys_.Remove(records);
     }
     recordCount_ = order_.size();
-    rows_.clear();
     Q_ASSERT(RecordCount() == recordCount_);
     RecomputeSums(0, columnCount() - 1);
     endRemoveRows();

@@ -76,6 +76,11 @@ class GridModel : public QAbstractTableModel {
     void NotifyChanged(int firstColumn, int lastColumn);
 
   private:
+    struct RowRange {
+        int first;
+        int last;
+    };
+
     QVariant DisplayValue(std::size_t record, int column, int role) const;
     QVariant Alignment(int column, bool header) const;
     /// Lets `change` alter order_ and tells the views, so that selections stay with their records.
@@ -85,7 +90,9 @@ class GridModel : public QAbstractTableModel {
     void RebuildKeys();
     void AddToSums(std::size_t firstRecord, int firstColumn, int lastColumn);
     void RecomputeSums(int firstColumn, int lastColumn);
-    void EraseRows(int first, int last);
+    /// The rows of these records; when they are too scattered, after moving them to the end.
+    std::vector<RowRange> RangesToRemove(const std::vector<std::size_t>& records);
+    void EraseRows(RowRange range);
 
     std::span<const GridColumn> columns_;
     std::vector<std::uint32_t> order_;  ///< the record of each row

@@ -14,8 +14,8 @@
 #include "dialog/grid/GridFit.h"
 #include "dialog/grid/GridFooter.h"
 #include "dialog/grid/GridHeaderView.h"
+#include "dialog/grid/GridPanes.h"
 #include "dialog/grid/GridSelection.h"
-#include "dialog/grid/GridTable.h"
 #include "dialog/grid/GridText.h"
 
 namespace orvex {
@@ -23,10 +23,6 @@ namespace {
 
 constexpr int kFitSample = 200;  // rows measured beside those in sight
 constexpr double kFrozenShare = 0.6;
-
-QString ShownText(StringId id) {
-    return QString::fromStdWString(Text(id));
-}
 
 QFrame* MakeSeam(QWidget* parent) {
     auto* seam = new QFrame(parent);
@@ -38,39 +34,30 @@ QFrame* MakeSeam(QWidget* parent) {
 }  // namespace
 
 struct GridView::Parts {
+    explicit Parts(QWidget* grid) : delegate(new GridDelegate(grid)), panes(*delegate, grid) {}
+
     GridModel* model = nullptr;
     bool details = true;
-    GridDelegate* delegate = nullptr;
-    GridTable* frozen = nullptr;
-    GridTable* table = nullptr;
+    GridDelegate* delegate;
+    GridPanes panes;
+    GridTable* frozen = &panes.Frozen();
+    GridTable* table = &panes.Scrolling();
     QFrame* seam = nullptr;
     GridFooter* footer = nullptr;
     QScrollBar* bar = nullptr;
     QLabel* message = nullptr;
     GridCommands* commands = nullptr;
-
-    GridTable& PaneOf(int column) const {
-        return model->Columns()[static_cast<std::size_t>(column)].frozen ? *frozen : *table;
-    }
 };
 
-GridView::GridView(QWidget* parent) : QFrame(parent), parts_(std::make_unique<Parts>()) {
+GridView::GridView(QWidget* parent) : QFrame(parent), parts_(std::make_unique<Parts>(this)) {
     Parts& p = *parts_;
     setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
-    p.delegate = new GridDelegate(this);
-    p.frozen = new GridTable(GridTable::Pane::Frozen, *p.delegate, this);
-    p.table = new GridTable(GridTable::Pane::Scrolling, *p.delegate, this);
     p.seam = MakeSeam(this);
     p.footer = new GridFooter(p.frozen, p.table, this);
     p.bar = new QScrollBar(Qt::Horizontal, this);
     p.message = new QLabel(this);
-    p.frozen->SetMain(p.table);
-    p.frozen->setObjectName("frozenTable");
-    p.table->setObjectName("table");
     p.footer->setObjectName("footer");
-    p.table->setAccessibleName(ShownText(40405_lsid));
-    p.frozen->setAccessibleName(ShownText(40406_lsid));
-    p.footer->setAccessibleName(ShownText(40407_lsid));
+    p.footer->setAccessibleName(QString::fromStdWString(Text(40407_lsid)));
     p.message->setAlignment(Qt::AlignCenter);
     p.message->setWordWrap(true);
     p.message->setMargin(16);
@@ -116,7 +103,7 @@ void GridView::BuildCommands() {
     connect(p.commands, &GridCommands::SelectAllRequested, this, &GridView::SelectAll);
     connect(p.commands, &GridCommands::FitRequested, this, &GridView::FitColumns);
     connect(p.commands, &GridCommands::RemoveRequested, this, &GridView::RemoveRequested);
-    for (GridTable* table : {p.frozen, p.table}) {
+    for (GridTable* table : p.panes.Both()) {
         connect(table, &QWidget::customContextMenuRequested, this, [this, table](const QPoint& at) {
             ContextMenu()->popup(table->viewport()->mapToGlobal(at));
         });
@@ -125,13 +112,6 @@ void GridView::BuildCommands() {
 
 void GridView::JoinScrolling() {
     Parts& p = *parts_;
-    QScrollBar* main = p.table->verticalScrollBar();
-    QScrollBar* frozen = p.frozen->verticalScrollBar();
-    connect(main, &QScrollBar::valueChanged, frozen, &QScrollBar::setValue);
-    connect(frozen, &QScrollBar::valueChanged, main, &QScrollBar::setValue);
-    // A pane that is laid out later than the other one has cut its position to its old range.
-    connect(frozen, &QScrollBar::rangeChanged, this, [main, frozen] { frozen->setValue(main->value()); });
-
     QScrollBar* inner = p.table->horizontalScrollBar();
     connect(inner, &QScrollBar::rangeChanged, this, [this, inner](int least, int most) {
         parts_->bar->setPageStep(inner->pageStep());
@@ -144,16 +124,12 @@ void GridView::JoinScrolling() {
     connect(inner, &QScrollBar::valueChanged, p.footer, qOverload<>(&QWidget::update));
     p.bar->hide();
 
-    for (GridTable* table : {p.frozen, p.table}) {
+    for (GridTable* table : p.panes.Both()) {
         connect(table->Header(), &QHeaderView::sectionClicked, this, &GridView::CycleSort);
         connect(table->Header(), &QHeaderView::sectionHandleDoubleClicked, this, &GridView::FitColumn);
     }
     connect(p.frozen->Header(), &QHeaderView::sectionResized, this, [this] { ArrangePanes(); });
-    connect(p.table, &GridTable::FocusChanged, this, [this] {
-        const int row = CurrentRow();
-        parts_->table->UpdateRow(row);
-        parts_->frozen->UpdateRow(row);
-    });
+    connect(p.table, &GridTable::FocusChanged, this, [this] { parts_->panes.UpdateRow(CurrentRow()); });
 }
 
 void GridView::SetModel(GridModel* model) {
@@ -161,32 +137,19 @@ void GridView::SetModel(GridModel* model) {
     if (p.model) {
         disconnect(p.model, nullptr, this, nullptr);
     }
-    QItemSelectionModel* const oldSelection = p.table->selectionModel();
     p.model = model;
-    p.table->setModel(model);
-    p.frozen->setModel(model);
+    p.panes.SetModel(model);
     p.footer->SetModel(model);
-    if (oldSelection) {
-        oldSelection->deleteLater();
-    }
     if (model) {
-        QItemSelectionModel* const own = p.frozen->selectionModel();
-        p.frozen->setSelectionModel(p.table->selectionModel());
-        own->deleteLater();
         ConnectSelection();
-        for (GridTable* table : {p.frozen, p.table}) {
-            table->Header()->SetUp(*model);
-        }
         connect(model, &GridModel::RecordsChanged, this, [this] {
             ArrangeMessage();
             EnableCommands();
         });
-        connect(model, &GridModel::SortChanged, this, [this](int column, Qt::SortOrder order) {
-            parts_->frozen->Header()->ShowSort(column, order);
-            parts_->table->Header()->ShowSort(column, order);
-        });
-        ShowColumns();
-        for (const int column : ShownColumns()) {
+        connect(model, &GridModel::SortChanged, this,
+                [this](int column, Qt::SortOrder order) { parts_->panes.ShowSort(column, order); });
+        p.panes.ShowColumns(p.details);
+        for (const int column : p.panes.ShownColumns()) {
             if (model->Columns()[static_cast<std::size_t>(column)].width == 0) {
                 FitColumn(column);
             }
@@ -203,10 +166,8 @@ void GridView::ConnectSelection() {
     connect(selection, &QItemSelectionModel::selectionChanged, this, &GridView::EnableCommands);
     connect(selection, &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& current, const QModelIndex& previous) {
-                for (GridTable* table : {parts_->frozen, parts_->table}) {
-                    table->UpdateRow(previous.row());
-                    table->UpdateRow(current.row());
-                }
+                parts_->panes.UpdateRow(previous.row());
+                parts_->panes.UpdateRow(current.row());
                 if (current.row() != previous.row()) {
                     emit CurrentRowChanged(current.row());
                 }
@@ -237,7 +198,7 @@ void GridView::CycleSort(int column) {
 void GridView::ShowDetailColumns(bool show) {
     parts_->details = show;
     if (parts_->model) {
-        ShowColumns();
+        parts_->panes.ShowColumns(show);
         ArrangePanes();
     }
 }
@@ -246,34 +207,12 @@ bool GridView::DetailColumnsShown() const {
     return parts_->details;
 }
 
-void GridView::ShowColumns() {
-    const auto columns = parts_->model->Columns();
-    for (int i = 0; i < static_cast<int>(columns.size()); ++i) {
-        const GridColumn& column = columns[static_cast<std::size_t>(i)];
-        const bool shown = !column.hidden && (column.basic || parts_->details);
-        parts_->frozen->setColumnHidden(i, !shown || !column.frozen);
-        parts_->table->setColumnHidden(i, !shown || column.frozen);
-    }
-}
-
 bool GridView::IsColumnShown(int column) const {
-    return parts_->model && !parts_->PaneOf(column).isColumnHidden(column);
+    return parts_->panes.IsShown(column);
 }
 
 int GridView::ColumnWidth(int column) const {
-    return IsColumnShown(column) ? parts_->PaneOf(column).columnWidth(column) : 0;
-}
-
-std::vector<int> GridView::ShownColumns() const {
-    std::vector<int> shown;
-    for (const GridTable* pane : {parts_->frozen, parts_->table}) {
-        for (int i = 0; i < pane->Header()->count(); ++i) {
-            if (!pane->isColumnHidden(i)) {
-                shown.push_back(i);
-            }
-        }
-    }
-    return shown;
+    return IsColumnShown(column) ? parts_->panes.PaneOf(column).columnWidth(column) : 0;
 }
 
 std::vector<int> GridView::SampleRows() const {
@@ -285,7 +224,7 @@ std::vector<int> GridView::SampleRows() const {
 }
 
 void GridView::FitColumns() {
-    for (const int column : ShownColumns()) {
+    for (const int column : parts_->panes.ShownColumns()) {
         FitColumn(column);
     }
 }
@@ -294,7 +233,7 @@ void GridView::FitColumn(int column) {
     if (!IsColumnShown(column) || !parts_->model->Columns()[static_cast<std::size_t>(column)].resizable) {
         return;
     }
-    GridTable& pane = parts_->PaneOf(column);
+    GridTable& pane = parts_->panes.PaneOf(column);
     const int margin = GridDelegate::TextMargin(pane.style());
     const CellRoom room{.margins = 2 * margin + 2, .icon = pane.iconSize().width() + 2 * margin};
     pane.setColumnWidth(
@@ -329,8 +268,8 @@ int GridView::CurrentRow() const {
 void GridView::CopySelection(bool withHeaders) const {
     const std::vector<int> rows = SelectedRows();
     if (!rows.empty()) {
-        QApplication::clipboard()->setText(
-            QString::fromStdWString(TabSeparated(*parts_->model, rows, ShownColumns(), withHeaders)));
+        QApplication::clipboard()->setText(QString::fromStdWString(
+            TabSeparated(*parts_->model, rows, parts_->panes.ShownColumns(), withHeaders)));
     }
 }
 
@@ -344,14 +283,18 @@ void GridView::EnableCommands() {
 }
 
 int GridView::SearchColumn() const {
-    const int sorted = parts_->model ? parts_->model->SortColumn() : -1;
-    const auto isText = [this](int column) {
-        return parts_->model->Columns()[static_cast<std::size_t>(column)].kind == CellKind::Text;
+    if (!parts_->model) {
+        return -1;
+    }
+    const int sorted = parts_->model->SortColumn();
+    const auto columns = parts_->model->Columns();
+    const auto isText = [columns](int column) {
+        return columns[static_cast<std::size_t>(column)].kind == CellKind::Text;
     };
     if (sorted >= 0 && IsColumnShown(sorted) && isText(sorted)) {
         return sorted;
     }
-    const std::vector<int> shown = ShownColumns();
+    const std::vector<int> shown = parts_->panes.ShownColumns();
     const auto first = std::find_if(shown.begin(), shown.end(), isText);
     return first == shown.end() ? -1 : *first;
 }
@@ -395,7 +338,7 @@ void GridView::ArrangePanes() {
 void GridView::ArrangeRows() {
     Parts& p = *parts_;
     const int height = std::max(fontMetrics().height() + 6, p.table->iconSize().height() + 4);
-    for (GridTable* table : {p.frozen, p.table}) {
+    for (GridTable* table : p.panes.Both()) {
         table->setPalette(TablePalette(palette()));
         table->SetRowHeight(height);
     }

@@ -80,11 +80,9 @@ class GridView : public QFrame {
     void ConnectSelection();
     void EnableCommands();
     void CycleSort(int column);
-    void ShowColumns();
     void ArrangePanes();
     void ArrangeRows();
     void ArrangeMessage();
-    std::vector<int> ShownColumns() const;
     std::vector<int> SampleRows() const;
     int SearchColumn() const;
 

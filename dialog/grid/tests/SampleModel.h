@@ -60,6 +60,7 @@ class SampleModel : public GridModel {
     }
     void AddNames(const std::vector<std::wstring>& names) {
         std::vector<SampleRecord> added;
+        added.reserve(names.size());
         for (const std::wstring& name : names) {
             added.push_back({name, 1.0});
         }

@@ -1,0 +1,198 @@
+// Sorting and scrolling of the grid with 100,000 rows. Times are given as ratios to work that cannot be
+// avoided, done in the same run, so that figures of different machines compare.
+#include <fmt/format.h>
+
+#include <QApplication>
+#include <QScrollBar>
+#include <QTableView>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <limits>
+#include <numeric>
+#include <string>
+#include <vector>
+
+#include "dialog/grid/GridSortKeys.h"
+#include "dialog/grid/GridView.h"
+
+namespace {
+
+using namespace orvex;
+
+constexpr std::size_t kRows = 100'000;
+constexpr int kRepeats = 5;
+
+constexpr GridColumn kColumns[] = {
+    {.name = "name", .width = 200, .frozen = true, .footer = FooterKind::Count},
+    {.name = "size", .width = 100, .kind = CellKind::Number, .format = L"%.2f", .footer = FooterKind::Sum},
+    {.name = "folder", .width = 300},
+};
+
+struct File {
+    std::wstring name;
+    double size;
+};
+
+// The same files at every run, in no order.
+std::vector<File> MakeFiles() {
+    std::vector<File> files;
+    files.reserve(kRows);
+    std::uint32_t state = 12345;
+    for (std::size_t i = 0; i < kRows; ++i) {
+        state = state * 1664525U + 1013904223U;
+        files.push_back({L"survey_2021_tile_" + std::to_wstring(state >> 12) + L".las", state / 1000.0});
+    }
+    return files;
+}
+
+class FilesModel : public GridModel {
+  public:
+    FilesModel() : GridModel(kColumns) {
+        std::vector<File> files = MakeFiles();
+        AppendRecords(files.size(), [&] { files_ = std::move(files); });
+    }
+
+  protected:
+    std::size_t RecordCount() const override { return files_.size(); }
+    GridCell Cell(std::size_t record, int column) const override {
+        switch (column) {
+            case 0:
+                return files_[record].name;
+            case 1:
+                return files_[record].size;
+            default:
+                return std::wstring(L"/data/surveys/2021/tiles");
+        }
+    }
+
+  private:
+    std::vector<File> files_;
+};
+
+struct Figure {
+    std::string name;
+    double value;
+    std::string unit;
+};
+
+/// The shortest of several runs in milliseconds; `prepare` runs before each and is not counted.
+template <class Prepare, class Run>
+double Shortest(const Prepare& prepare, const Run& run) {
+    double shortest = std::numeric_limits<double>::infinity();
+    for (int i = 0; i < kRepeats; ++i) {
+        prepare();
+        const auto start = std::chrono::steady_clock::now();
+        run();
+        const std::chrono::duration<double, std::milli> spent = std::chrono::steady_clock::now() - start;
+        shortest = std::min(shortest, spent.count());
+    }
+    return shortest;
+}
+
+/// std::stable_sort of row numbers over keys that are there already.
+template <class Key>
+double BareSort(const std::vector<Key>& keys) {
+    std::vector<std::uint32_t> order(keys.size());
+    return Shortest([&] { std::iota(order.begin(), order.end(), 0U); },
+                    [&] {
+                        std::stable_sort(order.begin(), order.end(),
+                                         [&keys](auto a, auto b) { return keys[a] < keys[b]; });
+                    });
+}
+
+void MeasureSorting(FilesModel& model, std::vector<Figure>& figures) {
+    std::vector<std::wstring> texts;
+    std::vector<double> numbers;
+    for (const File& file : MakeFiles()) {
+        texts.push_back(NaturalKey(file.name));
+        numbers.push_back(file.size);
+    }
+    const auto sorted = [&model](int column) {
+        return Shortest([&] { model.sort(-1); }, [&] { model.sort(column); });
+    };
+    const double byText = sorted(0);
+    const double byNumber = sorted(1);
+    figures.push_back({"grid_sort_100k_text", byText, "ms"});
+    figures.push_back({"grid_sort_100k_text_to_stable_sort", byText / BareSort(texts), "ratio"});
+    figures.push_back({"grid_sort_100k_number", byNumber, "ms"});
+    figures.push_back({"grid_sort_100k_number_to_stable_sort", byNumber / BareSort(numbers), "ratio"});
+    model.sort(-1);
+}
+
+void MeasureScrolling(FilesModel& model, std::vector<Figure>& figures) {
+    GridView view;
+    view.SetModel(&model);
+    view.resize(900, 500);
+    view.show();
+    QCoreApplication::processEvents();
+    QScrollBar* bar = view.Table()->verticalScrollBar();
+    constexpr int kSteps = 200;
+    const std::size_t before = view.CellsPainted();
+    double longest = 0;
+    const auto start = std::chrono::steady_clock::now();
+    auto last = start;
+    for (int step = 1; step <= kSteps; ++step) {
+        bar->setValue(static_cast<int>(static_cast<std::int64_t>(bar->maximum()) * step / kSteps));
+        QCoreApplication::processEvents();
+        const auto now = std::chrono::steady_clock::now();
+        longest = std::max(longest, std::chrono::duration<double, std::milli>(now - last).count());
+        last = now;
+    }
+    const double whole = std::chrono::duration<double, std::milli>(last - start).count();
+    figures.push_back(
+        {"grid_scroll_cells_per_step", static_cast<double>(view.CellsPainted() - before) / kSteps, "cells"});
+    figures.push_back({"grid_scroll_step_mean", whole / kSteps, "ms"});
+    figures.push_back({"grid_scroll_step_longest", longest, "ms"});
+
+    view.SelectAll();
+    const double sort = Shortest([&] { model.sort(-1); }, [&] { model.sort(0); });
+    figures.push_back({"grid_sort_100k_text_all_selected", sort, "ms"});
+}
+
+bool WriteJson(const std::string& path, const std::vector<Figure>& figures) {
+    const std::string temporary = path + ".tmp";
+    {
+        std::ofstream out(temporary, std::ios::binary);
+        out.imbue(std::locale::classic());
+        out << "[";
+        for (std::size_t i = 0; i < figures.size(); ++i) {
+            const Figure& f = figures[i];
+            out << (i ? ",\n " : "\n ") << R"({"name": ")" << f.name << R"(", "value": )" << f.value
+                << R"(, "unit": ")" << f.unit << "\"}";
+        }
+        out << "\n]\n";
+        if (!out.flush()) {
+            return false;
+        }
+    }
+    return std::rename(temporary.c_str(), path.c_str()) == 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    const QApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    const qsizetype at = arguments.indexOf("--output");
+    if (at >= 0 && at + 1 >= arguments.size()) {
+        std::fputs("usage: orvex-bench-grid [--output FILE]\n", stderr);
+        return 2;
+    }
+    std::vector<Figure> figures;
+    FilesModel model;
+    MeasureSorting(model, figures);
+    MeasureScrolling(model, figures);
+    for (const Figure& figure : figures) {
+        fmt::print("figure\t{}\t{:.3f}\t{}\n", figure.name, figure.value, figure.unit);
+    }
+    if (at >= 0 && !WriteJson(arguments[at + 1].toStdString(), figures)) {
+        std::fprintf(stderr, "%s cannot be written\n", qPrintable(arguments[at + 1]));
+        return 1;
+    }
+    return 0;
+}

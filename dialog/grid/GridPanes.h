@@ -1,0 +1,40 @@
+#pragma once
+#include <vector>
+
+#include "dialog/grid/GridTable.h"
+
+namespace orvex {
+
+class GridModel;
+
+/// The two tables of a grid, that of the frozen columns and the one that scrolls: which column is in which,
+/// and one vertical position, selection and sort indicator for both. The tables belong to their parent.
+class GridPanes {
+  public:
+    GridPanes(GridDelegate& delegate, QWidget* parent);
+
+    GridTable& Frozen() const { return *frozen_; }
+    GridTable& Scrolling() const { return *scrolling_; }
+    std::vector<GridTable*> Both() const { return {frozen_, scrolling_}; }
+    GridTable& PaneOf(int column) const;
+
+    /// Null takes the model away.
+    void SetModel(GridModel* model);
+    /// Shows the columns that are not hidden; only the basic ones unless `details`.
+    void ShowColumns(bool details);
+    /// From left to right.
+    std::vector<int> ShownColumns() const;
+    bool IsShown(int column) const;
+
+    void ShowSort(int column, Qt::SortOrder order) const;
+    void UpdateRow(int row) const;
+
+  private:
+    void JoinVertically();
+
+    GridModel* model_ = nullptr;
+    GridTable* frozen_;
+    GridTable* scrolling_;
+};
+
+}  // namespace orvex
