@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <filesystem>
 
+#include "host/utilities/CodecRecord.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/MappedFile.h"
@@ -48,8 +49,9 @@ std::wstring CodecError(const LaszipHandle& codec) {
 }  // namespace
 
 void LaszipDeleter::operator()(void* codec) const noexcept {
-    // Destroying also frees what an open reader or writer holds; nothing is written any more.
-    laszip_clean(codec);
+    // What is open is not freed otherwise. Where nothing is open, closing only sets an error text.
+    laszip_close_reader(codec);
+    laszip_close_writer(codec);
     laszip_destroy(codec);
 }
 
@@ -63,6 +65,7 @@ bool LazDecompressor::Run() {
         throw LDataError(FormatText(Text(40305_lsid), {lazPath_}));
     }
     layout_ = ReadLazLayout(lazPath_);
+    RequireUsableCodecRecord(lazPath_, layout_);
     extendedRecords_ = ReadExtendedRecords(lazPath_, layout_);
     OpenInput();
     RequireSpace();

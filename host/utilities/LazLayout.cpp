@@ -76,7 +76,10 @@ LazLayout ReadLazLayout(const std::wstring& path) {
     layout.offsetToPoints = header.Read<std::uint32_t>(96);
     layout.recordCount = header.Read<std::uint32_t>(100);
     RequirePlausible(layout, path);
-    if (!IsKnownPoint(header.Read<std::uint8_t>(104), header.Read<std::uint16_t>(105))) {
+    layout.recordLength = header.Read<std::uint16_t>(105);
+    layout.hasPoints = header.Read<std::uint32_t>(107) != 0 ||
+                       (layout.versionMinor >= 4 && header.Read<std::uint64_t>(247) != 0);
+    if (!IsKnownPoint(header.Read<std::uint8_t>(104), layout.recordLength)) {
         throw LDataError(FormatText(Text(40302_lsid), {path}));
     }
     const bool internalWaveform = (header.Read<std::uint16_t>(6) & kInternalWaveformBit) != 0;

@@ -12,6 +12,8 @@ struct LazLayout {
     std::uint8_t versionMinor = 0;
     std::uint16_t headerSize = 0;
     std::uint32_t offsetToPoints = 0;
+    std::uint16_t recordLength = 0;  ///< of a point
+    bool hasPoints = false;
     std::uint32_t recordCount = 0;          ///< variable-length records
     std::uint64_t waveformStart = 0;        ///< waveform record inside the file (LAS 1.3 on); 0 for none
     std::uint64_t extendedStart = 0;        ///< first extended record (LAS 1.4); 0 for none

@@ -56,6 +56,7 @@ TEST(CrsCache, ThreadsThatAskAtOnceGetOneDescription) {
     });
     std::atomic<int> wrong{0};
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([&] {
             for (int i = 0; i < 2000; ++i) {

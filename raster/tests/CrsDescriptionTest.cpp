@@ -14,7 +14,6 @@
 namespace orvex {
 namespace {
 
-using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 std::string Wkt(int code) {
@@ -124,6 +123,7 @@ TEST(CrsDescription, ThreadsGetTheSameAsOneAlone) {
     }
     std::atomic<int> wrong{0};
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int t = 0; t < kThreads; ++t) {
         threads.emplace_back([&, t] {
             for (int i = 0; i < kTexts; ++i) {

@@ -197,11 +197,30 @@ TEST(LazDecompress, BrokenFilesGiveAReason) {
     const auto patch = [](std::uint64_t offset, const std::string& bytes) {
         return [=](const std::wstring& path) { PatchFile(path, offset, bytes); };
     };
+    // Overwrites bytes of the codec's own record, counted from its payload.
+    const auto patchCodec = [](std::uint64_t offset, const std::string& bytes) {
+        return [=](const std::wstring& path) {
+            PatchFile(path, ReadFile(path).find("laszip encoded") - 2 + 54 + offset, bytes);
+        };
+    };
     for (const Case& row : {
              Case{"missing", [](const auto& path) { std::filesystem::remove(ToPath(path)); }},
              Case{"empty", cut(0)},
              Case{"half a header", [](const auto& path) { std::filesystem::resize_file(ToPath(path), 180); }},
              Case{"points cut off", cut(0.5)},
+             Case{"nothing behind the header",
+                  [](const auto& path) {
+                      std::filesystem::resize_file(ToPath(path), At<std::uint32_t>(ReadFile(path), 96));
+                  }},
+             Case{"unknown compressor", patchCodec(0, Bytes(std::uint16_t{9}))},
+             Case{"too many items", patchCodec(32, Bytes(std::uint16_t{0xFFFF}))},
+             Case{"an unknown item", patchCodec(34, Bytes(std::uint16_t{99}))},
+             Case{"an item of the wrong size", patchCodec(36, Bytes(std::uint16_t{21}))},
+             Case{"varying chunks without a table",
+                  [&](const auto& path) {
+                      patchCodec(12, Bytes(0xFFFFFFFFU))(path);
+                      cut(0.9)(path);
+                  }},
              Case{"no signature", patch(0, "XXXX")},
              Case{"header size 0", patch(94, Bytes(std::uint16_t{0}))},
              Case{"points start beyond the end", patch(96, Bytes(std::uint32_t{0xFFFFFFF0}))},

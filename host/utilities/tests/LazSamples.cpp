@@ -10,8 +10,20 @@
 
 #include "support/Text.h"
 
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/lsan_interface.h>
+#endif
+
 namespace orvex::testing {
 namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+using LeaksOfTheCodec = __lsan::ScopedDisabler;
+#else
+struct LeaksOfTheCodec {
+    ~LeaksOfTheCodec() {}
+};
+#endif
 
 class Writer {
   public:
@@ -106,7 +118,11 @@ void WriteSample(const std::wstring& path, const LazSample& sample, bool compres
     const std::string record = "what the record holds";
     writer.Check(laszip_add_vlr(writer.Get(), "orvex test", 77, static_cast<laszip_U16>(record.size()),
                                 "a record of the sample", reinterpret_cast<const laszip_U8*>(record.data())));
-    writer.Check(laszip_open_writer_stream(writer.Get(), file, compress ? 1 : 0, 0));
+    {
+        // Packing points into an older format makes the codec lose a buffer of its own.
+        const LeaksOfTheCodec ignored;
+        writer.Check(laszip_open_writer_stream(writer.Get(), file, compress ? 1 : 0, 0));
+    }
     laszip_point_struct* point = nullptr;
     writer.Check(laszip_get_point_pointer(writer.Get(), &point));
     for (std::uint32_t i = 0; i < sample.points; ++i) {
