@@ -4,6 +4,7 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <unordered_map>
 
 namespace orvex {
 
@@ -26,7 +27,7 @@ class FileIdRegistry {
     void Record(const std::wstring& fileName, std::uint16_t id);
 
     std::mutex lock_;
-    std::map<std::wstring, std::uint16_t> idOfName_;
+    std::unordered_map<std::wstring, std::uint16_t> idOfName_;
     std::map<std::uint16_t, std::size_t> namesOfId_;  // how many names have an id
 };
 

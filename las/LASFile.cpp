@@ -64,11 +64,12 @@ struct LASFile::State {
 };
 
 MappedFile LASFile::State::OpenFile() {
-    if (!FileExists(fileName)) {
-        ThrowOpenError(L"'%s' file does not exist. Cannot open.", fileName);
-    }
     MappedFile file;
     if (const SystemError error = file.Open(fileName, readOnly)) {
+        // Asked afterwards: of thousands of files nearly every one exists.
+        if (!FileExists(fileName)) {
+            ThrowOpenError(L"'%s' file does not exist. Cannot open.", fileName);
+        }
         ThrowOpenError(L"CreateFile failed on '%s'. GetLastError: %i.", fileName, error);
     }
     if (const SystemError error = file.Size(fileSize)) {
@@ -95,7 +96,7 @@ void LASFile::State::ReadHeader(const MappedFile& file) {
 void LASFile::State::ReadRecords(const MappedFile& file) {
     SystemError error = 0;
     try {
-        error = vlrArea.Load(file, header.OffsetToPoints(), readOnly);
+        error = vlrArea.Load(file, fileSize, header.OffsetToPoints(), readOnly);
     } catch (const std::bad_alloc&) {
         ThrowOpenError(Text(792_lsid), fileName);
     }

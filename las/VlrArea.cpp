@@ -4,11 +4,8 @@
 
 namespace orvex {
 
-SystemError VlrArea::Load(const MappedFile& file, std::uint64_t length, bool readOnly) {
-    std::uint64_t fileSize = 0;
-    if (const SystemError error = file.Size(fileSize)) {
-        return error;
-    }
+SystemError VlrArea::Load(const MappedFile& file, std::uint64_t fileSize, std::uint64_t length,
+                          bool readOnly) {
     const std::uint64_t held = std::min(length, fileSize);
     if (held == 0) {
         return 0;

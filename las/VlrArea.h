@@ -14,9 +14,9 @@ inline constexpr std::uint64_t kLargestCopy = std::uint64_t{64} << 20U;
 /// The file from its first byte up to its point data, in memory. Move-only.
 class VlrArea {
   public:
-    /// Loads the first `length` bytes, or the whole file when it is shorter: read-write files are mapped,
+    /// Loads the first `length` bytes, or the whole file when its size is less: read-write files are mapped,
     /// others are copied (mapped when large).
-    SystemError Load(const MappedFile& file, std::uint64_t length, bool readOnly);
+    SystemError Load(const MappedFile& file, std::uint64_t fileSize, std::uint64_t length, bool readOnly);
 
     std::span<const std::byte> Bytes() const;
     bool IsMapped() const { return static_cast<bool>(view_); }

@@ -82,7 +82,9 @@ LasBuilder& LasBuilder::AddPoint(double x, double y, double z) {
 LasBuilder& LasBuilder::AddPoints(std::size_t count, double x, double y, double z) {
     const auto side = static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(count))));
     for (std::size_t i = 0; i < count; ++i) {
-        AddPoint(x + static_cast<double>(i % side), y + static_cast<double>(i / side),
+        const std::size_t row = i / side;
+        const std::size_t column = i % side;
+        AddPoint(x + static_cast<double>(column), y + static_cast<double>(row),
                  z + 0.01 * static_cast<double>(i));
     }
     return *this;

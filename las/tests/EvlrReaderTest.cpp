@@ -120,7 +120,7 @@ TEST_F(EvlrReaderTest, VlrAreaOfAFileOfZerosIsMapped) {
     MappedFile file;
     ASSERT_EQ(file.Open(name, true), 0);
     VlrArea area;
-    ASSERT_EQ(area.Load(file, 0xFFFFFFFF, true), 0);
+    ASSERT_EQ(area.Load(file, std::uint64_t{5} << 30U, 0xFFFFFFFF, true), 0);
     EXPECT_TRUE(area.IsMapped());
     EXPECT_EQ(area.Bytes().size(), 0xFFFFFFFFU);
     EXPECT_EQ(area.Bytes()[0], std::byte{'f'});
