@@ -1,0 +1,216 @@
+#include "host/app/DialogDriver.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QMessageBox>
+#include <QPixmap>
+#include <QProgressBar>
+#include <QTabBar>
+#include <QTableView>
+#include <ostream>
+
+#include "host/app/DialogDrop.h"
+#include "host/app/HostText.h"
+#include "host/app/Watchdog.h"
+
+namespace orvex {
+
+namespace {
+
+constexpr int kTickMs = 15;
+/// Ticks without a progress bar until a run counts as over: between two parts of one it may be hidden briefly.
+constexpr int kQuietTicks = 4;
+
+struct TabName {
+    const char* page;
+    const char* name;
+};
+constexpr TabName kTabNames[] = {{"page363", "las"}, {"page385", "raster"}, {"page390", "feature"},
+                                 {"page403", "dem"}, {"page406", "photo"},  {"page410", "cloud"}};
+
+QAbstractButton* FirstOf(QWidget* window, std::initializer_list<const char*> names) {
+    for (const char* name : names) {
+        if (auto* button = window->findChild<QAbstractButton*>(name)) {
+            return button;
+        }
+    }
+    return nullptr;
+}
+
+QAbstractButton* AgreeingButton(QWidget* window) {
+    if (auto* box = qobject_cast<QMessageBox*>(window)) {
+        for (const auto kind : {QMessageBox::Yes, QMessageBox::Ok, QMessageBox::Close}) {
+            if (auto* button = box->button(kind)) {
+                return button;
+            }
+        }
+    }
+    if (auto* buttons = window->findChild<QDialogButtonBox*>()) {
+        for (const auto kind : {QDialogButtonBox::Yes, QDialogButtonBox::Ok, QDialogButtonBox::Close}) {
+            if (auto* button = buttons->button(kind)) {
+                return button;
+            }
+        }
+    }
+    return FirstOf(window, {"yes", "ok"});
+}
+
+QString TextOf(QWidget* window) {
+    const auto* box = qobject_cast<QMessageBox*>(window);
+    const QString text = box == nullptr ? QString() : box->text() + ' ' + box->informativeText();
+    return (window->windowTitle() + ": " + text).simplified();
+}
+
+QTableView* GridOf(QWidget* dialog) {
+    for (auto* table : dialog->findChildren<QTableView*>()) {
+        if (table->isVisible() && table->model() != nullptr && table->model()->rowCount() > 0) {
+            return table;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+DialogDriver::DialogDriver(Settings settings, std::ostream& out, Watchdog& watchdog)
+    : settings_(std::move(settings)), out_(out), watchdog_(watchdog) {
+    timer_.setInterval(kTickMs);
+    connect(&timer_, &QTimer::timeout, this, &DialogDriver::Tick);
+}
+
+void DialogDriver::Start() {
+    if (!settings_.pictureFolder.isEmpty()) {
+        QDir().mkpath(settings_.pictureFolder);
+    }
+    AddSteps();
+    timer_.start();
+}
+
+void DialogDriver::TakePicture(QWidget* widget, const QString& name) {
+    if (settings_.pictureFolder.isEmpty()) {
+        return;
+    }
+    const QString path = QDir(settings_.pictureFolder).filePath(name + settings_.pictureSuffix + ".png");
+    if (!widget->grab().save(path)) {
+        out_ << "picture could not be saved: " << path.toStdString() << std::endl;
+    }
+}
+
+void DialogDriver::Add(const QString& waitsFor, std::function<bool()> ready, std::function<void()> run) {
+    steps_.push_back({waitsFor, std::move(ready), std::move(run)});
+}
+
+void DialogDriver::AddSteps() {
+    Add("the Add Files dialog to open", [this] { return (dialog_ = FindAddFilesDialog()) != nullptr; },
+        [this] { AddLasSteps(); });
+}
+
+void DialogDriver::AddLasSteps() {
+    const auto idle = [this] { return IsIdle(); };
+    Add("the dialog to settle", idle, [this] {
+        TakePicture(dialog_, "dialog-empty");
+        DropPaths(dialog_, settings_.paths);
+    });
+    Add("the files to be read", idle, [this] { TakePicture(dialog_, "tab-" + CurrentTabName()); });
+    Add("the button of the detail columns", idle, [this] {
+        if (auto* details = FirstOf(dialog_, {"c248"})) {
+            details->click();
+        }
+    });
+    Add("the detail columns", idle, [this] {
+        TakePicture(dialog_, "tab-" + CurrentTabName() + "-columns");
+        if (auto* details = FirstOf(dialog_, {"c248"})) {
+            details->click();
+        }
+        if (QTableView* grid = GridOf(dialog_)) {
+            grid->selectRow(0);
+        }
+    });
+    Add("the details of a file", idle, [this] {
+        TakePicture(dialog_, "tab-" + CurrentTabName() + "-details");
+        AddTabSteps();
+    });
+}
+
+void DialogDriver::AddTabSteps() {
+    auto* tabs = dialog_->findChild<QTabBar*>();
+    for (int tab = 1; tab < tabs->count(); ++tab) {
+        Add("the next tab", [this] { return IsIdle(); }, [tabs, tab] { tabs->setCurrentIndex(tab); });
+        Add("the page of the tab", [this] { return IsIdle(); },
+            [this] { TakePicture(dialog_, "tab-" + CurrentTabName()); });
+    }
+    Add("the OK button", [this] { return IsIdle(); }, [this] {
+        if (auto* ok = FirstOf(dialog_, {"ok"})) {
+            ok->click();
+        }
+    });
+    Add("the dialog to close", [] { return FindAddFilesDialog() == nullptr; }, [this] { dialog_ = nullptr; });
+}
+
+/// Whether no run has shown its progress for some ticks.
+bool DialogDriver::IsIdle() {
+    const auto* bar = dialog_ == nullptr ? nullptr : dialog_->findChild<QProgressBar*>();
+    quietTicks_ = bar != nullptr && bar->isVisible() ? 0 : quietTicks_ + 1;
+    if (quietTicks_ < kQuietTicks) {
+        return false;
+    }
+    quietTicks_ = 0;
+    return true;
+}
+
+QString DialogDriver::CurrentTabName() const {
+    for (const TabName& tab : kTabNames) {
+        const auto* page = dialog_->findChild<QWidget*>(tab.page);
+        if (page != nullptr && page->isVisible()) {
+            return tab.name;
+        }
+    }
+    return "unknown";
+}
+
+void DialogDriver::Tick() {
+    if (AnswerOtherWindow() || inStep_ || steps_.empty()) {
+        return;
+    }
+    watchdog_.WaitingFor(steps_.front().waitsFor.toStdString());
+    // A step can run an event loop of its own, in which this is called again.
+    inStep_ = true;
+    if (steps_.front().ready()) {
+        const Step step = std::move(steps_.front());
+        steps_.pop_front();
+        step.run();
+    }
+    inStep_ = false;
+}
+
+bool DialogDriver::AnswerOtherWindow() {
+    QWidget* window = QApplication::activeModalWidget();
+    if (window == nullptr || window == FindAddFilesDialog() || !window->isVisible()) {
+        answered_ = nullptr;
+        return false;
+    }
+    if (window != answered_) {
+        answered_ = window;
+        Answer(window);
+    }
+    return true;
+}
+
+void DialogDriver::Answer(QWidget* window) {
+    ++messages_;
+    watchdog_.WaitingFor("the answer to: " + TextOf(window).toStdString());
+    TakePicture(window, QString("message-%1").arg(messages_));
+    QAbstractButton* button = AgreeingButton(window);
+    out_ << "message: " << TextOf(window).toStdString() << " ["
+         << (button == nullptr ? std::string("closed") : button->text().remove('&').toStdString()) << "]" << std::endl;
+    if (button != nullptr) {
+        button->click();
+    } else {
+        window->close();
+    }
+}
+
+}  // namespace orvex
