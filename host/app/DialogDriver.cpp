@@ -8,6 +8,7 @@
 #include <QMessageBox>
 #include <QPixmap>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QTabBar>
 #include <QTableView>
 #include <ostream>
@@ -21,7 +22,8 @@ namespace orvex {
 namespace {
 
 constexpr int kTickMs = 15;
-/// Ticks without a progress bar until a run counts as over: between two parts of one it may be hidden briefly.
+/// Ticks without a progress bar until a run counts as over: between two parts of one it may be hidden
+/// briefly.
 constexpr int kQuietTicks = 4;
 
 struct TabName {
@@ -104,7 +106,8 @@ void DialogDriver::Add(const QString& waitsFor, std::function<bool()> ready, std
 }
 
 void DialogDriver::AddSteps() {
-    Add("the Add Files dialog to open", [this] { return (dialog_ = FindAddFilesDialog()) != nullptr; },
+    Add(
+        "the Add Files dialog to open", [this] { return (dialog_ = FindAddFilesDialog()) != nullptr; },
         [this] { AddLasSteps(); });
 }
 
@@ -138,16 +141,21 @@ void DialogDriver::AddLasSteps() {
 void DialogDriver::AddTabSteps() {
     auto* tabs = dialog_->findChild<QTabBar*>();
     for (int tab = 1; tab < tabs->count(); ++tab) {
-        Add("the next tab", [this] { return IsIdle(); }, [tabs, tab] { tabs->setCurrentIndex(tab); });
-        Add("the page of the tab", [this] { return IsIdle(); },
+        Add(
+            "the next tab", [this] { return IsIdle(); }, [tabs, tab] { tabs->setCurrentIndex(tab); });
+        Add(
+            "the page of the tab", [this] { return IsIdle(); },
             [this] { TakePicture(dialog_, "tab-" + CurrentTabName()); });
     }
-    Add("the OK button", [this] { return IsIdle(); }, [this] {
-        if (auto* ok = FirstOf(dialog_, {"ok"})) {
-            ok->click();
-        }
-    });
-    Add("the dialog to close", [] { return FindAddFilesDialog() == nullptr; }, [this] { dialog_ = nullptr; });
+    Add(
+        "the OK button", [this] { return IsIdle(); },
+        [this] {
+            if (auto* ok = FirstOf(dialog_, {"ok"})) {
+                ok->click();
+            }
+        });
+    Add(
+        "the dialog to close", [] { return FindAddFilesDialog() == nullptr; }, [this] { dialog_ = nullptr; });
 }
 
 /// Whether no run has shown its progress for some ticks.
@@ -205,7 +213,8 @@ void DialogDriver::Answer(QWidget* window) {
     TakePicture(window, QString("message-%1").arg(messages_));
     QAbstractButton* button = AgreeingButton(window);
     out_ << "message: " << TextOf(window).toStdString() << " ["
-         << (button == nullptr ? std::string("closed") : button->text().remove('&').toStdString()) << "]" << std::endl;
+         << (button == nullptr ? std::string("closed") : button->text().remove('&').toStdString()) << "]"
+         << std::endl;
     if (button != nullptr) {
         button->click();
     } else {

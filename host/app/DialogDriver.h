@@ -10,17 +10,18 @@ namespace orvex {
 
 class Watchdog;
 
-/// Uses the Add Files dialog as a person would, without one: waits for it, drops files on it, looks at every tab,
-/// takes pictures, presses OK. Whatever other window gets in the way is photographed, told of and answered with
-/// Yes or OK. It works from a timer, so it lives beside modal dialogs; nothing is waited for by sleeping.
+/// Uses the Add Files dialog as a person would, without one: waits for it, drops files on it, looks at every
+/// tab, takes pictures, presses OK. Whatever other window gets in the way is photographed, told of and
+/// answered with Yes or OK. It works from a timer, so it lives beside modal dialogs; nothing is waited for by
+/// sleeping.
 class DialogDriver final : public QObject {
     Q_OBJECT
 
   public:
     struct Settings {
-        QStringList paths;       ///< dropped on the first tab
-        QString pictureFolder;   ///< empty: no pictures
-        QString pictureSuffix;   ///< behind each picture's name
+        QStringList paths;      ///< dropped on the first tab
+        QString pictureFolder;  ///< empty: no pictures
+        QString pictureSuffix;  ///< behind each picture's name
     };
 
     /// `out` gets a line for everything worth telling.

@@ -5,15 +5,13 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QTabBar>
 #include <QUrl>
 
 namespace orvex {
 
 QWidget* FindAddFilesDialog() {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
-        if (widget->isVisible() && widget->isModal() && widget->findChild<QTabBar*>() != nullptr &&
-            widget->findChild<QWidget*>("c251") != nullptr) {
+        if (widget->isVisible() && widget->objectName() == "AddFilesDlg") {
             return widget;
         }
     }

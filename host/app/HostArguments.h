@@ -6,9 +6,9 @@ namespace orvex {
 
 /// The command line of the host.
 struct HostArguments {
-    QStringList paths;       ///< files and folders to show in the dialog at first
-    QString projectFolder;   ///< empty: the latest project, or the sample project
-    bool drive = false;      ///< use the dialog without a person and leave
+    QStringList paths;      ///< files and folders to show in the dialog at first
+    QString projectFolder;  ///< empty: the latest project, or the sample project
+    bool drive = false;     ///< use the dialog without a person and leave
     QString pictureFolder;
     double scale = 1;
     bool dark = false;

@@ -23,11 +23,18 @@
 #include "host/app/HostWindow.h"
 #include "host/app/LayerTreeModel.h"
 
+// The resources lie in a static library, whose initialisers a linker drops unless they are named.
+static void InitHostResources() {
+    Q_INIT_RESOURCE(host);
+}
+
 namespace orvex {
 
 namespace {
 
 QIcon HostIcon(const char* name) {
+    static const bool loaded = (InitHostResources(), true);
+    Q_UNUSED(loaded);
     QIcon icon;
     for (const int size : {16, 32}) {
         icon.addFile(QString(":/orvexhost/%1-%2.png").arg(name).arg(size), {size, size});

@@ -6,7 +6,9 @@
 namespace orvex {
 
 Watchdog::Watchdog(std::chrono::seconds patience)
-    : end_(std::chrono::steady_clock::now() + patience), what_("the program to start"), thread_([this] { Watch(); }) {}
+    : end_(std::chrono::steady_clock::now() + patience),
+      what_("the program to start"),
+      thread_([this] { Watch(); }) {}
 
 Watchdog::~Watchdog() {
     {

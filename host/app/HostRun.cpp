@@ -1,0 +1,122 @@
+#include "host/app/HostRun.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QMessageBox>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <iostream>
+
+#include "host/app/Appearance.h"
+#include "host/app/DialogDriver.h"
+#include "host/app/HostArguments.h"
+#include "host/app/HostObjectsSetup.h"
+#include "host/app/HostText.h"
+#include "host/app/HostWindow.h"
+#include "host/app/SampleProject.h"
+#include "host/app/Watchdog.h"
+
+namespace orvex {
+
+namespace {
+
+constexpr std::chrono::seconds kPatience{120};
+
+/// The sample project in the user's cache folder; empty when it cannot be made.
+QString SampleProjectFolder() {
+    const QString folder =
+        QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + "/orvex/sample-project";
+    return ToQString(FromPath(EnsureSampleProject(ToPath(ToWide(folder)))));
+}
+
+QString SampleDataFolder(const QString& project) {
+    return ToQString(FromPath(SampleData(ToPath(ToWide(project)))));
+}
+
+struct Start {
+    QString project;
+    QStringList paths;  ///< to be shown in the dialog
+};
+
+/// A project named on the command line or used before is opened as it is; else the sample project, and the
+/// dialog shows its data.
+Start ChooseStart(const HostArguments& arguments, const HostState& state) {
+    Start start{arguments.projectFolder, arguments.paths};
+    for (const QString& recent : state.RecentProjects()) {
+        if (start.project.isEmpty() && QDir(recent).exists()) {
+            start.project = recent;
+        }
+    }
+    if (start.project.isEmpty()) {
+        start.project = SampleProjectFolder();
+        if (start.paths.isEmpty() && !start.project.isEmpty()) {
+            start.paths = QStringList{SampleDataFolder(start.project)};
+        }
+    }
+    return start;
+}
+
+/// Options and state of a driven run lie in a folder of its own.
+void KeepOutOfUsersSettings(const QTemporaryDir& folder) {
+    for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"}) {
+        qputenv(variable, QFile::encodeName(folder.filePath(QString(variable).toLower())));
+    }
+}
+
+}  // namespace
+
+int RunInteractive(int& argc, char** argv, const HostArguments& arguments) {
+    QApplication application(argc, argv);
+    HostState state(HostState::DefaultPath());
+    state.dark = state.dark || arguments.dark;
+    ApplyAppearance(state.dark);
+    const HostObjectsSetup objects;
+    const Start start = ChooseStart(arguments, state);
+    HostWindow window(state);
+    window.show();
+    if (start.project.isEmpty()) {
+        QMessageBox::warning(
+            &window, HostText(40880_lsid),
+            HostText(40920_lsid,
+                     {ToWide(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation))}));
+    } else {
+        window.OpenProject(start.project);
+    }
+    const bool hasNews = !arguments.paths.isEmpty() || window.CurrentProject().IsEmpty();
+    if (!start.paths.isEmpty() && hasNews) {
+        QTimer::singleShot(0, &window, [&] { window.AddFiles(start.paths); });
+    }
+    return QApplication::exec();
+}
+
+int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
+    const QTemporaryDir folder;
+    KeepOutOfUsersSettings(folder);
+    Watchdog watchdog(kPatience);
+    QApplication application(argc, argv);
+    ApplyAppearance(arguments.dark);
+    const HostObjectsSetup objects;
+    watchdog.WaitingFor("the sample project");
+    const QStringList paths =
+        arguments.paths.isEmpty() ? QStringList{SampleDataFolder(SampleProjectFolder())} : arguments.paths;
+
+    HostState state{QString()};
+    state.dark = arguments.dark;
+    HostWindow window(state);
+    window.OpenProject(arguments.projectFolder.isEmpty() ? folder.filePath("project")
+                                                         : arguments.projectFolder);
+    window.show();
+    DialogDriver driver({paths, arguments.pictureFolder, PictureSuffix(arguments)}, std::cout, watchdog);
+    driver.Start();
+    const bool holdsFiles = window.AddFiles();
+    std::cout << window.LastRecord().toStdString() << std::flush;
+    watchdog.WaitingFor("the picture of the host");
+    QCoreApplication::processEvents();
+    driver.TakePicture(&window, "host");
+    watchdog.WaitingFor("the LiDAR question");
+    window.AskLidarAccess();
+    return holdsFiles ? 0 : 1;
+}
+
+}  // namespace orvex

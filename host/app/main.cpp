@@ -1,0 +1,52 @@
+// orvex-host: a small desktop program that adds data to a project with the Add Files dialog.
+#include <QApplication>
+#include <iostream>
+
+#include "host/app/Appearance.h"
+#include "host/app/HostArguments.h"
+#include "host/app/HostRun.h"
+#include "host/app/HostText.h"
+#include "support/LDataError.h"
+
+using orvex::operator""_lsid;
+
+namespace {
+
+QStringList ArgumentsOf(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i) {
+        arguments.append(orvex::ToQString(orvex::FromUtf8(argv[i])));
+    }
+    return arguments;
+}
+
+int Run(int argc, char** argv) {
+    const orvex::HostArguments arguments = orvex::ParseHostArguments(ArgumentsOf(argc, argv));
+    if (arguments.help || !arguments.error.isEmpty()) {
+        std::ostream& out = arguments.help ? std::cout : std::cerr;
+        if (!arguments.error.isEmpty()) {
+            out << arguments.error.toStdString() << '\n';
+        }
+        out << orvex::HostText(40922_lsid).toStdString() << '\n';
+        return arguments.help ? 0 : 2;
+    }
+    if (arguments.scale != 1) {
+        qputenv("QT_SCALE_FACTOR", QByteArray::number(arguments.scale));
+    }
+    QApplication::setOrganizationName("orvex");
+    QApplication::setApplicationName("orvex-host");
+    QApplication::setApplicationVersion(ORVEX_VERSION);
+    return arguments.drive ? orvex::RunDriven(argc, argv, arguments)
+                           : orvex::RunInteractive(argc, argv, arguments);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Run(argc, argv);
+    } catch (...) {
+        std::cerr << orvex::ToUtf8(orvex::CurrentExceptionText()) << '\n';
+        return 3;
+    }
+}

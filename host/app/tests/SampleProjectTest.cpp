@@ -1,0 +1,79 @@
+#include "host/app/SampleProject.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <set>
+
+#include "host/app/SampleLasFile.h"
+#include "support/Text.h"
+#include "support/testing/TemporaryFolder.h"
+
+namespace orvex {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Bytes(const fs::path& path) {
+    return testing::ReadFile(FromPath(path));
+}
+
+template <typename T>
+T At(const std::string& bytes, std::size_t offset) {
+    T value;
+    std::memcpy(&value, bytes.data() + offset, sizeof(T));
+    return value;
+}
+
+TEST(SampleLas, HeaderAgreesWithThePoints) {
+    for (const int minor : {2, 4}) {
+        SampleTile tile;
+        tile.west = 1000;
+        tile.south = 2000;
+        tile.side = 10;
+        tile.minorVersion = minor;
+        tile.pointFormat = minor == 4 ? 7 : 3;
+        tile.crs = minor == 4 ? SampleCrs::Wkt : SampleCrs::GeoKeys;
+        tile.wkt = "LOCAL_CS[\"x\"]";
+        const std::string bytes = MakeSampleLas(tile);
+        const auto start = At<std::uint32_t>(bytes, 96);
+        const auto length = At<std::uint16_t>(bytes, 105);
+        EXPECT_EQ(bytes.size(), start + 100U * length);
+        double lowest = 1e9;
+        for (std::size_t i = 0; i < 100; ++i) {
+            const auto z = At<std::int32_t>(bytes, start + i * length + 8);
+            lowest = std::min(lowest, z * At<double>(bytes, 147));
+        }
+        EXPECT_NEAR(lowest, At<double>(bytes, 219), 1e-9);
+        EXPECT_NEAR(At<double>(bytes, 187), 1000, 1);
+    }
+}
+
+TEST(SampleProject, IsMadeOnceAndWhole) {
+    const testing::TemporaryFolder folder;
+    const fs::path project = folder.Path() / "sample";
+    ASSERT_EQ(EnsureSampleProject(project), project);
+    std::set<std::string> extensions;
+    std::size_t files = 0;
+    for (const auto& entry : fs::recursive_directory_iterator(SampleData(project))) {
+        if (entry.is_regular_file()) {
+            extensions.insert(entry.path().extension().string());
+            ++files;
+        }
+    }
+    EXPECT_EQ(extensions, (std::set<std::string>{".las", ".laz"}));
+    EXPECT_EQ(files, 11U);
+    EXPECT_FALSE(fs::exists(folder.Path() / "sample.new"));
+    const std::string compressed = Bytes(SampleData(project) / "survey 2024" / "tile_7.laz");
+    ASSERT_GT(compressed.size(), 375U);
+    EXPECT_EQ(compressed[104] & 0x80, 0x80);
+    EXPECT_EQ(At<std::uint64_t>(compressed, 247), 40000U);
+
+    const fs::path touched = SampleData(project) / "wgs84.las";
+    fs::remove(touched);
+    EnsureSampleProject(project);
+    EXPECT_FALSE(fs::exists(touched)) << "made twice";
+}
+
+}  // namespace
+}  // namespace orvex
