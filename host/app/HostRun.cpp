@@ -11,11 +11,11 @@
 #include "host/app/Appearance.h"
 #include "host/app/DialogDriver.h"
 #include "host/app/HostArguments.h"
-#include "host/app/HostObjectsSetup.h"
 #include "host/app/HostText.h"
 #include "host/app/HostWindow.h"
 #include "host/app/SampleProject.h"
 #include "host/app/Watchdog.h"
+#include "host/objects/HostClasses.h"
 
 namespace orvex {
 
@@ -57,6 +57,12 @@ Start ChooseStart(const HostArguments& arguments, const HostState& state) {
     return start;
 }
 
+/// The objects that the component asks its host for; the project folder is that of the window.
+host::HostClasses MakeHostClasses(const HostWindow& window) {
+    return host::HostClasses(
+        {host::DefaultSettingsFile(), [&window] { return ToWide(window.ProjectFolder()); }});
+}
+
 /// Options and state of a driven run lie in a folder of its own.
 void KeepOutOfUsersSettings(const QTemporaryDir& folder) {
     for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"}) {
@@ -71,9 +77,9 @@ int RunInteractive(int& argc, char** argv, const HostArguments& arguments) {
     HostState state(HostState::DefaultPath());
     state.dark = state.dark || arguments.dark;
     ApplyAppearance(state.dark);
-    const HostObjectsSetup objects;
     const Start start = ChooseStart(arguments, state);
     HostWindow window(state);
+    const host::HostClasses classes = MakeHostClasses(window);
     window.show();
     if (start.project.isEmpty()) {
         QMessageBox::warning(
@@ -96,7 +102,6 @@ int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     Watchdog watchdog(kPatience);
     QApplication application(argc, argv);
     ApplyAppearance(arguments.dark);
-    const HostObjectsSetup objects;
     watchdog.WaitingFor("the sample project");
     const QStringList paths =
         arguments.paths.isEmpty() ? QStringList{SampleDataFolder(SampleProjectFolder())} : arguments.paths;
@@ -104,6 +109,7 @@ int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     HostState state{QString()};
     state.dark = arguments.dark;
     HostWindow window(state);
+    const host::HostClasses classes = MakeHostClasses(window);
     window.OpenProject(arguments.projectFolder.isEmpty() ? folder.filePath("project")
                                                          : arguments.projectFolder);
     window.show();

@@ -29,19 +29,16 @@
 #include "orvexcommon/HostInterfaces.h"
 #include "orvexcommon/OptionItems.h"
 #include "orvexcommon/OrvexUtilities.h"
+#include "settings/OptionStore.h"
 
 namespace orvex {
 
 namespace {
 
-/// The tab that the dialog showed last, as the host's application object has it.
-std::int32_t LastTab(OrvexApplication* application) {
-    SettingValue value = std::int32_t{0};
-    if (application != nullptr) {
-        application->GetOptionItem(static_cast<std::int32_t>(opt2AddFilesCurTabIndex), value);
-    }
-    const auto* number = std::get_if<std::int32_t>(&value);
-    return number == nullptr ? 0 : *number;
+/// The tab that the dialog showed last; the dialog keeps it among the options for its host to read.
+std::int32_t LastTab() {
+    const std::unique_ptr<RegistryStore> registry = MakeRegistryStore();
+    return OptionStore(*registry).Get(opt2AddFilesCurTabIndex, std::int32_t{0});
 }
 
 std::unique_ptr<OrvexApplication> MakeApplicationObject() {
@@ -134,7 +131,7 @@ bool HostWindow::AddFiles(const QStringList& paths) {
     const std::unique_ptr<OrvexApplication> application = MakeApplicationObject();
     OwnedRecord record;
     record.hostApplication = application.get();
-    record.initialTab = LastTab(application.get());
+    record.initialTab = LastTab();
     record.existingLasLayers = project_.LayersForDialog();
     DropWhenOpen(this, paths);
     if (!ShowAddFilesDialog(&record)) {
