@@ -1,4 +1,5 @@
-# The reference host with the files given, or with a sample project; without a display the dialog is driven offscreen.
+# The reference host with the files given, or with a sample project; without a display the dialog is driven offscreen
+# and photographed in light and dark, and at twice the size.
 source tools/build.sh dev
 
 if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] && [ "${QT_QPA_PLATFORM:-}" != offscreen ]; then
@@ -6,4 +7,9 @@ if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] && [ "${QT_QPA_PLATFORM:-}" != offs
 fi
 mkdir -p build/pictures
 export QT_QPA_PLATFORM=offscreen
-exec build/dev/bin/orvex-host --drive --pictures build/pictures "$@"
+build/dev/bin/orvex-host --drive --pictures build/pictures -- "$@" 2> >(grep -v -e XDG_RUNTIME_DIR -e propagateSizeHints >&2)
+for look in --dark '--scale 2' '--dark --scale 2'; do
+    # shellcheck disable=SC2086  # the looks are words
+    build/dev/bin/orvex-host --drive $look --pictures build/pictures -- "$@" >/dev/null 2>&1
+done
+echo "Pictures of the dialog and the host: build/pictures/"

@@ -3,12 +3,9 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
-#include <QDialogButtonBox>
 #include <QDir>
 #include <QMessageBox>
 #include <QPixmap>
-#include <QProgressBar>
-#include <QPushButton>
 #include <QTabBar>
 #include <QTableView>
 #include <ostream>
@@ -32,33 +29,6 @@ struct TabName {
 };
 constexpr TabName kTabNames[] = {{"page363", "las"}, {"page385", "raster"}, {"page390", "feature"},
                                  {"page403", "dem"}, {"page406", "photo"},  {"page410", "cloud"}};
-
-QAbstractButton* FirstOf(QWidget* window, std::initializer_list<const char*> names) {
-    for (const char* name : names) {
-        if (auto* button = window->findChild<QAbstractButton*>(name)) {
-            return button;
-        }
-    }
-    return nullptr;
-}
-
-QAbstractButton* AgreeingButton(QWidget* window) {
-    if (auto* box = qobject_cast<QMessageBox*>(window)) {
-        for (const auto kind : {QMessageBox::Yes, QMessageBox::Ok, QMessageBox::Close}) {
-            if (auto* button = box->button(kind)) {
-                return button;
-            }
-        }
-    }
-    if (auto* buttons = window->findChild<QDialogButtonBox*>()) {
-        for (const auto kind : {QDialogButtonBox::Yes, QDialogButtonBox::Ok, QDialogButtonBox::Close}) {
-            if (auto* button = buttons->button(kind)) {
-                return button;
-            }
-        }
-    }
-    return FirstOf(window, {"yes", "ok"});
-}
 
 QString TextOf(QWidget* window) {
     const auto* box = qobject_cast<QMessageBox*>(window);
@@ -119,17 +89,17 @@ void DialogDriver::AddLasSteps() {
     });
     Add("the files to be read", idle, [this] { TakePicture(dialog_, "tab-" + CurrentTabName()); });
     Add("the button of the detail columns", idle, [this] {
-        if (auto* details = FirstOf(dialog_, {"c248"})) {
+        if (auto* details = dialog_->findChild<QAbstractButton*>("c248")) {
             details->click();
         }
     });
     Add("the detail columns", idle, [this] {
         TakePicture(dialog_, "tab-" + CurrentTabName() + "-columns");
-        if (auto* details = FirstOf(dialog_, {"c248"})) {
+        if (auto* details = dialog_->findChild<QAbstractButton*>("c248")) {
             details->click();
         }
         if (QTableView* grid = GridOf(dialog_)) {
-            grid->selectRow(0);
+            grid->selectRow(grid->model()->rowCount() / 2);
         }
     });
     Add("the details of a file", idle, [this] {
@@ -150,7 +120,7 @@ void DialogDriver::AddTabSteps() {
     Add(
         "the OK button", [this] { return IsIdle(); },
         [this] {
-            if (auto* ok = FirstOf(dialog_, {"ok"})) {
+            if (auto* ok = dialog_->findChild<QAbstractButton*>("ok")) {
                 ok->click();
             }
         });
@@ -158,10 +128,10 @@ void DialogDriver::AddTabSteps() {
         "the dialog to close", [] { return FindAddFilesDialog() == nullptr; }, [this] { dialog_ = nullptr; });
 }
 
-/// Whether no run has shown its progress for some ticks.
+/// Whether no run has lasted for some ticks: the dialog takes its OK button away while one does.
 bool DialogDriver::IsIdle() {
-    const auto* bar = dialog_ == nullptr ? nullptr : dialog_->findChild<QProgressBar*>();
-    quietTicks_ = bar != nullptr && bar->isVisible() ? 0 : quietTicks_ + 1;
+    const auto* ok = dialog_ == nullptr ? nullptr : dialog_->findChild<QAbstractButton*>("ok");
+    quietTicks_ = ok != nullptr && !ok->isEnabled() ? 0 : quietTicks_ + 1;
     if (quietTicks_ < kQuietTicks) {
         return false;
     }
@@ -184,13 +154,20 @@ void DialogDriver::Tick() {
         return;
     }
     watchdog_.WaitingFor(steps_.front().waitsFor.toStdString());
-    // A step can run an event loop of its own, in which this is called again.
-    inStep_ = true;
-    if (steps_.front().ready()) {
-        const Step step = std::move(steps_.front());
-        steps_.pop_front();
-        step.run();
+    if (!steps_.front().ready()) {
+        return;
     }
+    // A step can run an event loop of its own. The timer goes on meanwhile, which it would not from inside
+    // here.
+    inStep_ = true;
+    QMetaObject::invokeMethod(this, &DialogDriver::RunStep, Qt::QueuedConnection);
+}
+
+void DialogDriver::RunStep() {
+    const Step step = std::move(steps_.front());
+    steps_.pop_front();
+    watchdog_.WaitingFor("what follows " + step.waitsFor.toStdString());
+    step.run();
     inStep_ = false;
 }
 

@@ -39,6 +39,7 @@ class DialogDriver final : public QObject {
     };
 
     void Tick();
+    void RunStep();
     bool AnswerOtherWindow();
     void Answer(QWidget* window);
     void Add(const QString& waitsFor, std::function<bool()> ready, std::function<void()> run);

@@ -1,13 +1,33 @@
 #include "host/app/DialogDrop.h"
 
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QMessageBox>
 #include <QMimeData>
+#include <QPushButton>
 #include <QUrl>
 
 namespace orvex {
+
+namespace {
+
+/// The first button whose role agrees. Roles, because a program may have given its buttons texts of its own.
+template <typename Box>
+QAbstractButton* ButtonByRole(const Box& box) {
+    for (const auto role : {Box::YesRole, Box::AcceptRole}) {
+        for (QAbstractButton* button : box.buttons()) {
+            if (box.buttonRole(button) == role) {
+                return button;
+            }
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
 
 QWidget* FindAddFilesDialog() {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
@@ -30,6 +50,16 @@ void DropPaths(QWidget* target, const QStringList& paths) {
     QApplication::sendEvent(target, &enter);
     QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(target, &drop);
+}
+
+QAbstractButton* AgreeingButton(QWidget* window) {
+    if (const auto* box = qobject_cast<QMessageBox*>(window)) {
+        return ButtonByRole(*box);
+    }
+    if (const auto* box = window->findChild<QDialogButtonBox*>()) {
+        return ButtonByRole(*box);
+    }
+    return window->findChild<QAbstractButton*>("ok");
 }
 
 }  // namespace orvex

@@ -160,7 +160,21 @@ void FootprintView::DrawFootprints(QPainter& painter) const {
         painter.setBrush(fill);
         // Far outside the view nothing is seen, and coordinates beyond what a painter takes would go wrong.
         painter.drawRect(pixels.intersected(view.adjusted(-10, -10, 10, 10)));
+        DrawName(painter, footprint, pixels);
     }
+}
+
+/// The file's name inside its footprint, where there is room for it.
+void FootprintView::DrawName(QPainter& painter, const FootprintSet::Footprint& footprint,
+                             const QRectF& pixels) const {
+    const QFontMetrics metrics(font());
+    if (pixels.height() < 2 * metrics.height() || pixels.width() < 8 * metrics.averageCharWidth()) {
+        return;
+    }
+    const QString name = ToQString(FileNameOf(project_.layers[footprint.layer].files[footprint.file].path));
+    painter.setPen(palette().color(QPalette::Text));
+    painter.drawText(pixels, Qt::AlignCenter,
+                     metrics.elidedText(name, Qt::ElideMiddle, static_cast<int>(pixels.width()) - 8));
 }
 
 void FootprintView::DrawMarked(QPainter& painter, std::size_t footprint, int width) const {

@@ -70,6 +70,19 @@ void KeepOutOfUsersSettings(const QTemporaryDir& folder) {
     }
 }
 
+/// Without a display there is a screen all the same; it should be one that a window fits on, at any scale.
+void GiveOffscreenPlatformAScreen(const QTemporaryDir& folder) {
+    if (qgetenv("QT_QPA_PLATFORM") != "offscreen") {
+        return;
+    }
+    QFile file(folder.filePath("screen.json"));
+    if (file.open(QIODevice::WriteOnly)) {
+        file.write(R"({"screens": [{"name": "screen", "x": 0, "y": 0, "width": 3840, "height": 2400,
+                                     "logicalDpi": 96, "dpr": 1}]})");
+        qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + QFile::encodeName(file.fileName()));
+    }
+}
+
 }  // namespace
 
 int RunInteractive(int& argc, char** argv, const HostArguments& arguments) {
@@ -99,6 +112,7 @@ int RunInteractive(int& argc, char** argv, const HostArguments& arguments) {
 int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     const QTemporaryDir folder;
     KeepOutOfUsersSettings(folder);
+    GiveOffscreenPlatformAScreen(folder);
     Watchdog watchdog(kPatience);
     QApplication application(argc, argv);
     ApplyAppearance(arguments.dark);

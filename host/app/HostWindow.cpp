@@ -158,7 +158,7 @@ void HostWindow::TakeRecord(AddFilesParams& record) {
     tree_->expandAll();
     if (added.files > 0) {
         crsChoice_->setCurrentIndex(
-            crsChoice_->findData(QByteArray::fromStdString(project_.layers.back().wkt)));
+            crsChoice_->findData(QByteArray::fromStdString(project_.layers[added.mainLayer].wkt)));
         footprints_->FitAll();
     }
     statusBar()->showMessage(HostText(40882_lsid, {added.files, added.newLayers}), 8000);

@@ -1,5 +1,7 @@
 #include "host/app/Project.h"
 
+#include <algorithm>
+
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/LasFileInfo.h"
 #include "support/Text.h"
@@ -33,6 +35,37 @@ std::wstring LayerNameOf(const AddFilesParams& record, const std::wstring& path)
     return found == record.lasFileLayers.end() || found->second.empty() ? Text(40820_lsid) : found->second;
 }
 
+/// Calls `take` with the full path and the details (or null) of each file that is not skipped.
+template <typename Take>
+void ForEachFile(const AddFilesParams& record, const std::set<std::wstring>& skipped, Take take) {
+    for (const auto& [folder, names] : record.lasFiles) {
+        for (const std::wstring& name : names) {
+            const std::wstring path = JoinPath(folder, name);
+            if (!skipped.contains(path)) {
+                take(path, DetailsOf(record, path));
+            }
+        }
+    }
+}
+
+/// Adds the layers that the record's files go to and the project lacks, by name and number; returns how many.
+std::size_t MakeMissingLayers(std::vector<Layer>& layers, const AddFilesParams& record,
+                              const std::set<std::wstring>& skipped) {
+    std::map<std::pair<std::size_t, std::wstring>, std::string> wktOfLayer;
+    ForEachFile(record, skipped, [&](const std::wstring& path, const LasFileInfo* details) {
+        const std::wstring name = LayerNameOf(record, path);
+        const auto isMeant = [&](const Layer& layer) { return layer.name == name; };
+        const auto key = std::pair(name.size(), name);
+        if (!wktOfLayer.contains(key) && std::none_of(layers.begin(), layers.end(), isMeant)) {
+            wktOfLayer.emplace(key, details == nullptr ? std::string() : details->CrsWkt());
+        }
+    });
+    for (const auto& [key, wkt] : wktOfLayer) {
+        layers.push_back({key.second, wkt, {}});
+    }
+    return wktOfLayer.size();
+}
+
 }  // namespace
 
 std::wstring JoinPath(const std::wstring& folder, const std::wstring& name) {
@@ -61,27 +94,20 @@ std::map<std::wstring, std::wstring> Project::LayersForDialog() const {
 
 AddedFiles Project::Add(const AddFilesParams& record, const std::set<std::wstring>& skipped) {
     AddedFiles added;
+    added.newLayers = MakeMissingLayers(layers, record, skipped);
     std::map<std::wstring, std::size_t> placeOfLayer;
     for (std::size_t i = 0; i < layers.size(); ++i) {
         placeOfLayer.emplace(layers[i].name, i);
     }
-    for (const auto& [folder, names] : record.lasFiles) {
-        for (const std::wstring& name : names) {
-            const std::wstring path = JoinPath(folder, name);
-            if (skipped.contains(path)) {
-                continue;
-            }
-            const LasFileInfo* details = DetailsOf(record, path);
-            const std::wstring layerName = LayerNameOf(record, path);
-            const auto [place, isNew] = placeOfLayer.emplace(layerName, layers.size());
-            if (isNew) {
-                layers.push_back({layerName, details == nullptr ? std::string() : details->CrsWkt(), {}});
-                ++added.newLayers;
-            }
-            layers[place->second].files.push_back(DescribeFile(path, details, record.lasLoadSetting));
-            ++added.files;
-        }
-    }
+    std::vector<std::size_t> addedTo(layers.size());
+    ForEachFile(record, skipped, [&](const std::wstring& path, const LasFileInfo* details) {
+        const std::size_t place = placeOfLayer.at(LayerNameOf(record, path));
+        layers[place].files.push_back(DescribeFile(path, details, record.lasLoadSetting));
+        ++addedTo[place];
+        ++added.files;
+    });
+    const auto most = std::max_element(addedTo.begin(), addedTo.end());
+    added.mainLayer = static_cast<std::size_t>(most - addedTo.begin());
     return added;
 }
 
