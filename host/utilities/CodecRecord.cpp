@@ -78,16 +78,17 @@ std::optional<std::uint64_t> NumberAt(const MappedFile& file, std::uint64_t offs
 }
 
 /// The points start with the place of the table; -1 there means that the place is in the file's last 8 bytes.
-/// Chunks of one size can be found without the table, those of varying size cannot.
-bool AreChunksThere(const MappedFile& file, const LazLayout& layout, bool varies) {
+/// A writer that was interrupted leaves its own place there: then chunks of one size can still be found,
+/// those of varying size cannot.
+bool IsChunkTableThere(const MappedFile& file, const LazLayout& layout, bool varies) {
     std::optional<std::uint64_t> place = NumberAt(file, layout.offsetToPoints);
-    if (!place || !varies) {
-        return place.has_value();
-    }
-    if (*place == std::numeric_limits<std::uint64_t>::max()) {
+    if (place == std::numeric_limits<std::uint64_t>::max()) {
         place = NumberAt(file, layout.fileSize - 8);
     }
-    if (!place || *place <= layout.offsetToPoints || *place >= layout.fileSize) {
+    if (place == layout.offsetToPoints) {
+        return !varies;
+    }
+    if (!place || *place < layout.offsetToPoints || *place >= layout.fileSize) {
         return false;
     }
     const std::vector<std::byte> table = ReadPart(file, *place, 8);
@@ -114,7 +115,8 @@ void RequireUsableCodecRecord(const std::wstring& path, const LazLayout& layout)
         Fail(40308_lsid, path);
     }
     const bool varies = record->Read<std::uint32_t>(12) == kVaryingChunks;
-    if (compressor >= kFirstChunkedCompressor && layout.hasPoints && !AreChunksThere(file, layout, varies)) {
+    if (compressor >= kFirstChunkedCompressor && layout.hasPoints &&
+        !IsChunkTableThere(file, layout, varies)) {
         Fail(40309_lsid, path);
     }
 }

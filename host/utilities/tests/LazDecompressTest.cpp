@@ -216,6 +216,12 @@ TEST(LazDecompress, BrokenFilesGiveAReason) {
              Case{"too many items", patchCodec(32, Bytes(std::uint16_t{0xFFFF}))},
              Case{"an unknown item", patchCodec(34, Bytes(std::uint16_t{99}))},
              Case{"an item of the wrong size", patchCodec(36, Bytes(std::uint16_t{21}))},
+             Case{"half a table of chunks",
+                  [](const auto& path) {
+                      const std::string bytes = ReadFile(path);
+                      const auto table = At<std::uint64_t>(bytes, At<std::uint32_t>(bytes, 96));
+                      std::filesystem::resize_file(ToPath(path), table + 5);
+                  }},
              Case{"varying chunks without a table",
                   [&](const auto& path) {
                       patchCodec(12, Bytes(0xFFFFFFFFU))(path);
