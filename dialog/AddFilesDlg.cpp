@@ -116,7 +116,7 @@ std::int32_t AddFilesDlg::Initialise() {
         return result;
     }
     setWindowIcon(ApplicationIcon());
-    resize(FitToScreen(*this, kDefaultSize));
+    resize(kDefaultSize);
     tabs_->Select(params_.initialTab);
     // Ctrl held while the dialog opens brings back its first size and place.
     if (!QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ControlModifier)) {
@@ -197,11 +197,26 @@ void AddFilesDlg::done(int result) {
 }
 
 void AddFilesDlg::OnRunningChanged(bool running) {
+    if (running) {
+        focusBeforeRun_ = focusWidget();
+    }
     ok_->setEnabled(!running);
-    tabs_->tabBar()->setEnabled(!running);
     stop_->setVisible(running);
     setAcceptDrops(!running);
     inputFilter_->SetActive(running);
+    if (!running) {
+        // The run took the focus from whatever it disabled, mostly to Cancel, where Enter would throw all
+        // away. The page enables its controls when it hears of the end, which may be after this.
+        QMetaObject::invokeMethod(this, &AddFilesDlg::RestoreFocus, Qt::QueuedConnection);
+    }
+}
+
+void AddFilesDlg::RestoreFocus() {
+    if (focusBeforeRun_ && focusBeforeRun_->isEnabled() && focusBeforeRun_->isVisible()) {
+        focusBeforeRun_->setFocus();
+    } else if (cancel_->hasFocus()) {
+        ok_->setFocus();
+    }
 }
 
 // A key held down must not stop a run and then close the dialog.

@@ -1,6 +1,7 @@
 #pragma once
 #include <QDialog>
 #include <QIcon>
+#include <QPointer>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -60,6 +61,7 @@ class AddFilesDlg : public QDialog {
     void BuildWindow();
     QHBoxLayout* BuildBottomRow();
     void OnRunningChanged(bool running);
+    void RestoreFocus();
     bool StorePages();
     std::int32_t AskHostApplication();
     AddFilesPage* PageFor(const std::vector<std::wstring>& paths) const;
@@ -74,6 +76,7 @@ class AddFilesDlg : public QDialog {
     QPushButton* cancel_;
     DialogProgress* progress_;
     RunInputFilter* inputFilter_;
+    QPointer<QWidget> focusBeforeRun_;
 };
 
 }  // namespace orvex

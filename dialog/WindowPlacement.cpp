@@ -44,9 +44,4 @@ bool RestoreWindowPlacement(QWidget& window, const OptionStore& options, const w
     return true;
 }
 
-QSize FitToScreen(const QWidget& window, QSize wanted) {
-    const QScreen* screen = window.screen();
-    return screen == nullptr ? wanted : wanted.boundedTo(screen->availableGeometry().size());
-}
-
 }  // namespace orvex

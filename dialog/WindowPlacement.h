@@ -1,5 +1,4 @@
 #pragma once
-#include <QSize>
 
 class QWidget;
 
@@ -13,8 +12,5 @@ void SaveWindowPlacement(const QWidget& window, const OptionStore& options, cons
 /// Brings a window back to where it was stored, and onto a visible monitor whatever was stored. False when
 /// nothing usable is stored; the window is then left as it is.
 bool RestoreWindowPlacement(QWidget& window, const OptionStore& options, const wchar_t* name);
-
-/// A size cut to what the window's monitor has room for.
-QSize FitToScreen(const QWidget& window, QSize wanted);
 
 }  // namespace orvex

@@ -282,7 +282,7 @@ TEST_F(Shell, PlacementComesBackUnlessCtrlIsHeld) {
     {
         const auto dialog = Open();
         EXPECT_EQ(dialog->minimumSize(), QSize(800, 400));
-        EXPECT_EQ(dialog->width(), qMin(1024, dialog->screen()->availableSize().width()));
+        EXPECT_EQ(dialog->size(), QSize(1024, 768));
         dialog->resize(811, 433);
         dialog->reject();
     }
@@ -305,7 +305,7 @@ TEST_F(Shell, PlacementComesBackUnlessCtrlIsHeld) {
 TEST_F(Shell, AnUnusablePlacementIsIgnoredAndAnUnreachableOneMovedIntoSight) {
     options.WritePlacement(L"AddFilesDlgA", "not a placement");
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    EXPECT_EQ(Open()->width(), qMin(1024, screen.width()));
+    EXPECT_EQ(Open()->size(), QSize(1024, 768));
     QWidget far;
     far.setGeometry(QRect(screen.right() + 5000, screen.bottom() + 5000, 810, 410));
     options.WritePlacement(L"AddFilesDlgA", far.saveGeometry().toStdString());
@@ -337,6 +337,21 @@ TEST_F(Shell, ARunLocksWhatCouldStartAnother) {
     }
     QTest::mouseClick(act, Qt::LeftButton);
     EXPECT_THAT(journal.lines, ElementsAre("act las"));
+}
+
+TEST_F(Shell, TheFocusComesBackAfterARun) {
+    const auto dialog = Open();
+    dialog->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+    auto* act = dialog->findChild<QPushButton*>(QStringLiteral("act"));
+    act->setFocus();
+    {
+        const DialogProgress::Run run(*journal.progress);
+        act->setEnabled(false);
+        EXPECT_FALSE(act->hasFocus());
+    }
+    act->setEnabled(true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return act->hasFocus(); }));
 }
 
 TEST_F(Shell, EveryWayOfClosingStopsARunAndASecondPressLosesNothing) {
