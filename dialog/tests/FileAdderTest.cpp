@@ -60,6 +60,7 @@ class FileAdding : public ::testing::Test {
 
     std::vector<std::wstring> Paths() const {
         std::vector<std::wstring> paths;
+        paths.reserve(rows.size());
         for (const Row& row : rows) {
             paths.push_back(row.path);
         }
