@@ -1,0 +1,412 @@
+#include "las/AddLASFilesPP.h"
+
+#include <gmock/gmock.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDropEvent>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QTest>
+#include <QTextEdit>
+#include <QUrl>
+#include <filesystem>
+
+#include "dialog/DialogProgress.h"
+#include "dialog/Images.h"
+#include "dialog/grid/GridView.h"
+#include "host/utilities/tests/LazSamples.h"
+#include "las/AddLASFilesModel.h"
+#include "las/LasColumns.h"
+#include "las/testing/LasBuilder.h"
+#include "settings/OptionStore.h"
+#include "settings/testing/FakeHostObjects.h"
+#include "settings/testing/FakeRegistry.h"
+#include "support/Format.h"
+#include "support/QtText.h"
+#include "support/testing/Scripted.h"
+#include "support/testing/TemporaryFolder.h"
+
+namespace orvex {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+class LasPage : public ::testing::Test {
+  protected:
+    LasPage() { MakePage(); }
+
+    void MakePage() {
+        page.reset();
+        page = std::make_unique<AddLASFilesPP>(PageContext{services, &params, progress, images});
+        page->resize(1000, 700);
+        page->show();
+    }
+    std::wstring Las(const std::wstring& name, int epsg = 25832) const {
+        return folder.Write(
+            name,
+            testing::LasBuilder(12, 1).AddPoints(9).ProjectedEpsg(static_cast<std::uint16_t>(epsg)).Build());
+    }
+    std::wstring Laz(const std::wstring& name) const {
+        testing::WriteSample(folder.Name(name), {}, true);
+        return folder.Name(name);
+    }
+    std::vector<std::wstring> ManyLas(int count) const {
+        std::vector<std::wstring> paths;
+        for (int i = 0; i < count; ++i) {
+            paths.push_back(Las(L"tile" + std::to_wstring(i) + L".las"));
+        }
+        return paths;
+    }
+
+    template <typename Widget>
+    Widget* Find(const char* name) const {
+        auto* widget = page->findChild<Widget*>(QString::fromLatin1(name));
+        EXPECT_NE(widget, nullptr) << name;
+        return widget;
+    }
+    void Click(const char* name) const { QTest::mouseClick(Find<QAbstractButton>(name), Qt::LeftButton); }
+    /// A click on the mark of a check box or radio button, which is at its left.
+    void Check(const char* name) const {
+        auto* button = Find<QAbstractButton>(name);
+        QTest::mouseClick(button, Qt::LeftButton, {}, {8, button->height() / 2});
+    }
+    bool Enabled(const char* name) const { return Find<QWidget>(name)->isEnabled(); }
+    void PickAndAdd(std::vector<std::wstring> paths) {
+        pickers.files.push_back({PickOutcome::Picked, std::move(paths)});
+        Click("c253");
+    }
+    GridView& Grid() const { return *Find<GridView>("c251"); }
+    std::vector<std::wstring> Names() const {
+        std::vector<std::wstring> names;
+        for (const LasRow& row : page->Model().Rows()) {
+            names.push_back(FileNameOf(row.inspection.path));
+        }
+        return names;
+    }
+    std::vector<std::wstring> Layers() const {
+        std::vector<std::wstring> layers;
+        for (const LasRow& row : page->Model().Rows()) {
+            layers.push_back(row.layer);
+        }
+        return layers;
+    }
+
+    testing::TemporaryFolder folder;
+    testing::ScriptedPrompts prompts;
+    testing::ScriptedPickers pickers;
+    testing::RecordingHelpViewer help;
+    testing::FakeRegistry registry;
+    OptionStore options{registry};
+    testing::FakeHostObjects host;
+    DialogServices services{prompts, pickers, help, options, host};
+    AddFilesParams params;
+    QProgressBar bar;
+    DialogProgress progress{&bar};
+    std::vector<QIcon> images = MakeImageList();
+    std::unique_ptr<AddLASFilesPP> page;
+};
+
+TEST_F(LasPage, EveryControlIsThereWithCaptionAndTooltip) {
+    const std::pair<const char*, unsigned> captions[] = {
+        {"c252", 13463}, {"c253", 13462}, {"c254", 13464}, {"c255", 13465}, {"c259", 13469},
+        {"c260", 13470}, {"c262", 41001}, {"c263", 41002}, {"c268", 41005}, {"c269", 41006},
+        {"c270", 41007}, {"c280", 13658}, {"c281", 3256},  {"c283", 41004}, {"c284", 41008},
+        {"c376", 41010}, {"c377", 41011}, {"c378", 41012}, {"c417", 41013}};
+    for (const auto& [name, id] : captions) {
+        auto* button = Find<QAbstractButton>(name);
+        EXPECT_EQ(ToWide(button->text()), Text(StringId{id})) << name;
+        EXPECT_FALSE(button->toolTip().isEmpty()) << name;
+    }
+    for (const char* name :
+         {"c247", "c248", "c249", "c250", "c251", "c258", "c261", "c264", "c266", "c267", "c282", "c375"}) {
+        Find<QWidget>(name);
+    }
+    EXPECT_EQ(ToWide(Grid().ShownMessage()), Text(40674_lsid));
+    for (const char* name : {"c254", "c255", "c249"}) {
+        EXPECT_FALSE(Enabled(name)) << name;
+    }
+}
+
+TEST_F(LasPage, PickedFilesAreListedOnceWhateverTheirLetterCase) {
+    const std::wstring a = Las(L"a.las");
+    const std::wstring upper = FolderOf(a) + L"/A.LAS";
+    PickAndAdd({a, upper, Las(L"b.las")});
+    PickAndAdd({upper, a});
+    EXPECT_THAT(Names(), ElementsAre(L"a.las", L"b.las"));
+    EXPECT_THAT(prompts.shown, IsEmpty());
+    ASSERT_FALSE(pickers.asked.empty());
+    EXPECT_EQ(pickers.asked[0].filters[0].caption, L"LAS Files (*.las)");
+    EXPECT_EQ(pickers.asked[0].bufferCharacters, 130261U);
+    EXPECT_TRUE(Enabled("c255"));
+}
+
+TEST_F(LasPage, ALazFileAndItsLasFileAreOneFile) {
+    const std::wstring laz = Laz(L"a.laz");
+    const std::wstring las = Las(L"a.las");
+    PickAndAdd({las});
+    PickAndAdd({laz});
+    EXPECT_THAT(Names(), ElementsAre(L"a.las"));
+    Click("c255");
+    PickAndAdd({laz, las});
+    EXPECT_THAT(Names(), ElementsAre(L"a.laz"));
+}
+
+TEST_F(LasPage, PickerFailuresAreToldAndAddNothing) {
+    const std::pair<PickOutcome, unsigned> cases[] = {{PickOutcome::BufferTooSmall, 10048},
+                                                      {PickOutcome::OutOfMemory, 10052}};
+    for (const auto& [outcome, text] : cases) {
+        pickers.files.push_back({outcome, {}});
+        Click("c253");
+        ASSERT_FALSE(prompts.shown.empty());
+        EXPECT_EQ(prompts.shown.back().text, Text(StringId{text}));
+        EXPECT_EQ(prompts.shown.back().caption, Text(10184_lsid));
+        EXPECT_EQ(prompts.shown.back().icon, PromptIcon::Error);
+    }
+    Click("c253");
+    EXPECT_THAT(prompts.shown, SizeIs(2)) << "a cancelled picker says nothing";
+    EXPECT_EQ(page->Model().rowCount(), 0);
+}
+
+TEST_F(LasPage, TheTenthRowAsksOnceWhetherToGoOn) {
+    prompts.answers = {PromptAnswer::No};
+    const auto paths = ManyLas(12);
+    PickAndAdd(paths);
+    EXPECT_EQ(page->Model().rowCount(), 10);
+    ASSERT_THAT(prompts.shown, SizeIs(1));
+    EXPECT_EQ(prompts.shown[0].text, FormatText(Text(13656_lsid), {12}));
+    EXPECT_EQ(prompts.shown[0].caption, Text(13657_lsid));
+    EXPECT_THAT(Layers(), Contains(L"LAS Layer_1").Times(10)) << "what was added has its layer";
+    PickAndAdd(paths);
+    EXPECT_EQ(page->Model().rowCount(), 12);
+    EXPECT_THAT(prompts.shown, SizeIs(1));
+}
+
+TEST_F(LasPage, EscapeKeepsWhatWasAddedUntilThen) {
+    constexpr int kMoreThanWait = 900;  // than can be read ahead of the rows
+    QObject::connect(&page->Model(), &GridModel::RecordsChanged, [this] { progress.Stop(); });
+    PickAndAdd(ManyLas(kMoreThanWait));
+    EXPECT_GT(page->Model().rowCount(), 0);
+    EXPECT_LT(page->Model().rowCount(), kMoreThanWait);
+    EXPECT_FALSE(page->Model().Rows().front().layer.empty());
+    EXPECT_TRUE(Enabled("c253")) << "the page is usable again";
+}
+
+TEST_F(LasPage, AFolderIsSearchedAsTheAnswerSays) {
+    Las(L"in/a.las");
+    Laz(L"b.laz");
+    Las(L"in/deep/c.LAS");
+    folder.Write(L"in/readme.txt", "no LAS file");
+    std::filesystem::rename(folder.Path() / "b.laz", folder.Path() / "in" / "b.laz");
+    const struct {
+        PromptAnswer answer;
+        std::vector<std::wstring> names;
+    } cases[] = {{PromptAnswer::Cancel, {}},
+                 {PromptAnswer::No, {L"a.las", L"b.laz"}},
+                 {PromptAnswer::Yes, {L"a.las", L"b.laz", L"c.LAS"}}};
+    for (const auto& c : cases) {
+        pickers.folders = {folder.Name(L"in")};
+        prompts.answers = {c.answer};
+        Click("c252");
+        EXPECT_THAT(Names(), ::testing::UnorderedElementsAreArray(c.names));
+        EXPECT_EQ(prompts.shown.back().text, Text(13556_lsid));
+        EXPECT_EQ(prompts.shown.back().buttons, PromptButtons::YesNoCancel);
+        page->Release();
+    }
+}
+
+TEST_F(LasPage, DroppedFilesAreAddedByTheirExtension) {
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(ToQString(Las(L"a.LAS"))),
+                  QUrl::fromLocalFile(ToQString(Laz(L"b.laz"))),
+                  QUrl::fromLocalFile(ToQString(folder.Write(L"c.txt", "text")))});
+    QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(page.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(page.get(), &drop);
+    EXPECT_THAT(Names(), ElementsAre(L"a.LAS", L"b.laz"));
+    EXPECT_TRUE(page->Accepts(folder.Name({})));
+    EXPECT_FALSE(page->Accepts(L"/nowhere/c.tif"));
+}
+
+TEST_F(LasPage, RemovingFreesTheRowsAndNamesTheLayersAnew) {
+    PickAndAdd({Las(L"a.las", 25832), Las(L"b.las", 28992), Las(L"c.las", 28992)});
+    EXPECT_THAT(Layers(), ElementsAre(L"LAS Layer_1", L"LAS Layer_2", L"LAS Layer_2"));
+    Grid().SelectRows({0});
+    EXPECT_TRUE(Enabled("c254"));
+    Click("c254");
+    EXPECT_THAT(Names(), ElementsAre(L"b.las", L"c.las"));
+    EXPECT_THAT(Layers(), ElementsAre(L"LAS Layer_1", L"LAS Layer_1"));
+    EXPECT_THAT(Grid().SelectedRows(), IsEmpty());
+    EXPECT_FALSE(Enabled("c254"));
+    Click("c255");
+    EXPECT_EQ(page->Model().rowCount(), 0);
+    EXPECT_FALSE(Enabled("c255"));
+}
+
+TEST_F(LasPage, TheLayerOptionsRenameAtOnce) {
+    const std::wstring a = Las(L"a.las");
+    params.existingLasLayers = {{L"Survey", FromUtf8(InspectLasFile(a).crs->sourceWkt)}};
+    PickAndAdd({a, Las(L"b.las", 28992)});
+    EXPECT_THAT(Layers(), ElementsAre(L"Survey", L"LAS Layer_1"));
+    Check("c281");
+    EXPECT_THAT(Layers(), ElementsAre(L"Survey", L"Survey"));
+    Check("c280");
+    EXPECT_THAT(Layers(), ElementsAre(L"LAS Layer_1", L"LAS Layer_1"));
+}
+
+TEST_F(LasPage, OpenModeAndPyramidTypeDecideWhatCanBeChosen) {
+    EXPECT_FALSE(Enabled("c268"));
+    Check("c260");
+    EXPECT_TRUE(Enabled("c268"));
+    EXPECT_TRUE(Enabled("c377"));
+    Check("c269");
+    EXPECT_FALSE(Enabled("c377"));
+    EXPECT_FALSE(Enabled("c284"));
+    Check("c268");
+    EXPECT_TRUE(Enabled("c417"));
+    Check("c263");
+    EXPECT_FALSE(Enabled("c268"));
+}
+
+TEST_F(LasPage, DetailColumnsAreToggledAndRemembered) {
+    auto* toggle = Find<QAbstractButton>("c248");
+    EXPECT_EQ(toggle->text(), ">>");
+    EXPECT_FALSE(Grid().DetailColumnsShown());
+    Click("c248");
+    EXPECT_EQ(toggle->text(), "<<");
+    EXPECT_TRUE(Grid().IsColumnShown(IndexOf(LasColumn::Software)));
+    EXPECT_FALSE(Grid().IsColumnShown(IndexOf(LasColumn::Path)));
+    ASSERT_TRUE(page->ValidateAndStore());
+    MakePage();
+    EXPECT_TRUE(Grid().DetailColumnsShown());
+    Click("c248");
+    EXPECT_FALSE(Grid().IsColumnShown(IndexOf(LasColumn::Software)));
+}
+
+TEST_F(LasPage, AThinningThatIsTooSmallRefuses) {
+    PickAndAdd({Las(L"a.las")});
+    for (const char* text : {"1", "0", ""}) {
+        Find<QLineEdit>("c267")->setText(text);
+        EXPECT_FALSE(page->ValidateAndStore());
+        EXPECT_EQ(prompts.shown.back().text, Text(7669_lsid));
+        EXPECT_EQ(prompts.shown.back().caption, Text(7670_lsid));
+    }
+    EXPECT_THAT(prompts.shown, SizeIs(3));
+    EXPECT_THAT(params.lasFiles, IsEmpty());
+    Find<QLineEdit>("c267")->setText("300");
+    EXPECT_TRUE(page->ValidateAndStore());
+    EXPECT_EQ(params.lasThinning, 256);
+    page->Release();
+}
+
+TEST_F(LasPage, OkCanComeTwiceAndCancelAfterItFreesEverything) {
+    PickAndAdd({Las(L"a.las"), Laz(L"b.laz")});
+    Check("c260");
+    ASSERT_TRUE(page->ValidateAndStore());
+    ASSERT_TRUE(page->ValidateAndStore());
+    EXPECT_THAT(params.lasFileDetails, SizeIs(2));
+    EXPECT_THAT(params.lasFiles.begin()->second, ElementsAre(L"a.las", L"b.las"));
+    EXPECT_TRUE(params.lasOpenSetting);
+
+    Grid().SelectRows({0});
+    Click("c254");
+    EXPECT_THAT(params.lasFileDetails, IsEmpty()) << "the record names no file that is not listed";
+    ASSERT_TRUE(page->ValidateAndStore());
+    EXPECT_THAT(params.lasFileDetails, SizeIs(1));
+    page->Release();
+    page->Release();
+    EXPECT_THAT(params.lasFiles, IsEmpty());
+    EXPECT_THAT(params.lasFileDetails, IsEmpty());
+    EXPECT_FALSE(params.lasOpenSetting);
+}
+
+TEST_F(LasPage, AfterOkTheFilesBelongToTheHost) {
+    const std::wstring path = Las(L"a.las");
+    PickAndAdd({path});
+    ASSERT_TRUE(page->ValidateAndStore());
+    page.reset();
+    const std::unique_ptr<LasFileInfo> file(params.lasFileDetails.at(path));
+    EXPECT_EQ(file->GetPointCount(), 9U);
+    EXPECT_EQ(params.lasFileLayers.at(path), L"LAS Layer_1");
+}
+
+TEST_F(LasPage, FilesThatCannotBeOpenedAreNamedInOneMessage) {
+    const std::wstring a = Las(L"a.las");
+    const std::wstring b = Las(L"b.las");
+    PickAndAdd({a, b, Las(L"c.las")});
+    std::filesystem::remove(ToPath(a));
+    std::filesystem::remove(ToPath(b));
+    Check("c260");
+    EXPECT_FALSE(page->ValidateAndStore());
+    ASSERT_THAT(prompts.shown, SizeIs(1));
+    EXPECT_THAT(prompts.shown[0].text, HasSubstr(a));
+    EXPECT_THAT(prompts.shown[0].text, HasSubstr(b));
+    EXPECT_EQ(page->Model().rowCount(), 3);
+    EXPECT_THAT(params.lasFiles, IsEmpty());
+}
+
+TEST_F(LasPage, RefreshReadsTheFilesAgain) {
+    const std::wstring path = Las(L"a.las");
+    PickAndAdd({path, Las(L"b.las")});
+    folder.Write(L"a.las", testing::LasBuilder(14, 6).AddPoints(25).Build());
+    Click("c249");
+    EXPECT_EQ(page->Model().Rows()[0].inspection.file->GetPointCount(), 25U);
+    EXPECT_THAT(Names(), ElementsAre(L"a.las", L"b.las"));
+    EXPECT_THAT(Layers(), ElementsAre(L"LAS Layer_1", L"LAS Layer_2"));
+}
+
+TEST_F(LasPage, CompanionFilesAreNeededWhileAFileHasNone) {
+    EXPECT_FALSE(page->NeedsCompanionFiles());
+    const std::wstring path = Las(L"a.las");
+    folder.Write(L"a.qvr", "index");
+    PickAndAdd({path});
+    EXPECT_FALSE(page->NeedsCompanionFiles());
+    PickAndAdd({Las(L"b.las")});
+    EXPECT_TRUE(page->NeedsCompanionFiles());
+}
+
+TEST_F(LasPage, TheDetailsFollowTheSelection) {
+    PickAndAdd({Las(L"a.las"), Las(L"b.las")});
+    auto* overview = Find<QTextEdit>("detailsOverview");
+    Grid().SelectRows({1});
+    EXPECT_THAT(ToWide(Find<QTextEdit>("detailsCrs")->toPlainText()), HasSubstr(L"25832"));
+    EXPECT_THAT(ToWide(Find<QPlainTextEdit>("detailsRecords")->toPlainText()), HasSubstr(L"LASF_Projection"));
+    EXPECT_THAT(ToWide(overview->toPlainText()), HasSubstr(Text(40664_lsid)));
+    Grid().SelectRows({0, 1});
+    EXPECT_THAT(ToWide(overview->toPlainText()), HasSubstr(L"18"));
+    Grid().ClearSelection();
+    EXPECT_EQ(ToWide(overview->toPlainText()), Text(40634_lsid));
+}
+
+TEST_F(LasPage, TheDetailsPaneRemembersThatItWasFolded) {
+    auto* tabs = Find<QWidget>("detailsTabs");
+    EXPECT_TRUE(tabs->isVisible());
+    Click("detailsFold");
+    EXPECT_FALSE(tabs->isVisible());
+    MakePage();
+    EXPECT_FALSE(Find<QWidget>("detailsTabs")->isVisible());
+    Click("detailsFold");
+    EXPECT_TRUE(Find<QWidget>("detailsTabs")->isVisible());
+    page->resize(800, 300);
+    EXPECT_FALSE(Find<QWidget>("detailsTabs")->isVisible()) << "no room";
+    page->resize(1000, 700);
+    EXPECT_TRUE(Find<QWidget>("detailsTabs")->isVisible());
+}
+
+TEST_F(LasPage, F1OpensTheManual) {
+    page->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(page.get()));
+    QTest::keyClick(Find<QWidget>("c253"), Qt::Key_F1);
+    EXPECT_THAT(help.shown, ElementsAre(HelpTopic::LasFiles));
+}
+
+}  // namespace
+}  // namespace orvex
