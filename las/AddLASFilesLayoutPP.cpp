@@ -163,12 +163,10 @@ void AddLASFilesPP::ConnectGroups() {
 void AddLASFilesPP::PaneShown(bool shown) {
     if (!shown) {
         paneHeight_ = splitter_->sizes().last();
-        details_->setMaximumHeight(details_->minimumSizeHint().height());
-        return;
     }
-    details_->setMaximumHeight(QWIDGETSIZE_MAX);
-    const int all = splitter_->height();
-    splitter_->setSizes({all - paneHeight_, paneHeight_});
+    details_->setMaximumHeight(shown ? QWIDGETSIZE_MAX : details_->TitleHeight());
+    const int height = shown ? paneHeight_ : details_->TitleHeight();
+    splitter_->setSizes({splitter_->height() - height, height});
 }
 
 void AddLASFilesPP::resizeEvent(QResizeEvent* event) {

@@ -46,7 +46,8 @@ GridCell ShortestOf(const LasRow& row) {
     if (row.inspection.file == nullptr) {
         return {};
     }
-    return FormatText(L"%.15g", {(row.inspection.file->Header().*Triple)()[Axis]});
+    // Adding zero turns a negative zero into zero.
+    return FormatText(L"%.15g", {(row.inspection.file->Header().*Triple)()[Axis] + 0.0});
 }
 
 template <auto Getter>
@@ -318,6 +319,12 @@ std::wstring LasCellText(const LasRow& row, LasColumn column) {
 }
 
 const wchar_t* LasNumberFormat(const LasRow& row, LasColumn column) {
+    constexpr double kSparse = 0.1;
+    if (column == LasColumn::Density) {
+        const GridCell density = Density(row);
+        const auto* number = std::get_if<double>(&density);
+        return number != nullptr && *number < kSparse ? L"%.6f" : nullptr;
+    }
     const bool horizontal = column == LasColumn::MinimumX || column == LasColumn::MinimumY ||
                             column == LasColumn::MaximumX || column == LasColumn::MaximumY;
     return horizontal && row.inspection.crs != nullptr && row.inspection.crs->isGeographic ? L"%.8lf"

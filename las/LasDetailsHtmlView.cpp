@@ -38,7 +38,7 @@ QString FieldsHtml(std::span<const LasDetailField> fields, const QString& captio
     QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"1\">");
     for (const LasDetailField& field : fields) {
         html += QStringLiteral(
-                    "<tr><td style=\"color:%1; padding-right:10px; white-space:nowrap\">%2</td>"
+                    "<tr><td style=\"color:%1; padding-right:8px; white-space:nowrap\">%2</td>"
                     "<td>%3</td></tr>")
                     .arg(captionColour, Escaped(Text(field.caption)), Escaped(field.value));
     }
@@ -49,7 +49,7 @@ QString SectionsHtml(std::span<const LasDetailSection> sections, const QString& 
     QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"0\" style=\"margin-top:8px\"><tr>");
     for (const LasDetailSection& section : sections) {
         html += QStringLiteral(
-                    "<td style=\"padding-right:20px\"><p style=\"margin-bottom:3px\"><b>%1</b></p>%2</td>")
+                    "<td style=\"padding-right:14px\"><p style=\"margin-bottom:3px\"><b>%1</b></p>%2</td>")
                     .arg(Escaped(Text(section.title)), FieldsHtml(section.fields, captionColour));
     }
     return html + QStringLiteral("</tr></table>");

@@ -68,13 +68,14 @@ LasDetailsPanel::LasDetailsPanel(std::vector<QIcon> images, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
-    layout->addWidget(MakeTitle());
+    MakeTitle();
+    layout->addWidget(titleRow_);
     layout->addWidget(tabs_, 1);
     ShowNothing();
 }
 
-QWidget* LasDetailsPanel::MakeTitle() {
-    auto* row = new QWidget;
+void LasDetailsPanel::MakeTitle() {
+    titleRow_ = new QWidget;
     fold_ = new QToolButton;
     fold_->setObjectName(QStringLiteral("detailsFold"));
     fold_->setAutoRaise(true);
@@ -85,12 +86,15 @@ QWidget* LasDetailsPanel::MakeTitle() {
     title_ = new QLabel;
     title_->setObjectName(QStringLiteral("detailsTitle"));
     title_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    auto* layout = new QHBoxLayout(row);
+    auto* layout = new QHBoxLayout(titleRow_);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(fold_);
     layout->addWidget(title_, 1);
     connect(fold_, &QToolButton::clicked, this, [this] { SetFolded(!IsFolded()); });
-    return row;
+}
+
+int LasDetailsPanel::TitleHeight() const {
+    return titleRow_->sizeHint().height();
 }
 
 void LasDetailsPanel::SetFolded(bool folded) {

@@ -32,6 +32,8 @@ class LasDetailsPanel final : public QWidget {
     /// The window has no room for the pane.
     void SetCrowded(bool crowded);
     bool IsBodyShown() const { return !folded_ && !crowded_; }
+    /// Height of what remains of a folded pane.
+    int TitleHeight() const;
 
   signals:
     void BodyShownChanged(bool shown);
@@ -41,7 +43,7 @@ class LasDetailsPanel final : public QWidget {
     void changeEvent(QEvent* event) override;
 
   private:
-    QWidget* MakeTitle();
+    void MakeTitle();
     void ShowNothing();
     void ShowOne(const LasRow& row);
     void ShowTotals(const LasTotals& totals);
@@ -53,6 +55,7 @@ class LasDetailsPanel final : public QWidget {
     std::vector<QIcon> images_;
     bool folded_ = false;
     bool crowded_ = false;
+    QWidget* titleRow_ = nullptr;
     QToolButton* fold_ = nullptr;
     QLabel* title_ = nullptr;
     QTabWidget* tabs_ = nullptr;

@@ -389,8 +389,10 @@ TEST_F(LasPage, TheDetailsFollowTheSelection) {
 TEST_F(LasPage, TheDetailsPaneRemembersThatItWasFolded) {
     auto* tabs = Find<QWidget>("detailsTabs");
     EXPECT_TRUE(tabs->isVisible());
+    const int gridHeight = Grid().height();
     Click("detailsFold");
     EXPECT_FALSE(tabs->isVisible());
+    EXPECT_GT(Grid().height(), gridHeight + 100) << "the grid takes the room";
     MakePage();
     EXPECT_FALSE(Find<QWidget>("detailsTabs")->isVisible());
     Click("detailsFold");

@@ -126,6 +126,12 @@ TEST_F(LasCells, DegreesHaveMoreDecimalsAndNoDensity) {
     EXPECT_THAT(LasCellText(row, LasColumn::Spacing), IsEmpty());
 }
 
+TEST_F(LasCells, SmallAndNegativeZeroNumbersStayReadable) {
+    const LasRow row = Row(LasBuilder(12, 0).Offset(-0.0, 0, 0).AddPoint(0, 0, 0).AddPoint(1000, 100, 0));
+    EXPECT_EQ(LasCellText(row, LasColumn::OffsetX), L"0");
+    EXPECT_EQ(LasCellText(row, LasColumn::Density), L"0.000020");
+}
+
 TEST_F(LasCells, NumbersThatAreNoneAreLeftOut) {
     constexpr std::size_t kMaximumX = 179;
     const LasRow row =
