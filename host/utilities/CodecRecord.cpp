@@ -24,7 +24,7 @@ constexpr std::uint32_t kVaryingChunks = std::numeric_limits<std::uint32_t>::max
 
 /// Bytes of an item by its kind; 0 for kinds whose size is free (extra bytes) or that are not used in files.
 constexpr std::array<std::uint16_t, 15> kItemSizes = {0, 0, 0, 0, 0, 0, 20, 8, 6, 29, 30, 6, 8, 29, 0};
-constexpr std::uint16_t kExtraBytes = 0, kExtraBytes14 = 14;
+constexpr std::uint16_t kExtraBytes = 0, kFirstLayeredItem = 10, kExtraBytes14 = 14;
 
 [[noreturn]] void Fail(StringId text, const std::wstring& path) {
     throw LDataError(FormatText(Text(text), {path}));
@@ -64,7 +64,12 @@ bool AreItemsRight(const ByteReader& record, std::uint16_t recordLength) {
         const auto kind = record.Read<std::uint16_t>(kItemsOffset + i * kItemSize);
         const auto size = record.Read<std::uint16_t>(kItemsOffset + i * kItemSize + 2);
         const bool isFree = kind == kExtraBytes || kind == kExtraBytes14;
-        if (kind >= kItemSizes.size() || size == 0 || (!isFree && size != kItemSizes[kind])) {
+        // Version 0 would say that the item is not compressed.
+        const auto version = record.Read<std::uint16_t>(kItemsOffset + i * kItemSize + 4);
+        const bool isVersionKnown =
+            kind < kFirstLayeredItem ? version >= 1 && version <= 2 : version >= 2 && version <= 4;
+        if (kind >= kItemSizes.size() || !isVersionKnown || size == 0 ||
+            (!isFree && size != kItemSizes[kind])) {
             return false;
         }
         total += size;
@@ -93,7 +98,8 @@ bool IsChunkTableThere(const MappedFile& file, const LazLayout& layout, bool var
     }
     const std::vector<std::byte> table = ReadPart(file, *place, 8);
     const auto chunks = ByteReader(table).TryRead<std::uint32_t>(4);
-    return chunks && *chunks > 0 && *chunks <= layout.fileSize;
+    return ByteReader(table).Read<std::uint32_t>(0) == 0 && chunks && *chunks > 0 &&
+           *chunks <= layout.fileSize;
 }
 
 }  // namespace

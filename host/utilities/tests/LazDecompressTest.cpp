@@ -216,6 +216,7 @@ TEST(LazDecompress, BrokenFilesGiveAReason) {
              Case{"too many items", patchCodec(32, Bytes(std::uint16_t{0xFFFF}))},
              Case{"an unknown item", patchCodec(34, Bytes(std::uint16_t{99}))},
              Case{"an item of the wrong size", patchCodec(36, Bytes(std::uint16_t{21}))},
+             Case{"an unknown version of an item", patchCodec(38, Bytes(std::uint16_t{0}))},
              Case{"half a table of chunks",
                   [](const auto& path) {
                       const std::string bytes = ReadFile(path);
