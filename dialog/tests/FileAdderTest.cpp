@@ -38,6 +38,7 @@ class FileAdding : public ::testing::Test {
   protected:
     std::vector<std::wstring> Files(int count) {
         std::vector<std::wstring> paths;
+        paths.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i) {
             paths.push_back(L"/data/" + std::to_wstring(i) + L".las");
         }
