@@ -49,6 +49,7 @@ TEST(FileIdRegistry, IsSafeFromManyThreads) {
     std::vector<std::vector<std::uint16_t>> seen(8);
     {
         std::vector<std::jthread> threads;
+        threads.reserve(seen.size());
         for (auto& ids : seen) {
             threads.emplace_back([&registry, &ids] {
                 for (int i = 0; i < kNames; ++i) {

@@ -37,7 +37,7 @@ class HostileFiles : public ::testing::Test {
     std::wstring Read(const std::string& bytes, bool readOnly) const {
         // A file that is truncated and written anew goes to the disk when it is closed, which takes long.
         std::filesystem::remove(folder_.Path() / "a.las");
-        const std::wstring text = testing::ReadAllOfLas(folder_.Write(L"a.las", bytes), readOnly);
+        std::wstring text = testing::ReadAllOfLas(folder_.Write(L"a.las", bytes), readOnly);
         EXPECT_FALSE(text.empty());
         return text;
     }

@@ -15,7 +15,6 @@
 namespace orvex {
 namespace {
 
-using testing::Bytes;
 using testing::LasBuilder;
 using testing::TemporaryFolder;
 

@@ -134,6 +134,7 @@ TEST_F(LasInspectionTest, WorksFromManyThreads) {
                                       LasBuilder().AddPoints(2).ProjectedEpsg(code).Build()));
     }
     std::vector<std::jthread> threads;
+    threads.reserve(4);
     for (int thread = 0; thread < 4; ++thread) {
         threads.emplace_back([&paths] {
             for (std::size_t i = 0; i < paths.size(); ++i) {

@@ -78,7 +78,7 @@ TEST(LasPointViews, HoldWholeRecordsOfTheFileOnly) {
 TEST(LasPointViews, TakeRecordsLongerThanAView) {
     const TemporaryFolder folder;
     const auto file = OpenMapped(folder.Write(L"a.las", LasBuilder(12, 0)
-                                                            .Append(std::string(5 * 65535, 'p'))
+                                                            .Append(std::string(std::size_t{5} * 65535, 'p'))
                                                             .Lie<std::uint16_t>(105, 65535)
                                                             .Lie<std::uint32_t>(107, 5)
                                                             .Build()));
