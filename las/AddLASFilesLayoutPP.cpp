@@ -12,6 +12,7 @@
 #include "dialog/DialogProgress.h"
 #include "dialog/HandlerGuard.h"
 #include "dialog/Images.h"
+#include "dialog/Mnemonics.h"
 #include "dialog/grid/GridView.h"
 #include "las/AddLASFilesModel.h"
 #include "las/AddLASFilesPP.h"
@@ -67,6 +68,7 @@ AddLASFilesPP::AddLASFilesPP(const PageContext& context, QWidget* parent)
     BuildLayout();
     grid_->SetIcons(context.images);
     RunGuarded(services_.prompts, L"InitializeColumns", [this] { InitializeColumns(); });
+    AssignMnemonics(*this);
     ReadOptions();
     OnDetailColumns();
     ConnectButtons();

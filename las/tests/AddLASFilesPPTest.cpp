@@ -2,32 +2,19 @@
 
 #include <gmock/gmock.h>
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QDropEvent>
-#include <QLineEdit>
 #include <QMimeData>
 #include <QPlainTextEdit>
-#include <QProgressBar>
-#include <QTest>
+#include <QRegularExpression>
 #include <QTextEdit>
 #include <QUrl>
 #include <filesystem>
 
-#include "dialog/DialogProgress.h"
-#include "dialog/Images.h"
-#include "dialog/grid/GridView.h"
-#include "host/utilities/tests/LazSamples.h"
-#include "las/AddLASFilesModel.h"
 #include "las/LasColumns.h"
-#include "las/testing/LasBuilder.h"
-#include "settings/OptionStore.h"
-#include "settings/testing/FakeHostObjects.h"
-#include "settings/testing/FakeRegistry.h"
+#include "las/tests/LasPageFixture.h"
 #include "support/Format.h"
 #include "support/QtText.h"
-#include "support/testing/Scripted.h"
-#include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
@@ -36,82 +23,8 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using testing::LasPage;
 using ::testing::SizeIs;
-
-class LasPage : public ::testing::Test {
-  protected:
-    LasPage() { MakePage(); }
-
-    void MakePage() {
-        page.reset();
-        page = std::make_unique<AddLASFilesPP>(PageContext{services, &params, progress, images});
-        page->resize(1000, 700);
-        page->show();
-    }
-    std::wstring Las(const std::wstring& name, int epsg = 25832) const {
-        return folder.Write(
-            name,
-            testing::LasBuilder(12, 1).AddPoints(9).ProjectedEpsg(static_cast<std::uint16_t>(epsg)).Build());
-    }
-    std::wstring Laz(const std::wstring& name) const {
-        testing::WriteSample(folder.Name(name), {}, true);
-        return folder.Name(name);
-    }
-    std::vector<std::wstring> ManyLas(int count) const {
-        std::vector<std::wstring> paths;
-        for (int i = 0; i < count; ++i) {
-            paths.push_back(Las(L"tile" + std::to_wstring(i) + L".las"));
-        }
-        return paths;
-    }
-
-    template <typename Widget>
-    Widget* Find(const char* name) const {
-        auto* widget = page->findChild<Widget*>(QString::fromLatin1(name));
-        EXPECT_NE(widget, nullptr) << name;
-        return widget;
-    }
-    void Click(const char* name) const { QTest::mouseClick(Find<QAbstractButton>(name), Qt::LeftButton); }
-    /// A click on the mark of a check box or radio button, which is at its left.
-    void Check(const char* name) const {
-        auto* button = Find<QAbstractButton>(name);
-        QTest::mouseClick(button, Qt::LeftButton, {}, {8, button->height() / 2});
-    }
-    bool Enabled(const char* name) const { return Find<QWidget>(name)->isEnabled(); }
-    void PickAndAdd(std::vector<std::wstring> paths) {
-        pickers.files.push_back({PickOutcome::Picked, std::move(paths)});
-        Click("c253");
-    }
-    GridView& Grid() const { return *Find<GridView>("c251"); }
-    std::vector<std::wstring> Names() const {
-        std::vector<std::wstring> names;
-        for (const LasRow& row : page->Model().Rows()) {
-            names.push_back(FileNameOf(row.inspection.path));
-        }
-        return names;
-    }
-    std::vector<std::wstring> Layers() const {
-        std::vector<std::wstring> layers;
-        for (const LasRow& row : page->Model().Rows()) {
-            layers.push_back(row.layer);
-        }
-        return layers;
-    }
-
-    testing::TemporaryFolder folder;
-    testing::ScriptedPrompts prompts;
-    testing::ScriptedPickers pickers;
-    testing::RecordingHelpViewer help;
-    testing::FakeRegistry registry;
-    OptionStore options{registry};
-    testing::FakeHostObjects host;
-    DialogServices services{prompts, pickers, help, options, host};
-    AddFilesParams params;
-    QProgressBar bar;
-    DialogProgress progress{&bar};
-    std::vector<QIcon> images = MakeImageList();
-    std::unique_ptr<AddLASFilesPP> page;
-};
 
 TEST_F(LasPage, EveryControlIsThereWithCaptionAndTooltip) {
     const std::pair<const char*, unsigned> captions[] = {
@@ -121,7 +34,9 @@ TEST_F(LasPage, EveryControlIsThereWithCaptionAndTooltip) {
         {"c376", 41010}, {"c377", 41011}, {"c378", 41012}, {"c417", 41013}};
     for (const auto& [name, id] : captions) {
         auto* button = Find<QAbstractButton>(name);
-        EXPECT_EQ(ToWide(button->text()), Text(StringId{id})) << name;
+        QString caption = button->text();
+        caption.remove(QRegularExpression(QStringLiteral("&(?!&)(?<!&&)")));
+        EXPECT_EQ(ToWide(caption), Text(StringId{id})) << name;
         EXPECT_FALSE(button->toolTip().isEmpty()) << name;
     }
     for (const char* name :
@@ -132,6 +47,24 @@ TEST_F(LasPage, EveryControlIsThereWithCaptionAndTooltip) {
     for (const char* name : {"c254", "c255", "c249"}) {
         EXPECT_FALSE(Enabled(name)) << name;
     }
+}
+
+TEST_F(LasPage, TheTabKeyGoesFromTopToBottom) {
+    QStringList order;
+    QWidget* widget = page.get();
+    do {
+        widget = widget->nextInFocusChain();
+        if (QRegularExpression(QStringLiteral("c[0-9]+|detailsTabs"))
+                .match(widget->objectName())
+                .hasMatch() &&
+            (widget->focusPolicy() & Qt::TabFocus) != 0) {
+            order.append(widget->objectName());
+        }
+    } while (widget != page.get());
+    EXPECT_EQ(
+        order.join(' '),
+        "c253 c252 c254 c255 c248 c249 c250 detailsTabs c259 c260 c262 c263 c280 c281 c283 c268 c269 c270 "
+        "c267 c284 c417 c376 c377 c378");
 }
 
 TEST_F(LasPage, PickedFilesAreListedOnceWhateverTheirLetterCase) {
@@ -291,68 +224,6 @@ TEST_F(LasPage, DetailColumnsAreToggledAndRemembered) {
     EXPECT_FALSE(Grid().IsColumnShown(IndexOf(LasColumn::Software)));
 }
 
-TEST_F(LasPage, AThinningThatIsTooSmallRefuses) {
-    PickAndAdd({Las(L"a.las")});
-    for (const char* text : {"1", "0", ""}) {
-        Find<QLineEdit>("c267")->setText(text);
-        EXPECT_FALSE(page->ValidateAndStore());
-        EXPECT_EQ(prompts.shown.back().text, Text(7669_lsid));
-        EXPECT_EQ(prompts.shown.back().caption, Text(7670_lsid));
-    }
-    EXPECT_THAT(prompts.shown, SizeIs(3));
-    EXPECT_THAT(params.lasFiles, IsEmpty());
-    Find<QLineEdit>("c267")->setText("300");
-    EXPECT_TRUE(page->ValidateAndStore());
-    EXPECT_EQ(params.lasThinning, 256);
-    page->Release();
-}
-
-TEST_F(LasPage, OkCanComeTwiceAndCancelAfterItFreesEverything) {
-    PickAndAdd({Las(L"a.las"), Laz(L"b.laz")});
-    Check("c260");
-    ASSERT_TRUE(page->ValidateAndStore());
-    ASSERT_TRUE(page->ValidateAndStore());
-    EXPECT_THAT(params.lasFileDetails, SizeIs(2));
-    EXPECT_THAT(params.lasFiles.begin()->second, ElementsAre(L"a.las", L"b.las"));
-    EXPECT_TRUE(params.lasOpenSetting);
-
-    Grid().SelectRows({0});
-    Click("c254");
-    EXPECT_THAT(params.lasFileDetails, IsEmpty()) << "the record names no file that is not listed";
-    ASSERT_TRUE(page->ValidateAndStore());
-    EXPECT_THAT(params.lasFileDetails, SizeIs(1));
-    page->Release();
-    page->Release();
-    EXPECT_THAT(params.lasFiles, IsEmpty());
-    EXPECT_THAT(params.lasFileDetails, IsEmpty());
-    EXPECT_FALSE(params.lasOpenSetting);
-}
-
-TEST_F(LasPage, AfterOkTheFilesBelongToTheHost) {
-    const std::wstring path = Las(L"a.las");
-    PickAndAdd({path});
-    ASSERT_TRUE(page->ValidateAndStore());
-    page.reset();
-    const std::unique_ptr<LasFileInfo> file(params.lasFileDetails.at(path));
-    EXPECT_EQ(file->GetPointCount(), 9U);
-    EXPECT_EQ(params.lasFileLayers.at(path), L"LAS Layer_1");
-}
-
-TEST_F(LasPage, FilesThatCannotBeOpenedAreNamedInOneMessage) {
-    const std::wstring a = Las(L"a.las");
-    const std::wstring b = Las(L"b.las");
-    PickAndAdd({a, b, Las(L"c.las")});
-    std::filesystem::remove(ToPath(a));
-    std::filesystem::remove(ToPath(b));
-    Check("c260");
-    EXPECT_FALSE(page->ValidateAndStore());
-    ASSERT_THAT(prompts.shown, SizeIs(1));
-    EXPECT_THAT(prompts.shown[0].text, HasSubstr(a));
-    EXPECT_THAT(prompts.shown[0].text, HasSubstr(b));
-    EXPECT_EQ(page->Model().rowCount(), 3);
-    EXPECT_THAT(params.lasFiles, IsEmpty());
-}
-
 TEST_F(LasPage, RefreshReadsTheFilesAgain) {
     const std::wstring path = Las(L"a.las");
     PickAndAdd({path, Las(L"b.las")});
@@ -361,16 +232,6 @@ TEST_F(LasPage, RefreshReadsTheFilesAgain) {
     EXPECT_EQ(page->Model().Rows()[0].inspection.file->GetPointCount(), 25U);
     EXPECT_THAT(Names(), ElementsAre(L"a.las", L"b.las"));
     EXPECT_THAT(Layers(), ElementsAre(L"LAS Layer_1", L"LAS Layer_2"));
-}
-
-TEST_F(LasPage, CompanionFilesAreNeededWhileAFileHasNone) {
-    EXPECT_FALSE(page->NeedsCompanionFiles());
-    const std::wstring path = Las(L"a.las");
-    folder.Write(L"a.qvr", "index");
-    PickAndAdd({path});
-    EXPECT_FALSE(page->NeedsCompanionFiles());
-    PickAndAdd({Las(L"b.las")});
-    EXPECT_TRUE(page->NeedsCompanionFiles());
 }
 
 TEST_F(LasPage, TheDetailsFollowTheSelection) {
