@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QUrl>
 #include <algorithm>
+#include <iterator>
 
 #include "dialog/DialogProgress.h"
 #include "dialog/FolderScan.h"
@@ -174,14 +175,15 @@ void AddLASFilesPP::OnDetailColumns() {
 void AddLASFilesPP::OnRefresh() {
     store_.Withdraw();
     const DialogProgress::Run run(progress_);
-    const std::size_t total = model_->Rows().size();
-    progress_.SetRange(total);
-    std::vector<LasInspection> fresh;  // of the last rows, last first
-    for (std::size_t done = 0; done < total && !progress_.IsCancelled(); ++done) {
-        progress_.SetText(FormatText(Text(40676_lsid), {done + 1, total}));
-        fresh.push_back(InspectLasFile(model_->Rows()[total - 1 - done].inspection.path));
-        progress_.SetPosition(done + 1);
+    AddingRequest request;
+    for (auto row = model_->Rows().rbegin(); row != model_->Rows().rend(); ++row) {
+        request.paths.push_back(row->inspection.path);
     }
+    std::vector<LasInspection> fresh;  // of the last rows, last first; fewer than rows when stopped
+    MakeLasFileRefresher().Add(
+        std::move(request),
+        [&](std::vector<LasInspection> batch) { std::ranges::move(batch, std::back_inserter(fresh)); },
+        services_.prompts, progress_);
     model_->Change([&](std::vector<LasRow>& rows) {
         auto row = rows.rbegin();
         for (LasInspection& inspection : fresh) {

@@ -42,6 +42,13 @@ void DescribeFileCrs(LasInspection& inspection) {
 }
 
 // Nothing of a file that does not even begin as a LAS file can be trusted.
+/// Bytes of a file that the reader refused; 0 when unknown.
+std::uint64_t SizeOnDisk(const std::wstring& path) {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(ToPath(path), error);
+    return error ? 0 : size;
+}
+
 void RefuseWithoutSignature(LasInspection& inspection) {
     if (inspection.file->Header().HasSignature()) {
         return;
@@ -82,6 +89,9 @@ LasInspection InspectLasFile(const std::wstring& path) {
         inspection.file.reset();
         inspection.findings.clear();
         inspection.summary = CurrentExceptionText();
+    }
+    if (!inspection.loadable) {
+        inspection.fileSize = SizeOnDisk(path);
     }
     return inspection;
 }

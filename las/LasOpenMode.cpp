@@ -39,6 +39,7 @@ class Reopener {
         if (!decompress && current.IsReadOnly() != readWrite_ && current.FileName() == wanted) {
             return nullptr;
         }
+        progress_.SetText(Text(3214_lsid));
         if (decompress && !Decompress(path, wanted, result)) {
             return nullptr;
         }
@@ -49,7 +50,6 @@ class Reopener {
         if (!OrvexUtilities::IsLAZEnabled(lazPath)) {
             throw LDataError(Text(40670_lsid));
         }
-        progress_.SetText(Text(3214_lsid));
         std::wstring reason;
         if (OrvexUtilities::LAZDecompress(lazPath, lasPath, progress_, reason)) {
             return true;

@@ -39,6 +39,12 @@ FileAdder<LasInspection> MakeLasFileAdder() {
     return {std::move(description), InspectLasFile, FailedInspection};
 }
 
+FileAdder<LasInspection> MakeLasFileRefresher() {
+    AddingDescription description;
+    description.progressText = 40676_lsid;
+    return {std::move(description), InspectLasFile, FailedInspection};
+}
+
 Prompt OpenFailuresPrompt(const std::vector<LasFileFailure>& failures) {
     Prompt prompt;
     prompt.caption = Text(40673_lsid);

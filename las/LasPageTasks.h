@@ -19,6 +19,9 @@ OpenFilesRequest LasOpenFilesRequest();
 /// Adds LAS files: how they are read, asked about and compared.
 FileAdder<LasInspection> MakeLasFileAdder();
 
+/// Reads the files of listed rows again.
+FileAdder<LasInspection> MakeLasFileRefresher();
+
 /// One message that names every file that could not be opened and why; a long list is cut.
 Prompt OpenFailuresPrompt(const std::vector<LasFileFailure>& failures);
 

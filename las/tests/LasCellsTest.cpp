@@ -162,6 +162,7 @@ TEST_F(LasCells, AFileThatCannotBeReadShowsItsNameAndWhy) {
     EXPECT_EQ(LasCellText(row, LasColumn::FileName), L"bad.las");
     EXPECT_EQ(LasCellText(row, LasColumn::State), row.inspection.summary);
     EXPECT_EQ(LasCellText(row, LasColumn::Details), L"0");
+    EXPECT_EQ(row.inspection.fileSize, 7U) << "its size is still told";
     EXPECT_FALSE(FindingsText(row).empty());
     for (int column = IndexOf(LasColumn::PointFormat); column < IndexOf(LasColumn::FindingCount); ++column) {
         if (column != IndexOf(LasColumn::Modified)) {
