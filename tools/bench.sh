@@ -1,13 +1,18 @@
 # Benchmarks, from the release build: one line per figure, and the same as JSON in build/bench/.
 source tools/build.sh release >&2
 
+benchmarks=(las grid)
 name=${1:-all}
+if [ "$name" != all ]; then
+    if [[ " ${benchmarks[*]} " != *" $name "* ]]; then
+        echo "orvex: no benchmark is called '$name' (there are: ${benchmarks[*]})" >&2
+        exit 2
+    fi
+    benchmarks=("$name")
+fi
 mkdir -p build/bench
 export QT_QPA_PLATFORM=offscreen
-case "$name" in
-    las | all) build/release/bin/orvex-bench-las --output build/bench/las.json ;;
-    *)
-        echo "orvex: no benchmark is called '$name' (there is: las)" >&2
-        exit 2
-        ;;
-esac
+for benchmark in "${benchmarks[@]}"; do
+    "build/release/bin/orvex-bench-$benchmark" --output "build/bench/$benchmark.json" \
+        2> >(grep -v -e XDG_RUNTIME_DIR -e propagateSizeHints >&2)
+done

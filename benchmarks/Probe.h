@@ -1,0 +1,17 @@
+#pragma once
+// What the benchmarks need of the system.
+#include <cstdint>
+#include <string>
+
+namespace orvex::bench {
+
+/// Opens a file, asks for its size, reads its header and its VLRs and closes it, with nothing around the
+/// system's calls. Returns the bytes read.
+std::uint64_t ReadBarely(const std::string& path);
+
+/// Bytes that the program holds of the heap.
+std::uint64_t HeapInUse();
+/// Bytes of memory that the process occupies.
+std::uint64_t ResidentMemory();
+
+}  // namespace orvex::bench

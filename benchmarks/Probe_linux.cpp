@@ -1,0 +1,44 @@
+#include <fcntl.h>
+#include <malloc.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <fstream>
+
+#include "benchmarks/Probe.h"
+
+namespace orvex::bench {
+
+std::uint64_t ReadBarely(const std::string& path) {
+    constexpr std::size_t kHeader = 375;
+    std::array<char, 65536> buffer;
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    struct stat status {};
+    fstat(file, &status);
+    std::uint64_t bytes =
+        static_cast<std::uint64_t>(std::max<ssize_t>(0, pread(file, buffer.data(), kHeader, 0)));
+    std::uint32_t start = 0;
+    std::memcpy(&start, buffer.data() + 96, sizeof(start));
+    const std::size_t rest = std::min<std::size_t>(buffer.size(), start) - kHeader;
+    bytes += static_cast<std::uint64_t>(std::max<ssize_t>(0, pread(file, buffer.data(), rest, kHeader)));
+    close(file);
+    return bytes;
+}
+
+std::uint64_t HeapInUse() {
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
+std::uint64_t ResidentMemory() {
+    std::ifstream statistics("/proc/self/statm");
+    std::uint64_t total = 0;
+    std::uint64_t resident = 0;
+    statistics >> total >> resident;
+    return resident * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+}
+
+}  // namespace orvex::bench
