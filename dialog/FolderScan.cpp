@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "dialog/BackgroundRun.h"
-#include "dialog/NaturalOrder.h"
+#include "support/NaturalOrder.h"
 #include "support/ProgressIf.h"
 #include "support/Text.h"
 

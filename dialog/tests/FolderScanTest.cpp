@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
-#include "dialog/NaturalOrder.h"
+#include "support/NaturalOrder.h"
 #include "support/Text.h"
 #include "support/testing/Scripted.h"
 #include "support/testing/TemporaryFolder.h"

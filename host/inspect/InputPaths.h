@@ -18,7 +18,4 @@ InputPaths CollectInputPaths(const std::vector<std::wstring>& paths);
 /// True for the extensions that a reader is for, in any letter case.
 bool HasKnownExtension(std::wstring_view path);
 
-/// Order by character without regard to letter case, digits by the value of their number: "a2" before "a10".
-bool NaturalLess(std::wstring_view a, std::wstring_view b);
-
 }  // namespace orvex

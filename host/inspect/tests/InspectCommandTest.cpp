@@ -5,7 +5,6 @@
 #include <boost/property_tree/json_parser.hpp>
 #include <sstream>
 
-#include "host/inspect/InputPaths.h"
 #include "host/inspect/OrderedJobs.h"
 #include "las/testing/LasBuilder.h"
 #include "support/Text.h"
@@ -228,22 +227,6 @@ TEST(InspectTable, AlignsItsColumns) {
     const std::size_t end = heading.find("Points") + 6;
     EXPECT_EQ(rest[1].substr(end - 1, 3), "3  ");
     EXPECT_EQ(rest[3].substr(end - 5, 7), "1 234  ");
-}
-
-TEST(InputPaths, OrdersNumbersByTheirValue) {
-    const std::vector<std::wstring> ordered = {L"a",
-                                               L"A1",
-                                               L"a2",
-                                               L"A10",
-                                               L"a10b",
-                                               L"b007",
-                                               L"b8",
-                                               L"b99999999999999999999998",
-                                               L"b99999999999999999999999"};
-    for (std::size_t i = 0; i + 1 < ordered.size(); ++i) {
-        EXPECT_TRUE(NaturalLess(ordered[i], ordered[i + 1])) << i;
-        EXPECT_FALSE(NaturalLess(ordered[i + 1], ordered[i])) << i;
-    }
 }
 
 TEST(OrderedJobs, HoldsOnlyAWindowOfResults) {

@@ -1,4 +1,4 @@
-#include "dialog/NaturalOrder.h"
+#include "support/NaturalOrder.h"
 
 #include <algorithm>
 #include <cstdint>
