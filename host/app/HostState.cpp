@@ -28,7 +28,8 @@ HostState::HostState(QString path) : path_(std::move(path)) {
         return;
     }
     const QJsonObject json = QJsonDocument::fromJson(file.readAll()).object();
-    for (const QJsonValue& folder : json["recentProjects"].toArray()) {
+    const QJsonArray recent = json["recentProjects"].toArray();
+    for (const auto& folder : recent) {
         if (recent_.size() < kMostRecent && !folder.toString().isEmpty()) {
             recent_.append(folder.toString());
         }

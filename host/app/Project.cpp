@@ -1,9 +1,11 @@
 #include "host/app/Project.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/LasFileInfo.h"
+#include "support/NaturalOrder.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -51,17 +53,16 @@ void ForEachFile(const AddFilesParams& record, const std::set<std::wstring>& ski
 /// Adds the layers that the record's files go to and the project lacks, by name and number; returns how many.
 std::size_t MakeMissingLayers(std::vector<Layer>& layers, const AddFilesParams& record,
                               const std::set<std::wstring>& skipped) {
-    std::map<std::pair<std::size_t, std::wstring>, std::string> wktOfLayer;
+    std::map<std::wstring, std::string, decltype(&NaturalLess)> wktOfLayer(&NaturalLess);
     ForEachFile(record, skipped, [&](const std::wstring& path, const LasFileInfo* details) {
         const std::wstring name = LayerNameOf(record, path);
         const auto isMeant = [&](const Layer& layer) { return layer.name == name; };
-        const auto key = std::pair(name.size(), name);
-        if (!wktOfLayer.contains(key) && std::none_of(layers.begin(), layers.end(), isMeant)) {
-            wktOfLayer.emplace(key, details == nullptr ? std::string() : details->CrsWkt());
+        if (!wktOfLayer.contains(name) && std::none_of(layers.begin(), layers.end(), isMeant)) {
+            wktOfLayer.emplace(name, details == nullptr ? std::string() : details->CrsWkt());
         }
     });
-    for (const auto& [key, wkt] : wktOfLayer) {
-        layers.push_back({key.second, wkt, {}});
+    for (const auto& [name, wkt] : wktOfLayer) {
+        layers.push_back({name, wkt, {}});
     }
     return wktOfLayer.size();
 }
@@ -106,8 +107,12 @@ AddedFiles Project::Add(const AddFilesParams& record, const std::set<std::wstrin
         ++addedTo[place];
         ++added.files;
     });
-    const auto most = std::max_element(addedTo.begin(), addedTo.end());
-    added.mainLayer = static_cast<std::size_t>(most - addedTo.begin());
+    const auto rank = [&](std::size_t i) {
+        return std::tuple(addedTo[i] > 0, !layers[i].wkt.empty(), addedTo[i]);
+    };
+    for (std::size_t i = 1; i < layers.size(); ++i) {
+        added.mainLayer = rank(i) > rank(added.mainLayer) ? i : added.mainLayer;
+    }
     return added;
 }
 

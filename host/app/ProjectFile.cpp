@@ -83,7 +83,8 @@ Layer LayerFromJson(const QJsonObject& json) {
     Layer layer;
     layer.name = ToWide(json["name"].toString());
     layer.wkt = json["wkt"].toString().toStdString();
-    for (const QJsonValue& file : json["files"].toArray()) {
+    const QJsonArray files = json["files"].toArray();
+    for (const auto& file : files) {
         layer.files.push_back(FileFromJson(file.toObject()));
     }
     return layer;
@@ -122,7 +123,8 @@ std::optional<Project> LoadProject(const QString& folder, QString& problem) {
     }
     Project project;
     project.lidarAccess = AccessFromName(json["lidarAccess"].toString());
-    for (const QJsonValue& layer : json["layers"].toArray()) {
+    const QJsonArray layers = json["layers"].toArray();
+    for (const auto& layer : layers) {
         project.layers.push_back(LayerFromJson(layer.toObject()));
     }
     return project;

@@ -6,6 +6,7 @@
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/LasFileInfo.h"
 #include "support/Format.h"
+#include "support/NaturalOrder.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -50,7 +51,7 @@ std::wstring FilesText(const AddFilesParams& record) {
 }
 
 std::wstring LayersText(const AddFilesParams& record) {
-    std::map<std::wstring, std::size_t> filesOfLayer;
+    std::map<std::wstring, std::size_t, decltype(&NaturalLess)> filesOfLayer(&NaturalLess);
     for (const auto& [path, layer] : record.lasFileLayers) {
         ++filesOfLayer[layer];
     }

@@ -128,6 +128,7 @@ TEST(Project, TakesFilesIntoTheLayersTheyWereAssignedTo) {
     const AddedFiles added = project.Add(record, {L"/b/skipped.las"});
     EXPECT_EQ(added.files, 3U);
     EXPECT_EQ(added.newLayers, 1U);
+    EXPECT_EQ(added.mainLayer, 1U);
     ASSERT_EQ(project.layers.size(), 2U);
     EXPECT_EQ(project.layers[0].files.size(), 2U);
     const Layer& layer = project.layers[1];
