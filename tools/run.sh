@@ -7,9 +7,12 @@ if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] && [ "${QT_QPA_PLATFORM:-}" != offs
 fi
 mkdir -p build/pictures
 export QT_QPA_PLATFORM=offscreen
-build/dev/bin/orvex-host --drive --pictures build/pictures -- "$@" 2> >(grep -v -e XDG_RUNTIME_DIR -e propagateSizeHints >&2)
+drive() {
+    build/dev/bin/orvex-host --drive --pictures build/pictures "$@" 2> >(grep -v -e XDG_RUNTIME_DIR -e propagateSizeHints >&2)
+}
+drive -- "$@"
 for look in --dark '--scale 2' '--dark --scale 2'; do
     # shellcheck disable=SC2086  # the looks are words
-    build/dev/bin/orvex-host --drive $look --pictures build/pictures -- "$@" >/dev/null 2>&1
+    drive $look -- "$@" >/dev/null
 done
 echo "Pictures of the dialog and the host: build/pictures/"

@@ -42,7 +42,7 @@ std::size_t LayerTreeModel::FileOf(const QModelIndex& index) {
 }
 
 QModelIndex LayerTreeModel::IndexOf(std::size_t layer, std::size_t file) const {
-    return createIndex(static_cast<int>(file), 0, static_cast<quintptr>(layer + 1));
+    return createIndex(static_cast<int>(file), 0, static_cast<quintptr>(layer) + 1);
 }
 
 QModelIndex LayerTreeModel::index(int row, int column, const QModelIndex& parent) const {

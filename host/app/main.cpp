@@ -8,26 +8,28 @@
 #include "host/app/HostText.h"
 #include "support/LDataError.h"
 
-using orvex::operator""_lsid;
+namespace orvex {
 
 namespace {
 
 QStringList ArgumentsOf(int argc, char** argv) {
     QStringList arguments;
     for (int i = 1; i < argc; ++i) {
-        arguments.append(orvex::ToQString(orvex::FromUtf8(argv[i])));
+        arguments.append(ToQString(FromUtf8(argv[i])));
     }
     return arguments;
 }
 
-int Run(int argc, char** argv) {
-    const orvex::HostArguments arguments = orvex::ParseHostArguments(ArgumentsOf(argc, argv));
+}  // namespace
+
+static int RunHost(int argc, char** argv) {
+    const HostArguments arguments = ParseHostArguments(ArgumentsOf(argc, argv));
     if (arguments.help || !arguments.error.isEmpty()) {
         std::ostream& out = arguments.help ? std::cout : std::cerr;
         if (!arguments.error.isEmpty()) {
             out << arguments.error.toStdString() << '\n';
         }
-        out << orvex::HostText(40922_lsid).toStdString() << '\n';
+        out << HostText(40922_lsid).toStdString() << '\n';
         return arguments.help ? 0 : 2;
     }
     if (arguments.scale != 1) {
@@ -36,15 +38,14 @@ int Run(int argc, char** argv) {
     QApplication::setOrganizationName("orvex");
     QApplication::setApplicationName("orvex-host");
     QApplication::setApplicationVersion(ORVEX_VERSION);
-    return arguments.drive ? orvex::RunDriven(argc, argv, arguments)
-                           : orvex::RunInteractive(argc, argv, arguments);
+    return arguments.drive ? RunDriven(argc, argv, arguments) : RunInteractive(argc, argv, arguments);
 }
 
-}  // namespace
+}  // namespace orvex
 
 int main(int argc, char** argv) {
     try {
-        return Run(argc, argv);
+        return orvex::RunHost(argc, argv);
     } catch (...) {
         std::cerr << orvex::ToUtf8(orvex::CurrentExceptionText()) << '\n';
         return 3;
