@@ -11,7 +11,7 @@
 namespace orvex::bench {
 
 void Figures::Add(const std::string& name, double value, const std::string& unit) {
-    std::cout << fmt::format("figure\t{}\t{:.4g}\t{}", name, value, unit) << std::endl;
+    std::cout << fmt::format("figure\t{}\t{:.6g}\t{}", name, value, unit) << std::endl;
     figures_.push_back({name, value, unit});
 }
 

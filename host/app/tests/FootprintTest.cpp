@@ -161,7 +161,7 @@ TEST_F(FootprintViewTest, DraggingMovesAndIsNoClick) {
 TEST_F(FootprintViewTest, TenThousandFilesAreDrawnSmoothly) {
     project_.layers[0].files.clear();
     for (int i = 0; i < 10000; ++i) {
-        project_.layers[0].files.push_back(Square(i % 100 * 10.0, i / 100 * 10.0, 10));
+        project_.layers[0].files.push_back(Square((i % 100) * 10.0, std::floor(i / 100.0) * 10.0, 10));
     }
     view_.Reload();
     view_.FitAll();

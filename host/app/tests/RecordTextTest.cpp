@@ -1,6 +1,6 @@
 #include "host/app/RecordText.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "host/app/Project.h"
 #include "host/app/tests/FakeLasFileInfo.h"
@@ -11,7 +11,6 @@ namespace orvex {
 namespace {
 
 using testing::FakeLasFileInfo;
-using ::testing::HasSubstr;
 
 TEST(RecordText, TellsFilesLayersAndOptions) {
     AddFilesParams record;
