@@ -11,7 +11,7 @@ std::unique_ptr<Interface> Create(const ClassId& classId, std::int32_t& result) 
         result = result == kHostOk ? kHostFail : result;
         return nullptr;
     }
-    object.release();
+    static_cast<void>(object.release());  // the same object, now owned through its interface
     return std::unique_ptr<Interface>(wanted);
 }
 
