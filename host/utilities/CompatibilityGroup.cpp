@@ -29,8 +29,20 @@ std::string AuthorityText(const char* authority, const char* code) {
     return authority == nullptr || code == nullptr ? std::string() : std::string(authority) + ":" + code;
 }
 
+/// PROJ is that sure only where the names agree as well; without a name it searches its whole database, for
+/// seconds and in vain. So it does for a CRS with a datum shift of its own, which is none of the database's
+/// anyway.
+bool CanBeFound(const OGRSpatialReference& crs) {
+    const std::string_view name = crs.GetName() == nullptr ? "" : crs.GetName();
+    double shift[7] = {};
+    return !name.empty() && name != "unnamed" && name != "unknown" && crs.GetTOWGS84(shift, 7) != OGRERR_NONE;
+}
+
 /// The code of the same CRS in PROJ's database, for a CRS that comes without one; empty when there is none.
 std::string FindCode(const OGRSpatialReference& crs) {
+    if (!CanBeFound(crs)) {
+        return {};
+    }
     int count = 0;
     int* confidences = nullptr;
     OGRSpatialReferenceH* matches = crs.FindMatches(nullptr, &count, &confidences);
