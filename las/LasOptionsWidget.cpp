@@ -65,8 +65,7 @@ LasOptionsWidget::LasOptionsWidget(QWidget* parent)
     modes->addWidget(MakeLoadGroup());
     layout->addLayout(modes);
     layout->addWidget(MakeOptionsGroup());
-    layout->addWidget(MakePyramidGroup());
-    layout->addStretch();
+    layout->addWidget(MakePyramidGroup(), 1);
     for (QButtonGroup* group : {openMode_, loadMode_}) {
         connect(group, &QButtonGroup::idClicked, this, &LasOptionsWidget::OpenModeChanged);
     }

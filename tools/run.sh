@@ -2,11 +2,12 @@
 # and photographed in light and dark, and at twice the size.
 source tools/build.sh dev
 
-if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] && [ "${QT_QPA_PLATFORM:-}" != offscreen ]; then
+if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] && [[ ${QT_QPA_PLATFORM:-} != offscreen* ]]; then
     exec build/dev/bin/orvex-host "$@"
 fi
 mkdir -p build/pictures
-export QT_QPA_PLATFORM=offscreen
+# The platform's own screen is smaller than the dialog.
+export QT_QPA_PLATFORM="offscreen:configfile=$PWD/tools/offscreen-screen.json"
 drive() {
     build/dev/bin/orvex-host --drive --pictures build/pictures "$@" 2> >(grep -v -e XDG_RUNTIME_DIR -e propagateSizeHints >&2)
 }
