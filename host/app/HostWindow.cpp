@@ -99,7 +99,11 @@ HostWindow::HostWindow(HostState& state, QWidget* parent) : QMainWindow(parent),
     ProjectChanged();
 }
 
-HostWindow::~HostWindow() = default;
+HostWindow::~HostWindow() {
+    // Before the project that they show: the window closes its children only after its members are gone.
+    delete tree_;
+    delete footprints_;
+}
 
 bool HostWindow::OpenProject(const QString& folder) {
     const QString full = QDir(folder).absolutePath();
