@@ -38,16 +38,15 @@ void ExtraBytes::GetExtraByteOffsets(std::span<const std::byte> descriptors, std
         const std::uint64_t start = i * kDescriptorSize;
         const auto dataType = reader.Read<std::uint8_t>(start + kDataTypeAt);
         const std::uint8_t size = SizeOf(dataType, reader.Read<std::uint8_t>(start + kOptionsAt));
-        std::wstring name = FromUtf8(reader.FixedText(start + kNameAt, kNameLength));
-        indexOfName_.emplace(name, attributes_.size());
-        attributes_.push_back({std::move(name), offset, size, dataType});
+        attributes_.push_back(
+            {FromUtf8(reader.FixedText(start + kNameAt, kNameLength)), offset, size, dataType});
         offset += size;
     }
 }
 
 const ExtraBytesAttribute* ExtraBytes::Find(const std::wstring& name) const {
-    const auto found = indexOfName_.find(name);
-    return found == indexOfName_.end() ? nullptr : &attributes_[found->second];
+    const auto found = std::ranges::find(attributes_, name, &ExtraBytesAttribute::name);
+    return found == attributes_.end() ? nullptr : &*found;
 }
 
 }  // namespace orvex

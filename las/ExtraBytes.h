@@ -2,7 +2,6 @@
 // The attributes that a file's point records carry beyond their format.
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <span>
 #include <string>
 #include <vector>
@@ -17,7 +16,8 @@ struct ExtraBytesAttribute {
     std::uint8_t dataType = 0;
 };
 
-/// The attributes in descriptor order.
+/// The attributes in descriptor order. A file has a handful of them and a list has thousands of files: names
+/// are searched one by one rather than kept twice.
 class ExtraBytes {
   public:
     /// Size of a descriptor (table 24 of the LAS 1.4 format).
@@ -36,7 +36,6 @@ class ExtraBytes {
 
   private:
     std::vector<ExtraBytesAttribute> attributes_;
-    std::map<std::wstring, std::size_t> indexOfName_;
 };
 
 }  // namespace orvex

@@ -23,6 +23,13 @@ std::uint16_t FileIdRegistry::FileId(const std::wstring& fileName, std::uint16_t
     return id;
 }
 
+// Names are never taken out, and the map's nodes stay where they are.
+const std::wstring* FileIdRegistry::RecordedName(const std::wstring& fileName) {
+    const std::lock_guard guard(lock_);
+    const auto known = idOfName_.find(fileName);
+    return known == idOfName_.end() ? nullptr : &known->first;
+}
+
 std::uint16_t FileIdRegistry::NextId() const {
     if (namesOfId_.empty()) {
         return 0;

@@ -22,6 +22,10 @@ class FileIdRegistry {
     /// numbers below kAny, the smallest id that nobody has; kAny itself, unrecorded, when all are taken.
     std::uint16_t FileId(const std::wstring& fileName, std::uint16_t requested);
 
+    /// The registry's own copy of a recorded name, valid for the life of the process, so that the rows of a
+    /// long list need none of theirs; null for a name that is not recorded.
+    const std::wstring* RecordedName(const std::wstring& fileName);
+
   private:
     std::uint16_t NextId() const;
     void Record(const std::wstring& fileName, std::uint16_t id);

@@ -42,7 +42,8 @@ bool HoldsProjectionRecord(const Records& records) {
 }  // namespace
 
 struct LASFile::State {
-    std::wstring fileName;
+    std::wstring fileName;                       // until the registry has it
+    const std::wstring* recordedName = nullptr;  // the registry's copy
     bool readOnly = true;
     std::uint64_t fileSize = 0;
     std::uint16_t registeredId = FileIdRegistry::kAny;
@@ -56,12 +57,23 @@ struct LASFile::State {
     ExtraBytes extraBytes;
     std::unique_ptr<LasPointViews> points;
 
+    const std::wstring& FileName() const { return recordedName ? *recordedName : fileName; }
+    void Register();
     MappedFile OpenFile();
     void ReadHeader(const MappedFile& file);
     void ReadRecords(const MappedFile& file);
     void ReadExtraBytes();
     std::optional<std::span<const std::byte>> FindProjection(std::uint16_t recordId) const;
 };
+
+void LASFile::State::Register() {
+    FileIdRegistry& registry = FileIdRegistry::Instance();
+    registeredId = registry.FileId(fileName, FileIdRegistry::kAny);
+    recordedName = registry.RecordedName(fileName);
+    if (recordedName) {
+        std::wstring().swap(fileName);  // an assignment would keep the memory
+    }
+}
 
 MappedFile LASFile::State::OpenFile() {
     MappedFile file;
@@ -145,7 +157,7 @@ std::unique_ptr<LASFile> LASFile::Open(const std::wstring& fileName, bool readOn
     MappedFile file = state.OpenFile();
     state.ReadHeader(file);
     state.ReadRecords(file);
-    state.registeredId = FileIdRegistry::Instance().FileId(fileName, FileIdRegistry::kAny);
+    state.Register();
     state.companionStatus = FindCompanionStatus(fileName, state.vlrs, state.evlrs);
     if (!skipPointMapping) {
         state.points = LasPointViews::Create(std::move(file), state.header, readOnly);
@@ -154,7 +166,7 @@ std::unique_ptr<LASFile> LASFile::Open(const std::wstring& fileName, bool readOn
 }
 
 const std::wstring& LASFile::FileName() const {
-    return state_->fileName;
+    return state_->FileName();
 }
 
 int LASFile::Version() const {

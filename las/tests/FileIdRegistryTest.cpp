@@ -15,6 +15,9 @@ TEST(FileIdRegistry, GivesAndReplacesIds) {
     FileIdRegistry registry;
     EXPECT_EQ(registry.FileId(L"a", kAny), 0);
     EXPECT_EQ(registry.FileId(L"b", kAny), 1);
+    const std::wstring* recorded = registry.RecordedName(L"b");
+    ASSERT_NE(recorded, nullptr);
+    EXPECT_EQ(registry.RecordedName(L"never asked for"), nullptr);
     EXPECT_EQ(registry.FileId(L"a", kAny), 0);
     EXPECT_EQ(registry.FileId(L"a", 0), 0);
     EXPECT_EQ(registry.FileId(L"b", 40), 40);
