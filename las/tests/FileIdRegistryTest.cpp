@@ -30,6 +30,7 @@ TEST(FileIdRegistry, GivesAndReplacesIds) {
     EXPECT_EQ(registry.FileId(L"d", 1), 1);
     EXPECT_EQ(registry.FileId(L"a", 2), 2);
     EXPECT_EQ(registry.FileId(L"e", kAny), 41);
+    EXPECT_EQ(*recorded, L"b");
 }
 
 TEST(FileIdRegistry, ReusesFreeIdsAtTheEndOfTheNumbers) {
