@@ -157,6 +157,10 @@ int RunInspectCommand(const std::vector<std::wstring>& arguments, const InspectS
     if (!complete && streams.stop()) {
         return kInspectStopped;
     }
+    if (!streams.out) {
+        WriteLine(streams.err, Text(41050_lsid));
+        return kInspectFailed;
+    }
     return inputs.missing.empty() ? kInspectOk : kInspectPathMissing;
 }
 

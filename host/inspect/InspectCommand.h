@@ -18,6 +18,7 @@ struct InspectStreams {
 inline constexpr int kInspectOk = 0;
 inline constexpr int kInspectPathMissing = 1;
 inline constexpr int kInspectUsage = 2;
+inline constexpr int kInspectFailed = 3;  ///< the output could not be written, or something unforeseen
 inline constexpr int kInspectStopped = 130;
 
 /// The command `orvex-inspect` with its arguments (without the program's name).

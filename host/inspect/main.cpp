@@ -31,6 +31,6 @@ int main(int argc, char** argv) {
                                                     [] { return interrupted != 0; }});
     } catch (...) {
         std::cerr << orvex::ToUtf8(orvex::CurrentExceptionText()) << '\n';
-        return 3;
+        return orvex::kInspectFailed;
     }
 }

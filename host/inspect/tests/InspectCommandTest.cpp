@@ -200,6 +200,15 @@ TEST(InspectCommand, LeavesACompleteDocumentWhenStopped) {
     EXPECT_EQ(Objects(outcome.out).size(), 0U);
 }
 
+TEST(InspectCommand, TellsThatTheOutputCannotBeWritten) {
+    const TemporaryFolder folder;
+    folder.Write(L"good.las", LasBuilder().AddPoints(1).Build());
+    std::ofstream full("/dev/full");
+    std::ostringstream err;
+    EXPECT_EQ(RunInspectCommand({FromPath(folder.Path())}, {full, err}), kInspectFailed);
+    EXPECT_EQ(err.str(), ToUtf8(Text(41050_lsid)) + '\n');
+}
+
 TEST(InspectCsv, QuotesAsTheFormatSays) {
     const TemporaryFolder folder;
     const std::wstring path = folder.Write(L"a, \"b\".las", LasBuilder().AddPoints(3).Build());
