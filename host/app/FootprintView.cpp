@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QToolTip>
 #include <QWheelEvent>
+#include <algorithm>
 #include <cmath>
 
 #include "host/app/HostText.h"
@@ -129,25 +130,26 @@ void FootprintView::DrawGrid(QPainter& painter) const {
     const QPointF topLeft = transform_.ToWorld({0, 0});
     const QPointF bottomRight = transform_.ToWorld(QPointF(width(), height()));
     const QFontMetrics metrics(font());
-    for (double k = std::ceil(topLeft.x() / step); k * step <= bottomRight.x(); ++k) {
-        const double x = transform_.ToPixel(QPointF(k * step, 0)).x();
+    for (const double place : GridLines(topLeft.x(), bottomRight.x(), step)) {
+        const double x = transform_.ToPixel(QPointF(place, 0)).x();
         painter.setPen(line);
         painter.drawLine(QPointF(x, 0), QPointF(x, height()));
         painter.setPen(label);
         painter.drawText(QPointF(x + 4, height() - metrics.descent() - 3),
-                         QString::number(k * step, 'f', decimals));
+                         QString::number(place, 'f', decimals));
     }
-    for (double k = std::ceil(bottomRight.y() / step); k * step <= topLeft.y(); ++k) {
-        const double y = transform_.ToPixel(QPointF(0, k * step)).y();
+    for (const double place : GridLines(bottomRight.y(), topLeft.y(), step)) {
+        const double y = transform_.ToPixel(QPointF(0, place)).y();
         painter.setPen(line);
         painter.drawLine(QPointF(0, y), QPointF(width(), y));
         painter.setPen(label);
-        painter.drawText(QPointF(4, y - 4), QString::number(k * step, 'f', decimals));
+        painter.drawText(QPointF(4, y - 4), QString::number(place, 'f', decimals));
     }
 }
 
 void FootprintView::DrawFootprints(QPainter& painter) const {
     const QRectF view = rect();
+    std::vector<QRectF> names;
     for (const auto& footprint : footprints_.All()) {
         const QRectF pixels = Drawn(transform_.ToPixel(footprint.world));
         if (!pixels.intersects(view)) {
@@ -160,21 +162,28 @@ void FootprintView::DrawFootprints(QPainter& painter) const {
         painter.setBrush(fill);
         // Far outside the view nothing is seen, and coordinates beyond what a painter takes would go wrong.
         painter.drawRect(pixels.intersected(view.adjusted(-10, -10, 10, 10)));
-        DrawName(painter, footprint, pixels);
+        DrawName(painter, footprint, pixels, names);
     }
 }
 
-/// The file's name inside its footprint, where there is room for it.
+/// The file's name inside its footprint, where there is room for it and no name yet.
 void FootprintView::DrawName(QPainter& painter, const FootprintSet::Footprint& footprint,
-                             const QRectF& pixels) const {
+                             const QRectF& pixels, std::vector<QRectF>& names) const {
     const QFontMetrics metrics(font());
     if (pixels.height() < 2 * metrics.height() || pixels.width() < 8 * metrics.averageCharWidth()) {
         return;
     }
     const QString name = ToQString(FileNameOf(project_.layers[footprint.layer].files[footprint.file].path));
+    const QString shown = metrics.elidedText(name, Qt::ElideMiddle, static_cast<int>(pixels.width()) - 8);
+    QRectF place(QPointF(), QSizeF(metrics.horizontalAdvance(shown), metrics.height()));
+    place.moveCenter(pixels.center());
+    const auto isTaken = [&place](const QRectF& other) { return other.intersects(place); };
+    if (std::any_of(names.begin(), names.end(), isTaken)) {
+        return;
+    }
+    names.push_back(place);
     painter.setPen(palette().color(QPalette::Text));
-    painter.drawText(pixels, Qt::AlignCenter,
-                     metrics.elidedText(name, Qt::ElideMiddle, static_cast<int>(pixels.width()) - 8));
+    painter.drawText(place, Qt::AlignCenter, shown);
 }
 
 void FootprintView::DrawMarked(QPainter& painter, std::size_t footprint, int width) const {

@@ -54,7 +54,8 @@ class FootprintView final : public QWidget {
     void DrawBase();
     void DrawGrid(QPainter& painter) const;
     void DrawFootprints(QPainter& painter) const;
-    void DrawName(QPainter& painter, const FootprintSet::Footprint& footprint, const QRectF& pixels) const;
+    void DrawName(QPainter& painter, const FootprintSet::Footprint& footprint, const QRectF& pixels,
+                  std::vector<QRectF>& names) const;
     void DrawMarked(QPainter& painter, std::size_t footprint, int width) const;
     std::optional<std::size_t> FootprintAt(const QPointF& pixel) const;
     QString Describe(std::size_t footprint) const;

@@ -30,6 +30,7 @@
 #include "orvexcommon/OptionItems.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "settings/OptionStore.h"
+#include "support/UserPromptsQt.h"
 
 namespace orvex {
 
@@ -298,6 +299,16 @@ bool HostWindow::SaveNow() {
     return false;
 }
 
+/// A project whose folder is gone or read-only must not keep the program open for ever.
+bool HostWindow::SaveBeforeClosing() {
+    QString problem;
+    if (folder_.isEmpty() || SaveProject(folder_, project_, problem)) {
+        return true;
+    }
+    return UserPromptsQt(this).Show({ToWide(problem) + L"\n\n" + Text(41053_lsid), Text(40880_lsid),
+                                     PromptIcon::Warning, PromptButtons::YesNo}) == PromptAnswer::Yes;
+}
+
 void HostWindow::SetDark(bool dark) {
     state_.dark = dark;
     ApplyAppearance(dark);
@@ -308,7 +319,7 @@ void HostWindow::closeEvent(QCloseEvent* event) {
     state_.windowGeometry = saveGeometry();
     state_.windowState = saveState();
     state_.Save();
-    event->setAccepted(SaveNow());
+    event->setAccepted(SaveBeforeClosing());
 }
 
 void HostWindow::dragEnterEvent(QDragEnterEvent* event) {

@@ -59,6 +59,7 @@ class HostWindow final : public QMainWindow {
     void ShowChosenCrs();
     void ProjectChanged();
     bool SaveNow();
+    bool SaveBeforeClosing();
     void TakeRecord(AddFilesParams& record);
     bool MayAdd(const AddFilesParams& record);
     void SetDark(bool dark);

@@ -10,6 +10,8 @@ namespace {
 constexpr double kSmallestScale = 1e-9;  ///< pixels per unit
 constexpr double kLargestScale = 1e7;
 constexpr double kWidthOfNothing = 100;
+/// Beyond any coordinate system; a damaged header that says so must not shrink all others to a dot.
+constexpr double kFarthest = 1e12;
 
 }  // namespace
 
@@ -66,11 +68,24 @@ int GridDecimals(double step) {
     return std::clamp(static_cast<int>(std::ceil(-std::log10(step) - 1e-9)), 0, 12);
 }
 
+std::vector<double> GridLines(double from, double to, double step) {
+    constexpr double kMostLines = 1000;
+    const double first = std::ceil(from / step);
+    const double last = std::floor(to / step);
+    std::vector<double> lines;
+    // Far from the origin the next line can be the same number.
+    if (last - first < kMostLines && first + 1 > first && last + 1 > last) {
+        for (double k = first; k <= last; ++k) {
+            lines.push_back(k * step);
+        }
+    }
+    return lines;
+}
+
 bool FootprintSet::Add(std::size_t layer, std::size_t file, double minX, double minY, double maxX,
                        double maxY) {
-    const bool finite =
-        std::isfinite(minX) && std::isfinite(minY) && std::isfinite(maxX) && std::isfinite(maxY);
-    if (!finite || minX > maxX || minY > maxY) {
+    const auto isPlace = [](double value) { return std::abs(value) <= kFarthest; };  // NaN is none
+    if (!isPlace(minX) || !isPlace(minY) || !isPlace(maxX) || !isPlace(maxY) || minX > maxX || minY > maxY) {
         return false;
     }
     footprints_.push_back({layer, file, QRectF(minX, minY, maxX - minX, maxY - minY)});

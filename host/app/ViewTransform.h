@@ -36,6 +36,10 @@ double GridStep(double pixelsPerUnit, double leastPixels);
 /// Decimals that tell the lines of a step apart.
 int GridDecimals(double step);
 
+/// The multiples of `step` from `from` to `to`; none where numbers are too coarse for it or there would be
+/// thousands.
+std::vector<double> GridLines(double from, double to, double step);
+
 /// Extents to be drawn and hit. Extents that are not finite or are inverted are none.
 class FootprintSet {
   public:

@@ -75,6 +75,14 @@ TEST(Grid, StepsAreOneTwoOrFive) {
     }
 }
 
+TEST(Grid, LinesEndWhereNumbersRunOut) {
+    EXPECT_EQ(GridLines(-1, 21, 10), (std::vector<double>{0, 10, 20}));
+    EXPECT_TRUE(GridLines(1, 9, 10).empty());
+    EXPECT_TRUE(GridLines(1e12, 1e12 + 1, 1e-5).empty());
+    EXPECT_TRUE(GridLines(1e300, 1.5e300, 1).empty());
+    EXPECT_TRUE(GridLines(std::nan(""), 1, 1).empty());
+}
+
 TEST(FootprintSet, HitsTheSmallestOfWhatLiesOnEachOther) {
     FootprintSet set;
     EXPECT_TRUE(set.Add(0, 0, 0, 0, 100, 100));
@@ -94,6 +102,7 @@ TEST(FootprintSet, LeavesOutExtentsThatAreNone) {
     const double infinity = std::numeric_limits<double>::infinity();
     EXPECT_FALSE(set.Add(0, 0, nan, 0, 1, 1));
     EXPECT_FALSE(set.Add(0, 0, 0, 0, infinity, 1));
+    EXPECT_FALSE(set.Add(0, 0, -1e300, 0, 1e300, 1));
     EXPECT_FALSE(set.Add(0, 0, 2, 0, 1, 1));
     EXPECT_FALSE(set.Add(0, 0, 0, 3, 1, 1));
     EXPECT_TRUE(set.Bounds().isEmpty());
