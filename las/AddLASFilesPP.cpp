@@ -85,12 +85,8 @@ void AddLASFilesPP::AddFound(std::vector<std::wstring> paths, bool recursive) {
         found = ScanPathsWithProgress({std::move(paths), LasExtensions(), recursive}, Text(13647_lsid),
                                       progress_);
     }
-    if (!found.unreadable.empty()) {
-        std::wstring text = Text(40677_lsid) + L"\n";
-        for (const std::wstring& folder : found.unreadable) {
-            text += L"\n" + folder;
-        }
-        services_.prompts.Show({text, Text(18253_lsid), PromptIcon::Error, PromptButtons::Ok});
+    if (const std::optional<Prompt> prompt = ScanPrompt(found)) {
+        services_.prompts.Show(*prompt);
     }
     if (!found.stopped && !found.files.empty()) {
         AddFiles(std::move(found.files));

@@ -41,14 +41,14 @@ void DescribeFileCrs(LasInspection& inspection) {
     }
 }
 
-// Nothing of a file that does not even begin as a LAS file can be trusted.
-/// Bytes of a file that the reader refused; 0 when unknown.
+// Bytes of a file that the reader refused; 0 when unknown.
 std::uint64_t SizeOnDisk(const std::wstring& path) {
     std::error_code error;
     const auto size = std::filesystem::file_size(ToPath(path), error);
     return error ? 0 : size;
 }
 
+// Nothing of a file that does not even begin as a LAS file can be trusted.
 void RefuseWithoutSignature(LasInspection& inspection) {
     if (inspection.file->Header().HasSignature()) {
         return;

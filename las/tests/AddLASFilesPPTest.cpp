@@ -12,6 +12,7 @@
 #include <filesystem>
 
 #include "las/LasColumns.h"
+#include "las/LasPageTasks.h"
 #include "las/tests/LasPageFixture.h"
 #include "support/Format.h"
 #include "support/QtText.h"
@@ -165,8 +166,27 @@ TEST_F(LasPage, DroppedFilesAreAddedByTheirExtension) {
     QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(page.get(), &drop);
     EXPECT_THAT(Names(), ElementsAre(L"a.LAS", L"b.laz"));
+    ASSERT_THAT(prompts.shown, SizeIs(1));
+    EXPECT_EQ(prompts.shown[0].text, FormatText(Text(41051_lsid), {1})) << "c.txt is no LAS file";
     EXPECT_TRUE(page->Accepts(folder.Name({})));
     EXPECT_FALSE(page->Accepts(L"/nowhere/c.tif"));
+}
+
+TEST_F(LasPage, AFolderWithoutLasFilesIsTold) {
+    folder.Write(L"in/readme.txt", "text");
+    pickers.folders = {folder.Name(L"in")};
+    Click("c252");
+    ASSERT_THAT(prompts.shown, SizeIs(2));
+    EXPECT_EQ(prompts.shown[1].text, Text(41052_lsid));
+    EXPECT_EQ(prompts.shown[1].icon, PromptIcon::Information);
+}
+
+TEST(LasPageTasks, AFailureNamesItsFileOnceAndALongListIsCut) {
+    std::vector<LasFileFailure> failures(12, {L"/a.laz", L"The disk is full."});
+    failures[0].cause = L"/a.laz is broken.";
+    const std::wstring text = OpenFailuresPrompt(failures).text;
+    EXPECT_TRUE(text.starts_with(Text(40671_lsid) + L"\n\n/a.laz is broken.\n/a.laz: The disk is full.\n"));
+    EXPECT_TRUE(text.ends_with(L"\n" + FormatText(Text(40672_lsid), {2})));
 }
 
 TEST_F(LasPage, RemovingFreesTheRowsAndNamesTheLayersAnew) {
