@@ -5,6 +5,7 @@
 
 #include "orvexcommon/OrvexUtilities.h"
 #include "raster/CrsCache.h"
+#include "raster/GdalSetup.h"
 #include "support/GdalErrorScope.h"
 #include "support/LDataError.h"
 #include "support/Log.h"
@@ -100,6 +101,9 @@ void Fill(CrsDescription& description) {
 CrsPtr Describe(const std::string& wkt) {
     auto description = std::make_shared<CrsDescription>();
     description->sourceWkt = wkt;
+    if (!wkt.empty()) {
+        EnsureGdal();  // the group is looked up in PROJ's database, which lies beside the component
+    }
     description->compatibilityGroup = OrvexUtilities::GetCompatibilityGroup(wkt);
     if (!wkt.empty()) {
         Fill(*description);

@@ -1,14 +1,17 @@
 #include "raster/CrsDescription.h"
 
 #include <cpl_conv.h>
+#include <cpl_string.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ogr_srs_api.h>
 
 #include <atomic>
 #include <thread>
 #include <vector>
 
 #include "orvexcommon/OrvexUtilities.h"
+#include "support/ModuleFolder.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -31,6 +34,14 @@ constexpr char kDerived[] =
     R"wkt(METHOD["Turned pole of our own"],PARAMETER["Latitude of the pole",39.25,)wkt"
     R"wkt(ANGLEUNIT["degree",0.0174532925199433]]],CS[ellipsoidal,2],AXIS["latitude",north],)wkt"
     R"wkt(AXIS["longitude",east],ANGLEUNIT["degree",0.0174532925199433]])wkt";
+
+TEST(CrsDescription, BringsTheComponentsOwnData) {
+    DescribeCrs(Wkt(4326));
+    EXPECT_EQ(CPLGetConfigOption("GDAL_DATA", "unset"), ToUtf8(FromPath(ModuleFolder() / "gdal-data")));
+    const CPLStringList folders(OSRGetPROJSearchPaths());
+    ASSERT_GT(folders.size(), 0);
+    EXPECT_EQ(folders[0], ToUtf8(FromPath(ModuleFolder() / "proj")));
+}
 
 TEST(CrsDescription, Table) {
     struct Case {
