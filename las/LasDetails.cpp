@@ -61,8 +61,9 @@ void Unite(std::optional<std::array<double, 6>>& box, const LASFile& file) {
 
 std::wstring RecordsBlock(StringId title, const std::wstring& text) {
     const std::wstring heading = Text(title);
-    return heading + L"\n" + std::wstring(heading.size(), L'=') + L"\n" +
-           (text.empty() ? Text(40651_lsid) + L"\n" : text);
+    const std::wstring shown = text.empty() ? Text(40651_lsid) : text;
+    const bool isEnded = shown.ends_with(L'\n');
+    return heading + L"\n" + std::wstring(heading.size(), L'=') + L"\n" + shown + (isEnded ? L"" : L"\n");
 }
 
 std::wstring Joined(const LasRow& row, LasColumn first, const wchar_t* separator,

@@ -40,12 +40,12 @@ void AppendByte(std::wstring& text, std::byte byte) {
     text += L' ';
 }
 
-// Returns the number of lines. A last line of fewer bytes ends as the others do, so that what follows begins
-// a line of its own.
+// Returns the number of lines, a shorter last one included. Only a line of eight bytes is ended: what follows
+// fewer bytes stands behind them.
 std::size_t AppendDump(std::wstring& text, std::span<const std::byte> data) {
     for (std::size_t i = 0; i < data.size(); ++i) {
         AppendByte(text, data[i]);
-        if ((i + 1) % kBytesPerLine == 0 || i + 1 == data.size()) {
+        if ((i + 1) % kBytesPerLine == 0) {
             text += L'\n';
         }
     }

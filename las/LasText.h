@@ -5,8 +5,8 @@ namespace orvex {
 
 class LASFile;
 
-/// The records of a file as the details view shows them; lines end in "\n"; long lists end with a closing
-/// line.
+/// The records of a file as the details view shows them; a "\n" ends every field and every eight bytes; long
+/// lists end with a closing line.
 std::wstring LasVlrText(const LASFile& file);
 std::wstring LasEvlrText(const LASFile& file);
 
