@@ -196,6 +196,14 @@ void AddLASFilesPP::OnHelp() {
     }
 }
 
+std::vector<std::size_t> AddLASFilesPP::ShownRecords() const {
+    std::vector<std::size_t> records;
+    for (int row = 0; row < model_->rowCount(); ++row) {
+        records.push_back(model_->RecordOfRow(row));
+    }
+    return records;
+}
+
 std::vector<std::size_t> AddLASFilesPP::SelectedRecords() const {
     std::vector<std::size_t> records;
     for (const int row : grid_->SelectedRows()) {
@@ -237,8 +245,9 @@ bool AddLASFilesPP::Store() {
     LasReopened reopened;
     {
         const DialogProgress::Run run(progress_);
+        const std::vector<std::size_t> order = ShownRecords();
         model_->Change([&](std::vector<LasRow>& rows) {
-            reopened = store_.Store(rows, options, services_.options, progress_);
+            reopened = store_.Store(rows, order, options, services_.options, progress_);
         });
     }
     if (!reopened.failures.empty()) {

@@ -68,6 +68,8 @@ class AddLASFilesPP final : public AddFilesPage {
     bool Store();
     void ShowFailures(const std::vector<LasFileFailure>& failures);
     void ShowPickFailure(StringId text);
+    /// Indices of all records, in the order that the grid shows them.
+    std::vector<std::size_t> ShownRecords() const;
     std::vector<std::size_t> SelectedRecords() const;
     void RestorePane();
     void SavePane() const;

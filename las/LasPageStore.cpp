@@ -6,8 +6,9 @@
 
 namespace orvex {
 
-LasReopened LasPageStore::Store(std::vector<LasRow>& rows, const LasPageOptions& options,
-                                const OptionStore& store, Kst::ProgressIf& progress) {
+LasReopened LasPageStore::Store(std::vector<LasRow>& rows, std::span<const std::size_t> order,
+                                const LasPageOptions& options, const OptionStore& store,
+                                Kst::ProgressIf& progress) {
     LasReopened reopened = ReopenFiles(rows, options.readWrite, progress);
     if (!reopened.Succeeded()) {
         return reopened;
@@ -21,7 +22,9 @@ LasReopened LasPageStore::Store(std::vector<LasRow>& rows, const LasPageOptions&
     }
     Results before = Read(params_);
     Results results = before;
-    AddFiles(rows, results);
+    for (const std::size_t index : order) {
+        AddFile(rows[index], results);
+    }
     SetOptions(options, results);
     Write(std::move(results), params_);
     before_ = std::move(before);
@@ -45,17 +48,16 @@ void LasPageStore::HandOver(std::vector<LasRow>& rows) {
     before_.reset();
 }
 
-void LasPageStore::AddFiles(const std::vector<LasRow>& rows, Results& results) {
-    for (const LasRow& row : rows) {
-        LASFile* file = row.inspection.file.get();
-        if (file == nullptr) {
-            continue;
-        }
-        const std::wstring& path = file->FileName();
-        results.files[FolderOf(path)].push_back(FileNameOf(path));
-        results.details[path] = file;
-        results.layers[path] = row.layer;
+void LasPageStore::AddFile(const LasRow& row, Results& results) {
+    LASFile* file = row.inspection.file.get();
+    if (file == nullptr) {
+        return;
     }
+    // The file that was chosen; the details name the one that is open.
+    const std::wstring& path = row.inspection.path;
+    results.files[FolderOf(path)].push_back(FileNameOf(path));
+    results.details[path] = file;
+    results.layers[path] = row.layer;
 }
 
 void LasPageStore::SetOptions(const LasPageOptions& options, Results& results) {

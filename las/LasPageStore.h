@@ -1,5 +1,6 @@
 #pragma once
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "las/LasOpenMode.h"
@@ -22,11 +23,12 @@ class LasPageStore {
     /// `params` outlives this object.
     explicit LasPageStore(AddFilesParams& params) : params_(params) {}
 
-    /// Brings the files into the open mode wanted, saves the options and fills the record. Nothing changes
-    /// (rows, options, record) unless the result says Succeeded. Rows without a readable file stay listed but
-    /// are not written. What an earlier Store wrote is replaced.
-    LasReopened Store(std::vector<LasRow>& rows, const LasPageOptions& options, const OptionStore& store,
-                      Kst::ProgressIf& progress);
+    /// Brings the files into the open mode wanted, saves the options and fills the record, with the rows in
+    /// the order that the grid shows them (`order`: indices of rows, each once). Nothing changes (rows,
+    /// options, record) unless the result says Succeeded. Rows without a readable file stay listed but are
+    /// not written. What an earlier Store wrote is replaced.
+    LasReopened Store(std::vector<LasRow>& rows, std::span<const std::size_t> order,
+                      const LasPageOptions& options, const OptionStore& store, Kst::ProgressIf& progress);
 
     /// Makes the record what it was before the last Store; without effect when nothing is stored.
     void Withdraw();
@@ -58,7 +60,7 @@ class LasPageStore {
 
     static Results Read(const AddFilesParams& params);
     static void Write(Results&& results, AddFilesParams& params) noexcept;
-    static void AddFiles(const std::vector<LasRow>& rows, Results& results);
+    static void AddFile(const LasRow& row, Results& results);
     static void SetOptions(const LasPageOptions& options, Results& results);
 
     AddFilesParams& params_;

@@ -15,6 +15,7 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QTreeView>
+#include <algorithm>
 #include <set>
 
 #include "host/app/Appearance.h"
@@ -27,6 +28,7 @@
 #include "host/app/RecordText.h"
 #include "orvexcommon/Exports.h"
 #include "orvexcommon/HostInterfaces.h"
+#include "orvexcommon/LasFileInfo.h"
 #include "orvexcommon/OptionItems.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "settings/OptionStore.h"
@@ -76,15 +78,11 @@ void DropWhenOpen(QObject* context, const QStringList& paths) {
     timer->start(10);
 }
 
+/// Of a LAZ file it is the decompressed one that is written.
 bool CanWriteAll(const AddFilesParams& record) {
-    for (const auto& [folder, names] : record.lasFiles) {
-        for (const std::wstring& name : names) {
-            if (!QFileInfo(ToQString(JoinPath(folder, name))).isWritable()) {
-                return false;
-            }
-        }
-    }
-    return true;
+    return std::ranges::all_of(record.lasFileDetails, [](const auto& entry) {
+        return QFileInfo(ToQString(entry.second->FileName())).isWritable();
+    });
 }
 
 }  // namespace

@@ -2,8 +2,10 @@
 #include <gmock/gmock.h>
 
 #include <QLineEdit>
+#include <QTableView>
 #include <filesystem>
 
+#include "las/LasColumns.h"
 #include "las/tests/LasPageFixture.h"
 
 namespace orvex {
@@ -37,7 +39,7 @@ TEST_F(LasPage, OkCanComeTwiceAndCancelAfterItFreesEverything) {
     ASSERT_TRUE(page->ValidateAndStore());
     ASSERT_TRUE(page->ValidateAndStore());
     EXPECT_THAT(params.lasFileDetails, SizeIs(2));
-    EXPECT_THAT(params.lasFiles.begin()->second, ElementsAre(L"a.las", L"b.las"));
+    EXPECT_THAT(params.lasFiles.begin()->second, ElementsAre(L"a.las", L"b.laz"));
     EXPECT_TRUE(params.lasOpenSetting);
 
     Grid().SelectRows({0});
@@ -50,6 +52,14 @@ TEST_F(LasPage, OkCanComeTwiceAndCancelAfterItFreesEverything) {
     EXPECT_THAT(params.lasFiles, IsEmpty());
     EXPECT_THAT(params.lasFileDetails, IsEmpty());
     EXPECT_FALSE(params.lasOpenSetting);
+}
+
+TEST_F(LasPage, FilesAreHandedOverInTheOrderShown) {
+    PickAndAdd({Las(L"b.las"), Las(L"c.las"), Las(L"a.las")});
+    Grid().Table()->model()->sort(IndexOf(LasColumn::FileName), Qt::DescendingOrder);
+    ASSERT_TRUE(page->ValidateAndStore());
+    EXPECT_THAT(params.lasFiles.begin()->second, ElementsAre(L"c.las", L"b.las", L"a.las"));
+    page->Release();
 }
 
 TEST_F(LasPage, AfterOkTheFilesBelongToTheHost) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <numeric>
 
 #include "host/utilities/tests/LazSamples.h"
 #include "las/testing/LasBuilder.h"
@@ -34,7 +35,11 @@ class LasStore : public ::testing::Test {
         rows.push_back({InspectLasFile(path), L"LAS Layer_1", false, 1});
         return path;
     }
-    LasReopened Store() { return pageStore.Store(rows, options, OptionStore(registry), progress); }
+    LasReopened Store() {
+        std::vector<std::size_t> order(rows.size());
+        std::iota(order.begin(), order.end(), std::size_t{0});
+        return pageStore.Store(rows, order, options, OptionStore(registry), progress);
+    }
 
     static LasPageOptions ReadWrite() {
         LasPageOptions readWrite;
@@ -112,16 +117,17 @@ TEST_F(LasStore, ReadOnlyLeavesLazFilesAsTheyAre) {
     EXPECT_EQ(FilesOnDisk(), 1U);
 }
 
-TEST_F(LasStore, ReadWriteDecompressesALazFileOnceAndHandsOverItsLasFile) {
+TEST_F(LasStore, ReadWriteDecompressesALazFileOnceAndOpensItsLasFile) {
     const std::wstring laz = AddLaz(L"a.laz");
     const std::string before = testing::ReadFile(laz);
     options = ReadWrite();
     ASSERT_TRUE(Store().Succeeded());
-    const std::wstring las = folder.Name(L"a.las");
-    EXPECT_THAT(FilesIn(Root()), ElementsAre(L"a.las"));
-    ASSERT_TRUE(params.lasFileDetails.contains(las));
-    EXPECT_FALSE(params.lasFileDetails.at(las)->IsReadOnly());
-    EXPECT_EQ(params.lasFileDetails.at(las)->GetPointCount(), 1000U);
+    EXPECT_THAT(FilesIn(Root()), ElementsAre(L"a.laz")) << "the file that was chosen";
+    ASSERT_TRUE(params.lasFileDetails.contains(laz));
+    EXPECT_EQ(params.lasFileDetails.at(laz)->FileName(), folder.Name(L"a.las"));
+    EXPECT_FALSE(params.lasFileDetails.at(laz)->IsReadOnly());
+    EXPECT_EQ(params.lasFileDetails.at(laz)->GetPointCount(), 1000U);
+    EXPECT_TRUE(params.lasFileLayers.contains(laz));
     EXPECT_EQ(rows[0].inspection.path, laz) << "the list still names the LAZ file";
     EXPECT_EQ(testing::ReadFile(laz), before);
     EXPECT_THAT(progress.texts, ElementsAre(Text(3214_lsid)));
