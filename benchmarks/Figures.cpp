@@ -23,12 +23,9 @@ bool Figures::Write(const std::string& path) const {
         json.BeginArray();
         for (const Figure& figure : figures_) {
             json.BeginObject();
-            json.Key("name");
-            json.Utf8(figure.name);
-            json.Key("value");
-            json.Number(figure.value);
-            json.Key("unit");
-            json.Utf8(figure.unit);
+            json.Member("name", figure.name);
+            json.Member("value", figure.value);
+            json.Member("unit", figure.unit);
             json.EndObject();
         }
         json.EndArray();

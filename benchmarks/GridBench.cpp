@@ -1,21 +1,19 @@
 // Sorting and scrolling of the grid with 100,000 rows. Times are given as ratios to work that cannot be
 // avoided, done in the same run, so that figures of different machines compare.
-#include <fmt/format.h>
-
 #include <QApplication>
 #include <QScrollBar>
 #include <QTableView>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <fstream>
 #include <limits>
 #include <numeric>
 #include <string>
 #include <vector>
 
-#include "dialog/grid/GridSortKeys.h"
+#include "benchmarks/Figures.h"
 #include "dialog/grid/GridView.h"
+#include "support/NaturalOrder.h"
 
 namespace {
 
@@ -71,12 +69,6 @@ class FilesModel : public GridModel {
     std::vector<File> files_;
 };
 
-struct Figure {
-    std::string name;
-    double value;
-    std::string unit;
-};
-
 /// The shortest of several runs in milliseconds; `prepare` runs before each and is not counted.
 template <class Prepare, class Run>
 double Shortest(const Prepare& prepare, const Run& run) {
@@ -102,7 +94,7 @@ double BareSort(const std::vector<Key>& keys) {
                     });
 }
 
-void MeasureSorting(FilesModel& model, std::vector<Figure>& figures) {
+void MeasureSorting(FilesModel& model, bench::Figures& figures) {
     std::vector<std::wstring> texts;
     std::vector<double> numbers;
     for (const File& file : MakeFiles()) {
@@ -114,14 +106,14 @@ void MeasureSorting(FilesModel& model, std::vector<Figure>& figures) {
     };
     const double byText = sorted(0);
     const double byNumber = sorted(1);
-    figures.push_back({"grid_sort_100k_text", byText, "ms"});
-    figures.push_back({"grid_sort_100k_text_to_stable_sort", byText / BareSort(texts), "ratio"});
-    figures.push_back({"grid_sort_100k_number", byNumber, "ms"});
-    figures.push_back({"grid_sort_100k_number_to_stable_sort", byNumber / BareSort(numbers), "ratio"});
+    figures.Add("grid_sort_100k_text", byText, "ms");
+    figures.Add("grid_sort_100k_text_to_stable_sort", byText / BareSort(texts), "ratio");
+    figures.Add("grid_sort_100k_number", byNumber, "ms");
+    figures.Add("grid_sort_100k_number_to_stable_sort", byNumber / BareSort(numbers), "ratio");
     model.sort(-1);
 }
 
-void MeasureScrolling(FilesModel& model, std::vector<Figure>& figures) {
+void MeasureScrolling(FilesModel& model, bench::Figures& figures) {
     GridView view;
     view.SetModel(&model);
     view.resize(900, 500);
@@ -141,33 +133,14 @@ void MeasureScrolling(FilesModel& model, std::vector<Figure>& figures) {
         last = now;
     }
     const double whole = std::chrono::duration<double, std::milli>(last - start).count();
-    figures.push_back(
-        {"grid_scroll_cells_per_step", static_cast<double>(view.CellsPainted() - before) / kSteps, "cells"});
-    figures.push_back({"grid_scroll_step_mean", whole / kSteps, "ms"});
-    figures.push_back({"grid_scroll_step_longest", longest, "ms"});
+    figures.Add("grid_scroll_cells_per_step", static_cast<double>(view.CellsPainted() - before) / kSteps,
+                "cells");
+    figures.Add("grid_scroll_step_mean", whole / kSteps, "ms");
+    figures.Add("grid_scroll_step_longest", longest, "ms");
 
     view.SelectAll();
     const double sort = Shortest([&] { model.sort(-1); }, [&] { model.sort(0); });
-    figures.push_back({"grid_sort_100k_text_all_selected", sort, "ms"});
-}
-
-bool WriteJson(const std::string& path, const std::vector<Figure>& figures) {
-    const std::string temporary = path + ".tmp";
-    {
-        std::ofstream out(temporary, std::ios::binary);
-        out.imbue(std::locale::classic());
-        out << "[";
-        for (std::size_t i = 0; i < figures.size(); ++i) {
-            const Figure& f = figures[i];
-            out << (i ? ",\n " : "\n ") << R"({"name": ")" << f.name << R"(", "value": )" << f.value
-                << R"(, "unit": ")" << f.unit << "\"}";
-        }
-        out << "\n]\n";
-        if (!out.flush()) {
-            return false;
-        }
-    }
-    return std::rename(temporary.c_str(), path.c_str()) == 0;
+    figures.Add("grid_sort_100k_text_all_selected", sort, "ms");
 }
 
 }  // namespace
@@ -183,14 +156,11 @@ int main(int argc, char** argv) {
         std::fputs("usage: orvex-bench-grid [--output FILE]\n", stderr);
         return 2;
     }
-    std::vector<Figure> figures;
+    bench::Figures figures;
     FilesModel model;
     MeasureSorting(model, figures);
     MeasureScrolling(model, figures);
-    for (const Figure& figure : figures) {
-        fmt::print("figure\t{}\t{:.3f}\t{}\n", figure.name, figure.value, figure.unit);
-    }
-    if (at >= 0 && !WriteJson(arguments[at + 1].toStdString(), figures)) {
+    if (at >= 0 && !figures.Write(arguments[at + 1].toStdString())) {
         std::fprintf(stderr, "%s cannot be written\n", qPrintable(arguments[at + 1]));
         return 1;
     }

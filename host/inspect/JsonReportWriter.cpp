@@ -19,14 +19,10 @@ void WriteRecords(JsonWriter& json, const char* key, const std::vector<LasRecord
     json.BeginArray();
     for (const LasRecordReport& record : records) {
         json.BeginObject();
-        json.Key("userId");
-        json.Utf8(record.userId);
-        json.Key("recordId");
-        json.Unsigned(record.recordId);
-        json.Key("length");
-        json.Unsigned(record.length);
-        json.Key("description");
-        json.Utf8(record.description);
+        json.Member("userId", record.userId);
+        json.Member("recordId", record.recordId);
+        json.Member("length", record.length);
+        json.Member("description", record.description);
         json.EndObject();
     }
     json.EndArray();
@@ -34,18 +30,12 @@ void WriteRecords(JsonWriter& json, const char* key, const std::vector<LasRecord
 
 void WriteCrs(JsonWriter& json, const CrsDescription& crs) {
     json.BeginObject();
-    json.Key("name");
-    json.Text(crs.name);
-    json.Key("isGeographic");
-    json.Bool(crs.isGeographic);
-    json.Key("linearUnits");
-    json.Text(crs.linearUnits);
-    json.Key("angularUnits");
-    json.Text(crs.angularUnits);
-    json.Key("epsg");
-    json.Integer(crs.epsg);
-    json.Key("prettyWkt");
-    json.Text(crs.prettyWkt);
+    json.Member("name", crs.name);
+    json.Member("isGeographic", crs.isGeographic);
+    json.Member("linearUnits", crs.linearUnits);
+    json.Member("angularUnits", crs.angularUnits);
+    json.Member("epsg", crs.epsg);
+    json.Member("prettyWkt", crs.prettyWkt);
     json.EndObject();
 }
 
@@ -54,12 +44,9 @@ void WriteExtraBytes(JsonWriter& json, const std::vector<LasExtraBytesReport>& a
     json.BeginArray();
     for (const LasExtraBytesReport& attribute : attributes) {
         json.BeginObject();
-        json.Key("name");
-        json.Text(attribute.name);
-        json.Key("offset");
-        json.Unsigned(attribute.offset);
-        json.Key("size");
-        json.Unsigned(attribute.size);
+        json.Member("name", attribute.name);
+        json.Member("offset", attribute.offset);
+        json.Member("size", attribute.size);
         json.EndObject();
     }
     json.EndArray();
@@ -67,37 +54,25 @@ void WriteExtraBytes(JsonWriter& json, const std::vector<LasExtraBytesReport>& a
 
 void WriteLas(JsonWriter& json, const LasReport& las) {
     json.BeginObject();
-    json.Key("version");
-    json.Utf8(las.version);
-    json.Key("versionCode");
-    json.Integer(las.versionCode);
-    json.Key("pointFormat");
-    json.Integer(las.pointFormat);
-    json.Key("compressed");
-    json.Bool(las.compressed);
-    json.Key("headerSize");
-    json.Unsigned(las.headerSize);
-    json.Key("offsetToPoints");
-    json.Unsigned(las.offsetToPoints);
-    json.Key("pointRecordLength");
-    json.Unsigned(las.pointRecordLength);
-    json.Key("pointCount");
-    json.Unsigned(las.pointCount);
+    json.Member("version", las.version);
+    json.Member("versionCode", las.versionCode);
+    json.Member("pointFormat", las.pointFormat);
+    json.Member("compressed", las.compressed);
+    json.Member("headerSize", las.headerSize);
+    json.Member("offsetToPoints", las.offsetToPoints);
+    json.Member("pointRecordLength", las.pointRecordLength);
+    json.Member("pointCount", las.pointCount);
     WriteTriple(json, "scale", las.scale);
     WriteTriple(json, "offset", las.offset);
     WriteTriple(json, "min", las.min);
     WriteTriple(json, "max", las.max);
-    json.Key("globalEncoding");
-    json.Unsigned(las.globalEncoding);
-    json.Key("gpsTime");
-    json.Text(las.gpsTime);
+    json.Member("globalEncoding", las.globalEncoding);
+    json.Member("gpsTime", las.gpsTime);
     WriteRecords(json, "vlrs", las.vlrs);
     WriteRecords(json, "evlrs", las.evlrs);
     WriteExtraBytes(json, las.extraBytes);
-    json.Key("companionStatus");
-    json.Integer(las.companionStatus);
-    json.Key("vlrText");
-    json.Text(las.vlrText);
+    json.Member("companionStatus", las.companionStatus);
+    json.Member("vlrText", las.vlrText);
     json.EndObject();
 }
 
@@ -107,14 +82,10 @@ class JsonReportWriter final : public ReportWriter {
 
     void Write(const FileReport& report) override {
         json_.BeginObject();
-        json_.Key("path");
-        json_.Text(report.path);
-        json_.Key("kind");
-        json_.Utf8(report.kind);
-        json_.Key("loadable");
-        json_.Bool(report.loadable);
-        json_.Key("summary");
-        json_.Text(report.summary);
+        json_.Member("path", report.path);
+        json_.Member("kind", report.kind);
+        json_.Member("loadable", report.loadable);
+        json_.Member("summary", report.summary);
         json_.Key("findings");
         json_.BeginArray();
         for (const std::wstring& finding : report.findings) {

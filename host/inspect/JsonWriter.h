@@ -1,7 +1,9 @@
 #pragma once
 #include <cstdint>
 #include <iosfwd>
+#include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 namespace orvex {
@@ -28,6 +30,24 @@ class JsonWriter {
     void Unsigned(std::uint64_t number);
     void Bool(bool value);
     void Null();
+
+    /// A member with its value, written as the value's type has it: the calls above, UTF-8 for narrow texts.
+    void Member(std::string_view name, const std::wstring& text) { Key(name), Text(text); }
+    void Member(std::string_view name, const std::string& utf8) { Key(name), Utf8(utf8); }
+    template <typename Value>
+    requires std::is_arithmetic_v<Value>
+    void Member(std::string_view name, Value value) {
+        Key(name);
+        if constexpr (std::is_same_v<Value, bool>) {
+            Bool(value);
+        } else if constexpr (std::is_floating_point_v<Value>) {
+            Number(value);
+        } else if constexpr (std::is_signed_v<Value>) {
+            Integer(value);
+        } else {
+            Unsigned(value);
+        }
+    }
 
   private:
     struct Level {
