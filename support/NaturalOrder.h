@@ -5,9 +5,13 @@
 
 namespace orvex {
 
-/// Order of file paths as a person lists them: without regard to letter case, runs of digits by their value
-/// ("tile2" before "tile10"), a folder's own files beside each other. Texts that are equal so far are ordered
-/// by their characters, so that the order is total.
+/// A text such that comparing two of them character by character gives the order in which a person lists the
+/// originals: without regard to letter case, runs of digits by their value ("tile9" before "Tile10"; leading
+/// zeros mean nothing), a folder's own files beside each other.
+std::wstring NaturalKey(std::wstring_view text);
+
+/// The order of NaturalKey; texts with equal keys are ordered by their characters, so that the order is
+/// total.
 bool NaturalLess(std::wstring_view a, std::wstring_view b);
 
 /// Sorts by NaturalLess.

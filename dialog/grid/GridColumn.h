@@ -18,8 +18,8 @@ struct GridColumn {
     StringId caption = {};  ///< 0: no caption
     int width = 0;          ///< pixels at 100 %; 0: fitted to its contents
     CellKind kind = CellKind::Text;
-    const wchar_t* format =
-        L"";  ///< of numbers, printf-like; of dates, a QDateTime format (empty: the locale's short one)
+    /// Of numbers, printf-like; of dates, a QDateTime format (empty: the locale's short one).
+    const wchar_t* format = L"";
     HeaderAlign align = HeaderAlign::Left;  ///< of the caption, and of cells that are no numbers
     StringId tooltip = {};                  ///< of the header; 0: none
     bool basic = false;                     ///< stays when the detail columns are hidden

@@ -4,13 +4,14 @@
 #include <QKeySequence>
 #include <QMenu>
 
+#include "support/QtText.h"
 #include "support/Text.h"
 
 namespace orvex {
 namespace {
 
 QString ShownText(StringId id) {
-    return QString::fromStdWString(Text(id));
+    return ToQString(Text(id));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "dialog/grid/GridColours.h"
 #include "dialog/grid/GridModel.h"
 #include "dialog/grid/GridText.h"
+#include "support/QtText.h"
 
 namespace orvex {
 namespace {
@@ -28,7 +29,7 @@ QIcon GridDelegate::IconAt(int image) const {
 }
 
 QString GridDelegate::displayText(const QVariant& value, const QLocale&) const {
-    return QString::fromStdWString(OnOneLine(value.toString().toStdWString()));
+    return ToQString(OnOneLine(ToWide(value.toString())));
 }
 
 void GridDelegate::SetIcons(std::vector<QIcon> icons) {

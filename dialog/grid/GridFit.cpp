@@ -5,6 +5,7 @@
 
 #include "dialog/grid/GridModel.h"
 #include "dialog/grid/GridText.h"
+#include "support/QtText.h"
 
 namespace orvex {
 namespace {
@@ -13,7 +14,7 @@ constexpr int kWidest = 1000;
 constexpr std::size_t kLongestMeasured = 400;  // characters; more are wider than the widest column
 
 int TextWidth(const std::wstring& text, const QFontMetrics& font) {
-    return font.horizontalAdvance(QString::fromStdWString(OnOneLine(text.substr(0, kLongestMeasured))));
+    return font.horizontalAdvance(ToQString(OnOneLine(text.substr(0, kLongestMeasured))));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "dialog/grid/GridHeaderView.h"
 #include "dialog/grid/GridModel.h"
 #include "dialog/grid/GridTable.h"
+#include "support/QtText.h"
 
 namespace orvex {
 
@@ -80,8 +81,7 @@ void GridFooter::PaintPane(QPainter& painter, const GridTable& table) const {
         }
         const bool number = model_->Columns()[static_cast<std::size_t>(column)].kind == CellKind::Number;
         const QRect room = cell.adjusted(margin, 1, -margin, 0);
-        const QString shown =
-            fontMetrics().elidedText(QString::fromStdWString(*text), Qt::ElideRight, room.width());
+        const QString shown = fontMetrics().elidedText(ToQString(*text), Qt::ElideRight, room.width());
         painter.drawText(room, (number ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter, shown);
     }
     painter.setClipping(false);

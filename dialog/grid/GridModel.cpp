@@ -7,6 +7,7 @@
 #include <numeric>
 
 #include "support/Format.h"
+#include "support/QtText.h"
 
 namespace orvex {
 namespace {
@@ -17,8 +18,8 @@ constexpr std::size_t kMostSeparateRanges = 32;
 std::wstring DateText(std::int64_t time, const wchar_t* format) {
     const QDateTime local = QDateTime::fromMSecsSinceEpoch(time);
     const QString pattern = QString::fromWCharArray(format);
-    return (pattern.isEmpty() ? QLocale().toString(local, QLocale::ShortFormat) : local.toString(pattern))
-        .toStdWString();
+    return ToWide(pattern.isEmpty() ? QLocale().toString(local, QLocale::ShortFormat)
+                                    : local.toString(pattern));
 }
 
 bool IsText(const GridColumn& column, HeaderAlign align) {
@@ -52,7 +53,7 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
         case Qt::TextAlignmentRole:
             return Alignment(column, false);
         case Qt::ToolTipRole:
-            return QString::fromStdWString(Tooltip(record, column));
+            return ToQString(Tooltip(record, column));
         case Qt::ForegroundRole:
             if (const auto colour = TextColour(record, column)) {
                 return *colour;
@@ -71,7 +72,7 @@ QVariant GridModel::DisplayValue(std::size_t record, int column, int role) const
         return {};
     }
     if (role != kSortRole) {
-        return QString::fromStdWString(CellText(record, column));
+        return ToQString(CellText(record, column));
     }
     const GridCell cell = Cell(record, column);
     if (const auto* number = std::get_if<double>(&cell)) {
@@ -81,7 +82,7 @@ QVariant GridModel::DisplayValue(std::size_t record, int column, int role) const
         return static_cast<qlonglong>(*time);
     }
     const auto* text = std::get_if<std::wstring>(&cell);
-    return text ? QVariant(QString::fromStdWString(*text)) : QVariant();
+    return text ? QVariant(ToQString(*text)) : QVariant();
 }
 
 QVariant GridModel::Alignment(int column, bool header) const {
@@ -102,11 +103,11 @@ QVariant GridModel::headerData(int section, Qt::Orientation orientation, int rol
     const GridColumn& column = columns_[static_cast<std::size_t>(section)];
     switch (role) {
         case Qt::DisplayRole:
-            return QString::fromStdWString(Text(column.caption));
+            return ToQString(Text(column.caption));
         case Qt::AccessibleTextRole:
-            return QString::fromStdWString(Text(column.caption.value ? column.caption : column.tooltip));
+            return ToQString(Text(column.caption.value ? column.caption : column.tooltip));
         case Qt::ToolTipRole:
-            return QString::fromStdWString(Text(column.tooltip));
+            return ToQString(Text(column.tooltip));
         case Qt::TextAlignmentRole:
             return Alignment(section, true);
         case kIconRole:

@@ -4,6 +4,7 @@
 
 #include "dialog/grid/GridHeaderView.h"
 #include "dialog/grid/GridModel.h"
+#include "support/QtText.h"
 
 namespace orvex {
 
@@ -12,8 +13,8 @@ GridPanes::GridPanes(GridDelegate& delegate, QWidget* parent)
       scrolling_(new GridTable(GridTable::Pane::Scrolling, delegate, parent)) {
     frozen_->setObjectName("frozenTable");
     scrolling_->setObjectName("table");
-    frozen_->setAccessibleName(QString::fromStdWString(Text(40406_lsid)));
-    scrolling_->setAccessibleName(QString::fromStdWString(Text(40405_lsid)));
+    frozen_->setAccessibleName(ToQString(Text(40406_lsid)));
+    scrolling_->setAccessibleName(ToQString(Text(40405_lsid)));
     frozen_->SetMain(scrolling_);
     JoinVertically();
 }

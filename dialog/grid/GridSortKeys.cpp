@@ -2,41 +2,9 @@
 
 #include <cmath>
 
+#include "support/NaturalOrder.h"
+
 namespace orvex {
-namespace {
-
-bool IsDigit(wchar_t c) {
-    return c >= L'0' && c <= L'9';
-}
-
-}  // namespace
-
-std::wstring NaturalKey(std::wstring_view text) {
-    const std::wstring upper = ToUpper(text);
-    std::wstring key;
-    key.reserve(upper.size() + 4);
-    for (std::size_t i = 0; i < upper.size();) {
-        if (!IsDigit(upper[i])) {
-            key.push_back(upper[i++]);
-            continue;
-        }
-        while (i + 1 < upper.size() && upper[i] == L'0' && IsDigit(upper[i + 1])) {
-            ++i;
-        }
-        std::size_t end = i;
-        while (end < upper.size() && IsDigit(upper[end])) {
-            ++end;
-        }
-        // The longer of two numbers is the larger one. The leading "0" keeps numbers where digits stand among
-        // the other characters.
-        key.push_back(L'0');
-        key.push_back(static_cast<wchar_t>(end - i));
-        key.append(upper, i, end - i);
-        i = end;
-    }
-    return key;
-}
-
 void GridSortKeys::Clear() {
     kinds_ = {};
     numbers_ = {};

@@ -1,16 +1,11 @@
 #pragma once
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "dialog/grid/GridColumn.h"
 
 namespace orvex {
-
-/// A text such that comparing two of them character by character compares the originals without regard to
-/// letter case and with runs of digits by their value ("tile9" before "Tile10"; leading zeros mean nothing).
-std::wstring NaturalKey(std::wstring_view text);
 
 /// The keys of one column, by record: computed once, compared often. Numbers and dates come before texts;
 /// what has no value comes last in both directions.

@@ -8,6 +8,7 @@
 #include "dialog/grid/GridDelegate.h"
 #include "dialog/grid/GridHeaderView.h"
 #include "dialog/grid/GridModel.h"
+#include "support/QtText.h"
 
 namespace orvex {
 
@@ -63,7 +64,7 @@ void GridTable::keyboardSearch(const QString& typed) {
     const bool sameLetter = typed_.count(typed_.front(), Qt::CaseInsensitive) == typed_.size();
     const QString start = sameLetter ? typed_.left(1) : typed_;
     const int current = currentIndex().row();
-    const int row = grid->FindRow(column, start.toStdWString(), current + (sameLetter ? 1 : 0));
+    const int row = grid->FindRow(column, ToWide(start), current + (sameLetter ? 1 : 0));
     if (row >= 0) {
         const int shown = std::max(columnAt(0), 0);
         setCurrentIndex(grid->index(row, currentIndex().isValid() ? currentIndex().column() : shown));

@@ -17,6 +17,7 @@
 #include "dialog/grid/GridPanes.h"
 #include "dialog/grid/GridSelection.h"
 #include "dialog/grid/GridText.h"
+#include "support/QtText.h"
 
 namespace orvex {
 namespace {
@@ -57,7 +58,7 @@ GridView::GridView(QWidget* parent) : QFrame(parent), parts_(std::make_unique<Pa
     p.bar = new QScrollBar(Qt::Horizontal, this);
     p.message = new QLabel(this);
     p.footer->setObjectName("footer");
-    p.footer->setAccessibleName(QString::fromStdWString(Text(40407_lsid)));
+    p.footer->setAccessibleName(ToQString(Text(40407_lsid)));
     p.message->setAlignment(Qt::AlignCenter);
     p.message->setWordWrap(true);
     p.message->setMargin(16);
@@ -268,8 +269,8 @@ int GridView::CurrentRow() const {
 void GridView::CopySelection(bool withHeaders) const {
     const std::vector<int> rows = SelectedRows();
     if (!rows.empty()) {
-        QApplication::clipboard()->setText(QString::fromStdWString(
-            TabSeparated(*parts_->model, rows, parts_->panes.ShownColumns(), withHeaders)));
+        QApplication::clipboard()->setText(
+            ToQString(TabSeparated(*parts_->model, rows, parts_->panes.ShownColumns(), withHeaders)));
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include "dialog/grid/GridText.h"
 #include "dialog/grid/tests/SampleModel.h"
+#include "support/QtText.h"
 
 namespace orvex::testing {
 namespace {
@@ -42,6 +43,15 @@ TEST(GridModelTest, StaysConsistentThroughEveryChange) {
         model.AddNames({L"x"});
         model.Clear();
     }
+}
+
+// What a name that is no UTF-8 holds.
+TEST(GridModelTest, LoneSurrogatesStayAsTheyAre) {
+    const std::wstring name = L"tile" + FromUtf8("\xE9") + L".las";
+    SampleModel model;
+    model.AddNames({name});
+    EXPECT_EQ(ToWide(model.data(model.index(0, kName), Qt::DisplayRole).toString()), name);
+    EXPECT_EQ(model.FindRow(kName, name, 0), 0);
 }
 
 struct SortCase {

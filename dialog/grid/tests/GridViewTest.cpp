@@ -15,6 +15,7 @@
 #include "dialog/grid/GridColours.h"
 #include "dialog/grid/GridFooter.h"
 #include "dialog/grid/tests/SampleModel.h"
+#include "support/QtText.h"
 
 namespace orvex::testing {
 namespace {
@@ -173,9 +174,9 @@ TEST_F(GridViewTest, CopiesWhatIsShownOfTheSelectedRows) {
         L"false\tc\t3.00\tSummary of c second line of it\n";
     const std::wstring headers =
         L"\t" + Text(40402_lsid) + L"\t" + Text(40403_lsid) + L"\t" + Text(40405_lsid) + L"\n";
-    EXPECT_EQ(QApplication::clipboard()->text().toStdWString(), headers + rows);
+    EXPECT_EQ(ToWide(QApplication::clipboard()->text()), headers + rows);
     view_.findChild<QAction*>("copyRows")->trigger();
-    EXPECT_EQ(QApplication::clipboard()->text().toStdWString(), rows);
+    EXPECT_EQ(ToWide(QApplication::clipboard()->text()), rows);
 
     QApplication::clipboard()->setText("kept");
     view_.ClearSelection();
@@ -221,7 +222,7 @@ TEST_F(GridViewTest, FittingKeepsTheLimits) {
     EXPECT_EQ(view_.ColumnWidth(kModified), 130) << "but not below the least width";
     model_.Add({{L"b", 1e17}});
     view_.FitColumn(kSize);
-    const QString sum = QString::fromStdWString(*model_.FooterText(kSize));
+    const QString sum = ToQString(*model_.FooterText(kSize));
     EXPECT_GE(view_.ColumnWidth(kSize), view_.fontMetrics().horizontalAdvance(sum));
     EXPECT_LE(view_.FrozenTable()->width(), view_.width() * 6 / 10) << "room is left to scroll in";
 }
