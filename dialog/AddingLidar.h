@@ -23,13 +23,13 @@ AddLidarChoice DecideAddingLidar(const OptionStore& options, bool readWriteAllow
 
 /// The host's findings about the files to be added, in the order of the exported function.
 struct LidarFindings {
-    bool a = false;
-    bool b = false;
-    bool c = false;
-    bool d = false;
-    bool e = false;
-    bool f = false;
-    bool g = false;
+    bool a = false;  ///< files are appended to layers that exist
+    bool b = false;  ///< the CRS of files differ
+    bool c = false;  ///< files have no CRS
+    bool d = false;  ///< the header of a file cannot be true
+    bool e = false;  ///< the user is to be told of files that are skipped
+    bool f = false;  ///< files are in the project already
+    bool g = false;  ///< files can no longer be opened
 };
 
 /// Shows the messages that follow from the findings. True when nothing may be added.

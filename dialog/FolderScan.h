@@ -26,8 +26,7 @@ struct ScanResult {
 };
 
 /// Searches on the thread that calls. Links to folders are followed, each folder is listed once however it is
-/// reached. Throws nothing but
-/// bad_alloc.
+/// reached. Throws nothing but bad_alloc.
 ScanResult ScanPaths(const ScanRequest& request, const std::stop_token& stop);
 
 /// Searches on a worker thread while the window stays alive; Escape stops it. The caller opens the

@@ -17,9 +17,9 @@ enum class PageKind { Las = 0, Raster = 1, Feature = 2, Dem = 3, Photo = 4, Clou
 struct PageDescription {
     PageKind kind;
     StringId caption;
-    StringId insertFailureId;
+    StringId insertFailureId;  ///< said when the tab cannot be added
     const wchar_t* insertFailureText;
-    StringId createFailureId;
+    StringId createFailureId;  ///< said when the page cannot be made
     const wchar_t* createFailureText;
     int templateId;                    ///< name of the page's widget: "page<templateId>"
     int imageIndex;                    ///< image of its tab while selected

@@ -3,8 +3,8 @@
 
 namespace orvex {
 
-/// Shows a row of options at its full height, or at most a given one. What the window has no room
-/// for is reached by scrolling.
+/// Shows a row of options at its full height, or at most a given one. What the window has no room for is
+/// reached by scrolling.
 class LasOptionsPanel final : public QScrollArea {
     Q_OBJECT
 

@@ -6,6 +6,7 @@
 #include "support/ByteReader.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
+#include "support/Text.h"
 
 namespace orvex {
 
@@ -73,7 +74,7 @@ std::uint64_t LasPointViews::ViewCount() const {
 
 LasPointView LasPointViews::Map(std::uint64_t view) const {
     if (view >= ViewCount()) {
-        throw LDataError(FormatText(L"There is no view %u of the point data.", {view}));
+        throw LDataError(FormatText(Text(40000_lsid), {view}));
     }
     const std::uint64_t begin = (start_ / Granularity() + view) * Granularity();
     const std::uint64_t first = FirstPointFrom(begin);
@@ -85,7 +86,7 @@ LasPointView LasPointViews::Map(std::uint64_t view) const {
     const std::uint64_t length = start_ + last * recordLength_ - begin;
     MappedView mapped;
     if (const SystemError error = file_.Map(begin, length, !readOnly_, mapped)) {
-        throw LDataError(FormatText(L"The point data could not be mapped: %s", {SystemErrorText(error)}));
+        throw LDataError(FormatText(Text(40001_lsid), {SystemErrorText(error)}));
     }
     return LasPointView(std::move(mapped), firstByte - begin, first, last - first, recordLength_, frame_);
 }

@@ -33,12 +33,14 @@ class OptionStore {
         Stored value{};
         return Read(item, &value, sizeof(value)) == 0 ? fallback : static_cast<T>(value);
     }
+    /// Stores the item's value, of a type as for Get. False when it was not written.
     template <typename T>
     bool Put(OrvexOptionItem2 item, const T& value) const {
         return Write(item, &value, sizeof(T)) != 0;
     }
 
-    /// Opaque bytes kept beside the options under a name (window placements and the like, current user).
+    /// Opaque bytes kept beside the options under a name (window placements and the like, current user). None
+    /// when there are none; false when they were not written.
     std::optional<std::string> ReadPlacement(const std::wstring& name) const;
     bool WritePlacement(const std::wstring& name, const std::string& bytes) const;
 

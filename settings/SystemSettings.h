@@ -16,15 +16,17 @@ class SystemSettings {
 
     /// True only when -1 is stored; `fallback` when nothing is.
     bool GetBool(const std::wstring& key, bool fallback) const;
+    /// Writes of any kind: a failure is logged, the stored value stays.
     void SetBool(const std::wstring& key, bool value);
+    /// `fallback` when nothing, or no text, is stored.
     std::wstring GetText(const std::wstring& key, const std::wstring& fallback) const;
     void SetText(const std::wstring& key, const std::wstring& value);
-    /// A number of any numeric kind, or digits stored as text.
+    /// A number of any numeric kind, or digits stored as text; `fallback` for anything else.
     std::int32_t GetNumber(const std::wstring& key, std::int32_t fallback) const;
     void SetInt16(const std::wstring& key, std::int16_t value);
 
   private:
-    std::unique_ptr<OrvexSystemSettings> object_;
+    std::unique_ptr<OrvexSystemSettings> object_;  ///< never null
 };
 
 }  // namespace orvex

@@ -20,6 +20,7 @@ struct OpenFilesRequest {
     std::size_t bufferCharacters = 130261;
 };
 
+/// BufferTooSmall: more names were chosen than bufferCharacters hold.
 enum class PickOutcome { Picked, Cancelled, BufferTooSmall, OutOfMemory, Failed };
 
 struct PickedFiles {
@@ -31,6 +32,7 @@ struct PickedFiles {
 class FilePickers {
   public:
     virtual ~FilePickers() = default;
+    /// One or more files that exist.
     virtual PickedFiles PickFiles(const OpenFilesRequest& request) = 0;
     /// None when the user cancelled.
     virtual std::optional<std::wstring> PickFolder(const std::wstring& title) = 0;

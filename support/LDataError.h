@@ -18,8 +18,8 @@ class LDataError : public std::exception {
     std::string utf8_;
 };
 
-/// The text of the exception that is being handled: an LDataError's own, else what(), else "unknown error".
-/// Call it inside a catch block.
+/// The text of the exception that is being handled: an LDataError's own, else what(), else that the error is
+/// unknown. Call it inside a catch block.
 std::wstring CurrentExceptionText();
 
 }  // namespace orvex

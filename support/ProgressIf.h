@@ -10,6 +10,7 @@ class ProgressIf {
     virtual ~ProgressIf() = default;
     /// Starts a run of `total` steps; 0 when the number is not known.
     virtual void SetRange(std::uint64_t total) = 0;
+    /// What is being done, one line for the user.
     virtual void SetText(const std::wstring& text) = 0;
     /// `done` steps of the range are finished.
     virtual void SetPosition(std::uint64_t done) = 0;

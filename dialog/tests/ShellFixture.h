@@ -9,11 +9,8 @@
 #include "dialog/AddFilesDlg.h"
 #include "dialog/CTabCtrlEx.h"
 #include "dialog/DialogProgress.h"
-#include "settings/OptionStore.h"
-#include "settings/testing/FakeHostObjects.h"
-#include "settings/testing/FakeRegistry.h"
+#include "dialog/testing/ScriptedServices.h"
 #include "support/LDataError.h"
-#include "support/testing/Scripted.h"
 
 namespace orvex {
 
@@ -75,7 +72,7 @@ inline PageDescription Describe(PageKind kind, unsigned caption, int templateId,
             }};
 }
 
-class Shell : public ::testing::Test {
+class Shell : public ::testing::Test, protected testing::ScriptedServices {
   protected:
     Shell() {
         const auto add = [this](auto... arguments) { pages.push_back(Describe(arguments..., journal)); };
@@ -110,13 +107,6 @@ class Shell : public ::testing::Test {
     Journal journal;
     std::vector<PageDescription> pages;
     AddFilesParams params;
-    testing::ScriptedPrompts prompts;
-    testing::ScriptedPickers pickers;
-    testing::RecordingHelpViewer help;
-    testing::FakeRegistry registry;
-    testing::FakeHostObjects hostObjects;
-    OptionStore options{registry};
-    DialogServices services{prompts, pickers, help, options, hostObjects};
 };
 
 }  // namespace orvex

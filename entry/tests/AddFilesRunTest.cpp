@@ -7,10 +7,7 @@
 #include <QTest>
 #include <QTimer>
 
-#include "settings/OptionStore.h"
-#include "settings/testing/FakeHostObjects.h"
-#include "settings/testing/FakeRegistry.h"
-#include "support/testing/Scripted.h"
+#include "dialog/testing/ScriptedServices.h"
 
 namespace orvex {
 namespace {
@@ -62,30 +59,26 @@ class OneFilePage : public AddFilesPage {
     int& released_;
 };
 
-class Running : public ::testing::Test {
+class Running : public ::testing::Test, protected testing::ScriptedServices {
   protected:
+    bool RunWith(bool pageStores) {
+        PageDescription page{PageKind::Las, 13558_lsid, 13559_lsid, nullptr, 13560_lsid,
+                             nullptr,       363,        8,          nullptr, {}};
+        page.create = [&](const PageContext& context) {
+            return std::make_unique<OneFilePage>(*context.params, pageStores, released);
+        };
+        return RunAddFiles(params, services, {&page, 1}, nullptr);
+    }
     bool Run(bool pageStores, const char* press) {
-        const PageDescription pages[] = {{PageKind::Las, 13558_lsid, 13559_lsid, nullptr, 13560_lsid, nullptr,
-                                          363, 8, nullptr, [&](const PageContext& context) {
-                                              return std::make_unique<OneFilePage>(*context.params,
-                                                                                   pageStores, released);
-                                          }}};
         QTimer::singleShot(0, qApp, [press] {
             QTest::mouseClick(
                 QApplication::activeModalWidget()->findChild<QPushButton*>(QLatin1String(press)),
                 Qt::LeftButton);
         });
-        return RunAddFiles(params, services, pages, nullptr);
+        return RunWith(pageStores);
     }
     AddFilesParams params;
     int released = 0;
-    testing::ScriptedPrompts prompts;
-    testing::ScriptedPickers pickers;
-    testing::RecordingHelpViewer help;
-    testing::FakeRegistry registry;
-    testing::FakeHostObjects hostObjects;
-    OptionStore options{registry};
-    DialogServices services{prompts, pickers, help, options, hostObjects};
 };
 
 TEST_F(Running, IsTrueOnlyForOkWithSomethingToAdd) {
@@ -99,20 +92,7 @@ TEST_F(Running, IsTrueOnlyForOkWithSomethingToAdd) {
 
 TEST_F(Running, ReleasesWhenTheDialogCannotOpen) {
     hostObjects.createApplicationResult = kHostFail;
-    const PageDescription pages[] = {{PageKind::Las,
-                                      13558_lsid,
-                                      {},
-                                      nullptr,
-                                      {},
-                                      nullptr,
-                                      363,
-                                      8,
-                                      nullptr,
-                                      [&](const PageContext& context) {
-                                          return std::make_unique<OneFilePage>(*context.params, true,
-                                                                               released);
-                                      }}};
-    EXPECT_FALSE(RunAddFiles(params, services, pages, nullptr));
+    EXPECT_FALSE(RunWith(true));
     EXPECT_EQ(released, 1);
     EXPECT_EQ(prompts.shown.size(), 1U);
 }

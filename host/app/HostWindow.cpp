@@ -146,7 +146,7 @@ bool HostWindow::AddFiles(const QStringList& paths) {
 
 void HostWindow::TakeRecord(AddFilesParams& record) {
     record_->setPlainText(ToQString(RecordText(record)));
-    const LidarFindings found = CheckLidar(project_, record);
+    const LidarReport found = CheckLidar(project_, record);
     bool stop = false;
     MessageRegardingAddingLidar(reinterpret_cast<HWND>(winId()), Text(40880_lsid), found.appending,
                                 found.crsDiffers, found.crsMissing, found.damaged, found.tellSkipped,

@@ -63,8 +63,8 @@ class LayerGroups {
 
 }  // namespace
 
-LidarFindings CheckLidar(const Project& project, const AddFilesParams& record) {
-    LidarFindings findings;
+LidarReport CheckLidar(const Project& project, const AddFilesParams& record) {
+    LidarReport findings;
     findings.tellSkipped = true;
     const std::set<std::wstring> known = KeysOf(project);
     LayerGroups groups(project);

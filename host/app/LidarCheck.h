@@ -10,10 +10,10 @@ struct Project;
 
 /// The host's findings about the LiDAR files of a record, in the order in which MessageRegardingAddingLidar
 /// takes them.
-struct LidarFindings {
+struct LidarReport {
     bool appending = false;  ///< a: at least one file goes to a layer that the project has already
-    bool crsDiffers =
-        false;  ///< b: a file has another CRS than the layer it goes to, or its new layer's others
+    /// b: a file has another CRS than the layer it goes to, or than the others of its new layer.
+    bool crsDiffers = false;
     bool crsMissing = false;         ///< c: a file has no CRS
     bool damaged = false;            ///< d: the header of a file cannot be true (no extent, no details)
     bool tellSkipped = false;        ///< e: the user is to be told of files that are skipped
@@ -22,6 +22,7 @@ struct LidarFindings {
     std::set<std::wstring> skipped;  ///< full paths of the files of f and g
 };
 
-LidarFindings CheckLidar(const Project& project, const AddFilesParams& record);
+/// Compares the record with the project and looks at each file.
+LidarReport CheckLidar(const Project& project, const AddFilesParams& record);
 
 }  // namespace orvex

@@ -42,8 +42,8 @@ struct Layer {
 struct AddedFiles {
     std::size_t files = 0;      ///< taken into the project
     std::size_t newLayers = 0;  ///< made for them
-    std::size_t mainLayer =
-        0;  ///< place of the layer that got the most of them; one with a CRS before one without
+    /// Place of the layer that got the most of them; one with a CRS before one without.
+    std::size_t mainLayer = 0;
 };
 
 /// The open project: layers in the order of their making.

@@ -7,8 +7,8 @@
 
 namespace orvex {
 
-/// Ends the process with kWatchdogExit when it outlives its time, after telling on the
-/// standard error stream what was. It has a thread of its own: a blocked event loop does not stop it.
+/// Ends the process with kWatchdogExit when it outlives its time, after telling on the standard error stream
+/// what was waited for. It has a thread of its own: a blocked event loop does not stop it.
 class Watchdog {
   public:
     explicit Watchdog(std::chrono::seconds patience);

@@ -21,16 +21,18 @@ using FilesByFolder = std::map<std::wstring, std::vector<std::wstring>>;
 class AddFilesParams {
   public:
     // Inputs.
-    orvex::OrvexApplication* hostApplication =
-        nullptr;                  ///< asked for the signed-in cloud account; may be null
-    std::int32_t initialTab = 0;  ///< index of the tab selected at first
-    std::map<std::wstring, std::wstring>
-        existingLasLayers;  ///< layer name to the CRS of the layer as WKT, may be empty
+    /// Asked for the signed-in cloud account; may be null. Owned by the host.
+    orvex::OrvexApplication* hostApplication = nullptr;
+    /// Index of the tab selected at first, counted over the tabs that exist.
+    std::int32_t initialTab = 0;
+    /// Layers of the project that LAS files can be appended to: name to the layer's CRS as WKT, empty for
+    /// none.
+    std::map<std::wstring, std::wstring> existingLasLayers;
 
     // LAS results.
     FilesByFolder lasFiles;
-    std::map<std::wstring, orvex::LasFileInfo*>
-        lasFileDetails;  ///< full path to the file's details, owned by the host
+    /// Full path to the file's details, owned by the host.
+    std::map<std::wstring, orvex::LasFileInfo*> lasFileDetails;
 
     // Which tabs exist; the LAS tab always does. The order differs on purpose from the order of the tabs.
     bool showRasterTab = false;
@@ -40,22 +42,24 @@ class AddFilesParams {
     bool showCloudTab = false;
 
     // LAS load options.
-    bool lasOpenSetting = false;      ///< true: open read-write
-    bool lasLoadSetting = false;      ///< true: load footprints only
-    bool lasAppend = false;           ///< append the files to compatible layers
-    std::uint16_t lasThinning = 0;    ///< 2 to 256
-    std::int32_t lasPyramidType = 0;  ///< 1 OrvexLAS, 2 QVR, 0 none
-    bool convertExistingQvr = false;
+    bool lasOpenSetting = false;            ///< true: open read-write
+    bool lasLoadSetting = false;            ///< true: load footprints only
+    bool lasAppend = false;                 ///< append the files to compatible layers
+    std::uint16_t lasThinning = 0;          ///< 2 to 256
+    std::int32_t lasPyramidType = 0;        ///< 1 OrvexLAS, 2 QVR, 0 none
+    bool convertExistingQvr = false;        ///< ".qvr" companions become OrvexLAS companions
     std::int32_t orvexLasBackupOption = 0;  ///< 0 overwrite, 1 backup, 2 backup and compress
-    bool orvexLasOverwritePending = false;
-    bool reCreateOrvexLas = false;
+    bool orvexLasOverwritePending = false;  ///< existing companions will be overwritten without a backup
+    bool reCreateOrvexLas = false;          ///< companions that exist are made anew
 
     // Raster input and results.
+    /// Input: as existingLasLayers, for rasters.
     std::map<std::wstring, std::wstring> existingRasterLayers;
     FilesByFolder rasterFiles;
+    /// Full path to the file's details, owned by the host.
     std::map<std::wstring, orvex::RasterFileInfo*> rasterFileDetails;
-    bool rasterAppend = false;
-    bool rasterPyramid = false;
+    bool rasterAppend = false;   ///< append the files to compatible layers
+    bool rasterPyramid = false;  ///< build pyramids
 
     // Feature results.
     bool featureImportPoints = false;
@@ -82,8 +86,9 @@ class AddFilesParams {
     std::vector<std::wstring> photoFiles;
 
     // Cloud results, keyed by layer name.
-    std::map<std::wstring, std::wstring> presignedUrlLayers;
-    std::map<std::wstring, std::wstring> cloudLasLayers;
+    std::map<std::wstring, std::wstring> presignedUrlLayers;  ///< to the URL
+    std::map<std::wstring, std::wstring> cloudLasLayers;      ///< to the layer's URL
+    /// What the grid has behind the URL: its ninth and tenth cell.
     std::map<std::wstring, std::wstring> cloudLasLayerValues2;
     std::map<std::wstring, std::wstring> cloudLasLayerValues3;
 

@@ -24,10 +24,14 @@ using HWND = void*;
 /// throws.
 ORVEXCOMMON_API bool ShowAddFilesDialog(AddFilesParams* params);
 
-/// Shows the messages that follow from the host's findings about LiDAR files to be added (see
-/// docs/embedding.md for the flags). `stop` is only ever set to true. Never throws.
+/// Shows the messages that follow from the host's findings about LiDAR files to be added. `a`: files
+/// are appended to existing layers; `b`: the CRS of files differ; `c`: files have no CRS; `d`: a header
+/// cannot be true; `e`: the user is to be told of files that are skipped; `f`: files are in the project
+/// already; `g`: files can no longer be opened. `owner` may be null. `stop` is set to true, never to false,
+/// when nothing may be added. Needs a QApplication; never throws.
 ORVEXCOMMON_API void MessageRegardingAddingLidar(HWND owner, const std::wstring& caption, bool a, bool b,
                                                  bool c, bool d, bool e, bool f, bool g, bool& stop);
 
-/// Asks how LiDAR data is to be added, unless the user has asked not to be asked again. Never throws.
+/// Asks how LiDAR data is to be added, unless the user has asked not to be asked again: then the kept answer.
+/// Without `readWriteAllowed` read-write cannot be chosen. Needs a QApplication; never throws.
 ORVEXCOMMON_API AddLidarChoice GetAddingLidarChoice(bool readWriteAllowed);

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "support/testing/Bytes.h"
+
 namespace orvex::testing {
 
 /// Builds the bytes of one LAS file. The setters can be called in any order; Build lays out header, VLRs,
@@ -106,18 +108,5 @@ class LasBuilder {
     std::vector<std::pair<std::size_t, std::string>> lies_;
     std::size_t cut_ = std::string::npos;
 };
-
-/// The bytes of numbers, little-endian, one after the other.
-template <typename... Numbers>
-std::string Bytes(Numbers... numbers) {
-    std::string bytes;
-    const auto append = [&bytes](auto number) {
-        const std::size_t end = bytes.size();
-        bytes.resize(end + sizeof(number));
-        std::memcpy(bytes.data() + end, &number, sizeof(number));
-    };
-    (append(numbers), ...);
-    return bytes;
-}
 
 }  // namespace orvex::testing

@@ -11,20 +11,17 @@
 #include "dialog/DialogProgress.h"
 #include "dialog/Images.h"
 #include "dialog/grid/GridView.h"
-#include "host/utilities/tests/LazSamples.h"
+#include "dialog/testing/ScriptedServices.h"
+#include "host/utilities/testing/LazSamples.h"
 #include "las/AddLASFilesModel.h"
 #include "las/AddLASFilesPP.h"
 #include "las/testing/LasBuilder.h"
-#include "settings/OptionStore.h"
-#include "settings/testing/FakeHostObjects.h"
-#include "settings/testing/FakeRegistry.h"
-#include "support/testing/Scripted.h"
 #include "support/testing/TemporaryFolder.h"
 
 namespace orvex::testing {
 
 /// The page by itself, with everything around it scripted.
-class LasPage : public ::testing::Test {
+class LasPage : public ::testing::Test, protected ScriptedServices {
   protected:
     LasPage() { MakePage(); }
 
@@ -84,13 +81,6 @@ class LasPage : public ::testing::Test {
     }
 
     TemporaryFolder folder;
-    ScriptedPrompts prompts;
-    ScriptedPickers pickers;
-    RecordingHelpViewer help;
-    FakeRegistry registry;
-    OptionStore options{registry};
-    FakeHostObjects host;
-    DialogServices services{prompts, pickers, help, options, host};
     AddFilesParams params;
     QProgressBar bar;
     DialogProgress progress{&bar};

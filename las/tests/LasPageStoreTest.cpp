@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <numeric>
 
-#include "host/utilities/tests/LazSamples.h"
+#include "host/utilities/testing/LazSamples.h"
 #include "las/testing/LasBuilder.h"
 #include "settings/OptionStore.h"
 #include "settings/testing/FakeRegistry.h"
@@ -51,10 +51,6 @@ class LasStore : public ::testing::Test {
         return found == params.lasFiles.end() ? std::vector<std::wstring>() : found->second;
     }
     std::wstring Root() const { return FromPath(folder.Path()); }
-    std::size_t FilesOnDisk() const {
-        return static_cast<std::size_t>(
-            std::distance(std::filesystem::directory_iterator(folder.Path()), {}));
-    }
 
     testing::TemporaryFolder folder;
     testing::FakeRegistry registry;
@@ -114,7 +110,7 @@ TEST_F(LasStore, ReadOnlyLeavesLazFilesAsTheyAre) {
     ASSERT_TRUE(Store().Succeeded());
     EXPECT_THAT(FilesIn(Root()), ElementsAre(L"a.laz"));
     EXPECT_TRUE(params.lasFileDetails.at(laz)->IsReadOnly());
-    EXPECT_EQ(FilesOnDisk(), 1U);
+    EXPECT_EQ(folder.Entries(), 1U);
 }
 
 TEST_F(LasStore, ReadWriteDecompressesALazFileOnceAndOpensItsLasFile) {
@@ -165,7 +161,7 @@ TEST_F(LasStore, FailuresAreAllNamedAndChangeNothing) {
     EXPECT_THAT(params.lasFiles, IsEmpty());
     EXPECT_FALSE(params.lasOpenSetting);
     EXPECT_EQ(registry.Find(RegistryRoot::CurrentUser, L"AddFilesDlg", L"optAddLASOpenSetting"), nullptr);
-    EXPECT_EQ(FilesOnDisk(), 2U) << "no half file";
+    EXPECT_EQ(folder.Entries(), 2U) << "no half file";
 }
 
 TEST_F(LasStore, StoppingADecompressionRefusesWithoutAFailure) {
@@ -177,7 +173,7 @@ TEST_F(LasStore, StoppingADecompressionRefusesWithoutAFailure) {
     EXPECT_TRUE(result.stopped);
     EXPECT_THAT(result.failures, IsEmpty());
     EXPECT_THAT(params.lasFiles, IsEmpty());
-    EXPECT_EQ(FilesOnDisk(), 2U);
+    EXPECT_EQ(folder.Entries(), 2U);
 }
 
 TEST_F(LasStore, WithdrawingMakesTheRecordWhatItWas) {

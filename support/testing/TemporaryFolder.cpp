@@ -33,6 +33,10 @@ std::wstring TemporaryFolder::Write(const std::wstring& name, const std::string&
     return FromPath(file);
 }
 
+std::size_t TemporaryFolder::Entries() const {
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(path_), {}));
+}
+
 std::string ReadFile(const std::wstring& path) {
     std::ifstream file(ToPath(path), std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};

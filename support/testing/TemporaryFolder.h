@@ -18,6 +18,9 @@ class TemporaryFolder {
     /// Writes a file (folders on the way are made) and returns its full path.
     std::wstring Write(const std::wstring& name, const std::string& bytes) const;
 
+    /// How many files and folders lie in it, without those in its subfolders.
+    std::size_t Entries() const;
+
   private:
     std::filesystem::path path_;
 };

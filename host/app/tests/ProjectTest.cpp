@@ -113,7 +113,7 @@ TEST(ProjectFile, AFailedSaveLeavesTheOldFileAndNothingElse) {
     EXPECT_FALSE(SaveProject(ToQString(folder.Name(L"project.orvex.json")), Project(), problem));
     EXPECT_FALSE(problem.isEmpty());
     EXPECT_EQ(testing::ReadFile(folder.Name(L"project.orvex.json")), before);
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
+    EXPECT_EQ(folder.Entries(), 1U);
 }
 
 TEST(Project, TakesFilesIntoTheLayersTheyWereAssignedTo) {
@@ -182,7 +182,7 @@ class LidarCheckTest : public ::testing::Test {
 TEST_F(LidarCheckTest, FindsNothingInFilesThatFit) {
     record_.AddFile(Readable(L"1.las"), L"1.las", L"new");
     record_.AddFile(Readable(L"2.las"), L"2.las", L"new");
-    const LidarFindings found = CheckLidar(project_, record_);
+    const LidarReport found = CheckLidar(project_, record_);
     EXPECT_FALSE(found.appending || found.crsDiffers || found.crsMissing || found.damaged ||
                  found.alreadyThere || found.unreadable);
     EXPECT_TRUE(found.tellSkipped);
@@ -193,7 +193,7 @@ TEST_F(LidarCheckTest, ComparesFilesWithTheLayerTheyGoTo) {
     record_.existingLasLayers = project_.LayersForDialog();
     record_.AddFile(Readable(L"1.las"), L"1.las", L"old", kDegrees);
     record_.AddFile(Readable(L"2.las"), L"2.las", L"new", "");
-    const LidarFindings found = CheckLidar(project_, record_);
+    const LidarReport found = CheckLidar(project_, record_);
     EXPECT_TRUE(found.appending);
     EXPECT_TRUE(found.crsDiffers);
     EXPECT_TRUE(found.crsMissing);
@@ -205,7 +205,7 @@ TEST_F(LidarCheckTest, SkipsWhatIsThereAlreadyOrGone) {
     record_.AddFile(folder, L"there.las", L"old");
     record_.AddFile(folder, L"gone.las", L"old");
     record_.AddFile(Readable(L"odd.las"), L"odd.las", L"old").low = {11, 0, 0};
-    const LidarFindings found = CheckLidar(project_, record_);
+    const LidarReport found = CheckLidar(project_, record_);
     EXPECT_TRUE(found.alreadyThere);
     EXPECT_TRUE(found.unreadable);
     EXPECT_TRUE(found.damaged);

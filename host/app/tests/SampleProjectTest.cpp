@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <set>
 
 #include "host/app/SampleLasFile.h"
 #include "support/Text.h"
+#include "support/testing/Bytes.h"
 #include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
@@ -14,15 +14,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string Bytes(const fs::path& path) {
-    return testing::ReadFile(FromPath(path));
-}
+using testing::At;
 
-template <typename T>
-T At(const std::string& bytes, std::size_t offset) {
-    T value;
-    std::memcpy(&value, bytes.data() + offset, sizeof(T));
-    return value;
+std::string BytesOf(const fs::path& path) {
+    return testing::ReadFile(FromPath(path));
 }
 
 TEST(SampleLas, HeaderAgreesWithThePoints) {
@@ -64,7 +59,7 @@ TEST(SampleProject, IsMadeOnceAndWhole) {
     EXPECT_EQ(extensions, (std::set<std::string>{".las", ".laz"}));
     EXPECT_EQ(files, 11U);
     EXPECT_FALSE(fs::exists(folder.Path() / "sample.new"));
-    const std::string compressed = Bytes(SampleData(project) / "survey 2024" / "tile_7.laz");
+    const std::string compressed = BytesOf(SampleData(project) / "survey 2024" / "tile_7.laz");
     ASSERT_GT(compressed.size(), 375U);
     EXPECT_EQ(compressed[104] & 0x80, 0x80);
     EXPECT_EQ(At<std::uint64_t>(compressed, 247), 40000U);

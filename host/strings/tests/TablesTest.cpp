@@ -4,15 +4,14 @@
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <set>
-#include <sstream>
 
 #include "host/strings/EmbeddedTables.h"
 #include "host/strings/StringTable.h"
 #include "support/Format.h"
 #include "support/Text.h"
+#include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
@@ -133,12 +132,6 @@ bool IsSkippedFolder(const std::filesystem::path& path) {
     return name == "tests" || name == "build" || name.starts_with('.');
 }
 
-std::string ReadAll(const std::filesystem::path& path) {
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
-
 // The numbers written as 13558_lsid.
 std::set<unsigned> IdsIn(const std::string& source) {
     constexpr std::string_view kSuffix = "_lsid";
@@ -169,7 +162,7 @@ TEST(Tables, HoldEveryIdThatTheCodeUses) {
             }
         } else if (IsSource(entry->path())) {
             ++files;
-            for (const unsigned id : IdsIn(ReadAll(entry->path()))) {
+            for (const unsigned id : IdsIn(testing::ReadFile(FromPath(entry->path())))) {
                 EXPECT_TRUE(english.contains(id) && german.contains(id)) << entry->path() << " uses " << id;
             }
         }

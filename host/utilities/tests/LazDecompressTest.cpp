@@ -8,7 +8,7 @@
 #include <functional>
 #include <stdexcept>
 
-#include "host/utilities/tests/LazSamples.h"
+#include "host/utilities/testing/LazSamples.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Text.h"
 #include "support/testing/Scripted.h"
@@ -18,6 +18,7 @@ namespace orvex {
 namespace {
 
 using testing::AppendExtendedRecords;
+using testing::At;
 using testing::Bytes;
 using testing::LazSample;
 using testing::PatchFile;
@@ -26,27 +27,24 @@ using testing::RecordingProgress;
 using testing::TemporaryFolder;
 using testing::WriteSample;
 
-template <typename T>
-T At(const std::string& bytes, std::size_t offset) {
-    T value{};
-    std::memcpy(&value, bytes.data() + offset, sizeof(value));
-    return value;
-}
-
-std::size_t CountFiles(const TemporaryFolder& folder) {
-    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder.Path()),
-                                                  std::filesystem::directory_iterator()));
+/// Decompresses a file beside itself; the bytes of the LAS file, empty when that failed.
+std::string Decompressed(const std::wstring& laz) {
+    const std::wstring las = OrvexUtilities::GetLAZBuddyPath(laz);
+    RecordingProgress progress;
+    std::wstring reason;
+    EXPECT_TRUE(OrvexUtilities::LAZDecompress(laz, las, progress, reason)) << ToUtf8(reason);
+    return ReadFile(las);
 }
 
 /// Expects a decompression to fail with a reason that names the file, leaving nothing new in the folder.
 void ExpectFailure(const TemporaryFolder& folder, const std::wstring& laz, const std::wstring& las) {
-    const std::size_t before = CountFiles(folder);
+    const std::size_t before = folder.Entries();
     RecordingProgress progress;
     std::wstring reason;
     EXPECT_FALSE(OrvexUtilities::LAZDecompress(laz, las, progress, reason));
     const bool namesFile = reason.find(laz) != std::wstring::npos || reason.find(las) != std::wstring::npos;
     EXPECT_TRUE(namesFile) << ToUtf8(reason);
-    EXPECT_EQ(CountFiles(folder), before);
+    EXPECT_EQ(folder.Entries(), before);
 }
 
 TEST(LazDecompress, GivesTheSameBytesAsTheFileThatWasNeverCompressed) {
@@ -80,7 +78,7 @@ TEST(LazDecompress, GivesTheSameBytesAsTheFileThatWasNeverCompressed) {
         EXPECT_EQ(progress.position, sample.points);
         EXPECT_FALSE(OrvexUtilities::IsLAZNewer(laz));
         EXPECT_EQ(ReadFile(laz), compressed);
-        EXPECT_EQ(CountFiles(folder), 2U);
+        EXPECT_EQ(folder.Entries(), 2U);
 
         const std::wstring twin = folder.Name(L"twin.las");
         WriteSample(twin, sample, false);
@@ -94,12 +92,8 @@ TEST(LazDecompress, UnpacksPointsThatWereFittedIntoOlderFormats) {
     const LazSample sample{4, 7, 36, 1000, true};
     WriteSample(folder.Name(L"a.laz"), sample, true);
     ASSERT_LT(At<std::uint8_t>(ReadFile(folder.Name(L"a.laz")), 104) & 63, 6) << "packed";
-    RecordingProgress progress;
-    std::wstring reason;
-    ASSERT_TRUE(OrvexUtilities::LAZDecompress(folder.Name(L"a.laz"), folder.Name(L"a.las"), progress, reason))
-        << ToUtf8(reason);
+    const std::string las = Decompressed(folder.Name(L"a.laz"));
     WriteSample(folder.Name(L"twin.las"), {4, 7, 36, 1000}, false);
-    const std::string las = ReadFile(folder.Name(L"a.las"));
     const std::string twin = ReadFile(folder.Name(L"twin.las"));
     EXPECT_EQ(At<std::uint8_t>(las, 104), 7);
     const std::size_t points = std::size_t{36} * 1000;
@@ -114,11 +108,8 @@ TEST(LazDecompress, MovesExtendedRecordsBehindThePoints) {
     AppendExtendedRecords(laz, {{"LASF_Projection", 2112, "WKT text"},
                                 {"copc", 1000, "where the chunks were"},
                                 {"other", 5, std::string(3 << 20, 'x')}});
-    RecordingProgress progress;
-    std::wstring reason;
-    ASSERT_TRUE(OrvexUtilities::LAZDecompress(laz, folder.Name(L"a.las"), progress, reason))
-        << ToUtf8(reason);
-    const std::string las = ReadFile(folder.Name(L"a.las"));
+    const std::string las = Decompressed(laz);
+    ASSERT_NE(las, "");
     const std::size_t start = At<std::uint32_t>(las, 96) + std::size_t{30} * 100;
     EXPECT_EQ(At<std::uint64_t>(las, 235), start);
     EXPECT_EQ(At<std::uint32_t>(las, 243), 2U);
@@ -139,11 +130,8 @@ TEST(LazDecompress, AnnouncesNoExtendedRecordsWhereNoneAreUsable) {
     for (const Case& row : {Case{0, 0}, Case{farAway, 1}, Case{1, 0xFFFFFFFF}, Case{375, 3}}) {
         WriteSample(laz, {4, 6, 30, 10}, true);
         PatchFile(laz, 235, Bytes(row.start) + Bytes(row.count));
-        RecordingProgress progress;
-        std::wstring reason;
-        ASSERT_TRUE(OrvexUtilities::LAZDecompress(laz, folder.Name(L"a.las"), progress, reason))
-            << ToUtf8(reason);
-        const std::string las = ReadFile(folder.Name(L"a.las"));
+        const std::string las = Decompressed(laz);
+        ASSERT_NE(las, "");
         EXPECT_EQ(At<std::uint64_t>(las, 235), 0U) << row.start;
         EXPECT_EQ(At<std::uint32_t>(las, 243), 0U) << row.start;
         EXPECT_EQ(las.size(), At<std::uint32_t>(las, 96) + 300U);
@@ -155,11 +143,8 @@ TEST(LazDecompress, MovesTheWaveformRecordOfOlderFiles) {
     const std::wstring laz = folder.Name(L"a.laz");
     WriteSample(laz, {3, 1, 28, 100}, true);
     AppendExtendedRecords(laz, {{"LASF_Spec", 65535, "packets"}});
-    RecordingProgress progress;
-    std::wstring reason;
-    ASSERT_TRUE(OrvexUtilities::LAZDecompress(laz, folder.Name(L"a.las"), progress, reason))
-        << ToUtf8(reason);
-    const std::string las = ReadFile(folder.Name(L"a.las"));
+    const std::string las = Decompressed(laz);
+    ASSERT_NE(las, "");
     const std::size_t start = At<std::uint32_t>(las, 96) + std::size_t{28} * 100;
     EXPECT_EQ(At<std::uint64_t>(las, 227), start);
     EXPECT_EQ(las.substr(start + 60), "packets");
@@ -177,46 +162,50 @@ TEST(LazDecompress, StopLeavesNothingAndKeepsAnOlderLasFile) {
             OrvexUtilities::LAZDecompress(folder.Name(L"a.laz"), folder.Name(L"a.las"), progress, reason));
         EXPECT_EQ(reason, L"");
         EXPECT_LT(progress.position, 100000U);
-        EXPECT_EQ(CountFiles(folder), 2U);
+        EXPECT_EQ(folder.Entries(), 2U);
         EXPECT_EQ(ReadFile(folder.Name(L"a.las")), "older");
     }
+}
+
+using Damage = std::function<void(const std::wstring& path)>;
+
+Damage Cut(double share) {
+    return [share](const std::wstring& path) {
+        const auto size = static_cast<double>(std::filesystem::file_size(ToPath(path)));
+        std::filesystem::resize_file(ToPath(path), static_cast<std::uintmax_t>(size * share));
+    };
+}
+
+Damage Patch(std::uint64_t offset, const std::string& bytes) {
+    return [=](const std::wstring& path) { PatchFile(path, offset, bytes); };
+}
+
+/// Overwrites bytes of the codec's own record, counted from its payload.
+Damage PatchCodec(std::uint64_t offset, const std::string& bytes) {
+    return [=](const std::wstring& path) {
+        PatchFile(path, ReadFile(path).find("laszip encoded") - 2 + 54 + offset, bytes);
+    };
 }
 
 TEST(LazDecompress, BrokenFilesGiveAReason) {
     struct Case {
         const char* defect;
-        std::function<void(const std::wstring&)> damage;
-    };
-    const auto cut = [](double share) {
-        return [share](const std::wstring& path) {
-            const auto size = std::filesystem::file_size(ToPath(path));
-            std::filesystem::resize_file(ToPath(path),
-                                         static_cast<std::uintmax_t>(static_cast<double>(size) * share));
-        };
-    };
-    const auto patch = [](std::uint64_t offset, const std::string& bytes) {
-        return [=](const std::wstring& path) { PatchFile(path, offset, bytes); };
-    };
-    // Overwrites bytes of the codec's own record, counted from its payload.
-    const auto patchCodec = [](std::uint64_t offset, const std::string& bytes) {
-        return [=](const std::wstring& path) {
-            PatchFile(path, ReadFile(path).find("laszip encoded") - 2 + 54 + offset, bytes);
-        };
+        Damage damage;
     };
     for (const Case& row : {
              Case{"missing", [](const auto& path) { std::filesystem::remove(ToPath(path)); }},
-             Case{"empty", cut(0)},
+             Case{"empty", Cut(0)},
              Case{"half a header", [](const auto& path) { std::filesystem::resize_file(ToPath(path), 180); }},
-             Case{"points cut off", cut(0.5)},
+             Case{"points cut off", Cut(0.5)},
              Case{"nothing behind the header",
                   [](const auto& path) {
                       std::filesystem::resize_file(ToPath(path), At<std::uint32_t>(ReadFile(path), 96));
                   }},
-             Case{"unknown compressor", patchCodec(0, Bytes(std::uint16_t{9}))},
-             Case{"too many items", patchCodec(32, Bytes(std::uint16_t{0xFFFF}))},
-             Case{"an unknown item", patchCodec(34, Bytes(std::uint16_t{99}))},
-             Case{"an item of the wrong size", patchCodec(36, Bytes(std::uint16_t{21}))},
-             Case{"an unknown version of an item", patchCodec(38, Bytes(std::uint16_t{0}))},
+             Case{"unknown compressor", PatchCodec(0, Bytes(std::uint16_t{9}))},
+             Case{"too many items", PatchCodec(32, Bytes(std::uint16_t{0xFFFF}))},
+             Case{"an unknown item", PatchCodec(34, Bytes(std::uint16_t{99}))},
+             Case{"an item of the wrong size", PatchCodec(36, Bytes(std::uint16_t{21}))},
+             Case{"an unknown version of an item", PatchCodec(38, Bytes(std::uint16_t{0}))},
              Case{"half a table of chunks",
                   [](const auto& path) {
                       const std::string bytes = ReadFile(path);
@@ -224,19 +213,19 @@ TEST(LazDecompress, BrokenFilesGiveAReason) {
                       std::filesystem::resize_file(ToPath(path), table + 5);
                   }},
              Case{"varying chunks without a table",
-                  [&](const auto& path) {
-                      patchCodec(12, Bytes(0xFFFFFFFFU))(path);
-                      cut(0.9)(path);
+                  [](const auto& path) {
+                      PatchCodec(12, Bytes(0xFFFFFFFFU))(path);
+                      Cut(0.9)(path);
                   }},
-             Case{"no signature", patch(0, "XXXX")},
-             Case{"header size 0", patch(94, Bytes(std::uint16_t{0}))},
-             Case{"points start beyond the end", patch(96, Bytes(std::uint32_t{0xFFFFFFF0}))},
-             Case{"four billion records", patch(100, Bytes(std::uint32_t{0xFFFFFFFF}))},
-             Case{"unknown point format", patch(104, Bytes(std::uint8_t{128 + 63}))},
-             Case{"record length 0", patch(105, Bytes(std::uint16_t{0}))},
-             Case{"more points than there are", patch(107, Bytes(std::uint32_t{100001}))},
-             Case{"more points than fit on the drive", patch(247, Bytes(std::uint64_t{1} << 60))},
-             Case{"points without end", patch(247, Bytes(~std::uint64_t{0}))},
+             Case{"no signature", Patch(0, "XXXX")},
+             Case{"header size 0", Patch(94, Bytes(std::uint16_t{0}))},
+             Case{"points start beyond the end", Patch(96, Bytes(std::uint32_t{0xFFFFFFF0}))},
+             Case{"four billion records", Patch(100, Bytes(std::uint32_t{0xFFFFFFFF}))},
+             Case{"unknown point format", Patch(104, Bytes(std::uint8_t{128 + 63}))},
+             Case{"record length 0", Patch(105, Bytes(std::uint16_t{0}))},
+             Case{"more points than there are", Patch(107, Bytes(std::uint32_t{100001}))},
+             Case{"more points than fit on the drive", Patch(247, Bytes(std::uint64_t{1} << 60))},
+             Case{"points without end", Patch(247, Bytes(~std::uint64_t{0}))},
          }) {
         SCOPED_TRACE(row.defect);
         const TemporaryFolder folder;
@@ -294,7 +283,7 @@ TEST(LazDecompress, WriteErrorsInTheMiddleAndAtTheEndGiveTheSystemsReason) {
         EXPECT_FALSE(done) << limit;
         EXPECT_NE(reason.find(L"a.las"), std::wstring::npos);
         EXPECT_NE(reason.find(FromUtf8(std::strerror(EFBIG))), std::wstring::npos) << ToUtf8(reason);
-        EXPECT_EQ(CountFiles(folder), 1U) << limit;
+        EXPECT_EQ(folder.Entries(), 1U) << limit;
     }
 }
 
@@ -314,7 +303,7 @@ TEST(LazDecompress, AnExceptionFromTheProgressLeavesNothing) {
     EXPECT_FALSE(
         OrvexUtilities::LAZDecompress(folder.Name(L"a.laz"), folder.Name(L"a.las"), progress, reason));
     EXPECT_EQ(reason, L"the window is gone");
-    EXPECT_EQ(CountFiles(folder), 1U);
+    EXPECT_EQ(folder.Entries(), 1U);
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "support/testing/Bytes.h"
+
 namespace orvex::testing {
 
 /// What a small LAS or LAZ file is to hold. Points have values in every field of their format.
@@ -29,11 +31,5 @@ void AppendExtendedRecords(const std::wstring& path, const std::vector<TrailingR
 
 /// Overwrites bytes of a file.
 void PatchFile(const std::wstring& path, std::uint64_t offset, const std::string& bytes);
-
-/// The bytes of a little-endian number.
-template <typename T>
-std::string Bytes(T value) {
-    return {reinterpret_cast<const char*>(&value), sizeof(value)};
-}
 
 }  // namespace orvex::testing

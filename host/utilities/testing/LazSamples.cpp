@@ -1,4 +1,4 @@
-#include "host/utilities/tests/LazSamples.h"
+#include "host/utilities/testing/LazSamples.h"
 
 #include <laszip/laszip_api.h>
 
