@@ -23,7 +23,8 @@ class LasFileInfo {
     virtual std::array<double, 3> Minimum() const = 0;
     /// Maximum of X, Y, Z in the units of the CRS, from the header.
     virtual std::array<double, 3> Maximum() const = 0;
-    /// The CRS as WKT (UTF-8), from the file's WKT or GeoTIFF records; empty when it has none that can be read.
+    /// The CRS as WKT (UTF-8), from the file's WKT or GeoTIFF records; empty when it has none that can be
+    /// read.
     virtual std::string CrsWkt() const = 0;
     /// 0 none, 2 ".qvr" beside the file, 3 index record in the file, 6 extended record 157.
     virtual int GetCompanionStatus() const = 0;
