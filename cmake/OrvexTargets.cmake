@@ -31,10 +31,6 @@ function(orvex_common_options target)
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wconversion -Werror)
     # GCC 12 with -O3 sees an overlap in every `"text" + std::string` (its bug 105651).
     target_compile_options(${target} PRIVATE $<$<AND:$<CXX_COMPILER_ID:GNU>,$<CONFIG:Release>>:-Wno-restrict>)
-    # In instrumented code GCC 12 takes an empty std or boost optional for a read of what it does not hold.
-    if(ORVEX_SANITIZE)
-        target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
-    endif()
     target_include_directories(${target} PUBLIC "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
     set_target_properties(${target} PROPERTIES AUTOMOC OFF)
 endfunction()
