@@ -76,6 +76,13 @@ std::wstring Joined(const LasRow& row, LasColumn first, const wchar_t* separator
     return text;
 }
 
+// Offsets of many digits stand below each other; in one line they would push the next section out of sight.
+std::wstring Triple(const LasRow& row, LasColumn x) {
+    constexpr std::size_t kLongLine = 30;
+    std::wstring line = Joined(row, x, L" / ", {0, 1, 2});
+    return line.size() <= kLongLine ? line : Joined(row, x, L"\n", {0, 1, 2});
+}
+
 LasDetailSection ExtentSection(const LasRow& row) {
     constexpr int kToMaximum = IndexOf(LasColumn::MaximumX) - IndexOf(LasColumn::MinimumX);
     constexpr const wchar_t* kTo = L" \u2013 ";
@@ -83,8 +90,8 @@ LasDetailSection ExtentSection(const LasRow& row) {
     AddField(section.fields, 40660_lsid, Joined(row, LasColumn::MinimumX, kTo, {0, kToMaximum}));
     AddField(section.fields, 40661_lsid, Joined(row, LasColumn::MinimumY, kTo, {0, kToMaximum}));
     AddField(section.fields, 40662_lsid, Joined(row, LasColumn::MinimumZ, kTo, {0, kToMaximum}));
-    AddField(section.fields, 40663_lsid, Joined(row, LasColumn::ScaleX, L" / ", {0, 1, 2}));
-    AddField(section.fields, 40664_lsid, Joined(row, LasColumn::OffsetX, L" / ", {0, 1, 2}));
+    AddField(section.fields, 40663_lsid, Triple(row, LasColumn::ScaleX));
+    AddField(section.fields, 40664_lsid, Triple(row, LasColumn::OffsetX));
     AddField(section.fields, 40559_lsid, LasCellText(row, LasColumn::Units));
     return section;
 }

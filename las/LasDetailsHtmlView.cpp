@@ -12,6 +12,10 @@ QString Escaped(const std::wstring& text) {
     return ToQString(text).toHtmlEscaped();
 }
 
+QString EscapedLines(const std::wstring& text) {
+    return Escaped(text).replace(QLatin1Char('\n'), QStringLiteral("<br>"));
+}
+
 QString FindingLine(int image, const std::wstring& text) {
     return QStringLiteral(
                "<tr><td style=\"padding-right:6px\"><img src=\"image:%1\" width=\"16\" height=\"16\"></td>"
@@ -40,7 +44,7 @@ QString FieldsHtml(std::span<const LasDetailField> fields, const QString& captio
         html += QStringLiteral(
                     "<tr><td style=\"color:%1; padding-right:8px; white-space:nowrap\">%2</td>"
                     "<td>%3</td></tr>")
-                    .arg(captionColour, Escaped(Text(field.caption)), Escaped(field.value));
+                    .arg(captionColour, Escaped(Text(field.caption)), EscapedLines(field.value));
     }
     return html + QStringLiteral("</table>");
 }
