@@ -142,7 +142,7 @@ void AddLASFilesPP::ConnectButtons() {
     connect(findChild<QAbstractButton*>(ControlName(kHelp)), &QAbstractButton::clicked, this,
             [] { QWhatsThis::enterWhatsThisMode(); });
     auto* help = new QShortcut(QKeySequence(Qt::Key_F1), this);
-    help->setContext(Qt::WidgetWithChildrenShortcut);
+    help->setContext(Qt::WindowShortcut);  // OK has the focus mostly; a page that is hidden hears nothing
     connect(help, &QShortcut::activated, this, Guarded(prompts, L"OnHelp", [this] { OnHelp(); }));
     connect(grid_, &GridView::RemoveRequested, this, Guarded(prompts, L"OnRemove", [this] { OnRemove(); }));
 }
@@ -160,10 +160,16 @@ void AddLASFilesPP::ConnectGroups() {
     connect(grid_, &GridView::SelectionChanged, this, details);
     connect(details_, &LasDetailsPanel::PaletteChanged, this, details);
     connect(details_, &LasDetailsPanel::BodyShownChanged, this, &AddLASFilesPP::PaneShown);
+    connect(splitter_, &QSplitter::splitterMoved, this, [this] {
+        if (details_->IsBodyShown()) {
+            paneHeight_ = splitter_->sizes().last();
+        }
+    });
 }
 
 void AddLASFilesPP::PaneShown(bool shown) {
-    if (!shown) {
+    // A window too low for the pane has squeezed it already; what it was before is what comes back.
+    if (!shown && details_->IsFolded()) {
         paneHeight_ = splitter_->sizes().last();
     }
     details_->setMaximumHeight(shown ? QWIDGETSIZE_MAX : details_->TitleHeight());
@@ -186,9 +192,7 @@ void AddLASFilesPP::RestorePane() {
 }
 
 void AddLASFilesPP::SavePane() const {
-    const bool shown = details_->IsBodyShown() && isVisible();
-    SaveLasPaneState(services_.options,
-                     {details_->IsFolded(), shown ? splitter_->sizes().last() : paneHeight_});
+    SaveLasPaneState(services_.options, {details_->IsFolded(), paneHeight_});
 }
 
 }  // namespace orvex

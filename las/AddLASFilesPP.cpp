@@ -192,7 +192,7 @@ void AddLASFilesPP::OnRefresh() {
 
 void AddLASFilesPP::OnHelp() {
     if (!services_.help.Show(HelpTopic::LasFiles)) {
-        services_.prompts.Show({Text(40687_lsid), {}, PromptIcon::Warning, PromptButtons::Ok});
+        services_.prompts.Show({Text(40687_lsid), Text(40451_lsid), PromptIcon::Warning, PromptButtons::Ok});
     }
 }
 

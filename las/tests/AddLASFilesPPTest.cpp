@@ -4,8 +4,10 @@
 
 #include <QApplication>
 #include <QDropEvent>
+#include <QHBoxLayout>
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QTextEdit>
 #include <QUrl>
@@ -278,10 +280,12 @@ TEST_F(LasPage, TheDetailsPaneRemembersThatItWasFolded) {
     EXPECT_FALSE(Find<QWidget>("detailsTabs")->isVisible());
     Click("detailsFold");
     EXPECT_TRUE(Find<QWidget>("detailsTabs")->isVisible());
+    const int paneHeight = Find<QWidget>("detailsPane")->height();
     page->resize(800, 300);
     EXPECT_FALSE(Find<QWidget>("detailsTabs")->isVisible()) << "no room";
     page->resize(1000, 700);
     EXPECT_TRUE(Find<QWidget>("detailsTabs")->isVisible());
+    EXPECT_NEAR(Find<QWidget>("detailsPane")->height(), paneHeight, 30) << "as high as before";
 }
 
 TEST_F(LasPage, F1OpensTheManual) {
@@ -289,6 +293,23 @@ TEST_F(LasPage, F1OpensTheManual) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(page.get()));
     QTest::keyClick(Find<QWidget>("c253"), Qt::Key_F1);
     EXPECT_THAT(help.shown, ElementsAre(HelpTopic::LasFiles));
+}
+
+TEST_F(LasPage, F1OpensTheManualFromBesideThePage) {
+    QWidget window;
+    QHBoxLayout layout(&window);
+    QPushButton ok;
+    layout.addWidget(page.get());
+    layout.addWidget(&ok);
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(&ok, Qt::Key_F1);
+    EXPECT_THAT(help.shown, ElementsAre(HelpTopic::LasFiles));
+    page->hide();
+    QTest::keyClick(&ok, Qt::Key_F1);
+    EXPECT_THAT(help.shown, SizeIs(1)) << "a page that is hidden keeps quiet";
+    page->setParent(nullptr);
 }
 
 }  // namespace
