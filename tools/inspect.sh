@@ -1,3 +1,5 @@
 # The inspection of the dialog without a window; builds quietly first.
 source tools/build.sh dev >&2
-exec build/dev/bin/orvex-inspect "$@"
+root=$PWD
+cd "$called_from"
+exec "$root/build/dev/bin/orvex-inspect" "$@"

@@ -6,6 +6,7 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <cstdlib>
 #include <iostream>
 
 #include "host/app/Appearance.h"
@@ -83,10 +84,22 @@ void GiveOffscreenPlatformAScreen(const QTemporaryDir& folder) {
     }
 }
 
+/// A display that does not answer ends the process from inside the toolkit, with a crash; this ends it with a
+/// message.
+void TellThatThereIsNoDisplay(QtMsgType type, const QMessageLogContext&, const QString& text) {
+    std::cerr << text.toStdString() << std::endl;
+    if (type == QtFatalMsg) {
+        std::cerr << HostText(41054_lsid).toStdString() << std::endl;
+        std::_Exit(1);
+    }
+}
+
 }  // namespace
 
 int RunInteractive(int& argc, char** argv, const HostArguments& arguments) {
+    const QtMessageHandler usual = qInstallMessageHandler(TellThatThereIsNoDisplay);
     QApplication application(argc, argv);
+    qInstallMessageHandler(usual);
     HostState state(HostState::DefaultPath());
     state.dark = state.dark || arguments.dark;
     ApplyAppearance(state.dark);

@@ -1,5 +1,6 @@
 // orvex-host: a small desktop program that adds data to a project with the Add Files dialog.
 #include <QApplication>
+#include <filesystem>
 #include <iostream>
 
 #include "host/app/Appearance.h"
@@ -22,6 +23,19 @@ QStringList ArgumentsOf(int argc, char** argv) {
 
 }  // namespace
 
+/// Tells on the console which of the files to be shown are not there.
+static bool AreThere(const QStringList& paths) {
+    bool all = true;
+    for (const QString& path : paths) {
+        std::error_code error;
+        if (!std::filesystem::exists(ToPath(ToWide(path)), error)) {
+            std::cerr << HostText(40815_lsid, {ToWide(path)}).toStdString() << '\n';
+            all = false;
+        }
+    }
+    return all;
+}
+
 static int RunHost(int argc, char** argv) {
     const HostArguments arguments = ParseHostArguments(ArgumentsOf(argc, argv));
     if (arguments.help || !arguments.error.isEmpty()) {
@@ -31,6 +45,9 @@ static int RunHost(int argc, char** argv) {
         }
         out << HostText(40922_lsid).toStdString() << '\n';
         return arguments.help ? 0 : 2;
+    }
+    if (!AreThere(arguments.paths)) {
+        return 1;
     }
     if (arguments.scale != 1) {
         qputenv("QT_SCALE_FACTOR", QByteArray::number(arguments.scale));
