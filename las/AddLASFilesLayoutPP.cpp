@@ -5,6 +5,7 @@
 #include <QScrollBar>
 #include <QShortcut>
 #include <QSplitter>
+#include <QTableView>
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <QWhatsThis>
@@ -93,7 +94,7 @@ QWidget* AddLASFilesPP::MakeButtonRow() {
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
     auto* caption = MakeControl<QLabel>(kFilesCaption, 13466_lsid);
-    caption->setBuddy(grid_);
+    caption->setBuddy(grid_->Table());  // a label gives the focus to none that refuses it itself
     layout->addWidget(caption);
     layout->addStretch();
     layout->addWidget(MakeButton(kAddFiles, 13462_lsid, 13483_lsid, ButtonImage::AddFiles));

@@ -5,10 +5,12 @@
 #include <QApplication>
 #include <QDropEvent>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QTableView>
 #include <QTextEdit>
 #include <QUrl>
 #include <filesystem>
@@ -286,6 +288,16 @@ TEST_F(LasPage, TheDetailsPaneRemembersThatItWasFolded) {
     page->resize(1000, 700);
     EXPECT_TRUE(Find<QWidget>("detailsTabs")->isVisible());
     EXPECT_NEAR(Find<QWidget>("detailsPane")->height(), paneHeight, 30) << "as high as before";
+}
+
+TEST_F(LasPage, TheMnemonicOfTheCaptionLeadsToTheGrid) {
+    page->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(page.get()));
+    Find<QWidget>("c253")->setFocus();
+    const auto* caption = Find<QLabel>("c247");
+    const QString text = caption->text();
+    QTest::keyClick(page.get(), text[text.indexOf('&') + 1].toLatin1(), Qt::AltModifier);
+    EXPECT_TRUE(Grid().Table()->hasFocus());
 }
 
 TEST_F(LasPage, F1OpensTheManual) {
