@@ -75,8 +75,10 @@ std::vector<double> GridLines(double from, double to, double step) {
     std::vector<double> lines;
     // Far from the origin the next line can be the same number.
     if (last - first < kMostLines && first + 1 > first && last + 1 > last) {
-        for (double k = first; k <= last; ++k) {
-            lines.push_back(k * step);
+        const int count = last < first ? 0 : static_cast<int>(last - first) + 1;
+        lines.reserve(static_cast<std::size_t>(count));
+        for (int i = 0; i < count; ++i) {
+            lines.push_back((first + i) * step);
         }
     }
     return lines;
