@@ -45,6 +45,10 @@ class Box {
         if (buttons == PromptButtons::YesNoCancel) {
             Add(PromptAnswer::Cancel, QMessageBox::RejectRole, 13453_lsid, "cancel");
         }
+        // Enter must not agree to what is warned of.
+        if (icon == PromptIcon::Warning) {
+            box_.setDefaultButton(last_);
+        }
     }
 
     QMessageBox& Window() { return box_; }

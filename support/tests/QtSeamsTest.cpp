@@ -65,6 +65,15 @@ TEST(UserPromptsQt, AnswersWithTheButtonPressedOrWhatClosingStandsFor) {
     }
 }
 
+TEST(UserPromptsQt, EnterAgreesToAQuestionButNotToWhatIsWarnedOf) {
+    UserPromptsQt prompts;
+    for (const auto& [icon, answer] : {std::pair(PromptIcon::Question, PromptAnswer::Yes),
+                                       std::pair(PromptIcon::Warning, PromptAnswer::No)}) {
+        WhenShown([](QWidget* window) { QTest::keyClick(window, Qt::Key_Return); });
+        EXPECT_EQ(prompts.Show({L"Overwrite?", L"Caption", icon, PromptButtons::YesNo}), answer);
+    }
+}
+
 TEST(UserPromptsQt, ShowsTextsLiterally) {
     UserPromptsQt prompts;
     WhenShown([](QWidget* window) {
