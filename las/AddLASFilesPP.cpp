@@ -180,12 +180,17 @@ void AddLASFilesPP::OnRefresh() {
         std::move(request),
         [&](std::vector<LasInspection> batch) { std::ranges::move(batch, std::back_inserter(fresh)); },
         services_.prompts, progress_);
+    bool told = false;  // whether a row has something new to say, which may need a wider column
     model_->Change([&](std::vector<LasRow>& rows) {
         auto row = rows.rbegin();
         for (LasInspection& inspection : fresh) {
+            told = told || inspection.summary != row->inspection.summary;
             (row++)->inspection = std::move(inspection);
         }
     });
+    if (told) {
+        grid_->FitColumns();
+    }
     AssignLayers();
     EnableItems();
 }
