@@ -70,11 +70,9 @@ std::optional<Prompt> ScanPrompt(const ScanResult& found) {
         prompt.icon = PromptIcon::Error;
         prompt.text = Text(40677_lsid) + L"\n" +
                       PromptLines(found.unreadable, [](const std::wstring& path) { return path; });
-    } else if (found.stopped) {
-        return std::nullopt;
-    } else if (found.ignored > 0) {
+    } else if (!found.stopped && found.ignored > 0) {
         prompt.text = FormatText(Text(41051_lsid), {found.ignored});
-    } else if (found.files.empty()) {
+    } else if (!found.stopped && found.files.empty()) {
         prompt.text = Text(41052_lsid);
     } else {
         return std::nullopt;
