@@ -41,6 +41,7 @@ class LasPage : public ::testing::Test, protected ScriptedServices {
     }
     std::vector<std::wstring> ManyLas(int count) const {
         std::vector<std::wstring> paths;
+        paths.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i) {
             paths.push_back(Las(L"tile" + std::to_wstring(i) + L".las"));
         }
