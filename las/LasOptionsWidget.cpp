@@ -37,7 +37,7 @@ QGroupBox* MakeGroup(int id, StringId caption, QBoxLayout::Direction direction,
     auto* group = MakeControl<QGroupBox>(id, caption);
     auto* layout = new QBoxLayout(direction, group);
     layout->setContentsMargins(kGroupMargins);
-    layout->setSpacing(direction == QBoxLayout::LeftToRight ? 12 : kRowSpacing);
+    layout->setSpacing(direction == QBoxLayout::LeftToRight ? 6 : kRowSpacing);
     for (QWidget* widget : controls) {
         layout->addWidget(widget);
     }
@@ -97,7 +97,8 @@ QGroupBox* LasOptionsWidget::MakeOptionsGroup() {
     append_ = MakeControl<QCheckBox>(kAppend, 13658_lsid, 13487_lsid);
     ignoreCrs_ = MakeControl<QCheckBox>(kIgnoreCrs, 3256_lsid, 13659_lsid);
     loadCorrupt_ = MakeControl<QCheckBox>(kLoadCorrupt, 41004_lsid, 41016_lsid);
-    return MakeGroup(kOptionsGroup, 41003_lsid, QBoxLayout::TopToBottom, {append_, ignoreCrs_, loadCorrupt_});
+    return MakeGroup(kOptionsGroup, 41003_lsid, QBoxLayout::TopToBottom,
+                     {append_, ignoreCrs_, loadCorrupt_, MakeThinning()});
 }
 
 QGroupBox* LasOptionsWidget::MakePyramidGroup() {
@@ -124,11 +125,13 @@ QHBoxLayout* LasOptionsWidget::MakePyramidRow() {
     add(LasPyramidType::Qvr, kPyramidQvr, 41006_lsid, 3380_lsid);
     add(LasPyramidType::None, kPyramidNone, 41007_lsid, 3381_lsid);
     row->addStretch();
-    AddThinning(row);
     return row;
 }
 
-void LasOptionsWidget::AddThinning(QHBoxLayout* row) {
+QWidget* LasOptionsWidget::MakeThinning() {
+    auto* row = new QWidget;
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, kRowSpacing, 0, 0);
     auto* caption = MakeControl<QLabel>(kThinningCaption, 13472_lsid, 41017_lsid);
     thinning_ = MakeControl<QLineEdit>(kThinning, {}, 41017_lsid);
     thinning_->setMaxLength(kThinningDigits);
@@ -137,8 +140,10 @@ void LasOptionsWidget::AddThinning(QHBoxLayout* row) {
         new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]*")), thinning_));
     thinning_->setFixedWidth(thinning_->fontMetrics().horizontalAdvance(QStringLiteral("000000")) + 16);
     caption->setBuddy(thinning_);
-    row->addWidget(caption);
-    row->addWidget(thinning_);
+    layout->addWidget(caption);
+    layout->addWidget(thinning_);
+    layout->addStretch();
+    return row;
 }
 
 QGroupBox* LasOptionsWidget::MakeOriginalsGroup() {

@@ -38,7 +38,7 @@ class LasOptionsWidget final : public QWidget {
     QGroupBox* MakePyramidGroup();
     QGroupBox* MakeOriginalsGroup();
     QHBoxLayout* MakePyramidRow();
-    void AddThinning(QHBoxLayout* row);
+    QWidget* MakeThinning();
 
     QButtonGroup* openMode_;
     QButtonGroup* loadMode_;

@@ -66,10 +66,10 @@ TEST_F(LasPage, TheTabKeyGoesFromTopToBottom) {
             order.append(widget->objectName());
         }
     } while (widget != page.get());
-    EXPECT_EQ(
-        order.join(' '),
-        "c253 c252 c254 c255 c248 c249 c250 detailsTabs c259 c260 c262 c263 c280 c281 c283 c268 c269 c270 "
-        "c267 c284 c417 c376 c377 c378");
+    EXPECT_EQ(order.join(' '),
+              "c253 c252 c254 c255 c248 c249 c250 detailsTabs c259 c260 c262 c263 c280 c281 c283 c267 c268 "
+              "c269 c270 "
+              "c284 c417 c376 c377 c378");
 }
 
 TEST_F(LasPage, PickedFilesAreListedOnceWhateverTheirLetterCase) {
