@@ -71,6 +71,7 @@ TEST_F(StringLibrary, PointersStayTheSameForEveryThread) {
     LSSetMissingIdHandler([](unsigned) {});
     std::vector<std::vector<const wchar_t*>> seen(4);
     std::vector<std::thread> threads;
+    threads.reserve(seen.size());
     for (auto& pointers : seen) {
         threads.emplace_back([&pointers] {
             for (unsigned i = 0; i < kCount; ++i) {
