@@ -7,8 +7,10 @@ class LasCorpus;
 
 /// How long the dialog takes to open: the first time in the process, and after that.
 void MeasureOpening(Figures& figures);
-/// Adding all files through the dialog: the first rows, the longest stall, the memory of a row.
+/// Adding all files through the dialog: the first rows, the whole, the longest stall.
 void MeasureAdding(const LasCorpus& corpus, Figures& figures);
+/// The memory of a row: files that this process has not listed before, in at least two folders.
+void MeasureMemory(const LasCorpus& corpus, Figures& figures);
 /// How soon Escape ends a run.
 void MeasureEscape(const LasCorpus& corpus, Figures& figures);
 

@@ -55,6 +55,8 @@ int main(int argc, char** argv) {
     const orvex::bench::LasCorpus corpus(options.files);
     orvex::bench::MeasureAdding(corpus, figures);
     orvex::bench::MeasureEscape(corpus, figures);
+    // Files that no run before has met, so that each of them is counted whole.
+    orvex::bench::MeasureMemory(orvex::bench::LasCorpus(options.files), figures);
     orvex::bench::MeasureListing(corpus, figures);
     return options.output.empty() || figures.Write(options.output) ? 0 : 1;
 }

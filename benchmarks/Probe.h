@@ -11,7 +11,5 @@ std::uint64_t ReadBarely(const std::string& path);
 
 /// Bytes that the program holds of the heap.
 std::uint64_t HeapInUse();
-/// Bytes of memory that the process occupies.
-std::uint64_t ResidentMemory();
 
 }  // namespace orvex::bench

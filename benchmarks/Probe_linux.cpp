@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <fstream>
 
 #include "benchmarks/Probe.h"
 
@@ -31,14 +30,6 @@ std::uint64_t ReadBarely(const std::string& path) {
 std::uint64_t HeapInUse() {
     const struct mallinfo2 info = mallinfo2();
     return info.uordblks + info.hblkhd;
-}
-
-std::uint64_t ResidentMemory() {
-    std::ifstream statistics("/proc/self/statm");
-    std::uint64_t total = 0;
-    std::uint64_t resident = 0;
-    statistics >> total >> resident;
-    return resident * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
 }
 
 }  // namespace orvex::bench
