@@ -62,6 +62,7 @@ struct LASFile::State {
     MappedFile OpenFile();
     void ReadHeader(const MappedFile& file);
     void ReadRecords(const MappedFile& file);
+    void ShareHeaderMapping();
     void ReadExtraBytes();
     std::optional<std::span<const std::byte>> FindProjection(std::uint16_t recordId) const;
 };
@@ -115,10 +116,20 @@ void LASFile::State::ReadRecords(const MappedFile& file) {
     if (error != 0) {
         ThrowOpenError(Text(792_lsid), fileName, error);
     }
+    ShareHeaderMapping();
     vlrs = WalkVlrs(vlrArea.Bytes(), header);
     ReadExtraBytes();
     if (header.VersionCode() == kVersionCode14) {
         evlrs = EvlrReader(file, !readOnly).Read(header.EvlrStart(), header.EvlrCount());
+    }
+}
+
+// The mapped VLR area begins with the header. A process can have some 65,000 mappings, and a list tens of
+// thousands of files: the header's own is given up.
+void LASFile::State::ShareHeaderMapping() {
+    if (!readOnly && vlrArea.Bytes().size() >= LasHeader::kSize) {
+        header = LasHeader(vlrArea.Bytes().first(LasHeader::kSize));
+        headerBlock = {};
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <string>
 #include <string_view>
 
 #include "las/LasPointViews.h"
@@ -22,6 +23,15 @@ std::size_t OpenDescriptors() {
     std::size_t count = 0;
     for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
         ++count;
+    }
+    return count;
+}
+
+std::size_t MappingsOf(const std::wstring& path) {
+    std::ifstream maps("/proc/self/maps");
+    std::size_t count = 0;
+    for (std::string line; std::getline(maps, line);) {
+        count += line.ends_with(ToUtf8(path)) ? 1U : 0U;
     }
     return count;
 }
@@ -166,6 +176,18 @@ TEST_F(LASFileTest, KeepsNoDescriptorUnlessThePointsAreMapped) {
     ASSERT_NE(mapped->Points(), nullptr);
     EXPECT_EQ(mapped->Points()->PointCount(), 50U);
     EXPECT_EQ(OpenDescriptors(), before + 1);
+}
+
+// The system limits a process's mappings; a list that is opened read-write may have thousands of files.
+TEST_F(LASFileTest, HoldsOneMappingOfAFileOpenedReadWrite) {
+    const std::wstring path = Write(LasBuilder(14, 6).AddPoints(3).ProjectedEpsg(25832));
+    const auto readOnly = LASFile::Open(path, true, true);
+    EXPECT_EQ(MappingsOf(path), 0U);
+    const auto readWrite = LASFile::Open(path, false, true);
+    EXPECT_EQ(MappingsOf(path), 1U);
+    EXPECT_EQ(readWrite->GetPointCount(), 3U);
+    EXPECT_EQ(readWrite->Maximum(), readOnly->Maximum());
+    EXPECT_EQ(readWrite->GetVLRs().size(), readOnly->GetVLRs().size());
 }
 
 TEST_F(LASFileTest, SharesTheIdOfAFileName) {
