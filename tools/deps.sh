@@ -1,10 +1,12 @@
-# Installs the Debian packages of tools/packages.txt that are missing, and the locale that the tests run under.
+# Installs the Debian packages of tools/packages.txt that are missing, and the locale that the tests run under; gives
+# other scripts install_missing for lists of their own.
 # Needs root only when something is missing. Where apt does not offer LASzip, that one package comes from the next
 # Debian release, pinned so that nothing else can.
 
+# The packages of a list (a file with one a line) that are not installed.
 missing_packages() {
     local wanted
-    mapfile -t wanted < <(grep -v '^#' tools/packages.txt)
+    mapfile -t wanted < <(grep -v '^#' "$1")
     comm -13 \
         <(dpkg-query -W -f='${db:Status-Status} ${Package}\n' "${wanted[@]}" 2>/dev/null | sed -n 's/^installed //p' | sort -u) \
         <(printf '%s\n' "${wanted[@]}" | sort -u)
@@ -23,11 +25,22 @@ as_root() {
     fi
 }
 
-# The address and the keyring are the ones that this machine's own apt uses for its Debian release.
+debian_keyring=/usr/share/keyrings/debian-archive-keyring.gpg
+
+machine_release() { . /etc/os-release && echo "${VERSION_CODENAME:-}"; }
+
+# The address from which this machine's own apt gets the packages of a Debian release.
+archive_address() {
+    local address
+    address=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' "Codename: $1" | head -n 1)
+    [ -n "$address" ] || { echo "orvex: apt knows no package list of '$1'" >&2; return 1; }
+    echo "$address"
+}
+
 offer_next_release_laszip() {
     [ -n "$(apt-cache madison liblaszip-dev 2>/dev/null)" ] && return 0
-    local release next address keyring file
-    release=$(. /etc/os-release && echo "${VERSION_CODENAME:-}")
+    local release next address file
+    release=$(machine_release)
     case "$release" in
         bookworm) next=trixie ;;
         *)
@@ -35,12 +48,10 @@ offer_next_release_laszip() {
             return 1
             ;;
     esac
-    address=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' "Codename: $release" | head -n 1)
-    keyring=/usr/share/keyrings/debian-archive-keyring.gpg
-    [ -n "$address" ] || { echo "orvex: apt knows no package list of '$release'" >&2; return 1; }
+    address=$(archive_address "$release")
     file=$(mktemp)
     printf 'Types: deb\nURIs: %s\nSuites: %s\nComponents: main\nSigned-By: %s\n' \
-        "$address" "$next" "$keyring" >"$file"
+        "$address" "$next" "$debian_keyring" >"$file"
     as_root install -m 644 "$file" /etc/apt/sources.list.d/orvex-laszip.sources
     printf 'Package: *\nPin: release n=%s\nPin-Priority: -1\n\nPackage: liblaszip-dev liblaszip8 liblaszip-api8\nPin: release n=%s\nPin-Priority: 500\n' \
         "$next" "$next" >"$file"
@@ -51,7 +62,7 @@ offer_next_release_laszip() {
 
 install_missing() {
     local packages
-    mapfile -t packages < <(missing_packages)
+    mapfile -t packages < <(missing_packages "$1")
     if [ ${#packages[@]} -gt 0 ]; then
         echo "orvex: installing ${packages[*]}"
         as_root apt-get update -qq
@@ -59,9 +70,13 @@ install_missing() {
         as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
             -o Dpkg::Use-Pty=0 "${packages[@]}" >/dev/null
     fi
+}
+
+install_test_locale() {
     if ! has_test_locale; then
         as_root localedef -i de_DE -f UTF-8 de_DE.UTF-8
     fi
 }
 
-install_missing
+install_missing tools/packages.txt
+install_test_locale
