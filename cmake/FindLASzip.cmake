@@ -1,6 +1,6 @@
 # LASzip: the codec library itself (laszip_api is only a loader that wants to be told where the codec is).
 find_path(LASzip_INCLUDE_DIR laszip/laszip_api.h)
-find_library(LASzip_LIBRARY laszip)
+find_library(LASzip_LIBRARY NAMES laszip laszip3)
 include(FindPackageHandleStandardArgs)
 find_package_handle_standard_args(LASzip REQUIRED_VARS LASzip_LIBRARY LASzip_INCLUDE_DIR)
 if(LASzip_FOUND AND NOT TARGET LASzip::LASzip)

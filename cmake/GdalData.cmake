@@ -1,12 +1,12 @@
 # Lays out GDAL's and PROJ's data beside the component's library, where it looks for them: bin/gdal-data (with pcs.csv,
 # made from PROJ's database), bin/gdalplugins and bin/proj; the same when installed. A second build does nothing.
 find_program(ORVEX_GDAL_CONFIG gdal-config)
-if(ORVEX_GDAL_CONFIG)
+if(ORVEX_GDAL_CONFIG AND NOT CMAKE_CROSSCOMPILING)
     execute_process(COMMAND "${ORVEX_GDAL_CONFIG}" --datadir OUTPUT_VARIABLE gdal_config_data
                     OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
 endif()
-find_path(ORVEX_GDAL_DATA gdalvrt.xsd HINTS "${gdal_config_data}" PATH_SUFFIXES share/gdal share/gdal/data REQUIRED)
-find_path(ORVEX_PROJ_DATA proj.db PATH_SUFFIXES share/proj REQUIRED)
+find_path(ORVEX_GDAL_DATA gdalvrt.xsd HINTS "${gdal_config_data}" "${ORVEX_WINDOWS_PREFIX}/geo" PATH_SUFFIXES share/gdal share/gdal/data REQUIRED)
+find_path(ORVEX_PROJ_DATA proj.db HINTS "${ORVEX_WINDOWS_PREFIX}/geo" PATH_SUFFIXES share/proj REQUIRED)
 find_program(ORVEX_SQLITE sqlite3 REQUIRED)
 
 set(data_root "${CMAKE_BINARY_DIR}/bin")
@@ -38,7 +38,7 @@ add_custom_command(
 
 add_custom_target(orvex_gdal_data ALL DEPENDS "${data_stamp}" "${pcs_csv}")
 
-# Tests that set GDAL up from their own folder find the same data.
+# Tests that set GDAL up from their own folder find the same data; on Windows they lie in bin/ themselves.
 if(NOT WIN32)
     file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
     foreach(folder gdal-data gdalplugins proj)

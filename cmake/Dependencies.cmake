@@ -1,0 +1,36 @@
+# The libraries of the README's table, as targets of the same names on both platforms.
+find_package(Threads REQUIRED)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Test)
+find_package(SQLite3 REQUIRED)
+find_package(GDAL 3.6 CONFIG REQUIRED)
+find_package(PROJ REQUIRED)
+find_package(LASzip REQUIRED)
+
+if(NOT WIN32)
+    find_package(Boost 1.74 REQUIRED)
+    find_package(fmt REQUIRED)
+    find_package(spdlog REQUIRED)
+    find_package(GTest REQUIRED)
+    return()
+endif()
+
+# Headers alone, and the test framework's sources, serve every platform: they are taken from the build machine's own
+# packages. A folder of links offers these and nothing else of its include folder.
+set(headers "${CMAKE_BINARY_DIR}/include")
+file(MAKE_DIRECTORY "${headers}")
+foreach(library boost fmt spdlog)
+    file(CREATE_LINK "/usr/include/${library}" "${headers}/${library}" SYMBOLIC)
+    set(target orvex_${library}_headers)
+    add_library(${target} INTERFACE)
+    target_include_directories(${target} SYSTEM INTERFACE "${headers}")
+endforeach()
+add_library(Boost::headers ALIAS orvex_boost_headers)
+add_library(fmt::fmt ALIAS orvex_fmt_headers)
+target_compile_definitions(orvex_fmt_headers INTERFACE FMT_HEADER_ONLY)
+add_library(spdlog::spdlog ALIAS orvex_spdlog_headers)
+# File names are UTF-16 here, so that a user's name with an umlaut makes no difference.
+target_compile_definitions(orvex_spdlog_headers INTERFACE SPDLOG_FMT_EXTERNAL SPDLOG_WCHAR_FILENAMES)
+target_link_libraries(orvex_spdlog_headers INTERFACE fmt::fmt)
+
+set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
