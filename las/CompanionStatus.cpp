@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "las/CompanionRecords.h"
-#include "support/MappedFile.h"
+#include "support/Files.h"
 #include "support/Text.h"
 
 namespace orvex {

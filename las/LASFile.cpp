@@ -11,6 +11,7 @@
 #include "las/LasCrs.h"
 #include "las/LasPointViews.h"
 #include "las/VlrArea.h"
+#include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
@@ -85,7 +86,11 @@ MappedFile LASFile::State::OpenFile() {
         }
         ThrowOpenError(L"CreateFile failed on '%s'. GetLastError: %i.", fileName, error);
     }
-    if (const SystemError error = file.Size(fileSize)) {
+    SystemError error = file.Size(fileSize);
+    if (error == 0) {
+        error = file.CreateMapping();
+    }
+    if (error != 0) {
         ThrowOpenError(L"CreateFileMapping failed on '%s'. GetLastError: %i.", fileName, error);
     }
     return file;

@@ -2,7 +2,7 @@
 
 #include <QDesktopServices>
 
-#include "support/MappedFile.h"
+#include "support/Files.h"
 #include "support/QtText.h"
 #include "support/Text.h"
 

@@ -6,10 +6,9 @@
 #include <span>
 #include <string>
 
-namespace orvex {
+#include "support/SystemError.h"
 
-/// The result of a system call: 0 for success, else the system's error number (errno, GetLastError).
-using SystemError = int;
+namespace orvex {
 
 /// A view of a part of a file in memory; unmapped when destroyed. Move-only.
 class MappedView {
@@ -25,6 +24,8 @@ class MappedView {
     explicit operator bool() const { return base_ != nullptr; }
 
   private:
+    void Unmap() noexcept;
+
     std::byte* base_ = nullptr;
     std::size_t baseLength_ = 0;
     std::size_t skip_ = 0;
@@ -43,6 +44,10 @@ class MappedFile {
     /// Opens for reading, or for reading and writing; others may read and write it meanwhile. The file must
     /// exist.
     SystemError Open(const std::wstring& path, bool readOnly);
+    /// Makes the mapping that views are taken of, with the access of the open file. Needed once, before Map.
+    /// Windows refuses an empty file (ERROR_FILE_INVALID); Linux never fails.
+    SystemError CreateMapping();
+    /// Closes file and mapping; views stay.
     void Close();
     bool IsOpen() const { return handle_ != kNone; }
 
@@ -60,12 +65,7 @@ class MappedFile {
     static constexpr std::intptr_t kNone = -1;
     std::intptr_t handle_ = kNone;
     std::intptr_t mapping_ = kNone;
+    bool readOnly_ = true;
 };
-
-/// The text that the system has for an error number.
-std::wstring SystemErrorText(SystemError error);
-
-/// True when the path names an existing regular file.
-bool FileExists(const std::wstring& path);
 
 }  // namespace orvex

@@ -5,8 +5,6 @@
 
 #include <cerrno>
 #include <limits>
-#include <system_error>
-#include <utility>
 
 #include "support/MappedFile.h"
 #include "support/Text.h"
@@ -20,44 +18,10 @@ int Descriptor(std::intptr_t handle) {
 
 }  // namespace
 
-MappedView::MappedView(std::byte* base, std::size_t baseLength, std::size_t skip, std::size_t length)
-    : base_(base), baseLength_(baseLength), skip_(skip), length_(length) {}
-
-MappedView::MappedView(MappedView&& other) noexcept
-    : base_(std::exchange(other.base_, nullptr)),
-      baseLength_(other.baseLength_),
-      skip_(other.skip_),
-      length_(other.length_) {}
-
-MappedView& MappedView::operator=(MappedView&& other) noexcept {
-    MappedView taken(std::move(other));
-    std::swap(base_, taken.base_);
-    std::swap(baseLength_, taken.baseLength_);
-    std::swap(skip_, taken.skip_);
-    std::swap(length_, taken.length_);
-    return *this;
-}
-
-MappedView::~MappedView() {
+void MappedView::Unmap() noexcept {
     if (base_ != nullptr) {
         munmap(base_, baseLength_);
     }
-}
-
-MappedFile::MappedFile(MappedFile&& other) noexcept
-    : handle_(std::exchange(other.handle_, kNone)), mapping_(std::exchange(other.mapping_, kNone)) {}
-
-MappedFile& MappedFile::operator=(MappedFile&& other) noexcept {
-    if (this != &other) {
-        Close();
-        handle_ = std::exchange(other.handle_, kNone);
-        mapping_ = std::exchange(other.mapping_, kNone);
-    }
-    return *this;
-}
-
-MappedFile::~MappedFile() {
-    Close();
 }
 
 SystemError MappedFile::Open(const std::wstring& path, bool readOnly) {
@@ -75,6 +39,13 @@ SystemError MappedFile::Open(const std::wstring& path, bool readOnly) {
         return error;
     }
     handle_ = descriptor;
+    readOnly_ = readOnly;
+    return 0;
+}
+
+// Views are made from the file itself here; what is kept is that they were asked for.
+SystemError MappedFile::CreateMapping() {
+    mapping_ = handle_;
     return 0;
 }
 
@@ -82,6 +53,7 @@ void MappedFile::Close() {
     if (handle_ != kNone) {
         close(Descriptor(handle_));
         handle_ = kNone;
+        mapping_ = kNone;
     }
 }
 
@@ -118,6 +90,9 @@ SystemError MappedFile::ReadAt(std::uint64_t offset, std::span<std::byte> buffer
 
 SystemError MappedFile::Map(std::uint64_t offset, std::uint64_t length, bool writable,
                             MappedView& view) const {
+    if (mapping_ == kNone) {
+        return EBADF;
+    }
     std::uint64_t size = 0;
     if (const SystemError error = Size(size)) {
         return error;
@@ -128,7 +103,7 @@ SystemError MappedFile::Map(std::uint64_t offset, std::uint64_t length, bool wri
     const std::uint64_t skip = offset % AllocationGranularity();
     const std::size_t mapped = static_cast<std::size_t>(length + skip);
     void* base = mmap(nullptr, mapped, writable ? PROT_READ | PROT_WRITE : PROT_READ, MAP_SHARED,
-                      Descriptor(handle_), static_cast<off_t>(offset - skip));
+                      Descriptor(mapping_), static_cast<off_t>(offset - skip));
     if (base == MAP_FAILED) {
         return errno;
     }
@@ -139,15 +114,6 @@ SystemError MappedFile::Map(std::uint64_t offset, std::uint64_t length, bool wri
 
 std::uint64_t MappedFile::AllocationGranularity() {
     return static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
-}
-
-std::wstring SystemErrorText(SystemError error) {
-    return FromUtf8(std::generic_category().message(error));
-}
-
-bool FileExists(const std::wstring& path) {
-    struct stat status {};
-    return stat(ToUtf8(path).c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
 }  // namespace orvex

@@ -5,9 +5,9 @@
 
 #include "host/utilities/LazDecompress.h"
 #include "orvexcommon/OrvexUtilities.h"
+#include "support/Files.h"
 #include "support/FolderAccess.h"
 #include "support/LDataError.h"
-#include "support/MappedFile.h"
 #include "support/Text.h"
 
 using namespace orvex;

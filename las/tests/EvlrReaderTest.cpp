@@ -31,6 +31,7 @@ class EvlrReaderTest : public ::testing::Test {
                       bool mapData = false) {
         MappedFile file;
         EXPECT_EQ(file.Open(folder_.Write(L"evlrs.bin", bytes), true), 0);
+        EXPECT_EQ(file.CreateMapping(), 0);
         try {
             entries_ = EvlrReader(file, mapData).Read(start, count);
             return std::to_wstring(entries_.size());
@@ -108,6 +109,7 @@ TEST_F(EvlrReaderTest, MapsDataThatIsTooLargeToCopy) {
     std::filesystem::resize_file(ToPath(name), std::uint64_t{4} << 30U);
     MappedFile file;
     ASSERT_EQ(file.Open(name, true), 0);
+    ASSERT_EQ(file.CreateMapping(), 0);
     const auto entries = EvlrReader(file, false).Read(8, 1);
     ASSERT_EQ(entries.size(), 1U);
     EXPECT_EQ(entries[0].Data().size(), std::uint64_t{3} << 30U);
@@ -119,6 +121,7 @@ TEST_F(EvlrReaderTest, VlrAreaOfAFileOfZerosIsMapped) {
     std::filesystem::resize_file(ToPath(name), std::uint64_t{5} << 30U);
     MappedFile file;
     ASSERT_EQ(file.Open(name, true), 0);
+    ASSERT_EQ(file.CreateMapping(), 0);
     VlrArea area;
     ASSERT_EQ(area.Load(file, std::uint64_t{5} << 30U, 0xFFFFFFFF, true), 0);
     EXPECT_TRUE(area.IsMapped());

@@ -36,6 +36,7 @@ TEST(MappedFile, ReadsAndMapsBeyondFourGigabytes) {
     EXPECT_EQ(ByteReader(buffer).FixedText(0, 4), "tail");
 
     MappedView view;
+    ASSERT_EQ(file.CreateMapping(), 0);
     ASSERT_EQ(file.Map(kOffset, 4, false, view), 0);
     EXPECT_EQ(ByteReader(view.Bytes()).FixedText(0, 4), "tail");
     EXPECT_NE(file.Map(kOffset, 5, false, view), 0);
@@ -49,6 +50,8 @@ TEST(MappedFile, WritesThroughAWritableView) {
         MappedFile file;
         ASSERT_EQ(file.Open(name, false), 0);
         MappedView view;
+        ASSERT_NE(file.Map(2, 3, true, view), 0);
+        ASSERT_EQ(file.CreateMapping(), 0);
         ASSERT_EQ(file.Map(2, 3, true, view), 0);
         view.Bytes()[0] = std::byte{'X'};
     }
