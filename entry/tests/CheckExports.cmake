@@ -1,18 +1,35 @@
-# Exactly the three functions are exported (symbols of local binding, whose letter is small, are seen by nobody):
-#  cmake -DLIBRARY=... -DNM=... -P CheckExports.cmake
-execute_process(COMMAND "${NM}" -D --defined-only -C "${LIBRARY}" OUTPUT_VARIABLE listing RESULT_VARIABLE result)
-if(NOT result EQUAL 0)
-    message(FATAL_ERROR "${NM} could not read ${LIBRARY}")
-endif()
-string(REGEX MATCHALL "[^\n]+" lines "${listing}")
+# Exactly the functions meant for hosts are exported:
+#  cmake -DLIBRARY=... -DNM=... -DOBJDUMP=... -P CheckExports.cmake
 set(names)
-foreach(line IN LISTS lines)
-    if(line MATCHES "^[0-9a-f]+ [A-Zu] ([A-Za-z_0-9:]+)")
-        list(APPEND names "${CMAKE_MATCH_1}")
-    endif()
-endforeach()
+if(LIBRARY MATCHES "\\.dll$")
+    execute_process(COMMAND "${OBJDUMP}" -p "${LIBRARY}" OUTPUT_VARIABLE listing RESULT_VARIABLE result)
+    string(REGEX REPLACE "^.*\\[Ordinal/Name Pointer\\] Table" "" listing "${listing}")
+    string(REGEX REPLACE "\n\n.*$" "" listing "${listing}")
+    string(REGEX MATCHALL "[^\n]+" lines "${listing}")
+    foreach(line IN LISTS lines)
+        if(line MATCHES "\\[ *[0-9]+\\] (.*)$")
+            list(APPEND names "${CMAKE_MATCH_1}")
+        endif()
+    endforeach()
+    set(wanted
+        "?GetAddingLidarChoice@@YA?AW4AddLidarChoice@@_N@Z"
+        "?MessageRegardingAddingLidar@@YAXPEAUHWND__@@AEBV?$basic_string@_WU?$char_traits@_W@std@@V?$allocator@_W@2@@std@@_N222222AEA_N@Z"
+        "?ShowAddFilesDialog@@YA_NPEAVAddFilesParams@@@Z")
+else()
+    # Symbols of local binding, whose letter is small, are seen by nobody.
+    execute_process(COMMAND "${NM}" -D --defined-only -C "${LIBRARY}" OUTPUT_VARIABLE listing RESULT_VARIABLE result)
+    string(REGEX MATCHALL "[^\n]+" lines "${listing}")
+    foreach(line IN LISTS lines)
+        if(line MATCHES "^[0-9a-f]+ [A-Zu] ([A-Za-z_0-9:]+)")
+            list(APPEND names "${CMAKE_MATCH_1}")
+        endif()
+    endforeach()
+    set(wanted GetAddingLidarChoice MessageRegardingAddingLidar ShowAddFilesDialog)
+endif()
+if(NOT result EQUAL 0)
+    message(FATAL_ERROR "the exports of ${LIBRARY} could not be read")
+endif()
 list(SORT names)
-set(wanted GetAddingLidarChoice MessageRegardingAddingLidar ShowAddFilesDialog)
 if(NOT "${names}" STREQUAL "${wanted}")
     message(FATAL_ERROR "exported: ${names}\nwanted: ${wanted}")
 endif()

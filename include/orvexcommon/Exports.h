@@ -7,7 +7,7 @@
 
 #if defined(_WIN32)
 #if defined(ORVEXCOMMON_BUILD)
-#define ORVEXCOMMON_API __declspec(dllexport)
+#define ORVEXCOMMON_API  // the module definition file says what is exported, and under which name
 #else
 #define ORVEXCOMMON_API __declspec(dllimport)
 #endif
