@@ -1,9 +1,9 @@
 #include "settings/DamagedFile.h"
 
 #include <string>
-#include <system_error>
 
 #include "settings/FolderLock.h"
+#include "settings/StoreFiles.h"
 
 namespace orvex {
 namespace {
@@ -17,27 +17,11 @@ fs::path FreeNameFor(const fs::path& file) {
     for (int number = 1; number <= kMostKept; ++number) {
         fs::path name = file;
         name += ".damaged-" + std::to_string(number);
-        std::error_code error;
-        if (!fs::exists(fs::symlink_status(name, error))) {
+        if (IsFreeName(name)) {
             return name;
         }
     }
     return {};
-}
-
-bool CopyCompletely(const fs::path& file, const fs::path& copy) {
-    fs::path part = copy;
-    part += ".part";
-    std::error_code error;
-    const bool isCopied = fs::copy_file(file, part, fs::copy_options::overwrite_existing, error);
-    if (isCopied) {
-        fs::rename(part, copy, error);
-    }
-    if (isCopied && !error) {
-        return true;
-    }
-    fs::remove(part, error);
-    return false;
 }
 
 /// Opens a file as if it were empty, whatever is in it.
@@ -80,17 +64,14 @@ AfreshResult StartDamagedFileAfresh(const fs::path& file, const SqliteLimits& li
     if (!IsDamagedFile(file, limits)) {
         return AfreshResult::Sound;
     }
-    std::error_code error;
-    const std::uintmax_t size = fs::file_size(file, error);
     const fs::path copy = FreeNameFor(file);
-    // The copy is made while no connection is open: closing any descriptor of a file drops the locks that
-    // SQLite has on it in this process.
-    if (error || size > kLargestKept || copy.empty() || !CanBeWritten(file, limits) ||
-        !CopyCompletely(file, copy)) {
+    // The copy is made while no connection is open: on Linux, closing any descriptor of a file drops the
+    // locks that SQLite has on it in this process.
+    if (copy.empty() || !CanBeWritten(file, limits) || !CopyStoreFile(file, copy, kLargestKept)) {
         return AfreshResult::Failed;
     }
     if (!Empty(file, limits)) {
-        fs::remove(copy, error);
+        RemoveStoreFile(copy);
         return AfreshResult::Failed;
     }
     kept = copy;

@@ -9,15 +9,26 @@
 
 namespace orvex {
 
+/// The open folder.
+struct FolderLock::System {
+    explicit System(int opened) : descriptor(opened) {}
+    ~System() { close(descriptor); }
+    System(const System&) = delete;
+    System& operator=(const System&) = delete;
+
+    int descriptor;
+};
+
 FolderLock::FolderLock(const std::filesystem::path& folder, std::chrono::steady_clock::time_point until) {
     constexpr auto kPause = std::chrono::microseconds(500);
     const char* name = folder.empty() ? "." : folder.c_str();
-    descriptor_ = open(name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor_ < 0) {
+    const int descriptor = open(name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) {
         return;
     }
+    system_ = std::make_unique<System>(descriptor);
     while (true) {
-        isHeld_ = flock(descriptor_, LOCK_EX | LOCK_NB) == 0 || (errno != EWOULDBLOCK && errno != EINTR);
+        isHeld_ = flock(descriptor, LOCK_EX | LOCK_NB) == 0 || (errno != EWOULDBLOCK && errno != EINTR);
         if (isHeld_ || std::chrono::steady_clock::now() >= until) {
             return;
         }
@@ -25,11 +36,12 @@ FolderLock::FolderLock(const std::filesystem::path& folder, std::chrono::steady_
     }
 }
 
+FolderLock::~FolderLock() {
+    Release();
+}
+
 void FolderLock::Release() {
-    if (descriptor_ >= 0) {
-        close(descriptor_);
-    }
-    descriptor_ = -1;
+    system_.reset();
     isHeld_ = false;
 }
 

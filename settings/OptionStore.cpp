@@ -53,6 +53,17 @@ std::optional<DescribedOption> Describe(RegistryStore& registry, OrvexOptionItem
     return DescribedOption{*option, std::move(*key)};
 }
 
+/// Makes a stored text what callers expect: whole UTF-16 units, the last one a zero. Other programs store
+/// texts without it; one without any unit stays empty.
+void Terminate(std::vector<std::byte>& text) {
+    constexpr std::size_t kUnit = sizeof(char16_t);
+    text.resize(text.size() / kUnit * kUnit);
+    const bool isTerminated = !text.empty() && text.back() == std::byte{0} && text.end()[-2] == std::byte{0};
+    if (!text.empty() && !isTerminated) {
+        text.insert(text.end(), kUnit, std::byte{0});
+    }
+}
+
 std::size_t DeliverDefault(const OptionDefault& fallback, void* buffer) {
     for (std::size_t i = 0; i < fallback.size; ++i) {
         static_cast<std::byte*>(buffer)[i] = static_cast<std::byte>(fallback.value >> (8 * i));
@@ -74,6 +85,9 @@ std::size_t OptionStore::Read(OrvexOptionItem2 item, void* buffer, std::size_t s
     // A value of another length is not this option's, whoever wrote it.
     if (status != RegistryStatus::Ok || (!isText && data.size() != option.size)) {
         return DeliverDefault(option.fallback, buffer);
+    }
+    if (isText) {
+        Terminate(data);
     }
     if (data.empty() || size < data.size()) {
         return 0;

@@ -19,7 +19,7 @@ class OptionStore {
     /// Bytes delivered: 0 when the item is unknown, the store cannot be opened or `size` is below the item's
     /// size; else the item's size, or the size of its default when nothing is stored (0 and an untouched
     /// buffer when it has none). Texts are delivered as they are stored: UTF-16, least significant byte
-    /// first, with a terminating zero.
+    /// first, with a terminating zero, which is added to one that is stored without.
     std::size_t Read(OrvexOptionItem2 item, void* buffer, std::size_t size) const;
     /// Bytes written: the item's size (for texts all of `size`), or 0 (unknown item, `size` below the item's
     /// size, no access).

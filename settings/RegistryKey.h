@@ -17,16 +17,22 @@ enum class RegistryType : std::uint32_t { String = 1, Binary = 3, Dword = 4 };
 /// "Not there", "wrong type" and "no access" are different answers.
 enum class RegistryStatus { Ok, NotFound, WrongType, NoAccess };
 
+/// In bytes. Longer values are neither stored nor delivered (NoAccess).
+inline constexpr std::size_t kLongestRegistryValue = 1000000;
+
 /// One open key of a store, which outlives it. Closed when destroyed. Names are compared without regard to
 /// the case of ASCII letters. Not shared between threads; no function throws.
 class RegistryKey {
   public:
     virtual ~RegistryKey() = default;
 
-    /// The stored bytes of a value. WrongType when it is stored with another type; `data` is then untouched.
+    /// The stored bytes of a value, however many they are for its type: of a text with or without its
+    /// terminating zero, as it was stored. WrongType when it is stored with another type. `data` is untouched
+    /// unless Ok.
     virtual RegistryStatus Query(const std::wstring& name, RegistryType type,
                                  std::vector<std::byte>& data) const = 0;
-    /// Writes a value. NoAccess when the key is open for reading only or the store refuses.
+    /// Writes a value, exactly these bytes. NoAccess when the key is open for reading only or the store
+    /// refuses.
     virtual RegistryStatus Set(const std::wstring& name, RegistryType type,
                                std::span<const std::byte> data) = 0;
     /// Opens a subkey: created with full access if possible, else opened for reading; null when neither

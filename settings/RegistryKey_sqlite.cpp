@@ -30,6 +30,9 @@ class SqliteKey final : public RegistryKey {
     }
     RegistryStatus Set(const std::wstring& name, RegistryType type,
                        std::span<const std::byte> data) override {
+        if (data.size() > kLongestRegistryValue) {
+            return RegistryStatus::NoAccess;
+        }
         return StatusOf(file_.Store(path_, name, static_cast<std::int64_t>(type), data));
     }
     std::unique_ptr<RegistryKey> OpenSubkey(const std::wstring& name) override {
@@ -55,9 +58,8 @@ class SqliteKey final : public RegistryKey {
 
 class SqliteRegistry final : public RegistryStore {
   public:
-    SqliteRegistry(std::filesystem::path userFile, std::filesystem::path machineFile)
-        : user_(std::move(userFile), ValueFileOwner::User),
-          machine_(std::move(machineFile), ValueFileOwner::Machine) {}
+    SqliteRegistry(const std::filesystem::path& userFile, const std::filesystem::path& machineFile)
+        : user_(userFile, ValueFileOwner::User), machine_(machineFile, ValueFileOwner::Machine) {}
 
     std::unique_ptr<RegistryKey> OpenBaseKey(RegistryRoot root) override {
         return std::make_unique<SqliteKey>(root == RegistryRoot::CurrentUser ? user_ : machine_, kBaseKey);
@@ -70,9 +72,9 @@ class SqliteRegistry final : public RegistryStore {
 
 }  // namespace
 
-std::unique_ptr<RegistryStore> MakeSqliteRegistryStore(std::filesystem::path userFile,
-                                                       std::filesystem::path machineFile) {
-    return std::make_unique<SqliteRegistry>(std::move(userFile), std::move(machineFile));
+std::unique_ptr<RegistryStore> MakeSqliteRegistryStore(const std::filesystem::path& userFile,
+                                                       const std::filesystem::path& machineFile) {
+    return std::make_unique<SqliteRegistry>(userFile, machineFile);
 }
 
 std::unique_ptr<RegistryStore> MakeRegistryStore() {

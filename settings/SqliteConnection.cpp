@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <thread>
 
-#include "support/Text.h"
+#include "settings/StoreFiles.h"
 
 namespace orvex {
 namespace {
@@ -37,7 +37,7 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file, Mode mode,
     const int flags =
         SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
     sqlite3* handle = nullptr;
-    openResult_ = sqlite3_open_v2(ToUtf8(FromPath(file)).c_str(), &handle, flags, nullptr);
+    openResult_ = sqlite3_open_v2(SqliteNameOf(file).c_str(), &handle, flags, SqliteFileSystem());
     handle_.reset(handle);  // also of a failed attempt, for its error text
     if (openResult_ != SQLITE_OK) {
         return;

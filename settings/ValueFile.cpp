@@ -1,9 +1,9 @@
 #include "settings/ValueFile.h"
 
-#include <system_error>
 #include <utility>
 
 #include "settings/DamagedFile.h"
+#include "support/FolderAccess.h"
 #include "support/Log.h"
 #include "support/Text.h"
 
@@ -11,8 +11,6 @@ namespace orvex {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using std::filesystem::file_type;
-using std::filesystem::perms;
 
 constexpr auto kLongestWait = std::chrono::milliseconds(500);
 constexpr auto kLongestWork = std::chrono::milliseconds(700);
@@ -47,20 +45,17 @@ bool RanOutOfTime(int result) {
     return Primary(result) == SQLITE_BUSY || Primary(result) == SQLITE_INTERRUPT;
 }
 
-file_type TypeOf(const std::filesystem::path& file) {
-    std::error_code error;
-    return std::filesystem::status(file, error).type();
-}
-
-void Permit(const std::filesystem::path& path, perms rights) {
-    std::error_code error;
-    std::filesystem::permissions(path, rights, error);
+/// How a result of SQLite says that a file of that kind cannot be used.
+int ResultFor(StoreFileKind kind) {
+    return kind == StoreFileKind::Busy ? SQLITE_BUSY : SQLITE_CANTOPEN;
 }
 
 }  // namespace
 
-ValueFile::ValueFile(std::filesystem::path file, ValueFileOwner owner)
-    : file_(std::move(file)), owner_(owner) {}
+ValueFile::ValueFile(const std::filesystem::path& file, ValueFileOwner owner)
+    : file_(SystemPathOf(file)),
+      folder_(file_.has_parent_path() ? file_.parent_path() : std::filesystem::path(".")),
+      owner_(owner) {}
 
 ValueStatus ValueFile::Find(std::wstring_view key, std::wstring_view name, Value& value) {
     const std::string keyText = ToUtf8(key);
@@ -105,12 +100,12 @@ int ValueFile::Try(const Attempt& attempt, const char* doing) {
 
 int ValueFile::TryFind(const SqliteLimits& limits, std::string_view key, std::string_view name,
                        Value& value) {
-    const file_type type = TypeOf(file_);
-    if (type == file_type::not_found) {
+    const StoreFileKind kind = KindOfStoreFile(file_, limits.waitUntil);
+    if (kind == StoreFileKind::Nothing) {
         return SQLITE_DONE;
     }
-    if (!IsUsable(type)) {
-        return SQLITE_CANTOPEN;
+    if (!IsUsable(kind)) {
+        return ResultFor(kind);
     }
     const SqliteConnection connection(file_, SqliteConnection::Mode::Existing, limits);
     SqliteStatement find(connection, kFind);
@@ -123,29 +118,35 @@ int ValueFile::TryFind(const SqliteLimits& limits, std::string_view key, std::st
     }
     failure_ = connection.ErrorText();
     const bool isEmpty = result == SQLITE_ERROR && !connection.HasTable(kTable);
-    const bool hasGone = Primary(result) == SQLITE_CANTOPEN && TypeOf(file_) == file_type::not_found;
+    const bool hasGone = Primary(result) == SQLITE_CANTOPEN &&
+                         KindOfStoreFile(file_, limits.waitUntil) == StoreFileKind::Nothing;
     return isEmpty || hasGone ? SQLITE_DONE : result;
 }
 
 int ValueFile::TryStore(const SqliteLimits& limits, std::string_view key, std::string_view name,
                         std::int64_t type, std::span<const std::byte> data) {
-    const file_type before = TypeOf(file_);
-    if (before == file_type::not_found) {
-        MakeFolder();
+    const StoreFileKind before = KindOfStoreFile(file_, limits.waitUntil);
+    if (before == StoreFileKind::Nothing) {
+        MakeStoreFolder(folder_, Readers());
     } else if (!IsUsable(before)) {
+        return ResultFor(before);
+    }
+    // On Windows SQLite would try for more than a second to make a file where it may not.
+    if (!CanCreateFilesIn(folder_)) {
+        failure_ = "no files can be made in its folder";
         return SQLITE_CANTOPEN;
     }
     // Whoever waits for SQLite's lock polls, and would starve beside a process that writes without pause. So
     // writers line up here first, and a writer that has begun lets the next one to the head of the line.
-    FolderLock turn(file_.parent_path(), limits.waitUntil);
+    FolderLock turn(folder_, limits.waitUntil);
     SqliteConnection connection(file_, SqliteConnection::Mode::Create, limits);
     const int result = RunStore(connection, turn, key, name, type, data);
     failure_ = connection.ErrorText();
     if (result != SQLITE_OK) {
         return result;
     }
-    if (before == file_type::not_found && owner_ == ValueFileOwner::Machine) {
-        Permit(file_, perms::owner_read | perms::owner_write | perms::group_read | perms::others_read);
+    if (before == StoreFileKind::Nothing && owner_ == ValueFileOwner::Machine) {
+        SetStoreFileReaders(file_, Readers());
     }
     return SQLITE_OK;
 }
@@ -169,22 +170,24 @@ int ValueFile::RunStore(SqliteConnection& connection, FolderLock& turn, std::str
     return result == SQLITE_DONE ? connection.Execute("COMMIT") : result;
 }
 
-bool ValueFile::IsUsable(file_type type) {
-    // Reading from a pipe or a device could wait for ever.
-    if (type == file_type::regular) {
-        return true;
+bool ValueFile::IsUsable(StoreFileKind kind) {
+    switch (kind) {
+        case StoreFileKind::Regular:
+            return true;
+        case StoreFileKind::Busy:
+            failure_ = "another program keeps it to itself";
+            return false;
+        case StoreFileKind::NoAccess:
+            failure_ = "no access";
+            return false;
+        default:
+            failure_ = "not a regular file";  // reading from a pipe or a device could wait for ever
+            return false;
     }
-    failure_ = type == file_type::none ? "no access" : "not a regular file";
-    return false;
 }
 
-void ValueFile::MakeFolder() {
-    std::error_code error;
-    const std::filesystem::path folder = file_.parent_path();
-    if (!folder.empty() && std::filesystem::create_directories(folder, error)) {
-        const perms others = perms::group_read | perms::group_exec | perms::others_read | perms::others_exec;
-        Permit(folder, owner_ == ValueFileOwner::User ? perms::owner_all : perms::owner_all | others);
-    }
+StoreReaders ValueFile::Readers() const {
+    return owner_ == ValueFileOwner::User ? StoreReaders::OwnerOnly : StoreReaders::Everybody;
 }
 
 bool ValueFile::StartAfresh(const SqliteLimits& limits) {

@@ -12,6 +12,7 @@
 
 #include "settings/FolderLock.h"
 #include "settings/SqliteConnection.h"
+#include "settings/StoreFiles.h"
 
 namespace orvex {
 
@@ -36,7 +37,7 @@ class ValueFile {
         std::vector<std::byte> data;
     };
 
-    ValueFile(std::filesystem::path file, ValueFileOwner owner);
+    ValueFile(const std::filesystem::path& file, ValueFileOwner owner);
 
     /// A value; `value` is untouched unless Ok. No file is the same as an empty one.
     ValueStatus Find(std::wstring_view key, std::wstring_view name, Value& value);
@@ -53,13 +54,14 @@ class ValueFile {
                  std::span<const std::byte> data);
     int RunStore(SqliteConnection& connection, FolderLock& turn, std::string_view key, std::string_view name,
                  std::int64_t type, std::span<const std::byte> data);
-    bool IsUsable(std::filesystem::file_type type);
-    void MakeFolder();
+    bool IsUsable(StoreFileKind kind);
+    StoreReaders Readers() const;
     bool StartAfresh(const SqliteLimits& limits);
     SqliteLimits Limits() const;
     void Warn(const std::string& line);
 
     std::filesystem::path file_;
+    std::filesystem::path folder_;
     ValueFileOwner owner_;
     std::string failure_;  ///< of the last attempt
     std::set<std::string> logged_;

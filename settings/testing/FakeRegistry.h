@@ -64,7 +64,7 @@ class FakeRegistry final : public RegistryStore {
         }
         RegistryStatus Set(const std::wstring& name, RegistryType type,
                            std::span<const std::byte> data) override {
-            if (registry_.denyWrite.contains(root_)) {
+            if (registry_.denyWrite.contains(root_) || data.size() > kLongestRegistryValue) {
                 return RegistryStatus::NoAccess;
             }
             registry_.Put(root_, path_, name, {type, {data.begin(), data.end()}});

@@ -1,0 +1,154 @@
+#include <windows.h>
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+#include "settings/RegistryKey.h"
+
+namespace orvex {
+namespace {
+
+constexpr const wchar_t* kBaseKey = L"Software\\Tessaly Group\\Orvex";
+
+/// An open key, closed when destroyed. Move-only; empty when it could not be opened.
+class Key {
+  public:
+    Key() = default;
+    Key(Key&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+    Key& operator=(Key&& other) noexcept {
+        std::swap(handle_, other.handle_);
+        return *this;
+    }
+    ~Key() {
+        if (handle_ != nullptr) {
+            RegCloseKey(handle_);
+        }
+    }
+
+    /// Created with full access if possible, else opened for reading. `parent` may be a predefined key.
+    static Key Open(HKEY parent, const wchar_t* path) {
+        Key key;
+        if (RegCreateKeyExW(parent, path, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr,
+                            &key.handle_, nullptr) != ERROR_SUCCESS) {
+            key.handle_ = nullptr;
+            if (RegOpenKeyExW(parent, path, 0, KEY_READ, &key.handle_) != ERROR_SUCCESS) {
+                key.handle_ = nullptr;
+            }
+        }
+        return key;
+    }
+
+    HKEY Get() const { return handle_; }
+    explicit operator bool() const { return handle_ != nullptr; }
+
+  private:
+    HKEY handle_ = nullptr;
+};
+
+RegistryStatus StatusOf(LSTATUS result) {
+    switch (result) {
+        case ERROR_SUCCESS:
+            return RegistryStatus::Ok;
+        case ERROR_FILE_NOT_FOUND:
+        case ERROR_KEY_DELETED:  // by another process, while it is open here
+            return RegistryStatus::NotFound;
+        default:
+            return RegistryStatus::NoAccess;
+    }
+}
+
+/// Reads the whole value, also one that other processes change meanwhile.
+RegistryStatus ReadValue(HKEY key, const wchar_t* name, RegistryType type, std::vector<std::byte>& data) {
+    // Values are a few bytes, so that one call mostly does; more room for those that are not.
+    data.resize(64);
+    while (true) {
+        DWORD storedType = REG_NONE;
+        auto size = static_cast<DWORD>(data.size());
+        const LSTATUS result =
+            RegQueryValueExW(key, name, nullptr, &storedType, reinterpret_cast<BYTE*>(data.data()), &size);
+        if (result != ERROR_SUCCESS && result != ERROR_MORE_DATA) {
+            return StatusOf(result);
+        }
+        if (storedType != static_cast<DWORD>(type)) {
+            return RegistryStatus::WrongType;
+        }
+        if (result == ERROR_SUCCESS) {
+            data.resize(size);
+            return RegistryStatus::Ok;
+        }
+        if (size > kLongestRegistryValue) {
+            return RegistryStatus::NoAccess;
+        }
+        data.resize(std::max<std::size_t>(size, data.size() + 1));
+    }
+}
+
+RegistryStatus WriteValue(HKEY key, const wchar_t* name, RegistryType type, std::span<const std::byte> data) {
+    // The call looks at the character behind the last one of an unterminated text, and stores it as well if
+    // it is a zero. Here that place exists and holds something else.
+    std::vector<std::byte> bytes(data.begin(), data.end());
+    bytes.insert(bytes.end(), sizeof(wchar_t), std::byte{0xFF});
+    const LSTATUS result =
+        RegSetValueExW(key, name, 0, static_cast<DWORD>(type), reinterpret_cast<const BYTE*>(bytes.data()),
+                       static_cast<DWORD>(data.size()));
+    return result == ERROR_SUCCESS ? RegistryStatus::Ok : RegistryStatus::NoAccess;
+}
+
+class WindowsKey final : public RegistryKey {
+  public:
+    explicit WindowsKey(Key key) : key_(std::move(key)) {}
+
+    RegistryStatus Query(const std::wstring& name, RegistryType type,
+                         std::vector<std::byte>& data) const override {
+        try {
+            std::vector<std::byte> read;
+            const RegistryStatus status = ReadValue(key_.Get(), name.c_str(), type, read);
+            if (status == RegistryStatus::Ok) {
+                data = std::move(read);
+            }
+            return status;
+        } catch (const std::bad_alloc&) {
+            return RegistryStatus::NoAccess;
+        }
+    }
+    RegistryStatus Set(const std::wstring& name, RegistryType type,
+                       std::span<const std::byte> data) override {
+        if (data.size() > kLongestRegistryValue) {
+            return RegistryStatus::NoAccess;
+        }
+        try {
+            return WriteValue(key_.Get(), name.c_str(), type, data);
+        } catch (const std::bad_alloc&) {
+            return RegistryStatus::NoAccess;
+        }
+    }
+    std::unique_ptr<RegistryKey> OpenSubkey(const std::wstring& name) override {
+        return Opened(key_.Get(), name.c_str());
+    }
+
+    /// The key of a path, null when it cannot even be read.
+    static std::unique_ptr<RegistryKey> Opened(HKEY parent, const wchar_t* path) {
+        Key key = Key::Open(parent, path);
+        return key ? std::make_unique<WindowsKey>(std::move(key)) : nullptr;
+    }
+
+  private:
+    Key key_;
+};
+
+class WindowsRegistry final : public RegistryStore {
+  public:
+    std::unique_ptr<RegistryKey> OpenBaseKey(RegistryRoot root) override {
+        return WindowsKey::Opened(root == RegistryRoot::CurrentUser ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE,
+                                  kBaseKey);
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<RegistryStore> MakeRegistryStore() {
+    return std::make_unique<WindowsRegistry>();
+}
+
+}  // namespace orvex
