@@ -1,7 +1,6 @@
 #include "dialog/AddFilesDlg.h"
 
 #include <QDragEnterEvent>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMimeData>
@@ -22,6 +21,7 @@
 #include "settings/OptionStore.h"
 #include "support/Format.h"
 #include "support/HostObjects.h"
+#include "support/KeyState.h"
 #include "support/QtText.h"
 #include "support/UserPrompts.h"
 
@@ -119,7 +119,7 @@ std::int32_t AddFilesDlg::Initialise() {
     resize(kDefaultSize);
     tabs_->Select(params_.initialTab);
     // Ctrl held while the dialog opens brings back its first size and place.
-    if (!QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ControlModifier)) {
+    if (!IsControlKeyHeld()) {
         RestoreWindowPlacement(*this, services_.options, kPlacementName);
     }
     return kHostOk;

@@ -1,7 +1,5 @@
 #include "entry/ComponentParts.h"
 
-#include "support/FilePickersQt.h"
-#include "support/HelpViewerQt.h"
 #include "support/ModuleFolder.h"
 #include "support/UserPromptsQt.h"
 
@@ -11,8 +9,8 @@ ComponentParts::ComponentParts(QWidget* owner)
     : registry_(MakeRegistryStore()),
       hostObjects_(MakeHostObjects()),
       prompts_(std::make_unique<UserPromptsQt>(owner)),
-      pickers_(std::make_unique<FilePickersQt>()),
-      help_(std::make_unique<HelpViewerQt>(ModuleFolder())),
+      pickers_(MakeFilePickers()),
+      help_(MakeHelpViewer(ModuleFolder())),
       options_(*registry_),
       services_{*prompts_, *pickers_, *help_, options_, *hostObjects_} {}
 

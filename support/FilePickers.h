@@ -1,5 +1,6 @@
 #pragma once
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,10 +33,13 @@ struct PickedFiles {
 class FilePickers {
   public:
     virtual ~FilePickers() = default;
-    /// One or more files that exist.
+    /// One or more files. A name that was typed may be of none: Windows' dialog asks for its folder only.
     virtual PickedFiles PickFiles(const OpenFilesRequest& request) = 0;
     /// None when the user cancelled.
     virtual std::optional<std::wstring> PickFolder(const std::wstring& title) = 0;
 };
+
+/// The platform's half: the system's dialogs over the active window of the application.
+std::unique_ptr<FilePickers> MakeFilePickers();
 
 }  // namespace orvex

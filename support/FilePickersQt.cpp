@@ -1,9 +1,9 @@
 #include "support/FilePickersQt.h"
 
-#include <QApplication>
 #include <QFileDialog>
 #include <new>
 
+#include "support/ActiveWindowQt.h"
 #include "support/LDataError.h"
 #include "support/Log.h"
 #include "support/QtText.h"
@@ -11,11 +11,6 @@
 
 namespace orvex {
 namespace {
-
-QWidget* Parent() {
-    QWidget* modal = QApplication::activeModalWidget();
-    return modal != nullptr ? modal : QApplication::activeWindow();
-}
 
 // "LAS Files (*.las)" and "*.las;*.laz" become "LAS Files (*.las *.laz)": the dialog takes its patterns from
 // the last parentheses.
@@ -29,7 +24,7 @@ QString NameFilter(const FileFilter& filter) {
 }
 
 PickedFiles Pick(const OpenFilesRequest& request) {
-    QFileDialog dialog(Parent(), ToQString(request.title), ToQString(request.initialFolder));
+    QFileDialog dialog(ActiveQtWindow(), ToQString(request.title), ToQString(request.initialFolder));
     dialog.setFileMode(QFileDialog::ExistingFiles);
     QStringList filters;
     for (const FileFilter& filter : request.filters) {
@@ -71,7 +66,7 @@ PickedFiles FilePickersQt::PickFiles(const OpenFilesRequest& request) {
 }
 
 std::optional<std::wstring> FilePickersQt::PickFolder(const std::wstring& title) {
-    const QString folder = QFileDialog::getExistingDirectory(Parent(), ToQString(title));
+    const QString folder = QFileDialog::getExistingDirectory(ActiveQtWindow(), ToQString(title));
     return folder.isEmpty() ? std::nullopt : std::optional(ToWide(folder));
 }
 

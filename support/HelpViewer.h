@@ -1,4 +1,6 @@
 #pragma once
+#include <filesystem>
+#include <memory>
 
 namespace orvex {
 
@@ -19,5 +21,8 @@ class HelpViewer {
     virtual ~HelpViewer() = default;
     virtual bool Show(HelpTopic topic) = 0;
 };
+
+/// The platform's half. `folder` holds the manual: "help/index.html", and on Windows "orvex.chm".
+std::unique_ptr<HelpViewer> MakeHelpViewer(const std::filesystem::path& folder);
 
 }  // namespace orvex

@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <map>
 
+#include "support/ActiveWindowQt.h"
 #include "support/QtText.h"
 #include "support/Text.h"
 
@@ -79,10 +80,10 @@ class Box {
 }  // namespace
 
 QWidget* UserPromptsQt::Parent() const {
-    if (QWidget* modal = QApplication::activeModalWidget()) {
-        return modal;
+    if (owner_ && QApplication::activeModalWidget() == nullptr) {
+        return owner_->window();
     }
-    return owner_ ? owner_->window() : QApplication::activeWindow();
+    return ActiveQtWindow();
 }
 
 PromptAnswer UserPromptsQt::Show(const Prompt& prompt) {
