@@ -36,7 +36,7 @@ std::vector<std::wstring> LocalPaths(const QMimeData& data) {
     std::vector<std::wstring> paths;
     for (const QUrl& url : data.urls()) {
         if (url.isLocalFile()) {
-            paths.push_back(ToWide(url.toLocalFile()));
+            paths.push_back(ToWidePath(url.toLocalFile()));
         }
     }
     return paths;

@@ -279,7 +279,7 @@ bool AddLASFilesPP::Accepts(const std::wstring& path) const {
 void AddLASFilesPP::dragEnterEvent(QDragEnterEvent* event) {
     const QList<QUrl> urls = event->mimeData()->urls();
     const bool any =
-        std::ranges::any_of(urls, [this](const QUrl& url) { return Accepts(ToWide(url.toLocalFile())); });
+        std::ranges::any_of(urls, [this](const QUrl& url) { return Accepts(ToWidePath(url.toLocalFile())); });
     if (any && !progress_.IsRunning()) {
         event->acceptProposedAction();
     }
@@ -288,7 +288,7 @@ void AddLASFilesPP::dragEnterEvent(QDragEnterEvent* event) {
 void AddLASFilesPP::dropEvent(QDropEvent* event) {
     std::vector<std::wstring> paths;
     for (const QUrl& url : event->mimeData()->urls()) {
-        paths.push_back(ToWide(url.toLocalFile()));
+        paths.push_back(ToWidePath(url.toLocalFile()));
     }
     event->acceptProposedAction();
     AddPaths(paths);

@@ -36,7 +36,7 @@ PickedFiles Pick(const OpenFilesRequest& request) {
     }
     PickedFiles picked{PickOutcome::Picked, {}};
     for (const QString& path : dialog.selectedFiles()) {
-        picked.paths.push_back(ToWide(path));
+        picked.paths.push_back(ToWidePath(path));
     }
     if (SelectionCharacters(picked.paths) > request.bufferCharacters) {
         return {PickOutcome::BufferTooSmall, {}};
@@ -67,7 +67,7 @@ PickedFiles FilePickersQt::PickFiles(const OpenFilesRequest& request) {
 
 std::optional<std::wstring> FilePickersQt::PickFolder(const std::wstring& title) {
     const QString folder = QFileDialog::getExistingDirectory(ActiveQtWindow(), ToQString(title));
-    return folder.isEmpty() ? std::nullopt : std::optional(ToWide(folder));
+    return folder.isEmpty() ? std::nullopt : std::optional(ToWidePath(folder));
 }
 
 }  // namespace orvex

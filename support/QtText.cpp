@@ -1,5 +1,7 @@
 #include "support/QtText.h"
 
+#include <QDir>
+
 namespace orvex {
 
 // QString::fromStdWString and toStdWString replace lone surrogates where wchar_t has 32 bits; file names that
@@ -35,6 +37,10 @@ std::wstring ToWide(const QString& text) {
         }
     }
     return out;
+}
+
+std::wstring ToWidePath(const QString& path) {
+    return ToWide(QDir::toNativeSeparators(path));
 }
 
 }  // namespace orvex

@@ -171,7 +171,7 @@ TEST(HelpViewerQt, OpensTheTopicOfTheManualBesideTheLibrary) {
     const std::wstring manual = folder.Write(L"help/index.html", "<html>");
     EXPECT_TRUE(viewer.Show(HelpTopic::LasFiles));
     ASSERT_EQ(opened.size(), 1U);
-    EXPECT_EQ(opened[0].toLocalFile(), ToQString(manual));
+    EXPECT_EQ(ToWidePath(opened[0].toLocalFile()), manual);
     EXPECT_EQ(opened[0].fragment(), QStringLiteral("topic-730"));
 }
 
