@@ -1,10 +1,8 @@
 #include "orvexcommon/Exports.h"
 
-#include <QApplication>
-#include <QThread>
-
 #include "dialog/CAddingLidarDlg.h"
 #include "entry/AddFilesRun.h"
+#include "entry/CallScope.h"
 #include "entry/ComponentParts.h"
 #include "entry/PageTable.h"
 #include "support/LDataError.h"
@@ -12,20 +10,11 @@
 
 namespace {
 
-// Windows can be shown: there is an application, and this is its thread.
-bool HasUserInterface() {
-    return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr &&
-           QThread::currentThread() == qApp->thread();
-}
-
 // No exception leaves the component: the host may be built with another runtime. What happened is logged.
 template <typename Result, typename Body>
 Result Exported(const wchar_t* name, Result onFailure, Body body) noexcept {
     try {
-        if (HasUserInterface()) {
-            return body();
-        }
-        orvex::LogWarning(std::wstring(name) + L" was called without a QApplication or off its thread");
+        return body();
     } catch (...) {
         try {
             orvex::LogWarning(std::wstring(name) + L": " + orvex::CurrentExceptionText());
@@ -43,16 +32,17 @@ bool ShowAddFilesDialog(AddFilesParams* params) {
         if (params == nullptr) {
             throw orvex::LDataError(L"no record was given");
         }
+        const orvex::CallScope scope;
         orvex::ComponentParts parts;
-        return orvex::RunAddFiles(*params, parts.Services(), orvex::AddFilesPages(),
-                                  QApplication::activeWindow());
+        return orvex::RunAddFiles(*params, parts.Services(), orvex::AddFilesPages(), scope.Parent());
     });
 }
 
 void MessageRegardingAddingLidar(HWND owner, const std::wstring& caption, bool a, bool b, bool c, bool d,
                                  bool e, bool f, bool g, bool& stop) {
     const bool mustStop = Exported(L"MessageRegardingAddingLidar", false, [&] {
-        orvex::ComponentParts parts(QWidget::find(reinterpret_cast<WId>(owner)));
+        const orvex::CallScope scope(reinterpret_cast<orvex::NativeWindow>(owner));
+        orvex::ComponentParts parts(scope.Parent());
         return orvex::ShowLidarMessages({a, b, c, d, e, f, g}, caption, parts.Services().prompts);
     });
     stop = stop || mustStop;
@@ -62,7 +52,8 @@ AddLidarChoice GetAddingLidarChoice(bool readWriteAllowed) {
     return Exported(L"GetAddingLidarChoice", ADD_LIDAR_READ_ONLY, [readWriteAllowed] {
         orvex::ComponentParts parts;
         return orvex::DecideAddingLidar(parts.Services().options, readWriteAllowed, [](bool allowed) {
-            orvex::CAddingLidarDlg dialog(allowed, QApplication::activeWindow());
+            const orvex::CallScope scope;
+            orvex::CAddingLidarDlg dialog(allowed, scope.Parent());
             dialog.exec();
             return dialog.Answer();
         });

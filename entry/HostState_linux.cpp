@@ -1,0 +1,45 @@
+#include <cfenv>
+#include <clocale>
+#include <filesystem>
+
+#include "entry/HostState.h"
+#include "support/Environment.h"
+#include "support/LDataError.h"
+
+namespace orvex {
+
+struct HostState::Kept {
+    std::filesystem::path folder;
+    std::fenv_t floatingPoint{};
+    std::string locale;
+};
+
+HostState::HostState() : kept_(std::make_unique<Kept>()) {
+    std::error_code none;
+    kept_->folder = std::filesystem::current_path(none);
+    std::fegetenv(&kept_->floatingPoint);
+    if (const char* locale = std::setlocale(LC_ALL, nullptr)) {
+        kept_->locale = locale;
+    }
+}
+
+HostState::~HostState() {
+    std::error_code gone;
+    std::filesystem::current_path(kept_->folder, gone);
+    std::fesetenv(&kept_->floatingPoint);
+    std::setlocale(LC_ALL, kept_->locale.c_str());
+}
+
+std::string QtPlatformOption() {
+    for (const wchar_t* name : {L"QT_QPA_PLATFORM", L"WAYLAND_DISPLAY", L"DISPLAY"}) {
+        if (const auto value = EnvironmentVariable(name); value && !value->empty()) {
+            return {};
+        }
+    }
+    throw LDataError(L"there is no display");
+}
+
+// The library is linked so that it stays.
+void KeepModuleLoaded() {}
+
+}  // namespace orvex

@@ -1,0 +1,84 @@
+// The library in a host that has no QApplication: Qt comes and goes with each call.
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QtGlobal>
+#include <clocale>
+#include <filesystem>
+#include <thread>
+
+#include "entry/tests/DialogScript.h"
+#include "orvexcommon/Exports.h"
+#include "support/testing/TemporaryFolder.h"
+
+namespace orvex {
+namespace {
+
+using testing::DialogScript;
+
+bool TellThatNothingCanBeAdded() {
+    DialogScript::Begin({"click ok"});
+    bool stop = false;
+    MessageRegardingAddingLidar(nullptr, L"Caption", false, false, false, false, false, true, true, stop);
+    EXPECT_EQ(DialogScript::Left(), 0U);
+    EXPECT_EQ(QCoreApplication::instance(), nullptr);
+    return stop;
+}
+
+TEST(HostWithoutQt, QtComesAndGoesWithEachCall) {
+    for (int call = 0; call < 100; ++call) {
+        ASSERT_TRUE(TellThatNothingCanBeAdded()) << call;
+    }
+    std::thread([] {
+        EXPECT_TRUE(TellThatNothingCanBeAdded());
+        EXPECT_TRUE(TellThatNothingCanBeAdded());
+    }).join();
+    EXPECT_TRUE(TellThatNothingCanBeAdded());
+}
+
+TEST(HostWithoutQt, AMessageAfterAMessageIsShown) {
+    DialogScript::Begin({"click ok", "click ok", "click ok"});
+    bool stop = false;
+    MessageRegardingAddingLidar(nullptr, L"Caption", true, true, false, true, true, true, false, stop);
+    EXPECT_EQ(DialogScript::Left(), 0U) << "the first window was the last one for a moment";
+    EXPECT_FALSE(stop);
+}
+
+void LogOfTheHost(QtMsgType, const QMessageLogContext&, const QString&) {}
+
+TEST(HostWithoutQt, TheProcessIsAsItWas) {
+    const std::filesystem::path folder = std::filesystem::current_path();
+    std::setlocale(LC_ALL, "C");
+    qInstallMessageHandler(LogOfTheHost);
+    const testing::TemporaryFolder elsewhere;
+    DialogScript::Begin({"click ok"}, [&](std::size_t) { std::filesystem::current_path(elsewhere.Path()); });
+    bool stop = false;
+    MessageRegardingAddingLidar(nullptr, L"Caption", false, false, false, true, false, false, false, stop);
+    EXPECT_EQ(std::filesystem::current_path(), folder);
+    EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
+    EXPECT_EQ(qInstallMessageHandler(nullptr), &LogOfTheHost);
+}
+
+bool IsRefused() {
+    bool stop = false;
+    MessageRegardingAddingLidar(nullptr, L"Caption", false, false, false, false, false, true, true, stop);
+    return !stop;  // nobody can have been told
+}
+
+TEST(HostWithoutQt, WhatCannotBeShownIsRefused) {
+    EXPECT_FALSE(ShowAddFilesDialog(nullptr));
+    const QByteArray platform = qgetenv("ORVEX_QT_PLATFORM");
+    qputenv("ORVEX_QT_PLATFORM", "nowhere");
+    EXPECT_TRUE(IsRefused()) << "Qt would have ended the process";
+    qputenv("ORVEX_QT_PLATFORM", platform);
+    EXPECT_EQ(QCoreApplication::instance(), nullptr);
+
+    int count = 1;
+    char name[] = "host";
+    char* arguments[] = {name, nullptr};
+    const QCoreApplication withoutWindows(count, arguments);
+    EXPECT_TRUE(IsRefused());
+}
+
+}  // namespace
+}  // namespace orvex
