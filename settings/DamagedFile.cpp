@@ -35,7 +35,9 @@ void TakeAsEmpty(const SqliteConnection& connection) {
 bool CanBeWritten(const fs::path& file, const SqliteLimits& limits) {
     SqliteConnection connection(file, SqliteConnection::Mode::Existing, limits);
     TakeAsEmpty(connection);
-    return connection.Execute("BEGIN IMMEDIATE") == SQLITE_OK;
+    // Where only reading is possible the statement succeeds and locks nothing.
+    return connection.Execute("BEGIN IMMEDIATE") == SQLITE_OK &&
+           sqlite3_db_readonly(connection.Handle(), "main") == 0;
 }
 
 bool Empty(const fs::path& file, const SqliteLimits& limits) {

@@ -67,7 +67,7 @@ LocalMemory<void> RightsFor(StoreReaders readers, const std::wstring& handedOn) 
         rights += L"(A;" + handedOn + L";FA;;;" + who + L")";
     }
     if (readers == StoreReaders::Everybody) {
-        rights += L"(A;" + handedOn + L";FRFX;;;BU)";
+        rights += L"(A;" + handedOn + L";FRFX;;;WD)";
     }
     void* descriptor = nullptr;
     if (user.empty() || ConvertStringSecurityDescriptorToSecurityDescriptorW(rights.c_str(), SDDL_REVISION_1,

@@ -161,6 +161,31 @@ TEST_F(OptionStoreTest, TextsAreAsLongAsStored) {
     EXPECT_EQ(std::u16string(read), name);
 }
 
+TEST_F(OptionStoreTest, TextsEndWithAZeroHoweverTheyAreStored) {
+    const struct {
+        std::vector<std::byte> stored, delivered;
+    } cases[] = {
+        {Bytes({'A', 0, 'b', 0, 0, 0}), Bytes({'A', 0, 'b', 0, 0, 0})},
+        {Bytes({'A', 0, 'b', 0}), Bytes({'A', 0, 'b', 0, 0, 0})},
+        {Bytes({'A', 0, 0, 1}),
+         Bytes({'A', 0, 0, 1, 0, 0})},  // neither byte of the last unit alone makes it zero
+        {Bytes({'A', 0, 'b'}), Bytes({'A', 0, 0, 0})},
+        {Bytes({0, 0}), Bytes({0, 0})},
+        {Bytes({'A'}), {}},
+        {{}, {}},
+    };
+    for (const auto& c : cases) {
+        registry_.Put(kMachine, L"", L"optResellerName", {RegistryType::String, c.stored});
+        std::vector<std::byte> buffer(16, std::byte{7});
+        if (!c.delivered.empty()) {
+            EXPECT_EQ(store_.Read(opt2ResellerName, buffer.data(), c.delivered.size() - 1), 0U);
+        }
+        EXPECT_EQ(store_.Read(opt2ResellerName, buffer.data(), buffer.size()), c.delivered.size());
+        EXPECT_TRUE(std::equal(c.delivered.begin(), c.delivered.end(), buffer.begin()));
+        EXPECT_EQ(buffer[c.delivered.size()], std::byte{7});
+    }
+}
+
 TEST_F(OptionStoreTest, MachineOptionsOfAnOrdinaryUserCanOnlyBeRead) {
     registry_.Put(kMachine, L"", L"optMaxManagerPoints", {RegistryType::Dword, Bytes({0x40, 0x42, 0x0F, 0})});
     registry_.denyWrite.insert(kMachine);

@@ -1,13 +1,9 @@
-// What every store behind RegistryKey must do; run on the fake and on the SQLite half alike.
+// What every store behind RegistryKey must do; run on the fake and on the platform's own alike.
 #include <gtest/gtest.h>
 
-#include <optional>
-
 #include "settings/OptionStore.h"
-#include "settings/SqliteRegistry.h"
 #include "settings/testing/FakeRegistry.h"
-#include "settings/testing/OrdinaryUser.h"
-#include "support/testing/TemporaryFolder.h"
+#include "settings/testing/PlatformStore.h"
 
 namespace orvex {
 namespace {
@@ -24,23 +20,6 @@ class FakeHalf {
 
   private:
     testing::FakeRegistry fake_;
-};
-
-/// The SQLite half over two files of its own.
-class SqliteHalf {
-  public:
-    SqliteHalf() { Reopen(); }
-    RegistryStore& Store() { return *store_; }
-    void Reopen() {
-        store_ = MakeSqliteRegistryStore(folder_.Path() / "user" / "user.sqlite",
-                                         folder_.Path() / "machine" / "machine.sqlite");
-    }
-    void DenyMachineWrites() { ordinaryUser_.emplace(folder_.Path() / "machine"); }
-
-  private:
-    testing::TemporaryFolder folder_;
-    std::optional<testing::OrdinaryUser> ordinaryUser_;
-    std::unique_ptr<RegistryStore> store_;
 };
 
 template <typename Half>
@@ -69,7 +48,7 @@ class RegistryContract : public ::testing::Test {
     Half half_;
 };
 
-using Halves = ::testing::Types<FakeHalf, SqliteHalf>;
+using Halves = ::testing::Types<FakeHalf, testing::PlatformStore>;
 TYPED_TEST_SUITE(RegistryContract, Halves);
 
 TYPED_TEST(RegistryContract, KeepsValuesWithTheirTypesAndSizes) {
@@ -83,7 +62,9 @@ TYPED_TEST(RegistryContract, KeepsValuesWithTheirTypesAndSizes) {
         {L"optDouble", RegistryType::Binary, {"\0\0\0\0\0\0\xF0\x3F", 8}},
         {L"optDword", RegistryType::Dword, {"\x10\0\0\0", 4}},
         {L"optText", RegistryType::String, {"T\0e\0\0\0", 6}},
+        {L"optOddText", RegistryType::String, {"T\0e\0x", 5}},
         {L"optEmpty", RegistryType::Binary, ""},
+        {L"optEmptyText", RegistryType::String, ""},
         {L"größe ‰ 'quoted\"", RegistryType::Binary, std::string(100000, '\xFE')},
     };
     for (const Case& c : cases) {
@@ -97,6 +78,22 @@ TYPED_TEST(RegistryContract, KeepsValuesWithTheirTypesAndSizes) {
             EXPECT_EQ(this->Get(*this->Base(), c.name, other) == "#2", other != c.type);
         }
     }
+}
+
+TYPED_TEST(RegistryContract, StoresExactlyTheBytesThatItIsGiven) {
+    // A zero behind the bytes is none of them, also when they are a text that needs one.
+    const std::string_view memory("a\0b\0\0\0c\0", 8);
+    EXPECT_EQ(this->Base()->Set(L"text", RegistryType::String, this->Bytes(memory.substr(0, 4))),
+              RegistryStatus::Ok);
+    EXPECT_EQ(this->Get(*this->Base(), L"text", RegistryType::String), memory.substr(0, 4));
+}
+
+TYPED_TEST(RegistryContract, ValuesAreBounded) {
+    const std::string longest(kLongestRegistryValue, 'x');
+    EXPECT_EQ(this->Base()->Set(L"name", RegistryType::Binary, this->Bytes(longest)), RegistryStatus::Ok);
+    EXPECT_EQ(this->Base()->Set(L"name", RegistryType::Binary, this->Bytes(longest + "x")),
+              RegistryStatus::NoAccess);
+    EXPECT_TRUE(this->Get(*this->Base(), L"name", RegistryType::Binary) == longest);
 }
 
 TYPED_TEST(RegistryContract, NamesIgnoreLetterCaseAndNewValuesReplaceOldOnes) {

@@ -1,0 +1,53 @@
+#pragma once
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "settings/ValueFile.h"
+#include "support/Text.h"
+#include "support/testing/TemporaryFolder.h"
+
+namespace orvex::testing {
+
+constexpr auto kLongestCall = std::chrono::milliseconds(1000);
+
+/// Stores a text; false when it was refused.
+inline bool Put(ValueFile& file, const std::wstring& name, const std::string& text) {
+    return file.Store(L"key", name, 3, std::as_bytes(std::span(text))) == ValueStatus::Ok;
+}
+
+/// The stored text; "-" for none, "!" for no access.
+inline std::string Get(ValueFile& file, const std::wstring& name) {
+    ValueFile::Value value;
+    switch (file.Find(L"key", name, value)) {
+        case ValueStatus::Ok:
+            return {reinterpret_cast<const char*>(value.data.data()), value.data.size()};
+        case ValueStatus::NotFound:
+            return "-";
+        case ValueStatus::NoAccess:
+            break;
+    }
+    return "!";
+}
+
+/// A file of values in a folder of its own.
+class ValueFileFixture : public ::testing::Test {
+  protected:
+    /// The names in the folder that begin with `prefix`.
+    std::vector<std::string> NamesOf(const std::string& prefix) const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
+            const std::string name = entry.path().filename().string();
+            if (name.starts_with(prefix)) {
+                names.push_back(name);
+            }
+        }
+        return names;
+    }
+
+    TemporaryFolder folder_;
+    std::filesystem::path path_ = folder_.Path() / "user.sqlite";
+    ValueFile file_{path_, ValueFileOwner::User};
+};
+
+}  // namespace orvex::testing
