@@ -19,6 +19,7 @@
 #include "las/LasPageControls.h"
 #include "las/LasPageTasks.h"
 #include "settings/OptionStore.h"
+#include "support/Files.h"
 #include "support/Format.h"
 #include "support/HelpViewer.h"
 #include "support/QtText.h"
@@ -272,8 +273,7 @@ bool AddLASFilesPP::NeedsCompanionFiles() const {
 }
 
 bool AddLASFilesPP::Accepts(const std::wstring& path) const {
-    std::error_code error;
-    return HasExtension(path, LasExtensions()) || std::filesystem::is_directory(ToPath(path), error);
+    return HasExtension(path, LasExtensions()) || FolderExists(path);
 }
 
 void AddLASFilesPP::dragEnterEvent(QDragEnterEvent* event) {

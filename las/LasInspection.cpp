@@ -1,10 +1,10 @@
 #include "las/LasInspection.h"
 
 #include <chrono>
-#include <filesystem>
 #include <utility>
 
 #include "las/LasCrs.h"
+#include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
@@ -16,13 +16,8 @@ namespace {
 constexpr std::uint64_t kVlrCountAt = 100;
 
 std::int64_t ModifiedMs(const std::wstring& path) {
-    std::error_code error;
-    const auto time = std::filesystem::last_write_time(ToPath(path), error);
-    if (error) {
-        return 0;
-    }
-    const auto since = std::chrono::file_clock::to_sys(time).time_since_epoch();
-    return std::chrono::duration_cast<std::chrono::milliseconds>(since).count();
+    const auto time = LastWriteTime(path);
+    return time ? std::chrono::floor<std::chrono::milliseconds>(*time).time_since_epoch().count() : 0;
 }
 
 void DescribeFileCrs(LasInspection& inspection) {
@@ -39,13 +34,6 @@ void DescribeFileCrs(LasInspection& inspection) {
         inspection.findings.push_back(
             {LasFindingCode::NoCrs, LasSeverity::Note, kVlrCountAt, Text(40121_lsid)});
     }
-}
-
-// Bytes of a file that the reader refused; 0 when unknown.
-std::uint64_t SizeOnDisk(const std::wstring& path) {
-    std::error_code error;
-    const auto size = std::filesystem::file_size(ToPath(path), error);
-    return error ? 0 : size;
 }
 
 // Nothing of a file that does not even begin as a LAS file can be trusted.
@@ -91,7 +79,7 @@ LasInspection InspectLasFile(const std::wstring& path) {
         inspection.summary = CurrentExceptionText();
     }
     if (!inspection.loadable) {
-        inspection.fileSize = SizeOnDisk(path);
+        inspection.fileSize = FileSizeOf(path).value_or(0);
     }
     return inspection;
 }

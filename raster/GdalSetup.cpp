@@ -8,6 +8,7 @@
 #include <mutex>
 
 #include "orvexcommon/OrvexUtilities.h"
+#include "support/Files.h"
 #include "support/GdalErrorScope.h"
 #include "support/ModuleFolder.h"
 #include "support/Text.h"
@@ -25,8 +26,7 @@ std::string Utf8Of(const std::filesystem::path& path) {
 
 /// PROJ's data beside the component comes before the system's, so that a moved folder brings its own.
 void AddProjFolder(const std::filesystem::path& folder) {
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(folder / "proj.db", error)) {
+    if (!FileExists(FromPath(folder / "proj.db"))) {
         return;
     }
     CPLStringList paths;
@@ -43,9 +43,8 @@ void AddProjFolder(const std::filesystem::path& folder) {
 bool SetUp(const std::filesystem::path& folder) {
     const std::filesystem::path data = folder / "gdal-data";
     const std::filesystem::path plugins = folder / "gdalplugins";
-    std::error_code error;
-    if (!std::filesystem::is_directory(data, error) || !std::filesystem::is_directory(plugins, error) ||
-        !std::filesystem::exists(data / "pcs.csv", error)) {
+    if (folder.empty() || !FolderExists(FromPath(data)) || !FolderExists(FromPath(plugins)) ||
+        KindOf(FromPath(data / "pcs.csv")) == FileKind::Missing) {
         return false;
     }
     const GdalErrorScope errors;

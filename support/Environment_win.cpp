@@ -1,10 +1,13 @@
 #include <windows.h>
 
 #include <shellapi.h>
+#include <shlwapi.h>
 
 #include <memory>
 
 #include "support/Environment.h"
+#include "support/Files.h"
+#include "support/NaturalOrder.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -13,6 +16,32 @@ namespace {
 struct FreeLocal {
     void operator()(wchar_t** memory) const { LocalFree(static_cast<HLOCAL>(memory)); }
 };
+
+/// What a pattern stands for. The system's own search would also match the short names of files: "*.las"
+/// would find "a.lasx".
+std::vector<std::wstring> Matches(const std::wstring& pattern) {
+    const std::wstring folder = FolderOf(pattern);
+    const std::wstring names = FileNameOf(pattern);
+    std::vector<std::wstring> found;
+    ListFolder(folder.empty() ? L"." : folder, [&](const FolderEntry& entry) {
+        const std::wstring name = FileNameOf(entry.path);
+        if (PathMatchSpecW(name.c_str(), names.c_str()) != FALSE) {
+            found.push_back(folder.empty() ? name : entry.path);
+        }
+        return true;
+    });
+    SortNaturally(found);
+    return found;
+}
+
+void AppendArgument(std::vector<std::wstring>& arguments, const std::wstring& argument) {
+    const bool isPattern = FileNameOf(argument).find_first_of(L"*?") != std::wstring::npos;
+    const auto found = isPattern ? Matches(argument) : std::vector<std::wstring>();
+    if (found.empty()) {
+        arguments.push_back(argument);
+    }
+    arguments.insert(arguments.end(), found.begin(), found.end());
+}
 
 }  // namespace
 
@@ -37,8 +66,11 @@ std::optional<std::wstring> EnvironmentVariable(const std::wstring& name) {
 std::vector<std::wstring> ProgramArguments(int, const char* const*) {
     int count = 0;
     const std::unique_ptr<wchar_t*, FreeLocal> words(CommandLineToArgvW(GetCommandLineW(), &count));
-    return words && count > 1 ? std::vector<std::wstring>(words.get() + 1, words.get() + count)
-                              : std::vector<std::wstring>();
+    std::vector<std::wstring> arguments;
+    for (int i = 1; words && i < count; ++i) {
+        AppendArgument(arguments, words.get()[i]);
+    }
+    return arguments;
 }
 
 std::filesystem::path UserCacheFolder() {

@@ -1,18 +1,108 @@
+#include <cerrno>
 #include <filesystem>
+#include <system_error>
 
 #include "support/Files.h"
 #include "support/Text.h"
 
 namespace orvex {
+namespace {
 
-bool FileExists(const std::wstring& path) {
-    std::error_code error;
-    return std::filesystem::is_regular_file(ToPath(path), error);
+namespace fs = std::filesystem;
+
+FileKind KindOfType(fs::file_type type) {
+    switch (type) {
+        case fs::file_type::none:
+        case fs::file_type::not_found:
+            return FileKind::Missing;
+        case fs::file_type::regular:
+            return FileKind::File;
+        case fs::file_type::directory:
+            return FileKind::Folder;
+        default:
+            return FileKind::Other;
+    }
 }
 
-bool FolderExists(const std::wstring& path) {
+FolderEntry Describe(const fs::directory_entry& entry) {
+    std::error_code unknown;  // of one entry: a link that leads nowhere is no file and no folder
+    const FileKind kind = KindOfType(entry.status(unknown).type());
+    return {FromPath(entry.path()), kind, entry.is_symlink(unknown)};
+}
+
+}  // namespace
+
+FileKind KindOf(const std::wstring& path) {
     std::error_code error;
-    return std::filesystem::is_directory(ToPath(path), error);
+    return KindOfType(fs::status(ToPath(path), error).type());
+}
+
+std::optional<std::uint64_t> FileSizeOf(const std::wstring& path) {
+    std::error_code error;
+    const auto size = fs::file_size(ToPath(path), error);
+    return error ? std::nullopt : std::optional<std::uint64_t>(size);
+}
+
+std::optional<FileTime> LastWriteTime(const std::wstring& path) {
+    std::error_code error;
+    const auto time = fs::last_write_time(ToPath(path), error);
+    return error
+               ? std::nullopt
+               : std::optional(std::chrono::floor<FileTime::duration>(std::chrono::file_clock::to_sys(time)));
+}
+
+SystemError CopyLastWriteTime(const std::wstring& from, const std::wstring& to) {
+    std::error_code error;
+    const auto time = fs::last_write_time(ToPath(from), error);
+    if (!error) {
+        fs::last_write_time(ToPath(to), time, error);
+    }
+    return error.value();
+}
+
+bool IsSameFile(const std::wstring& a, const std::wstring& b) {
+    std::error_code error;
+    return fs::equivalent(ToPath(a), ToPath(b), error);
+}
+
+std::wstring CanonicalPath(const std::wstring& path) {
+    std::error_code error;
+    const fs::path canonical = fs::canonical(ToPath(path), error);
+    return error ? path : FromPath(canonical);
+}
+
+SystemError RenameFile(const std::wstring& from, const std::wstring& to) {
+    std::error_code error;
+    fs::rename(ToPath(from), ToPath(to), error);
+    return error.value();
+}
+
+SystemError RemoveFile(const std::wstring& path) {
+    std::error_code error;
+    return fs::remove(ToPath(path), error) || error ? error.value() : ENOENT;
+}
+
+SystemError CreateFolders(const std::wstring& path) {
+    std::error_code error;
+    fs::create_directories(ToPath(path), error);
+    return error.value();
+}
+
+std::optional<std::uint64_t> FreeSpaceIn(const std::wstring& folder) {
+    std::error_code error;
+    const auto space = fs::space(ToPath(folder), error);
+    return error ? std::nullopt : std::optional<std::uint64_t>(space.available);
+}
+
+SystemError ListFolder(const std::wstring& folder, const std::function<bool(FolderEntry entry)>& visit) {
+    std::error_code error;
+    fs::directory_iterator entry(ToPath(folder), error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        if (!visit(Describe(*entry))) {
+            break;
+        }
+    }
+    return error.value();
 }
 
 }  // namespace orvex

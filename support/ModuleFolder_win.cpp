@@ -1,33 +1,19 @@
 #include <windows.h>
 
-#include <string>
+#include <array>
 
 #include "support/ModuleFolder.h"
 
 namespace orvex {
-namespace {
-
-/// The full path of a module's file; empty when the system does not tell.
-std::wstring FileOf(HMODULE module) {
-    constexpr DWORD kLongestPath = 32768;
-    for (DWORD size = MAX_PATH; size <= 2 * kLongestPath; size *= 2) {
-        std::wstring name(size, L'\0');
-        const DWORD length = GetModuleFileNameW(module, name.data(), size);
-        if (length < size) {  // else it was cut
-            name.resize(length);
-            return name;
-        }
-    }
-    return {};
-}
-
-}  // namespace
 
 std::filesystem::path ModuleFolder() {
     HMODULE module = nullptr;
     GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
                        reinterpret_cast<LPCWSTR>(&ModuleFolder), &module);
-    return std::filesystem::path(FileOf(module)).parent_path();
+    std::array<wchar_t, MAX_PATH + 1> file{};
+    const DWORD length = GetModuleFileNameW(module, file.data(), static_cast<DWORD>(file.size()));
+    // A name that fills the buffer was cut and leads elsewhere.
+    return length < file.size() ? std::filesystem::path(file.data()).parent_path() : std::filesystem::path();
 }
 
 }  // namespace orvex

@@ -11,8 +11,10 @@ using SystemError = int;
 std::wstring SystemErrorText(SystemError error);
 
 /// The reason of the standard stream's operation that has just failed; call it first thing after the failure.
-/// 0 when it is not known. What it says of earlier operations is forgotten by ForgetStreamError.
+/// Never 0: a general input or output error when the reason is not known.
 SystemError LastStreamError();
+/// Forgets the reasons of earlier operations; to be called before the one that LastStreamError is asked
+/// about.
 void ForgetStreamError();
 
 }  // namespace orvex

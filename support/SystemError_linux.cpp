@@ -11,7 +11,7 @@ std::wstring SystemErrorText(SystemError error) {
 }
 
 SystemError LastStreamError() {
-    return errno;
+    return errno != 0 ? errno : EIO;
 }
 
 void ForgetStreamError() {

@@ -25,7 +25,7 @@ SystemError LastStreamError() {
     if (_doserrno != 0) {
         return static_cast<SystemError>(_doserrno);
     }
-    return errno == ENOSPC ? ERROR_DISK_FULL : 0;
+    return errno == ENOSPC ? ERROR_DISK_FULL : ERROR_IO_DEVICE;
 }
 
 void ForgetStreamError() {

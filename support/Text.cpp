@@ -1,6 +1,6 @@
 #include "support/Text.h"
 
-#include <cwctype>
+#include "support/TextPlatform.h"
 
 namespace orvex {
 namespace {
@@ -42,6 +42,29 @@ void AppendWide(std::wstring& out, char32_t code) {
     out.push_back(static_cast<wchar_t>(code));
 }
 
+char32_t EscapeOf(char byte) {
+    return kEscapeBase + static_cast<unsigned char>(byte);
+}
+
+bool IsLowSurrogate(char32_t code) {
+    return code >= 0xDC00 && code < 0xE000;
+}
+
+// A high surrogate that had its own three bytes would make a pair with the low one that comes next, and be
+// written as four bytes: its bytes are kept instead.
+void EscapeLoneHighSurrogate(std::wstring& out) {
+    const char32_t last = out.empty() ? 0 : static_cast<char32_t>(out.back());
+    if (last < 0xD800 || last >= 0xDC00) {
+        return;
+    }
+    out.pop_back();
+    std::string bytes;
+    AppendUtf8(bytes, last);
+    for (const char byte : bytes) {
+        AppendWide(out, EscapeOf(byte));
+    }
+}
+
 // The length of the well-formed sequence at the head of `bytes` and its code point; length 0 when there is
 // none. Surrogates in their three-byte form are well formed here unless they are the escapes above.
 std::size_t DecodeOne(std::string_view bytes, char32_t& code) {
@@ -72,17 +95,10 @@ std::size_t DecodeOne(std::string_view bytes, char32_t& code) {
     return code < minimum || code > 0x10FFFF || IsEscape(code) ? 0 : length;
 }
 
-bool IsSeparator(wchar_t c) {
-#ifdef _WIN32
-    return c == L'/' || c == L'\\';
-#else
-    return c == L'/';
-#endif
-}
-
 std::size_t NameStart(std::wstring_view path) {
+    const std::size_t root = RootLength(path);
     std::size_t start = path.size();
-    while (start > 0 && !IsSeparator(path[start - 1])) {
+    while (start > root && !IsSeparator(path[start - 1])) {
         --start;
     }
     return start;
@@ -126,51 +142,14 @@ std::wstring FromUtf8(std::string_view bytes) {
         char32_t code = 0;
         std::size_t length = DecodeOne(bytes, code);
         if (length == 0) {
-            code = kEscapeBase + static_cast<unsigned char>(bytes.front());
+            code = EscapeOf(bytes.front());
             length = 1;
+        }
+        if (sizeof(wchar_t) == 2 && IsLowSurrogate(code)) {
+            EscapeLoneHighSurrogate(out);
         }
         AppendWide(out, code);
         bytes.remove_prefix(length);
-    }
-    return out;
-}
-
-std::filesystem::path ToPath(std::wstring_view text) {
-#ifdef _WIN32
-    return std::filesystem::path(text);
-#else
-    return std::filesystem::path(ToUtf8(text));
-#endif
-}
-
-std::wstring FromPath(const std::filesystem::path& path) {
-#ifdef _WIN32
-    return path.wstring();
-#else
-    return FromUtf8(path.native());
-#endif
-}
-
-namespace {
-wchar_t UpperOf(wchar_t c) {
-    if (c < 0x80) {
-        return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - 32) : c;
-    }
-#ifdef _WIN32
-    return static_cast<wchar_t>(std::towupper(static_cast<wint_t>(c)));
-#else
-    // The process may run in the "C" locale, which knows ASCII only.
-    static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-    return static_cast<wchar_t>(unicode ? towupper_l(static_cast<wint_t>(c), unicode)
-                                        : std::towupper(static_cast<wint_t>(c)));
-#endif
-}
-}  // namespace
-
-std::wstring ToUpper(std::wstring_view text) {
-    std::wstring out(text);
-    for (wchar_t& c : out) {
-        c = UpperOf(c);
     }
     return out;
 }
@@ -185,8 +164,7 @@ std::wstring FileNameOf(std::wstring_view path) {
 
 std::wstring FolderOf(std::wstring_view path) {
     std::size_t end = NameStart(path);
-    const bool driveRoot = end == 3 && path[1] == L':';
-    if (end > 1 && !driveRoot) {
+    if (end > RootLength(path)) {
         --end;
     }
     return std::wstring(path.substr(0, end));
@@ -202,7 +180,7 @@ std::wstring WithExtension(std::wstring_view path, std::wstring_view extension) 
 }
 
 std::wstring PathKey(std::wstring_view path) {
-    return ToUpper(path);
+    return ToUpper(NativePath(path));
 }
 
 }  // namespace orvex

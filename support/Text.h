@@ -14,8 +14,15 @@ namespace orvex {
 std::string ToUtf8(std::wstring_view text);
 std::wstring FromUtf8(std::string_view bytes);
 
+/// The path as the system's calls and the standard streams take it. On Windows a path of 248 characters or
+/// more becomes absolute and gets the prefix "\\?\" or "\\?\UNC\", without which it is too long for them. The
+/// C runtime's queries, and with them std::filesystem's, know no such prefix: see support/Files.h.
 std::filesystem::path ToPath(std::wstring_view text);
+/// The path as users know it: native separators, no prefix.
 std::wstring FromPath(const std::filesystem::path& path);
+/// The same path with the system's own separators and without the prefix for long paths: what is shown and
+/// what enters results. On Windows "/" becomes "\"; elsewhere nothing changes.
+std::wstring NativePath(std::wstring_view path);
 
 /// Upper case of each character, independent of the process's locale.
 std::wstring ToUpper(std::wstring_view text);
@@ -24,14 +31,15 @@ bool EqualNoCase(std::wstring_view a, std::wstring_view b);
 
 /// The last component of a path; both "/" and "\" separate on Windows, "/" elsewhere.
 std::wstring FileNameOf(std::wstring_view path);
-/// The path without its last component and without a trailing separator (a root keeps its own).
+/// The path without its last component and without a trailing separator (a root keeps its own: "/", "C:\",
+/// "\\server\share\").
 std::wstring FolderOf(std::wstring_view path);
 /// The extension with its dot, upper-cased: ".LAS"; empty when there is none.
 std::wstring UpperExtensionOf(std::wstring_view path);
 /// The path with its extension replaced (`extension` with its dot).
 std::wstring WithExtension(std::wstring_view path, std::wstring_view extension);
 
-/// The key under which a path is compared with the paths already listed: the full path, upper-cased.
+/// The key under which a path is compared with the paths already listed: the full native path, upper-cased.
 std::wstring PathKey(std::wstring_view path);
 
 /// A string-library id. Written as 13558_lsid, so that a test finds every id that the code uses.

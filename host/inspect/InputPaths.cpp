@@ -1,7 +1,6 @@
 #include "host/inspect/InputPaths.h"
 
-#include <filesystem>
-
+#include "support/Files.h"
 #include "support/NaturalOrder.h"
 #include "support/Text.h"
 
@@ -9,19 +8,21 @@ namespace orvex {
 
 namespace {
 
-namespace fs = std::filesystem;
-
 /// The known files below a folder, natural order of their full paths.
-std::vector<std::wstring> SearchFolder(const fs::path& folder) {
+std::vector<std::wstring> SearchFolder(const std::wstring& top) {
     std::vector<std::wstring> found;
-    std::error_code error;
-    fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied, error);
-    for (const fs::recursive_directory_iterator end; !error && entry != end; entry.increment(error)) {
-        std::error_code typeError;
-        std::wstring path = FromPath(entry->path());
-        if (HasKnownExtension(path) && entry->is_regular_file(typeError) && !typeError) {
-            found.push_back(std::move(path));
-        }
+    std::vector<std::wstring> waiting{top};
+    while (!waiting.empty()) {
+        const std::wstring folder = std::move(waiting.back());
+        waiting.pop_back();
+        ListFolder(folder, [&](FolderEntry entry) {
+            if (entry.kind == FileKind::Folder && !entry.isLink) {
+                waiting.push_back(std::move(entry.path));
+            } else if (entry.kind == FileKind::File && HasKnownExtension(entry.path)) {
+                found.push_back(std::move(entry.path));
+            }
+            return true;
+        });
     }
     SortNaturally(found);
     return found;
@@ -37,17 +38,16 @@ bool HasKnownExtension(std::wstring_view path) {
 InputPaths CollectInputPaths(const std::vector<std::wstring>& paths) {
     InputPaths collected;
     for (const std::wstring& text : paths) {
-        const fs::path path = ToPath(text);
-        std::error_code error;
-        const fs::file_status status = fs::status(path, error);
-        if (fs::is_directory(status)) {
+        const std::wstring path = NativePath(text);
+        const FileKind kind = KindOf(path);
+        if (kind == FileKind::Folder) {
             for (std::wstring& file : SearchFolder(path)) {
                 collected.files.push_back(std::move(file));
             }
-        } else if (fs::exists(status)) {
-            collected.files.push_back(text);
+        } else if (kind == FileKind::Missing) {
+            collected.missing.push_back(path);
         } else {
-            collected.missing.push_back(text);
+            collected.files.push_back(path);
         }
     }
     return collected;

@@ -4,7 +4,12 @@
 
 namespace orvex {
 
-bool StandardErrorIsTerminal() {
+struct TerminalSession::State {};
+
+TerminalSession::TerminalSession() = default;
+TerminalSession::~TerminalSession() = default;
+
+bool TerminalSession::CanRewriteLines() const {
     return isatty(STDERR_FILENO) == 1;
 }
 

@@ -1,12 +1,48 @@
+#include <windows.h>
+
+#include <fcntl.h>
 #include <io.h>
+#include <stdio.h>
+
+#include <iostream>
 
 #include "host/inspect/TerminalSeam.h"
 
 namespace orvex {
 
-bool StandardErrorIsTerminal() {
-    constexpr int kStandardError = 2;
-    return _isatty(kStandardError) != 0;
+struct TerminalSession::State {
+    UINT outputCodePage = 0;  ///< 0: nothing to put back
+    DWORD errorMode = 0;
+    bool canRewriteLines = false;
+};
+
+TerminalSession::TerminalSession() : state_(std::make_unique<State>()) {
+    // Line ends are the writers' matter: some formats have two characters there, and get three otherwise.
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
+    const UINT codePage = GetConsoleOutputCP();  // 0 without a console
+    if (codePage != CP_UTF8 && SetConsoleOutputCP(CP_UTF8) != FALSE) {
+        state_->outputCodePage = codePage;
+    }
+    const HANDLE error = GetStdHandle(STD_ERROR_HANDLE);
+    state_->canRewriteLines = GetConsoleMode(error, &state_->errorMode) != FALSE &&
+                              SetConsoleMode(error, state_->errorMode | ENABLE_PROCESSED_OUTPUT |
+                                                        ENABLE_VIRTUAL_TERMINAL_PROCESSING) != FALSE;
+}
+
+TerminalSession::~TerminalSession() {
+    std::cout.flush();
+    std::cerr.flush();
+    if (state_->canRewriteLines) {
+        SetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), state_->errorMode);
+    }
+    if (state_->outputCodePage != 0) {
+        SetConsoleOutputCP(state_->outputCodePage);
+    }
+}
+
+bool TerminalSession::CanRewriteLines() const {
+    return state_->canRewriteLines;
 }
 
 }  // namespace orvex

@@ -1,11 +1,10 @@
 // orvex-inspect: what the dialog would show of LAS and LAZ files, without a window.
 #include <csignal>
 #include <iostream>
-#include <string>
-#include <vector>
 
 #include "host/inspect/InspectCommand.h"
 #include "host/inspect/TerminalSeam.h"
+#include "support/Environment.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
 
@@ -23,12 +22,10 @@ int main(int argc, char** argv) {
     std::signal(SIGINT, OnInterrupt);
     std::ios::sync_with_stdio(false);
     try {
-        std::vector<std::wstring> arguments;
-        for (int i = 1; i < argc; ++i) {
-            arguments.push_back(orvex::FromUtf8(argv[i]));
-        }
-        return orvex::RunInspectCommand(arguments, {std::cout, std::cerr, orvex::StandardErrorIsTerminal(),
-                                                    [] { return interrupted != 0; }});
+        const orvex::TerminalSession terminal;
+        return orvex::RunInspectCommand(
+            orvex::ProgramArguments(argc, argv),
+            {std::cout, std::cerr, terminal.CanRewriteLines(), [] { return interrupted != 0; }});
     } catch (...) {
         std::cerr << orvex::ToUtf8(orvex::CurrentExceptionText()) << '\n';
         return orvex::kInspectFailed;

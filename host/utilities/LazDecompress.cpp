@@ -3,13 +3,12 @@
 #include <laszip/laszip_api.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <filesystem>
 
 #include "host/utilities/CodecRecord.h"
+#include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
-#include "support/MappedFile.h"
+#include "support/SystemError.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -57,11 +56,10 @@ void LaszipDeleter::operator()(void* codec) const noexcept {
 
 LazDecompressor::LazDecompressor(const std::wstring& lazPath, const std::wstring& lasPath,
                                  Kst::ProgressIf& progress)
-    : lazPath_(lazPath), lasPath_(lasPath), progress_(progress), temporary_(ToPath(lasPath)) {}
+    : lazPath_(lazPath), lasPath_(lasPath), progress_(progress), temporary_(lasPath) {}
 
 bool LazDecompressor::Run() {
-    std::error_code error;
-    if (std::filesystem::equivalent(ToPath(lazPath_), ToPath(lasPath_), error)) {
+    if (IsSameFile(lazPath_, lasPath_)) {
         throw LDataError(FormatText(Text(40305_lsid), {lazPath_}));
     }
     layout_ = ReadLazLayout(lazPath_);
@@ -79,10 +77,10 @@ bool LazDecompressor::Run() {
 }
 
 void LazDecompressor::OpenInput() {
-    errno = 0;
+    ForgetStreamError();
     input_.open(ToPath(lazPath_), std::ios::binary);
     if (!input_) {
-        throw LDataError(FormatText(Text(40300_lsid), {lazPath_, SystemErrorText(errno)}));
+        throw LDataError(FormatText(Text(40300_lsid), {lazPath_, SystemErrorText(LastStreamError())}));
     }
     reader_ = CreateCodec();
     // Points of formats 6 to 10 that were packed into older formats for old readers come out as they were.
@@ -97,10 +95,9 @@ void LazDecompressor::OpenInput() {
 }
 
 void LazDecompressor::RequireSpace() const {
-    std::error_code error;
-    std::filesystem::path folder = ToPath(lasPath_).parent_path();
-    const auto space = std::filesystem::space(folder.empty() ? "." : folder, error);
-    if (error) {
+    const std::wstring folder = FolderOf(lasPath_);
+    const auto available = FreeSpaceIn(folder.empty() ? L"." : folder);
+    if (!available) {
         return;  // a drive that does not tell; writing will
     }
     double needed = static_cast<double>(layout_.offsetToPoints) +
@@ -108,17 +105,17 @@ void LazDecompressor::RequireSpace() const {
     for (const ExtendedRecord& record : extendedRecords_) {
         needed += static_cast<double>(record.length);
     }
-    if (needed > static_cast<double>(space.available)) {
-        throw LDataError(FormatText(Text(40304_lsid),
-                                    {lasPath_, needed * 1e-6, static_cast<double>(space.available) * 1e-6}));
+    if (needed > static_cast<double>(*available)) {
+        throw LDataError(
+            FormatText(Text(40304_lsid), {lasPath_, needed * 1e-6, static_cast<double>(*available) * 1e-6}));
     }
 }
 
 void LazDecompressor::OpenOutput() {
-    errno = 0;
-    output_.open(temporary_.Path(), std::ios::binary | std::ios::trunc);
+    ForgetStreamError();
+    output_.open(ToPath(temporary_.Path()), std::ios::binary | std::ios::trunc);
     if (!output_) {
-        FailToWrite(errno);
+        FailToWrite(LastStreamError());
     }
     writer_ = CreateCodec();
     CheckWritten(laszip_preserve_generating_software(writer_.get(), 1));
@@ -175,9 +172,9 @@ bool LazDecompressor::CopyBytes(std::uint64_t from, std::uint64_t length) {
             return false;
         }
         const auto part = static_cast<std::streamsize>(std::min<std::uint64_t>(block.size(), length));
-        errno = 0;
+        ForgetStreamError();
         if (!input_.read(block.data(), part)) {
-            throw LDataError(FormatText(Text(40300_lsid), {lazPath_, SystemErrorText(errno)}));
+            throw LDataError(FormatText(Text(40300_lsid), {lazPath_, SystemErrorText(LastStreamError())}));
         }
         CheckWritten(output_.write(block.data(), part) ? 0 : 1);
         length -= static_cast<std::uint64_t>(part);
@@ -202,21 +199,17 @@ void LazDecompressor::PatchField(std::uint64_t offset, T value) {
 }
 
 void LazDecompressor::Finish() {
-    errno = 0;
+    ForgetStreamError();
     output_.close();
     if (!output_) {
-        FailToWrite(errno);
+        FailToWrite(LastStreamError());
     }
-    std::error_code error;
-    const auto time = std::filesystem::last_write_time(ToPath(lazPath_), error);
-    if (!error) {
-        std::filesystem::last_write_time(temporary_.Path(), time, error);
-    }
-    if (!error) {
+    SystemError error = CopyLastWriteTime(lazPath_, temporary_.Path());
+    if (error == 0) {
         error = temporary_.Commit();
     }
-    if (error) {
-        FailToWrite(error.value());
+    if (error != 0) {
+        FailToWrite(error);
     }
 }
 
@@ -230,15 +223,15 @@ void LazDecompressor::CheckWritten(int result) const {
     if (result == 0) {
         return;
     }
-    // The system's reason is still in errno: the stream that failed was the last to call the system.
+    // The system's reason is still known: the stream that failed was the last to call the system.
     if (!output_) {
-        FailToWrite(errno);
+        FailToWrite(LastStreamError());
     }
     throw LDataError(FormatText(Text(40303_lsid), {lasPath_, CodecError(writer_)}));
 }
 
-void LazDecompressor::FailToWrite(int systemError) const {
-    throw LDataError(FormatText(Text(40303_lsid), {lasPath_, SystemErrorText(systemError)}));
+void LazDecompressor::FailToWrite(SystemError error) const {
+    throw LDataError(FormatText(Text(40303_lsid), {lasPath_, SystemErrorText(error)}));
 }
 
 }  // namespace orvex

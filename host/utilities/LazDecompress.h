@@ -41,7 +41,7 @@ class LazDecompressor {
 
     void CheckRead(int result) const;
     void CheckWritten(int result) const;
-    [[noreturn]] void FailToWrite(int systemError) const;
+    [[noreturn]] void FailToWrite(SystemError error) const;
 
     std::wstring lazPath_;
     std::wstring lasPath_;

@@ -1,6 +1,5 @@
 // LAZ files and their LAS buddies: tests and names.
 #include <chrono>
-#include <filesystem>
 #include <optional>
 
 #include "host/utilities/LazDecompress.h"
@@ -14,20 +13,17 @@ using namespace orvex;
 
 namespace {
 
-/// Seconds since the epoch of the file clock; none when the file is not there.
+/// Seconds since the epoch; none when the file is not there.
 std::optional<std::chrono::seconds> ModifiedSeconds(const std::wstring& path) {
-    std::error_code error;
-    const auto time = std::filesystem::last_write_time(ToPath(path), error);
-    if (error) {
-        return std::nullopt;
-    }
-    return std::chrono::floor<std::chrono::seconds>(time.time_since_epoch());
+    const auto time = LastWriteTime(path);
+    return time ? std::optional(std::chrono::floor<std::chrono::seconds>(time->time_since_epoch()))
+                : std::nullopt;
 }
 
 /// The folder of a path; the current one for a bare name.
-std::filesystem::path FolderOrCurrent(const std::wstring& path) {
-    const std::filesystem::path folder = ToPath(path).parent_path();
-    return folder.empty() ? std::filesystem::path(".") : folder;
+std::wstring FolderOrCurrent(const std::wstring& path) {
+    const std::wstring folder = FolderOf(path);
+    return folder.empty() ? L"." : folder;
 }
 
 }  // namespace
@@ -38,7 +34,7 @@ bool OrvexUtilities::IsLAZFile(const std::wstring& path) {
 
 bool OrvexUtilities::IsLAZEnabled(const std::wstring& path) {
     return IsLAZFile(path) && FileExists(path) &&
-           (LAZEnabledLASFileExists(path) || CanCreateFilesIn(FolderOrCurrent(path)));
+           (LAZEnabledLASFileExists(path) || CanCreateFilesIn(ToPath(FolderOrCurrent(path))));
 }
 
 std::wstring OrvexUtilities::GetLAZBuddyPath(const std::wstring& path) {

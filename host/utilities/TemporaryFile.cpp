@@ -2,26 +2,27 @@
 
 #include <random>
 
+#include "support/Files.h"
+#include "support/Text.h"
+
 namespace orvex {
 
-TemporaryFile::TemporaryFile(const std::filesystem::path& target) : target_(target) {
+TemporaryFile::TemporaryFile(const std::wstring& target) : target_(target) {
     // Random, so that two processes that write the same target do not meet; without the target's own name, so
     // that a name of the greatest length allowed still works.
     std::random_device random;
-    path_ = target.parent_path() / (".orvex-" + std::to_string(random()) + ".tmp");
+    path_ = FromPath(ToPath(FolderOf(target)) / (L".orvex-" + std::to_wstring(random()) + L".tmp"));
 }
 
 TemporaryFile::~TemporaryFile() {
     if (!committed_) {
-        std::error_code ignored;
-        std::filesystem::remove(path_, ignored);
+        RemoveFile(path_);
     }
 }
 
-std::error_code TemporaryFile::Commit() {
-    std::error_code error;
-    std::filesystem::rename(path_, target_, error);
-    committed_ = !error;
+SystemError TemporaryFile::Commit() {
+    const SystemError error = RenameFile(path_, target_);
+    committed_ = error == 0;
     return error;
 }
 

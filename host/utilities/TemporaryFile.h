@@ -1,5 +1,7 @@
 #pragma once
-#include <filesystem>
+#include <string>
+
+#include "support/SystemError.h"
 
 namespace orvex {
 
@@ -7,18 +9,18 @@ namespace orvex {
 class TemporaryFile {
   public:
     /// Chooses the name only; nothing is created.
-    explicit TemporaryFile(const std::filesystem::path& target);
+    explicit TemporaryFile(const std::wstring& target);
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-    const std::filesystem::path& Path() const { return path_; }
-    /// Renames the file to its target, replacing one that is there; the error of the system otherwise.
-    std::error_code Commit();
+    const std::wstring& Path() const { return path_; }
+    /// Renames the file to its target, replacing one that is there, unless that fails.
+    SystemError Commit();
 
   private:
-    std::filesystem::path target_;
-    std::filesystem::path path_;
+    std::wstring target_;
+    std::wstring path_;
     bool committed_ = false;
 };
 
