@@ -1,6 +1,9 @@
 #pragma once
-// What the component asks of its host's objects. On Windows these are COM objects, reached by class id;
-// elsewhere the host registers a factory for each class id in its object library (orvexobjects).
+// What the component asks of its host's objects. On Windows these are COM objects, which the component makes
+// by class id; OrvexHost.idl describes their interfaces, and a host may implement them any way it likes.
+// Elsewhere the host registers a factory for each class id in its object library (orvexobjects). That library
+// also serves a host on Windows: it makes the factories known to COM, and no host needs it that has COM
+// classes of its own.
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -77,6 +80,11 @@ using HostObjectFactory = std::function<std::unique_ptr<HostObject>()>;
 }  // namespace orvex
 
 /// Registers the factory of a class; an empty factory takes the class away. The newest registration holds.
+///
+/// On Windows the settings class and the application class become class objects of the calling thread's COM
+/// apartment: call it on the thread that calls the component, and take the class away on the same thread.
+/// While a class is registered, COM stays initialised on that thread, in a single-threaded apartment if the
+/// host has not chosen another. Throws std::system_error when COM refuses.
 ORVEXOBJECTS_API void RegisterHostClass(const orvex::ClassId& classId, orvex::HostObjectFactory factory);
 
 /// Makes an object of a class. Null and a failure code (kHostClassNotRegistered, kHostFail) when it cannot be

@@ -1,0 +1,28 @@
+#pragma once
+#include <ole2.h>
+
+namespace orvex {
+
+/// Keeps COM initialised on this thread while it exists, in whatever kind of apartment the thread is in
+/// already, else in a single-threaded one. To be destroyed on the thread that made it; on another thread the
+/// initialisation stays.
+class ComApartment {
+  public:
+    ComApartment() : result_(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {}
+    ~ComApartment() {
+        if (SUCCEEDED(result_) && thread_ == GetCurrentThreadId()) {
+            CoUninitialize();
+        }
+    }
+    ComApartment(const ComApartment&) = delete;
+    ComApartment& operator=(const ComApartment&) = delete;
+
+    /// A failure when COM cannot be used on this thread.
+    HRESULT Result() const { return result_ == RPC_E_CHANGED_MODE ? S_OK : result_; }
+
+  private:
+    HRESULT result_;
+    DWORD thread_ = GetCurrentThreadId();
+};
+
+}  // namespace orvex
