@@ -19,13 +19,30 @@ struct HostState {
 std::filesystem::path DefaultSettingsFile();
 
 /// Makes the settings object and the application object of this host what the object library hands out, until
-/// destroyed.
+/// destroyed. On Windows to be destroyed on the thread that made it.
 class HostClasses {
   public:
     explicit HostClasses(HostState state);
-    ~HostClasses();
     HostClasses(const HostClasses&) = delete;
     HostClasses& operator=(const HostClasses&) = delete;
+
+  private:
+    /// One class; taken away at the end.
+    class Registration {
+      public:
+        Registration(const ClassId& classId, HostObjectFactory factory) : classId_(classId) {
+            RegisterHostClass(classId, std::move(factory));
+        }
+        ~Registration() { RegisterHostClass(classId_, nullptr); }
+        Registration(const Registration&) = delete;
+        Registration& operator=(const Registration&) = delete;
+
+      private:
+        ClassId classId_;
+    };
+
+    Registration settings_;
+    Registration application_;
 };
 
 }  // namespace orvex::host

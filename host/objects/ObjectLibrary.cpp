@@ -1,31 +1,60 @@
-// The registry of host object factories, for platforms without COM.
+// The registry of host object factories.
 #include <algorithm>
 #include <mutex>
 #include <utility>
 #include <vector>
 
+#include "host/objects/ClassObject.h"
 #include "orvexcommon/HostInterfaces.h"
 
 namespace {
 
+struct RegisteredClass {
+    orvex::ClassId classId;
+    orvex::HostObjectFactory factory;
+    std::unique_ptr<orvex::host::ClassObject> published;
+};
+
 struct Registry {
     std::mutex lock;
-    std::vector<std::pair<orvex::ClassId, orvex::HostObjectFactory>> factories;
+    std::vector<RegisteredClass> classes;
 };
 
 Registry& TheRegistry() {
-    static Registry registry;
+    // Never destroyed: a class that the host has not taken away when the process ends is none that the
+    // platform's object system could still be told of.
+    static Registry& registry = *new Registry;
     return registry;
+}
+
+auto Find(Registry& registry, const orvex::ClassId& classId) {
+    return std::find_if(registry.classes.begin(), registry.classes.end(),
+                        [&](const RegisteredClass& entry) { return entry.classId == classId; });
+}
+
+// What is taken away is destroyed outside the lock, since that may call back.
+void TakeAway(Registry& registry, const orvex::ClassId& classId) {
+    RegisteredClass old;
+    {
+        const std::lock_guard guard(registry.lock);
+        const auto found = Find(registry, classId);
+        if (found == registry.classes.end()) {
+            return;
+        }
+        old = std::move(*found);
+        registry.classes.erase(found);
+    }
 }
 
 }  // namespace
 
 void RegisterHostClass(const orvex::ClassId& classId, orvex::HostObjectFactory factory) {
     Registry& registry = TheRegistry();
-    const std::lock_guard guard(registry.lock);
-    std::erase_if(registry.factories, [&](const auto& entry) { return entry.first == classId; });
+    TakeAway(registry, classId);
     if (factory) {
-        registry.factories.emplace_back(classId, std::move(factory));
+        auto published = orvex::host::PublishClass(classId, factory);
+        const std::lock_guard guard(registry.lock);
+        registry.classes.push_back({classId, std::move(factory), std::move(published)});
     }
 }
 
@@ -34,13 +63,12 @@ std::unique_ptr<orvex::HostObject> CreateHostObject(const orvex::ClassId& classI
     {
         Registry& registry = TheRegistry();
         const std::lock_guard guard(registry.lock);
-        const auto found = std::find_if(registry.factories.begin(), registry.factories.end(),
-                                        [&](const auto& entry) { return entry.first == classId; });
-        if (found == registry.factories.end()) {
+        const auto found = Find(registry, classId);
+        if (found == registry.classes.end()) {
             result = orvex::kHostClassNotRegistered;
             return nullptr;
         }
-        factory = found->second;
+        factory = found->factory;
     }
     try {
         std::unique_ptr<orvex::HostObject> object = factory();

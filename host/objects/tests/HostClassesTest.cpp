@@ -8,6 +8,7 @@
 #include "settings/SystemSettings.h"
 #include "settings/ValueFile.h"
 #include "support/HostObjects.h"
+#include "support/LDataError.h"
 #include "support/testing/TemporaryFolder.h"
 
 namespace orvex::host {
@@ -44,6 +45,12 @@ TEST_F(HostClassesTest, ObjectsExistWhileTheClassesDo) {
     }
     EXPECT_EQ(host_->CreateApplication(result), nullptr);
     EXPECT_EQ(result, kHostClassNotRegistered);
+    try {
+        const SystemSettings settings(*host_);
+        ADD_FAILURE() << "settings without a host";
+    } catch (const LDataError& error) {
+        EXPECT_EQ(error.Text(), L"Failed to create OrvexSystemSettings object");
+    }
 }
 
 TEST_F(HostClassesTest, SettingsKeepTheirKindsFromRunToRun) {
@@ -112,7 +119,7 @@ TEST_F(HostClassesTest, TheApplicationKnowsTheProjectAndItsOptions) {
         projectFolder_ = c.open;
         std::wstring folder = L"?";
         EXPECT_EQ(application->GetProjectFolder(folder), kHostOk);
-        EXPECT_EQ(folder, c.told);
+        EXPECT_EQ(std::filesystem::path(folder).generic_wstring(), c.told);
     }
     SettingValue value;
     EXPECT_EQ(application->GetOptionItem(kAcceptKmlOption, value), kHostOk);
