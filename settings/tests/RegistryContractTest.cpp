@@ -127,6 +127,7 @@ TYPED_TEST(RegistryContract, AMachineStoreThatCanOnlyBeReadRefusesAndKeeps) {
               RegistryStatus::Ok);
     this->half_.DenyMachineWrites();
     const auto key = this->Base(kMachine);
+    ASSERT_TRUE(key);
     EXPECT_EQ(key->Set(L"name", RegistryType::Binary, this->Bytes("new")), RegistryStatus::NoAccess);
     EXPECT_EQ(key->Set(L"other", RegistryType::Binary, this->Bytes("new")), RegistryStatus::NoAccess);
     EXPECT_EQ(this->Get(*key, L"name", RegistryType::Binary), "old");

@@ -1,5 +1,6 @@
 // Several processes at one file of values, and at the lock of its folder.
 #include <fstream>
+#include <future>
 #include <thread>
 
 #include "settings/testing/ValueFileFixture.h"
@@ -130,7 +131,11 @@ TEST_F(ValueFileProcessesTest, AFoldersLockIsOneProcesssAndFreeAgainWhenThatDies
     const testing::TemporaryFolder other;
     EXPECT_TRUE(FolderLock(other.Path(), Clock::now()).IsHeld());
 
+    auto next = std::async(std::launch::async,
+                           [&] { return FolderLock(folder_.Path(), Clock::now() + kLongestLife).IsHeld(); });
+    std::this_thread::sleep_for(kWait);  // so that it waits by now, most likely
     holder.Kill();
+    EXPECT_TRUE(next.get());
     {
         // By another path to the same folder.
         FolderLock lock(folder_.Path() / ".." / folder_.Path().filename(), Clock::now() + kLongestCall);

@@ -34,12 +34,12 @@ class ValueFileWinTest : public testing::ValueFileFixture {
     }
 };
 
-/// A folder whose path is too long for the calls that take 260 characters, and not ASCII; its names go on the
-/// prefix that lifts the limit, so the standard library cannot remove them.
+/// A folder whose path is too long for calls that take 260 characters, or SQLite's thousand bytes, and not
+/// ASCII; its names go on the prefix that lifts the limit, so the standard library cannot remove them.
 class LongFolder {
   public:
     explicit LongFolder(const fs::path& above) : top_(L"\\\\?\\" + above.native()), path_(above) {
-        for (int i = 0; i < 8; ++i) {
+        for (int i = 0; i < 20; ++i) {
             path_ /= L"Größe \u0416 \U0001F600 " + std::wstring(40, L'x');
         }
     }
@@ -82,9 +82,30 @@ class LongFolder {
     fs::path path_;
 };
 
+TEST(SystemPath, IsFullAndPrefixedWhenLong) {
+    // Wine takes long names without the prefix; Windows does not.
+    const std::wstring shorter(100, L'x');
+    const std::wstring longer(200, L'x');
+    const struct {
+        std::wstring given, system;
+    } cases[] = {
+        {L"", L""},
+        {LR"(C:\folder\)" + shorter, LR"(C:\folder\)" + shorter},
+        {L"C:/folder/./a/../" + shorter, LR"(C:\folder\)" + shorter},
+        {L"C:/folder/./a/../" + longer, LR"(\\?\C:\folder\)" + longer},
+        {LR"(\\server\share\)" + longer, LR"(\\?\UNC\server\share\)" + longer},
+        {L"//server/share/" + longer, LR"(\\?\UNC\server\share\)" + longer},
+        {LR"(\\?\C:\)" + longer, LR"(\\?\C:\)" + longer},
+        {L"user.sqlite", (fs::current_path() / L"user.sqlite").native()},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(SystemPathOf(c.given).native(), c.system);
+    }
+}
+
 TEST_F(ValueFileWinTest, ItsNameMayBeLongAndInAnyScript) {
     const LongFolder folder(folder_.Path());
-    ASSERT_GT(folder.Path().native().size(), 260U);
+    ASSERT_GT(folder.Path().native().size(), 1040U);
     ValueFile file(folder.Path() / "user.sqlite", ValueFileOwner::User);
     EXPECT_EQ(Get(file, L"a"), "-");
     EXPECT_TRUE(Put(file, L"a", "1"));
