@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "support/Handle_win.h"
 
@@ -52,6 +53,11 @@ DWORD MillisecondsUntil(Clock::time_point until) {
 // would have to hit the moment between two writes. Over a network each machine has a line of its own; what is
 // in the file is guarded by SQLite's locks, here as there.
 struct FolderLock::System {
+    explicit System(Handle owned) : mutex(std::move(owned)) {}
+    ~System() { ReleaseMutex(mutex.Get()); }
+    System(const System&) = delete;
+    System& operator=(const System&) = delete;
+
     Handle mutex;
 };
 
@@ -81,9 +87,6 @@ FolderLock::~FolderLock() {
 }
 
 void FolderLock::Release() {
-    if (system_) {
-        ReleaseMutex(system_->mutex.Get());
-    }
     system_.reset();
     isHeld_ = false;
 }

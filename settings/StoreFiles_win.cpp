@@ -64,10 +64,10 @@ LocalMemory<void> RightsFor(StoreReaders readers, const std::wstring& handedOn) 
     const std::wstring user = UserSid();
     std::wstring rights = L"D:P";
     for (const std::wstring& who : {std::wstring(L"SY"), std::wstring(L"BA"), user}) {
-        rights += L"(A;" + handedOn + L";FA;;;" + who + L")";
+        rights.append(L"(A;").append(handedOn).append(L";FA;;;").append(who).append(L")");
     }
     if (readers == StoreReaders::Everybody) {
-        rights += L"(A;" + handedOn + L";FRFX;;;WD)";
+        rights.append(L"(A;").append(handedOn).append(L";FRFX;;;WD)");
     }
     void* descriptor = nullptr;
     if (user.empty() || ConvertStringSecurityDescriptorToSecurityDescriptorW(rights.c_str(), SDDL_REVISION_1,

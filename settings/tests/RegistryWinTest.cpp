@@ -97,7 +97,7 @@ HKEY RootOf(std::uint32_t number) {
 }
 
 std::wstring KeyOf(std::uint32_t number) {
-    const std::wstring base = kBaseKeyName;
+    std::wstring base = kBaseKeyName;
     switch (number >> 24) {
         case 4:
             return base + L"\\LOS";

@@ -65,6 +65,7 @@ class ValueFileProcessesTest : public testing::ValueFileFixture {
   protected:
     std::vector<ChildProcess> Writers(int count, int values) const {
         std::vector<ChildProcess> writers;
+        writers.reserve(static_cast<std::size_t>(count));
         for (int writer = 0; writer < count; ++writer) {
             writers.emplace_back(
                 L"write", ChildArguments{FromPath(path_), std::to_wstring(writer), std::to_wstring(values)});
