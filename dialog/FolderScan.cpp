@@ -1,7 +1,6 @@
 #include "dialog/FolderScan.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -9,6 +8,7 @@
 #include <utility>
 
 #include "dialog/BackgroundRun.h"
+#include "support/Files.h"
 #include "support/NaturalOrder.h"
 #include "support/ProgressIf.h"
 #include "support/Text.h"
@@ -16,17 +16,14 @@
 namespace orvex {
 namespace {
 
-namespace fs = std::filesystem;
-
 class Scan {
   public:
     Scan(const ScanRequest& request, std::stop_token stop) : request_(request), stop_(std::move(stop)) {}
 
     ScanResult Run() {
         for (const std::wstring& path : request_.paths) {
-            std::error_code error;
-            if (fs::is_directory(ToPath(path), error)) {
-                AddTree(ToPath(path));
+            if (FolderExists(path)) {
+                AddTree(path);
             } else if (HasExtension(path, request_.extensions)) {
                 result_.files.push_back(path);
             } else {
@@ -42,50 +39,37 @@ class Scan {
   private:
     bool Stopped() { return result_.stopped = result_.stopped || stop_.stop_requested(); }
 
-    void AddTree(const fs::path& top) {
+    void AddTree(const std::wstring& top) {
         const std::size_t first = result_.files.size();
-        std::vector<fs::path> waiting{top};
+        std::vector<std::wstring> waiting{top};
         while (!waiting.empty() && !Stopped()) {
-            const fs::path folder = std::move(waiting.back());
+            const std::wstring folder = std::move(waiting.back());
             waiting.pop_back();
-            if (IsNew(folder)) {
+            // Two links to one folder, or a link to a folder above, lead to the same name.
+            if (visited_.insert(CanonicalPath(folder)).second) {
                 AddFolder(folder, waiting);
             }
         }
         SortNaturally(std::span(result_.files).subspan(first));
     }
 
-    // Two links to one folder, or a link to a folder above, have the same canonical path.
-    bool IsNew(const fs::path& folder) {
-        std::error_code error;
-        const fs::path canonical = fs::canonical(folder, error);
-        return visited_.insert(error ? folder : canonical).second;
-    }
-
-    void AddFolder(const fs::path& folder, std::vector<fs::path>& waiting) {
-        std::error_code error;
-        fs::directory_iterator entry(folder, error);
-        for (; !error && entry != fs::directory_iterator() && !Stopped(); entry.increment(error)) {
-            std::error_code unknown;  // of one entry: a link that leads nowhere is no file and no folder
-            if (entry->is_directory(unknown)) {
-                if (request_.recursive) {
-                    waiting.push_back(entry->path());
-                }
-            } else if (entry->is_regular_file(unknown)) {
-                std::wstring path = FromPath(entry->path());
-                if (HasExtension(path, request_.extensions)) {
-                    result_.files.push_back(std::move(path));
-                }
+    void AddFolder(const std::wstring& folder, std::vector<std::wstring>& waiting) {
+        const SystemError error = ListFolder(folder, [&](FolderEntry entry) {
+            if (entry.kind == FileKind::Folder && request_.recursive) {
+                waiting.push_back(std::move(entry.path));
+            } else if (entry.kind == FileKind::File && HasExtension(entry.path, request_.extensions)) {
+                result_.files.push_back(std::move(entry.path));
             }
-        }
-        if (error) {
-            result_.unreadable.push_back(FromPath(folder));
+            return !Stopped();
+        });
+        if (error != 0) {
+            result_.unreadable.push_back(folder);
         }
     }
 
     const ScanRequest& request_;
     std::stop_token stop_;
-    std::set<fs::path> visited_;
+    std::set<std::wstring> visited_;
     ScanResult result_;
 };
 

@@ -1,19 +1,15 @@
-#include "dialog/FolderScan.h"
-
 #include <gmock/gmock.h>
-#include <unistd.h>
 
+#include "dialog/tests/ScanFixture.h"
 #include "support/NaturalOrder.h"
 #include "support/Text.h"
 #include "support/testing/Scripted.h"
-#include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-namespace fs = std::filesystem;
 
 TEST(NaturalOrder, IsHowAPersonLists) {
     const std::wstring ordered[] = {L"",
@@ -34,54 +30,11 @@ TEST(NaturalOrder, IsHowAPersonLists) {
     EXPECT_FALSE(NaturalLess(L"same", L"same"));
 }
 
-class Scanning : public ::testing::Test {
-  protected:
-    Scanning() {
-        for (const wchar_t* name :
-             {L"b10.las", L"b2.LAS", L"a.laz", L"notes.txt", L"sub/c.las", L"sub/deep/d.las"}) {
-            folder.Write(name, "x");
-        }
-    }
-    std::vector<std::wstring> Names(const ScanResult& result) const {
-        std::vector<std::wstring> names;
-        const std::wstring top = FromPath(folder.Path()) + L"/";
-        for (const std::wstring& path : result.files) {
-            names.push_back(path.starts_with(top) ? path.substr(top.size()) : path);
-        }
-        return names;
-    }
-    ScanResult Scan(bool recursive, std::vector<std::wstring> extensions = {L".LAS"}) const {
-        return ScanPaths({{FromPath(folder.Path())}, std::move(extensions), recursive}, {});
-    }
-    testing::TemporaryFolder folder;
-};
-
 TEST_F(Scanning, FindsByExtensionInNaturalOrder) {
     EXPECT_THAT(Names(Scan(false)), ElementsAre(L"b2.LAS", L"b10.las"));
-    EXPECT_THAT(Names(Scan(true)), ElementsAre(L"b2.LAS", L"b10.las", L"sub/c.las", L"sub/deep/d.las"));
+    EXPECT_THAT(Names(Scan(true)), ElementsAre(L"b2.LAS", L"b10.las", Sub(L"c.las"), Sub(L"deep/d.las")));
     EXPECT_THAT(Names(Scan(false, {L".LAS", L".LAZ"})), ElementsAre(L"a.laz", L"b2.LAS", L"b10.las"));
     EXPECT_THAT(Scan(true, {}).files, IsEmpty());
-}
-
-TEST_F(Scanning, ListsAFolderOnceHoweverItIsLinked) {
-    fs::create_directory_symlink(folder.Path(), folder.Path() / "sub" / "up");
-    fs::create_directory_symlink(folder.Path() / "sub" / "deep", folder.Path() / "again");
-    fs::create_symlink(folder.Path() / "nowhere", folder.Path() / "dangling.las");
-    const ScanResult result = Scan(true);
-    EXPECT_EQ(result.files.size(), 4U);
-    EXPECT_THAT(result.unreadable, IsEmpty());
-}
-
-TEST_F(Scanning, ReportsFoldersThatCannotBeRead) {
-    fs::permissions(folder.Path() / "sub", fs::perms::none);
-    // Root reads everything, so it steps down for the scan.
-    const bool root = ::geteuid() == 0;
-    ASSERT_TRUE(!root || ::seteuid(65534) == 0);
-    const ScanResult result = Scan(true);
-    ASSERT_TRUE(!root || ::seteuid(0) == 0);
-    fs::permissions(folder.Path() / "sub", fs::perms::owner_all);
-    EXPECT_THAT(result.unreadable, ElementsAre(folder.Name(L"sub")));
-    EXPECT_THAT(Names(result), ElementsAre(L"b2.LAS", L"b10.las"));
 }
 
 TEST_F(Scanning, TakesNamedFilesInTheOrderGivenAndCountsOthers) {
@@ -90,7 +43,7 @@ TEST_F(Scanning, TakesNamedFilesInTheOrderGivenAndCountsOthers) {
          {L".LAS"},
          true},
         {});
-    EXPECT_THAT(Names(result), ElementsAre(L"b10.las", L"sub/c.las", L"sub/deep/d.las", L"b2.LAS"));
+    EXPECT_THAT(Names(result), ElementsAre(L"b10.las", Sub(L"c.las"), Sub(L"deep/d.las"), L"b2.LAS"));
     EXPECT_EQ(result.ignored, 1U);
 }
 

@@ -27,6 +27,8 @@ void ParseOption(const QStringList& arguments, qsizetype& i, HostArguments& pars
         parsed.pictureFolder = TakeValue(arguments, i, parsed);
     } else if (option == "--project") {
         parsed.projectFolder = TakeValue(arguments, i, parsed);
+    } else if (option == "--platform") {
+        parsed.platform = TakeValue(arguments, i, parsed);
     } else if (option == "--scale") {
         parsed.scale = TakeValue(arguments, i, parsed).toDouble();
         if (!(parsed.scale >= 0.5 && parsed.scale <= 4)) {

@@ -10,6 +10,7 @@ struct HostArguments {
     QString projectFolder;  ///< empty: the latest project, or the sample project
     bool drive = false;     ///< use the dialog without a person and leave
     QString pictureFolder;
+    QString platform;  ///< Qt's platform plugin; empty: offscreen for a driven run, else the system's
     double scale = 1;
     bool dark = false;
     bool help = false;

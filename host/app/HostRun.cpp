@@ -14,6 +14,8 @@
 #include "host/app/HostArguments.h"
 #include "host/app/HostText.h"
 #include "host/app/HostWindow.h"
+#include "host/app/PlatformChoice.h"
+#include "host/app/PrivateSettings.h"
 #include "host/app/SampleProject.h"
 #include "host/app/Watchdog.h"
 #include "host/objects/HostClasses.h"
@@ -64,26 +66,6 @@ host::HostClasses MakeHostClasses(const HostWindow& window) {
         {host::DefaultSettingsFile(), [&window] { return ToWide(window.ProjectFolder()); }});
 }
 
-/// Options and state of a driven run lie in a folder of its own.
-void KeepOutOfUsersSettings(const QTemporaryDir& folder) {
-    for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"}) {
-        qputenv(variable, QFile::encodeName(folder.filePath(QString(variable).toLower())));
-    }
-}
-
-/// Without a display there is a screen all the same; it should be one that a window fits on, at any scale.
-void GiveOffscreenPlatformAScreen(const QTemporaryDir& folder) {
-    if (qgetenv("QT_QPA_PLATFORM") != "offscreen") {
-        return;
-    }
-    QFile file(folder.filePath("screen.json"));
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(R"({"screens": [{"name": "screen", "x": 0, "y": 0, "width": 3840, "height": 2400,
-                                     "logicalDpi": 96, "dpr": 1}]})");
-        qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + QFile::encodeName(file.fileName()));
-    }
-}
-
 /// A display that does not answer ends the process from inside the toolkit, with a crash; this ends it with a
 /// message.
 void TellThatThereIsNoDisplay(QtMsgType type, const QMessageLogContext&, const QString& text) {
@@ -97,6 +79,8 @@ void TellThatThereIsNoDisplay(QtMsgType type, const QMessageLogContext&, const Q
 }  // namespace
 
 int RunInteractive(int& argc, char** argv, const HostArguments& arguments) {
+    const QTemporaryDir folder;
+    ChoosePlatform(arguments, folder.path());
     const QtMessageHandler usual = qInstallMessageHandler(TellThatThereIsNoDisplay);
     QApplication application(argc, argv);
     qInstallMessageHandler(usual);
@@ -124,8 +108,8 @@ int RunInteractive(int& argc, char** argv, const HostArguments& arguments) {
 
 int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     const QTemporaryDir folder;
-    KeepOutOfUsersSettings(folder);
-    GiveOffscreenPlatformAScreen(folder);
+    const PrivateSettings settings(ToPath(ToWide(folder.filePath("settings"))));
+    ChoosePlatform(arguments, folder.path());
     Watchdog watchdog(kPatience);
     QApplication application(argc, argv);
     ApplyAppearance(arguments.dark);

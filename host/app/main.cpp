@@ -3,10 +3,11 @@
 #include <filesystem>
 #include <iostream>
 
-#include "host/app/Appearance.h"
 #include "host/app/HostArguments.h"
 #include "host/app/HostRun.h"
 #include "host/app/HostText.h"
+#include "host/app/ParentConsole.h"
+#include "support/Environment.h"
 #include "support/LDataError.h"
 
 namespace orvex {
@@ -15,16 +16,14 @@ namespace {
 
 QStringList ArgumentsOf(int argc, char** argv) {
     QStringList arguments;
-    for (int i = 1; i < argc; ++i) {
-        arguments.append(ToQString(FromUtf8(argv[i])));
+    for (const std::wstring& argument : ProgramArguments(argc, argv)) {
+        arguments.append(ToQString(argument));
     }
     return arguments;
 }
 
-}  // namespace
-
 /// Tells on the console which of the files to be shown are not there.
-static bool AreThere(const QStringList& paths) {
+bool AreThere(const QStringList& paths) {
     bool all = true;
     for (const QString& path : paths) {
         std::error_code error;
@@ -36,7 +35,7 @@ static bool AreThere(const QStringList& paths) {
     return all;
 }
 
-static int RunHost(int argc, char** argv) {
+int RunHost(int argc, char** argv) {
     const HostArguments arguments = ParseHostArguments(ArgumentsOf(argc, argv));
     if (arguments.help || !arguments.error.isEmpty()) {
         std::ostream& out = arguments.help ? std::cout : std::cerr;
@@ -58,9 +57,11 @@ static int RunHost(int argc, char** argv) {
     return arguments.drive ? RunDriven(argc, argv, arguments) : RunInteractive(argc, argv, arguments);
 }
 
+}  // namespace
 }  // namespace orvex
 
 int main(int argc, char** argv) {
+    const orvex::ParentConsole console;
     try {
         return orvex::RunHost(argc, argv);
     } catch (...) {

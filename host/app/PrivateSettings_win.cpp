@@ -1,0 +1,38 @@
+#include <windows.h>
+
+#include <string>
+
+#include "host/app/PrivateSettings.h"
+#include "support/LDataError.h"
+
+namespace orvex {
+namespace {
+
+std::wstring KeyOfThisProcess() {
+    return L"Software\\orvex-host-" + std::to_wstring(GetCurrentProcessId());
+}
+
+}  // namespace
+
+PrivateSettings::PrivateSettings(const std::filesystem::path& folder) {
+    HKEY key = nullptr;
+    // Not volatile: that would have to hold for every key that is made in it.
+    LSTATUS result = RegCreateKeyExW(HKEY_CURRENT_USER, KeyOfThisProcess().c_str(), 0, nullptr,
+                                     REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key, nullptr);
+    if (result == ERROR_SUCCESS) {
+        result = RegOverridePredefKey(HKEY_CURRENT_USER, key);
+        RegCloseKey(key);
+    }
+    if (result != ERROR_SUCCESS) {
+        throw LDataError(L"no settings of its own: error " + std::to_wstring(result));
+    }
+    SetEnvironmentVariableW(L"ORVEX_CONFIG_DIR", folder.c_str());
+}
+
+PrivateSettings::~PrivateSettings() {
+    SetEnvironmentVariableW(L"ORVEX_CONFIG_DIR", nullptr);
+    RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+    RegDeleteTreeW(HKEY_CURRENT_USER, KeyOfThisProcess().c_str());
+}
+
+}  // namespace orvex
