@@ -10,7 +10,10 @@
 #include "benchmarks/Figures.h"
 #include "benchmarks/LasCorpus.h"
 #include "benchmarks/ListingBench.h"
+#include "host/app/PrivateSettings.h"
 #include "host/objects/HostClasses.h"
+#include "support/QtText.h"
+#include "support/Text.h"
 
 namespace {
 
@@ -44,8 +47,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     // Options that the user has chosen neither change the figures nor are changed.
-    const QTemporaryDir settings;
-    qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
+    const QTemporaryDir folder;
+    const orvex::PrivateSettings settings(orvex::ToPath(orvex::ToWide(folder.path())));
     QApplication application(argc, argv);
     const orvex::host::HostClasses classes(
         {orvex::host::DefaultSettingsFile(), [] { return std::wstring(); }});

@@ -101,7 +101,9 @@ PickedFiles Pick(const OpenFilesRequest& request) {
     dialog.lpstrTitle = request.title.empty() ? nullptr : request.title.c_str();
     dialog.Flags = kOpenFilesFlags;
     if (GetOpenFileNameW(&dialog) != FALSE) {
-        return {PickOutcome::Picked, ParseOpenFileSelection(buffer)};
+        // Wine fills a buffer that is too small as far as it goes.
+        return buffer.back() == L'\0' ? PickedFiles{PickOutcome::Picked, ParseOpenFileSelection(buffer)}
+                                      : PickedFiles{PickOutcome::BufferTooSmall, {}};
     }
     const DWORD error = CommDlgExtendedError();
     const PickOutcome outcome = OutcomeOfOpenFileError(error);

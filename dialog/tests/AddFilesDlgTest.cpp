@@ -277,7 +277,7 @@ TEST_F(Shell, DropsGoToTheShownPageOrTheFirstThatKnowsTheFiles) {
         QApplication::sendEvent(dialog.get(), &event);
     };
     drop({QStringLiteral("/data/a b.las"), QStringLiteral("/data/x.txt")});
-    EXPECT_THAT(journal.added, ElementsAre(L"/data/a b.las", L"/data/x.txt"));
+    EXPECT_THAT(journal.added, ElementsAre(NativePath(L"/data/a b.las"), NativePath(L"/data/x.txt")));
     EXPECT_EQ(dialog->Tabs().ShownIndex(), 0);
     drop({QStringLiteral("/data/image.tif")});
     EXPECT_EQ(dialog->Tabs().ShownIndex(), 1);

@@ -10,11 +10,11 @@
 #include <iostream>
 
 #include "host/app/Appearance.h"
+#include "host/app/ApplicationMaker.h"
 #include "host/app/DialogDriver.h"
 #include "host/app/HostArguments.h"
 #include "host/app/HostText.h"
 #include "host/app/HostWindow.h"
-#include "host/app/PlatformChoice.h"
 #include "host/app/PrivateSettings.h"
 #include "host/app/SampleProject.h"
 #include "host/app/Watchdog.h"
@@ -80,9 +80,8 @@ void TellThatThereIsNoDisplay(QtMsgType type, const QMessageLogContext&, const Q
 
 int RunInteractive(int& argc, char** argv, const HostArguments& arguments) {
     const QTemporaryDir folder;
-    ChoosePlatform(arguments, folder.path());
     const QtMessageHandler usual = qInstallMessageHandler(TellThatThereIsNoDisplay);
-    QApplication application(argc, argv);
+    const auto application = MakeApplication(argc, argv, arguments, folder.path());
     qInstallMessageHandler(usual);
     HostState state(HostState::DefaultPath());
     state.dark = state.dark || arguments.dark;
@@ -109,9 +108,8 @@ int RunInteractive(int& argc, char** argv, const HostArguments& arguments) {
 int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     const QTemporaryDir folder;
     const PrivateSettings settings(ToPath(ToWide(folder.filePath("settings"))));
-    ChoosePlatform(arguments, folder.path());
     Watchdog watchdog(kPatience);
-    QApplication application(argc, argv);
+    const auto application = MakeApplication(argc, argv, arguments, folder.path());
     ApplyAppearance(arguments.dark);
     watchdog.WaitingFor("the sample project");
     const QStringList paths =

@@ -74,7 +74,7 @@ std::wstring JoinPath(const std::wstring& folder, const std::wstring& name) {
         return name;
     }
     const bool separated = folder.back() == L'/' || folder.back() == L'\\';
-    return separated ? folder + name : folder + L'/' + name;
+    return NativePath(separated ? folder + name : folder + L'/' + name);
 }
 
 std::size_t Project::FileCount() const {

@@ -6,8 +6,8 @@
 #include <dlgs.h>
 
 #include <QApplication>
+#include <QDialog>
 #include <QTimer>
-#include <QWidget>
 #include <chrono>
 #include <functional>
 #include <thread>
@@ -85,8 +85,8 @@ class SystemDialogs : public ::testing::Test {
         request.title = L"Add Files";
         request.initialFolder = FromPath(folder.Path());
         request.filters = {{L"LAS Files (*.las)", L"*.las"}};
+        owner.setModal(true);
         owner.show();
-        QApplication::setActiveWindow(&owner);
         QObject::connect(&timer, &QTimer::timeout, [this] { ++ticks; });
         timer.start(10);
     }
@@ -107,7 +107,7 @@ class SystemDialogs : public ::testing::Test {
     const std::wstring before;
     testing::TemporaryFolder folder;
     OpenFilesRequest request;
-    QWidget owner;
+    QDialog owner;
     QTimer timer;
     int ticks = 0;
     std::unique_ptr<FilePickers> pickers = MakeFilePickers();

@@ -1,0 +1,59 @@
+#include <windows.h>
+
+#include <heapapi.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "benchmarks/Probe.h"
+#include "support/Text.h"
+
+namespace orvex::bench {
+namespace {
+
+std::uint64_t Read(HANDLE file, char* target, std::size_t size) {
+    DWORD read = 0;
+    return ReadFile(file, target, static_cast<DWORD>(size), &read, nullptr) != FALSE ? read : 0;
+}
+
+std::uint64_t BytesInUse(HANDLE heap) {
+    std::uint64_t bytes = 0;
+    PROCESS_HEAP_ENTRY entry{};
+    HeapLock(heap);
+    while (HeapWalk(heap, &entry) != FALSE) {
+        bytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
+    }
+    HeapUnlock(heap);
+    return bytes;
+}
+
+}  // namespace
+
+std::uint64_t ReadBarely(const std::string& path) {
+    constexpr std::size_t kHeader = 375;
+    std::array<char, 65536> buffer;
+    const HANDLE file = CreateFileW(FromUtf8(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    LARGE_INTEGER size{};
+    GetFileSizeEx(file, &size);
+    std::uint64_t bytes = Read(file, buffer.data(), kHeader);
+    std::uint32_t start = 0;
+    std::memcpy(&start, buffer.data() + 96, sizeof(start));
+    bytes += Read(file, buffer.data(), std::min<std::size_t>(buffer.size(), start) - kHeader);
+    CloseHandle(file);
+    return bytes;
+}
+
+std::uint64_t HeapInUse() {
+    std::array<HANDLE, 64> heaps;
+    const DWORD count =
+        std::min<DWORD>(GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data()), heaps.size());
+    std::uint64_t bytes = 0;
+    for (DWORD i = 0; i < count; ++i) {
+        bytes += BytesInUse(heaps[i]);
+    }
+    return bytes;
+}
+
+}  // namespace orvex::bench

@@ -1,0 +1,15 @@
+#pragma once
+#include <QApplication>
+#include <memory>
+
+namespace orvex {
+
+struct HostArguments;
+
+/// Makes the application on the platform of Qt's that the command line names, else on that of
+/// QT_QPA_PLATFORM, else, for a driven run, on "offscreen". The offscreen platform gets a screen that a
+/// window fits on at any scale (a file in `folder` describes it), and the system's fonts.
+std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv, const HostArguments& arguments,
+                                              const QString& folder);
+
+}  // namespace orvex
