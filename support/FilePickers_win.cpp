@@ -101,9 +101,7 @@ PickedFiles Pick(const OpenFilesRequest& request) {
     dialog.lpstrTitle = request.title.empty() ? nullptr : request.title.c_str();
     dialog.Flags = kOpenFilesFlags;
     if (GetOpenFileNameW(&dialog) != FALSE) {
-        // Wine fills a buffer that is too small as far as it goes.
-        return buffer.back() == L'\0' ? PickedFiles{PickOutcome::Picked, ParseOpenFileSelection(buffer)}
-                                      : PickedFiles{PickOutcome::BufferTooSmall, {}};
+        return {PickOutcome::Picked, ParseOpenFileSelection(buffer)};
     }
     const DWORD error = CommDlgExtendedError();
     const PickOutcome outcome = OutcomeOfOpenFileError(error);

@@ -39,6 +39,8 @@ void ChooseFont() {
     if (!QFontDatabase::hasFamily(font.family())) {
         font.setFamilies({"Segoe UI", "DejaVu Sans"});
         QApplication::setFont(font);
+        QFont::insertSubstitutions(QFontDatabase::systemFont(QFontDatabase::FixedFont).family(),
+                                   {"Consolas", "DejaVu Sans Mono"});
     }
 }
 

@@ -126,8 +126,9 @@ TEST_F(SystemDialogs, CancelledAndTooManyAreToldApart) {
         const WhenOpen cancelling([](HWND dialog) { Press(dialog, IDCANCEL); });
         EXPECT_EQ(pickers->PickFiles(request).outcome, PickOutcome::Cancelled);
     }
+    // One name, because Wine writes several beyond the end of the buffer.
     request.bufferCharacters = 12;
-    const PickedFiles tooMany = PickTyping(L"\"a.las\" \"b.LAS\"");
+    const PickedFiles tooMany = PickTyping(L"a.las");
     EXPECT_EQ(tooMany.outcome, PickOutcome::BufferTooSmall);
     EXPECT_THAT(tooMany.paths, IsEmpty());
 }
