@@ -8,6 +8,10 @@
 
 static bool dialogSeen = false;
 
+// Before main, which makes the application.
+static const bool offscreen =
+    !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") || qputenv("QT_QPA_PLATFORM", "offscreen");
+
 static void CancelDialogs() {
     auto* timer = new QTimer(qApp);
     QObject::connect(timer, &QTimer::timeout, timer, [] {

@@ -1,5 +1,6 @@
 // How a host uses the component: the whole of it.
 #include <QApplication>
+#include <filesystem>
 #include <iostream>
 
 #include "host/objects/HostClasses.h"
@@ -11,7 +12,8 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     // The component asks for these two objects; a host brings its own settings and its own project folder.
     const orvex::host::HostClasses classes(
-        {orvex::host::DefaultSettingsFile(), [] { return std::wstring(L"/tmp"); }});
+        {orvex::host::DefaultSettingsFile(),
+         [] { return orvex::FromPath(std::filesystem::temp_directory_path()); }});
 
     AddFilesParams record;
     record.existingLasLayers = {{L"Survey 2019", L""}};  // what files can be appended to

@@ -118,14 +118,14 @@ TEST(ProjectFile, AFailedSaveLeavesTheOldFileAndNothingElse) {
 
 TEST(Project, TakesFilesIntoTheLayersTheyWereAssignedTo) {
     Project project;
-    project.layers = {{L"old", kUtm, {File(L"/p/there.las")}}};
+    project.layers = {{L"old", kUtm, {File(NativePath(L"/p/there.las"))}}};
     Record record;
-    record.AddFile(L"/a", L"1.las", L"old");
-    record.AddFile(L"/a", L"2.las", L"LAS Layer_1", kDegrees).high = {5, 6, 7};
-    record.AddFile(L"/b/", L"3.las", L"LAS Layer_1", kDegrees).readOnly = false;
-    record.AddFile(L"/b", L"skipped.las", L"LAS Layer_2");
+    record.AddFile(NativePath(L"/a"), L"1.las", L"old");
+    record.AddFile(NativePath(L"/a"), L"2.las", L"LAS Layer_1", kDegrees).high = {5, 6, 7};
+    record.AddFile(NativePath(L"/b/"), L"3.las", L"LAS Layer_1", kDegrees).readOnly = false;
+    record.AddFile(NativePath(L"/b"), L"skipped.las", L"LAS Layer_2");
     record.lasLoadSetting = true;
-    const AddedFiles added = project.Add(record, {L"/b/skipped.las"});
+    const AddedFiles added = project.Add(record, {NativePath(L"/b/skipped.las")});
     EXPECT_EQ(added.files, 3U);
     EXPECT_EQ(added.newLayers, 1U);
     EXPECT_EQ(added.mainLayer, 1U);
@@ -135,11 +135,11 @@ TEST(Project, TakesFilesIntoTheLayersTheyWereAssignedTo) {
     EXPECT_EQ(layer.name, L"LAS Layer_1");
     EXPECT_EQ(layer.wkt, kDegrees);
     ASSERT_EQ(layer.files.size(), 2U);
-    EXPECT_EQ(layer.files[0].path, L"/a/2.las");
+    EXPECT_EQ(layer.files[0].path, NativePath(L"/a/2.las"));
     EXPECT_EQ(layer.files[0].max[2], 7);
     EXPECT_TRUE(layer.files[0].readOnly);
     EXPECT_TRUE(layer.files[0].footprintOnly);
-    EXPECT_EQ(layer.files[1].path, L"/b/3.las");
+    EXPECT_EQ(layer.files[1].path, NativePath(L"/b/3.las"));
     EXPECT_FALSE(layer.files[1].readOnly);
     EXPECT_EQ(project.LayersForDialog().at(L"old"), FromUtf8(kUtm));
 }

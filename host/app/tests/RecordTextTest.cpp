@@ -14,26 +14,28 @@ using testing::FakeLasFileInfo;
 
 TEST(RecordText, TellsFilesLayersAndOptions) {
     AddFilesParams record;
-    record.lasFiles = {{L"/data/a", {L"2.las", L"1.laz"}}, {L"/data/b", {L"unknown.las"}}};
+    record.lasFiles = {{NativePath(L"/data/a"), {L"2.las", L"1.laz"}},
+                       {NativePath(L"/data/b"), {L"unknown.las"}}};
     auto* first = new FakeLasFileInfo;
-    first->name = L"/data/a/2.las";
+    first->name = NativePath(L"/data/a/2.las");
     auto* second = new FakeLasFileInfo;
-    second->name = L"/data/a/1.las";
+    second->name = NativePath(L"/data/a/1.las");
     second->readOnly = false;
-    record.lasFileDetails = {{L"/data/a/2.las", first}, {L"/data/a/1.laz", second}};
+    record.lasFileDetails = {{NativePath(L"/data/a/2.las"), first}, {NativePath(L"/data/a/1.laz"), second}};
     record.existingLasLayers = {{L"old", L""}};
-    record.lasFileLayers = {
-        {L"/data/a/2.las", L"old"}, {L"/data/a/1.laz", L"new"}, {L"/data/b/unknown.las", L"new"}};
+    record.lasFileLayers = {{NativePath(L"/data/a/2.las"), L"old"},
+                            {NativePath(L"/data/a/1.laz"), L"new"},
+                            {NativePath(L"/data/b/unknown.las"), L"new"}};
     record.lasThinning = 16;
     record.lasPyramidType = 2;
     const std::wstring text = RecordText(record);
     DeleteDetails(record);
 
     // Files stand in grid order below their folder.
-    const std::size_t folderA = text.find(L"/data/a\n");
+    const std::size_t folderA = text.find(NativePath(L"/data/a\n"));
     const std::size_t two = text.find(L"  2.las  ");
     const std::size_t one = text.find(L"  1.laz  ");
-    const std::size_t folderB = text.find(L"/data/b\n");
+    const std::size_t folderB = text.find(NativePath(L"/data/b\n"));
     ASSERT_NE(folderB, std::wstring::npos);
     EXPECT_LT(folderA, two);
     EXPECT_LT(two, one);
