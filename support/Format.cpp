@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "support/Text.h"
+
 namespace orvex {
 namespace {
 
@@ -145,7 +147,7 @@ std::wstring FormatText(std::wstring_view format, std::initializer_list<FormatAr
         }
     }
     if (limit > 0 && out.size() >= limit) {
-        out.resize(limit - 1);
+        out.resize(WholeLength(out, limit - 1));
     }
     return out;
 }

@@ -3,9 +3,9 @@
 #include <htmlhelp.h>
 #include <shlwapi.h>
 
+#include "support/Files.h"
 #include "support/HelpViewerQt.h"
 #include "support/Log.h"
-#include "support/Files.h"
 #include "support/NativeWindow_win.h"
 #include "support/Text.h"
 

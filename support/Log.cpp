@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "support/Environment.h"
+#include "support/Files.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -14,13 +15,15 @@ namespace {
 
 std::filesystem::path LogFile() {
     const auto named = EnvironmentVariable(L"ORVEX_LOG");
-    return named ? ToPath(*named) : UserCacheFolder() / "orvex.log";
+    return ToPath(named ? *named : FromPath(UserCacheFolder() / "orvex.log"));
 }
 
 std::shared_ptr<spdlog::logger> MakeLogger() {
     constexpr std::size_t kBytes = 4U << 20;
     try {
-        auto sink = std::make_shared<spdlog::sinks::rotating_file_sink_mt>(LogFile().native(), kBytes, 1);
+        const std::filesystem::path file = LogFile();
+        CreateFolders(FolderOf(FromPath(file)));
+        auto sink = std::make_shared<spdlog::sinks::rotating_file_sink_mt>(file.native(), kBytes, 1);
         auto logger = std::make_shared<spdlog::logger>("orvex", std::move(sink));
         logger->flush_on(spdlog::level::info);
         // Otherwise a full disk, or a file that another process keeps from being renamed, is told on the

@@ -50,16 +50,30 @@ bool IsLowSurrogate(char32_t code) {
     return code >= 0xDC00 && code < 0xE000;
 }
 
+bool IsHighSurrogate(wchar_t unit) {
+    const auto code = static_cast<char32_t>(unit);
+    return code >= 0xD800 && code < 0xDC00;
+}
+
+/// True when two units of 16 bits at a place are one character; lone surrogates of 32 bits never make one.
+bool IsPair(std::wstring_view text, std::size_t at) {
+    return sizeof(wchar_t) == 2 && at + 1 < text.size() && IsHighSurrogate(text[at]) &&
+           IsLowSurrogate(static_cast<char32_t>(text[at + 1]));
+}
+
 // A high surrogate that had its own three bytes would make a pair with the low one that comes next, and be
-// written as four bytes: its bytes are kept instead.
-void EscapeLoneHighSurrogate(std::wstring& out) {
-    const char32_t last = out.empty() ? 0 : static_cast<char32_t>(out.back());
-    if (last < 0xD800 || last >= 0xDC00) {
-        return;
+// written as four bytes: its bytes are kept instead, and so are those of the ones before it, which now have a
+// low one behind them.
+void EscapeLoneHighSurrogates(std::wstring& out) {
+    std::size_t start = out.size();
+    while (start > 0 && IsHighSurrogate(out[start - 1])) {
+        --start;
     }
-    out.pop_back();
     std::string bytes;
-    AppendUtf8(bytes, last);
+    for (const wchar_t unit : std::wstring_view(out).substr(start)) {
+        AppendUtf8(bytes, static_cast<char32_t>(unit));
+    }
+    out.resize(start);
     for (const char byte : bytes) {
         AppendWide(out, EscapeOf(byte));
     }
@@ -111,20 +125,29 @@ std::size_t ExtensionStart(std::wstring_view path) {
 
 }  // namespace
 
+std::size_t WholeLength(std::wstring_view text, std::size_t length) {
+    return length > 0 && length < text.size() && IsPair(text, length - 1) ? length - 1 : length;
+}
+
+std::size_t CountCharacters(std::wstring_view text) {
+    std::size_t count = text.size();
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (IsPair(text, i)) {
+            --count;
+            ++i;
+        }
+    }
+    return count;
+}
+
 std::string ToUtf8(std::wstring_view text) {
     std::string out;
     out.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         auto code = static_cast<char32_t>(text[i]);
-        if constexpr (sizeof(wchar_t) == 2) {
-            code &= 0xFFFF;
-            if (code >= 0xD800 && code < 0xDC00 && i + 1 < text.size()) {
-                const auto low = static_cast<char32_t>(text[i + 1]) & 0xFFFF;
-                if (low >= 0xDC00 && low < 0xE000) {
-                    code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
-                    ++i;
-                }
-            }
+        if (IsPair(text, i)) {
+            code = 0x10000 + ((code - 0xD800) << 10) + (static_cast<char32_t>(text[i + 1]) - 0xDC00);
+            ++i;
         }
         if (IsEscape(code)) {
             out.push_back(static_cast<char>(static_cast<unsigned char>(code - kEscapeBase)));
@@ -146,7 +169,7 @@ std::wstring FromUtf8(std::string_view bytes) {
             length = 1;
         }
         if (sizeof(wchar_t) == 2 && IsLowSurrogate(code)) {
-            EscapeLoneHighSurrogate(out);
+            EscapeLoneHighSurrogates(out);
         }
         AppendWide(out, code);
         bytes.remove_prefix(length);

@@ -15,14 +15,20 @@ std::string ToUtf8(std::wstring_view text);
 std::wstring FromUtf8(std::string_view bytes);
 
 /// The path as the system's calls and the standard streams take it. On Windows a path of 248 characters or
-/// more becomes absolute and gets the prefix "\\?\" or "\\?\UNC\", without which it is too long for them. The
-/// C runtime's queries, and with them std::filesystem's, know no such prefix: see support/Files.h.
+/// more becomes absolute (a reason not to join such paths) and gets the prefix "\\?\" or "\\?\UNC\", without
+/// which it is too long for them. The C runtime's queries, and with them std::filesystem's, know no such
+/// prefix: see support/Files.h.
 std::filesystem::path ToPath(std::wstring_view text);
 /// The path as users know it: native separators, no prefix.
 std::wstring FromPath(const std::filesystem::path& path);
 /// The same path with the system's own separators and without the prefix for long paths: what is shown and
 /// what enters results. On Windows "/" becomes "\"; elsewhere nothing changes.
 std::wstring NativePath(std::wstring_view path);
+
+/// The characters of a text: where wchar_t has 16 bits, a pair of surrogates is one.
+std::size_t CountCharacters(std::wstring_view text);
+/// `length`, or one less where that would cut a pair of surrogates apart.
+std::size_t WholeLength(std::wstring_view text, std::size_t length);
 
 /// Upper case of each character, independent of the process's locale.
 std::wstring ToUpper(std::wstring_view text);

@@ -57,8 +57,8 @@ std::wstring Fitted(const std::wstring& text, std::size_t column) {
     if (column == kSummary || text.size() <= kWidestCell) {
         return text;
     }
-    return column == kFile ? L"\u2026" + text.substr(text.size() - kWidestCell + 1)
-                           : text.substr(0, kWidestCell - 1) + L"\u2026";
+    return column == kFile ? L"\u2026" + text.substr(WholeLength(text, text.size() - kWidestCell + 1))
+                           : text.substr(0, WholeLength(text, kWidestCell - 1)) + L"\u2026";
 }
 
 class TableReportWriter final : public ReportWriter {
@@ -94,15 +94,16 @@ class TableReportWriter final : public ReportWriter {
         std::transform(kHeadings.begin(), kHeadings.end(), headings.begin(), Text);
         std::array<std::size_t, kColumnCount> widths{};
         for (std::size_t column = 0; column < kColumnCount; ++column) {
-            widths[column] = headings[column].size();
+            widths[column] = CountCharacters(headings[column]);
             for (const Row& row : rows_) {
-                widths[column] = std::max(widths[column], row[column].size());
+                widths[column] = std::max(widths[column], CountCharacters(row[column]));
             }
         }
         Line(headings, widths);
         Row rules;
         for (std::size_t column = 0; column < kColumnCount; ++column) {
-            rules[column].assign(column == kSummary ? headings[column].size() : widths[column], L'-');
+            rules[column].assign(column == kSummary ? CountCharacters(headings[column]) : widths[column],
+                                 L'-');
         }
         Line(rules, widths);
         for (const Row& row : rows_) {
@@ -114,7 +115,7 @@ class TableReportWriter final : public ReportWriter {
     void Line(const Row& row, const std::array<std::size_t, kColumnCount>& widths) {
         std::wstring line;
         for (std::size_t column = 0; column < kColumnCount; ++column) {
-            const std::wstring blanks(widths[column] - row[column].size(), L' ');
+            const std::wstring blanks(widths[column] - CountCharacters(row[column]), L' ');
             line += kRightAligned[column] ? blanks + row[column] : row[column] + blanks;
             line += L"  ";
         }

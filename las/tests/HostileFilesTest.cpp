@@ -1,6 +1,5 @@
 // Damaged files give a reading or a message, in bounded time and memory; never a crash.
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <chrono>
 #include <filesystem>
@@ -11,6 +10,8 @@
 #include "las/testing/LasBuilder.h"
 #include "las/testing/LasReadAll.h"
 #include "support/Text.h"
+#include "support/testing/ProcessFacts.h"
+#include "support/testing/SparseFile.h"
 #include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
@@ -58,7 +59,8 @@ TEST_F(HostileFiles, EveryTruncation) {
     for (std::size_t length = 0; length < whole.size(); ++length) {
         const std::wstring text = Read(whole.substr(0, length), true);
         Read(whole.substr(0, length), false);
-        if (length < 227) {
+        // An empty file cannot even be mapped, where that is asked for before it is read.
+        if (length > 0 && length < 227) {
             EXPECT_TRUE(text.starts_with(L"ReadHeaderBlock failed on '")) << length;
         }
     }
@@ -124,7 +126,7 @@ TEST_F(HostileFiles, LiesInAHugeSparseFileAreBounded) {
                                    .Lie<std::uint64_t>(247, ~std::uint64_t{0})
                                    .Build();
     const std::wstring path = folder_.Write(L"huge.las", header);
-    std::filesystem::resize_file(ToPath(path), std::uint64_t{6} << 30U);
+    testing::GrowSparse(path, std::uint64_t{6} << 30U);
     for (const bool readOnly : {true, false}) {
         const auto start = std::chrono::steady_clock::now();
         const auto file = LASFile::Open(path, readOnly, true);
@@ -133,9 +135,7 @@ TEST_F(HostileFiles, LiesInAHugeSparseFileAreBounded) {
         EXPECT_FALSE(ValidateLas(*file).empty());
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
     }
-    struct rusage usage {};
-    ASSERT_EQ(getrusage(RUSAGE_SELF, &usage), 0);
-    EXPECT_LT(usage.ru_maxrss, 600L * 1024) << "kilobytes";
+    EXPECT_LT(testing::PeakMemory(), std::uint64_t{600} << 20U);
 }
 
 }  // namespace

@@ -109,8 +109,8 @@ TEST_F(LasInspectionTest, SaysWhyAFileCannotBeLoaded) {
     } cases[] = {
         {L"", L"'' file does not exist. Cannot open."},
         {folder, L"'" + folder + L"' file does not exist. Cannot open."},
-        {folder_.Write(L"empty.las", ""),
-         L"ReadHeaderBlock failed on '" + folder_.Name(L"empty.las") + L"'."},
+        {folder_.Write(L"short.las", "LAS"),
+         L"ReadHeaderBlock failed on '" + folder_.Name(L"short.las") + L"'."},
         {folder_.Write(L"text.las", std::string(300, 't')),
          L"'" + folder_.Name(L"text.las") + L"' is not a LAS file: it does not begin with \"LASF\"."},
         {folder_.Write(L"type.las", LasBuilder().AddVlr("LASF_Spec", 4, descriptor).Build()),

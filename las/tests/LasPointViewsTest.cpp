@@ -2,13 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-
 #include "las/LASFile.h"
 #include "las/testing/LasBuilder.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
+#include "support/testing/SparseFile.h"
 #include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
@@ -92,9 +90,9 @@ TEST(LasPointViews, ReachBeyondFourGigabytes) {
     constexpr std::uint64_t kStart = 375;
     constexpr std::uint64_t kLength = 30;
     const std::wstring path = folder.Write(L"large.las", LasBuilder(14, 6).Lie(247, kPoints).Build());
-    std::filesystem::resize_file(ToPath(path), kStart + (kPoints - 1) * kLength);
-    std::ofstream(ToPath(path), std::ios::binary | std::ios::app)
-        << testing::Bytes(std::int32_t{100}, std::int32_t{200}, std::int32_t{300}) + std::string(18, '\0');
+    testing::GrowSparse(path, kStart + kPoints * kLength);
+    testing::WriteAt(path, kStart + (kPoints - 1) * kLength,
+                     testing::Bytes(std::int32_t{100}, std::int32_t{200}, std::int32_t{300}));
 
     const auto file = OpenMapped(path);
     ASSERT_EQ(file->Points()->PointCount(), kPoints);

@@ -4,10 +4,32 @@
 #include <chrono>
 #include <fstream>
 #include <iterator>
+#include <vector>
 
+#include "support/Files.h"
 #include "support/Text.h"
 
 namespace orvex::testing {
+
+namespace {
+
+void RemoveTree(const std::wstring& folder) {
+    std::vector<FolderEntry> entries;
+    ListFolder(folder, [&entries](FolderEntry entry) {
+        entries.push_back(std::move(entry));
+        return true;
+    });
+    for (const FolderEntry& entry : entries) {
+        if (entry.kind == FileKind::Folder && !entry.isLink) {
+            RemoveTree(entry.path);
+        } else {
+            RemoveFile(entry.path);
+        }
+    }
+    RemoveFile(folder);
+}
+
+}  // namespace
 
 TemporaryFolder::TemporaryFolder() {
     static std::atomic<unsigned> counter{0};
@@ -18,19 +40,18 @@ TemporaryFolder::TemporaryFolder() {
 }
 
 TemporaryFolder::~TemporaryFolder() {
-    std::error_code error;
-    std::filesystem::remove_all(path_, error);
+    RemoveTree(FromPath(path_));
 }
 
 std::wstring TemporaryFolder::Name(const std::wstring& name) const {
-    return FromPath(path_ / ToPath(name));
+    return NativePath(FromPath(path_ / "") + name);
 }
 
 std::wstring TemporaryFolder::Write(const std::wstring& name, const std::string& bytes) const {
-    const std::filesystem::path file = path_ / ToPath(name);
-    std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << bytes;
-    return FromPath(file);
+    std::wstring file = Name(name);
+    CreateFolders(FolderOf(file));
+    std::ofstream(ToPath(file), std::ios::binary) << bytes;
+    return file;
 }
 
 std::size_t TemporaryFolder::Entries() const {

@@ -3,12 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cerrno>
-#include <filesystem>
-#include <fstream>
 
 #include "support/ByteReader.h"
-#include "support/Text.h"
+#include "support/testing/SparseFile.h"
 #include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
@@ -17,30 +14,66 @@ namespace {
 using testing::TemporaryFolder;
 
 TEST(MappedFile, ReadsAndMapsBeyondFourGigabytes) {
+    constexpr std::uint64_t kGigabyte = std::uint64_t{1} << 30U;
+    struct Part {
+        std::uint64_t offset;
+        const char* text;
+    };
+    // Two places whose offsets differ in the upper half only, one across the border, one at the end.
+    const Part parts[] = {{12345, "near"},
+                          {4 * kGigabyte + 12345, "far "},
+                          {4 * kGigabyte - 2, "edge"},
+                          {5 * kGigabyte - 4, "tail"}};
     const TemporaryFolder folder;
-    constexpr std::uint64_t kOffset = (std::uint64_t{5} << 30) + 12345;
     const std::wstring name = folder.Write(L"sparse ä.bin", "");
-    std::filesystem::resize_file(ToPath(name), kOffset);
-    std::ofstream(ToPath(name), std::ios::binary | std::ios::app) << "tail";
-
+    testing::GrowSparse(name, 5 * kGigabyte);
+    for (const Part& part : parts) {
+        testing::WriteAt(name, part.offset, part.text);
+    }
     MappedFile file;
     ASSERT_EQ(file.Open(name, true), 0);
+    ASSERT_EQ(file.CreateMapping(), 0);
     std::uint64_t size = 0;
     ASSERT_EQ(file.Size(size), 0);
-    EXPECT_EQ(size, kOffset + 4);
-
-    std::array<std::byte, 8> buffer{};
-    std::size_t read = 0;
-    ASSERT_EQ(file.ReadAt(kOffset, buffer, read), 0);
-    EXPECT_EQ(read, 4U);
-    EXPECT_EQ(ByteReader(buffer).FixedText(0, 4), "tail");
-
+    EXPECT_EQ(size, 5 * kGigabyte);
     MappedView view;
-    ASSERT_EQ(file.CreateMapping(), 0);
-    ASSERT_EQ(file.Map(kOffset, 4, false, view), 0);
-    EXPECT_EQ(ByteReader(view.Bytes()).FixedText(0, 4), "tail");
-    EXPECT_NE(file.Map(kOffset, 5, false, view), 0);
+    for (const Part& part : parts) {
+        std::array<std::byte, 4> buffer{};
+        std::size_t read = 0;
+        ASSERT_EQ(file.ReadAt(part.offset, buffer, read), 0);
+        EXPECT_EQ(ByteReader(buffer).FixedText(0, read), part.text);
+        ASSERT_EQ(file.Map(part.offset, 4, false, view), 0);
+        EXPECT_EQ(ByteReader(view.Bytes()).FixedText(0, 4), part.text);
+    }
+    std::array<std::byte, 8> beyond{};
+    std::size_t read = 0;
+    EXPECT_EQ(file.ReadAt(size - 4, beyond, read), 0);
+    EXPECT_EQ(read, 4U);
+    EXPECT_EQ(file.ReadAt(size + 1, beyond, read), 0);
+    EXPECT_EQ(read, 0U);
+    EXPECT_NE(file.ReadAt(~std::uint64_t{0}, beyond, read), 0);
+    EXPECT_NE(file.Map(size - 4, 5, false, view), 0);
     EXPECT_NE(file.Map(~std::uint64_t{0}, 4, false, view), 0);
+}
+
+// Other programs go on reading and writing a file that is listed.
+TEST(MappedFile, IsSharedWithOthers) {
+    const TemporaryFolder folder;
+    const std::wstring name = folder.Write(L"a.bin", "abcdef");
+    MappedFile first, reader, writer;
+    ASSERT_EQ(first.Open(name, false), 0);
+    ASSERT_EQ(first.CreateMapping(), 0);
+    MappedView view;
+    ASSERT_EQ(first.Map(0, 6, true, view), 0);
+    EXPECT_EQ(reader.Open(name, true), 0);
+    EXPECT_EQ(writer.Open(name, false), 0);
+    testing::WriteAt(name, 1, "X");
+    std::array<std::byte, 6> buffer{};
+    std::size_t read = 0;
+    EXPECT_EQ(reader.ReadAt(0, buffer, read), 0);
+    EXPECT_EQ(ByteReader(buffer).FixedText(0, read), "aXcdef");
+    first.Close();
+    EXPECT_EQ(ByteReader(view.Bytes()).FixedText(0, 6), "aXcdef") << "the view outlives the file";
 }
 
 TEST(MappedFile, WritesThroughAWritableView) {
@@ -56,15 +89,6 @@ TEST(MappedFile, WritesThroughAWritableView) {
         view.Bytes()[0] = std::byte{'X'};
     }
     EXPECT_EQ(testing::ReadFile(name), "abXdef");
-}
-
-TEST(MappedFile, NamesTheSystemsReason) {
-    const TemporaryFolder folder;
-    MappedFile file;
-    EXPECT_EQ(file.Open(folder.Name(L"absent.las"), true), ENOENT);
-    EXPECT_EQ(file.Open(FromPath(folder.Path()), true), EISDIR);
-    EXPECT_FALSE(file.IsOpen());
-    EXPECT_FALSE(SystemErrorText(ENOENT).empty());
 }
 
 TEST(ByteReader, NeverReadsBeyondItsEnd) {

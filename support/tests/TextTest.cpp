@@ -4,6 +4,7 @@
 
 #include <clocale>
 
+#include "support/Format.h"
 #include "support/LDataError.h"
 
 namespace orvex {
@@ -19,6 +20,18 @@ TEST(Text, WideAndUtf8AreLosslessBothWays) {
     const std::wstring loneSurrogate{L'a', static_cast<wchar_t>(0xD800), L'b'};
     EXPECT_EQ(FromUtf8(ToUtf8(loneSurrogate)), loneSurrogate);
     EXPECT_EQ(FromUtf8("\xF0\x9F\x98\x80"), L"\U0001F600");
+}
+
+TEST(Text, CutsAndCountsWholeCharacters) {
+    const std::wstring text = L"a\U0001F600b";
+    EXPECT_EQ(CountCharacters(text), 3U);
+    for (std::size_t length = 0; length <= text.size(); ++length) {
+        const std::wstring cut = text.substr(0, WholeLength(text, length));
+        EXPECT_TRUE(cut.empty() || cut == L"a" || cut == L"a\U0001F600" || cut == text) << length;
+        EXPECT_GE(cut.size() + 1, length);
+    }
+    const std::wstring formatted = FormatText(L"%s", {text}, text.size());
+    EXPECT_EQ(formatted, L"a\U0001F600");
 }
 
 TEST(Text, LetterCaseDoesNotDependOnTheProcessLocale) {

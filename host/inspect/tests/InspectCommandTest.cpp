@@ -3,9 +3,11 @@
 #include <gmock/gmock.h>
 
 #include <boost/property_tree/json_parser.hpp>
+#include <filesystem>
 #include <sstream>
 
 #include "host/inspect/OrderedJobs.h"
+#include "host/inspect/ReportWriter.h"
 #include "las/testing/LasBuilder.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
@@ -91,7 +93,7 @@ TEST(InspectJson, HasEveryKeyInItsPlace) {
 
 TEST(InspectJson, TellsWhatTheFileHolds) {
     const TemporaryFolder folder;
-    const std::wstring path = folder.Write(L"Größe \"1\".LAS", RichFile().Build());
+    const std::wstring path = folder.Write(L"Größe '1'.LAS", RichFile().Build());
     const Tree object = Objects(Inspect({L"--json", path}).out).front();
     EXPECT_EQ(object.get<std::string>("path"), ToUtf8(path));
     EXPECT_EQ(object.get<std::string>("kind"), "las");
@@ -200,10 +202,14 @@ TEST(InspectCommand, LeavesACompleteDocumentWhenStopped) {
     EXPECT_EQ(Objects(outcome.out).size(), 0U);
 }
 
+/// A drive that is full.
+class RefusingBuffer : public std::streambuf {};
+
 TEST(InspectCommand, TellsThatTheOutputCannotBeWritten) {
     const TemporaryFolder folder;
     folder.Write(L"good.las", LasBuilder().AddPoints(1).Build());
-    std::ofstream full("/dev/full");
+    RefusingBuffer refusing;
+    std::ostream full(&refusing);
     std::ostringstream err;
     EXPECT_EQ(RunInspectCommand({FromPath(folder.Path())}, {full, err}), kInspectFailed);
     EXPECT_EQ(err.str(), ToUtf8(Text(41050_lsid)) + '\n');
@@ -211,31 +217,35 @@ TEST(InspectCommand, TellsThatTheOutputCannotBeWritten) {
 
 TEST(InspectCsv, QuotesAsTheFormatSays) {
     const TemporaryFolder folder;
-    const std::wstring path = folder.Write(L"a, \"b\".las", LasBuilder().AddPoints(3).Build());
-    const Outcome outcome = Inspect({L"--csv", path});
-    EXPECT_THAT(outcome.out, StartsWith("path,kind,loadable,summary,"));
-    std::string quoted = ToUtf8(path);
-    quoted.replace(quoted.find("\"b\""), 3, "\"\"b\"\"");
-    EXPECT_THAT(outcome.out, HasSubstr("\r\n\"" + quoted + "\",las,true,"));
-    EXPECT_TRUE(outcome.out.ends_with("\r\n"));
+    FileReport report = InspectFile(folder.Write(L"a.las", LasBuilder().AddPoints(3).Build()));
+    report.path = L"a, \"b\".las";
+    std::ostringstream out;
+    const auto writer = MakeReportWriter(ReportFormat::Csv, out);
+    writer->Write(report);
+    writer->Finish();
+    EXPECT_THAT(out.str(), StartsWith("path,kind,loadable,summary,"));
+    EXPECT_THAT(out.str(), HasSubstr("\r\n\"a, \"\"b\"\".las\",las,true,"));
+    EXPECT_TRUE(out.str().ends_with("\r\n"));
+}
+
+std::u32string Characters(const std::string& utf8) {
+    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end())).u32string();
 }
 
 TEST(InspectTable, AlignsItsColumns) {
     const TemporaryFolder folder;
     folder.Write(L"a.las", LasBuilder().AddPoints(3).Build());
-    folder.Write(L"long name.las", LasBuilder(14, 6).AddPoints(1234).Build());
+    folder.Write(L"long \U0001F600 name.las", LasBuilder(14, 6).AddPoints(1234).Build());
     folder.Write(L"broken.las", "no");
     std::istringstream lines(Inspect({FromPath(folder.Path())}).out);
-    std::string heading;
-    std::getline(lines, heading);
-    std::vector<std::string> rest;
+    std::vector<std::u32string> rest;  // by characters, which a cut name has others of than bytes
     for (std::string line; std::getline(lines, line);) {
-        rest.push_back(line);
+        rest.push_back(Characters(line));
     }
-    ASSERT_EQ(rest.size(), 4U);
-    const std::size_t end = heading.find("Points") + 6;
-    EXPECT_EQ(rest[1].substr(end - 1, 3), "3  ");
-    EXPECT_EQ(rest[3].substr(end - 5, 7), "1 234  ");
+    ASSERT_EQ(rest.size(), 5U);
+    const std::size_t end = rest[0].find(U"Points") + 6;
+    EXPECT_EQ(rest[2].substr(end - 1, 3), U"3  ");
+    EXPECT_EQ(rest[4].substr(end - 5, 7), U"1 234  ");
 }
 
 TEST(OrderedJobs, HoldsOnlyAWindowOfResults) {

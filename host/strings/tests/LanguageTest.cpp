@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-
 namespace orvex {
 namespace {
 
@@ -14,30 +12,6 @@ TEST(Language, FollowsTheLanguageOfALocaleName) {
     for (const char* name :
          {"", "C", "POSIX", "C.UTF-8", "en", "en_GB.UTF-8", "fr_DE", "den", "d", "nds_DE", "_de", "1de"}) {
         EXPECT_EQ(LanguageOf(name), Language::kEnglish) << name;
-    }
-}
-
-TEST(Language, TakesTheFirstVariableThatSaysSomething) {
-    struct Case {
-        std::map<std::string, std::string> variables;
-        const char* wanted;
-    };
-    const Case cases[] = {
-        {{}, ""},
-        {{{"LANG", "de_DE.UTF-8"}}, "de_DE.UTF-8"},
-        {{{"LANG", "en_US"}, {"LC_MESSAGES", "de_DE"}}, "de_DE"},
-        {{{"LANG", "en_US"}, {"LC_MESSAGES", "fr_FR"}, {"LC_ALL", "de_DE"}}, "de_DE"},
-        {{{"LC_ALL", "de_DE"}, {"ORVEX_LANGUAGE", "en"}}, "en"},
-        {{{"LC_ALL", "C"}, {"ORVEX_LANGUAGE", "de"}}, "de"},
-        {{{"ORVEX_LANGUAGE", ""}, {"LC_ALL", ""}, {"LANG", "de"}}, "de"},
-        {{{"LC_NUMERIC", "de_DE"}}, ""},
-    };
-    for (const Case& c : cases) {
-        const Environment environment = [&c](const char* name) {
-            const auto found = c.variables.find(name);
-            return found == c.variables.end() ? std::string() : found->second;
-        };
-        EXPECT_EQ(UserLocaleName(environment), c.wanted);
     }
 }
 

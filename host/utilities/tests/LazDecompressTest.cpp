@@ -1,9 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include <csignal>
-#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <stdexcept>
@@ -243,48 +240,7 @@ TEST(LazDecompress, PlacesThatCannotBeWrittenGiveAReason) {
     std::filesystem::create_directory(ToPath(folder.Name(L"taken.las")));
     ExpectFailure(folder, laz, folder.Name(L"taken.las"));
     ExpectFailure(folder, laz, folder.Name(L"missing/a.las"));
-    ExpectFailure(folder, laz, L"/proc/a.las");
     ExpectFailure(folder, laz, laz);
-}
-
-/// Lets the process write files of up to so many bytes only.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(rlim_t bytes) : oldHandler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &old_);
-        const rlimit limit{bytes, old_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &old_);
-        std::signal(SIGXFSZ, oldHandler_);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-  private:
-    rlimit old_{};
-    void (*oldHandler_)(int);
-};
-
-TEST(LazDecompress, WriteErrorsInTheMiddleAndAtTheEndGiveTheSystemsReason) {
-    const TemporaryFolder folder;
-    const std::wstring laz = folder.Name(L"a.laz");
-    WriteSample(laz, {2, 1, 28, 100000}, true);
-    const rlim_t whole = 227 + 54 + 21 + 28 * 100000;
-    for (const rlim_t limit : {rlim_t{100}, rlim_t{100000}, whole - 1}) {
-        RecordingProgress progress;
-        std::wstring reason;
-        bool done = true;
-        {
-            const FileSizeLimit limited(limit);
-            done = OrvexUtilities::LAZDecompress(laz, folder.Name(L"a.las"), progress, reason);
-        }
-        EXPECT_FALSE(done) << limit;
-        EXPECT_NE(reason.find(L"a.las"), std::wstring::npos);
-        EXPECT_NE(reason.find(FromUtf8(std::strerror(EFBIG))), std::wstring::npos) << ToUtf8(reason);
-        EXPECT_EQ(folder.Entries(), 1U) << limit;
-    }
 }
 
 class ThrowingProgress final : public Kst::ProgressIf {
