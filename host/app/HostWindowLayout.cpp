@@ -148,8 +148,9 @@ void HostWindow::BuildActions() {
     project->addSeparator();
     project->addAction(HostText(40904_lsid), QKeySequence::Quit, this, &QWidget::close);
 
-    QAction* add = data->addAction(HostIcon("add-files"), HostText(40905_lsid), QKeySequence("Ctrl+Shift+A"),
-                                   this, [this] { AddFiles(); });
+    // No shortcut with Ctrl: held while the dialog opens, that brings back the dialog's first size and place.
+    QAction* add = data->addAction(HostIcon("add-files"), HostText(40905_lsid), QKeySequence("Insert"), this,
+                                   [this] { AddFiles(); });
     add->setObjectName("addFiles");
     QAction* remove = data->addAction(HostIcon("remove"), HostText(40906_lsid), QKeySequence::Delete, this,
                                       &HostWindow::RemoveSelected);
