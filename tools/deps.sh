@@ -29,6 +29,17 @@ debian_keyring=/usr/share/keyrings/debian-archive-keyring.gpg
 
 machine_release() { . /etc/os-release && echo "${VERSION_CODENAME:-}"; }
 
+# The Debian release after this machine's, for what this machine's does not have.
+next_release() {
+    case "$(machine_release)" in
+        bookworm) echo trixie ;;
+        *)
+            echo "orvex: apt offers no LASzip on '$(machine_release)'; please install version 3.4 or newer by hand" >&2
+            return 1
+            ;;
+    esac
+}
+
 # The address from which this machine's own apt gets the packages of a Debian release.
 archive_address() {
     local address
@@ -41,13 +52,7 @@ offer_next_release_laszip() {
     [ -n "$(apt-cache madison liblaszip-dev 2>/dev/null)" ] && return 0
     local release next address file
     release=$(machine_release)
-    case "$release" in
-        bookworm) next=trixie ;;
-        *)
-            echo "orvex: apt offers no liblaszip-dev on '$release'; please install LASzip 3.4 or newer by hand" >&2
-            return 1
-            ;;
-    esac
+    next=$(next_release)
     address=$(archive_address "$release")
     file=$(mktemp)
     printf 'Types: deb\nURIs: %s\nSuites: %s\nComponents: main\nSigned-By: %s\n' \
