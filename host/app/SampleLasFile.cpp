@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <fstream>
 #include <vector>
 
 namespace orvex {
@@ -211,16 +212,19 @@ bool CompressSample(const std::filesystem::path& las, const std::filesystem::pat
         Codec(const Codec&) = delete;
         Codec& operator=(const Codec&) = delete;
     };
+    // The codec's own opening takes names in the user's code page on Windows, which cannot name every file.
+    std::ifstream input(las, std::ios::binary);
+    std::ofstream output(laz, std::ios::binary);
     Codec reader;
     Codec writer;
     laszip_BOOL compressed = 0;
     laszip_header_struct* header = nullptr;
     laszip_point_struct* point = nullptr;
-    if (laszip_open_reader(reader.pointer, las.string().c_str(), &compressed) != 0 ||
+    if (laszip_open_reader_stream(reader.pointer, input, &compressed) != 0 ||
         laszip_get_header_pointer(reader.pointer, &header) != 0 ||
         laszip_get_point_pointer(reader.pointer, &point) != 0 ||
         laszip_set_header(writer.pointer, header) != 0 ||
-        laszip_open_writer(writer.pointer, laz.string().c_str(), 1) != 0) {
+        laszip_open_writer_stream(writer.pointer, output, 1, 0) != 0) {
         return false;
     }
     const std::uint64_t count = header->number_of_point_records != 0
@@ -232,7 +236,8 @@ bool CompressSample(const std::filesystem::path& las, const std::filesystem::pat
             return false;
         }
     }
-    return laszip_close_writer(writer.pointer) == 0 && laszip_close_reader(reader.pointer) == 0;
+    return laszip_close_writer(writer.pointer) == 0 && laszip_close_reader(reader.pointer) == 0 &&
+           output.flush();
 }
 
 }  // namespace orvex

@@ -46,7 +46,7 @@ TEST(SampleLas, HeaderAgreesWithThePoints) {
 
 TEST(SampleProject, IsMadeOnceAndWhole) {
     const testing::TemporaryFolder folder;
-    const fs::path project = folder.Path() / "sample";
+    const fs::path project = folder.Path() / ToPath(L"sample Größe 日本");
     ASSERT_EQ(EnsureSampleProject(project), project);
     std::set<std::string> extensions;
     std::size_t files = 0;
