@@ -8,6 +8,7 @@
 #include <optional>
 #include <thread>
 
+#include "support/ModuleUse.h"
 #include "support/ProgressIf.h"
 
 namespace orvex {
@@ -23,6 +24,7 @@ struct Shared {
     bool done = false;
     std::exception_ptr failure;
     std::stop_source stop;
+    ModuleUse use;  // a worker that waits in vain for a drive outlives the call that started it
 };
 
 void Work(const std::shared_ptr<Shared>& shared, std::function<void(std::stop_token)> work) {
