@@ -1,16 +1,19 @@
 #include "support/com/ModuleFile_win.h"
 
-#include <windows.h>
-
 namespace orvex {
 
-std::wstring ModuleFile(const void* address) {
-    constexpr DWORD kOfAddress =
-        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    constexpr std::size_t kLongestPath = 32768;
+HMODULE ModuleOf(const void* address) {
     HMODULE module = nullptr;
-    if (!GetModuleHandleExW(kOfAddress, static_cast<LPCWSTR>(address), &module)) {
-        return {};
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       static_cast<LPCWSTR>(address), &module);
+    return module;
+}
+
+std::wstring ModuleFile(const void* address) {
+    constexpr std::size_t kLongestPath = 32768;
+    const HMODULE module = ModuleOf(address);
+    if (module == nullptr) {
+        return {};  // the system would answer for the program
     }
     std::wstring path(MAX_PATH, L'\0');
     for (;;) {

@@ -1,10 +1,14 @@
 #pragma once
+#include <windows.h>
+
 #include <string>
 
 namespace orvex {
 
-/// The path of the file of the module (program or library) that holds the address; a path of any length.
-/// Empty when none does.
+/// The module (program or library) that holds the address; null when none does. It is not kept loaded.
+HMODULE ModuleOf(const void* address);
+
+/// The path of the file of that module, of any length; empty when there is none.
 std::wstring ModuleFile(const void* address);
 
 }  // namespace orvex
