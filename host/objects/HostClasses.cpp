@@ -7,9 +7,9 @@
 namespace orvex::host {
 namespace {
 
-HostObjectFactory SettingsIn(std::filesystem::path path) {
+HostObjectFactory SettingsIn(const std::filesystem::path& path) {
     // One file object for all: it remembers what it has logged and that it has waited in vain.
-    const auto file = std::make_shared<ValueFile>(std::move(path), ValueFileOwner::User);
+    const auto file = std::make_shared<ValueFile>(path, ValueFileOwner::User);
     return [file] { return std::make_unique<HostSettings>(file); };
 }
 
@@ -21,7 +21,7 @@ std::filesystem::path DefaultSettingsFile() {
 }
 
 HostClasses::HostClasses(HostState state)
-    : settings_(kSystemSettingsClass, SettingsIn(std::move(state.settingsFile))),
+    : settings_(kSystemSettingsClass, SettingsIn(state.settingsFile)),
       application_(kApplicationClass,
                    [folder = std::move(state.projectFolder), options = std::move(state.options)] {
                        return std::make_unique<HostApplication>(folder, options);
