@@ -7,12 +7,14 @@
 #include "entry/PageTable.h"
 #include "support/LDataError.h"
 #include "support/Log.h"
+#include "support/ModuleUse.h"
 
 namespace {
 
 // No exception leaves the component: the host may be built with another runtime. What happened is logged.
 template <typename Result, typename Body>
 Result Exported(const wchar_t* name, Result onFailure, Body body) noexcept {
+    const orvex::ModuleUse use;
     try {
         return body();
     } catch (...) {

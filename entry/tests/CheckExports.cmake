@@ -14,7 +14,8 @@ if(LIBRARY MATCHES "\\.dll$")
     set(wanted
         "?GetAddingLidarChoice@@YA?AW4AddLidarChoice@@_N@Z"
         "?MessageRegardingAddingLidar@@YAXPEAUHWND__@@AEBV?$basic_string@_WU?$char_traits@_W@std@@V?$allocator@_W@2@@std@@_N222222AEA_N@Z"
-        "?ShowAddFilesDialog@@YA_NPEAVAddFilesParams@@@Z")
+        "?ShowAddFilesDialog@@YA_NPEAVAddFilesParams@@@Z"
+        DllCanUnloadNow DllGetClassObject DllInstall DllRegisterServer DllUnregisterServer)
 else()
     # Symbols of local binding, whose letter is small, are seen by nobody.
     execute_process(COMMAND "${NM}" -D --defined-only -C "${LIBRARY}" OUTPUT_VARIABLE listing RESULT_VARIABLE result)
