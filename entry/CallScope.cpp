@@ -16,7 +16,7 @@ QWidget* QtWindow(NativeWindow owner) {
 }  // namespace
 
 CallScope::CallScope(NativeWindow owner)
-    : state_(HostHasQt() ? nullptr : std::make_unique<HostState>()),
+    : state_(HostHasQt() ? nullptr : std::make_unique<ProcessState>()),
       quit_(HostHasQt() ? nullptr : std::make_unique<QuitWatch>([this] {
           if (toEnd_ != nullptr) {
               toEnd_->Begin();

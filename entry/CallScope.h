@@ -4,9 +4,9 @@
 #include <memory>
 #include <optional>
 
-#include "entry/HostState.h"
 #include "entry/ModalEnd.h"
 #include "entry/OwnerWindow.h"
+#include "entry/ProcessState.h"
 #include "entry/QtSession.h"
 #include "entry/QuitWatch.h"
 
@@ -30,7 +30,7 @@ class CallScope {
     // In this order: each may need what stands above it until it goes. The first two only in a host without
     // Qt.
     ModalEnd* toEnd_ = nullptr;
-    std::unique_ptr<HostState> state_;
+    std::unique_ptr<ProcessState> state_;
     std::unique_ptr<QuitWatch> quit_;
     QtSession qt_;
     ModalEnd end_;

@@ -131,6 +131,10 @@ void NativeOwner::Enable() {
         watch_->disabled = false;
         EnableWindow(watch_->window, TRUE);
     }
+    // Qt hides a window without activating another one.
+    if (watch_->Has(GetActiveWindow())) {
+        SetActiveWindow(watch_->window);
+    }
 }
 
 void NativeOwner::Own(NativeWindow dialog) {

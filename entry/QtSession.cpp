@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "entry/HostState.h"
+#include "entry/ProcessState.h"
 #include "support/Environment.h"
 #include "support/LDataError.h"
 #include "support/Log.h"

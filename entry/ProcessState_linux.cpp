@@ -2,19 +2,19 @@
 #include <clocale>
 #include <filesystem>
 
-#include "entry/HostState.h"
+#include "entry/ProcessState.h"
 #include "support/Environment.h"
 #include "support/LDataError.h"
 
 namespace orvex {
 
-struct HostState::Kept {
+struct ProcessState::Kept {
     std::filesystem::path folder;
     std::fenv_t floatingPoint{};
     std::string locale;
 };
 
-HostState::HostState() : kept_(std::make_unique<Kept>()) {
+ProcessState::ProcessState() : kept_(std::make_unique<Kept>()) {
     std::error_code none;
     kept_->folder = std::filesystem::current_path(none);
     std::fegetenv(&kept_->floatingPoint);
@@ -23,7 +23,7 @@ HostState::HostState() : kept_(std::make_unique<Kept>()) {
     }
 }
 
-HostState::~HostState() {
+ProcessState::~ProcessState() {
     std::error_code gone;
     std::filesystem::current_path(kept_->folder, gone);
     std::fesetenv(&kept_->floatingPoint);

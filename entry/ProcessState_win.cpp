@@ -1,4 +1,4 @@
-#include "entry/HostState.h"
+#include "entry/ProcessState.h"
 
 #include <windows.h>
 
@@ -10,11 +10,11 @@
 namespace orvex {
 namespace {
 
-// Whether the user works with this process now; another program's window must not be pushed away.
-bool IsInForeground() {
-    DWORD process = 0;
+// Whether the user works with another program now, whose window must not be pushed away.
+bool IsInBackground() {
+    DWORD process = GetCurrentProcessId();
     GetWindowThreadProcessId(GetForegroundWindow(), &process);
-    return process == GetCurrentProcessId();
+    return process != GetCurrentProcessId();
 }
 
 bool CanHaveFocus(HWND window) {
@@ -23,7 +23,7 @@ bool CanHaveFocus(HWND window) {
 
 }  // namespace
 
-struct HostState::Kept {
+struct ProcessState::Kept {
     std::filesystem::path folder;
     std::fenv_t floatingPoint{};
     UINT errorMode = GetErrorMode();
@@ -31,11 +31,11 @@ struct HostState::Kept {
     HWND focus = GetFocus();
 
     void RestoreFocus() const {
-        if (!IsInForeground() || !CanHaveFocus(activeWindow)) {
+        if (IsInBackground() || !CanHaveFocus(activeWindow)) {
             return;
         }
-        if (GetActiveWindow() != activeWindow) {
-            SetActiveWindow(activeWindow);
+        if (GetForegroundWindow() != activeWindow) {
+            SetForegroundWindow(activeWindow);
         }
         if (GetFocus() != focus && CanHaveFocus(focus)) {
             SetFocus(focus);
@@ -43,13 +43,13 @@ struct HostState::Kept {
     }
 };
 
-HostState::HostState() : kept_(std::make_unique<Kept>()) {
+ProcessState::ProcessState() : kept_(std::make_unique<Kept>()) {
     std::error_code none;
     kept_->folder = std::filesystem::current_path(none);
     std::fegetenv(&kept_->floatingPoint);
 }
 
-HostState::~HostState() {
+ProcessState::~ProcessState() {
     std::error_code gone;
     std::filesystem::current_path(kept_->folder, gone);
     std::fesetenv(&kept_->floatingPoint);

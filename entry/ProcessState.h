@@ -7,12 +7,12 @@ namespace orvex {
 /// What a call changes in the process or the thread of a host without Qt, and the host would miss: the
 /// current folder, how floating point is computed, the C locale (Linux); the error mode, the active window
 /// and the focus (Windows). Taken when this is made, put back when it goes.
-class HostState {
+class ProcessState {
   public:
-    HostState();
-    ~HostState();
-    HostState(const HostState&) = delete;
-    HostState& operator=(const HostState&) = delete;
+    ProcessState();
+    ~ProcessState();
+    ProcessState(const ProcessState&) = delete;
+    ProcessState& operator=(const ProcessState&) = delete;
 
   private:
     struct Kept;
