@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
@@ -17,7 +18,7 @@ constexpr int kTickMs = 10;
 struct State {
     std::deque<std::string> commands;
     std::function<void(std::size_t)> onStep;
-    bool running = false;
+    QDeadlineTimer heldUntil;
 };
 
 State& TheState() {
@@ -51,16 +52,19 @@ bool Run(const QString& command, const QString& argument, QWidget& window) {
         Drop(window, argument);
     } else if (command == QLatin1String("picture")) {
         window.grab().save(argument);
+    } else if (command == QLatin1String("hold")) {
+        TheState().heldUntil.setRemainingTime(argument.toInt());
     } else if (command == QLatin1String("close")) {
         window.close();
     }
     return true;
 }
 
-void Step(QTimer& timer) {
+void Step() {
     State& state = TheState();
     QWidget* window = QApplication::activeModalWidget();
-    if (state.running || state.commands.empty() || window == nullptr || !window->isVisible()) {
+    if (state.commands.empty() || !state.heldUntil.hasExpired() || window == nullptr ||
+        !window->isVisible()) {
         return;
     }
     const QString line = QString::fromStdString(state.commands.front());
@@ -72,7 +76,6 @@ void Step(QTimer& timer) {
     if (state.onStep) {
         state.onStep(state.commands.size());
     }
-    timer.setInterval(command == QLatin1String("hold") ? argument.toInt() : kTickMs);
     // A command may run a loop of its own, in which the next ones are due.
     state.commands.pop_front();
     if (!Run(command, argument, *window)) {
@@ -83,7 +86,7 @@ void Step(QTimer& timer) {
 void Wake() {
     auto* timer = new QTimer(QCoreApplication::instance());
     QObject::connect(
-        timer, &QTimer::timeout, timer, [timer] { Step(*timer); }, Qt::QueuedConnection);
+        timer, &QTimer::timeout, timer, [] { Step(); }, Qt::QueuedConnection);
     timer->start(kTickMs);
 }
 
@@ -92,7 +95,7 @@ void Wake() {
 void DialogScript::Begin(std::deque<std::string> commands, std::function<void(std::size_t)> onStep) {
     static const bool installed = (qAddPreRoutine(Wake), true);
     static_cast<void>(installed);
-    TheState() = {std::move(commands), std::move(onStep)};
+    TheState() = {std::move(commands), std::move(onStep), {}};
 }
 
 std::size_t DialogScript::Left() {

@@ -1,0 +1,236 @@
+// A plain Windows program, without Qt and in another folder than the component, calls it as such hosts do:
+//  foreign_host_test FOLDER-OF-THE-COMPONENT
+#include <gtest/gtest.h>
+#include <objbase.h>
+#include <shellscalingapi.h>
+
+#include <cstdlib>
+#include <sstream>
+
+#include "entry/tests/foreign/ForeignHost.h"
+#include "orvexcommon/LasFileInfo.h"
+
+namespace orvex::foreign {
+namespace {
+
+// What a step of the driver sees while a dialog is open.
+struct Seen {
+    bool ownerEnabled = true;
+    std::size_t owned = 0;
+    int paints = 0;
+};
+Seen seen;
+HWND ownerNow = nullptr;
+void (*duringStep)() = nullptr;
+
+// Windows of the system's own; with Qt's "offscreen" there are none that could be owned.
+bool HasSystemWindows() {
+    const wchar_t* platform = _wgetenv(L"ORVEX_QT_PLATFORM");
+    return platform == nullptr || std::wstring(platform) != L"offscreen";
+}
+
+void OnStep(std::size_t) {
+    seen = {IsWindowEnabled(ownerNow) != FALSE, VisibleOwned(ownerNow).size(), MainWindow::Paints()};
+    if (duringStep != nullptr) {
+        duringStep();
+    }
+}
+
+class ForeignHost : public ::testing::Test {
+  protected:
+    ForeignHost() {
+        folder_ = std::filesystem::temp_directory_path() /
+                  ("orvex-foreign-" + std::to_string(GetCurrentProcessId()));
+        std::filesystem::create_directories(folder_);
+        ownerNow = window_.Handle();
+        duringStep = nullptr;
+        seen = {};
+    }
+    ~ForeignHost() override {
+        std::error_code none;
+        std::filesystem::remove_all(folder_, none);
+    }
+
+    void Begin(const std::string& commands) { driver_.begin(commands.c_str(), OnStep); }
+
+    void TellThatNothingCanBeAdded() {
+        Begin("click ok");
+        bool stop = false;
+        component_.message(window_.Button(), L"Caption", false, false, false, false, false, true, true, stop);
+        EXPECT_TRUE(stop);
+        EXPECT_EQ(driver_.left(), 0U);
+    }
+
+    void ExpectAllIsAsBefore() {
+        EXPECT_FALSE(driver_.hasQt());
+        EXPECT_TRUE(IsWindowEnabled(window_.Handle()));
+        EXPECT_EQ(GetForegroundWindow(), window_.Handle());
+        EXPECT_EQ(GetActiveWindow(), window_.Handle());
+        EXPECT_EQ(GetFocus(), window_.Button());
+        EXPECT_EQ(VisibleOwned(window_.Handle()).size(), 0U);
+        EXPECT_EQ(PumpMessages(), -1);
+    }
+
+    std::filesystem::path folder_;
+    Component component_;
+    Driver driver_;
+    MainWindow window_;
+};
+
+std::string Utf8(const std::filesystem::path& path) {
+    const auto text = path.u8string();
+    return {text.begin(), text.end()};
+}
+
+// Generated files, and some of the sample files of whoever has them: few enough that the dialog does not ask.
+std::vector<std::filesystem::path> LasFiles(const std::filesystem::path& folder, const Driver& driver) {
+    std::vector<std::filesystem::path> files{folder / "a.las", folder / L"\u00fcber b.las"};
+    for (const auto& file : files) {
+        EXPECT_TRUE(driver.writeLas(file.c_str()));
+    }
+    if (const wchar_t* samples = _wgetenv(L"ORVEX_SAMPLE_DATA")) {
+        for (const wchar_t* name : {L"pdal_autzen.las", L"lazperf_point10.las", L"liblas_1.2_0.las"}) {
+            files.push_back(std::filesystem::absolute(std::filesystem::path(samples) / "las" / name));
+        }
+    }
+    return files;
+}
+
+std::size_t FilesInRecord(const AddFilesParams& params) {
+    std::size_t count = 0;
+    for (const auto& [folder, names] : params.lasFiles) {
+        count += names.size();
+    }
+    return count;
+}
+
+TEST_F(ForeignHost, GetsTheRecordFromTheDialogAsOftenAsItAsks) {
+    driver_.serve(folder_.c_str());
+    const auto files = LasFiles(folder_, driver_);
+    std::ostringstream commands;
+    commands << "drop ";
+    for (const auto& file : files) {
+        commands << (&file == &files.front() ? "" : "|") << Utf8(file);
+    }
+    if (const char* milliseconds = std::getenv("ORVEX_FOREIGN_HOLD")) {
+        commands << "\nhold " << milliseconds;
+    }
+    commands << "\nclick ok";
+    for (int round = 0; round < 2; ++round) {
+        Begin(commands.str());
+        AddFilesParams params;
+        EXPECT_TRUE(component_.show(&params)) << round;
+        EXPECT_EQ(driver_.left(), 0U);
+        EXPECT_EQ(FilesInRecord(params), files.size());
+        EXPECT_EQ(params.lasFileDetails.size(), files.size());
+        for (auto& [path, details] : params.lasFileDetails) {
+            EXPECT_EQ(details->FileName(), path);
+            delete details;
+        }
+        EXPECT_FALSE(seen.ownerEnabled);
+        EXPECT_EQ(seen.owned, HasSystemWindows() ? 1U : 0U);
+        ExpectAllIsAsBefore();
+    }
+    driver_.serve(nullptr);
+}
+
+TEST_F(ForeignHost, NothingIsLeftAfterACall) {
+    TellThatNothingCanBeAdded();
+    const std::set<HWND> after = WindowsOfThread();
+    for (int call = 0; call < 10; ++call) {
+        TellThatNothingCanBeAdded();
+        ExpectAllIsAsBefore();
+    }
+    EXPECT_EQ(WindowsOfThread(), after);
+    for (HWND window : after) {
+        wchar_t name[64] = L"";
+        GetClassNameW(window, name, 64);
+        EXPECT_NE(std::wstring(name).substr(0, 2), L"Qt") << window;
+    }
+}
+
+// S_OK and the kind of apartment, or that COM is not there. Windows' own input methods may have started it.
+std::pair<HRESULT, APTTYPE> Apartment() {
+    APTTYPE apartment = APTTYPE_CURRENT;
+    APTTYPEQUALIFIER qualifier{};
+    return {CoGetApartmentType(&apartment, &qualifier), apartment};
+}
+
+TEST_F(ForeignHost, TheProcessIsAsItWas) {
+    const auto apartment = Apartment();
+    PROCESS_DPI_AWARENESS before{};
+    GetProcessDpiAwareness(nullptr, &before);
+    const UINT errorMode = GetErrorMode();
+    TellThatNothingCanBeAdded();
+    PROCESS_DPI_AWARENESS after{};
+    GetProcessDpiAwareness(nullptr, &after);
+    EXPECT_EQ(after, before);
+    EXPECT_EQ(GetErrorMode(), errorMode);
+    EXPECT_EQ(Apartment(), apartment);
+}
+
+TEST_F(ForeignHost, ARefusedCallTouchesNothing) {
+    EXPECT_FALSE(component_.show(nullptr));
+    ExpectAllIsAsBefore();
+}
+
+TEST_F(ForeignHost, ItsWindowIsPaintedWhileTheDialogIsOpen) {
+    const int before = MainWindow::Paints();
+    duringStep = [] { InvalidateRect(ownerNow, nullptr, TRUE); };
+    Begin("hold 50\nclick ok");
+    bool stop = false;
+    component_.message(window_.Handle(), L"Caption", false, false, false, true, false, false, false, stop);
+    EXPECT_GT(seen.paints, before);
+}
+
+TEST_F(ForeignHost, ADisabledOwnerStaysDisabled) {
+    EnableWindow(window_.Handle(), FALSE);
+    TellThatNothingCanBeAdded();
+    EXPECT_FALSE(IsWindowEnabled(window_.Handle()));
+}
+
+TEST_F(ForeignHost, QuittingEndsTheDialogsAndReachesTheHost) {
+    duringStep = [] {
+        duringStep = nullptr;
+        PostQuitMessage(7);
+    };
+    Begin("hold 5000\nclick readWrite\nclick ok");
+    EXPECT_EQ(component_.choice(true), ADD_LIDAR_READ_ONLY) << "not as Cancel";
+    EXPECT_EQ(PumpMessages(), 7);
+    Begin("");
+    ExpectAllIsAsBefore();
+
+    duringStep = [] { PostQuitMessage(8); };
+    Begin("hold 5000");
+    bool stop = false;
+    component_.message(window_.Handle(), L"Caption", true, true, false, true, true, true, false, stop);
+    EXPECT_EQ(PumpMessages(), 8) << "three messages, one after the other, none of them answered";
+}
+
+TEST_F(ForeignHost, TheDialogEndsWithItsOwner) {
+    duringStep = [] { DestroyWindow(ownerNow); };
+    Begin("hold 5000\nclick readWrite\nclick ok");
+    EXPECT_EQ(component_.choice(true), ADD_LIDAR_READ_ONLY) << "not as Cancel";
+    EXPECT_FALSE(driver_.hasQt());
+}
+
+TEST(ForeignHostLoading, TheComponentCanBeLoadedAgain) {
+    for (int round = 0; round < 3; ++round) {
+        Component component;
+        ASSERT_TRUE(component.library) << GetLastError();
+        ASSERT_TRUE(component.show != nullptr && component.message != nullptr && component.choice != nullptr);
+        EXPECT_FALSE(component.show(nullptr));
+    }
+}
+
+}  // namespace
+}  // namespace orvex::foreign
+
+int main(int argc, char** argv) {
+    ::testing::InitGoogleTest(&argc, argv);
+    if (argc != 2) {
+        return 2;
+    }
+    orvex::foreign::ComponentFolder() = std::filesystem::absolute(argv[1]);
+    return RUN_ALL_TESTS();
+}
