@@ -1,4 +1,4 @@
-// The system's own dialogs, used as a person would. They need a display: this is a program of its own.
+// The system's own dialogs, used as a person would.
 #include <gmock/gmock.h>
 #include <windows.h>
 
