@@ -28,7 +28,6 @@ struct Shared {
 };
 
 void Work(const std::shared_ptr<Shared>& shared, std::function<void(std::stop_token)> work) {
-    const ModuleUse use;
     std::exception_ptr failure;
     try {
         work(shared->stop.get_token());

@@ -16,7 +16,6 @@ template <typename Result, typename Body>
 Result Exported(const wchar_t* name, Result onFailure, Body body) noexcept {
     const orvex::ModuleUse use;
     try {
-        const orvex::ModuleUse use;
         return body();
     } catch (...) {
         try {

@@ -9,6 +9,7 @@ NativeWindow FindNativeOwner(NativeWindow) {
 
 struct NativeOwner::Watch {};
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the other half keeps it
 NativeOwner::NativeOwner(NativeWindow, std::function<void()>) {}
 NativeOwner::~NativeOwner() = default;
 

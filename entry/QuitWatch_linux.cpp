@@ -4,6 +4,7 @@ namespace orvex {
 
 struct QuitWatch::Hook {};
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the other half keeps it
 QuitWatch::QuitWatch(std::function<void()>) {}
 QuitWatch::~QuitWatch() = default;
 

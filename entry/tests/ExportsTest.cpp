@@ -14,6 +14,8 @@
 #include <thread>
 
 #include "orvexcommon/HostInterfaces.h"
+#include "settings/OptionStore.h"
+#include "settings/RegistryKey.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 
@@ -46,10 +48,17 @@ class Exports : public ::testing::Test {
         qputenv("ORVEX_LOG", QByteArray::fromStdString((Folder().Path() / "log").string()));
         RegisterHostClass(kApplicationClass, [] { return std::make_unique<Application>(); });
         RegisterHostClass(kSystemSettingsClass, [] { return std::make_unique<NoSettings>(); });
+        ForgetLidarAnswer();
     }
     ~Exports() override {
         RegisterHostClass(kApplicationClass, {});
         RegisterHostClass(kSystemSettingsClass, {});
+        ForgetLidarAnswer();
+    }
+    // Where options are kept for the user, and not in a folder, those of an earlier run are still there.
+    static void ForgetLidarAnswer() {
+        const std::unique_ptr<RegistryStore> registry = MakeRegistryStore();
+        OptionStore(*registry).Put(opt2ShowAddReadWriteDlg, std::uint8_t{0});
     }
     // Clicks in the modal windows that come, one after the other.
     void Click(std::initializer_list<const char*> names) {

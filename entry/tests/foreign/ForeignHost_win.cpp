@@ -1,4 +1,4 @@
-#include "entry/tests/foreign/ForeignHost.h"
+#include "entry/tests/foreign/ForeignHost_win.h"
 
 namespace orvex::foreign {
 namespace {
