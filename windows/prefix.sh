@@ -15,6 +15,7 @@ at_exit wineserver --kill
 at_exit wineserver --wait
 at_exit rm -rf "${WINEPREFIX%/wine}"
 
-# Made once; its server stays between the programs, so that each starts in a fraction of a second.
+# Made once. Its server, started anew, stays between the programs, so that each starts in a fraction of a second.
 windows/wine wineboot --init
+wineserver --wait
 wineserver --persistent
