@@ -8,12 +8,12 @@ name=orvexcommon-$version-windows-x64
 work=$(mktemp -d)
 at_exit rm -rf "$work"
 
-# Libraries that a program asks for and that neither lie beside it nor belong to Windows.
+# Libraries that a program asks for and that neither lie beside it nor belong to Windows (api-ms-win-*: names of its own).
 missing_libraries() {
     local folder=$1 file library
     for file in "$folder"/*.exe "$folder"/*.dll "$folder"/plugins/*/*.dll; do
         while read -r library; do
-            [ -e "$folder/$library" ] || [ -e "$system_libraries/${library,,}" ] || echo "${file##*/} needs $library"
+            [[ $library = api-ms-win-* ]] || [ -e "$folder/$library" ] || [ -e "$system_libraries/${library,,}" ] || echo "${file##*/} needs $library"
         done < <(x86_64-w64-mingw32-objdump -p "$file" | sed -n 's/^\s*DLL Name: //p')
     done
 }
