@@ -30,6 +30,8 @@ copy_licences() {
 
 system_libraries=$(dirname "$(find /usr/lib -path '*x86_64-windows/kernel32.dll' -print -quit)")
 quietly cmake --install build/windows --prefix "$work/$name"
+# The compiler's runtime comes with ten times its size in debugging information.
+x86_64-w64-mingw32-strip --strip-unneeded "$work/$name"/bin/lib{stdc++,gcc_s,winpthread}*.dll
 copy_licences "$work/$name/licences"
 cp windows/README.txt "$work/$name/README.txt"
 missing=$(missing_libraries "$work/$name/bin")

@@ -15,7 +15,9 @@ at_exit wineserver --kill
 at_exit wineserver --wait
 at_exit rm -rf "${WINEPREFIX%/wine}"
 
+windows/wine wineboot --init >/dev/null 2>&1
+
 # One idle program keeps Wine's services running until the end. They would else be started anew by whichever test finds
 # none, keep its output open, and let CTest wait for the end of it; and every program would start slowly.
 coproc keeper { exec windows/wine cmd >/dev/null 2>&1; }
-windows/wine wineboot --init >/dev/null 2>&1
+windows/wine wineboot >/dev/null 2>&1
