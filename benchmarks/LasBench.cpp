@@ -10,8 +10,8 @@
 #include "benchmarks/Figures.h"
 #include "benchmarks/LasCorpus.h"
 #include "benchmarks/ListingBench.h"
-#include "host/app/PrivateSettings.h"
 #include "host/objects/HostClasses.h"
+#include "settings/PrivateSettings.h"
 #include "support/QtText.h"
 #include "support/Text.h"
 

@@ -1,4 +1,4 @@
-// The library as a host calls it: real halves of every seam, in a folder of the test's own.
+// The library as a host calls it: real halves of every seam, with settings of the test's own.
 #include "orvexcommon/Exports.h"
 
 #include <gtest/gtest.h>
@@ -14,8 +14,7 @@
 #include <thread>
 
 #include "orvexcommon/HostInterfaces.h"
-#include "settings/OptionStore.h"
-#include "settings/RegistryKey.h"
+#include "settings/PrivateSettings.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 
@@ -44,21 +43,13 @@ class Exports : public ::testing::Test {
         return folder;
     }
     Exports() {
-        qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(Folder().Path().string()));
         qputenv("ORVEX_LOG", QByteArray::fromStdString((Folder().Path() / "log").string()));
         RegisterHostClass(kApplicationClass, [] { return std::make_unique<Application>(); });
         RegisterHostClass(kSystemSettingsClass, [] { return std::make_unique<NoSettings>(); });
-        ForgetLidarAnswer();
     }
     ~Exports() override {
         RegisterHostClass(kApplicationClass, {});
         RegisterHostClass(kSystemSettingsClass, {});
-        ForgetLidarAnswer();
-    }
-    // Where options are kept for the user, and not in a folder, those of an earlier run are still there.
-    static void ForgetLidarAnswer() {
-        const std::unique_ptr<RegistryStore> registry = MakeRegistryStore();
-        OptionStore(*registry).Put(opt2ShowAddReadWriteDlg, std::uint8_t{0});
     }
     // Clicks in the modal windows that come, one after the other.
     void Click(std::initializer_list<const char*> names) {
@@ -78,6 +69,8 @@ class Exports : public ::testing::Test {
             QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(8, button->height() / 2));
         });
     }
+    testing::TemporaryFolder settingsFolder;
+    PrivateSettings settings{settingsFolder.Path()};
     QTimer timer;
     std::vector<std::string> clicks;
 };

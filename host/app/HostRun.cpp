@@ -15,10 +15,10 @@
 #include "host/app/HostArguments.h"
 #include "host/app/HostText.h"
 #include "host/app/HostWindow.h"
-#include "host/app/PrivateSettings.h"
 #include "host/app/SampleProject.h"
 #include "host/app/Watchdog.h"
 #include "host/objects/HostClasses.h"
+#include "settings/PrivateSettings.h"
 
 namespace orvex {
 

@@ -13,8 +13,8 @@ using DriverBeginFunction = void(const char* commands, DriverStep onStep);
 using DriverLeftFunction = std::size_t();
 /// Whether there is a QCoreApplication.
 using DriverHasQtFunction = bool();
-/// Makes the reference host's class objects this thread's, with their settings in a folder; null: takes them
-/// away.
+/// Makes the reference host's class objects this thread's, with their settings in a folder, and the options
+/// of the process others than the user's; null: takes both back.
 using DriverServeFunction = void(const wchar_t* folder);
 /// Writes a small LAS file.
 using DriverWriteLasFunction = bool(const wchar_t* path);

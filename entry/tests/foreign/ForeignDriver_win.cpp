@@ -9,12 +9,24 @@
 #include "entry/tests/DialogScript.h"
 #include "host/app/SampleLasFile.h"
 #include "host/objects/HostClasses.h"
+#include "settings/PrivateSettings.h"
 
 namespace {
 
-std::unique_ptr<orvex::host::HostClasses>& Classes() {
-    static std::unique_ptr<orvex::host::HostClasses> classes;
-    return classes;
+/// A host's class objects, and settings that are not the user's.
+struct Served {
+    explicit Served(const std::filesystem::path& folder)
+        : settings(folder), classes({.settingsFile = folder / "host.sqlite", .projectFolder = [folder] {
+                                         return folder.wstring();
+                                     }}) {}
+
+    orvex::PrivateSettings settings;
+    orvex::host::HostClasses classes;
+};
+
+std::unique_ptr<Served>& TheServed() {
+    static std::unique_ptr<Served> served;
+    return served;
 }
 
 }  // namespace
@@ -43,13 +55,10 @@ ORVEX_DRIVER_API bool DriverHasQt() {
 }
 
 ORVEX_DRIVER_API void DriverServe(const wchar_t* folder) {
-    Classes().reset();
-    if (folder == nullptr) {
-        return;
+    TheServed().reset();
+    if (folder != nullptr) {
+        TheServed() = std::make_unique<Served>(folder);
     }
-    const std::filesystem::path place(folder);
-    Classes() = std::make_unique<orvex::host::HostClasses>(orvex::host::HostState{
-        .settingsFile = place / "host.sqlite", .projectFolder = [place] { return place.wstring(); }});
 }
 
 ORVEX_DRIVER_API bool DriverWriteLas(const wchar_t* path) {

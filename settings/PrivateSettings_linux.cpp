@@ -1,6 +1,6 @@
 #include <cstdlib>
 
-#include "host/app/PrivateSettings.h"
+#include "settings/PrivateSettings.h"
 
 namespace orvex {
 

@@ -2,14 +2,14 @@
 
 #include <string>
 
-#include "host/app/PrivateSettings.h"
+#include "settings/PrivateSettings.h"
 #include "support/LDataError.h"
 
 namespace orvex {
 namespace {
 
 std::wstring KeyOfThisProcess() {
-    return L"Software\\orvex-host-" + std::to_wstring(GetCurrentProcessId());
+    return L"Software\\orvex-private-" + std::to_wstring(GetCurrentProcessId());
 }
 
 }  // namespace
