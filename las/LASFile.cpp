@@ -14,6 +14,7 @@
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
+#include "support/ModuleUse.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -43,6 +44,7 @@ bool HoldsProjectionRecord(const Records& records) {
 }  // namespace
 
 struct LASFile::State {
+    ModuleUse use;                               // the host may hold the object after the call
     std::wstring fileName;                       // until the registry has it
     const std::wstring* recordedName = nullptr;  // the registry's copy
     bool readOnly = true;

@@ -18,9 +18,11 @@ struct Seen {
     bool ownerEnabled = true;
     std::size_t owned = 0;
     int paints = 0;
+    HRESULT canUnload = S_OK;
 };
 Seen seen;
 HWND ownerNow = nullptr;
+HRESULT(STDAPICALLTYPE* canUnloadNow)() = nullptr;
 void (*duringStep)() = nullptr;
 
 // Windows of the system's own; with Qt's "offscreen" there are none that could be owned.
@@ -30,7 +32,8 @@ bool HasSystemWindows() {
 }
 
 void OnStep(std::size_t) {
-    seen = {IsWindowEnabled(ownerNow) != FALSE, VisibleOwned(ownerNow).size(), MainWindow::Paints()};
+    seen = {IsWindowEnabled(ownerNow) != FALSE, VisibleOwned(ownerNow).size(), MainWindow::Paints(),
+            canUnloadNow()};
     if (duringStep != nullptr) {
         duringStep();
     }
@@ -48,6 +51,7 @@ class ForeignHost : public ::testing::Test {
                   ("orvex-foreign-" + std::to_string(GetCurrentProcessId()));
         std::filesystem::create_directories(folder_);
         ownerNow = window_.Handle();
+        canUnloadNow = component_.canUnload;
         duringStep = nullptr;
         seen = {};
     }
@@ -151,10 +155,13 @@ TEST_F(ForeignHost, GetsTheRecordFromTheDialogAsOftenAsItAsks) {
         EXPECT_EQ(driver_.left(), 0U);
         EXPECT_EQ(FilesInRecord(params), files.size());
         EXPECT_EQ(params.lasFileDetails.size(), files.size());
+        EXPECT_EQ(seen.canUnload, S_FALSE);
+        EXPECT_EQ(component_.canUnload(), S_FALSE) << "the host holds objects";
         for (auto& [path, details] : params.lasFileDetails) {
             EXPECT_EQ(details->FileName(), path);
             delete details;
         }
+        EXPECT_EQ(component_.canUnload(), S_OK);
         EXPECT_FALSE(seen.ownerEnabled);
         EXPECT_EQ(seen.owned, HasSystemWindows() ? 1U : 0U);
         ExpectAllIsAsBefore();

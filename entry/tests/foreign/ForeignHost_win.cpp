@@ -52,7 +52,8 @@ Component::Component()
           "allocator@_W"
           "@2@@std@@_N222222AEA_N@Z")),
       choice(
-          library.Get<decltype(GetAddingLidarChoice)>("?GetAddingLidarChoice@@YA?AW4AddLidarChoice@@_N@Z")) {}
+          library.Get<decltype(GetAddingLidarChoice)>("?GetAddingLidarChoice@@YA?AW4AddLidarChoice@@_N@Z")),
+      canUnload(library.Get<HRESULT STDAPICALLTYPE()>("DllCanUnloadNow")) {}
 
 MainWindow::MainWindow() {
     RegisterWindowClass();

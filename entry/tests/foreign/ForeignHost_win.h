@@ -38,6 +38,7 @@ struct Component {
     decltype(&ShowAddFilesDialog) show;
     decltype(&MessageRegardingAddingLidar) message;
     decltype(&GetAddingLidarChoice) choice;
+    HRESULT(STDAPICALLTYPE* canUnload)();
     Component();
 };
 
