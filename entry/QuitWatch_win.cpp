@@ -19,7 +19,8 @@ struct QuitWatch::Hook {
     // own, which ends and posts it anew.
     static LRESULT CALLBACK OnMessage(int code, WPARAM removal, LPARAM parameter) {
         const auto& message = *reinterpret_cast<const MSG*>(parameter);
-        if (code == HC_ACTION && removal == PM_REMOVE && message.message == WM_QUIT && current != nullptr) {
+        if (code == HC_ACTION && (removal & PM_REMOVE) != 0 && message.message == WM_QUIT &&
+            current != nullptr) {
             current->exitCode = static_cast<int>(message.wParam);
             current->onQuit();
         }
