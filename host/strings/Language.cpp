@@ -1,7 +1,5 @@
 #include "host/strings/Language.h"
 
-#include <cstdlib>
-
 namespace orvex {
 namespace {
 
@@ -23,10 +21,7 @@ Language LanguageOf(std::string_view localeName) {
 }
 
 Language UserLanguage() {
-    return LanguageOf(UserLocaleName([](const char* name) {
-        const char* value = std::getenv(name);
-        return std::string(value == nullptr ? "" : value);
-    }));
+    return LanguageOf(UserLocaleName(ProcessEnvironment()));
 }
 
 }  // namespace orvex

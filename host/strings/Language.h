@@ -15,6 +15,9 @@ Language LanguageOf(std::string_view localeName);
 /// The value of an environment variable; empty when it is not set.
 using Environment = std::function<std::string(const char* name)>;
 
+/// The environment of this process as it is now.
+Environment ProcessEnvironment();
+
 /// The locale name that decides: the product's own variable, else what the system says. May be empty.
 std::string UserLocaleName(const Environment& environment);
 

@@ -26,6 +26,16 @@ std::string DesktopLanguage() {
 
 }  // namespace
 
+// The C runtime's copy is made when the process starts: it does not have what the host sets later on.
+Environment ProcessEnvironment() {
+    return [](const char* name) {
+        std::string value(256, '\0');  // longer than any name of a language; a longer one is none
+        const DWORD length = GetEnvironmentVariableA(name, value.data(), static_cast<DWORD>(value.size()));
+        value.resize(length < value.size() ? length : 0);
+        return value;
+    };
+}
+
 std::string UserLocaleName(const Environment& environment) {
     std::string value = environment("ORVEX_LANGUAGE");
     return value.empty() ? DesktopLanguage() : value;

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <windows.h>
 
 #include "host/strings/Language.h"
 
@@ -16,6 +17,16 @@ TEST(Language, IsTheDesktopsUnlessTheProductsOwnVariableSaysAnother) {
     // A tag such as "en-US", not what the variables of another system say.
     EXPECT_NE(saying(""), "");
     EXPECT_NE(saying(""), "de_DE");
+}
+
+TEST(Language, KnowsWhatTheProcessHasSetForItself) {
+    const Environment environment = ProcessEnvironment();
+    EXPECT_EQ(environment("ORVEX_LANGUAGE_TEST"), "");
+    SetEnvironmentVariableW(L"ORVEX_LANGUAGE_TEST", L"de");
+    EXPECT_EQ(environment("ORVEX_LANGUAGE_TEST"), "de");
+    SetEnvironmentVariableW(L"ORVEX_LANGUAGE_TEST", std::wstring(300, L'd').c_str());
+    EXPECT_EQ(environment("ORVEX_LANGUAGE_TEST"), "");
+    SetEnvironmentVariableW(L"ORVEX_LANGUAGE_TEST", nullptr);
 }
 
 }  // namespace
