@@ -77,10 +77,11 @@ class TypeLibrary {
     }
 
   private:
+    /// In this scope: what the machine has registered is no business of one user's.
     bool IsRegistered() const {
-        ComPtr<ITypeLib> found;
-        return SUCCEEDED(LoadRegTypeLib(attributes_->guid, attributes_->wMajorVerNum,
-                                        attributes_->wMinorVerNum, attributes_->lcid, found.Receive()));
+        wchar_t version[16] = {};
+        wsprintfW(version, L"%x.%x", attributes_->wMajorVerNum, attributes_->wMinorVerNum);
+        return ReadRegistry(Place().Below(version)).has_value();
     }
 
     std::wstring file_;

@@ -18,9 +18,11 @@ RegistryJournal::~RegistryJournal() {
 // Each step back is noted before the change is made: a change may fail half way.
 
 void RegistryJournal::CreateKey(const RegistryPlace& place) {
-    undo_.reserve(undo_.size() + 1);  // so that the note itself cannot fail
+    // Only the change says whether it is one to be taken back; the note is ready by then, and cannot fail.
+    std::function<void()> undo = [place] { RemoveRegistryTree(place); };
+    undo_.reserve(undo_.size() + 1);
     if (CreateRegistryKey(place)) {
-        undo_.emplace_back([place] { RemoveRegistryTree(place); });
+        undo_.push_back(std::move(undo));
     }
 }
 
