@@ -68,6 +68,19 @@ std::wstring CurrentFolder() {
     return folder;
 }
 
+/// Puts the current folder back, which is the host's. By its documentation the open dialog does not heed
+/// OFN_NOCHANGEDIR.
+class KeptFolder {
+  public:
+    KeptFolder() = default;
+    ~KeptFolder() { SetCurrentDirectoryW(folder_.c_str()); }
+    KeptFolder(const KeptFolder&) = delete;
+    KeptFolder& operator=(const KeptFolder&) = delete;
+
+  private:
+    std::wstring folder_ = CurrentFolder();
+};
+
 LPARAM AsParameter(const std::wstring& text) {
     return reinterpret_cast<LPARAM>(text.c_str());
 }
@@ -100,6 +113,7 @@ PickedFiles Pick(const OpenFilesRequest& request) {
     dialog.lpstrInitialDir = request.initialFolder.empty() ? nullptr : request.initialFolder.c_str();
     dialog.lpstrTitle = request.title.empty() ? nullptr : request.title.c_str();
     dialog.Flags = kOpenFilesFlags;
+    const KeptFolder kept;
     if (GetOpenFileNameW(&dialog) != FALSE) {
         return {PickOutcome::Picked, ParseOpenFileSelection(buffer)};
     }
