@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <clocale>
 
 namespace orvex {
@@ -44,13 +45,22 @@ TEST(Format, CutsMissesAndIgnores) {
     EXPECT_EQ(FormatText(L"%999999999d", {1}, 10), L"         ");
 }
 
+// The same locale has another name on each system.
+bool SetGermanLocale() {
+    const char* const names[] = {"de_DE.UTF-8", "de-DE", "German_Germany.1252"};
+    return std::ranges::any_of(names,
+                               [](const char* name) { return std::setlocale(LC_ALL, name) != nullptr; });
+}
+
 TEST(Format, DoesNotFollowACommaDecimalLocale) {
     const std::string before = std::setlocale(LC_ALL, nullptr);
-    const bool german = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
+    const bool german = SetGermanLocale();
+    const bool comma = *std::localeconv()->decimal_point == ',';
     EXPECT_EQ(FormatText(L"%.2f", {0.25}), L"0.25");
     std::setlocale(LC_ALL, before.c_str());
+    EXPECT_EQ(comma, german);
     if (!german) {
-        GTEST_SKIP() << "de_DE.UTF-8 is not installed";
+        GTEST_SKIP() << "no German locale is installed";
     }
 }
 
