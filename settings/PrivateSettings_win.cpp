@@ -4,6 +4,7 @@
 
 #include "settings/PrivateSettings.h"
 #include "support/LDataError.h"
+#include "support/OpenKey_win.h"
 
 namespace orvex {
 namespace {
@@ -15,13 +16,13 @@ std::wstring KeyOfThisProcess() {
 }  // namespace
 
 PrivateSettings::PrivateSettings(const std::filesystem::path& folder) {
-    HKEY key = nullptr;
+    HKEY made = nullptr;
     // Not volatile: that would have to hold for every key that is made in it.
     LSTATUS result = RegCreateKeyExW(HKEY_CURRENT_USER, KeyOfThisProcess().c_str(), 0, nullptr,
-                                     REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key, nullptr);
-    if (result == ERROR_SUCCESS) {
-        result = RegOverridePredefKey(HKEY_CURRENT_USER, key);
-        RegCloseKey(key);
+                                     REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &made, nullptr);
+    const OpenKey key(result == ERROR_SUCCESS ? made : nullptr);
+    if (key) {
+        result = RegOverridePredefKey(HKEY_CURRENT_USER, key.Get());
     }
     if (result != ERROR_SUCCESS) {
         throw LDataError(L"no settings of its own: error " + std::to_wstring(result));

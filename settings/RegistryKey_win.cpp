@@ -5,46 +5,22 @@
 #include <utility>
 
 #include "settings/RegistryKey.h"
+#include "support/OpenKey_win.h"
 
 namespace orvex {
 namespace {
 
 constexpr const wchar_t* kBaseKey = L"Software\\Tessaly Group\\Orvex";
 
-/// An open key, closed when destroyed. Move-only; empty when it could not be opened.
-class Key {
-  public:
-    Key() = default;
-    Key(Key&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
-    Key& operator=(Key&& other) noexcept {
-        std::swap(handle_, other.handle_);
-        return *this;
-    }
-    ~Key() {
-        if (handle_ != nullptr) {
-            RegCloseKey(handle_);
-        }
-    }
-
-    /// Created with full access if possible, else opened for reading. `parent` may be a predefined key.
-    static Key Open(HKEY parent, const wchar_t* path) {
-        Key key;
-        if (RegCreateKeyExW(parent, path, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                            &key.handle_, nullptr) != ERROR_SUCCESS) {
-            key.handle_ = nullptr;
-            if (RegOpenKeyExW(parent, path, 0, KEY_READ, &key.handle_) != ERROR_SUCCESS) {
-                key.handle_ = nullptr;
-            }
-        }
-        return key;
-    }
-
-    HKEY Get() const { return handle_; }
-    explicit operator bool() const { return handle_ != nullptr; }
-
-  private:
-    HKEY handle_ = nullptr;
-};
+/// Created with full access if possible, else opened for reading; empty when neither goes. `parent` may be a
+/// predefined key.
+OpenKey OpenOrCreate(HKEY parent, const wchar_t* path) {
+    HKEY key = nullptr;
+    const bool isOpen = RegCreateKeyExW(parent, path, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
+                                        nullptr, &key, nullptr) == ERROR_SUCCESS ||
+                        RegOpenKeyExW(parent, path, 0, KEY_READ, &key) == ERROR_SUCCESS;
+    return OpenKey(isOpen ? key : nullptr);
+}
 
 RegistryStatus StatusOf(LSTATUS result) {
     switch (result) {
@@ -97,7 +73,7 @@ RegistryStatus WriteValue(HKEY key, const wchar_t* name, RegistryType type, std:
 
 class WindowsKey final : public RegistryKey {
   public:
-    explicit WindowsKey(Key key) : key_(std::move(key)) {}
+    explicit WindowsKey(OpenKey key) : key_(std::move(key)) {}
 
     RegistryStatus Query(const std::wstring& name, RegistryType type,
                          std::vector<std::byte>& data) const override {
@@ -129,12 +105,12 @@ class WindowsKey final : public RegistryKey {
 
     /// The key of a path, null when it cannot even be read.
     static std::unique_ptr<RegistryKey> Opened(HKEY parent, const wchar_t* path) {
-        Key key = Key::Open(parent, path);
+        OpenKey key = OpenOrCreate(parent, path);
         return key ? std::make_unique<WindowsKey>(std::move(key)) : nullptr;
     }
 
   private:
-    Key key_;
+    OpenKey key_;
 };
 
 class WindowsRegistry final : public RegistryStore {

@@ -2,6 +2,8 @@
 
 #include <system_error>
 
+#include "support/OpenKey_win.h"
+
 namespace orvex {
 namespace {
 
@@ -11,33 +13,16 @@ void Check(LSTATUS status, const char* call) {
     }
 }
 
-/// An open key, closed at the end.
-class OpenKey {
-  public:
-    OpenKey() = default;
-    ~OpenKey() {
-        if (key_ != nullptr) {
-            RegCloseKey(key_);
-        }
+/// Empty when there is no such key.
+OpenKey Open(const RegistryPlace& place) {
+    HKEY key = nullptr;
+    const LSTATUS status = RegOpenKeyExW(place.root, place.path.c_str(), 0, KEY_READ, &key);
+    if (status == ERROR_FILE_NOT_FOUND) {
+        return OpenKey();
     }
-    OpenKey(const OpenKey&) = delete;
-    OpenKey& operator=(const OpenKey&) = delete;
-
-    HKEY Get() const { return key_; }
-    /// False when there is no such key.
-    bool Open(const RegistryPlace& place) {
-        const LSTATUS status = RegOpenKeyExW(place.root, place.path.c_str(), 0, KEY_READ, &key_);
-        if (status == ERROR_FILE_NOT_FOUND) {
-            return false;
-        }
-        Check(status, "RegOpenKeyExW");
-        return true;
-    }
-    HKEY* Receive() { return &key_; }
-
-  private:
-    HKEY key_ = nullptr;
-};
+    Check(status, "RegOpenKeyExW");
+    return OpenKey(key);
+}
 
 std::optional<RegistryData> ValueOf(HKEY key, const std::wstring& name) {
     RegistryData data;
@@ -77,8 +62,8 @@ std::vector<std::wstring> NamesOf(Next next) {
 }  // namespace
 
 std::optional<RegistryImage> ReadRegistry(const RegistryPlace& place) {
-    OpenKey key;
-    if (!key.Open(place)) {
+    const OpenKey key = Open(place);
+    if (!key) {
         return std::nullopt;
     }
     RegistryImage image;
@@ -101,16 +86,17 @@ std::optional<RegistryImage> ReadRegistry(const RegistryPlace& place) {
 }
 
 std::optional<RegistryData> ReadRegistryValue(const RegistryPlace& place, const std::wstring& name) {
-    OpenKey key;
-    return key.Open(place) ? ValueOf(key.Get(), name) : std::nullopt;
+    const OpenKey key = Open(place);
+    return key ? ValueOf(key.Get(), name) : std::nullopt;
 }
 
 bool CreateRegistryKey(const RegistryPlace& place) {
-    OpenKey key;
+    HKEY made = nullptr;
     DWORD disposition = 0;
     Check(RegCreateKeyExW(place.root, place.path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                          KEY_READ | KEY_WRITE, nullptr, key.Receive(), &disposition),
+                          KEY_READ | KEY_WRITE, nullptr, &made, &disposition),
           "RegCreateKeyExW");
+    const OpenKey key(made);
     return disposition == REG_CREATED_NEW_KEY;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 #include <gtest/gtest.h>
 
+#include "support/OpenKey_win.h"
 #include "support/registration/RegistryImage_win.h"
 
 namespace orvex {
@@ -51,19 +52,19 @@ class RegistrySandbox {
 
     /// Makes a key below which no lasting one can be made.
     static void CreateVolatile(const RegistryPlace& place) {
-        HKEY key = nullptr;
+        HKEY made = nullptr;
         EXPECT_EQ(RegCreateKeyExW(place.root, place.path.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_READ,
-                                  nullptr, &key, nullptr),
+                                  nullptr, &made, nullptr),
                   ERROR_SUCCESS);
-        RegCloseKey(key);
+        const OpenKey key(made);
     }
 
   private:
     void Redirect(HKEY root, const std::wstring& name) {
-        HKEY key = nullptr;
-        EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, (path_ + L"\\" + name).c_str(), &key), ERROR_SUCCESS);
-        EXPECT_EQ(RegOverridePredefKey(root, key), ERROR_SUCCESS);
-        RegCloseKey(key);
+        HKEY made = nullptr;
+        EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, (path_ + L"\\" + name).c_str(), &made), ERROR_SUCCESS);
+        const OpenKey key(made);
+        EXPECT_EQ(RegOverridePredefKey(root, key.Get()), ERROR_SUCCESS);
     }
 
     std::wstring path_ = L"Software\\OrvexTest-" + std::to_wstring(GetCurrentProcessId());
