@@ -3,20 +3,15 @@
 #include <knownfolders.h>
 #include <shlobj.h>
 
-#include <memory>
-
 #include "settings/ConfigFolder.h"
 #include "support/Environment.h"
+#include "support/SystemMemory_win.h"
 #include "support/Text.h"
 
 namespace orvex {
 namespace {
 
 constexpr const wchar_t* kName = L"Orvex";
-
-struct FreeTaskMemory {
-    void operator()(wchar_t* memory) const { CoTaskMemFree(memory); }
-};
 
 /// The path in an environment variable; empty when it is not set.
 std::filesystem::path Named(const wchar_t* variable) {
@@ -30,7 +25,7 @@ std::filesystem::path Base(const wchar_t* variable, const KNOWNFOLDERID& known) 
     }
     wchar_t* text = nullptr;
     const HRESULT result = SHGetKnownFolderPath(known, KF_FLAG_DONT_VERIFY, nullptr, &text);
-    const std::unique_ptr<wchar_t, FreeTaskMemory> path(text);  // to be freed after a failure, too
+    const TaskMemory<wchar_t> path(text);  // to be freed after a failure, too
     return SUCCEEDED(result) ? ToPath(path.get()) : std::filesystem::path();
 }
 

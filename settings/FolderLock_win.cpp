@@ -2,12 +2,11 @@
 
 #include <windows.h>
 
-#include <sddl.h>
-
 #include <algorithm>
 #include <string>
 #include <utility>
 
+#include "settings/SecurityDescriptor_win.h"
 #include "support/Handle_win.h"
 
 namespace orvex {
@@ -33,13 +32,9 @@ std::wstring MutexNameOf(const std::filesystem::path& folder) {
 /// The mutex of that name, which everybody may wait for: the same user's processes with and without
 /// administrator's rights meet here, and different users at a shared folder.
 Handle OpenMutexOf(const std::wstring& name) {
-    void* rights = nullptr;
-    ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:(A;;0x100001;;;WD)", SDDL_REVISION_1, &rights,
-                                                         nullptr);
-    SECURITY_ATTRIBUTES attributes{sizeof(attributes), rights, FALSE};
-    Handle mutex(CreateMutexExW(&attributes, name.c_str(), 0, SYNCHRONIZE | MUTEX_MODIFY_STATE));
-    LocalFree(rights);
-    return mutex;
+    const LocalMemory<void> rights = SecurityDescriptorOf(L"D:(A;;0x100001;;;WD)");
+    SECURITY_ATTRIBUTES attributes{sizeof(attributes), rights.get(), FALSE};
+    return Handle(CreateMutexExW(&attributes, name.c_str(), 0, SYNCHRONIZE | MUTEX_MODIFY_STATE));
 }
 
 DWORD MillisecondsUntil(Clock::time_point until) {

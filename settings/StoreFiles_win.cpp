@@ -2,12 +2,13 @@
 
 #include <sddl.h>
 
-#include <memory>
 #include <thread>
 #include <vector>
 
+#include "settings/SecurityDescriptor_win.h"
 #include "settings/StoreFiles.h"
 #include "support/Handle_win.h"
+#include "support/LongPath_win.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -18,12 +19,6 @@ namespace fs = std::filesystem;
 // SQLite and the copies add to a name, so the prefix comes before a name is too long itself.
 constexpr std::size_t kLongName = 200;
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-struct FreeLocal {
-    void operator()(void* memory) const { LocalFree(memory); }
-};
-template <typename T>
-using LocalMemory = std::unique_ptr<T, FreeLocal>;
 
 bool IsNotThere(DWORD error) {
     return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
@@ -69,36 +64,14 @@ LocalMemory<void> RightsFor(StoreReaders readers, const std::wstring& handedOn) 
     if (readers == StoreReaders::Everybody) {
         rights.append(L"(A;").append(handedOn).append(L";FRFX;;;WD)");
     }
-    void* descriptor = nullptr;
-    if (user.empty() || ConvertStringSecurityDescriptorToSecurityDescriptorW(rights.c_str(), SDDL_REVISION_1,
-                                                                             &descriptor, nullptr) == FALSE) {
-        return nullptr;
-    }
-    return LocalMemory<void>(descriptor);
+    return user.empty() ? nullptr : SecurityDescriptorOf(rights);
 }
 
 }  // namespace
 
 fs::path SystemPathOf(const fs::path& file) {
-    const std::wstring& given = file.native();
-    std::wstring full;
-    for (DWORD size = MAX_PATH;;) {
-        full.resize(size);
-        const DWORD length = GetFullPathNameW(given.c_str(), size, full.data(), nullptr);
-        if (length == 0) {
-            return file;
-        }
-        if (length < size) {
-            full.resize(length);
-            break;
-        }
-        size = length;
-    }
-    // Calls refuse a longer name without the prefix, behind which nothing is interpreted any more.
-    if (full.size() < kLongName || full.starts_with(L"\\\\?\\") || full.starts_with(L"\\\\.\\")) {
-        return full;
-    }
-    return full.starts_with(L"\\\\") ? L"\\\\?\\UNC\\" + full.substr(2) : L"\\\\?\\" + full;
+    const std::wstring full = AbsolutePath(file.native());
+    return full.size() < kLongName ? fs::path(full) : PrefixedPath(full);
 }
 
 StoreFileKind KindOfStoreFile(const fs::path& file, std::chrono::steady_clock::time_point until) {

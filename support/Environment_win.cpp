@@ -3,19 +3,14 @@
 #include <shellapi.h>
 #include <shlwapi.h>
 
-#include <memory>
-
 #include "support/Environment.h"
 #include "support/Files.h"
 #include "support/NaturalOrder.h"
+#include "support/SystemMemory_win.h"
 #include "support/Text.h"
 
 namespace orvex {
 namespace {
-
-struct FreeLocal {
-    void operator()(wchar_t** memory) const { LocalFree(static_cast<HLOCAL>(memory)); }
-};
 
 /// What a pattern stands for. The system's own search would also match the short names of files: "*.las"
 /// would find "a.lasx".
@@ -65,7 +60,7 @@ std::optional<std::wstring> EnvironmentVariable(const std::wstring& name) {
 
 std::vector<std::wstring> ProgramArguments(int, const char* const*) {
     int count = 0;
-    const std::unique_ptr<wchar_t*, FreeLocal> words(CommandLineToArgvW(GetCommandLineW(), &count));
+    const LocalMemory<wchar_t*> words(CommandLineToArgvW(GetCommandLineW(), &count));
     std::vector<std::wstring> arguments;
     for (int i = 1; words && i < count; ++i) {
         AppendArgument(arguments, words.get()[i]);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "support/LongPath_win.h"
 #include "support/Text.h"
 #include "support/TextPlatform.h"
 
@@ -21,17 +22,8 @@ std::wstring WithBackslashes(std::wstring_view path) {
     return out;
 }
 
-/// The absolute path without "." and "..", which the prefix would take literally; a matter of text only.
-std::wstring Absolute(const std::wstring& path) {
-    std::wstring full(path.size() + MAX_PATH, L'\0');
-    for (;;) {
-        const auto size = static_cast<DWORD>(full.size());
-        const DWORD length = GetFullPathNameW(path.c_str(), size, full.data(), nullptr);
-        full.resize(length);
-        if (length < size) {
-            return length == 0 ? path : full;
-        }
-    }
+bool IsPrefixed(std::wstring_view path) {
+    return path.starts_with(kPrefix) || path.starts_with(kDevicePrefix);
 }
 
 bool IsDrive(std::wstring_view path) {
@@ -67,23 +59,39 @@ std::wstring ToUpper(std::wstring_view text) {
     return out;
 }
 
+std::wstring AbsolutePath(const std::wstring& path) {
+    std::wstring full(path.size() + MAX_PATH, L'\0');
+    for (;;) {
+        const auto size = static_cast<DWORD>(full.size());
+        const DWORD length = GetFullPathNameW(path.c_str(), size, full.data(), nullptr);
+        full.resize(length);
+        if (length < size) {
+            return length == 0 ? path : full;
+        }
+    }
+}
+
+std::filesystem::path PrefixedPath(const std::wstring& absolute) {
+    if (IsPrefixed(absolute)) {
+        return absolute;
+    }
+    if (absolute.starts_with(kShareStart)) {
+        return std::wstring(kSharePrefix).append(absolute, kShareStart.size());
+    }
+    return std::wstring(kPrefix).append(absolute);
+}
+
 std::filesystem::path ToPath(std::wstring_view text) {
     std::wstring path(text);
-    if (path.starts_with(kPrefix) || path.starts_with(kDevicePrefix)) {
+    if (IsPrefixed(path)) {
         return path;
     }
     const bool isAbsolute = IsSeparator(path.empty() ? L'.' : path.front()) || DriveLength(path) == 3;
     if (isAbsolute && path.size() < kLongPath) {
         return path;
     }
-    const std::wstring full = path.empty() ? path : Absolute(path);
-    if (full.size() < kLongPath) {
-        return path;
-    }
-    if (full.starts_with(kShareStart)) {
-        return std::wstring(kSharePrefix).append(full, kShareStart.size());
-    }
-    return std::wstring(kPrefix).append(full);
+    const std::wstring full = path.empty() ? path : AbsolutePath(path);
+    return full.size() < kLongPath ? std::filesystem::path(path) : PrefixedPath(full);
 }
 
 std::wstring FromPath(const std::filesystem::path& path) {
@@ -91,7 +99,7 @@ std::wstring FromPath(const std::filesystem::path& path) {
 }
 
 std::wstring NativePath(std::wstring_view path) {
-    const std::wstring native = WithBackslashes(path);
+    std::wstring native = WithBackslashes(path);
     if (native.starts_with(kSharePrefix)) {
         return std::wstring(kShareStart).append(native, kSharePrefix.size());
     }
@@ -111,7 +119,7 @@ std::size_t RootLength(std::wstring_view path) {
     if (native.starts_with(kSharePrefix)) {
         return BehindComponents(path, kSharePrefix.size(), 2);
     }
-    if (native.starts_with(kPrefix) || native.starts_with(kDevicePrefix)) {
+    if (IsPrefixed(native)) {
         return BehindComponents(path, kPrefix.size(), 1);
     }
     if (native.starts_with(kShareStart)) {

@@ -2,10 +2,9 @@
 
 #include <windows.h>
 
-#include <sddl.h>
-
 #include <vector>
 
+#include "settings/SecurityDescriptor_win.h"
 #include "support/Handle_win.h"
 
 namespace orvex::testing {
@@ -28,11 +27,8 @@ class ReadOnlyPath {
 
   private:
     void Set(const wchar_t* rights) const {
-        void* descriptor = nullptr;
-        if (ConvertStringSecurityDescriptorToSecurityDescriptorW(rights, SDDL_REVISION_1, &descriptor,
-                                                                 nullptr) != FALSE) {
-            SetFileSecurityW(path_.c_str(), DACL_SECURITY_INFORMATION, descriptor);
-            LocalFree(descriptor);
+        if (const LocalMemory<void> descriptor = SecurityDescriptorOf(rights)) {
+            SetFileSecurityW(path_.c_str(), DACL_SECURITY_INFORMATION, descriptor.get());
         }
     }
 

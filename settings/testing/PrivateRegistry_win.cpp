@@ -1,17 +1,12 @@
 #include "settings/testing/PrivateRegistry_win.h"
 
 #include <gtest/gtest.h>
-#include <sddl.h>
 
-#include <memory>
+#include "settings/SecurityDescriptor_win.h"
+#include "support/OpenKey_win.h"
 
 namespace orvex::testing {
 namespace {
-
-struct CloseKey {
-    void operator()(HKEY key) const { RegCloseKey(key); }
-};
-using OpenKey = std::unique_ptr<std::remove_pointer_t<HKEY>, CloseKey>;
 
 OpenKey Create(HKEY root, const std::wstring& path) {
     HKEY key = nullptr;
@@ -27,7 +22,7 @@ OpenKey Open(HKEY root, const std::wstring& path, REGSAM access) {
 
 void Redirect(HKEY root, const std::wstring& path) {
     const OpenKey key = Create(HKEY_CURRENT_USER, path);
-    EXPECT_EQ(RegOverridePredefKey(root, key.get()), ERROR_SUCCESS);
+    EXPECT_EQ(RegOverridePredefKey(root, key.Get()), ERROR_SUCCESS);
 }
 
 }  // namespace
@@ -53,7 +48,7 @@ void PrivateRegistry::Put(HKEY root, const std::wstring& key, const std::wstring
     std::vector<std::byte> bytes = value.data;
     bytes.insert(bytes.end(), 2, std::byte{0xFF});
     EXPECT_EQ(
-        RegSetValueExW(Create(root, key).get(), name.c_str(), 0, value.type,
+        RegSetValueExW(Create(root, key).Get(), name.c_str(), 0, value.type,
                        reinterpret_cast<const BYTE*>(bytes.data()), static_cast<DWORD>(value.data.size())),
         ERROR_SUCCESS);
 }
@@ -64,11 +59,11 @@ std::optional<RawValue> PrivateRegistry::Find(HKEY root, const std::wstring& key
     RawValue value;
     DWORD size = 0;
     if (!open ||
-        RegQueryValueExW(open.get(), name.c_str(), nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS) {
+        RegQueryValueExW(open.Get(), name.c_str(), nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS) {
         return std::nullopt;
     }
     value.data.resize(size);
-    EXPECT_EQ(RegQueryValueExW(open.get(), name.c_str(), nullptr, &value.type,
+    EXPECT_EQ(RegQueryValueExW(open.Get(), name.c_str(), nullptr, &value.type,
                                reinterpret_cast<BYTE*>(value.data.data()), &size),
               ERROR_SUCCESS);
     return value;
@@ -77,7 +72,7 @@ std::optional<RawValue> PrivateRegistry::Find(HKEY root, const std::wstring& key
 std::optional<std::pair<DWORD, DWORD>> PrivateRegistry::Count(HKEY root, const std::wstring& key) const {
     const OpenKey open = Open(root, key, KEY_READ);
     std::pair<DWORD, DWORD> counts;
-    if (!open || RegQueryInfoKeyW(open.get(), nullptr, nullptr, nullptr, &counts.second, nullptr, nullptr,
+    if (!open || RegQueryInfoKeyW(open.Get(), nullptr, nullptr, nullptr, &counts.second, nullptr, nullptr,
                                   &counts.first, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
         return std::nullopt;
     }
@@ -91,12 +86,11 @@ void PrivateRegistry::DenyWrites(HKEY root, const std::wstring& key) {
 }
 
 void PrivateRegistry::SetRights(HKEY root, const std::wstring& key, const wchar_t* rights) const {
-    void* descriptor = nullptr;
-    ASSERT_TRUE(
-        ConvertStringSecurityDescriptorToSecurityDescriptorW(rights, SDDL_REVISION_1, &descriptor, nullptr));
-    EXPECT_EQ(RegSetKeySecurity(Open(root, key, WRITE_DAC).get(), DACL_SECURITY_INFORMATION, descriptor),
-              ERROR_SUCCESS);
-    LocalFree(descriptor);
+    const LocalMemory<void> descriptor = SecurityDescriptorOf(rights);
+    ASSERT_TRUE(descriptor);
+    EXPECT_EQ(
+        RegSetKeySecurity(Open(root, key, WRITE_DAC).Get(), DACL_SECURITY_INFORMATION, descriptor.get()),
+        ERROR_SUCCESS);
 }
 
 }  // namespace orvex::testing

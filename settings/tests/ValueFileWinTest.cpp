@@ -6,6 +6,7 @@
 
 #include "settings/testing/ValueFileFixture.h"
 #include "support/Handle_win.h"
+#include "support/SystemMemory_win.h"
 
 namespace orvex {
 namespace {
@@ -21,16 +22,15 @@ class ValueFileWinTest : public testing::ValueFileFixture {
     static std::wstring RightsOf(const fs::path& path) {
         std::byte descriptor[4096];
         DWORD needed = 0;
-        wchar_t* text = nullptr;
+        wchar_t* made = nullptr;
         if (GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, descriptor, sizeof(descriptor),
                              &needed) == FALSE ||
             ConvertSecurityDescriptorToStringSecurityDescriptorW(
-                descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text, nullptr) == FALSE) {
+                descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &made, nullptr) == FALSE) {
             return L"unknown";
         }
-        std::wstring rights = text;
-        LocalFree(text);
-        return rights;
+        const LocalMemory<wchar_t> rights(made);
+        return rights.get();
     }
 };
 
