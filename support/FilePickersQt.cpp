@@ -1,11 +1,9 @@
 #include "support/FilePickersQt.h"
 
 #include <QFileDialog>
-#include <new>
 
 #include "support/ActiveWindowQt.h"
-#include "support/LDataError.h"
-#include "support/Log.h"
+#include "support/GuardedPick.h"
 #include "support/QtText.h"
 #include "support/Text.h"
 
@@ -55,14 +53,7 @@ std::size_t SelectionCharacters(const std::vector<std::wstring>& paths) {
 }
 
 PickedFiles FilePickersQt::PickFiles(const OpenFilesRequest& request) {
-    try {
-        return Pick(request);
-    } catch (const std::bad_alloc&) {
-        return {PickOutcome::OutOfMemory, {}};
-    } catch (...) {
-        LogWarning(L"The file dialog failed: " + CurrentExceptionText());
-        return {PickOutcome::Failed, {}};
-    }
+    return GuardedPick([&] { return Pick(request); });
 }
 
 std::optional<std::wstring> FilePickersQt::PickFolder(const std::wstring& title) {

@@ -9,10 +9,10 @@
 #include <array>
 #include <new>
 
-#include "support/LDataError.h"
-#include "support/Log.h"
+#include "support/GuardedPick.h"
 #include "support/NativeWindow_win.h"
 #include "support/OpenFileText.h"
+#include "support/SystemMemory_win.h"
 
 namespace orvex {
 namespace {
@@ -27,17 +27,18 @@ static_assert(kFolderFlags == 262211);
 
 constexpr std::size_t kLongestPath = 32768;
 
-/// COM on this thread for as long as this lives; where it was there before, it stays.
-class Apartment {
+/// OLE on this thread for as long as this lives, because the browser of the new style has drag and drop;
+/// where it was there before, it stays.
+class OleApartment {
   public:
-    Apartment() : result_(OleInitialize(nullptr)) {}
-    ~Apartment() {
+    OleApartment() : result_(OleInitialize(nullptr)) {}
+    ~OleApartment() {
         if (SUCCEEDED(result_)) {
             OleUninitialize();
         }
     }
-    Apartment(const Apartment&) = delete;
-    Apartment& operator=(const Apartment&) = delete;
+    OleApartment(const OleApartment&) = delete;
+    OleApartment& operator=(const OleApartment&) = delete;
 
     /// False on a thread that was given to the multithreaded apartment before.
     explicit operator bool() const { return SUCCEEDED(result_); }
@@ -45,11 +46,6 @@ class Apartment {
   private:
     HRESULT result_;
 };
-
-struct FreeItemList {
-    void operator()(ITEMIDLIST* list) const { CoTaskMemFree(list); }
-};
-using ItemList = std::unique_ptr<ITEMIDLIST, FreeItemList>;
 
 /// The folder's path; empty when it is no folder of the file system.
 std::wstring PathOf(const ITEMIDLIST* folder) {
@@ -130,25 +126,18 @@ PickedFiles Pick(const OpenFilesRequest& request) {
 class SystemPickers final : public FilePickers {
   public:
     PickedFiles PickFiles(const OpenFilesRequest& request) override {
-        try {
-            return Pick(request);
-        } catch (const std::bad_alloc&) {
-            return {PickOutcome::OutOfMemory, {}};
-        } catch (...) {
-            LogWarning(L"The file dialog failed: " + CurrentExceptionText());
-            return {PickOutcome::Failed, {}};
-        }
+        return GuardedPick([&] { return Pick(request); });
     }
 
     std::optional<std::wstring> PickFolder(const std::wstring& title) override {
-        const Apartment apartment;
+        const OleApartment apartment;
         BROWSEINFOW browser{};
         browser.hwndOwner = ActiveNativeWindow();
         browser.lpszTitle = title.c_str();
         // The new style needs a single-threaded apartment; without one the old style still serves.
         browser.ulFlags = apartment ? kFolderFlags : kFolderFlags & ~static_cast<UINT>(BIF_NEWDIALOGSTYLE);
         browser.lpfn = OnFolderBrowser;
-        const ItemList chosen(SHBrowseForFolderW(&browser));
+        const TaskMemory<ITEMIDLIST> chosen(SHBrowseForFolderW(&browser));
         std::wstring folder = chosen ? PathOf(chosen.get()) : std::wstring();
         return folder.empty() ? std::nullopt : std::optional(std::move(folder));
     }
