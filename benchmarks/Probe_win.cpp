@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "benchmarks/Probe.h"
+#include "support/Handle_win.h"
 #include "support/Text.h"
 
 namespace orvex::bench {
@@ -33,15 +34,14 @@ std::uint64_t BytesInUse(HANDLE heap) {
 std::uint64_t ReadBarely(const std::string& path) {
     constexpr std::size_t kHeader = 375;
     std::array<char, 65536> buffer;
-    const HANDLE file = CreateFileW(FromUtf8(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const Handle file(CreateFileW(FromUtf8(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                  nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     LARGE_INTEGER size{};
-    GetFileSizeEx(file, &size);
-    std::uint64_t bytes = Read(file, buffer.data(), kHeader);
+    GetFileSizeEx(file.Get(), &size);
+    std::uint64_t bytes = Read(file.Get(), buffer.data(), kHeader);
     std::uint32_t start = 0;
     std::memcpy(&start, buffer.data() + 96, sizeof(start));
-    bytes += Read(file, buffer.data(), std::min<std::size_t>(buffer.size(), start) - kHeader);
-    CloseHandle(file);
+    bytes += Read(file.Get(), buffer.data(), std::min<std::size_t>(buffer.size(), start) - kHeader);
     return bytes;
 }
 

@@ -4,11 +4,11 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <thread>
 
 #include "las/testing/LasBuilder.h"
+#include "support/Environment.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 
@@ -147,12 +147,12 @@ TEST_F(LasInspectionTest, WorksFromManyThreads) {
 /// Every LAS and LAZ file below the folder that ORVEX_SAMPLE_DATA names. One that fails says why; those in a
 /// folder "broken" may fail for any reason, others for their old extra-bytes types only.
 TEST(LasSamples, AreRead) {
-    const char* root = std::getenv("ORVEX_SAMPLE_DATA");
-    if (root == nullptr) {
+    const auto root = EnvironmentVariable(L"ORVEX_SAMPLE_DATA");
+    if (!root) {
         GTEST_SKIP() << "ORVEX_SAMPLE_DATA names no folder of sample files";
     }
     int count = 0;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(ToPath(*root))) {
         const std::wstring path = FromPath(entry.path());
         const std::wstring extension = UpperExtensionOf(path);
         if (extension != L".LAS" && extension != L".LAZ") {

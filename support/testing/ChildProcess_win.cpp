@@ -2,6 +2,7 @@
 
 #include "support/Environment.h"
 #include "support/Handle_win.h"
+#include "support/com/ModuleFile_win.h"
 #include "support/testing/ChildWork.h"
 
 namespace orvex::testing {
@@ -10,12 +11,6 @@ namespace {
 constexpr const wchar_t* kMark = L"--orvex-child";
 constexpr UINT kKilled = 100;
 constexpr DWORD kLongestLife = 120000;  // milliseconds
-
-std::wstring ProgramFile() {
-    std::wstring name(32768, L'\0');
-    name.resize(GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
-    return name;
-}
 
 std::wstring Quoted(const std::wstring& argument) {
     return L" \"" + argument + L"\"";
@@ -41,7 +36,7 @@ struct ChildProcess::System {
 };
 
 ChildProcess::ChildProcess(const std::wstring& work, const ChildArguments& arguments) {
-    const std::wstring program = ProgramFile();
+    const std::wstring program = ModuleFile(reinterpret_cast<const void*>(&RunAsChild));
     std::wstring line = L"\"" + program + L"\" " + kMark + Quoted(work);
     for (const std::wstring& argument : arguments) {
         line += Quoted(argument);
