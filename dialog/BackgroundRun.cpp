@@ -1,13 +1,12 @@
 #include "dialog/BackgroundRun.h"
 
 #include <chrono>
-#include <condition_variable>
 #include <exception>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <thread>
 
+#include "support/Condition.h"
 #include "support/ModuleUse.h"
 #include "support/ProgressIf.h"
 
@@ -19,8 +18,8 @@ constexpr auto kPollEvery = std::chrono::milliseconds(4);
 constexpr auto kPatience = std::chrono::seconds(1);
 
 struct Shared {
-    std::mutex lock;
-    std::condition_variable ended;
+    Mutex lock;
+    Condition ended;
     bool done = false;
     std::exception_ptr failure;
     std::stop_source stop;
