@@ -8,7 +8,7 @@ namespace orvex {
 class ParentConsole {
   public:
     ParentConsole();
-    ~ParentConsole();
+    ~ParentConsole();  // NOLINT(performance-trivially-destructible): not so in the other half
     ParentConsole(const ParentConsole&) = delete;
     ParentConsole& operator=(const ParentConsole&) = delete;
 
