@@ -1,12 +1,13 @@
 #include "dialog/BackgroundRun.h"
 
 #include <chrono>
+#include <condition_variable>
 #include <exception>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <thread>
 
-#include "support/Condition.h"
 #include "support/ModuleUse.h"
 #include "support/ProgressIf.h"
 
@@ -18,8 +19,8 @@ constexpr auto kPollEvery = std::chrono::milliseconds(4);
 constexpr auto kPatience = std::chrono::seconds(1);
 
 struct Shared {
-    Mutex lock;
-    Condition ended;
+    std::mutex lock;
+    std::condition_variable ended;
     bool done = false;
     std::exception_ptr failure;
     std::stop_source stop;
@@ -45,16 +46,31 @@ bool WaitForEnd(Shared& shared) {
     return shared.ended.wait_for(guard, kPollEvery, [&] { return shared.done; });
 }
 
-// Asks the work to stop however this thread leaves the run.
-class StopOnExit {
+// The thread of a run. Left behind when the run is abandoned; otherwise joined, which costs nothing once the
+// work has ended: winpthreads (version 10) now and then loses a thread that starts while a detached one ends.
+class Worker {
   public:
-    explicit StopOnExit(Shared& shared) : shared_(shared) {}
-    ~StopOnExit() { shared_.stop.request_stop(); }
-    StopOnExit(const StopOnExit&) = delete;
-    StopOnExit& operator=(const StopOnExit&) = delete;
+    Worker(const std::shared_ptr<Shared>& shared, std::function<void(std::stop_token)> work)
+        : shared_(*shared), thread_(Work, shared, std::move(work)) {}
+    ~Worker() {
+        shared_.stop.request_stop();
+        if (HasEnded()) {
+            thread_.join();
+        } else {
+            thread_.detach();
+        }
+    }
+    Worker(const Worker&) = delete;
+    Worker& operator=(const Worker&) = delete;
 
   private:
+    bool HasEnded() {
+        const std::lock_guard guard(shared_.lock);
+        return shared_.done;
+    }
+
     Shared& shared_;
+    std::thread thread_;
 };
 
 }  // namespace
@@ -62,8 +78,7 @@ class StopOnExit {
 RunEnd RunInBackground(std::function<void(std::stop_token)> work, Kst::ProgressIf& progress,
                        const std::function<PollResult()>& poll) {
     const auto shared = std::make_shared<Shared>();
-    std::thread(Work, shared, std::move(work)).detach();
-    const StopOnExit stopOnExit(*shared);
+    const Worker worker(shared, std::move(work));
     std::optional<Clock::time_point> stoppedAt;
     while (!WaitForEnd(*shared)) {
         if (poll() == PollResult::Abandon) {

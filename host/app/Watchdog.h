@@ -1,9 +1,9 @@
 #pragma once
 #include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <string>
 #include <thread>
-
-#include "support/Condition.h"
 
 namespace orvex {
 
@@ -23,8 +23,8 @@ class Watchdog {
     void Watch();
 
     const std::chrono::steady_clock::time_point end_;
-    Mutex lock_;
-    Condition ended_;
+    std::mutex lock_;
+    std::condition_variable ended_;
     bool done_ = false;
     std::string what_;
     std::jthread thread_;

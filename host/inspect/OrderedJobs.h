@@ -1,12 +1,12 @@
 #pragma once
 #include <algorithm>
+#include <condition_variable>
 #include <cstddef>
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <thread>
 #include <vector>
-
-#include "support/Condition.h"
 
 namespace orvex {
 
@@ -88,9 +88,9 @@ class OrderedJobs {
     const std::size_t count_;
     const unsigned jobs_;
     const std::function<Result(std::size_t)> work_;
-    Mutex lock_;
-    Condition spaceFree_;
-    Condition resultReady_;
+    std::mutex lock_;
+    std::condition_variable spaceFree_;
+    std::condition_variable resultReady_;
     std::vector<std::optional<Result>> slots_;
     std::size_t next_ = 0;
     std::size_t taken_ = 0;
