@@ -1,9 +1,7 @@
 #include "raster/GdalSetup.h"
 
 #include <cpl_conv.h>
-#include <cpl_string.h>
 #include <gdal.h>
-#include <ogr_srs_api.h>
 
 #include <mutex>
 
@@ -11,6 +9,7 @@
 #include "support/Files.h"
 #include "support/GdalErrorScope.h"
 #include "support/ModuleFolder.h"
+#include "support/ProjData.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -24,22 +23,6 @@ std::string Utf8Of(const std::filesystem::path& path) {
     return ToUtf8(FromPath(path));
 }
 
-/// PROJ's data beside the component comes before the system's, so that a moved folder brings its own.
-void AddProjFolder(const std::filesystem::path& folder) {
-    if (!FileExists(FromPath(folder / "proj.db"))) {
-        return;
-    }
-    CPLStringList paths;
-    paths.AddString(Utf8Of(folder).c_str());
-    const CPLStringList known(OSRGetPROJSearchPaths());
-    for (int i = 0; i < known.size(); ++i) {
-        if (paths.FindString(known[i]) < 0) {
-            paths.AddString(known[i]);
-        }
-    }
-    OSRSetPROJSearchPaths(paths.List());
-}
-
 bool SetUp(const std::filesystem::path& folder) {
     const std::filesystem::path data = folder / "gdal-data";
     const std::filesystem::path plugins = folder / "gdalplugins";
@@ -50,7 +33,8 @@ bool SetUp(const std::filesystem::path& folder) {
     const GdalErrorScope errors;
     CPLSetConfigOption("GDAL_DATA", Utf8Of(data).c_str());
     CPLSetConfigOption("GDAL_DRIVER_PATH", Utf8Of(plugins).c_str());
-    AddProjFolder(folder / "proj");
+    // A moved folder brings its own, whatever the system has.
+    PreferProjData(folder / "proj");
     OrvexUtilities::SetGDALRasterCacheSize(kCacheFraction);
     GDALAllRegister();
     return true;

@@ -145,7 +145,7 @@ std::string VerticalText(const OGRSpatialReference& crs) {
     std::string name = PlainName(node->GetChild(0)->GetValue());
     OGRSpatialReference known;
     const long code = EpsgCode(crs, node->GetValue());
-    if (code != 0 && known.importFromEPSG(static_cast<int>(code)) == OGRERR_NONE) {
+    if (ImportEpsg(code, known)) {
         name = PlainName(known.GetName());
     }
     return name + " unit " + NumberText(crs.GetTargetLinearUnits(node->GetValue()));

@@ -4,7 +4,11 @@
 
 #include <charconv>
 #include <limits>
+#include <mutex>
 #include <string_view>
+
+#include "support/ModuleFolder.h"
+#include "support/ProjData.h"
 
 namespace orvex {
 namespace {
@@ -12,10 +16,24 @@ namespace {
 // The longest WKTs of the EPSG database have some ten thousand characters.
 constexpr std::size_t kMaxWktLength = 1 << 20;
 
+/// Hosts read coordinate systems before any dialog has set GDAL up, and not every system has data of PROJ's
+/// to find.
+void FindProjData() {
+    static std::once_flag once;
+    std::call_once(once, [] { PreferProjData(ModuleFolder() / "proj"); });
+}
+
 }  // namespace
 
 bool ImportWkt(const std::string& wkt, OGRSpatialReference& crs) {
+    FindProjData();
     return !wkt.empty() && wkt.size() <= kMaxWktLength && crs.importFromWkt(wkt.c_str()) == OGRERR_NONE;
+}
+
+bool ImportEpsg(long code, OGRSpatialReference& crs) {
+    FindProjData();
+    return code > 0 && code <= std::numeric_limits<int>::max() &&
+           crs.importFromEPSG(static_cast<int>(code)) == OGRERR_NONE;
 }
 
 std::string ExportWkt(const OGRSpatialReference& crs, const char* format, bool multiLine) {
@@ -32,7 +50,7 @@ std::string ExportWkt(const OGRSpatialReference& crs, const char* format, bool m
 OGRSpatialReference WithCodedParts(const OGRSpatialReference& crs) {
     const long code = crs.IsCompound() ? EpsgCode(crs) : 0;
     OGRSpatialReference known;
-    return code != 0 && known.importFromEPSG(static_cast<int>(code)) == OGRERR_NONE ? known : crs;
+    return ImportEpsg(code, known) ? known : crs;
 }
 
 OGRSpatialReference HorizontalPart(const OGRSpatialReference& crs) {

@@ -9,6 +9,10 @@ namespace orvex {
 /// GdalErrorScope.
 bool ImportWkt(const std::string& wkt, OGRSpatialReference& crs);
 
+/// The CRS of an EPSG code. False for a code that PROJ's database does not have. Call it inside a
+/// GdalErrorScope.
+bool ImportEpsg(long code, OGRSpatialReference& crs);
+
 /// The CRS in a format of GDAL's ("WKT1_GDAL", "WKT2_2019", ...); empty when it cannot be expressed in it.
 std::string ExportWkt(const OGRSpatialReference& crs, const char* format, bool multiLine);
 

@@ -18,8 +18,7 @@ long UnitCode(const OGRSpatialReference& crs, const char* node) {
     }
     const long known = EpsgCode(crs);
     OGRSpatialReference full;
-    return known != 0 && full.importFromEPSG(static_cast<int>(known)) == OGRERR_NONE ? EpsgCode(full, node)
-                                                                                     : 0;
+    return ImportEpsg(known, full) ? EpsgCode(full, node) : 0;
 }
 
 }  // namespace
@@ -47,7 +46,7 @@ std::string OrvexUtilities::CrsGetPrettyWktFromWKT(const std::string& wkt, bool 
 std::string OrvexUtilities::CrsGetPrettyWktFromEPSG(int code) {
     const GdalErrorScope errors;
     OGRSpatialReference crs;
-    if (code <= 0 || crs.importFromEPSG(code) != OGRERR_NONE) {
+    if (!ImportEpsg(code, crs)) {
         return {};
     }
     std::string pretty = ExportWkt(crs, "WKT1_GDAL", true);

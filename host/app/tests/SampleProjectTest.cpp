@@ -59,6 +59,8 @@ TEST(SampleProject, IsMadeOnceAndWhole) {
     EXPECT_EQ(extensions, (std::set<std::string>{".las", ".laz"}));
     EXPECT_EQ(files, 11U);
     EXPECT_FALSE(fs::exists(folder.Path() / "sample.new"));
+    EXPECT_NE(BytesOf(SampleData(project) / "survey 2024" / "tile_4.las").find("\"EPSG\",\"25832\""),
+              std::string::npos);
     const std::string compressed = BytesOf(SampleData(project) / "survey 2024" / "tile_7.laz");
     ASSERT_GT(compressed.size(), 375U);
     EXPECT_EQ(compressed[104] & 0x80, 0x80);
