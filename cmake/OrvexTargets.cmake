@@ -59,7 +59,7 @@ function(orvex_host_library target)
     orvex_common_options(${target})
     string(TOUPPER "${target}_BUILD" build_macro)
     target_compile_definitions(${target} PRIVATE ${build_macro})
-    install(TARGETS ${target} LIBRARY DESTINATION bin RUNTIME DESTINATION bin)
+    install(TARGETS ${target} LIBRARY DESTINATION bin RUNTIME DESTINATION bin ARCHIVE DESTINATION lib)
 endfunction()
 
 # A program in bin/.
