@@ -23,6 +23,11 @@ class RegisteredHostObjects final : public HostObjects {
     std::unique_ptr<OrvexApplication> CreateApplication(std::int32_t& result) override {
         return Create<OrvexApplication>(kApplicationClass, result);
     }
+    RasterInformationMaker RasterInformation() override {
+        return [](std::int32_t& result) {
+            return Create<OrvexRasterInformation>(kRasterInformationClass, result);
+        };
+    }
 };
 
 }  // namespace

@@ -105,6 +105,7 @@ class ComHostObjects final : public HostObjects {
     std::unique_ptr<OrvexApplication> CreateApplication(std::int32_t& result) override {
         return orvex::Create<ComApplication>(result);
     }
+    RasterInformationMaker RasterInformation() override { return {}; }
 };
 
 }  // namespace

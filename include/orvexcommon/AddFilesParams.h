@@ -98,4 +98,12 @@ class AddFilesParams {
     /// Full path of a file in lasFiles to the layer it was assigned to (an existing one when appending, else
     /// a new name).
     std::map<std::wstring, std::wstring> lasFileLayers;
+
+    /// The same for rasterFiles and demFiles.
+    std::map<std::wstring, std::wstring> rasterFileLayers;
+    std::map<std::wstring, std::wstring> demFileLayers;
+    /// Input: where the pickers of raster and DEM files open; empty: the system's choice.
+    std::wstring initialFolder;
+    /// The converted DEM files get no CRS.
+    bool demIgnoreCrs = false;
 };

@@ -10,6 +10,8 @@
 #include <string>
 #include <variant>
 
+#include "orvexcommon/RasterProperties.h"
+
 #if defined(_WIN32)
 #if defined(ORVEXOBJECTS_BUILD)
 #define ORVEXOBJECTS_API __declspec(dllexport)
@@ -38,6 +40,9 @@ inline constexpr ClassId kSystemSettingsClass{
 /// {A59ECFF0-11E3-4339-B008-8FBD1D3B6420}: the host application object.
 inline constexpr ClassId kApplicationClass{
     0xA59ECFF0, 0x11E3, 0x4339, {0xB0, 0x08, 0x8F, 0xBD, 0x1D, 0x3B, 0x64, 0x20}};
+/// {41A55615-706A-467A-9682-DCB2F9C98BC5}: the raster-information object.
+inline constexpr ClassId kRasterInformationClass{
+    0x41A55615, 0x706A, 0x467A, {0x96, 0x82, 0xDC, 0xB2, 0xF9, 0xC9, 0x8B, 0xC5}};
 
 /// Result codes of host objects: 0 is success, negative values are failures (the HRESULT values of the same
 /// names).
@@ -73,6 +78,16 @@ class OrvexApplication : public HostObject {
     virtual std::int32_t GetProjectFolder(std::wstring& folder) = 0;
     /// A numbered option of the host. `value` is overwritten when the option is set. Returns a result code.
     virtual std::int32_t GetOptionItem(std::int32_t item, SettingValue& value) = 0;
+};
+
+/// Reads properties of raster files. Made and used on any thread, each object on the thread that made it.
+class OrvexRasterInformation : public HostObject {
+  public:
+    /// Reads what describes the file, without its pixels. Returns a result code; after a failure `properties`
+    /// is untouched and `reason` says the cause in plain words, where the host knows it. An object that knows
+    /// only what every such object says leaves `hasDetails` false.
+    virtual std::int32_t Describe(const std::wstring& path, RasterProperties& properties,
+                                  std::wstring& reason) = 0;
 };
 
 using HostObjectFactory = std::function<std::unique_ptr<HostObject>()>;

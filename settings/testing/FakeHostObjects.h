@@ -24,6 +24,8 @@ class FakeHostObjects final : public HostObjects {
     std::int32_t projectFolderResult = kHostOk;      ///< what GetProjectFolder returns
     std::int32_t optionResult = kHostOk;             ///< what GetOptionItem returns
 
+    RasterInformationMaker rasterInformation;  ///< what RasterInformation gives; empty: the host has none
+
     int settingsMade = 0;
     int applicationsMade = 0;
 
@@ -43,6 +45,7 @@ class FakeHostObjects final : public HostObjects {
         ++applicationsMade;
         return std::make_unique<Application>(*this);
     }
+    RasterInformationMaker RasterInformation() override { return rasterInformation; }
 
   private:
     class Settings final : public OrvexSystemSettings {

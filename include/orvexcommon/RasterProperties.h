@@ -1,0 +1,69 @@
+#pragma once
+// What is known of a raster file without reading its pixels.
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvex {
+
+/// One band of a raster file.
+struct RasterBandProperties {
+    std::wstring dataType;             ///< GDAL's name: "Byte", "UInt16", "Float32", "CFloat64", ...
+    std::int32_t bits = 0;             ///< bits of one pixel as stored; less than the type's for 1-bit images
+    std::int32_t blockWidth = 0;       ///< pixels; blocks are what is read at once
+    std::int32_t blockHeight = 0;      ///< pixels
+    std::wstring colorInterpretation;  ///< GDAL's name: "Red", "Gray", "Palette", "Undefined", ...
+    std::optional<double> nodata;      ///< may be NaN; none when the file states none
+    /// Only where the file (or its sidecar) states them: nothing is computed from pixels.
+    std::optional<double> minimum;
+    std::optional<double> maximum;
+    std::int32_t overviews = 0;  ///< reduced-resolution levels, inside the file or beside it
+    std::wstring description;
+    std::wstring unit;  ///< of the values, as the file names it; empty when not stated
+    double scale = 1;   ///< value = stored value * scale + offset
+    double offset = 0;
+};
+
+/// The most bands that are described one by one; `bands` counts them all.
+inline constexpr std::size_t kMostBandsDescribed = 256;
+
+/// Properties of one raster file. Texts that the file gives are kept as they are.
+struct RasterProperties {
+    // What every raster-information object says.
+    std::int32_t width = 0;   ///< pixels, at least 1
+    std::int32_t height = 0;  ///< pixels, at least 1
+    double pixelWidth = 0;    ///< ground units per pixel along a row, never negative; 0 without georeference
+    double pixelHeight = 0;   ///< the same along a column
+    std::wstring linearUnit;  ///< in English, as the CRS names it; empty without one
+    std::string wkt;          ///< UTF-8; empty without a CRS
+    std::int32_t projectionCode = 0;  ///< EPSG code; 32767 for one defined by its user, 0 for none
+    std::int32_t colorModel = -1;     ///< 0 black and white, 1 grayscale, 2 colour, else unknown
+    /// 0 white is zero, 1 black is zero, 2 RGB, 3 palette, 4 transparency mask, -1 unknown.
+    std::int32_t rasterKind = -1;
+    std::int32_t bands = 0;
+    std::int32_t bitsPerBand = 0;                 ///< of the first band
+    std::int32_t overviews = 0;                   ///< of the first band
+    std::optional<std::array<double, 4>> extent;  ///< minX, minY, maxX, maxY in units of the CRS
+
+    // What an object may say beyond that.
+    bool hasDetails = false;   ///< whether the rest was filled
+    std::wstring driver;       ///< GDAL's short name: "GTiff"
+    std::wstring format;       ///< its long name: "GeoTIFF"
+    std::wstring compression;  ///< as the file names it: "DEFLATE"; empty for none or not stated
+    std::wstring interleave;   ///< "PIXEL", "BAND", "LINE"; empty when not stated
+    std::wstring pixelIs;      ///< "Area" or "Point"; empty when not stated
+    std::wstring acquired;     ///< date and time as the file states it; empty when it does not
+    /// X = t[0] + column * t[1] + row * t[2], Y = t[3] + column * t[4] + row * t[5]; none without
+    /// georeference.
+    std::optional<std::array<double, 6>> transform;
+    std::int32_t controlPoints = 0;                 ///< ground control points
+    bool hasRpc = false;                            ///< rational polynomial coefficients
+    std::vector<RasterBandProperties> bandDetails;  ///< at most kMostBandsDescribed, in the order of the file
+    std::vector<std::wstring> sidecars;             ///< full paths of the other files that belong to it
+    std::uint64_t totalBytes = 0;                   ///< of the file and its sidecars; 0 when unknown
+    std::vector<std::wstring> warnings;             ///< what the reader had to say while opening, each once
+};
+
+}  // namespace orvex
