@@ -3,33 +3,13 @@
 
 #include <OrvexHost.h>
 
-#include <bit>
-
-#include "support/com/ComApartment_win.h"
+#include "support/RasterInformation_win.h"
 #include "support/com/ComGuard_win.h"
-#include "support/com/ComPtr_win.h"
+#include "support/com/ComObject_win.h"
 #include "support/com/Variant_win.h"
 
 namespace orvex {
 namespace {
-
-/// What the calls of one COM object need. The apartment is the last to go.
-template <typename Interface>
-class ComObject {
-  public:
-    HRESULT Create(const ClassId& classId) {
-        if (FAILED(apartment_.Result())) {
-            return apartment_.Result();
-        }
-        return CoCreateInstance(std::bit_cast<CLSID>(classId), nullptr, CLSCTX_ALL, __uuidof(Interface),
-                                object_.ReceiveAny());
-    }
-    Interface* operator->() const { return object_.Get(); }
-
-  private:
-    ComApartment apartment_;
-    ComPtr<Interface> object_;
-};
 
 /// A call that reads and overwrites a value, which a failure leaves as it was.
 template <typename Call>
@@ -105,7 +85,7 @@ class ComHostObjects final : public HostObjects {
     std::unique_ptr<OrvexApplication> CreateApplication(std::int32_t& result) override {
         return orvex::Create<ComApplication>(result);
     }
-    RasterInformationMaker RasterInformation() override { return {}; }
+    RasterInformationMaker RasterInformation() override { return ComRasterInformation(); }
 };
 
 }  // namespace

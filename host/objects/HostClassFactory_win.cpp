@@ -1,6 +1,7 @@
 #include "host/objects/HostClassFactory_win.h"
 
 #include "host/objects/ApplicationServer_win.h"
+#include "host/objects/RasterInformationServer_win.h"
 #include "host/objects/SystemSettingsServer_win.h"
 #include "support/com/ComGuard_win.h"
 
@@ -20,14 +21,17 @@ ComPtr<IDispatch> MakeServer(std::unique_ptr<HostObject> object) {
 
 }  // namespace
 
-ServerMaker ServerMakerOf(const ClassId& classId) {
+ServerKind ServerKindOf(const ClassId& classId) {
     if (classId == kSystemSettingsClass) {
-        return &MakeServer<OrvexSystemSettings, SystemSettingsServer>;
+        return {&MakeServer<OrvexSystemSettings, SystemSettingsServer>};
     }
     if (classId == kApplicationClass) {
-        return &MakeServer<OrvexApplication, ApplicationServer>;
+        return {&MakeServer<OrvexApplication, ApplicationServer>};
     }
-    return nullptr;
+    if (classId == kRasterInformationClass) {
+        return {.maker = &MakeServer<OrvexRasterInformation, RasterInformationServer>, .anyThread = true};
+    }
+    return {};
 }
 
 HRESULT HostClassFactory::QueryInterface(REFIID interfaceId, void** object) {

@@ -13,10 +13,15 @@ namespace orvex::host {
 /// wanted.
 using ServerMaker = ComPtr<IDispatch> (*)(std::unique_ptr<HostObject> object);
 
-/// The maker for a class; null for a class that this host does not offer to COM.
-ServerMaker ServerMakerOf(const ClassId& classId);
+/// How a class is offered to COM.
+struct ServerKind {
+    ServerMaker maker = nullptr;  ///< null for a class that this host does not offer
+    bool anyThread = false;       ///< made and used on any thread, not only on the one that registered it
+};
+ServerKind ServerKindOf(const ClassId& classId);
 
-/// The class object of a class: every instance is a new object of the factory. Born with one reference.
+/// The class object of a class: every instance is a new object of the factory. Born with one reference. As
+/// safe from several threads as the factory is.
 class HostClassFactory final : public IClassFactory {
   public:
     HostClassFactory(HostObjectFactory factory, ServerMaker maker)
@@ -33,8 +38,8 @@ class HostClassFactory final : public IClassFactory {
     HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override;
 
   private:
-    HostObjectFactory factory_;
-    ServerMaker maker_;
+    const HostObjectFactory factory_;
+    const ServerMaker maker_;
     std::atomic<ULONG> references_ = 1;
 };
 

@@ -80,7 +80,10 @@ class OrvexApplication : public HostObject {
     virtual std::int32_t GetOptionItem(std::int32_t item, SettingValue& value) = 0;
 };
 
-/// Reads properties of raster files. Made and used on any thread, each object on the thread that made it.
+/// Reads properties of raster files. Made and used on any thread, several at a time, each object on the
+/// thread that made it; also for a while after the component's function has returned, when the user has given
+/// up a file that did not answer. A host need not have the class: the component then reads the files by
+/// itself.
 class OrvexRasterInformation : public HostObject {
   public:
     /// Reads what describes the file, without its pixels. Returns a result code; after a failure `properties`
@@ -95,11 +98,14 @@ using HostObjectFactory = std::function<std::unique_ptr<HostObject>()>;
 }  // namespace orvex
 
 /// Registers the factory of a class; an empty factory takes the class away. The newest registration holds.
+/// The factory of the raster-information class is called on any thread, several at a time, and a call of it
+/// may still run when the class is taken away.
 ///
-/// On Windows the settings class and the application class become class objects of the calling thread's COM
-/// apartment: call it on the thread that calls the component, and take the class away on the same thread.
-/// While a class is registered, COM stays initialised on that thread, in a single-threaded apartment if the
-/// host has not chosen another. Throws std::system_error when COM refuses.
+/// On Windows the classes become class objects of the calling thread's COM apartment, and the
+/// raster-information class moreover one of the multithreaded apartment, where the component's threads find
+/// it: call it on the thread that calls the component, and take the class away on the same thread, not from
+/// DllMain. While a class is registered, COM stays initialised on that thread, in a single-threaded apartment
+/// if the host has not chosen another. Throws std::system_error when COM refuses.
 ORVEXOBJECTS_API void RegisterHostClass(const orvex::ClassId& classId, orvex::HostObjectFactory factory);
 
 /// Makes an object of a class. Null and a failure code (kHostClassNotRegistered, kHostFail) when it cannot be

@@ -4,11 +4,11 @@
 namespace orvex {
 
 /// Keeps COM initialised on this thread while it exists, in whatever kind of apartment the thread is in
-/// already, else in a single-threaded one. To be destroyed on the thread that made it; on another thread the
+/// already, else in one of the wanted kind. To be destroyed on the thread that made it; on another thread the
 /// initialisation stays.
 class ComApartment {
   public:
-    ComApartment() : result_(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {}
+    explicit ComApartment(COINIT kind = COINIT_APARTMENTTHREADED) : result_(CoInitializeEx(nullptr, kind)) {}
     ~ComApartment() {
         if (SUCCEEDED(result_) && thread_ == GetCurrentThreadId()) {
             CoUninitialize();
