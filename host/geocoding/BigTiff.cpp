@@ -1,0 +1,53 @@
+// Is_BigTIFF: the first eight bytes of a TIFF say which of the two formats it has.
+#include <array>
+#include <cstddef>
+#include <fstream>
+
+#include "orvexcommon/Geocoding.h"
+#include "support/Files.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
+
+using orvex::operator""_lsid;
+
+namespace {
+
+using Signature = std::array<char, 8>;
+
+// Byte order, version 43, eight bytes to an offset, and a zero (a TIFF has version 42).
+constexpr Signature kLittleEndian{'I', 'I', 43, 0, 8, 0, 0, 0};
+constexpr Signature kBigEndian{'M', 'M', 0, 43, 0, 8, 0, 0};
+
+/// The first bytes of a file; zeros when it has fewer.
+Signature ReadSignature(const std::wstring& path) {
+    // Reading a folder would fail in words that help nobody.
+    if (orvex::KindOf(path) == orvex::FileKind::Folder) {
+        throw orvex::LDataError(orvex::Text(41201_lsid));
+    }
+    std::ifstream file(orvex::ToPath(path), std::ios::binary);
+    if (!file) {
+        throw orvex::LDataError(
+            orvex::Text(orvex::KindOf(path) == orvex::FileKind::Missing ? 41202_lsid : 41203_lsid));
+    }
+    Signature signature{};
+    file.read(signature.data(), static_cast<std::streamsize>(signature.size()));
+    if (file.bad()) {
+        throw orvex::LDataError(orvex::Text(41203_lsid));
+    }
+    return file.gcount() == static_cast<std::streamsize>(signature.size()) ? signature : Signature{};
+}
+
+}  // namespace
+
+bool Is_BigTIFF(const std::wstring& path, bool& isBigTiff, std::wstring& message) {
+    isBigTiff = false;
+    message.clear();
+    try {
+        const Signature signature = ReadSignature(path);
+        isBigTiff = signature == kLittleEndian || signature == kBigEndian;
+        return true;
+    } catch (...) {
+        message = orvex::CurrentExceptionText();
+        return false;
+    }
+}

@@ -1,0 +1,114 @@
+#include "raster/RasterInspection.h"
+
+#include <chrono>
+#include <utility>
+
+#include "orvexcommon/Geocoding.h"
+#include "raster/GdalSetup.h"
+#include "raster/RasterFindings.h"
+#include "raster/RasterReader.h"
+#include "raster/RasterUnit.h"
+#include "support/Files.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+std::int64_t ModifiedMs(const std::wstring& path) {
+    const auto time = LastWriteTime(path);
+    return time ? std::chrono::floor<std::chrono::milliseconds>(*time).time_since_epoch().count() : 0;
+}
+
+RasterProperties ReadOurselves(const std::wstring& path) {
+    if (EnsureGdal() != kHostOk) {
+        throw LDataError(Text(41210_lsid));
+    }
+    return ReadRasterProperties(path);
+}
+
+/// What the host's object says, with what it leaves out as our own reader finds it.
+RasterProperties WithDetails(RasterProperties told, const std::wstring& path) {
+    RasterProperties properties;
+    try {
+        properties = ReadOurselves(path);
+    } catch (...) {
+        // The host may know formats that we do not.
+        return told;
+    }
+    properties.width = told.width;
+    properties.height = told.height;
+    properties.pixelWidth = told.pixelWidth;
+    properties.pixelHeight = told.pixelHeight;
+    properties.linearUnit = std::move(told.linearUnit);
+    properties.wkt = std::move(told.wkt);
+    properties.projectionCode = told.projectionCode;
+    properties.colorModel = told.colorModel;
+    properties.rasterKind = told.rasterKind;
+    properties.bands = told.bands;
+    properties.bitsPerBand = told.bitsPerBand;
+    properties.overviews = told.overviews;
+    properties.extent = told.extent;
+    return properties;
+}
+
+RasterProperties Read(const std::wstring& path, const RasterInformationMaker& maker) {
+    std::int32_t result = kHostClassNotRegistered;
+    const auto object = maker ? maker(result) : nullptr;
+    if (!object) {
+        return ReadOurselves(path);
+    }
+    RasterProperties properties;
+    std::wstring reason;
+    result = object->Describe(path, properties, reason);
+    if (result < kHostOk) {
+        throw LDataError(reason);
+    }
+    return properties.hasDetails ? properties : WithDetails(std::move(properties), path);
+}
+
+void Inspect(RasterInspection& inspection, RasterUse use, const RasterInformationMaker& maker) {
+    inspection.properties = Read(inspection.path, maker);
+    if (inspection.properties.width < 1 || inspection.properties.height < 1) {
+        throw LDataError(Text(41216_lsid));
+    }
+    inspection.loadable = true;
+    inspection.unit = RasterUnitText(inspection.properties.linearUnit);
+    inspection.crs = DescribeCrs(inspection.properties.wkt);
+    std::wstring reason;
+    Is_BigTIFF(inspection.path, inspection.bigTiff, reason);
+    inspection.findings = FindRasterOddities(inspection, use);
+    const bool isOdd =
+        !inspection.findings.empty() && inspection.findings.front().severity > FindingSeverity::Note;
+    inspection.summary = isOdd ? inspection.findings.front().text : Text(40100_lsid);
+}
+
+/// The row of a file that cannot be described: what is wrong with it, and nothing else.
+void Refuse(RasterInspection& inspection, const std::wstring& reason) {
+    inspection.loadable = false;
+    inspection.properties = {};
+    inspection.unit.clear();
+    inspection.bigTiff = false;
+    inspection.crs = DescribeCrs({});
+    inspection.summary = Text(13638_lsid) + (reason.empty() ? L"" : L" ") + reason;
+    inspection.findings = {{FindingSeverity::Error, inspection.summary}};
+}
+
+}  // namespace
+
+RasterInspection InspectRasterFile(const std::wstring& path, RasterUse use,
+                                   const RasterInformationMaker& maker) {
+    RasterInspection inspection;
+    inspection.path = path;
+    inspection.crs = DescribeCrs({});
+    inspection.modifiedMs = ModifiedMs(path);
+    inspection.fileSize = FileSizeOf(path).value_or(0);
+    try {
+        Inspect(inspection, use, maker);
+    } catch (...) {
+        Refuse(inspection, CurrentExceptionText());
+    }
+    return inspection;
+}
+
+}  // namespace orvex

@@ -1,0 +1,113 @@
+#include "raster/RasterPlacement.h"
+
+#include <cpl_conv.h>
+#include <ogr_spatialref.h>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "raster/CrsDescription.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+using Transform = std::array<double, 6>;
+
+// The GeoTIFF code of a CRS that its user has defined.
+constexpr std::int32_t kUserDefined = 32767;
+
+std::string Export(const OGRSpatialReference& crs, const char* format) {
+    const char* const options[] = {format, "MULTILINE=NO", nullptr};
+    char* text = nullptr;
+    const bool isWhole = crs.exportToWkt(&text, options) == OGRERR_NONE;
+    std::string wkt = isWhole && text != nullptr ? text : "";
+    CPLFree(text);
+    return wkt;
+}
+
+/// WKT1 unless it would lose part of the CRS. The format is named, because the option that sets it is the
+/// process's and other threads may be changing it.
+std::string ExportCrs(const OGRSpatialReference& crs) {
+    constexpr int kPlaneAxes = 2;
+    const bool losesAxis = crs.GetAxesCount() > kPlaneAxes && crs.IsCompound() == 0;
+    std::string wkt;
+    if (!losesAxis && crs.IsDerivedGeographic() == 0) {
+        wkt = Export(crs, "FORMAT=WKT1_GDAL");
+    }
+    return wkt.empty() ? Export(crs, "FORMAT=WKT2_2019") : wkt;
+}
+
+/// The unit of horizontal distances: a geographic CRS has none, though its vertical part may have.
+std::wstring LinearUnit(const OGRSpatialReference& crs) {
+    const char* name = nullptr;
+    if (crs.IsProjected() != 0) {
+        crs.GetTargetLinearUnits("PROJCS", &name);
+    } else if (crs.IsGeographic() == 0) {
+        crs.GetLinearUnits(&name);
+    }
+    return name == nullptr || *name == '\0' ? L"unknown" : FromUtf8(name);
+}
+
+void ReadCrs(GDALDatasetH dataset, RasterProperties& properties) {
+    const auto* crs = OGRSpatialReference::FromHandle(GDALGetSpatialRef(dataset));
+    if (crs == nullptr || crs->IsEmpty()) {
+        return;
+    }
+    const std::string wkt = ExportCrs(*crs);
+    if (wkt.empty()) {
+        return;
+    }
+    properties.wkt = wkt;
+    properties.linearUnit = LinearUnit(*crs);
+    // Files of a kind have the same CRS, which is then looked up once.
+    const long code = DescribeCrs(wkt)->epsg;
+    properties.projectionCode = code > 0 ? static_cast<std::int32_t>(code) : kUserDefined;
+}
+
+std::optional<std::array<double, 4>> Extent(const Transform& t, double width, double height) {
+    std::array<double, 4> extent{t[0], t[3], t[0], t[3]};
+    for (const auto& [column, row] :
+         {std::pair(width, 0.0), std::pair(0.0, height), std::pair(width, height)}) {
+        const double x = t[0] + column * t[1] + row * t[2];
+        const double y = t[3] + column * t[4] + row * t[5];
+        extent = {std::min(extent[0], x), std::min(extent[1], y), std::max(extent[2], x),
+                  std::max(extent[3], y)};
+        if (!std::isfinite(x) || !std::isfinite(y)) {
+            return std::nullopt;
+        }
+    }
+    return extent;
+}
+
+void ReadTransform(GDALDatasetH dataset, RasterProperties& properties) {
+    Transform t{};
+    if (GDALGetGeoTransform(dataset, t.data()) != CE_None) {
+        return;
+    }
+    const double pixelWidth = std::hypot(t[1], t[4]);
+    const double pixelHeight = std::hypot(t[2], t[5]);
+    const auto extent = Extent(t, properties.width, properties.height);
+    const bool isFinite = std::ranges::all_of(t, [](double number) { return std::isfinite(number); });
+    if (!isFinite || !extent || !(pixelWidth > 0 && pixelHeight > 0) ||
+        !std::isfinite(pixelWidth + pixelHeight)) {
+        properties.warnings.push_back(Text(41215_lsid));
+        return;
+    }
+    properties.transform = t;
+    properties.pixelWidth = pixelWidth;
+    properties.pixelHeight = pixelHeight;
+    properties.extent = extent;
+}
+
+}  // namespace
+
+void ReadPlacement(GDALDatasetH dataset, RasterProperties& properties) {
+    ReadTransform(dataset, properties);
+    ReadCrs(dataset, properties);
+    properties.controlPoints = GDALGetGCPCount(dataset);
+    properties.hasRpc = GDALGetMetadata(dataset, "RPC") != nullptr;
+}
+
+}  // namespace orvex

@@ -1,0 +1,111 @@
+#include "raster/RasterWarnings.h"
+
+#include <algorithm>
+#include <cctype>
+#include <string_view>
+
+#include "support/Format.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+/// A message of GDAL's that has a text of ours: it is known by words in it. A format's "%s" takes what
+/// follows `before`, up to a dot at the end.
+struct KnownReason {
+    std::string_view words;
+    StringId text;
+    std::string_view before;
+};
+constexpr KnownReason kKnownReasons[] = {
+    {"missing codec", 41205_lsid, "missing codec "},
+    {"Too large image size", 41206_lsid, "image size: "},
+    {"Too large block size", 41213_lsid, ""},
+    {"Too many blocks", 41213_lsid, ""},
+    {"header file, but to open", 41208_lsid, ""},
+    {"Can not read TIFF directory", 41214_lsid, ""},
+    {"Failed to read directory", 41214_lsid, ""},
+    {"Cannot handle zero", 41216_lsid, ""},
+    {"Image file is too small", 41217_lsid, ""},
+    {"not recognized as a supported file format", StringId{}, ""},
+};
+
+bool IsNameLetter(char letter) {
+    return std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '_';
+}
+
+/// Without the prefixes "path: " and "FunctionOfALibrary:", of which there may be several.
+std::string_view WithoutPrefixes(std::string_view message) {
+    for (;;) {
+        std::size_t length = 0;
+        if (const std::size_t colon = message.find(':'); colon != std::string_view::npos) {
+            const std::string_view prefix = message.substr(0, colon);
+            const bool isFunction = !prefix.empty() && std::ranges::all_of(prefix, IsNameLetter) &&
+                                    prefix.size() + 1 < message.size() && message[colon + 1] != ' ';
+            length = isFunction ? colon + 1 : 0;
+        }
+        if (length == 0) {
+            return message;
+        }
+        message.remove_prefix(length);
+    }
+}
+
+std::string Clean(std::string_view message) {
+    // Only the first line: the others tell programmers what GDAL will do about it.
+    message = message.substr(0, message.find('\n'));
+    // A path ends where its colon stands; one with a drive letter has an earlier colon.
+    if (const std::size_t slash = message.find_last_of("/\\"); slash != std::string_view::npos) {
+        const std::size_t end = message.find(':', slash);
+        const bool isPrefix =
+            end != std::string_view::npos && message.find('\'') > end && message.find('`') > end;
+        message = isPrefix ? message.substr(message.find_first_not_of(": ", end)) : message;
+    }
+    message = WithoutPrefixes(message);
+    while (!message.empty() && (message.back() == ' ' || message.back() == '.')) {
+        message.remove_suffix(1);
+    }
+    return std::string(message);
+}
+
+std::wstring KnownText(std::string_view message, const KnownReason& known) {
+    if (known.before.empty()) {
+        return Text(known.text);
+    }
+    const std::size_t at = message.find(known.before);
+    std::string_view part = at == std::string_view::npos ? "" : message.substr(at + known.before.size());
+    while (part.ends_with('.')) {
+        part.remove_suffix(1);
+    }
+    return FormatText(Text(known.text), {FromUtf8(part)});
+}
+
+std::wstring PlainText(const std::string& message) {
+    for (const KnownReason& known : kKnownReasons) {
+        if (message.find(known.words) != std::string::npos) {
+            return KnownText(message, known);
+        }
+    }
+    return FormatText(Text(41209_lsid), {FromUtf8(Clean(message))});
+}
+
+}  // namespace
+
+std::vector<std::wstring> PlainMessages(const std::vector<std::string>& messages) {
+    std::vector<std::wstring> texts;
+    for (const std::string& message : messages) {
+        std::wstring text = PlainText(message);
+        if (!text.empty() && std::ranges::find(texts, text) == texts.end()) {
+            texts.push_back(std::move(text));
+        }
+    }
+    return texts;
+}
+
+std::wstring PlainReason(const std::vector<std::string>& messages) {
+    const std::vector<std::wstring> texts = PlainMessages(messages);
+    // The last one is the error, those before it are what led to it.
+    return texts.empty() ? std::wstring() : texts.back();
+}
+
+}  // namespace orvex

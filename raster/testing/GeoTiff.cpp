@@ -1,0 +1,36 @@
+#include "raster/testing/GeoTiff.h"
+
+#include <cpl_conv.h>
+#include <gtest/gtest.h>
+#include <ogr_spatialref.h>
+
+#include "raster/GdalDataset.h"
+#include "raster/GdalSetup.h"
+#include "raster/RasterDrivers.h"
+#include "support/Text.h"
+
+namespace orvex::testing {
+
+std::wstring GeoTiff::Write(const TemporaryFolder& folder, const std::wstring& name) const {
+    EXPECT_EQ(EnsureGdal(), 0);
+    const std::wstring path = folder.Name(name);
+    const GdalList list(options);
+    const GdalDataset dataset(GDALCreate(GDALGetDriverByName("GTiff"), ToUtf8(path).c_str(), width, height,
+                                         bands, type, const_cast<char**>(list.Get())));
+    EXPECT_TRUE(dataset) << CPLGetLastErrorMsg();
+    if (epsg != 0 || !wkt.empty()) {
+        OGRSpatialReference crs;
+        EXPECT_EQ(wkt.empty() ? crs.importFromEPSG(epsg) : crs.importFromWkt(wkt.c_str()), OGRERR_NONE);
+        GDALSetSpatialRef(dataset.get(), OGRSpatialReference::ToHandle(&crs));
+    }
+    if (transform) {
+        auto numbers = *transform;
+        GDALSetGeoTransform(dataset.get(), numbers.data());
+    }
+    if (change) {
+        change(dataset.get());
+    }
+    return path;
+}
+
+}  // namespace orvex::testing

@@ -1,0 +1,217 @@
+#include "raster/RasterReader.h"
+
+#include <gdal.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "raster/testing/GeoTiff.h"
+#include "support/Files.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+using ::testing::ElementsAre;
+using testing::GeoTiff;
+using ::testing::IsEmpty;
+using testing::TemporaryFolder;
+
+TEST(RasterReader, EveryFactOfAGeoTiff) {
+    const TemporaryFolder folder;
+    GeoTiff tiff;
+    tiff.bands = 3;
+    tiff.type = GDT_UInt16;
+    tiff.options = {"COMPRESS=DEFLATE", "INTERLEAVE=BAND", "TILED=YES",
+                    "BLOCKXSIZE=32",    "BLOCKYSIZE=16",   "PHOTOMETRIC=RGB"};
+    tiff.change = [](GDALDatasetH dataset) {
+        GDALSetMetadataItem(dataset, "AREA_OR_POINT", "Point", nullptr);
+        GDALSetMetadataItem(dataset, "TIFFTAG_DATETIME", "2024:05:06 07:08:09", nullptr);
+        GDALRasterBandH band = GDALGetRasterBand(dataset, 2);
+        GDALSetRasterNoDataValue(band, 65535);
+        GDALSetRasterScale(band, 0.25);
+        GDALSetRasterOffset(band, -100);
+        GDALSetRasterUnitType(band, "m");
+        GDALSetDescription(band, "gr\xc3\xbcn");
+        GDALSetMetadataItem(band, "STATISTICS_MINIMUM", "3", nullptr);
+        GDALSetMetadataItem(band, "STATISTICS_MAXIMUM", "4000.5", nullptr);
+        int levels[] = {2, 4};
+        EXPECT_EQ(GDALBuildOverviews(dataset, "NEAREST", 2, levels, 0, nullptr, nullptr, nullptr), CE_None);
+    };
+    const std::wstring path = tiff.Write(folder, L"Gel\u00e4nde \u4e2d.tif");
+    const RasterProperties p = ReadRasterProperties(path);
+    EXPECT_EQ(p.width, 20);
+    EXPECT_EQ(p.height, 10);
+    EXPECT_EQ(p.pixelWidth, 0.5);
+    EXPECT_EQ(p.pixelHeight, 0.5);
+    EXPECT_EQ(p.linearUnit, L"metre");
+    EXPECT_TRUE(p.wkt.starts_with("PROJCS[\"WGS 84 / UTM zone 33N\"")) << p.wkt;
+    EXPECT_EQ(p.projectionCode, 32633);
+    EXPECT_EQ(p.colorModel, 2);
+    EXPECT_EQ(p.rasterKind, 2);
+    EXPECT_EQ(p.bands, 3);
+    EXPECT_EQ(p.bitsPerBand, 16);
+    EXPECT_EQ(p.overviews, 2);
+    ASSERT_TRUE(p.extent);
+    EXPECT_THAT(*p.extent, ElementsAre(500000, 5299995, 500010, 5300000));
+    EXPECT_TRUE(p.hasDetails);
+    EXPECT_EQ(p.driver, L"GTiff");
+    EXPECT_EQ(p.format, L"GeoTIFF");
+    EXPECT_EQ(p.compression, L"DEFLATE");
+    EXPECT_EQ(p.interleave, L"BAND");
+    EXPECT_EQ(p.pixelIs, L"Point");
+    EXPECT_EQ(p.acquired, L"2024:05:06 07:08:09");
+    ASSERT_TRUE(p.transform);
+    EXPECT_EQ(*p.transform, *tiff.transform);
+    EXPECT_EQ(p.controlPoints, 0);
+    EXPECT_FALSE(p.hasRpc);
+    ASSERT_EQ(p.bandDetails.size(), 3U);
+    const RasterBandProperties& band = p.bandDetails[1];
+    EXPECT_EQ(band.dataType, L"UInt16");
+    EXPECT_EQ(band.bits, 16);
+    EXPECT_EQ(band.blockWidth, 32);
+    EXPECT_EQ(band.blockHeight, 16);
+    EXPECT_EQ(band.colorInterpretation, L"Green");
+    EXPECT_EQ(band.nodata, 65535);
+    EXPECT_EQ(band.minimum, 3);
+    EXPECT_EQ(band.maximum, 4000.5);
+    EXPECT_EQ(band.overviews, 2);
+    EXPECT_EQ(band.description, L"gr\u00fcn");
+    EXPECT_EQ(band.unit, L"m");
+    EXPECT_EQ(band.scale, 0.25);
+    EXPECT_EQ(band.offset, -100);
+    EXPECT_EQ(p.bandDetails[0].minimum, std::nullopt) << "the limit of the data type is no minimum";
+    EXPECT_THAT(p.sidecars, IsEmpty());
+    EXPECT_EQ(p.totalBytes, FileSizeOf(path));
+    EXPECT_THAT(p.warnings, IsEmpty());
+    EXPECT_EQ(folder.Entries(), 1U) << "nothing was written beside it";
+}
+
+TEST(RasterReader, CodeAndUnitOfTheCrs) {
+    const struct {
+        int epsg;
+        const char* wkt;
+        std::int32_t code;
+        const wchar_t* unit;
+    } cases[] = {
+        {0, "", 0, L""},
+        {2263, "", 2263, L"US survey foot"},
+        {4326, "", 4326, L"unknown"},
+        // Feet above, metres beside: the unit is that of distances on the ground.
+        {0,
+         "COMPD_CS[\"a\",PROJCS[\"b\",GEOGCS[\"c\",DATUM[\"d\",SPHEROID[\"e\",6378137,298.257]],PRIMEM["
+         "\"Greenwich\",0],"
+         "UNIT[\"degree\",0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"central_"
+         "meridian\",15],"
+         "UNIT[\"metre\",1]],VERT_CS[\"f\",VERT_DATUM[\"g\",2005],UNIT[\"foot\",0.3048]]]",
+         32767, L"metre"},
+    };
+    const TemporaryFolder folder;
+    for (const auto& c : cases) {
+        GeoTiff tiff;
+        tiff.epsg = c.epsg;
+        tiff.wkt = c.wkt;
+        const RasterProperties p = ReadRasterProperties(tiff.Write(folder, L"a.tif"));
+        EXPECT_EQ(p.projectionCode, c.code) << c.epsg;
+        EXPECT_EQ(p.linearUnit, c.unit) << c.epsg;
+    }
+}
+
+TEST(RasterReader, ColorsAsTheFileMeansThem) {
+    const auto withPalette = [](short red) {
+        return [red](GDALDatasetH dataset) {
+            GDALColorTableH colors = GDALCreateColorTable(GPI_RGB);
+            const GDALColorEntry entry{red, 0, 0, 255};
+            GDALSetColorEntry(colors, 0, &entry);
+            GDALSetRasterColorTable(GDALGetRasterBand(dataset, 1), colors);
+            GDALDestroyColorTable(colors);
+        };
+    };
+    const struct {
+        const char* about;
+        int bands;
+        std::vector<std::string> options;
+        std::function<void(GDALDatasetH)> change;
+        std::int32_t model;
+        std::int32_t kind;
+        std::int32_t bits;
+    } cases[] = {
+        {"bilevel", 1, {"NBITS=1"}, {}, 0, 1, 1},
+        {"bilevel, white first", 1, {"NBITS=1", "PHOTOMETRIC=MINISWHITE"}, {}, 0, 0, 1},
+        {"gray", 1, {}, {}, 1, 1, 8},
+        {"gray, white first", 1, {"PHOTOMETRIC=MINISWHITE"}, {}, 1, 0, 8},
+        {"palette", 1, {}, withPalette(255), 2, 3, 8},
+        {"RGB", 3, {"PHOTOMETRIC=RGB"}, {}, 2, 2, 8},
+        {"RGB and alpha", 4, {"PHOTOMETRIC=RGB", "ALPHA=YES"}, {}, 2, 2, 8},
+        {"CMYK", 4, {"PHOTOMETRIC=CMYK"}, {}, 2, 2, 8},  // shown as RGB by the reader
+    };
+    const TemporaryFolder folder;
+    for (const auto& c : cases) {
+        GeoTiff tiff;
+        tiff.bands = c.bands;
+        tiff.options = c.options;
+        tiff.change = c.change;
+        const RasterProperties p = ReadRasterProperties(tiff.Write(folder, L"a.tif"));
+        EXPECT_EQ(p.colorModel, c.model) << c.about;
+        EXPECT_EQ(p.rasterKind, c.kind) << c.about;
+        EXPECT_EQ(p.bitsPerBand, c.bits) << c.about;
+    }
+}
+
+TEST(RasterReader, PlacementByTransformAndOtherwise) {
+    const TemporaryFolder folder;
+    GeoTiff rotated;
+    rotated.transform = {{100, 3, 4, 200, 4, -3}};
+    const RasterProperties turned = ReadRasterProperties(rotated.Write(folder, L"rotated.tif"));
+    EXPECT_EQ(turned.pixelWidth, 5);
+    EXPECT_EQ(turned.pixelHeight, 5);
+    ASSERT_TRUE(turned.extent);
+    EXPECT_THAT(*turned.extent, ElementsAre(100, 170, 200, 280));
+
+    GeoTiff none;
+    none.transform.reset();
+    none.change = [](GDALDatasetH dataset) {
+        GDAL_GCP points[4] = {};
+        char empty[] = "";
+        for (int i = 0; i < 4; ++i) {
+            points[i] = {empty, empty, double(i % 2), double(i / 2), double(i), double(i * i), 0};
+        }
+        GDALSetGCPs(dataset, 4, points, "");
+    };
+    const RasterProperties placed = ReadRasterProperties(none.Write(folder, L"gcp.tif"));
+    EXPECT_EQ(placed.controlPoints, 4);
+    EXPECT_EQ(placed.pixelWidth, 0);
+    EXPECT_FALSE(placed.transform);
+    EXPECT_FALSE(placed.extent);
+}
+
+TEST(RasterReader, SidecarsCount) {
+    const TemporaryFolder folder;
+    GeoTiff tiff;
+    tiff.transform.reset();
+    const std::wstring path = tiff.Write(folder, L"a.tif");
+    const std::wstring world = folder.Write(L"a.tfw", "2\n0\n0\n-2\n1\n9\n");
+    folder.Write(L"b.tfw", "1\n0\n0\n-1\n0\n0\n");
+    const RasterProperties p = ReadRasterProperties(path);
+    EXPECT_THAT(p.sidecars, ElementsAre(world));
+    EXPECT_EQ(p.totalBytes, *FileSizeOf(path) + *FileSizeOf(world));
+    EXPECT_EQ(p.pixelWidth, 2);
+}
+
+TEST(RasterReader, NodataOfEveryKind) {
+    const TemporaryFolder folder;
+    GeoTiff tiff;
+    tiff.type = GDT_Float32;
+    EXPECT_EQ(ReadRasterProperties(tiff.Write(folder, L"a.tif")).bandDetails.at(0).nodata, std::nullopt);
+    tiff.change = [](GDALDatasetH dataset) {
+        GDALSetRasterNoDataValue(GDALGetRasterBand(dataset, 1), std::numeric_limits<double>::quiet_NaN());
+    };
+    const auto nodata = ReadRasterProperties(tiff.Write(folder, L"b.tif")).bandDetails.at(0).nodata;
+    EXPECT_TRUE(nodata && std::isnan(*nodata));
+}
+
+}  // namespace
+}  // namespace orvex
