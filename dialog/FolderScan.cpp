@@ -37,6 +37,10 @@ class Scan {
     }
 
   private:
+    const std::vector<std::wstring>& FolderExtensions() const {
+        return request_.folderExtensions.empty() ? request_.extensions : request_.folderExtensions;
+    }
+
     bool Stopped() { return result_.stopped = result_.stopped || stop_.stop_requested(); }
 
     void AddTree(const std::wstring& top) {
@@ -57,7 +61,7 @@ class Scan {
         const SystemError error = ListFolder(folder, [&](FolderEntry entry) {
             if (entry.kind == FileKind::Folder && request_.recursive) {
                 waiting.push_back(std::move(entry.path));
-            } else if (entry.kind == FileKind::File && HasExtension(entry.path, request_.extensions)) {
+            } else if (entry.kind == FileKind::File && HasExtension(entry.path, FolderExtensions())) {
                 result_.files.push_back(std::move(entry.path));
             }
             return !Stopped();

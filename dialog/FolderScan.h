@@ -15,6 +15,9 @@ struct ScanRequest {
     std::vector<std::wstring> paths;       ///< folders and files
     std::vector<std::wstring> extensions;  ///< upper-cased, with their dot: ".LAS"
     bool recursive = true;                 ///< subfolders too
+    /// Of the files that folders are searched for, where they are others than those of `extensions`, which
+    /// then hold for files that are named only; empty: the same.
+    std::vector<std::wstring> folderExtensions = {};
 };
 
 struct ScanResult {

@@ -50,6 +50,8 @@ QIcon ButtonIcon(ButtonImage image) {
             return Load("details");
         case ButtonImage::AllRows:
             return Load("all-rows");
+        case ButtonImage::Refresh:
+            return Load("refresh");
         case ButtonImage::Stop:
             return Load("stop");
     }

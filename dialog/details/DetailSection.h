@@ -1,6 +1,7 @@
 #pragma once
 // What a details pane says, without a widget.
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/Text.h"
@@ -16,5 +17,12 @@ struct DetailSection {
     StringId title;
     std::vector<DetailField> fields;  ///< only those that the file says something of
 };
+
+/// Adds a field unless the file says nothing of it.
+inline void AddField(std::vector<DetailField>& fields, StringId caption, std::wstring value) {
+    if (!value.empty()) {
+        fields.push_back({caption, std::move(value)});
+    }
+}
 
 }  // namespace orvex

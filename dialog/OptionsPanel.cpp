@@ -1,4 +1,4 @@
-#include "las/LasOptionsPanel.h"
+#include "dialog/OptionsPanel.h"
 
 #include <QEvent>
 #include <QScrollBar>
@@ -6,7 +6,7 @@
 
 namespace orvex {
 
-LasOptionsPanel::LasOptionsPanel(QWidget* content, QWidget* parent) : QScrollArea(parent) {
+OptionsPanel::OptionsPanel(QWidget* content, QWidget* parent) : QScrollArea(parent) {
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -19,39 +19,39 @@ LasOptionsPanel::LasOptionsPanel(QWidget* content, QWidget* parent) : QScrollAre
     FitHeight();
 }
 
-void LasOptionsPanel::SetMostHeight(int pixels) {
+void OptionsPanel::SetMostHeight(int pixels) {
     mostHeight_ = pixels;
     FitHeight();
 }
 
-QSize LasOptionsPanel::sizeHint() const {
+QSize OptionsPanel::sizeHint() const {
     return {widget()->sizeHint().width(), WantedHeight()};
 }
 
-QSize LasOptionsPanel::minimumSizeHint() const {
+QSize OptionsPanel::minimumSizeHint() const {
     return {0, WantedHeight()};
 }
 
-void LasOptionsPanel::resizeEvent(QResizeEvent* event) {
+void OptionsPanel::resizeEvent(QResizeEvent* event) {
     QScrollArea::resizeEvent(event);
     FitHeight();
 }
 
-bool LasOptionsPanel::eventFilter(QObject* watched, QEvent* event) {
+bool OptionsPanel::eventFilter(QObject* watched, QEvent* event) {
     if (watched == widget() && event->type() == QEvent::LayoutRequest) {
         FitHeight();
     }
     return QScrollArea::eventFilter(watched, event);
 }
 
-int LasOptionsPanel::WantedHeight() const {
+int OptionsPanel::WantedHeight() const {
     const bool scrolls = widget()->minimumSizeHint().width() > width();
     const int all =
         widget()->sizeHint().height() + (scrolls ? horizontalScrollBar()->sizeHint().height() : 0);
     return std::min(all, mostHeight_);
 }
 
-void LasOptionsPanel::FitHeight() {
+void OptionsPanel::FitHeight() {
     if (height() != WantedHeight()) {
         setFixedHeight(WantedHeight());
     }

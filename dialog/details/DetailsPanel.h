@@ -1,11 +1,12 @@
 #pragma once
 #include <QIcon>
+#include <QString>
 #include <QWidget>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "las/LasDetails.h"
+#include "support/Text.h"
 
 class QLabel;
 class QPlainTextEdit;
@@ -15,16 +16,33 @@ class QToolButton;
 
 namespace orvex {
 
+/// One tab of a details pane.
+struct DetailsTab {
+    enum class Kind { Html, PlainText };
+
+    const char* name;  ///< of its view
+    StringId caption;
+    Kind kind = Kind::Html;
+};
+
+/// What a pane shows.
+struct DetailsContent {
+    std::wstring title;         ///< behind "Details: "; empty: that word alone
+    std::vector<QString> tabs;  ///< a text per tab, HTML or plain as its tab says; missing ones are empty
+};
+
 /// The pane below the grid: everything about the selected file, or totals of several. It folds to its title.
-class LasDetailsPanel final : public QWidget {
+class DetailsPanel final : public QWidget {
     Q_OBJECT
 
   public:
-    /// `images`: the dialog's image list.
-    explicit LasDetailsPanel(std::vector<QIcon> images, QWidget* parent = nullptr);
+    /// `images`: the dialog's image list, which HTML shows as "image:" and the index.
+    DetailsPanel(std::vector<QIcon> images, std::span<const DetailsTab> tabs, QWidget* parent = nullptr);
 
-    /// `records`: what is selected, as indices into `rows`; nothing is kept of them.
-    void ShowRows(std::span<const LasRow> rows, std::span<const std::size_t> records);
+    void Show(const DetailsContent& content);
+
+    /// The colour of what explains a value, as "#rrggbb"; differs between light and dark themes.
+    QString CaptionColour() const;
 
     /// What the user chose; a crowded pane shows only its title all the same.
     bool IsFolded() const { return folded_; }
@@ -43,13 +61,16 @@ class LasDetailsPanel final : public QWidget {
     void changeEvent(QEvent* event) override;
 
   private:
-    void MakeTitle();
-    void ShowNothing();
-    void ShowOne(const LasRow& row);
-    void ShowTotals(const LasTotals& totals);
-    void SetTitle(const std::wstring& title);
-    void SetOverview(const QString& html);
+    /// The view of one tab; one of the two is null.
+    struct View {
+        QTextEdit* html = nullptr;
+        QPlainTextEdit* plain = nullptr;
+    };
 
+    void MakeTitle();
+    View AddTab(const DetailsTab& tab);
+    void SetTitle(const std::wstring& title);
+    void SetHtml(QTextEdit& view, const QString& html) const;
     void ShowBody();
 
     std::vector<QIcon> images_;
@@ -58,10 +79,8 @@ class LasDetailsPanel final : public QWidget {
     QWidget* titleRow_ = nullptr;
     QToolButton* fold_ = nullptr;
     QLabel* title_ = nullptr;
-    QTabWidget* tabs_ = nullptr;
-    QTextEdit* overview_ = nullptr;
-    QTextEdit* crs_ = nullptr;
-    QPlainTextEdit* records_ = nullptr;
+    QTabWidget* tabs_;
+    std::vector<View> views_;
 };
 
 }  // namespace orvex

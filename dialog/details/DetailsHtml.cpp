@@ -1,6 +1,6 @@
-#include "las/LasDetailsHtmlView.h"
+#include "dialog/details/DetailsHtml.h"
 
-#include "dialog/Images.h"
+#include "dialog/ImageIndex.h"
 #include "support/QtText.h"
 #include "support/Text.h"
 
@@ -12,10 +12,6 @@ QString Escaped(const std::wstring& text) {
     return ToQString(text).toHtmlEscaped();
 }
 
-QString EscapedLines(const std::wstring& text) {
-    return Escaped(text).replace(QLatin1Char('\n'), QStringLiteral("<br>"));
-}
-
 QString FindingLine(int image, const std::wstring& text) {
     return QStringLiteral(
                "<tr><td style=\"padding-right:6px\"><img src=\"image:%1\" width=\"16\" height=\"16\"></td>"
@@ -24,13 +20,13 @@ QString FindingLine(int image, const std::wstring& text) {
         .arg(Escaped(text));
 }
 
-int ImageOf(LasSeverity severity) {
+int ImageOf(FindingSeverity severity) {
     switch (severity) {
-        case LasSeverity::Note:
+        case FindingSeverity::Note:
             return kImageInformation;
-        case LasSeverity::Warning:
+        case FindingSeverity::Warning:
             return kImageWarning;
-        case LasSeverity::Error:
+        case FindingSeverity::Error:
             return kImageNotLoadable;
     }
     return kImageInformation;
@@ -38,20 +34,20 @@ int ImageOf(LasSeverity severity) {
 
 }  // namespace
 
-QString FieldsHtml(std::span<const LasDetailField> fields, const QString& captionColour) {
+QString FieldsHtml(std::span<const DetailField> fields, const QString& captionColour) {
     QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"1\">");
-    for (const LasDetailField& field : fields) {
+    for (const DetailField& field : fields) {
         html += QStringLiteral(
                     "<tr><td style=\"color:%1; padding-right:8px; white-space:nowrap\">%2</td>"
                     "<td>%3</td></tr>")
-                    .arg(captionColour, Escaped(Text(field.caption)), EscapedLines(field.value));
+                    .arg(captionColour, Escaped(Text(field.caption)), TextHtml(field.value));
     }
     return html + QStringLiteral("</table>");
 }
 
-QString SectionsHtml(std::span<const LasDetailSection> sections, const QString& captionColour) {
+QString SectionsHtml(std::span<const DetailSection> sections, const QString& captionColour) {
     QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"0\" style=\"margin-top:8px\"><tr>");
-    for (const LasDetailSection& section : sections) {
+    for (const DetailSection& section : sections) {
         html += QStringLiteral(
                     "<td style=\"padding-right:14px\"><p style=\"margin-bottom:3px\"><b>%1</b></p>%2</td>")
                     .arg(Escaped(Text(section.title)), FieldsHtml(section.fields, captionColour));
@@ -59,17 +55,24 @@ QString SectionsHtml(std::span<const LasDetailSection> sections, const QString& 
     return html + QStringLiteral("</tr></table>");
 }
 
-QString FindingsHtml(const LasRow& row) {
+QString FindingsHtml(std::span<const Finding> findings, const std::wstring& failure,
+                     const std::wstring& allWell) {
     QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"1\">");
-    if (row.inspection.file == nullptr) {
-        html += FindingLine(kImageNotLoadable, row.inspection.summary);
-    } else if (row.inspection.findings.empty()) {
-        html += FindingLine(kImageLoadable, Text(40641_lsid));
+    if (!failure.empty()) {
+        html += FindingLine(kImageNotLoadable, failure);
+    } else if (findings.empty()) {
+        html += FindingLine(kImageLoadable, allWell);
     }
-    for (const LasFinding& finding : row.inspection.findings) {
-        html += FindingLine(ImageOf(finding.severity), finding.text);
+    for (const Finding& finding : findings) {
+        if (finding.text != failure) {  // the failure may be among them
+            html += FindingLine(ImageOf(finding.severity), finding.text);
+        }
     }
     return html + QStringLiteral("</table>");
+}
+
+QString TextHtml(const std::wstring& text) {
+    return Escaped(text).replace(QLatin1Char('\n'), QStringLiteral("<br>"));
 }
 
 QString PreformattedHtml(const std::wstring& text) {

@@ -5,11 +5,11 @@ namespace orvex {
 
 /// Shows a row of options at its full height, or at most a given one. What the window has no room for is
 /// reached by scrolling.
-class LasOptionsPanel final : public QScrollArea {
+class OptionsPanel final : public QScrollArea {
     Q_OBJECT
 
   public:
-    explicit LasOptionsPanel(QWidget* content, QWidget* parent = nullptr);
+    explicit OptionsPanel(QWidget* content, QWidget* parent = nullptr);
 
     /// Pixels that the row may take.
     void SetMostHeight(int pixels);

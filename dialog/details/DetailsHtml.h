@@ -1,0 +1,29 @@
+#pragma once
+#include <QString>
+#include <span>
+#include <string>
+
+#include "dialog/details/DetailSection.h"
+#include "support/Finding.h"
+
+namespace orvex {
+
+/// The sections beside each other. `captionColour`: of the names of the fields, as "#rrggbb".
+QString SectionsHtml(std::span<const DetailSection> sections, const QString& captionColour);
+
+/// A two-column table of fields.
+QString FieldsHtml(std::span<const DetailField> fields, const QString& captionColour);
+
+/// What is odd about a file, a line each, with the picture of its severity ("image:" and its index).
+/// `failure`: why the file cannot be loaded, which comes first; empty when it can. `allWell`: what is said
+/// when nothing is odd.
+QString FindingsHtml(std::span<const Finding> findings, const std::wstring& failure,
+                     const std::wstring& allWell);
+
+/// A text with its line breaks.
+QString TextHtml(const std::wstring& text);
+
+/// A monospaced block that keeps its lines.
+QString PreformattedHtml(const std::wstring& text);
+
+}  // namespace orvex

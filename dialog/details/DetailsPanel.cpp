@@ -1,0 +1,165 @@
+#include "dialog/details/DetailsPanel.h"
+
+#include <QEvent>
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QScrollBar>
+#include <QTabWidget>
+#include <QTextDocument>
+#include <QTextEdit>
+#include <QToolButton>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include "support/QtText.h"
+
+namespace orvex {
+
+namespace {
+
+constexpr int kImageSize = 16;
+
+QTextEdit* MakeHtmlView() {
+    auto* view = new QTextEdit;
+    view->setLineWrapMode(QTextEdit::NoWrap);
+    return view;
+}
+
+QPlainTextEdit* MakePlainView() {
+    auto* view = new QPlainTextEdit;
+    view->setLineWrapMode(QPlainTextEdit::NoWrap);
+    view->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    return view;
+}
+
+/// What the views of both kinds have in common.
+template <typename Edit>
+void SetUp(Edit& view, const char* name) {
+    view.setObjectName(QString::fromLatin1(name));
+    view.setReadOnly(true);
+    view.setFrameShape(QFrame::NoFrame);
+    view.setTabChangesFocus(true);
+    view.setMinimumHeight(0);
+}
+
+}  // namespace
+
+DetailsPanel::DetailsPanel(std::vector<QIcon> images, std::span<const DetailsTab> tabs, QWidget* parent)
+    : QWidget(parent), images_(std::move(images)), tabs_(new QTabWidget) {
+    setObjectName(QStringLiteral("detailsPane"));
+    tabs_->setObjectName(QStringLiteral("detailsTabs"));
+    tabs_->setDocumentMode(true);
+    for (const DetailsTab& tab : tabs) {
+        views_.push_back(AddTab(tab));
+    }
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    MakeTitle();
+    layout->addWidget(titleRow_);
+    layout->addWidget(tabs_, 1);
+    Show({});
+}
+
+DetailsPanel::View DetailsPanel::AddTab(const DetailsTab& tab) {
+    View view;
+    if (tab.kind == DetailsTab::Kind::Html) {
+        view.html = MakeHtmlView();
+        SetUp(*view.html, tab.name);
+        tabs_->addTab(view.html, ToQString(Text(tab.caption)));
+    } else {
+        view.plain = MakePlainView();
+        SetUp(*view.plain, tab.name);
+        tabs_->addTab(view.plain, ToQString(Text(tab.caption)));
+    }
+    return view;
+}
+
+void DetailsPanel::MakeTitle() {
+    titleRow_ = new QWidget;
+    fold_ = new QToolButton;
+    fold_->setObjectName(QStringLiteral("detailsFold"));
+    fold_->setAutoRaise(true);
+    fold_->setArrowType(Qt::DownArrow);
+    fold_->setToolTip(ToQString(Text(40657_lsid)));
+    fold_->setWhatsThis(fold_->toolTip());
+    fold_->setAccessibleName(ToQString(Text(40630_lsid)));
+    title_ = new QLabel;
+    title_->setObjectName(QStringLiteral("detailsTitle"));
+    title_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    auto* layout = new QHBoxLayout(titleRow_);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(fold_);
+    layout->addWidget(title_, 1);
+    connect(fold_, &QToolButton::clicked, this, [this] { SetFolded(!IsFolded()); });
+}
+
+int DetailsPanel::TitleHeight() const {
+    return titleRow_->sizeHint().height();
+}
+
+void DetailsPanel::SetFolded(bool folded) {
+    folded_ = folded;
+    ShowBody();
+}
+
+void DetailsPanel::SetCrowded(bool crowded) {
+    crowded_ = crowded;
+    ShowBody();
+}
+
+void DetailsPanel::ShowBody() {
+    fold_->setEnabled(!crowded_);
+    fold_->setArrowType(IsBodyShown() ? Qt::DownArrow : Qt::RightArrow);
+    if (tabs_->isHidden() == IsBodyShown()) {
+        tabs_->setVisible(IsBodyShown());
+        emit BodyShownChanged(IsBodyShown());
+    }
+}
+
+void DetailsPanel::Show(const DetailsContent& content) {
+    SetTitle(content.title);
+    for (std::size_t i = 0; i < views_.size(); ++i) {
+        const QString text = i < content.tabs.size() ? content.tabs[i] : QString();
+        if (views_[i].html != nullptr) {
+            SetHtml(*views_[i].html, text);
+        } else {
+            views_[i].plain->setPlainText(text);
+        }
+    }
+}
+
+// Two thirds of the way from the background to the text, so that it can be read in light and dark themes.
+QString DetailsPanel::CaptionColour() const {
+    const QColor text = palette().color(QPalette::Text);
+    const QColor base = palette().color(QPalette::Base);
+    const auto mix = [](int a, int b) { return (2 * a + b) / 3; };
+    return QColor(mix(text.red(), base.red()), mix(text.green(), base.green()), mix(text.blue(), base.blue()))
+        .name();
+}
+
+void DetailsPanel::SetTitle(const std::wstring& title) {
+    const std::wstring text = Text(40630_lsid) + (title.empty() ? L"" : L": " + title);
+    title_->setText(ToQString(text));
+    title_->setToolTip(ToQString(title));
+}
+
+void DetailsPanel::SetHtml(QTextEdit& view, const QString& html) const {
+    view.clear();
+    for (std::size_t i = 0; i < images_.size(); ++i) {
+        view.document()->addResource(QTextDocument::ImageResource, QUrl(QStringLiteral("image:%1").arg(i)),
+                                     images_[i].pixmap(kImageSize));
+    }
+    view.setHtml(html);
+}
+
+void DetailsPanel::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        emit PaletteChanged();
+    }
+}
+
+}  // namespace orvex
