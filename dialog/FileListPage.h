@@ -83,7 +83,6 @@ class FileListPage : public AddFilesPage {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
-    void BuildLayout(const std::vector<QIcon>& images);
     QWidget* MakeButtonRow();
     QPushButton* MakeDetailColumnsButton();
     void MakeSplitter();
@@ -99,6 +98,7 @@ class FileListPage : public AddFilesPage {
     void OnSelectAll();
     void OnRefresh();
     void OnHelp();
+    void OnContextHelp();
     void OnDropFiles(const QDropEvent& event);
     void PaneShown(bool shown);
     void RestorePane();

@@ -21,8 +21,8 @@ struct FileListPageDescription {
     };
 
     FileListControls controls;
-    const char* splitterName = "";          ///< object name of the splitter between grid and details
-    const wchar_t* paneStateName = L"";     ///< under which the details pane's state is stored
+    const char* splitterName = "";       ///< object name of the splitter between grid and details
+    const wchar_t* paneStateName = L"";  ///< under which the details pane's state is stored
     HelpTopic helpTopic = HelpTopic::LasFiles;
 
     StringId filesCaption = {};  ///< above the grid

@@ -3,6 +3,7 @@
 #include <iterator>
 #include <utility>
 
+#include "dialog/DialogProgress.h"
 #include "dialog/FileListPage.h"
 
 namespace orvex {
@@ -26,7 +27,7 @@ class FileListPageOf : public FileListPage {
           adder_(std::move(adder)),
           refresher_(std::move(refresher)) {}
 
-    RowsModel& Model() { return *model_; }
+    RowsModel& EditModel() { return *model_; }
 
     AddingSummary AddRows(AddingRequest request, const std::function<void()>& appended) override {
         const auto deliver = [&](std::vector<Inspection> batch) {

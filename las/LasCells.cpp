@@ -59,8 +59,8 @@ GridCell CountOf(const LasRow& row) {
 }
 
 /// 0 for a file that cannot be loaded, so that it reads as a flag.
-GridCell LoadFlag(const LasRow& row) {
-    return static_cast<double>(LasLoadFlag::NotLoadable) - static_cast<double>(LoadFlagOf(row));
+GridCell LoadFlagCell(const LasRow& row) {
+    return static_cast<double>(LoadFlag::NotLoadable) - static_cast<double>(LoadFlagOf(row));
 }
 
 GridCell Details(const LasRow& row) {
@@ -244,7 +244,7 @@ std::wstring PointFormat(const LASFile& file) {
 }
 
 constexpr std::array<CellFunction, kLasColumnCount> kCells{
-    LoadFlag,
+    LoadFlagCell,
     [](const LasRow& row) { return GridCell(row.inspection.path); },
     Details,
     [](const LasRow& row) { return GridCell(FileNameOf(row.inspection.path)); },

@@ -34,12 +34,6 @@ const std::vector<SectionColumns>& Sections() {
     return sections;
 }
 
-void AddField(std::vector<LasDetailField>& fields, StringId caption, std::wstring value) {
-    if (!value.empty()) {
-        fields.push_back({caption, std::move(value)});
-    }
-}
-
 /// Grows a box by a file's; a box that is not finite, or inverted, says nothing.
 void Unite(std::optional<std::array<double, 6>>& box, const LASFile& file) {
     const auto minimum = file.Minimum();
@@ -83,10 +77,10 @@ std::wstring Triple(const LasRow& row, LasColumn x) {
     return line.size() <= kLongLine ? line : Joined(row, x, L"\n", {0, 1, 2});
 }
 
-LasDetailSection ExtentSection(const LasRow& row) {
+DetailSection ExtentSection(const LasRow& row) {
     constexpr int kToMaximum = IndexOf(LasColumn::MaximumX) - IndexOf(LasColumn::MinimumX);
     constexpr const wchar_t* kTo = L" \u2013 ";
-    LasDetailSection section{40638_lsid, {}};
+    DetailSection section{40638_lsid, {}};
     AddField(section.fields, 40660_lsid, Joined(row, LasColumn::MinimumX, kTo, {0, kToMaximum}));
     AddField(section.fields, 40661_lsid, Joined(row, LasColumn::MinimumY, kTo, {0, kToMaximum}));
     AddField(section.fields, 40662_lsid, Joined(row, LasColumn::MinimumZ, kTo, {0, kToMaximum}));
@@ -98,10 +92,10 @@ LasDetailSection ExtentSection(const LasRow& row) {
 
 }  // namespace
 
-std::vector<LasDetailSection> LasOverview(const LasRow& row) {
-    std::vector<LasDetailSection> sections;
+std::vector<DetailSection> LasOverview(const LasRow& row) {
+    std::vector<DetailSection> sections;
     for (const SectionColumns& section : Sections()) {
-        LasDetailSection shown{section.title, {}};
+        DetailSection shown{section.title, {}};
         for (const LasColumn column : section.columns) {
             std::wstring value = LasCellText(row, column);
             if (column == LasColumn::Layer && row.layerExists) {
@@ -121,9 +115,9 @@ std::vector<LasDetailSection> LasOverview(const LasRow& row) {
     return sections;
 }
 
-std::vector<LasDetailField> LasCrsFields(const LasRow& row) {
+std::vector<DetailField> LasCrsFields(const LasRow& row) {
     const CrsDescription& crs = *row.inspection.crs;
-    std::vector<LasDetailField> fields;
+    std::vector<DetailField> fields;
     if (crs.sourceWkt.empty()) {
         return fields;
     }
@@ -158,7 +152,7 @@ LasTotals TotalsOf(std::span<const LasRow> rows, std::span<const std::size_t> re
         const LasInspection& inspection = rows[record].inspection;
         ++totals.files;
         totals.bytes += inspection.fileSize;
-        totals.withFindings += LoadFlagOf(rows[record]) == LasLoadFlag::Findings ? 1 : 0;
+        totals.withFindings += LoadFlagOf(rows[record]) == LoadFlag::Findings ? 1 : 0;
         if (inspection.file == nullptr) {
             ++totals.notReadable;
             continue;
@@ -178,9 +172,9 @@ LasTotals TotalsOf(std::span<const LasRow> rows, std::span<const std::size_t> re
     return totals;
 }
 
-LasDetailSection TotalsSection(const LasTotals& totals) {
+DetailSection TotalsSection(const LasTotals& totals) {
     const auto count = [](std::size_t number) { return number == 0 ? L"" : std::to_wstring(number); };
-    LasDetailSection section{40665_lsid, {}};
+    DetailSection section{40665_lsid, {}};
     auto& fields = section.fields;
     AddField(fields, 40652_lsid, std::to_wstring(totals.files));
     AddField(fields, 40552_lsid, FormatText(L"%.2f", {static_cast<double>(totals.bytes) * 1e-6}));

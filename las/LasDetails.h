@@ -7,26 +7,17 @@
 #include <string>
 #include <vector>
 
+#include "dialog/details/DetailSection.h"
 #include "las/LasColumns.h"
 #include "las/LasRow.h"
 
 namespace orvex {
 
-struct LasDetailField {
-    StringId caption;
-    std::wstring value;
-};
-
-struct LasDetailSection {
-    StringId title;
-    std::vector<LasDetailField> fields;  ///< only those that the file says something of
-};
-
 /// The header of one file, in sections.
-std::vector<LasDetailSection> LasOverview(const LasRow& row);
+std::vector<DetailSection> LasOverview(const LasRow& row);
 
 /// The coordinate reference system of one file; no fields when it carries none.
-std::vector<LasDetailField> LasCrsFields(const LasRow& row);
+std::vector<DetailField> LasCrsFields(const LasRow& row);
 
 /// The VLRs and EVLRs of one file as plain text, headed by the GPS time kind where the file has one.
 std::wstring LasRecordsText(const LasRow& row);
@@ -49,6 +40,6 @@ struct LasTotals {
 LasTotals TotalsOf(std::span<const LasRow> rows, std::span<const std::size_t> records);
 
 /// The totals as one section.
-LasDetailSection TotalsSection(const LasTotals& totals);
+DetailSection TotalsSection(const LasTotals& totals);
 
 }  // namespace orvex

@@ -29,10 +29,10 @@ void DescribeFileCrs(LasInspection& inspection) {
     inspection.crs = DescribeCrs(crs.wkt);
     if (crs.isDamaged || (!crs.wkt.empty() && inspection.crs->name.empty())) {
         inspection.findings.push_back(
-            {LasFindingCode::CrsUnreadable, LasSeverity::Warning, kVlrCountAt, Text(40122_lsid)});
+            {LasFindingCode::CrsUnreadable, FindingSeverity::Warning, kVlrCountAt, Text(40122_lsid)});
     } else if (crs.wkt.empty()) {
         inspection.findings.push_back(
-            {LasFindingCode::NoCrs, LasSeverity::Note, kVlrCountAt, Text(40121_lsid)});
+            {LasFindingCode::NoCrs, FindingSeverity::Note, kVlrCountAt, Text(40121_lsid)});
     }
 }
 
@@ -43,7 +43,7 @@ void RefuseWithoutSignature(LasInspection& inspection) {
     }
     inspection.loadable = false;
     inspection.summary = FormatText(Text(40123_lsid), {inspection.path});
-    inspection.findings = {{LasFindingCode::SignatureMissing, LasSeverity::Error, 0, inspection.summary}};
+    inspection.findings = {{LasFindingCode::SignatureMissing, FindingSeverity::Error, 0, inspection.summary}};
     inspection.file.reset();
 }
 
@@ -59,7 +59,7 @@ void Inspect(LasInspection& inspection) {
     DescribeFileCrs(inspection);
     SortFindings(inspection.findings);
     const bool isOdd =
-        !inspection.findings.empty() && inspection.findings.front().severity > LasSeverity::Note;
+        !inspection.findings.empty() && inspection.findings.front().severity > FindingSeverity::Note;
     inspection.summary = isOdd ? inspection.findings.front().text : Text(40100_lsid);
 }
 

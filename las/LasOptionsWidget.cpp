@@ -9,9 +9,8 @@
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
 
-#include "las/LasControlWidget.h"
+#include "dialog/ControlWidget.h"
 #include "las/LasPageControls.h"
-#include "support/QtText.h"
 
 namespace orvex {
 
@@ -20,30 +19,6 @@ using namespace las_control;
 namespace {
 
 constexpr int kThinningDigits = 10;
-
-/// A radio button of a group; `value` is what the group's checkedId() then tells.
-QRadioButton* AddRadio(QButtonGroup* group, int value, int id, StringId caption, StringId tooltip) {
-    auto* button = MakeControl<QRadioButton>(id, caption, tooltip);
-    group->addButton(button, value);
-    return button;
-}
-
-constexpr QMargins kGroupMargins{8, 4, 8, 4};
-constexpr int kRowSpacing = 4;
-
-/// A group whose controls stand in a row or below each other.
-QGroupBox* MakeGroup(int id, StringId caption, QBoxLayout::Direction direction,
-                     std::initializer_list<QWidget*> controls) {
-    auto* group = MakeControl<QGroupBox>(id, caption);
-    auto* layout = new QBoxLayout(direction, group);
-    layout->setContentsMargins(kGroupMargins);
-    layout->setSpacing(direction == QBoxLayout::LeftToRight ? 6 : kRowSpacing);
-    for (QWidget* widget : controls) {
-        layout->addWidget(widget);
-    }
-    layout->addStretch();
-    return group;
-}
 
 template <typename Enum>
 int ValueOf(Enum value) {
@@ -83,14 +58,14 @@ LasOptionsWidget::LasOptionsWidget(QWidget* parent)
 
 QGroupBox* LasOptionsWidget::MakeOpenGroup() {
     return MakeGroup(kOpenGroup, 13467_lsid, QBoxLayout::TopToBottom,
-                     {AddRadio(openMode_, 0, kReadOnly, 13469_lsid, 40679_lsid),
-                      AddRadio(openMode_, 1, kReadWrite, 13470_lsid, 40680_lsid)});
+                     {MakeRadio(openMode_, 0, kReadOnly, 13469_lsid, 40679_lsid),
+                      MakeRadio(openMode_, 1, kReadWrite, 13470_lsid, 40680_lsid)});
 }
 
 QGroupBox* LasOptionsWidget::MakeLoadGroup() {
     return MakeGroup(kLoadGroup, 41000_lsid, QBoxLayout::TopToBottom,
-                     {AddRadio(loadMode_, 0, kLoadFiles, 41001_lsid, 40681_lsid),
-                      AddRadio(loadMode_, 1, kFootprints, 41002_lsid, 40682_lsid)});
+                     {MakeRadio(loadMode_, 0, kLoadFiles, 41001_lsid, 40681_lsid),
+                      MakeRadio(loadMode_, 1, kFootprints, 41002_lsid, 40682_lsid)});
 }
 
 QGroupBox* LasOptionsWidget::MakeOptionsGroup() {
@@ -107,7 +82,7 @@ QGroupBox* LasOptionsWidget::MakePyramidGroup() {
     auto* group = MakeControl<QGroupBox>(kPyramidGroup, 13475_lsid);
     auto* layout = new QVBoxLayout(group);
     layout->setContentsMargins(kGroupMargins);
-    layout->setSpacing(kRowSpacing);
+    layout->setSpacing(kGroupRowSpacing);
     layout->addLayout(MakePyramidRow());
     layout->addWidget(convertQvr_);
     layout->addWidget(reCreate_);
@@ -119,7 +94,7 @@ QHBoxLayout* LasOptionsWidget::MakePyramidRow() {
     auto* row = new QHBoxLayout;
     row->setSpacing(12);
     const auto add = [&](LasPyramidType type, int id, StringId caption, StringId tooltip) {
-        row->addWidget(AddRadio(pyramidType_, ValueOf(type), id, caption, tooltip));
+        row->addWidget(MakeRadio(pyramidType_, ValueOf(type), id, caption, tooltip));
     };
     add(LasPyramidType::OrvexLas, kPyramidOrvexLas, 41005_lsid, 3379_lsid);
     add(LasPyramidType::Qvr, kPyramidQvr, 41006_lsid, 3380_lsid);
@@ -131,7 +106,7 @@ QHBoxLayout* LasOptionsWidget::MakePyramidRow() {
 QWidget* LasOptionsWidget::MakeThinning() {
     auto* row = new QWidget;
     auto* layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, kRowSpacing, 0, 0);
+    layout->setContentsMargins(0, kGroupRowSpacing, 0, 0);
     auto* caption = MakeControl<QLabel>(kThinningCaption, 13472_lsid, 41017_lsid);
     thinning_ = MakeControl<QLineEdit>(kThinning, {}, 41017_lsid);
     thinning_->setMaxLength(kThinningDigits);
@@ -149,10 +124,10 @@ QWidget* LasOptionsWidget::MakeThinning() {
 QGroupBox* LasOptionsWidget::MakeOriginalsGroup() {
     return MakeGroup(
         kOriginalsGroup, 41009_lsid, QBoxLayout::LeftToRight,
-        {AddRadio(backup_, ValueOf(LasBackupOption::Overwrite), kOverwrite, 41010_lsid, 40684_lsid),
-         AddRadio(backup_, ValueOf(LasBackupOption::Backup), kBackup, 41011_lsid, 40685_lsid),
-         AddRadio(backup_, ValueOf(LasBackupOption::BackupAndCompress), kBackupCompress, 41012_lsid,
-                  40686_lsid)});
+        {MakeRadio(backup_, ValueOf(LasBackupOption::Overwrite), kOverwrite, 41010_lsid, 40684_lsid),
+         MakeRadio(backup_, ValueOf(LasBackupOption::Backup), kBackup, 41011_lsid, 40685_lsid),
+         MakeRadio(backup_, ValueOf(LasBackupOption::BackupAndCompress), kBackupCompress, 41012_lsid,
+                   40686_lsid)});
 }
 
 void LasOptionsWidget::SetOptions(const LasPageOptions& options) {

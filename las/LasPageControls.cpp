@@ -2,18 +2,27 @@
 
 namespace orvex {
 
-std::vector<LasControlState> LasControlStates(const LasPageState& state) {
+FileListControls LasListControls() {
+    using namespace las_control;
+    FileListControls controls;
+    controls.filesCaption = kFilesCaption;
+    controls.grid = kGrid;
+    controls.addFiles = kAddFiles;
+    controls.addFolder = kAddFolder;
+    controls.remove = kRemove;
+    controls.clear = kClear;
+    controls.detailColumns = kDetailColumns;
+    controls.refresh = kRefresh;
+    controls.help = kHelp;
+    return controls;
+}
+
+std::vector<ControlState> LasControlStates(const LasPageState& state) {
     using namespace las_control;
     const bool idle = !state.busy;
     const bool pyramids = idle && state.options.readWrite && !state.options.footprintsOnly;
     const bool orvexLas = pyramids && state.options.pyramidType == LasPyramidType::OrvexLas;
-    return {
-        {kAddFiles, idle},
-        {kAddFolder, idle},
-        {kRemove, idle && state.selectedRows > 0},
-        {kClear, idle && state.rows > 0},
-        {kRefresh, idle && state.rows > 0},
-        {kDetailColumns, idle},
+    const std::vector<ControlState> own{
         {kReadOnly, idle},
         {kReadWrite, idle},
         {kLoadFiles, idle},
@@ -33,6 +42,9 @@ std::vector<LasControlState> LasControlStates(const LasPageState& state) {
         {kBackup, orvexLas},
         {kBackupCompress, orvexLas},
     };
+    std::vector<ControlState> states = FileListStates(LasListControls(), state);
+    states.insert(states.end(), own.begin(), own.end());
+    return states;
 }
 
 }  // namespace orvex

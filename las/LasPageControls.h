@@ -1,7 +1,7 @@
 #pragma once
-#include <cstddef>
 #include <vector>
 
+#include "dialog/FileListControls.h"
 #include "las/LasPageOptions.h"
 
 namespace orvex {
@@ -41,22 +41,17 @@ inline constexpr int kBackupCompress = 378;
 inline constexpr int kReCreate = 417;
 }  // namespace las_control
 
-/// What decides which controls can be used.
-struct LasPageState {
-    bool busy = false;  ///< a long run is under way
-    std::size_t rows = 0;
-    std::size_t selectedRows = 0;
-    LasPageOptions options;
-};
+/// Those that every file page has.
+FileListControls LasListControls();
 
-struct LasControlState {
-    int id;
-    bool enabled;
+/// What decides which controls can be used.
+struct LasPageState : FileListState {
+    LasPageOptions options;
 };
 
 /// Every control whose state depends on something, with its state. Pyramids are built only into files that
 /// are loaded read-write; conversion, re-creation and what happens to the originals mean something only for
 /// OrvexLAS. Thinning is always checked on OK, so it can always be corrected.
-std::vector<LasControlState> LasControlStates(const LasPageState& state);
+std::vector<ControlState> LasControlStates(const LasPageState& state);
 
 }  // namespace orvex

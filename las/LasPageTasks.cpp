@@ -1,13 +1,12 @@
 #include "las/LasPageTasks.h"
 
+#include "dialog/PromptLines.h"
+#include "las/LasPageControls.h"
 #include "orvexcommon/OrvexUtilities.h"
-#include "support/Format.h"
 
 namespace orvex {
 
 namespace {
-
-constexpr std::size_t kMostItemsShown = 10;
 
 LasInspection FailedInspection(const std::wstring& path, const std::wstring& message) {
     LasInspection inspection;
@@ -23,30 +22,36 @@ std::wstring FailureText(const LasFileFailure& failure) {
     return isNamed ? failure.cause : failure.path + L": " + failure.cause;
 }
 
-/// One line per item, and how many there are beyond those that a message box can show.
-template <typename Items, typename ToText>
-std::wstring PromptLines(const Items& items, ToText toText) {
-    std::wstring lines;
-    for (std::size_t i = 0; i < items.size() && i < kMostItemsShown; ++i) {
-        lines += L"\n" + toText(items[i]);
-    }
-    if (items.size() > kMostItemsShown) {
-        lines += L"\n" + FormatText(Text(40672_lsid), {items.size() - kMostItemsShown});
-    }
-    return lines;
-}
-
-}  // namespace
-
-const std::vector<std::wstring>& LasExtensions() {
-    static const std::vector<std::wstring> extensions{L".LAS", L".LAZ"};
-    return extensions;
-}
-
 OpenFilesRequest LasOpenFilesRequest() {
     OpenFilesRequest request;
     request.filters = {{L"LAS Files (*.las)", L"*.las"}, {L"LAZ Files (*.laz)", L"*.laz"}};
     return request;
+}
+
+}  // namespace
+
+FileListPageDescription DescribeLasPage() {
+    using enum DetailsTab::Kind;
+    FileListPageDescription page;
+    page.controls = LasListControls();
+    page.splitterName = "lasSplitter";
+    page.paneStateName = L"AddLASFilesDetails";
+    page.helpTopic = HelpTopic::LasFiles;
+    page.filesCaption = 13466_lsid;
+    page.emptyText = 40674_lsid;
+    page.addFiles = {13462_lsid, 13483_lsid};
+    page.addFolder = {13463_lsid, 41015_lsid};
+    page.openFiles = LasOpenFilesRequest;
+    page.pickFailed = {10052_lsid};
+    page.folderQuestion = {13556_lsid};
+    page.scanTexts.ignored = 41051_lsid;
+    page.scanTexts.nothingFound = 41052_lsid;
+    page.extensions = {L".LAS", L".LAZ"};
+    page.detailsTabs = {{"detailsOverview", 40631_lsid, Html},
+                        {"detailsCrs", 40632_lsid, Html},
+                        {"detailsRecords", 40633_lsid, PlainText}};
+    page.nothingSelected = 40634_lsid;
+    return page;
 }
 
 FileAdder<LasInspection> MakeLasFileAdder() {
@@ -62,22 +67,6 @@ FileAdder<LasInspection> MakeLasFileRefresher() {
     AddingDescription description;
     description.progressText = 40676_lsid;
     return {std::move(description), InspectLasFile, FailedInspection};
-}
-
-std::optional<Prompt> ScanPrompt(const ScanResult& found) {
-    Prompt prompt{{}, Text(18253_lsid), PromptIcon::Information, PromptButtons::Ok};
-    if (!found.unreadable.empty()) {
-        prompt.icon = PromptIcon::Error;
-        prompt.text = Text(40677_lsid) + L"\n" +
-                      PromptLines(found.unreadable, [](const std::wstring& path) { return path; });
-    } else if (!found.stopped && found.ignored > 0) {
-        prompt.text = FormatText(Text(41051_lsid), {found.ignored});
-    } else if (!found.stopped && found.files.empty()) {
-        prompt.text = Text(41052_lsid);
-    } else {
-        return std::nullopt;
-    }
-    return prompt;
 }
 
 Prompt OpenFailuresPrompt(const std::vector<LasFileFailure>& failures) {

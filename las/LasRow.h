@@ -1,6 +1,7 @@
 #pragma once
 #include <string>
 
+#include "dialog/LoadFlag.h"
 #include "las/LasInspection.h"
 
 namespace orvex {
@@ -13,13 +14,7 @@ struct LasRow {
     unsigned group = 0;        ///< files of one number can share a layer; 0: none
 };
 
-/// How a row stands, worst last; each state has an image in the dialog's list.
-enum class LasLoadFlag { Good, Findings, NotLoadable };
-
-LasLoadFlag LoadFlagOf(const LasRow& row);
-
-/// Index of the state's image in the dialog's image list.
-int LoadFlagImage(LasLoadFlag flag);
+LoadFlag LoadFlagOf(const LasRow& row);
 
 /// Everything there is to say about a row's state, one finding a line; empty when all is well.
 std::wstring FindingsText(const LasRow& row);

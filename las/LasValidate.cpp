@@ -57,7 +57,7 @@ class Validator {
 
     std::vector<LasFinding> Run() {
         if (!header_.HasSignature()) {
-            Add(LasFindingCode::SignatureMissing, LasSeverity::Error, 0, 40123_lsid, {file_.FileName()});
+            Add(LasFindingCode::SignatureMissing, FindingSeverity::Error, 0, 40123_lsid, {file_.FileName()});
         }
         CheckVersion();
         CheckLayout();
@@ -68,25 +68,25 @@ class Validator {
         CheckVlrs();
         CheckEvlrs();
         if (!file_.HasProjectionRecords()) {
-            Add(LasFindingCode::NoCrs, LasSeverity::Note, kVlrCountAt, 40121_lsid, {});
+            Add(LasFindingCode::NoCrs, FindingSeverity::Note, kVlrCountAt, 40121_lsid, {});
         }
         SortFindings(findings_);
         return std::move(findings_);
     }
 
   private:
-    void Add(LasFindingCode code, LasSeverity severity, std::uint64_t offset, StringId text,
+    void Add(LasFindingCode code, FindingSeverity severity, std::uint64_t offset, StringId text,
              std::initializer_list<FormatArg> arguments) {
         findings_.push_back({code, severity, offset, FormatText(Text(text), arguments)});
     }
 
     void CheckVersion() {
         if (file_.GetVersionCode() < 0) {
-            Add(LasFindingCode::UnknownVersion, LasSeverity::Error, kVersionAt, 40116_lsid,
+            Add(LasFindingCode::UnknownVersion, FindingSeverity::Error, kVersionAt, 40116_lsid,
                 {static_cast<unsigned>(header_.VersionMajor()),
                  static_cast<unsigned>(header_.VersionMinor())});
         } else if (file_.GetVersionCode() == kVersionCode20) {
-            Add(LasFindingCode::UnknownVersion, LasSeverity::Warning, kVersionAt, 40117_lsid, {});
+            Add(LasFindingCode::UnknownVersion, FindingSeverity::Warning, kVersionAt, 40117_lsid, {});
         }
     }
 
@@ -94,15 +94,16 @@ class Validator {
         const std::uint16_t smallest = SmallestHeaderSize(file_.GetVersionCode());
         if (header_.HeaderSize() < smallest) {
             Add(LasFindingCode::HeaderSizeOdd,
-                header_.HeaderSize() < LasHeader::kLegacySize ? LasSeverity::Error : LasSeverity::Warning,
+                header_.HeaderSize() < LasHeader::kLegacySize ? FindingSeverity::Error
+                                                              : FindingSeverity::Warning,
                 kHeaderSizeAt, 40109_lsid, {header_.HeaderSize(), smallest});
         }
         if (header_.OffsetToPoints() < std::max<std::size_t>(header_.HeaderSize(), LasHeader::kLegacySize)) {
-            Add(LasFindingCode::OffsetInsideHeader, LasSeverity::Error, kOffsetToPointsAt, 40108_lsid,
+            Add(LasFindingCode::OffsetInsideHeader, FindingSeverity::Error, kOffsetToPointsAt, 40108_lsid,
                 {header_.OffsetToPoints(), header_.HeaderSize()});
         }
         if (header_.OffsetToPoints() > file_.FileSize()) {
-            Add(LasFindingCode::OffsetBeyondEnd, LasSeverity::Error, kOffsetToPointsAt, 40107_lsid,
+            Add(LasFindingCode::OffsetBeyondEnd, FindingSeverity::Error, kOffsetToPointsAt, 40107_lsid,
                 {header_.OffsetToPoints(), file_.FileSize()});
         }
     }
@@ -110,10 +111,10 @@ class Validator {
     void CheckPointFormat() {
         const PointFormatFacts* facts = FindPointFormat(header_.PointFormat());
         if (facts == nullptr) {
-            Add(LasFindingCode::UnknownPointFormat, LasSeverity::Error, kPointFormatAt, 40114_lsid,
+            Add(LasFindingCode::UnknownPointFormat, FindingSeverity::Error, kPointFormatAt, 40114_lsid,
                 {header_.PointFormat()});
         } else if (header_.PointRecordLength() < facts->minimumLength) {
-            Add(LasFindingCode::RecordLengthTooShort, LasSeverity::Error, kRecordLengthAt, 40115_lsid,
+            Add(LasFindingCode::RecordLengthTooShort, FindingSeverity::Error, kRecordLengthAt, 40115_lsid,
                 {header_.PointFormat(), facts->minimumLength, header_.PointRecordLength()});
         }
     }
@@ -123,12 +124,12 @@ class Validator {
         const auto offset = header_.Offset();
         const auto zero = AxesWhere([&](std::size_t axis) { return scale[axis] == 0; });
         if (!zero.empty()) {
-            Add(LasFindingCode::ScaleZero, LasSeverity::Warning, kScaleAt, 40105_lsid, {zero});
+            Add(LasFindingCode::ScaleZero, FindingSeverity::Warning, kScaleAt, 40105_lsid, {zero});
         }
         const auto notFinite = AxesWhere(
             [&](std::size_t axis) { return !std::isfinite(scale[axis]) || !std::isfinite(offset[axis]); });
         if (!notFinite.empty()) {
-            Add(LasFindingCode::ScaleNotFinite, LasSeverity::Error, kScaleAt, 40106_lsid, {notFinite});
+            Add(LasFindingCode::ScaleNotFinite, FindingSeverity::Error, kScaleAt, 40106_lsid, {notFinite});
         }
     }
 
@@ -142,11 +143,12 @@ class Validator {
         const auto notFinite = AxesWhere(
             [&](std::size_t axis) { return !std::isfinite(low[axis]) || !std::isfinite(high[axis]); });
         if (!notFinite.empty()) {
-            Add(LasFindingCode::ExtentNotFinite, LasSeverity::Warning, kExtentAt, 40104_lsid, {notFinite});
+            Add(LasFindingCode::ExtentNotFinite, FindingSeverity::Warning, kExtentAt, 40104_lsid,
+                {notFinite});
         }
         const auto inverted = AxesWhere([&](std::size_t axis) { return low[axis] > high[axis]; });
         if (!inverted.empty()) {
-            Add(LasFindingCode::ExtentInverted, LasSeverity::Warning, kExtentAt, 40103_lsid, {inverted});
+            Add(LasFindingCode::ExtentInverted, FindingSeverity::Warning, kExtentAt, 40103_lsid, {inverted});
         }
     }
 
@@ -171,11 +173,11 @@ class Validator {
         const std::uint64_t count = header_.PointCount();
         const bool is14 = file_.GetVersionCode() == kVersionCode14;
         if (count == 0) {
-            Add(LasFindingCode::NoPoints, LasSeverity::Warning, is14 ? kPointCountAt : kLegacyPointCountAt,
-                40118_lsid, {});
+            Add(LasFindingCode::NoPoints, FindingSeverity::Warning,
+                is14 ? kPointCountAt : kLegacyPointCountAt, 40118_lsid, {});
         }
         if (is14 && header_.LegacyPointCount() != 0 && header_.LegacyPointCount() != count) {
-            Add(LasFindingCode::CountMismatch, LasSeverity::Warning, kLegacyPointCountAt, 40119_lsid,
+            Add(LasFindingCode::CountMismatch, FindingSeverity::Warning, kLegacyPointCountAt, 40119_lsid,
                 {count, header_.LegacyPointCount()});
         }
         // How long compressed points are does not follow from their count.
@@ -188,15 +190,15 @@ class Validator {
     void CheckPointsAgainstSize(std::uint64_t count, std::uint64_t bytes) {
         const std::uint64_t held = bytes / header_.PointRecordLength();
         if (held < count) {
-            Add(LasFindingCode::PointsTruncated, LasSeverity::Error, header_.OffsetToPoints(),
+            Add(LasFindingCode::PointsTruncated, FindingSeverity::Error, header_.OffsetToPoints(),
                 count - held == 1 ? 40124_lsid : 40101_lsid, {count - held, count, held});
             return;
         }
         const std::uint64_t end = header_.OffsetToPoints() + count * header_.PointRecordLength();
         if (held > count) {
-            Add(LasFindingCode::CountMismatch, LasSeverity::Warning, end, 40120_lsid, {count, held});
+            Add(LasFindingCode::CountMismatch, FindingSeverity::Warning, end, 40120_lsid, {count, held});
         } else if (bytes % header_.PointRecordLength() != 0) {
-            Add(LasFindingCode::BytesAfterPoints, LasSeverity::Note, end, 40102_lsid,
+            Add(LasFindingCode::BytesAfterPoints, FindingSeverity::Note, end, 40102_lsid,
                 {bytes % header_.PointRecordLength()});
         }
     }
@@ -204,7 +206,7 @@ class Validator {
     void CheckVlrs() {
         const auto& vlrs = file_.GetVLRs();
         if (vlrs.size() < header_.VlrCount()) {
-            Add(LasFindingCode::VlrCountTooHigh, LasSeverity::Warning, kVlrCountAt, 40110_lsid,
+            Add(LasFindingCode::VlrCountTooHigh, FindingSeverity::Warning, kVlrCountAt, 40110_lsid,
                 {header_.VlrCount(), vlrs.size()});
         }
         if (!vlrs.empty() && vlrs.back().IsTruncated()) {
@@ -215,7 +217,7 @@ class Validator {
     void CheckEvlrs() {
         const auto& evlrs = file_.GetEVLRs();
         if (file_.GetVersionCode() == kVersionCode14 && evlrs.size() < header_.EvlrCount()) {
-            Add(LasFindingCode::EvlrCountTooHigh, LasSeverity::Warning, kEvlrCountAt, 40112_lsid,
+            Add(LasFindingCode::EvlrCountTooHigh, FindingSeverity::Warning, kEvlrCountAt, 40112_lsid,
                 {header_.EvlrCount(), evlrs.size()});
         }
         if (!evlrs.empty() && evlrs.back().IsTruncated()) {
@@ -227,7 +229,7 @@ class Validator {
     template <typename Records>
     void AddTruncated(LasFindingCode code, StringId text, const Records& records) {
         const auto& last = records.back();
-        Add(code, LasSeverity::Warning, last.FileOffset(), text,
+        Add(code, FindingSeverity::Warning, last.FileOffset(), text,
             {records.size(), FromUtf8(last.UserId()), last.RecordId()});
     }
 

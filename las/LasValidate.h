@@ -1,13 +1,14 @@
 #pragma once
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "support/Finding.h"
 
 namespace orvex {
 
 class LASFile;
-
-enum class LasSeverity { Note, Warning, Error };
 
 enum class LasFindingCode {
     PointsTruncated,
@@ -34,11 +35,12 @@ enum class LasFindingCode {
 };
 
 /// One thing that is odd about a file.
-struct LasFinding {
+struct LasFinding : Finding {
+    LasFinding(LasFindingCode what, FindingSeverity how, std::uint64_t where, std::wstring sentence)
+        : Finding{how, std::move(sentence)}, code(what), offset(where) {}
+
     LasFindingCode code;
-    LasSeverity severity;
     std::uint64_t offset;  ///< byte in the file that says so
-    std::wstring text;     ///< a sentence in plain words
 };
 
 /// Everything that is odd about a file's header and records, worst first, in file order among equals. Whether

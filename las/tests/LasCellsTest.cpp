@@ -157,7 +157,7 @@ TEST_F(LasCells, DatesAreCheckedBeforeTheyAreComputed) {
 TEST_F(LasCells, AFileThatCannotBeReadShowsItsNameAndWhy) {
     LasRow row{InspectLasFile(folder.Write(L"bad.las", "nothing")), {}, false, 0};
     ASSERT_EQ(row.inspection.file, nullptr);
-    EXPECT_EQ(LoadFlagOf(row), LasLoadFlag::NotLoadable);
+    EXPECT_EQ(LoadFlagOf(row), LoadFlag::NotLoadable);
     EXPECT_EQ(LoadFlagImage(LoadFlagOf(row)), 6);
     EXPECT_EQ(LasCellText(row, LasColumn::FileName), L"bad.las");
     EXPECT_EQ(LasCellText(row, LasColumn::State), row.inspection.summary);

@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "las/LasPageControls.h"
-#include "las/LasPaneState.h"
 #include "settings/OptionStore.h"
 #include "settings/testing/FakeRegistry.h"
 
@@ -130,21 +129,9 @@ TEST(LasPageOptionsStore, AStoreThatCannotBeOpenedIsSilent) {
     EXPECT_EQ(ReadLasPageOptions(store), LasPageOptions{});
 }
 
-TEST(LasPaneStateStore, ReadsBackAndForgivesDamage) {
-    FakeRegistry registry;
-    const OptionStore store(registry);
-    EXPECT_EQ(ReadLasPaneState(store), LasPaneState{});
-    SaveLasPaneState(store, {true, 321});
-    EXPECT_EQ(ReadLasPaneState(store), (LasPaneState{true, 321}));
-    for (const char* damaged : {"", "f", "f ", "o -5", "o 12x", "o 99999999999", "o 20000"}) {
-        store.WritePlacement(L"AddLASFilesDetails", damaged);
-        EXPECT_EQ(ReadLasPaneState(store), LasPaneState{}) << damaged;
-    }
-}
-
 bool Enabled(const LasPageState& state, int id) {
     const auto states = LasControlStates(state);
-    const auto found = std::ranges::find(states, id, &LasControlState::id);
+    const auto found = std::ranges::find(states, id, &ControlState::id);
     return found != states.end() && found->enabled;
 }
 
@@ -200,7 +187,7 @@ TEST(LasControls, RowsSelectionAndWorkDecideTheButtons) {
     }
     LasPageState busy{true, 3, 1, {}};
     busy.options.readWrite = true;
-    for (const LasControlState& control : LasControlStates(busy)) {
+    for (const ControlState& control : LasControlStates(busy)) {
         EXPECT_FALSE(control.enabled) << control.id;
     }
 }

@@ -122,10 +122,10 @@ TEST_F(LasValidateTest, SaysItInPlainWords) {
 }
 
 TEST_F(LasValidateTest, SortsTheWorstFirst) {
-    std::vector<LasFinding> findings{{Code::NoCrs, LasSeverity::Note, 1, L""},
-                                     {Code::NoPoints, LasSeverity::Warning, 9, L""},
-                                     {Code::ScaleZero, LasSeverity::Warning, 2, L""},
-                                     {Code::PointsTruncated, LasSeverity::Error, 50, L""}};
+    std::vector<LasFinding> findings{{Code::NoCrs, FindingSeverity::Note, 1, L""},
+                                     {Code::NoPoints, FindingSeverity::Warning, 9, L""},
+                                     {Code::ScaleZero, FindingSeverity::Warning, 2, L""},
+                                     {Code::PointsTruncated, FindingSeverity::Error, 50, L""}};
     SortFindings(findings);
     std::vector<Code> codes(findings.size());
     std::ranges::transform(findings, codes.begin(), &LasFinding::code);
