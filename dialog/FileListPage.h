@@ -7,6 +7,7 @@
 #include "dialog/AddFilesPage.h"
 #include "dialog/FileAdder.h"
 #include "dialog/FileListPageDescription.h"
+#include "dialog/details/DetailsPanel.h"
 
 class QPushButton;
 class QSplitter;

@@ -6,7 +6,7 @@
 #include "dialog/FileListControls.h"
 #include "dialog/FixedText.h"
 #include "dialog/ScanPrompt.h"
-#include "dialog/details/DetailsPanel.h"
+#include "dialog/details/DetailsTab.h"
 #include "support/FilePickers.h"
 #include "support/HelpViewer.h"
 

@@ -48,7 +48,7 @@ int OptionsPanel::WantedHeight() const {
     const bool scrolls = widget()->minimumSizeHint().width() > width();
     const int all =
         widget()->sizeHint().height() + (scrolls ? horizontalScrollBar()->sizeHint().height() : 0);
-    return std::min(all, mostHeight_);
+    return std::clamp(all, 0, mostHeight_);
 }
 
 void OptionsPanel::FitHeight() {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "support/Text.h"
+#include "dialog/details/DetailsTab.h"
 
 class QLabel;
 class QPlainTextEdit;
@@ -15,15 +15,6 @@ class QTextEdit;
 class QToolButton;
 
 namespace orvex {
-
-/// One tab of a details pane.
-struct DetailsTab {
-    enum class Kind { Html, PlainText };
-
-    const char* name;  ///< of its view
-    StringId caption;
-    Kind kind = Kind::Html;
-};
 
 /// What a pane shows.
 struct DetailsContent {
