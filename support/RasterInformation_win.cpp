@@ -93,7 +93,7 @@ void ReadOptionalDetails(Source& source, RasterProperties& properties) {
             const auto text = names.try_emplace(name, name).first;
             Variant item;
             SettingValue value;
-            if (FAILED(details->get_Item(text->second.Get(), index, item.InOut())) ||
+            if (FAILED(details->get_Detail(text->second.Get(), index, item.InOut())) ||
                 FAILED(ToSettingValue(item.Get(), value))) {
                 return SettingValue();
             }

@@ -132,7 +132,7 @@ HRESULT RasterInformationServer::GetExtent(double* minX, double* minY, double* m
     return S_OK;
 }
 
-HRESULT RasterInformationServer::Details::get_Item(BSTR name, long index, VARIANT* value) {
+HRESULT RasterInformationServer::Details::get_Detail(BSTR name, long index, VARIANT* value) {
     if (value == nullptr) {
         return E_POINTER;
     }

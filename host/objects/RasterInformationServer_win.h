@@ -36,7 +36,7 @@ class RasterInformationServer final : public DualObject<IOrvexRasterInformation>
     class Details final : public PartOf<DispatchPart<IOrvexRasterDetails>> {
       public:
         explicit Details(RasterInformationServer& server) : PartOf(server), server_(server) {}
-        HRESULT STDMETHODCALLTYPE get_Item(BSTR name, long index, VARIANT* value) override;
+        HRESULT STDMETHODCALLTYPE get_Detail(BSTR name, long index, VARIANT* value) override;
 
       private:
         RasterInformationServer& server_;

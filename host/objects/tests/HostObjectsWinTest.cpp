@@ -311,7 +311,7 @@ TEST_F(HostObjectsWinTest, TheTableOfAnInterfaceNeverChanges) {
          {L"Open", L"Width", L"Height", L"PixelWidth", L"PixelHeight", L"LinearUnit", L"Wkt",
           L"ProjectionCode", L"ColorModel", L"RasterKind", L"BandCount", L"BitsPerBand", L"OverviewCount",
           L"GetExtent"}},
-        {nullptr, L"{37CAEEE9-175A-473E-A366-7C5B4F58D29E}", {L"Item"}},
+        {nullptr, L"{37CAEEE9-175A-473E-A366-7C5B4F58D29E}", {L"Detail"}},
         {L"{FAFBA4E0-3533-449F-8A15-D7B13B1A1591}",
          L"{87F5FD2E-9ED1-4E93-91BF-516E5E9BE0A6}",
          {L"Open", L"ShapeCount", L"ShapeType", L"GetExtent", L"FieldCount", L"GetFieldInfo"}},
