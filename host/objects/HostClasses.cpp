@@ -1,5 +1,6 @@
 #include "host/objects/HostClasses.h"
 
+#include "host/objects/HostRasterInformation.h"
 #include "host/objects/HostSettings.h"
 #include "settings/ConfigFolder.h"
 #include "settings/ValueFile.h"
@@ -25,6 +26,7 @@ HostClasses::HostClasses(HostState state)
       application_(kApplicationClass,
                    [folder = std::move(state.projectFolder), options = std::move(state.options)] {
                        return std::make_unique<HostApplication>(folder, options);
-                   }) {}
+                   }),
+      rasterInformation_(kRasterInformationClass, [] { return std::make_unique<HostRasterInformation>(); }) {}
 
 }  // namespace orvex::host

@@ -18,8 +18,8 @@ struct HostState {
 /// "host.sqlite" in the folder of the user's settings.
 std::filesystem::path DefaultSettingsFile();
 
-/// Makes the settings object and the application object of this host what the object library hands out, until
-/// destroyed. On Windows to be destroyed on the thread that made it.
+/// Makes the settings, application and raster-information objects of this host what the object library hands
+/// out, until destroyed. On Windows to be destroyed on the thread that made it.
 class HostClasses {
   public:
     explicit HostClasses(HostState state);
@@ -43,6 +43,7 @@ class HostClasses {
 
     Registration settings_;
     Registration application_;
+    Registration rasterInformation_;
 };
 
 }  // namespace orvex::host
