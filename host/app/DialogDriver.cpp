@@ -27,8 +27,8 @@ struct TabName {
     const char* page;
     const char* name;
 };
-constexpr TabName kTabNames[] = {{"page363", "las"}, {"page385", "raster"}, {"page390", "feature"},
-                                 {"page403", "dem"}, {"page406", "photo"},  {"page410", "cloud"}};
+constexpr TabName kTabNames[] = {{kLasPage, "las"}, {kRasterPage, "raster"}, {"page390", "feature"},
+                                 {kDemPage, "dem"}, {"page406", "photo"},    {"page410", "cloud"}};
 
 QString TextOf(QWidget* window) {
     const auto* box = qobject_cast<QMessageBox*>(window);
@@ -78,45 +78,17 @@ void DialogDriver::Add(const QString& waitsFor, std::function<bool()> ready, std
 void DialogDriver::AddSteps() {
     Add(
         "the Add Files dialog to open", [this] { return (dialog_ = FindAddFilesDialog()) != nullptr; },
-        [this] { AddLasSteps(); });
+        [this] { AddDialogSteps(); });
 }
 
-void DialogDriver::AddLasSteps() {
-    const auto idle = [this] { return IsIdle(); };
-    Add("the dialog to settle", idle, [this] {
-        TakePicture(dialog_, "dialog-empty");
-        DropPaths(dialog_, settings_.paths);
-    });
-    Add("the files to be read", idle, [this] { TakePicture(dialog_, "tab-" + CurrentTabName()); });
-    Add("the button of the detail columns", idle, [this] {
-        if (auto* details = dialog_->findChild<QAbstractButton*>("c248")) {
-            details->click();
-        }
-    });
-    Add("the detail columns", idle, [this] {
-        TakePicture(dialog_, "tab-" + CurrentTabName() + "-columns");
-        if (auto* details = dialog_->findChild<QAbstractButton*>("c248")) {
-            details->click();
-        }
-        if (QTableView* grid = GridOf(dialog_)) {
-            grid->selectRow(grid->model()->rowCount() / 2);
-        }
-    });
-    Add("the details of a file", idle, [this] {
-        TakePicture(dialog_, "tab-" + CurrentTabName() + "-details");
-        AddTabSteps();
-    });
-}
-
-void DialogDriver::AddTabSteps() {
-    auto* tabs = dialog_->findChild<QTabBar*>();
-    for (int tab = 1; tab < tabs->count(); ++tab) {
-        Add(
-            "the next tab", [this] { return IsIdle(); }, [tabs, tab] { tabs->setCurrentIndex(tab); });
-        Add(
-            "the page of the tab", [this] { return IsIdle(); },
-            [this] { TakePicture(dialog_, "tab-" + CurrentTabName()); });
-    }
+void DialogDriver::AddDialogSteps() {
+    Add(
+        "the dialog to settle", [this] { return IsIdle(); },
+        [this] { TakePicture(dialog_, "dialog-empty"); });
+    AddPageSteps(kLasPage, "las", settings_.plan.las);
+    AddPageSteps(kRasterPage, "raster", settings_.plan.rasters);
+    AddPageSteps(kDemPage, "dem", settings_.plan.dems);
+    AddOtherTabSteps();
     Add(
         "the OK button", [this] { return IsIdle(); },
         [this] {
@@ -126,6 +98,65 @@ void DialogDriver::AddTabSteps() {
         });
     Add(
         "the dialog to close", [] { return FindAddFilesDialog() == nullptr; }, [this] { dialog_ = nullptr; });
+}
+
+void DialogDriver::AddPageSteps(const char* page, const QString& name, const QStringList& paths) {
+    if (dialog_->findChild<QWidget*>(page) == nullptr) {
+        return;
+    }
+    const auto idle = [this] { return IsIdle(); };
+    Add("the tab " + name, idle, [this, page, name, paths] {
+        ShowPage(dialog_, page);
+        tabsShown_.insert(name);
+        if (!paths.isEmpty()) {
+            DropPaths(dialog_, paths);
+        }
+    });
+    Add("the files of the tab " + name, idle, [this] {
+        TakePicture(dialog_, "tab-" + CurrentTabName());
+        NoteFiles();
+    });
+    Add("the button of the detail columns", idle, [this] { ToggleDetailColumns(); });
+    Add("the detail columns", idle, [this] {
+        TakePicture(dialog_, "tab-" + CurrentTabName() + "-columns");
+        ToggleDetailColumns();
+        if (QTableView* grid = GridOf(dialog_)) {
+            grid->selectRow(grid->model()->rowCount() / 2);
+        }
+    });
+    Add("the details of a file", idle,
+        [this] { TakePicture(dialog_, "tab-" + CurrentTabName() + "-details"); });
+}
+
+void DialogDriver::AddOtherTabSteps() {
+    auto* tabs = dialog_->findChild<QTabBar*>();
+    for (int tab = 0; tab < tabs->count(); ++tab) {
+        Add(
+            "the next tab", [this] { return IsIdle(); }, [tabs, tab] { tabs->setCurrentIndex(tab); });
+        Add(
+            "the page of the tab", [this] { return IsIdle(); },
+            [this] {
+                if (tabsShown_.insert(CurrentTabName()).second) {
+                    TakePicture(dialog_, "tab-" + CurrentTabName());
+                }
+            });
+    }
+}
+
+/// The push button of a page whose caption shows which way the columns go.
+void DialogDriver::ToggleDetailColumns() {
+    for (auto* button : dialog_->findChildren<QAbstractButton*>()) {
+        if (button->isVisible() && (button->text() == "<<" || button->text() == ">>")) {
+            button->click();
+            return;
+        }
+    }
+}
+
+void DialogDriver::NoteFiles() {
+    if (GridOf(dialog_) != nullptr) {
+        tabsWithFiles_.insert(CurrentTabName());
+    }
 }
 
 /// Whether no run has lasted for some ticks: the dialog takes its OK button away while one does.
@@ -176,6 +207,10 @@ bool DialogDriver::AnswerOtherWindow() {
     if (window == nullptr || window == FindAddFilesDialog() || !window->isVisible()) {
         answered_ = nullptr;
         return false;
+    }
+    if (window->objectName() == "work") {
+        watchdog_.WaitingFor(TextOf(window).toStdString());
+        return true;  // It closes by itself when the work is done.
     }
     if (window != answered_) {
         answered_ = window;

@@ -8,6 +8,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QTabBar>
 #include <QUrl>
 
 namespace orvex {
@@ -36,6 +37,23 @@ QWidget* FindAddFilesDialog() {
         }
     }
     return nullptr;
+}
+
+bool ShowPage(QWidget* dialog, const QString& page) {
+    auto* tabs = dialog->findChild<QTabBar*>();
+    const auto isShown = [&] {
+        const auto* widget = dialog->findChild<QWidget*>(page);
+        return widget != nullptr && widget->isVisible();
+    };
+    const int before = tabs == nullptr ? 0 : tabs->currentIndex();
+    // Which tab a page has depends on the pages that there are.
+    for (int tab = 0; tabs != nullptr && tab < tabs->count() && !isShown(); ++tab) {
+        tabs->setCurrentIndex(tab);
+    }
+    if (!isShown() && tabs != nullptr) {
+        tabs->setCurrentIndex(before);
+    }
+    return isShown();
 }
 
 void DropPaths(QWidget* target, const QStringList& paths) {

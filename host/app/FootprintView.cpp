@@ -11,6 +11,7 @@
 #include "host/app/HostText.h"
 #include "host/app/LayerColours.h"
 #include "host/app/Project.h"
+#include "host/app/RasterPainter.h"
 
 namespace orvex {
 
@@ -49,6 +50,7 @@ FootprintView::FootprintView(const Project& project, QWidget* parent) : QWidget(
     setMinimumSize(200, 150);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAccessibleName(HostText(40870_lsid));
+    connect(&pictures_, &RasterPictures::Changed, this, &FootprintView::Redraw);
 }
 
 void FootprintView::ShowCrs(const std::string& wkt) {
@@ -61,16 +63,30 @@ void FootprintView::Reload() {
     footprints_.Clear();
     hovered_.reset();
     for (std::size_t layer = 0; layer < project_.layers.size(); ++layer) {
-        if (project_.layers[layer].wkt != wkt_) {
-            continue;
-        }
-        const std::vector<LayerFile>& files = project_.layers[layer].files;
-        for (std::size_t file = 0; file < files.size(); ++file) {
-            const auto& [min, max] = std::tie(files[file].min, files[file].max);
-            footprints_.Add(layer, file, min[0], min[1], max[0], max[1]);
+        if (groups_.Of(project_.layers[layer].wkt) == groups_.Of(wkt_)) {
+            AddLayer(layer);
         }
     }
+    std::vector<std::wstring> rasters;
+    for (const auto& footprint : footprints_.All()) {
+        if (project_.layers[footprint.layer].kind == LayerKind::Raster) {
+            rasters.push_back(FileOf(footprint).path);
+        }
+    }
+    pictures_.Want(rasters);
     Redraw();
+}
+
+void FootprintView::AddLayer(std::size_t layer) {
+    const std::vector<LayerFile>& files = project_.layers[layer].files;
+    for (std::size_t file = 0; file < files.size(); ++file) {
+        if (project_.layers[layer].kind == LayerKind::Raster) {
+            footprints_.Add(layer, file, CornersOf(files[file].raster));
+            continue;
+        }
+        const auto& [min, max] = std::tie(files[file].min, files[file].max);
+        footprints_.Add(layer, file, min[0], min[1], max[0], max[1]);
+    }
 }
 
 void FootprintView::FitAll() {
@@ -116,6 +132,7 @@ void FootprintView::DrawBase() {
         painter.drawText(rect().adjusted(20, 20, -20, -20), Qt::AlignCenter | Qt::TextWordWrap,
                          HostText(project_.IsEmpty() ? 40871_lsid : 40872_lsid));
     } else {
+        DrawPictures(painter);
         DrawGrid(painter);
         DrawFootprints(painter);
     }
@@ -147,6 +164,16 @@ void FootprintView::DrawGrid(QPainter& painter) const {
     }
 }
 
+/// Below everything else, so that the grid and the other files stay visible.
+void FootprintView::DrawPictures(QPainter& painter) const {
+    for (const auto& footprint : footprints_.All()) {
+        const LayerFile& file = FileOf(footprint);
+        if (const QImage* picture = pictures_.Find(file.path)) {
+            DrawRaster(painter, *picture, file.raster, transform_, rect());
+        }
+    }
+}
+
 void FootprintView::DrawFootprints(QPainter& painter) const {
     const QRectF view = rect();
     std::vector<QRectF> names;
@@ -157,12 +184,22 @@ void FootprintView::DrawFootprints(QPainter& painter) const {
         }
         const QColor colour = LayerColour(footprint.layer);
         QColor fill = colour;
-        fill.setAlpha(60);
+        fill.setAlpha(pictures_.Find(FileOf(footprint).path) == nullptr ? 60 : 0);
         painter.setPen(QPen(colour, 1));
         painter.setBrush(fill);
-        // Far outside the view nothing is seen, and coordinates beyond what a painter takes would go wrong.
-        painter.drawRect(pixels.intersected(view.adjusted(-10, -10, 10, 10)));
+        DrawOutline(painter, footprint);
         DrawName(painter, footprint, pixels, names);
+    }
+}
+
+void FootprintView::DrawOutline(QPainter& painter, const FootprintSet::Footprint& footprint) const {
+    // Far outside the view nothing is seen, and coordinates beyond what a painter takes would go wrong.
+    const QRectF near = QRectF(rect()).adjusted(-10, -10, 10, 10);
+    const QRectF pixels = transform_.ToPixel(footprint.world);
+    if (footprint.corners.isEmpty() || std::max(pixels.width(), pixels.height()) < kSmallest) {
+        painter.drawRect(Drawn(pixels).intersected(near));
+    } else {
+        painter.drawPolygon(transform_.ToPixel(footprint.corners).intersected(near));
     }
 }
 
@@ -173,7 +210,7 @@ void FootprintView::DrawName(QPainter& painter, const FootprintSet::Footprint& f
     if (pixels.height() < 2 * metrics.height() || pixels.width() < 8 * metrics.averageCharWidth()) {
         return;
     }
-    const QString name = ToQString(FileNameOf(project_.layers[footprint.layer].files[footprint.file].path));
+    const QString name = ToQString(FileNameOf(FileOf(footprint).path));
     const QString shown = metrics.elidedText(name, Qt::ElideMiddle, static_cast<int>(pixels.width()) - 8);
     QRectF place(QPointF(), QSizeF(metrics.horizontalAdvance(shown), metrics.height()));
     place.moveCenter(pixels.center());
@@ -182,6 +219,9 @@ void FootprintView::DrawName(QPainter& painter, const FootprintSet::Footprint& f
         return;
     }
     names.push_back(place);
+    QColor ground = palette().color(QPalette::Base);
+    ground.setAlpha(150);
+    painter.fillRect(place.adjusted(-3, -1, 3, 1), ground);
     painter.setPen(palette().color(QPalette::Text));
     painter.drawText(place, Qt::AlignCenter, shown);
 }
@@ -190,11 +230,10 @@ void FootprintView::DrawMarked(QPainter& painter, std::size_t footprint, int wid
     const auto& marked = footprints_.All()[footprint];
     QColor colour = LayerColour(marked.layer);
     QColor fill = colour;
-    fill.setAlpha(120);
+    fill.setAlpha(pictures_.Find(FileOf(marked).path) == nullptr ? 120 : 50);
     painter.setPen(QPen(Mixed(colour, palette().color(QPalette::Text), 0.4), width));
     painter.setBrush(fill);
-    painter.drawRect(
-        Drawn(transform_.ToPixel(marked.world)).intersected(QRectF(rect()).adjusted(-10, -10, 10, 10)));
+    DrawOutline(painter, marked);
 }
 
 void FootprintView::paintEvent(QPaintEvent*) {
@@ -344,12 +383,21 @@ std::optional<std::size_t> FootprintView::FootprintAt(const QPointF& pixel) cons
     return footprints_.At(transform_.ToWorld(pixel), kHitSlack / transform_.PixelsPerUnit());
 }
 
+const LayerFile& FootprintView::FileOf(const FootprintSet::Footprint& footprint) const {
+    return project_.layers[footprint.layer].files[footprint.file];
+}
+
 QString FootprintView::Describe(std::size_t footprint) const {
     const auto& found = footprints_.All()[footprint];
     const Layer& layer = project_.layers[found.layer];
-    const LayerFile& file = layer.files[found.file];
-    return ToQString(file.path) + '\n' + ToQString(layer.name) + '\n' +
-           HostText(40873_lsid, {ToWide(GroupedNumber(file.points))});
+    const LayerFile& file = FileOf(found);
+    const QString name = ToQString(file.path) + '\n' + ToQString(layer.name) + '\n';
+    if (layer.kind == LayerKind::Las) {
+        return name + HostText(40873_lsid, {ToWide(GroupedNumber(file.points))});
+    }
+    const QString problem = pictures_.ProblemOf(file.path);
+    const QString size = HostText(41427_lsid, {file.raster.width, file.raster.height, file.raster.bands});
+    return name + size + (problem.isEmpty() ? QString() : '\n' + problem);
 }
 
 }  // namespace orvex

@@ -4,14 +4,17 @@
 #include <optional>
 #include <set>
 
+#include "host/app/CrsGroups.h"
+#include "host/app/RasterPictures.h"
 #include "host/app/ViewTransform.h"
 
 namespace orvex {
 
+struct LayerFile;
 struct Project;
 
-/// The extents of the files of one coordinate reference system: the wheel zooms about the cursor, dragging
-/// pans, a click selects, hovering names the file.
+/// The extents of the files of one coordinate reference system, and small pictures of the rasters among them:
+/// the wheel zooms about the cursor, dragging pans, a click selects, hovering names the file.
 class FootprintView final : public QWidget {
     Q_OBJECT
 
@@ -19,7 +22,7 @@ class FootprintView final : public QWidget {
     /// `project` must outlive the view.
     explicit FootprintView(const Project& project, QWidget* parent = nullptr);
 
-    /// Shows the layers whose WKT equals `wkt`, all of them fitted in.
+    /// Shows the layers whose CRS is that of `wkt`, all of them fitted in.
     void ShowCrs(const std::string& wkt);
     /// Takes what is shown from the project again.
     void Reload();
@@ -28,6 +31,9 @@ class FootprintView final : public QWidget {
     void FitSelected();
     /// Marks files (layer and place within it); the view says nothing about it.
     void SetSelected(std::set<std::pair<std::size_t, std::size_t>> files);
+
+    /// True while pictures of rasters are being read.
+    bool IsLoading() const { return pictures_.IsLoading(); }
 
     QSize sizeHint() const override { return {640, 480}; }
 
@@ -53,15 +59,21 @@ class FootprintView final : public QWidget {
     void Redraw();
     void DrawBase();
     void DrawGrid(QPainter& painter) const;
+    void AddLayer(std::size_t layer);
+    void DrawPictures(QPainter& painter) const;
     void DrawFootprints(QPainter& painter) const;
+    void DrawOutline(QPainter& painter, const FootprintSet::Footprint& footprint) const;
     void DrawName(QPainter& painter, const FootprintSet::Footprint& footprint, const QRectF& pixels,
                   std::vector<QRectF>& names) const;
     void DrawMarked(QPainter& painter, std::size_t footprint, int width) const;
     std::optional<std::size_t> FootprintAt(const QPointF& pixel) const;
+    const LayerFile& FileOf(const FootprintSet::Footprint& footprint) const;
     QString Describe(std::size_t footprint) const;
 
     const Project& project_;
     std::string wkt_;
+    CrsGroups groups_;
+    RasterPictures pictures_;
     FootprintSet footprints_;
     ViewTransform transform_;
     std::set<std::pair<std::size_t, std::size_t>> selected_;

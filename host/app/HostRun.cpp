@@ -39,13 +39,13 @@ QString SampleDataFolder(const QString& project) {
 
 struct Start {
     QString project;
-    QStringList paths;  ///< to be shown in the dialog
+    DropPlan plan;  ///< to be shown in the dialog
 };
 
 /// A project named on the command line or used before is opened as it is; else the sample project, and the
 /// dialog shows its data.
 Start ChooseStart(const HostArguments& arguments, const HostState& state) {
-    Start start{arguments.projectFolder, arguments.paths};
+    Start start{arguments.projectFolder, DistributePaths(arguments.paths)};
     for (const QString& recent : state.RecentProjects()) {
         if (start.project.isEmpty() && QDir(recent).exists()) {
             start.project = recent;
@@ -53,8 +53,8 @@ Start ChooseStart(const HostArguments& arguments, const HostState& state) {
     }
     if (start.project.isEmpty()) {
         start.project = SampleProjectFolder();
-        if (start.paths.isEmpty() && !start.project.isEmpty()) {
-            start.paths = QStringList{SampleDataFolder(start.project)};
+        if (start.plan.IsEmpty() && !start.project.isEmpty()) {
+            start.plan = SamplePlan(SampleDataFolder(start.project));
         }
     }
     return start;
@@ -74,6 +74,29 @@ void TellThatThereIsNoDisplay(QtMsgType type, const QMessageLogContext&, const Q
         std::cerr << HostText(41054_lsid).toStdString() << std::endl;
         std::_Exit(1);
     }
+}
+
+/// The pictures of rasters come in through events; the watchdog ends a wait in vain.
+void WaitForPictures(const HostWindow& window) {
+    QTimer ticks;  // Something to wake up for when nothing comes.
+    ticks.start(20);
+    while (window.IsLoading()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    QCoreApplication::processEvents();
+}
+
+/// Whether the record came back with files of every kind that the dialog listed, and with any at all.
+bool Holds(const RecordCounts& counts, const std::set<QString>& listed) {
+    const std::pair<const char*, std::size_t> kinds[] = {
+        {"las", counts.las}, {"raster", counts.rasters}, {"dem", counts.dems}};
+    for (const auto& [name, count] : kinds) {
+        if (listed.contains(name) && count == 0) {
+            std::cerr << "orvex-host: no files of the tab '" << name << "' came back" << std::endl;
+            return false;
+        }
+    }
+    return counts.las + counts.rasters + counts.dems > 0;
 }
 
 }  // namespace
@@ -99,8 +122,8 @@ int RunInteractive(int& argc, char** argv, const HostArguments& arguments) {
         window.OpenProject(start.project);
     }
     const bool hasNews = !arguments.paths.isEmpty() || window.CurrentProject().IsEmpty();
-    if (!start.paths.isEmpty() && hasNews) {
-        QTimer::singleShot(0, &window, [&] { window.AddFiles(start.paths); });
+    if (!start.plan.IsEmpty() && hasNews) {
+        QTimer::singleShot(0, &window, [&] { window.AddFiles(start.plan); });
     }
     return QApplication::exec();
 }
@@ -112,8 +135,8 @@ int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     const auto application = MakeApplication(argc, argv, arguments, folder.path());
     ApplyAppearance(arguments.dark);
     watchdog.WaitingFor("the sample project");
-    const QStringList paths =
-        arguments.paths.isEmpty() ? QStringList{SampleDataFolder(SampleProjectFolder())} : arguments.paths;
+    const DropPlan plan = arguments.paths.isEmpty() ? SamplePlan(SampleDataFolder(SampleProjectFolder()))
+                                                    : DistributePaths(arguments.paths);
 
     HostState state{QString()};
     state.dark = arguments.dark;
@@ -122,16 +145,16 @@ int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     window.OpenProject(arguments.projectFolder.isEmpty() ? folder.filePath("project")
                                                          : arguments.projectFolder);
     window.show();
-    DialogDriver driver({paths, arguments.pictureFolder, PictureSuffix(arguments)}, std::cout, watchdog);
+    DialogDriver driver({plan, arguments.pictureFolder, PictureSuffix(arguments)}, std::cout, watchdog);
     driver.Start();
-    const bool holdsFiles = window.AddFiles();
+    window.AddFiles();
     std::cout << window.LastRecord().toStdString() << std::flush;
     watchdog.WaitingFor("the picture of the host");
-    QCoreApplication::processEvents();
+    WaitForPictures(window);
     driver.TakePicture(&window, "host");
     watchdog.WaitingFor("the LiDAR question");
     window.AskLidarAccess();
-    return holdsFiles ? 0 : 1;
+    return Holds(window.LastRecordCounts(), driver.TabsWithFiles()) ? 0 : 1;
 }
 
 }  // namespace orvex

@@ -34,6 +34,7 @@ HostState::HostState(QString path) : path_(std::move(path)) {
             recent_.append(folder.toString());
         }
     }
+    dataFolder = json["dataFolder"].toString();
     windowGeometry = BytesFrom(json["windowGeometry"]);
     windowState = BytesFrom(json["windowState"]);
     dark = json["dark"].toBool();
@@ -60,6 +61,7 @@ void HostState::Save() const {
         return;
     }
     const QJsonObject json{{"recentProjects", QJsonArray::fromStringList(recent_)},
+                           {"dataFolder", dataFolder},
                            {"windowGeometry", QString::fromLatin1(windowGeometry.toBase64())},
                            {"windowState", QString::fromLatin1(windowState.toBase64())},
                            {"dark", dark}};

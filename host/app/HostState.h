@@ -20,6 +20,7 @@ class HostState {
     void AddRecentProject(const QString& folder);
     void RemoveRecentProject(const QString& folder);
 
+    QString dataFolder;  ///< where rasters were last added from
     QByteArray windowGeometry;
     QByteArray windowState;
     bool dark = false;

@@ -19,16 +19,17 @@
 #include <set>
 
 #include "host/app/Appearance.h"
-#include "host/app/DialogDrop.h"
+#include "host/app/DropPlan.h"
 #include "host/app/FootprintView.h"
 #include "host/app/HostText.h"
 #include "host/app/LayerTreeModel.h"
-#include "host/app/LidarCheck.h"
+#include "host/app/PlannedDrops.h"
 #include "host/app/ProjectFile.h"
+#include "host/app/RecordFiles.h"
+#include "host/app/RecordIntake.h"
 #include "host/app/RecordText.h"
 #include "orvexcommon/Exports.h"
 #include "orvexcommon/HostInterfaces.h"
-#include "orvexcommon/LasFileInfo.h"
 #include "orvexcommon/OptionItems.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "settings/OptionStore.h"
@@ -62,27 +63,12 @@ struct OwnedRecord : AddFilesParams {
     OwnedRecord& operator=(const OwnedRecord&) = delete;
 };
 
-/// Drops the paths on the dialog as soon as it is open.
-void DropWhenOpen(QObject* context, const QStringList& paths) {
-    if (paths.isEmpty()) {
-        return;
+std::size_t CountFiles(const FilesByFolder& files) {
+    std::size_t count = 0;
+    for (const auto& [folder, names] : files) {
+        count += names.size();
     }
-    auto* timer = new QTimer(context);
-    QObject::connect(timer, &QTimer::timeout, timer, [timer, paths] {
-        if (QWidget* dialog = FindAddFilesDialog()) {
-            timer->stop();
-            timer->deleteLater();
-            DropPaths(dialog, paths);
-        }
-    });
-    timer->start(10);
-}
-
-/// Of a LAZ file it is the decompressed one that is written.
-bool CanWriteAll(const AddFilesParams& record) {
-    return std::ranges::all_of(record.lasFileDetails, [](const auto& entry) {
-        return QFileInfo(ToQString(entry.second->FileName())).isWritable();
-    });
+    return count;
 }
 
 }  // namespace
@@ -130,51 +116,52 @@ bool HostWindow::OpenProject(const QString& folder) {
     return true;
 }
 
-bool HostWindow::AddFiles(const QStringList& paths) {
+bool HostWindow::AddFiles(const DropPlan& plan) {
     const std::unique_ptr<OrvexApplication> application = MakeApplicationObject();
     OwnedRecord record;
     record.hostApplication = application.get();
     record.initialTab = LastTab();
-    record.existingLasLayers = project_.LayersForDialog();
-    DropWhenOpen(this, paths);
+    record.showRasterTab = true;
+    record.showDemTab = true;
+    record.initialFolder = ToWidePath(state_.dataFolder.isEmpty() ? folder_ : state_.dataFolder);
+    record.existingLasLayers = project_.LayersForDialog(LayerKind::Las);
+    record.existingRasterLayers = project_.LayersForDialog(LayerKind::Raster);
+    if (!plan.IsEmpty()) {
+        new PlannedDrops(plan, this);
+    }
     if (!ShowAddFilesDialog(&record)) {
         return false;
     }
     TakeRecord(record);
-    return !record.lasFiles.empty();
+    return true;
 }
 
-void HostWindow::TakeRecord(AddFilesParams& record) {
+void HostWindow::TakeRecord(const AddFilesParams& record) {
     record_->setPlainText(ToQString(RecordText(record)));
-    const LidarReport found = CheckLidar(project_, record);
-    bool stop = false;
-    MessageRegardingAddingLidar(reinterpret_cast<HWND>(winId()), Text(40880_lsid), found.appending,
-                                found.crsDiffers, found.crsMissing, found.damaged, found.tellSkipped,
-                                found.alreadyThere, found.unreadable, stop);
-    if (stop || !MayAdd(record)) {
-        statusBar()->showMessage(HostText(40881_lsid), 8000);
+    RememberFolder(record);
+    const IntakeResult result = RecordIntake(project_, folder_, this).Take(record);
+    counts_ = {CountFiles(record.lasFiles), CountFiles(record.rasterFiles), CountFiles(record.demFiles),
+               result.dems.files};
+    statusBar()->showMessage(result.status, 8000);
+    if (!result.mainLayer) {
         return;
     }
-    const AddedFiles added = project_.Add(record, found.skipped);
     ProjectChanged();
     SaveNow();
     tree_->expandAll();
-    if (added.files > 0) {
-        crsChoice_->setCurrentIndex(
-            crsChoice_->findData(QByteArray::fromStdString(project_.layers[added.mainLayer].wkt)));
-        footprints_->FitAll();
-    }
-    statusBar()->showMessage(HostText(40882_lsid, {added.files, added.newLayers}), 8000);
+    crsChoice_->setCurrentIndex(CrsIndexOf(project_.layers[*result.mainLayer].wkt));
+    footprints_->FitAll();
 }
 
-/// Files that are opened read-write can be changed: the user is asked once more.
-bool HostWindow::MayAdd(const AddFilesParams& record) {
-    if (!record.lasOpenSetting) {
-        return true;
+/// Where the next dialog's pickers open: rasters and elevation models tend to come from one place.
+void HostWindow::RememberFolder(const AddFilesParams& record) {
+    for (const FilesByFolder* files : {&record.rasterFiles, &record.demFiles}) {
+        if (!files->empty()) {
+            state_.dataFolder = ToQString(files->begin()->first);
+            state_.Save();
+            return;
+        }
     }
-    const AddLidarChoice choice = GetAddingLidarChoice(CanWriteAll(record));
-    project_.lidarAccess = static_cast<LidarAccess>(choice);
-    return choice != ADD_LIDAR_NOT_AT_ALL;
 }
 
 void HostWindow::AskLidarAccess() {
@@ -187,6 +174,10 @@ void HostWindow::AskLidarAccess() {
 
 QString HostWindow::LastRecord() const {
     return record_->toPlainText();
+}
+
+bool HostWindow::IsLoading() const {
+    return footprints_->IsLoading();
 }
 
 void HostWindow::NewProject() {
@@ -244,7 +235,7 @@ void HostWindow::SelectionChanged() {
         }
     }
     if (layer) {
-        const int crs = crsChoice_->findData(QByteArray::fromStdString(project_.layers[*layer].wkt));
+        const int crs = CrsIndexOf(project_.layers[*layer].wkt);
         if (crs != crsChoice_->currentIndex()) {
             crsChoice_->setCurrentIndex(crs);
         }
@@ -258,20 +249,30 @@ void HostWindow::SelectFile(std::size_t layer, std::size_t file) {
     tree_->scrollTo(index);
 }
 
+/// The choice whose CRS is the one of a WKT, whatever words say so; -1 when there is none.
+int HostWindow::CrsIndexOf(const std::string& wkt) {
+    for (int i = 0; i < crsChoice_->count(); ++i) {
+        if (crsGroups_.Of(crsChoice_->itemData(i).toByteArray().toStdString()) == crsGroups_.Of(wkt)) {
+            return i;
+        }
+    }
+    return -1;
+}
+
 void HostWindow::FillCrsChoice() {
-    const QVariant shown = crsChoice_->currentData();
+    const std::string shown = crsChoice_->currentData().toByteArray().toStdString();
     const QSignalBlocker blocker(crsChoice_);
     crsChoice_->clear();
     for (const Layer& layer : project_.layers) {
-        const QByteArray wkt = QByteArray::fromStdString(layer.wkt);
-        if (crsChoice_->findData(wkt) >= 0) {
+        if (CrsIndexOf(layer.wkt) >= 0) {
             continue;
         }
         const std::string name = OrvexUtilities::CrsGetCRSName(layer.wkt);
-        crsChoice_->addItem(name.empty() ? HostText(40861_lsid) : QString::fromStdString(name), wkt);
+        crsChoice_->addItem(name.empty() ? HostText(40861_lsid) : QString::fromStdString(name),
+                            QByteArray::fromStdString(layer.wkt));
     }
     crsChoice_->setEnabled(crsChoice_->count() > 1);
-    crsChoice_->setCurrentIndex(std::max(0, crsChoice_->findData(shown)));
+    crsChoice_->setCurrentIndex(std::max(0, CrsIndexOf(shown)));
 }
 
 void HostWindow::ShowChosenCrs() {
@@ -335,7 +336,7 @@ void HostWindow::dropEvent(QDropEvent* event) {
     }
     event->acceptProposedAction();
     // The program that dragged waits until this returns; the dialog must not run inside.
-    QTimer::singleShot(0, this, [this, paths] { AddFiles(paths); });
+    QTimer::singleShot(0, this, [this, paths] { AddFiles(DistributePaths(paths)); });
 }
 
 }  // namespace orvex

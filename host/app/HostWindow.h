@@ -3,6 +3,8 @@
 #include <QStringList>
 #include <memory>
 
+#include "host/app/CrsGroups.h"
+#include "host/app/DropPlan.h"
 #include "host/app/HostState.h"
 #include "host/app/Project.h"
 
@@ -18,6 +20,14 @@ namespace orvex {
 class FootprintView;
 class LayerTreeModel;
 
+/// How many files of each kind a record held, and how many elevation files became LAS files.
+struct RecordCounts {
+    std::size_t las = 0;
+    std::size_t rasters = 0;
+    std::size_t dems = 0;
+    std::size_t convertedDems = 0;
+};
+
 /// The reference host's window: one project with its layers, footprints and the record that came back last.
 class HostWindow final : public QMainWindow {
     Q_OBJECT
@@ -28,17 +38,20 @@ class HostWindow final : public QMainWindow {
 
     /// Opens the project of a folder, or makes one there. False after telling the user why not.
     bool OpenProject(const QString& folder);
-    /// Runs the Add Files dialog, at first with these files and folders in its grid, and takes what comes
+    /// Runs the Add Files dialog, at first with these files and folders in its grids, and takes what comes
     /// back. True when the record held files.
-    bool AddFiles(const QStringList& paths = {});
+    bool AddFiles(const DropPlan& plan = {});
     /// Asks how LiDAR data is to be held and keeps the answer with the project.
     void AskLidarAccess();
 
     /// The folder of the open project; empty when none is open.
     const QString& ProjectFolder() const { return folder_; }
     const Project& CurrentProject() const { return project_; }
+    /// True while pictures of the project's rasters are being read.
+    bool IsLoading() const;
     /// The record that came back last, as text.
     QString LastRecord() const;
+    const RecordCounts& LastRecordCounts() const { return counts_; }
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -60,14 +73,17 @@ class HostWindow final : public QMainWindow {
     void ProjectChanged();
     bool SaveNow();
     bool SaveBeforeClosing();
-    void TakeRecord(AddFilesParams& record);
-    bool MayAdd(const AddFilesParams& record);
+    void TakeRecord(const AddFilesParams& record);
+    void RememberFolder(const AddFilesParams& record);
+    int CrsIndexOf(const std::string& wkt);
     void SetDark(bool dark);
     void ShowAbout();
 
     HostState& state_;
     QString folder_;
+    RecordCounts counts_;
     Project project_;
+    CrsGroups crsGroups_;
     LayerTreeModel* layers_ = nullptr;
     QTreeView* tree_ = nullptr;
     FootprintView* footprints_ = nullptr;

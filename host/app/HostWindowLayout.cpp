@@ -62,7 +62,7 @@ void HostWindow::BuildViews() {
     tree_->setSelectionMode(QAbstractItemView::ExtendedSelection);
     tree_->header()->setStretchLastSection(false);
     tree_->header()->setSectionResizeMode(LayerTreeModel::kName, QHeaderView::Stretch);
-    tree_->header()->setSectionResizeMode(LayerTreeModel::kPoints, QHeaderView::ResizeToContents);
+    tree_->header()->setSectionResizeMode(LayerTreeModel::kSize, QHeaderView::ResizeToContents);
     tree_->header()->setSectionResizeMode(LayerTreeModel::kFormat, QHeaderView::ResizeToContents);
     connect(tree_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &HostWindow::SelectionChanged);

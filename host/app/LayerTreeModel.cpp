@@ -4,6 +4,7 @@
 
 #include "host/app/HostText.h"
 #include "host/app/LayerColours.h"
+#include "host/app/RasterPainter.h"
 #include "orvexcommon/OrvexUtilities.h"
 
 namespace orvex {
@@ -16,6 +17,22 @@ constexpr quintptr kLayerId = 0;
 std::uint64_t PointsOf(const Layer& layer) {
     return std::accumulate(layer.files.begin(), layer.files.end(), std::uint64_t{0},
                            [](std::uint64_t sum, const LayerFile& file) { return sum + file.points; });
+}
+
+/// Points, or pixels; of a raster that could not be read nothing is known.
+QString SizeOf(LayerKind kind, const LayerFile& file) {
+    if (kind == LayerKind::Las) {
+        return GroupedNumber(file.points);
+    }
+    return file.raster.width == 0 ? QString() : HostText(41430_lsid, {file.raster.width, file.raster.height});
+}
+
+QString FormatOf(LayerKind kind, const LayerFile& file) {
+    if (kind == LayerKind::Las) {
+        return HostText(40863_lsid, {file.version / 10, file.version % 10, file.pointFormat});
+    }
+    const QString format = ToQString(file.raster.driver);
+    return TransformOf(file.raster) ? format : HostText(41429_lsid, {file.raster.driver}).trimmed();
 }
 
 }  // namespace
@@ -77,12 +94,12 @@ QVariant LayerTreeModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) {
         return {};
     }
-    if (role == Qt::TextAlignmentRole && index.column() == kPoints) {
+    if (role == Qt::TextAlignmentRole && index.column() == kSize) {
         return QVariant(Qt::AlignRight | Qt::AlignVCenter);
     }
     const Layer& layer = project_.layers[LayerOf(index)];
     return IsLayer(index) ? LayerData(layer, LayerOf(index), index.column(), role)
-                          : FileData(layer.files[FileOf(index)], index.column(), role);
+                          : FileData(layer.kind, layer.files[FileOf(index)], index.column(), role);
 }
 
 QVariant LayerTreeModel::LayerData(const Layer& layer, std::size_t index, int column, int role) const {
@@ -99,16 +116,17 @@ QVariant LayerTreeModel::LayerData(const Layer& layer, std::size_t index, int co
     switch (column) {
         case kName:
             return ToQString(layer.name);
-        case kPoints:
-            return GroupedNumber(PointsOf(layer));
+        case kSize:
+            return layer.kind == LayerKind::Las ? GroupedNumber(PointsOf(layer)) : QString();
         default:
             return HostText(40862_lsid, {layer.files.size()});
     }
 }
 
-QVariant LayerTreeModel::FileData(const LayerFile& file, int column, int role) const {
+QVariant LayerTreeModel::FileData(LayerKind kind, const LayerFile& file, int column, int role) const {
     if (role == Qt::ToolTipRole) {
-        return ToQString(file.path);
+        const bool isNowhere = kind == LayerKind::Raster && !TransformOf(file.raster);
+        return ToQString(file.path) + (isNowhere ? '\n' + HostText(41428_lsid) : QString());
     }
     if (role != Qt::DisplayRole) {
         return {};
@@ -116,10 +134,10 @@ QVariant LayerTreeModel::FileData(const LayerFile& file, int column, int role) c
     switch (column) {
         case kName:
             return ToQString(FileNameOf(file.path));
-        case kPoints:
-            return GroupedNumber(file.points);
+        case kSize:
+            return SizeOf(kind, file);
         default:
-            return HostText(40863_lsid, {file.version / 10, file.version % 10, file.pointFormat});
+            return FormatOf(kind, file);
     }
 }
 
@@ -130,8 +148,8 @@ QVariant LayerTreeModel::headerData(int section, Qt::Orientation orientation, in
     switch (section) {
         case kName:
             return HostText(40864_lsid);
-        case kPoints:
-            return HostText(40803_lsid);
+        case kSize:
+            return HostText(41431_lsid);
         case kFormat:
             return HostText(40802_lsid);
         default:

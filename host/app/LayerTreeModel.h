@@ -11,7 +11,8 @@ class LayerTreeModel final : public QAbstractItemModel {
     Q_OBJECT
 
   public:
-    enum Column { kName, kPoints, kFormat, kColumnCount };
+    /// kSize: points of LAS files, pixels of rasters.
+    enum Column { kName, kSize, kFormat, kColumnCount };
 
     /// `project` must outlive the model.
     explicit LayerTreeModel(const Project& project, QObject* parent = nullptr);
@@ -34,7 +35,7 @@ class LayerTreeModel final : public QAbstractItemModel {
 
   private:
     QVariant LayerData(const Layer& layer, std::size_t index, int column, int role) const;
-    QVariant FileData(const LayerFile& file, int column, int role) const;
+    QVariant FileData(LayerKind kind, const LayerFile& file, int column, int role) const;
 
     const Project& project_;
 };

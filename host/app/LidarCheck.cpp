@@ -4,11 +4,12 @@
 #include <cmath>
 #include <map>
 
+#include "host/app/CrsGroups.h"
 #include "host/app/HostText.h"
 #include "host/app/Project.h"
+#include "host/app/RecordFiles.h"
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/LasFileInfo.h"
-#include "orvexcommon/OrvexUtilities.h"
 
 namespace orvex {
 
@@ -17,6 +18,9 @@ namespace {
 std::set<std::wstring> KeysOf(const Project& project) {
     std::set<std::wstring> keys;
     for (const Layer& layer : project.layers) {
+        if (layer.kind != LayerKind::Las) {
+            continue;
+        }
         for (const LayerFile& file : layer.files) {
             keys.insert(PathKey(file.path));
         }
@@ -35,29 +39,24 @@ bool HasExtent(const LasFileInfo& file) {
     return true;
 }
 
-/// The compatibility group that each layer has, or gets with its first file; each WKT is looked at once.
+/// The compatibility group that each LAS layer has, or gets with its first file.
 class LayerGroups {
   public:
     explicit LayerGroups(const Project& project) {
         for (const Layer& layer : project.layers) {
-            groupOfLayer_.emplace(layer.name, GroupOf(layer.wkt));
+            if (layer.kind == LayerKind::Las) {
+                groupOfLayer_.emplace(layer.name, groups_.Of(layer.wkt));
+            }
         }
     }
 
     bool Fits(const std::wstring& layer, const std::string& wkt) {
-        const std::string& group = GroupOf(wkt);
+        const std::string& group = groups_.Of(wkt);
         return groupOfLayer_.emplace(layer, group).first->second == group;
     }
 
   private:
-    const std::string& GroupOf(const std::string& wkt) {
-        const auto known = groupOfWkt_.find(wkt);
-        return known != groupOfWkt_.end()
-                   ? known->second
-                   : groupOfWkt_.emplace(wkt, OrvexUtilities::GetCompatibilityGroup(wkt)).first->second;
-    }
-
-    std::map<std::string, std::string> groupOfWkt_;
+    CrsGroups groups_;
     std::map<std::wstring, std::string> groupOfLayer_;
 };
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <tuple>
 
-#include "orvexcommon/AddFilesParams.h"
-#include "orvexcommon/LasFileInfo.h"
 #include "support/NaturalOrder.h"
 #include "support/Text.h"
 
@@ -12,70 +10,36 @@ namespace orvex {
 
 namespace {
 
-LayerFile DescribeFile(const std::wstring& path, const LasFileInfo* details, bool footprintOnly) {
-    LayerFile file;
-    file.path = path;
-    file.footprintOnly = footprintOnly;
-    if (details != nullptr) {
-        file.points = details->GetPointCount();
-        file.min = details->Minimum();
-        file.max = details->Maximum();
-        file.version = details->Version();
-        file.pointFormat = details->PointFormat();
-        file.readOnly = details->IsReadOnly();
-    }
-    return file;
-}
-
-const LasFileInfo* DetailsOf(const AddFilesParams& record, const std::wstring& path) {
-    const auto found = record.lasFileDetails.find(path);
-    return found == record.lasFileDetails.end() ? nullptr : found->second;
-}
-
-std::wstring LayerNameOf(const AddFilesParams& record, const std::wstring& path) {
-    const auto found = record.lasFileLayers.find(path);
-    return found == record.lasFileLayers.end() || found->second.empty() ? Text(40820_lsid) : found->second;
-}
-
-/// Calls `take` with the full path and the details (or null) of each file that is not skipped.
-template <typename Take>
-void ForEachFile(const AddFilesParams& record, const std::set<std::wstring>& skipped, Take take) {
-    for (const auto& [folder, names] : record.lasFiles) {
-        for (const std::wstring& name : names) {
-            const std::wstring path = JoinPath(folder, name);
-            if (!skipped.contains(path)) {
-                take(path, DetailsOf(record, path));
-            }
-        }
-    }
-}
-
-/// Adds the layers that the record's files go to and the project lacks, by name and number; returns how many.
-std::size_t MakeMissingLayers(std::vector<Layer>& layers, const AddFilesParams& record,
-                              const std::set<std::wstring>& skipped) {
+/// Adds the layers that the files go to and the project lacks, by name and number; returns how many.
+std::size_t MakeMissingLayers(std::vector<Layer>& layers, LayerKind kind, const std::vector<NewFile>& files) {
     std::map<std::wstring, std::string, decltype(&NaturalLess)> wktOfLayer(&NaturalLess);
-    ForEachFile(record, skipped, [&](const std::wstring& path, const LasFileInfo* details) {
-        const std::wstring name = LayerNameOf(record, path);
-        const auto isMeant = [&](const Layer& layer) { return layer.name == name; };
-        if (!wktOfLayer.contains(name) && std::none_of(layers.begin(), layers.end(), isMeant)) {
-            wktOfLayer.emplace(name, details == nullptr ? std::string() : details->CrsWkt());
+    for (const NewFile& file : files) {
+        const auto isMeant = [&](const Layer& layer) {
+            return layer.kind == kind && layer.name == file.layer;
+        };
+        if (std::none_of(layers.begin(), layers.end(), isMeant)) {
+            wktOfLayer.emplace(file.layer, file.wkt);
         }
-    });
+    }
     for (const auto& [name, wkt] : wktOfLayer) {
-        layers.push_back({name, wkt, {}});
+        layers.push_back({name, wkt, {}, kind});
     }
     return wktOfLayer.size();
 }
 
-}  // namespace
-
-std::wstring JoinPath(const std::wstring& folder, const std::wstring& name) {
-    if (folder.empty()) {
-        return name;
+/// Of `layers`, the one that got the most files; one with a CRS before one without.
+std::size_t MainLayer(const std::vector<Layer>& layers, const std::vector<std::size_t>& addedTo) {
+    const auto rank = [&](std::size_t i) {
+        return std::tuple(addedTo[i] > 0, !layers[i].wkt.empty(), addedTo[i]);
+    };
+    std::size_t main = 0;
+    for (std::size_t i = 1; i < layers.size(); ++i) {
+        main = rank(i) > rank(main) ? i : main;
     }
-    const bool separated = folder.back() == L'/' || folder.back() == L'\\';
-    return NativePath(separated ? folder + name : folder + L'/' + name);
+    return main;
 }
+
+}  // namespace
 
 std::size_t Project::FileCount() const {
     std::size_t count = 0;
@@ -85,34 +49,43 @@ std::size_t Project::FileCount() const {
     return count;
 }
 
-std::map<std::wstring, std::wstring> Project::LayersForDialog() const {
+std::map<std::wstring, std::wstring> Project::LayersForDialog(LayerKind kind) const {
     std::map<std::wstring, std::wstring> byName;
     for (const Layer& layer : layers) {
-        byName.emplace(layer.name, FromUtf8(layer.wkt));
+        if (layer.kind == kind) {
+            byName.emplace(layer.name, FromUtf8(layer.wkt));
+        }
     }
     return byName;
 }
 
-AddedFiles Project::Add(const AddFilesParams& record, const std::set<std::wstring>& skipped) {
-    AddedFiles added;
-    added.newLayers = MakeMissingLayers(layers, record, skipped);
+AddedFiles Project::Take(LayerKind kind, const std::vector<NewFile>& files) {
+    std::set<std::wstring> known;
+    for (const Layer& layer : layers) {
+        for (const LayerFile& file : layer.files) {
+            if (layer.kind == kind) {
+                known.insert(PathKey(file.path));
+            }
+        }
+    }
+    std::vector<NewFile> fresh;
+    std::ranges::copy_if(files, std::back_inserter(fresh), [&known](const NewFile& file) {
+        return known.insert(PathKey(file.file.path)).second;
+    });
+    AddedFiles added{fresh.size(), MakeMissingLayers(layers, kind, fresh), files.size() - fresh.size(), 0};
     std::map<std::wstring, std::size_t> placeOfLayer;
     for (std::size_t i = 0; i < layers.size(); ++i) {
-        placeOfLayer.emplace(layers[i].name, i);
+        if (layers[i].kind == kind) {
+            placeOfLayer.emplace(layers[i].name, i);
+        }
     }
     std::vector<std::size_t> addedTo(layers.size());
-    ForEachFile(record, skipped, [&](const std::wstring& path, const LasFileInfo* details) {
-        const std::size_t place = placeOfLayer.at(LayerNameOf(record, path));
-        layers[place].files.push_back(DescribeFile(path, details, record.lasLoadSetting));
+    for (NewFile& file : fresh) {
+        const std::size_t place = placeOfLayer.at(file.layer);
+        layers[place].files.push_back(std::move(file.file));
         ++addedTo[place];
-        ++added.files;
-    });
-    const auto rank = [&](std::size_t i) {
-        return std::tuple(addedTo[i] > 0, !layers[i].wkt.empty(), addedTo[i]);
-    };
-    for (std::size_t i = 1; i < layers.size(); ++i) {
-        added.mainLayer = rank(i) > rank(added.mainLayer) ? i : added.mainLayer;
     }
+    added.mainLayer = MainLayer(layers, addedTo);
     return added;
 }
 
@@ -123,7 +96,7 @@ void Project::Remove(const std::set<std::pair<std::size_t, std::size_t>>& files,
         if (wholeLayers.contains(layer)) {
             continue;
         }
-        Layer rest{layers[layer].name, layers[layer].wkt, {}};
+        Layer rest{layers[layer].name, layers[layer].wkt, {}, layers[layer].kind};
         for (std::size_t file = 0; file < layers[layer].files.size(); ++file) {
             if (!files.contains({layer, file})) {
                 rest.files.push_back(std::move(layers[layer].files[file]));
@@ -134,13 +107,6 @@ void Project::Remove(const std::set<std::pair<std::size_t, std::size_t>>& files,
         }
     }
     layers = std::move(kept);
-}
-
-void DeleteDetails(AddFilesParams& record) {
-    for (const auto& [path, details] : record.lasFileDetails) {
-        delete details;
-    }
-    record.lasFileDetails.clear();
 }
 
 }  // namespace orvex

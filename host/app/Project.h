@@ -3,21 +3,38 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
 #include <vector>
-
-class AddFilesParams;
 
 namespace orvex {
 
 /// How the project holds its LiDAR data.
 enum class LidarAccess { ReadOnly, ReadWrite, NotAtAll };
 
+/// What the files of a layer are.
+enum class LayerKind { Las, Raster };
+
+/// What is known of a raster of the project.
+struct RasterFacts {
+    std::int32_t width = 0;   ///< pixels
+    std::int32_t height = 0;  ///< pixels
+    std::int32_t bands = 0;
+    std::wstring driver;  ///< GDAL's short name: "GTiff"; empty when unknown
+    /// minX, minY, maxX, maxY in units of the layer's CRS; none without georeference.
+    std::optional<std::array<double, 4>> extent;
+    /// X = t[0] + column * t[1] + row * t[2], Y = t[3] + column * t[4] + row * t[5].
+    std::optional<std::array<double, 6>> transform;
+
+    friend bool operator==(const RasterFacts&, const RasterFacts&) = default;
+};
+
 /// One file of a layer: what the footprint view and the tree tell of it without opening it.
 struct LayerFile {
     std::wstring path;
+    RasterFacts raster;  ///< of a raster layer's files; the rest below describes those of a LAS layer
     std::uint64_t points = 0;
     std::array<double, 3> min{};  ///< in the units of the layer's CRS
     std::array<double, 3> max{};
@@ -34,14 +51,23 @@ struct Layer {
     std::wstring name;
     std::string wkt;  ///< UTF-8; empty when the files carry no CRS
     std::vector<LayerFile> files;
+    LayerKind kind = LayerKind::Las;
 
     friend bool operator==(const Layer&, const Layer&) = default;
 };
 
-/// What became of a record.
+/// A file that is to be taken into the project.
+struct NewFile {
+    std::wstring layer;  ///< of its kind: an existing one's name, or a new one's
+    std::string wkt;     ///< its CRS, which a new layer gets from its first file
+    LayerFile file;
+};
+
+/// What became of files that were to be taken in.
 struct AddedFiles {
-    std::size_t files = 0;      ///< taken into the project
-    std::size_t newLayers = 0;  ///< made for them
+    std::size_t files = 0;         ///< taken into the project
+    std::size_t newLayers = 0;     ///< made for them
+    std::size_t alreadyThere = 0;  ///< left out, because a layer of the kind has them
     /// Place of the layer that got the most of them; one with a CRS before one without.
     std::size_t mainLayer = 0;
 };
@@ -54,22 +80,16 @@ struct Project {
     bool IsEmpty() const { return layers.empty(); }
     std::size_t FileCount() const;
     /// Layer name to WKT, as the Add Files dialog wants to know the layers that files can be appended to.
-    std::map<std::wstring, std::wstring> LayersForDialog() const;
+    std::map<std::wstring, std::wstring> LayersForDialog(LayerKind kind) const;
 
-    /// Takes the LAS files of a record into the layers that the dialog assigned them to, but not those whose
-    /// full path is in `skipped`.
-    AddedFiles Add(const AddFilesParams& record, const std::set<std::wstring>& skipped);
+    /// Takes files into layers of one kind, in their order. Layers that are missing are made, by name and
+    /// number; a file that the kind's layers have already is left out.
+    AddedFiles Take(LayerKind kind, const std::vector<NewFile>& files);
     /// Takes files (layer and place in it) and whole layers away; a layer goes with its last file.
     void Remove(const std::set<std::pair<std::size_t, std::size_t>>& files,
                 const std::set<std::size_t>& wholeLayers);
 
     friend bool operator==(const Project&, const Project&) = default;
 };
-
-/// The details objects of a record belong to the host once the dialog ended with OK; this deletes them.
-void DeleteDetails(AddFilesParams& record);
-
-/// A folder and a name as a full path.
-std::wstring JoinPath(const std::wstring& folder, const std::wstring& name);
 
 }  // namespace orvex

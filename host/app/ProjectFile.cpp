@@ -15,15 +15,21 @@ namespace orvex {
 
 namespace {
 
-constexpr int kFormatVersion = 1;
+constexpr int kFormatVersion = 2;
+/// The least version that holds rasters. A project without any is written as version 1, which older programs
+/// read.
+constexpr int kVersionWithRasters = 2;
+constexpr const char* kLasKind = "las";
+constexpr const char* kRasterKind = "raster";
 constexpr const char* kAccessNames[] = {"readOnly", "readWrite", "notAtAll"};
 
 QString FilePath(const QString& folder) {
     return QDir(folder).filePath(QString::fromLatin1(kProjectFileName));
 }
 
-/// Extents that are no numbers are kept as null and read back as NaN.
-QJsonArray ToJson(const std::array<double, 3>& values) {
+/// Numbers that are none are kept as null and read back as NaN.
+template <std::size_t Count>
+QJsonArray ToJson(const std::array<double, Count>& values) {
     QJsonArray array;
     for (const double value : values) {
         array.append(std::isfinite(value) ? QJsonValue(value) : QJsonValue());
@@ -31,19 +37,38 @@ QJsonArray ToJson(const std::array<double, 3>& values) {
     return array;
 }
 
-std::array<double, 3> TripleFromJson(const QJsonValue& value) {
-    std::array<double, 3> values{};
+template <std::size_t Count>
+std::array<double, Count> NumbersFromJson(const QJsonValue& value) {
+    std::array<double, Count> values{};
     const QJsonArray array = value.toArray();
-    for (int i = 0; i < 3; ++i) {
-        values[static_cast<std::size_t>(i)] = array.at(i).toDouble(std::numeric_limits<double>::quiet_NaN());
+    for (std::size_t i = 0; i < Count; ++i) {
+        values[i] = array.at(static_cast<qsizetype>(i)).toDouble(std::numeric_limits<double>::quiet_NaN());
     }
     return values;
 }
 
-QJsonObject ToJson(const LayerFile& file) {
+template <std::size_t Count>
+QJsonValue ToJson(const std::optional<std::array<double, Count>>& values) {
+    return values ? QJsonValue(ToJson(*values)) : QJsonValue();
+}
+
+template <std::size_t Count>
+std::optional<std::array<double, Count>> OptionalFromJson(const QJsonValue& value) {
+    return value.isArray() ? std::optional(NumbersFromJson<Count>(value)) : std::nullopt;
+}
+
+/// Percent-encoded bytes: names that are no text survive.
+QString PathToJson(const std::wstring& path) {
+    return QString::fromLatin1(PathBytes(path).toPercentEncoding(" /\\:"));
+}
+
+std::wstring PathFromJson(const QJsonValue& value) {
+    return PathFromBytes(QByteArray::fromPercentEncoding(value.toString().toUtf8()));
+}
+
+QJsonObject LasToJson(const LayerFile& file) {
     return {
-        // Percent-encoded bytes: names that are no text survive.
-        {"path", QString::fromLatin1(PathBytes(file.path).toPercentEncoding(" /\\:"))},
+        {"path", PathToJson(file.path)},
         // A JSON number holds 53 bits exactly; counts can have 64.
         {"points", QString::number(file.points)},
         {"min", ToJson(file.min)},
@@ -55,12 +80,12 @@ QJsonObject ToJson(const LayerFile& file) {
     };
 }
 
-LayerFile FileFromJson(const QJsonObject& json) {
+LayerFile LasFromJson(const QJsonObject& json) {
     LayerFile file;
-    file.path = PathFromBytes(QByteArray::fromPercentEncoding(json["path"].toString().toUtf8()));
+    file.path = PathFromJson(json["path"]);
     file.points = json["points"].toString().toULongLong();
-    file.min = TripleFromJson(json["min"]);
-    file.max = TripleFromJson(json["max"]);
+    file.min = NumbersFromJson<3>(json["min"]);
+    file.max = NumbersFromJson<3>(json["max"]);
     file.version = json["version"].toInt();
     file.pointFormat = json["pointFormat"].toInt();
     file.readOnly = json["readOnly"].toBool(true);
@@ -68,13 +93,36 @@ LayerFile FileFromJson(const QJsonObject& json) {
     return file;
 }
 
+QJsonObject RasterToJson(const LayerFile& file) {
+    const RasterFacts& raster = file.raster;
+    return {{"path", PathToJson(file.path)},
+            {"width", raster.width},
+            {"height", raster.height},
+            {"bands", raster.bands},
+            {"driver", ToQString(raster.driver)},
+            {"extent", ToJson(raster.extent)},
+            {"transform", ToJson(raster.transform)}};
+}
+
+LayerFile RasterFromJson(const QJsonObject& json) {
+    LayerFile file;
+    file.path = PathFromJson(json["path"]);
+    file.raster = {json["width"].toInt(),
+                   json["height"].toInt(),
+                   json["bands"].toInt(),
+                   ToWide(json["driver"].toString()),
+                   OptionalFromJson<4>(json["extent"]),
+                   OptionalFromJson<6>(json["transform"])};
+    return file;
+}
+
 QJsonObject ToJson(const Layer& layer) {
     QJsonArray files;
     for (const LayerFile& file : layer.files) {
-        files.append(ToJson(file));
+        files.append(layer.kind == LayerKind::Raster ? RasterToJson(file) : LasToJson(file));
     }
     return {{"name", ToQString(layer.name)},
-            {"kind", "las"},
+            {"kind", layer.kind == LayerKind::Raster ? kRasterKind : kLasKind},
             {"wkt", QString::fromStdString(layer.wkt)},
             {"files", files}};
 }
@@ -82,10 +130,12 @@ QJsonObject ToJson(const Layer& layer) {
 Layer LayerFromJson(const QJsonObject& json) {
     Layer layer;
     layer.name = ToWide(json["name"].toString());
+    layer.kind = json["kind"].toString() == kRasterKind ? LayerKind::Raster : LayerKind::Las;
     layer.wkt = json["wkt"].toString().toStdString();
     const QJsonArray files = json["files"].toArray();
     for (const auto& file : files) {
-        layer.files.push_back(FileFromJson(file.toObject()));
+        layer.files.push_back(layer.kind == LayerKind::Raster ? RasterFromJson(file.toObject())
+                                                              : LasFromJson(file.toObject()));
     }
     return layer;
 }
@@ -132,11 +182,13 @@ std::optional<Project> LoadProject(const QString& folder, QString& problem) {
 
 bool SaveProject(const QString& folder, const Project& project, QString& problem) {
     QJsonArray layers;
+    bool hasRasters = false;
     for (const Layer& layer : project.layers) {
         layers.append(ToJson(layer));
+        hasRasters = hasRasters || layer.kind == LayerKind::Raster;
     }
     const QJsonObject json{{"format", "orvex-project"},
-                           {"version", kFormatVersion},
+                           {"version", hasRasters ? kVersionWithRasters : 1},
                            {"lidarAccess", kAccessNames[static_cast<int>(project.lidarAccess)]},
                            {"layers", layers}};
     QDir().mkpath(folder);

@@ -2,9 +2,10 @@
 
 #include <map>
 
-#include "host/app/Project.h"
+#include "host/app/RecordFiles.h"
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/LasFileInfo.h"
+#include "orvexcommon/RasterFileInfo.h"
 #include "support/Format.h"
 #include "support/NaturalOrder.h"
 #include "support/Text.h"
@@ -21,43 +22,68 @@ void Option(std::wstring& text, StringId caption, const std::wstring& value) {
     text += L"  " + Text(caption) + L": " + value + L"\n";
 }
 
-std::wstring FileLine(const AddFilesParams& record, const std::wstring& folder, const std::wstring& name) {
-    const std::wstring path = JoinPath(folder, name);
-    std::wstring line = L"  " + name;
+std::wstring LasFacts(const AddFilesParams& record, const std::wstring& path) {
     const auto details = record.lasFileDetails.find(path);
-    if (details != record.lasFileDetails.end() && details->second != nullptr) {
-        const LasFileInfo& file = *details->second;
-        line += L"  " + FormatText(Text(40832_lsid), {file.Version() / 10, file.Version() % 10,
-                                                      file.PointFormat(), file.GetPointCount()});
-        line += L", " + Text(file.IsReadOnly() ? 40833_lsid : 40834_lsid);
-        if (FileNameOf(file.FileName()) != name) {
-            line += L" (" + FileNameOf(file.FileName()) + L")";
-        }
+    if (details == record.lasFileDetails.end() || details->second == nullptr) {
+        return {};
     }
-    return line + L"\n";
+    const LasFileInfo& file = *details->second;
+    std::wstring facts = FormatText(Text(40832_lsid), {file.Version() / 10, file.Version() % 10,
+                                                       file.PointFormat(), file.GetPointCount()});
+    facts += L", " + Text(file.IsReadOnly() ? 40833_lsid : 40834_lsid);
+    const std::wstring opened = FileNameOf(file.FileName());
+    return opened == FileNameOf(path) ? facts : facts + L" (" + opened + L")";
 }
 
-std::wstring FilesText(const AddFilesParams& record) {
+std::wstring RasterFactsText(const AddFilesParams& record, const std::wstring& path) {
+    const auto details = record.rasterFileDetails.find(path);
+    if (details == record.rasterFileDetails.end() || details->second == nullptr) {
+        return {};
+    }
+    const RasterProperties& raster = details->second->Properties();
+    std::wstring facts = raster.driver.empty()
+                             ? std::wstring()
+                             : raster.driver + (details->second->IsBigTiff() ? L" (BigTIFF), " : L", ");
+    facts += FormatText(Text(41427_lsid), {raster.width, raster.height, raster.bands});
+    const bool hasPlace = raster.transform || raster.extent;
+    return hasPlace ? facts : facts + L", " + Text(41432_lsid);
+}
+
+std::wstring NoFacts(const AddFilesParams&, const std::wstring&) {
+    return {};
+}
+
+/// What a record says of the files of one kind, beside its options.
+struct FileKindOfRecord {
+    StringId heading;
+    const FilesByFolder& files;
+    const std::map<std::wstring, std::wstring>& layerOfFile;
+    const std::map<std::wstring, std::wstring>& existingLayers;
+    std::wstring (*factsOf)(const AddFilesParams& record, const std::wstring& path);
+};
+
+std::wstring FilesText(const AddFilesParams& record, const FileKindOfRecord& kind) {
     std::size_t files = 0;
     std::wstring text;
-    for (const auto& [folder, names] : record.lasFiles) {
+    for (const auto& [folder, names] : kind.files) {
         text += folder + L"\n";
         for (const std::wstring& name : names) {
-            text += FileLine(record, folder, name);
+            const std::wstring facts = kind.factsOf(record, JoinPath(folder, name));
+            text += L"  " + name + (facts.empty() ? facts : L"  " + facts) + L"\n";
         }
         files += names.size();
     }
-    return FormatText(Text(40835_lsid), {files, record.lasFiles.size()}) + L"\n" + text;
+    return FormatText(Text(kind.heading), {files, kind.files.size()}) + L"\n" + text;
 }
 
-std::wstring LayersText(const AddFilesParams& record) {
+std::wstring LayersText(const FileKindOfRecord& kind) {
     std::map<std::wstring, std::size_t, decltype(&NaturalLess)> filesOfLayer(&NaturalLess);
-    for (const auto& [path, layer] : record.lasFileLayers) {
+    for (const auto& [path, layer] : kind.layerOfFile) {
         ++filesOfLayer[layer];
     }
     std::wstring text = Text(40836_lsid) + L"\n";
     for (const auto& [layer, files] : filesOfLayer) {
-        const bool existing = record.existingLasLayers.contains(layer);
+        const bool existing = kind.existingLayers.contains(layer);
         text += L"  " + FormatText(Text(existing ? 40837_lsid : 40838_lsid), {layer, files}) + L"\n";
     }
     return text;
@@ -85,7 +111,7 @@ std::wstring BackupName(std::int32_t option) {
     }
 }
 
-std::wstring OptionsText(const AddFilesParams& record) {
+std::wstring LasOptions(const AddFilesParams& record) {
     std::wstring text = Text(40846_lsid) + L"\n";
     Option(text, 40847_lsid, Text(record.lasOpenSetting ? 40834_lsid : 40833_lsid));
     Option(text, 40848_lsid, Text(record.lasLoadSetting ? 40849_lsid : 40850_lsid));
@@ -100,13 +126,46 @@ std::wstring OptionsText(const AddFilesParams& record) {
     return text;
 }
 
+std::wstring RasterOptions(const AddFilesParams& record) {
+    std::wstring text = Text(40846_lsid) + L"\n";
+    Option(text, 40851_lsid, YesNo(record.rasterAppend));
+    Option(text, 41433_lsid, YesNo(record.rasterPyramid));
+    return text;
+}
+
+std::wstring DemOptions(const AddFilesParams& record) {
+    std::wstring text = Text(40846_lsid) + L"\n";
+    Option(text, 40847_lsid, Text(record.demOpenReadWrite ? 40834_lsid : 40833_lsid));
+    Option(text, 40851_lsid, YesNo(record.demAppend));
+    Option(text, 41434_lsid, YesNo(record.demIgnoreCrs));
+    Option(text, 41436_lsid, FormatText(L"%d", {record.demPointFormat}));
+    Option(text, 40854_lsid, FormatText(L"%u", {record.demThinning}));
+    Option(text, 41437_lsid, record.demLasFolder);
+    // Said as it is: this host keeps the choice, but has nothing yet that builds them.
+    Option(text, 41433_lsid, record.demPyramid ? Text(41438_lsid) : YesNo(false));
+    return text;
+}
+
 }  // namespace
 
 std::wstring RecordText(const AddFilesParams& record) {
-    if (record.lasFiles.empty()) {
-        return Text(40859_lsid) + L"\n";
-    }
-    return FilesText(record) + L"\n" + LayersText(record) + L"\n" + OptionsText(record);
+    const FileKindOfRecord las{40835_lsid, record.lasFiles, record.lasFileLayers, record.existingLasLayers,
+                               LasFacts};
+    const FileKindOfRecord rasters{41439_lsid, record.rasterFiles, record.rasterFileLayers,
+                                   record.existingRasterLayers, RasterFactsText};
+    const FileKindOfRecord dems{41440_lsid, record.demFiles, record.demFileLayers, record.existingLasLayers,
+                                NoFacts};
+    std::wstring text;
+    const auto append = [&](const FileKindOfRecord& kind, std::wstring (*options)(const AddFilesParams&)) {
+        if (!kind.files.empty()) {
+            text += (text.empty() ? L"" : L"\n") + FilesText(record, kind) + L"\n" + LayersText(kind) +
+                    L"\n" + options(record);
+        }
+    };
+    append(las, LasOptions);
+    append(rasters, RasterOptions);
+    append(dems, DemOptions);
+    return text.empty() ? Text(40859_lsid) + L"\n" : text;
 }
 
 }  // namespace orvex

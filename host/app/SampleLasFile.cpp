@@ -8,6 +8,8 @@
 #include <fstream>
 #include <vector>
 
+#include "host/app/SampleTerrain.h"
+
 namespace orvex {
 
 namespace {
@@ -33,33 +35,6 @@ class Block {
   private:
     std::string bytes_;
 };
-
-struct Terrain {
-    double height;
-    bool isTree;
-    bool isWater;
-};
-
-/// The same number between 0 and 1 for the same place, whatever made it.
-double Noise(std::int64_t x, std::int64_t y) {
-    auto bits = static_cast<std::uint64_t>(x) * 0x9E3779B97F4A7C15ULL ^
-                static_cast<std::uint64_t>(y) * 0xC2B2AE3D27D4EB4FULL;
-    bits ^= bits >> 29U;
-    bits *= 0xBF58476D1CE4E5B9ULL;
-    bits ^= bits >> 32U;
-    return static_cast<double>(bits % 65536) / 65535.0;
-}
-
-Terrain TerrainAt(std::int64_t x, std::int64_t y) {
-    const double fx = static_cast<double>(x);
-    const double fy = static_cast<double>(y);
-    const double hills = 40 * std::sin(fx / 131) * std::cos(fy / 97) + 18 * std::sin(fx / 53 + fy / 71);
-    const double river = std::abs(fy - 210 - 60 * std::sin(fx / 120));
-    const bool isWater = river < 12;
-    const bool isTree = !isWater && std::sin(fx / 17) + std::sin(fy / 23) > 0.7 && Noise(x, y) > 0.5;
-    const double ground = isWater ? 212 : 250 + hills + 0.3 * Noise(y, x) - 40 / (1 + river / 20);
-    return {ground + (isTree ? 4 + 12 * Noise(x + 7, y) : 0), isTree, isWater};
-}
 
 std::string Record(const std::string& userId, std::uint16_t recordId, const std::string& description,
                    const std::string& data) {
@@ -99,7 +74,7 @@ std::vector<std::string> RecordsOf(const SampleTile& tile) {
 
 /// A point record of format 3 (34 bytes) or 7 (36 bytes).
 std::string PointRecord(const SampleTile& tile, const std::array<std::int32_t, 3>& position,
-                        const Terrain& terrain, double time) {
+                        const SampleTerrain& terrain, double time) {
     const bool extended = tile.pointFormat >= 6;
     const std::size_t afterXyz = 12;
     Block point(extended ? 36 : 34);
@@ -140,8 +115,8 @@ Points PointsOf(const SampleTile& tile) {
     const auto startY = static_cast<std::int64_t>(std::llround(tile.south / tile.spacing)) % 1000;
     for (int row = 0; row < tile.side; ++row) {
         for (int column = 0; column < tile.side; ++column) {
-            const Terrain terrain = TerrainAt(startX + column, startY + row);
-            const double jitter = 0.6 * Noise(startX + column, startY + row);
+            const SampleTerrain terrain = SampleTerrainAt(startX + column, startY + row);
+            const double jitter = 0.6 * SampleNoise(startX + column, startY + row);
             const std::array<std::int32_t, 3> position = {
                 static_cast<std::int32_t>((column + jitter) * tile.spacing / scale),
                 static_cast<std::int32_t>((row + jitter) * tile.spacing / scale),

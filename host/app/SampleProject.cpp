@@ -4,7 +4,9 @@
 #include <string>
 
 #include "host/app/SampleLasFile.h"
+#include "host/app/SampleRasters.h"
 #include "orvexcommon/OrvexUtilities.h"
+#include "support/LDataError.h"
 
 namespace orvex {
 
@@ -75,28 +77,46 @@ bool WriteCompressed(const fs::path& data) {
     return done;
 }
 
+void WriteSurveys(const fs::path& data) {
+    WriteTiles(data);
+    WriteDamaged(data);
+    if (!WriteCompressed(data)) {
+        throw LDataError(L"LASzip");
+    }
+}
+
+/// Builds under another name and renames when complete, unless it is there. Another process may be faster.
+void EnsureFolder(const fs::path& folder, const std::function<void(const fs::path&)>& build) {
+    if (fs::is_directory(folder)) {
+        return;
+    }
+    const fs::path building = fs::path(folder) += ".new";
+    fs::remove_all(building);
+    fs::create_directories(building);
+    build(building);
+    std::error_code error;
+    fs::rename(building, folder, error);
+    fs::remove_all(building, error);
+    if (!fs::is_directory(folder)) {
+        throw fs::filesystem_error("rename", folder, std::make_error_code(std::errc::io_error));
+    }
+}
+
 }  // namespace
 
 fs::path EnsureSampleProject(const fs::path& folder) {
-    std::error_code error;
-    if (fs::is_directory(SampleData(folder), error)) {
-        return folder;
-    }
-    const fs::path building = fs::path(folder) += ".new";
     try {
-        fs::remove_all(building);
-        WriteTiles(building);
-        WriteDamaged(building);
-        if (!WriteCompressed(building)) {
-            return {};
-        }
+        const fs::path data = SampleData(folder);
         fs::create_directories(folder);
-        fs::rename(building, SampleData(folder));
+        EnsureFolder(data, WriteSurveys);
+        // Each by itself, so that a project of an earlier version gets what it lacks.
+        EnsureFolder(data / "rasters",
+                     [](const fs::path& part) { WriteSampleRasters(part, kWest, kSouth, kUtm32); });
+        EnsureFolder(data / "elevation",
+                     [](const fs::path& part) { WriteSampleElevation(part, kWest, kSouth, kUtm32); });
         return folder;
-    } catch (const fs::filesystem_error&) {
-        fs::remove_all(building, error);
-        // Another process may have been faster.
-        return fs::is_directory(SampleData(folder), error) ? folder : fs::path();
+    } catch (const std::exception&) {
+        return {};
     }
 }
 

@@ -13,6 +13,10 @@ constexpr double kWidthOfNothing = 100;
 /// Beyond any coordinate system; a damaged header that says so must not shrink all others to a dot.
 constexpr double kFarthest = 1e12;
 
+bool IsPlace(double value) {
+    return std::abs(value) <= kFarthest;  // NaN is none
+}
+
 }  // namespace
 
 void ViewTransform::Fit(const QRectF& world, const QSizeF& view, double marginPixels) {
@@ -53,6 +57,14 @@ QRectF ViewTransform::ToPixel(const QRectF& world) const {
     return QRectF(ToPixel(world.topLeft()), ToPixel(world.bottomRight())).normalized();
 }
 
+QPolygonF ViewTransform::ToPixel(const QPolygonF& world) const {
+    QPolygonF pixels;
+    for (const QPointF& point : world) {
+        pixels.append(ToPixel(point));
+    }
+    return pixels;
+}
+
 double GridStep(double pixelsPerUnit, double leastPixels) {
     const double least = leastPixels / pixelsPerUnit;
     const double power = std::pow(10.0, std::floor(std::log10(least)));
@@ -86,11 +98,27 @@ std::vector<double> GridLines(double from, double to, double step) {
 
 bool FootprintSet::Add(std::size_t layer, std::size_t file, double minX, double minY, double maxX,
                        double maxY) {
-    const auto isPlace = [](double value) { return std::abs(value) <= kFarthest; };  // NaN is none
-    if (!isPlace(minX) || !isPlace(minY) || !isPlace(maxX) || !isPlace(maxY) || minX > maxX || minY > maxY) {
+    if (!IsPlace(minX) || !IsPlace(minY) || !IsPlace(maxX) || !IsPlace(maxY) || minX > maxX || minY > maxY) {
         return false;
     }
-    footprints_.push_back({layer, file, QRectF(minX, minY, maxX - minX, maxY - minY)});
+    footprints_.push_back({layer, file, QRectF(minX, minY, maxX - minX, maxY - minY), {}});
+    return true;
+}
+
+bool FootprintSet::Add(std::size_t layer, std::size_t file, const QPolygonF& corners) {
+    const QRectF bounds = corners.boundingRect();
+    const auto isPlace = [](const QPointF& corner) { return IsPlace(corner.x()) && IsPlace(corner.y()); };
+    if (corners.isEmpty() || !std::ranges::all_of(corners, isPlace) ||
+        !Add(layer, file, bounds.left(), bounds.top(), bounds.right(), bounds.bottom())) {
+        return false;
+    }
+    const auto isAtCorner = [&bounds](const QPointF& corner) {
+        return (corner.x() == bounds.left() || corner.x() == bounds.right()) &&
+               (corner.y() == bounds.top() || corner.y() == bounds.bottom());
+    };
+    if (!std::ranges::all_of(corners, isAtCorner)) {
+        footprints_.back().corners = corners;
+    }
     return true;
 }
 
@@ -120,8 +148,11 @@ std::optional<std::size_t> FootprintSet::At(const QPointF& world, double slack) 
     double bestArea = 0;
     for (std::size_t i = 0; i < footprints_.size(); ++i) {
         const QRectF& rect = footprints_[i].world;
+        const QPolygonF& corners = footprints_[i].corners;
         const bool inside = world.x() >= rect.left() - slack && world.x() <= rect.right() + slack &&
-                            world.y() >= rect.top() - slack && world.y() <= rect.bottom() + slack;
+                            world.y() >= rect.top() - slack && world.y() <= rect.bottom() + slack &&
+                            (corners.isEmpty() || corners.containsPoint(world, Qt::OddEvenFill) ||
+                             std::max(rect.width(), rect.height()) <= slack);
         const double area = rect.width() * rect.height();
         if (inside && (!best || area <= bestArea)) {
             best = i;

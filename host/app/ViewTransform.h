@@ -1,5 +1,6 @@
 #pragma once
 #include <QPointF>
+#include <QPolygonF>
 #include <QRectF>
 #include <QSizeF>
 #include <cstddef>
@@ -24,6 +25,7 @@ class ViewTransform {
     QPointF ToPixel(const QPointF& world) const;
     QPointF ToWorld(const QPointF& pixel) const;
     QRectF ToPixel(const QRectF& world) const;
+    QPolygonF ToPixel(const QPolygonF& world) const;
     double PixelsPerUnit() const { return scale_; }
 
   private:
@@ -47,10 +49,14 @@ class FootprintSet {
         std::size_t layer = 0;
         std::size_t file = 0;
         QRectF world;  ///< top is the smaller y
+        /// Its corners, in order around it, where its sides do not run along the axes; else empty.
+        QPolygonF corners;
     };
 
     /// False when the extent is none.
     bool Add(std::size_t layer, std::size_t file, double minX, double minY, double maxX, double maxY);
+    /// A footprint of four corners, which may be rotated or mirrored. False when it is none.
+    bool Add(std::size_t layer, std::size_t file, const QPolygonF& corners);
     void Clear();
     const std::vector<Footprint>& All() const { return footprints_; }
     /// The extent of all; an empty rectangle when there are none.

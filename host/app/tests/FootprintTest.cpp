@@ -10,9 +10,11 @@
 #include <limits>
 
 #include "host/app/FootprintView.h"
+#include "host/app/HostText.h"
 #include "host/app/LayerTreeModel.h"
 #include "host/app/Project.h"
 #include "host/app/ViewTransform.h"
+#include "host/app/tests/TestRasters.h"
 
 namespace orvex {
 namespace {
@@ -108,6 +110,36 @@ TEST(FootprintSet, LeavesOutExtentsThatAreNone) {
     EXPECT_TRUE(set.Bounds().isEmpty());
 }
 
+TEST(FootprintSet, RotatedFootprintsAreHitWhereTheyAre) {
+    FootprintSet set;
+    EXPECT_TRUE(
+        set.Add(0, 0, QPolygonF({QPointF(50, 0), QPointF(100, 50), QPointF(50, 100), QPointF(0, 50)})));
+    EXPECT_TRUE(set.Add(0, 1, QPolygonF({QPointF(0, 30), QPointF(30, 30), QPointF(30, 0), QPointF(0, 0)})));
+    EXPECT_TRUE(set.All()[1].corners.isEmpty()) << "its sides run along the axes";
+    EXPECT_EQ(set.At({60, 60}, 0), 0U);
+    EXPECT_FALSE(set.At({95, 95}, 0));
+    EXPECT_EQ(set.At({10, 10}, 0), 1U);
+    EXPECT_EQ(set.Bounds(), QRectF(0, 0, 100, 100));
+    EXPECT_FALSE(
+        set.Add(0, 2, QPolygonF({QPointF(0, 0), QPointF(std::nan(""), 0), QPointF(1, 1), QPointF(0, 1)})));
+}
+
+TEST(LayerTreeModel, TellsOfRastersWhatTheyAre) {
+    Project project;
+    LayerFile placed = Square(0, 0, 1);
+    placed.raster = {640, 480, 3, L"GTiff", {{0, 0, 64, 48}}, std::nullopt};
+    LayerFile nowhere = placed;
+    nowhere.raster.extent.reset();
+    project.layers = {{L"r", "", {placed, nowhere}, LayerKind::Raster}};
+    LayerTreeModel model(project);
+    const QModelIndex layer = model.index(0, 0);
+    EXPECT_EQ(model.index(0, LayerTreeModel::kSize).data().toString(), "");
+    EXPECT_EQ(model.index(0, LayerTreeModel::kSize, layer).data().toString(), "640 x 480");
+    EXPECT_EQ(model.index(0, LayerTreeModel::kFormat, layer).data().toString(), "GTiff");
+    EXPECT_NE(model.index(1, LayerTreeModel::kFormat, layer).data().toString(), "GTiff");
+    EXPECT_TRUE(model.index(1, 0, layer).data(Qt::ToolTipRole).toString().contains(HostText(41428_lsid)));
+}
+
 TEST(LayerTreeModel, HoldsTogetherThroughChanges) {
     Project project;
     LayerTreeModel model(project);
@@ -120,8 +152,8 @@ TEST(LayerTreeModel, HoldsTogetherThroughChanges) {
     EXPECT_EQ(model.parent(file), model.index(0, 0));
     EXPECT_EQ(LayerTreeModel::LayerOf(file), 0U);
     EXPECT_EQ(LayerTreeModel::FileOf(file), 1U);
-    EXPECT_EQ(model.index(0, LayerTreeModel::kPoints).data(),
-              model.index(1, LayerTreeModel::kPoints, model.index(0, 0)).data());
+    EXPECT_EQ(model.index(0, LayerTreeModel::kSize).data(),
+              model.index(1, LayerTreeModel::kSize, model.index(0, 0)).data());
     project.layers.clear();
     model.Reload();
     EXPECT_EQ(model.rowCount(), 0);
@@ -185,6 +217,68 @@ TEST_F(FootprintViewTest, TenThousandFilesAreDrawnSmoothly) {
     QApplication::sendEvent(&view_, &move);
     ASSERT_GE(hovered.count(), 1);
     EXPECT_TRUE(hovered.last()[0].toString().contains("tile.las"));
+}
+
+class RasterViewTest : public ::testing::Test {
+  protected:
+    RasterViewTest() { view_.resize(400, 400); }
+
+    void Show(const std::vector<LayerFile>& files) {
+        project_.layers = {{L"r", "crs", files, LayerKind::Raster}};
+        view_.show();
+        view_.ShowCrs("crs");
+        EXPECT_TRUE(QTest::qWaitFor([this] { return !view_.IsLoading(); }));
+        QApplication::processEvents();
+    }
+    static LayerFile Placed(const std::wstring& path, int width, int height,
+                            const std::array<double, 6>& transform) {
+        LayerFile file;
+        file.path = path;
+        file.raster = {width, height, 1, L"GTiff", std::nullopt, transform};
+        return file;
+    }
+    QColor ColourAt(int x, int y) { return view_.grab().toImage().pixelColor(x, y); }
+
+    testing::TemporaryFolder folder_;
+    Project project_;
+    FootprintView view_{project_};
+};
+
+TEST_F(RasterViewTest, PicturesLieWhereTheirRastersDo) {
+    testing::TestRaster raster(2, 2, GDT_Byte, {200, 200, 0, 0}, 3);
+    raster.SetValues(2, {0, 0, 200, 200});
+    raster.SetValues(3, {0, 0, 0, 0});
+    const std::wstring path = raster.Save(folder_, L"a.tif", {"PHOTOMETRIC=RGB"});
+    Show({Placed(path, 2, 2, {0, 50, 0, 100, 0, -50})});
+    EXPECT_GT(ColourAt(120, 100).red(), 150) << "north";
+    EXPECT_GT(ColourAt(120, 300).green(), 150) << "south";
+
+    // Turned by half a circle, and moved far away, the first row lies in the south.
+    Show({Placed(path, 2, 2, {500000, -50, 0, 5400000, 0, 50})});
+    EXPECT_GT(ColourAt(120, 100).green(), 150);
+    EXPECT_GT(ColourAt(120, 300).red(), 150);
+
+    // Deep inside a picture only what is seen is drawn.
+    for (int i = 0; i < 60; ++i) {
+        QTest::keyClick(&view_, Qt::Key_Plus);
+    }
+    EXPECT_GT(ColourAt(130, 100).red() + ColourAt(130, 100).green(), 150);
+}
+
+TEST_F(RasterViewTest, RotatedCornersStayEmptyAndAProblemIsTold) {
+    const std::wstring path =
+        testing::TestRaster(2, 2, GDT_Byte, {255, 255, 255, 255}).Save(folder_, L"a.tif");
+    view_.setPalette(QPalette(Qt::black));
+    Show({Placed(path, 2, 2, {0, 50, 50, 100, -50, 50}),
+          Placed(folder_.Write(L"bad.tif", "no raster"), 9, 9, {0, 1, 0, 0, 0, -1})});
+    const QColor ground = view_.palette().color(QPalette::Base);
+    EXPECT_NE(ColourAt(200, 130), ground);
+    EXPECT_EQ(ColourAt(60, 60), ground);
+    QSignalSpy clicked(&view_, &FootprintView::FileClicked);
+    QTest::mouseClick(&view_, Qt::LeftButton, {}, QPoint(60, 60));
+    EXPECT_EQ(clicked.count(), 0);
+    QTest::mouseClick(&view_, Qt::LeftButton, {}, QPoint(200, 130));
+    EXPECT_EQ(clicked.count(), 1);
 }
 
 }  // namespace

@@ -6,7 +6,9 @@
 
 #include "host/app/LidarCheck.h"
 #include "host/app/ProjectFile.h"
+#include "host/app/RecordFiles.h"
 #include "host/app/tests/FakeLasFileInfo.h"
+#include "host/app/tests/FakeRasterFileInfo.h"
 #include "orvexcommon/AddFilesParams.h"
 #include "support/QtText.h"
 #include "support/Text.h"
@@ -16,6 +18,7 @@ namespace orvex {
 namespace {
 
 using testing::FakeLasFileInfo;
+using testing::FakeRasterFileInfo;
 using testing::TemporaryFolder;
 
 constexpr const char* kUtm =
@@ -39,6 +42,14 @@ struct Record : AddFilesParams {
         lasFileLayers[JoinPath(folder, name)] = layer;
         return *info;
     }
+    RasterProperties& AddRaster(const std::wstring& folder, const std::wstring& name,
+                                const std::wstring& layer) {
+        auto* info = new FakeRasterFileInfo;
+        rasterFiles[folder].push_back(name);
+        rasterFileDetails[JoinPath(folder, name)] = info;
+        rasterFileLayers[JoinPath(folder, name)] = layer;
+        return info->properties;
+    }
 };
 
 LayerFile File(const std::wstring& path) {
@@ -54,13 +65,26 @@ LayerFile File(const std::wstring& path) {
     return file;
 }
 
+LayerFile Raster(const std::wstring& path) {
+    LayerFile file;
+    file.path = path;
+    file.raster.width = 2147483647;
+    file.raster.height = 3;
+    file.raster.bands = 4;
+    file.raster.driver = L"GTiff";
+    file.raster.extent = {{-1.5, 0.1, 1e9, 0.30000000000000004}};
+    file.raster.transform = {{500000.25, 0.5, 1e-9, 5.4e6, -0.25, -0.5}};
+    return file;
+}
+
 TEST(ProjectFile, KeepsEverythingThroughSavingAndLoading) {
     const TemporaryFolder folder;
     Project project;
     project.lidarAccess = LidarAccess::NotAtAll;
     project.layers = {
         {L"Gel\u00E4nde \u00DF", kUtm, {File(L"/data/Gr\u00F6\u00DFe 100%.las"), File(L"/a/\xDCFF.las")}},
-        {L"no CRS", "", {File(L"/x.las")}}};
+        {L"no CRS", "", {File(L"/x.las")}},
+        {L"no CRS", kUtm, {Raster(L"/r/100%.tif"), {L"/r/no place.png", {}}}, LayerKind::Raster}};
     const QString where = ToQString(folder.Name(L"neues Projekt \u00FC"));
     QString problem;
     ASSERT_TRUE(SaveProject(where, project, problem)) << problem.toStdString();
@@ -68,6 +92,26 @@ TEST(ProjectFile, KeepsEverythingThroughSavingAndLoading) {
     const auto loaded = LoadProject(where, problem);
     ASSERT_TRUE(loaded) << problem.toStdString();
     EXPECT_EQ(*loaded, project);
+}
+
+TEST(ProjectFile, ProjectsOfBeforeThereWereRastersStayReadableBothWays) {
+    const TemporaryFolder folder;
+    folder.Write(L"project.orvex.json",
+                 R"({"format": "orvex-project", "version": 1, "lidarAccess": "readWrite", "layers": [
+                     {"name": "a", "kind": "las", "wkt": "W", "files": [{"path": "/1.las", "points": "7",
+                      "min": [1, 2, 3], "max": [4, 5, 6], "version": 12, "pointFormat": 3, "readOnly": false}]}]})");
+    const QString where = ToQString(FromPath(folder.Path()));
+    QString problem;
+    const auto loaded = LoadProject(where, problem);
+    ASSERT_TRUE(loaded) << problem.toStdString();
+    ASSERT_EQ(loaded->layers.size(), 1U);
+    EXPECT_EQ(loaded->layers[0].kind, LayerKind::Las);
+    EXPECT_EQ(loaded->layers[0].files[0].points, 7U);
+    EXPECT_EQ(loaded->layers[0].files[0].max[2], 6);
+    // An older program still reads what holds nothing that it does not know.
+    ASSERT_TRUE(SaveProject(where, *loaded, problem));
+    EXPECT_NE(testing::ReadFile(folder.Name(L"project.orvex.json")).find("\"version\": 1"),
+              std::string::npos);
 }
 
 TEST(ProjectFile, ExtentsThatAreNoNumbersStayNone) {
@@ -125,7 +169,8 @@ TEST(Project, TakesFilesIntoTheLayersTheyWereAssignedTo) {
     record.AddFile(NativePath(L"/b/"), L"3.las", L"LAS Layer_1", kDegrees).readOnly = false;
     record.AddFile(NativePath(L"/b"), L"skipped.las", L"LAS Layer_2");
     record.lasLoadSetting = true;
-    const AddedFiles added = project.Add(record, {NativePath(L"/b/skipped.las")});
+    const AddedFiles added =
+        project.Take(LayerKind::Las, LasFilesOf(record, {NativePath(L"/b/skipped.las")}));
     EXPECT_EQ(added.files, 3U);
     EXPECT_EQ(added.newLayers, 1U);
     EXPECT_EQ(added.mainLayer, 1U);
@@ -141,7 +186,39 @@ TEST(Project, TakesFilesIntoTheLayersTheyWereAssignedTo) {
     EXPECT_TRUE(layer.files[0].footprintOnly);
     EXPECT_EQ(layer.files[1].path, NativePath(L"/b/3.las"));
     EXPECT_FALSE(layer.files[1].readOnly);
-    EXPECT_EQ(project.LayersForDialog().at(L"old"), FromUtf8(kUtm));
+    EXPECT_EQ(project.LayersForDialog(LayerKind::Las).at(L"old"), FromUtf8(kUtm));
+}
+
+TEST(Project, TakesRastersIntoLayersOfTheirOwnKind) {
+    Project project;
+    project.layers = {{L"same name", kUtm, {File(L"/p/there.las")}},
+                      {L"same name", kUtm, {Raster(NativePath(L"/a/THERE.tif"))}, LayerKind::Raster}};
+    Record record;
+    RasterProperties& first = record.AddRaster(NativePath(L"/a"), L"2.tif", L"same name");
+    first.width = 40;
+    first.height = 30;
+    first.bands = 3;
+    first.driver = L"PNG";
+    first.transform = {{1, 2, 3, 4, 5, 6}};
+    record.AddRaster(NativePath(L"/a"), L"1.tif", L"same name");
+    record.AddRaster(NativePath(L"/a"), L"there.tif", L"same name");
+    record.AddRaster(NativePath(L"/b"), L"3.tif", L"Raster Layer_2").wkt = kDegrees;
+    const AddedFiles added = project.Take(LayerKind::Raster, RasterFilesOf(record));
+    EXPECT_EQ(added.files, 3U);
+    EXPECT_EQ(added.alreadyThere, 1U);
+    EXPECT_EQ(added.newLayers, 1U);
+    EXPECT_EQ(added.mainLayer, 1U);
+    ASSERT_EQ(project.layers.size(), 3U);
+    EXPECT_EQ(project.layers[0].files.size(), 1U);
+    const std::vector<LayerFile>& files = project.layers[1].files;
+    ASSERT_EQ(files.size(), 3U);
+    EXPECT_EQ(files[1].path, NativePath(L"/a/2.tif")) << "the order of the record";
+    EXPECT_EQ(files[2].path, NativePath(L"/a/1.tif"));
+    EXPECT_EQ(files[1].raster, (RasterFacts{40, 30, 3, L"PNG", std::nullopt, {{1, 2, 3, 4, 5, 6}}}));
+    EXPECT_EQ(project.layers[2].kind, LayerKind::Raster);
+    EXPECT_EQ(project.layers[2].wkt, kDegrees);
+    EXPECT_EQ(project.LayersForDialog(LayerKind::Raster).size(), 2U);
+    EXPECT_EQ(project.LayersForDialog(LayerKind::Las).size(), 1U);
 }
 
 TEST(Project, RemovesFilesAndTheLayersThatTheyLeaveEmpty) {
@@ -160,9 +237,12 @@ TEST(Project, DetailsAreDeletedOnce) {
         Record record;
         record.AddFile(L"/a", L"1.las", L"x");
         record.AddFile(L"/a", L"2.las", L"x");
+        record.AddRaster(L"/a", L"3.tif", L"y");
         EXPECT_EQ(FakeLasFileInfo::alive, 2);
+        EXPECT_EQ(FakeRasterFileInfo::alive, 1);
         DeleteDetails(record);
         EXPECT_EQ(FakeLasFileInfo::alive, 0);
+        EXPECT_EQ(FakeRasterFileInfo::alive, 0);
     }
     EXPECT_EQ(FakeLasFileInfo::alive, 0);
 }
@@ -190,7 +270,7 @@ TEST_F(LidarCheckTest, FindsNothingInFilesThatFit) {
 
 TEST_F(LidarCheckTest, ComparesFilesWithTheLayerTheyGoTo) {
     project_.layers = {{L"old", kUtm, {File(L"/p.las")}}};
-    record_.existingLasLayers = project_.LayersForDialog();
+    record_.existingLasLayers = project_.LayersForDialog(LayerKind::Las);
     record_.AddFile(Readable(L"1.las"), L"1.las", L"old", kDegrees);
     record_.AddFile(Readable(L"2.las"), L"2.las", L"new", "");
     const LidarReport found = CheckLidar(project_, record_);

@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "host/app/Project.h"
+#include "host/app/RecordFiles.h"
 #include "host/app/tests/FakeLasFileInfo.h"
+#include "host/app/tests/FakeRasterFileInfo.h"
 #include "orvexcommon/AddFilesParams.h"
 #include "support/Text.h"
 
@@ -11,6 +12,7 @@ namespace orvex {
 namespace {
 
 using testing::FakeLasFileInfo;
+using testing::FakeRasterFileInfo;
 
 TEST(RecordText, TellsFilesLayersAndOptions) {
     AddFilesParams record;
@@ -44,6 +46,38 @@ TEST(RecordText, TellsFilesLayersAndOptions) {
     EXPECT_NE(text.find(L"  unknown.las\n"), std::wstring::npos);
     EXPECT_NE(text.find(L": 16\n"), std::wstring::npos);
     EXPECT_NE(text.find(L": QVR\n"), std::wstring::npos);
+    EXPECT_EQ(text.find(L'#'), std::wstring::npos) << "a text is missing";
+}
+
+TEST(RecordText, TellsRastersAndElevationFiles) {
+    AddFilesParams record;
+    record.rasterFiles = {{NativePath(L"/r"), {L"b.tif", L"a.png", L"broken.tif"}}};
+    auto* placed = new FakeRasterFileInfo;
+    placed->properties.width = 4000;
+    placed->properties.height = 3000;
+    placed->properties.bands = 3;
+    placed->properties.driver = L"GTiff";
+    placed->properties.extent = {{0, 0, 1, 1}};
+    placed->bigTiff = true;
+    auto* nowhere = new FakeRasterFileInfo;
+    nowhere->properties.driver = L"PNG";
+    record.rasterFileDetails = {{NativePath(L"/r/b.tif"), placed}, {NativePath(L"/r/a.png"), nowhere}};
+    record.rasterFileLayers = {{NativePath(L"/r/b.tif"), L"Raster Layer_1"}};
+    record.demFiles = {{NativePath(L"/d"), {L"terrain.asc"}}};
+    record.demFileLayers = {{NativePath(L"/d/terrain.asc"), L"old"}};
+    record.existingLasLayers = {{L"old", L""}};
+    record.demLasVersion = 3;
+    record.demThinning = 12;
+    record.demLasFolder = L"<ORVEX_PROJECT_PATH>\\DEM Import";
+    record.demPyramid = true;
+    const std::wstring text = RecordText(record);
+    DeleteDetails(record);
+    for (const wchar_t* part :
+         {L"  b.tif  GTiff (BigTIFF), 4000 x 3000", L"  a.png  PNG, ", L"  broken.tif\n", L"Raster Layer_1",
+          L"  terrain.asc\n", L"  old: ", L": 12\n", L": <ORVEX_PROJECT_PATH>\\DEM Import\n"}) {
+        EXPECT_NE(text.find(part), std::wstring::npos) << ToUtf8(part) << "\n" << ToUtf8(text);
+    }
+    EXPECT_NE(text.find(Text(41438_lsid)), std::wstring::npos) << "what the host does not do goes unsaid";
     EXPECT_EQ(text.find(L'#'), std::wstring::npos) << "a text is missing";
 }
 

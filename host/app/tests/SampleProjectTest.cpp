@@ -1,7 +1,9 @@
 #include "host/app/SampleProject.h"
 
+#include <gdal_priv.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <set>
 
 #include "host/app/SampleLasFile.h"
@@ -56,8 +58,9 @@ TEST(SampleProject, IsMadeOnceAndWhole) {
             ++files;
         }
     }
-    EXPECT_EQ(extensions, (std::set<std::string>{".las", ".laz"}));
-    EXPECT_EQ(files, 11U);
+    EXPECT_EQ(extensions,
+              (std::set<std::string>{".las", ".laz", ".tif", ".png", ".wld", ".xml", ".asc", ".prj"}));
+    EXPECT_EQ(files, 24U);
     EXPECT_FALSE(fs::exists(folder.Path() / "sample.new"));
     EXPECT_NE(BytesOf(SampleData(project) / "survey 2024" / "tile_4.las").find("\"EPSG\",\"25832\""),
               std::string::npos);
@@ -70,6 +73,53 @@ TEST(SampleProject, IsMadeOnceAndWhole) {
     fs::remove(touched);
     EnsureSampleProject(project);
     EXPECT_FALSE(fs::exists(touched)) << "made twice";
+}
+
+TEST(SampleProject, OfAnEarlierVersionGetsWhatItLacks) {
+    const testing::TemporaryFolder folder;
+    folder.Write(L"p/data/kept.las", "what was there");
+    folder.Write(L"p/data/rasters.new/half.tif", "of an interrupted run");
+    const fs::path project = folder.Path() / "p";
+    ASSERT_EQ(EnsureSampleProject(project), project);
+    EXPECT_EQ(BytesOf(SampleData(project) / "kept.las"), "what was there");
+    EXPECT_FALSE(fs::exists(SampleData(project) / "wgs84.las")) << "mixed with what was there";
+    EXPECT_TRUE(fs::exists(SampleData(project) / "elevation" / "terrain.tif"));
+    EXPECT_FALSE(fs::exists(SampleData(project) / "rasters" / "half.tif"));
+    EXPECT_FALSE(fs::exists(SampleData(project) / "rasters.new"));
+}
+
+TEST(SampleRasters, AreWhatTheirNamesSay) {
+    const testing::TemporaryFolder folder;
+    ASSERT_FALSE(EnsureSampleProject(folder.Path()).empty());
+    const fs::path rasters = SampleData(folder.Path()) / "rasters";
+    struct Case {
+        const char* name;
+        GDALDataType type;
+        int bands;
+        int overviews;
+        bool hasCrs;
+        bool hasPlace;
+    };
+    for (const Case& c :
+         {Case{"orthophoto.tif", GDT_Byte, 3, 2, true, true},
+          Case{"infrared 16 bit.tif", GDT_UInt16, 1, 0, true, true},
+          Case{"map.png", GDT_Byte, 1, 0, true, true}, Case{"rotated scan.tif", GDT_Byte, 1, 0, true, true},
+          Case{"transparent big.tif", GDT_Byte, 4, 0, true, true},
+          Case{"no crs.tif", GDT_Byte, 1, 0, false, true}, Case{"no place.png", GDT_Byte, 1, 0, false, false},
+          Case{"../elevation/terrain.tif", GDT_Float32, 1, 0, true, true},
+          Case{"../elevation/text grid.asc", GDT_Float32, 1, 0, true, true}}) {
+        SCOPED_TRACE(c.name);
+        const GDALDatasetUniquePtr dataset(GDALDataset::Open((rasters / c.name).string().c_str()));
+        ASSERT_NE(dataset, nullptr);
+        std::array<double, 6> transform{};
+        EXPECT_EQ(dataset->GetRasterBand(1)->GetRasterDataType(), c.type);
+        EXPECT_EQ(dataset->GetRasterCount(), c.bands);
+        EXPECT_EQ(dataset->GetRasterBand(1)->GetOverviewCount(), c.overviews);
+        EXPECT_EQ(dataset->GetSpatialRef() != nullptr, c.hasCrs);
+        EXPECT_EQ(dataset->GetGeoTransform(transform.data()) == CE_None, c.hasPlace);
+        EXPECT_EQ(transform[2] != 0, std::string_view(c.name) == "rotated scan.tif");
+    }
+    EXPECT_EQ(BytesOf(rasters / "transparent big.tif")[2], 43) << "no BigTIFF";
 }
 
 }  // namespace

@@ -1,0 +1,176 @@
+#include "host/app/RasterPyramids.h"
+
+#include <cpl_conv.h>
+#include <gdal_priv.h>
+
+#include <algorithm>
+#include <random>
+
+#include "raster/GdalSetup.h"
+#include "support/Files.h"
+#include "support/Format.h"
+#include "support/GdalErrorScope.h"
+#include "support/LDataError.h"
+#include "support/SystemError.h"
+#include "support/Text.h"
+
+namespace orvex {
+
+namespace {
+
+constexpr int kStepsPerRaster = 1000;
+constexpr int kCoarsest = 256;  ///< pixels on the longer side of the coarsest level
+
+/// An option of GDAL's for this thread; as it was before when this ends.
+class ThreadOption {
+  public:
+    ThreadOption(const char* name, const char* value) : name_(name) {
+        const char* before = CPLGetThreadLocalConfigOption(name, nullptr);
+        had_ = before != nullptr;
+        before_ = had_ ? before : "";
+        CPLSetThreadLocalConfigOption(name, value);
+    }
+    ~ThreadOption() { CPLSetThreadLocalConfigOption(name_, had_ ? before_.c_str() : nullptr); }
+    ThreadOption(const ThreadOption&) = delete;
+    ThreadOption& operator=(const ThreadOption&) = delete;
+
+  private:
+    const char* name_;
+    bool had_ = false;
+    std::string before_;
+};
+
+/// Where one raster stands among all.
+struct Step {
+    Kst::ProgressIf& progress;
+    std::uint64_t before;  ///< position of the progress when the raster began
+    bool stopped = false;
+};
+
+int CPL_STDCALL Tell(double share, const char*, void* data) {
+    Step& step = *static_cast<Step*>(data);
+    step.progress.SetPosition(step.before +
+                              static_cast<std::uint64_t>(kStepsPerRaster * std::clamp(share, 0.0, 1.0)));
+    step.stopped = step.stopped || step.progress.IsCancelled();
+    return step.stopped ? FALSE : TRUE;
+}
+
+int LongestSide(GDALDataset& raster) {
+    return std::max(raster.GetRasterXSize(), raster.GetRasterYSize());
+}
+
+/// 2, 4, 8 ... until the longer side has kCoarsest pixels or less.
+std::vector<int> LevelsFor(GDALDataset& raster) {
+    std::vector<int> levels = {2};
+    while (LongestSide(raster) / levels.back() > kCoarsest) {
+        levels.push_back(2 * levels.back());
+    }
+    return levels;
+}
+
+/// A file that is removed at the end, unless it has been renamed until then.
+class Scratch {
+  public:
+    explicit Scratch(std::wstring path) : path_(std::move(path)) {}
+    ~Scratch() { RemoveFile(path_); }
+    Scratch(const Scratch&) = delete;
+    Scratch& operator=(const Scratch&) = delete;
+
+    const std::wstring& Path() const { return path_; }
+
+  private:
+    std::wstring path_;
+};
+
+/// A name beside the raster that no other file has; the file of levels is made under it and "ovr".
+std::wstring TemporaryName(const std::wstring& path) {
+    std::random_device random;
+    return FolderOf(path) + L"/.orvex-" + std::to_wstring(random()) + L".vrt";
+}
+
+[[noreturn]] void Fail(const GdalErrorScope& errors, const std::wstring& otherwise) {
+    const std::string text = errors.Text();
+    throw LDataError(text.empty() ? otherwise : FromUtf8(text));
+}
+
+/// Builds the levels of a stand-in for the raster, so that they get a name of their own until they are
+/// complete. False when the user stopped it.
+bool BuildLevels(GDALDataset& raster, const std::wstring& standIn, Step& step) {
+    const GdalErrorScope errors;
+    auto* driver = GetGDALDriverManager()->GetDriverByName("VRT");
+    GDALDatasetUniquePtr dataset(driver == nullptr ? nullptr
+                                                   : driver->CreateCopy(ToUtf8(standIn).c_str(), &raster,
+                                                                        FALSE, nullptr, nullptr, nullptr));
+    if (dataset == nullptr) {
+        Fail(errors, Text(41425_lsid));
+    }
+    const bool hasPalette = raster.GetRasterBand(1)->GetColorTable() != nullptr;
+    const ThreadOption compress("COMPRESS_OVERVIEW", "DEFLATE");
+    const ThreadOption big("BIGTIFF_OVERVIEW", "IF_SAFER");
+    std::vector<int> levels = LevelsFor(raster);
+    const CPLErr result =
+        dataset->BuildOverviews(hasPalette ? "NEAREST" : "AVERAGE", static_cast<int>(levels.size()),
+                                levels.data(), 0, nullptr, Tell, &step);
+    if (step.stopped) {
+        return false;
+    }
+    dataset.reset();
+    if (result != CE_None || errors.HasError()) {
+        Fail(errors, Text(41425_lsid));
+    }
+    return true;
+}
+
+enum class Built { Yes, NotNeeded, Stopped };
+
+Built BuildOne(const std::wstring& path, Step& step) {
+    const GdalErrorScope errors;
+    const GDALDatasetUniquePtr raster(
+        GDALDataset::Open(ToUtf8(path).c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY));
+    if (raster == nullptr || raster->GetRasterCount() < 1) {
+        Fail(errors, Text(41425_lsid));
+    }
+    if (LongestSide(*raster) <= RasterPyramids::kSmallest ||
+        raster->GetRasterBand(1)->GetOverviewCount() > 0) {
+        return Built::NotNeeded;
+    }
+    const std::wstring target = path + L".ovr";
+    if (KindOf(target) != FileKind::Missing) {
+        throw LDataError(FormatText(Text(41426_lsid), {FileNameOf(target)}));
+    }
+    const Scratch standIn(TemporaryName(path));
+    const Scratch levels(standIn.Path() + L".ovr");
+    if (!BuildLevels(*raster, standIn.Path(), step)) {
+        return Built::Stopped;
+    }
+    if (const SystemError error = RenameFile(levels.Path(), target); error != 0) {
+        throw LDataError(SystemErrorText(error));
+    }
+    return Built::Yes;
+}
+
+}  // namespace
+
+RasterPyramids::Result RasterPyramids::Build(const std::vector<std::wstring>& paths,
+                                             Kst::ProgressIf& progress) {
+    EnsureGdal();
+    Result result;
+    progress.SetRange(static_cast<std::uint64_t>(kStepsPerRaster) * paths.size());
+    for (std::size_t i = 0; i < paths.size() && !result.stopped; ++i) {
+        Step step{progress, static_cast<std::uint64_t>(kStepsPerRaster) * i};
+        progress.SetPosition(step.before);
+        progress.SetText(FileNameOf(paths[i]));
+        try {
+            const Built built = BuildOne(paths[i], step);
+            result.built += built == Built::Yes ? 1 : 0;
+            result.notNeeded += built == Built::NotNeeded ? 1 : 0;
+            result.stopped = built == Built::Stopped;
+        } catch (const LDataError& error) {
+            result.failures.push_back({paths[i], error.Text()});
+        }
+        result.stopped = result.stopped || progress.IsCancelled();
+    }
+    return result;
+}
+
+}  // namespace orvex

@@ -1,0 +1,101 @@
+#include "host/app/RecordFiles.h"
+
+#include "orvexcommon/AddFilesParams.h"
+#include "orvexcommon/LasFileInfo.h"
+#include "orvexcommon/RasterFileInfo.h"
+#include "support/Text.h"
+
+namespace orvex {
+
+namespace {
+
+/// The details of a file; null when it has none.
+template <typename Info>
+const Info* DetailsOf(const std::map<std::wstring, Info*>& details, const std::wstring& path) {
+    const auto found = details.find(path);
+    return found == details.end() ? nullptr : found->second;
+}
+
+LayerFile Describe(const LasFileInfo* details) {
+    LayerFile file;
+    if (details != nullptr) {
+        file.points = details->GetPointCount();
+        file.min = details->Minimum();
+        file.max = details->Maximum();
+        file.version = details->Version();
+        file.pointFormat = details->PointFormat();
+        file.readOnly = details->IsReadOnly();
+    }
+    return file;
+}
+
+RasterFacts Describe(const RasterProperties& properties) {
+    return {properties.width,  properties.height, properties.bands,
+            properties.driver, properties.extent, properties.transform};
+}
+
+}  // namespace
+
+std::wstring JoinPath(const std::wstring& folder, const std::wstring& name) {
+    if (folder.empty()) {
+        return name;
+    }
+    const bool separated = folder.back() == L'/' || folder.back() == L'\\';
+    return NativePath(separated ? folder + name : folder + L'/' + name);
+}
+
+std::wstring LayerNameOf(const std::map<std::wstring, std::wstring>& layerOfFile, const std::wstring& path,
+                         const std::wstring& otherwise) {
+    const auto found = layerOfFile.find(path);
+    return found == layerOfFile.end() || found->second.empty() ? otherwise : found->second;
+}
+
+std::vector<NewFile> LasFilesOf(const AddFilesParams& record, const std::set<std::wstring>& skipped) {
+    std::vector<NewFile> files;
+    for (const auto& [folder, names] : record.lasFiles) {
+        for (const std::wstring& name : names) {
+            const std::wstring path = JoinPath(folder, name);
+            if (skipped.contains(path)) {
+                continue;
+            }
+            const LasFileInfo* details = DetailsOf(record.lasFileDetails, path);
+            NewFile& added = files.emplace_back();
+            added.layer = LayerNameOf(record.lasFileLayers, path, Text(40820_lsid));
+            added.wkt = details == nullptr ? std::string() : details->CrsWkt();
+            added.file = Describe(details);
+            added.file.path = path;
+            added.file.footprintOnly = record.lasLoadSetting;
+        }
+    }
+    return files;
+}
+
+std::vector<NewFile> RasterFilesOf(const AddFilesParams& record) {
+    std::vector<NewFile> files;
+    for (const auto& [folder, names] : record.rasterFiles) {
+        for (const std::wstring& name : names) {
+            NewFile& added = files.emplace_back();
+            added.file.path = JoinPath(folder, name);
+            added.layer = LayerNameOf(record.rasterFileLayers, added.file.path, Text(41423_lsid));
+            const RasterFileInfo* details = DetailsOf(record.rasterFileDetails, added.file.path);
+            if (details != nullptr) {
+                added.wkt = details->Properties().wkt;
+                added.file.raster = Describe(details->Properties());
+            }
+        }
+    }
+    return files;
+}
+
+void DeleteDetails(AddFilesParams& record) {
+    for (const auto& [path, details] : record.lasFileDetails) {
+        delete details;
+    }
+    for (const auto& [path, details] : record.rasterFileDetails) {
+        delete details;
+    }
+    record.lasFileDetails.clear();
+    record.rasterFileDetails.clear();
+}
+
+}  // namespace orvex

@@ -1,0 +1,144 @@
+#include "host/app/WorkDialog.h"
+
+#include <QDialogButtonBox>
+#include <QFontMetrics>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <exception>
+#include <mutex>
+#include <thread>
+
+#include "host/app/HostText.h"
+
+namespace orvex {
+
+namespace {
+
+constexpr int kPollMs = 30;
+constexpr qint64 kPatienceMs = 8000;
+constexpr int kBarSteps = 1000;
+constexpr int kTextWidth = 440;
+
+}  // namespace
+
+/// What the work tells and the dialog shows; owned by both.
+class WorkDialog::Progress final : public Kst::ProgressIf {
+  public:
+    struct State {
+        std::uint64_t total = 0;
+        std::uint64_t done = 0;
+        std::wstring text;
+        bool stop = false;
+        bool ended = false;
+        std::exception_ptr error;
+    };
+
+    void SetRange(std::uint64_t total) override {
+        const std::lock_guard guard(lock_);
+        state_.total = total;
+        state_.done = 0;
+    }
+    void SetText(const std::wstring& text) override {
+        const std::lock_guard guard(lock_);
+        state_.text = text;
+    }
+    void SetPosition(std::uint64_t done) override {
+        const std::lock_guard guard(lock_);
+        state_.done = done;
+    }
+    bool IsCancelled() override { return Now().stop; }
+
+    State Now() const {
+        const std::lock_guard guard(lock_);
+        return state_;
+    }
+    void Stop() {
+        const std::lock_guard guard(lock_);
+        state_.stop = true;
+    }
+    void End(std::exception_ptr error) {
+        const std::lock_guard guard(lock_);
+        state_.ended = true;
+        state_.error = std::move(error);
+    }
+
+  private:
+    mutable std::mutex lock_;
+    State state_;
+};
+
+WorkDialog::WorkDialog(QWidget* parent, const QString& title, Work work)
+    : QDialog(parent),
+      progress_(std::make_shared<Progress>()),
+      text_(new QLabel),
+      bar_(new QProgressBar),
+      stop_(new QPushButton(HostText(13453_lsid))) {
+    setObjectName("work");
+    setWindowTitle(title);
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    text_->setFixedWidth(kTextWidth);
+    text_->setTextFormat(Qt::PlainText);
+    bar_->setRange(0, kBarSteps);
+    auto* buttons = new QDialogButtonBox;
+    buttons->addButton(stop_, QDialogButtonBox::RejectRole);
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(text_);
+    column->addWidget(bar_);
+    column->addWidget(buttons);
+    column->setSizeConstraint(QLayout::SetFixedSize);
+    connect(buttons, &QDialogButtonBox::rejected, this, &WorkDialog::reject);
+    connect(&timer_, &QTimer::timeout, this, &WorkDialog::Poll);
+    std::thread([progress = progress_, work = std::move(work)]() mutable {
+        std::exception_ptr error;
+        try {
+            work(*progress);
+        } catch (...) {
+            error = std::current_exception();
+        }
+        work = nullptr;
+        progress->End(std::move(error));
+    }).detach();
+    timer_.start(kPollMs);
+}
+
+WorkDialog::~WorkDialog() {
+    progress_->Stop();
+}
+
+WorkEnd WorkDialog::Run(QWidget* parent, const QString& title, Work work) {
+    WorkDialog dialog(parent, title, std::move(work));
+    dialog.exec();
+    const Progress::State state = dialog.progress_->Now();
+    if (state.error) {
+        std::rethrow_exception(state.error);
+    }
+    return state.ended ? WorkEnd::Finished : WorkEnd::Abandoned;
+}
+
+void WorkDialog::reject() {
+    if (!sinceStopped_.isValid()) {
+        progress_->Stop();
+        sinceStopped_.start();
+        stop_->setEnabled(false);
+        text_->setText(HostText(41441_lsid));
+    }
+}
+
+void WorkDialog::Poll() {
+    const Progress::State state = progress_->Now();
+    if (state.total > 0) {
+        const double share = static_cast<double>(state.done) / static_cast<double>(state.total);
+        bar_->setValue(static_cast<int>(kBarSteps * std::min(share, 1.0)));
+    }
+    if (!sinceStopped_.isValid()) {
+        text_->setText(text_->fontMetrics().elidedText(ToQString(state.text), Qt::ElideMiddle, kTextWidth));
+    }
+    if (state.ended || (sinceStopped_.isValid() && sinceStopped_.elapsed() > kPatienceMs)) {
+        timer_.stop();
+        accept();
+    }
+}
+
+}  // namespace orvex
