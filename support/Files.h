@@ -45,6 +45,9 @@ std::wstring CanonicalPath(const std::wstring& path);
 /// Renames a file within its volume, replacing what has the new name. Windows replaces no file that anybody
 /// holds open or mapped: that gives ERROR_SHARING_VIOLATION.
 SystemError RenameFile(const std::wstring& from, const std::wstring& to);
+/// Renames a file within its volume unless something has the new name; `taken` says whether that was what
+/// failed.
+SystemError RenameToFreeName(const std::wstring& from, const std::wstring& to, bool& taken);
 /// Removes a file or an empty folder.
 SystemError RemoveFile(const std::wstring& path);
 /// Makes a folder and those above it that are missing.

@@ -1,4 +1,9 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
@@ -75,6 +80,29 @@ SystemError RenameFile(const std::wstring& from, const std::wstring& to) {
     std::error_code error;
     fs::rename(ToPath(from), ToPath(to), error);
     return error.value();
+}
+
+SystemError RenameToFreeName(const std::wstring& from, const std::wstring& to, bool& taken) {
+    const fs::path source = ToPath(from);
+    const fs::path target = ToPath(to);
+    SystemError error = 0;
+    if (renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) != 0) {
+        error = errno;
+    }
+    // Some file systems know no such renaming; a second name is refused there where it is taken.
+    if (error == EINVAL || error == ENOSYS) {
+        error = link(source.c_str(), target.c_str()) == 0 ? 0 : errno;
+        if (error == 0) {
+            unlink(source.c_str());
+        }
+    }
+    // And some know no second names.
+    if (error == EPERM || error == EOPNOTSUPP) {
+        struct stat there {};
+        error = lstat(target.c_str(), &there) == 0 ? EEXIST : RenameFile(from, to);
+    }
+    taken = error == EEXIST;
+    return error;
 }
 
 SystemError RemoveFile(const std::wstring& path) {

@@ -161,6 +161,12 @@ SystemError RenameFile(const std::wstring& from, const std::wstring& to) {
     return error == 0 ? 0 : ReasonNotReplaced(to, error);
 }
 
+SystemError RenameToFreeName(const std::wstring& from, const std::wstring& to, bool& taken) {
+    const SystemError error = Result(MoveFileExW(ToPath(from).c_str(), ToPath(to).c_str(), 0));
+    taken = error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS;
+    return error;
+}
+
 SystemError RemoveFile(const std::wstring& path) {
     const std::filesystem::path native = ToPath(path);
     const DWORD attributes = GetFileAttributesW(native.c_str());

@@ -38,10 +38,10 @@ struct DemConversionResult {
 
 /// Converts the first band of a raster to "<name>.las" in the output folder, or to the next free
 /// "<name> (2).las": no file is replaced, and nothing is written beside the raster. Streams: the memory
-/// needed does not grow with the raster. The range of `progress` is the number of rows; it is asked whether
-/// to stop at least once a block. None when it said so; nothing is left then, nor after a failure. Throws
-/// LDataError in plain words, naming the file and the cause. Needs GDAL set up (EnsureGdal). Safe from any
-/// thread, also for rasters of one name into one folder at the same time.
+/// needed does not grow with the raster. Progress is told in pixels, without a text;
+/// it is asked whether to stop at least once a block. None when it said so; nothing is left then, nor after a
+/// failure. Throws LDataError in plain words, naming the file and the cause. Needs GDAL set up (EnsureGdal).
+/// Safe from any thread, also for rasters of one name into one folder at the same time.
 std::optional<DemConversionResult> ConvertDem(const std::wstring& demPath,
                                               const DemConversionOptions& options, Kst::ProgressIf& progress);
 

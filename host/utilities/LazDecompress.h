@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "host/utilities/LazLayout.h"
-#include "host/utilities/TemporaryFile.h"
+#include "support/TemporaryFile.h"
 #include "support/ProgressIf.h"
 
 struct laszip_header;

@@ -57,6 +57,22 @@ TEST(Files, TimesAreThoseOfTheSystemClock) {
     EXPECT_NE(CopyLastWriteTime(file, folder.Name(L"absent")), 0);
 }
 
+TEST(Files, ANameThatIsTakenIsNotReplacedWhenAFreeOneIsWanted) {
+    const TemporaryFolder folder;
+    const std::wstring from = folder.Write(L"from", "new");
+    const std::wstring to = folder.Write(L"to", "old");
+    bool taken = false;
+    EXPECT_NE(RenameToFreeName(from, to, taken), 0);
+    EXPECT_TRUE(taken);
+    EXPECT_EQ(testing::ReadFile(to), "old");
+    EXPECT_EQ(RenameToFreeName(from, folder.Name(L"free"), taken), 0);
+    EXPECT_FALSE(taken);
+    EXPECT_EQ(testing::ReadFile(folder.Name(L"free")), "new");
+    EXPECT_FALSE(FileExists(from));
+    EXPECT_NE(RenameToFreeName(from, folder.Name(L"other"), taken), 0) << "is gone";
+    EXPECT_FALSE(taken);
+}
+
 TEST(Files, ARenamedFileReplacesAnother) {
     const TemporaryFolder folder;
     const std::wstring from = folder.Write(L"from", "new");

@@ -1,42 +1,22 @@
 // A drive that takes no more, in the form that a process can bring about for itself.
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include <csignal>
 #include <cstring>
 
 #include "host/utilities/testing/LazSamples.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Text.h"
+#include "support/testing/FileSizeLimit_linux.h"
 #include "support/testing/Scripted.h"
 #include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
 
+using testing::FileSizeLimit;
 using testing::RecordingProgress;
 using testing::TemporaryFolder;
 using testing::WriteSample;
-
-/// Lets the process write files of up to so many bytes only.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(rlim_t bytes) : oldHandler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &old_);
-        const rlimit limit{bytes, old_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &old_);
-        std::signal(SIGXFSZ, oldHandler_);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-  private:
-    rlimit old_{};
-    void (*oldHandler_)(int);
-};
 
 TEST(LazDecompress, WriteErrorsInTheMiddleAndAtTheEndGiveTheSystemsReason) {
     const TemporaryFolder folder;

@@ -1,4 +1,4 @@
-#include "host/utilities/TemporaryFile.h"
+#include "support/TemporaryFile.h"
 
 #include <random>
 
@@ -22,6 +22,12 @@ TemporaryFile::~TemporaryFile() {
 
 SystemError TemporaryFile::Commit() {
     const SystemError error = RenameFile(path_, target_);
+    committed_ = error == 0;
+    return error;
+}
+
+SystemError TemporaryFile::CommitTo(const std::wstring& freeName, bool& taken) {
+    const SystemError error = RenameToFreeName(path_, freeName, taken);
     committed_ = error == 0;
     return error;
 }

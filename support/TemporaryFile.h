@@ -17,6 +17,9 @@ class TemporaryFile {
     const std::wstring& Path() const { return path_; }
     /// Renames the file to its target, replacing one that is there, unless that fails.
     SystemError Commit();
+    /// Renames the file to a name beside the target that nothing has yet; `taken` says whether that was what
+    /// failed.
+    SystemError CommitTo(const std::wstring& freeName, bool& taken);
 
   private:
     std::wstring target_;

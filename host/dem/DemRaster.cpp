@@ -1,0 +1,224 @@
+#include "host/dem/DemRaster.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "support/Files.h"
+#include "support/Format.h"
+#include "support/GdalErrorScope.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+// No length in any unit; programs write the ends of a type's range where they have no height.
+constexpr double kLargestHeight = 1e30;
+
+bool IsInteger(GDALDataType type) {
+    return GDALDataTypeIsInteger(type) != 0;
+}
+
+/// What the file says for "no height", as a number of the band's type becomes in a double.
+std::optional<double> NoDataOf(GDALRasterBand& band) {
+    int has = 0;
+    switch (band.GetRasterDataType()) {
+        case GDT_Int64: {
+            const auto value = static_cast<double>(band.GetNoDataValueAsInt64(&has));
+            return has != 0 ? std::optional(value) : std::nullopt;
+        }
+        case GDT_UInt64: {
+            const auto value = static_cast<double>(band.GetNoDataValueAsUInt64(&has));
+            return has != 0 ? std::optional(value) : std::nullopt;
+        }
+        default:
+            break;
+    }
+    const double value = band.GetNoDataValue(&has);
+    if (has == 0) {
+        return std::nullopt;
+    }
+    // A text such as "-9999.9" names the nearest number of the type.
+    const bool isSingle = band.GetRasterDataType() == GDT_Float32;
+    const bool fits = std::abs(value) <= std::numeric_limits<float>::max();
+    return isSingle && fits ? static_cast<double>(static_cast<float>(value)) : value;
+}
+
+}  // namespace
+
+DemRaster::DemRaster(const std::wstring& path) : path_(path) {
+    const GdalErrorScope errors;
+    if (KindOf(path) == FileKind::Missing) {
+        throw LDataError(FormatText(Text(41395_lsid), {path}));
+    }
+    dataset_.reset(
+        GDALDataset::Open(ToUtf8(path).c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR));
+    if (!dataset_) {
+        Fail(41380_lsid, errors.Text());
+    }
+    if (dataset_->GetRasterCount() == 0) {
+        Fail(41382_lsid, {});
+    }
+    band_ = dataset_->GetRasterBand(1);
+    if (GDALDataTypeIsComplex(band_->GetRasterDataType()) != 0) {
+        Fail(41383_lsid, {});
+    }
+    FindPlace();
+    FindNoData();
+    factor_ = band_->GetScale();
+    term_ = band_->GetOffset();
+}
+
+RasterWindows::Size DemRaster::Size() const {
+    return {band_->GetXSize(), band_->GetYSize()};
+}
+
+RasterWindows DemRaster::Windows(int mostPixels) const {
+    RasterWindows::Size block;
+    band_->GetBlockSize(&block.width, &block.height);
+    return {Size(), block, mostPixels};
+}
+
+void DemRaster::FindPlace() {
+    bool isKnown = dataset_->GetGeoTransform(transform_.data()) == CE_None;
+    crs_ = dataset_->GetSpatialRef();
+    if (!isKnown && dataset_->GetGCPCount() > 0) {
+        // Control points that lie as evenly as a raster does are another way to say the same.
+        isKnown = GDALGCPsToGeoTransform(dataset_->GetGCPCount(), dataset_->GetGCPs(), transform_.data(),
+                                         FALSE) != 0;
+        crs_ = dataset_->GetGCPSpatialRef();
+    }
+    const double area = transform_[1] * transform_[5] - transform_[2] * transform_[4];
+    const bool isFinite = std::ranges::all_of(transform_, [](double term) { return std::isfinite(term); });
+    if (!isKnown || !isFinite || !std::isfinite(area) || area == 0) {
+        Fail(41384_lsid, {});
+    }
+    if (crs_ != nullptr && crs_->IsEmpty()) {
+        crs_ = nullptr;
+    }
+}
+
+void DemRaster::FindNoData() {
+    noData_ = NoDataOf(*band_);
+    const int flags = band_->GetMaskFlags();
+    hasMask_ = flags != GMF_ALL_VALID && flags != GMF_NODATA;
+}
+
+void DemRaster::MultiplyHeights(double factor) {
+    factor_ *= factor;
+    term_ *= factor;
+}
+
+bool DemRaster::HasFractions() const {
+    return !IsInteger(band_->GetRasterDataType()) || factor_ != std::floor(factor_) ||
+           term_ != std::floor(term_);
+}
+
+bool DemRaster::IsComplete() const {
+    return !noData_ && !hasMask_ && IsInteger(band_->GetRasterDataType());
+}
+
+int DemRaster::Coverage(const RasterWindow& window) const {
+    return band_->GetDataCoverageStatus(window.x, window.y, window.width, window.height, 0);
+}
+
+bool DemRaster::Read(const RasterWindow& window, std::vector<double>& heights) {
+    const GdalErrorScope errors;
+    const int coverage = Coverage(window);
+    if (coverage == GDAL_DATA_COVERAGE_STATUS_EMPTY) {
+        return false;
+    }
+    heights.resize(window.Pixels());
+    if (band_->RasterIO(GF_Read, window.x, window.y, window.width, window.height, heights.data(),
+                        window.width, window.height, GDT_Float64, 0, 0, nullptr) != CE_None) {
+        Fail(41381_lsid, errors.Text());
+    }
+    if ((coverage & GDAL_DATA_COVERAGE_STATUS_EMPTY) != 0) {
+        DropAbsent(window, heights);
+    }
+    DropNoData(heights);
+    if (hasMask_) {
+        DropMasked(window, heights);
+    }
+    Scale(heights);
+    if (window.endsBlocks) {
+        // Nobody asks for these blocks again; kept, they would fill the cache that layers are drawn from.
+        band_->FlushCache(false);
+    }
+    return true;
+}
+
+// A block that was never written reads as zeros, which are no heights.
+void DemRaster::DropAbsent(const RasterWindow& window, std::vector<double>& heights) const {
+    const auto width = static_cast<std::size_t>(window.width);
+    RasterWindows::Size block;
+    band_->GetBlockSize(&block.width, &block.height);
+    RasterWindow part;
+    for (int y = 0; y < window.height; y += part.height) {
+        part.y = window.y + y;
+        part.height = std::min(window.height - y, block.height - part.y % block.height);
+        for (int x = 0; x < window.width; x += part.width) {
+            part.x = window.x + x;
+            part.width = std::min(window.width - x, block.width - part.x % block.width);
+            if (Coverage(part) != GDAL_DATA_COVERAGE_STATUS_EMPTY) {
+                continue;
+            }
+            for (int row = y; row < y + part.height; ++row) {
+                double* const first = heights.data() + static_cast<std::size_t>(row) * width + x;
+                std::fill_n(first, part.width, kNone);
+            }
+        }
+    }
+}
+
+void DemRaster::DropNoData(std::vector<double>& heights) {
+    if (noData_) {
+        const double noData = *noData_;
+        for (double& height : heights) {
+            height = height == noData ? kNone : height;
+        }
+    }
+    if (IsInteger(band_->GetRasterDataType())) {
+        return;
+    }
+    std::uint64_t impossible = 0;
+    for (double& height : heights) {
+        const bool isPossible = std::abs(height) <= kLargestHeight;
+        impossible += !isPossible && !std::isnan(height) ? 1U : 0U;
+        height = isPossible ? height : kNone;
+    }
+    impossible_ += impossible;
+}
+
+void DemRaster::DropMasked(const RasterWindow& window, std::vector<double>& heights) {
+    const GdalErrorScope errors;
+    GDALRasterBand* const band = band_->GetMaskBand();
+    mask_.resize(heights.size());
+    if (band->RasterIO(GF_Read, window.x, window.y, window.width, window.height, mask_.data(), window.width,
+                       window.height, GDT_Byte, 0, 0, nullptr) != CE_None) {
+        Fail(41381_lsid, errors.Text());
+    }
+    for (std::size_t i = 0; i < heights.size(); ++i) {
+        heights[i] = mask_[i] == 0 ? kNone : heights[i];
+    }
+    if (window.endsBlocks) {
+        band->FlushCache(false);
+    }
+}
+
+void DemRaster::Scale(std::vector<double>& heights) const {
+    if (factor_ == 1 && term_ == 0) {
+        return;
+    }
+    for (double& height : heights) {
+        height = height * factor_ + term_;
+    }
+}
+
+void DemRaster::Fail(StringId text, const std::string& cause) const {
+    throw LDataError(FormatText(Text(text), {path_, FromUtf8(cause)}));
+}
+
+}  // namespace orvex

@@ -1,0 +1,64 @@
+#include "host/dem/DemScales.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvex {
+namespace {
+
+constexpr int kThousandths = -3;
+constexpr int kFinestDegrees = -8;
+// A height's thousandth of a thousandth; finer is noise of the numbers themselves.
+constexpr int kFinestHeight = -9;
+constexpr double kMillimetre = 0.001;
+
+/// The finest power of ten that is wanted on the ground, from what the CRS measures in and a pixel's side.
+int GroundExponent(const OGRSpatialReference* crs, double pixel) {
+    // Pixels are told apart by a tenth of their side at least; where the unit is not known, by a thousandth,
+    // which leaves degrees as fine as they need to be.
+    const int power = TenthPower(pixel);
+    if (crs == nullptr) {
+        return std::min(kThousandths, power - 3);
+    }
+    if (crs->IsGeographic()) {
+        return std::min(kFinestDegrees, power - 1);
+    }
+    const double metres = crs->GetLinearUnits();
+    return std::min(metres > 0 ? TenthPower(kMillimetre / metres * 1.000001) : kThousandths, power - 1);
+}
+
+struct Extent {
+    double low, high;
+};
+
+/// Of the pixel centres, along one axis: v = origin + column * across + row * down.
+Extent CentreExtent(double origin, double across, double down, RasterWindows::Size size) {
+    const double start = origin + (across + down) / 2;
+    const double right = across * (size.width - 1);
+    const double below = down * (size.height - 1);
+    return {start + std::min(right, 0.0) + std::min(below, 0.0),
+            start + std::max(right, 0.0) + std::max(below, 0.0)};
+}
+
+}  // namespace
+
+std::array<AxisScale, 2> GroundScales(const DemRaster& raster) {
+    const auto& t = raster.Transform();
+    const double pixel = std::min(std::hypot(t[1], t[4]), std::hypot(t[2], t[5]));
+    const int exponent = GroundExponent(raster.Crs(), pixel);
+    const Extent x = CentreExtent(t[0], t[1], t[2], raster.Size());
+    const Extent y = CentreExtent(t[3], t[4], t[5], raster.Size());
+    return {FitAxis(x.low, x.high, exponent), FitAxis(y.low, y.high, exponent)};
+}
+
+AxisScale FirstHeightScale() {
+    return {PowerOfTen(kThousandths), 0};
+}
+
+AxisScale HeightScale(double low, double high, bool hasFractions) {
+    const double span = high - low;
+    const bool isFine = hasFractions && span > 0 && span < 1;
+    return FitAxis(low, high, isFine ? std::max(TenthPower(span) - 3, kFinestHeight) : kThousandths);
+}
+
+}  // namespace orvex

@@ -1,0 +1,289 @@
+// The LAS files that come out: their headers, CRS and points, as the component's own reader sees them.
+#include "host/dem/DemConversion.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/dem/tests/DemFixture.h"
+#include "las/LasInspection.h"
+#include "orvexcommon/OrvexUtilities.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+using testing::DemFixture;
+using testing::DemSample;
+using testing::Place;
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+class DemConversionTest : public DemFixture {
+  protected:
+    void ExpectHeader(const LASFile& file, int versionMinor, int format) const {
+        const LasHeader& header = file.Header();
+        EXPECT_EQ(header.Version(), 10 + versionMinor);
+        EXPECT_EQ(header.PointFormat(), format);
+        EXPECT_EQ(header.HeaderSize(), versionMinor == 4 ? 375 : versionMinor == 3 ? 235 : 227);
+        EXPECT_EQ(header.PointCount(), 35U);
+        EXPECT_EQ(header.LegacyPointCount(), format < 6 ? 35U : 0U);
+        EXPECT_EQ(header.PointsOfReturn(1), 35U);
+        EXPECT_EQ(header.PointsOfReturn(2), 0U);
+        const bool hasTime = format != 0 && format != 2;
+        EXPECT_EQ(header.HasStandardGpsTime(), hasTime && versionMinor >= 2);
+        EXPECT_TRUE(!header.HasWktBit() || versionMinor == 4);
+        EXPECT_TRUE(header.HasWktBit() || format < 6);
+        EXPECT_FALSE(header.SystemIdentifier().empty());
+        EXPECT_FALSE(header.GeneratingSoftware().empty());
+        EXPECT_GE(header.CreationYear(), 2024);
+        EXPECT_GE(header.CreationDay(), 1);
+        EXPECT_LE(header.CreationDay(), 366);
+    }
+};
+
+struct CrsCase {
+    const char* what;
+    const char* crs;
+    bool fitsGeoKeys;
+};
+const CrsCase kCrsCases[] = {
+    {"projected", "EPSG:25832", true},
+    {"feet", "EPSG:2263", true},
+    {"geographic", "EPSG:4326", true},
+    {"compound", "EPSG:25832+5783", true},
+    {"local", R"(LOCAL_CS["Site grid",LOCAL_DATUM["Site",0],UNIT["metre",1],AXIS["X",EAST],AXIS["Y",NORTH]])",
+     true},
+    {"geographic with heights", "EPSG:4979", false},
+    {"none", "", true},
+};
+
+TEST_F(DemConversionTest, EveryVersionAndFormatOpensWithoutFindings) {
+    constexpr std::array<int, 5> lastFormats = {1, 1, 3, 5, 8};
+    for (const CrsCase& crs : kCrsCases) {
+        DemSample sample;
+        sample.crs = crs.crs;
+        if (std::string(crs.what).starts_with("geographic")) {
+            sample.transform = {{7, 1e-4, 0, 51, 0, -1e-4}};
+        }
+        const std::wstring path = Write(sample);
+        for (int minor = 0; minor <= 4; ++minor) {
+            for (int format = 0; format <= lastFormats[static_cast<std::size_t>(minor)]; ++format) {
+                SCOPED_TRACE(std::string(crs.what) + ", LAS 1." + std::to_string(minor) + ", format " +
+                             std::to_string(format));
+                options_.versionMinor = minor;
+                options_.pointFormat = format;
+                const DemConversionResult result = Convert(path);
+                const LasInspection found = InspectLasFile(result.lasPath);
+                ASSERT_TRUE(found.loadable) << ToUtf8(found.summary);
+                EXPECT_EQ(found.summary, L"OK");
+                ExpectHeader(*found.file, minor, format);
+                const bool hasCrs = *crs.crs != '\0' && (crs.fitsGeoKeys || minor == 4);
+                EXPECT_EQ(found.file->HasProjectionRecords(), hasCrs);
+                EXPECT_EQ(found.findings.size(), hasCrs ? 0U : 1U);
+                EXPECT_EQ(result.warnings.size(), *crs.crs != '\0' && !hasCrs ? 1U : 0U);
+                EXPECT_EQ(found.file->CrsWkt(), result.wkt);
+                if (hasCrs && crs.fitsGeoKeys) {
+                    EXPECT_EQ(OrvexUtilities::GetCompatibilityGroup(result.wkt),
+                              OrvexUtilities::GetCompatibilityGroup(testing::WktOfRaster(path)));
+                }
+            }
+        }
+    }
+}
+
+TEST_F(DemConversionTest, AVersionRefusesTheFormatsOfLaterOnes) {
+    const std::wstring path = Write({});
+    const struct {
+        int minor, format;
+    } cases[] = {{0, 2}, {1, 3}, {2, 4}, {3, 6}, {4, 9}, {4, -1}, {5, 0}, {-1, 0}};
+    for (const auto& refused : cases) {
+        options_.versionMinor = refused.minor;
+        options_.pointFormat = refused.format;
+        EXPECT_FALSE(FailureOf(path).empty()) << refused.minor << " " << refused.format;
+    }
+}
+
+TEST_F(DemConversionTest, PointsLieAtPixelCentres) {
+    const struct {
+        const char* what;
+        std::array<double, 6> transform;
+        const char* crs;
+        const char* pixelIs;
+    } cases[] = {
+        {"metres", {500000, 2, 0, 5600000, 0, -2}, "EPSG:25832", "Area"},
+        {"point", {500000, 2, 0, 5600000, 0, -2}, "EPSG:25832", "Point"},
+        {"rotated", {500000, 1.5, 0.5, 5600000, 0.5, -1.5}, "EPSG:25832", "Area"},
+        {"south up", {500000, 2, 0, 5600000, 0, 2}, "EPSG:25832", "Area"},
+        {"degrees", {-179.5, 1.0 / 3600, 0, 51, 0, -1.0 / 3600}, "EPSG:4326", "Area"},
+        {"whole earth", {-180, 360.0 / 7, 0, 90, 0, -36}, "EPSG:4326", "Area"},
+        {"small pixels", {3, 0.0001, 0, 4, 0, -0.0001}, "EPSG:25832", "Area"},
+        {"unknown unit", {7, 1e-4, 0, 51, 0, -1e-4}, "", "Area"},
+        {"far away", {1e12, 1e6, 0, -1e12, 0, -1e6}, "EPSG:25832", "Area"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        DemSample sample;
+        sample.transform = c.transform;
+        sample.crs = c.crs;
+        sample.metadata = {{"AREA_OR_POINT", c.pixelIs}};
+        const DemConversionResult result = Convert(sample);
+        const auto points = PointsOf(result.lasPath);
+        ASSERT_EQ(points.size(), 35U);
+        const LasHeader header = LASFile::Open(result.lasPath, true, true)->Header();
+        const auto& t = c.transform;
+        std::array<double, 3> low = points.front();
+        std::array<double, 3> high = low;
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            const double column = static_cast<double>(i % 7) + 0.5;
+            const double row = static_cast<double>(i / 7) + 0.5;
+            const Place expected = {t[0] + column * t[1] + row * t[2], t[3] + column * t[4] + row * t[5],
+                                    sample.value(static_cast<int>(i % 7), static_cast<int>(i / 7))};
+            for (std::size_t axis = 0; axis < 3; ++axis) {
+                EXPECT_NEAR(points[i][axis], expected[axis], 0.501 * header.Scale()[axis]) << i;
+                low[axis] = std::min(low[axis], points[i][axis]);
+                high[axis] = std::max(high[axis], points[i][axis]);
+            }
+        }
+        // A pixel stays more than ten steps wide.
+        EXPECT_LE(header.Scale()[0] * 10, std::hypot(t[1], t[4]));
+        EXPECT_EQ(header.Minimum(), low);
+        EXPECT_EQ(header.Maximum(), high);
+        EXPECT_EQ(result.min, low);
+        EXPECT_EQ(result.max, high);
+        EXPECT_EQ(result.points, 35U);
+    }
+}
+
+TEST_F(DemConversionTest, PixelsWithoutAHeightGiveNoPoint) {
+    const auto skipsFirst = [](double none) {
+        return [none](int column, int row) { return column + row == 0 ? none : 100.0 + column; };
+    };
+    DemSample plain;
+    plain.value = skipsFirst(-9999);
+    plain.noData = -9999;
+    DemSample rounded = plain;
+    rounded.value = skipsFirst(-9999.9);
+    rounded.noData = -9999.9;  // no single-precision number
+    DemSample nan = plain;
+    nan.value = skipsFirst(kNaN);
+    nan.noData = kNaN;
+    DemSample unmarked = nan;
+    unmarked.noData.reset();
+    DemSample whole = plain;
+    whole.type = GDT_Int16;
+    DemSample large = plain;
+    large.type = GDT_UInt32;
+    large.value = skipsFirst(4294967295.0);
+    large.noData = 4294967295.0;
+    DemSample masked;
+    masked.isMasked = [](int column, int row) { return column + row == 0; };
+    DemSample scaled = whole;  // "no data" is said of the numbers that the file holds
+    scaled.scale = 0.1;
+    scaled.offset = 5;
+    for (const DemSample& sample : {plain, rounded, nan, unmarked, whole, large, masked, scaled}) {
+        const DemConversionResult result = Convert(sample);
+        EXPECT_EQ(result.points, 34U);
+        EXPECT_TRUE(result.warnings.empty());
+        EXPECT_EQ(PointsOf(result.lasPath).size(), 34U);
+        EXPECT_GT(result.min[2], 10);
+    }
+    DemSample impossible = unmarked;
+    impossible.value = skipsFirst(-3.4e38);
+    const DemConversionResult result = Convert(impossible);
+    EXPECT_EQ(result.points, 34U);
+    ASSERT_EQ(result.warnings.size(), 1U);
+    EXPECT_EQ(result.warnings[0].find(L"1 "), 0U) << ToUtf8(result.warnings[0]);
+}
+
+TEST_F(DemConversionTest, HeightsFollowScaleOffsetAndUnit) {
+    const double foot = 0.3048;
+    const double surveyFoot = 1200.0 / 3937.0;
+    const struct {
+        const char* crs;
+        const char* unit;
+        double scale, offset, factor;
+    } cases[] = {
+        {"EPSG:25832", "", 0.1, -50, 1},
+        {"EPSG:25832", "m", 1, 0, 1},
+        {"EPSG:25832", "ft", 1, 0, foot},
+        {"EPSG:25832", "US survey foot", 1, 0, surveyFoot},
+        {"EPSG:25832", "cm", 2, 10, 0.01},
+        {"EPSG:2263", "metre", 1, 0, 1 / surveyFoot},
+        {"EPSG:2263+5703", "ft", 1, 0, foot},  // the vertical part is in metres
+        {"EPSG:4326", "ft", 1, 0, foot},
+        {"EPSG:25832", "elephants", 1, 0, 1},
+        {"", "ft", 1, 0, 1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.crs) + " " + c.unit);
+        DemSample sample;
+        sample.crs = c.crs;
+        sample.unit = c.unit;
+        sample.scale = c.scale;
+        sample.offset = c.offset;
+        const DemConversionResult result = Convert(sample);
+        EXPECT_NEAR(result.min[2], (100 * c.scale + c.offset) * c.factor, 0.0006);
+        EXPECT_NEAR(result.max[2], (107 * c.scale + c.offset) * c.factor, 0.0006);
+        EXPECT_EQ(result.warnings.empty(), c.factor == 1);
+    }
+}
+
+TEST_F(DemConversionTest, TheScaleOfHeightsFollowsTheirRange) {
+    const struct {
+        double low, high, scale;
+    } cases[] = {
+        {0, 8848, 0.001}, {-11000, 8848, 0.001}, {2e6, 2.1e6, 0.001}, {3e6, 3.1e6, 0.001}, {-5e6, 5e6, 0.01},
+        {0, 1e9, 1},      {100.25, 100.5, 1e-4}, {5, 5, 0.001},       {0, 0.00123, 1e-6},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.high);
+        DemSample sample;
+        sample.type = GDT_Float64;
+        sample.value = [&c](int column, int row) {
+            return c.low + (c.high - c.low) * (column + 7 * row) / 34;
+        };
+        const DemConversionResult result = Convert(sample);
+        EXPECT_EQ(result.points, 35U);
+        const LasHeader header = LASFile::Open(result.lasPath, true, true)->Header();
+        EXPECT_DOUBLE_EQ(header.Scale()[2], c.scale);
+        EXPECT_NEAR(result.min[2], c.low, 0.501 * c.scale);
+        EXPECT_NEAR(result.max[2], c.high, 0.501 * c.scale);
+    }
+}
+
+TEST_F(DemConversionTest, ThinningKeepsOneOfNEvenly) {
+    DemSample sample;
+    sample.width = 64;
+    sample.height = 48;
+    const std::wstring path = Write(sample);
+    for (const unsigned n : {1U, 2U, 3U, 4U, 16U, 64U, 256U, 100000U}) {
+        options_.thinning = n;
+        const double expected = std::max(64.0 * 48 / n, 1.0);
+        EXPECT_NEAR(static_cast<double>(Convert(path).points), expected, expected * 0.15) << n;
+    }
+}
+
+TEST_F(DemConversionTest, AnIgnoredCrsIsNotWritten) {
+    DemSample sample;
+    sample.crs = "EPSG:2263";
+    sample.unit = "m";
+    options_.ignoreCrs = true;
+    for (const int format : {0, 6}) {
+        options_.pointFormat = format;
+        const DemConversionResult result = Convert(sample);
+        EXPECT_TRUE(result.wkt.empty());
+        EXPECT_TRUE(result.warnings.empty());
+        EXPECT_NEAR(result.min[2], 100, 0.001) << "there is no unit to convert heights to";
+        EXPECT_FALSE(InspectLasFile(result.lasPath).file->HasProjectionRecords());
+    }
+}
+
+TEST(DemVersionItems, SkipTheTwo) {
+    const std::pair<int, int> cases[] = {{0, 0}, {1, 1}, {3, 2}, {4, 3}, {5, 4}, {2, 4}, {-1, 4}, {6, 4}};
+    for (const auto& [item, minor] : cases) {
+        EXPECT_EQ(MinorVersionOfItem(item), minor) << item;
+    }
+}
+
+}  // namespace
+}  // namespace orvex

@@ -1,0 +1,146 @@
+// What conversions leave in the folders they read from and write to.
+#include <gdal_priv.h>
+#include <gmock/gmock.h>
+
+#include <thread>
+
+#include "host/dem/tests/DemFixture.h"
+#include "support/Files.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+using testing::DemSample;
+using testing::RecordingProgress;
+
+class DemFilesTest : public testing::DemFixture {
+  protected:
+    std::vector<std::wstring> NamesIn(const std::wstring& name) const {
+        std::vector<std::wstring> names;
+        ListFolder(folder_.Name(name), [&names](const FolderEntry& entry) {
+            names.push_back(FileNameOf(entry.path));
+            return true;
+        });
+        return names;
+    }
+};
+
+TEST_F(DemFilesTest, TakesTheNextFreeNameAndLeavesNothingBesideTheRaster) {
+    const std::wstring path = Write({}, L"in/hügel.v2.tif");
+    folder_.Write(L"out/hügel.v2.las", "another's");
+    EXPECT_EQ(FileNameOf(Convert(path).lasPath), L"hügel.v2 (2).las");
+    EXPECT_EQ(FileNameOf(Convert(path).lasPath), L"hügel.v2 (3).las");
+    options_.outputFolder += L"/";
+    EXPECT_EQ(Convert(path).lasPath, folder_.Name(L"out/hügel.v2 (4).las"));
+    EXPECT_EQ(testing::ReadFile(folder_.Name(L"out/hügel.v2.las")), "another's");
+    EXPECT_THAT(NamesIn(L"in"), ::testing::UnorderedElementsAre(L".keep", L"hügel.v2.tif"));
+    EXPECT_EQ(NamesIn(L"out").size(), 4U);
+}
+
+TEST_F(DemFilesTest, ConversionsAtTheSameTimeDoNotMeet) {
+    constexpr int kThreads = 6;
+    const std::wstring path = Write({});
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+        threads.emplace_back([&] { EXPECT_EQ(Convert(path).points, 35U); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(NamesIn(L"out").size(), std::size_t{kThreads});
+}
+
+TEST_F(DemFilesTest, AStopLeavesNothing) {
+    DemSample sample;
+    sample.width = 600;
+    sample.height = 1800;
+    sample.creationOptions = {{"TILED", "YES"}};
+    const std::wstring path = Write(sample);
+    for (const int stopAfter : {0, 1, 3}) {
+        RecordingProgress progress;
+        progress.stopAfter = stopAfter;
+        EXPECT_EQ(ConvertDem(path, options_, progress), std::nullopt);
+        EXPECT_EQ(progress.told, stopAfter);
+        EXPECT_EQ(progress.total, 600U * 1800U);
+        EXPECT_TRUE(NamesIn(L"out").empty());
+    }
+    RecordingProgress progress;
+    EXPECT_NE(ConvertDem(path, options_, progress), std::nullopt);
+    EXPECT_EQ(progress.position, progress.total);
+    EXPECT_GT(progress.told, 4);
+}
+
+TEST_F(DemFilesTest, FailuresNameTheFileAndLeaveNothing) {
+    DemSample noPlace;
+    noPlace.transform.reset();
+    DemSample flat;
+    flat.transform = {{0, 1, 1, 0, 1, 1}};
+    DemSample complexNumbers;
+    complexNumbers.type = GDT_CFloat32;
+    DemSample noHeights;
+    noHeights.value = [](int, int) { return -1.0; };
+    noHeights.noData = -1;
+    DemSample compressed;
+    compressed.width = compressed.height = 300;
+    compressed.creationOptions = {{"COMPRESS", "DEFLATE"}};
+    const std::wstring cut = Write(compressed, L"in/cut.tif");
+    const std::string bytes = testing::ReadFile(cut);
+    folder_.Write(L"in/cut.tif", bytes.substr(0, bytes.size() / 2));
+    folder_.Write(L"in/junk.tif", "no raster at all");
+    const struct {
+        std::wstring path;
+        const wchar_t* cause;
+    } cases[] = {
+        {Write(noPlace, L"in/noplace.tif"), L"where on the ground"},
+        {Write(flat, L"in/flat.tif"), L"where on the ground"},
+        {Write(complexNumbers, L"in/complex.tif"), L"complex"},
+        {Write(noHeights, L"in/noheights.tif"), L"holds no heights"},
+        {cut, L""},
+        {folder_.Name(L"in/junk.tif"), L"not recognized"},
+        {folder_.Name(L"in/missing.tif"), L"does not exist"},
+    };
+    for (const auto& failing : cases) {
+        const std::wstring text = FailureOf(failing.path);
+        EXPECT_NE(text.find(FileNameOf(failing.path)), std::wstring::npos) << ToUtf8(text);
+        EXPECT_NE(text.find(failing.cause), std::wstring::npos) << ToUtf8(text);
+        EXPECT_TRUE(NamesIn(L"out").empty());
+    }
+    folder_.Write(L"file", "in the way");
+    options_.outputFolder = folder_.Name(L"file/out");
+    EXPECT_NE(FailureOf(Write({})).find(L"out"), std::wstring::npos);
+}
+
+TEST_F(DemFilesTest, BlocksThatTheFileLeavesOutHoldNoHeights) {
+    DemSample sparse;
+    sparse.width = 40000;
+    sparse.height = 40000;
+    sparse.type = GDT_Byte;
+    sparse.creationOptions = {{"TILED", "YES"}, {"SPARSE_OK", "TRUE"}, {"BIGTIFF", "NO"}};
+    sparse.value = nullptr;
+    const std::wstring path = Write(sparse);
+    {
+        const GDALDatasetUniquePtr dataset(GDALDataset::Open(ToUtf8(path).c_str(), GDAL_OF_UPDATE));
+        std::vector<GByte> tile(256 * 256, 9);
+        ASSERT_EQ(dataset->GetRasterBand(1)->RasterIO(GF_Write, 256, 512, 256, 256, tile.data(), 256, 256,
+                                                      GDT_Byte, 0, 0, nullptr),
+                  CE_None);
+    }
+    EXPECT_EQ(Convert(path).points, 256U * 256U);
+}
+
+TEST_F(DemFilesTest, MorePointsThanAnOldVersionCountsAreRefusedBeforeTheyAreWritten) {
+    // A raster of one value, described in a few bytes.
+    const std::wstring path = folder_.Write(
+        L"in/large.vrt",
+        R"(<VRTDataset rasterXSize="70000" rasterYSize="70000"><GeoTransform>0,1,0,0,0,-1</GeoTransform>)"
+        R"(<VRTRasterBand dataType="Byte" band="1"/></VRTDataset>)");
+    options_.versionMinor = 2;
+    const std::wstring text = FailureOf(path);
+    EXPECT_NE(text.find(L"4294967295"), std::wstring::npos) << ToUtf8(text);
+    EXPECT_NE(text.find(L"LAS 1.4"), std::wstring::npos) << ToUtf8(text);
+    EXPECT_TRUE(NamesIn(L"out").empty());
+}
+
+}  // namespace
+}  // namespace orvex
