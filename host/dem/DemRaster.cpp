@@ -16,6 +16,9 @@ namespace {
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 // No length in any unit; programs write the ends of a type's range where they have no height.
 constexpr double kLargestHeight = 1e30;
+// Bytes of a block.
+constexpr double kLargestBlock = 512e6;
+constexpr std::size_t kMostCause = 300;
 
 bool IsInteger(GDALDataType type) {
     return GDALDataTypeIsInteger(type) != 0;
@@ -46,6 +49,24 @@ std::optional<double> NoDataOf(GDALRasterBand& band) {
     return isSingle && fits ? static_cast<double>(static_cast<float>(value)) : value;
 }
 
+/// GDAL's text as the end of a sentence: one line, without the file's name again, and not endless.
+std::wstring CauseOf(std::string text, const std::string& path) {
+    for (const std::string& prefix : {path + ": ", path + ", band 1: "}) {
+        for (std::size_t at = 0; (at = text.find(prefix, at)) != std::string::npos;) {
+            text.erase(at, prefix.size());
+        }
+    }
+    std::string line;
+    for (const char c : text) {
+        const bool isBlank = c == ' ' || c == '\n' || c == '\r' || c == '\t';
+        if (!isBlank || (!line.empty() && line.back() != ' ')) {
+            line += isBlank ? ' ' : c;
+        }
+    }
+    const std::wstring cause = FromUtf8(line);
+    return cause.size() <= kMostCause ? cause : cause.substr(0, WholeLength(cause, kMostCause)) + L" ...";
+}
+
 }  // namespace
 
 DemRaster::DemRaster(const std::wstring& path) : path_(path) {
@@ -65,10 +86,25 @@ DemRaster::DemRaster(const std::wstring& path) : path_(path) {
     if (GDALDataTypeIsComplex(band_->GetRasterDataType()) != 0) {
         Fail(41383_lsid, {});
     }
+    RequireSmallBlocks();
     FindPlace();
     FindNoData();
     factor_ = band_->GetScale();
     term_ = band_->GetOffset();
+}
+
+// A block is decoded as a whole, however little of it is asked for.
+void DemRaster::RequireSmallBlocks() const {
+    RasterWindows::Size block;
+    band_->GetBlockSize(&block.width, &block.height);
+    const char* const interleave = dataset_->GetMetadataItem("INTERLEAVE", "IMAGE_STRUCTURE");
+    const bool holdsAllBands = interleave != nullptr && EQUAL(interleave, "PIXEL");
+    const double bytes = static_cast<double>(block.width) * block.height *
+                         GDALGetDataTypeSizeBytes(band_->GetRasterDataType()) *
+                         (holdsAllBands ? dataset_->GetRasterCount() : 1);
+    if (bytes > kLargestBlock) {
+        throw LDataError(FormatText(Text(41396_lsid), {path_, bytes * 1e-6, kLargestBlock * 1e-6}));
+    }
 }
 
 RasterWindows::Size DemRaster::Size() const {
@@ -218,7 +254,7 @@ void DemRaster::Scale(std::vector<double>& heights) const {
 }
 
 void DemRaster::Fail(StringId text, const std::string& cause) const {
-    throw LDataError(FormatText(Text(text), {path_, FromUtf8(cause)}));
+    throw LDataError(FormatText(Text(text), {path_, CauseOf(cause, ToUtf8(path_))}));
 }
 
 }  // namespace orvex

@@ -45,6 +45,7 @@ class DemRaster {
     std::uint64_t ImpossibleHeights() const { return impossible_; }
 
   private:
+    void RequireSmallBlocks() const;
     void FindPlace();
     void FindNoData();
     int Coverage(const RasterWindow& window) const;

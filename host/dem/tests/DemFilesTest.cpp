@@ -88,10 +88,17 @@ TEST_F(DemFilesTest, FailuresNameTheFileAndLeaveNothing) {
     const std::string bytes = testing::ReadFile(cut);
     folder_.Write(L"in/cut.tif", bytes.substr(0, bytes.size() / 2));
     folder_.Write(L"in/junk.tif", "no raster at all");
+    DemSample block;  // 900 MB in one block, of which nothing is there
+    block.width = block.height = 30000;
+    block.type = GDT_Byte;
+    block.value = nullptr;
+    block.creationOptions = {
+        {"TILED", "YES"}, {"BLOCKXSIZE", "30000"}, {"BLOCKYSIZE", "30000"}, {"SPARSE_OK", "TRUE"}};
     const struct {
         std::wstring path;
         const wchar_t* cause;
     } cases[] = {
+        {Write(block, L"in/block.tif"), L"blocks of 900 MB"},
         {Write(noPlace, L"in/noplace.tif"), L"where on the ground"},
         {Write(flat, L"in/flat.tif"), L"where on the ground"},
         {Write(complexNumbers, L"in/complex.tif"), L"complex"},
