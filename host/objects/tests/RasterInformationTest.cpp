@@ -222,6 +222,7 @@ TEST_P(RasterInformationTest, WorksOnThreadsOfTheirOwnAllAtOnce) {
     const RasterInformationMaker maker = Maker();
     std::atomic<int> right = 0;
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([this, maker, &right, name = std::to_wstring(i)] {
             for (int round = 0; round < 20; ++round) {
@@ -297,6 +298,7 @@ TEST_F(RasterClassTest, ComesAndGoesWhileWorkersAskForIt) {
     std::atomic<int> made = 0;
     std::atomic<int> odd = 0;
     std::vector<std::thread> workers;
+    workers.reserve(3);
     for (int i = 0; i < 3; ++i) {
         workers.emplace_back([&] {
             while (!done) {
