@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "raster/MissingReader.h"
 #include "raster/NoNetwork.h"
 #include "raster/RasterBands.h"
 #include "raster/RasterColors.h"
@@ -92,7 +93,8 @@ RasterProperties ReadRasterProperties(const std::wstring& path) {
     const NoNetwork noNetwork;
     const GdalDataset dataset = OpenRaster(path);
     if (!dataset) {
-        throw LDataError(PlainReason(errors.Messages()));
+        const std::wstring reason = PlainReason(errors.Messages());
+        throw LDataError(reason.empty() ? MissingReaderReason(path) : reason);
     }
     RasterProperties properties = Describe(dataset.get(), path);
     for (std::wstring& text : PlainMessages(errors.Messages())) {
