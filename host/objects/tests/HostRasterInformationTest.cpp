@@ -80,5 +80,17 @@ TEST_F(HostRasterInformationTest, TheComponentSeesThroughItWhatItWouldSeeByItsel
     EXPECT_EQ(told.totalBytes, read.totalBytes);
 }
 
+TEST(RasterOfAHostWithoutTheClass, IsReadByTheComponentItself) {
+    const testing::TemporaryFolder folder;
+    const std::wstring path = testing::GeoTiff().Write(folder, L"a.tif");
+    const RasterInformationMaker maker = MakeHostObjects()->RasterInformation();
+    std::thread([&] {
+        const RasterInspection inspection = InspectRasterFile(path, RasterUse::Image, maker);
+        EXPECT_TRUE(inspection.loadable) << ToUtf8(inspection.summary);
+        EXPECT_EQ(inspection.properties.width, 20);
+        EXPECT_EQ(inspection.properties.driver, L"GTiff");
+    }).join();
+}
+
 }  // namespace
 }  // namespace orvex::host
