@@ -82,6 +82,7 @@ class FileListPage : public AddFilesPage {
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     QWidget* MakeButtonRow();
@@ -101,7 +102,7 @@ class FileListPage : public AddFilesPage {
     void OnHelp();
     void OnContextHelp();
     void OnDropFiles(const QDropEvent& event);
-    void PaneShown(bool shown);
+    void ArrangePane();
     void RestorePane();
     void SavePane() const;
 

@@ -1,4 +1,5 @@
 // How a file page is built; what it does is in FileListPage.cpp.
+#include <QEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QShortcut>
@@ -6,6 +7,7 @@
 #include <QTableView>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <utility>
 
 #include "dialog/ControlWidget.h"
@@ -23,8 +25,8 @@ namespace orvex {
 namespace {
 
 constexpr int kUsualPaneHeight = 250;
-// Below this height of the page the grid needs all that the options leave.
-constexpr int kRoomForPane = 440;
+// What the grid shows at least where the details pane is unfolded.
+constexpr int kRowsBesidePane = 5;
 
 }  // namespace
 
@@ -76,6 +78,7 @@ void FileListPage::Detach() {
     progress_.disconnect(this);
     grid_->disconnect(this);
     details_->disconnect(this);
+    splitter_->removeEventFilter(this);
     grid_->SetModel(nullptr);
     rows_ = nullptr;
 }
@@ -163,7 +166,8 @@ void FileListPage::ConnectGrid() {
 }
 
 void FileListPage::ConnectPane() {
-    connect(details_, &DetailsPanel::BodyShownChanged, this, &FileListPage::PaneShown);
+    splitter_->installEventFilter(this);
+    connect(details_, &DetailsPanel::BodyShownChanged, this, &FileListPage::ArrangePane);
     connect(splitter_, &QSplitter::splitterMoved, this, [this] {
         if (details_->IsBodyShown()) {
             paneHeight_ = splitter_->sizes().last();
@@ -171,19 +175,25 @@ void FileListPage::ConnectPane() {
     });
 }
 
-void FileListPage::PaneShown(bool shown) {
-    // A window too low for the pane has squeezed it already; what it was before is what comes back.
-    if (!shown && details_->IsFolded()) {
-        paneHeight_ = splitter_->sizes().last();
-    }
-    details_->setMaximumHeight(shown ? QWIDGETSIZE_MAX : details_->TitleHeight());
-    const int height = shown ? paneHeight_ : details_->TitleHeight();
+// The pane is as high as the user left it; where there is no room for that, it yields before the grid does.
+void FileListPage::ArrangePane() {
+    const int room = splitter_->height() - splitter_->handleWidth() - grid_->HeightOfRows(kRowsBesidePane);
+    details_->SetCrowded(room < details_->LeastHeight());
+    const bool shown = details_->IsBodyShown();
+    const int height = shown ? std::min(paneHeight_, room) : details_->TitleHeight();
+    details_->setMaximumHeight(shown ? QWIDGETSIZE_MAX : height);
     splitter_->setSizes({splitter_->height() - height, height});
+}
+
+bool FileListPage::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == splitter_ && event->type() == QEvent::Resize) {
+        ArrangePane();
+    }
+    return AddFilesPage::eventFilter(watched, event);
 }
 
 void FileListPage::resizeEvent(QResizeEvent* event) {
     AddFilesPage::resizeEvent(event);
-    details_->SetCrowded(height() < kRoomForPane);
     if (optionsPanel_ != nullptr) {
         optionsPanel_->SetMostHeight(height() * 2 / 5);
     }
@@ -191,10 +201,8 @@ void FileListPage::resizeEvent(QResizeEvent* event) {
 
 void FileListPage::RestorePane() {
     const PaneState state = ReadPaneState(services_.options, description_.paneStateName);
-    const int height = state.height > 0 ? state.height : kUsualPaneHeight;
+    paneHeight_ = state.height > 0 ? state.height : kUsualPaneHeight;
     details_->SetFolded(state.folded);
-    splitter_->setSizes({2 * height, height});
-    paneHeight_ = height;
 }
 
 void FileListPage::SavePane() const {

@@ -100,6 +100,10 @@ int DetailsPanel::TitleHeight() const {
     return titleRow_->sizeHint().height();
 }
 
+int DetailsPanel::LeastHeight() const {
+    return TitleHeight() + layout()->spacing() + tabs_->minimumSizeHint().height();
+}
+
 void DetailsPanel::SetFolded(bool folded) {
     folded_ = folded;
     ShowBody();

@@ -43,6 +43,8 @@ class DetailsPanel final : public QWidget {
     bool IsBodyShown() const { return !folded_ && !crowded_; }
     /// Height of what remains of a folded pane.
     int TitleHeight() const;
+    /// Height below which an unfolded pane shows too little to be of use.
+    int LeastHeight() const;
 
   signals:
     void BodyShownChanged(bool shown);

@@ -308,6 +308,13 @@ QTableView* GridView::FrozenTable() const {
     return parts_->frozen;
 }
 
+int GridView::HeightOfRows(int rows) const {
+    const Parts& p = *parts_;
+    const int header = p.table->horizontalHeader()->sizeHint().height();
+    const int row = p.table->verticalHeader()->defaultSectionSize();
+    return header + rows * row + p.footer->height() + p.bar->sizeHint().height() + 2 * frameWidth();
+}
+
 GridFooter* GridView::Footer() const {
     return parts_->footer;
 }

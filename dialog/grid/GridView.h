@@ -39,6 +39,9 @@ class GridView : public QFrame {
     bool IsColumnShown(int column) const;
     int ColumnWidth(int column) const;
 
+    /// Height at which this many rows are in sight, with header, footer and scroll bar.
+    int HeightOfRows(int rows) const;
+
     /// Rows selected, ascending.
     std::vector<int> SelectedRows() const;
     void SelectRows(const std::vector<int>& rows);

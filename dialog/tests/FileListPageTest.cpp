@@ -327,6 +327,25 @@ TEST_F(FilePage, ButtonsThatAreNotDescribedAreNotThere) {
     EXPECT_THAT(prompts.shown, IsEmpty());
 }
 
+TEST_F(FilePage, TheDetailsYieldBeforeTheGrid) {
+    auto* pane = Find("detailsPane");
+    const int usual = pane->height();
+    bool wasLow = false;
+    for (int height = 680; height >= 160; height -= 20) {
+        page->resize(900, height);
+        const bool open = Find("detailsTabs")->isVisible();
+        if (open) {
+            EXPECT_GE(Grid().height(), Grid().HeightOfRows(5)) << height;
+        }
+        wasLow = wasLow || (open && pane->height() < usual);
+        EXPECT_TRUE(open || height < 400) << height;
+    }
+    EXPECT_TRUE(wasLow) << "lower first, then folded";
+    EXPECT_FALSE(Find("detailsTabs")->isVisible());
+    page->resize(900, 700);
+    EXPECT_EQ(pane->height(), usual);
+}
+
 TEST_F(FilePage, EachPageRemembersItsOwnPane) {
     Click("detailsFold");
     FileListPageDescription other = DescribeNotes();
