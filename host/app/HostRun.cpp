@@ -96,6 +96,10 @@ bool Holds(const RecordCounts& counts, const std::set<QString>& listed) {
             return false;
         }
     }
+    if (counts.dems > 0 && counts.convertedDems == 0) {
+        std::cerr << "orvex-host: no elevation file became a LAS file" << std::endl;
+        return false;
+    }
     return counts.las + counts.rasters + counts.dems > 0;
 }
 

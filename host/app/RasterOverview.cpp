@@ -11,8 +11,12 @@
 
 #include "host/app/OverviewSource.h"
 #include "raster/GdalSetup.h"
+#include "raster/NoNetwork.h"
+#include "raster/RasterOpening.h"
+#include "raster/RasterWarnings.h"
 #include "support/Format.h"
 #include "support/GdalErrorScope.h"
+#include "support/LDataError.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -209,21 +213,14 @@ RasterOverview Without(std::wstring problem) {
     return none;
 }
 
-}  // namespace
+/// What GDAL said, in plain words.
+RasterOverview Failed(const GdalErrorScope& errors) {
+    return Without(FormatText(Text(41421_lsid), {PlainReason(errors.Messages())}));
+}
 
-RasterOverview ReadRasterOverview(const std::wstring& path, const std::function<bool()>& isCancelled,
-                                  const OverviewLimits& limits) {
-    EnsureGdal();
-    const GdalErrorScope errors;
-    const auto failed = [&errors] {
-        return Without(FormatText(Text(41421_lsid), {FromUtf8(errors.Text())}));
-    };
-    const GDALDatasetUniquePtr dataset(
-        GDALDataset::Open(ToUtf8(path).c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY));
-    if (dataset == nullptr || dataset->GetRasterCount() < 1) {
-        return failed();
-    }
-    const std::optional<OverviewSource> source = ChooseOverviewSource(*dataset, limits);
+RasterOverview ReadFrom(GDALDataset& dataset, const GdalErrorScope& errors,
+                        const std::function<bool()>& isCancelled, const OverviewLimits& limits) {
+    const std::optional<OverviewSource> source = ChooseOverviewSource(dataset, limits);
     if (!source) {
         return Without(Text(41420_lsid));
     }
@@ -236,7 +233,25 @@ RasterOverview ReadRasterOverview(const std::wstring& path, const std::function<
         case ReadEnd::TooSlow:
             return Without(Text(41422_lsid));
         default:
-            return failed();
+            return Failed(errors);
+    }
+}
+
+}  // namespace
+
+RasterOverview ReadRasterOverview(const std::wstring& path, const std::function<bool()>& isCancelled,
+                                  const OverviewLimits& limits) {
+    EnsureGdal();
+    const GdalErrorScope errors;
+    const NoNetwork noNetwork;
+    try {
+        const GdalDataset dataset = OpenRaster(path);
+        if (!dataset || GDALGetRasterCount(dataset.get()) < 1) {
+            return Failed(errors);
+        }
+        return ReadFrom(*GDALDataset::FromHandle(dataset.get()), errors, isCancelled, limits);
+    } catch (const LDataError& error) {
+        return Without(FormatText(Text(41421_lsid), {error.Text()}));
     }
 }
 

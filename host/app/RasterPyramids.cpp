@@ -7,6 +7,9 @@
 #include <random>
 
 #include "raster/GdalSetup.h"
+#include "raster/NoNetwork.h"
+#include "raster/RasterOpening.h"
+#include "raster/RasterWarnings.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/GdalErrorScope.h"
@@ -88,9 +91,9 @@ std::wstring TemporaryName(const std::wstring& path) {
     return FolderOf(path) + L"/.orvex-" + std::to_wstring(random()) + L".vrt";
 }
 
-[[noreturn]] void Fail(const GdalErrorScope& errors, const std::wstring& otherwise) {
-    const std::string text = errors.Text();
-    throw LDataError(text.empty() ? otherwise : FromUtf8(text));
+[[noreturn]] void Fail(const GdalErrorScope& errors) {
+    const std::wstring reason = PlainReason(errors.Messages());
+    throw LDataError(reason.empty() ? Text(41425_lsid) : reason);
 }
 
 /// Builds the levels of a stand-in for the raster, so that they get a name of their own until they are
@@ -102,7 +105,7 @@ bool BuildLevels(GDALDataset& raster, const std::wstring& standIn, Step& step) {
                                                    : driver->CreateCopy(ToUtf8(standIn).c_str(), &raster,
                                                                         FALSE, nullptr, nullptr, nullptr));
     if (dataset == nullptr) {
-        Fail(errors, Text(41425_lsid));
+        Fail(errors);
     }
     const bool hasPalette = raster.GetRasterBand(1)->GetColorTable() != nullptr;
     const ThreadOption compress("COMPRESS_OVERVIEW", "DEFLATE");
@@ -116,7 +119,7 @@ bool BuildLevels(GDALDataset& raster, const std::wstring& standIn, Step& step) {
     }
     dataset.reset();
     if (result != CE_None || errors.HasError()) {
-        Fail(errors, Text(41425_lsid));
+        Fail(errors);
     }
     return true;
 }
@@ -125,10 +128,11 @@ enum class Built { Yes, NotNeeded, Stopped };
 
 Built BuildOne(const std::wstring& path, Step& step) {
     const GdalErrorScope errors;
-    const GDALDatasetUniquePtr raster(
-        GDALDataset::Open(ToUtf8(path).c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY));
+    const NoNetwork noNetwork;
+    const GdalDataset opened = OpenRaster(path);
+    GDALDataset* raster = GDALDataset::FromHandle(opened.get());
     if (raster == nullptr || raster->GetRasterCount() < 1) {
-        Fail(errors, Text(41425_lsid));
+        Fail(errors);
     }
     if (LongestSide(*raster) <= RasterPyramids::kSmallest ||
         raster->GetRasterBand(1)->GetOverviewCount() > 0) {

@@ -3,9 +3,8 @@
 #include <QFileInfo>
 #include <QWidget>
 #include <algorithm>
-#include <array>
 
-#include "host/app/FailureText.h"
+#include "host/app/DemImport.h"
 #include "host/app/HostText.h"
 #include "host/app/LidarCheck.h"
 #include "host/app/RasterPyramids.h"
@@ -14,6 +13,8 @@
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/Exports.h"
 #include "orvexcommon/LasFileInfo.h"
+#include "support/LDataError.h"
+#include "support/ProjectPath.h"
 #include "support/UserPromptsQt.h"
 
 namespace orvex {
@@ -27,24 +28,45 @@ bool CanWriteAll(const AddFilesParams& record) {
     });
 }
 
-/// Layers that are made are put behind those that were there, so that places stay.
-void Summarise(IntakeResult& result) {
-    const std::array parts = {result.las, result.rasters, result.dems};
-    AddedFiles sum;
+/// The layer that got the most files, of whatever kind. Layers that are made are put behind those that were
+/// there, so that the places of earlier ones stay.
+std::optional<std::size_t> MainLayer(const IntakeResult& result) {
+    std::optional<std::size_t> main;
     std::size_t most = 0;
-    for (const AddedFiles& part : parts) {
-        sum.files += part.files;
-        sum.newLayers += part.newLayers;
-        sum.alreadyThere += part.alreadyThere;
+    for (const AddedFiles& part : {result.las, result.rasters, result.dems}) {
         if (part.files > most) {
             most = part.files;
-            result.mainLayer = part.mainLayer;
+            main = part.mainLayer;
         }
     }
-    result.status = sum.files == 0 ? HostText(40881_lsid) : HostText(40882_lsid, {sum.files, sum.newLayers});
-    if (sum.alreadyThere > 0) {
-        result.status += ' ' + HostText(41442_lsid, {sum.alreadyThere});
+    return main;
+}
+
+std::vector<DemToImport> DemsOf(const AddFilesParams& record) {
+    std::vector<DemToImport> dems;
+    for (const auto& [folder, names] : record.demFiles) {
+        for (const std::wstring& name : names) {
+            const std::wstring path = JoinPath(folder, name);
+            dems.push_back({path, LayerNameOf(record.demFileLayers, path, Text(41424_lsid))});
+        }
     }
+    return dems;
+}
+
+/// A folder that is neither absolute nor begins with the token lies in the project as well.
+std::wstring DemFolder(const AddFilesParams& record, const std::wstring& projectFolder) {
+    const std::wstring folder = ResolveProjectPath(record.demLasFolder, projectFolder);
+    return ToPath(folder).is_absolute() ? folder : JoinPath(projectFolder, folder);
+}
+
+DemConversionOptions OptionsOf(const AddFilesParams& record, std::wstring folder) {
+    DemConversionOptions options;
+    options.versionMinor = MinorVersionOfItem(record.demLasVersion);
+    options.pointFormat = record.demPointFormat;
+    options.thinning = std::max<unsigned>(record.demThinning, 1);
+    options.ignoreCrs = record.demIgnoreCrs;
+    options.outputFolder = std::move(folder);
+    return options;
 }
 
 }  // namespace
@@ -56,8 +78,23 @@ IntakeResult RecordIntake::Take(const AddFilesParams& record) {
     IntakeResult result;
     result.las = TakeLas(record);
     result.rasters = TakeRasters(record);
-    Summarise(result);
+    result.dems = TakeDems(record);
+    result.mainLayer = MainLayer(result);
+    result.status = StatusOf(result);
     return result;
+}
+
+QString RecordIntake::StatusOf(const IntakeResult& result) const {
+    const auto sum = [&result](std::size_t AddedFiles::*count) {
+        return result.las.*count + result.rasters.*count + result.dems.*count;
+    };
+    QString status = sum(&AddedFiles::files) == 0
+                         ? HostText(40881_lsid)
+                         : HostText(40882_lsid, {sum(&AddedFiles::files), sum(&AddedFiles::newLayers)});
+    if (const std::size_t known = sum(&AddedFiles::alreadyThere); known > 0) {
+        status += ' ' + HostText(41442_lsid, {known});
+    }
+    return stopped_ ? status + ' ' + HostText(41446_lsid) : status;
 }
 
 AddedFiles RecordIntake::TakeLas(const AddFilesParams& record) {
@@ -98,9 +135,39 @@ void RecordIntake::BuildPyramids(const std::vector<NewFile>& rasters) {
     const WorkEnd end = WorkDialog::Run(
         window_, HostText(41443_lsid),
         [paths, result](Kst::ProgressIf& progress) { *result = RasterPyramids::Build(paths, progress); });
-    if (end == WorkEnd::Finished && !result->failures.empty()) {
-        UserPromptsQt(window_).Show({FailureText(Text(41444_lsid), result->failures), Text(41443_lsid),
-                                     PromptIcon::Warning, PromptButtons::Ok});
+    if (end == WorkEnd::Finished) {
+        Tell(Text(41444_lsid), result->failures, 41443_lsid);
+    }
+}
+
+AddedFiles RecordIntake::TakeDems(const AddFilesParams& record) {
+    if (record.demFiles.empty()) {
+        return {};
+    }
+    std::wstring folder;
+    try {
+        folder = DemFolder(record, ToWidePath(projectFolder_));
+    } catch (const LDataError& error) {
+        Tell(Text(41448_lsid), {{record.demLasFolder, error.Text()}}, 41447_lsid);
+        return {};
+    }
+    const auto import =
+        std::make_shared<DemImport>(DemsOf(record), OptionsOf(record, folder), !record.demOpenReadWrite);
+    WorkDialog::Run(window_, HostText(41447_lsid),
+                    [import](Kst::ProgressIf& progress) { import->Run(progress); });
+    const DemImportResult result = import->Result();
+    stopped_ = result.stopped;
+    Tell(Text(41448_lsid), result.failures, 41447_lsid);
+    Tell(Text(41449_lsid), result.warnings, 41447_lsid);
+    return project_.Take(LayerKind::Las, result.files);
+}
+
+/// One message for all files of a run; none when there is nothing to tell.
+void RecordIntake::Tell(const std::wstring& heading, const std::vector<FileFailure>& failures,
+                        StringId caption) {
+    if (!failures.empty()) {
+        UserPromptsQt(window_).Show(
+            {FailureText(heading, failures), Text(caption), PromptIcon::Warning, PromptButtons::Ok});
     }
 }
 

@@ -1,7 +1,11 @@
 #pragma once
 #include <QString>
+#include <optional>
+#include <vector>
 
+#include "host/app/FailureText.h"
 #include "host/app/Project.h"
+#include "support/Text.h"
 
 class AddFilesParams;
 class QWidget;
@@ -30,12 +34,16 @@ class RecordIntake {
   private:
     AddedFiles TakeLas(const AddFilesParams& record);
     AddedFiles TakeRasters(const AddFilesParams& record);
+    QString StatusOf(const IntakeResult& result) const;
     bool MayAddLas(const AddFilesParams& record);
     void BuildPyramids(const std::vector<NewFile>& rasters);
+    AddedFiles TakeDems(const AddFilesParams& record);
+    void Tell(const std::wstring& heading, const std::vector<FileFailure>& failures, StringId caption);
 
     Project& project_;
     QString projectFolder_;
     QWidget* window_;
+    bool stopped_ = false;  ///< the user stopped a conversion
 };
 
 }  // namespace orvex

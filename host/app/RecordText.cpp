@@ -3,6 +3,7 @@
 #include <map>
 
 #include "host/app/RecordFiles.h"
+#include "host/dem/DemConversion.h"
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/LasFileInfo.h"
 #include "orvexcommon/RasterFileInfo.h"
@@ -138,6 +139,7 @@ std::wstring DemOptions(const AddFilesParams& record) {
     Option(text, 40847_lsid, Text(record.demOpenReadWrite ? 40834_lsid : 40833_lsid));
     Option(text, 40851_lsid, YesNo(record.demAppend));
     Option(text, 41434_lsid, YesNo(record.demIgnoreCrs));
+    Option(text, 41435_lsid, FormatText(L"1.%d", {MinorVersionOfItem(record.demLasVersion)}));
     Option(text, 41436_lsid, FormatText(L"%d", {record.demPointFormat}));
     Option(text, 40854_lsid, FormatText(L"%u", {record.demThinning}));
     Option(text, 41437_lsid, record.demLasFolder);
