@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/app/GridPainter.h"
 #include "host/app/HostText.h"
 #include "host/app/LayerColours.h"
 #include "host/app/Project.h"
@@ -18,8 +19,7 @@ namespace orvex {
 namespace {
 
 constexpr double kMargin = 40;
-constexpr double kGridPixels = 110;  ///< grid lines lie at least this far apart
-constexpr double kHitSlack = 3;      ///< pixels beside a footprint that still hit it
+constexpr double kHitSlack = 3;  ///< pixels beside a footprint that still hit it
 constexpr double kZoomPerNotch = 1.25;
 constexpr double kSmallest = 4;  ///< pixels; what is smaller is drawn this large
 
@@ -33,12 +33,6 @@ QRectF Drawn(const QRectF& pixels) {
         drawn.adjust(0, -(kSmallest - pixels.height()) / 2, 0, (kSmallest - pixels.height()) / 2);
     }
     return drawn;
-}
-
-QColor Mixed(const QColor& a, const QColor& b, double share) {
-    return QColor::fromRgbF(static_cast<float>(a.redF() * (1 - share) + b.redF() * share),
-                            static_cast<float>(a.greenF() * (1 - share) + b.greenF() * share),
-                            static_cast<float>(a.blueF() * (1 - share) + b.blueF() * share));
 }
 
 }  // namespace
@@ -133,35 +127,11 @@ void FootprintView::DrawBase() {
                          HostText(project_.IsEmpty() ? 40871_lsid : 40872_lsid));
     } else {
         DrawPictures(painter);
-        DrawGrid(painter);
+        DrawGridLines(painter, *this, transform_);
         DrawFootprints(painter);
+        DrawGridLabels(painter, *this, transform_);
     }
     baseIsOld_ = false;
-}
-
-void FootprintView::DrawGrid(QPainter& painter) const {
-    const double step = GridStep(transform_.PixelsPerUnit(), kGridPixels);
-    const int decimals = GridDecimals(step);
-    const QColor line = Mixed(palette().color(QPalette::Base), palette().color(QPalette::Text), 0.12);
-    const QColor label = Mixed(palette().color(QPalette::Base), palette().color(QPalette::Text), 0.6);
-    const QPointF topLeft = transform_.ToWorld({0, 0});
-    const QPointF bottomRight = transform_.ToWorld(QPointF(width(), height()));
-    const QFontMetrics metrics(font());
-    for (const double place : GridLines(topLeft.x(), bottomRight.x(), step)) {
-        const double x = transform_.ToPixel(QPointF(place, 0)).x();
-        painter.setPen(line);
-        painter.drawLine(QPointF(x, 0), QPointF(x, height()));
-        painter.setPen(label);
-        painter.drawText(QPointF(x + 4, height() - metrics.descent() - 3),
-                         QString::number(place, 'f', decimals));
-    }
-    for (const double place : GridLines(bottomRight.y(), topLeft.y(), step)) {
-        const double y = transform_.ToPixel(QPointF(0, place)).y();
-        painter.setPen(line);
-        painter.drawLine(QPointF(0, y), QPointF(width(), y));
-        painter.setPen(label);
-        painter.drawText(QPointF(4, y - 4), QString::number(place, 'f', decimals));
-    }
 }
 
 /// Below everything else, so that the grid and the other files stay visible.
@@ -182,14 +152,22 @@ void FootprintView::DrawFootprints(QPainter& painter) const {
         if (!pixels.intersects(view)) {
             continue;
         }
-        const QColor colour = LayerColour(footprint.layer);
-        QColor fill = colour;
-        fill.setAlpha(pictures_.Find(FileOf(footprint).path) == nullptr ? 60 : 0);
-        painter.setPen(QPen(colour, 1));
-        painter.setBrush(fill);
+        StyleOutline(painter, footprint);
         DrawOutline(painter, footprint);
         DrawName(painter, footprint, pixels, names);
     }
+}
+
+/// LAS files are filled, lightly where pictures are to shine through; rasters are their pictures, or dashed
+/// while they have none.
+void FootprintView::StyleOutline(QPainter& painter, const FootprintSet::Footprint& footprint) const {
+    const QColor colour = LayerColour(footprint.layer);
+    const bool isRaster = project_.layers[footprint.layer].kind == LayerKind::Raster;
+    const bool isBare = isRaster && pictures_.Find(FileOf(footprint).path) == nullptr;
+    QColor fill = colour;
+    fill.setAlpha(pictures_.IsEmpty() ? 60 : 25);
+    painter.setPen(QPen(colour, 1, isBare ? Qt::DashLine : Qt::SolidLine));
+    painter.setBrush(isRaster ? QBrush(Qt::NoBrush) : QBrush(fill));
 }
 
 void FootprintView::DrawOutline(QPainter& painter, const FootprintSet::Footprint& footprint) const {
@@ -219,9 +197,7 @@ void FootprintView::DrawName(QPainter& painter, const FootprintSet::Footprint& f
         return;
     }
     names.push_back(place);
-    QColor ground = palette().color(QPalette::Base);
-    ground.setAlpha(150);
-    painter.fillRect(place.adjusted(-3, -1, 3, 1), ground);
+    FillTextGround(painter, *this, place);
     painter.setPen(palette().color(QPalette::Text));
     painter.drawText(place, Qt::AlignCenter, shown);
 }

@@ -58,10 +58,10 @@ class FootprintView final : public QWidget {
   private:
     void Redraw();
     void DrawBase();
-    void DrawGrid(QPainter& painter) const;
     void AddLayer(std::size_t layer);
     void DrawPictures(QPainter& painter) const;
     void DrawFootprints(QPainter& painter) const;
+    void StyleOutline(QPainter& painter, const FootprintSet::Footprint& footprint) const;
     void DrawOutline(QPainter& painter, const FootprintSet::Footprint& footprint) const;
     void DrawName(QPainter& painter, const FootprintSet::Footprint& footprint, const QRectF& pixels,
                   std::vector<QRectF>& names) const;

@@ -28,6 +28,7 @@ RasterPictures::RasterPictures(QObject* parent, OverviewLoader::Read read)
 void RasterPictures::Want(const std::vector<std::wstring>& paths) {
     const std::set<std::wstring> wanted(paths.begin(), paths.end());
     std::erase_if(pictures_, [&wanted](const auto& entry) { return !wanted.contains(entry.first); });
+    count_ = wanted.size();
     loader_.Want(paths);
 }
 

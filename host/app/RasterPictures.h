@@ -21,6 +21,8 @@ class RasterPictures final : public QObject {
     const QImage* Find(const std::wstring& path) const;
     /// Why a raster has no picture; empty when it has one or has not been read yet.
     QString ProblemOf(const std::wstring& path) const;
+    /// True when no raster is wanted.
+    bool IsEmpty() const { return count_ == 0; }
     bool IsLoading() const { return !loader_.IsIdle(); }
 
   signals:
@@ -36,6 +38,7 @@ class RasterPictures final : public QObject {
     void TakeLoaded();
 
     std::map<std::wstring, Picture> pictures_;
+    std::size_t count_ = 0;  ///< rasters that are wanted
     OverviewLoader loader_;
 };
 

@@ -57,7 +57,7 @@ double Shade(double x, double y) {
         return SampleTerrainAt(std::llround(atX), std::llround(atY)).height;
     };
     const double slope = (height(x + 2, y) - height(x - 2, y)) - (height(x, y + 2) - height(x, y - 2));
-    return std::clamp(0.65 + 0.06 * slope, 0.25, 1.0);
+    return std::clamp(0.75 + 0.035 * slope, 0.5, 1.0);
 }
 
 SampleTerrain TerrainNear(double x, double y) {
