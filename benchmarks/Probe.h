@@ -12,4 +12,7 @@ std::uint64_t ReadBarely(const std::string& path);
 /// Bytes that the program holds of the heap.
 std::uint64_t HeapInUse();
 
+/// Copies a file with the system's own means: the command `cp`, where there is one.
+bool CopyWithSystem(const std::wstring& from, const std::wstring& to);
+
 }  // namespace orvex::bench

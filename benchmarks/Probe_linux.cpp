@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <malloc.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <cstring>
 
 #include "benchmarks/Probe.h"
+#include "support/Text.h"
 
 namespace orvex::bench {
 
@@ -25,6 +27,18 @@ std::uint64_t ReadBarely(const std::string& path) {
     bytes += static_cast<std::uint64_t>(std::max<ssize_t>(0, pread(file, buffer.data(), rest, kHeader)));
     close(file);
     return bytes;
+}
+
+bool CopyWithSystem(const std::wstring& from, const std::wstring& to) {
+    const std::string source = ToUtf8(from);
+    const std::string target = ToUtf8(to);
+    const pid_t child = fork();
+    if (child == 0) {
+        execlp("cp", "cp", "--", source.c_str(), target.c_str(), nullptr);
+        _exit(127);
+    }
+    int status = 0;
+    return child > 0 && waitpid(child, &status, 0) == child && status == 0;
 }
 
 std::uint64_t HeapInUse() {

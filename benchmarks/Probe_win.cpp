@@ -45,6 +45,10 @@ std::uint64_t ReadBarely(const std::string& path) {
     return bytes;
 }
 
+bool CopyWithSystem(const std::wstring& from, const std::wstring& to) {
+    return CopyFileW(ToPath(from).c_str(), ToPath(to).c_str(), FALSE) != FALSE;
+}
+
 std::uint64_t HeapInUse() {
     std::array<HANDLE, 64> heaps;
     const DWORD count =
