@@ -4,47 +4,19 @@
 
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <fstream>
 #include <vector>
 
 #include "host/app/SampleTerrain.h"
+#include "host/dem/FieldBlock.h"
+#include "host/dem/LasHeaderWriter.h"
 
 namespace orvex {
 
 namespace {
 
-constexpr std::size_t kRecordHeader = 54;
 constexpr double kScale = 0.001;
 constexpr double kWeekSeconds = 302400;
-
-/// Little-endian fields at their places in a block that grows as needed.
-class Block {
-  public:
-    explicit Block(std::size_t size) : bytes_(size, '\0') {}
-
-    template <typename T>
-    void Put(std::size_t offset, T value) {
-        std::memcpy(bytes_.data() + offset, &value, sizeof(T));
-    }
-    void PutText(std::size_t offset, const std::string& text) {
-        std::memcpy(bytes_.data() + offset, text.data(), text.size());
-    }
-    const std::string& Bytes() const { return bytes_; }
-
-  private:
-    std::string bytes_;
-};
-
-std::string Record(const std::string& userId, std::uint16_t recordId, const std::string& description,
-                   const std::string& data) {
-    Block header(kRecordHeader);
-    header.PutText(2, userId);
-    header.Put<std::uint16_t>(18, recordId);
-    header.Put<std::uint16_t>(20, static_cast<std::uint16_t>(data.size()));
-    header.PutText(22, description);
-    return header.Bytes() + data;
-}
 
 /// The GeoTIFF keys of a projected CRS in metres.
 std::string GeoKeyDirectory(int epsg) {
@@ -60,24 +32,32 @@ std::string GeoKeyDirectory(int epsg) {
 
 std::vector<std::string> RecordsOf(const SampleTile& tile) {
     std::vector<std::string> records;
+    const auto add = [&](const char* userId, std::uint16_t recordId, const char* description,
+                         const std::string& data) {
+        records.push_back(LasRecordBytes(tile.minorVersion, userId, recordId, description, data));
+    };
     if (tile.crs == SampleCrs::GeoKeys) {
-        records.push_back(
-            Record("LASF_Projection", 34735, "GeoTiff GeoKeyDirectoryTag", GeoKeyDirectory(tile.epsg)));
+        add("LASF_Projection", 34735, "GeoTiff GeoKeyDirectoryTag", GeoKeyDirectory(tile.epsg));
     }
     if (tile.crs == SampleCrs::Wkt) {
-        records.push_back(Record("LASF_Projection", 2112, "OGC coordinate system WKT", tile.wkt + '\0'));
+        add("LASF_Projection", 2112, "OGC coordinate system WKT", tile.wkt + '\0');
     }
-    records.push_back(Record("Orvex sample", 1, "How this file was made",
-                             "Generated terrain: hills, a river and trees; no survey was flown."));
+    add("Orvex sample", 1, "How this file was made",
+        "Generated terrain: hills, a river and trees; no survey was flown.");
     return records;
 }
 
-/// A point record of format 3 (34 bytes) or 7 (36 bytes).
+/// Bytes of a point record of format 3 or 7.
+std::uint16_t RecordLength(const SampleTile& tile) {
+    return tile.pointFormat >= 6 ? 36 : 34;
+}
+
+/// A point record of format 3 or 7.
 std::string PointRecord(const SampleTile& tile, const std::array<std::int32_t, 3>& position,
                         const SampleTerrain& terrain, double time) {
     const bool extended = tile.pointFormat >= 6;
     const std::size_t afterXyz = 12;
-    Block point(extended ? 36 : 34);
+    FieldBlock point(RecordLength(tile));
     for (std::size_t axis = 0; axis < 3; ++axis) {
         point.Put(axis * 4, position[axis]);
     }
@@ -93,7 +73,7 @@ std::string PointRecord(const SampleTile& tile, const std::array<std::int32_t, 3
     for (std::size_t i = 0; i < 3; ++i) {
         point.Put((extended ? 30U : 28U) + i * 2, colour[i]);
     }
-    return point.Bytes();
+    return point.Take();
 }
 
 struct Points {
@@ -132,17 +112,6 @@ Points PointsOf(const SampleTile& tile) {
     return points;
 }
 
-void PutCounts(Block& header, const SampleTile& tile, std::uint32_t count) {
-    if (tile.minorVersion < 4) {
-        header.Put<std::uint32_t>(107, count);
-        header.Put<std::uint32_t>(111, count);
-        return;
-    }
-    // Formats from 6 on leave the 32-bit counts at zero.
-    header.Put<std::uint64_t>(247, count);
-    header.Put<std::uint64_t>(255, count);
-}
-
 }  // namespace
 
 std::string MakeSampleLas(const SampleTile& tile) {
@@ -152,31 +121,25 @@ std::string MakeSampleLas(const SampleTile& tile) {
     for (const std::string& record : records) {
         recordBytes += record;
     }
-    const std::size_t headerSize = tile.minorVersion >= 4 ? 375 : 227;
-    Block header(headerSize);
-    header.PutText(0, "LASF");
-    header.Put<std::uint16_t>(6, tile.crs == SampleCrs::Wkt ? 0x10 : 0);
-    header.Put<std::uint8_t>(24, 1);
-    header.Put(25, static_cast<std::uint8_t>(tile.minorVersion));
-    header.PutText(26, "Generated");
-    header.PutText(58, "Orvex sample project");
-    header.Put<std::uint16_t>(90, 152);
-    header.Put<std::uint16_t>(92, 2024);
-    header.Put(94, static_cast<std::uint16_t>(headerSize));
-    header.Put(96, static_cast<std::uint32_t>(headerSize + recordBytes.size()));
-    header.Put(100, static_cast<std::uint32_t>(records.size()));
-    header.Put(104, static_cast<std::uint8_t>(tile.pointFormat));
-    header.Put<std::uint16_t>(105, tile.pointFormat >= 6 ? 36 : 34);
-    PutCounts(header, tile, points.count);
-    const std::array<double, 3> scale = {HorizontalScale(tile), HorizontalScale(tile), kScale};
-    const std::array<double, 3> offset = {tile.west, tile.south, 0};
+    LasHeaderFields header;
+    header.minorVersion = tile.minorVersion;
+    header.pointFormat = tile.pointFormat;
+    header.recordLength = RecordLength(tile);
+    header.globalEncoding = tile.crs == SampleCrs::Wkt ? kLasWkt : 0;
+    header.systemIdentifier = "Generated";
+    header.generatingSoftware = "Orvex sample project";
+    header.creationDay = 152;
+    header.creationYear = 2024;
+    header.recordCount = static_cast<std::uint32_t>(records.size());
+    header.offsetToPoints = LasHeaderSize(tile.minorVersion) + static_cast<std::uint32_t>(recordBytes.size());
+    header.points = points.count;
+    header.scale = {HorizontalScale(tile), HorizontalScale(tile), kScale};
+    header.offset = {tile.west, tile.south, 0};
     for (std::size_t axis = 0; axis < 3; ++axis) {
-        header.Put(131 + axis * 8, scale[axis]);
-        header.Put(155 + axis * 8, offset[axis]);
-        header.Put(179 + axis * 16, points.high[axis] * scale[axis] + offset[axis]);
-        header.Put(187 + axis * 16, points.low[axis] * scale[axis] + offset[axis]);
+        header.min[axis] = points.low[axis] * header.scale[axis] + header.offset[axis];
+        header.max[axis] = points.high[axis] * header.scale[axis] + header.offset[axis];
     }
-    return header.Bytes() + recordBytes + points.bytes;
+    return LasHeaderBytes(header) + recordBytes + points.bytes;
 }
 
 bool CompressSample(const std::filesystem::path& las, const std::filesystem::path& laz) {

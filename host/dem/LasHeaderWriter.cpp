@@ -1,36 +1,16 @@
 #include "host/dem/LasHeaderWriter.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
 #include <limits>
+
+#include "host/dem/FieldBlock.h"
 
 namespace orvex {
 namespace {
 
-static_assert(std::endian::native == std::endian::little, "fields are copied as they are");
-
 constexpr std::size_t kRecordHeaderSize = 54;
 constexpr std::uint16_t kRecordSignature10 = 0xAABB;
 constexpr std::uint64_t kMostLegacyPoints = std::numeric_limits<std::uint32_t>::max();
-
-/// Fields at their places in a block of zeros.
-class FieldBlock {
-  public:
-    explicit FieldBlock(std::size_t size) : bytes_(size, '\0') {}
-
-    template <typename T>
-    void Put(std::size_t offset, T value) {
-        std::memcpy(bytes_.data() + offset, &value, sizeof(T));
-    }
-    void PutText(std::size_t offset, std::size_t size, std::string_view text) {
-        text.copy(bytes_.data() + offset, size);
-    }
-    std::string Take() { return std::move(bytes_); }
-
-  private:
-    std::string bytes_;
-};
 
 void PutCounts(FieldBlock& header, const LasHeaderFields& fields) {
     // Formats from 6 on, and more points than 32 bits count, leave the old fields at zero.
