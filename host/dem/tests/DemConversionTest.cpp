@@ -41,6 +41,15 @@ class DemConversionTest : public DemFixture {
     }
 };
 
+/// What a record holds behind its place: the only return of its pulse, never classified, made without a
+/// laser.
+std::string RecordBehindPlace(int versionMinor, int format, std::size_t length) {
+    std::string rest(length - 12, '\0');
+    rest[2] = format < 6 ? 0x09 : 0x11;
+    rest[3] = static_cast<char>(format >= 6 ? 0x01 : versionMinor > 0 ? 0x20 : 0);
+    return rest;
+}
+
 struct CrsCase {
     const char* what;
     const char* crs;
@@ -82,6 +91,9 @@ TEST_F(DemConversionTest, EveryVersionAndFormatOpensWithoutFindings) {
                 EXPECT_EQ(found.findings.size(), hasCrs ? 0U : 1U);
                 EXPECT_EQ(result.warnings.size(), *crs.crs != '\0' && !hasCrs ? 1U : 0U);
                 EXPECT_EQ(found.file->CrsWkt(), result.wkt);
+                const std::string bytes = testing::ReadFile(result.lasPath);
+                const std::size_t length = found.file->Header().PointRecordLength();
+                EXPECT_EQ(bytes.substr(bytes.size() - length + 12), RecordBehindPlace(minor, format, length));
                 if (hasCrs && crs.fitsGeoKeys) {
                     EXPECT_EQ(OrvexUtilities::GetCompatibilityGroup(result.wkt),
                               OrvexUtilities::GetCompatibilityGroup(testing::WktOfRaster(path)));

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/dem/AxisScale.h"
+#include "host/dem/LasHeaderWriter.h"
 #include "host/dem/RasterWindows.h"
 #include "host/dem/ThinningLattice.h"
 #include "host/dem/TiffTags.h"
@@ -14,6 +15,7 @@
 namespace orvex {
 namespace {
 
+using testing::At;
 using testing::Bytes;
 
 TEST(RasterWindows, CoverEachPixelOnceInBoundedParts) {
@@ -110,6 +112,45 @@ TEST(AxisScale, HoldsTheWholeExtent) {
     }
     EXPECT_EQ(FitAxis(512345.678, 519876.543, -3), (AxisScale{0.001, 516000}));
     EXPECT_EQ(FitAxis(-3, 3, -3), (AxisScale{0.001, 0}));
+}
+
+TEST(LasHeaderWriter, CountsByTheRulesOfTheVersion) {
+    const struct {
+        int minor, format;
+        std::uint64_t points;
+        std::uint32_t legacy;
+    } cases[] = {
+        {2, 1, 4294967295, 4294967295},
+        {4, 3, 4294967295, 4294967295},
+        {4, 3, 4294967296, 0},
+        {4, 6, 7, 0},
+    };
+    for (const auto& c : cases) {
+        LasHeaderFields fields;
+        fields.minorVersion = c.minor;
+        fields.pointFormat = c.format;
+        fields.points = c.points;
+        const std::string header = LasHeaderBytes(fields);
+        ASSERT_EQ(header.size(), LasHeaderSize(c.minor));
+        EXPECT_EQ(At<std::uint32_t>(header, 107), c.legacy);
+        EXPECT_EQ(At<std::uint32_t>(header, 111), c.legacy);
+        if (c.minor == 4) {
+            EXPECT_EQ(At<std::uint64_t>(header, 247), c.points);
+            EXPECT_EQ(At<std::uint64_t>(header, 255), c.points);
+        }
+    }
+}
+
+TEST(LasHeaderWriter, Las10MarksRecordsAndPoints) {
+    EXPECT_EQ(At<std::uint16_t>(LasRecordBytes(0, "user", 7, "text", "data"), 0), 0xAABB);
+    EXPECT_EQ(LasPointsMark(0), "\xCC\xDD");
+    const std::string record = LasRecordBytes(1, "a user id that is too long", 7, "text", "data");
+    EXPECT_EQ(At<std::uint16_t>(record, 0), 0);
+    EXPECT_EQ(record.substr(2, 16), "a user id that i");
+    EXPECT_EQ(At<std::uint16_t>(record, 18), 7);
+    EXPECT_EQ(At<std::uint16_t>(record, 20), 4);
+    EXPECT_EQ(record.substr(54), "data");
+    EXPECT_EQ(LasPointsMark(1), "");
 }
 
 TEST(TiffTags, AreReadOnlyWhereTheyLieInside) {
