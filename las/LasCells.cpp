@@ -9,6 +9,7 @@
 #include "las/PointFormats.h"
 #include "support/Format.h"
 #include "support/Text.h"
+#include "support/UtcTime.h"
 
 namespace orvex {
 
@@ -69,17 +70,8 @@ GridCell Details(const LasRow& row) {
 }
 
 GridCell Modified(const LasRow& row) {
-    if (row.inspection.modifiedMs == 0) {
-        return {};
-    }
-    using namespace std::chrono;
-    const sys_time<milliseconds> time{milliseconds(row.inspection.modifiedMs)};
-    const auto day = floor<days>(time);
-    const year_month_day date{day};
-    const hh_mm_ss clock{floor<minutes>(time - day)};
-    return FormatText(L"%04d-%02u-%02u %02d:%02d",
-                      {static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
-                       static_cast<unsigned>(date.day()), clock.hours().count(), clock.minutes().count()});
+    const std::int64_t time = row.inspection.modifiedMs;
+    return time == 0 ? GridCell() : GridCell(UtcTimeText(time));
 }
 
 GridCell Size(const LasRow& row) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "settings/OptionStore.h"
+#include "settings/Thinning.h"
 
 namespace orvex {
 
@@ -34,7 +35,7 @@ LasPageOptions ReadLasPageOptions(const OptionStore& store) {
     options.footprintsOnly = store.Get<std::int32_t>(opt2AddLASLoadSetting, 0) != 0;
     options.append = GetFlag(store, opt2AddLASAppend, options.append);
     options.thinning = std::clamp(store.Get<std::int32_t>(opt2AddLASThinning, options.thinning),
-                                  LasPageOptions::kMinimumThinning, LasPageOptions::kMaximumThinning);
+                                  kMinimumThinning, kMaximumThinning);
     options.detailColumns = GetFlag(store, opt2AddLASDetailCols, options.detailColumns);
     options.convertExistingQvr = GetFlag(store, opt2ConvertExistingQVRToOrvexLAS, options.convertExistingQvr);
     const bool pyramid = GetFlag(store, opt2AddLASPyramid, true);
@@ -58,23 +59,7 @@ void SaveLasPageOptions(const OptionStore& store, const LasPageOptions& options)
 }
 
 std::optional<std::int32_t> ParseThinning(std::wstring_view text) {
-    text = text.substr(0, kThinningCharacters);
-    const std::size_t start = text.find_first_not_of(L" \t");
-    text.remove_prefix(start == std::wstring_view::npos ? text.size() : start);
-    if (text.starts_with(L'+')) {
-        text.remove_prefix(1);
-    }
-    std::int64_t value = 0;  // ten digits fit
-    for (const wchar_t character : text) {
-        if (character < L'0' || character > L'9') {
-            break;
-        }
-        value = value * 10 + (character - L'0');
-    }
-    if (value < LasPageOptions::kMinimumThinning) {
-        return std::nullopt;
-    }
-    return static_cast<std::int32_t>(std::min<std::int64_t>(value, LasPageOptions::kMaximumThinning));
+    return ParseThinning(text, kThinningCharacters);
 }
 
 }  // namespace orvex

@@ -15,9 +15,6 @@ enum class LasBackupOption : std::int32_t { Overwrite = 0, Backup = 1, BackupAnd
 
 /// How the files of the LAS page are to be loaded. The member values are what a fresh machine shows.
 struct LasPageOptions {
-    static constexpr std::int32_t kMinimumThinning = 2;
-    static constexpr std::int32_t kMaximumThinning = 256;
-
     bool readWrite = false;
     bool footprintsOnly = false;
     bool append = true;

@@ -7,7 +7,7 @@
 namespace orvex {
 namespace {
 
-constexpr FileFilter kPickerFilters[] = {
+constexpr RasterFilter kPickerFilters[] = {
     {L"All Image Files",
      L"*.tif;*.tiff;*.jpg;*.jpeg;*.rgb;*.png;*.sid;*.gif;*.bmp;*.jp2;*.jp2k;*.flt;*.ecw;*.img"},
     {L"TIF Files (*.tif)", L"*.tif"},
@@ -39,7 +39,7 @@ bool HasOneOf(std::wstring_view path, std::span<const std::wstring_view> extensi
 
 }  // namespace
 
-std::span<const FileFilter> RasterPickerFilters() {
+std::span<const RasterFilter> RasterPickerFilters() {
     return kPickerFilters;
 }
 

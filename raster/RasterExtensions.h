@@ -5,13 +5,13 @@
 namespace orvex {
 
 /// One entry of a file picker's filter list.
-struct FileFilter {
+struct RasterFilter {
     std::wstring_view name;      ///< as it is shown
     std::wstring_view patterns;  ///< "*.tif;*.tiff"
 };
 
 /// The filters of the picker for raster files, in its order.
-std::span<const FileFilter> RasterPickerFilters();
+std::span<const RasterFilter> RasterPickerFilters();
 
 /// The extensions, lower-case with their dots, that a search of a folder for raster files takes. MrSID is
 /// left out on purpose: such files are picked one by one.

@@ -84,6 +84,11 @@ std::int32_t SystemSettings::GetNumber(const std::wstring& key, std::int32_t fal
     return std::visit(NumberOf(), Stored(*object_, key, fallback)).value_or(fallback);
 }
 
+std::int32_t SystemSettings::GetNumber(const std::wstring& key, const std::wstring& fallbackDigits) const {
+    const std::int32_t fallback = NumberOf()(fallbackDigits).value_or(0);
+    return std::visit(NumberOf(), Stored(*object_, key, fallbackDigits)).value_or(fallback);
+}
+
 void SystemSettings::SetInt16(const std::wstring& key, std::int16_t value) {
     Store(*object_, key, value);
 }

@@ -23,6 +23,8 @@ class SystemSettings {
     void SetText(const std::wstring& key, const std::wstring& value);
     /// A number of any numeric kind, or digits stored as text; `fallback` for anything else.
     std::int32_t GetNumber(const std::wstring& key, std::int32_t fallback) const;
+    /// The same for a number whose fallback reaches the host as a text of digits.
+    std::int32_t GetNumber(const std::wstring& key, const std::wstring& fallbackDigits) const;
     void SetInt16(const std::wstring& key, std::int16_t value);
 
   private:

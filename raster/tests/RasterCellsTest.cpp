@@ -1,0 +1,188 @@
+#include "raster/RasterCells.h"
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+
+#include "raster/testing/RasterListings.h"
+
+namespace orvex {
+namespace {
+
+using ::testing::HasSubstr;
+
+std::wstring Shown(const RasterRow& row, RasterColumn column, RasterUse use = RasterUse::Image) {
+    return RasterCellText(row, column, use);
+}
+
+/// Pairs of caption id and width, in the order of the raster page.
+constexpr struct {
+    unsigned caption;
+    int width;
+} kTable[] = {{0, 20},      {13502, 200}, {13567, 200}, {13503, 200}, {13504, 300}, {13505, 200},
+              {13506, 300}, {13507, 200}, {13508, 300}, {13568, 200}, {3325, 200},  {13569, 200},
+              {13570, 200}, {13571, 200}, {13572, 200}, {13573, 200}, {13574, 200}, {13575, 200},
+              {13576, 300}, {13577, 200}, {13645, 200}, {13578, 200}, {13541, 200}, {13542, 200},
+              {13538, 200}, {13539, 200}, {13509, 200}, {13579, 200}, {13580, 200}, {13581, 200},
+              {13513, 200}};
+
+TEST(RasterColumnTable, BothGridsHaveTheirColumnsInOrder) {
+    const auto raster = RasterColumns(RasterUse::Image);
+    const auto dem = RasterColumns(RasterUse::Dem);
+    ASSERT_EQ(raster.size(), std::size(kTable));
+    ASSERT_EQ(raster.size(), 31U);
+    ASSERT_EQ(dem.size(), 30U);
+    std::size_t inDem = 0;
+    for (std::size_t i = 0; i < raster.size(); ++i) {
+        EXPECT_EQ(raster[i].caption.value, kTable[i].caption) << i;
+        EXPECT_EQ(raster[i].width, kTable[i].width) << i;
+        EXPECT_EQ(RasterColumnAt(RasterUse::Image, static_cast<int>(i)), static_cast<RasterColumn>(i));
+        if (raster[i].caption != 3325_lsid) {
+            EXPECT_STREQ(dem[inDem].name, raster[i].name);
+            EXPECT_EQ(RasterColumnAt(RasterUse::Dem, static_cast<int>(inDem)), static_cast<RasterColumn>(i));
+            ++inDem;
+        }
+    }
+    EXPECT_EQ(inDem, dem.size());
+    EXPECT_EQ(raster[0].tooltip, 13501_lsid);
+    EXPECT_TRUE(raster[1].hidden && raster[2].hidden);
+}
+
+TEST(RasterCellTexts, AProjectedImageFillsEveryColumn) {
+    const RasterRow row =
+        testing::ListedRow(testing::DescribedRaster(L"/data/ortho.tif", testing::ProjectedWkt()), L"Ortho");
+    const std::pair<RasterColumn, const wchar_t*> cells[] = {
+        {RasterColumn::Path, L"/data/ortho.tif"},
+        {RasterColumn::FileName, L"ortho.tif"},
+        {RasterColumn::Folder, L"/data"},
+        {RasterColumn::Size, L"2.34"},
+        {RasterColumn::Modified, L"2024-05-17 09:30"},
+        {RasterColumn::Layer, L"Ortho"},
+        {RasterColumn::Summary, L"OK"},
+        {RasterColumn::FileType, L"GeoTIFF"},
+        {RasterColumn::BigTiff, L"False"},
+        {RasterColumn::ImageSize, L"600 x 400"},
+        {RasterColumn::Width, L"600"},
+        {RasterColumn::Height, L"400"},
+        {RasterColumn::Bands, L"3"},
+        {RasterColumn::BitsPerBand, L"8"},
+        {RasterColumn::ColorModel, L"RGB"},
+        {RasterColumn::Photometric, L"RGB"},
+        {RasterColumn::ProjectionCode, L"EPSG:25832"},
+        {RasterColumn::Overviews, L"2"},
+        {RasterColumn::PixelSize, L"0.50000000"},
+        {RasterColumn::PixelSizes, L"0.50000000 x 0.25000000"},
+        {RasterColumn::MinimumX, L"500000.000"},
+        {RasterColumn::MaximumX, L"500300.000"},
+        {RasterColumn::MinimumY, L"5700000.000"},
+        {RasterColumn::MaximumY, L"5700100.000"},
+        {RasterColumn::CrsName, L"ETRS89 / UTM zone 32N"},
+        {RasterColumn::LinearUnit, L"Meters"},
+        {RasterColumn::AngularUnit, L"degree"},
+        {RasterColumn::GpsTime, L"No GPS Time"},
+    };
+    for (const auto& [column, text] : cells) {
+        EXPECT_EQ(Shown(row, column), text) << IndexOf(column);
+    }
+    EXPECT_EQ(Shown(row, RasterColumn::Details),
+              std::to_wstring(reinterpret_cast<std::uintptr_t>(row.inspection.details.get())));
+    EXPECT_THAT(ToUtf8(Shown(row, RasterColumn::Wkt)), HasSubstr("\r\n"));
+    EXPECT_EQ(Shown(row, RasterColumn::GpsTime, RasterUse::Dem), L"Standard GPS Time");
+}
+
+TEST(RasterCellTexts, DegreesHaveEightDecimals) {
+    RasterInspection file = testing::DescribedRaster(L"/a.tif", testing::GeographicWkt());
+    file.properties.extent = {{-7.5, 49.25, 8.123456789, 50}};
+    const RasterRow row = testing::ListedRow(std::move(file));
+    EXPECT_EQ(Shown(row, RasterColumn::MinimumX), L"-7.50000000");
+    EXPECT_EQ(Shown(row, RasterColumn::MaximumX), L"8.12345679");
+    EXPECT_EQ(Shown(row, RasterColumn::MinimumY), L"49.25000000");
+}
+
+TEST(RasterCellTexts, CodesAreNamed) {
+    const struct {
+        std::int32_t code;
+        unsigned colorModel;
+        unsigned kind;
+        const wchar_t* projection;
+    } cases[] = {{-1, 13489, 13489, nullptr},    {0, 13621, 13624, nullptr},
+                 {1, 13620, 13622, L"EPSG:1"},   {2, 13619, 13619, L"EPSG:2"},
+                 {3, 13489, 13623, L"EPSG:3"},   {4, 13489, 13625, L"EPSG:4"},
+                 {5, 13489, 13489, L"EPSG:5"},   {32766, 13489, 13489, L"EPSG:32766"},
+                 {32767, 13489, 13489, nullptr}, {32768, 13489, 13489, L"EPSG:32768"}};
+    for (const auto& c : cases) {
+        RasterInspection file = testing::DescribedRaster(L"/a.tif", {});
+        file.properties.colorModel = c.code;
+        file.properties.rasterKind = c.code;
+        file.properties.projectionCode = c.code;
+        const RasterRow row = testing::ListedRow(std::move(file));
+        EXPECT_EQ(Shown(row, RasterColumn::ColorModel), Text({c.colorModel})) << c.code;
+        EXPECT_EQ(Shown(row, RasterColumn::Photometric), Text({c.kind})) << c.code;
+        EXPECT_EQ(Shown(row, RasterColumn::ProjectionCode),
+                  c.projection != nullptr ? c.projection : Text(13497_lsid))
+            << c.code;
+    }
+}
+
+TEST(RasterCellTexts, WhatAFileDoesNotSayIsEmpty) {
+    RasterInspection file = testing::DescribedRaster(L"/plain.JPG", {});
+    file.properties.pixelWidth = file.properties.pixelHeight = 0;
+    file.properties.extent.reset();
+    file.properties.format.clear();
+    file.unit.clear();
+    file.fileSize = 0;
+    file.modifiedMs = 0;
+    const RasterRow row = testing::ListedRow(std::move(file));
+    EXPECT_EQ(Shown(row, RasterColumn::FileType), L"JPG");
+    for (const RasterColumn column :
+         {RasterColumn::Size, RasterColumn::Modified, RasterColumn::PixelSize, RasterColumn::PixelSizes,
+          RasterColumn::MinimumX, RasterColumn::MaximumY, RasterColumn::CrsName, RasterColumn::LinearUnit,
+          RasterColumn::Wkt}) {
+        EXPECT_EQ(Shown(row, column), L"") << IndexOf(column);
+    }
+    EXPECT_EQ(Shown(row, RasterColumn::ImageSize), L"600 x 400");
+}
+
+TEST(RasterCellTexts, AFileThatCouldNotBeDescribedSaysWhyAndNothingElse) {
+    const RasterRow row = testing::ListedRow(testing::RefusedRaster(L"/x/broken.tif", L"It ends too early."));
+    EXPECT_EQ(Shown(row, RasterColumn::Summary), Text(13638_lsid) + L" It ends too early.");
+    EXPECT_EQ(FindingsText(row), Shown(row, RasterColumn::Summary));
+    EXPECT_EQ(RasterCell(row, RasterColumn::LoadFlag, RasterUse::Image), GridCell(0.0));
+    EXPECT_EQ(Shown(row, RasterColumn::Details), L"0");
+    EXPECT_EQ(Shown(row, RasterColumn::Size), L"0.00");
+    for (int column = IndexOf(RasterColumn::FileType); column < kRasterColumnCount; ++column) {
+        for (const RasterUse use : {RasterUse::Image, RasterUse::Dem}) {
+            EXPECT_EQ(Shown(row, static_cast<RasterColumn>(column), use), L"") << column;
+        }
+    }
+}
+
+/// A host's object that throws for files of one name.
+class ThrowingInformation final : public OrvexRasterInformation {
+  public:
+    std::int32_t Describe(const std::wstring& path, RasterProperties& properties, std::wstring&) override {
+        if (FileNameOf(path) == L"bad.tif") {
+            throw std::runtime_error("no such driver");
+        }
+        properties = testing::DescribedRaster(path, {}).properties;
+        return kHostOk;
+    }
+};
+
+TEST(RasterListing, AnExceptionOfTheHostsObjectIsNotedAndTheNextFileIsRead) {
+    const RasterInformationMaker maker = [](std::int32_t&) {
+        return std::make_unique<ThrowingInformation>();
+    };
+    const ListedRaster bad = ReadListedRaster(L"/nowhere/bad.tif", RasterUse::Image, maker);
+    const ListedRaster good = ReadListedRaster(L"/nowhere/good.tif", RasterUse::Image, maker);
+    EXPECT_TRUE(bad.threw);
+    EXPECT_EQ(bad.details, nullptr);
+    EXPECT_THAT(ToUtf8(bad.summary), HasSubstr("no such driver"));
+    EXPECT_FALSE(good.threw);
+    ASSERT_NE(good.details, nullptr);
+    EXPECT_EQ(good.details->Properties().width, 600);
+    EXPECT_TRUE(FailedRaster(L"/x.tif", L"why").threw);
+}
+
+}  // namespace
+}  // namespace orvex
