@@ -90,7 +90,7 @@ void FileListPage::AddFiles(std::vector<std::wstring> paths) {
     const DialogProgress::Run run(progress_);
     const auto appended = [this, isFirst = wasEmpty]() mutable {
         if (std::exchange(isFirst, false)) {
-            grid_->FitColumns();
+            FitColumns();
         }
     };
     AddingSummary summary;
@@ -110,7 +110,7 @@ void FileListPage::AddFiles(std::vector<std::wstring> paths) {
 void FileListPage::FilesAdded(bool wasEmpty) {
     RowsChanged();
     if (wasEmpty && rows_->Count() > 0) {
-        grid_->FitColumns();
+        FitColumns();
         if (grid_->SelectedRows().empty()) {
             grid_->SelectRows({0});
         }
@@ -153,7 +153,13 @@ void FileListPage::OnDetailColumns() {
     const bool shown = DetailColumnsShown();
     detailColumns_->setText(shown ? QStringLiteral("<<") : QStringLiteral(">>"));
     grid_->ShowDetailColumns(shown);
-    grid_->FitColumns();
+    FitColumns();
+}
+
+void FileListPage::FitColumns() {
+    if (description_.fitsColumns) {
+        grid_->FitColumns();
+    }
 }
 
 void FileListPage::OnSelectAll() {
@@ -164,7 +170,7 @@ void FileListPage::OnRefresh() {
     BeforeRowsChange();
     const DialogProgress::Run run(progress_);
     if (RereadRows()) {
-        grid_->FitColumns();  // what is new may need a wider column
+        FitColumns();  // what is new may need a wider column
     }
     Update();
 }

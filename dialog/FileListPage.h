@@ -109,6 +109,7 @@ class FileListPage : public AddFilesPage {
     void AddFound(std::vector<std::wstring> paths, bool recursive);
     void AddFiles(std::vector<std::wstring> paths);
     void FilesAdded(bool wasEmpty);
+    void FitColumns();
     void ShowPickFailure(const FixedText& text) const;
 
     DialogServices services_;

@@ -53,6 +53,7 @@ struct FileListPageDescription {
     /// Of files that a folder is searched for; empty: the same.
     std::vector<std::wstring> folderExtensions;
 
+    bool fitsColumns = true;  ///< columns follow what is added; else they keep the widths of their table
     std::vector<DetailsTab> detailsTabs;
     StringId nothingSelected = 41063_lsid;  ///< in the first tab
 };

@@ -2,6 +2,8 @@
 
 #include "dialog/Images.h"
 #include "las/AddLASFilesPP.h"
+#include "raster/AddDEMFilesPP.h"
+#include "raster/AddRasterFilesPP.h"
 
 namespace orvex {
 namespace {
@@ -17,6 +19,18 @@ std::span<const PageDescription> AddFilesPages() {
     static const PageDescription pages[] = {
         {PageKind::Las, 13558_lsid, 13559_lsid, nullptr, 13560_lsid, nullptr, 363, kImageLas, nullptr,
          Make<AddLASFilesPP>},
+        {PageKind::Raster, 13561_lsid, 13562_lsid, nullptr, 13563_lsid, nullptr, 385, kImageRaster,
+         &AddFilesParams::showRasterTab, Make<AddRasterFilesPP>},
+        {PageKind::Dem,
+         3253_lsid,
+         {},
+         L"InsertItem DEM tab failed",
+         3260_lsid,
+         nullptr,
+         403,
+         kImageDem,
+         &AddFilesParams::showDemTab,
+         Make<AddDEMFilesPP>},
     };
     return pages;
 }

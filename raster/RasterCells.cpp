@@ -43,9 +43,9 @@ GridCell ExtentOf(const RasterRow& row) {
     return isKnown ? GridCell((*extent)[Edge]) : GridCell();
 }
 
-GridCell LoadFlag(const RasterRow& row) {
+GridCell Flag(const RasterRow& row) {
     // 0 for a file that cannot be loaded, so that it reads as a flag.
-    return static_cast<double>(RasterLoadFlag::NotLoadable) - static_cast<double>(LoadFlagOf(row));
+    return static_cast<double>(LoadFlag::NotLoadable) - static_cast<double>(LoadFlagOf(row));
 }
 
 GridCell Details(const RasterRow& row) {
@@ -113,7 +113,7 @@ std::wstring PixelSizes(const RasterProperties& properties) {
 
 /// In the order of RasterColumn; the last one is that of the page.
 constexpr std::array<CellFunction, kRasterColumnCount - 1> kCells{
-    LoadFlag,
+    Flag,
     [](const RasterRow& row) { return GridCell(row.File().path); },
     Details,
     [](const RasterRow& row) { return GridCell(FileNameOf(row.File().path)); },

@@ -21,9 +21,7 @@ class Section {
         : row_(row), use_(use), section_{title, {}} {}
 
     Section& Add(StringId caption, std::wstring value) {
-        if (!value.empty()) {
-            section_.fields.push_back({caption, std::move(value)});
-        }
+        AddField(section_.fields, caption, std::move(value));
         return *this;
     }
     /// What the grid shows in a column, under the column's caption.

@@ -1,25 +1,13 @@
 #include "raster/RasterRow.h"
 
-#include <algorithm>
-
 namespace orvex {
 
-RasterLoadFlag LoadFlagOf(const RasterRow& row) {
-    if (!row.IsDescribed()) {
-        return RasterLoadFlag::NotLoadable;
-    }
-    const bool odd = std::ranges::any_of(row.File().findings, [](const Finding& finding) {
-        return finding.severity != FindingSeverity::Note;
-    });
-    return odd ? RasterLoadFlag::Findings : RasterLoadFlag::Good;
+LoadFlag LoadFlagOf(const RasterRow& row) {
+    return LoadFlagFor(row.IsDescribed(), row.File().findings);
 }
 
 std::wstring FindingsText(const RasterRow& row) {
-    std::wstring text;
-    for (const Finding& finding : row.File().findings) {
-        text += (text.empty() ? L"" : L"\n") + finding.text;
-    }
-    return text;
+    return FindingLines(row.File().findings);
 }
 
 void AssignLayers(std::vector<RasterRow>& rows, const std::map<std::wstring, std::wstring>& existing,

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "dialog/LoadFlag.h"
 #include "raster/LayerAssignment.h"
 #include "raster/RasterListing.h"
 
@@ -18,10 +19,7 @@ struct RasterRow {
     bool IsDescribed() const { return inspection.file->loadable; }
 };
 
-/// How a row stands, worst last; each state has an image in the dialog's list.
-enum class RasterLoadFlag { Good, Findings, NotLoadable };
-
-RasterLoadFlag LoadFlagOf(const RasterRow& row);
+LoadFlag LoadFlagOf(const RasterRow& row);
 
 /// Everything there is to say about a row's state, one finding a line; empty when all is well.
 std::wstring FindingsText(const RasterRow& row);

@@ -25,12 +25,6 @@ void Unite(std::optional<std::array<double, 4>>& box, const std::optional<std::a
     }
 }
 
-void Add(std::vector<DetailField>& fields, StringId caption, std::wstring value) {
-    if (!value.empty()) {
-        fields.push_back({caption, std::move(value)});
-    }
-}
-
 std::wstring Megabytes(std::uint64_t bytes) {
     return FormatText(L"%.2f", {static_cast<double>(bytes) * 1e-6});
 }
@@ -51,7 +45,7 @@ RasterTotals RasterTotalsOf(std::span<const RasterRow> rows, std::span<const std
         ++totals.files;
         totals.bytes += file.fileSize;
         totals.totalBytes += std::max(file.fileSize, file.properties.totalBytes);
-        totals.withFindings += LoadFlagOf(row) == RasterLoadFlag::Findings ? 1 : 0;
+        totals.withFindings += LoadFlagOf(row) == LoadFlag::Findings ? 1 : 0;
         if (!row.IsDescribed()) {
             ++totals.notReadable;
             continue;
@@ -74,23 +68,23 @@ RasterTotals RasterTotalsOf(std::span<const RasterRow> rows, std::span<const std
 DetailSection RasterTotalsSection(const RasterTotals& totals) {
     DetailSection section{40665_lsid, {}};
     auto& fields = section.fields;
-    Add(fields, 40652_lsid, std::to_wstring(totals.files));
-    Add(fields, 13505_lsid, Megabytes(totals.bytes));
+    AddField(fields, 40652_lsid, std::to_wstring(totals.files));
+    AddField(fields, 13505_lsid, Megabytes(totals.bytes));
     if (totals.totalBytes > totals.bytes) {
-        Add(fields, 41289_lsid, Megabytes(totals.totalBytes));
+        AddField(fields, 41289_lsid, Megabytes(totals.totalBytes));
     }
-    Add(fields, 41313_lsid, FormatText(L"%.3f", {totals.pixels * 1e-6}));
-    Add(fields, 40653_lsid, Count(totals.layers));
-    Add(fields, 40655_lsid, Count(totals.withFindings));
-    Add(fields, 40656_lsid, Count(totals.notReadable));
+    AddField(fields, 41313_lsid, FormatText(L"%.3f", {totals.pixels * 1e-6}));
+    AddField(fields, 40653_lsid, Count(totals.layers));
+    AddField(fields, 40655_lsid, Count(totals.withFindings));
+    AddField(fields, 40656_lsid, Count(totals.notReadable));
     for (const std::wstring& name : totals.crsNames) {
-        Add(fields, 40654_lsid, name.empty() ? Text(40612_lsid) : name);
+        AddField(fields, 40654_lsid, name.empty() ? Text(40612_lsid) : name);
     }
     if (totals.extent.has_value()) {
         constexpr std::array kCaptions{13541_lsid, 13538_lsid, 13542_lsid, 13539_lsid};
         for (std::size_t edge = 0; edge < kCaptions.size(); ++edge) {
-            Add(fields, kCaptions[edge],
-                FormatText(totals.isGeographic ? L"%.8lf" : L"%.3f", {(*totals.extent)[edge]}));
+            AddField(fields, kCaptions[edge],
+                     FormatText(totals.isGeographic ? L"%.8lf" : L"%.3f", {(*totals.extent)[edge]}));
         }
     }
     return section;

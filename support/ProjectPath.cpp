@@ -18,14 +18,6 @@ bool IsSeparator(wchar_t character) {
     return character == L'\\' || character == L'/';
 }
 
-/// The folder with one separator behind it.
-std::wstring WithSeparator(std::wstring folder) {
-    while (!folder.empty() && IsSeparator(folder.back())) {
-        folder.pop_back();
-    }
-    return folder + kSeparator;
-}
-
 }  // namespace
 
 std::wstring InsertProjectPathToken(const std::wstring& folderText) {
@@ -51,7 +43,14 @@ std::wstring ResolveProjectPath(const std::wstring& folderText, const std::wstri
     rest.erase(rest.begin(), std::ranges::find_if_not(rest, IsSeparator));
     // The default is stored with "\" on every system.
     std::ranges::replace_if(rest, IsSeparator, kSeparator);
-    return rest.empty() ? NativePath(projectFolder) : NativePath(WithSeparator(projectFolder) + rest);
+    return rest.empty() ? NativePath(projectFolder) : NativePath(WithTrailingSeparator(projectFolder) + rest);
+}
+
+std::wstring WithTrailingSeparator(std::wstring folder) {
+    if (folder.empty() || !IsSeparator(folder.back())) {
+        folder += kSeparator;
+    }
+    return folder;
 }
 
 }  // namespace orvex

@@ -19,4 +19,7 @@ std::wstring InsertProjectPathToken(const std::wstring& folderText);
 /// not at the head.
 std::wstring ResolveProjectPath(const std::wstring& folderText, const std::wstring& projectFolder);
 
+/// The folder with the system's separator behind it, unless it ends with "\" or "/".
+std::wstring WithTrailingSeparator(std::wstring folder);
+
 }  // namespace orvex

@@ -37,7 +37,7 @@ TEST(ProjectPath, ResolvesToOneSeparatorAtTheSeam) {
         {L"<ORVEX_PROJECT_PATH>\\DEM Import", L"/home/me/project/", L"/home/me/project/DEM Import"},
         {L"<ORVEX_PROJECT_PATH>\\DEM Import", L"/home/me/project", L"/home/me/project/DEM Import"},
         {L"<ORVEX_PROJECT_PATH>Exports", L"/home/me/project", L"/home/me/project/Exports"},
-        {L"<ORVEX_PROJECT_PATH>/\\a\\b/", L"/p//", L"/p/a/b/"},
+        {L"<ORVEX_PROJECT_PATH>/\\a\\b/", L"/p/", L"/p/a/b/"},
         {L"<ORVEX_PROJECT_PATH>", L"/p", L"/p"},
         {L"<ORVEX_PROJECT_PATH>a", L"/", L"/a"},
         {L"<ORVEX_PROJECT_PATH>\\", L"/", L"/"},
