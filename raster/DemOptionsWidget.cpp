@@ -3,12 +3,14 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <initializer_list>
 
 #include "dialog/ControlWidget.h"
 #include "raster/DemPointFormats.h"
@@ -31,7 +33,19 @@ QLabel* MakeCaption(int id, StringId caption, StringId tooltip, QWidget* buddy) 
 QPushButton* MakeTextButton(int id, StringId caption, StringId tooltip) {
     auto* button = MakeControl<QPushButton>(id, caption, tooltip);
     button->setAutoDefault(false);
+    button->setMinimumWidth(button->sizeHint().width() + 2 * kControlSpacing);
     return button;
+}
+
+/// Controls beside each other, at the left.
+QHBoxLayout* MakeRow(std::initializer_list<QWidget*> controls) {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(kControlSpacing);
+    for (QWidget* control : controls) {
+        row->addWidget(control);
+    }
+    row->addStretch();
+    return row;
 }
 
 }  // namespace
@@ -63,34 +77,32 @@ QGroupBox* DemOptionsWidget::MakeOptionsGroup() {
 }
 
 QGroupBox* DemOptionsWidget::MakeConversionGroup() {
+    folder_ = MakeControl<QLineEdit>(kFolder, {}, 41341_lsid);
+    folder_->setMinimumWidth(folder_->fontMetrics().averageCharWidth() * 24);
+    version_ = MakeControl<QComboBox>(kVersion, {}, 41345_lsid);
     auto* group = MakeControl<QGroupBox>(kConversionGroup, 41339_lsid);
-    auto* layout = new QVBoxLayout(group);
+    auto* layout = new QGridLayout(group);
     layout->setContentsMargins(kGroupMargins);
-    layout->setSpacing(kGroupRowSpacing);
-    layout->addLayout(MakeFolderRow());
-    layout->addLayout(MakeFormatRow());
-    layout->addStretch();
+    layout->setHorizontalSpacing(kControlSpacing);
+    layout->setVerticalSpacing(kGroupRowSpacing);
+    layout->addWidget(MakeCaption(kFolderCaption, 41340_lsid, 41341_lsid, folder_), 0, 0);
+    layout->addWidget(folder_, 0, 1);
+    layout->addLayout(MakeFolderButtons(), 1, 1);
+    layout->addWidget(MakeCaption(kVersionCaption, 41344_lsid, 41345_lsid, version_), 2, 0);
+    layout->addLayout(MakeFormatRow(), 2, 1);
+    layout->setRowStretch(3, 1);
     return group;
 }
 
-QLayout* DemOptionsWidget::MakeFolderRow() {
-    folder_ = MakeControl<QLineEdit>(kFolder, {}, 41341_lsid);
-    folder_->setMinimumWidth(folder_->fontMetrics().averageCharWidth() * 24);
+QLayout* DemOptionsWidget::MakeFolderButtons() {
     auto* browse = MakeTextButton(kBrowse, 41342_lsid, 41343_lsid);
     auto* insert = MakeTextButton(kInsertToken, 3259_lsid, 3210_lsid);
     connect(browse, &QPushButton::clicked, this, &DemOptionsWidget::BrowseRequested);
     connect(insert, &QPushButton::clicked, this, &DemOptionsWidget::InsertProjectPathRequested);
-    auto* row = new QHBoxLayout;
-    row->setSpacing(kControlSpacing);
-    row->addWidget(MakeCaption(kFolderCaption, 41340_lsid, 41341_lsid, folder_));
-    row->addWidget(folder_, 1);
-    row->addWidget(browse);
-    row->addWidget(insert);
-    return row;
+    return MakeRow({browse, insert});
 }
 
 QLayout* DemOptionsWidget::MakeFormatRow() {
-    version_ = MakeControl<QComboBox>(kVersion, {}, 41345_lsid);
     for (const DemLasVersion& version : DemLasVersions()) {
         version_->addItem(QString::fromWCharArray(version.name), version.value);
     }
@@ -98,18 +110,11 @@ QLayout* DemOptionsWidget::MakeFormatRow() {
     MakeThinning();
     auto* formatCaption = MakeCaption(kFormatCaption, {}, 41346_lsid, format_);
     formatCaption->setText(QStringLiteral("PDRF:"));
-    auto* row = new QHBoxLayout;
-    row->setSpacing(kControlSpacing);
-    row->addWidget(MakeCaption(kVersionCaption, 41344_lsid, 41345_lsid, version_));
-    row->addWidget(version_);
-    row->addSpacing(2 * kControlSpacing);
-    row->addWidget(formatCaption);
-    row->addWidget(format_);
-    row->addSpacing(2 * kControlSpacing);
-    row->addWidget(MakeCaption(kThinningCaption, 13472_lsid, 41347_lsid, thinning_));
-    row->addWidget(thinning_);
-    row->addStretch();
-    return row;
+    auto* thinningCaption = MakeCaption(kThinningCaption, 13472_lsid, 41347_lsid, thinning_);
+    for (QLabel* caption : {formatCaption, thinningCaption}) {
+        caption->setIndent(2 * kControlSpacing);
+    }
+    return MakeRow({version_, formatCaption, format_, thinningCaption, thinning_});
 }
 
 void DemOptionsWidget::MakeThinning() {

@@ -37,7 +37,7 @@ class DemOptionsWidget final : public QWidget {
     QGroupBox* MakeOpenGroup();
     QGroupBox* MakeOptionsGroup();
     QGroupBox* MakeConversionGroup();
-    QLayout* MakeFolderRow();
+    QLayout* MakeFolderButtons();
     QLayout* MakeFormatRow();
     void MakeThinning();
     /// The formats that the chosen version has; the first is chosen.

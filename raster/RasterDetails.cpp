@@ -1,6 +1,6 @@
 #include "raster/RasterDetails.h"
 
-#include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -91,9 +91,14 @@ const wchar_t* CoordinateFormat(bool isGeographic) {
     return isGeographic ? L"%.8lf" : L"%.3f";
 }
 
+bool IsTurned(const std::array<double, 6>& transform) {
+    return transform[2] != 0 || transform[4] != 0;
+}
+
+/// Where the first pixel begins; for rows along the X axis the extent says it.
 std::wstring Corner(const RasterRow& row) {
     const auto& transform = row.File().properties.transform;
-    if (!transform.has_value()) {
+    if (!transform.has_value() || !IsTurned(*transform)) {
         return {};
     }
     const wchar_t* format = CoordinateFormat(row.File().crs->isGeographic);
@@ -105,11 +110,11 @@ std::wstring Rotation(const RasterProperties& properties) {
     if (!properties.transform.has_value()) {
         return {};
     }
-    const auto& t = *properties.transform;
-    if (t[2] == 0 && t[4] == 0) {
+    const auto& transform = *properties.transform;
+    if (!IsTurned(transform)) {
         return Text(40612_lsid);
     }
-    return FormatText(L"%.6lf\u00b0", {std::atan2(t[4], t[1]) * 180 / std::numbers::pi});
+    return FormatText(L"%.6lf\u00b0", {std::atan2(transform[4], transform[1]) * 180 / std::numbers::pi});
 }
 
 std::wstring Range(const RasterRow& row, RasterColumn from, RasterColumn to) {
@@ -133,7 +138,9 @@ void AddFile(const RasterRow& row, RasterUse use, std::vector<DetailSection>& se
     file.Add(40581_lsid, RasterCellText(row, RasterColumn::Modified, use));
     file.Add(41309_lsid, properties.acquired);
     file.Add(13507_lsid, LayerText(row));
-    file.Add(RasterColumn::GpsTime);
+    if (use == RasterUse::Dem) {
+        file.Add(RasterColumn::GpsTime);
+    }
     file.Finish(sections);
 }
 

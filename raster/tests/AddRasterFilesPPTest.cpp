@@ -105,7 +105,8 @@ TEST_F(RasterPage, AFolderIsSearchedForItsOwnListOfExtensions) {
           L"in/o.jp2k", L"in/p.ecw", L"in/q.img", L"in/r.flt"}) {
         folder.Write(name, "x");
     }
-    AddFolder(folder.Name(L"in"), PromptAnswer::No);
+    AddFolder(folder.Name(L"in") + L"/", PromptAnswer::No);
+    EXPECT_EQ(Shown(RasterColumn::Path)[0], folder.Name(L"in/a.tif")) << "one separator";
     EXPECT_THAT(Names(),
                 UnorderedElementsAre(L"a.tif", L"b.TIFF", L"h.jpg", L"i.jpeg", L"j.rgb", L"k.png", L"l.gif",
                                      L"m.bmp", L"n.jp2", L"o.jp2k", L"p.ecw", L"q.img", L"r.flt"));
@@ -226,6 +227,13 @@ TEST_F(RasterPage, RefreshReadsTheFilesAgain) {
     std::filesystem::remove(ToPath(path));
     Click(kRefresh);
     EXPECT_THAT(Layers(), ElementsAre(L""));
+}
+
+TEST_F(RasterPage, F1OpensItsTopic) {
+    page->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(page.get()));
+    QTest::keyClick(Find<QWidget>(kAddFiles), Qt::Key_F1);
+    EXPECT_THAT(help.shown, ElementsAre(HelpTopic::RasterFiles));
 }
 
 TEST_F(RasterPage, ControlsFollowTheRows) {

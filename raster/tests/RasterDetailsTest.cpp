@@ -72,7 +72,7 @@ TEST(RasterDetails, TheOverviewTellsWhatLoadingTakes) {
         {40660_lsid, L"500000.000 \u2013 500300.000"},
         {13578_lsid, L"0.50000000 x 0.25000000"},
         {40559_lsid, L"Meters"},
-        {41303_lsid, L"500000.000 / 5700100.000"},
+        {41303_lsid, L"-"},
         {41302_lsid, L"None"},
         {41304_lsid, L"Its center point"},
         {41299_lsid, L"DEFLATE"},
@@ -89,8 +89,10 @@ TEST(RasterDetails, TheOverviewTellsWhatLoadingTakes) {
 TEST(RasterDetails, RotatedRowsAreToldInDegrees) {
     RasterInspection file = Dem();
     file.properties.transform = {{0, 0, -2, 0, 2, 0}};  // a quarter turn
-    EXPECT_EQ(Value(RasterOverview(testing::ListedRow(std::move(file)), RasterUse::Image), 41302_lsid),
-              L"90.000000\u00b0");
+    const auto sections = RasterOverview(testing::ListedRow(std::move(file)), RasterUse::Image);
+    EXPECT_EQ(Value(sections, 41302_lsid), L"90.000000\u00b0");
+    EXPECT_EQ(Value(sections, 41303_lsid), L"0.000 / 0.000");
+    EXPECT_EQ(Value(sections, 13513_lsid), L"-") << "an image has no GPS time";
 }
 
 TEST(RasterDetails, AnObjectThatKnowsLittleAndARefusedFileSayLittle) {
