@@ -212,7 +212,7 @@ bool DemConverter::WritePoints(DemEncoder& encoder, LasPointWriter& writer) {
     progress_.SetRange(static_cast<std::uint64_t>(size.width) * static_cast<std::uint64_t>(size.height));
     std::uint64_t done = 0;
     std::vector<double> heights;
-    RasterWindows windows = raster_.Windows(kMostPixels);
+    RasterWindows windows = raster_.StartReading(kMostPixels);
     while (const auto window = windows.Next()) {
         if (progress_.IsCancelled()) {
             return false;

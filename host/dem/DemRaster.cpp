@@ -14,8 +14,9 @@ namespace orvex {
 namespace {
 
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
-// No length in any unit; programs write the ends of a type's range where they have no height.
-constexpr double kLargestHeight = 1e30;
+// No length in any unit and no place in any CRS; programs write the ends of a type's range where they have no
+// height.
+constexpr double kLargestNumber = 1e30;
 // Bytes of a block.
 constexpr double kLargestBlock = 512e6;
 constexpr std::size_t kMostCause = 300;
@@ -111,7 +112,8 @@ RasterWindows::Size DemRaster::Size() const {
     return {band_->GetXSize(), band_->GetYSize()};
 }
 
-RasterWindows DemRaster::Windows(int mostPixels) const {
+RasterWindows DemRaster::StartReading(int mostPixels) {
+    impossible_ = 0;
     RasterWindows::Size block;
     band_->GetBlockSize(&block.width, &block.height);
     return {Size(), block, mostPixels};
@@ -127,8 +129,10 @@ void DemRaster::FindPlace() {
         crs_ = dataset_->GetGCPSpatialRef();
     }
     const double area = transform_[1] * transform_[5] - transform_[2] * transform_[4];
-    const bool isFinite = std::ranges::all_of(transform_, [](double term) { return std::isfinite(term); });
-    if (!isKnown || !isFinite || !std::isfinite(area) || area == 0) {
+    const double side = std::max(band_->GetXSize(), band_->GetYSize());
+    const bool isNear = std::ranges::all_of(
+        transform_, [side](double term) { return std::abs(term) * side <= kLargestNumber; });
+    if (!isKnown || !isNear || !std::isfinite(area) || area == 0) {
         Fail(41384_lsid, {});
     }
     if (crs_ != nullptr && crs_->IsEmpty()) {
@@ -179,6 +183,7 @@ bool DemRaster::Read(const RasterWindow& window, std::vector<double>& heights) {
         DropMasked(window, heights);
     }
     Scale(heights);
+    DropImpossible(heights);
     if (window.endsBlocks) {
         // Nobody asks for these blocks again; kept, they would fill the cache that layers are drawn from.
         band_->FlushCache(false);
@@ -209,19 +214,19 @@ void DemRaster::DropAbsent(const RasterWindow& window, std::vector<double>& heig
     }
 }
 
-void DemRaster::DropNoData(std::vector<double>& heights) {
+void DemRaster::DropNoData(std::vector<double>& heights) const {
     if (noData_) {
         const double noData = *noData_;
         for (double& height : heights) {
             height = height == noData ? kNone : height;
         }
     }
-    if (IsInteger(band_->GetRasterDataType())) {
-        return;
-    }
+}
+
+void DemRaster::DropImpossible(std::vector<double>& heights) {
     std::uint64_t impossible = 0;
     for (double& height : heights) {
-        const bool isPossible = std::abs(height) <= kLargestHeight;
+        const bool isPossible = std::abs(height) <= kLargestNumber;
         impossible += !isPossible && !std::isnan(height) ? 1U : 0U;
         height = isPossible ? height : kNone;
     }

@@ -20,11 +20,11 @@ class DemRaster {
 
     const std::wstring& Path() const { return path_; }
     RasterWindows::Size Size() const;
-    /// The parts to read it in, of at most so many pixels each.
-    RasterWindows Windows(int mostPixels) const;
+    /// Begins a reading of the whole; the parts to read it in, of at most so many pixels each.
+    RasterWindows StartReading(int mostPixels);
 
     /// X = t[0] + column * t[1] + row * t[2], Y = t[3] + column * t[4] + row * t[5], from the outer corner of
-    /// the first pixel; finite, and no two pixels share a place.
+    /// the first pixel; nowhere beyond 1e30, and no two pixels share a place.
     const std::array<double, 6>& Transform() const { return transform_; }
     /// Null when the file carries none.
     const OGRSpatialReference* Crs() const { return crs_; }
@@ -41,7 +41,7 @@ class DemRaster {
     /// The heights of a part row by row, NaN where there is none. False when the file holds no block of it;
     /// `heights` is as it was then.
     bool Read(const RasterWindow& window, std::vector<double>& heights);
-    /// Pixels read so far that hold a number which no height can be, and are not marked as holding none.
+    /// Pixels of this reading that hold a number which no height can be, and are not marked as holding none.
     std::uint64_t ImpossibleHeights() const { return impossible_; }
 
   private:
@@ -50,7 +50,8 @@ class DemRaster {
     void FindNoData();
     int Coverage(const RasterWindow& window) const;
     void DropAbsent(const RasterWindow& window, std::vector<double>& heights) const;
-    void DropNoData(std::vector<double>& heights);
+    void DropNoData(std::vector<double>& heights) const;
+    void DropImpossible(std::vector<double>& heights);
     void DropMasked(const RasterWindow& window, std::vector<double>& heights);
     void Scale(std::vector<double>& heights) const;
     [[noreturn]] void Fail(StringId text, const std::string& cause) const;

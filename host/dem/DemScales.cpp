@@ -8,6 +8,8 @@ namespace {
 
 constexpr int kThousandths = -3;
 constexpr int kFinestDegrees = -8;
+// Finer than what distinguishes places, whatever the unit.
+constexpr int kFinestGround = -15;
 // A height's thousandth of a thousandth; finer is noise of the numbers themselves.
 constexpr int kFinestHeight = -9;
 constexpr double kMillimetre = 0.001;
@@ -45,7 +47,7 @@ Extent CentreExtent(double origin, double across, double down, RasterWindows::Si
 std::array<AxisScale, 2> GroundScales(const DemRaster& raster) {
     const auto& t = raster.Transform();
     const double pixel = std::min(std::hypot(t[1], t[4]), std::hypot(t[2], t[5]));
-    const int exponent = GroundExponent(raster.Crs(), pixel);
+    const int exponent = std::max(GroundExponent(raster.Crs(), pixel), kFinestGround);
     const Extent x = CentreExtent(t[0], t[1], t[2], raster.Size());
     const Extent y = CentreExtent(t[3], t[4], t[5], raster.Size());
     return {FitAxis(x.low, x.high, exponent), FitAxis(y.low, y.high, exponent)};

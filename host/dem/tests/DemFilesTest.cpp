@@ -76,6 +76,10 @@ TEST_F(DemFilesTest, FailuresNameTheFileAndLeaveNothing) {
     noPlace.transform.reset();
     DemSample flat;
     flat.transform = {{0, 1, 1, 0, 1, 1}};
+    DemSample farAway;
+    farAway.transform = {{1e300, 1e100, 0, 1e300, 0, -1e100}};
+    DemSample endless;
+    endless.scale = 1e307;
     DemSample complexNumbers;
     complexNumbers.type = GDT_CFloat32;
     DemSample noHeights;
@@ -101,6 +105,8 @@ TEST_F(DemFilesTest, FailuresNameTheFileAndLeaveNothing) {
         {Write(block, L"in/block.tif"), L"blocks of 900 MB"},
         {Write(noPlace, L"in/noplace.tif"), L"where on the ground"},
         {Write(flat, L"in/flat.tif"), L"where on the ground"},
+        {Write(farAway, L"in/far.tif"), L"where on the ground"},
+        {Write(endless, L"in/endless.tif"), L"holds no heights"},
         {Write(complexNumbers, L"in/complex.tif"), L"complex"},
         {Write(noHeights, L"in/noheights.tif"), L"holds no heights"},
         {cut, L""},
