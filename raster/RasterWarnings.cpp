@@ -10,24 +10,35 @@
 namespace orvex {
 namespace {
 
-/// A message of GDAL's that has a text of ours: it is known by words in it. A format's "%s" takes what
-/// follows `before`, up to a dot at the end.
-struct KnownReason {
+/// A message of GDAL's that has a text of ours: it is known by words in it. A "%s" of that text takes what
+/// stands between `before` and `after`; an empty `after` means the end, less a dot.
+struct KnownMessage {
     std::string_view words;
     StringId text;
     std::string_view before;
+    std::string_view after;
 };
-constexpr KnownReason kKnownReasons[] = {
-    {"missing codec", 41205_lsid, "missing codec "},
-    {"Too large image size", 41206_lsid, "image size: "},
-    {"Too large block size", 41213_lsid, ""},
-    {"Too many blocks", 41213_lsid, ""},
-    {"header file, but to open", 41208_lsid, ""},
-    {"Can not read TIFF directory", 41214_lsid, ""},
-    {"Failed to read directory", 41214_lsid, ""},
-    {"Cannot handle zero", 41216_lsid, ""},
-    {"Image file is too small", 41217_lsid, ""},
-    {"not recognized as a supported file format", StringId{}, ""},
+constexpr KnownMessage kKnownMessages[] = {
+    {"missing codec", 41205_lsid, "missing codec ", ""},
+    {"Too large image size", 41206_lsid, "image size: ", ""},
+    {"Too large block size", 41213_lsid, "", ""},
+    {"Too many blocks", 41213_lsid, "", ""},
+    {"header file, but to open", 41208_lsid, "", ""},
+    {"Can not read TIFF directory", 41214_lsid, "", ""},
+    {"Failed to read directory", 41214_lsid, "", ""},
+    {"IFD looping", 41233_lsid, "", ""},
+    {"Cannot handle zero", 41216_lsid, "", ""},
+    {"Image file is too small", 41217_lsid, "", ""},
+    {"\"StripByteCounts\" field, ", 41219_lsid, "", ""},
+    {"\"TileByteCounts\" field, ", 41219_lsid, "", ""},
+    {"Sanity check on size of", 41218_lsid, "\"", "\""},
+    {"IO error during reading of", 41218_lsid, "\"", "\""},
+    {"Incorrect count for", 41218_lsid, "\"", "\""},
+    {"Invalid data type for tag", 41218_lsid, "for tag ", ""},
+    {"tags are not sorted", 41232_lsid, "", ""},
+    {"GeoTIFF tags apparently corrupt", 40122_lsid, "", ""},
+    {"crs not found", 41231_lsid, "", ""},
+    {"not recognized as a supported file format", StringId{}, "", ""},
 };
 
 bool IsNameLetter(char letter) {
@@ -68,12 +79,15 @@ std::string Clean(std::string_view message) {
     return std::string(message);
 }
 
-std::wstring KnownText(std::string_view message, const KnownReason& known) {
+std::wstring KnownText(std::string_view message, const KnownMessage& known) {
     if (known.before.empty()) {
         return Text(known.text);
     }
     const std::size_t at = message.find(known.before);
     std::string_view part = at == std::string_view::npos ? "" : message.substr(at + known.before.size());
+    if (!known.after.empty()) {
+        part = part.substr(0, part.find(known.after));
+    }
     while (part.ends_with('.')) {
         part.remove_suffix(1);
     }
@@ -81,7 +95,7 @@ std::wstring KnownText(std::string_view message, const KnownReason& known) {
 }
 
 std::wstring PlainText(const std::string& message) {
-    for (const KnownReason& known : kKnownReasons) {
+    for (const KnownMessage& known : kKnownMessages) {
         if (message.find(known.words) != std::string::npos) {
             return KnownText(message, known);
         }

@@ -1,7 +1,7 @@
 # Benchmarks, from the release build: one line per figure, and the same as JSON in build/bench/.
 source tools/build.sh release >&2
 
-benchmarks=(las grid dem)
+benchmarks=(las grid dem raster)
 name=${1:-all}
 if [ "$name" != all ]; then
     if [[ " ${benchmarks[*]} " != *" $name "* ]]; then

@@ -1,63 +1,31 @@
 #pragma once
-#include <array>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "host/inspect/LasReport.h"
+#include "host/inspect/RasterReport.h"
 #include "raster/CrsDescription.h"
 
 namespace orvex {
 
-struct LasRecordReport {
-    std::string userId;  ///< as the file has it, which need not be UTF-8
-    unsigned recordId = 0;
-    std::uint64_t length = 0;  ///< bytes after the record's header
-    std::string description;
-};
-
-struct LasExtraBytesReport {
-    std::wstring name;
-    std::uint64_t offset = 0;  ///< byte within a point's extra bytes
-    std::uint64_t size = 0;    ///< bytes
-};
-
-/// The facts of a LAS header and its records.
-struct LasReport {
-    std::string version;  ///< "1.4"
-    int versionCode = -1;
-    int pointFormat = 0;
-    bool compressed = false;
-    unsigned headerSize = 0;
-    std::uint64_t offsetToPoints = 0;
-    unsigned pointRecordLength = 0;
-    std::uint64_t pointCount = 0;
-    std::array<double, 3> scale{};
-    std::array<double, 3> offset{};
-    std::array<double, 3> min{};
-    std::array<double, 3> max{};
-    unsigned globalEncoding = 0;
-    std::wstring gpsTime;
-    std::vector<LasRecordReport> vlrs;
-    std::vector<LasRecordReport> evlrs;
-    std::vector<LasExtraBytesReport> extraBytes;
-    int companionStatus = 0;
-    std::wstring vlrText;
-};
+struct ReportKind;
 
 /// What the command line tells of one file. Plain data: the file itself is closed, so that a report costs
 /// what it says and nothing else.
 struct FileReport {
     std::wstring path;
-    std::string kind;  ///< "las", or "unknown" for files that no reader is for
+    std::string kind;  ///< of ReportKinds, or "unknown" for files that no reader is for
     bool loadable = false;
     std::wstring summary;
     std::vector<std::wstring> findings;
     CrsPtr crs;  ///< null when the file could not be opened
     std::optional<LasReport> las;
+    std::optional<RasterReport> raster;
 };
 
-/// Reads one file; never throws. Safe from any thread.
-FileReport InspectFile(const std::wstring& path);
+/// Reads one file as one of a kind, or as its name says when `kind` is null; never throws. Safe from any
+/// thread.
+FileReport InspectFile(const std::wstring& path, const ReportKind* kind = nullptr);
 
 }  // namespace orvex

@@ -8,8 +8,10 @@ namespace orvex {
 
 namespace {
 
-/// The known files below a folder, natural order of their full paths.
-std::vector<std::wstring> SearchFolder(const std::wstring& top) {
+using IsSearched = std::function<bool(std::wstring_view path)>;
+
+/// The files below a folder that are searched for, natural order of their full paths.
+std::vector<std::wstring> SearchFolder(const std::wstring& top, const IsSearched& isSearched) {
     std::vector<std::wstring> found;
     std::vector<std::wstring> waiting{top};
     while (!waiting.empty()) {
@@ -18,7 +20,7 @@ std::vector<std::wstring> SearchFolder(const std::wstring& top) {
         ListFolder(folder, [&](FolderEntry entry) {
             if (entry.kind == FileKind::Folder && !entry.isLink) {
                 waiting.push_back(std::move(entry.path));
-            } else if (entry.kind == FileKind::File && HasKnownExtension(entry.path)) {
+            } else if (entry.kind == FileKind::File && isSearched(entry.path)) {
                 found.push_back(std::move(entry.path));
             }
             return true;
@@ -30,18 +32,13 @@ std::vector<std::wstring> SearchFolder(const std::wstring& top) {
 
 }  // namespace
 
-bool HasKnownExtension(std::wstring_view path) {
-    const std::wstring extension = UpperExtensionOf(path);
-    return extension == L".LAS" || extension == L".LAZ";
-}
-
-InputPaths CollectInputPaths(const std::vector<std::wstring>& paths) {
+InputPaths CollectInputPaths(const std::vector<std::wstring>& paths, const IsSearched& isSearched) {
     InputPaths collected;
     for (const std::wstring& text : paths) {
         const std::wstring path = NativePath(text);
         const FileKind kind = KindOf(path);
         if (kind == FileKind::Folder) {
-            for (std::wstring& file : SearchFolder(path)) {
+            for (std::wstring& file : SearchFolder(path, isSearched)) {
                 collected.files.push_back(std::move(file));
             }
         } else if (kind == FileKind::Missing) {

@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,11 +12,9 @@ struct InputPaths {
     std::vector<std::wstring> missing;  ///< paths that do not exist or cannot be looked at
 };
 
-/// Files as they are; folders searched with their subfolders for files that a reader is for. Links to folders
-/// are not followed (they can lead in circles); a subfolder that cannot be read is passed over.
-InputPaths CollectInputPaths(const std::vector<std::wstring>& paths);
-
-/// True for the extensions that a reader is for, in any letter case.
-bool HasKnownExtension(std::wstring_view path);
+/// Files as they are; folders searched with their subfolders for files whose names pass `isSearched`. Links
+/// to folders are not followed (they can lead in circles); a subfolder that cannot be read is passed over.
+InputPaths CollectInputPaths(const std::vector<std::wstring>& paths,
+                             const std::function<bool(std::wstring_view path)>& isSearched);
 
 }  // namespace orvex

@@ -8,6 +8,7 @@
 #include "host/inspect/InputPaths.h"
 #include "host/inspect/JsonWriter.h"
 #include "host/inspect/OrderedJobs.h"
+#include "host/inspect/ReportKinds.h"
 #include "host/inspect/ReportWriter.h"
 #include "support/Format.h"
 #include "support/Text.h"
@@ -20,7 +21,8 @@ constexpr unsigned kMostJobs = 256;
 
 struct Options {
     ReportFormat format = ReportFormat::Table;
-    unsigned jobs = 0;  ///< 0: one per processor
+    unsigned jobs = 0;                 ///< 0: one per processor
+    const ReportKind* kind = nullptr;  ///< of all files; null: as their names say
     bool help = false;
     std::vector<std::wstring> paths;
     std::wstring error;
@@ -38,9 +40,19 @@ std::optional<unsigned> ParseJobs(const std::wstring& text) {
     return jobs >= 1 && jobs <= kMostJobs ? std::optional(jobs) : std::nullopt;
 }
 
+/// The value of an option that is written "--name value" or "--name=value"; none when `arguments[i]` is
+/// another option. A missing value is empty.
+std::optional<std::wstring> ValueOf(const std::wstring& name, const std::vector<std::wstring>& arguments,
+                                    std::size_t& i) {
+    const std::wstring& argument = arguments[i];
+    if (argument == name) {
+        return i + 1 < arguments.size() ? arguments[++i] : std::wstring();
+    }
+    return argument.starts_with(name + L"=") ? std::optional(argument.substr(name.size() + 1)) : std::nullopt;
+}
+
 void ParseOption(const std::vector<std::wstring>& arguments, std::size_t& i, Options& options) {
     const std::wstring& argument = arguments[i];
-    const std::wstring jobsPrefix = L"--jobs=";
     if (argument == L"--json") {
         options.format = ReportFormat::Json;
     } else if (argument == L"--csv") {
@@ -49,15 +61,13 @@ void ParseOption(const std::vector<std::wstring>& arguments, std::size_t& i, Opt
         options.format = ReportFormat::Table;
     } else if (argument == L"--help" || argument == L"-h") {
         options.help = true;
-    } else if (argument == L"--jobs" || argument.starts_with(jobsPrefix)) {
-        const std::wstring value = argument != L"--jobs"      ? argument.substr(jobsPrefix.size())
-                                   : i + 1 < arguments.size() ? arguments[++i]
-                                                              : std::wstring();
-        const std::optional<unsigned> jobs = ParseJobs(value);
+    } else if (const auto count = ValueOf(L"--jobs", arguments, i)) {
+        const std::optional<unsigned> jobs = ParseJobs(*count);
         options.jobs = jobs.value_or(0);
-        if (!jobs) {
-            options.error = FormatText(Text(40810_lsid), {kMostJobs});
-        }
+        options.error = jobs ? L"" : FormatText(Text(40810_lsid), {kMostJobs});
+    } else if (const auto name = ValueOf(L"--as", arguments, i)) {
+        options.kind = ReportKindNamed(*name);
+        options.error = options.kind != nullptr ? L"" : Text(41240_lsid);
     } else {
         options.error = FormatText(Text(40811_lsid), {argument});
     }
@@ -123,7 +133,8 @@ bool WriteReports(const std::vector<std::wstring>& files, const Options& options
     CountingLine counting(streams.err, streams.showProgress, files.size());
     const unsigned jobs =
         options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
-    OrderedJobs<FileReport> work(files.size(), jobs, [&](std::size_t i) { return InspectFile(files[i]); });
+    OrderedJobs<FileReport> work(files.size(), jobs,
+                                 [&](std::size_t i) { return InspectFile(files[i], options.kind); });
     const bool complete = work.Run(
         [&](std::size_t i, FileReport&& report) {
             writer->Write(report);
@@ -149,7 +160,9 @@ int RunInspectCommand(const std::vector<std::wstring>& arguments, const InspectS
         WriteLine(streams.out, Text(40814_lsid));
         return kInspectOk;
     }
-    const InputPaths inputs = CollectInputPaths(options.paths);
+    const InputPaths inputs = CollectInputPaths(options.paths, [&](std::wstring_view path) {
+        return options.kind == nullptr ? ReportKindOf(path) != nullptr : options.kind->isSearched(path);
+    });
     const bool complete = WriteReports(inputs.files, options, streams);
     for (const std::wstring& path : inputs.missing) {
         WriteLine(streams.err, FormatText(Text(40815_lsid), {path}));

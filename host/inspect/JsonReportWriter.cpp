@@ -1,4 +1,5 @@
 #include "host/inspect/JsonWriter.h"
+#include "host/inspect/RasterJson.h"
 #include "host/inspect/ReportWriter.h"
 
 namespace orvex {
@@ -96,6 +97,8 @@ class JsonReportWriter final : public ReportWriter {
         report.crs ? WriteCrs(json_, *report.crs) : json_.Null();
         json_.Key("las");
         report.las ? WriteLas(json_, *report.las) : json_.Null();
+        json_.Key("raster");
+        report.raster ? WriteRasterJson(json_, *report.raster) : json_.Null();
         json_.EndObject();
     }
 

@@ -2,33 +2,18 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <ostream>
 
 #include "host/inspect/JsonWriter.h"
 #include "host/inspect/ReportWriter.h"
+#include "support/Format.h"
 #include "support/Text.h"
 
 namespace orvex {
 
 namespace {
 
-enum Column : std::size_t {
-    kFile,
-    kVersion,
-    kFormat,
-    kPoints,
-    kMinimum,
-    kMaximum,
-    kCrs,
-    kSummary,
-    kColumnCount
-};
-using Row = std::array<std::wstring, kColumnCount>;
-
-constexpr std::array<StringId, kColumnCount> kHeadings = {40800_lsid, 40801_lsid, 40802_lsid, 40803_lsid,
-                                                          40804_lsid, 40805_lsid, 40806_lsid, 40807_lsid};
-constexpr std::array<bool, kColumnCount> kRightAligned = {false, false, true,  true,
-                                                          false, false, false, false};
 constexpr std::size_t kWidestCell = 60;  ///< characters; the last column is as wide as it is
 
 /// 12345678 as "12 345 678": blanks mean the same in every language.
@@ -45,11 +30,73 @@ std::wstring Point(const std::array<double, 3>& values) {
     return FromUtf8(fmt::format("{:.3f} {:.3f} {:.3f}", values[0], values[1], values[2]));
 }
 
+std::wstring Point(const std::array<double, 4>& extent, std::size_t index) {
+    return FromUtf8(fmt::format("{:.3f} {:.3f}", extent[index], extent[index + 1]));
+}
+
+std::wstring Corner(const RasterReport& raster, std::size_t index) {
+    return raster.properties.extent ? Point(*raster.properties.extent, index) : std::wstring();
+}
+
+std::wstring PixelSize(const RasterReport& raster) {
+    const RasterProperties& properties = raster.properties;
+    return properties.pixelWidth > 0
+               ? FromUtf8(fmt::format("{:.8g} x {:.8g} ", properties.pixelWidth, properties.pixelHeight)) +
+                     raster.unit
+               : std::wstring();
+}
+
 /// One line: control characters would break the table, or drive the terminal.
 std::wstring OneLine(std::wstring text) {
     std::replace_if(
         text.begin(), text.end(), [](wchar_t c) { return c < L' ' || (c >= 0x7F && c < 0xA0); }, L' ');
     return text;
+}
+
+using Report = const FileReport&;
+using Las = const LasReport&;
+using Raster = const RasterReport&;
+
+/// What a column says of every file, of LAS files, of rasters; a null says nothing.
+struct Column {
+    StringId heading;
+    bool isRightAligned = false;
+    std::wstring (*ofFile)(Report) = nullptr;
+    std::wstring (*ofLas)(Las) = nullptr;
+    std::wstring (*ofRaster)(Raster) = nullptr;
+};
+
+constexpr std::size_t kFile = 0;
+constexpr Column kColumns[] = {
+    {40800_lsid, false, [](Report r) { return r.path; }},
+    {13568_lsid, false, nullptr, nullptr, [](Raster r) { return r.properties.driver; }},
+    {13569_lsid, true, nullptr, nullptr,
+     [](Raster r) {
+         return FormatText(L"%d x %d", {r.properties.width, r.properties.height});
+     }},
+    {13572_lsid, true, nullptr, nullptr, [](Raster r) { return std::to_wstring(r.properties.bands); }},
+    {41241_lsid, false, nullptr, nullptr, [](Raster r) { return r.FirstBand().dataType; }},
+    {13645_lsid, false, nullptr, nullptr, PixelSize},
+    {40801_lsid, false, nullptr, [](Las l) { return FromUtf8(l.version) + (l.compressed ? L" LAZ" : L""); }},
+    {40802_lsid, true, nullptr, [](Las l) { return std::to_wstring(l.pointFormat); }},
+    {40803_lsid, true, nullptr, [](Las l) { return Grouped(l.pointCount); }},
+    {40804_lsid, false, nullptr, [](Las l) { return Point(l.min); }, [](Raster r) { return Corner(r, 0); }},
+    {40805_lsid, false, nullptr, [](Las l) { return Point(l.max); }, [](Raster r) { return Corner(r, 2); }},
+    {40806_lsid, false, [](Report r) { return r.crs ? r.crs->name : std::wstring(); }},
+    {40807_lsid, false, [](Report r) { return r.summary; }}};
+constexpr std::size_t kColumnCount = std::size(kColumns);
+constexpr std::size_t kSummary = kColumnCount - 1;
+using Row = std::array<std::wstring, kColumnCount>;
+using Widths = std::array<std::size_t, kColumnCount>;
+
+std::wstring Value(const Column& column, const FileReport& report) {
+    if (column.ofFile != nullptr) {
+        return column.ofFile(report);
+    }
+    if (report.las && column.ofLas != nullptr) {
+        return column.ofLas(*report.las);
+    }
+    return report.raster && column.ofRaster != nullptr ? column.ofRaster(*report.raster) : std::wstring();
 }
 
 /// The end of a path says more than its start, the start of everything else more than its end.
@@ -67,21 +114,8 @@ class TableReportWriter final : public ReportWriter {
 
     void Write(const FileReport& report) override {
         Row row;
-        row[kFile] = report.path;
-        row[kSummary] = report.summary;
-        if (report.las) {
-            const LasReport& las = *report.las;
-            row[kVersion] = FromUtf8(las.version) + (las.compressed ? L" LAZ" : L"");
-            row[kFormat] = std::to_wstring(las.pointFormat);
-            row[kPoints] = Grouped(las.pointCount);
-            row[kMinimum] = Point(las.min);
-            row[kMaximum] = Point(las.max);
-        }
-        if (report.crs) {
-            row[kCrs] = report.crs->name;
-        }
         for (std::size_t column = 0; column < kColumnCount; ++column) {
-            row[column] = Fitted(OneLine(std::move(row[column])), column);
+            row[column] = Fitted(OneLine(Value(kColumns[column], report)), column);
         }
         rows_.push_back(std::move(row));
     }
@@ -91,20 +125,19 @@ class TableReportWriter final : public ReportWriter {
             return;
         }
         Row headings;
-        std::transform(kHeadings.begin(), kHeadings.end(), headings.begin(), Text);
-        std::array<std::size_t, kColumnCount> widths{};
+        Row rules;
+        Widths widths{};
         for (std::size_t column = 0; column < kColumnCount; ++column) {
-            widths[column] = CountCharacters(headings[column]);
-            for (const Row& row : rows_) {
-                widths[column] = std::max(widths[column], CountCharacters(row[column]));
+            widths[column] = Widest(column);
+            if (widths[column] == 0 && kColumns[column].ofFile == nullptr) {
+                continue;  // nothing to say of any of these files
             }
+            headings[column] = Text(kColumns[column].heading);
+            const std::size_t captionWidth = CountCharacters(headings[column]);
+            widths[column] = std::max(widths[column], captionWidth);
+            rules[column].assign(column == kSummary ? captionWidth : widths[column], L'-');
         }
         Line(headings, widths);
-        Row rules;
-        for (std::size_t column = 0; column < kColumnCount; ++column) {
-            rules[column].assign(column == kSummary ? CountCharacters(headings[column]) : widths[column],
-                                 L'-');
-        }
         Line(rules, widths);
         for (const Row& row : rows_) {
             Line(row, widths);
@@ -112,11 +145,23 @@ class TableReportWriter final : public ReportWriter {
     }
 
   private:
-    void Line(const Row& row, const std::array<std::size_t, kColumnCount>& widths) {
+    /// Characters of a column's longest cell.
+    std::size_t Widest(std::size_t column) const {
+        std::size_t widest = 0;
+        for (const Row& row : rows_) {
+            widest = std::max(widest, CountCharacters(row[column]));
+        }
+        return widest;
+    }
+
+    void Line(const Row& row, const Widths& widths) {
         std::wstring line;
         for (std::size_t column = 0; column < kColumnCount; ++column) {
+            if (widths[column] == 0) {
+                continue;
+            }
             const std::wstring blanks(widths[column] - CountCharacters(row[column]), L' ');
-            line += kRightAligned[column] ? blanks + row[column] : row[column] + blanks;
+            line += kColumns[column].isRightAligned ? blanks + row[column] : row[column] + blanks;
             line += L"  ";
         }
         line.erase(line.find_last_not_of(L' ') + 1);

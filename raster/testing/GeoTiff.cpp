@@ -18,9 +18,10 @@ std::wstring GeoTiff::Write(const TemporaryFolder& folder, const std::wstring& n
     const GdalDataset dataset(GDALCreate(GDALGetDriverByName("GTiff"), ToUtf8(path).c_str(), width, height,
                                          bands, type, const_cast<char**>(list.Get())));
     EXPECT_TRUE(dataset) << CPLGetLastErrorMsg();
-    if (epsg != 0 || !wkt.empty()) {
+    if (epsg != 0 || !crsText.empty()) {
         OGRSpatialReference crs;
-        EXPECT_EQ(wkt.empty() ? crs.importFromEPSG(epsg) : crs.importFromWkt(wkt.c_str()), OGRERR_NONE);
+        EXPECT_EQ(crsText.empty() ? crs.importFromEPSG(epsg) : crs.SetFromUserInput(crsText.c_str()),
+                  OGRERR_NONE);
         GDALSetSpatialRef(dataset.get(), OGRSpatialReference::ToHandle(&crs));
     }
     if (transform) {

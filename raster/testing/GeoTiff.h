@@ -17,8 +17,8 @@ struct GeoTiff {
     int height = 10;
     int bands = 1;
     GDALDataType type = GDT_Byte;
-    int epsg = 32633;  ///< 0 for no CRS
-    std::string wkt;   ///< instead of the code
+    int epsg = 32633;     ///< 0 for no CRS
+    std::string crsText;  ///< instead of the code; any form that GDAL understands
     std::optional<std::array<double, 6>> transform = std::array<double, 6>{500000, 0.5, 0, 5300000, 0, -0.5};
     std::vector<std::string> options;            ///< of creation: "COMPRESS=DEFLATE"
     std::function<void(GDALDatasetH)> change{};  ///< before the file is closed

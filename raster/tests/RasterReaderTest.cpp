@@ -20,8 +20,8 @@ using testing::GeoTiff;
 using ::testing::IsEmpty;
 using testing::TemporaryFolder;
 
-TEST(RasterReader, EveryFactOfAGeoTiff) {
-    const TemporaryFolder folder;
+/// One that states everything that a file can state.
+GeoTiff TalkativeTiff() {
     GeoTiff tiff;
     tiff.bands = 3;
     tiff.type = GDT_UInt16;
@@ -41,6 +41,12 @@ TEST(RasterReader, EveryFactOfAGeoTiff) {
         int levels[] = {2, 4};
         EXPECT_EQ(GDALBuildOverviews(dataset, "NEAREST", 2, levels, 0, nullptr, nullptr, nullptr), CE_None);
     };
+    return tiff;
+}
+
+TEST(RasterReader, EveryFactOfAFile) {
+    const TemporaryFolder folder;
+    const GeoTiff tiff = TalkativeTiff();
     const std::wstring path = tiff.Write(folder, L"Gel\u00e4nde \u4e2d.tif");
     const RasterProperties p = ReadRasterProperties(path);
     EXPECT_EQ(p.width, 20);
@@ -68,6 +74,15 @@ TEST(RasterReader, EveryFactOfAGeoTiff) {
     EXPECT_EQ(*p.transform, *tiff.transform);
     EXPECT_EQ(p.controlPoints, 0);
     EXPECT_FALSE(p.hasRpc);
+    EXPECT_THAT(p.sidecars, IsEmpty());
+    EXPECT_EQ(p.totalBytes, FileSizeOf(path));
+    EXPECT_THAT(p.warnings, IsEmpty());
+    EXPECT_EQ(folder.Entries(), 1U) << "nothing was written beside it";
+}
+
+TEST(RasterReader, EveryFactOfABand) {
+    const TemporaryFolder folder;
+    const RasterProperties p = ReadRasterProperties(TalkativeTiff().Write(folder, L"a.tif"));
     ASSERT_EQ(p.bandDetails.size(), 3U);
     const RasterBandProperties& band = p.bandDetails[1];
     EXPECT_EQ(band.dataType, L"UInt16");
@@ -84,16 +99,12 @@ TEST(RasterReader, EveryFactOfAGeoTiff) {
     EXPECT_EQ(band.scale, 0.25);
     EXPECT_EQ(band.offset, -100);
     EXPECT_EQ(p.bandDetails[0].minimum, std::nullopt) << "the limit of the data type is no minimum";
-    EXPECT_THAT(p.sidecars, IsEmpty());
-    EXPECT_EQ(p.totalBytes, FileSizeOf(path));
-    EXPECT_THAT(p.warnings, IsEmpty());
-    EXPECT_EQ(folder.Entries(), 1U) << "nothing was written beside it";
 }
 
 TEST(RasterReader, CodeAndUnitOfTheCrs) {
     const struct {
         int epsg;
-        const char* wkt;
+        const char* text;
         std::int32_t code;
         const wchar_t* unit;
     } cases[] = {
@@ -101,19 +112,14 @@ TEST(RasterReader, CodeAndUnitOfTheCrs) {
         {2263, "", 2263, L"US survey foot"},
         {4326, "", 4326, L"unknown"},
         // Feet above, metres beside: the unit is that of distances on the ground.
-        {0,
-         "COMPD_CS[\"a\",PROJCS[\"b\",GEOGCS[\"c\",DATUM[\"d\",SPHEROID[\"e\",6378137,298.257]],PRIMEM["
-         "\"Greenwich\",0],"
-         "UNIT[\"degree\",0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"central_"
-         "meridian\",15],"
-         "UNIT[\"metre\",1]],VERT_CS[\"f\",VERT_DATUM[\"g\",2005],UNIT[\"foot\",0.3048]]]",
-         32767, L"metre"},
+        {0, "EPSG:32633+6360", 32633, L"metre"},
+        {0, "+proj=tmerc +lon_0=15.5 +datum=WGS84 +units=m", 32767, L"metre"},
     };
     const TemporaryFolder folder;
     for (const auto& c : cases) {
         GeoTiff tiff;
         tiff.epsg = c.epsg;
-        tiff.wkt = c.wkt;
+        tiff.crsText = c.text;
         const RasterProperties p = ReadRasterProperties(tiff.Write(folder, L"a.tif"));
         EXPECT_EQ(p.projectionCode, c.code) << c.epsg;
         EXPECT_EQ(p.linearUnit, c.unit) << c.epsg;

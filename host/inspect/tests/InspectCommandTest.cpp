@@ -77,7 +77,8 @@ TEST(InspectJson, HasEveryKeyInItsPlace) {
     const std::vector<Tree> objects = Objects(outcome.out);
     ASSERT_EQ(objects.size(), 1U);
     const Tree& object = objects.front();
-    EXPECT_THAT(Keys(object), ElementsAre("path", "kind", "loadable", "summary", "findings", "crs", "las"));
+    EXPECT_THAT(Keys(object),
+                ElementsAre("path", "kind", "loadable", "summary", "findings", "crs", "las", "raster"));
     EXPECT_THAT(Keys(object.get_child("crs")),
                 ElementsAre("name", "isGeographic", "linearUnits", "angularUnits", "epsg", "prettyWkt"));
     EXPECT_THAT(

@@ -1,0 +1,104 @@
+// Describing a thousand GeoTIFFs of one folder, beside a loop that only opens and closes them, and beside the
+// program that describes one file a call.
+#include <gdal.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <functional>
+#include <iostream>
+#include <limits>
+#include <string>
+
+#include "benchmarks/BenchOptions.h"
+#include "benchmarks/Figures.h"
+#include "benchmarks/RasterCorpus.h"
+#include "raster/GdalDataset.h"
+#include "raster/GdalSetup.h"
+#include "raster/RasterInspection.h"
+#include "support/Text.h"
+
+namespace orvex::bench {
+namespace {
+
+constexpr int kRounds = 7;
+
+double Milliseconds(const std::function<void()>& run) {
+    const auto start = std::chrono::steady_clock::now();
+    run();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+std::vector<std::string> Names(const RasterCorpus& corpus) {
+    std::vector<std::string> names;
+    std::ranges::transform(corpus.Paths(), std::back_inserter(names), ToUtf8);
+    return names;
+}
+
+std::size_t OpenAndClose(const std::vector<std::string>& names) {
+    return static_cast<std::size_t>(std::ranges::count_if(names, [](const std::string& name) {
+        return GdalDataset(GDALOpen(name.c_str(), GA_ReadOnly)) != nullptr;
+    }));
+}
+
+std::size_t InspectAll(const std::vector<std::wstring>& paths) {
+    std::vector<RasterInspection> rows;
+    rows.reserve(paths.size());
+    for (const std::wstring& path : paths) {
+        rows.push_back(InspectRasterFile(path, RasterUse::Image));
+    }
+    return static_cast<std::size_t>(std::ranges::count_if(rows, &RasterInspection::loadable));
+}
+
+/// Runs the program once per file; none when this machine has no such program.
+double GdalinfoMilliseconds(const RasterCorpus& corpus, const std::vector<std::string>& names) {
+    const std::string output = " >\"" + (corpus.Folder() / "gdalinfo.json").string() + "\" 2>&1";
+    if (std::system(("gdalinfo --version" + output).c_str()) != 0) {
+        return 0;
+    }
+    return Milliseconds([&] {
+        for (const std::string& name : names) {
+            if (std::system(("gdalinfo -json \"" + name + "\"" + output).c_str()) != 0) {
+                std::cerr << "gdalinfo fails on " << name << '\n';
+            }
+        }
+    });
+}
+
+void Measure(const RasterCorpus& corpus, Figures& figures) {
+    const std::vector<std::string> names = Names(corpus);
+    double opened = std::numeric_limits<double>::infinity();
+    double inspected = opened;
+    std::size_t loadable = 0;
+    for (int round = 0; round < kRounds; ++round) {
+        opened = std::min(opened, Milliseconds([&] { OpenAndClose(names); }));
+        inspected = std::min(inspected, Milliseconds([&] { loadable = InspectAll(corpus.Paths()); }));
+    }
+    figures.Add("raster_list_files", static_cast<double>(loadable), "files");
+    figures.Add("raster_list_opened", opened, "ms");
+    figures.Add("raster_list_inspected", inspected, "ms");
+    figures.Add("raster_list_ratio", inspected / opened, "ratio");
+    if (const double gdalinfo = GdalinfoMilliseconds(corpus, names); gdalinfo > 0) {
+        figures.Add("raster_list_gdalinfo", gdalinfo, "ms");
+        figures.Add("raster_list_gdalinfo_ratio", inspected / gdalinfo, "ratio");
+    }
+}
+
+}  // namespace
+}  // namespace orvex::bench
+
+int main(int argc, char** argv) {
+    const auto options = orvex::bench::ParseBenchOptions(argc, argv, 1000);
+    if (!options) {
+        std::cerr << "usage: orvex-bench-raster [--files N] [--output FILE]\n";
+        return 2;
+    }
+    orvex::bench::Figures figures;
+    if (orvex::EnsureGdal() != 0) {
+        std::cerr << "GDAL's data is missing beside this program\n";
+        return 1;
+    }
+    const orvex::bench::RasterCorpus corpus(options->files);
+    orvex::bench::Measure(corpus, figures);
+    return options->output.empty() || figures.Write(options->output) ? 0 : 1;
+}

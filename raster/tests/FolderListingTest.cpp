@@ -1,0 +1,82 @@
+#include "raster/FolderListing.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <set>
+
+#include "support/Text.h"
+#include "support/testing/TemporaryFolder.h"
+
+namespace orvex {
+namespace {
+
+using testing::TemporaryFolder;
+using ::testing::UnorderedElementsAre;
+
+std::set<std::string> Names(const GdalListPtr& list) {
+    std::set<std::string> names;
+    for (const char* const* name = list ? list->Get() : nullptr; name != nullptr && *name != nullptr;
+         ++name) {
+        names.insert(*name);
+    }
+    return names;
+}
+
+void MakeOld(const TemporaryFolder& folder) {
+    std::filesystem::last_write_time(folder.Path(),
+                                     std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+}
+
+TEST(FolderListing, AFolderIsListedOnceWhileItStays) {
+    const TemporaryFolder folder;
+    FolderListing listing(2);
+    const std::wstring path = folder.Write(L"a.tif", "");
+    folder.Write(L"\u00e4.tfw", "");
+    MakeOld(folder);
+    const GdalListPtr first = listing.Beside(path);
+    EXPECT_THAT(Names(first), UnorderedElementsAre("a.tif", "\xc3\xa4.tfw"));
+    EXPECT_EQ(listing.Beside(folder.Name(L"b.tif")), first);
+    folder.Write(L"a.tfw", "");
+    EXPECT_EQ(Names(listing.Beside(path)).size(), 3U) << "the folder has changed";
+    folder.Write(L"a.prj", "");
+    EXPECT_EQ(Names(listing.Beside(path)).size(), 4U) << "perhaps within one step of the folder's time";
+}
+
+TEST(FolderListing, TheLatestFoldersAreKept) {
+    const TemporaryFolder folders[3];
+    FolderListing listing(2);
+    GdalListPtr first[3];
+    for (int i = 0; i < 3; ++i) {
+        folders[i].Write(L"a.tif", "");
+        MakeOld(folders[i]);
+        first[i] = listing.Beside(folders[i].Name(L"a.tif"));
+    }
+    EXPECT_EQ(listing.Beside(folders[1].Name(L"a.tif")), first[1]);
+    EXPECT_EQ(listing.Beside(folders[2].Name(L"a.tif")), first[2]);
+    EXPECT_NE(listing.Beside(folders[0].Name(L"a.tif")), first[0]);
+}
+
+TEST(FolderListing, OfManyFilesTheSidecars) {
+    const TemporaryFolder folder;
+    for (std::size_t i = 0; i < FolderListing::kMostWhole; ++i) {
+        folder.Write(L"tile" + std::to_wstring(i) + L".tif", "");
+    }
+    for (const wchar_t* name : {L"tile7.tfw", L"TILE7.TIF.AUX.XML", L"tile7_rpc.txt", L"tile.tif", L"til"}) {
+        folder.Write(name, "");
+    }
+    MakeOld(folder);
+    FolderListing listing(1);
+    const auto names = Names(listing.Beside(folder.Name(L"tile7.tif")));
+    for (const char* name : {"tile7.tif", "tile7.tfw", "TILE7.TIF.AUX.XML", "tile7_rpc.txt"}) {
+        EXPECT_EQ(names.count(name), 1U) << name;
+    }
+    for (const char* name : {"tile8.tif", "tile.tif", "til"}) {
+        EXPECT_EQ(names.count(name), 0U) << name;
+    }
+    EXPECT_EQ(listing.Beside(folder.Name(L"absent/a.tif")), nullptr);
+}
+
+}  // namespace
+}  // namespace orvex

@@ -1,0 +1,196 @@
+// Rasters that claim more than they hold: each gives a row with a plain reason, in bounded time and memory.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "raster/RasterInspection.h"
+#include "raster/testing/TiffBytes.h"
+#include "support/Text.h"
+#include "support/testing/ProcessFacts.h"
+#include "support/testing/TemporaryFolder.h"
+
+namespace orvex {
+namespace {
+
+using ::testing::HasSubstr;
+using testing::TemporaryFolder;
+using testing::TiffBytes;
+using std::string_literals::operator""s;
+
+constexpr std::uint64_t kMost32 = 0xFFFFFFFF;
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+TiffBytes Image(std::uint64_t width, std::uint64_t height) {
+    return TiffBytes().Image(width, height, 8, 1);
+}
+
+/// An image of one pixel that is as it should be.
+TiffBytes Pixel() {
+    return Image(1, 1);
+}
+
+struct Hostile {
+    const char* about;
+    std::string bytes;
+    bool loadable;
+    const char* finding;  ///< a part of the worst one's text
+};
+
+std::vector<Hostile> Sizes() {
+    return {
+        {"65535 x 65535 in a few bytes", Image(65535, 65535).Build(), true, "cut off"},
+        {"the same in strips of a row", Image(65535, 65535).Tag(278, 4, {1}).Build(), true, "cut off"},
+        {"4 billion strips whose list is beyond the end",
+         Image(1, kMost32 / 2)
+             .Tag(278, 4, {1})
+             .Claim(273, 4, kMost32 / 2, 1000)
+             .Claim(279, 4, kMost32 / 2, 2000)
+             .Build(),
+         true, "cut off"},
+        {"2^31 wide", Image(std::uint64_t{1} << 31U, 1).Build(), false,
+         "larger than any image that can be read (2147483648 x 1 pixels)"},
+        {"2^32 - 1 in both", Image(kMost32, kMost32).Build(), false, "It holds no image."},
+        {"no width", Image(0, 1).Build(), false, "could not be read as a raster"},
+        {"no height", Image(1, 0).Build(), false, "could not be read as a raster"},
+        {"a tile of 2^31",
+         Image(1, 1)
+             .Tag(322, 4, {std::uint64_t{1} << 31U})
+             .Tag(323, 4, {16})
+             .Tag(324, 4, {8})
+             .Tag(325, 4, {1})
+             .Build(),
+         false, "tiles or strips"},
+        {"65535 bands, each a plane", Image(1, 1).Tag(277, 3, {65535}).Tag(284, 3, {2}).Build(), true,
+         "cut off or damaged: where its image data lies"},
+        {"65535 bands in pixels", Image(1, 1).Tag(277, 3, {65535}).Build(), true,
+         "reach to byte 65543, but the file has"},
+    };
+}
+
+std::vector<Hostile> Directories() {
+    return {
+        {"the four bytes of the signature", "II*\0"s, false, "could not be read as a raster"},
+        {"a directory beyond the end", "II*\0\xff\xff\xff\x7f"s, false,
+         "A directory of the file cannot be read."},
+        {"a directory of 65535 tags, cut off", "II*\0\x08\0\0\0\xff\xff\0\x01"s, false,
+         "A directory of the file cannot be read."},
+        {"a directory that ends in its middle", Pixel().Build().substr(0, 60), false,
+         "A directory of the file cannot be read."},
+        {"a directory that follows itself", Pixel().Next(8).Build(), true, "leads back to an earlier one"},
+        {"a directory beyond the end that follows", Pixel().Next(0x7FFFFFFF).Build(), true,
+         "A directory of the file cannot be read."},
+        {"a BigTIFF's directory of 2^63 tags", "II\x2b\0\x08\0\0\0\x10\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x80"s,
+         false, "A directory of the file cannot be read."},
+        {"no tags", TiffBytes().Build(), false, "A directory of the file cannot be read."},
+    };
+}
+
+std::vector<Hostile> Tags() {
+    return {
+        {"an unknown codec", Pixel().Tag(259, 3, {65000}).Build(), false,
+         "compressed by a method that cannot be read here"},
+        {"2^32 - 1 bits per sample", Pixel().Claim(258, 3, kMost32, 8).Build(), false,
+         "The entry 'BitsPerSample' of the file cannot be read."},
+        {"a text of 4 GiB", Pixel().Claim(270, 2, kMost32, 8).Build(), true,
+         "The entry 'ImageDescription' of the file cannot be read."},
+        {"a palette beyond the end", Pixel().Tag(262, 3, {3}).Claim(320, 3, 768, 0x7FFFFF00).Build(), true,
+         "The entry 'ColorMap' of the file cannot be read."},
+        {"strips of 4 GiB", Pixel().Tag(279, 4, {kMost32}).Build(), true, "sizes of its image data wrongly"},
+        {"1000 million overviews in sub-directories", Pixel().Claim(330, 4, 1'000'000'000, 8).Build(), true,
+         "The entry 'SubIFD' of the file cannot be read."},
+        {"data of 2^63 bytes",
+         TiffBytes(TiffBytes::Format::Big).Image(1, 1, 8, 1).Tag(279, 16, {std::uint64_t{1} << 63U}).Build(),
+         true, "sizes of its image data wrongly"},
+        {"data at 2^64 - 1",
+         TiffBytes(TiffBytes::Format::Big, TiffBytes::Order::Big)
+             .Image(1, 1, 8, 1)
+             .Tag(273, 16, {std::numeric_limits<std::uint64_t>::max()})
+             .Build(),
+         true, "reach to byte 18446744073709551615, but"},
+    };
+}
+
+std::vector<Hostile> Placements() {
+    const auto placed = [](const std::vector<double>& scale, const std::vector<double>& tie) {
+        return Pixel().Doubles(33550, scale).Doubles(33922, tie);
+    };
+    return {
+        {"a pixel of no number", placed({kNan, kNan, 0}, {0, 0, 0, 1, 2, 0}).Build(), true,
+         "the numbers in it make no sense"},
+        {"a pixel of infinite size", placed({kInfinity, 1, 0}, {0, 0, 0, 1, 2, 0}).Build(), true,
+         "the numbers in it make no sense"},
+        {"an origin of no number", placed({1, 1, 0}, {0, 0, 0, kNan, 2, 0}).Build(), true,
+         "the numbers in it make no sense"},
+        {"pixels without size", placed({0, 0, 0}, {0, 0, 0, 1, 2, 0}).Build(), true,
+         "by ground control points only (1 of them)"},
+        {"an extent that overflows",
+         placed({std::numeric_limits<double>::max(), 1, 0},
+                {0, 0, 0, std::numeric_limits<double>::max(), 2, 0})
+             .Build(),
+         true, "the numbers in it make no sense"},
+        {"keys of garbage",
+         placed({1, 1, 0}, {0, 0, 0, 1, 2, 0}).Tag(34735, 3, {1, 1, 0, 65535, 3072, 9, 65535, 65535}).Build(),
+         true, "The coordinate reference system of the file cannot be read."},
+        {"a projected CRS of an unknown code",
+         placed({1, 1, 0}, {0, 0, 0, 1, 2, 0})
+             .Tag(34735, 3, {1, 1, 0, 2, 1024, 0, 1, 1, 3072, 0, 1, 65000})
+             .Build(),
+         true, "coordinate reference system that is not known"},
+    };
+}
+
+std::vector<Hostile> Others() {
+    return {
+        {"an empty file", "", false, "The file is empty."},
+        {"a text", "This is not an image.\n", false, "could not be read as a raster"},
+        {"zeros", std::string(5000, '\0'), false, "could not be read as a raster"},
+        {"a description of a server's images",
+         "<GDAL_WMS><Service name=\"TMS\"><ServerUrl>http://127.0.0.1:9/</ServerUrl></Service></GDAL_WMS>",
+         false, "could not be read as a raster"},
+        {"an image to be computed from others when opened",
+         "<VRTDataset rasterXSize=\"1\" rasterYSize=\"1\" subClass=\"VRTWarpedDataset\"/>", false,
+         "computed from other files"},
+    };
+}
+
+void CheckEach(const std::vector<Hostile>& rasters) {
+    constexpr std::uint64_t kMegabyte = 1024 * 1024;
+    const TemporaryFolder folder;
+    // What the libraries take once is not the file's doing.
+    InspectRasterFile(folder.Write(L"first.tif", Pixel().Build()), RasterUse::Image);
+    for (const Hostile& hostile : rasters) {
+        const std::wstring path = folder.Write(L"a.tif", hostile.bytes);
+        const std::uint64_t before = testing::PeakMemory();
+        const RasterInspection inspection = InspectRasterFile(path, RasterUse::Image);
+        EXPECT_LT(testing::PeakMemory() - before, 100 * kMegabyte) << hostile.about;
+        EXPECT_EQ(inspection.loadable, hostile.loadable) << hostile.about;
+        EXPECT_THAT(ToUtf8(inspection.summary), HasSubstr(hostile.finding)) << hostile.about;
+        EXPECT_FALSE(inspection.findings.empty()) << hostile.about;
+    }
+    EXPECT_EQ(folder.Entries(), 2U) << "nothing was written beside them";
+}
+
+TEST(HostileRasters, SizesThatNoFileHolds) {
+    CheckEach(Sizes());
+}
+
+TEST(HostileRasters, DirectoriesThatLeadNowhere) {
+    CheckEach(Directories());
+}
+
+TEST(HostileRasters, TagsThatClaimTooMuch) {
+    CheckEach(Tags());
+}
+
+TEST(HostileRasters, PlacesThatAreNone) {
+    CheckEach(Placements());
+}
+
+TEST(HostileRasters, WhatIsNoRaster) {
+    CheckEach(Others());
+}
+
+}  // namespace
+}  // namespace orvex
