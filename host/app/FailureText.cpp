@@ -12,7 +12,9 @@ std::wstring FailureText(const std::wstring& heading, const std::vector<FileFail
     std::wstring text = heading + L"\n";
     const std::size_t shown = std::min(failures.size(), kMostShown);
     for (std::size_t i = 0; i < shown; ++i) {
-        text += L"\n" + failures[i].path + L"\n    " + failures[i].cause;
+        const auto& [path, cause] = failures[i];
+        // Some causes are whole sentences about the file.
+        text += L"\n" + (cause.find(path) == std::wstring::npos ? path + L"\n    " + cause : cause);
     }
     if (shown < failures.size()) {
         text += L"\n" + FormatText(Text(40672_lsid), {failures.size() - shown});

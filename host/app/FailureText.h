@@ -10,8 +10,8 @@ struct FileFailure {
     std::wstring cause;  ///< plain words
 };
 
-/// One message for many files: the heading, then each file with its cause; of a long list the first ones and
-/// how many more there are.
+/// One message for many files: the heading, then each file with its cause (the cause alone where it names the
+/// file by itself); of a long list the first ones and how many more there are.
 std::wstring FailureText(const std::wstring& heading, const std::vector<FileFailure>& failures);
 
 }  // namespace orvex

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 #include <string_view>
 
@@ -116,8 +117,8 @@ void ChooseBands(GDALDataset& dataset, OverviewSource& source) {
 void ChooseSize(GDALDataset& dataset, const OverviewLimits& limits, OverviewSource& source) {
     const double longest = std::max(dataset.GetRasterXSize(), dataset.GetRasterYSize());
     const double share = std::min(1.0, limits.longSide / longest);
-    source.width = std::max(1, static_cast<int>(dataset.GetRasterXSize() * share + 0.5));
-    source.height = std::max(1, static_cast<int>(dataset.GetRasterYSize() * share + 0.5));
+    source.width = std::max(1, static_cast<int>(std::lround(dataset.GetRasterXSize() * share)));
+    source.height = std::max(1, static_cast<int>(std::lround(dataset.GetRasterYSize() * share)));
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ QImage ImageOf(const RasterOverview& overview) {
         return {};
     }
     // The painter's own format, so that drawing does not convert it each time.
-    return QImage(overview.rgba.data(), overview.width, overview.height, 4 * overview.width,
+    return QImage(overview.rgba.data(), overview.width, overview.height, qsizetype{4} * overview.width,
                   QImage::Format_RGBA8888)
         .convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }

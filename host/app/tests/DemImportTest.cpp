@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "host/dem/testing/DemSamples.h"
 #include "raster/GdalSetup.h"
 #include "support/Files.h"
@@ -101,6 +103,17 @@ TEST_F(DemImportTest, RastersOfOneNameGiveFilesOfTheirOwn) {
     const DemImportResult result = import.Result();
     ASSERT_EQ(result.files.size(), 2U);
     EXPECT_NE(result.files[0].file.path, result.files[1].file.path);
+}
+
+TEST(FailureText, NamesEachFileOnceAndEndsBeforeItIsTooLong) {
+    std::vector<FileFailure> failures = {{L"/a/1.tif", L"'/a/1.tif' is empty."},
+                                         {L"/a/2.tif", L"The disk is full."}};
+    EXPECT_EQ(FailureText(L"These:", failures),
+              L"These:\n\n'/a/1.tif' is empty.\n/a/2.tif\n    The disk is full.");
+    failures.resize(500, failures.back());
+    const std::wstring text = FailureText(L"These:", failures);
+    EXPECT_LT(std::ranges::count(text, L'\n'), 40);
+    EXPECT_NE(text.find(L"488"), std::wstring::npos) << "how many more there are";
 }
 
 }  // namespace
