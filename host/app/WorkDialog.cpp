@@ -8,7 +8,6 @@
 #include <QVBoxLayout>
 #include <exception>
 #include <mutex>
-#include <thread>
 
 #include "host/app/HostText.h"
 
@@ -90,7 +89,7 @@ WorkDialog::WorkDialog(QWidget* parent, const QString& title, Work work)
     column->setSizeConstraint(QLayout::SetFixedSize);
     connect(buttons, &QDialogButtonBox::rejected, this, &WorkDialog::reject);
     connect(&timer_, &QTimer::timeout, this, &WorkDialog::Poll);
-    std::thread([progress = progress_, work = std::move(work)]() mutable {
+    thread_ = std::thread([progress = progress_, work = std::move(work)]() mutable {
         std::exception_ptr error;
         try {
             work(*progress);
@@ -99,12 +98,14 @@ WorkDialog::WorkDialog(QWidget* parent, const QString& title, Work work)
         }
         work = nullptr;
         progress->End(std::move(error));
-    }).detach();
+    });
     timer_.start(kPollMs);
 }
 
 WorkDialog::~WorkDialog() {
     progress_->Stop();
+    // A thread that has ended is waited for, so that none is left when the program ends.
+    progress_->Now().ended ? thread_.join() : thread_.detach();
 }
 
 WorkEnd WorkDialog::Run(QWidget* parent, const QString& title, Work work) {

@@ -4,6 +4,7 @@
 #include <QTimer>
 #include <functional>
 #include <memory>
+#include <thread>
 
 #include "support/ProgressIf.h"
 
@@ -39,6 +40,7 @@ class WorkDialog final : public QDialog {
     void Poll();
 
     std::shared_ptr<Progress> progress_;
+    std::thread thread_;
     QLabel* text_;
     QProgressBar* bar_;
     QPushButton* stop_;
