@@ -3,8 +3,10 @@
 #include <QAbstractItemModelTester>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QHelpEvent>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolTip>
 #include <QWheelEvent>
 #include <cmath>
 #include <limits>
@@ -279,6 +281,13 @@ TEST_F(RasterViewTest, RotatedCornersStayEmptyAndAProblemIsTold) {
     EXPECT_EQ(clicked.count(), 0);
     QTest::mouseClick(&view_, Qt::LeftButton, {}, QPoint(200, 130));
     EXPECT_EQ(clicked.count(), 1);
+    const QPoint overBad(54, 353);
+    QHelpEvent help(QEvent::ToolTip, overBad, view_.mapToGlobal(overBad));
+    QApplication::sendEvent(&view_, &help);
+    EXPECT_TRUE(QToolTip::text().contains("bad.tif")) << QToolTip::text().toStdString();
+    EXPECT_TRUE(QToolTip::text().contains(HostText(41421_lsid, {L""}).trimmed()))
+        << QToolTip::text().toStdString();
+    QToolTip::hideText();
 }
 
 }  // namespace
