@@ -47,6 +47,10 @@ std::span<const std::wstring_view> RasterScanExtensions() {
     return kScanExtensions;
 }
 
+std::span<const std::wstring_view> ElevationExtensions() {
+    return kElevationExtensions;
+}
+
 bool IsRasterName(std::wstring_view path) {
     return HasOneOf(path, kScanExtensions);
 }

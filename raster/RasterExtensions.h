@@ -17,6 +17,9 @@ std::span<const RasterFilter> RasterPickerFilters();
 /// left out on purpose: such files are picked one by one.
 std::span<const std::wstring_view> RasterScanExtensions();
 
+/// The extensions, in the same form, of elevation formats that are no images.
+std::span<const std::wstring_view> ElevationExtensions();
+
 /// Whether a search of a folder takes a file for a raster by its name, in any letter case.
 bool IsRasterName(std::wstring_view path);
 

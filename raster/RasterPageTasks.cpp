@@ -1,5 +1,7 @@
 #include "raster/RasterPageTasks.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "raster/RasterExtensions.h"
@@ -80,6 +82,8 @@ FileListPageDescription DescribeDemPage(const AddFilesParams& params) {
     page.openFiles = [&params] { return PickerRequest(3239_lsid, params.initialFolder); };
     page.tooManyFiles = {3240_lsid};
     page.folderQuestion = {3241_lsid};
+    // A search leaves them out, as it does on the raster page; a file that is named is taken.
+    std::ranges::copy(UpperCased(ElevationExtensions()), std::back_inserter(page.extensions));
     page.detailsTabs = {
         {"demOverview", 40631_lsid, Html}, {"demCrs", 40632_lsid, Html}, {"demBands", 41288_lsid, Html}};
     return page;

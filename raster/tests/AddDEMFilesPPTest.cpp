@@ -190,6 +190,31 @@ TEST_F(DemPage, LayersAreThoseOfLasFilesWithOrWithoutACrs) {
     EXPECT_EQ(Shown(RasterColumn::GpsTime)[0], L"Standard GPS Time");
 }
 
+TEST_F(DemPage, ElevationFilesAreTakenWhenTheyAreNamed) {
+    const std::wstring grid =
+        folder.Write(L"grid.asc", "ncols 2\nnrows 2\nxllcorner 0\nyllcorner 0\ncellsize 10\n1 2\n3 4\n");
+    EXPECT_TRUE(page->Accepts(grid));
+    page->AddPaths({grid});
+    EXPECT_THAT(Shown(RasterColumn::PixelSizes), ElementsAre(L"10.00000000 x 10.00000000"));
+    EXPECT_FALSE(page->Accepts(L"/x/a.las"));
+}
+
+TEST_F(DemPage, TheTabKeyGoesFromTopToBottom) {
+    std::vector<int> order;
+    QWidget* widget = page.get();
+    do {
+        widget = widget->nextInFocusChain();
+        const int id =
+            widget->objectName().startsWith(QLatin1Char('c')) ? widget->objectName().mid(1).toInt() : 0;
+        if (id != 0 && (widget->focusPolicy() & Qt::TabFocus) != 0) {
+            order.push_back(id);
+        }
+    } while (widget != page.get());
+    EXPECT_THAT(order, ElementsAre(kAddFiles, kAddFolder, kRemove, kClear, kDetailColumns, kSelectAll,
+                                   kRefresh, kHelp, kReadOnly, kReadWrite, kAppend, kIgnoreCrs, kPyramid,
+                                   kFolder, kBrowse, kInsertToken, kVersion, kFormat, kThinning));
+}
+
 TEST_F(DemPage, ControlsRestDuringARun) {
     const DialogProgress::Run run(progress);
     for (const int id :
