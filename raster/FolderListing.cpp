@@ -1,20 +1,12 @@
 #include "raster/FolderListing.h"
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 #include "support/Text.h"
 
 namespace orvex {
 namespace {
-
-// A change shortly after the listing may leave the folder's time as it was: FAT counts in two seconds.
-constexpr std::chrono::seconds kTimeStep{3};
-
-bool IsSettled(FileTime modified) {
-    return std::chrono::system_clock::now() - modified > kTimeStep;
-}
 
 /// The name as far as its sidecars share it: ".aux.xml" follows the whole name, ".tfw" replaces the
 /// extension, "_rpc.txt" follows what is before it.
@@ -35,7 +27,7 @@ GdalListPtr ToGdal(std::vector<std::wstring>::const_iterator begin,
 
 FolderListing::FolderPtr FolderListing::List(const std::wstring& path, FileTime modified) {
     std::vector<std::pair<std::wstring, std::wstring>> entries;
-    const SystemError error = ListFolder(path, [&](FolderEntry entry) {
+    const SystemError error = ListFolder(path, [&](const FolderEntry& entry) {
         std::wstring name = FileNameOf(entry.path);
         entries.emplace_back(ToUpper(name), std::move(name));
         return entries.size() <= kMostListed;
@@ -73,7 +65,7 @@ FolderListing::FolderPtr FolderListing::Get(const std::wstring& path) {
             return latest_.front();
         }
     }
-    const bool mayBeKept = IsSettled(*modified);
+    const bool mayBeKept = std::chrono::system_clock::now() - *modified > settling_;
     FolderPtr folder = List(path, *modified);
     if (folder && mayBeKept) {
         const std::lock_guard guard(lock_);

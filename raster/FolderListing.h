@@ -1,4 +1,5 @@
 #pragma once
+#include <chrono>
 #include <cstddef>
 #include <list>
 #include <memory>
@@ -15,15 +16,18 @@ namespace orvex {
 /// other; a folder that has changed since is listed anew. Safe from any thread.
 class FolderListing {
   public:
-    /// Keeps the latest `folders` listings.
-    explicit FolderListing(std::size_t folders) : capacity_(folders) {}
+    /// Keeps the latest `folders` listings, of folders whose last change is longer ago than `settling`: a
+    /// change right after the listing may leave the folder's time as it was (FAT counts in steps of two
+    /// seconds).
+    explicit FolderListing(std::size_t folders, std::chrono::milliseconds settling = std::chrono::seconds(3))
+        : capacity_(folders), settling_(settling) {}
 
     /// The names (UTF-8) beside a file, its own among them, as GDAL takes them when it opens the file. Of a
     /// folder with more than kMostWhole files those that begin as the file does, which its sidecars do.
     /// Null when the folder cannot be listed or holds more than kMostListed.
     GdalListPtr Beside(const std::wstring& path);
 
-    static constexpr std::size_t kMostWhole = 1000;
+    static constexpr std::size_t kMostWhole = 64;
     static constexpr std::size_t kMostListed = 200'000;
 
   private:
@@ -40,6 +44,7 @@ class FolderListing {
     static FolderPtr List(const std::wstring& folder, FileTime modified);
 
     const std::size_t capacity_;
+    const std::chrono::milliseconds settling_;
     std::mutex lock_;
     std::list<FolderPtr> latest_;  ///< the one used last comes first
 };

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "raster/GdalOption.h"
 #include "raster/MissingReader.h"
 #include "raster/NoNetwork.h"
 #include "raster/RasterBands.h"
@@ -91,6 +92,9 @@ RasterProperties Describe(GDALDatasetH dataset, const std::wstring& path) {
 RasterProperties ReadRasterProperties(const std::wstring& path) {
     const GdalErrorScope errors;
     const NoNetwork noNetwork;
+    // The TIFF driver lists the folder of each file anew, whatever names it is given, unless there are more
+    // than this; then it looks for each sidecar that there could be.
+    const GdalOption fewListed("GDAL_READDIR_LIMIT_ON_OPEN", "64");
     const GdalDataset dataset = OpenRaster(path);
     if (!dataset) {
         const std::wstring reason = PlainReason(errors.Messages());

@@ -8,7 +8,7 @@
 #include "support/LDataError.h"
 #include "support/Text.h"
 
-using orvex::operator""_lsid;
+using namespace orvex;
 
 namespace {
 
@@ -21,18 +21,17 @@ constexpr Signature kBigEndian{'M', 'M', 0, 43, 0, 8, 0, 0};
 /// The first bytes of a file; zeros when it has fewer.
 Signature ReadSignature(const std::wstring& path) {
     // Reading a folder would fail in words that help nobody.
-    if (orvex::KindOf(path) == orvex::FileKind::Folder) {
-        throw orvex::LDataError(orvex::Text(41201_lsid));
+    if (KindOf(path) == FileKind::Folder) {
+        throw LDataError(Text(41201_lsid));
     }
-    std::ifstream file(orvex::ToPath(path), std::ios::binary);
+    std::ifstream file(ToPath(path), std::ios::binary);
     if (!file) {
-        throw orvex::LDataError(
-            orvex::Text(orvex::KindOf(path) == orvex::FileKind::Missing ? 41202_lsid : 41203_lsid));
+        throw LDataError(Text(KindOf(path) == FileKind::Missing ? 41202_lsid : 41203_lsid));
     }
     Signature signature{};
     file.read(signature.data(), static_cast<std::streamsize>(signature.size()));
     if (file.bad()) {
-        throw orvex::LDataError(orvex::Text(41203_lsid));
+        throw LDataError(Text(41203_lsid));
     }
     return file.gcount() == static_cast<std::streamsize>(signature.size()) ? signature : Signature{};
 }
@@ -47,7 +46,7 @@ bool Is_BigTIFF(const std::wstring& path, bool& isBigTiff, std::wstring& message
         isBigTiff = signature == kLittleEndian || signature == kBigEndian;
         return true;
     } catch (...) {
-        message = orvex::CurrentExceptionText();
+        message = CurrentExceptionText();
         return false;
     }
 }
