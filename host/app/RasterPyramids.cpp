@@ -169,8 +169,8 @@ RasterPyramids::Result RasterPyramids::Build(const std::vector<std::wstring>& pa
             result.built += built == Built::Yes ? 1 : 0;
             result.notNeeded += built == Built::NotNeeded ? 1 : 0;
             result.stopped = built == Built::Stopped;
-        } catch (const LDataError& error) {
-            result.failures.push_back({paths[i], error.Text()});
+        } catch (...) {
+            result.failures.push_back({paths[i], CurrentExceptionText()});
         }
         result.stopped = result.stopped || progress.IsCancelled();
     }

@@ -153,10 +153,10 @@ AddedFiles RecordIntake::TakeDems(const AddFilesParams& record) {
     }
     const auto import =
         std::make_shared<DemImport>(DemsOf(record), OptionsOf(record, folder), !record.demOpenReadWrite);
-    WorkDialog::Run(window_, HostText(41447_lsid),
-                    [import](Kst::ProgressIf& progress) { import->Run(progress); });
+    const WorkEnd end = WorkDialog::Run(window_, HostText(41447_lsid),
+                                        [import](Kst::ProgressIf& progress) { import->Run(progress); });
     const DemImportResult result = import->Result();
-    stopped_ = result.stopped;
+    stopped_ = result.stopped || end == WorkEnd::Abandoned;
     Tell(Text(41448_lsid), result.failures, 41447_lsid);
     Tell(Text(41449_lsid), result.warnings, 41447_lsid);
     return project_.Take(LayerKind::Las, result.files);
