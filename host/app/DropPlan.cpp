@@ -41,7 +41,9 @@ DropPlan DistributePaths(const QStringList& paths) {
 
 DropPlan SamplePlan(const QString& dataFolder) {
     const QDir data(dataFolder);
-    return {{dataFolder}, {data.filePath("rasters")}, {data.filePath("elevation")}};
+    const QString elevation = data.filePath("elevation");
+    // A search of a folder leaves text grids out; they are taken when they are named.
+    return {{dataFolder}, {data.filePath("rasters")}, {elevation, elevation + "/text grid.asc"}};
 }
 
 }  // namespace orvex
