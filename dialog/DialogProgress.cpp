@@ -13,6 +13,7 @@ namespace {
 
 constexpr qint64 kPumpMs = 4;
 constexpr qint64 kSecondEscapeMs = 800;
+constexpr QColor kGround{0xc8, 0xc8, 0xc8};
 constexpr int kSteps = 10000;  // resolution of the bar: a range of files or bytes may not fit an int
 
 // A bar replaces %p, %v and %m in its text; a file name may hold them.
@@ -20,9 +21,17 @@ QString WithoutPlaceholders(QString text) {
     return text.replace(QLatin1Char('%'), QStringLiteral("%\u200B"));
 }
 
+// The ground is the same in light and in dark, so what is written on it must be.
+QPalette Colours(QPalette colours) {
+    colours.setColor(QPalette::Base, kGround);
+    colours.setColor(QPalette::Text, Qt::black);
+    return colours;
+}
+
 }  // namespace
 
 DialogProgress::DialogProgress(QProgressBar* bar, QObject* parent) : QObject(parent), bar_(bar) {
+    bar_->setPalette(Colours(bar_->palette()));
     bar_->hide();
 }
 
@@ -61,6 +70,7 @@ void DialogProgress::End() {
     if (cancelled_) {
         sinceStopped_.start();
     }
+    SetText({});
     bar_->hide();
     emit RunningChanged(false);
 }

@@ -123,6 +123,7 @@ class Delivery {
         std::deque<InspectedPtr> results = work_->queue.TakeAll();
         for (InspectedPtr& result : results) {
             ++looked_;
+            ShowProgress();
             if (!result) {
                 ++summary_.skipped;
                 continue;
@@ -136,9 +137,6 @@ class Delivery {
                 summary_.stopped = true;
                 return PollResult::Abandon;
             }
-        }
-        if (!results.empty()) {
-            ShowProgress();
         }
         if (Clock::now() - lastFlush_ >= kBatchEvery) {
             Flush();

@@ -2,11 +2,13 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
 #include <future>
 #include <stdexcept>
 #include <thread>
 
+#include "support/Format.h"
 #include "support/ProgressIf.h"
 #include "support/testing/Scripted.h"
 
@@ -26,11 +28,12 @@ struct Row {
 class ConditionalProgress final : public Kst::ProgressIf {
   public:
     std::function<bool()> stopWhen = [] { return false; };
-    std::wstring lastText;
+    std::vector<std::wstring> texts;
+    std::vector<std::uint64_t> positions;
     std::uint64_t total = 0;
     void SetRange(std::uint64_t range) override { total = range; }
-    void SetText(const std::wstring& text) override { lastText = text; }
-    void SetPosition(std::uint64_t) override {}
+    void SetText(const std::wstring& text) override { texts.push_back(text); }
+    void SetPosition(std::uint64_t done) override { positions.push_back(done); }
     bool IsCancelled() override { return stopWhen(); }
 };
 
@@ -87,6 +90,19 @@ TEST_F(FileAdding, KeepsTheOrderAndBoundsTheBatches) {
     EXPECT_FALSE(summary.stopped);
     EXPECT_THAT(batchSizes, ::testing::Each(::testing::Le(100U)));
     EXPECT_EQ(progress.total, 1234U);
+}
+
+TEST_F(FileAdding, TellsOfEveryFileWhetherListedOrNot) {
+    description.confirmText = {};
+    Add({Files(250), {PathKey(L"/data/7.las")}, 0});
+    std::vector<std::wstring> texts;
+    std::vector<std::uint64_t> positions;
+    for (std::uint64_t done = 0; done <= 250; ++done) {
+        texts.push_back(FormatText(Text(13662_lsid), {std::min<std::uint64_t>(done + 1, 250), 250}));
+        positions.push_back(done);
+    }
+    EXPECT_EQ(progress.texts, texts);
+    EXPECT_EQ(progress.positions, positions);
 }
 
 TEST_F(FileAdding, SkipsWhatIsListedInAnyLetterCaseOrAsABuddy) {
