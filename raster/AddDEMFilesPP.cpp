@@ -1,6 +1,5 @@
 #include "raster/AddDEMFilesPP.h"
 
-#include <exception>
 #include <optional>
 #include <string>
 
@@ -57,7 +56,7 @@ void AddDEMFilesPP::OnBrowseFolder() {
 void AddDEMFilesPP::OnInsertProjectPath() {
     try {
         options_->SetFolder(InsertProjectPathToken(options_->Options().lasFolder));
-    } catch (const std::exception&) {
+    } catch (...) {
         ShowMessage(Text(3242_lsid), 3243_lsid, PromptIcon::Error);
     }
 }

@@ -94,6 +94,17 @@ void Refuse(RasterInspection& inspection, const std::wstring& reason) {
     inspection.findings = {{FindingSeverity::Error, inspection.summary}};
 }
 
+/// After an exception that says nothing about the file. What was found out before it stays.
+void TellException(RasterInspection& inspection, const std::wstring& message) {
+    inspection.threw = true;
+    if (!inspection.loadable) {
+        Refuse(inspection, message);
+        return;
+    }
+    inspection.summary = Text(13498_lsid) + L": " + message;
+    inspection.findings = {{FindingSeverity::Warning, inspection.summary}};
+}
+
 }  // namespace
 
 RasterInspection InspectRasterFile(const std::wstring& path, RasterUse use,
@@ -105,8 +116,10 @@ RasterInspection InspectRasterFile(const std::wstring& path, RasterUse use,
     inspection.fileSize = FileSizeOf(path).value_or(0);
     try {
         Inspect(inspection, use, maker);
+    } catch (const LDataError& error) {
+        Refuse(inspection, error.Text());
     } catch (...) {
-        Refuse(inspection, CurrentExceptionText());
+        TellException(inspection, CurrentExceptionText());
     }
     return inspection;
 }

@@ -17,6 +17,7 @@ enum class RasterUse { Image, Dem };
 struct RasterInspection {
     std::wstring path;
     bool loadable = false;
+    bool threw = false;    ///< an unexpected exception ended the reading; what was known by then is here
     std::wstring summary;  ///< one line: the reason when not loadable, else the worst finding or "OK"
     std::vector<Finding> findings;  ///< everything that is odd about the file, worst first
     RasterProperties properties;    ///< empty when not loadable
@@ -28,8 +29,9 @@ struct RasterInspection {
 };
 
 /// Reads one file with the host's raster-information object; where the host has none (or `maker` is empty),
-/// and for what the host's object does not say, with the component's own reader. Never throws. Safe from any
-/// thread; nothing is written.
+/// and for what the host's object does not say, with the component's own reader. Never throws: a file that
+/// cannot be described is told from an exception that nobody expected. Safe from any thread; nothing is
+/// written.
 RasterInspection InspectRasterFile(const std::wstring& path, RasterUse use,
                                    const RasterInformationMaker& maker = {});
 

@@ -58,7 +58,7 @@ class RasterListPage : public FileListPageOf<RasterFilesModelOf<Use>> {
     bool TellOfExceptions(std::size_t first) const {
         const auto& rows = this->Model().Rows();
         const bool threw = std::any_of(rows.begin() + static_cast<std::ptrdiff_t>(first), rows.end(),
-                                       [](const RasterRow& row) { return row.inspection.threw; });
+                                       [](const RasterRow& row) { return row.File().threw; });
         if (threw) {
             this->ShowMessage(Text(13498_lsid), 13498_lsid, PromptIcon::Error);
         }

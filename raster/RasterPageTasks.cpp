@@ -13,9 +13,12 @@ namespace orvex {
 
 namespace {
 
+// What the system's dialog takes of a title.
+constexpr std::size_t kLongestTitle = 255;
+
 OpenFilesRequest PickerRequest(StringId title, const std::wstring& initialFolder) {
     OpenFilesRequest request;
-    request.title = Text(title);
+    request.title = Text(title).substr(0, kLongestTitle);
     request.initialFolder = initialFolder;
     for (const auto& filter : RasterPickerFilters()) {
         request.filters.push_back({std::wstring(filter.name), std::wstring(filter.patterns)});
@@ -92,7 +95,7 @@ FileListPageDescription DescribeDemPage(const AddFilesParams& params) {
 FileAdder<ListedRaster> MakeReader(AddingDescription description, RasterUse use,
                                    RasterInformationMaker maker) {
     const auto read = [use, maker = std::move(maker)](const std::wstring& path) {
-        return ReadListedRaster(path, use, maker);
+        return ListRaster(InspectRasterFile(path, use, maker));
     };
     return {std::move(description), read, FailedRaster};
 }

@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <stdexcept>
-
 #include "raster/testing/RasterListings.h"
 
 namespace orvex {
@@ -155,33 +153,6 @@ TEST(RasterCellTexts, AFileThatCouldNotBeDescribedSaysWhyAndNothingElse) {
             EXPECT_EQ(Shown(row, static_cast<RasterColumn>(column), use), L"") << column;
         }
     }
-}
-
-/// A host's object that throws for files of one name.
-class ThrowingInformation final : public OrvexRasterInformation {
-  public:
-    std::int32_t Describe(const std::wstring& path, RasterProperties& properties, std::wstring&) override {
-        if (FileNameOf(path) == L"bad.tif") {
-            throw std::runtime_error("no such driver");
-        }
-        properties = testing::DescribedRaster(path, {}).properties;
-        return kHostOk;
-    }
-};
-
-TEST(RasterListing, AnExceptionOfTheHostsObjectIsNotedAndTheNextFileIsRead) {
-    const RasterInformationMaker maker = [](std::int32_t&) {
-        return std::make_unique<ThrowingInformation>();
-    };
-    const ListedRaster bad = ReadListedRaster(L"/nowhere/bad.tif", RasterUse::Image, maker);
-    const ListedRaster good = ReadListedRaster(L"/nowhere/good.tif", RasterUse::Image, maker);
-    EXPECT_TRUE(bad.threw);
-    EXPECT_EQ(bad.details, nullptr);
-    EXPECT_THAT(ToUtf8(bad.summary), HasSubstr("no such driver"));
-    EXPECT_FALSE(good.threw);
-    ASSERT_NE(good.details, nullptr);
-    EXPECT_EQ(good.details->Properties().width, 600);
-    EXPECT_TRUE(FailedRaster(L"/x.tif", L"why").threw);
 }
 
 }  // namespace

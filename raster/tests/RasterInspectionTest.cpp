@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <map>
+#include <stdexcept>
 
 #include "orvexcommon/HostInterfaces.h"
 #include "raster/RasterUnit.h"
@@ -138,10 +139,32 @@ TEST(RasterInspection, AnObjectThatFailsGivesTheRow) {
         return nullptr;
     };
     EXPECT_TRUE(InspectRasterFile(path, RasterUse::Image, none).loadable) << "a host without the class";
-    const RasterInformationMaker throwing = [](std::int32_t&) -> std::unique_ptr<OrvexRasterInformation> {
-        throw std::runtime_error("broken");
-    };
-    EXPECT_FALSE(InspectRasterFile(path, RasterUse::Image, throwing).loadable);
+}
+
+/// A host's object that throws.
+class ThrowingObject final : public OrvexRasterInformation {
+  public:
+    std::int32_t Describe(const std::wstring&, RasterProperties&, std::wstring&) override {
+        throw std::runtime_error("no such driver");
+    }
+};
+
+TEST(RasterInspection, AnExceptionOfTheHostsIsToldFromAFileThatIsNoRaster) {
+    const TemporaryFolder folder;
+    const std::wstring path = GeoTiff().Write(folder, L"a.tif");
+    const RasterInformationMaker makers[] = {[](std::int32_t&) { return std::make_unique<ThrowingObject>(); },
+                                             [](std::int32_t&) -> std::unique_ptr<OrvexRasterInformation> {
+                                                 throw std::runtime_error("no such driver");
+                                             }};
+    for (const RasterInformationMaker& maker : makers) {
+        const auto thrown = InspectRasterFile(path, RasterUse::Image, maker);
+        EXPECT_TRUE(thrown.threw);
+        EXPECT_FALSE(thrown.loadable);
+        EXPECT_EQ(thrown.summary, Text(13638_lsid) + L" no such driver");
+        EXPECT_GT(thrown.fileSize, 0U) << "what was found out before stays";
+    }
+    EXPECT_FALSE(InspectRasterFile(path, RasterUse::Image, Answering(kHostFail, {}, L"No.")).threw);
+    EXPECT_FALSE(InspectRasterFile(folder.Write(L"b.tif", "no raster"), RasterUse::Image).threw);
 }
 
 TEST(RasterInspection, WhatIsNoFileHasItsReason) {
