@@ -1,6 +1,7 @@
 #include "support/QtText.h"
 
 #include <QDir>
+#include <QTextDocument>
 
 namespace orvex {
 
@@ -37,6 +38,10 @@ std::wstring ToWide(const QString& text) {
         }
     }
     return out;
+}
+
+QString TooltipText(const QString& text) {
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text;
 }
 
 std::wstring ToWidePath(const QString& path) {

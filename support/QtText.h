@@ -13,6 +13,9 @@ QString ToQString(std::wstring_view text);
 /// The same text as the component's wide text. Lossless for every QString, well formed or not.
 std::wstring ToWide(const QString& text);
 
+/// The text as a tooltip shows it unchanged: Qt takes what looks like HTML, as names of files may, for HTML.
+QString TooltipText(const QString& text);
+
 /// A path as Qt has it, with "/" everywhere, as users know it: with the system's own separators.
 std::wstring ToWidePath(const QString& path);
 

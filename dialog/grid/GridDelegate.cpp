@@ -87,7 +87,7 @@ bool GridDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const Q
         cell.fontMetrics.horizontalAdvance(cell.text) > room.width() - 2 * TextMargin(view->style());
     const QString whole = index.data(Qt::AccessibleTextRole).toString();
     const bool isFlag = cell.text.isEmpty() && !whole.isEmpty();
-    QToolTip::showText(event->globalPos(), cut || isFlag ? whole : QString(), view);
+    QToolTip::showText(event->globalPos(), cut || isFlag ? TooltipText(whole) : QString(), view);
     return true;
 }
 

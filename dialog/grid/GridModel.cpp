@@ -53,7 +53,7 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
         case Qt::TextAlignmentRole:
             return Alignment(column, false);
         case Qt::ToolTipRole:
-            return ToQString(Tooltip(record, column));
+            return TooltipText(ToQString(Tooltip(record, column)));
         case Qt::ForegroundRole:
             if (const auto colour = TextColour(record, column)) {
                 return *colour;

@@ -126,7 +126,7 @@ QVariant LayerTreeModel::LayerData(const Layer& layer, std::size_t index, int co
 QVariant LayerTreeModel::FileData(LayerKind kind, const LayerFile& file, int column, int role) const {
     if (role == Qt::ToolTipRole) {
         const bool isNowhere = kind == LayerKind::Raster && !TransformOf(file.raster);
-        return ToQString(file.path) + (isNowhere ? '\n' + HostText(41428_lsid) : QString());
+        return TooltipText(ToQString(file.path) + (isNowhere ? '\n' + HostText(41428_lsid) : QString()));
     }
     if (role != Qt::DisplayRole) {
         return {};

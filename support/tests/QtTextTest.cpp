@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QTextDocument>
+
 #include "support/Text.h"
 
 namespace orvex {
@@ -32,6 +34,15 @@ TEST(QtText, PairsBecomeOneCharacterWhereWideTextsAreUtf32) {
     EXPECT_EQ(ToWide(globe).size(), sizeof(wchar_t) == 4 ? 1U : 2U);
     if (sizeof(wchar_t) == 4) {
         EXPECT_EQ(ToQString(std::wstring{static_cast<wchar_t>(0x110000)}), QString(QChar(0xFFFD)));
+    }
+}
+
+TEST(QtText, ATooltipShowsWhatLooksLikeMarkup) {
+    for (const char* text : {"a<b>&\"c.tif", "<i>", "line\nline", "a  b"}) {
+        const QString tooltip = TooltipText(QLatin1String(text));
+        QTextDocument shown;
+        Qt::mightBeRichText(tooltip) ? shown.setHtml(tooltip) : shown.setPlainText(tooltip);
+        EXPECT_EQ(shown.toPlainText(), QLatin1String(text));
     }
 }
 
