@@ -18,7 +18,7 @@ constexpr const wchar_t* kTo = L" \u2013 ";
 class Section {
   public:
     Section(const RasterRow& row, RasterUse use, StringId title)
-        : row_(row), use_(use), section_{title, {}} {}
+        : row_(row), use_(use), section_{title, {}, false} {}
 
     Section& Add(StringId caption, std::wstring value) {
         AddField(section_.fields, caption, std::move(value));
@@ -29,8 +29,14 @@ class Section {
         const auto index = static_cast<std::size_t>(column);
         return Add(RasterColumns(RasterUse::Image)[index].caption, RasterCellText(row_, column, use_));
     }
+    /// Under the one before it.
+    Section& Below() {
+        section_.isBelow = true;
+        return *this;
+    }
     void Finish(std::vector<DetailSection>& sections) {
         if (!section_.fields.empty()) {
+            section_.isBelow = section_.isBelow && !sections.empty();
             sections.push_back(std::move(section_));
         }
     }
@@ -85,6 +91,12 @@ std::wstring PixelMeaning(const RasterProperties& properties) {
         return Text(41305_lsid);
     }
     return EqualNoCase(properties.pixelIs, L"Point") ? Text(41306_lsid) : properties.pixelIs;
+}
+
+/// What the bands show; empty when that is undefined.
+std::wstring Colors(const RasterProperties& properties) {
+    std::wstring colors = DistinctOfBands(properties, &RasterBandProperties::colorInterpretation);
+    return colors == L"Undefined" ? std::wstring() : colors;
 }
 
 const wchar_t* CoordinateFormat(bool isGeographic) {
@@ -148,8 +160,9 @@ void AddImage(const RasterRow& row, RasterUse use, std::vector<DetailSection>& s
     Section image(row, use, 41284_lsid);
     image.Add(RasterColumn::ImageSize).Add(RasterColumn::Bands);
     image.Add(41291_lsid, DistinctOfBands(row.File().properties, &RasterBandProperties::dataType));
-    image.Add(RasterColumn::BitsPerBand).Add(RasterColumn::ColorModel).Add(RasterColumn::Photometric);
-    image.Add(41311_lsid, DistinctOfBands(row.File().properties, &RasterBandProperties::colorInterpretation));
+    image.Add(RasterColumn::BitsPerBand).Add(RasterColumn::ColorModel);
+    image.Add(41501_lsid, RasterCellText(row, RasterColumn::Photometric, use));
+    image.Add(41311_lsid, Colors(row.File().properties));
     image.Finish(sections);
 }
 
@@ -159,7 +172,7 @@ void AddValues(const RasterRow& row, RasterUse use, std::vector<DetailSection>& 
     values.Add(41292_lsid, properties.hasDetails ? DistinctNodata(properties) : std::wstring());
     values.Add(41293_lsid, LowestMinimum(properties)).Add(41294_lsid, HighestMaximum(properties));
     values.Add(41295_lsid, DistinctOfBands(properties, &RasterBandProperties::unit));
-    values.Finish(sections);
+    values.Below().Finish(sections);
 }
 
 void AddGeoreference(const RasterRow& row, RasterUse use, std::vector<DetailSection>& sections) {
@@ -191,7 +204,7 @@ void AddStorage(const RasterRow& row, RasterUse use, std::vector<DetailSection>&
 std::vector<DetailSection> RasterOverview(const RasterRow& row, RasterUse use) {
     std::vector<DetailSection> sections;
     if (row.IsDescribed()) {
-        for (const auto add : {AddFile, AddImage, AddGeoreference, AddValues, AddStorage}) {
+        for (const auto add : {AddFile, AddValues, AddImage, AddGeoreference, AddStorage}) {
             add(row, use, sections);
         }
     }

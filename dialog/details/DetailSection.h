@@ -16,6 +16,7 @@ struct DetailField {
 struct DetailSection {
     StringId title;
     std::vector<DetailField> fields;  ///< only those that the file says something of
+    bool isBelow = false;             ///< stands under the one before it, not beside it
 };
 
 /// Adds a field unless the file says nothing of it.

@@ -39,7 +39,7 @@ QString FieldsHtml(std::span<const DetailField> fields, const QString& captionCo
     for (const DetailField& field : fields) {
         html += QStringLiteral(
                     "<tr><td style=\"color:%1; padding-right:8px; white-space:nowrap\">%2</td>"
-                    "<td>%3</td></tr>")
+                    "<td style=\"white-space:nowrap\">%3</td></tr>")
                     .arg(captionColour, Escaped(Text(field.caption)), TextHtml(field.value));
     }
     return html + QStringLiteral("</table>");
@@ -47,10 +47,15 @@ QString FieldsHtml(std::span<const DetailField> fields, const QString& captionCo
 
 QString SectionsHtml(std::span<const DetailSection> sections, const QString& captionColour) {
     QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"0\" style=\"margin-top:8px\"><tr>");
-    for (const DetailSection& section : sections) {
-        html += QStringLiteral(
-                    "<td style=\"padding-right:14px\"><p style=\"margin-bottom:3px\"><b>%1</b></p>%2</td>")
-                    .arg(Escaped(Text(section.title)), FieldsHtml(section.fields, captionColour));
+    const auto end = sections.end();
+    for (auto section = sections.begin(); section != end;) {
+        html += QStringLiteral("<td style=\"padding-right:14px\">");
+        do {
+            html += QStringLiteral("<p style=\"margin-bottom:3px; white-space:nowrap\"><b>%1</b></p>%2")
+                        .arg(Escaped(Text(section->title)), FieldsHtml(section->fields, captionColour));
+            ++section;
+        } while (section != end && section->isBelow);
+        html += QStringLiteral("</td>");
     }
     return html + QStringLiteral("</tr></table>");
 }

@@ -23,7 +23,7 @@ constexpr int kImageSize = 16;
 
 QTextEdit* MakeHtmlView() {
     auto* view = new QTextEdit;
-    view->setLineWrapMode(QTextEdit::NoWrap);
+    view->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     return view;
 }
 
@@ -88,6 +88,7 @@ void DetailsPanel::MakeTitle() {
     fold_->setAccessibleName(ToQString(Text(40630_lsid)));
     title_ = new QLabel;
     title_->setObjectName(QStringLiteral("detailsTitle"));
+    title_->setTextFormat(Qt::PlainText);
     title_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto* layout = new QHBoxLayout(titleRow_);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -147,7 +148,7 @@ QString DetailsPanel::CaptionColour() const {
 void DetailsPanel::SetTitle(const std::wstring& title) {
     const std::wstring text = Text(40630_lsid) + (title.empty() ? L"" : L": " + title);
     title_->setText(ToQString(text));
-    title_->setToolTip(ToQString(title));
+    title_->setToolTip(TooltipText(ToQString(title)));
 }
 
 void DetailsPanel::SetHtml(QTextEdit& view, const QString& html) const {

@@ -3,6 +3,7 @@
 
 #include <QAbstractButton>
 #include <QAbstractItemModelTester>
+#include <QAbstractTextDocumentLayout>
 #include <QApplication>
 #include <QDropEvent>
 #include <QLabel>
@@ -10,6 +11,8 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextCursor>
 #include <QTextEdit>
 #include <QUrl>
 
@@ -17,6 +20,7 @@
 #include "dialog/FileRowsModel.h"
 #include "dialog/Images.h"
 #include "dialog/details/DetailsHtml.h"
+#include "dialog/details/DetailsPanel.h"
 #include "dialog/grid/GridView.h"
 #include "dialog/testing/ScriptedServices.h"
 #include "orvexcommon/AddFilesParams.h"
@@ -372,6 +376,39 @@ TEST(DetailsHtmlView, EscapesTextsAndPutsTheFailureFirstAndOnce) {
     EXPECT_LT(html.indexOf(QStringLiteral("broken")), html.indexOf(QStringLiteral("a &amp; b")));
     EXPECT_TRUE(FindingsHtml({}, {}, L"fine").contains(QStringLiteral("fine")));
     EXPECT_EQ(TextHtml(L"one\n<two>"), QStringLiteral("one<br>&lt;two&gt;"));
+}
+
+TEST(DetailsHtmlView, SectionsStandBesideOrBelowTheOneBefore) {
+    const auto titles = [](std::initializer_list<bool> below) {
+        std::vector<DetailSection> sections;
+        for (const bool isBelow : below) {
+            sections.push_back({40636_lsid, {{40581_lsid, L"value"}}, isBelow});
+        }
+        QTextDocument shown;
+        shown.setHtml(SectionsHtml(sections, QStringLiteral("#888888")));
+        std::vector<double> places;  // from left to right, or the same
+        const QString title = ToQString(Text(40636_lsid));
+        for (QTextCursor at = shown.find(title); !at.isNull(); at = shown.find(title, at)) {
+            places.push_back(shown.documentLayout()->blockBoundingRect(at.block()).x());
+        }
+        return places;
+    };
+    const std::vector<double> beside = titles({false, false, false});
+    ASSERT_EQ(beside.size(), 3U);
+    EXPECT_LT(beside[0], beside[1]);
+    EXPECT_LT(beside[1], beside[2]);
+    const std::vector<double> below = titles({false, true, false});
+    ASSERT_EQ(below.size(), 3U);
+    EXPECT_EQ(below[0], below[1]);
+    EXPECT_EQ(below[2], beside[1]);
+}
+
+TEST(DetailsHtmlView, ATitleThatLooksLikeMarkupIsShownAsItIs) {
+    DetailsPanel panel({}, {});
+    panel.Show({L"a<b>c.tif", {}});
+    const auto* title = panel.findChild<QLabel*>(QStringLiteral("detailsTitle"));
+    EXPECT_TRUE(title->text().endsWith(QStringLiteral("a<b>c.tif")));
+    EXPECT_EQ(title->textFormat(), Qt::PlainText);
 }
 
 }  // namespace
