@@ -96,17 +96,26 @@ std::wstring TemporaryName(const std::wstring& path) {
     throw LDataError(reason.empty() ? Text(41425_lsid) : reason);
 }
 
-/// Builds the levels of a stand-in for the raster, so that they get a name of their own until they are
-/// complete. False when the user stopped it.
-bool BuildLevels(GDALDataset& raster, const std::wstring& standIn, Step& step) {
+GDALDatasetUniquePtr MakeStandIn(GDALDataset& raster, const std::wstring& path) {
     const GdalErrorScope errors;
     auto* driver = GetGDALDriverManager()->GetDriverByName("VRT");
     GDALDatasetUniquePtr dataset(driver == nullptr ? nullptr
-                                                   : driver->CreateCopy(ToUtf8(standIn).c_str(), &raster,
-                                                                        FALSE, nullptr, nullptr, nullptr));
+                                                   : driver->CreateCopy(ToUtf8(path).c_str(), &raster, FALSE,
+                                                                        nullptr, nullptr, nullptr));
     if (dataset == nullptr) {
         Fail(errors);
     }
+    // The levels do not tell the place, and of some coordinate systems writing it into the stand-in fails.
+    dataset->SetSpatialRef(nullptr);
+    dataset->SetGCPs(0, nullptr, static_cast<const OGRSpatialReference*>(nullptr));
+    return dataset;
+}
+
+/// Builds the levels of a stand-in for the raster, so that they get a name of their own until they are
+/// complete. False when the user stopped it.
+bool BuildLevels(GDALDataset& raster, const std::wstring& standIn, Step& step) {
+    GDALDatasetUniquePtr dataset = MakeStandIn(raster, standIn);
+    const GdalErrorScope errors;
     const bool hasPalette = raster.GetRasterBand(1)->GetColorTable() != nullptr;
     const ThreadOption compress("COMPRESS_OVERVIEW", "DEFLATE");
     const ThreadOption big("BIGTIFF_OVERVIEW", "IF_SAFER");

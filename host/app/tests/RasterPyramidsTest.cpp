@@ -116,5 +116,24 @@ TEST(RasterPyramids, StoppingLeavesNothingHalfMade) {
     EXPECT_EQ(folder.Entries(), 3U);
 }
 
+TEST(RasterPyramids, WhateverTheCoordinateSystemIs) {
+    const TemporaryFolder folder;
+    const TestRaster raster(1100, 2, GDT_Byte, std::vector<double>(2200, 7));
+    OGRSpatialReference ellipsoidal;
+    ASSERT_EQ(ellipsoidal.importFromEPSG(4979), OGRERR_NONE);
+    GDAL_GCP points[4] = {};
+    GDALInitGCPs(4, points);
+    for (int i = 0; i < 4; ++i) {
+        points[i].dfGCPPixel = points[i].dfGCPX = i % 2;
+        points[i].dfGCPLine = points[i].dfGCPY = i / 2;
+    }
+    raster->SetGCPs(4, points, &ellipsoidal);
+    GDALDeinitGCPs(4, points);
+    Steps steps;
+    const auto result = RasterPyramids::Build({raster.Save(folder, L"points.tif")}, steps);
+    EXPECT_EQ(result.built, 1U);
+    EXPECT_TRUE(result.failures.empty()) << ToUtf8(result.failures.front().cause);
+}
+
 }  // namespace
 }  // namespace orvex
