@@ -90,7 +90,7 @@ void Refuse(RasterInspection& inspection, const std::wstring& reason) {
     inspection.unit.clear();
     inspection.bigTiff = false;
     inspection.crs = DescribeCrs({});
-    inspection.summary = Text(13638_lsid) + (reason.empty() ? L"" : L" ") + reason;
+    inspection.summary = Text(13638_lsid) + L" " + (reason.empty() ? Text(41500_lsid) : reason);
     inspection.findings = {{FindingSeverity::Error, inspection.summary}};
 }
 

@@ -11,7 +11,8 @@ namespace orvex {
 namespace {
 
 /// A message of GDAL's that has a text of ours: it is known by words in it. A "%s" of that text takes what
-/// stands between `before` and `after`; an empty `after` means the end, less a dot.
+/// stands between `before` and `after`; an empty `before` means the beginning, an empty `after` the end, less
+/// a dot. Where both are empty, the text has none.
 struct KnownMessage {
     std::string_view words;
     StringId text;
@@ -27,6 +28,7 @@ constexpr KnownMessage kKnownMessages[] = {
     {"Can not read TIFF directory", 41214_lsid, "", ""},
     {"Failed to read directory", 41214_lsid, "", ""},
     {"IFD looping", 41233_lsid, "", ""},
+    {"Cannot read TIFF header", 41500_lsid, "", ""},
     {"Cannot handle zero", 41216_lsid, "", ""},
     {"Image file is too small", 41217_lsid, "", ""},
     {"\"StripByteCounts\" field, ", 41219_lsid, "", ""},
@@ -38,6 +40,14 @@ constexpr KnownMessage kKnownMessages[] = {
     {"tags are not sorted", 41232_lsid, "", ""},
     {"GeoTIFF tags apparently corrupt", 40122_lsid, "", ""},
     {"crs not found", 41231_lsid, "", ""},
+    {": No such file or directory", 41502_lsid, "", ": No such file"},
+    {"File too large regarding tile size", 41213_lsid, "", ""},
+    {"IReadBlock failed", 41503_lsid, "", ""},
+    {"TIFFReadScanline() failed", 41503_lsid, "", ""},
+    {"Cannot read offset/size for strile", 41212_lsid, "", ""},
+    {"PartialReadStripArray", 41212_lsid, "", ""},
+    // What libraries say to programmers, or beside the reason.
+    {"is TIFF_SETGET_UNDEFINED", StringId{}, "", ""},
     {"not recognized as a supported file format", StringId{}, "", ""},
 };
 
@@ -80,7 +90,7 @@ std::string Clean(std::string_view message) {
 }
 
 std::wstring KnownText(std::string_view message, const KnownMessage& known) {
-    if (known.before.empty()) {
+    if (known.before.empty() && known.after.empty()) {
         return Text(known.text);
     }
     const std::size_t at = message.find(known.before);

@@ -52,8 +52,8 @@ std::vector<Hostile> Sizes() {
         {"2^31 wide", Image(std::uint64_t{1} << 31U, 1).Build(), false,
          "larger than any image that can be read (2147483648 x 1 pixels)"},
         {"2^32 - 1 in both", Image(kMost32, kMost32).Build(), false, "It holds no image."},
-        {"no width", Image(0, 1).Build(), false, "could not be read as a raster"},
-        {"no height", Image(1, 0).Build(), false, "could not be read as a raster"},
+        {"no width", Image(0, 1).Build(), false, "cannot be read"},
+        {"no height", Image(1, 0).Build(), false, "cannot be read"},
         {"a tile of 2^31",
          Image(1, 1)
              .Tag(322, 4, {std::uint64_t{1} << 31U})
@@ -71,7 +71,7 @@ std::vector<Hostile> Sizes() {
 
 std::vector<Hostile> Directories() {
     return {
-        {"the four bytes of the signature", "II*\0"s, false, "could not be read as a raster"},
+        {"the four bytes of the signature", "II*\0"s, false, "cannot be read"},
         {"a directory beyond the end", "II*\0\xff\xff\xff\x7f"s, false,
          "A directory of the file cannot be read."},
         {"a directory of 65535 tags, cut off", "II*\0\x08\0\0\0\xff\xff\0\x01"s, false,
@@ -144,11 +144,11 @@ std::vector<Hostile> Placements() {
 std::vector<Hostile> Others() {
     return {
         {"an empty file", "", false, "The file is empty."},
-        {"a text", "This is not an image.\n", false, "could not be read as a raster"},
-        {"zeros", std::string(5000, '\0'), false, "could not be read as a raster"},
+        {"a text", "This is not an image.\n", false, "cannot be read"},
+        {"zeros", std::string(5000, '\0'), false, "cannot be read"},
         {"a description of a server's images",
          "<GDAL_WMS><Service name=\"TMS\"><ServerUrl>http://127.0.0.1:9/</ServerUrl></Service></GDAL_WMS>",
-         false, "could not be read as a raster"},
+         false, "cannot be read"},
         {"an image to be computed from others when opened",
          "<VRTDataset rasterXSize=\"1\" rasterYSize=\"1\" subClass=\"VRTWarpedDataset\"/>", false,
          "computed from other files"},

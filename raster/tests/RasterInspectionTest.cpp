@@ -130,7 +130,7 @@ TEST(RasterInspection, AnObjectThatFailsGivesTheRow) {
     EXPECT_EQ(refused.summary, Text(13638_lsid) + L" Not today.");
     EXPECT_EQ(refused.properties.width, 0);
     const auto silent = InspectRasterFile(path, RasterUse::Image, Answering(kHostFail, {}));
-    EXPECT_EQ(silent.summary, Text(13638_lsid));
+    EXPECT_EQ(silent.summary, Text(13638_lsid) + L" " + Text(41500_lsid));
     const auto without = InspectRasterFile(path, RasterUse::Image, Answering(kHostOk, {}));
     EXPECT_FALSE(without.loadable) << "an image without a size";
 

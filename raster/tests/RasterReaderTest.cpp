@@ -7,8 +7,10 @@
 #include <cmath>
 #include <limits>
 
+#include "raster/RasterWarnings.h"
 #include "raster/testing/GeoTiff.h"
 #include "support/Files.h"
+#include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
 
@@ -217,6 +219,23 @@ TEST(RasterReader, NodataOfEveryKind) {
     };
     const auto nodata = ReadRasterProperties(tiff.Write(folder, L"b.tif")).bandDetails.at(0).nodata;
     EXPECT_TRUE(nodata && std::isnan(*nodata));
+}
+
+TEST(RasterReader, WhatLibrariesSayBecomesPlain) {
+    const std::pair<const char*, std::wstring> cases[] = {
+        {"/a b/part.tif: No such file or directory", FormatText(Text(41502_lsid), {L"/a b/part.tif"})},
+        {"/a/b.tif, band 1: IReadBlock failed at X offset 0, Y offset 0: TIFFReadEncodedStrip() failed.",
+         Text(41503_lsid)},
+        {"/a/b.tif: _TIFFPartialReadStripArray:Cannot read offset/size for strile around ~0",
+         Text(41212_lsid)},
+        {"Defined set_field_type of custom tag 8 (Tag 8) is TIFF_SETGET_UNDEFINED and thus tag is not read",
+         L""},
+        {"missing codec LZ99.", FormatText(Text(41205_lsid), {L"LZ99"})},
+        {"/a/b.tif: Function:Something new.", FormatText(Text(41209_lsid), {L"Something new"})},
+    };
+    for (const auto& [message, text] : cases) {
+        EXPECT_EQ(PlainReason({message}), text) << message;
+    }
 }
 
 }  // namespace
