@@ -78,15 +78,13 @@ std::string Clean(std::string_view message) {
     // A path ends where its colon stands; one with a drive letter has an earlier colon.
     if (const std::size_t slash = message.find_last_of("/\\"); slash != std::string_view::npos) {
         const std::size_t end = message.find(':', slash);
+        const std::size_t rest = message.find_first_not_of(": ", end);
         const bool isPrefix =
-            end != std::string_view::npos && message.find('\'') > end && message.find('`') > end;
-        message = isPrefix ? message.substr(message.find_first_not_of(": ", end)) : message;
+            rest != std::string_view::npos && message.find('\'') > end && message.find('`') > end;
+        message = isPrefix ? message.substr(rest) : message;
     }
     message = WithoutPrefixes(message);
-    while (!message.empty() && (message.back() == ' ' || message.back() == '.')) {
-        message.remove_suffix(1);
-    }
-    return std::string(message);
+    return std::string(message.substr(0, message.find_last_not_of(" .:") + 1));
 }
 
 std::wstring KnownText(std::string_view message, const KnownMessage& known) {
@@ -110,7 +108,8 @@ std::wstring PlainText(const std::string& message) {
             return KnownText(message, known);
         }
     }
-    return FormatText(Text(41209_lsid), {FromUtf8(Clean(message))});
+    const std::string cleaned = Clean(message);
+    return cleaned.empty() ? std::wstring() : FormatText(Text(41209_lsid), {FromUtf8(cleaned)});
 }
 
 }  // namespace

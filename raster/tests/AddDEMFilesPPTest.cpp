@@ -87,6 +87,7 @@ TEST_F(DemPage, TheTokenIsInsertedOnce) {
 TEST_F(DemPage, ABrowsedFolderEndsWithOneSeparator) {
     pickers.folders = {std::nullopt, L"/data/out/", L"/data/out\\", folder.Name(L"out")};
     Click(kBrowse);
+    EXPECT_THAT(pickers.folderTitles, ElementsAre(Text(3203_lsid)));
     EXPECT_EQ(ToWide(Folder().text()), L"<ORVEX_PROJECT_PATH>\\DEM Import") << "cancelled";
     for (const wchar_t* ended : {L"/data/out/", L"/data/out\\"}) {
         Click(kBrowse);
@@ -109,6 +110,9 @@ TEST_F(DemPage, ThePromptsAndThePickerAreItsOwn) {
     EXPECT_EQ(prompts.shown[0].caption, Text(10184_lsid));
     EXPECT_EQ(prompts.shown[0].icon, PromptIcon::Error);
     EXPECT_EQ(prompts.shown[1].text, Text(3241_lsid));
+    EXPECT_EQ(prompts.shown[1].caption, Text(18253_lsid));
+    EXPECT_EQ(prompts.shown[1].buttons, PromptButtons::YesNoCancel);
+    EXPECT_THAT(pickers.folderTitles, ElementsAre(Text(18251_lsid)));
     EXPECT_EQ(prompts.shown[1].icon, PromptIcon::Question);
 }
 

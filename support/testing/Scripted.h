@@ -44,6 +44,7 @@ class ScriptedPickers final : public FilePickers {
     std::deque<PickedFiles> files;
     std::deque<std::optional<std::wstring>> folders;
     std::vector<OpenFilesRequest> asked;
+    std::vector<std::wstring> folderTitles;
 
     PickedFiles PickFiles(const OpenFilesRequest& request) override {
         asked.push_back(request);
@@ -54,7 +55,8 @@ class ScriptedPickers final : public FilePickers {
         files.pop_front();
         return picked;
     }
-    std::optional<std::wstring> PickFolder(const std::wstring&) override {
+    std::optional<std::wstring> PickFolder(const std::wstring& title) override {
+        folderTitles.push_back(title);
         if (folders.empty()) {
             return std::nullopt;
         }
