@@ -21,7 +21,6 @@ namespace {
 using ::testing::Contains;
 using testing::GeoTiff;
 using ::testing::IsEmpty;
-using ::testing::Not;
 using testing::TemporaryFolder;
 
 std::vector<std::wstring> Texts(const RasterInspection& inspection) {
