@@ -10,6 +10,7 @@
 #include <QToolButton>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "dialog/CTabCtrlEx.h"
 #include "dialog/CompanionWarning.h"
@@ -223,6 +224,14 @@ void AddFilesDlg::RestoreFocus() {
 void AddFilesDlg::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape && event->isAutoRepeat()) {
         event->accept();
+        return;
+    }
+    // The tab control takes Ctrl+Tab only while the focus is inside; here it is on a button below.
+    const bool isTab = event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab;
+    if (isTab && event->modifiers().testFlag(Qt::ControlModifier) && !progress_->IsRunning()) {
+        const int count = std::max(tabs_->count(), 1);
+        tabs_->setCurrentIndex((tabs_->currentIndex() + (event->key() == Qt::Key_Tab ? 1 : count - 1)) %
+                               count);
         return;
     }
     QDialog::keyPressEvent(event);

@@ -204,7 +204,7 @@ void AddStorage(const RasterRow& row, RasterUse use, std::vector<DetailSection>&
 std::vector<DetailSection> RasterOverview(const RasterRow& row, RasterUse use) {
     std::vector<DetailSection> sections;
     if (row.IsDescribed()) {
-        for (const auto add : {AddFile, AddValues, AddImage, AddGeoreference, AddStorage}) {
+        for (const auto add : {AddFile, AddImage, AddGeoreference, AddStorage, AddValues}) {
             add(row, use, sections);
         }
     }

@@ -65,6 +65,19 @@ TEST_F(Shell, OnlyTheSelectedTabHasItsImageAndItsPage) {
     EXPECT_TRUE(tabs.tabIcon(5).isNull()) << "the list has no image for the cloud tab";
 }
 
+TEST_F(Shell, CtrlTabChangesTheTabFromTheButtonsToo) {
+    params.showRasterTab = params.showDemTab = true;
+    const auto dialog = Open();
+    CTabCtrlEx& tabs = dialog->Tabs();
+    auto* ok = dialog->findChild<QPushButton*>(QStringLiteral("ok"));
+    for (const int expected : {1, 2, 0}) {
+        QTest::keyClick(ok, Qt::Key_Tab, Qt::ControlModifier);
+        EXPECT_EQ(tabs.ShownIndex(), expected);
+    }
+    QTest::keyClick(ok, Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(tabs.ShownIndex(), 2);
+}
+
 TEST_F(Shell, InitialTabSelectsATabOrNone) {
     params.showCloudTab = true;
     struct Case {
