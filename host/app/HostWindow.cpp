@@ -112,7 +112,7 @@ bool HostWindow::OpenProject(const QString& folder) {
     state_.Save();
     FillRecentMenu();
     ProjectChanged();
-    footprints_->FitAll();
+    ShowLayer(project_.MainLayer());
     return true;
 }
 
@@ -148,8 +148,14 @@ void HostWindow::TakeRecord(const AddFilesParams& record) {
     }
     ProjectChanged();
     SaveNow();
-    tree_->expandAll();
-    crsChoice_->setCurrentIndex(CrsIndexOf(project_.layers[*result.mainLayer].wkt));
+    ShowLayer(result.mainLayer);
+}
+
+/// Shows on the map what has the CRS of a layer.
+void HostWindow::ShowLayer(const std::optional<std::size_t>& layer) {
+    if (layer) {
+        crsChoice_->setCurrentIndex(CrsIndexOf(project_.layers[*layer].wkt));
+    }
     footprints_->FitAll();
 }
 
@@ -281,6 +287,7 @@ void HostWindow::ShowChosenCrs() {
 
 void HostWindow::ProjectChanged() {
     layers_->Reload();
+    tree_->expandAll();
     FillCrsChoice();
     ShowChosenCrs();
     footprints_->SetSelected({});

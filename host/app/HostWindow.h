@@ -2,6 +2,7 @@
 #include <QMainWindow>
 #include <QStringList>
 #include <memory>
+#include <optional>
 
 #include "host/app/CrsGroups.h"
 #include "host/app/DropPlan.h"
@@ -74,6 +75,7 @@ class HostWindow final : public QMainWindow {
     bool SaveNow();
     bool SaveBeforeClosing();
     void TakeRecord(const AddFilesParams& record);
+    void ShowLayer(const std::optional<std::size_t>& layer);
     void RememberFolder(const AddFilesParams& record);
     int CrsIndexOf(const std::string& wkt);
     void SetDark(bool dark);

@@ -28,7 +28,7 @@ std::size_t MakeMissingLayers(std::vector<Layer>& layers, LayerKind kind, const 
 }
 
 /// Of `layers`, the one that got the most files; one with a CRS before one without.
-std::size_t MainLayer(const std::vector<Layer>& layers, const std::vector<std::size_t>& addedTo) {
+std::size_t LayerOfMost(const std::vector<Layer>& layers, const std::vector<std::size_t>& addedTo) {
     const auto rank = [&](std::size_t i) {
         return std::tuple(addedTo[i] > 0, !layers[i].wkt.empty(), addedTo[i]);
     };
@@ -85,8 +85,19 @@ AddedFiles Project::Take(LayerKind kind, const std::vector<NewFile>& files) {
         layers[place].files.push_back(std::move(file.file));
         ++addedTo[place];
     }
-    added.mainLayer = MainLayer(layers, addedTo);
+    added.mainLayer = LayerOfMost(layers, addedTo);
     return added;
+}
+
+std::optional<std::size_t> Project::MainLayer() const {
+    std::vector<std::size_t> placed;
+    for (const Layer& layer : layers) {
+        placed.push_back(
+            static_cast<std::size_t>(std::ranges::count_if(layer.files, [&layer](const LayerFile& file) {
+                return layer.kind == LayerKind::Las || file.raster.extent.has_value();
+            })));
+    }
+    return layers.empty() ? std::nullopt : std::optional(LayerOfMost(layers, placed));
 }
 
 void Project::Remove(const std::set<std::pair<std::size_t, std::size_t>>& files,

@@ -79,6 +79,9 @@ struct Project {
 
     bool IsEmpty() const { return layers.empty(); }
     std::size_t FileCount() const;
+    /// The layer to be shown first: with the most files that have a place; with a CRS before without; none
+    /// when there is no layer.
+    std::optional<std::size_t> MainLayer() const;
     /// Layer name to WKT, as the Add Files dialog wants to know the layers that files can be appended to.
     std::map<std::wstring, std::wstring> LayersForDialog(LayerKind kind) const;
 
