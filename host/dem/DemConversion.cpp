@@ -83,6 +83,7 @@ class DemConverter {
     void AdaptHeights();
     void MakeFolder() const;
     void RequireRoom() const;
+    void RequirePoints(const LasPointWriter& writer) const;
     void RequireCountable(std::uint64_t points) const;
     bool WritePoints(DemEncoder& encoder, LasPointWriter& writer);
     std::optional<LasPointWriter> WriteFitting(const std::wstring& path);
@@ -123,9 +124,7 @@ std::optional<DemConversionResult> DemConverter::Run() {
     if (!writer) {
         return std::nullopt;
     }
-    if (writer->Points() == 0) {
-        throw LDataError(FormatText(Text(41385_lsid), {raster_.Path()}));
-    }
+    RequirePoints(*writer);
     if (raster_.ImpossibleHeights() > 0) {
         result_.warnings.push_back(
             FormatText(Text(41394_lsid), {raster_.ImpossibleHeights(), raster_.Path()}));
@@ -177,6 +176,14 @@ void DemConverter::RequireRoom() const {
         throw LDataError(
             FormatText(Text(41389_lsid), {Target(1), needed * 1e-6, static_cast<double>(*available) * 1e-6}));
     }
+}
+
+void DemConverter::RequirePoints(const LasPointWriter& writer) const {
+    if (writer.Points() > 0) {
+        return;
+    }
+    throw LDataError(options_.thinning > 1 ? FormatText(Text(41397_lsid), {raster_.Path(), options_.thinning})
+                                           : FormatText(Text(41385_lsid), {raster_.Path()}));
 }
 
 void DemConverter::RequireCountable(std::uint64_t points) const {

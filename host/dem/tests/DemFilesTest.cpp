@@ -119,6 +119,8 @@ TEST_F(DemFilesTest, FailuresNameTheFileAndLeaveNothing) {
         EXPECT_NE(text.find(failing.cause), std::wstring::npos) << ToUtf8(text);
         EXPECT_TRUE(NamesIn(L"out").empty());
     }
+    options_.thinning = 16;  // the heights may be among those left out
+    EXPECT_NE(FailureOf(folder_.Name(L"in/noheights.tif")).find(L"a thinning of 16"), std::wstring::npos);
     folder_.Write(L"file", "in the way");
     options_.outputFolder = folder_.Name(L"file/out");
     EXPECT_NE(FailureOf(Write({})).find(L"out"), std::wstring::npos);
