@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
+#include <commctrl.h>
 #include <commdlg.h>
 #include <dlgs.h>
 
@@ -73,6 +74,39 @@ void TypeNames(HWND dialog, const std::wstring& names) {
     Press(dialog, IDOK);
 }
 
+BOOL CALLBACK TakeTree(HWND window, LPARAM parameter) {
+    wchar_t className[32] = {};
+    GetClassNameW(window, className, 32);
+    if (std::wstring(className) != WC_TREEVIEWW) {
+        return TRUE;
+    }
+    reinterpret_cast<Search*>(parameter)->found = window;
+    return FALSE;
+}
+
+/// What is selected in the tree of a folder browser, as it is shown.
+std::wstring SelectedFolder(HWND browser) {
+    Search tree;
+    EnumChildWindows(browser, TakeTree, reinterpret_cast<LPARAM>(&tree));
+    wchar_t text[MAX_PATH] = {};
+    TVITEMW item{};
+    item.mask = TVIF_TEXT;
+    item.hItem = TreeView_GetSelection(tree.found);
+    item.pszText = text;
+    item.cchTextMax = MAX_PATH;
+    SendMessageW(tree.found, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    return text;
+}
+
+/// Agrees once the folder of this name is selected: the browser goes to it step by step, and takes a press on
+/// its button between two of them.
+void AgreeTo(HWND browser, const std::wstring& name) {
+    for (int i = 0; SelectedFolder(browser) != name && i < 500; ++i) {
+        std::this_thread::sleep_for(20ms);
+    }
+    Press(browser, IDOK);
+}
+
 std::wstring CurrentFolder() {
     return FromPath(std::filesystem::current_path());
 }
@@ -136,7 +170,8 @@ TEST_F(SystemDialogs, CancelledAndTooManyAreToldApart) {
 TEST_F(SystemDialogs, TheFolderBrowserOpensOnTheCurrentFolder) {
     std::filesystem::current_path(folder.Path());
     {
-        const WhenOpen agreeing([](HWND dialog) { Press(dialog, IDOK); });
+        const std::wstring name = FileNameOf(FromPath(folder.Path()));
+        const WhenOpen agreeing([&](HWND dialog) { AgreeTo(dialog, name); });
         EXPECT_EQ(pickers->PickFolder(L"Folder"), FromPath(folder.Path()));
     }
     {
