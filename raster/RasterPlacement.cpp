@@ -1,6 +1,5 @@
 #include "raster/RasterPlacement.h"
 
-#include <cpl_conv.h>
 #include <ogr_spatialref.h>
 
 #include <algorithm>
@@ -9,6 +8,7 @@
 
 #include "raster/CrsDescription.h"
 #include "support/Text.h"
+#include "support/WktExport.h"
 
 namespace orvex {
 namespace {
@@ -18,25 +18,15 @@ using Transform = std::array<double, 6>;
 // The GeoTIFF code of a CRS that its user has defined.
 constexpr std::int32_t kUserDefined = 32767;
 
-std::string Export(const OGRSpatialReference& crs, const char* format) {
-    const char* const options[] = {format, "MULTILINE=NO", nullptr};
-    char* text = nullptr;
-    const bool isWhole = crs.exportToWkt(&text, options) == OGRERR_NONE;
-    std::string wkt = isWhole && text != nullptr ? text : "";
-    CPLFree(text);
-    return wkt;
-}
-
-/// WKT1 unless it would lose part of the CRS. The format is named, because the option that sets it is the
-/// process's and other threads may be changing it.
+/// WKT1 unless it would lose part of the CRS.
 std::string ExportCrs(const OGRSpatialReference& crs) {
     constexpr int kPlaneAxes = 2;
     const bool losesAxis = crs.GetAxesCount() > kPlaneAxes && crs.IsCompound() == 0;
     std::string wkt;
     if (!losesAxis && crs.IsDerivedGeographic() == 0) {
-        wkt = Export(crs, "FORMAT=WKT1_GDAL");
+        wkt = ExportWkt(crs, "WKT1_GDAL");
     }
-    return wkt.empty() ? Export(crs, "FORMAT=WKT2_2019") : wkt;
+    return wkt.empty() ? ExportWkt(crs, "WKT2_2019") : wkt;
 }
 
 /// The unit of horizontal distances: a geographic CRS has none, though its vertical part may have.

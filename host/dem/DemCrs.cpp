@@ -1,8 +1,5 @@
 #include "host/dem/DemCrs.h"
 
-#include <cpl_conv.h>
-
-#include <memory>
 #include <optional>
 #include <string_view>
 
@@ -12,6 +9,7 @@
 #include "support/Format.h"
 #include "support/GdalErrorScope.h"
 #include "support/Text.h"
+#include "support/WktExport.h"
 
 namespace orvex {
 namespace {
@@ -20,18 +18,10 @@ constexpr int kFirstWktFormat = 6;
 constexpr int kFirstWktVersion = 4;
 constexpr std::string_view kProjectionUserId = "LASF_Projection";
 
-std::string ExportAs(const OGRSpatialReference& crs, const char* format) {
-    char* text = nullptr;
-    const char* const options[] = {format, nullptr};
-    const bool isGood = crs.exportToWkt(&text, options) == OGRERR_NONE && text != nullptr;
-    const std::unique_ptr<char, decltype(&CPLFree)> owner(text, &CPLFree);
-    return isGood ? text : "";
-}
-
 /// WKT1 is what LAS 1.4 names; some CRSs exist in WKT2 only.
 std::string WktOf(const OGRSpatialReference& crs) {
-    std::string wkt = ExportAs(crs, "FORMAT=WKT1_GDAL");
-    return wkt.empty() ? ExportAs(crs, "FORMAT=WKT2_2019") : wkt;
+    std::string wkt = ExportWkt(crs, "WKT1_GDAL");
+    return wkt.empty() ? ExportWkt(crs, "WKT2_2019") : wkt;
 }
 
 std::optional<DemCrsRecords> WithGeoKeys(const OGRSpatialReference& crs, const std::string& wkt,

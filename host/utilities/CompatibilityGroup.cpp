@@ -9,6 +9,7 @@
 #include "host/utilities/CrsReading.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/GdalErrorScope.h"
+#include "support/WktExport.h"
 
 using namespace orvex;
 
@@ -60,9 +61,9 @@ std::string FindCode(const OGRSpatialReference& crs) {
 /// A WKT with its numbers rounded (those outside of quotes) and, unless it is the CRS's identity, without the
 /// name that its writer chose.
 std::string NormalizedWkt(const OGRSpatialReference& crs, bool nameIsIdentity) {
-    std::string wkt = ExportWkt(crs, "WKT1_SIMPLE", false);
+    std::string wkt = ExportWkt(crs, "WKT1_SIMPLE");
     if (wkt.empty()) {
-        wkt = ExportWkt(crs, "WKT2_2019", false);
+        wkt = ExportWkt(crs, "WKT2_2019");
     }
     std::string text;
     std::size_t quotes = 0;

@@ -14,6 +14,7 @@
 #include "support/GdalErrorScope.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
+#include "support/WktExport.h"
 
 using namespace orvex;
 
@@ -77,8 +78,8 @@ std::string WktOfTiff(const std::string& path) {
     if (crs == nullptr || crs->IsEmpty() || SaysNothing(*crs)) {
         return {};
     }
-    std::string wkt = ExportWkt(*crs, "WKT1_GDAL", false);
-    return wkt.empty() ? ExportWkt(*crs, "WKT2_2019", false) : wkt;
+    std::string wkt = ExportWkt(*crs, "WKT1_GDAL");
+    return wkt.empty() ? ExportWkt(*crs, "WKT2_2019") : wkt;
 }
 
 }  // namespace

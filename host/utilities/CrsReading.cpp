@@ -1,7 +1,5 @@
 #include "host/utilities/CrsReading.h"
 
-#include <cpl_conv.h>
-
 #include <charconv>
 #include <limits>
 #include <mutex>
@@ -34,17 +32,6 @@ bool ImportEpsg(long code, OGRSpatialReference& crs) {
     FindProjData();
     return code > 0 && code <= std::numeric_limits<int>::max() &&
            crs.importFromEPSG(static_cast<int>(code)) == OGRERR_NONE;
-}
-
-std::string ExportWkt(const OGRSpatialReference& crs, const char* format, bool multiLine) {
-    const std::string formatOption = std::string("FORMAT=") + format;
-    const char* const options[] = {formatOption.c_str(), multiLine ? "MULTILINE=YES" : "MULTILINE=NO",
-                                   nullptr};
-    char* text = nullptr;
-    const OGRErr error = crs.exportToWkt(&text, options);
-    std::string wkt = error == OGRERR_NONE && text != nullptr ? text : "";
-    CPLFree(text);
-    return wkt;
 }
 
 OGRSpatialReference WithCodedParts(const OGRSpatialReference& crs) {

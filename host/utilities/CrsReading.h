@@ -13,9 +13,6 @@ bool ImportWkt(const std::string& wkt, OGRSpatialReference& crs);
 /// GdalErrorScope.
 bool ImportEpsg(long code, OGRSpatialReference& crs);
 
-/// The CRS in a format of GDAL's ("WKT1_GDAL", "WKT2_2019", ...); empty when it cannot be expressed in it.
-std::string ExportWkt(const OGRSpatialReference& crs, const char* format, bool multiLine);
-
 /// A compound CRS that has a code, with its parts as PROJ's database has them: WKT2 gives the code of the
 /// whole only. Any other CRS as it is.
 OGRSpatialReference WithCodedParts(const OGRSpatialReference& crs);

@@ -4,10 +4,9 @@
 #include <cpl_string.h>
 #include <gdal_priv.h>
 
-#include <memory>
-
 #include "raster/GdalSetup.h"
 #include "support/Text.h"
+#include "support/WktExport.h"
 
 namespace orvex::testing {
 namespace {
@@ -77,13 +76,7 @@ bool WriteValues(GDALRasterBand& band, const DemSample& sample) {
 std::string WktOfRaster(const std::wstring& path) {
     const GDALDatasetUniquePtr dataset(GDALDataset::Open(ToUtf8(path).c_str(), GDAL_OF_RASTER));
     const OGRSpatialReference* const crs = dataset ? dataset->GetSpatialRef() : nullptr;
-    const char* const options[] = {"FORMAT=WKT2_2019", nullptr};
-    char* text = nullptr;
-    if (crs != nullptr) {
-        crs->exportToWkt(&text, options);
-    }
-    const std::unique_ptr<char, decltype(&CPLFree)> owner(text, &CPLFree);
-    return text == nullptr ? "" : text;
+    return crs == nullptr ? "" : ExportWkt(*crs, "WKT2_2019");
 }
 
 bool WriteDem(const std::wstring& path, const DemSample& sample) {

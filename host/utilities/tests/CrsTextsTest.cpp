@@ -1,4 +1,3 @@
-#include <cpl_conv.h>
 #include <gdal.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,24 +6,20 @@
 #include <array>
 
 #include "orvexcommon/OrvexUtilities.h"
+#include "support/WktExport.h"
 
 namespace orvex {
 namespace {
 
 /// The WKT of an EPSG code as writers of one format make it.
-std::string Wkt(int code, const char* format = "FORMAT=WKT1_GDAL") {
+std::string Wkt(int code, const char* format = "WKT1_GDAL") {
     OGRSpatialReference crs;
     EXPECT_EQ(crs.importFromEPSG(code), OGRERR_NONE) << code;
-    const char* const options[] = {format, nullptr};
-    char* text = nullptr;
-    crs.exportToWkt(&text, options);
-    std::string wkt = text == nullptr ? "" : text;
-    CPLFree(text);
-    return wkt;
+    return ExportWkt(crs, format);
 }
 
-constexpr auto kEsri = "FORMAT=WKT1_ESRI";
-constexpr auto kWkt2 = "FORMAT=WKT2_2019";
+constexpr auto kEsri = "WKT1_ESRI";
+constexpr auto kWkt2 = "WKT2_2019";
 
 std::string Group(const std::string& wkt) {
     return OrvexUtilities::GetCompatibilityGroup(wkt);
