@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "raster/BandFacts.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -24,27 +25,6 @@ std::optional<Number> Parse(const char* text) {
     return number;
 }
 
-std::int32_t Bits(GDALRasterBandH band) {
-    const auto stated = Parse<std::int32_t>(GDALGetMetadataItem(band, "NBITS", "IMAGE_STRUCTURE"));
-    return stated.value_or(GDALGetDataTypeSizeBits(GDALGetRasterDataType(band)));
-}
-
-std::optional<double> Nodata(GDALRasterBandH band) {
-    int isStated = 0;
-    double value = 0;
-    switch (GDALGetRasterDataType(band)) {
-        case GDT_Int64:
-            value = static_cast<double>(GDALGetRasterNoDataValueAsInt64(band, &isStated));
-            break;
-        case GDT_UInt64:
-            value = static_cast<double>(GDALGetRasterNoDataValueAsUInt64(band, &isStated));
-            break;
-        default:
-            value = GDALGetRasterNoDataValue(band, &isStated);
-    }
-    return isStated != 0 ? std::optional(value) : std::nullopt;
-}
-
 using StatedLimit = double(CPL_STDCALL*)(GDALRasterBandH, int*);
 
 /// A minimum or maximum that somebody has found and written down. Without one GDAL returns the limit of the
@@ -61,11 +41,11 @@ std::optional<double> Limit(GDALRasterBandH band, const char* item, StatedLimit 
 RasterBandProperties Describe(GDALRasterBandH band, bool onlyStated) {
     RasterBandProperties properties;
     properties.dataType = Wide(GDALGetDataTypeName(GDALGetRasterDataType(band)));
-    properties.bits = Bits(band);
+    properties.bits = BandBits(band);
     GDALGetBlockSize(band, &properties.blockWidth, &properties.blockHeight);
     properties.colorInterpretation =
         Wide(GDALGetColorInterpretationName(GDALGetRasterColorInterpretation(band)));
-    properties.nodata = Nodata(band);
+    properties.nodata = BandNodata(band);
     properties.minimum = Limit(band, "STATISTICS_MINIMUM", GDALGetRasterMinimum, onlyStated);
     properties.maximum = Limit(band, "STATISTICS_MAXIMUM", GDALGetRasterMaximum, onlyStated);
     properties.overviews = onlyStated ? 0 : GDALGetOverviewCount(band);

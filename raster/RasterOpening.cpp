@@ -6,7 +6,9 @@
 #include <string_view>
 
 #include "raster/FolderListing.h"
+#include "raster/MissingReader.h"
 #include "raster/RasterDrivers.h"
+#include "raster/RasterWarnings.h"
 #include "support/Files.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
@@ -69,6 +71,11 @@ GdalDataset OpenRaster(const std::wstring& path) {
     const GdalListPtr siblings = folders->Beside(path);
     return GdalDataset(GDALOpenEx(GdalName(path).c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, drivers->Get(),
                                   nullptr, siblings ? siblings->Get() : nullptr));
+}
+
+std::wstring WhyNotOpened(const std::wstring& path, const std::vector<std::string>& messages) {
+    const std::wstring reason = PlainReason(messages);
+    return reason.empty() ? MissingReaderReason(path) : reason;
 }
 
 bool IsPutTogether(GDALDatasetH dataset) {

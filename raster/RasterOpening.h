@@ -1,5 +1,6 @@
 #pragma once
 #include <string>
+#include <vector>
 
 #include "raster/GdalDataset.h"
 
@@ -10,6 +11,9 @@ namespace orvex {
 /// Null when GDAL cannot open it; what it says goes to the error scope around. Throws LDataError when the
 /// path names no file that can be read, or the file is one that is not to be opened.
 GdalDataset OpenRaster(const std::wstring& path);
+
+/// Why it is null, in plain words, from what GDAL said meanwhile; empty when nothing is known.
+std::wstring WhyNotOpened(const std::wstring& path, const std::vector<std::string>& messages);
 
 /// Whether the dataset is put together from other files, so that asking for more than it states itself opens
 /// those, wherever they are.

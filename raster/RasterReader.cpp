@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "raster/GdalOption.h"
-#include "raster/MissingReader.h"
 #include "raster/NoNetwork.h"
 #include "raster/RasterBands.h"
 #include "raster/RasterColors.h"
@@ -97,8 +96,7 @@ RasterProperties ReadRasterProperties(const std::wstring& path) {
     const GdalOption fewListed("GDAL_READDIR_LIMIT_ON_OPEN", "64");
     const GdalDataset dataset = OpenRaster(path);
     if (!dataset) {
-        const std::wstring reason = PlainReason(errors.Messages());
-        throw LDataError(reason.empty() ? MissingReaderReason(path) : reason);
+        throw LDataError(WhyNotOpened(path, errors.Messages()));
     }
     RasterProperties properties = Describe(dataset.get(), path);
     for (std::wstring& text : PlainMessages(errors.Messages())) {

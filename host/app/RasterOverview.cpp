@@ -3,13 +3,12 @@
 #include <gdal_priv.h>
 
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 #include "host/app/OverviewSource.h"
+#include "raster/BandFacts.h"
 #include "raster/GdalSetup.h"
 #include "raster/NoNetwork.h"
 #include "raster/RasterOpening.h"
@@ -83,13 +82,9 @@ class PieceReader {
 };
 
 void DropNodata(GDALRasterBand& band, Samples& samples) {
-    int stated = 0;
-    const double nodata = band.GetNoDataValue(&stated);
-    // A value that is stated in more digits than the type holds means the nearest one.
-    const bool isFloat = band.GetRasterDataType() == GDT_Float32;
-    const double missing = isFloat ? static_cast<double>(static_cast<float>(nodata)) : nodata;
+    const std::optional<double> nodata = BandNodataAsStored(&band);
     for (double& value : samples) {
-        if ((stated != 0 && value == missing) || !std::isfinite(value)) {
+        if (value == nodata || !std::isfinite(value)) {
             value = std::numeric_limits<double>::quiet_NaN();
         }
     }
@@ -111,22 +106,12 @@ struct Range {
     }
 };
 
-/// Bits of a byte band's pixels, of which a scanned drawing has one.
-int BitsOf(GDALRasterBand& band) {
-    const char* text = band.GetMetadataItem("NBITS", "IMAGE_STRUCTURE");
-    int bits = 8;
-    if (text != nullptr) {
-        std::from_chars(text, text + std::strlen(text), bits);
-    }
-    return std::clamp(bits, 1, 8);
-}
-
 /// The values that become black and white: of bytes those that can be, of anything else those that are there.
 Range RangeOf(const OverviewSource& source, const std::vector<Samples>& bands) {
     GDALRasterBand& first = *source.bands.front();
     Range range;
     if (first.GetRasterDataType() == GDT_Byte) {
-        return {0, static_cast<double>((1 << BitsOf(first)) - 1)};
+        return {0, static_cast<double>((1 << std::clamp(BandBits(&first), 1, 8)) - 1)};
     }
     for (const Samples& samples : bands) {
         range.Take(samples);

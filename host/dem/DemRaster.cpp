@@ -4,6 +4,10 @@
 #include <cmath>
 #include <limits>
 
+#include "raster/BandFacts.h"
+#include "raster/NoNetwork.h"
+#include "raster/RasterOpening.h"
+#include "raster/RasterWarnings.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/GdalErrorScope.h"
@@ -19,67 +23,20 @@ constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 constexpr double kLargestNumber = 1e30;
 // Bytes of a block.
 constexpr double kLargestBlock = 512e6;
-constexpr std::size_t kMostCause = 300;
 
 bool IsInteger(GDALDataType type) {
     return GDALDataTypeIsInteger(type) != 0;
 }
 
-/// What the file says for "no height", as a number of the band's type becomes in a double.
-std::optional<double> NoDataOf(GDALRasterBand& band) {
-    int has = 0;
-    switch (band.GetRasterDataType()) {
-        case GDT_Int64: {
-            const auto value = static_cast<double>(band.GetNoDataValueAsInt64(&has));
-            return has != 0 ? std::optional(value) : std::nullopt;
-        }
-        case GDT_UInt64: {
-            const auto value = static_cast<double>(band.GetNoDataValueAsUInt64(&has));
-            return has != 0 ? std::optional(value) : std::nullopt;
-        }
-        default:
-            break;
-    }
-    const double value = band.GetNoDataValue(&has);
-    if (has == 0) {
-        return std::nullopt;
-    }
-    // A text such as "-9999.9" names the nearest number of the type.
-    const bool isSingle = band.GetRasterDataType() == GDT_Float32;
-    const bool fits = std::abs(value) <= std::numeric_limits<float>::max();
-    return isSingle && fits ? static_cast<double>(static_cast<float>(value)) : value;
-}
-
-/// GDAL's text as the end of a sentence: one line, without the file's name again, and not endless.
-std::wstring CauseOf(std::string text, const std::string& path) {
-    for (const std::string& prefix : {path + ": ", path + ", band 1: "}) {
-        for (std::size_t at = 0; (at = text.find(prefix, at)) != std::string::npos;) {
-            text.erase(at, prefix.size());
-        }
-    }
-    std::string line;
-    for (const char c : text) {
-        const bool isBlank = c == ' ' || c == '\n' || c == '\r' || c == '\t';
-        if (!isBlank || (!line.empty() && line.back() != ' ')) {
-            line += isBlank ? ' ' : c;
-        }
-    }
-    const std::wstring cause = FromUtf8(line);
-    return cause.size() <= kMostCause ? cause : cause.substr(0, WholeLength(cause, kMostCause)) + L" ...";
-}
-
 }  // namespace
 
 DemRaster::DemRaster(const std::wstring& path) : path_(path) {
-    const GdalErrorScope errors;
     if (KindOf(path) == FileKind::Missing) {
         throw LDataError(FormatText(Text(41395_lsid), {path}));
     }
-    dataset_.reset(
-        GDALDataset::Open(ToUtf8(path).c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR));
-    if (!dataset_) {
-        Fail(41380_lsid, errors.Text());
-    }
+    const GdalErrorScope errors;
+    const NoNetwork noNetwork;
+    Open();
     if (dataset_->GetRasterCount() == 0) {
         Fail(41382_lsid, {});
     }
@@ -92,6 +49,20 @@ DemRaster::DemRaster(const std::wstring& path) : path_(path) {
     FindNoData();
     factor_ = band_->GetScale();
     term_ = band_->GetOffset();
+}
+
+void DemRaster::Open() {
+    const GdalErrorScope errors;
+    std::wstring cause;
+    try {
+        dataset_.reset(GDALDataset::FromHandle(OpenRaster(path_).release()));
+        cause = WhyNotOpened(path_, errors.Messages());
+    } catch (const LDataError& error) {
+        cause = error.Text();
+    }
+    if (!dataset_) {
+        Fail(41380_lsid, cause);
+    }
 }
 
 // A block is decoded as a whole, however little of it is asked for.
@@ -141,7 +112,7 @@ void DemRaster::FindPlace() {
 }
 
 void DemRaster::FindNoData() {
-    noData_ = NoDataOf(*band_);
+    noData_ = BandNodataAsStored(band_);
     const int flags = band_->GetMaskFlags();
     hasMask_ = flags != GMF_ALL_VALID && flags != GMF_NODATA;
 }
@@ -166,6 +137,7 @@ int DemRaster::Coverage(const RasterWindow& window) const {
 
 bool DemRaster::Read(const RasterWindow& window, std::vector<double>& heights) {
     const GdalErrorScope errors;
+    const NoNetwork noNetwork;
     const int coverage = Coverage(window);
     if (coverage == GDAL_DATA_COVERAGE_STATUS_EMPTY) {
         return false;
@@ -173,7 +145,7 @@ bool DemRaster::Read(const RasterWindow& window, std::vector<double>& heights) {
     heights.resize(window.Pixels());
     if (band_->RasterIO(GF_Read, window.x, window.y, window.width, window.height, heights.data(),
                         window.width, window.height, GDT_Float64, 0, 0, nullptr) != CE_None) {
-        Fail(41381_lsid, errors.Text());
+        Fail(41381_lsid, PlainReason(errors.Messages()));
     }
     if ((coverage & GDAL_DATA_COVERAGE_STATUS_EMPTY) != 0) {
         DropAbsent(window, heights);
@@ -239,7 +211,7 @@ void DemRaster::DropMasked(const RasterWindow& window, std::vector<double>& heig
     mask_.resize(heights.size());
     if (band->RasterIO(GF_Read, window.x, window.y, window.width, window.height, mask_.data(), window.width,
                        window.height, GDT_Byte, 0, 0, nullptr) != CE_None) {
-        Fail(41381_lsid, errors.Text());
+        Fail(41381_lsid, PlainReason(errors.Messages()));
     }
     for (std::size_t i = 0; i < heights.size(); ++i) {
         heights[i] = mask_[i] == 0 ? kNone : heights[i];
@@ -258,8 +230,12 @@ void DemRaster::Scale(std::vector<double>& heights) const {
     }
 }
 
-void DemRaster::Fail(StringId text, const std::string& cause) const {
-    throw LDataError(FormatText(Text(text), {path_, CauseOf(cause, ToUtf8(path_))}));
+void DemRaster::Fail(StringId text, const std::wstring& cause) const {
+    std::wstring told = FormatText(Text(text), {path_, cause});
+    while (told.ends_with(L' ')) {  // where there is no cause
+        told.pop_back();
+    }
+    throw LDataError(std::move(told));
 }
 
 }  // namespace orvex

@@ -45,6 +45,7 @@ class DemRaster {
     std::uint64_t ImpossibleHeights() const { return impossible_; }
 
   private:
+    void Open();
     void RequireSmallBlocks() const;
     void FindPlace();
     void FindNoData();
@@ -54,7 +55,7 @@ class DemRaster {
     void DropImpossible(std::vector<double>& heights);
     void DropMasked(const RasterWindow& window, std::vector<double>& heights);
     void Scale(std::vector<double>& heights) const;
-    [[noreturn]] void Fail(StringId text, const std::string& cause) const;
+    [[noreturn]] void Fail(StringId text, const std::wstring& cause) const;
 
     std::wstring path_;
     GDALDatasetUniquePtr dataset_;

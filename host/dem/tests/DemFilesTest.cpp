@@ -110,7 +110,10 @@ TEST_F(DemFilesTest, FailuresNameTheFileAndLeaveNothing) {
         {Write(complexNumbers, L"in/complex.tif"), L"complex"},
         {Write(noHeights, L"in/noheights.tif"), L"holds no heights"},
         {cut, L""},
-        {folder_.Name(L"in/junk.tif"), L"not recognized"},
+        {folder_.Name(L"in/junk.tif"), L"opened as a raster."},
+        {folder_.Write(L"in/junk.ecw", "no raster at all"), L"ECW"},
+        {folder_.Write(L"in/other.vrt", R"(<VRTDataset subClass="VRTWarpedDataset"/>)"),
+         L"Choose those files"},
         {folder_.Name(L"in/missing.tif"), L"does not exist"},
     };
     for (const auto& failing : cases) {
