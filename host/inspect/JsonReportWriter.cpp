@@ -6,15 +6,6 @@ namespace orvex {
 
 namespace {
 
-void WriteTriple(JsonWriter& json, const char* key, const std::array<double, 3>& values) {
-    json.Key(key);
-    json.BeginArray(true);
-    for (const double value : values) {
-        json.Number(value);
-    }
-    json.EndArray();
-}
-
 void WriteRecords(JsonWriter& json, const char* key, const std::vector<LasRecordReport>& records) {
     json.Key(key);
     json.BeginArray();
@@ -63,10 +54,10 @@ void WriteLas(JsonWriter& json, const LasReport& las) {
     json.Member("offsetToPoints", las.offsetToPoints);
     json.Member("pointRecordLength", las.pointRecordLength);
     json.Member("pointCount", las.pointCount);
-    WriteTriple(json, "scale", las.scale);
-    WriteTriple(json, "offset", las.offset);
-    WriteTriple(json, "min", las.min);
-    WriteTriple(json, "max", las.max);
+    json.Member("scale", las.scale);
+    json.Member("offset", las.offset);
+    json.Member("min", las.min);
+    json.Member("max", las.max);
     json.Member("globalEncoding", las.globalEncoding);
     json.Member("gpsTime", las.gpsTime);
     WriteRecords(json, "vlrs", las.vlrs);
@@ -87,12 +78,7 @@ class JsonReportWriter final : public ReportWriter {
         json_.Member("kind", report.kind);
         json_.Member("loadable", report.loadable);
         json_.Member("summary", report.summary);
-        json_.Key("findings");
-        json_.BeginArray();
-        for (const std::wstring& finding : report.findings) {
-            json_.Text(finding);
-        }
-        json_.EndArray();
+        json_.Member("findings", report.findings);
         json_.Key("crs");
         report.crs ? WriteCrs(json_, *report.crs) : json_.Null();
         json_.Key("las");

@@ -105,6 +105,24 @@ void JsonWriter::Null() {
     out_ << "null";
 }
 
+void JsonWriter::Member(std::string_view name, const std::vector<std::wstring>& texts) {
+    Key(name);
+    BeginArray();
+    for (const std::wstring& text : texts) {
+        Text(text);
+    }
+    EndArray();
+}
+
+void JsonWriter::Member(std::string_view name, std::span<const double> numbers) {
+    Key(name);
+    BeginArray(true);
+    for (const double number : numbers) {
+        Number(number);
+    }
+    EndArray();
+}
+
 void JsonWriter::Open(char bracket, bool oneLine) {
     BeforeValue();
     out_ << bracket;

@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <iosfwd>
+#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -34,6 +35,9 @@ class JsonWriter {
     /// A member with its value, written as the value's type has it: the calls above, UTF-8 for narrow texts.
     void Member(std::string_view name, const std::wstring& text) { Key(name), Text(text); }
     void Member(std::string_view name, const std::string& utf8) { Key(name), Utf8(utf8); }
+    /// A list of texts, or of numbers on one line.
+    void Member(std::string_view name, const std::vector<std::wstring>& texts);
+    void Member(std::string_view name, std::span<const double> numbers);
     template <typename Value>
     requires std::is_arithmetic_v<Value>
     void Member(std::string_view name, Value value) {

@@ -2,26 +2,16 @@
 
 #include <cmath>
 #include <optional>
-#include <span>
 
 namespace orvex {
 
 namespace {
 
-void WriteNumbers(JsonWriter& json, const char* key, std::span<const double> numbers) {
-    json.Key(key);
-    json.BeginArray(true);
-    for (const double number : numbers) {
-        json.Number(number);
-    }
-    json.EndArray();
-}
-
 template <std::size_t Count>
 void WriteNumbersOrNull(JsonWriter& json, const char* key,
                         const std::optional<std::array<double, Count>>& numbers) {
     if (numbers) {
-        WriteNumbers(json, key, *numbers);
+        json.Member(key, *numbers);
     } else {
         json.Key(key);
         json.Null();
@@ -76,12 +66,7 @@ void WriteDetails(JsonWriter& json, const RasterProperties& properties) {
     json.Member("hasRpc", properties.hasRpc);
     json.Member("pixelIs", properties.pixelIs);
     json.Member("acquired", properties.acquired);
-    json.Key("sidecars");
-    json.BeginArray();
-    for (const std::wstring& sidecar : properties.sidecars) {
-        json.Text(sidecar);
-    }
-    json.EndArray();
+    json.Member("sidecars", properties.sidecars);
     json.Member("totalBytes", properties.totalBytes);
     json.Key("bandDetails");
     json.BeginArray();
@@ -101,7 +86,7 @@ void WriteRasterJson(JsonWriter& json, const RasterReport& report) {
     json.Member("height", properties.height);
     json.Member("bands", properties.bands);
     json.Member("dataType", report.FirstBand().dataType);
-    WriteNumbers(json, "pixelSize", std::array{properties.pixelWidth, properties.pixelHeight});
+    json.Member("pixelSize", std::array{properties.pixelWidth, properties.pixelHeight});
     WriteNumbersOrNull(json, "extent", properties.extent);
     json.Member("unit", report.unit);
     json.Member("bigTiff", report.bigTiff);
