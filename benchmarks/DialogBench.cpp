@@ -11,9 +11,9 @@
 #include <iostream>
 #include <vector>
 
+#include "benchmarks/Corpus.h"
 #include "benchmarks/DialogSession.h"
 #include "benchmarks/Figures.h"
-#include "benchmarks/LasCorpus.h"
 #include "benchmarks/Probe.h"
 #include "host/app/DialogDrop.h"
 #include "support/QtText.h"
@@ -41,7 +41,7 @@ QAbstractItemModel* GridModelOf(QWidget& dialog) {
     return nullptr;
 }
 
-QStringList CorpusFolder(const LasCorpus& corpus) {
+QStringList CorpusFolder(const Corpus& corpus) {
     return {ToQString(FromPath(corpus.Folder() / "files"))};
 }
 
@@ -52,7 +52,7 @@ struct Adding {
     int rows = 0;
 };
 
-void AddAll(QWidget& dialog, const LasCorpus& corpus, Adding& adding) {
+void AddAll(QWidget& dialog, const Corpus& corpus, Adding& adding) {
     QAbstractItemModel* model = GridModelOf(dialog);
     if (model == nullptr) {
         return;
@@ -73,7 +73,7 @@ void AddAll(QWidget& dialog, const LasCorpus& corpus, Adding& adding) {
 
 /// What the rows beyond the first folder's cost: the libraries' own memory for the systems that occur is
 /// there by then, and does not grow with the list.
-void AddInTwoSteps(QWidget& dialog, const LasCorpus& corpus, double& heapPerRow) {
+void AddInTwoSteps(QWidget& dialog, const Corpus& corpus, double& heapPerRow) {
     QAbstractItemModel* model = GridModelOf(dialog);
     QStringList folders;
     for (const auto& entry : std::filesystem::directory_iterator(corpus.Folder() / "files")) {
@@ -91,7 +91,7 @@ void AddInTwoSteps(QWidget& dialog, const LasCorpus& corpus, double& heapPerRow)
 }
 
 /// Presses Escape when the grid has some rows, and says how long the run went on after it.
-void StopAdding(QWidget& dialog, const LasCorpus& corpus, double& answerMs) {
+void StopAdding(QWidget& dialog, const Corpus& corpus, double& answerMs) {
     QAbstractItemModel* model = GridModelOf(dialog);
     if (model == nullptr) {
         return;
@@ -132,7 +132,7 @@ void MeasureOpening(Figures& figures) {
     figures.Add("las_dialog_open_warm_median", warm[warm.size() / 2], "ms");
 }
 
-void MeasureAdding(const LasCorpus& corpus, Figures& figures) {
+void MeasureAdding(const Corpus& corpus, Figures& figures) {
     Adding adding;
     DialogSession().Run([&](QWidget& dialog) { AddAll(dialog, corpus, adding); });
     figures.Add("las_dialog_rows", adding.rows, "rows");
@@ -141,7 +141,7 @@ void MeasureAdding(const LasCorpus& corpus, Figures& figures) {
     figures.Add("las_dialog_longest_stall", adding.longestStallMs, "ms");
 }
 
-void MeasureMemory(const LasCorpus& corpus, Figures& figures) {
+void MeasureMemory(const Corpus& corpus, Figures& figures) {
     double heapPerRow = -1;
     DialogSession().Run([&](QWidget& dialog) { AddInTwoSteps(dialog, corpus, heapPerRow); });
     if (heapPerRow < 0) {
@@ -151,7 +151,7 @@ void MeasureMemory(const LasCorpus& corpus, Figures& figures) {
     figures.Add("las_dialog_heap_per_row", heapPerRow, "bytes");
 }
 
-void MeasureEscape(const LasCorpus& corpus, Figures& figures) {
+void MeasureEscape(const Corpus& corpus, Figures& figures) {
     double answerMs = -1;
     DialogSession().Run([&](QWidget& dialog) { StopAdding(dialog, corpus, answerMs); });
     if (answerMs < 0) {

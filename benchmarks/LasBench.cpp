@@ -6,9 +6,9 @@
 #include <iostream>
 #include <string>
 
+#include "benchmarks/Corpus.h"
 #include "benchmarks/DialogBench.h"
 #include "benchmarks/Figures.h"
-#include "benchmarks/LasCorpus.h"
 #include "benchmarks/ListingBench.h"
 #include "host/objects/HostClasses.h"
 #include "settings/PrivateSettings.h"
@@ -55,7 +55,7 @@ int main(int argc, char** argv) {
 
     orvex::bench::Figures figures;
     orvex::bench::MeasureOpening(figures);
-    const orvex::bench::LasCorpus corpus(options.files);
+    const orvex::bench::Corpus corpus = orvex::bench::LasCorpus(options.files);
     orvex::bench::MeasureAdding(corpus, figures);
     orvex::bench::MeasureEscape(corpus, figures);
     // Files that no run before has met, so that each of them is counted whole.

@@ -1,20 +1,15 @@
-#include "benchmarks/LasCorpus.h"
-
 #include <fmt/format.h>
 
-#include <chrono>
 #include <fstream>
 
+#include "benchmarks/Corpus.h"
+
 #include "las/testing/LasBuilder.h"
-#include "support/Text.h"
 
 namespace orvex::bench {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-constexpr std::size_t kVariants = 20;
 constexpr std::size_t kFilesPerFolder = 1000;
 
 /// A UTM zone, in the words that a WKT record has.
@@ -44,29 +39,12 @@ std::string VariantBytes(std::size_t variant) {
 
 }  // namespace
 
-LasCorpus::LasCorpus(std::size_t files)
-    : folder_(fs::temp_directory_path() /
-              fmt::format("orvex-bench-{}", std::chrono::steady_clock::now().time_since_epoch().count())) {
-    fs::create_directories(folder_ / "variants");
-    std::vector<fs::path> variants;
-    for (std::size_t i = 0; i < kVariants; ++i) {
-        variants.push_back(folder_ / "variants" / fmt::format("variant_{}", i));
-        const std::string bytes = VariantBytes(i);
-        std::ofstream(variants.back(), std::ios::binary)
-            .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    }
-    for (std::size_t i = 0; i < files; ++i) {
-        const fs::path folder = folder_ / "files" / fmt::format("block_{:02}", i / kFilesPerFolder);
-        fs::create_directories(folder);
-        const fs::path path = folder / fmt::format("tile_{:05}.las", i);
-        fs::create_hard_link(variants[i % kVariants], path);
-        paths_.push_back(FromPath(path));
-    }
-}
-
-LasCorpus::~LasCorpus() {
-    std::error_code error;
-    fs::remove_all(folder_, error);
+Corpus LasCorpus(std::size_t files) {
+    const auto write = [](const std::filesystem::path& path, std::size_t variant) {
+        const std::string bytes = VariantBytes(variant);
+        std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    };
+    return {files, {".las", kFilesPerFolder, write}};
 }
 
 }  // namespace orvex::bench

@@ -5,8 +5,8 @@
 #include <limits>
 #include <vector>
 
+#include "benchmarks/Corpus.h"
 #include "benchmarks/Figures.h"
-#include "benchmarks/LasCorpus.h"
 #include "benchmarks/Probe.h"
 #include "las/LasInspection.h"
 #include "support/Text.h"
@@ -26,7 +26,7 @@ double Milliseconds(const Run& run) {
 
 }  // namespace
 
-void MeasureListing(const LasCorpus& corpus, Figures& figures) {
+void MeasureListing(const Corpus& corpus, Figures& figures) {
     std::vector<std::string> names;
     for (const std::wstring& path : corpus.Paths()) {
         names.push_back(ToUtf8(path));

@@ -3,9 +3,9 @@
 namespace orvex::bench {
 
 class Figures;
-class LasCorpus;
+class Corpus;
 
 /// Listing files through the inspection, beside a bare loop over the same files in the same run.
-void MeasureListing(const LasCorpus& corpus, Figures& figures);
+void MeasureListing(const Corpus& corpus, Figures& figures);
 
 }  // namespace orvex::bench

@@ -12,8 +12,8 @@
 #include <string>
 
 #include "benchmarks/BenchOptions.h"
+#include "benchmarks/Corpus.h"
 #include "benchmarks/Figures.h"
-#include "benchmarks/RasterCorpus.h"
 #include "raster/GdalDataset.h"
 #include "raster/GdalSetup.h"
 #include "raster/RasterInspection.h"
@@ -30,7 +30,7 @@ double Milliseconds(const std::function<void()>& run) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
-std::vector<std::string> Names(const RasterCorpus& corpus) {
+std::vector<std::string> Names(const Corpus& corpus) {
     std::vector<std::string> names;
     std::ranges::transform(corpus.Paths(), std::back_inserter(names), ToUtf8);
     return names;
@@ -64,7 +64,7 @@ std::size_t InspectAll(const std::vector<std::wstring>& paths) {
 }
 
 /// Runs the program once per file; none when this machine has no such program.
-double GdalinfoMilliseconds(const RasterCorpus& corpus, const std::vector<std::string>& names) {
+double GdalinfoMilliseconds(const Corpus& corpus, const std::vector<std::string>& names) {
     const std::string output = " >\"" + (corpus.Folder() / "gdalinfo.json").string() + "\" 2>&1";
     if (std::system(("gdalinfo --version" + output).c_str()) != 0) {
         return 0;
@@ -78,7 +78,7 @@ double GdalinfoMilliseconds(const RasterCorpus& corpus, const std::vector<std::s
     });
 }
 
-void Measure(const RasterCorpus& corpus, Figures& figures) {
+void Measure(const Corpus& corpus, Figures& figures) {
     const std::vector<std::string> names = Names(corpus);
     double opened = std::numeric_limits<double>::infinity();
     double placed = opened;
@@ -115,7 +115,7 @@ int main(int argc, char** argv) {
         std::cerr << "GDAL's data is missing beside this program\n";
         return 1;
     }
-    const orvex::bench::RasterCorpus corpus(options->files);
+    const orvex::bench::Corpus corpus = orvex::bench::RasterCorpus(options->files);
     orvex::bench::Measure(corpus, figures);
     return options->output.empty() || figures.Write(options->output) ? 0 : 1;
 }

@@ -1,15 +1,12 @@
-#include "benchmarks/RasterCorpus.h"
-
-#include <fmt/format.h>
 #include <gdal.h>
 #include <ogr_spatialref.h>
 
+#include <algorithm>
 #include <array>
-#include <chrono>
 #include <stdexcept>
 
+#include "benchmarks/Corpus.h"
 #include "raster/GdalDataset.h"
-#include "support/Text.h"
 
 namespace orvex::bench {
 
@@ -17,7 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kVariants = 20;
 constexpr int kEdge = 256;
 constexpr int kBands = 3;
 
@@ -45,26 +41,8 @@ void WriteVariant(const fs::path& path, std::size_t variant) {
 
 }  // namespace
 
-RasterCorpus::RasterCorpus(std::size_t files)
-    : folder_(fs::temp_directory_path() /
-              fmt::format("orvex-bench-{}", std::chrono::steady_clock::now().time_since_epoch().count())) {
-    fs::create_directories(folder_ / "variants");
-    fs::create_directories(folder_ / "files");
-    std::vector<fs::path> variants;
-    for (std::size_t i = 0; i < kVariants; ++i) {
-        variants.push_back(folder_ / "variants" / fmt::format("variant_{}.tif", i));
-        WriteVariant(variants.back(), i);
-    }
-    for (std::size_t i = 0; i < files; ++i) {
-        const fs::path path = folder_ / "files" / fmt::format("tile_{:05}.tif", i);
-        fs::create_hard_link(variants[i % kVariants], path);
-        paths_.push_back(FromPath(path));
-    }
-}
-
-RasterCorpus::~RasterCorpus() {
-    std::error_code error;
-    fs::remove_all(folder_, error);
+Corpus RasterCorpus(std::size_t files) {
+    return {files, {".tif", std::max<std::size_t>(files, 1), WriteVariant}};
 }
 
 }  // namespace orvex::bench
