@@ -22,7 +22,7 @@
 #include "dialog/details/DetailsHtml.h"
 #include "dialog/details/DetailsPanel.h"
 #include "dialog/grid/GridView.h"
-#include "dialog/testing/ScriptedServices.h"
+#include "dialog/testing/PageFixture.h"
 #include "orvexcommon/AddFilesParams.h"
 #include "support/Files.h"
 #include "support/Format.h"
@@ -142,26 +142,16 @@ class NotesPage final : public FileListPageOf<NotesModel> {
     }
 };
 
-class FilePage : public ::testing::Test, protected testing::ScriptedServices {
+class FilePage : public testing::PageFixture<NotesPage> {
   protected:
-    FilePage() { MakePage(DescribeNotes()); }
+    FilePage() : PageFixture(DescribeNotes().controls) { MakePage(DescribeNotes()); }
 
     void MakePage(FileListPageDescription description) {
         tester.reset();
-        page.reset();
-        page = std::make_unique<NotesPage>(PageContext{services, &params, progress, images},
-                                           std::move(description));
+        PageFixture::MakePage(std::move(description));
         tester = std::make_unique<QAbstractItemModelTester>(
             const_cast<NotesModel*>(&page->Model()), QAbstractItemModelTester::FailureReportingMode::Fatal);
-        page->resize(900, 700);
-        page->show();
     }
-    template <typename Widget = QWidget>
-    Widget* Find(const char* name) const {
-        return page->findChild<Widget*>(QString::fromLatin1(name));
-    }
-    void Click(const char* name) const { QTest::mouseClick(Find<QAbstractButton>(name), Qt::LeftButton); }
-    GridView& Grid() const { return *Find<GridView>("c2"); }
     std::wstring Note(const wchar_t* name) const { return folder.Write(name, "text"); }
     void Drop(const std::vector<std::wstring>& paths) const {
         QMimeData data;
@@ -183,12 +173,6 @@ class FilePage : public ::testing::Test, protected testing::ScriptedServices {
         return names;
     }
 
-    testing::TemporaryFolder folder;
-    AddFilesParams params;
-    QProgressBar bar;
-    DialogProgress progress{&bar};
-    std::vector<QIcon> images = MakeImageList();
-    std::unique_ptr<NotesPage> page;
     std::unique_ptr<QAbstractItemModelTester> tester;
 };
 
@@ -323,9 +307,9 @@ TEST_F(FilePage, ButtonsThatAreNotDescribedAreNotThere) {
     FileListPageDescription description = DescribeNotes();
     description.controls.selectAll = description.controls.refresh = 0;
     MakePage(std::move(description));
-    EXPECT_EQ(Find("c8"), nullptr);
-    EXPECT_EQ(Find("c9"), nullptr);
-    EXPECT_EQ(Find("c0"), nullptr);
+    EXPECT_EQ(page->findChild<QWidget*>("c8"), nullptr);
+    EXPECT_EQ(page->findChild<QWidget*>("c9"), nullptr);
+    EXPECT_EQ(page->findChild<QWidget*>("c0"), nullptr);
     page->AddPaths({Note(L"a.txt")});
     EXPECT_TRUE(Find("c6")->isEnabled());
     EXPECT_THAT(prompts.shown, IsEmpty());
