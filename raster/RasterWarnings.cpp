@@ -28,6 +28,8 @@ constexpr KnownMessage kKnownMessages[] = {
     {"Can not read TIFF directory", 41214_lsid, "", ""},
     {"Failed to read directory", 41214_lsid, "", ""},
     {"IFD looping", 41233_lsid, "", ""},
+    {" as horizontal datum", 41504_lsid, "indicates ", " as horizontal"},
+    {"is missing required", 41218_lsid, "\"", "\""},
     {"Cannot read TIFF header", 41500_lsid, "", ""},
     {"Cannot handle zero", 41216_lsid, "", ""},
     {"Image file is too small", 41217_lsid, "", ""},
@@ -48,6 +50,7 @@ constexpr KnownMessage kKnownMessages[] = {
     {"PartialReadStripArray", 41212_lsid, "", ""},
     // What libraries say to programmers, or beside the reason.
     {"is TIFF_SETGET_UNDEFINED", StringId{}, "", ""},
+    {"RowsPerStrip not defined", StringId{}, "", ""},
     {"not recognized as a supported file format", StringId{}, "", ""},
 };
 

@@ -30,20 +30,26 @@ std::wstring Point(const std::array<double, 3>& values) {
     return FromUtf8(fmt::format("{:.3f} {:.3f} {:.3f}", values[0], values[1], values[2]));
 }
 
-std::wstring Point(const std::array<double, 4>& extent, std::size_t index) {
-    return FromUtf8(fmt::format("{:.3f} {:.3f}", extent[index], extent[index + 1]));
+bool IsGeographic(const FileReport& report) {
+    return report.crs && report.crs->isGeographic;
 }
 
-std::wstring Corner(const RasterReport& raster, std::size_t index) {
-    return raster.properties.extent ? Point(*raster.properties.extent, index) : std::wstring();
+std::wstring Corner(const FileReport& report, std::size_t index) {
+    const auto& extent = report.raster->properties.extent;
+    const int digits = IsGeographic(report) ? 8 : 3;  // about a millimeter
+    return extent ? FromUtf8(fmt::format("{:.{}f} {:.{}f}", (*extent)[index], digits, (*extent)[index + 1],
+                                         digits))
+                  : std::wstring();
 }
 
-std::wstring PixelSize(const RasterReport& raster) {
-    const RasterProperties& properties = raster.properties;
-    return properties.pixelWidth > 0
-               ? FromUtf8(fmt::format("{:.8g} x {:.8g} ", properties.pixelWidth, properties.pixelHeight)) +
-                     raster.unit
-               : std::wstring();
+/// In the unit that the CRS counts in.
+std::wstring PixelSize(const FileReport& report) {
+    const RasterProperties& properties = report.raster->properties;
+    if (properties.pixelWidth <= 0) {
+        return {};
+    }
+    return FromUtf8(fmt::format("{:.8g} x {:.8g} ", properties.pixelWidth, properties.pixelHeight)) +
+           (IsGeographic(report) ? report.crs->angularUnits : report.raster->unit);
 }
 
 /// One line: control characters would break the table, or drive the terminal.
@@ -55,7 +61,6 @@ std::wstring OneLine(std::wstring text) {
 
 using Report = const FileReport&;
 using Las = const LasReport&;
-using Raster = const RasterReport&;
 
 /// What a column says of every file, of LAS files, of rasters; a null says nothing.
 struct Column {
@@ -63,25 +68,26 @@ struct Column {
     bool isRightAligned = false;
     std::wstring (*ofFile)(Report) = nullptr;
     std::wstring (*ofLas)(Las) = nullptr;
-    std::wstring (*ofRaster)(Raster) = nullptr;
+    std::wstring (*ofRaster)(Report) = nullptr;
 };
 
 constexpr std::size_t kFile = 0;
 constexpr Column kColumns[] = {
     {40800_lsid, false, [](Report r) { return r.path; }},
-    {13568_lsid, false, nullptr, nullptr, [](Raster r) { return r.properties.driver; }},
+    {13568_lsid, false, nullptr, nullptr, [](Report r) { return r.raster->properties.driver; }},
     {13569_lsid, true, nullptr, nullptr,
-     [](Raster r) {
-         return FormatText(L"%d x %d", {r.properties.width, r.properties.height});
+     [](Report r) {
+         return FormatText(L"%d x %d", {r.raster->properties.width, r.raster->properties.height});
      }},
-    {13572_lsid, true, nullptr, nullptr, [](Raster r) { return std::to_wstring(r.properties.bands); }},
-    {41241_lsid, false, nullptr, nullptr, [](Raster r) { return r.FirstBand().dataType; }},
+    {13572_lsid, true, nullptr, nullptr,
+     [](Report r) { return std::to_wstring(r.raster->properties.bands); }},
+    {41241_lsid, false, nullptr, nullptr, [](Report r) { return r.raster->FirstBand().dataType; }},
     {13645_lsid, false, nullptr, nullptr, PixelSize},
     {40801_lsid, false, nullptr, [](Las l) { return FromUtf8(l.version) + (l.compressed ? L" LAZ" : L""); }},
     {40802_lsid, true, nullptr, [](Las l) { return std::to_wstring(l.pointFormat); }},
     {40803_lsid, true, nullptr, [](Las l) { return Grouped(l.pointCount); }},
-    {40804_lsid, false, nullptr, [](Las l) { return Point(l.min); }, [](Raster r) { return Corner(r, 0); }},
-    {40805_lsid, false, nullptr, [](Las l) { return Point(l.max); }, [](Raster r) { return Corner(r, 2); }},
+    {40804_lsid, false, nullptr, [](Las l) { return Point(l.min); }, [](Report r) { return Corner(r, 0); }},
+    {40805_lsid, false, nullptr, [](Las l) { return Point(l.max); }, [](Report r) { return Corner(r, 2); }},
     {40806_lsid, false, [](Report r) { return r.crs ? r.crs->name : std::wstring(); }},
     {40807_lsid, false, [](Report r) { return r.summary; }}};
 constexpr std::size_t kColumnCount = std::size(kColumns);
@@ -96,7 +102,7 @@ std::wstring Value(const Column& column, const FileReport& report) {
     if (report.las && column.ofLas != nullptr) {
         return column.ofLas(*report.las);
     }
-    return report.raster && column.ofRaster != nullptr ? column.ofRaster(*report.raster) : std::wstring();
+    return report.raster && column.ofRaster != nullptr ? column.ofRaster(report) : std::wstring();
 }
 
 /// The end of a path says more than its start, the start of everything else more than its end.

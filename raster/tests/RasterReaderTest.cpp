@@ -230,6 +230,10 @@ TEST(RasterReader, WhatLibrariesSayBecomesPlain) {
          Text(41212_lsid)},
         {"Defined set_field_type of custom tag 8 (Tag 8) is TIFF_SETGET_UNDEFINED and thus tag is not read",
          L""},
+        {"The DTED file /a/b.dt0 indicates WGS72 as horizontal datum. \nAs this is outdated, complain.",
+         FormatText(Text(41504_lsid), {L"WGS72"})},
+        {"/a/b.tif: TIFF directory is missing required \"ImageLength\" field",
+         FormatText(Text(41218_lsid), {L"ImageLength"})},
         {"missing codec LZ99.", FormatText(Text(41205_lsid), {L"LZ99"})},
         {"/a/b.tif: Function:Something new.", FormatText(Text(41209_lsid), {L"Something new"})},
     };
