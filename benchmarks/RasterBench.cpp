@@ -1,5 +1,6 @@
 // Describing a thousand GeoTIFFs of one folder, beside a loop that only opens and closes them, and beside the
 // program that describes one file a call.
+#include <fmt/format.h>
 #include <gdal.h>
 
 #include <algorithm>
@@ -71,7 +72,7 @@ double GdalinfoMilliseconds(const Corpus& corpus, const std::vector<std::string>
     }
     return Milliseconds([&] {
         for (const std::string& name : names) {
-            if (std::system(("gdalinfo -json \"" + name + "\"" + output).c_str()) != 0) {
+            if (std::system(fmt::format("gdalinfo -json \"{}\"{}", name, output).c_str()) != 0) {
                 std::cerr << "gdalinfo fails on " << name << '\n';
             }
         }
