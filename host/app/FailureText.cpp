@@ -13,8 +13,12 @@ std::wstring FailureText(const std::wstring& heading, const std::vector<FileFail
     const std::size_t shown = std::min(failures.size(), kMostShown);
     for (std::size_t i = 0; i < shown; ++i) {
         const auto& [path, cause] = failures[i];
+        text += L"\n";
         // Some causes are whole sentences about the file.
-        text += L"\n" + (cause.find(path) == std::wstring::npos ? path + L"\n    " + cause : cause);
+        if (cause.find(path) == std::wstring::npos) {
+            text.append(path).append(L"\n    ");
+        }
+        text += cause;
     }
     if (shown < failures.size()) {
         text += L"\n" + FormatText(Text(40672_lsid), {failures.size() - shown});
