@@ -29,7 +29,7 @@ class Steps final : public Kst::ProgressIf {
 };
 
 std::wstring Large(const TemporaryFolder& folder, const std::wstring& name, bool withPalette = false) {
-    std::vector<double> values(2000 * 1100);
+    std::vector<double> values(std::size_t{2000} * 1100);
     for (std::size_t i = 0; i < values.size(); ++i) {
         values[i] = i % 2 == 0 ? 10 : 30;
     }
@@ -48,9 +48,10 @@ std::wstring Large(const TemporaryFolder& folder, const std::wstring& name, bool
 
 std::vector<int> OverviewWidths(const std::wstring& path) {
     const GDALDatasetUniquePtr dataset(GDALDataset::Open(ToUtf8(path).c_str()));
-    std::vector<int> widths;
-    for (int i = 0; i < dataset->GetRasterBand(1)->GetOverviewCount(); ++i) {
-        widths.push_back(dataset->GetRasterBand(1)->GetOverview(i)->GetXSize());
+    GDALRasterBand* band = dataset->GetRasterBand(1);
+    std::vector<int> widths(static_cast<std::size_t>(band->GetOverviewCount()));
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+        widths[i] = band->GetOverview(static_cast<int>(i))->GetXSize();
     }
     return widths;
 }
@@ -125,7 +126,7 @@ TEST(RasterPyramids, WhateverTheCoordinateSystemIs) {
     GDALInitGCPs(4, points);
     for (int i = 0; i < 4; ++i) {
         points[i].dfGCPPixel = points[i].dfGCPX = i % 2;
-        points[i].dfGCPLine = points[i].dfGCPY = i / 2;
+        points[i].dfGCPLine = points[i].dfGCPY = i < 2 ? 0 : 1;
     }
     raster->SetGCPs(4, points, &ellipsoidal);
     GDALDeinitGCPs(4, points);
