@@ -29,7 +29,7 @@ void TestRaster::SetValues(int band, const std::vector<double>& values) const {
 
 std::wstring TestRaster::Save(const TemporaryFolder& folder, const std::wstring& name,
                               const std::vector<std::string>& options, const char* driver) const {
-    const std::wstring path = folder.Name(name);
+    std::wstring path = folder.Name(name);
     CPLStringList list;
     for (const std::string& option : options) {
         list.AddString(option.c_str());
@@ -41,9 +41,9 @@ std::wstring TestRaster::Save(const TemporaryFolder& folder, const std::wstring&
 }
 
 std::vector<double> Ramp(int count, double step) {
-    std::vector<double> values;
-    for (int i = 0; i < count; ++i) {
-        values.push_back(i * step);
+    std::vector<double> values(static_cast<std::size_t>(count));
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        values[i] = static_cast<double>(i) * step;
     }
     return values;
 }

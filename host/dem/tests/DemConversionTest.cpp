@@ -147,10 +147,12 @@ TEST_F(DemConversionTest, PointsLieAtPixelCentres) {
         std::array<double, 3> low = points.front();
         std::array<double, 3> high = low;
         for (std::size_t i = 0; i < points.size(); ++i) {
-            const double column = static_cast<double>(i % 7) + 0.5;
-            const double row = static_cast<double>(i / 7) + 0.5;
+            const auto x = static_cast<int>(i % 7);
+            const auto y = static_cast<int>(i / 7);
+            const double column = x + 0.5;
+            const double row = y + 0.5;
             const Place expected = {t[0] + column * t[1] + row * t[2], t[3] + column * t[4] + row * t[5],
-                                    sample.value(static_cast<int>(i % 7), static_cast<int>(i / 7))};
+                                    sample.value(x, y)};
             for (std::size_t axis = 0; axis < 3; ++axis) {
                 EXPECT_NEAR(points[i][axis], expected[axis], 0.501 * header.Scale()[axis]) << i;
                 low[axis] = std::min(low[axis], points[i][axis]);

@@ -42,6 +42,7 @@ TEST_F(DemFilesTest, ConversionsAtTheSameTimeDoNotMeet) {
     constexpr int kThreads = 6;
     const std::wstring path = Write({});
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int i = 0; i < kThreads; ++i) {
         threads.emplace_back([&] { EXPECT_EQ(Convert(path).points, 35U); });
     }
@@ -139,7 +140,7 @@ TEST_F(DemFilesTest, BlocksThatTheFileLeavesOutHoldNoHeights) {
     const std::wstring path = Write(sparse);
     {
         const GDALDatasetUniquePtr dataset(GDALDataset::Open(ToUtf8(path).c_str(), GDAL_OF_UPDATE));
-        std::vector<GByte> tile(256 * 256, 9);
+        std::vector<GByte> tile(std::size_t{256} * 256, 9);
         ASSERT_EQ(dataset->GetRasterBand(1)->RasterIO(GF_Write, 256, 512, 256, 256, tile.data(), 256, 256,
                                                       GDT_Byte, 0, 0, nullptr),
                   CE_None);

@@ -25,7 +25,7 @@ class DemFixture : public ::testing::Test {
 
     std::wstring Write(const DemSample& sample, const std::wstring& name = L"in/a.tif") const {
         folder_.Write(L"in/.keep", "");
-        const std::wstring path = folder_.Name(name);
+        std::wstring path = folder_.Name(name);
         EXPECT_TRUE(WriteDem(path, sample));
         return path;
     }

@@ -41,7 +41,8 @@ TEST(RasterWindows, CoverEachPixelOnceInBoundedParts) {
                 ASSERT_LE(window->y + window->height, c.raster.height);
                 for (int y = window->y; y < window->y + window->height; ++y) {
                     for (int x = window->x; x < window->x + window->width; ++x) {
-                        ++seen[static_cast<std::size_t>(y * c.raster.width + x)];
+                        ++seen[static_cast<std::size_t>(y) * static_cast<std::size_t>(c.raster.width) +
+                               static_cast<std::size_t>(x)];
                     }
                 }
                 isEnd = window->endsBlocks;
@@ -80,8 +81,8 @@ TEST(ThinningLattice, KeepsOneOfNAndTheyLieApart) {
         // A part that begins anywhere finds the same pixels.
         EXPECT_EQ(lattice.FirstColumn(1, 1 + lattice.FirstColumn(1, 0)), lattice.FirstColumn(1, 0) + n);
         ASSERT_EQ(kept.size(), static_cast<std::size_t>(4 * n));
-        EXPECT_GE(kept.size(),
-                  lattice.LeastOf(static_cast<std::uint64_t>(side), 2U * static_cast<unsigned>(n)));
+        EXPECT_GE(kept.size(), lattice.LeastOf(static_cast<std::uint64_t>(side),
+                                               std::uint64_t{2} * static_cast<unsigned>(n)));
         double nearest = 1e9;
         for (std::size_t i = 1; i < kept.size(); ++i) {
             nearest =

@@ -9,7 +9,7 @@ namespace orvex {
 namespace {
 
 using testing::TemporaryFolder;
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 TEST(BigTiff, TheFirstBytesDecideWhateverTheName) {
     const struct {
