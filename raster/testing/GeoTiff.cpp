@@ -13,7 +13,7 @@ namespace orvex::testing {
 
 std::wstring GeoTiff::Write(const TemporaryFolder& folder, const std::wstring& name) const {
     EXPECT_EQ(EnsureGdal(), 0);
-    const std::wstring path = folder.Name(name);
+    std::wstring path = folder.Name(name);
     const GdalList list(options);
     const GdalDataset dataset(GDALCreate(GDALGetDriverByName("GTiff"), ToUtf8(path).c_str(), width, height,
                                          bands, type, const_cast<char**>(list.Get())));

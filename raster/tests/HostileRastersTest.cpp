@@ -16,7 +16,7 @@ namespace {
 using ::testing::HasSubstr;
 using testing::TemporaryFolder;
 using testing::TiffBytes;
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 constexpr std::uint64_t kMost32 = 0xFFFFFFFF;
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
@@ -156,7 +156,7 @@ std::vector<Hostile> Others() {
 }
 
 void CheckEach(const std::vector<Hostile>& rasters) {
-    constexpr std::uint64_t kMegabyte = 1024 * 1024;
+    constexpr std::uint64_t kMegabyte = std::uint64_t{1024} * 1024;
     const TemporaryFolder folder;
     // What the libraries take once is not the file's doing.
     InspectRasterFile(folder.Write(L"first.tif", Pixel().Build()), RasterUse::Image);
