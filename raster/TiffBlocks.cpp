@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cstring>
 #include <optional>
+#include <string_view>
 
 #include "support/Format.h"
 #include "support/GdalErrorScope.h"
@@ -15,6 +16,7 @@ namespace orvex {
 namespace {
 
 constexpr std::int64_t kMostChecked = 16;
+constexpr int kMostLevels = 32;
 
 struct BlockGrid {
     std::int64_t columns;
@@ -56,14 +58,13 @@ std::wstring CheckBlock(GDALRasterBandH band, std::int64_t column, std::int64_t 
     return FormatText(Text(41211_lsid), {end, fileSize});
 }
 
-}  // namespace
+/// Whether a reduced-resolution level lies in the file itself and not in one beside it.
+bool IsInside(GDALRasterBandH level) {
+    GDALDatasetH dataset = level == nullptr ? nullptr : GDALGetBandDataset(level);
+    return dataset != nullptr && !std::string_view(GDALGetDescription(dataset)).ends_with(".ovr");
+}
 
-std::wstring CheckTiffBlocks(GDALDatasetH dataset, std::uint64_t fileSize) {
-    // With bands apart the last band's blocks come last.
-    GDALRasterBandH band = GDALGetRasterBand(dataset, GDALGetRasterCount(dataset));
-    if (band == nullptr) {
-        return {};
-    }
+std::wstring CheckBlocks(GDALRasterBandH band, std::uint64_t fileSize) {
     const BlockGrid grid = GridOf(band);
     const std::int64_t count = grid.columns * grid.rows;
     const std::int64_t checked = std::min(count, kMostChecked);
@@ -77,6 +78,25 @@ std::wstring CheckTiffBlocks(GDALDatasetH dataset, std::uint64_t fileSize) {
         }
     }
     return {};
+}
+
+}  // namespace
+
+std::wstring CheckTiffBlocks(GDALDatasetH dataset, std::uint64_t fileSize) {
+    // With bands apart the last band's blocks come last.
+    GDALRasterBandH band = GDALGetRasterBand(dataset, GDALGetRasterCount(dataset));
+    if (band == nullptr) {
+        return {};
+    }
+    std::wstring fault = CheckBlocks(band, fileSize);
+    const int levels = std::min(GDALGetOverviewCount(band), kMostLevels);
+    for (int i = 0; fault.empty() && i < levels; ++i) {
+        GDALRasterBandH level = GDALGetOverview(band, i);
+        if (IsInside(level)) {
+            fault = CheckBlocks(level, fileSize);
+        }
+    }
+    return fault;
 }
 
 }  // namespace orvex

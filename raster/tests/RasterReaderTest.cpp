@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 
+#include "raster/GdalDataset.h"
 #include "raster/RasterWarnings.h"
 #include "raster/testing/GeoTiff.h"
 #include "support/Files.h"
@@ -240,6 +241,35 @@ TEST(RasterReader, WhatLibrariesSayBecomesPlain) {
     for (const auto& [message, text] : cases) {
         EXPECT_EQ(PlainReason({message}), text) << message;
     }
+}
+
+TEST(RasterReader, LevelsThatAreCutOffAreFoundInsideTheFileOnly) {
+    const TemporaryFolder folder;
+    const auto addLevel = [](GDALDatasetH dataset) {
+        int level = 2;
+        EXPECT_EQ(GDALBuildOverviews(dataset, "NEAREST", 1, &level, 0, nullptr, nullptr, nullptr), CE_None);
+    };
+    GeoTiff raster;
+    raster.width = raster.height = 200;
+    raster.options = {"COMPRESS=DEFLATE"};  // much shorter than the level beside it
+    const std::wstring beside = raster.Write(folder, L"beside.tif");
+    {
+        const GdalDataset readOnly(GDALOpen(ToUtf8(beside).c_str(), GA_ReadOnly));
+        addLevel(readOnly.get());
+    }
+    raster.options.clear();
+    raster.change = addLevel;
+    const std::wstring inside = raster.Write(folder, L"inside.tif");
+    EXPECT_THAT(ReadRasterProperties(inside).warnings, IsEmpty());
+    const std::string bytes = testing::ReadFile(inside);
+    folder.Write(L"inside.tif", bytes.substr(0, bytes.size() - 100));
+
+    EXPECT_LT(FileSizeOf(beside), FileSizeOf(beside + L".ovr"));
+    EXPECT_EQ(ReadRasterProperties(beside).overviews, 1);
+    EXPECT_THAT(ReadRasterProperties(beside).warnings, IsEmpty());
+    ASSERT_FALSE(ReadRasterProperties(inside).warnings.empty());
+    EXPECT_EQ(ReadRasterProperties(inside).warnings.front(),
+              FormatText(Text(41211_lsid), {bytes.size(), bytes.size() - 100}));
 }
 
 }  // namespace
