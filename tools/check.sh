@@ -4,8 +4,7 @@ source tools/build.sh dev
 status=0
 mapfile -t sources < <(git ls-files --cached --others --exclude-standard -- '*.cpp' '*.h')
 
-echo "format: ${#sources[@]} files"
-clang-format --dry-run -Werror "${sources[@]}" || status=1
+(source tools/format.sh --check) || status=1
 
 if [ "${1:-}" = --all ]; then
     changed=("${sources[@]}")

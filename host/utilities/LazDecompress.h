@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "host/utilities/LazLayout.h"
-#include "support/TemporaryFile.h"
 #include "support/ProgressIf.h"
+#include "support/TemporaryFile.h"
 
 struct laszip_header;
 

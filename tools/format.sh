@@ -1,0 +1,8 @@
+# The layout that clang-format decides, in every source of the tree; --check: says what differs and changes nothing.
+mapfile -t sources < <(git ls-files --cached --others --exclude-standard -- '*.cpp' '*.h')
+if [ "${1:-}" = --check ]; then
+    echo "format: ${#sources[@]} files"
+    clang-format --dry-run -Werror "${sources[@]}"
+else
+    clang-format -i "${sources[@]}"
+fi
