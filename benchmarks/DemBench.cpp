@@ -15,6 +15,7 @@
 #include "benchmarks/Probe.h"
 #include "host/dem/DemConversion.h"
 #include "host/dem/testing/DemSamples.h"
+#include "raster/GdalSetup.h"
 #include "support/Files.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
@@ -94,6 +95,10 @@ int main(int argc, char** argv) {
     if (argc != 1 && !hasOutput) {
         std::cerr << "usage: orvex-bench-dem [--output FILE]\n";
         return 2;
+    }
+    if (EnsureGdal() != 0) {
+        std::cerr << "GDAL's data is missing beside this program\n";
+        return 1;
     }
     bench::Figures figures;
     if (!Measure("plain", {{"TILED", "YES"}}, figures) ||

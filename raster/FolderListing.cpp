@@ -8,6 +8,9 @@
 namespace orvex {
 namespace {
 
+/// FAT counts in steps of two seconds.
+constexpr std::chrono::seconds kCoarseStep{3};
+
 /// The name as far as its sidecars share it: ".aux.xml" follows the whole name, ".tfw" replaces the
 /// extension, "_rpc.txt" follows what is before it.
 std::wstring Stem(const std::wstring& path) {
@@ -52,6 +55,13 @@ FolderListing::FolderPtr FolderListing::List(const std::wstring& path, FileTime 
     return folder;
 }
 
+bool FolderListing::HasSettled(FileTime modified) const {
+    const auto age = std::chrono::system_clock::now() - modified;
+    const bool isCoarse = std::chrono::floor<std::chrono::seconds>(modified) == modified;
+    // A server's clock that is ahead of ours says nothing, and its folders are not listed for every file.
+    return age < age.zero() || age > (isCoarse ? kCoarseStep : settling_);
+}
+
 FolderListing::FolderPtr FolderListing::Get(const std::wstring& path) {
     const auto modified = LastWriteTime(path);
     if (!modified) {
@@ -65,7 +75,7 @@ FolderListing::FolderPtr FolderListing::Get(const std::wstring& path) {
             return latest_.front();
         }
     }
-    const bool mayBeKept = std::chrono::system_clock::now() - *modified > settling_;
+    const bool mayBeKept = HasSettled(*modified);
     FolderPtr folder = List(path, *modified);
     if (folder && mayBeKept) {
         const std::lock_guard guard(lock_);

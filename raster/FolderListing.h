@@ -16,10 +16,10 @@ namespace orvex {
 /// other; a folder that has changed since is listed anew. Safe from any thread.
 class FolderListing {
   public:
-    /// Keeps the latest `folders` listings, of folders whose last change is longer ago than `settling`: a
-    /// change right after the listing may leave the folder's time as it was (FAT counts in steps of two
-    /// seconds).
-    explicit FolderListing(std::size_t folders, std::chrono::milliseconds settling = std::chrono::seconds(3))
+    /// Keeps the latest `folders` listings, of folders whose last change is longer ago than `settling` (three
+    /// seconds where times are whole seconds): a change right after the listing may leave the folder's time
+    /// as it was.
+    explicit FolderListing(std::size_t folders, std::chrono::milliseconds settling = kStep)
         : capacity_(folders), settling_(settling) {}
 
     /// The names (UTF-8) beside a file, its own among them, as GDAL takes them when it opens the file. Of a
@@ -27,6 +27,7 @@ class FolderListing {
     /// Null when the folder cannot be listed or holds more than kMostListed.
     GdalListPtr Beside(const std::wstring& path);
 
+    static constexpr std::chrono::milliseconds kStep{50};  ///< more than any kernel's clock goes at once
     static constexpr std::size_t kMostWhole = 64;
     static constexpr std::size_t kMostListed = 200'000;
 
@@ -41,6 +42,7 @@ class FolderListing {
     using FolderPtr = std::shared_ptr<const Folder>;
 
     FolderPtr Get(const std::wstring& folder);
+    bool HasSettled(FileTime modified) const;
     static FolderPtr List(const std::wstring& folder, FileTime modified);
 
     const std::size_t capacity_;

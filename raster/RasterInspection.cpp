@@ -36,19 +36,7 @@ RasterProperties WithDetails(RasterProperties told, const std::wstring& path) {
         // The host may know formats that we do not.
         return told;
     }
-    properties.width = told.width;
-    properties.height = told.height;
-    properties.pixelWidth = told.pixelWidth;
-    properties.pixelHeight = told.pixelHeight;
-    properties.linearUnit = std::move(told.linearUnit);
-    properties.wkt = std::move(told.wkt);
-    properties.projectionCode = told.projectionCode;
-    properties.colorModel = told.colorModel;
-    properties.rasterKind = told.rasterKind;
-    properties.bands = told.bands;
-    properties.bitsPerBand = told.bitsPerBand;
-    properties.overviews = told.overviews;
-    properties.extent = told.extent;
+    static_cast<RasterEssentials&>(properties) = std::move(told);
     return properties;
 }
 

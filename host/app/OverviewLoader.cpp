@@ -104,18 +104,20 @@ OverviewLoader::OverviewLoader(std::function<void()> loaded, Read read)
 }
 
 OverviewLoader::~OverviewLoader() {
-    bool haveEnded = false;
     {
         std::unique_lock guard(shared_->lock);
         shared_->stop = true;
         shared_->loaded = nullptr;
         std::ranges::for_each(shared_->reading, [](const JobPtr& job) { job->cancelled = true; });
         shared_->changed.notify_all();
-        haveEnded = shared_->ended.wait_for(guard, kPatience, [this] { return shared_->running == 0; });
+        if (!shared_->ended.wait_for(guard, kPatience, [this] { return shared_->running == 0; })) {
+            // With the lock held, so that none ends meanwhile: with some runtimes a thread that starts later
+            // fails otherwise.
+            std::ranges::for_each(threads_, &std::thread::detach);
+            return;
+        }
     }
-    for (std::thread& thread : threads_) {
-        haveEnded ? thread.join() : thread.detach();
-    }
+    std::ranges::for_each(threads_, &std::thread::join);
 }
 
 /// Threads are made when there is work for the first time; one that the system refuses is done without.

@@ -1,11 +1,11 @@
 #include "host/app/RasterPyramids.h"
 
-#include <cpl_conv.h>
 #include <gdal_priv.h>
 
 #include <algorithm>
 #include <random>
 
+#include "raster/GdalOption.h"
 #include "raster/GdalSetup.h"
 #include "raster/NoNetwork.h"
 #include "raster/RasterOpening.h"
@@ -23,25 +23,6 @@ namespace {
 
 constexpr int kStepsPerRaster = 1000;
 constexpr int kCoarsest = 256;  ///< pixels on the longer side of the coarsest level
-
-/// An option of GDAL's for this thread; as it was before when this ends.
-class ThreadOption {
-  public:
-    ThreadOption(const char* name, const char* value) : name_(name) {
-        const char* before = CPLGetThreadLocalConfigOption(name, nullptr);
-        had_ = before != nullptr;
-        before_ = had_ ? before : "";
-        CPLSetThreadLocalConfigOption(name, value);
-    }
-    ~ThreadOption() { CPLSetThreadLocalConfigOption(name_, had_ ? before_.c_str() : nullptr); }
-    ThreadOption(const ThreadOption&) = delete;
-    ThreadOption& operator=(const ThreadOption&) = delete;
-
-  private:
-    const char* name_;
-    bool had_ = false;
-    std::string before_;
-};
 
 /// Where one raster stands among all.
 struct Step {
@@ -117,8 +98,8 @@ bool BuildLevels(GDALDataset& raster, const std::wstring& standIn, Step& step) {
     GDALDatasetUniquePtr dataset = MakeStandIn(raster, standIn);
     const GdalErrorScope errors;
     const bool hasPalette = raster.GetRasterBand(1)->GetColorTable() != nullptr;
-    const ThreadOption compress("COMPRESS_OVERVIEW", "DEFLATE");
-    const ThreadOption big("BIGTIFF_OVERVIEW", "IF_SAFER");
+    const GdalOption compress("COMPRESS_OVERVIEW", "DEFLATE");
+    const GdalOption big("BIGTIFF_OVERVIEW", "IF_SAFER");
     std::vector<int> levels = LevelsFor(raster);
     const CPLErr result =
         dataset->BuildOverviews(hasPalette ? "NEAREST" : "AVERAGE", static_cast<int>(levels.size()),
@@ -131,6 +112,10 @@ bool BuildLevels(GDALDataset& raster, const std::wstring& standIn, Step& step) {
         Fail(errors);
     }
     return true;
+}
+
+std::wstring TakenText(const std::wstring& target) {
+    return FormatText(Text(41426_lsid), {FileNameOf(target)});
 }
 
 enum class Built { Yes, NotNeeded, Stopped };
@@ -149,15 +134,17 @@ Built BuildOne(const std::wstring& path, Step& step) {
     }
     const std::wstring target = path + L".ovr";
     if (KindOf(target) != FileKind::Missing) {
-        throw LDataError(FormatText(Text(41426_lsid), {FileNameOf(target)}));
+        throw LDataError(TakenText(target));
     }
     const Scratch standIn(TemporaryName(path));
     const Scratch levels(standIn.Path() + L".ovr");
     if (!BuildLevels(*raster, standIn.Path(), step)) {
         return Built::Stopped;
     }
-    if (const SystemError error = RenameFile(levels.Path(), target); error != 0) {
-        throw LDataError(SystemErrorText(error));
+    bool taken = false;
+    if (const SystemError error = RenameToFreeName(levels.Path(), target, taken); error != 0) {
+        // Perhaps another program has built the levels meanwhile.
+        throw LDataError(taken ? TakenText(target) : SystemErrorText(error));
     }
     return Built::Yes;
 }

@@ -57,6 +57,15 @@ class WorkDialog::Progress final : public Kst::ProgressIf {
         const std::lock_guard guard(lock_);
         state_.stop = true;
     }
+    /// Leaves the thread of the work to itself; false when the work has ended. The lock keeps the thread from
+    /// ending meanwhile: with some runtimes a thread that starts later fails otherwise.
+    bool LeaveBehind(std::thread& thread) {
+        const std::lock_guard guard(lock_);
+        if (!state_.ended) {
+            thread.detach();
+        }
+        return !state_.ended;
+    }
     void End(std::exception_ptr error) {
         const std::lock_guard guard(lock_);
         state_.ended = true;
@@ -105,7 +114,9 @@ WorkDialog::WorkDialog(QWidget* parent, const QString& title, Work work)
 WorkDialog::~WorkDialog() {
     progress_->Stop();
     // A thread that has ended is waited for, so that none is left when the program ends.
-    progress_->Now().ended ? thread_.join() : thread_.detach();
+    if (!progress_->LeaveBehind(thread_)) {
+        thread_.join();
+    }
 }
 
 WorkEnd WorkDialog::Run(QWidget* parent, const QString& title, Work work) {

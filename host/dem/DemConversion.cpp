@@ -301,15 +301,6 @@ void DemConverter::Commit(TemporaryFile& temporary) {
     }
 }
 
-/// GDAL's drivers, for a process that has not asked for them yet.
-void RegisterDrivers() {
-    static const bool isDone = [] {
-        GDALAllRegister();
-        return true;
-    }();
-    (void)isDone;
-}
-
 }  // namespace
 
 int MinorVersionOfItem(std::int32_t demLasVersion) {
@@ -324,7 +315,6 @@ std::optional<DemConversionResult> ConvertDem(const std::wstring& demPath,
                                               const DemConversionOptions& options,
                                               Kst::ProgressIf& progress) {
     RequireFormat(options);
-    RegisterDrivers();
     return DemConverter(demPath, options, progress).Run();
 }
 

@@ -29,9 +29,9 @@ struct RasterBandProperties {
 /// The most bands that are described one by one; `bands` counts them all.
 inline constexpr std::size_t kMostBandsDescribed = 256;
 
-/// Properties of one raster file. Texts that the file gives are kept as they are.
-struct RasterProperties {
-    // What every raster-information object says.
+/// What every raster-information object says of a raster file. Texts that the file gives are kept as they
+/// are.
+struct RasterEssentials {
     std::int32_t width = 0;   ///< pixels, at least 1
     std::int32_t height = 0;  ///< pixels, at least 1
     double pixelWidth = 0;    ///< ground units per pixel along a row, never negative; 0 without georeference
@@ -46,8 +46,10 @@ struct RasterProperties {
     std::int32_t bitsPerBand = 0;                 ///< of the first band
     std::int32_t overviews = 0;                   ///< of the first band
     std::optional<std::array<double, 4>> extent;  ///< minX, minY, maxX, maxY in units of the CRS
+};
 
-    // What an object may say beyond that.
+/// Properties of one raster file: the essentials, and what an object may say beyond them.
+struct RasterProperties : RasterEssentials {
     bool hasDetails = false;   ///< whether the rest was filled
     std::wstring driver;       ///< GDAL's short name: "GTiff"
     std::wstring format;       ///< its long name: "GeoTIFF"

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
 #include <set>
 
 #include "support/Text.h"
@@ -47,6 +48,22 @@ TEST(FolderListing, AFolderThatChangesIsListedEachTime) {
         EXPECT_EQ(Names(listing.Beside(path)).size(), files)
             << "perhaps within one step of the folder's time";
     }
+}
+
+TEST(FolderListing, ATimeOfWholeSecondsIsTrustedLater) {
+    using std::chrono::seconds;
+    const TemporaryFolder folder;
+    const std::wstring path = folder.Write(L"a.tif", "");
+    FolderListing listing(2);
+    const auto now = std::chrono::floor<seconds>(std::filesystem::file_time_type::clock::now());
+    const auto isKept = [&](seconds age) {
+        std::filesystem::last_write_time(folder.Path(), now - age);
+        const GdalListPtr first = listing.Beside(path);
+        return listing.Beside(path) == first;
+    };
+    EXPECT_FALSE(isKept(seconds(1)));
+    EXPECT_TRUE(isKept(seconds(10)));
+    EXPECT_TRUE(isKept(seconds(-100))) << "a server's clock that is ahead";
 }
 
 TEST(FolderListing, TheLatestFoldersAreKept) {
