@@ -1,7 +1,9 @@
 #include "dialog/grid/GridHeaderView.h"
 
+#include <QProxyStyle>
 #include <QSignalBlocker>
 #include <QStyleOptionHeader>
+#include <algorithm>
 
 #include "dialog/grid/GridDelegate.h"
 #include "dialog/grid/GridModel.h"
@@ -13,8 +15,39 @@ constexpr int kLeastSection = 16;
 
 }  // namespace
 
+/// The style of the program, with captions that begin and end where the texts of the cells below them do.
+class GridHeaderView::CaptionStyle final : public QProxyStyle {
+  public:
+    using QProxyStyle::QProxyStyle;
+
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+        const auto* header = qstyleoption_cast<const QStyleOptionHeader*>(option);
+        if (element != CE_HeaderLabel || header == nullptr || header->text.isEmpty()) {
+            QProxyStyle::drawControl(element, option, painter, widget);
+        } else if (const auto* newer = qstyleoption_cast<const QStyleOptionHeaderV2*>(option)) {
+            DrawLabel(*newer, painter, widget);
+        } else {
+            DrawLabel(*header, painter, widget);
+        }
+    }
+
+    int Indent(const QWidget* header) const {
+        return std::max(GridDelegate::TextMargin(this) - pixelMetric(PM_HeaderMargin, nullptr, header), 0);
+    }
+
+  private:
+    template <typename Option>
+    void DrawLabel(Option label, QPainter* painter, const QWidget* header) const {
+        label.rect.adjust(Indent(header), 0, -Indent(header), 0);
+        QProxyStyle::drawControl(CE_HeaderLabel, &label, painter, header);
+    }
+};
+
 GridHeaderView::GridHeaderView(const GridDelegate& delegate, QWidget* parent)
-    : QHeaderView(Qt::Horizontal, parent), delegate_(delegate) {
+    : QHeaderView(Qt::Horizontal, parent), delegate_(delegate), captionStyle_(new CaptionStyle) {
+    captionStyle_->setParent(this);
+    setStyle(captionStyle_);
     setSectionsMovable(false);
     setSectionsClickable(true);
     setHighlightSections(false);
@@ -55,6 +88,11 @@ void GridHeaderView::initStyleOptionForIndex(QStyleOptionHeader* option, int log
     if (grid_) {
         option->icon = delegate_.IconAt(grid_->Columns()[static_cast<std::size_t>(logicalIndex)].headerIcon);
     }
+}
+
+QSize GridHeaderView::sectionSizeFromContents(int logicalIndex) const {
+    const QSize size = QHeaderView::sectionSizeFromContents(logicalIndex);
+    return size + QSize(2 * captionStyle_->Indent(this), 0);
 }
 
 void GridHeaderView::KeepLeastWidth(int column, int width) {

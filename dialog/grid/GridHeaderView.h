@@ -6,7 +6,8 @@ namespace orvex {
 class GridDelegate;
 class GridModel;
 
-/// The header of one pane of a grid: icons of captionless columns, fixed sections, least widths.
+/// The header of one pane of a grid: captions in line with the cells, icons of captionless columns, fixed
+/// sections, least widths.
 class GridHeaderView : public QHeaderView {
     Q_OBJECT
 
@@ -23,11 +24,15 @@ class GridHeaderView : public QHeaderView {
 
   protected:
     void initStyleOptionForIndex(QStyleOptionHeader* option, int logicalIndex) const override;
+    QSize sectionSizeFromContents(int logicalIndex) const override;
 
   private:
+    class CaptionStyle;
+
     void KeepLeastWidth(int column, int width);
 
     const GridDelegate& delegate_;
+    CaptionStyle* captionStyle_;  ///< a child
     const GridModel* grid_ = nullptr;
 };
 
