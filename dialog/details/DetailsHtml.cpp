@@ -46,18 +46,21 @@ QString FieldsHtml(std::span<const DetailField> fields, const QString& captionCo
 }
 
 QString SectionsHtml(std::span<const DetailSection> sections, const QString& captionColour) {
-    QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"0\" style=\"margin-top:8px\"><tr>");
+    QString html;
     const auto end = sections.end();
     for (auto section = sections.begin(); section != end;) {
-        html += QStringLiteral("<td style=\"padding-right:14px\">");
+        // Floating, so that what does not fit beside the others comes below them.
+        html += QStringLiteral(
+            "<table cellspacing=\"0\" cellpadding=\"0\" style=\"float:left\">"
+            "<tr><td style=\"padding-top:8px; padding-right:14px\">");
         do {
             html += QStringLiteral("<p style=\"margin-bottom:3px; white-space:nowrap\"><b>%1</b></p>%2")
                         .arg(Escaped(Text(section->title)), FieldsHtml(section->fields, captionColour));
             ++section;
         } while (section != end && section->isBelow);
-        html += QStringLiteral("</td>");
+        html += QStringLiteral("</td></tr></table>");
     }
-    return html + QStringLiteral("</tr></table>");
+    return html;
 }
 
 QString FindingsHtml(std::span<const Finding> findings, const std::wstring& failure,

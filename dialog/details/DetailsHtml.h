@@ -8,7 +8,8 @@
 
 namespace orvex {
 
-/// The sections beside each other. `captionColour`: of the names of the fields, as "#rrggbb".
+/// The sections beside each other as far as there is room, and then below; what they are put into ends with
+/// them. `captionColour`: of the names of the fields, as "#rrggbb".
 QString SectionsHtml(std::span<const DetailSection> sections, const QString& captionColour);
 
 /// A two-column table of fields.

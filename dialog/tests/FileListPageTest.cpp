@@ -362,29 +362,36 @@ TEST(DetailsHtmlView, EscapesTextsAndPutsTheFailureFirstAndOnce) {
     EXPECT_EQ(TextHtml(L"one\n<two>"), QStringLiteral("one<br>&lt;two&gt;"));
 }
 
-TEST(DetailsHtmlView, SectionsStandBesideOrBelowTheOneBefore) {
-    const auto titles = [](std::initializer_list<bool> below) {
+TEST(DetailsHtmlView, SectionsStandBesideTheOneBeforeWhereThereIsRoom) {
+    const auto titles = [](double width, std::initializer_list<bool> below) {
         std::vector<DetailSection> sections;
         for (const bool isBelow : below) {
             sections.push_back({40636_lsid, {{40581_lsid, L"value"}}, isBelow});
         }
         QTextDocument shown;
         shown.setHtml(SectionsHtml(sections, QStringLiteral("#888888")));
-        std::vector<double> places;  // from left to right, or the same
+        shown.setTextWidth(width);
+        std::vector<QPointF> places;
         const QString title = ToQString(Text(40636_lsid));
         for (QTextCursor at = shown.find(title); !at.isNull(); at = shown.find(title, at)) {
-            places.push_back(shown.documentLayout()->blockBoundingRect(at.block()).x());
+            places.push_back(shown.documentLayout()->blockBoundingRect(at.block()).topLeft());
         }
         return places;
     };
-    const std::vector<double> beside = titles({false, false, false});
+    const auto beside = titles(2000, {false, false, false});
     ASSERT_EQ(beside.size(), 3U);
-    EXPECT_LT(beside[0], beside[1]);
-    EXPECT_LT(beside[1], beside[2]);
-    const std::vector<double> below = titles({false, true, false});
+    EXPECT_LT(beside[0].x(), beside[1].x());
+    EXPECT_LT(beside[1].x(), beside[2].x());
+    EXPECT_EQ(beside[0].y(), beside[2].y());
+    const auto below = titles(2000, {false, true, false});
     ASSERT_EQ(below.size(), 3U);
-    EXPECT_EQ(below[0], below[1]);
+    EXPECT_EQ(below[0].x(), below[1].x());
     EXPECT_EQ(below[2], beside[1]);
+    const auto narrow = titles(beside[2].x() + 10, {false, false, false});  // and the margin
+    ASSERT_EQ(narrow.size(), 3U);
+    EXPECT_EQ(narrow[1], beside[1]);
+    EXPECT_EQ(narrow[2].x(), narrow[0].x());
+    EXPECT_GT(narrow[2].y(), narrow[0].y());
 }
 
 TEST(DetailsHtmlView, ATitleThatLooksLikeMarkupIsShownAsItIs) {
