@@ -1,4 +1,4 @@
-#include "fuzz/LasHeaderSeeds.h"
+#include "fuzz/Seeds.h"
 
 #include <cstdint>
 
@@ -8,7 +8,8 @@ namespace orvex::fuzz {
 
 using orvex::testing::LasBuilder;
 
-std::vector<std::string> LasHeaderSeeds() {
+// Every version and kind of record once, and the lies that once were trouble somewhere.
+std::vector<std::string> Seeds() {
     const LasBuilder rich = LasBuilder(14, 6)
                                 .AddPoints(3)
                                 .AddExtraBytes("reflectance", 10, 8)

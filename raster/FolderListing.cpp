@@ -55,11 +55,11 @@ FolderListing::FolderPtr FolderListing::List(const std::wstring& path, FileTime 
     return folder;
 }
 
-bool FolderListing::HasSettled(FileTime modified) const {
-    const auto age = std::chrono::system_clock::now() - modified;
+bool FolderListing::HasSettled(FileTime modified, FileTime now, std::chrono::milliseconds settling) {
+    const auto age = now - modified;
     const bool isCoarse = std::chrono::floor<std::chrono::seconds>(modified) == modified;
     // A server's clock that is ahead of ours says nothing, and its folders are not listed for every file.
-    return age < age.zero() || age > (isCoarse ? kCoarseStep : settling_);
+    return age < age.zero() || age > (isCoarse ? kCoarseStep : settling);
 }
 
 FolderListing::FolderPtr FolderListing::Get(const std::wstring& path) {
@@ -75,7 +75,8 @@ FolderListing::FolderPtr FolderListing::Get(const std::wstring& path) {
             return latest_.front();
         }
     }
-    const bool mayBeKept = HasSettled(*modified);
+    const auto now = std::chrono::floor<FileTime::duration>(std::chrono::system_clock::now());
+    const bool mayBeKept = HasSettled(*modified, now, settling_);
     FolderPtr folder = List(path, *modified);
     if (folder && mayBeKept) {
         const std::lock_guard guard(lock_);

@@ -16,6 +16,8 @@ namespace orvex {
 /// other; a folder that has changed since is listed anew. Safe from any thread.
 class FolderListing {
   public:
+    static constexpr std::chrono::milliseconds kStep{50};  ///< more than any kernel's clock goes at once
+
     /// Keeps the latest `folders` listings, of folders whose last change is longer ago than `settling` (three
     /// seconds where times are whole seconds): a change right after the listing may leave the folder's time
     /// as it was.
@@ -27,7 +29,9 @@ class FolderListing {
     /// Null when the folder cannot be listed or holds more than kMostListed.
     GdalListPtr Beside(const std::wstring& path);
 
-    static constexpr std::chrono::milliseconds kStep{50};  ///< more than any kernel's clock goes at once
+    /// Whether a further change of a folder that was changed at `modified` changes its time.
+    static bool HasSettled(FileTime modified, FileTime now, std::chrono::milliseconds settling = kStep);
+
     static constexpr std::size_t kMostWhole = 64;
     static constexpr std::size_t kMostListed = 200'000;
 
@@ -42,7 +46,6 @@ class FolderListing {
     using FolderPtr = std::shared_ptr<const Folder>;
 
     FolderPtr Get(const std::wstring& folder);
-    bool HasSettled(FileTime modified) const;
     static FolderPtr List(const std::wstring& folder, FileTime modified);
 
     const std::size_t capacity_;

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <filesystem>
 #include <set>
 
 #include "support/Text.h"
@@ -51,19 +50,14 @@ TEST(FolderListing, AFolderThatChangesIsListedEachTime) {
 }
 
 TEST(FolderListing, ATimeOfWholeSecondsIsTrustedLater) {
-    using std::chrono::seconds;
-    const TemporaryFolder folder;
-    const std::wstring path = folder.Write(L"a.tif", "");
-    FolderListing listing(2);
-    const auto now = std::chrono::floor<seconds>(std::filesystem::file_time_type::clock::now());
-    const auto isKept = [&](seconds age) {
-        std::filesystem::last_write_time(folder.Path(), now - age);
-        const GdalListPtr first = listing.Beside(path);
-        return listing.Beside(path) == first;
-    };
-    EXPECT_FALSE(isKept(seconds(1)));
-    EXPECT_TRUE(isKept(seconds(10)));
-    EXPECT_TRUE(isKept(seconds(-100))) << "a server's clock that is ahead";
+    using namespace std::chrono_literals;
+    const FileTime whole = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+    const FileTime fine = whole + 1ms;
+    EXPECT_FALSE(FolderListing::HasSettled(fine, fine + 10ms));
+    EXPECT_TRUE(FolderListing::HasSettled(fine, fine + 100ms));
+    EXPECT_FALSE(FolderListing::HasSettled(whole, whole + 2s));
+    EXPECT_TRUE(FolderListing::HasSettled(whole, whole + 4s));
+    EXPECT_TRUE(FolderListing::HasSettled(whole, whole - 1s)) << "a server's clock that is ahead";
 }
 
 TEST(FolderListing, TheLatestFoldersAreKept) {

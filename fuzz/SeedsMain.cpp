@@ -1,9 +1,9 @@
-// Writes the seeds into a folder: las_header_fuzz_seeds FOLDER
+// Writes the seeds of a fuzzer into a folder: NAME_fuzz_seeds FOLDER
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 
-#include "fuzz/LasHeaderSeeds.h"
+#include "fuzz/Seeds.h"
 
 int main(int argc, char** argv) {
     if (argc != 2) {
@@ -13,7 +13,7 @@ int main(int argc, char** argv) {
     const std::filesystem::path folder = argv[1];
     std::filesystem::create_directories(folder);
     int number = 0;
-    for (const std::string& seed : orvex::fuzz::LasHeaderSeeds()) {
+    for (const std::string& seed : orvex::fuzz::Seeds()) {
         std::ofstream file(folder / ("seed-" + std::to_string(number++)), std::ios::binary);
         if (!(file << seed)) {
             std::fprintf(stderr, "cannot write into %s\n", argv[1]);
