@@ -4,7 +4,11 @@
 #include <chrono>
 #include <condition_variable>
 #include <deque>
+#include <exception>
 #include <mutex>
+#include <optional>
+#include <system_error>
+#include <thread>
 
 #include "dialog/BackgroundRun.h"
 #include "support/Format.h"
@@ -22,106 +26,151 @@ namespace adding {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+constexpr std::size_t kReaders = 4;
 constexpr std::size_t kQueueLimit = 256;  // files read ahead of the grid
 constexpr std::size_t kBatchLimit = 100;
 constexpr auto kBatchEvery = std::chrono::milliseconds(30);
 constexpr std::size_t kProgressTextLimit = 256;
 
-// Results on their way from the worker to the grid, in the order of the paths; null: listed already. The
-// worker waits while it is full.
-class ResultQueue {
+// What the threads of a run own; it may outlive the run. Several files are read at once, since most of the
+// time a drive is waited for. Results are taken in the order of the paths; null: listed already.
+class Reading {
   public:
-    // False when the run was stopped meanwhile; the result is dropped then.
-    bool Push(InspectedPtr result, const std::stop_token& stop) {
-        std::unique_lock guard(lock_);
-        if (!roomLeft_.wait(guard, stop, [this] { return results_.size() < kQueueLimit || closed_; }) &&
-            closed_) {
-            return false;
+    Reading(AddingRequest request, std::function<std::wstring(const std::wstring&)> buddy,
+            std::function<InspectedPtr(const std::wstring&)> inspect)
+        : paths_(std::move(request.paths)),
+          keys_(std::move(request.listedKeys)),
+          buddy_(std::move(buddy)),
+          inspect_(std::move(inspect)) {}
+
+    const std::vector<std::wstring>& Paths() const { return paths_; }
+
+    // Reads until all are read, or the run is stopped or closed. No thread is left when it returns.
+    void Run(const std::stop_token& stop) {
+        {
+            std::vector<std::jthread> others;
+            const std::size_t readers = std::min(kReaders, paths_.size());
+            while (others.size() + 1 < readers && StartReader(others, stop)) {
+            }
+            Read(stop);
         }
-        if (closed_) {
-            return false;
+        if (failure_) {
+            std::rethrow_exception(failure_);
         }
-        results_.push_back(std::move(result));
-        return true;
     }
 
-    std::deque<InspectedPtr> TakeAll() {
+    // Those that are read, up to the first that is not.
+    std::vector<InspectedPtr> TakeReady() {
+        std::vector<InspectedPtr> ready;
         const std::lock_guard guard(lock_);
+        while (!slots_.empty() && slots_.front().has_value()) {
+            ready.push_back(*std::move(slots_.front()));
+            slots_.pop_front();
+        }
         roomLeft_.notify_all();
-        return std::exchange(results_, {});
+        return ready;
     }
 
-    // Nothing is kept from now on.
+    // Nothing more is read or kept from now on.
     void Close() {
-        std::deque<InspectedPtr> dropped;
+        std::deque<Slot> dropped;
         const std::lock_guard guard(lock_);
         closed_ = true;
-        dropped.swap(results_);
+        dropped.swap(slots_);
         roomLeft_.notify_all();
     }
 
   private:
-    std::mutex lock_;
-    std::condition_variable_any roomLeft_;
-    std::deque<InspectedPtr> results_;
-    bool closed_ = false;
-};
+    using Slot = std::optional<InspectedPtr>;
 
-// What the worker owns; it may outlive the run.
-struct Work {
-    std::vector<std::wstring> paths;
-    std::unordered_set<std::wstring> keys;
-    std::function<std::wstring(const std::wstring&)> buddy;
-    std::function<InspectedPtr(const std::wstring&)> inspect;
-    ResultQueue queue;
+    // False when the system refuses a thread; those that there are do the work.
+    bool StartReader(std::vector<std::jthread>& threads, const std::stop_token& stop) {
+        try {
+            threads.emplace_back([this, stop] { Read(stop); });
+            return true;
+        } catch (const std::system_error&) {
+            return false;
+        }
+    }
 
-    bool IsListed(const std::wstring& path) {
-        if (keys.contains(PathKey(path))) {
+    void Read(const std::stop_token& stop) {
+        try {
+            while (const auto place = Claim(stop)) {
+                Put(*place, inspect_(paths_[*place]));
+            }
+        } catch (...) {
+            Close();
+            const std::lock_guard guard(lock_);
+            failure_ = std::current_exception();
+        }
+    }
+
+    // The next file to be read, when there is room for what is found; none when there is nothing to do.
+    std::optional<std::size_t> Claim(const std::stop_token& stop) {
+        std::unique_lock guard(lock_);
+        while (true) {
+            roomLeft_.wait(guard, stop, [this] { return slots_.size() < kQueueLimit || closed_; });
+            if (closed_ || stop.stop_requested() || next_ == paths_.size()) {
+                return std::nullopt;
+            }
+            const std::size_t place = next_++;
+            if (!IsListed(paths_[place])) {
+                keys_.insert(PathKey(paths_[place]));
+                slots_.emplace_back();
+                return place;
+            }
+            slots_.emplace_back(std::in_place, nullptr);
+        }
+    }
+
+    void Put(std::size_t place, InspectedPtr result) {
+        const std::lock_guard guard(lock_);
+        if (!closed_) {
+            slots_[place + slots_.size() - next_] = std::move(result);
+        }
+    }
+
+    bool IsListed(const std::wstring& path) const {
+        if (keys_.contains(PathKey(path))) {
             return true;
         }
-        const std::wstring other = buddy ? buddy(path) : std::wstring();
-        return !other.empty() && keys.contains(PathKey(other));
+        const std::wstring other = buddy_ ? buddy_(path) : std::wstring();
+        return !other.empty() && keys_.contains(PathKey(other));
     }
 
-    void Run(const std::stop_token& stop) {
-        for (const std::wstring& path : paths) {
-            if (stop.stop_requested()) {
-                return;
-            }
-            InspectedPtr result;
-            if (!IsListed(path)) {
-                keys.insert(PathKey(path));
-                result = inspect(path);
-            }
-            if (!queue.Push(std::move(result), stop)) {
-                return;
-            }
-        }
-    }
+    const std::vector<std::wstring> paths_;
+    std::unordered_set<std::wstring> keys_;
+    const std::function<std::wstring(const std::wstring&)> buddy_;
+    const std::function<InspectedPtr(const std::wstring&)> inspect_;
+    std::mutex lock_;
+    std::condition_variable_any roomLeft_;
+    std::deque<Slot> slots_;  ///< of the files before `next_` that nobody has taken; empty: being read
+    std::size_t next_ = 0;    ///< the first path that nobody reads yet
+    bool closed_ = false;
+    std::exception_ptr failure_;
 };
 
 // The side of the run that lives on the user-interface thread.
 class Delivery {
   public:
-    Delivery(const AddingDescription& description, const Steps& steps, std::shared_ptr<Work> work,
+    Delivery(const AddingDescription& description, const Steps& steps, std::shared_ptr<Reading> reading,
              std::size_t rowsBefore, UserPrompts& prompts, Kst::ProgressIf& progress)
         : description_(description),
           steps_(steps),
-          work_(std::move(work)),
+          reading_(std::move(reading)),
           rowsBefore_(rowsBefore),
           prompts_(prompts),
           progress_(progress) {
-        summary_.offered = work_->paths.size();
+        summary_.offered = reading_->Paths().size();
         progress_.SetRange(summary_.offered);
         ShowProgress();
     }
-    ~Delivery() { work_->queue.Close(); }
+    ~Delivery() { reading_->Close(); }
     Delivery(const Delivery&) = delete;
     Delivery& operator=(const Delivery&) = delete;
 
     PollResult Poll() {
-        std::deque<InspectedPtr> results = work_->queue.TakeAll();
-        for (InspectedPtr& result : results) {
+        for (InspectedPtr& result : reading_->TakeReady()) {
             ++looked_;
             ShowProgress();
             if (!result) {
@@ -150,7 +199,7 @@ class Delivery {
             const bool refused = summary_.stopped;
             summary_.stopped = refused || looked_ < summary_.offered;
             if (end == RunEnd::Abandoned && !refused && looked_ < summary_.offered) {
-                summary_.abandonedPath = work_->paths[looked_];
+                summary_.abandonedPath = reading_->Paths()[looked_];
             }
         }
         return std::move(summary_);
@@ -186,7 +235,7 @@ class Delivery {
 
     const AddingDescription& description_;
     const Steps& steps_;
-    std::shared_ptr<Work> work_;
+    std::shared_ptr<Reading> reading_;
     std::size_t rowsBefore_;
     UserPrompts& prompts_;
     Kst::ProgressIf& progress_;
@@ -203,14 +252,11 @@ AddingSummary Run(const AddingDescription& description, AddingRequest request, c
     if (request.paths.empty()) {
         return {};
     }
-    const auto work = std::make_shared<Work>();
-    work->paths = std::move(request.paths);
-    work->keys = std::move(request.listedKeys);
-    work->buddy = description.buddy;
-    work->inspect = steps.inspect;
-    Delivery delivery(description, steps, work, request.rowsBefore, prompts, progress);
-    const RunEnd end = RunInBackground([work](const std::stop_token& stop) { work->Run(stop); }, progress,
-                                       [&delivery] { return delivery.Poll(); });
+    const std::size_t rowsBefore = request.rowsBefore;
+    const auto reading = std::make_shared<Reading>(std::move(request), description.buddy, steps.inspect);
+    Delivery delivery(description, steps, reading, rowsBefore, prompts, progress);
+    const RunEnd end = RunInBackground([reading](const std::stop_token& stop) { reading->Run(stop); },
+                                       progress, [&delivery] { return delivery.Poll(); });
     return delivery.Finish(end);
 }
 

@@ -43,15 +43,21 @@ bool SetUp(const std::filesystem::path& folder) {
 }  // namespace
 
 std::int32_t GdalSetup::Run(const std::filesystem::path& folder) {
-    if (!attempted_) {
-        attempted_ = true;
-        succeeded_ = SetUp(folder);
-    }
-    return succeeded_ ? kReady : kFailed;
+    return RunOnce([&] { return folder; });
 }
 
 std::int32_t GdalSetup::Run() {
-    return Run(ModuleFolder());
+    return RunOnce(ModuleFolder);
+}
+
+/// The folder is looked up for the first call only: many files are listed one after the other.
+template <typename Folder>
+std::int32_t GdalSetup::RunOnce(Folder folder) {
+    if (!attempted_) {
+        attempted_ = true;
+        succeeded_ = SetUp(folder());
+    }
+    return succeeded_ ? kReady : kFailed;
 }
 
 std::int32_t EnsureGdal() {

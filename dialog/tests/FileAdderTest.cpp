@@ -92,6 +92,24 @@ TEST_F(FileAdding, KeepsTheOrderAndBoundsTheBatches) {
     EXPECT_EQ(progress.total, 1234U);
 }
 
+TEST_F(FileAdding, ASlowFileKeepsItsPlaceWhileOthersAreRead) {
+    description.confirmText = {};
+    std::promise<void> thirdRead;
+    std::atomic<bool> wasOvertaken = false;
+    inspect = [&, third = thirdRead.get_future().share()](const std::wstring& path) {
+        if (path == L"/data/0.las") {
+            wasOvertaken = third.wait_for(std::chrono::seconds(20)) == std::future_status::ready;
+        } else if (path == L"/data/3.las") {
+            thirdRead.set_value();
+        }
+        return Row{path, L""};
+    };
+    const auto paths = Files(600);
+    Add({paths, {}, 0});
+    EXPECT_TRUE(wasOvertaken);
+    EXPECT_EQ(Paths(), paths);
+}
+
 TEST_F(FileAdding, TellsOfEveryFileWhetherListedOrNot) {
     description.confirmText = {};
     Add({Files(250), {PathKey(L"/data/7.las")}, 0});
@@ -223,7 +241,13 @@ TEST_F(FileAdding, AFileThatDoesNotAnswerIsAbandonedAndItsRecordFreedLater) {
     EXPECT_TRUE(watch.expired());
 }
 
-TEST_F(FileAdding, AnErrorOfTheGridEndsTheRun) {
+TEST_F(FileAdding, AnErrorOfTheGridOrWithoutARowEndsTheRun) {
+    const auto fail = [](const std::wstring&) -> Row { throw std::runtime_error("file"); };
+    const FileAdder<Row> failing(description, fail,
+                                 [](auto&, auto&) -> Row { throw std::runtime_error("row"); });
+    EXPECT_THROW(failing.Add(
+                     {Files(2000), {}, 100}, [](auto) {}, prompts, progress),
+                 std::runtime_error);
     const FileAdder<Row> adder(description, inspect, [](auto&, auto&) { return Row{}; });
     EXPECT_THROW(
         adder.Add(
