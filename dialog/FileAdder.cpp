@@ -26,14 +26,18 @@ namespace adding {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr std::size_t kReaders = 4;
+constexpr std::size_t kMostReaders = 4;
+// Files read between two polls: after fewer one more is read at the same time, after more one less. On a slow
+// drive reading is what is waited for; elsewhere threads are in each other's way.
+constexpr std::size_t kFewReady = 16;
+constexpr std::size_t kManyReady = 64;
 constexpr std::size_t kQueueLimit = 256;  // files read ahead of the grid
 constexpr std::size_t kBatchLimit = 100;
 constexpr auto kBatchEvery = std::chrono::milliseconds(30);
 constexpr std::size_t kProgressTextLimit = 256;
 
-// What the threads of a run own; it may outlive the run. Several files are read at once, since most of the
-// time a drive is waited for. Results are taken in the order of the paths; null: listed already.
+// What the threads of a run own; it may outlive the run. Results are taken in the order of the paths; null:
+// listed already.
 class Reading {
   public:
     Reading(AddingRequest request, std::function<std::wstring(const std::wstring&)> buddy,
@@ -47,19 +51,16 @@ class Reading {
 
     // Reads until all are read, or the run is stopped or closed. No thread is left when it returns.
     void Run(const std::stop_token& stop) {
-        {
-            std::vector<std::jthread> others;
-            const std::size_t readers = std::min(kReaders, paths_.size());
-            while (others.size() + 1 < readers && StartReader(others, stop)) {
-            }
-            Read(stop);
-        }
+        Begin(stop);
+        Read(0, stop);
+        End();
         if (failure_) {
             std::rethrow_exception(failure_);
         }
     }
 
-    // Those that are read, up to the first that is not.
+    // Those that are read, up to the first that is not. To be called regularly: how many they are decides how
+    // many files are read at once.
     std::vector<InspectedPtr> TakeReady() {
         std::vector<InspectedPtr> ready;
         const std::lock_guard guard(lock_);
@@ -67,7 +68,8 @@ class Reading {
             ready.push_back(*std::move(slots_.front()));
             slots_.pop_front();
         }
-        roomLeft_.notify_all();
+        Adapt(ready.size());
+        changed_.notify_all();
         return ready;
     }
 
@@ -77,25 +79,45 @@ class Reading {
         const std::lock_guard guard(lock_);
         closed_ = true;
         dropped.swap(slots_);
-        roomLeft_.notify_all();
+        changed_.notify_all();
     }
 
   private:
     using Slot = std::optional<InspectedPtr>;
 
-    // False when the system refuses a thread; those that there are do the work.
-    bool StartReader(std::vector<std::jthread>& threads, const std::stop_token& stop) {
+    void Begin(const std::stop_token& stop) {
+        const std::lock_guard guard(lock_);
+        stop_ = stop;
+    }
+
+    void End() {
+        std::vector<std::jthread> others;  // waited for without the lock, which they need
+        const std::lock_guard guard(lock_);
+        stop_.reset();
+        others.swap(others_);
+    }
+
+    // With the lock held.
+    void Adapt(std::size_t ready) {
+        if (ready > kManyReady) {
+            wanted_ = std::max<std::size_t>(wanted_ - 1, 1);
+        } else if (ready < kFewReady) {
+            wanted_ = std::min(wanted_ + 1, kMostReaders);
+        }
+        const bool isReading = stop_ && !closed_ && next_ < paths_.size();
+        if (!isReading || others_.size() + 1 >= wanted_) {
+            return;
+        }
         try {
-            threads.emplace_back([this, stop] { Read(stop); });
-            return true;
+            others_.emplace_back([this, number = others_.size() + 1, stop = *stop_] { Read(number, stop); });
         } catch (const std::system_error&) {
-            return false;
+            // The system refuses a thread: those that there are do the work.
         }
     }
 
-    void Read(const std::stop_token& stop) {
+    void Read(std::size_t reader, const std::stop_token& stop) {
         try {
-            while (const auto place = Claim(stop)) {
+            while (const auto place = Claim(reader, stop)) {
                 Put(*place, inspect_(paths_[*place]));
             }
         } catch (...) {
@@ -105,15 +127,21 @@ class Reading {
         }
     }
 
-    // The next file to be read, when there is room for what is found; none when there is nothing to do.
-    std::optional<std::size_t> Claim(const std::stop_token& stop) {
+    // The next file to be read, when there is room for what is found and work for so many readers; none when
+    // there is nothing left to do.
+    std::optional<std::size_t> Claim(std::size_t reader, const std::stop_token& stop) {
         std::unique_lock guard(lock_);
+        const auto hasEnded = [&] { return closed_ || next_ == paths_.size(); };
         while (true) {
-            roomLeft_.wait(guard, stop, [this] { return slots_.size() < kQueueLimit || closed_; });
-            if (closed_ || stop.stop_requested() || next_ == paths_.size()) {
+            changed_.wait(guard, stop,
+                          [&] { return hasEnded() || (reader < wanted_ && slots_.size() < kQueueLimit); });
+            if (hasEnded() || stop.stop_requested()) {
                 return std::nullopt;
             }
             const std::size_t place = next_++;
+            if (hasEnded()) {
+                changed_.notify_all();
+            }
             if (!IsListed(paths_[place])) {
                 keys_.insert(PathKey(paths_[place]));
                 slots_.emplace_back();
@@ -143,10 +171,13 @@ class Reading {
     const std::function<std::wstring(const std::wstring&)> buddy_;
     const std::function<InspectedPtr(const std::wstring&)> inspect_;
     std::mutex lock_;
-    std::condition_variable_any roomLeft_;
+    std::condition_variable_any changed_;
     std::deque<Slot> slots_;  ///< of the files before `next_` that nobody has taken; empty: being read
     std::size_t next_ = 0;    ///< the first path that nobody reads yet
     bool closed_ = false;
+    std::optional<std::stop_token> stop_;  ///< while it runs
+    std::vector<std::jthread> others_;     ///< the readers beside the thread that runs, which is number 0
+    std::size_t wanted_ = 1;               ///< so many of the readers take files; the others wait
     std::exception_ptr failure_;
 };
 
