@@ -1,5 +1,5 @@
 #pragma once
-// Adding files to a page's grid: duplicate check, inspection on a worker thread, progress, Escape, and the
+// Adding files to a page's grid: duplicate check, inspection on worker threads, progress, Escape, and the
 // question whether to go on.
 #include <cstddef>
 #include <functional>
@@ -26,7 +26,7 @@ struct AddingDescription {
     StringId confirmCaption = {};    ///< of that question
     std::size_t confirmAtRows = 10;  ///< the question comes when the grid reaches exactly this many rows
     /// A second path under which a file may be listed already (the LAS file of a LAZ file and the reverse);
-    /// empty text or no function: none. Called on the worker thread.
+    /// empty text or no function: none. Called on worker threads, one call at a time.
     std::function<std::wstring(const std::wstring& path)> buddy;
 };
 
@@ -54,7 +54,7 @@ struct Inspected {
 using InspectedPtr = std::unique_ptr<Inspected>;
 
 struct Steps {
-    std::function<InspectedPtr(const std::wstring& path)> inspect;  ///< on the worker thread
+    std::function<InspectedPtr(const std::wstring& path)> inspect;  ///< on worker threads
     std::function<void(std::vector<InspectedPtr> batch)> deliver;   ///< on this thread
 };
 
@@ -67,10 +67,10 @@ AddingSummary Run(const AddingDescription& description, AddingRequest request, c
 template <typename Record>
 class FileAdder {
   public:
-    /// Reads one file. Runs on a worker thread that may outlive the page (a network drive that never
-    /// answers): it must own whatever it touches.
+    /// Reads one file. Runs on worker threads, on several at a time when the drive is slow, which may outlive
+    /// the page (a network drive that never answers): it must own whatever it touches.
     using Inspect = std::function<Record(const std::wstring& path)>;
-    /// The record of a file whose inspection threw; on the worker thread too.
+    /// The record of a file whose inspection threw; on the worker threads too.
     using Failed = std::function<Record(const std::wstring& path, const std::wstring& message)>;
     /// Takes records into the grid, in the order of the paths: a batch at most every 30 ms or 100 records.
     using Deliver = std::function<void(std::vector<Record> batch)>;
