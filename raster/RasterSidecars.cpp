@@ -2,6 +2,8 @@
 
 #include <cpl_string.h>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 
 #include "support/Files.h"
@@ -21,12 +23,14 @@ struct FreeList {
 
 void ReadSidecars(GDALDatasetH dataset, const std::wstring& path, RasterProperties& properties) {
     const std::unique_ptr<char*[], FreeList> files(GDALGetFileList(dataset));
-    const std::wstring key = PathKey(path);
+    // The list has the name under which the file was opened, which is a full path.
+    const std::wstring keys[] = {PathKey(path), PathKey(FromUtf8(GDALGetDescription(dataset)))};
     for (char** file = files.get(); file != nullptr && *file != nullptr; ++file) {
         std::wstring sidecar = NativePath(FromUtf8(*file));
         // Files inside archives and what has gone meanwhile have no size.
         const auto size = FileSizeOf(sidecar);
-        if (!size || PathKey(sidecar) == key || properties.sidecars.size() >= kMostSidecars) {
+        const bool isItself = std::ranges::find(keys, PathKey(sidecar)) != std::end(keys);
+        if (!size || isItself || properties.sidecars.size() >= kMostSidecars) {
             continue;
         }
         properties.totalBytes += *size;

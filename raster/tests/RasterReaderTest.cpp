@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 #include <limits>
 
 #include "raster/GdalDataset.h"
@@ -21,6 +22,7 @@ namespace {
 using ::testing::ElementsAre;
 using testing::GeoTiff;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 using testing::TemporaryFolder;
 
 /// One that states everything that a file can state.
@@ -208,6 +210,8 @@ TEST(RasterReader, SidecarsCount) {
     EXPECT_THAT(p.sidecars, ElementsAre(world));
     EXPECT_EQ(p.totalBytes, *FileSizeOf(path) + *FileSizeOf(world));
     EXPECT_EQ(p.pixelWidth, 2);
+    const std::wstring relative = FromPath(std::filesystem::proximate(ToPath(path)));
+    EXPECT_THAT(ReadRasterProperties(relative).sidecars, SizeIs(1)) << "and not the file itself";
 }
 
 TEST(RasterReader, NodataOfEveryKind) {
