@@ -10,6 +10,10 @@ namespace {
 using orvex::testing::TiffBytes;
 using namespace std::string_literals;
 
+constexpr char kMosaic[] =
+    R"(<VRTDataset rasterXSize="2" rasterYSize="1"><VRTRasterBand dataType="Byte" band="1"><SimpleSource>)"
+    R"(<SourceFilename>input.tif</SourceFilename></SimpleSource></VRTRasterBand></VRTDataset>)";
+
 constexpr unsigned kBytes = 1;
 constexpr unsigned kAscii = 2;
 constexpr unsigned kShort = 3;
@@ -73,9 +77,7 @@ std::vector<std::string> Seeds() {
         "ncols 3\nnrows 2\nxllcorner 10\nyllcorner 20\ncellsize 5\nNODATA_value -1\n1 2 3\n-1 4 nan\n",
         "P5\n3 2\n255\n123456",
         "GIF89a\4\0\2\0\x80\0\0\0\0\0\xFF\xFF\xFF,\0\0\0\0\4\0\2\0\0\2\3\x8C\x8F\5\0;"s,
-        "<VRTDataset rasterXSize=\"2\" rasterYSize=\"1\"><VRTRasterBand dataType=\"Byte\" band=\"1\">"
-        "<SimpleSource><SourceFilename>input.tif</SourceFilename></SimpleSource></VRTRasterBand></"
-        "VRTDataset>",
+        kMosaic,
     };
     for (const auto format : {Classic, Big}) {
         for (const auto order : {TiffBytes::Order::Little, TiffBytes::Order::Big}) {
