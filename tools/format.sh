@@ -1,5 +1,9 @@
 # The layout that clang-format decides, in every source of the tree; --check: says what differs and changes nothing.
 mapfile -t sources < <(git ls-files --cached --others --exclude-standard -- '*.cpp' '*.h')
+if [ ${#sources[@]} = 0 ]; then
+    echo "orvex: git lists no sources here" >&2
+    return 1
+fi
 if [ "${1:-}" = --check ]; then
     echo "format: ${#sources[@]} files"
     clang-format --dry-run -Werror "${sources[@]}"
