@@ -43,21 +43,16 @@ bool SetUp(const std::filesystem::path& folder) {
 }  // namespace
 
 std::int32_t GdalSetup::Run(const std::filesystem::path& folder) {
-    return RunOnce([&] { return folder; });
+    if (!attempted_) {
+        attempted_ = true;
+        succeeded_ = SetUp(folder);
+    }
+    return succeeded_ ? kReady : kFailed;
 }
 
 std::int32_t GdalSetup::Run() {
-    return RunOnce(ModuleFolder);
-}
-
-/// The folder is looked up for the first call only: many files are listed one after the other.
-template <typename Folder>
-std::int32_t GdalSetup::RunOnce(Folder folder) {
-    if (!attempted_) {
-        attempted_ = true;
-        succeeded_ = SetUp(folder());
-    }
-    return succeeded_ ? kReady : kFailed;
+    // Looked up once: this is asked for every file.
+    return Run(attempted_ ? std::filesystem::path() : ModuleFolder());
 }
 
 std::int32_t EnsureGdal() {

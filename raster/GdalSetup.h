@@ -15,9 +15,6 @@ class GdalSetup {
     std::int32_t Run();
 
   private:
-    template <typename Folder>
-    std::int32_t RunOnce(Folder folder);
-
     bool attempted_ = false;
     bool succeeded_ = false;
 };

@@ -107,6 +107,30 @@ TEST_F(GridViewTest, FrozenColumnsStayWhileTheOthersScroll) {
     EXPECT_EQ(frozen->rowViewportPosition(49), table->rowViewportPosition(49));
 }
 
+TEST_F(GridViewTest, CaptionsBeginWhereTheirCellsTextsDo) {
+    const auto firstInk = [](QWidget* widget, const QRect& room) {
+        const QImage picture = widget->grab(room).toImage();
+        for (int x = 0; x < picture.width(); ++x) {
+            for (int y = 0; y < picture.height(); ++y) {
+                if (picture.pixelColor(x, y).lightness() < 100) {
+                    return x;
+                }
+            }
+        }
+        return -1;
+    };
+    model_.AddNames({Text(40402_lsid)});
+    Settle();
+    QTableView* table = view_.FrozenTable();
+    QHeaderView* header = table->horizontalHeader();
+    // Without the lines between the sections.
+    const int left = header->sectionViewportPosition(kName) + 1;
+    const int width = header->sectionSize(kName) - 4;
+    const int caption = firstInk(header->viewport(), QRect(left, 3, width, header->height() - 6));
+    EXPECT_GT(caption, 0);
+    EXPECT_EQ(caption, firstInk(table->viewport(), QRect(left, 1, width, table->rowHeight(0) - 2)));
+}
+
 TEST_F(GridViewTest, SelectionSpansThePanesAndStaysWithItsRecords) {
     AddMany(12);
     QSignalSpy selected(&view_, &GridView::SelectionChanged);
