@@ -241,13 +241,27 @@ TEST_F(FileAdding, AFileThatDoesNotAnswerIsAbandonedAndItsRecordFreedLater) {
     EXPECT_TRUE(watch.expired());
 }
 
-TEST_F(FileAdding, AnErrorOfTheGridOrWithoutARowEndsTheRun) {
-    const auto fail = [](const std::wstring&) -> Row { throw std::runtime_error("file"); };
-    const FileAdder<Row> failing(description, fail,
-                                 [](auto&, auto&) -> Row { throw std::runtime_error("row"); });
-    EXPECT_THROW(failing.Add(
+// Those that read beside the one that fails must not wait for room that nobody makes any more.
+TEST_F(FileAdding, AFileThatGetsNoRowEndsTheRun) {
+    std::promise<void> thirdRead;
+    const auto read = [&, third = thirdRead.get_future().share()](const std::wstring& path) {
+        if (path == L"/data/0.las") {
+            third.wait_for(std::chrono::seconds(20));
+            throw std::runtime_error("file");
+        }
+        if (path == L"/data/3.las") {
+            thirdRead.set_value();
+        }
+        return Row{path, L""};
+    };
+    const FileAdder<Row> adder(description, read,
+                               [](auto&, auto&) -> Row { throw std::runtime_error("row"); });
+    EXPECT_THROW(adder.Add(
                      {Files(2000), {}, 100}, [](auto) {}, prompts, progress),
                  std::runtime_error);
+}
+
+TEST_F(FileAdding, AnErrorOfTheGridEndsTheRun) {
     const FileAdder<Row> adder(description, inspect, [](auto&, auto&) { return Row{}; });
     EXPECT_THROW(
         adder.Add(
