@@ -13,9 +13,9 @@
 
 #include "benchmarks/Figures.h"
 #include "benchmarks/Probe.h"
+#include "crs/GdalSetup.h"
 #include "host/dem/DemConversion.h"
 #include "host/dem/testing/DemSamples.h"
-#include "raster/GdalSetup.h"
 #include "support/Files.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"

@@ -15,8 +15,8 @@
 #include "benchmarks/BenchOptions.h"
 #include "benchmarks/Corpus.h"
 #include "benchmarks/Figures.h"
-#include "raster/GdalDataset.h"
-#include "raster/GdalSetup.h"
+#include "crs/GdalDataset.h"
+#include "crs/GdalSetup.h"
 #include "raster/RasterInspection.h"
 #include "support/Text.h"
 

@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "benchmarks/Corpus.h"
-#include "raster/GdalDataset.h"
+#include "crs/GdalDataset.h"
 
 namespace orvex::bench {
 

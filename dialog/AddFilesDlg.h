@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "dialog/DialogServices.h"
-#include "dialog/PageDescription.h"
+#include "dialog/page/PageDescription.h"
 
 class QHBoxLayout;
 class QProgressBar;

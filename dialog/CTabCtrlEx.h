@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "dialog/PageDescription.h"
+#include "dialog/page/PageDescription.h"
 
 namespace orvex {
 

@@ -2,7 +2,7 @@
 #include <span>
 
 #include "dialog/DialogServices.h"
-#include "dialog/PageDescription.h"
+#include "dialog/page/PageDescription.h"
 
 class QWidget;
 

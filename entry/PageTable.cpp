@@ -1,9 +1,9 @@
 #include "entry/PageTable.h"
 
 #include "dialog/Images.h"
-#include "las/AddLASFilesPP.h"
-#include "raster/AddDEMFilesPP.h"
-#include "raster/AddRasterFilesPP.h"
+#include "las/page/AddLASFilesPP.h"
+#include "raster/page/AddDEMFilesPP.h"
+#include "raster/page/AddRasterFilesPP.h"
 
 namespace orvex {
 namespace {

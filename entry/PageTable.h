@@ -1,7 +1,7 @@
 #pragma once
 #include <span>
 
-#include "dialog/PageDescription.h"
+#include "dialog/page/PageDescription.h"
 
 namespace orvex {
 

@@ -7,11 +7,11 @@
 #include <iterator>
 #include <string>
 
+#include "crs/GdalSetup.h"
 #include "host/dem/DemConversion.h"
 #include "las/LasInspection.h"
-#include "raster/GdalSetup.h"
 #include "raster/RasterCells.h"
-#include "raster/RasterDetails.h"
+#include "raster/page/RasterDetails.h"
 #include "support/LDataError.h"
 #include "support/testing/TemporaryFolder.h"
 

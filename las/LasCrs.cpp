@@ -6,9 +6,9 @@
 #include <tuple>
 #include <utility>
 
+#include "crs/GdalSetup.h"
 #include "las/LASFile.h"
 #include "orvexcommon/OrvexUtilities.h"
-#include "raster/GdalSetup.h"
 
 namespace orvex {
 namespace {

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "crs/CrsDescription.h"
 #include "las/LASFile.h"
 #include "las/LasValidate.h"
-#include "raster/CrsDescription.h"
 
 namespace orvex {
 

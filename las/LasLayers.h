@@ -3,8 +3,8 @@
 #include <span>
 #include <string>
 
+#include "crs/LayerAssignment.h"
 #include "las/LasRow.h"
-#include "raster/LayerAssignment.h"
 
 namespace orvex {
 

@@ -1,7 +1,7 @@
 #pragma once
 #include <string>
 
-#include "dialog/LoadFlag.h"
+#include "dialog/page/LoadFlag.h"
 #include "las/LasInspection.h"
 
 namespace orvex {

@@ -3,8 +3,8 @@
 #include <chrono>
 #include <utility>
 
+#include "crs/GdalSetup.h"
 #include "orvexcommon/Geocoding.h"
-#include "raster/GdalSetup.h"
 #include "raster/RasterFindings.h"
 #include "raster/RasterReader.h"
 #include "raster/RasterUnit.h"

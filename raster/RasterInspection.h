@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "crs/CrsDescription.h"
 #include "orvexcommon/RasterProperties.h"
-#include "raster/CrsDescription.h"
 #include "support/Finding.h"
 #include "support/HostObjects.h"
 

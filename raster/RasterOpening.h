@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "raster/GdalDataset.h"
+#include "crs/GdalDataset.h"
 
 namespace orvex {
 

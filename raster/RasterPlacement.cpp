@@ -6,7 +6,7 @@
 #include <cmath>
 #include <optional>
 
-#include "raster/CrsDescription.h"
+#include "crs/CrsDescription.h"
 #include "support/Text.h"
 #include "support/WktExport.h"
 

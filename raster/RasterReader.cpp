@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "raster/GdalOption.h"
-#include "raster/NoNetwork.h"
+#include "crs/GdalOption.h"
+#include "crs/NoNetwork.h"
 #include "raster/RasterBands.h"
 #include "raster/RasterColors.h"
 #include "raster/RasterOpening.h"

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "dialog/LoadFlag.h"
-#include "raster/LayerAssignment.h"
+#include "crs/LayerAssignment.h"
+#include "dialog/page/LoadFlag.h"
 #include "raster/RasterListing.h"
 
 namespace orvex {

@@ -9,12 +9,12 @@
 #include <utility>
 #include <vector>
 
-#include "dialog/AddFilesPage.h"
-#include "dialog/ControlWidget.h"
 #include "dialog/DialogProgress.h"
-#include "dialog/FileListControls.h"
 #include "dialog/Images.h"
 #include "dialog/grid/GridView.h"
+#include "dialog/page/AddFilesPage.h"
+#include "dialog/page/ControlWidget.h"
+#include "dialog/page/FileListControls.h"
 #include "dialog/testing/ScriptedServices.h"
 #include "orvexcommon/AddFilesParams.h"
 #include "support/testing/TemporaryFolder.h"

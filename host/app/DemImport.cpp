@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "raster/GdalSetup.h"
+#include "crs/GdalSetup.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/Text.h"

@@ -7,10 +7,10 @@
 #include <cmath>
 #include <limits>
 
+#include "crs/GdalSetup.h"
+#include "crs/NoNetwork.h"
 #include "host/app/OverviewSource.h"
 #include "raster/BandFacts.h"
-#include "raster/GdalSetup.h"
-#include "raster/NoNetwork.h"
 #include "raster/RasterOpening.h"
 #include "raster/RasterWarnings.h"
 #include "support/Format.h"

@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <random>
 
-#include "raster/GdalOption.h"
-#include "raster/GdalSetup.h"
-#include "raster/NoNetwork.h"
+#include "crs/GdalOption.h"
+#include "crs/GdalSetup.h"
+#include "crs/NoNetwork.h"
 #include "raster/RasterOpening.h"
 #include "raster/RasterWarnings.h"
 #include "support/Files.h"

@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
+#include "crs/GdalSetup.h"
 #include "host/app/SampleTerrain.h"
 #include "orvexcommon/OrvexUtilities.h"
-#include "raster/GdalSetup.h"
 #include "support/GdalErrorScope.h"
 #include "support/LDataError.h"
 #include "support/Text.h"

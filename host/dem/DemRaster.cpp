@@ -4,8 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "crs/NoNetwork.h"
 #include "raster/BandFacts.h"
-#include "raster/NoNetwork.h"
 #include "raster/RasterOpening.h"
 #include "raster/RasterWarnings.h"
 #include "support/Files.h"

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "crs/CrsDescription.h"
 #include "host/inspect/LasReport.h"
 #include "host/inspect/RasterReport.h"
-#include "raster/CrsDescription.h"
 
 namespace orvex {
 

@@ -1,6 +1,6 @@
 #include "host/objects/HostRasterInformation.h"
 
-#include "raster/GdalSetup.h"
+#include "crs/GdalSetup.h"
 #include "raster/RasterReader.h"
 #include "support/LDataError.h"
 #include "support/Text.h"

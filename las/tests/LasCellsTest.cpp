@@ -5,7 +5,7 @@
 #include <map>
 #include <set>
 
-#include "las/LasDetails.h"
+#include "las/page/LasDetails.h"
 #include "las/testing/LasBuilder.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"

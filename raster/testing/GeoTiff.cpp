@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 #include <ogr_spatialref.h>
 
-#include "raster/GdalDataset.h"
-#include "raster/GdalSetup.h"
+#include "crs/GdalDataset.h"
+#include "crs/GdalSetup.h"
 #include "raster/RasterDrivers.h"
 #include "support/Text.h"
 

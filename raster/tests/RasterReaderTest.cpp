@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <limits>
 
-#include "raster/GdalDataset.h"
+#include "crs/GdalDataset.h"
 #include "raster/RasterWarnings.h"
 #include "raster/testing/GeoTiff.h"
 #include "support/Files.h"

@@ -40,13 +40,22 @@ std::string Lower(std::string_view text) {
     return lower;
 }
 
+constexpr std::array kKinds = {"las", "raster", "feature", "photo", "cloud"};
+
+// The first folder of a path: "las" of "las/page/AddLASFilesPP.cpp".
+std::string_view TopFolderOf(std::string_view path) {
+    return path.substr(0, path.find('/'));
+}
+
+bool IsKind(std::string_view folder) {
+    return std::ranges::find(kKinds, folder) != kKinds.end();
+}
+
+// A kind's own folder, crs/ and settings/ are core; <kind>/page/ is not.
 bool IsCore(std::string_view path) {
-    constexpr std::array folders = {"las/", "raster/", "feature/", "photo/", "cloud/", "settings/"};
-    constexpr std::array widgetEndings = {"PP",   "Dlg",    "Model", "Grid",     "View",
-                                          "Page", "Widget", "Panel", "Delegate", "Dialog"};
-    const std::string_view name = NameOf(path);
-    return StartsWithAny(path, folders) && !IsTest(path) &&
-           !EndsWithAny(name.substr(0, name.find_first_of("._")), widgetEndings);
+    const std::string_view top = TopFolderOf(path);
+    const bool isCoreFolder = IsKind(top) || top == "crs" || top == "settings";
+    return isCoreFolder && !IsTest(path) && path.find("/page/") == std::string_view::npos;
 }
 
 bool IsQtHeader(const Include& include) {
@@ -176,6 +185,21 @@ std::vector<Violation> CheckCoreIsWithoutQt(const Tree& tree) {
     return violations;
 }
 
+std::vector<Violation> CheckKindsAreApart(const Tree& tree) {
+    std::vector<Violation> violations;
+    for (const auto& [file, source] : tree.sources) {
+        const std::string_view kind = TopFolderOf(file);
+        for (const Include& include : source.includes) {
+            const std::string_view other = TopFolderOf(include.name);
+            if (IsKind(kind) && include.quoted && IsKind(other) && other != kind) {
+                violations.push_back(
+                    {file, include.line, "a kind of data includes another: " + include.name});
+            }
+        }
+    }
+    return violations;
+}
+
 std::vector<Violation> CheckWindowsStaysInSeams(const Tree& tree) {
     const auto isExempt = [](const std::string& file) { return IsSeam(file) || IsTest(file); };
     std::vector<Violation> violations = CheckLines(tree, isExempt, [](const std::string& line) {
@@ -272,8 +296,8 @@ std::vector<Violation> CheckFileNames(const Tree& tree) {
 
 std::vector<Violation> CheckAll(const Tree& tree) {
     std::vector<Violation> violations;
-    for (const auto check : {CheckCoreIsWithoutQt, CheckWindowsStaysInSeams, CheckNoQSettings,
-                             CheckTextsGoThroughText, CheckIncludeCase, CheckFileNames}) {
+    for (const auto check : {CheckCoreIsWithoutQt, CheckKindsAreApart, CheckWindowsStaysInSeams,
+                             CheckNoQSettings, CheckTextsGoThroughText, CheckIncludeCase, CheckFileNames}) {
         std::ranges::move(check(tree), std::back_inserter(violations));
     }
     std::ranges::sort(violations, [](const Violation& a, const Violation& b) {

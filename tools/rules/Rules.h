@@ -13,9 +13,11 @@ struct Violation {
     std::string what;
 };
 
-/// Core files reach no Qt header, neither themselves nor through headers of the tree. A core file is one of a
-/// data or settings folder whose name does not end like a widget's or model's.
+/// Core files reach no Qt header, neither directly nor through headers of the tree. Core are the folder of a
+/// kind of data (las/, raster/ ...) without its page/ folder, crs/ and settings/.
 std::vector<Violation> CheckCoreIsWithoutQt(const Tree& tree);
+/// No kind of data includes another; what two of them need is in crs/, support/ or dialog/.
+std::vector<Violation> CheckKindsAreApart(const Tree& tree);
 /// Windows conditions and headers stay in the seams' folders.
 std::vector<Violation> CheckWindowsStaysInSeams(const Tree& tree);
 /// Option items keep their types, which QSettings cannot write.

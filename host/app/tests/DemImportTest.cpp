@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
+#include "crs/GdalSetup.h"
 #include "host/dem/testing/DemSamples.h"
-#include "raster/GdalSetup.h"
 #include "support/Files.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"

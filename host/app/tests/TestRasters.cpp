@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "raster/GdalSetup.h"
+#include "crs/GdalSetup.h"
 #include "support/Text.h"
 
 namespace orvex::testing {

@@ -4,7 +4,7 @@
 #include <cpl_string.h>
 #include <gdal_priv.h>
 
-#include "raster/GdalSetup.h"
+#include "crs/GdalSetup.h"
 #include "support/Text.h"
 #include "support/WktExport.h"
 

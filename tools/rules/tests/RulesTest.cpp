@@ -33,8 +33,7 @@ TEST(Rules, ATreeThatKeepsThemIsClean) {
                     {L"las/LasFile.cpp",
                      "#include \"las/LasFile.h\"\n#include <vector>\n// QSettings, LSwchar(1), _WIN32\n"},
                     {L"las/LasFile.h", "#pragma once\n#include \"orvexcommon/Exports.h\"\n"},
-                    {L"las/AddLASFilesPP.h", "#include <QDialog>\n"},
-                    {L"las/LasFilesModel_columns.cpp", "#include <QtCore>\n"},
+                    {L"las/page/AddLASFilesPP.h", "#include <QDialog>\n#include \"las/LasFile.h\"\n"},
                     {L"las/tests/LasFilesTest.cpp", "#include <QSignalSpy>\n"},
                     {L"include/orvexcommon/Exports.h", "#if defined(_WIN32)\n#endif\n"},
                     {L"support/MappedFile_win.cpp", "#include <windows.h>\n"},
@@ -65,6 +64,17 @@ TEST(Rules, QtInACoreFileIsFoundAlsoThroughHeaders) {
                     "raster/RasterText.cpp:1: a core file includes Qt: raster/RasterInfo.h -> dialog/Units.h "
                     "-> dialog/Other.h -> <QtCore/QObject>",
                     "settings/Pages.h:1: a core file includes Qt: <QList>"));
+}
+
+TEST(Rules, AKindThatIncludesAnotherIsFound) {
+    EXPECT_THAT(
+        Findings({
+            {L"las/LasCrs.cpp", "#include \"crs/CrsCache.h\"\n#include \"raster/RasterUnit.h\"\n"},
+            {L"photo/page/AddPhotoFilesPP.cpp", "#include \"photo/Photo.h\"\n#include \"las/LasCrs.h\"\n"},
+            {L"host/inspect/Report.cpp", "#include \"las/LasCrs.h\"\n"},
+        }),
+        ElementsAre("las/LasCrs.cpp:2: a kind of data includes another: raster/RasterUnit.h",
+                    "photo/page/AddPhotoFilesPP.cpp:2: a kind of data includes another: las/LasCrs.h"));
 }
 
 TEST(Rules, WindowsOutsideTheSeamsIsFound) {

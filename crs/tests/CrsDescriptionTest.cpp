@@ -1,0 +1,159 @@
+#include "crs/CrsDescription.h"
+
+#include <cpl_conv.h>
+#include <cpl_string.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <ogr_srs_api.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include "orvexcommon/OrvexUtilities.h"
+#include "support/ModuleFolder.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+using ::testing::StartsWith;
+
+std::string Wkt(int code) {
+    return OrvexUtilities::CrsGetPrettyWktFromEPSG(code);
+}
+
+std::string Option() {
+    return CPLGetConfigOption("OSR_WKT_FORMAT", "unset");
+}
+
+/// A CRS that only WKT2 can express.
+constexpr char kDerived[] =
+    R"wkt(GEOGCRS["turned",BASEGEOGCRS["WGS 84",DATUM["World Geodetic System 1984",)wkt"
+    R"wkt(ELLIPSOID["WGS 84",6378137,298.257223563]]],DERIVINGCONVERSION["Turned pole",)wkt"
+    R"wkt(METHOD["Turned pole of our own"],PARAMETER["Latitude of the pole",39.25,)wkt"
+    R"wkt(ANGLEUNIT["degree",0.0174532925199433]]],CS[ellipsoidal,2],AXIS["latitude",north],)wkt"
+    R"wkt(AXIS["longitude",east],ANGLEUNIT["degree",0.0174532925199433]])wkt";
+
+TEST(CrsDescription, BringsTheComponentsOwnData) {
+    DescribeCrs(Wkt(4326));
+    EXPECT_EQ(CPLGetConfigOption("GDAL_DATA", "unset"), ToUtf8(FromPath(ModuleFolder() / "gdal-data")));
+    const CPLStringList folders(OSRGetPROJSearchPaths());
+    ASSERT_GT(folders.size(), 0);
+    EXPECT_EQ(folders[0], ToUtf8(FromPath(ModuleFolder() / "proj")));
+}
+
+TEST(CrsDescription, Table) {
+    struct Case {
+        std::string wkt;
+        const wchar_t* name;
+        bool isGeographic;
+        const wchar_t *linear, *angular;
+        long epsg;
+        const wchar_t* vertical;
+        const char* prettyStart;
+    };
+    for (const Case& row : {
+             Case{Wkt(4326), L"WGS 84", true, L"Unknown", L"degree", 4326, L"",
+                  "GEOGCS[\"WGS 84\",\r\n    DATUM["},
+             Case{Wkt(25832), L"ETRS89 / UTM zone 32N", false, L"metre", L"degree", 25832, L"", "PROJCS["},
+             Case{Wkt(2903), L"NAD83(HARN) / New Mexico Central (ftUS)", false, L"US survey foot", L"degree",
+                  2903, L"", "PROJCS["},
+             Case{Wkt(7415), L"Amersfoort / RD New + NAP height", false, L"metre", L"degree", 7415,
+                  L"NAP height", "COMPD_CS["},
+             Case{R"(LOCAL_CS["Site grid",UNIT["foot",0.3048]])", L"Site grid", false, L"foot", L"degree", 0,
+                  L"", "LOCAL_CS[\"Site grid\",\r\n    UNIT["},
+             Case{R"(LOCAL_CS["Site grid",UNIT["UNKNOWN",1]])", L"Site grid", false, L"Unknown", L"degree", 0,
+                  L"", "LOCAL_CS["},
+             Case{R"(LOCAL_CS["Gelände Süd",UNIT["metre",1]])", L"Gelände Süd", false, L"metre", L"degree", 0,
+                  L"", "LOCAL_CS["},
+             Case{kDerived, L"turned", true, L"Unknown", L"degree", 0, L"",
+                  "GEOGCRS[\"turned\",\r\n    BASEGEOGCRS["},
+             Case{"garbage", L"", false, L"Unknown", L"degree", 0, L"", ""},
+             Case{"PROJCS[\"cut", L"", false, L"Unknown", L"degree", 0, L"", ""},
+             Case{std::string(2 << 20, '['), L"", false, L"Unknown", L"degree", 0, L"", ""},
+         }) {
+        const std::string start = row.wkt.substr(0, 60);
+        const CrsPtr crs = DescribeCrs(row.wkt);
+        EXPECT_TRUE(crs->sourceWkt == row.wkt);
+        EXPECT_EQ(crs->name, row.name) << start;
+        EXPECT_EQ(crs->isGeographic, row.isGeographic) << start;
+        EXPECT_EQ(crs->linearUnits, row.linear) << start;
+        EXPECT_EQ(crs->angularUnits, row.angular) << start;
+        EXPECT_EQ(crs->epsg, row.epsg) << start;
+        EXPECT_EQ(crs->verticalName, row.vertical) << start;
+        EXPECT_THAT(ToUtf8(crs->prettyWkt), StartsWith(row.prettyStart)) << start;
+        EXPECT_TRUE(crs->compatibilityGroup == OrvexUtilities::GetCompatibilityGroup(row.wkt)) << start;
+        EXPECT_EQ(Option(), "WKT1") << start;
+    }
+}
+
+TEST(CrsDescription, NoWktGivesEmptyTexts) {
+    const CrsPtr crs = DescribeCrs("");
+    EXPECT_EQ(crs->name + crs->linearUnits + crs->angularUnits + crs->prettyWkt + crs->verticalName, L"");
+    EXPECT_EQ(crs->compatibilityGroup, OrvexUtilities::GetCompatibilityGroup(""));
+}
+
+TEST(CrsDescription, EveryLineEndsInCrLf) {
+    const std::wstring pretty = DescribeCrs(Wkt(25832))->prettyWkt;
+    const auto lineEnds = std::ranges::count(pretty, L'\n');
+    EXPECT_GT(lineEnds, 10);
+    std::size_t pairs = 0;
+    for (std::size_t at = pretty.find(L"\r\n"); at != std::wstring::npos; at = pretty.find(L"\r\n", at + 1)) {
+        ++pairs;
+    }
+    EXPECT_EQ(static_cast<std::size_t>(lineEnds), pairs);
+}
+
+TEST(CrsDescription, OfKmlFiles) {
+    const CrsPtr crs = DescribeDefaultCrs();
+    EXPECT_EQ(crs->sourceWkt.size(), 534U);
+    EXPECT_EQ(crs->name, L"WGS 84 + EGM96 height (Meters)");
+    EXPECT_TRUE(crs->isGeographic);
+    EXPECT_EQ(crs->linearUnits, L"Meters");
+    EXPECT_EQ(crs->angularUnits, L"Degrees");
+    EXPECT_EQ(crs->verticalName, L"EGM96 height (Meters)");
+    EXPECT_EQ(crs->epsg, 4326);
+    EXPECT_THAT(ToUtf8(crs->prettyWkt), StartsWith("COMPD_CS[\"WGS 84 + EGM96 height (Meters)\",\r\n"));
+}
+
+TEST(CrsDescription, NothingReachesTheConsole) {
+    ::testing::internal::CaptureStderr();
+    DescribeCrs("PROJCS[\"broken\",");
+    DescribeCrs("COMPD_CS[\"half\",GEOGCS[\"x\"]]");
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(CrsDescription, ThreadsGetTheSameAsOneAlone) {
+    constexpr int kThreads = 4, kTexts = 60;
+    std::vector<std::string> texts;
+    for (int i = 0; i < kTexts; ++i) {
+        // Every other one makes the exporter fall back to WKT2.
+        std::string wkt = i % 2 == 0 ? Wkt(32601 + i) : kDerived;
+        texts.push_back(wkt.insert(wkt.find('"') + 1, std::to_string(i) + " "));
+    }
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    threads.reserve(kThreads);
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < kTexts; ++i) {
+                const std::size_t n = static_cast<std::size_t>((i + t * 13) % kTexts);
+                const CrsPtr crs = DescribeCrs(texts[n]);
+                const bool right = crs->sourceWkt == texts[n] &&
+                                   crs->name.starts_with(std::to_wstring(n) + L" ") &&
+                                   crs->prettyWkt.starts_with(n % 2 == 0 ? L"PROJCS[" : L"GEOGCRS[");
+                wrong += right ? 0 : 1;
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(Option(), "WKT1");
+    EXPECT_EQ(DescribeCrs(texts[0]), DescribeCrs(texts[0]));
+}
+
+}  // namespace
+}  // namespace orvex

@@ -1,0 +1,295 @@
+#include "dialog/page/FileAdder.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <exception>
+#include <mutex>
+#include <optional>
+#include <system_error>
+#include <thread>
+
+#include "dialog/page/BackgroundRun.h"
+#include "support/Format.h"
+#include "support/LDataError.h"
+#include "support/ProgressIf.h"
+#include "support/UserPrompts.h"
+
+namespace orvex {
+
+std::wstring InspectionFailureText() {
+    return CurrentExceptionText();
+}
+
+namespace adding {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr std::size_t kMostReaders = 4;
+// Files read between two polls: after fewer one more is read at the same time, after more one less. On a slow
+// drive reading is what is waited for; elsewhere threads are in each other's way.
+constexpr std::size_t kFewReady = 16;
+constexpr std::size_t kManyReady = 64;
+constexpr std::size_t kQueueLimit = 256;  // files read ahead of the grid
+constexpr std::size_t kBatchLimit = 100;
+constexpr auto kBatchEvery = std::chrono::milliseconds(30);
+constexpr std::size_t kProgressTextLimit = 256;
+
+// What the threads of a run own; it may outlive the run. Results are taken in the order of the paths; null:
+// listed already.
+class Reading {
+  public:
+    Reading(AddingRequest request, std::function<std::wstring(const std::wstring&)> buddy,
+            std::function<InspectedPtr(const std::wstring&)> inspect)
+        : paths_(std::move(request.paths)),
+          keys_(std::move(request.listedKeys)),
+          buddy_(std::move(buddy)),
+          inspect_(std::move(inspect)) {}
+
+    const std::vector<std::wstring>& Paths() const { return paths_; }
+
+    // Reads until all are read, or the run is stopped or closed. No thread is left when it returns.
+    void Run(const std::stop_token& stop) {
+        Begin(stop);
+        Read(0, stop);
+        End();
+        if (failure_) {
+            std::rethrow_exception(failure_);
+        }
+    }
+
+    // Those that are read, up to the first that is not. To be called regularly: how many they are decides how
+    // many files are read at once.
+    std::vector<InspectedPtr> TakeReady() {
+        std::vector<InspectedPtr> ready;
+        const std::lock_guard guard(lock_);
+        while (!slots_.empty() && slots_.front().has_value()) {
+            ready.push_back(*std::move(slots_.front()));
+            slots_.pop_front();
+        }
+        Adapt(ready.size());
+        changed_.notify_all();
+        return ready;
+    }
+
+    // Nothing more is read or kept from now on.
+    void Close() {
+        std::deque<Slot> dropped;
+        const std::lock_guard guard(lock_);
+        closed_ = true;
+        dropped.swap(slots_);
+        changed_.notify_all();
+    }
+
+  private:
+    using Slot = std::optional<InspectedPtr>;
+
+    void Begin(const std::stop_token& stop) {
+        const std::lock_guard guard(lock_);
+        stop_ = stop;
+    }
+
+    void End() {
+        std::vector<std::jthread> others;  // waited for without the lock, which they need
+        const std::lock_guard guard(lock_);
+        stop_.reset();
+        others.swap(others_);
+    }
+
+    // With the lock held.
+    void Adapt(std::size_t ready) {
+        if (ready > kManyReady) {
+            wanted_ = std::max<std::size_t>(wanted_ - 1, 1);
+        } else if (ready < kFewReady) {
+            wanted_ = std::min(wanted_ + 1, kMostReaders);
+        }
+        const bool isReading = stop_ && !closed_ && next_ < paths_.size();
+        if (!isReading || others_.size() + 1 >= wanted_) {
+            return;
+        }
+        try {
+            others_.emplace_back([this, number = others_.size() + 1, stop = *stop_] { Read(number, stop); });
+        } catch (const std::system_error&) {
+            // The system refuses a thread: those that there are do the work.
+        }
+    }
+
+    void Read(std::size_t reader, const std::stop_token& stop) {
+        try {
+            while (const auto place = Claim(reader, stop)) {
+                Put(*place, inspect_(paths_[*place]));
+            }
+        } catch (...) {
+            Close();
+            const std::lock_guard guard(lock_);
+            failure_ = std::current_exception();
+        }
+    }
+
+    // The next file to be read, when there is room for what is found and work for so many readers; none when
+    // there is nothing left to do.
+    std::optional<std::size_t> Claim(std::size_t reader, const std::stop_token& stop) {
+        std::unique_lock guard(lock_);
+        const auto hasEnded = [&] { return closed_ || next_ == paths_.size(); };
+        while (true) {
+            changed_.wait(guard, stop,
+                          [&] { return hasEnded() || (reader < wanted_ && slots_.size() < kQueueLimit); });
+            if (hasEnded() || stop.stop_requested()) {
+                return std::nullopt;
+            }
+            const std::size_t place = next_++;
+            if (hasEnded()) {
+                changed_.notify_all();
+            }
+            if (!IsListed(paths_[place])) {
+                keys_.insert(PathKey(paths_[place]));
+                slots_.emplace_back();
+                return place;
+            }
+            slots_.emplace_back(std::in_place, nullptr);
+        }
+    }
+
+    void Put(std::size_t place, InspectedPtr result) {
+        const std::lock_guard guard(lock_);
+        if (!closed_) {
+            slots_[place + slots_.size() - next_] = std::move(result);
+        }
+    }
+
+    bool IsListed(const std::wstring& path) const {
+        if (keys_.contains(PathKey(path))) {
+            return true;
+        }
+        const std::wstring other = buddy_ ? buddy_(path) : std::wstring();
+        return !other.empty() && keys_.contains(PathKey(other));
+    }
+
+    const std::vector<std::wstring> paths_;
+    std::unordered_set<std::wstring> keys_;
+    const std::function<std::wstring(const std::wstring&)> buddy_;
+    const std::function<InspectedPtr(const std::wstring&)> inspect_;
+    std::mutex lock_;
+    std::condition_variable_any changed_;
+    std::deque<Slot> slots_;  ///< of the files before `next_` that nobody has taken; empty: being read
+    std::size_t next_ = 0;    ///< the first path that nobody reads yet
+    bool closed_ = false;
+    std::optional<std::stop_token> stop_;  ///< while it runs
+    std::vector<std::jthread> others_;     ///< the readers beside the thread that runs, which is number 0
+    std::size_t wanted_ = 1;               ///< so many of the readers take files; the others wait
+    std::exception_ptr failure_;
+};
+
+// The side of the run that lives on the user-interface thread.
+class Delivery {
+  public:
+    Delivery(const AddingDescription& description, const Steps& steps, std::shared_ptr<Reading> reading,
+             std::size_t rowsBefore, UserPrompts& prompts, Kst::ProgressIf& progress)
+        : description_(description),
+          steps_(steps),
+          reading_(std::move(reading)),
+          rowsBefore_(rowsBefore),
+          prompts_(prompts),
+          progress_(progress) {
+        summary_.offered = reading_->Paths().size();
+        progress_.SetRange(summary_.offered);
+        ShowProgress();
+    }
+    ~Delivery() { reading_->Close(); }
+    Delivery(const Delivery&) = delete;
+    Delivery& operator=(const Delivery&) = delete;
+
+    PollResult Poll() {
+        for (InspectedPtr& result : reading_->TakeReady()) {
+            ++looked_;
+            ShowProgress();
+            if (!result) {
+                ++summary_.skipped;
+                continue;
+            }
+            batch_.push_back(std::move(result));
+            const bool ask = MustAsk();
+            if (ask || batch_.size() >= kBatchLimit) {
+                Flush();
+            }
+            if (ask && !MayGoOn()) {
+                summary_.stopped = true;
+                return PollResult::Abandon;
+            }
+        }
+        if (Clock::now() - lastFlush_ >= kBatchEvery) {
+            Flush();
+        }
+        return PollResult::GoOn;
+    }
+
+    AddingSummary Finish(RunEnd end) {
+        Flush();
+        if (end != RunEnd::Finished) {
+            const bool refused = summary_.stopped;
+            summary_.stopped = refused || looked_ < summary_.offered;
+            if (end == RunEnd::Abandoned && !refused && looked_ < summary_.offered) {
+                summary_.abandonedPath = reading_->Paths()[looked_];
+            }
+        }
+        return std::move(summary_);
+    }
+
+  private:
+    bool MustAsk() const {
+        return description_.confirmText.value != 0 &&
+               rowsBefore_ + summary_.added + batch_.size() == description_.confirmAtRows;
+    }
+
+    bool MayGoOn() {
+        const std::wstring text =
+            FormatText(Text(description_.confirmText), {static_cast<std::int64_t>(summary_.offered)});
+        return prompts_.Show({text, Text(description_.confirmCaption), PromptIcon::Question,
+                              PromptButtons::YesNo}) == PromptAnswer::Yes;
+    }
+
+    void Flush() {
+        lastFlush_ = Clock::now();
+        if (!batch_.empty()) {
+            summary_.added += batch_.size();
+            steps_.deliver(std::exchange(batch_, {}));
+        }
+    }
+
+    void ShowProgress() {
+        const std::size_t ordinal = std::min(looked_ + 1, summary_.offered);
+        progress_.SetText(
+            FormatText(Text(description_.progressText), {ordinal, summary_.offered}, kProgressTextLimit));
+        progress_.SetPosition(looked_);
+    }
+
+    const AddingDescription& description_;
+    const Steps& steps_;
+    std::shared_ptr<Reading> reading_;
+    std::size_t rowsBefore_;
+    UserPrompts& prompts_;
+    Kst::ProgressIf& progress_;
+    AddingSummary summary_;
+    std::size_t looked_ = 0;
+    std::vector<InspectedPtr> batch_;
+    Clock::time_point lastFlush_ = Clock::now();
+};
+
+}  // namespace
+
+AddingSummary Run(const AddingDescription& description, AddingRequest request, const Steps& steps,
+                  UserPrompts& prompts, Kst::ProgressIf& progress) {
+    if (request.paths.empty()) {
+        return {};
+    }
+    const std::size_t rowsBefore = request.rowsBefore;
+    const auto reading = std::make_shared<Reading>(std::move(request), description.buddy, steps.inspect);
+    Delivery delivery(description, steps, reading, rowsBefore, prompts, progress);
+    const RunEnd end = RunInBackground([reading](const std::stop_token& stop) { reading->Run(stop); },
+                                       progress, [&delivery] { return delivery.Poll(); });
+    return delivery.Finish(end);
+}
+
+}  // namespace adding
+}  // namespace orvex

@@ -1,0 +1,273 @@
+#include "dialog/page/FileAdder.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <atomic>
+#include <future>
+#include <stdexcept>
+#include <thread>
+
+#include "support/Format.h"
+#include "support/ProgressIf.h"
+#include "support/testing/Scripted.h"
+
+namespace orvex {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+struct Row {
+    std::wstring path;
+    std::wstring note;
+};
+
+// Stops when a condition that the test names holds.
+class ConditionalProgress final : public Kst::ProgressIf {
+  public:
+    std::function<bool()> stopWhen = [] { return false; };
+    std::vector<std::wstring> texts;
+    std::vector<std::uint64_t> positions;
+    std::uint64_t total = 0;
+    void SetRange(std::uint64_t range) override { total = range; }
+    void SetText(const std::wstring& text) override { texts.push_back(text); }
+    void SetPosition(std::uint64_t done) override { positions.push_back(done); }
+    bool IsCancelled() override { return stopWhen(); }
+};
+
+class FileAdding : public ::testing::Test {
+  protected:
+    std::vector<std::wstring> Files(int count) {
+        std::vector<std::wstring> paths;
+        paths.reserve(static_cast<std::size_t>(count));
+        for (int i = 0; i < count; ++i) {
+            paths.push_back(L"/data/" + std::to_wstring(i) + L".las");
+        }
+        return paths;
+    }
+
+    AddingSummary Add(AddingRequest request) {
+        const FileAdder<Row> adder(description, inspect,
+                                   [](const std::wstring& path, const std::wstring& message) {
+                                       return Row{path, message};
+                                   });
+        return adder.Add(
+            std::move(request),
+            [this](std::vector<Row> batch) {
+                batchSizes.push_back(batch.size());
+                std::move(batch.begin(), batch.end(), std::back_inserter(rows));
+            },
+            prompts, progress);
+    }
+
+    std::vector<std::wstring> Paths() const {
+        std::vector<std::wstring> paths;
+        paths.reserve(rows.size());
+        for (const Row& row : rows) {
+            paths.push_back(row.path);
+        }
+        return paths;
+    }
+
+    AddingDescription description{13662_lsid, 13656_lsid, 13657_lsid, 10, nullptr};
+    std::function<Row(const std::wstring&)> inspect = [](const std::wstring& path) {
+        return Row{path, L"ok"};
+    };
+    ConditionalProgress progress;
+    testing::ScriptedPrompts prompts;
+    std::vector<Row> rows;
+    std::vector<std::size_t> batchSizes;
+    std::atomic<bool> seen_ = false;
+};
+
+TEST_F(FileAdding, KeepsTheOrderAndBoundsTheBatches) {
+    const auto paths = Files(1234);
+    const AddingSummary summary = Add({paths, {}, 0});
+    EXPECT_EQ(Paths(), paths);
+    EXPECT_EQ(summary.added, 1234U);
+    EXPECT_FALSE(summary.stopped);
+    EXPECT_THAT(batchSizes, ::testing::Each(::testing::Le(100U)));
+    EXPECT_EQ(progress.total, 1234U);
+}
+
+TEST_F(FileAdding, ASlowFileKeepsItsPlaceWhileOthersAreRead) {
+    description.confirmText = {};
+    std::promise<void> thirdRead;
+    std::atomic<bool> wasOvertaken = false;
+    inspect = [&, third = thirdRead.get_future().share()](const std::wstring& path) {
+        if (path == L"/data/0.las") {
+            wasOvertaken = third.wait_for(std::chrono::seconds(20)) == std::future_status::ready;
+        } else if (path == L"/data/3.las") {
+            thirdRead.set_value();
+        }
+        return Row{path, L""};
+    };
+    const auto paths = Files(600);
+    Add({paths, {}, 0});
+    EXPECT_TRUE(wasOvertaken);
+    EXPECT_EQ(Paths(), paths);
+}
+
+TEST_F(FileAdding, TellsOfEveryFileWhetherListedOrNot) {
+    description.confirmText = {};
+    Add({Files(250), {PathKey(L"/data/7.las")}, 0});
+    std::vector<std::wstring> texts;
+    std::vector<std::uint64_t> positions;
+    for (std::uint64_t done = 0; done <= 250; ++done) {
+        texts.push_back(FormatText(Text(13662_lsid), {std::min<std::uint64_t>(done + 1, 250), 250}));
+        positions.push_back(done);
+    }
+    EXPECT_EQ(progress.texts, texts);
+    EXPECT_EQ(progress.positions, positions);
+}
+
+TEST_F(FileAdding, SkipsWhatIsListedInAnyLetterCaseOrAsABuddy) {
+    description.buddy = [](const std::wstring& path) {
+        const std::wstring extension = UpperExtensionOf(path);
+        return extension == L".LAZ"   ? WithExtension(path, L".las")
+               : extension == L".LAS" ? WithExtension(path, L".laz")
+                                      : std::wstring();
+    };
+    const AddingSummary summary = Add(
+        {{L"/d/a.las", L"/D/OLD.las", L"/d/A.LAS", L"/d/a.laz", L"/d/listed.laz", L"/d/b.laz", L"/d/b.las"},
+         {PathKey(L"/d/old.las"), PathKey(L"/d/LISTED.las")},
+         2});
+    EXPECT_THAT(Paths(), ElementsAre(L"/d/a.las", L"/d/b.laz"));
+    EXPECT_EQ(summary.skipped, 5U);
+    EXPECT_EQ(summary.offered, 7U);
+    EXPECT_THAT(prompts.shown, IsEmpty());
+}
+
+TEST_F(FileAdding, AsksOnceWhenTheGridReachesTenRows) {
+    struct Case {
+        std::size_t rowsBefore;
+        int files;
+        PromptAnswer answer;
+        std::size_t questions;
+        std::size_t added;
+    };
+    const Case cases[] = {
+        {0, 9, PromptAnswer::No, 0, 9},    {0, 10, PromptAnswer::No, 1, 10},
+        {0, 50, PromptAnswer::No, 1, 10},  {0, 50, PromptAnswer::Yes, 1, 50},
+        {7, 20, PromptAnswer::No, 1, 3},   {7, 20, PromptAnswer::Cancel, 1, 3},
+        {10, 20, PromptAnswer::No, 0, 20},
+    };
+    for (const Case& c : cases) {
+        rows.clear();
+        prompts.shown.clear();
+        prompts.answers = {c.answer};
+        const AddingSummary summary = Add({Files(c.files), {}, c.rowsBefore});
+        EXPECT_THAT(prompts.shown, SizeIs(c.questions)) << c.rowsBefore << " + " << c.files;
+        EXPECT_EQ(rows.size(), c.added) << c.rowsBefore << " + " << c.files;
+        EXPECT_EQ(summary.added, c.added);
+        EXPECT_EQ(summary.stopped, c.questions == 1 && c.answer != PromptAnswer::Yes);
+    }
+}
+
+TEST_F(FileAdding, IsNeverAskedWithoutAQuestion) {
+    description.confirmText = {};
+    Add({Files(30), {}, 0});
+    EXPECT_THAT(prompts.shown, IsEmpty());
+}
+
+TEST_F(FileAdding, EscapeKeepsWhatWasReadAndReadsNoMore) {
+    description.confirmText = {};
+    std::atomic<int> read = 0;
+    std::atomic<bool> escape = false;
+    inspect = [&](const std::wstring& path) {
+        if (++read == 25) {
+            escape = true;
+            // The file in hand is finished after the key was seen.
+            while (!seen_) {
+                std::this_thread::yield();
+            }
+        }
+        return Row{path, L""};
+    };
+    progress.stopWhen = [&] {
+        seen_ = escape.load();
+        return seen_.load();
+    };
+    const AddingSummary summary = Add({Files(1000), {}, 0});
+    EXPECT_TRUE(summary.stopped);
+    EXPECT_GE(summary.added, 25U);
+    EXPECT_LT(summary.added, 1000U);
+    EXPECT_EQ(static_cast<int>(rows.size()), read) << "what was read is listed";
+    EXPECT_EQ(summary.abandonedPath, L"");
+}
+
+TEST_F(FileAdding, AFileThatThrowsGetsARowWithTheMessage) {
+    inspect = [](const std::wstring& path) -> Row {
+        if (path == L"/data/1.las") {
+            throw std::runtime_error("not a LAS file");
+        }
+        return {path, L"ok"};
+    };
+    EXPECT_EQ(Add({Files(3), {}, 0}).added, 3U);
+    ASSERT_THAT(rows, SizeIs(3));
+    EXPECT_EQ(rows[1].note, L"not a LAS file");
+    EXPECT_EQ(rows[2].note, L"ok");
+}
+
+// The late record must be freed although nobody is there any more to take it.
+TEST_F(FileAdding, AFileThatDoesNotAnswerIsAbandonedAndItsRecordFreedLater) {
+    auto gate = std::make_shared<std::promise<void>>();
+    auto alive = std::make_shared<int>(7);
+    const std::weak_ptr<int> watch = alive;
+    auto arrived = std::make_shared<std::promise<void>>();
+    inspect = [open = gate->get_future().share(), alive, arrived](const std::wstring& path) {
+        if (path == L"/data/2.las") {
+            arrived->set_value();
+            open.wait();
+        }
+        return Row{path, L""};
+    };
+    alive.reset();
+    auto hanging = arrived->get_future();
+    progress.stopWhen = [&] {
+        return hanging.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    };
+    const AddingSummary summary = Add({Files(5), {}, 0});
+    EXPECT_TRUE(summary.stopped);
+    EXPECT_EQ(summary.abandonedPath, L"/data/2.las");
+    EXPECT_THAT(Paths(), ElementsAre(L"/data/0.las", L"/data/1.las"));
+    inspect = nullptr;
+    gate->set_value();
+    for (int i = 0; i < 2000 && !watch.expired(); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_TRUE(watch.expired());
+}
+
+// Those that read beside the one that fails must not wait for room that nobody makes any more.
+TEST_F(FileAdding, AFileThatGetsNoRowEndsTheRun) {
+    std::promise<void> thirdRead;
+    const auto read = [&, third = thirdRead.get_future().share()](const std::wstring& path) {
+        if (path == L"/data/0.las") {
+            third.wait_for(std::chrono::seconds(20));
+            throw std::runtime_error("file");
+        }
+        if (path == L"/data/3.las") {
+            thirdRead.set_value();
+        }
+        return Row{path, L""};
+    };
+    const FileAdder<Row> adder(description, read,
+                               [](auto&, auto&) -> Row { throw std::runtime_error("row"); });
+    EXPECT_THROW(adder.Add(
+                     {Files(2000), {}, 100}, [](auto) {}, prompts, progress),
+                 std::runtime_error);
+}
+
+TEST_F(FileAdding, AnErrorOfTheGridEndsTheRun) {
+    const FileAdder<Row> adder(description, inspect, [](auto&, auto&) { return Row{}; });
+    EXPECT_THROW(
+        adder.Add(
+            {Files(2000), {}, 100}, [](auto) { throw std::runtime_error("grid"); }, prompts, progress),
+        std::runtime_error);
+}
+
+}  // namespace
+}  // namespace orvex
