@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <nlohmann/json.hpp>
 
-#include "host/inspect/JsonWriter.h"
 
 namespace orvex::bench {
 
@@ -19,16 +19,11 @@ bool Figures::Write(const std::string& path) const {
     const std::string part = path + ".part";
     {
         std::ofstream file(part, std::ios::binary);
-        JsonWriter json(file);
-        json.BeginArray();
+        nlohmann::ordered_json list = nlohmann::ordered_json::array();
         for (const Figure& figure : figures_) {
-            json.BeginObject();
-            json.Member("name", figure.name);
-            json.Member("value", figure.value);
-            json.Member("unit", figure.unit);
-            json.EndObject();
+            list.push_back({{"name", figure.name}, {"value", figure.value}, {"unit", figure.unit}});
         }
-        json.EndArray();
+        file << list.dump(2) << '\n';
         if (!file.flush()) {
             return false;
         }

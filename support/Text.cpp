@@ -177,6 +177,19 @@ std::wstring FromUtf8(std::string_view bytes) {
     return out;
 }
 
+std::string ValidUtf8(std::string_view bytes) {
+    std::string valid;
+    valid.reserve(bytes.size());
+    while (!bytes.empty()) {
+        char32_t code = 0;
+        const std::size_t length = DecodeOne(bytes, code);
+        const bool isValid = length > 0 && (code < 0xD800 || code > 0xDFFF);
+        valid += isValid ? bytes.substr(0, length) : "\xEF\xBF\xBD";
+        bytes.remove_prefix(isValid ? length : 1);
+    }
+    return valid;
+}
+
 bool EqualNoCase(std::wstring_view a, std::wstring_view b) {
     return a.size() == b.size() && ToUpper(a) == ToUpper(b);
 }

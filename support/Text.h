@@ -13,6 +13,8 @@ namespace orvex {
 
 std::string ToUtf8(std::wstring_view text);
 std::wstring FromUtf8(std::string_view bytes);
+/// UTF-8 that every reader accepts: each byte that is not part of a well-formed character becomes U+FFFD.
+std::string ValidUtf8(std::string_view bytes);
 
 /// The path as the system's calls and the standard streams take it. On Windows a path of 248 characters or
 /// more becomes absolute (a reason not to join such paths) and gets the prefix "\\?\" or "\\?\UNC\", without

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <ostream>
 
-#include "host/inspect/JsonWriter.h"
 #include "host/inspect/ReportWriter.h"
+#include "las/LasText.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -24,8 +24,8 @@ std::string Bool(bool value) {
     return value ? "true" : "false";
 }
 
-/// A number of an optional array; empty without it.
-std::string Place(const RasterReport& raster, std::size_t index) {
+/// Edge of the extent; empty without one.
+std::string Edge(const RasterInspection& raster, std::size_t index) {
     return raster.properties.extent ? Number((*raster.properties.extent)[index]) : std::string();
 }
 
@@ -43,10 +43,10 @@ const CrsDescription& Crs(const FileReport& report) {
 }
 
 using Report = const FileReport&;
-using Las = const LasReport&;
-using Raster = const RasterReport&;
+using Las = const LASFile&;
+using Raster = const RasterInspection&;
 
-/// What a column says of every file, of LAS files, of rasters; a null says nothing.
+/// Cells for every file, or for LAS files and rasters; null leaves the cell empty.
 struct Column {
     const char* name;
     std::string (*ofFile)(Report);
@@ -65,34 +65,34 @@ constexpr Column kColumns[] = {
     {"epsg", [](Report r) { return Crs(r).epsg == 0 ? std::string() : Whole(Crs(r).epsg); }},
     {"linearUnits", [](Report r) { return ToUtf8(Crs(r).linearUnits); }},
     {"angularUnits", [](Report r) { return ToUtf8(Crs(r).angularUnits); }},
-    {"version", nullptr, [](Las l) { return l.version; }},
-    {"pointFormat", nullptr, [](Las l) { return Whole(l.pointFormat); }},
-    {"compressed", nullptr, [](Las l) { return Bool(l.compressed); }},
-    {"headerSize", nullptr, [](Las l) { return Whole(l.headerSize); }},
-    {"offsetToPoints", nullptr, [](Las l) { return Whole(l.offsetToPoints); }},
-    {"recordLength", nullptr, [](Las l) { return Whole(l.pointRecordLength); }},
-    {"pointCount", nullptr, [](Las l) { return Whole(l.pointCount); }},
-    {"scaleX", nullptr, [](Las l) { return Number(l.scale[0]); }},
-    {"scaleY", nullptr, [](Las l) { return Number(l.scale[1]); }},
-    {"scaleZ", nullptr, [](Las l) { return Number(l.scale[2]); }},
-    {"offsetX", nullptr, [](Las l) { return Number(l.offset[0]); }},
-    {"offsetY", nullptr, [](Las l) { return Number(l.offset[1]); }},
-    {"offsetZ", nullptr, [](Las l) { return Number(l.offset[2]); }},
-    {"minX", nullptr, [](Las l) { return Number(l.min[0]); }, [](Raster r) { return Place(r, 0); }},
-    {"minY", nullptr, [](Las l) { return Number(l.min[1]); }, [](Raster r) { return Place(r, 1); }},
-    {"minZ", nullptr, [](Las l) { return Number(l.min[2]); }},
-    {"maxX", nullptr, [](Las l) { return Number(l.max[0]); }, [](Raster r) { return Place(r, 2); }},
-    {"maxY", nullptr, [](Las l) { return Number(l.max[1]); }, [](Raster r) { return Place(r, 3); }},
-    {"maxZ", nullptr, [](Las l) { return Number(l.max[2]); }},
-    {"gpsTime", nullptr, [](Las l) { return ToUtf8(l.gpsTime); }},
-    {"vlrs", nullptr, [](Las l) { return Whole(l.vlrs.size()); }},
-    {"evlrs", nullptr, [](Las l) { return Whole(l.evlrs.size()); }},
-    {"companionStatus", nullptr, [](Las l) { return Whole(l.companionStatus); }},
+    {"version", nullptr, [](Las l) { return LasVersion(l); }},
+    {"pointFormat", nullptr, [](Las l) { return Whole(l.PointFormat()); }},
+    {"compressed", nullptr, [](Las l) { return Bool(l.Header().IsCompressed()); }},
+    {"headerSize", nullptr, [](Las l) { return Whole(l.Header().HeaderSize()); }},
+    {"offsetToPoints", nullptr, [](Las l) { return Whole(l.Header().OffsetToPoints()); }},
+    {"recordLength", nullptr, [](Las l) { return Whole(l.Header().PointRecordLength()); }},
+    {"pointCount", nullptr, [](Las l) { return Whole(l.GetPointCount()); }},
+    {"scaleX", nullptr, [](Las l) { return Number(l.Header().Scale()[0]); }},
+    {"scaleY", nullptr, [](Las l) { return Number(l.Header().Scale()[1]); }},
+    {"scaleZ", nullptr, [](Las l) { return Number(l.Header().Scale()[2]); }},
+    {"offsetX", nullptr, [](Las l) { return Number(l.Header().Offset()[0]); }},
+    {"offsetY", nullptr, [](Las l) { return Number(l.Header().Offset()[1]); }},
+    {"offsetZ", nullptr, [](Las l) { return Number(l.Header().Offset()[2]); }},
+    {"minX", nullptr, [](Las l) { return Number(l.Minimum()[0]); }, [](Raster r) { return Edge(r, 0); }},
+    {"minY", nullptr, [](Las l) { return Number(l.Minimum()[1]); }, [](Raster r) { return Edge(r, 1); }},
+    {"minZ", nullptr, [](Las l) { return Number(l.Minimum()[2]); }},
+    {"maxX", nullptr, [](Las l) { return Number(l.Maximum()[0]); }, [](Raster r) { return Edge(r, 2); }},
+    {"maxY", nullptr, [](Las l) { return Number(l.Maximum()[1]); }, [](Raster r) { return Edge(r, 3); }},
+    {"maxZ", nullptr, [](Las l) { return Number(l.Maximum()[2]); }},
+    {"gpsTime", nullptr, [](Las l) { return ToUtf8(LasGpsTimeText(l)); }},
+    {"vlrs", nullptr, [](Las l) { return Whole(l.GetVLRs().size()); }},
+    {"evlrs", nullptr, [](Las l) { return Whole(l.GetEVLRs().size()); }},
+    {"companionStatus", nullptr, [](Las l) { return Whole(l.GetCompanionStatus()); }},
     {"driver", nullptr, nullptr, [](Raster r) { return ToUtf8(r.properties.driver); }},
     {"width", nullptr, nullptr, [](Raster r) { return Whole(r.properties.width); }},
     {"height", nullptr, nullptr, [](Raster r) { return Whole(r.properties.height); }},
     {"bands", nullptr, nullptr, [](Raster r) { return Whole(r.properties.bands); }},
-    {"dataType", nullptr, nullptr, [](Raster r) { return ToUtf8(r.FirstBand().dataType); }},
+    {"dataType", nullptr, nullptr, [](Raster r) { return ToUtf8(FirstBand(r).dataType); }},
     {"pixelWidth", nullptr, nullptr, [](Raster r) { return Number(r.properties.pixelWidth); }},
     {"pixelHeight", nullptr, nullptr, [](Raster r) { return Number(r.properties.pixelHeight); }},
     {"unit", nullptr, nullptr, [](Raster r) { return ToUtf8(r.unit); }},
@@ -101,7 +101,7 @@ constexpr Column kColumns[] = {
     {"overviews", nullptr, nullptr, [](Raster r) { return Whole(r.properties.overviews); }},
     {"nodata", nullptr, nullptr,
      [](Raster r) {
-         const auto& nodata = r.FirstBand().nodata;
+         const auto& nodata = FirstBand(r).nodata;
          return nodata ? fmt::format("{}", *nodata) : std::string();
      }},
     {"rasterKind", nullptr, nullptr, [](Raster r) { return Whole(r.properties.rasterKind); }}};
@@ -111,7 +111,7 @@ std::string Value(const Column& column, const FileReport& report) {
         return column.ofFile(report);
     }
     if (report.las && column.ofLas != nullptr) {
-        return column.ofLas(*report.las);
+        return column.ofLas(*report.las->file);
     }
     return report.raster && column.ofRaster != nullptr ? column.ofRaster(*report.raster) : std::string();
 }

@@ -1,10 +1,89 @@
 #include "host/inspect/FileReport.h"
 
-#include "host/inspect/ReportKinds.h"
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "raster/RasterExtensions.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
 
 namespace orvex {
+
+namespace {
+
+/// Copies what every kind of file has.
+template <typename Inspection>
+void ReportCommon(const Inspection& inspection, FileReport& report) {
+    report.loadable = inspection.loadable;
+    report.summary = inspection.summary;
+    for (const auto& finding : inspection.findings) {
+        report.findings.push_back(finding.text);
+    }
+}
+
+void InspectLas(FileReport& report) {
+    LasInspection inspection = InspectLasFile(report.path);
+    ReportCommon(inspection, report);
+    if (inspection.file) {
+        report.crs = inspection.crs;
+        report.las = std::move(inspection);
+    }
+}
+
+template <RasterUse use>
+void InspectRaster(FileReport& report) {
+    RasterInspection inspection = InspectRasterFile(report.path, use);
+    ReportCommon(inspection, report);
+    if (inspection.loadable) {
+        report.crs = inspection.crs;
+        report.raster = std::move(inspection);
+    }
+}
+
+bool IsLasName(std::wstring_view path) {
+    const std::wstring extension = UpperExtensionOf(path);
+    return extension == L".LAS" || extension == L".LAZ";
+}
+
+/// Any raster can hold an image or elevations; only its user knows.
+bool IsAnyRasterName(std::wstring_view path) {
+    return IsRasterName(path) || IsElevationName(path);
+}
+
+constexpr ReportKind kKinds[] = {
+    {"las", IsLasName, IsLasName, InspectLas},
+    {"raster", IsRasterName, IsAnyRasterName, InspectRaster<RasterUse::Image>},
+    {"dem", IsElevationName, IsAnyRasterName, InspectRaster<RasterUse::Dem>},
+};
+
+template <typename Test>
+const ReportKind* FindKind(Test test) {
+    const auto* const kind = std::ranges::find_if(kKinds, test);
+    return kind == std::ranges::end(kKinds) ? nullptr : kind;
+}
+
+}  // namespace
+
+std::string LasVersion(const LASFile& file) {
+    return fmt::format("{}.{}", file.Header().VersionMajor(), file.Header().VersionMinor());
+}
+
+const RasterBandProperties& FirstBand(const RasterInspection& raster) {
+    static const RasterBandProperties none;
+    const std::vector<RasterBandProperties>& bands = raster.properties.bandDetails;
+    return bands.empty() ? none : bands.front();
+}
+
+const ReportKind* FindReportKind(std::wstring_view name) {
+    return FindKind([&](const ReportKind& kind) { return FromUtf8(kind.name) == name; });
+}
+
+const ReportKind* ReportKindOf(std::wstring_view path) {
+    return FindKind([&](const ReportKind& kind) { return kind.isNamed(path); });
+}
 
 FileReport InspectFile(const std::wstring& path, const ReportKind* kind) {
     FileReport report;

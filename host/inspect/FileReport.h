@@ -1,31 +1,51 @@
 #pragma once
+// Reads one file for the command line.
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "crs/CrsDescription.h"
-#include "host/inspect/LasReport.h"
-#include "host/inspect/RasterReport.h"
+#include "las/LasInspection.h"
+#include "raster/RasterInspection.h"
 
 namespace orvex {
 
 struct ReportKind;
 
-/// What the command line tells of one file. Plain data: the file itself is closed, so that a report costs
-/// what it says and nothing else.
+/// Result of inspecting one file. The file itself is closed.
 struct FileReport {
     std::wstring path;
-    std::string kind;  ///< of ReportKinds, or "unknown" for files that no reader is for
+    std::string kind;  ///< name of a ReportKind, or "unknown" when no reader takes the file
     bool loadable = false;
     std::wstring summary;
     std::vector<std::wstring> findings;
-    CrsPtr crs;  ///< null when the file could not be opened
-    std::optional<LasReport> las;
-    std::optional<RasterReport> raster;
+    CrsPtr crs;                              ///< null when the file could not be opened
+    std::optional<LasInspection> las;        ///< of an opened LAS or LAZ file: its `file` is not null
+    std::optional<RasterInspection> raster;  ///< of an opened raster
 };
 
-/// Reads one file as one of a kind, or as its name says when `kind` is null; never throws. Safe from any
-/// thread.
+/// Version of a LAS file as "1.4".
+std::string LasVersion(const LASFile& file);
+
+/// First band of a raster; a band without any values when the file describes none.
+const RasterBandProperties& FirstBand(const RasterInspection& raster);
+
+/// Kind of file that the command reads.
+struct ReportKind {
+    const char* name;                            ///< in reports and after --as
+    bool (*isNamed)(std::wstring_view path);     ///< true for names of this kind
+    bool (*isSearched)(std::wstring_view path);  ///< true for names that --as takes from a searched folder
+    void (*inspect)(FileReport& report);         ///< reads `report.path`
+};
+
+/// Returns the kind called `name`, as after --as; null if there is none.
+const ReportKind* FindReportKind(std::wstring_view name);
+
+/// Returns the kind that a file's name implies; null if no reader takes it.
+const ReportKind* ReportKindOf(std::wstring_view path);
+
+/// Reads a file as `kind`, or as its name implies when `kind` is null. Never throws: a failure becomes the
+/// summary. Safe from any thread.
 FileReport InspectFile(const std::wstring& path, const ReportKind* kind = nullptr);
 
 }  // namespace orvex

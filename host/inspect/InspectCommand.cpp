@@ -1,16 +1,17 @@
 #include "host/inspect/InspectCommand.h"
 
+#include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <optional>
 #include <ostream>
 #include <thread>
 
-#include "host/inspect/InputPaths.h"
-#include "host/inspect/JsonWriter.h"
 #include "host/inspect/OrderedJobs.h"
-#include "host/inspect/ReportKinds.h"
 #include "host/inspect/ReportWriter.h"
+#include "support/Files.h"
 #include "support/Format.h"
+#include "support/NaturalOrder.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -22,13 +23,13 @@ constexpr unsigned kMostJobs = 256;
 struct Options {
     ReportFormat format = ReportFormat::Table;
     unsigned jobs = 0;                 ///< 0: one per processor
-    const ReportKind* kind = nullptr;  ///< of all files; null: as their names say
+    const ReportKind* kind = nullptr;  ///< of all files; null: as their names imply
     bool help = false;
     std::vector<std::wstring> paths;
     std::wstring error;
 };
 
-/// A number of jobs, or none when the text is not one from 1 to kMostJobs.
+/// Number of jobs, 1 to kMostJobs; nullopt for any other text.
 std::optional<unsigned> ParseJobs(const std::wstring& text) {
     unsigned jobs = 0;
     for (const wchar_t c : text) {
@@ -40,8 +41,8 @@ std::optional<unsigned> ParseJobs(const std::wstring& text) {
     return jobs >= 1 && jobs <= kMostJobs ? std::optional(jobs) : std::nullopt;
 }
 
-/// The value of an option that is written "--name value" or "--name=value"; none when `arguments[i]` is
-/// another option. A missing value is empty.
+/// Value of an option written "--name value" or "--name=value"; nullopt if `arguments[i]` is another option,
+/// empty if the value is missing.
 std::optional<std::wstring> ValueOf(const std::wstring& name, const std::vector<std::wstring>& arguments,
                                     std::size_t& i) {
     const std::wstring& argument = arguments[i];
@@ -66,7 +67,7 @@ void ParseOption(const std::vector<std::wstring>& arguments, std::size_t& i, Opt
         options.jobs = jobs.value_or(0);
         options.error = jobs ? L"" : FormatText(Text(40810_lsid), {kMostJobs});
     } else if (const auto name = ValueOf(L"--as", arguments, i)) {
-        options.kind = ReportKindNamed(*name);
+        options.kind = FindReportKind(*name);
         options.error = options.kind != nullptr ? L"" : Text(41240_lsid);
     } else {
         options.error = FormatText(Text(40811_lsid), {argument});
@@ -91,11 +92,56 @@ Options ParseArguments(const std::vector<std::wstring>& arguments) {
     return options;
 }
 
+/// Files to read, and paths that do not exist or cannot be looked at.
+struct InputPaths {
+    std::vector<std::wstring> files;
+    std::vector<std::wstring> missing;
+};
+
+bool IsSearched(const std::wstring& path, const Options& options) {
+    return options.kind == nullptr ? ReportKindOf(path) != nullptr : options.kind->isSearched(path);
+}
+
+/// Files below a folder in natural order of their full paths. Links to folders are not followed (they can
+/// form cycles); a subfolder that cannot be read is skipped.
+std::vector<std::wstring> SearchFolder(const std::wstring& top, const Options& options) {
+    std::vector<std::wstring> found;
+    std::vector<std::wstring> waiting{top};
+    while (!waiting.empty()) {
+        const std::wstring folder = std::move(waiting.back());
+        waiting.pop_back();
+        ListFolder(folder, [&](FolderEntry entry) {
+            if (entry.kind == FileKind::Folder && !entry.isLink) {
+                waiting.push_back(std::move(entry.path));
+            } else if (entry.kind == FileKind::File && IsSearched(entry.path, options)) {
+                found.push_back(std::move(entry.path));
+            }
+            return true;
+        });
+    }
+    SortNaturally(found);
+    return found;
+}
+
+InputPaths CollectInputPaths(const Options& options) {
+    InputPaths inputs;
+    for (const std::wstring& text : options.paths) {
+        const std::wstring path = NativePath(text);
+        const FileKind kind = KindOf(path);
+        if (kind == FileKind::Folder) {
+            std::ranges::move(SearchFolder(path, options), std::back_inserter(inputs.files));
+        } else {
+            (kind == FileKind::Missing ? inputs.missing : inputs.files).push_back(path);
+        }
+    }
+    return inputs;
+}
+
 void WriteLine(std::ostream& out, const std::wstring& line) {
     out << ValidUtf8(ToUtf8(line)) << '\n';
 }
 
-/// One line on the terminal that counts, rewritten a few times a second and wiped at the end.
+/// Progress line on the terminal, rewritten a few times a second and wiped at the end.
 class CountingLine {
   public:
     CountingLine(std::ostream& err, bool shown, std::size_t total)
@@ -160,9 +206,7 @@ int RunInspectCommand(const std::vector<std::wstring>& arguments, const InspectS
         WriteLine(streams.out, Text(40814_lsid));
         return kInspectOk;
     }
-    const InputPaths inputs = CollectInputPaths(options.paths, [&](std::wstring_view path) {
-        return options.kind == nullptr ? ReportKindOf(path) != nullptr : options.kind->isSearched(path);
-    });
+    const InputPaths inputs = CollectInputPaths(options);
     const bool complete = WriteReports(inputs.files, options, streams);
     for (const std::wstring& path : inputs.missing) {
         WriteLine(streams.err, FormatText(Text(40815_lsid), {path}));

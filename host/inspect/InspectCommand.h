@@ -1,17 +1,19 @@
 #pragma once
 #include <functional>
 #include <iosfwd>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace orvex {
 
-/// Where a run of the command writes and how it is stopped.
+/// Output streams of a run, and the way to stop it.
 struct InspectStreams {
     std::ostream& out;
     std::ostream& err;
-    bool showProgress = false;                          ///< count the files on `err` while they are read
-    std::function<bool()> stop = [] { return false; };  ///< true: leave as soon as the files at hand are done
+    bool showProgress =
+        false;  ///< `err` is a terminal that a line can be rewritten on: count the files there
+    std::function<bool()> stop = [] { return false; };  ///< polled; true ends the run after the current files
 };
 
 /// Exit codes of the command.
@@ -21,7 +23,24 @@ inline constexpr int kInspectUsage = 2;
 inline constexpr int kInspectFailed = 3;  ///< the output could not be written, or something unforeseen
 inline constexpr int kInspectStopped = 130;
 
-/// The command `orvex-inspect` with its arguments (without the program's name).
+/// Runs the command `orvex-inspect` with its arguments (without the program's name); returns the exit code.
 int RunInspectCommand(const std::vector<std::wstring>& arguments, const InspectStreams& streams);
+
+/// Prepares the standard output and error streams for UTF-8 bytes, on a terminal or in a file, until
+/// destroyed.
+class TerminalSession {
+  public:
+    TerminalSession();
+    ~TerminalSession();
+    TerminalSession(const TerminalSession&) = delete;
+    TerminalSession& operator=(const TerminalSession&) = delete;
+
+    /// True if the error stream is a terminal that knows the escape sequences for rewriting a line.
+    bool CanRewriteLines() const;
+
+  private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
 
 }  // namespace orvex

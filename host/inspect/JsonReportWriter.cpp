@@ -1,97 +1,237 @@
-#include "host/inspect/JsonWriter.h"
-#include "host/inspect/RasterJson.h"
+#include <fmt/format.h>
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
 #include "host/inspect/ReportWriter.h"
+#include "las/LasText.h"
+#include "support/Text.h"
 
 namespace orvex {
 
 namespace {
 
-void WriteRecords(JsonWriter& json, const char* key, const std::vector<LasRecordReport>& records) {
-    json.Key(key);
-    json.BeginArray();
-    for (const LasRecordReport& record : records) {
-        json.BeginObject();
-        json.Member("userId", record.userId);
-        json.Member("recordId", record.recordId);
-        json.Member("length", record.length);
-        json.Member("description", record.description);
-        json.EndObject();
+using Json = nlohmann::ordered_json;
+
+/// dump()'s text, but control characters without a letter of their own in our output (backspace, form feed,
+/// DEL) as \u escapes.
+void AppendText(std::string& out, const Json& text) {
+    const std::string quoted = text.dump();
+    for (std::size_t i = 0; i < quoted.size(); ++i) {
+        if (quoted[i] == '\\') {
+            ++i;
+            out += quoted[i] == 'b' ? "\\u0008" : quoted[i] == 'f' ? "\\u000c" : quoted.substr(i - 1, 2);
+        } else if (quoted[i] == 0x7F) {
+            out += "\\u007f";
+        } else {
+            out += quoted[i];
+        }
     }
-    json.EndArray();
 }
 
-void WriteCrs(JsonWriter& json, const CrsDescription& crs) {
-    json.BeginObject();
-    json.Member("name", crs.name);
-    json.Member("isGeographic", crs.isGeographic);
-    json.Member("linearUnits", crs.linearUnits);
-    json.Member("angularUnits", crs.angularUnits);
-    json.Member("epsg", crs.epsg);
-    json.Member("prettyWkt", crs.prettyWkt);
-    json.EndObject();
+/// Shortest decimal that reads back as the same number, 1 rather than dump()'s 1.0; null for NaN and
+/// infinity, which JSON lacks.
+void AppendNumber(std::string& out, double number) {
+    out += std::isfinite(number) ? fmt::format("{}", number) : "null";
 }
 
-void WriteExtraBytes(JsonWriter& json, const std::vector<LasExtraBytesReport>& attributes) {
-    json.Key("extraBytes");
-    json.BeginArray();
-    for (const LasExtraBytesReport& attribute : attributes) {
-        json.BeginObject();
-        json.Member("name", attribute.name);
-        json.Member("offset", attribute.offset);
-        json.Member("size", attribute.size);
-        json.EndObject();
+/// Indents by two blanks as dump(2) does, but keeps lists of numbers on one line.
+void Append(std::string& out, const Json& value, std::size_t depth) {
+    if (value.is_string()) {
+        AppendText(out, value);
+    } else if (value.is_number_float()) {
+        AppendNumber(out, value.get<double>());
+    } else if (!value.is_structured() || value.empty()) {
+        out += value.dump();
+    } else {
+        const bool isOneLine = value.front().is_number();
+        const std::string lineEnd = '\n' + std::string(2 * depth, ' ');
+        const char* separator = "";
+        out += value.is_object() ? '{' : '[';
+        for (const auto& [key, entry] : value.items()) {
+            out += separator;
+            out += isOneLine ? "" : lineEnd + "  ";
+            out += value.is_object() ? Json(key).dump() + ": " : "";
+            Append(out, entry, depth + 1);
+            separator = isOneLine ? ", " : ",";
+        }
+        out += isOneLine ? "" : lineEnd;
+        out += value.is_object() ? '}' : ']';
     }
-    json.EndArray();
 }
 
-void WriteLas(JsonWriter& json, const LasReport& las) {
-    json.BeginObject();
-    json.Member("version", las.version);
-    json.Member("versionCode", las.versionCode);
-    json.Member("pointFormat", las.pointFormat);
-    json.Member("compressed", las.compressed);
-    json.Member("headerSize", las.headerSize);
-    json.Member("offsetToPoints", las.offsetToPoints);
-    json.Member("pointRecordLength", las.pointRecordLength);
-    json.Member("pointCount", las.pointCount);
-    json.Member("scale", las.scale);
-    json.Member("offset", las.offset);
-    json.Member("min", las.min);
-    json.Member("max", las.max);
-    json.Member("globalEncoding", las.globalEncoding);
-    json.Member("gpsTime", las.gpsTime);
-    WriteRecords(json, "vlrs", las.vlrs);
-    WriteRecords(json, "evlrs", las.evlrs);
-    WriteExtraBytes(json, las.extraBytes);
-    json.Member("companionStatus", las.companionStatus);
-    json.Member("vlrText", las.vlrText);
-    json.EndObject();
+Json JsonText(const std::string& bytes) {
+    return ValidUtf8(bytes);
 }
 
+Json JsonText(const std::wstring& text) {
+    return ValidUtf8(ToUtf8(text));
+}
+
+template <typename List, typename ToJson>
+Json JsonList(const List& list, ToJson toJson) {
+    Json array = Json::array();
+    for (const auto& entry : list) {
+        array.push_back(toJson(entry));
+    }
+    return array;
+}
+
+Json JsonTexts(const std::vector<std::wstring>& texts) {
+    return JsonList(texts, [](const std::wstring& text) { return JsonText(text); });
+}
+
+template <typename Value>
+Json OrNull(const std::optional<Value>& value) {
+    return value ? Json(*value) : Json();
+}
+
+/// A value that the file states. NaN and infinity are no-data values of real files, so they become texts.
+Json Stated(const std::optional<double>& value) {
+    if (!value || std::isfinite(*value)) {
+        return OrNull(value);
+    }
+    return std::isnan(*value) ? "nan" : *value > 0 ? "inf" : "-inf";
+}
+
+Json CrsJson(const CrsDescription& crs) {
+    return {
+        {"name", JsonText(crs.name)},
+        {"isGeographic", crs.isGeographic},
+        {"linearUnits", JsonText(crs.linearUnits)},
+        {"angularUnits", JsonText(crs.angularUnits)},
+        {"epsg", crs.epsg},
+        {"prettyWkt", JsonText(crs.prettyWkt)},
+    };
+}
+
+template <typename Records>
+Json RecordsJson(const Records& records) {
+    return JsonList(records, [](const auto& record) -> Json {
+        return {
+            {"userId", JsonText(record.UserId())},
+            {"recordId", record.RecordId()},
+            {"length", record.RecordLength()},
+            {"description", JsonText(record.Description())},
+        };
+    });
+}
+
+Json ExtraBytesJson(const ExtraBytes& extraBytes) {
+    return JsonList(extraBytes.Attributes(), [](const ExtraBytesAttribute& attribute) -> Json {
+        return {
+            {"name", JsonText(attribute.name)},
+            {"offset", attribute.offset},
+            {"size", attribute.size},
+        };
+    });
+}
+
+Json LasJson(const LASFile& file) {
+    const LasHeader& header = file.Header();
+    return {
+        {"version", LasVersion(file)},
+        {"versionCode", file.GetVersionCode()},
+        {"pointFormat", file.PointFormat()},
+        {"compressed", header.IsCompressed()},
+        {"headerSize", header.HeaderSize()},
+        {"offsetToPoints", header.OffsetToPoints()},
+        {"pointRecordLength", header.PointRecordLength()},
+        {"pointCount", file.GetPointCount()},
+        {"scale", header.Scale()},
+        {"offset", header.Offset()},
+        {"min", file.Minimum()},
+        {"max", file.Maximum()},
+        {"globalEncoding", header.GlobalEncoding()},
+        {"gpsTime", JsonText(LasGpsTimeText(file))},
+        {"vlrs", RecordsJson(file.GetVLRs())},
+        {"evlrs", RecordsJson(file.GetEVLRs())},
+        {"extraBytes", ExtraBytesJson(file.GetExtraBytes())},
+        {"companionStatus", file.GetCompanionStatus()},
+        {"vlrText", JsonText(LasVlrText(file))},
+    };
+}
+
+Json BandJson(const RasterBandProperties& band) {
+    return {
+        {"dataType", JsonText(band.dataType)},
+        {"bits", band.bits},
+        {"blockSize", {band.blockWidth, band.blockHeight}},
+        {"colorInterpretation", JsonText(band.colorInterpretation)},
+        {"nodata", Stated(band.nodata)},
+        {"minimum", Stated(band.minimum)},
+        {"maximum", Stated(band.maximum)},
+        {"overviews", band.overviews},
+        {"description", JsonText(band.description)},
+        {"unit", JsonText(band.unit)},
+        {"scale", band.scale},
+        {"offset", band.offset},
+    };
+}
+
+Json RasterJson(const RasterInspection& raster) {
+    const RasterProperties& properties = raster.properties;
+    return {
+        {"driver", JsonText(properties.driver)},
+        {"width", properties.width},
+        {"height", properties.height},
+        {"bands", properties.bands},
+        {"dataType", JsonText(FirstBand(raster).dataType)},
+        {"pixelSize", {properties.pixelWidth, properties.pixelHeight}},
+        {"extent", OrNull(properties.extent)},
+        {"unit", JsonText(raster.unit)},
+        {"bigTiff", raster.bigTiff},
+        {"compression", JsonText(properties.compression)},
+        {"overviews", properties.overviews},
+        {"nodata", Stated(FirstBand(raster).nodata)},
+        {"kind", properties.rasterKind},
+        {"format", JsonText(properties.format)},
+        {"interleave", JsonText(properties.interleave)},
+        {"bitsPerBand", properties.bitsPerBand},
+        {"colorModel", properties.colorModel},
+        {"projectionCode", properties.projectionCode},
+        {"transform", OrNull(properties.transform)},
+        {"controlPoints", properties.controlPoints},
+        {"hasRpc", properties.hasRpc},
+        {"pixelIs", JsonText(properties.pixelIs)},
+        {"acquired", JsonText(properties.acquired)},
+        {"sidecars", JsonTexts(properties.sidecars)},
+        {"totalBytes", properties.totalBytes},
+        {"bandDetails", JsonList(properties.bandDetails, BandJson)},
+    };
+}
+
+Json ReportJson(const FileReport& report) {
+    return {
+        {"path", JsonText(report.path)},
+        {"kind", report.kind},
+        {"loadable", report.loadable},
+        {"summary", JsonText(report.summary)},
+        {"findings", JsonTexts(report.findings)},
+        {"crs", report.crs ? CrsJson(*report.crs) : Json()},
+        {"las", report.las ? LasJson(*report.las->file) : Json()},
+        {"raster", report.raster ? RasterJson(*report.raster) : Json()},
+    };
+}
+
+/// An array with one object per file; each is written and forgotten at once.
 class JsonReportWriter final : public ReportWriter {
   public:
-    explicit JsonReportWriter(std::ostream& out) : json_(out) { json_.BeginArray(); }
+    explicit JsonReportWriter(std::ostream& out) : out_(out) { out_ << '['; }
 
     void Write(const FileReport& report) override {
-        json_.BeginObject();
-        json_.Member("path", report.path);
-        json_.Member("kind", report.kind);
-        json_.Member("loadable", report.loadable);
-        json_.Member("summary", report.summary);
-        json_.Member("findings", report.findings);
-        json_.Key("crs");
-        report.crs ? WriteCrs(json_, *report.crs) : json_.Null();
-        json_.Key("las");
-        report.las ? WriteLas(json_, *report.las) : json_.Null();
-        json_.Key("raster");
-        report.raster ? WriteRasterJson(json_, *report.raster) : json_.Null();
-        json_.EndObject();
+        std::string text = isFirst_ ? "\n  " : ",\n  ";
+        Append(text, ReportJson(report), 1);
+        out_ << text;
+        isFirst_ = false;
     }
 
-    void Finish() override { json_.EndArray(); }
+    void Finish() override { out_ << (isFirst_ ? "]\n" : "\n]\n"); }
 
   private:
-    JsonWriter json_;
+    std::ostream& out_;
+    bool isFirst_ = true;
 };
 
 }  // namespace

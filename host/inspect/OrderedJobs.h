@@ -10,9 +10,9 @@
 
 namespace orvex {
 
-/// Runs `work(i)` for i in 0 to count-1 on several threads and hands the results to `take` in order, on the
-/// calling thread. At most `8 * jobs` results wait at a time, so that one slow item does not pile up the
-/// others. `work` must not throw. `take` returning false, or `stop` becoming true, ends it early.
+/// Runs `work(i)` for i from 0 to count-1 on several threads and passes the results to `take` in order, on
+/// the calling thread. At most `8 * jobs` results wait at a time, which bounds the memory when one item is
+/// slow. `work` must not throw. The run ends early when `take` returns false or `stop` returns true.
 template <typename Result>
 class OrderedJobs {
   public:
@@ -22,7 +22,7 @@ class OrderedJobs {
           work_(std::move(work)),
           slots_(std::min<std::size_t>(std::max<std::size_t>(count, 1), std::size_t{8} * jobs_)) {}
 
-    /// True when every result was taken.
+    /// Returns true if every result was taken.
     bool Run(const std::function<bool(std::size_t, Result&&)>& take, const std::function<bool()>& stop) {
         std::vector<std::jthread> threads;
         const std::size_t wanted = std::min<std::size_t>(jobs_, count_);
@@ -67,7 +67,7 @@ class OrderedJobs {
             {
                 std::unique_lock guard(lock_);
                 auto& slot = slots_[i % slots_.size()];
-                // Woken now and then so that a signal, which cannot notify, is seen soon.
+                // A signal handler cannot notify, so `stop` is polled.
                 while (!resultReady_.wait_for(guard, std::chrono::milliseconds(50),
                                               [&] { return slot.has_value(); })) {
                     if (stop()) {

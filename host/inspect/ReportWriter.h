@@ -8,8 +8,8 @@ namespace orvex {
 
 enum class ReportFormat { Table, Csv, Json };
 
-/// Prints reports, one call per file in the order wanted, then Finish once (also after an early end: what is
-/// printed is then complete in itself).
+/// Prints reports: Write once per file, in the order of the output, then Finish once. Finish also completes
+/// the output of a run that was stopped.
 class ReportWriter {
   public:
     virtual ~ReportWriter() = default;

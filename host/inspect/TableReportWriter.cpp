@@ -5,7 +5,6 @@
 #include <iterator>
 #include <ostream>
 
-#include "host/inspect/JsonWriter.h"
 #include "host/inspect/ReportWriter.h"
 #include "support/Format.h"
 #include "support/Text.h"
@@ -60,9 +59,9 @@ std::wstring OneLine(std::wstring text) {
 }
 
 using Report = const FileReport&;
-using Las = const LasReport&;
+using Las = const LASFile&;
 
-/// What a column says of every file, of LAS files, of rasters; a null says nothing.
+/// Cells for every file, or for LAS files and rasters; null leaves the cell empty.
 struct Column {
     StringId heading;
     bool isRightAligned = false;
@@ -81,13 +80,16 @@ constexpr Column kColumns[] = {
      }},
     {13572_lsid, true, nullptr, nullptr,
      [](Report r) { return std::to_wstring(r.raster->properties.bands); }},
-    {41241_lsid, false, nullptr, nullptr, [](Report r) { return r.raster->FirstBand().dataType; }},
+    {41241_lsid, false, nullptr, nullptr, [](Report r) { return FirstBand(*r.raster).dataType; }},
     {13645_lsid, false, nullptr, nullptr, PixelSize},
-    {40801_lsid, false, nullptr, [](Las l) { return FromUtf8(l.version) + (l.compressed ? L" LAZ" : L""); }},
-    {40802_lsid, true, nullptr, [](Las l) { return std::to_wstring(l.pointFormat); }},
-    {40803_lsid, true, nullptr, [](Las l) { return Grouped(l.pointCount); }},
-    {40804_lsid, false, nullptr, [](Las l) { return Point(l.min); }, [](Report r) { return Corner(r, 0); }},
-    {40805_lsid, false, nullptr, [](Las l) { return Point(l.max); }, [](Report r) { return Corner(r, 2); }},
+    {40801_lsid, false, nullptr,
+     [](Las l) { return FromUtf8(LasVersion(l)) + (l.Header().IsCompressed() ? L" LAZ" : L""); }},
+    {40802_lsid, true, nullptr, [](Las l) { return std::to_wstring(l.PointFormat()); }},
+    {40803_lsid, true, nullptr, [](Las l) { return Grouped(l.GetPointCount()); }},
+    {40804_lsid, false, nullptr, [](Las l) { return Point(l.Minimum()); },
+     [](Report r) { return Corner(r, 0); }},
+    {40805_lsid, false, nullptr, [](Las l) { return Point(l.Maximum()); },
+     [](Report r) { return Corner(r, 2); }},
     {40806_lsid, false, [](Report r) { return r.crs ? r.crs->name : std::wstring(); }},
     {40807_lsid, false, [](Report r) { return r.summary; }}};
 constexpr std::size_t kColumnCount = std::size(kColumns);
@@ -100,7 +102,7 @@ std::wstring Value(const Column& column, const FileReport& report) {
         return column.ofFile(report);
     }
     if (report.las && column.ofLas != nullptr) {
-        return column.ofLas(*report.las);
+        return column.ofLas(*report.las->file);
     }
     return report.raster && column.ofRaster != nullptr ? column.ofRaster(report) : std::wstring();
 }

@@ -1,9 +1,8 @@
-// orvex-inspect: what the dialog would show of LAS and LAZ files, without a window.
+// orvex-inspect: prints what the dialog would show of files, without a window.
 #include <csignal>
 #include <iostream>
 
 #include "host/inspect/InspectCommand.h"
-#include "host/inspect/TerminalSeam.h"
 #include "support/Environment.h"
 #include "support/LDataError.h"
 #include "support/Text.h"

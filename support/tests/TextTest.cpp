@@ -22,6 +22,22 @@ TEST(Text, WideAndUtf8AreLosslessBothWays) {
     EXPECT_EQ(FromUtf8("\xF0\x9F\x98\x80"), L"\U0001F600");
 }
 
+TEST(Text, ValidUtf8ReplacesEachByteOutsideACharacter) {
+    const struct {
+        const char *bytes, *valid;
+    } cases[] = {
+        {"Gr\xC3\xB6\xC3\x9F \xF0\x9F\x97\xBA", "Gr\xC3\xB6\xC3\x9F \xF0\x9F\x97\xBA"},
+        {"cut \xE2\x82", "cut \uFFFD\uFFFD"},
+        {"\xFF\xFEx", "\uFFFD\uFFFDx"},
+        {"overlong \xC0\xAF", "overlong \uFFFD\uFFFD"},
+        {"surrogate \xED\xA0\x80", "surrogate \uFFFD\uFFFD\uFFFD"},
+        {"beyond \xF4\x90\x80\x80", "beyond \uFFFD\uFFFD\uFFFD\uFFFD"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(ValidUtf8(c.bytes), c.valid);
+    }
+}
+
 TEST(Text, CutsAndCountsWholeCharacters) {
     const std::wstring text = L"a\U0001F600b";
     EXPECT_EQ(CountCharacters(text), 3U);

@@ -6,7 +6,7 @@
 
 #include <iostream>
 
-#include "host/inspect/TerminalSeam.h"
+#include "host/inspect/InspectCommand.h"
 
 namespace orvex {
 
@@ -17,7 +17,7 @@ struct TerminalSession::State {
 };
 
 TerminalSession::TerminalSession() : state_(std::make_unique<State>()) {
-    // Line ends are the writers' matter: some formats have two characters there, and get three otherwise.
+    // The writers choose their line ends; in text mode CSV's "\r\n" would become "\r\r\n".
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
     const UINT codePage = GetConsoleOutputCP();  // 0 without a console

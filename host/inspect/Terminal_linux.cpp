@@ -1,6 +1,6 @@
 #include <unistd.h>
 
-#include "host/inspect/TerminalSeam.h"
+#include "host/inspect/InspectCommand.h"
 
 namespace orvex {
 
