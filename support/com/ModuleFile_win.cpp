@@ -1,19 +1,16 @@
 #include "support/com/ModuleFile_win.h"
 
-namespace orvex {
+#include <windows.h>
 
-HMODULE ModuleOf(const void* address) {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       static_cast<LPCWSTR>(address), &module);
-    return module;
-}
+namespace orvex {
 
 std::wstring ModuleFile(const void* address) {
     constexpr std::size_t kLongestPath = 32768;
-    const HMODULE module = ModuleOf(address);
-    if (module == nullptr) {
-        return {};  // the system would answer for the program
+    HMODULE module = nullptr;
+    if (!GetModuleHandleExW(
+            GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+            static_cast<LPCWSTR>(address), &module)) {
+        return {};  // for a null handle GetModuleFileNameW would return the program
     }
     std::wstring path(MAX_PATH, L'\0');
     for (;;) {
