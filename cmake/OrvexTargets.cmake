@@ -1,10 +1,10 @@
 # How this project's targets are made: one function per kind of target, so that the layers stay what their names say.
 include("${CMAKE_CURRENT_LIST_DIR}/CoreTargets.cmake")
+include("${CMAKE_CURRENT_LIST_DIR}/PrecompiledHeaders.cmake")
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
-set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
@@ -19,7 +19,16 @@ option(ORVEX_FUZZ "Build the fuzzers" OFF)
 
 find_program(ORVEX_CCACHE ccache)
 if(ORVEX_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${ORVEX_CCACHE}")
+    # What ccache has to overlook so that it serves sources with precompiled headers.
+    set(sloppiness pch_defines,time_macros,include_file_mtime,include_file_ctime)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=${sloppiness} "${ORVEX_CCACHE}")
+    # GCC's own way to tell ccache which precompiled header a source uses.
+    add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
+endif()
+
+if(NOT WIN32)
+    # Programs as well as libraries, so that they share precompiled headers.
+    add_compile_options(-fPIC)
 endif()
 
 if(ORVEX_SANITIZE)
@@ -36,6 +45,7 @@ function(orvex_common_options target)
         target_compile_definitions(${target} PRIVATE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
     endif()
     set_target_properties(${target} PROPERTIES AUTOMOC OFF)
+    set_property(GLOBAL APPEND PROPERTY ORVEX_TARGETS ${target})
 endfunction()
 
 # A static library without Qt: inspection, validation, text, result assembly.

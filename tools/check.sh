@@ -26,9 +26,13 @@ for file in "${changed[@]}"; do
     esac
 done
 
-# tidy COMPILE_COMMANDS_FOLDER [CLANG_TIDY_ARGUMENT...] <NUL-SEPARATED_FILES
+# tidy BUILD_FOLDER [CLANG_TIDY_ARGUMENT...] <NUL-SEPARATED_FILES
+# clang cannot read GCC's precompiled headers and does not know all of its options: it gets the commands without them.
 tidy() {
-    local folder=$1
+    local folder=$1/tidy
+    mkdir -p "$folder"
+    sed -E 's/ -W(no-error=)?invalid-pch| -fpch-preprocess| -fno-keep-inline-dllexport| -include [^ ]*cmake_pch\.hxx//g' \
+        "$1/compile_commands.json" >"$folder/compile_commands.json"
     shift
     xargs -0 -r -n 1 -P "$(nproc)" clang-tidy -p "$folder" --quiet --warnings-as-errors='*' "$@" 2>/dev/null || status=1
 }
@@ -36,14 +40,11 @@ tidy() {
 echo "clang-tidy: ${#units[@]} files"
 [ ${#units[@]} = 0 ] || tidy build/dev < <(printf '%s\0' "${units[@]}")
 
-# What only Windows compiles is looked at as mingw-w64 compiles it: clang is told where that compiler's headers are, and
-# spared the one option of it that it does not know.
+# What only Windows compiles is looked at as mingw-w64 compiles it: clang is told where that compiler's headers are.
 if [ ${#windows_units[@]} -gt 0 ] && [ -f build/windows/compile_commands.json ]; then
     echo "clang-tidy for Windows: ${#windows_units[@]} files"
-    mkdir -p build/windows/tidy
-    sed 's/ -fno-keep-inline-dllexport//g' build/windows/compile_commands.json >build/windows/tidy/compile_commands.json
     headers=$(dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name=include)")/include/c++
-    tidy build/windows/tidy --extra-arg=--target=x86_64-w64-mingw32 "--extra-arg=-isystem$headers" \
+    tidy build/windows --extra-arg=--target=x86_64-w64-mingw32 "--extra-arg=-isystem$headers" \
         "--extra-arg=-isystem$headers/x86_64-w64-mingw32" --extra-arg=-Wno-unknown-warning-option \
         --extra-arg=-Wno-unused-command-line-argument < <(printf '%s\0' "${windows_units[@]}")
 elif [ ${#windows_units[@]} -gt 0 ]; then
