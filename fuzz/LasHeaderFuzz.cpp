@@ -4,8 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "las/testing/LasReadAll.h"
-#include "support/testing/TemporaryFolder.h"
+#include "las/testing/LasFiles.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 

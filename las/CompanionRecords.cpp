@@ -1,28 +1,27 @@
 #include "las/CompanionRecords.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "support/ByteReader.h"
+#include "support/Files.h"
+#include "support/Text.h"
 
 namespace orvex {
 namespace {
 
-constexpr std::uint16_t kMarkedReserved = 0xAABB;
+namespace at = las::record_at;
+
+constexpr std::uint16_t kCompanionEvlrId = 157;
 constexpr std::uint16_t kThinnedMark = 0xEEFF;
 constexpr std::uint32_t kIndexValue = 4;
-constexpr std::uint64_t kLargestRecord = 65535;
 
-// Offsets in a VLR header.
-constexpr std::size_t kUserIdAt = 2;
-constexpr std::size_t kRecordIdAt = 18;
-constexpr std::size_t kLengthAt = 20;
-constexpr std::size_t kDescriptionAt = 22;
-// Offsets in a record of the program's own.
-constexpr std::size_t kIndexValueAt = VlrView::kHeaderSize + 45;
-constexpr std::size_t kValueAt = VlrView::kHeaderSize;
-constexpr std::size_t kCountAt = VlrView::kHeaderSize + 4;
-constexpr std::size_t kEntrySizeAt = VlrView::kHeaderSize + 8;
-constexpr std::size_t kMarkAt = VlrView::kHeaderSize + 10;
+// Offsets in the program's own records.
+constexpr std::size_t kIndexValueAt = las::kVlrHeaderSize + 45;
+constexpr std::size_t kValueAt = las::kVlrHeaderSize;
+constexpr std::size_t kCountAt = las::kVlrHeaderSize + 4;
+constexpr std::size_t kEntrySizeAt = las::kVlrHeaderSize + 8;
+constexpr std::size_t kMarkAt = las::kVlrHeaderSize + 10;
 
 template <typename T>
 void Put(std::span<std::byte> bytes, std::size_t offset, T value) {
@@ -36,11 +35,11 @@ void PutText(std::span<std::byte> bytes, std::size_t offset, std::string_view te
 // The rest of the record is zeros.
 void PutHeader(std::span<std::byte> record, int versionCode, std::uint16_t recordId,
                std::string_view description) {
-    Put<std::uint16_t>(record, 0, versionCode < 1 ? kMarkedReserved : 0);
-    PutText(record, kUserIdAt, kCompanionUserId);
-    Put(record, kRecordIdAt, recordId);
-    Put(record, kLengthAt, static_cast<std::uint16_t>(record.size() - VlrView::kHeaderSize));
-    PutText(record, kDescriptionAt, description);
+    Put<std::uint16_t>(record, at::kReserved, versionCode < las::kLas11 ? las::kVlrSignature10 : 0);
+    PutText(record, at::kUserId, kCompanionUserId);
+    Put(record, at::kRecordId, recordId);
+    Put(record, at::kLength, static_cast<std::uint16_t>(record.size() - las::kVlrHeaderSize));
+    PutText(record, at::kVlrDescription, description);
 }
 
 std::uint64_t ThinnedLength(const ThinnedHead& head) {
@@ -48,6 +47,19 @@ std::uint64_t ThinnedLength(const ThinnedHead& head) {
 }
 
 }  // namespace
+
+CompanionStatus FindCompanionStatus(const std::wstring& fileName, std::span<const VlrView> vlrs,
+                                    std::span<const EvlrEntry> evlrs) {
+    if (FileExists(WithExtension(fileName, L".qvr"))) {
+        return CompanionStatus::QvrFile;
+    }
+    if (std::ranges::any_of(evlrs,
+                            [](const EvlrEntry& evlr) { return evlr.RecordId() == kCompanionEvlrId; })) {
+        return CompanionStatus::ExtendedRecord;
+    }
+    const auto isIndex = [](const VlrView& vlr) { return vlr.Is(kCompanionUserId, kIndexRecordId); };
+    return std::ranges::any_of(vlrs, isIndex) ? CompanionStatus::IndexRecord : CompanionStatus::None;
+}
 
 IndexVlr MakeIndexVlr(int versionCode) {
     IndexVlr record{};
@@ -66,32 +78,33 @@ ThinnedVlrHead MakeThinnedVlr(int versionCode) {
 
 bool FillThinnedVlr(ThinnedVlrHead& record, const ThinnedHead& head) {
     const std::uint64_t length = ThinnedLength(head);
-    if (length > kLargestRecord) {
+    if (length > las::kMostVlrData) {
         return false;
     }
     Put(record, kValueAt, head.value);
     Put(record, kCountAt, head.count);
     Put(record, kEntrySizeAt, head.entrySize);
-    Put(record, kLengthAt, static_cast<std::uint16_t>(length));
+    Put(record, at::kLength, static_cast<std::uint16_t>(length));
     return true;
 }
 
 std::optional<ThinnedHead> CheckThinnedVlr(std::span<const std::byte> buffer, std::uint64_t offset) {
-    if (!ByteReader(buffer).Contains(offset, VlrView::kHeaderSize + kThinnedHeadSize)) {
+    if (!ByteReader(buffer).Contains(offset, las::kVlrHeaderSize + kThinnedHeadSize)) {
         return std::nullopt;
     }
     const ByteReader record(buffer.subspan(offset));
     const ThinnedHead head{record.Read<std::uint32_t>(kValueAt), record.Read<std::uint32_t>(kCountAt),
                            record.Read<std::uint16_t>(kEntrySizeAt)};
-    if (record.Read<std::uint16_t>(0) != kMarkedReserved ||
-        record.Read<std::uint16_t>(kLengthAt) != ThinnedLength(head)) {
+    if (record.Read<std::uint16_t>(at::kReserved) != las::kVlrSignature10 ||
+        record.Read<std::uint16_t>(at::kLength) != ThinnedLength(head)) {
         return std::nullopt;
     }
     return head;
 }
 
 std::uint32_t ThinnedEntriesPerVlr(std::uint16_t entrySize) {
-    return entrySize == 0 ? 0 : static_cast<std::uint32_t>((kLargestRecord - kThinnedHeadSize) / entrySize);
+    return entrySize == 0 ? 0
+                          : static_cast<std::uint32_t>((las::kMostVlrData - kThinnedHeadSize) / entrySize);
 }
 
 std::uint64_t ThinnedVlrCount(std::uint32_t entries, std::uint16_t entrySize) {
@@ -100,7 +113,7 @@ std::uint64_t ThinnedVlrCount(std::uint32_t entries, std::uint16_t entrySize) {
 }
 
 std::uint64_t ThinnedBytesNeeded(std::uint32_t entries, std::uint16_t entrySize) {
-    return ThinnedVlrCount(entries, entrySize) * (VlrView::kHeaderSize + kThinnedHeadSize) +
+    return ThinnedVlrCount(entries, entrySize) * (las::kVlrHeaderSize + kThinnedHeadSize) +
            std::uint64_t{entries} * entrySize;
 }
 

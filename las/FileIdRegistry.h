@@ -8,22 +8,22 @@
 
 namespace orvex {
 
-/// Numbers for file names, kept for the life of the process. Safe from any thread.
+/// Ids of file names, kept for the life of the process. Safe from any thread.
 class FileIdRegistry {
   public:
-    /// Asks for whichever id fits.
+    /// Requests any id.
     static constexpr std::uint16_t kAny = 65535;
 
-    /// The one that opened files are entered in.
+    /// Registry of the opened files.
     static FileIdRegistry& Instance();
 
-    /// With a given id: records the name with it, replacing the name's older id, and returns it. With kAny:
-    /// the name's id, else the largest id so far plus one (0 for the first). When that would leave the
-    /// numbers below kAny, the smallest id that nobody has; kAny itself, unrecorded, when all are taken.
+    /// With an id: gives it to the name, replacing an older one, and returns it. With kAny: returns the
+    /// name's id, else a new one, the largest so far plus one (0 for the first). Once that would reach kAny,
+    /// the smallest free id; kAny itself, unrecorded, if all are taken.
     std::uint16_t FileId(const std::wstring& fileName, std::uint16_t requested);
 
-    /// The registry's own copy of a recorded name, valid for the life of the process, so that the rows of a
-    /// long list need none of theirs; null for a name that is not recorded.
+    /// The registry's copy of a recorded name, valid for the life of the process, so that the rows of a long
+    /// list need no copies of their own; null for a name that is not recorded.
     const std::wstring* RecordedName(const std::wstring& fileName);
 
   private:

@@ -1,5 +1,5 @@
 #pragma once
-// One LAS file: its header, its records and, when asked, its point data.
+// One LAS file: its header, its records and, on request, its point data.
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -8,64 +8,88 @@
 #include <string>
 #include <vector>
 
-#include "las/ExtraBytes.h"
+#include "las/CompanionRecords.h"
 #include "las/LasHeader.h"
 #include "las/LasRecords.h"
 #include "orvexcommon/LasFileInfo.h"
 #include "support/MappedFile.h"
+#include "support/ModuleUse.h"
 
 namespace orvex {
 
 class LasPointViews;
 
-/// Opened LAS file. Throws LDataError on every failure; the texts name the file. Between calls a file opened
-/// read-only without its point data keeps no descriptor.
+/// Open LAS file. The members of LasFileInfo are described there. A file opened read-only without its point
+/// data keeps no descriptor.
 class LASFile final : public LasFileInfo {
   public:
-    /// Opens a file; `skipPointMapping` leaves the point data unmapped (what a list of files wants).
+    /// Opens a file; `skipPointMapping` leaves the point data unmapped, as for a list of files. Throws
+    /// LDataError.
     static std::unique_ptr<LASFile> Open(const std::wstring& fileName, bool readOnly, bool skipPointMapping);
     ~LASFile() override;
 
-    // LasFileInfo.
-    const std::wstring& FileName() const override;
-    int Version() const override;
-    int PointFormat() const override;
-    std::uint64_t GetPointCount() const override;
-    bool IsReadOnly() const override;
-    std::array<double, 3> Minimum() const override;
-    std::array<double, 3> Maximum() const override;
+    const std::wstring& FileName() const override { return recordedName_ ? *recordedName_ : fileName_; }
+    int Version() const override { return header_.Version(); }
+    int PointFormat() const override { return header_.PointFormat(); }
+    std::uint64_t GetPointCount() const override { return header_.PointCount(); }
+    bool IsReadOnly() const override { return readOnly_; }
+    std::array<double, 3> Minimum() const override { return header_.Minimum(); }
+    std::array<double, 3> Maximum() const override { return header_.Maximum(); }
     std::string CrsWkt() const override;
-    int GetCompanionStatus() const override;
-    std::uint16_t RegisteredId() const override;
+    int GetCompanionStatus() const override { return static_cast<int>(companionStatus_); }
+    std::uint16_t RegisteredId() const override { return registeredId_; }
 
-    /// 1.0 gives 0, 1.1 gives 1, 2.0 gives 2, 1.2 gives 3, 1.3 gives 4, 1.4 gives 5, anything else -1.
-    int GetVersionCode() const;
-    const LasHeader& Header() const;
-    std::uint64_t FileSize() const;
+    /// A las::VersionCode.
+    int GetVersionCode() const { return header_.VersionCode(); }
+    const LasHeader& Header() const { return header_; }
+    std::uint64_t FileSize() const { return fileSize_; }
 
-    /// The records in file order. The views live as long as the file.
-    const std::vector<VlrView>& GetVLRs() const;
-    const std::vector<EvlrEntry>& GetEVLRs() const;
+    /// Records in file order; valid as long as the file.
+    const std::vector<VlrView>& GetVLRs() const { return vlrs_; }
+    const std::vector<EvlrEntry>& GetEVLRs() const { return evlrs_; }
 
     bool HasProjectionRecords() const;
-    /// The data of the first "LASF_Projection" record of an id, from the VLRs, else the EVLRs, or none.
+    /// Data of the first "LASF_Projection" record of an id, from the VLRs, else the EVLRs; nullopt if there
+    /// is none.
     std::optional<std::span<const std::byte>> FindProjectionRecord(std::uint16_t recordId) const;
-    /// The data of the "LASF_Projection" record 34735, or none.
+    /// The same for the GeoKey directory and for the WKT record.
     std::optional<std::span<const std::byte>> FindGeoKeyDirectory() const;
-    /// The data of the "LASF_Projection" record 2112, from the VLRs, else the EVLRs, or none.
     std::optional<std::span<const std::byte>> FindWKT() const;
 
-    const ExtraBytes& GetExtraBytes() const;
-    bool HasRangeIncidencePhotoIndex() const;
+    const ExtraBytes& GetExtraBytes() const { return extraBytes_; }
+    /// True if the extra bytes hold range, incidence vector and photo index.
+    bool HasRangeIncidencePhotoIndex() const { return hasRangeIncidencePhotoIndex_; }
 
-    /// The point data; null when it was not mapped: that was not asked for, the points are compressed, or the
-    /// point record length is 0.
-    const LasPointViews* Points() const;
+    /// Point data; null if it was not asked for, the points are compressed, or the point record length is 0.
+    const LasPointViews* Points() const { return points_.get(); }
 
   private:
-    LASFile();
-    struct State;
-    std::unique_ptr<State> state_;
+    LASFile(const std::wstring& fileName, bool readOnly);
+    MappedFile OpenFile();
+    void CopyHeader(const MappedFile& file);
+    void MapHeader(const MappedFile& file);
+    void ReadRecords(const MappedFile& file);
+    SystemError LoadVlrArea(const MappedFile& file);
+    void ShareHeaderMapping();
+    void ReadExtraBytes();
+    void Register();
+
+    ModuleUse use_;                               // the host may hold the object after the call
+    std::wstring fileName_;                       // empty once the registry has the name
+    const std::wstring* recordedName_ = nullptr;  // the registry's copy
+    bool readOnly_;
+    bool hasRangeIncidencePhotoIndex_ = false;
+    std::uint16_t registeredId_ = 0;
+    CompanionStatus companionStatus_ = CompanionStatus::None;
+    std::uint64_t fileSize_ = 0;
+    std::unique_ptr<std::byte[]> headerCopy_;
+    MappedView headerView_;
+    LasHeader header_;
+    FileBytes vlrArea_;
+    std::vector<VlrView> vlrs_;
+    std::vector<EvlrEntry> evlrs_;
+    ExtraBytes extraBytes_;
+    std::unique_ptr<LasPointViews> points_;
 };
 
 }  // namespace orvex

@@ -20,15 +20,15 @@ std::string BytesOf(const LASFile& file, std::uint16_t recordId) {
     return data ? std::string(reinterpret_cast<const char*>(data->data()), data->size()) : std::string();
 }
 
-// The text ends at its first zero; some writers pad it with blanks or line ends.
+// The text ends at its first zero byte; some writers pad it with blanks or line breaks.
 std::string WktRecord(const LASFile& file) {
-    std::string text = BytesOf(file, kWktRecordId);
+    std::string text = BytesOf(file, las::kWktRecordId);
     text.resize(std::min(text.find('\0'), text.size()));
     text.erase(text.find_last_not_of(" \t\r\n") + 1);
     return text;
 }
 
-// A folder of tiles shares a few CRSs, and a conversion costs far more than reading a header.
+// The tiles of a folder share a few CRSs, and a conversion takes far longer than reading a header.
 LasCrs ConvertGeoKeys(const std::string& directory, const std::string& doubles, const std::string& text) {
     static std::mutex lock;
     static std::map<std::tuple<std::string, std::string, std::string>, LasCrs> cache;
@@ -52,11 +52,12 @@ LasCrs ConvertGeoKeys(const std::string& directory, const std::string& doubles, 
 }
 
 LasCrs FromGeoKeys(const LASFile& file) {
-    const std::string directory = BytesOf(file, kGeoKeyDirectoryRecordId);
+    const std::string directory = BytesOf(file, las::kGeoKeyDirectoryRecordId);
     if (directory.empty()) {
         return {};
     }
-    return ConvertGeoKeys(directory, BytesOf(file, kGeoDoublesRecordId), BytesOf(file, kGeoTextRecordId));
+    return ConvertGeoKeys(directory, BytesOf(file, las::kGeoDoublesRecordId),
+                          BytesOf(file, las::kGeoTextRecordId));
 }
 
 }  // namespace

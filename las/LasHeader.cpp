@@ -7,46 +7,15 @@
 namespace orvex {
 namespace {
 
-// Byte offsets of the fields (table 3 of the LAS 1.4 format).
-namespace at {
-constexpr std::uint64_t kSignature = 0;
-constexpr std::uint64_t kFileSourceId = 4;
-constexpr std::uint64_t kGlobalEncoding = 6;
-constexpr std::uint64_t kProjectId = 8;
-constexpr std::uint64_t kVersionMajor = 24;
-constexpr std::uint64_t kVersionMinor = 25;
-constexpr std::uint64_t kSystemIdentifier = 26;
-constexpr std::uint64_t kGeneratingSoftware = 58;
-constexpr std::uint64_t kCreationDay = 90;
-constexpr std::uint64_t kCreationYear = 92;
-constexpr std::uint64_t kHeaderSize = 94;
-constexpr std::uint64_t kOffsetToPoints = 96;
-constexpr std::uint64_t kVlrCount = 100;
-constexpr std::uint64_t kPointFormat = 104;
-constexpr std::uint64_t kPointRecordLength = 105;
-constexpr std::uint64_t kLegacyPointCount = 107;
-constexpr std::uint64_t kLegacyPointsByReturn = 111;
-constexpr std::uint64_t kScale = 131;
-constexpr std::uint64_t kOffset = 155;
-constexpr std::uint64_t kMaximum = 179;  // maximum and minimum alternate: X, X, Y, Y, Z, Z
-constexpr std::uint64_t kMinimum = 187;
-constexpr std::uint64_t kWaveformStart = 227;
-constexpr std::uint64_t kEvlrStart = 235;
-constexpr std::uint64_t kEvlrCount = 243;
-constexpr std::uint64_t kPointCount = 247;
-constexpr std::uint64_t kPointsByReturn = 255;
-}  // namespace at
+namespace at = las::at;
 
-constexpr std::uint64_t kTextLength = 32;
-constexpr std::uint8_t kCompressionBits = 0xC0;
-
-// How much of a header of the given size belongs to it. The start of the waveform data is there as a whole as
-// soon as the header is longer than the legacy one.
+// Bytes that belong to a header of the given size. The start of the waveform data counts as present as soon
+// as the header is longer than the legacy one.
 std::size_t HeldBytes(std::uint16_t headerSize) {
-    if (headerSize <= LasHeader::kLegacySize) {
-        return LasHeader::kLegacySize;
+    if (headerSize <= las::kLegacyHeaderSize) {
+        return las::kLegacyHeaderSize;
     }
-    return std::clamp<std::size_t>(headerSize, LasHeader::kWaveformSize, LasHeader::kSize);
+    return std::clamp(headerSize, las::kHeaderSize13, las::kHeaderSize14);
 }
 
 }  // namespace
@@ -61,7 +30,7 @@ T LasHeader::Read(std::uint64_t offset) const {
 }
 
 bool LasHeader::HasSignature() const {
-    return ByteReader(block_).FixedText(at::kSignature, 4) == "LASF";
+    return ByteReader(block_).FixedText(at::kSignature, las::kSignature.size()) == las::kSignature;
 }
 
 std::uint16_t LasHeader::FileSourceId() const {
@@ -104,21 +73,18 @@ int LasHeader::Version() const {
 
 int LasHeader::VersionCode() const {
     if (VersionMajor() == 2 && VersionMinor() == 0) {
-        return 2;
+        return las::kLas20;
     }
-    if (VersionMajor() != 1 || VersionMinor() > 4) {
-        return -1;
-    }
-    // 2.0 sits between 1.1 and 1.2.
-    return VersionMinor() < 2 ? VersionMinor() : VersionMinor() + 1;
+    const bool isLas1 = VersionMajor() == 1 && VersionMinor() < las::kVersions.size();
+    return isLas1 ? las::kVersions[VersionMinor()].code : las::kUnknownVersion;
 }
 
 std::string LasHeader::SystemIdentifier() const {
-    return ByteReader(block_).FixedText(at::kSystemIdentifier, kTextLength);
+    return ByteReader(block_).FixedText(at::kSystemIdentifier, las::kHeaderTextLength);
 }
 
 std::string LasHeader::GeneratingSoftware() const {
-    return ByteReader(block_).FixedText(at::kGeneratingSoftware, kTextLength);
+    return ByteReader(block_).FixedText(at::kGeneratingSoftware, las::kHeaderTextLength);
 }
 
 std::uint16_t LasHeader::CreationDay() const {
@@ -142,11 +108,11 @@ std::uint32_t LasHeader::VlrCount() const {
 }
 
 int LasHeader::PointFormat() const {
-    return Read<std::uint8_t>(at::kPointFormat) & static_cast<std::uint8_t>(~kCompressionBits);
+    return Read<std::uint8_t>(at::kPointFormat) & static_cast<std::uint8_t>(~las::kCompressionBits);
 }
 
 bool LasHeader::IsCompressed() const {
-    return (Read<std::uint8_t>(at::kPointFormat) & kCompressionBits) != 0;
+    return (Read<std::uint8_t>(at::kPointFormat) & las::kCompressionBits) != 0;
 }
 
 std::uint16_t LasHeader::PointRecordLength() const {
@@ -158,7 +124,7 @@ std::uint32_t LasHeader::LegacyPointCount() const {
 }
 
 std::uint64_t LasHeader::PointCount() const {
-    return VersionCode() == 5 ? Read<std::uint64_t>(at::kPointCount) : LegacyPointCount();
+    return VersionCode() == las::kLas14 ? Read<std::uint64_t>(at::kPointCount) : LegacyPointCount();
 }
 
 std::uint64_t LasHeader::PointsOfReturn(int number) const {
@@ -166,8 +132,8 @@ std::uint64_t LasHeader::PointsOfReturn(int number) const {
         return 0;
     }
     const auto index = static_cast<std::uint64_t>(number - 1);
-    return VersionCode() == 5 ? Read<std::uint64_t>(at::kPointsByReturn + 8 * index)
-                              : Read<std::uint32_t>(at::kLegacyPointsByReturn + 4 * index);
+    return VersionCode() == las::kLas14 ? Read<std::uint64_t>(at::kPointsByReturn + 8 * index)
+                                        : Read<std::uint32_t>(at::kLegacyPointsByReturn + 4 * index);
 }
 
 std::array<double, 3> LasHeader::Triple(std::uint64_t x, std::uint64_t stride) const {

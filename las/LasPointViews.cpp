@@ -1,6 +1,7 @@
 #include "las/LasPointViews.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include "support/ByteReader.h"
@@ -9,6 +10,17 @@
 #include "support/Text.h"
 
 namespace orvex {
+
+LasExtent Octant(const LasExtent& extent, unsigned child) {
+    constexpr std::array<unsigned, 3> kUpperBits{4, 2, 1};
+    LasExtent part = extent;
+    for (std::size_t axis = 0; axis < kUpperBits.size(); ++axis) {
+        const double middle = std::midpoint(extent.minimum[axis], extent.maximum[axis]);
+        auto& side = (child & kUpperBits[axis]) != 0 ? part.minimum : part.maximum;
+        side[axis] = middle;
+    }
+    return part;
+}
 
 LasPointView::LasPointView(MappedView view, std::uint64_t skip, std::uint64_t firstPoint, std::uint64_t count,
                            std::uint16_t recordLength, const LasPointFrame& frame)
@@ -58,7 +70,7 @@ std::uint64_t LasPointViews::Granularity() {
     return 4 * MappedFile::AllocationGranularity();
 }
 
-// The first point whose record begins at or behind a position, at most pointCount_.
+// First point whose record starts at or after a position, at most pointCount_.
 std::uint64_t LasPointViews::FirstPointFrom(std::uint64_t position) const {
     const std::uint64_t length = position > start_ ? position - start_ : 0;
     return std::min((length + recordLength_ - 1) / recordLength_, pointCount_);

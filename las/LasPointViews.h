@@ -1,5 +1,5 @@
 #pragma once
-// The point data of a file in pieces that are mapped when asked for.
+// Point data of a file, mapped piece by piece on request.
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -7,19 +7,29 @@
 #include <span>
 
 #include "las/LasHeader.h"
-#include "las/Octants.h"
 #include "support/MappedFile.h"
 
 namespace orvex {
 
-/// How the coordinates of point records are to be read, from the header.
+/// A box in X, Y, Z.
+struct LasExtent {
+    std::array<double, 3> minimum{};
+    std::array<double, 3> maximum{};
+    friend bool operator==(const LasExtent&, const LasExtent&) = default;
+};
+
+/// One eighth of an extent, split at the midpoints. `child` is 0 to 7: bit value 4 takes the upper half in X,
+/// 2 in Y, 1 in Z; a clear bit takes the lower half. Higher bits are ignored.
+LasExtent Octant(const LasExtent& extent, unsigned child);
+
+/// Scale, offset and extent from the header: what coordinates are computed with.
 struct LasPointFrame {
     std::array<double, 3> scale{};
     std::array<double, 3> offset{};
     LasExtent extent;
 };
 
-/// Whole point records in memory. Points are numbered from 0 over the file. Move-only.
+/// Whole point records in memory. Point numbers count from 0 over the whole file. Move-only.
 class LasPointView {
   public:
     LasPointView(MappedView view, std::uint64_t skip, std::uint64_t firstPoint, std::uint64_t count,
@@ -30,9 +40,9 @@ class LasPointView {
     bool Contains(std::uint64_t point) const { return point - firstPoint_ < count_; }
     const LasPointFrame& Frame() const { return frame_; }
 
-    /// The records one after the other; to be written to only when the file was opened read-write.
+    /// The records, contiguous; writable only if the file was opened read-write.
     std::span<std::byte> Records() const { return records_; }
-    /// The record of a point of this view; empty for any other.
+    /// Record of a point of this view; empty for any other.
     std::span<std::byte> Record(std::uint64_t point) const;
     /// X, Y, Z of a point of this view; the offset of the frame for any other.
     std::array<double, 3> Position(std::uint64_t point) const;
@@ -46,23 +56,23 @@ class LasPointView {
     LasPointFrame frame_;
 };
 
-/// The point records of an open file as views: each begins at a multiple of Granularity() in the file and is
-/// widened so that it ends with the last record that begins in it. Views are numbered from 0.
+/// Point records of an open file as views. A view starts at a multiple of Granularity() in the file and ends
+/// with the last record that starts in it. Views are numbered from 0.
 class LasPointViews {
   public:
-    /// Takes the file over. Null when there are no records to map: the record length is 0, or the points are
-    /// compressed.
+    /// Takes ownership of the file. Null if there are no records to map: the record length is 0, or the
+    /// points are compressed.
     static std::unique_ptr<LasPointViews> Create(MappedFile file, const LasHeader& header, bool readOnly);
 
-    /// Four times what the system wants views to begin at, in bytes.
+    /// Four times the system's allocation granularity, in bytes.
     static std::uint64_t Granularity();
 
-    /// Points of the header's count that lie inside the file as whole records.
+    /// Points of the header's count whose whole records lie inside the file.
     std::uint64_t PointCount() const { return pointCount_; }
     std::uint64_t ViewCount() const;
-    /// The view that holds a point below PointCount().
+    /// View of a point below PointCount().
     std::uint64_t ViewOf(std::uint64_t point) const;
-    /// Maps a view; one of a file with records longer than the granularity may hold none. Throws LDataError.
+    /// Maps a view; it may be empty if records are longer than the granularity. Throws LDataError.
     LasPointView Map(std::uint64_t view) const;
 
   private:

@@ -1,24 +1,148 @@
 #include "las/LasRecords.h"
 
 #include <algorithm>
+#include <exception>
+#include <limits>
 #include <utility>
 
 #include "support/ByteReader.h"
+#include "support/Format.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
 
 namespace orvex {
 namespace {
 
-// Both record headers begin alike; the length field differs in width.
-constexpr std::uint64_t kReservedAt = 0;
-constexpr std::uint64_t kUserIdAt = 2;
-constexpr std::uint64_t kUserIdLength = 16;
-constexpr std::uint64_t kRecordIdAt = 18;
-constexpr std::uint64_t kLengthAt = 20;
-constexpr std::uint64_t kVlrDescriptionAt = 22;
-constexpr std::uint64_t kEvlrDescriptionAt = 28;
-constexpr std::uint64_t kDescriptionLength = 32;
+namespace at = las::record_at;
+
+constexpr std::string_view kOwnUserId = "Kst";
+constexpr std::size_t kSeekMessageLimit = 1024;
+// Positions in a file are signed 64-bit numbers.
+constexpr std::uint64_t kLastPosition = std::numeric_limits<std::int64_t>::max();
+
+// Offsets in an extra bytes descriptor.
+constexpr std::uint64_t kDataTypeAt = 2;
+constexpr std::uint64_t kOptionsAt = 3;
+constexpr std::uint64_t kNameAt = 4;
+constexpr std::uint64_t kNameLength = 32;
+constexpr std::size_t kDataTypeMessageLimit = 255;
+// By data type; the size of type 0 is in its options.
+constexpr std::array<std::uint8_t, 11> kDataTypeSizes{0, 1, 1, 2, 2, 4, 4, 8, 8, 4, 8};
+
+[[noreturn]] void ThrowSystemError() {
+    throw LDataError(L"Unable to read EVLRs. System Error");
+}
+
+[[noreturn]] void ThrowDataError() {
+    throw LDataError(L"Failed to read EVLR record data section of LAS file into memory.");
+}
+
+class EvlrReader {
+  public:
+    EvlrReader(const MappedFile& file, bool mapData) : file_(file), mapData_(mapData) {}
+
+    std::vector<EvlrEntry> Read(std::uint64_t start, std::uint32_t count) {
+        if (file_.Size(fileSize_) != 0) {
+            ThrowSystemError();
+        }
+        RequirePosition(start);
+        const std::uint64_t room = start < fileSize_ ? (fileSize_ - start) / EvlrEntry::kHeaderSize : 0;
+        const std::uint64_t most = std::min<std::uint64_t>(count, kMostRecords);
+        std::vector<EvlrEntry> entries;
+        entries.reserve(std::min(most, room));
+        std::uint64_t position = start;
+        while (entries.size() < most) {
+            EvlrEntry& entry = entries.emplace_back(ReadHeader(position));
+            const std::uint64_t dataPosition = position + EvlrEntry::kHeaderSize;
+            const std::string userId = entry.UserId();
+            if (userId == las::kProjectionUserId || userId == kOwnUserId) {
+                ReadData(entry, dataPosition);
+            }
+            position = NextPosition(entry, dataPosition);
+        }
+        return entries;
+    }
+
+  private:
+    void RequirePosition(std::uint64_t start) const {
+        if (start > kLastPosition) {
+            throw LDataError(FormatText(
+                L"Moving file pointer to the eVlr offset failed. Unable to populate the evlr list. "
+                L"evlrOffset (%I64d) | filesize (%I64d).",
+                {static_cast<std::int64_t>(start), static_cast<std::int64_t>(fileSize_)}, kSeekMessageLimit));
+        }
+    }
+
+    std::uint64_t BytesFrom(std::uint64_t position) const {
+        return fileSize_ - std::min(fileSize_, position);
+    }
+
+    EvlrEntry ReadHeader(std::uint64_t position) const {
+        EvlrEntry::HeaderBytes header{};
+        std::size_t read = 0;
+        if (position > fileSize_ || file_.ReadAt(position, header, read) != 0 || read < header.size()) {
+            throw LDataError(L"Failed to read EVLR header section of LAS file into memory.");
+        }
+        const auto length = ByteReader(header).Read<std::uint64_t>(at::kLength);
+        return {header, position, length > BytesFrom(position + header.size())};
+    }
+
+    void ReadData(EvlrEntry& entry, std::uint64_t position) {
+        if (entry.IsTruncated() && !mapData_) {
+            ThrowDataError();
+        }
+        const std::uint64_t length = std::min(entry.RecordLength(), BytesFrom(position));
+        const bool isCopied = length == 0 || (!mapData_ && length <= kLargestCopy - copied_);
+        FileBytes data;
+        const SystemError error = isCopied ? data.Copy(file_, position, static_cast<std::size_t>(length))
+                                           : data.Map(file_, position, length, false);
+        if (error != 0 || data.Bytes().size() < length) {
+            ThrowDataError();
+        }
+        copied_ += isCopied ? length : 0;
+        entry.SetData(std::move(data));
+    }
+
+    static std::uint64_t NextPosition(const EvlrEntry& entry, std::uint64_t dataPosition) {
+        if (entry.RecordLength() <= kLastPosition - dataPosition) {
+            return dataPosition + entry.RecordLength();
+        }
+        if (!entry.HasData()) {
+            throw LDataError(L"Setting file pointer failed when skipping record data for evlr.");
+        }
+        return kLastPosition;
+    }
+
+    const MappedFile& file_;
+    bool mapData_;
+    std::uint64_t fileSize_ = 0;
+    std::uint64_t copied_ = 0;  // bytes of data in private memory
+};
+
+std::uint8_t SizeOf(std::uint8_t dataType, std::uint8_t options) {
+    if (dataType >= kDataTypeSizes.size()) {
+        throw LDataError(FormatText(L"GetExtraByteOffsets: '%i' is not a valid extra bytes data_type value.",
+                                    {static_cast<int>(dataType)}, kDataTypeMessageLimit));
+    }
+    return dataType == 0 ? options : kDataTypeSizes[dataType];
+}
 
 }  // namespace
+
+SystemError FileBytes::Copy(const MappedFile& file, std::uint64_t offset, std::size_t length) {
+    copy_ = std::make_unique_for_overwrite<std::byte[]>(length);
+    return length == 0 ? 0 : file.ReadAt(offset, {copy_.get(), length}, copyLength_);
+}
+
+SystemError FileBytes::Map(const MappedFile& file, std::uint64_t offset, std::uint64_t length,
+                           bool writable) {
+    return file.Map(offset, length, writable, view_);
+}
+
+std::span<const std::byte> FileBytes::Bytes() const {
+    return view_ ? std::span<const std::byte>(view_.Bytes())
+                 : std::span<const std::byte>(copy_.get(), copyLength_);
+}
 
 VlrView::VlrView(std::span<const std::byte> record, std::uint64_t fileOffset)
     : record_(record), fileOffset_(fileOffset) {
@@ -26,64 +150,51 @@ VlrView::VlrView(std::span<const std::byte> record, std::uint64_t fileOffset)
 }
 
 std::uint16_t VlrView::Reserved() const {
-    return ByteReader(record_).Read<std::uint16_t>(kReservedAt);
+    return ByteReader(record_).Read<std::uint16_t>(at::kReserved);
 }
 
 std::string VlrView::UserId() const {
-    return ByteReader(record_).FixedText(kUserIdAt, kUserIdLength);
+    return ByteReader(record_).FixedText(at::kUserId, las::kUserIdLength);
 }
 
 std::uint16_t VlrView::RecordId() const {
-    return ByteReader(record_).Read<std::uint16_t>(kRecordIdAt);
+    return ByteReader(record_).Read<std::uint16_t>(at::kRecordId);
 }
 
 std::uint64_t VlrView::RecordLength() const {
-    return ByteReader(record_).Read<std::uint16_t>(kLengthAt);
+    return ByteReader(record_).Read<std::uint16_t>(at::kLength);
 }
 
 std::string VlrView::Description() const {
-    return ByteReader(record_).FixedText(kVlrDescriptionAt, kDescriptionLength);
+    return ByteReader(record_).FixedText(at::kVlrDescription, las::kDescriptionLength);
 }
 
 bool VlrView::Is(std::string_view userId, std::uint16_t recordId) const {
     return RecordId() == recordId && UserId() == userId;
 }
 
-EvlrEntry::EvlrEntry(const HeaderBytes& header, std::uint64_t fileOffset, bool isTruncated)
-    : header_(header), isTruncated_(isTruncated), fileOffset_(fileOffset) {}
-
-void EvlrEntry::SetData(std::vector<std::byte> copy) {
-    copy_ = std::move(copy);
-    hasData_ = true;
-}
-
-void EvlrEntry::SetData(MappedView view) {
-    view_ = std::move(view);
-    hasData_ = true;
-}
-
 std::uint16_t EvlrEntry::Reserved() const {
-    return ByteReader(header_).Read<std::uint16_t>(kReservedAt);
+    return ByteReader(header_).Read<std::uint16_t>(at::kReserved);
 }
 
 std::string EvlrEntry::UserId() const {
-    return ByteReader(header_).FixedText(kUserIdAt, kUserIdLength);
+    return ByteReader(header_).FixedText(at::kUserId, las::kUserIdLength);
 }
 
 std::uint16_t EvlrEntry::RecordId() const {
-    return ByteReader(header_).Read<std::uint16_t>(kRecordIdAt);
+    return ByteReader(header_).Read<std::uint16_t>(at::kRecordId);
 }
 
 std::uint64_t EvlrEntry::RecordLength() const {
-    return ByteReader(header_).Read<std::uint64_t>(kLengthAt);
+    return ByteReader(header_).Read<std::uint64_t>(at::kLength);
 }
 
 std::string EvlrEntry::Description() const {
-    return ByteReader(header_).FixedText(kEvlrDescriptionAt, kDescriptionLength);
+    return ByteReader(header_).FixedText(at::kEvlrDescription, las::kDescriptionLength);
 }
 
 std::span<const std::byte> EvlrEntry::Data() const {
-    return view_ ? std::span<const std::byte>(view_.Bytes()) : std::span<const std::byte>(copy_);
+    return data_ ? data_->Bytes() : std::span<const std::byte>();
 }
 
 bool EvlrEntry::Is(std::string_view userId, std::uint16_t recordId) const {
@@ -92,7 +203,7 @@ bool EvlrEntry::Is(std::string_view userId, std::uint16_t recordId) const {
 
 std::vector<VlrView> WalkVlrs(std::span<const std::byte> area, const LasHeader& header) {
     std::vector<VlrView> records;
-    if (header.HeaderSize() < LasHeader::kLegacySize) {
+    if (header.HeaderSize() < las::kLegacyHeaderSize) {
         return records;
     }
     const std::size_t most = std::min<std::size_t>(header.VlrCount(), kMostRecords);
@@ -104,6 +215,39 @@ std::vector<VlrView> WalkVlrs(std::span<const std::byte> area, const LasHeader& 
     }
     records.shrink_to_fit();
     return records;
+}
+
+std::vector<EvlrEntry> ReadEvlrs(const MappedFile& file, std::uint64_t start, std::uint32_t count,
+                                 bool mapData) {
+    if (start == 0 || count == 0) {
+        return {};
+    }
+    try {
+        return EvlrReader(file, mapData).Read(start, count);
+    } catch (const LDataError&) {
+        throw;
+    } catch (const std::exception&) {
+        ThrowSystemError();
+    }
+}
+
+void ExtraBytes::GetExtraByteOffsets(std::span<const std::byte> descriptors, std::size_t mostAttributes) {
+    const ByteReader reader(descriptors);
+    const std::size_t count = std::min(descriptors.size() / kDescriptorSize, mostAttributes);
+    std::uint64_t offset = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint64_t start = i * kDescriptorSize;
+        const auto dataType = reader.Read<std::uint8_t>(start + kDataTypeAt);
+        const std::uint8_t size = SizeOf(dataType, reader.Read<std::uint8_t>(start + kOptionsAt));
+        attributes_.push_back(
+            {FromUtf8(reader.FixedText(start + kNameAt, kNameLength)), offset, size, dataType});
+        offset += size;
+    }
+}
+
+const ExtraBytesAttribute* ExtraBytes::Find(const std::wstring& name) const {
+    const auto found = std::ranges::find(attributes_, name, &ExtraBytesAttribute::name);
+    return found == attributes_.end() ? nullptr : &*found;
 }
 
 }  // namespace orvex

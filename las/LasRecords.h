@@ -1,50 +1,64 @@
 #pragma once
-// Variable length records (VLRs) and extended ones (EVLRs).
+// Variable length records (VLRs), extended ones (EVLRs), and the descriptors of extra bytes.
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "las/LasHeader.h"
+#include "support/LasFormat.h"
 #include "support/MappedFile.h"
 
 namespace orvex {
 
-/// The user id of the records that hold a CRS, and the ids that matter here.
-inline constexpr std::string_view kProjectionUserId = "LASF_Projection";
-inline constexpr std::uint16_t kWktRecordId = 2112;
-inline constexpr std::uint16_t kGeoKeyDirectoryRecordId = 34735;
-inline constexpr std::uint16_t kGeoDoublesRecordId = 34736;
-inline constexpr std::uint16_t kGeoTextRecordId = 34737;
-
-/// The most records of one kind that a list holds. Files have a handful; a file of zeros would otherwise turn
-/// into as many empty records as its size allows.
+/// Most records of one kind that are listed. Files have a handful; a file of zeros would otherwise turn into
+/// as many empty records as its size allows.
 inline constexpr std::size_t kMostRecords = 1U << 18U;
+/// Most bytes of one file that are copied into private memory; larger areas are mapped.
+inline constexpr std::uint64_t kLargestCopy = std::uint64_t{64} << 20U;
 
-/// A VLR inside a VLR area, which outlives the view.
+/// Part of a file in memory, as a private copy or a mapped view. Move-only; the file may be closed.
+class FileBytes {
+  public:
+    /// Copies up to `length` bytes; fewer if the file ends before.
+    SystemError Copy(const MappedFile& file, std::uint64_t offset, std::size_t length);
+    /// Maps bytes that lie inside the file.
+    SystemError Map(const MappedFile& file, std::uint64_t offset, std::uint64_t length, bool writable);
+
+    std::span<const std::byte> Bytes() const;
+    bool IsMapped() const { return static_cast<bool>(view_); }
+
+  private:
+    std::unique_ptr<std::byte[]> copy_;
+    std::size_t copyLength_ = 0;
+    MappedView view_;
+};
+
+/// View of a VLR inside the VLR area, which outlives it.
 class VlrView {
   public:
-    static constexpr std::size_t kHeaderSize = 54;
+    static constexpr std::size_t kHeaderSize = las::kVlrHeaderSize;
 
-    /// `record` starts with the whole record header; data that it lacks is missing from Data().
+    /// `record` starts with a whole record header; missing data is missing from Data().
     VlrView(std::span<const std::byte> record, std::uint64_t fileOffset);
 
     std::uint16_t Reserved() const;
     std::string UserId() const;
     std::uint16_t RecordId() const;
-    /// As the record header says it, in bytes.
+    /// Bytes of data as stated in the record header.
     std::uint64_t RecordLength() const;
     std::string Description() const;
 
-    /// The data, cut where the VLR area ends.
+    /// Data, truncated at the end of the VLR area.
     std::span<const std::byte> Data() const { return record_.subspan(kHeaderSize); }
-    bool HasData() const { return true; }
     bool IsTruncated() const { return Data().size() < RecordLength(); }
     bool Is(std::string_view userId, std::uint16_t recordId) const;
-    /// Byte of the file that the record header starts at.
+    /// Offset of the record header in the file.
     std::uint64_t FileOffset() const { return fileOffset_; }
 
   private:
@@ -52,45 +66,82 @@ class VlrView {
     std::uint64_t fileOffset_ = 0;
 };
 
-/// An EVLR: its header, and its data where that was read. Move-only.
+/// An EVLR: its header, and its data if that was read. Move-only.
 class EvlrEntry {
   public:
-    static constexpr std::size_t kHeaderSize = 60;
+    static constexpr std::size_t kHeaderSize = las::kEvlrHeaderSize;
     using HeaderBytes = std::array<std::byte, kHeaderSize>;
 
-    /// A record whose data was skipped. `isTruncated`: the data runs past the end of the file.
-    EvlrEntry(const HeaderBytes& header, std::uint64_t fileOffset, bool isTruncated);
+    /// `isTruncated`: the data runs past the end of the file.
+    EvlrEntry(const HeaderBytes& header, std::uint64_t fileOffset, bool isTruncated)
+        : header_(header), isTruncated_(isTruncated), fileOffset_(fileOffset) {}
 
-    /// Gives the record its data, as a copy or as a view of the file.
-    void SetData(std::vector<std::byte> copy);
-    void SetData(MappedView view);
+    void SetData(FileBytes data) { data_ = std::move(data); }
 
     std::uint16_t Reserved() const;
     std::string UserId() const;
     std::uint16_t RecordId() const;
-    /// As the record header says it, in bytes.
+    /// Bytes of data as stated in the record header.
     std::uint64_t RecordLength() const;
     std::string Description() const;
 
-    /// The data; empty when it was skipped.
+    /// Data; empty if it was skipped.
     std::span<const std::byte> Data() const;
-    bool HasData() const { return hasData_; }
+    /// False if the data was skipped.
+    bool HasData() const { return data_.has_value(); }
     bool IsTruncated() const { return isTruncated_; }
     bool Is(std::string_view userId, std::uint16_t recordId) const;
+    /// Offset of the record header in the file.
     std::uint64_t FileOffset() const { return fileOffset_; }
 
   private:
     HeaderBytes header_;
-    bool hasData_ = false;
     bool isTruncated_ = false;
     std::uint64_t fileOffset_ = 0;
-    std::vector<std::byte> copy_;
-    MappedView view_;
+    std::optional<FileBytes> data_;
 };
 
-/// The VLRs of an area that holds a file from its first byte up to its points. The walk starts behind the
-/// header and ends after the header's count of records, where the next record header would not fit, or at
-/// kMostRecords. A header size below the smallest header gives no records.
+/// Lists the VLRs of an area that holds a file from its first byte up to its points. Ends after the number of
+/// records stated in the header, at a record header that would not fit, or at kMostRecords. Empty if the
+/// stated header size is below that of the smallest header.
 std::vector<VlrView> WalkVlrs(std::span<const std::byte> area, const LasHeader& header);
+
+/// Reads up to kMostRecords EVLRs from an offset; none if `start` or `count` is 0. Only the data of
+/// "LASF_Projection" and "Kst" records is kept. With `mapData` it is mapped and truncated at the end of the
+/// file; otherwise it is copied (mapped if large) and a truncated record is an error. Throws LDataError if a
+/// record cannot be read, also if `count` leads past the end of the file.
+std::vector<EvlrEntry> ReadEvlrs(const MappedFile& file, std::uint64_t start, std::uint32_t count,
+                                 bool mapData);
+
+/// One extra bytes attribute. Offset and size are bytes; the offset counts from the first extra byte of a
+/// point record.
+struct ExtraBytesAttribute {
+    std::wstring name;
+    std::uint64_t offset = 0;
+    std::uint8_t size = 0;
+    std::uint8_t dataType = 0;
+};
+
+/// Extra bytes attributes in descriptor order. Find is a linear search: a file has few of them, and a list of
+/// thousands of files should not keep the names twice.
+class ExtraBytes {
+  public:
+    /// Size of a descriptor (table 24 of the LAS 1.4 format).
+    static constexpr std::size_t kDescriptorSize = 192;
+    /// No point record has room for more attributes.
+    static constexpr std::size_t kMostAttributes = 65535;
+
+    /// Adds the attributes of a record's data, the first at offset 0; at most `mostAttributes`. A partial
+    /// descriptor at the end is ignored. Throws LDataError for data types above 10.
+    void GetExtraByteOffsets(std::span<const std::byte> descriptors,
+                             std::size_t mostAttributes = kMostAttributes);
+
+    const std::vector<ExtraBytesAttribute>& Attributes() const { return attributes_; }
+    /// First attribute of a name; null if there is none.
+    const ExtraBytesAttribute* Find(const std::wstring& name) const;
+
+  private:
+    std::vector<ExtraBytesAttribute> attributes_;
+};
 
 }  // namespace orvex

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "las/LASFile.h"
-#include "las/PointFormats.h"
 #include "support/Format.h"
+#include "support/LasFormat.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -19,7 +19,6 @@ constexpr std::size_t kCaptionWidth = std::ranges::max(kCaptions, {}, &std::wstr
 constexpr std::uint64_t kLongestDump = 256;
 constexpr std::size_t kBytesPerLine = 8;
 constexpr std::size_t kMostLines = 50;
-constexpr int kVersionCode12 = 3;
 
 template <typename Record>
 void AppendFields(std::wstring& text, const Record& record) {
@@ -40,8 +39,8 @@ void AppendByte(std::wstring& text, std::byte byte) {
     text += L' ';
 }
 
-// Returns the number of lines, a shorter last one included. Only a line of eight bytes is ended: what follows
-// fewer bytes stands behind them.
+// Returns the number of lines including a shorter last one. Only full lines end with a line break: the text
+// that follows a shorter one continues it.
 std::size_t AppendDump(std::wstring& text, std::span<const std::byte> data) {
     for (std::size_t i = 0; i < data.size(); ++i) {
         AppendByte(text, data[i]);
@@ -52,10 +51,10 @@ std::size_t AppendDump(std::wstring& text, std::span<const std::byte> data) {
     return (data.size() + kBytesPerLine - 1) / kBytesPerLine;
 }
 
-// A CRS is shown in words elsewhere, so its records are not dumped.
+// CRS records are not dumped: the CRS is described elsewhere.
 template <typename Record>
 bool IsDumped(const Record& record) {
-    return record.RecordLength() <= kLongestDump && record.UserId() != kProjectionUserId;
+    return record.RecordLength() <= kLongestDump && record.UserId() != las::kProjectionUserId;
 }
 
 template <typename Records>
@@ -87,10 +86,10 @@ std::wstring LasEvlrText(const LASFile& file) {
 }
 
 std::wstring LasGpsTimeText(const LASFile& file) {
-    if (file.GetVersionCode() < kVersionCode12) {
+    if (file.GetVersionCode() < las::kLas12) {
         return {};
     }
-    const PointFormatFacts* facts = FindPointFormat(file.PointFormat());
+    const las::PointFormatFacts* facts = las::FindPointFormat(file.PointFormat());
     if (facts != nullptr && !facts->hasGpsTime) {
         return Text(13490_lsid);
     }

@@ -5,13 +5,12 @@ namespace orvex {
 
 class LASFile;
 
-/// The records of a file as the details view shows them; a "\n" ends every field and every eight bytes; long
-/// lists end with a closing line.
+/// Records of a file for the details pane. "\n" ends each field and each eight bytes; long lists are
+/// truncated and end with a line that says so.
 std::wstring LasVlrText(const LASFile& file);
 std::wstring LasEvlrText(const LASFile& file);
 
-/// "Standard GPS Time", "GPS-Week-Seconds" or the library's text for formats without time; empty before
-/// LAS 1.2.
+/// "Standard GPS Time", "GPS-Week-Seconds", or the text for formats without GPS time; empty before LAS 1.2.
 std::wstring LasGpsTimeText(const LASFile& file);
 
 }  // namespace orvex

@@ -7,32 +7,16 @@
 #include <optional>
 
 #include "las/LASFile.h"
-#include "las/PointFormats.h"
 #include "support/Format.h"
+#include "support/LasFormat.h"
 #include "support/Text.h"
 
 namespace orvex {
 namespace {
 
-// Bytes of the header that a finding points at.
-constexpr std::uint64_t kVersionAt = 24;
-constexpr std::uint64_t kHeaderSizeAt = 94;
-constexpr std::uint64_t kOffsetToPointsAt = 96;
-constexpr std::uint64_t kVlrCountAt = 100;
-constexpr std::uint64_t kPointFormatAt = 104;
-constexpr std::uint64_t kRecordLengthAt = 105;
-constexpr std::uint64_t kLegacyPointCountAt = 107;
-constexpr std::uint64_t kScaleAt = 131;
-constexpr std::uint64_t kExtentAt = 179;
-constexpr std::uint64_t kEvlrCountAt = 243;
-constexpr std::uint64_t kPointCountAt = 247;
+namespace at = las::at;
 
-constexpr int kVersionCode20 = 2;
-constexpr int kVersionCode13 = 4;
-constexpr int kVersionCode14 = 5;
-constexpr std::uint16_t kInternalWaveformBit = 0x2;
-
-// "X, Z": the axes for which a condition holds.
+// Axes for which a condition holds, as in "X, Z".
 std::wstring AxesWhere(const std::function<bool(std::size_t axis)>& holds) {
     constexpr std::array<const wchar_t*, 3> kNames{L"X", L"Y", L"Z"};
     std::wstring axes;
@@ -45,10 +29,8 @@ std::wstring AxesWhere(const std::function<bool(std::size_t axis)>& holds) {
 }
 
 std::uint16_t SmallestHeaderSize(int versionCode) {
-    if (versionCode == kVersionCode14) {
-        return LasHeader::kSize;
-    }
-    return versionCode == kVersionCode13 ? LasHeader::kWaveformSize : LasHeader::kLegacySize;
+    const las::VersionFacts* const version = las::FindVersion(versionCode);
+    return version == nullptr ? las::kLegacyHeaderSize : version->headerSize;
 }
 
 class Validator {
@@ -68,7 +50,7 @@ class Validator {
         CheckVlrs();
         CheckEvlrs();
         if (!file_.HasProjectionRecords()) {
-            Add(LasFindingCode::NoCrs, FindingSeverity::Note, kVlrCountAt, 40121_lsid, {});
+            Add(LasFindingCode::NoCrs, FindingSeverity::Note, at::kVlrCount, 40121_lsid, {});
         }
         SortFindings(findings_);
         return std::move(findings_);
@@ -82,11 +64,11 @@ class Validator {
 
     void CheckVersion() {
         if (file_.GetVersionCode() < 0) {
-            Add(LasFindingCode::UnknownVersion, FindingSeverity::Error, kVersionAt, 40116_lsid,
+            Add(LasFindingCode::UnknownVersion, FindingSeverity::Error, at::kVersionMajor, 40116_lsid,
                 {static_cast<unsigned>(header_.VersionMajor()),
                  static_cast<unsigned>(header_.VersionMinor())});
-        } else if (file_.GetVersionCode() == kVersionCode20) {
-            Add(LasFindingCode::UnknownVersion, FindingSeverity::Warning, kVersionAt, 40117_lsid, {});
+        } else if (file_.GetVersionCode() == las::kLas20) {
+            Add(LasFindingCode::UnknownVersion, FindingSeverity::Warning, at::kVersionMajor, 40117_lsid, {});
         }
     }
 
@@ -94,28 +76,28 @@ class Validator {
         const std::uint16_t smallest = SmallestHeaderSize(file_.GetVersionCode());
         if (header_.HeaderSize() < smallest) {
             Add(LasFindingCode::HeaderSizeOdd,
-                header_.HeaderSize() < LasHeader::kLegacySize ? FindingSeverity::Error
+                header_.HeaderSize() < las::kLegacyHeaderSize ? FindingSeverity::Error
                                                               : FindingSeverity::Warning,
-                kHeaderSizeAt, 40109_lsid, {header_.HeaderSize(), smallest});
+                at::kHeaderSize, 40109_lsid, {header_.HeaderSize(), smallest});
         }
-        if (header_.OffsetToPoints() < std::max<std::size_t>(header_.HeaderSize(), LasHeader::kLegacySize)) {
-            Add(LasFindingCode::OffsetInsideHeader, FindingSeverity::Error, kOffsetToPointsAt, 40108_lsid,
+        if (header_.OffsetToPoints() < std::max(header_.HeaderSize(), las::kLegacyHeaderSize)) {
+            Add(LasFindingCode::OffsetInsideHeader, FindingSeverity::Error, at::kOffsetToPoints, 40108_lsid,
                 {header_.OffsetToPoints(), header_.HeaderSize()});
         }
         if (header_.OffsetToPoints() > file_.FileSize()) {
-            Add(LasFindingCode::OffsetBeyondEnd, FindingSeverity::Error, kOffsetToPointsAt, 40107_lsid,
+            Add(LasFindingCode::OffsetBeyondEnd, FindingSeverity::Error, at::kOffsetToPoints, 40107_lsid,
                 {header_.OffsetToPoints(), file_.FileSize()});
         }
     }
 
     void CheckPointFormat() {
-        const PointFormatFacts* facts = FindPointFormat(header_.PointFormat());
+        const las::PointFormatFacts* facts = las::FindPointFormat(header_.PointFormat());
         if (facts == nullptr) {
-            Add(LasFindingCode::UnknownPointFormat, FindingSeverity::Error, kPointFormatAt, 40114_lsid,
+            Add(LasFindingCode::UnknownPointFormat, FindingSeverity::Error, at::kPointFormat, 40114_lsid,
                 {header_.PointFormat()});
         } else if (header_.PointRecordLength() < facts->minimumLength) {
-            Add(LasFindingCode::RecordLengthTooShort, FindingSeverity::Error, kRecordLengthAt, 40115_lsid,
-                {header_.PointFormat(), facts->minimumLength, header_.PointRecordLength()});
+            Add(LasFindingCode::RecordLengthTooShort, FindingSeverity::Error, at::kPointRecordLength,
+                40115_lsid, {header_.PointFormat(), facts->minimumLength, header_.PointRecordLength()});
         }
     }
 
@@ -124,16 +106,16 @@ class Validator {
         const auto offset = header_.Offset();
         const auto zero = AxesWhere([&](std::size_t axis) { return scale[axis] == 0; });
         if (!zero.empty()) {
-            Add(LasFindingCode::ScaleZero, FindingSeverity::Warning, kScaleAt, 40105_lsid, {zero});
+            Add(LasFindingCode::ScaleZero, FindingSeverity::Warning, at::kScale, 40105_lsid, {zero});
         }
         const auto notFinite = AxesWhere(
             [&](std::size_t axis) { return !std::isfinite(scale[axis]) || !std::isfinite(offset[axis]); });
         if (!notFinite.empty()) {
-            Add(LasFindingCode::ScaleNotFinite, FindingSeverity::Error, kScaleAt, 40106_lsid, {notFinite});
+            Add(LasFindingCode::ScaleNotFinite, FindingSeverity::Error, at::kScale, 40106_lsid, {notFinite});
         }
     }
 
-    // Programs leave whatever they like in the extent of a file without points.
+    // The extent of a file without points can be anything.
     void CheckExtent() {
         if (header_.PointCount() == 0) {
             return;
@@ -143,16 +125,17 @@ class Validator {
         const auto notFinite = AxesWhere(
             [&](std::size_t axis) { return !std::isfinite(low[axis]) || !std::isfinite(high[axis]); });
         if (!notFinite.empty()) {
-            Add(LasFindingCode::ExtentNotFinite, FindingSeverity::Warning, kExtentAt, 40104_lsid,
+            Add(LasFindingCode::ExtentNotFinite, FindingSeverity::Warning, at::kMaximum, 40104_lsid,
                 {notFinite});
         }
         const auto inverted = AxesWhere([&](std::size_t axis) { return low[axis] > high[axis]; });
         if (!inverted.empty()) {
-            Add(LasFindingCode::ExtentInverted, FindingSeverity::Warning, kExtentAt, 40103_lsid, {inverted});
+            Add(LasFindingCode::ExtentInverted, FindingSeverity::Warning, at::kMaximum, 40103_lsid,
+                {inverted});
         }
     }
 
-    // Where the points must have ended: at what follows them, else at the end of the file.
+    // Upper limit of the point data: the start of the EVLRs or the waveform data, else the end of the file.
     std::uint64_t PointsLimit() const {
         std::uint64_t limit = file_.FileSize();
         const auto endBefore = [&](std::uint64_t start) {
@@ -160,10 +143,10 @@ class Validator {
                 limit = std::min(limit, start);
             }
         };
-        if (file_.GetVersionCode() == kVersionCode14 && header_.EvlrCount() > 0) {
+        if (file_.GetVersionCode() == las::kLas14 && header_.EvlrCount() > 0) {
             endBefore(header_.EvlrStart());
         }
-        if ((header_.GlobalEncoding() & kInternalWaveformBit) != 0) {
+        if (header_.HasInternalWaveform()) {
             endBefore(header_.WaveformStart());
         }
         return limit;
@@ -171,16 +154,16 @@ class Validator {
 
     void CheckPointCount() {
         const std::uint64_t count = header_.PointCount();
-        const bool is14 = file_.GetVersionCode() == kVersionCode14;
+        const bool is14 = file_.GetVersionCode() == las::kLas14;
         if (count == 0) {
             Add(LasFindingCode::NoPoints, FindingSeverity::Warning,
-                is14 ? kPointCountAt : kLegacyPointCountAt, 40118_lsid, {});
+                is14 ? at::kPointCount : at::kLegacyPointCount, 40118_lsid, {});
         }
         if (is14 && header_.LegacyPointCount() != 0 && header_.LegacyPointCount() != count) {
-            Add(LasFindingCode::CountMismatch, FindingSeverity::Warning, kLegacyPointCountAt, 40119_lsid,
+            Add(LasFindingCode::CountMismatch, FindingSeverity::Warning, at::kLegacyPointCount, 40119_lsid,
                 {count, header_.LegacyPointCount()});
         }
-        // How long compressed points are does not follow from their count.
+        // The size of compressed points does not follow from their count.
         if (header_.PointRecordLength() != 0 && !header_.IsCompressed() &&
             header_.OffsetToPoints() <= file_.FileSize()) {
             CheckPointsAgainstSize(count, PointsLimit() - header_.OffsetToPoints());
@@ -206,7 +189,7 @@ class Validator {
     void CheckVlrs() {
         const auto& vlrs = file_.GetVLRs();
         if (vlrs.size() < header_.VlrCount()) {
-            Add(LasFindingCode::VlrCountTooHigh, FindingSeverity::Warning, kVlrCountAt, 40110_lsid,
+            Add(LasFindingCode::VlrCountTooHigh, FindingSeverity::Warning, at::kVlrCount, 40110_lsid,
                 {header_.VlrCount(), vlrs.size()});
         }
         if (!vlrs.empty() && vlrs.back().IsTruncated()) {
@@ -216,8 +199,8 @@ class Validator {
 
     void CheckEvlrs() {
         const auto& evlrs = file_.GetEVLRs();
-        if (file_.GetVersionCode() == kVersionCode14 && evlrs.size() < header_.EvlrCount()) {
-            Add(LasFindingCode::EvlrCountTooHigh, FindingSeverity::Warning, kEvlrCountAt, 40112_lsid,
+        if (file_.GetVersionCode() == las::kLas14 && evlrs.size() < header_.EvlrCount()) {
+            Add(LasFindingCode::EvlrCountTooHigh, FindingSeverity::Warning, at::kEvlrCount, 40112_lsid,
                 {header_.EvlrCount(), evlrs.size()});
         }
         if (!evlrs.empty() && evlrs.back().IsTruncated()) {
@@ -225,7 +208,7 @@ class Validator {
         }
     }
 
-    // Only the last record of a list can be cut.
+    // Only the last record of a list can be truncated.
     template <typename Records>
     void AddTruncated(LasFindingCode code, StringId text, const Records& records) {
         const auto& last = records.back();

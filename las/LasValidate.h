@@ -34,20 +34,19 @@ enum class LasFindingCode {
     SignatureMissing,
 };
 
-/// One thing that is odd about a file.
+/// One defect or oddity of a file.
 struct LasFinding : Finding {
     LasFinding(LasFindingCode what, FindingSeverity how, std::uint64_t where, std::wstring sentence)
         : Finding{how, std::move(sentence)}, code(what), offset(where) {}
 
     LasFindingCode code;
-    std::uint64_t offset;  ///< byte in the file that says so
+    std::uint64_t offset;  ///< offset of the field or data concerned
 };
 
-/// Everything that is odd about a file's header and records, worst first, in file order among equals. Whether
-/// its CRS can be read is not asked here.
+/// Findings about a file's header and records, worst first, then by offset. Does not try to read the CRS.
 std::vector<LasFinding> ValidateLas(const LASFile& file);
 
-/// Puts findings in that order.
+/// Sorts findings into that order.
 void SortFindings(std::vector<LasFinding>& findings);
 
 }  // namespace orvex

@@ -10,6 +10,7 @@
 #include "host/app/SampleTerrain.h"
 #include "host/dem/FieldBlock.h"
 #include "host/dem/LasHeaderWriter.h"
+#include "support/LasFormat.h"
 
 namespace orvex {
 
@@ -21,41 +22,42 @@ constexpr double kWeekSeconds = 302400;
 /// The GeoTIFF keys of a projected CRS in metres.
 std::string GeoKeyDirectory(int epsg) {
     const bool projected = epsg >= 20000;
+    namespace key = las::geo_key;
     const std::array<std::array<std::uint16_t, 4>, 4> keys = {{
         {1, 1, 0, 3},
-        {1024, 0, 1, static_cast<std::uint16_t>(projected ? 1 : 2)},
-        {1025, 0, 1, 1},
-        {static_cast<std::uint16_t>(projected ? 3072 : 2048), 0, 1, static_cast<std::uint16_t>(epsg)},
+        {key::kModelType, 0, 1, projected ? key::kModelProjected : key::kModelGeographic},
+        {key::kRasterType, 0, 1, key::kPixelIsArea},
+        {projected ? key::kProjectedType : key::kGeographicType, 0, 1, static_cast<std::uint16_t>(epsg)},
     }};
     return {reinterpret_cast<const char*>(keys.data()), sizeof(keys)};
 }
 
 std::vector<std::string> RecordsOf(const SampleTile& tile) {
     std::vector<std::string> records;
-    const auto add = [&](const char* userId, std::uint16_t recordId, const char* description,
+    const auto add = [&](std::string_view userId, std::uint16_t recordId, std::string_view description,
                          const std::string& data) {
         records.push_back(LasRecordBytes(tile.minorVersion, userId, recordId, description, data));
     };
     if (tile.crs == SampleCrs::GeoKeys) {
-        add("LASF_Projection", 34735, "GeoTiff GeoKeyDirectoryTag", GeoKeyDirectory(tile.epsg));
+        add(las::kProjectionUserId, las::kGeoKeyDirectoryRecordId, las::kGeoKeyDirectoryDescription,
+            GeoKeyDirectory(tile.epsg));
     }
     if (tile.crs == SampleCrs::Wkt) {
-        add("LASF_Projection", 2112, "OGC coordinate system WKT", tile.wkt + '\0');
+        add(las::kProjectionUserId, las::kWktRecordId, las::kWktDescription, tile.wkt + '\0');
     }
     add("Orvex sample", 1, "How this file was made",
         "Generated terrain: hills, a river and trees; no survey was flown.");
     return records;
 }
 
-/// Bytes of a point record of format 3 or 7.
 std::uint16_t RecordLength(const SampleTile& tile) {
-    return tile.pointFormat >= 6 ? 36 : 34;
+    return las::FindPointFormat(tile.pointFormat)->minimumLength;
 }
 
 /// A point record of format 3 or 7.
 std::string PointRecord(const SampleTile& tile, const std::array<std::int32_t, 3>& position,
                         const SampleTerrain& terrain, double time) {
-    const bool extended = tile.pointFormat >= 6;
+    const bool extended = tile.pointFormat >= las::kFirstExtendedFormat;
     const std::size_t afterXyz = 12;
     FieldBlock point(RecordLength(tile));
     for (std::size_t axis = 0; axis < 3; ++axis) {
@@ -125,7 +127,7 @@ std::string MakeSampleLas(const SampleTile& tile) {
     header.minorVersion = tile.minorVersion;
     header.pointFormat = tile.pointFormat;
     header.recordLength = RecordLength(tile);
-    header.globalEncoding = tile.crs == SampleCrs::Wkt ? kLasWkt : 0;
+    header.globalEncoding = tile.crs == SampleCrs::Wkt ? las::encoding::kWkt : 0;
     header.systemIdentifier = "Generated";
     header.generatingSoftware = "Orvex sample project";
     header.creationDay = 152;

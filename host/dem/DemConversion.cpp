@@ -2,6 +2,7 @@
 
 #include <gdal_priv.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <limits>
@@ -14,10 +15,10 @@
 #include "host/dem/HeightUnits.h"
 #include "host/dem/LasHeaderWriter.h"
 #include "host/dem/LasPointWriter.h"
-#include "las/PointFormats.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
+#include "support/LasFormat.h"
 #include "support/TemporaryFile.h"
 #include "support/Text.h"
 
@@ -30,17 +31,13 @@ constexpr int kMostPixels = 1 << 18;
 constexpr std::uint64_t kMostLegacyPoints = std::numeric_limits<std::uint32_t>::max();
 constexpr int kFirstLargeVersion = 4;
 constexpr int kFirstSyntheticVersion = 3;
-constexpr int kFirstWideFormat = 6;
 constexpr int kMostNames = 100000;
-
-/// The greatest point format that is written of each minor version.
-constexpr std::array<int, 5> kLastFormats = {1, 1, 3, 5, 8};
 
 /// A record with everything but its place: the only return of its pulse, never classified, and marked as made
 /// by other means than a laser where the version knows that mark.
 std::string BareRecord(int minorVersion, int pointFormat) {
-    std::string record(FindPointFormat(pointFormat)->minimumLength, '\0');
-    if (pointFormat >= kFirstWideFormat) {
+    std::string record(las::FindPointFormat(pointFormat)->minimumLength, '\0');
+    if (pointFormat >= las::kFirstExtendedFormat) {
         record[14] = 0x11;  // return 1 of 1
         record[15] = 0x01;  // synthetic
     } else {
@@ -63,10 +60,10 @@ CreationDate Today() {
 }
 
 void RequireFormat(const DemConversionOptions& options) {
-    const int last = options.versionMinor >= 0 && options.versionMinor < static_cast<int>(kLastFormats.size())
-                         ? kLastFormats[static_cast<std::size_t>(options.versionMinor)]
-                         : -1;
-    if (options.pointFormat < 0 || options.pointFormat > last) {
+    const auto* const version =
+        std::ranges::find(las::kVersions, options.versionMinor, &las::VersionFacts::minor);
+    if (version == las::kVersions.end() || options.pointFormat < 0 ||
+        options.pointFormat > version->lastDemFormat) {
         throw LDataError(FormatText(Text(41390_lsid), {options.versionMinor, options.pointFormat}));
     }
 }
@@ -170,7 +167,8 @@ void DemConverter::RequireRoom() const {
     const std::uint64_t points =
         lattice_.LeastOf(static_cast<std::uint64_t>(size.width), static_cast<std::uint64_t>(size.height));
     RequireCountable(points);
-    const double needed = static_cast<double>(points) * FindPointFormat(options_.pointFormat)->minimumLength;
+    const double needed =
+        static_cast<double>(points) * las::FindPointFormat(options_.pointFormat)->minimumLength;
     const auto available = FreeSpaceIn(options_.outputFolder);
     if (available && needed > static_cast<double>(*available)) {
         throw LDataError(
@@ -235,16 +233,16 @@ bool DemConverter::WritePoints(DemEncoder& encoder, LasPointWriter& writer) {
 }
 
 LasHeaderFields DemConverter::Header() const {
-    const PointFormatFacts& format = *FindPointFormat(options_.pointFormat);
+    const las::PointFormatFacts& format = *las::FindPointFormat(options_.pointFormat);
     const CreationDate today = Today();
     LasHeaderFields header;
     header.minorVersion = options_.versionMinor;
     header.pointFormat = options_.pointFormat;
     header.recordLength = format.minimumLength;
     header.globalEncoding = static_cast<std::uint16_t>(
-        (format.hasGpsTime ? kLasStandardGpsTime : 0) |
-        (options_.versionMinor >= kFirstSyntheticVersion ? kLasSyntheticReturns : 0) |
-        (crs_.isWkt || options_.pointFormat >= kFirstWideFormat ? kLasWkt : 0));
+        (format.hasGpsTime ? las::encoding::kStandardGpsTime : 0) |
+        (options_.versionMinor >= kFirstSyntheticVersion ? las::encoding::kSyntheticReturns : 0) |
+        (crs_.isWkt || options_.pointFormat >= las::kFirstExtendedFormat ? las::encoding::kWkt : 0));
     header.systemIdentifier = "Orvex elevation raster";
     header.generatingSoftware = "Orvex DEM to LAS";
     header.creationDay = today.day;
@@ -304,11 +302,8 @@ void DemConverter::Commit(TemporaryFile& temporary) {
 }  // namespace
 
 int MinorVersionOfItem(std::int32_t demLasVersion) {
-    // 2 stands for no version of LAS 1.
-    constexpr std::array<int, 6> kMinorVersions = {0, 1, 4, 2, 3, 4};
-    return demLasVersion >= 0 && demLasVersion < static_cast<std::int32_t>(kMinorVersions.size())
-               ? kMinorVersions[static_cast<std::size_t>(demLasVersion)]
-               : 4;
+    const las::VersionFacts* const version = las::FindVersion(demLasVersion);
+    return version == nullptr ? las::kVersions.back().minor : version->minor;
 }
 
 std::optional<DemConversionResult> ConvertDem(const std::wstring& demPath,

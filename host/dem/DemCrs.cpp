@@ -8,15 +8,14 @@
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Format.h"
 #include "support/GdalErrorScope.h"
+#include "support/LasFormat.h"
 #include "support/Text.h"
 #include "support/WktExport.h"
 
 namespace orvex {
 namespace {
 
-constexpr int kFirstWktFormat = 6;
 constexpr int kFirstWktVersion = 4;
-constexpr std::string_view kProjectionUserId = "LASF_Projection";
 
 /// WKT1 is what LAS 1.4 names; some CRSs exist in WKT2 only.
 std::string WktOf(const OGRSpatialReference& crs) {
@@ -40,12 +39,13 @@ std::optional<DemCrsRecords> WithGeoKeys(const OGRSpatialReference& crs, const s
     }
     const auto add = [&](std::uint16_t id, std::string_view description, const std::string& data) {
         if (!data.empty()) {
-            result.records.push_back(LasRecordBytes(minorVersion, kProjectionUserId, id, description, data));
+            result.records.push_back(
+                LasRecordBytes(minorVersion, las::kProjectionUserId, id, description, data));
         }
     };
-    add(34735, "GeoTiff GeoKeyDirectoryTag", keys->directory);
-    add(34736, "GeoTiff GeoDoubleParamsTag", keys->doubles);
-    add(34737, "GeoTiff GeoAsciiParamsTag", keys->text);
+    add(las::kGeoKeyDirectoryRecordId, las::kGeoKeyDirectoryDescription, keys->directory);
+    add(las::kGeoDoublesRecordId, "GeoTiff GeoDoubleParamsTag", keys->doubles);
+    add(las::kGeoTextRecordId, "GeoTiff GeoAsciiParamsTag", keys->text);
     return result;
 }
 
@@ -53,13 +53,13 @@ DemCrsRecords WithWkt(const std::string& wkt, int minorVersion, const std::wstri
     DemCrsRecords result;
     result.isWkt = true;
     // The text ends with a zero.
-    if (wkt.empty() || wkt.size() >= kMostLasRecordData) {
+    if (wkt.empty() || wkt.size() >= las::kMostVlrData) {
         result.warnings.push_back(FormatText(Text(41392_lsid), {demPath}));
         return result;
     }
     result.wkt = wkt;
-    result.records.push_back(
-        LasRecordBytes(minorVersion, kProjectionUserId, 2112, "OGC coordinate system WKT", wkt + '\0'));
+    result.records.push_back(LasRecordBytes(minorVersion, las::kProjectionUserId, las::kWktRecordId,
+                                            las::kWktDescription, wkt + '\0'));
     return result;
 }
 
@@ -69,7 +69,7 @@ DemCrsRecords MakeCrsRecords(const OGRSpatialReference& crs, int minorVersion, i
                              const std::wstring& demPath) {
     const GdalErrorScope errors;
     const std::string wkt = WktOf(crs);
-    if (pointFormat < kFirstWktFormat) {
+    if (pointFormat < las::kFirstExtendedFormat) {
         if (auto keys = WithGeoKeys(crs, wkt, minorVersion)) {
             return *std::move(keys);
         }

@@ -8,13 +8,10 @@
 #include <span>
 
 #include "host/dem/TiffTags.h"
+#include "support/LasFormat.h"
 
 namespace orvex {
 namespace {
-
-constexpr std::uint16_t kDirectoryTag = 34735;
-constexpr std::uint16_t kDoublesTag = 34736;
-constexpr std::uint16_t kTextTag = 34737;
 
 /// A folder in GDAL's memory that no other thread uses; gone with all that lies in it.
 class MemoryFolder {
@@ -60,12 +57,12 @@ std::optional<GeoKeyPayloads> EncodeGeoKeys(const OGRSpatialReference& crs) {
         return std::nullopt;
     }
     const auto tiff = std::as_bytes(std::span(bytes, static_cast<std::size_t>(size)));
-    auto directory = FindTiffTag(tiff, kDirectoryTag);
+    auto directory = FindTiffTag(tiff, las::kGeoKeyDirectoryRecordId);
     if (!directory) {
         return std::nullopt;
     }
-    return GeoKeyPayloads{std::move(*directory), FindTiffTag(tiff, kDoublesTag).value_or(""),
-                          FindTiffTag(tiff, kTextTag).value_or("")};
+    return GeoKeyPayloads{std::move(*directory), FindTiffTag(tiff, las::kGeoDoublesRecordId).value_or(""),
+                          FindTiffTag(tiff, las::kGeoTextRecordId).value_or("")};
 }
 
 }  // namespace orvex

@@ -6,7 +6,7 @@
 
 namespace orvex {
 
-/// The payloads of the LAS records 34735, 34736 and 34737.
+/// Data of the GeoKey directory, doubles and text records.
 struct GeoKeyPayloads {
     std::string directory;
     std::string doubles;  ///< may be empty

@@ -7,12 +7,7 @@
 
 namespace orvex {
 
-/// Bits of the global encoding (table 4 of the LAS 1.4 format).
-inline constexpr std::uint16_t kLasStandardGpsTime = 0x01;
-inline constexpr std::uint16_t kLasSyntheticReturns = 0x08;
-inline constexpr std::uint16_t kLasWkt = 0x10;
-
-/// What a header says of a file of single returns. X, Y, Z in the arrays.
+/// Header fields of a file of single returns. X, Y, Z in the arrays.
 struct LasHeaderFields {
     int minorVersion = 4;  ///< LAS 1.x
     int pointFormat = 0;
@@ -31,19 +26,16 @@ struct LasHeaderFields {
     std::array<double, 3> max{};
 };
 
-/// Bytes of the header of a version: 227, 235 or 375.
+/// Size of the header of LAS 1.x in bytes; x is 0 to 4.
 std::uint16_t LasHeaderSize(int minorVersion);
 
 std::string LasHeaderBytes(const LasHeaderFields& fields);
 
-/// The most bytes of data that a variable length record holds.
-inline constexpr std::size_t kMostLasRecordData = 65535;
-
-/// A variable length record with its header; the user id has at most 16, the description 32 characters.
+/// A VLR with its header. Longer texts are cut to 16 (user id) and 32 characters, data to 65,535 bytes.
 std::string LasRecordBytes(int minorVersion, std::string_view userId, std::uint16_t recordId,
                            std::string_view description, std::string_view data);
 
-/// What LAS 1.0 wants between the records and the points; empty for later versions.
+/// Start signature of the point data, which LAS 1.0 has behind its VLRs; empty for later versions.
 std::string LasPointsMark(int minorVersion);
 
 }  // namespace orvex

@@ -8,14 +8,13 @@
 #include "support/ByteReader.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
+#include "support/LasFormat.h"
 #include "support/MappedFile.h"
 #include "support/Text.h"
 
 namespace orvex {
 namespace {
 
-constexpr std::uint64_t kRecordHeaderSize = 54;
-constexpr std::uint16_t kCodecRecordId = 22204;
 constexpr std::uint64_t kItemsOffset = 34;
 constexpr std::uint64_t kItemSize = 6;
 // Compressors: 1 one stream of points, 2 chunks, 3 chunks in layers.
@@ -43,13 +42,13 @@ std::vector<std::byte> ReadPart(const MappedFile& file, std::uint64_t offset, st
 /// The payload of the codec's record among the records between header and points.
 std::optional<ByteReader> FindCodecRecord(const ByteReader& records, std::uint32_t count) {
     std::uint64_t offset = 0;
-    for (; count > 0 && records.Contains(offset, kRecordHeaderSize); --count) {
-        const auto length = records.Read<std::uint16_t>(offset + 20);
-        if (records.FixedText(offset + 2, 16) == "laszip encoded" &&
-            records.Read<std::uint16_t>(offset + 18) == kCodecRecordId) {
-            return ByteReader(records.Bytes(offset + kRecordHeaderSize, length));
+    for (; count > 0 && records.Contains(offset, las::kVlrHeaderSize); --count) {
+        const auto length = records.Read<std::uint16_t>(offset + las::record_at::kLength);
+        if (records.FixedText(offset + las::record_at::kUserId, las::kUserIdLength) == las::kCodecUserId &&
+            records.Read<std::uint16_t>(offset + las::record_at::kRecordId) == las::kCodecRecordId) {
+            return ByteReader(records.Bytes(offset + las::kVlrHeaderSize, length));
         }
-        offset += kRecordHeaderSize + length;
+        offset += las::kVlrHeaderSize + length;
     }
     return std::nullopt;
 }

@@ -8,25 +8,20 @@
 
 #include "support/ByteReader.h"
 #include "support/Format.h"
+#include "support/LasFormat.h"
 #include "support/Text.h"
 
 namespace orvex {
 namespace {
 
-constexpr std::uint16_t kDirectoryTag = 34735;
-constexpr std::uint16_t kDoublesTag = 34736;
-constexpr std::uint16_t kTextTag = 34737;
 constexpr std::size_t kNumbersPerKey = 4;
-// A variable-length record cannot hold more.
-constexpr std::size_t kMaxPayload = 65535;
-// The numbers that GeoTIFF gives to its keys; others say nothing about a CRS.
-constexpr std::uint16_t kFirstKey = 1024;
-constexpr std::uint16_t kLastKey = 5120;
-// Citations of the model, the geographic, the projected and the vertical CRS: the only keys with a text.
-constexpr std::array<std::uint16_t, 4> kTextKeys = {1026, 2049, 3073, 4097};
+// The only keys whose value is a text.
+constexpr std::array<std::uint16_t, 4> kTextKeys = {
+    las::geo_key::kCitation, las::geo_key::kGeographicCitation, las::geo_key::kProjectedCitation,
+    las::geo_key::kVerticalCitation};
 
 std::span<const std::byte> BytesOf(const std::string& payload) {
-    return std::as_bytes(std::span(payload)).first(std::min(payload.size(), kMaxPayload));
+    return std::as_bytes(std::span(payload)).first(std::min(payload.size(), las::kMostVlrData));
 }
 
 template <typename T>
@@ -44,7 +39,7 @@ struct Key {
 };
 
 bool IsUsable(const Key& key, const GeoKeys& keys) {
-    if (key.id < kFirstKey || key.id > kLastKey) {
+    if (key.id < las::geo_key::kFirst || key.id > las::geo_key::kLast) {
         return false;
     }
     const bool wantsText = std::ranges::find(kTextKeys, key.id) != kTextKeys.end();
@@ -52,9 +47,9 @@ bool IsUsable(const Key& key, const GeoKeys& keys) {
     switch (key.location) {
         case 0:
             return !wantsText && key.count <= 1;
-        case kDoublesTag:
+        case las::kGeoDoublesRecordId:
             return !wantsText && key.count > 0 && end <= keys.doubles.size();
-        case kTextTag:
+        case las::kGeoTextRecordId:
             return wantsText && end <= keys.text.size();
         // Numbers kept behind the keys would move when a key is left out; no key of a CRS has several.
         default:
@@ -96,7 +91,7 @@ TiffEntry ArrayEntry(std::uint16_t tag, std::uint16_t type, std::span<const T> v
 
 GeoKeys ReadGeoKeys(const std::string& directory, const std::string& doubles, const std::string& text,
                     std::wstring& reason) {
-    GeoKeys keys{{}, ReadNumbers<double>(doubles), text.substr(0, kMaxPayload)};
+    GeoKeys keys{{}, ReadNumbers<double>(doubles), text.substr(0, las::kMostVlrData)};
     const auto numbers = ReadNumbers<std::uint16_t>(directory);
     if (numbers.size() < kNumbersPerKey) {
         AddReason(reason, Text(40310_lsid));
@@ -127,21 +122,22 @@ GeoKeys ReadGeoKeys(const std::string& directory, const std::string& doubles, co
 
 std::string GeoKeysToTiff(const GeoKeys& keys) {
     constexpr std::uint16_t kPixelOffset = 8;
-    std::vector<TiffEntry> entries = {ShortEntry(256, 1),
-                                      ShortEntry(257, 1),  // width, height
-                                      ShortEntry(258, 8),
-                                      ShortEntry(259, 1),  // bits per sample, no compression
-                                      ShortEntry(262, 1),
-                                      ShortEntry(273, kPixelOffset),  // black is zero, where the pixel is
-                                      ShortEntry(277, 1),
-                                      ShortEntry(278, 1),  // samples per pixel, rows per strip
-                                      ShortEntry(279, 1),  // bytes of the strip
-                                      ArrayEntry<std::uint16_t>(kDirectoryTag, kShort, keys.directory)};
+    std::vector<TiffEntry> entries = {
+        ShortEntry(256, 1),
+        ShortEntry(257, 1),  // width, height
+        ShortEntry(258, 8),
+        ShortEntry(259, 1),  // bits per sample, no compression
+        ShortEntry(262, 1),
+        ShortEntry(273, kPixelOffset),  // black is zero, where the pixel is
+        ShortEntry(277, 1),
+        ShortEntry(278, 1),  // samples per pixel, rows per strip
+        ShortEntry(279, 1),  // bytes of the strip
+        ArrayEntry<std::uint16_t>(las::kGeoKeyDirectoryRecordId, kShort, keys.directory)};
     if (!keys.doubles.empty()) {
-        entries.push_back(ArrayEntry<double>(kDoublesTag, kDouble, keys.doubles));
+        entries.push_back(ArrayEntry<double>(las::kGeoDoublesRecordId, kDouble, keys.doubles));
     }
     if (!keys.text.empty()) {
-        entries.push_back(ArrayEntry<char>(kTextTag, kAscii, keys.text));
+        entries.push_back(ArrayEntry<char>(las::kGeoTextRecordId, kAscii, keys.text));
     }
     // Header, the pixel filled up to eight bytes, the directory, the long values.
     constexpr std::uint32_t kDirectoryOffset = 16;

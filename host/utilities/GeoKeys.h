@@ -13,8 +13,8 @@ struct GeoKeys {
     std::string text;
 };
 
-/// Reads the payloads of the records 34735, 34736 and 34737. What cannot be used is left out; `reason` then
-/// says what, for the user.
+/// Reads the data of the GeoKey directory, doubles and text records. What cannot be used is left out;
+/// `reason` then says what, for the user.
 GeoKeys ReadGeoKeys(const std::string& directory, const std::string& doubles, const std::string& text,
                     std::wstring& reason);
 

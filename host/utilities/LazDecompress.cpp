@@ -8,6 +8,7 @@
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
+#include "support/LasFormat.h"
 #include "support/SystemError.h"
 #include "support/Text.h"
 
@@ -18,9 +19,6 @@ constexpr std::uint64_t kPointsPerStep = 20000;
 // More points than any drive holds; the codec counts with signed numbers.
 constexpr std::uint64_t kMaxPoints = std::uint64_t{1} << 62;
 constexpr std::uint64_t kCopyBlock = 1 << 20;
-constexpr std::uint64_t kOffsetOfWaveformStart = 227;
-constexpr std::uint64_t kOffsetOfExtendedStart = 235;
-constexpr std::uint64_t kOffsetOfExtendedCount = 243;
 
 LaszipHandle CreateCodec() {
     laszip_POINTER codec = nullptr;
@@ -122,7 +120,7 @@ void LazDecompressor::OpenOutput() {
     CheckWritten(laszip_set_header(writer_.get(), header_));
     // The octree of a COPC file holds places of compressed chunks; a LAS file that kept it would claim an
     // index that leads nowhere. Not finding the record is no error.
-    laszip_remove_vlr(writer_.get(), "copc", 1);
+    laszip_remove_vlr(writer_.get(), las::kCopcUserId.data(), 1);
     CheckWritten(laszip_open_writer_stream(writer_.get(), output_, 0, 0));
 }
 
@@ -184,11 +182,11 @@ bool LazDecompressor::CopyBytes(std::uint64_t from, std::uint64_t length) {
 
 void LazDecompressor::PatchHeader() {
     if (layout_.waveformStart != 0) {
-        PatchField(kOffsetOfWaveformStart, waveformStart_);
+        PatchField(las::at::kWaveformStart, waveformStart_);
     }
     if (header_->version_minor >= 4) {
-        PatchField(kOffsetOfExtendedStart, extendedStart_);
-        PatchField(kOffsetOfExtendedCount, extendedCount_);
+        PatchField(las::at::kEvlrStart, extendedStart_);
+        PatchField(las::at::kEvlrCount, extendedCount_);
     }
 }
 

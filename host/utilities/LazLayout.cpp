@@ -1,25 +1,17 @@
 #include "host/utilities/LazLayout.h"
 
+#include <algorithm>
 #include <array>
 
 #include "support/ByteReader.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
+#include "support/LasFormat.h"
 #include "support/MappedFile.h"
 #include "support/Text.h"
 
 namespace orvex {
 namespace {
-
-constexpr std::uint64_t kMinHeaderSize = 227;
-constexpr std::uint64_t kHeaderSize13 = 235;
-constexpr std::uint64_t kHeaderSize14 = 375;
-constexpr std::uint64_t kRecordHeaderSize = 54;
-constexpr std::uint64_t kExtendedHeaderSize = 60;
-// Bytes of a point of the formats 0 to 10; a record may have more.
-constexpr std::array<std::uint16_t, 11> kPointSizes = {20, 28, 26, 34, 57, 63, 30, 36, 38, 59, 67};
-constexpr std::uint16_t kInternalWaveformBit = 2;
-constexpr std::uint16_t kWaveformRecordId = 65535;
 
 MappedFile OpenForReading(const std::wstring& path, std::uint64_t& size) {
     MappedFile file;
@@ -34,27 +26,25 @@ MappedFile OpenForReading(const std::wstring& path, std::uint64_t& size) {
 }
 
 bool IsKnownPoint(std::uint8_t formatByte, std::uint16_t recordLength) {
-    // The two high bits say that the points are compressed.
-    const std::size_t format = formatByte & 63;
-    return format < kPointSizes.size() && recordLength >= kPointSizes[format];
+    const las::PointFormatFacts* const format = las::FindPointFormat(formatByte & ~las::kCompressionBits);
+    return format != nullptr && recordLength >= format->minimumLength;
 }
 
 void RequirePlausible(const LazLayout& layout, const std::wstring& path) {
-    const bool headerFits = layout.headerSize >= kMinHeaderSize &&
+    const bool headerFits = layout.headerSize >= las::kLegacyHeaderSize &&
                             layout.offsetToPoints >= layout.headerSize &&
                             layout.offsetToPoints <= layout.fileSize;
     // A header of the version's full size is what the codec reads, whatever size is announced.
-    const std::uint64_t needed = layout.versionMinor >= 4   ? kHeaderSize14
-                                 : layout.versionMinor == 3 ? kHeaderSize13
-                                                            : kMinHeaderSize;
+    const std::size_t version = std::min<std::size_t>(layout.versionMinor, las::kVersions.size() - 1);
+    const std::uint16_t needed = las::kVersions[version].headerSize;
     if (!headerFits || layout.headerSize < needed ||
-        layout.recordCount > (layout.offsetToPoints - layout.headerSize) / kRecordHeaderSize) {
+        layout.recordCount > (layout.offsetToPoints - layout.headerSize) / las::kVlrHeaderSize) {
         throw LDataError(FormatText(Text(40302_lsid), {path}));
     }
 }
 
 bool IsWaveform(const std::string& userId, std::uint16_t recordId) {
-    return userId == "LASF_Spec" && recordId == kWaveformRecordId;
+    return userId == las::kSpecUserId && recordId == las::kWaveformRecordId;
 }
 
 }  // namespace
@@ -62,33 +52,35 @@ bool IsWaveform(const std::string& userId, std::uint16_t recordId) {
 LazLayout ReadLazLayout(const std::wstring& path) {
     LazLayout layout;
     const MappedFile file = OpenForReading(path, layout.fileSize);
-    std::array<std::byte, kHeaderSize14> buffer{};
+    std::array<std::byte, las::kHeaderSize14> buffer{};
     std::size_t read = 0;
     if (const SystemError error = file.ReadAt(0, buffer, read); error != 0) {
         throw LDataError(FormatText(Text(40300_lsid), {path, SystemErrorText(error)}));
     }
     const ByteReader header(std::span<const std::byte>(buffer).first(read));
-    if (read < kMinHeaderSize || header.FixedText(0, 4) != "LASF") {
+    if (read < las::kLegacyHeaderSize ||
+        header.FixedText(las::at::kSignature, las::kSignature.size()) != las::kSignature) {
         throw LDataError(FormatText(Text(40301_lsid), {path}));
     }
-    layout.versionMinor = header.Read<std::uint8_t>(25);
-    layout.headerSize = header.Read<std::uint16_t>(94);
-    layout.offsetToPoints = header.Read<std::uint32_t>(96);
-    layout.recordCount = header.Read<std::uint32_t>(100);
+    layout.versionMinor = header.Read<std::uint8_t>(las::at::kVersionMinor);
+    layout.headerSize = header.Read<std::uint16_t>(las::at::kHeaderSize);
+    layout.offsetToPoints = header.Read<std::uint32_t>(las::at::kOffsetToPoints);
+    layout.recordCount = header.Read<std::uint32_t>(las::at::kVlrCount);
     RequirePlausible(layout, path);
-    layout.recordLength = header.Read<std::uint16_t>(105);
-    layout.hasPoints = header.Read<std::uint32_t>(107) != 0 ||
-                       (layout.versionMinor >= 4 && header.Read<std::uint64_t>(247) != 0);
-    if (!IsKnownPoint(header.Read<std::uint8_t>(104), layout.recordLength)) {
+    layout.recordLength = header.Read<std::uint16_t>(las::at::kPointRecordLength);
+    layout.hasPoints = header.Read<std::uint32_t>(las::at::kLegacyPointCount) != 0 ||
+                       (layout.versionMinor >= 4 && header.Read<std::uint64_t>(las::at::kPointCount) != 0);
+    if (!IsKnownPoint(header.Read<std::uint8_t>(las::at::kPointFormat), layout.recordLength)) {
         throw LDataError(FormatText(Text(40302_lsid), {path}));
     }
-    const bool internalWaveform = (header.Read<std::uint16_t>(6) & kInternalWaveformBit) != 0;
+    const bool internalWaveform =
+        (header.Read<std::uint16_t>(las::at::kGlobalEncoding) & las::encoding::kInternalWaveform) != 0;
     if (layout.versionMinor >= 3 && internalWaveform) {
-        layout.waveformStart = header.Read<std::uint64_t>(227);
+        layout.waveformStart = header.Read<std::uint64_t>(las::at::kWaveformStart);
     }
     if (layout.versionMinor >= 4) {
-        layout.extendedStart = header.Read<std::uint64_t>(235);
-        layout.extendedRecordCount = header.Read<std::uint32_t>(243);
+        layout.extendedStart = header.Read<std::uint64_t>(las::at::kEvlrStart);
+        layout.extendedRecordCount = header.Read<std::uint32_t>(las::at::kEvlrCount);
     }
     return layout;
 }
@@ -103,24 +95,24 @@ std::vector<ExtendedRecord> ReadExtendedRecords(const std::wstring& path, const 
     }
     std::uint64_t size = 0;
     const MappedFile file = OpenForReading(path, size);
-    std::array<std::byte, kExtendedHeaderSize> buffer{};
-    for (; left > 0 && offset <= size && size - offset >= kExtendedHeaderSize; --left) {
+    std::array<std::byte, las::kEvlrHeaderSize> buffer{};
+    for (; left > 0 && offset <= size && size - offset >= las::kEvlrHeaderSize; --left) {
         std::size_t read = 0;
         if (file.ReadAt(offset, buffer, read) != 0 || read < buffer.size()) {
             break;
         }
         const ByteReader header(buffer);
-        const std::string userId = header.FixedText(2, 16);
-        const auto length = header.Read<std::uint64_t>(20);
-        if (length > size - offset - kExtendedHeaderSize) {
+        const std::string userId = header.FixedText(las::record_at::kUserId, las::kUserIdLength);
+        const auto length = header.Read<std::uint64_t>(las::record_at::kLength);
+        if (length > size - offset - las::kEvlrHeaderSize) {
             break;
         }
-        if (userId != "copc") {
-            records.push_back(
-                {offset, kExtendedHeaderSize + length,
-                 IsWaveform(userId, header.Read<std::uint16_t>(18)) || offset == layout.waveformStart});
+        if (userId != las::kCopcUserId) {
+            records.push_back({offset, las::kEvlrHeaderSize + length,
+                               IsWaveform(userId, header.Read<std::uint16_t>(las::record_at::kRecordId)) ||
+                                   offset == layout.waveformStart});
         }
-        offset += kExtendedHeaderSize + length;
+        offset += las::kEvlrHeaderSize + length;
     }
     return records;
 }

@@ -2,7 +2,6 @@
 // Small LAS files, built byte by byte.
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -13,24 +12,29 @@
 namespace orvex::testing {
 
 /// Builds the bytes of one LAS file. The setters can be called in any order; Build lays out header, VLRs,
-/// points and EVLRs and then applies the lies, so that a field can say anything. Texts are UTF-8.
+/// points and EVLRs and then applies the lies, so that a field can hold anything. Texts are UTF-8.
 class LasBuilder {
   public:
     /// A version such as 12 (1.2) and a point format, 0 to 10.
     explicit LasBuilder(int version = 12, int pointFormat = 0);
 
-    /// Bytes that the header has; by default what its version says (227, 235, 375).
-    LasBuilder& HeaderSize(std::uint16_t bytes);
-    LasBuilder& SystemIdentifier(std::string_view text);
-    LasBuilder& GeneratingSoftware(std::string_view text);
-    LasBuilder& CreationDate(std::uint16_t dayOfYear, std::uint16_t year);
+    /// Actual and stated size of the header; by default that of the version (227, 235, 375).
+    LasBuilder& HeaderSize(std::uint16_t bytes) { return Set(headerSize_, bytes); }
+    LasBuilder& SystemIdentifier(std::string_view text) { return Set(systemIdentifier_, text); }
+    LasBuilder& GeneratingSoftware(std::string_view text) { return Set(generatingSoftware_, text); }
+    LasBuilder& CreationDate(std::uint16_t dayOfYear, std::uint16_t year) {
+        creationDay_ = dayOfYear;
+        return Set(creationYear_, year);
+    }
     /// Adds bits to the global encoding (1: standard GPS time, 16: WKT).
-    LasBuilder& EncodingBits(std::uint16_t bits);
-    /// Marks the points as compressed; they are laid out plainly all the same.
-    LasBuilder& MarkCompressed();
+    LasBuilder& EncodingBits(int bits) {
+        return Set(encoding_, static_cast<std::uint16_t>(encoding_ | bits));
+    }
+    /// Marks the points as compressed; their bytes are not.
+    LasBuilder& MarkCompressed() { return Set(isCompressed_, true); }
 
-    LasBuilder& Scale(double x, double y, double z);
-    LasBuilder& Offset(double x, double y, double z);
+    LasBuilder& Scale(double x, double y, double z) { return Set(scale_, Triple{x, y, z}); }
+    LasBuilder& Offset(double x, double y, double z) { return Set(offset_, Triple{x, y, z}); }
     LasBuilder& AddPoint(double x, double y, double z);
     /// A square lattice of points one unit apart in X and Y, Z rising by a hundredth, from a corner on.
     LasBuilder& AddPoints(std::size_t count, double x = 1000, double y = 2000, double z = 100);
@@ -39,32 +43,30 @@ class LasBuilder {
                        std::string_view description = {}, std::uint16_t reserved = 0);
     LasBuilder& AddEvlr(std::string_view userId, std::uint16_t recordId, std::string_view data,
                         std::string_view description = {}, std::uint16_t reserved = 0);
-    /// One attribute of the extra-bytes VLR, which follows the other VLRs; widens the point records by
-    /// `size` bytes.
+    /// One attribute of the extra bytes VLR, which follows the other VLRs; adds `size` bytes to the point
+    /// records.
     LasBuilder& AddExtraBytes(std::string_view name, std::uint8_t dataType, std::uint8_t size);
     /// The WKT record and the header's WKT bit.
     LasBuilder& Wkt(std::string_view wkt, bool asEvlr = false);
     /// The GeoKeys of a projected (or geographic) CRS by its EPSG code.
     LasBuilder& ProjectedEpsg(std::uint16_t code);
     LasBuilder& GeographicEpsg(std::uint16_t code);
-    /// A GeoKey directory of one's own, as 16-bit numbers.
+    /// A GeoKey directory as 16-bit numbers.
     LasBuilder& GeoKeys(const std::vector<std::uint16_t>& directory);
 
-    /// Bytes between the VLRs and the points, behind the points, and behind everything.
-    LasBuilder& Gap(std::string_view bytes);
-    LasBuilder& BehindPoints(std::string_view bytes);
-    LasBuilder& Append(std::string_view bytes);
+    /// Bytes between the VLRs and the points, behind the points, and at the end of the file.
+    LasBuilder& Gap(std::string_view bytes) { return Set(gap_, bytes); }
+    LasBuilder& BehindPoints(std::string_view bytes) { return Set(behindPoints_, bytes); }
+    LasBuilder& Append(std::string_view bytes) { return Set(appended_, bytes); }
 
-    /// Overwrites bytes of the finished file with a number, little-endian. Beyond its end: without effect.
+    /// Overwrites bytes of the finished file with a little-endian number; ignored beyond the end.
     template <typename T>
     LasBuilder& Lie(std::size_t offset, T value) {
-        std::string bytes(sizeof(T), '\0');
-        std::memcpy(bytes.data(), &value, sizeof(T));
-        lies_.emplace_back(offset, std::move(bytes));
+        lies_.emplace_back(offset, Bytes(value));
         return *this;
     }
-    /// Ends the finished file after so many bytes.
-    LasBuilder& Cut(std::size_t bytes);
+    /// Truncates the finished file.
+    LasBuilder& Cut(std::size_t bytes) { return Set(cut_, bytes); }
 
     std::string Build() const;
 
@@ -78,9 +80,13 @@ class LasBuilder {
     };
     using Triple = std::array<double, 3>;
 
+    template <typename T, typename V>
+    LasBuilder& Set(T& member, const V& value) {
+        member = value;
+        return *this;
+    }
     std::string Vlrs() const;
     std::string Points() const;
-    std::string Evlrs() const;
     std::string Header(std::size_t vlrBytes, std::size_t pointBytes) const;
     void PutExtent(std::string& header) const;
     std::uint16_t RecordLength() const;

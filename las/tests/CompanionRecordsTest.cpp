@@ -4,7 +4,6 @@
 
 #include <limits>
 
-#include "las/Octants.h"
 #include "las/testing/LasBuilder.h"
 
 namespace orvex {
@@ -91,20 +90,6 @@ TEST(CompanionRecords, CountsVlrsAndBytes) {
                   66 * expected.vlrs + std::uint64_t{28} * expected.entries);
     }
     EXPECT_EQ(ThinnedVlrCount(10, 65535), 0U);
-}
-
-TEST(Octants, CutAtTheMidPoints) {
-    const LasExtent extent{{0, -10, 100}, {8, 10, 104}};
-    const LasExtent expected[8] = {
-        {{0, -10, 100}, {4, 0, 102}}, {{0, -10, 102}, {4, 0, 104}}, {{0, 0, 100}, {4, 10, 102}},
-        {{0, 0, 102}, {4, 10, 104}},  {{4, -10, 100}, {8, 0, 102}}, {{4, -10, 102}, {8, 0, 104}},
-        {{4, 0, 100}, {8, 10, 102}},  {{4, 0, 102}, {8, 10, 104}},
-    };
-    for (unsigned child = 0; child < 8; ++child) {
-        EXPECT_EQ(Octant(extent, child), expected[child]) << child;
-    }
-    constexpr double kMost = std::numeric_limits<double>::max();
-    EXPECT_EQ(Octant({{kMost / 2, 0, 0}, {kMost, 0, 0}}, 0).maximum[0], kMost / 4 + kMost / 2);
 }
 
 }  // namespace

@@ -5,36 +5,20 @@
 #include <filesystem>
 #include <random>
 
-#include "las/LASFile.h"
 #include "las/LasValidate.h"
-#include "las/testing/LasBuilder.h"
-#include "las/testing/LasReadAll.h"
-#include "support/Text.h"
+#include "las/testing/LasFiles.h"
 #include "support/testing/ProcessFacts.h"
 #include "support/testing/SparseFile.h"
-#include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
 
 using testing::LasBuilder;
-
-LasBuilder Rich() {
-    return LasBuilder(14, 6)
-        .AddPoints(5)
-        .AddExtraBytes("reflectance", 10, 8)
-        .AddExtraBytes("raw", 0, 3)
-        .AddVlr("BrightwellMarsh", 64, std::string(81, 'i'))
-        .ProjectedEpsg(25832)
-        .Wkt("GEOGCS[\"WGS 84\"]")
-        .AddEvlr("Kst", 5, "own data")
-        .AddEvlr("copc", 1000, "pages")
-        .AddEvlr("LASF_Projection", 2112, "second WKT");
-}
+using testing::RichLas;
 
 class HostileFiles : public ::testing::Test {
   protected:
-    /// Everything that can be said about the bytes, in one text.
+    /// Everything there is to the bytes, in one text.
     std::wstring Read(const std::string& bytes, bool readOnly) const {
         // A file that is truncated and written anew goes to the disk when it is closed, which takes long.
         std::filesystem::remove(folder_.Path() / "a.las");
@@ -43,23 +27,23 @@ class HostileFiles : public ::testing::Test {
         return text;
     }
 
-    const testing::TemporaryFolder folder_;
+    const testing::LasFolder folder_;
 };
 
 TEST_F(HostileFiles, TwinsReadAlike) {
     for (const LasBuilder& builder :
-         {Rich(), LasBuilder(10, 0).AddPoints(2), LasBuilder(13, 4).AddPoints(2).AddVlr("a", 1, "b"),
-          LasBuilder(14).HeaderSize(227).AddPoints(9), Rich().MarkCompressed()}) {
+         {RichLas(), LasBuilder(10, 0).AddPoints(2), LasBuilder(13, 4).AddPoints(2).AddVlr("a", 1, "b"),
+          LasBuilder(14).HeaderSize(227).AddPoints(9), RichLas().MarkCompressed()}) {
         EXPECT_EQ(Read(builder.Build(), true), Read(builder.Build(), false));
     }
 }
 
 TEST_F(HostileFiles, EveryTruncation) {
-    const std::string whole = Rich().Build();
+    const std::string whole = RichLas().Build();
     for (std::size_t length = 0; length < whole.size(); ++length) {
         const std::wstring text = Read(whole.substr(0, length), true);
         Read(whole.substr(0, length), false);
-        // An empty file cannot even be mapped, where that is asked for before it is read.
+        // An empty file may fail earlier: not every system maps one.
         if (length > 0 && length < 227) {
             EXPECT_TRUE(text.starts_with(L"ReadHeaderBlock failed on '")) << length;
         }
@@ -67,7 +51,7 @@ TEST_F(HostileFiles, EveryTruncation) {
 }
 
 TEST_F(HostileFiles, EveryByteOfTheHeaderAndTheRecords) {
-    const std::string whole = Rich().Build();
+    const std::string whole = RichLas().Build();
     const std::size_t tried = 375 + 54 * 4 + 81;
     for (std::size_t i = 0; i < tried; ++i) {
         for (const char value : {'\x00', '\x01', '\x7F', '\x80', '\xFF'}) {
@@ -94,38 +78,20 @@ TEST_F(HostileFiles, RandomBytesBehindASignature) {
 }
 
 TEST_F(HostileFiles, LiesInASmallFileCostNothing) {
-    constexpr std::uint64_t kMost = ~std::uint64_t{0};
-    constexpr std::uint32_t kMost32 = 0xFFFFFFFF;
-    const LasBuilder cases[] = {
-        Rich().Lie(100, kMost32),
-        Rich().Lie(96, kMost32),
-        Rich().Lie(96, kMost32).Lie(100, kMost32),
-        Rich().Lie(243, kMost32),
-        Rich().Lie(235, kMost - 5),
-        Rich().Lie(235, kMost >> 1U),
-        Rich().Lie(235, std::uint64_t{1}).Lie(243, kMost32),
-        Rich().Lie(247, kMost),
-        Rich().Lie(94, std::uint16_t{0}),
-        Rich().Lie(94, std::uint16_t{65535}),
-        Rich().Lie(105, std::uint16_t{65535}).Lie(247, kMost),
-    };
-    for (const bool readOnly : {true, false}) {
-        for (const LasBuilder& builder : cases) {
-            Read(builder.Build(), readOnly);
-        }
+    for (const LasBuilder& builder : testing::LyingLasFiles()) {
+        Read(builder.Build(), true);
+        Read(builder.Build(), false);
     }
 }
 
 TEST_F(HostileFiles, LiesInAHugeSparseFileAreBounded) {
     // Room for eighty million empty records of either kind, and for a VLR area of four gigabytes.
-    const std::string header = LasBuilder(14, 6)
-                                   .Lie<std::uint32_t>(96, 0xFFFFFFFF)
-                                   .Lie<std::uint32_t>(100, 0xFFFFFFFF)
-                                   .Lie<std::uint64_t>(235, 400)
-                                   .Lie<std::uint32_t>(243, 0xFFFFFFFF)
-                                   .Lie<std::uint64_t>(247, ~std::uint64_t{0})
-                                   .Build();
-    const std::wstring path = folder_.Write(L"huge.las", header);
+    const std::wstring path = folder_.Write(LasBuilder(14, 6)
+                                                .Lie<std::uint32_t>(96, 0xFFFFFFFF)
+                                                .Lie<std::uint32_t>(100, 0xFFFFFFFF)
+                                                .Lie<std::uint64_t>(235, 400)
+                                                .Lie<std::uint32_t>(243, 0xFFFFFFFF)
+                                                .Lie<std::uint64_t>(247, ~std::uint64_t{0}));
     testing::GrowSparse(path, std::uint64_t{6} << 30U);
     for (const bool readOnly : {true, false}) {
         const auto start = std::chrono::steady_clock::now();

@@ -3,48 +3,28 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <string>
-#include <string_view>
+#include <fstream>
 
+#include "las/LasInspection.h"
 #include "las/LasPointViews.h"
-#include "las/testing/LasBuilder.h"
-#include "support/LDataError.h"
+#include "las/testing/LasFiles.h"
+#include "support/Files.h"
 #include "support/Text.h"
 #include "support/testing/ProcessFacts.h"
-#include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
 
+using testing::FailureToOpen;
 using testing::LasBuilder;
-using testing::TemporaryFolder;
 
 class LASFileTest : public ::testing::Test {
   protected:
-    std::wstring Write(const LasBuilder& builder, const std::wstring& name = L"a.las") const {
-        return folder_.Write(name, builder.Build());
-    }
-    std::unique_ptr<LASFile> Open(const LasBuilder& builder, bool readOnly = true) const {
-        return LASFile::Open(Write(builder), readOnly, true);
-    }
-    /// The text of the failure to open; empty when it opens.
-    std::wstring Failure(const LasBuilder& builder, bool readOnly = true) const {
-        return FailureOf(Write(builder), readOnly);
-    }
-    static std::wstring FailureOf(const std::wstring& path, bool readOnly = true) {
-        try {
-            LASFile::Open(path, readOnly, true);
-            return {};
-        } catch (const LDataError& error) {
-            return error.Text();
-        }
-    }
-
-    const TemporaryFolder folder_;
+    const testing::LasFolder folder_;
 };
 
 TEST_F(LASFileTest, AnswersFromTheHeader) {
-    const std::wstring path = Write(LasBuilder(12, 3).AddPoints(9).ProjectedEpsg(25832));
+    const std::wstring path = folder_.Write(LasBuilder(12, 3).AddPoints(9).ProjectedEpsg(25832));
     for (const bool readOnly : {true, false}) {
         const auto file = LASFile::Open(path, readOnly, true);
         EXPECT_EQ(file->FileName(), path);
@@ -67,74 +47,102 @@ TEST_F(LASFileTest, AnswersFromTheHeader) {
 
 TEST_F(LASFileTest, NamesTheFileThatCannotBeOpened) {
     const std::wstring absent = folder_.Name(L"absent.las");
-    EXPECT_EQ(FailureOf(absent), L"'" + absent + L"' file does not exist. Cannot open.");
+    EXPECT_EQ(FailureToOpen(absent), L"'" + absent + L"' file does not exist. Cannot open.");
     const std::wstring shortFile = folder_.Write(L"short.las", std::string(226, 'x'));
     for (const bool readOnly : {true, false}) {
-        EXPECT_EQ(FailureOf(shortFile, readOnly), L"ReadHeaderBlock failed on '" + shortFile + L"'.");
+        EXPECT_EQ(FailureToOpen(shortFile, readOnly), L"ReadHeaderBlock failed on '" + shortFile + L"'.");
     }
     // A message never outgrows its buffer of 515 characters.
     const std::wstring longName = L"/" + std::wstring(600, L'n');
-    EXPECT_EQ(FailureOf(longName), (L"'" + longName).substr(0, 514));
+    EXPECT_EQ(FailureToOpen(longName), (L"'" + longName).substr(0, 514));
+}
+
+TEST_F(LASFileTest, TellsAReadErrorFromAShortFile) {
+    const std::wstring unreadable = L"/proc/self/mem";  // its first bytes are nobody's memory
+    if (!FileExists(unreadable)) {
+        GTEST_SKIP() << "no file here that opens but cannot be read";
+    }
+    EXPECT_TRUE(FailureToOpen(unreadable).starts_with(L"The header of '/proc/self/mem' could not be read."));
+}
+
+// Half a field is no field; the view of a file that is written to holds the whole header or the legacy one.
+TEST_F(LASFileTest, ReadsTheHeaderThatATruncatedFileHas) {
+    const LasBuilder whole = LasBuilder(14, 6).AddPoints(3).Lie<std::uint64_t>(227, 77);
+    const struct {
+        std::size_t length;
+        bool readOnly;
+        std::uint64_t waveformStart, points;
+    } cases[] = {{227, true, 0, 0},  {229, true, 0, 0},  {235, true, 77, 0},
+                 {255, true, 77, 3}, {374, false, 0, 0}, {375, false, 77, 3}};
+    for (const auto& c : cases) {
+        const auto file = folder_.Open(LasBuilder(whole).Cut(c.length), c.readOnly);
+        EXPECT_EQ(file->Header().WaveformStart(), c.waveformStart) << c.length;
+        EXPECT_EQ(file->GetPointCount(), c.points) << c.length;
+    }
 }
 
 TEST_F(LASFileTest, FindsTheWktInVlrsThenEvlrs) {
-    const auto textOf = [](std::span<const std::byte> data) {
-        return std::string(reinterpret_cast<const char*>(data.data()));
+    const auto wktOf = [&](const LasBuilder& builder) {
+        const auto file = folder_.Open(builder);
+        const auto data = file->FindWKT();
+        EXPECT_EQ(data.has_value(), file->HasProjectionRecords());
+        return data ? std::string(reinterpret_cast<const char*>(data->data())) : "none";
     };
-    const auto inEvlr = Open(LasBuilder(14, 6).AddPoints(1).Wkt("second", true));
-    ASSERT_TRUE(inEvlr->FindWKT());
-    EXPECT_EQ(textOf(*inEvlr->FindWKT()), "second");
-    const auto inBoth = Open(LasBuilder(14, 6).AddPoints(1).Wkt("second", true).Wkt("first"));
-    EXPECT_EQ(textOf(*inBoth->FindWKT()), "first");
-    const auto foreign = Open(LasBuilder().AddVlr("liblas", 2112, "text"));
-    EXPECT_FALSE(foreign->FindWKT());
-    EXPECT_FALSE(foreign->HasProjectionRecords());
+    EXPECT_EQ(wktOf(LasBuilder(14, 6).AddPoints(1).Wkt("second", true)), "second");
+    EXPECT_EQ(wktOf(LasBuilder(14, 6).AddPoints(1).Wkt("second", true).Wkt("first")), "first");
+    EXPECT_EQ(wktOf(LasBuilder().AddVlr("liblas", 2112, "text")), "none");
 }
 
 TEST_F(LASFileTest, DecodesExtraBytesOfAnyUserId) {
-    const auto ownRecord =
-        Open(LasBuilder(12, 1).AddExtraBytes("reflectance", 10, 8).AddExtraBytes("raw", 0, 3));
-    ASSERT_EQ(ownRecord->GetExtraBytes().Attributes().size(), 2U);
-    EXPECT_EQ(ownRecord->GetExtraBytes().Find(L"raw")->offset, 8U);
-    EXPECT_EQ(ownRecord->GetExtraBytes().Find(L"raw")->size, 3U);
-    EXPECT_FALSE(ownRecord->HasRangeIncidencePhotoIndex());
+    const auto file =
+        folder_.Open(LasBuilder(12, 1).AddExtraBytes("reflectance", 10, 8).AddExtraBytes("raw", 0, 3));
+    ASSERT_EQ(file->GetExtraBytes().Attributes().size(), 2U);
+    EXPECT_EQ(file->GetExtraBytes().Find(L"raw")->offset, 8U);
+    EXPECT_EQ(file->GetExtraBytes().Find(L"raw")->size, 3U);
+    EXPECT_FALSE(file->HasRangeIncidencePhotoIndex());
 
-    std::string descriptor(192, '\0');
-    descriptor[2] = 11;
-    EXPECT_EQ(Failure(LasBuilder().AddVlr("anybody", 4, descriptor)),
+    const std::string descriptor = std::string(2, '\0') + '\x0B' + std::string(189, '\0');
+    EXPECT_EQ(FailureToOpen(folder_.Write(LasBuilder().AddVlr("anybody", 4, descriptor))),
               L"GetExtraByteOffsets: '11' is not a valid extra bytes data_type value.");
-    EXPECT_EQ(Failure(LasBuilder().AddVlr("LASF_Spec", 4, descriptor.substr(0, 191))), L"");
+    EXPECT_EQ(FailureToOpen(folder_.Write(LasBuilder().AddVlr("LASF_Spec", 4, descriptor.substr(1)))), L"");
 }
 
 TEST_F(LASFileTest, RecognizesRangeIncidencePhotoIndex) {
-    const std::string_view description = "Xtra:range/incidentVec/photoNdx";
-    EXPECT_TRUE(Open(LasBuilder().AddVlr("LASF_Spec", 4, "", description))->HasRangeIncidencePhotoIndex());
-    EXPECT_FALSE(Open(LasBuilder().AddVlr("Kst", 4, "", description))->HasRangeIncidencePhotoIndex());
-    EXPECT_FALSE(Open(LasBuilder().AddVlr("LASF_Spec", 5, "", description))->HasRangeIncidencePhotoIndex());
+    const auto recognizes = [&](std::string_view userId, std::uint16_t recordId) {
+        const auto file =
+            folder_.Open(LasBuilder().AddVlr(userId, recordId, "", "Xtra:range/incidentVec/photoNdx"));
+        return file->HasRangeIncidencePhotoIndex();
+    };
+    EXPECT_TRUE(recognizes("LASF_Spec", 4));
+    EXPECT_FALSE(recognizes("Kst", 4));
+    EXPECT_FALSE(recognizes("LASF_Spec", 5));
 }
 
 TEST_F(LASFileTest, DecidesTheCompanionStatus) {
+    const auto statusOf = [&](const LasBuilder& builder) {
+        return folder_.Open(builder)->GetCompanionStatus();
+    };
     const LasBuilder index = LasBuilder(14, 6).AddPoints(1).AddVlr("BrightwellMarsh", 64, "");
     const LasBuilder both = LasBuilder(index).AddEvlr("any", 157, "data");
-    EXPECT_EQ(Open(LasBuilder().AddVlr("BrightwellMarsh", 65, ""))->GetCompanionStatus(), 0);
-    EXPECT_EQ(Open(LasBuilder().AddVlr("LASF_Spec", 64, ""))->GetCompanionStatus(), 0);
-    EXPECT_EQ(Open(index)->GetCompanionStatus(), 3);
-    EXPECT_EQ(Open(both)->GetCompanionStatus(), 6);
+    EXPECT_EQ(statusOf(LasBuilder().AddVlr("BrightwellMarsh", 65, "")), 0);
+    EXPECT_EQ(statusOf(LasBuilder().AddVlr("LASF_Spec", 64, "")), 0);
+    EXPECT_EQ(statusOf(index), 3);
+    EXPECT_EQ(statusOf(both), 6);
     folder_.Write(L"a.qvr", "");
-    EXPECT_EQ(Open(both)->GetCompanionStatus(), 2);
-    EXPECT_EQ(LASFile::Open(Write(both, L"b.las"), true, true)->GetCompanionStatus(), 6);
+    EXPECT_EQ(statusOf(both), 2);
+    EXPECT_EQ(LASFile::Open(folder_.Write(both, L"b.las"), true, true)->GetCompanionStatus(), 6);
 }
 
 TEST_F(LASFileTest, ReadsEvlrsOfLas14Only) {
     LasBuilder las13(13, 1);
     las13.HeaderSize(375).AddPoints(1).Lie<std::uint64_t>(235, 395).Lie<std::uint32_t>(243, 7);
-    EXPECT_TRUE(Open(las13)->GetEVLRs().empty());
+    EXPECT_TRUE(folder_.Open(las13)->GetEVLRs().empty());
 
-    const auto file = Open(LasBuilder(14, 6)
-                               .AddPoints(2)
-                               .AddEvlr("copc", 1000, "12345", "skipped", 7)
-                               .AddEvlr("Kst", 9, "ab", "kept")
-                               .AddEvlr("LASF_Projection", 2112, ""));
+    const auto file = folder_.Open(LasBuilder(14, 6)
+                                       .AddPoints(2)
+                                       .AddEvlr("copc", 1000, "12345", "skipped", 7)
+                                       .AddEvlr("Kst", 9, "ab", "kept")
+                                       .AddEvlr("LASF_Projection", 2112, ""));
     const auto& evlrs = file->GetEVLRs();
     ASSERT_EQ(evlrs.size(), 3U);
     EXPECT_EQ(evlrs[0].UserId(), "copc");
@@ -149,46 +157,61 @@ TEST_F(LASFileTest, ReadsEvlrsOfLas14Only) {
     EXPECT_TRUE(evlrs[2].Data().empty());
 }
 
-TEST_F(LASFileTest, KeepsNoDescriptorUnlessThePointsAreMapped) {
-    const std::wstring path = Write(LasBuilder(14, 6).AddPoints(50).AddEvlr("Kst", 1, "data"));
+// The system limits a process's descriptors and mappings; a list may have tens of thousands of files.
+TEST_F(LASFileTest, HoldsOneMappingIfOpenedReadWriteElseNothing) {
+    const std::wstring path =
+        folder_.Write(LasBuilder(14, 6).AddPoints(50).ProjectedEpsg(25832).AddEvlr("Kst", 1, "data"));
     const std::size_t before = testing::OpenHandles();
     const auto listed = LASFile::Open(path, true, true);
+    EXPECT_EQ(testing::MappingsOf(path), 0U);
     const auto editable = LASFile::Open(path, false, true);
     EXPECT_EQ(testing::OpenHandles(), before);
+    EXPECT_EQ(editable->GetPointCount(), 50U);
+    EXPECT_EQ(editable->Maximum(), listed->Maximum());
+    EXPECT_EQ(editable->GetVLRs().size(), listed->GetVLRs().size());
     const auto mapped = LASFile::Open(path, true, false);
     ASSERT_NE(mapped->Points(), nullptr);
     EXPECT_EQ(mapped->Points()->PointCount(), 50U);
     EXPECT_GT(testing::OpenHandles(), before) << "a file, and a mapping where that is a thing of its own";
-}
 
-// The system limits a process's mappings; a list that is opened read-write may have thousands of files.
-TEST_F(LASFileTest, HoldsOneMappingOfAFileOpenedReadWrite) {
-    const std::wstring path = Write(LasBuilder(14, 6).AddPoints(3).ProjectedEpsg(25832));
-    const auto readOnly = LASFile::Open(path, true, true);
-    EXPECT_EQ(testing::MappingsOf(path), 0U);
-    const auto readWrite = LASFile::Open(path, false, true);
-    EXPECT_EQ(testing::MappingsOf(path), 1U);
-    EXPECT_EQ(readWrite->GetPointCount(), 3U);
-    EXPECT_EQ(readWrite->Maximum(), readOnly->Maximum());
-    EXPECT_EQ(readWrite->GetVLRs().size(), readOnly->GetVLRs().size());
+    const std::wstring bare = folder_.Write(LasBuilder(14, 6).AddPoints(3).ProjectedEpsg(25832), L"b.las");
+    const auto readWrite = LASFile::Open(bare, false, true);
+    EXPECT_EQ(testing::MappingsOf(bare), 1U);
 }
 
 TEST_F(LASFileTest, SharesTheIdOfAFileName) {
-    const LasBuilder builder;
-    const auto first = LASFile::Open(Write(builder, L"one.las"), true, true);
-    const auto again = LASFile::Open(Write(builder, L"one.las"), false, true);
-    const auto other = LASFile::Open(Write(builder, L"two.las"), true, true);
+    const auto first = LASFile::Open(folder_.Write(LasBuilder(), L"one.las"), true, true);
+    const auto again = LASFile::Open(first->FileName(), false, true);
+    const auto other = LASFile::Open(folder_.Write(LasBuilder(), L"two.las"), true, true);
     EXPECT_EQ(first->RegisteredId(), again->RegisteredId());
     EXPECT_NE(first->RegisteredId(), other->RegisteredId());
 }
 
-TEST_F(LASFileTest, CompressedFilesReadAlike) {
-    const auto file =
-        LASFile::Open(Write(LasBuilder(14, 7).AddPoints(5).MarkCompressed(), L"a.laz"), true, false);
-    EXPECT_EQ(file->PointFormat(), 7);
-    EXPECT_TRUE(file->Header().IsCompressed());
-    EXPECT_EQ(file->GetPointCount(), 5U);
-    EXPECT_EQ(file->Points(), nullptr);
+// Older Windows programs are limited to paths of 260 characters.
+TEST_F(LASFileTest, ReadsMapsAndDescribesUnderALongPath) {
+    const std::wstring deep =
+        folder_.Name(std::wstring(140, L'd') + L"/" + std::wstring(110, L'ü') + L"/Süd und West");
+    ASSERT_EQ(CreateFolders(deep), 0);
+    const std::wstring path = FromPath(ToPath(deep) / "tile.las");
+    ASSERT_GT(path.size(), 260U);
+    const std::string bytes = LasBuilder(14, 6).AddPoints(7).Wkt("LOCAL_CS[\"site\"]").Build();
+    std::ofstream(ToPath(path), std::ios::binary) << bytes;
+
+    const LasInspection found = InspectLasFile(path);
+    ASSERT_TRUE(found.loadable) << ToUtf8(found.summary);
+    EXPECT_EQ(found.path, path);
+    EXPECT_EQ(found.fileSize, bytes.size());
+    EXPECT_GT(found.modifiedMs, 0);
+    EXPECT_EQ(found.crs->name, L"site");
+    EXPECT_EQ(found.file->GetCompanionStatus(), 0);
+    std::ofstream(ToPath(WithExtension(path, L".qvr")), std::ios::binary) << "companion";
+    for (const bool readOnly : {true, false}) {
+        const auto file = LASFile::Open(path, readOnly, false);
+        EXPECT_EQ(file->GetCompanionStatus(), 2);
+        EXPECT_EQ(file->FileName(), path);
+        ASSERT_NE(file->Points(), nullptr);
+        EXPECT_EQ(file->Points()->Map(0).Count(), 7U);
+    }
 }
 
 }  // namespace

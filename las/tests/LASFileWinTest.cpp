@@ -1,31 +1,16 @@
-// What the messages of a file that cannot be opened say on Windows: the system's own number.
+// Messages of files that cannot be opened on Windows: they carry the system's error number.
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include "las/LASFile.h"
-#include "las/testing/LasBuilder.h"
+#include "las/testing/LasFiles.h"
 #include "support/Handle_win.h"
-#include "support/LDataError.h"
-#include "support/Text.h"
-#include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
 
-using testing::LasBuilder;
-
-std::wstring FailureOf(const std::wstring& path, bool readOnly) {
-    try {
-        LASFile::Open(path, readOnly, false);
-        return {};
-    } catch (const LDataError& error) {
-        return error.Text();
-    }
-}
-
-TEST(LASFileOnWindows, TellsTheSystemsNumber) {
-    const testing::TemporaryFolder folder;
-    const std::string content = LasBuilder().AddPoints(3).Build();
+TEST(LASFileOnWindows, NamesTheSystemsErrorNumber) {
+    const testing::LasFolder folder;
+    const std::string content = testing::LasBuilder().AddPoints(3).Build();
     const std::wstring held = folder.Write(L"gehört mir.las", content);
     const std::wstring written = folder.Write(L"written.las", content);
     const std::wstring empty = folder.Write(L"empty.las", "");
@@ -48,7 +33,7 @@ TEST(LASFileOnWindows, TellsTheSystemsNumber) {
              Case{folder.Name(L"a\\b.las"), true,
                   L"'" + folder.Name(L"a\\b.las") + L"' file does not exist. Cannot open."},
          }) {
-        EXPECT_EQ(FailureOf(c.path, c.readOnly), c.failure);
+        EXPECT_EQ(testing::FailureToOpen(c.path, c.readOnly), c.failure);
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "las/PointFormats.h"
 #include "las/testing/LasBuilder.h"
 
 namespace orvex {
@@ -16,12 +15,11 @@ LasHeader HeaderOf(const std::string& bytes) {
 
 TEST(LasHeader, ReadsEveryFieldAtItsPlace) {
     LasBuilder builder(14, 3);
-    builder.Lie<std::uint16_t>(4, 11).Lie<std::uint16_t>(6, 17);
+    builder.Lie<std::uint16_t>(4, 11).Lie<std::uint16_t>(6, 19);
     builder.Lie<std::uint32_t>(8, 0x01234567).Lie<std::uint16_t>(12, 0x89AB).Lie<std::uint16_t>(14, 0xCDEF);
     builder.Lie<std::uint64_t>(16, 0x0807060504030201);
-    builder.SystemIdentifier("scanner")
-        .GeneratingSoftware("a program with a name of 32 byte")
-        .CreationDate(60, 2023);
+    builder.SystemIdentifier("scanner").GeneratingSoftware("a program with a name of 32 byte");
+    builder.CreationDate(60, 2023);
     builder.Lie<std::uint32_t>(96, 4000000000).Lie<std::uint32_t>(100, 5).Lie<std::uint8_t>(104, 0xC7);
     builder.Lie<std::uint16_t>(105, 40).Lie<std::uint32_t>(107, 12);
     for (std::uint32_t i = 0; i < 12; ++i) {
@@ -35,9 +33,8 @@ TEST(LasHeader, ReadsEveryFieldAtItsPlace) {
 
     EXPECT_TRUE(header.HasSignature());
     EXPECT_EQ(header.FileSourceId(), 11);
-    EXPECT_EQ(header.GlobalEncoding(), 17);
-    EXPECT_TRUE(header.HasStandardGpsTime());
-    EXPECT_TRUE(header.HasWktBit());
+    EXPECT_EQ(header.GlobalEncoding(), 19);
+    EXPECT_TRUE(header.HasStandardGpsTime() && header.HasWktBit() && header.HasInternalWaveform());
     EXPECT_EQ(header.ProjectId(), "01234567-89AB-CDEF-0102-030405060708");
     EXPECT_EQ(header.Version(), 14);
     EXPECT_EQ(header.SystemIdentifier(), "scanner");
@@ -64,30 +61,26 @@ TEST(LasHeader, ReadsEveryFieldAtItsPlace) {
     EXPECT_EQ(header.PointsOfReturn(0) + header.PointsOfReturn(16), 0U);
 }
 
+// Only LAS 1.4 has a 64-bit count.
 TEST(LasHeader, OrdersVersionsByTheirCodes) {
     const struct {
         std::uint8_t major, minor;
         int code;
     } cases[] = {{1, 0, 0},  {1, 1, 1},  {2, 0, 2},  {1, 2, 3},  {1, 3, 4},      {1, 4, 5},
                  {1, 5, -1}, {2, 1, -1}, {0, 0, -1}, {3, 0, -1}, {126, 203, -1}, {255, 255, -1}};
-    for (const auto& expected : cases) {
-        const std::string bytes =
-            LasBuilder(14).Lie(24, expected.major).Lie(25, expected.minor).AddPoints(2).Build();
-        EXPECT_EQ(HeaderOf(bytes).VersionCode(), expected.code) << +expected.major << "." << +expected.minor;
-        EXPECT_EQ(HeaderOf(bytes).Version(), expected.major * 10 + expected.minor);
+    for (const auto& c : cases) {
+        LasBuilder builder(14);
+        builder.AddPoints(2).Lie(24, c.major).Lie(25, c.minor).Lie<std::uint64_t>(247, 4);
+        const std::string bytes = builder.Build();
+        EXPECT_EQ(HeaderOf(bytes).VersionCode(), c.code) << +c.major << "." << +c.minor;
+        EXPECT_EQ(HeaderOf(bytes).Version(), c.major * 10 + c.minor);
+        EXPECT_EQ(HeaderOf(bytes).PointCount(), c.code == 5 ? 4U : 2U);
     }
-}
-
-TEST(LasHeader, TakesThe64BitCountOfLas14Only) {
-    LasBuilder builder(14);
-    builder.AddPoints(3).Lie<std::uint64_t>(247, 4);
-    EXPECT_EQ(HeaderOf(builder.Build()).PointCount(), 4U);
-    EXPECT_EQ(HeaderOf(builder.Lie<std::uint8_t>(25, 3).Build()).PointCount(), 3U);
 }
 
 TEST(LasHeader, IgnoresWhatFollowsAShortHeader) {
     // A VLR lies where a longer header would hold these fields.
-    std::string bytes = LasBuilder(14).HeaderSize(227).AddVlr("any", 1, std::string(200, 'x')).Build();
+    const std::string bytes = LasBuilder(14).HeaderSize(227).AddVlr("any", 1, std::string(200, 'x')).Build();
     EXPECT_EQ(HeaderOf(bytes).WaveformStart(), 0U);
     EXPECT_EQ(HeaderOf(bytes).EvlrStart(), 0U);
     EXPECT_EQ(HeaderOf(bytes).EvlrCount(), 0U);
@@ -96,21 +89,58 @@ TEST(LasHeader, IgnoresWhatFollowsAShortHeader) {
     EXPECT_EQ(HeaderOf(LasBuilder().Build()).ProjectId(), "");
 }
 
-TEST(PointFormats, KnowWhatEachCarries) {
+TEST(LasHeader, EndsAtItsStatedSize) {
+    const struct {
+        std::uint16_t size;
+        std::uint64_t waveformStart, evlrStart, points;
+    } cases[] = {{0, 0, 0, 0},   {227, 0, 0, 0}, {228, 7, 0, 0}, {242, 7, 0, 0},
+                 {243, 7, 8, 0}, {255, 7, 8, 9}, {375, 7, 8, 9}, {65535, 7, 8, 9}};
+    for (const auto& c : cases) {
+        LasBuilder builder(14, 6);
+        builder.Lie(94, c.size)
+            .Lie<std::uint64_t>(227, 7)
+            .Lie<std::uint64_t>(235, 8)
+            .Lie<std::uint64_t>(247, 9);
+        const std::string bytes = builder.Build();
+        EXPECT_EQ(HeaderOf(bytes).WaveformStart(), c.waveformStart) << c.size;
+        EXPECT_EQ(HeaderOf(bytes).EvlrStart(), c.evlrStart) << c.size;
+        EXPECT_EQ(HeaderOf(bytes).PointCount(), c.points) << c.size;
+    }
+}
+
+TEST(LasFormat, KnowsEachPointFormatAndVersion) {
     // Length; T time, C colour, N near infrared, W waveform.
     const std::pair<int, const char*> expected[] = {{20, ""},    {28, "T"},   {26, "C"},   {34, "TC"},
                                                     {57, "TW"},  {63, "TCW"}, {30, "T"},   {36, "TC"},
                                                     {38, "TCN"}, {59, "TW"},  {67, "TCNW"}};
-    for (int format = 0; format <= kLastPointFormat; ++format) {
-        const PointFormatFacts* facts = FindPointFormat(format);
+    for (int format = 0; format <= las::kLastPointFormat; ++format) {
+        const las::PointFormatFacts* facts = las::FindPointFormat(format);
         ASSERT_NE(facts, nullptr);
         const std::string letters = std::string(facts->hasGpsTime ? "T" : "") + (facts->hasColor ? "C" : "") +
                                     (facts->hasNearInfrared ? "N" : "") + (facts->hasWaveform ? "W" : "");
         EXPECT_EQ(facts->minimumLength, expected[format].first) << format;
         EXPECT_EQ(letters, expected[format].second) << format;
     }
-    EXPECT_EQ(FindPointFormat(-1), nullptr);
-    EXPECT_EQ(FindPointFormat(kLastPointFormat + 1), nullptr);
+    EXPECT_EQ(las::FindPointFormat(-1), nullptr);
+    EXPECT_EQ(las::FindPointFormat(las::kLastPointFormat + 1), nullptr);
+
+    const struct {
+        const wchar_t* name;
+        int code, headerSize, lastDemFormat;
+    } versions[] = {{L"1.0", 0, 227, 1},
+                    {L"1.1", 1, 227, 1},
+                    {L"1.2", 3, 227, 3},
+                    {L"1.3", 4, 235, 5},
+                    {L"1.4", 5, 375, 8}};
+    for (const auto& v : versions) {
+        const las::VersionFacts* facts = las::FindVersion(v.code);
+        ASSERT_NE(facts, nullptr);
+        EXPECT_STREQ(facts->name, v.name);
+        EXPECT_EQ(facts->name, las::kVersions[static_cast<std::size_t>(facts->minor)].name);
+        EXPECT_EQ(facts->headerSize, v.headerSize);
+        EXPECT_EQ(facts->lastDemFormat, v.lastDemFormat);
+    }
+    EXPECT_EQ(las::FindVersion(2), nullptr) << "LAS 2.0";
 }
 
 }  // namespace

@@ -2,18 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include "las/LASFile.h"
-#include "las/testing/LasBuilder.h"
+#include <limits>
+
+#include "las/testing/LasFiles.h"
 #include "support/LDataError.h"
-#include "support/Text.h"
 #include "support/testing/SparseFile.h"
-#include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
 
 using testing::LasBuilder;
-using testing::TemporaryFolder;
 
 std::unique_ptr<LASFile> OpenMapped(const std::wstring& path, bool readOnly = true) {
     return LASFile::Open(path, readOnly, false);
@@ -37,14 +35,14 @@ void ExpectWholeCover(const LasPointViews& points) {
 }
 
 TEST(LasPointViews, CoverEveryPointOnce) {
-    const TemporaryFolder folder;
+    const testing::LasFolder folder;
     const std::uint64_t granularity = LasPointViews::Granularity();
     EXPECT_EQ(granularity, 4 * MappedFile::AllocationGranularity());
     // About three views; the first record begins at odd places in its view.
     for (const std::size_t gap : {std::size_t{0}, std::size_t{13}, granularity - 228, granularity}) {
         const auto count = static_cast<std::size_t>(3 * granularity / 28);
-        const auto file = OpenMapped(
-            folder.Write(L"a.las", LasBuilder(12, 1).AddPoints(count).Gap(std::string(gap, 'g')).Build()));
+        const auto file =
+            OpenMapped(folder.Write(LasBuilder(12, 1).AddPoints(count).Gap(std::string(gap, 'g'))));
         ASSERT_NE(file->Points(), nullptr);
         EXPECT_EQ(file->Points()->PointCount(), count);
         ExpectWholeCover(*file->Points());
@@ -59,9 +57,9 @@ TEST(LasPointViews, CoverEveryPointOnce) {
 }
 
 TEST(LasPointViews, HoldWholeRecordsOfTheFileOnly) {
-    const TemporaryFolder folder;
+    const testing::LasFolder folder;
     const auto pointsOf = [&](const LasBuilder& builder) {
-        const auto file = OpenMapped(folder.Write(L"a.las", builder.Build()));
+        const auto file = OpenMapped(folder.Write(builder));
         return file->Points() == nullptr ? -1 : static_cast<std::int64_t>(file->Points()->PointCount());
     };
     const LasBuilder ten = LasBuilder(12, 0).AddPoints(10);
@@ -74,22 +72,20 @@ TEST(LasPointViews, HoldWholeRecordsOfTheFileOnly) {
 }
 
 TEST(LasPointViews, TakeRecordsLongerThanAView) {
-    const TemporaryFolder folder;
-    const auto file = OpenMapped(folder.Write(L"a.las", LasBuilder(12, 0)
-                                                            .Append(std::string(std::size_t{5} * 65535, 'p'))
-                                                            .Lie<std::uint16_t>(105, 65535)
-                                                            .Lie<std::uint32_t>(107, 5)
-                                                            .Build()));
+    const testing::LasFolder folder;
+    LasBuilder builder(12, 0);
+    builder.Append(std::string(std::size_t{5} * 65535, 'p')).Lie<std::uint16_t>(105, 65535);
+    const auto file = OpenMapped(folder.Write(builder.Lie<std::uint32_t>(107, 5)));
     EXPECT_EQ(file->Points()->PointCount(), 5U);
     ExpectWholeCover(*file->Points());
 }
 
 TEST(LasPointViews, ReachBeyondFourGigabytes) {
-    const TemporaryFolder folder;
+    const testing::LasFolder folder;
     constexpr std::uint64_t kPoints = 200'000'000;
     constexpr std::uint64_t kStart = 375;
     constexpr std::uint64_t kLength = 30;
-    const std::wstring path = folder.Write(L"large.las", LasBuilder(14, 6).Lie(247, kPoints).Build());
+    const std::wstring path = folder.Write(LasBuilder(14, 6).Lie(247, kPoints));
     testing::GrowSparse(path, kStart + kPoints * kLength);
     testing::WriteAt(path, kStart + (kPoints - 1) * kLength,
                      testing::Bytes(std::int32_t{100}, std::int32_t{200}, std::int32_t{300}));
@@ -102,13 +98,27 @@ TEST(LasPointViews, ReachBeyondFourGigabytes) {
 }
 
 TEST(LasPointViews, EditFilesOpenedReadWrite) {
-    const TemporaryFolder folder;
-    const std::wstring path = folder.Write(L"a.las", LasBuilder(12, 0).AddPoints(3).Build());
+    const testing::LasFolder folder;
+    const std::wstring path = folder.Write(LasBuilder(12, 0).AddPoints(3));
     {
         const auto file = OpenMapped(path, false);
         file->Points()->Map(0).Record(1)[0] = std::byte{0x5A};
     }
     EXPECT_EQ(testing::ReadFile(path)[227 + 20], 0x5A);
+}
+
+TEST(Octant, SplitsAtTheMidpoints) {
+    const LasExtent extent{{0, -10, 100}, {8, 10, 104}};
+    const LasExtent expected[8] = {
+        {{0, -10, 100}, {4, 0, 102}}, {{0, -10, 102}, {4, 0, 104}}, {{0, 0, 100}, {4, 10, 102}},
+        {{0, 0, 102}, {4, 10, 104}},  {{4, -10, 100}, {8, 0, 102}}, {{4, -10, 102}, {8, 0, 104}},
+        {{4, 0, 100}, {8, 10, 102}},  {{4, 0, 102}, {8, 10, 104}},
+    };
+    for (unsigned child = 0; child < 8; ++child) {
+        EXPECT_EQ(Octant(extent, child), expected[child]) << child;
+    }
+    constexpr double kMost = std::numeric_limits<double>::max();
+    EXPECT_EQ(Octant({{kMost / 2, 0, 0}, {kMost, 0, 0}}, 0).maximum[0], kMost / 4 + kMost / 2);
 }
 
 }  // namespace

@@ -2,22 +2,27 @@
 
 #include <gtest/gtest.h>
 
-#include "las/ExtraBytes.h"
 #include "las/testing/LasBuilder.h"
 #include "support/LDataError.h"
+#include "support/testing/SparseFile.h"
+#include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
 
+using testing::Bytes;
 using testing::LasBuilder;
+
+std::span<const std::byte> BytesOf(const std::string& text) {
+    return std::as_bytes(std::span(text));
+}
 
 /// The record ids of the VLRs that a walk finds in the bytes up to the points.
 std::vector<int> Walk(const std::string& bytes) {
-    const auto all = std::as_bytes(std::span(bytes));
-    const LasHeader header(all);
+    const LasHeader header(BytesOf(bytes));
+    const std::size_t end = std::min<std::size_t>(bytes.size(), header.OffsetToPoints());
     std::vector<int> ids;
-    for (const VlrView& vlr :
-         WalkVlrs(all.first(std::min<std::size_t>(all.size(), header.OffsetToPoints())), header)) {
+    for (const VlrView& vlr : WalkVlrs(BytesOf(bytes).first(end), header)) {
         ids.push_back(vlr.RecordId());
     }
     return ids;
@@ -28,38 +33,29 @@ LasBuilder ThreeRecords() {
 }
 
 TEST(WalkVlrs, StopsAtTheCountTheAreaOrTheHeader) {
-    constexpr std::size_t kHeader = 227;
-    constexpr std::size_t kSecond = kHeader + 54 + 5;
+    constexpr std::size_t kSecond = 227 + 54 + 5;
     constexpr std::size_t kEnd = kSecond + 54 + 54 + 3;
     const struct {
         const char* what;
-        std::string bytes;
+        LasBuilder builder;
         std::vector<int> ids;
     } cases[] = {
-        {"all", ThreeRecords().Build(), {1, 2, 3}},
-        {"the count is a bound", ThreeRecords().Lie<std::uint32_t>(100, 2).Build(), {1, 2}},
-        {"a count beyond the area", ThreeRecords().Lie<std::uint32_t>(100, 0xFFFFFFFF).Build(), {1, 2, 3}},
-        {"no count", ThreeRecords().Lie<std::uint32_t>(100, 0).Build(), {}},
-        {"a record into the points", ThreeRecords().Lie<std::uint16_t>(kSecond + 20, 65535).Build(), {1, 2}},
-        {"room for the last header", ThreeRecords().Lie<std::uint32_t>(96, kEnd - 3).Build(), {1, 2, 3}},
-        {"no room for the last header", ThreeRecords().Lie<std::uint32_t>(96, kEnd - 4).Build(), {1, 2}},
-        {"offset below one header", ThreeRecords().Lie<std::uint32_t>(96, 53).Build(), {}},
-        {"offset 0", ThreeRecords().Lie<std::uint32_t>(96, 0).Build(), {}},
-        {"header size 0", ThreeRecords().Lie<std::uint16_t>(94, 0).Build(), {}},
-        {"header beyond the points", ThreeRecords().Lie<std::uint16_t>(94, 65535).Build(), {}},
-        {"shortened area", ThreeRecords().Cut(kSecond + 54).Build(), {1, 2}},
+        {"all", ThreeRecords(), {1, 2, 3}},
+        {"the count is a bound", ThreeRecords().Lie<std::uint32_t>(100, 2), {1, 2}},
+        {"a count beyond the area", ThreeRecords().Lie<std::uint32_t>(100, 0xFFFFFFFF), {1, 2, 3}},
+        {"no count", ThreeRecords().Lie<std::uint32_t>(100, 0), {}},
+        {"a record into the points", ThreeRecords().Lie<std::uint16_t>(kSecond + 20, 65535), {1, 2}},
+        {"room for the last header", ThreeRecords().Lie<std::uint32_t>(96, kEnd - 3), {1, 2, 3}},
+        {"no room for the last header", ThreeRecords().Lie<std::uint32_t>(96, kEnd - 4), {1, 2}},
+        {"offset below one header", ThreeRecords().Lie<std::uint32_t>(96, 53), {}},
+        {"offset 0", ThreeRecords().Lie<std::uint32_t>(96, 0), {}},
+        {"header size 0", ThreeRecords().Lie<std::uint16_t>(94, 0), {}},
+        {"header beyond the points", ThreeRecords().Lie<std::uint16_t>(94, 65535), {}},
+        {"shortened area", ThreeRecords().Cut(kSecond + 54), {1, 2}},
     };
     for (const auto& expected : cases) {
-        EXPECT_EQ(Walk(expected.bytes), expected.ids) << expected.what;
+        EXPECT_EQ(Walk(expected.builder.Build()), expected.ids) << expected.what;
     }
-}
-
-TEST(WalkVlrs, BoundsTheNumberOfEmptyRecords) {
-    std::string bytes = LasBuilder().Lie<std::uint32_t>(100, 0xFFFFFFFF).Build();
-    bytes.resize(227 + 54 * (kMostRecords + 10));
-    const std::uint32_t offset = static_cast<std::uint32_t>(bytes.size());
-    std::memcpy(bytes.data() + 96, &offset, 4);
-    EXPECT_EQ(Walk(bytes).size(), kMostRecords);
 }
 
 TEST(VlrView, ReadsItsFieldsAndCutsItsData) {
@@ -67,8 +63,7 @@ TEST(VlrView, ReadsItsFieldsAndCutsItsData) {
         LasBuilder()
             .AddVlr("sixteen letters!", 65535, "0123456789", "a description of thirty-two char", 0xAABB)
             .Build();
-    const auto all = std::as_bytes(std::span(bytes));
-    const VlrView whole(all.subspan(227), 227);
+    const VlrView whole(BytesOf(bytes).subspan(227), 227);
     EXPECT_EQ(whole.Reserved(), 0xAABB);
     EXPECT_EQ(whole.UserId(), "sixteen letters!");
     EXPECT_EQ(whole.RecordId(), 65535);
@@ -76,10 +71,101 @@ TEST(VlrView, ReadsItsFieldsAndCutsItsData) {
     EXPECT_EQ(whole.Description(), "a description of thirty-two char");
     EXPECT_EQ(whole.Data().size(), 10U);
     EXPECT_FALSE(whole.IsTruncated());
-    const VlrView cut(all.subspan(227, 54 + 4), 227);
+    const VlrView cut(BytesOf(bytes).subspan(227, 54 + 4), 227);
     EXPECT_EQ(cut.RecordLength(), 10U);
     EXPECT_EQ(cut.Data().size(), 4U);
     EXPECT_TRUE(cut.IsTruncated());
+}
+
+/// A record header and its data; `length` is what the header states.
+std::string Evlr(std::string_view userId, std::uint64_t length, std::string_view data) {
+    std::string record(60, '\0');
+    record.replace(2, userId.size(), userId);
+    record.replace(20, 8, Bytes(length));
+    return record.append(data);
+}
+
+class Evlrs : public ::testing::Test {
+  protected:
+    /// The number of records, or the text of the failure. `size`: the file is extended with zeros.
+    std::wstring Read(const std::string& bytes, std::uint64_t start, std::uint32_t count,
+                      bool mapData = false, std::uint64_t size = 0) {
+        entries_.clear();  // a file with views on it is not written anew
+        const std::wstring path = folder_.Write(L"evlrs.bin", bytes);
+        if (size > 0) {
+            testing::GrowSparse(path, size);
+        }
+        MappedFile file;
+        EXPECT_EQ(file.Open(path, true), 0);
+        EXPECT_EQ(file.CreateMapping(), 0);
+        try {
+            entries_ = ReadEvlrs(file, start, count, mapData);
+            return std::to_wstring(entries_.size());
+        } catch (const LDataError& error) {
+            return error.Text();
+        }
+    }
+
+    const testing::TemporaryFolder folder_;
+    std::vector<EvlrEntry> entries_;
+};
+
+TEST_F(Evlrs, SayWhatIsWrong) {
+    const std::wstring headerError = L"Failed to read EVLR header section of LAS file into memory.";
+    const std::wstring dataError = L"Failed to read EVLR record data section of LAS file into memory.";
+    const std::wstring skipError = L"Setting file pointer failed when skipping record data for evlr.";
+    constexpr std::uint64_t kMost = ~std::uint64_t{0};
+    const std::string pad(8, '.');
+    const struct {
+        const char* what;
+        std::string bytes;
+        std::uint64_t start;
+        std::uint32_t count;
+        std::wstring result;
+    } cases[] = {
+        {"none", pad + Evlr("a", 0, ""), 8, 0, L"0"},
+        {"no start", pad + Evlr("a", 0, ""), 0, 1, L"0"},
+        {"two", pad + Evlr("a", 3, "123") + Evlr("Kst", 2, "ab"), 8, 2, L"2"},
+        {"one more than there are", pad + Evlr("a", 3, "123"), 8, 2, headerError},
+        {"half a header", pad + Evlr("a", 0, "").substr(1), 8, 1, headerError},
+        {"a count beyond reason", pad + Evlr("a", 0, ""), 8, 0xFFFFFFFF, headerError},
+        {"start at the end", pad, 8, 1, headerError},
+        {"start beyond the end", pad, 9000, 1, headerError},
+        {"start at the last position", pad, kMost >> 1U, 1, headerError},
+        {"start no file has", pad, kMost - 7, 1,
+         L"Moving file pointer to the eVlr offset failed. Unable to populate the evlr list. "
+         L"evlrOffset (-8) | filesize (8)."},
+        {"skipped data beyond the end", pad + Evlr("a", 9, "123"), 8, 1, L"1"},
+        {"and a record behind it", pad + Evlr("a", 9, "123"), 8, 2, headerError},
+        {"skipped data beyond any file", pad + Evlr("a", kMost, "123"), 8, 1, skipError},
+        {"kept data beyond the end", pad + Evlr("Kst", 4, "123"), 8, 1, dataError},
+        {"kept data beyond any file", pad + Evlr("LASF_Projection", kMost, "123"), 8, 1, dataError},
+    };
+    for (const auto& expected : cases) {
+        EXPECT_EQ(Read(expected.bytes, expected.start, expected.count), expected.result) << expected.what;
+    }
+}
+
+TEST_F(Evlrs, AreMappedWhereAskedForOrTooLargeToCopy) {
+    constexpr std::uint64_t kLarge = std::uint64_t{3} << 30U;
+    const struct {
+        std::uint64_t length;
+        std::string data;
+        std::uint64_t fileSize;
+        std::uint64_t held;
+    } cases[] = {{4, "123", 0, 3},
+                 {~std::uint64_t{0}, "123", 0, 3},
+                 {9, "", 0, 0},
+                 {kLarge, "123", 2 * kLarge, kLarge}};
+    for (const auto& c : cases) {
+        const bool fits = c.held == c.length;
+        ASSERT_EQ(Read(Evlr("", 0, "") + Evlr("Kst", c.length, c.data), 60, 1, !fits, c.fileSize), L"1");
+        EXPECT_EQ(entries_[0].RecordLength(), c.length);
+        EXPECT_EQ(entries_[0].IsTruncated(), !fits);
+        EXPECT_TRUE(entries_[0].HasData());
+        ASSERT_EQ(entries_[0].Data().size(), c.held);
+        EXPECT_TRUE(c.held == 0 || entries_[0].Data()[2] == std::byte{'3'});
+    }
 }
 
 std::string Descriptor(std::uint8_t dataType, std::uint8_t options, std::string_view name) {
@@ -96,7 +182,7 @@ TEST(ExtraBytes, AddsUpTheSizesOfTheDataTypes) {
         data += Descriptor(dataType, 3, "attribute " + std::to_string(dataType));
     }
     ExtraBytes extraBytes;
-    extraBytes.GetExtraByteOffsets(std::as_bytes(std::span(data)));
+    extraBytes.GetExtraByteOffsets(BytesOf(data));
     const std::uint64_t offsets[] = {0, 3, 4, 5, 7, 9, 13, 17, 25, 33, 37};
     ASSERT_EQ(extraBytes.Attributes().size(), 11U);
     for (std::size_t i = 0; i < 11; ++i) {
@@ -111,7 +197,7 @@ TEST(ExtraBytes, CountsWholeDescriptorsUpToTheLimit) {
     const std::string data = Descriptor(1, 0, "a") + Descriptor(2, 0, "b") + Descriptor(11, 0, "c");
     const auto countOf = [&](std::size_t length, std::size_t most) {
         ExtraBytes extraBytes;
-        extraBytes.GetExtraByteOffsets(std::as_bytes(std::span(data)).first(length), most);
+        extraBytes.GetExtraByteOffsets(BytesOf(data).first(length), most);
         return extraBytes.Attributes().size();
     };
     EXPECT_EQ(countOf(191, 9), 0U);

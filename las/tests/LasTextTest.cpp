@@ -4,27 +4,20 @@
 
 #include <algorithm>
 
-#include "las/LASFile.h"
-#include "las/testing/LasBuilder.h"
+#include "las/testing/LasFiles.h"
 #include "support/Text.h"
-#include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
 
 using testing::LasBuilder;
 
-constexpr const wchar_t* kVlrEnd = L"...\n...\n...\n... VLR size exceeds display size";
-constexpr const wchar_t* kEvlrEnd = L"...\n...\n...\n... EVLR size exceeds display size";
-
 class LasTextTest : public ::testing::Test {
   protected:
-    std::unique_ptr<LASFile> Open(const LasBuilder& builder) const {
-        return LASFile::Open(folder_.Write(L"a.las", builder.Build()), true, true);
-    }
-    std::wstring VlrText(const LasBuilder& builder) const { return LasVlrText(*Open(builder)); }
+    std::wstring VlrText(const LasBuilder& builder) const { return LasVlrText(*folder_.Open(builder)); }
+    std::wstring EvlrText(const LasBuilder& builder) const { return LasEvlrText(*folder_.Open(builder)); }
 
-    const testing::TemporaryFolder folder_;
+    const testing::LasFolder folder_;
 };
 
 std::ptrdiff_t Lines(const std::wstring& text) {
@@ -77,7 +70,7 @@ TEST_F(LasTextTest, EndsLongLists) {
     EXPECT_EQ(Lines(add(1)), 50);
     const std::wstring eleven = add(1);
     EXPECT_EQ(Lines(eleven), 55 + 3);
-    EXPECT_TRUE(eleven.ends_with(kVlrEnd));
+    EXPECT_TRUE(eleven.ends_with(L"...\n...\n...\n... VLR size exceeds display size"));
     EXPECT_EQ(add(20), eleven);
     // The lines of bytes count as well.
     const std::wstring dumped = VlrText(LasBuilder()
@@ -85,13 +78,13 @@ TEST_F(LasTextTest, EndsLongLists) {
                                             .AddVlr("b", 2, std::string(80, 'x'))
                                             .AddVlr("c", 3, ""));
     EXPECT_EQ(Lines(dumped), 37 + 15 + 3);
-    EXPECT_TRUE(dumped.ends_with(kVlrEnd));
+    EXPECT_TRUE(dumped.ends_with(L"... VLR size exceeds display size"));
 }
 
 TEST_F(LasTextTest, ShowsEvlrsAlike) {
     LasBuilder builder(14, 6);
     builder.AddEvlr("Kst", 1, "\x01\x02", "kept").AddEvlr("other", 2, "\x01\x02", "skipped");
-    EXPECT_EQ(LasEvlrText(*Open(builder)),
+    EXPECT_EQ(EvlrText(builder),
               L"Reserved                   = 0\n"
               L"User ID                    = Kst\n"
               L"Record ID                  = 1\n"
@@ -105,34 +98,30 @@ TEST_F(LasTextTest, ShowsEvlrsAlike) {
     for (int i = 0; i < 10; ++i) {
         builder.AddEvlr("other", 3, "");
     }
-    EXPECT_TRUE(LasEvlrText(*Open(builder)).ends_with(kEvlrEnd));
+    EXPECT_TRUE(EvlrText(builder).ends_with(L"...\n... EVLR size exceeds display size"));
     // A length of any size is shown, and only what is held is dumped.
-    EXPECT_NE(
-        LasEvlrText(*Open(LasBuilder(14, 6).AddEvlr("x", 1, "").Lie<std::uint64_t>(375 + 20, 5000000000)))
-            .find(L"= 5000000000\n"),
-        std::wstring::npos);
+    const std::wstring huge =
+        EvlrText(LasBuilder(14, 6).AddEvlr("x", 1, "").Lie<std::uint64_t>(375 + 20, 5000000000));
+    EXPECT_NE(huge.find(L"= 5000000000\n"), std::wstring::npos);
 }
 
 TEST_F(LasTextTest, NamesTheKindOfGpsTime) {
     const std::wstring none = Text(13490_lsid);
     const std::wstring standard = L"Standard GPS Time";
     const std::wstring week = L"GPS-Week-Seconds";
-    const auto kindOf = [&](int version, int format, std::uint16_t bits, bool isCompressed = false) {
-        LasBuilder builder(version, format);
-        builder.EncodingBits(bits);
-        return LasGpsTimeText(*Open(isCompressed ? builder.MarkCompressed() : builder));
-    };
-    EXPECT_EQ(kindOf(10, 1, 1), L"");
-    EXPECT_EQ(kindOf(11, 1, 1), L"");
-    EXPECT_EQ(kindOf(20, 1, 1), L"");
-    EXPECT_EQ(kindOf(12, 0, 1), none);
-    EXPECT_EQ(kindOf(12, 2, 0), none);
-    EXPECT_EQ(kindOf(12, 1, 1), standard);
-    EXPECT_EQ(kindOf(12, 3, 0), week);
-    EXPECT_EQ(kindOf(14, 6, 17), standard);
-    EXPECT_EQ(kindOf(14, 6, 16), week);
-    EXPECT_EQ(kindOf(12, 2, 1, true), none);
-    EXPECT_EQ(kindOf(12, 1, 1, true), standard);
+    const struct {
+        int version, format, bits;
+        std::wstring text;
+    } cases[] = {{10, 1, 1, L""},       {11, 1, 1, L""},  {20, 1, 1, L""},      {12, 0, 1, none},
+                 {12, 2, 0, none},      {12, 2, 1, none}, {12, 1, 1, standard}, {12, 3, 0, week},
+                 {14, 6, 17, standard}, {14, 6, 16, week}};
+    for (const auto& c : cases) {
+        LasBuilder builder(c.version, c.format);
+        builder.EncodingBits(c.bits);
+        EXPECT_EQ(LasGpsTimeText(*folder_.Open(builder)), c.text) << c.version << " " << c.format;
+        EXPECT_EQ(LasGpsTimeText(*folder_.Open(builder.MarkCompressed())), c.text)
+            << c.version << " " << c.format;
+    }
 }
 
 }  // namespace

@@ -6,9 +6,7 @@
 #include <cmath>
 #include <limits>
 
-#include "las/LASFile.h"
-#include "las/testing/LasBuilder.h"
-#include "support/testing/TemporaryFolder.h"
+#include "las/testing/LasFiles.h"
 
 namespace orvex {
 
@@ -25,7 +23,7 @@ using Code = LasFindingCode;
 class LasValidateTest : public ::testing::Test {
   protected:
     std::vector<LasFinding> Validate(const LasBuilder& builder) const {
-        return ValidateLas(*LASFile::Open(folder_.Write(L"a.las", builder.Build()), true, true));
+        return ValidateLas(*folder_.Open(builder));
     }
     std::vector<Code> Codes(const LasBuilder& builder) const {
         std::vector<Code> codes;
@@ -40,7 +38,7 @@ class LasValidateTest : public ::testing::Test {
         return LasBuilder(version, format).AddPoints(10).ProjectedEpsg(25832);
     }
 
-    const testing::TemporaryFolder folder_;
+    const testing::LasFolder folder_;
 };
 
 TEST_F(LasValidateTest, FindsNothingInGoodFiles) {

@@ -13,8 +13,8 @@
 #include <initializer_list>
 
 #include "dialog/page/ControlWidget.h"
-#include "raster/page/DemPointFormats.h"
 #include "raster/page/RasterPageControls.h"
+#include "support/LasFormat.h"
 
 namespace orvex {
 
@@ -103,8 +103,8 @@ QLayout* DemOptionsWidget::MakeFolderButtons() {
 }
 
 QLayout* DemOptionsWidget::MakeFormatRow() {
-    for (const DemLasVersion& version : DemLasVersions()) {
-        version_->addItem(QString::fromWCharArray(version.name), version.value);
+    for (const las::VersionFacts& version : las::kVersions) {
+        version_->addItem(QString::fromWCharArray(version.name), static_cast<int>(version.code));
     }
     format_ = MakeControl<QComboBox>(kFormat, {}, 41346_lsid);
     MakeThinning();
@@ -126,7 +126,8 @@ void DemOptionsWidget::MakeThinning() {
 
 void DemOptionsWidget::FillFormats() {
     format_->clear();
-    for (const std::int32_t format : DemPointFormats(version_->currentData().toInt())) {
+    const las::VersionFacts* const version = las::FindVersion(version_->currentData().toInt());
+    for (int format = 0; version != nullptr && format <= version->lastDemFormat; ++format) {
         format_->addItem(QString::number(format), format);
     }
     format_->setCurrentIndex(0);

@@ -19,7 +19,7 @@ struct DemPageOptions {
     std::wstring lasFolder = L"<ORVEX_PROJECT_PATH>\\DEM Import";  ///< as typed
     std::int32_t thinning = 16;                                    ///< 2 to 256
     // Chosen anew each time; not stored.
-    std::int32_t lasVersion = 5;   ///< item value of the list, see DemPointFormats.h
+    std::int32_t lasVersion = 5;   ///< version code of the list item, see support/LasFormat.h
     std::int32_t pointFormat = 0;  ///< 0 to 8
 
     friend bool operator==(const DemPageOptions&, const DemPageOptions&) = default;

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include "raster/page/DemPointFormats.h"
 #include "raster/page/RasterPageOptions.h"
 #include "settings/OptionStore.h"
 #include "settings/SystemSettings.h"
@@ -15,24 +14,6 @@ namespace {
 using ::testing::ElementsAre;
 
 constexpr const wchar_t* kSection = L"AddFilesDlg";
-
-TEST(DemFormats, EachVersionOffersItsOwn) {
-    std::vector<std::wstring> names;
-    std::vector<std::int32_t> values;
-    for (const DemLasVersion& version : DemLasVersions()) {
-        names.emplace_back(version.name);
-        values.push_back(version.value);
-    }
-    EXPECT_THAT(names, ElementsAre(L"1.0", L"1.1", L"1.2", L"1.3", L"1.4"));
-    EXPECT_THAT(values, ElementsAre(0, 1, 3, 4, 5));
-    const std::pair<std::int32_t, std::size_t> counts[] = {{0, 2}, {1, 2}, {3, 4}, {4, 6}, {5, 9}};
-    for (const auto& [version, count] : counts) {
-        const auto formats = DemPointFormats(version);
-        ASSERT_EQ(formats.size(), count) << version;
-        EXPECT_EQ(formats.front(), 0);
-        EXPECT_EQ(formats.back(), static_cast<std::int32_t>(count) - 1);
-    }
-}
 
 TEST(DemThinning, IsAWholeNumberFrom2To256) {
     const struct {
