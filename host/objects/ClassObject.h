@@ -5,14 +5,14 @@
 
 namespace orvex::host {
 
-/// A class as the platform's own object system knows it, until destroyed.
+/// Registration of a class with the platform's object system; ends when destroyed.
 class ClassObject {
   public:
     virtual ~ClassObject() = default;
 };
 
-/// Tells the platform's object system of a class. Null when it has none, or when a class of this id means
-/// nothing to it. Throws std::system_error when the system refuses.
+/// Registers a class with the platform's object system. Null if the platform has none or the class id is not
+/// one of the host's. Throws std::system_error if the system refuses.
 std::unique_ptr<ClassObject> PublishClass(const ClassId& classId, const HostObjectFactory& factory);
 
 }  // namespace orvex::host

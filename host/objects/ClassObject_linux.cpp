@@ -2,7 +2,7 @@
 
 namespace orvex::host {
 
-// Here the object library itself is what the component asks.
+// The component asks the object library itself here.
 std::unique_ptr<ClassObject> PublishClass(const ClassId& /*classId*/, const HostObjectFactory& /*factory*/) {
     return nullptr;
 }

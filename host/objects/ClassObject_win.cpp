@@ -2,16 +2,71 @@
 
 #include <ole2.h>
 
+#include <atomic>
 #include <bit>
 #include <system_error>
 #include <thread>
 
-#include "host/objects/HostClassFactory_win.h"
+#include "host/objects/ComServers_win.h"
 #include "support/com/ComApartment_win.h"
-#include "support/com/MtaUsage_win.h"
+#include "support/com/ComGuard_win.h"
 
 namespace orvex::host {
 namespace {
+
+/// Class object whose instances wrap new objects of a factory. Created with one reference. As thread-safe as
+/// the factory.
+class HostClassFactory final : public IClassFactory {
+  public:
+    HostClassFactory(HostObjectFactory factory, ServerMaker maker)
+        : factory_(std::move(factory)), maker_(maker) {}
+    virtual ~HostClassFactory() = default;
+    HostClassFactory(const HostClassFactory&) = delete;
+    HostClassFactory& operator=(const HostClassFactory&) = delete;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID interfaceId, void** object) override {
+        if (object == nullptr) {
+            return E_POINTER;
+        }
+        const bool known =
+            IsEqualIID(interfaceId, __uuidof(IUnknown)) || IsEqualIID(interfaceId, __uuidof(IClassFactory));
+        *object = known ? static_cast<IClassFactory*>(this) : nullptr;
+        if (!known) {
+            return E_NOINTERFACE;
+        }
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --references_;
+        if (left == 0) {
+            delete this;
+        }
+        return left;
+    }
+    /// E_FAIL if the factory makes nothing, throws, or makes an object of another class.
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID interfaceId, void** object) override {
+        if (object == nullptr) {
+            return E_POINTER;
+        }
+        *object = nullptr;
+        if (outer != nullptr) {
+            return CLASS_E_NOAGGREGATION;
+        }
+        return Guarded([&] {
+            const ComPtr<IDispatch> server = maker_(factory_());
+            return server ? server->QueryInterface(interfaceId, object) : E_FAIL;
+        });
+    }
+    /// Without effect: the class stays available as long as the host keeps it registered.
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL /*lock*/) override { return S_OK; }
+
+  private:
+    const HostObjectFactory factory_;
+    const ServerMaker maker_;
+    std::atomic<ULONG> references_ = 1;
+};
 
 void ThrowIfFailed(HRESULT result, const char* call) {
     if (FAILED(result)) {
@@ -24,7 +79,7 @@ HRESULT RegisterFactory(const ClassId& classId, const ComPtr<IClassFactory>& fac
                                  REGCLS_MULTIPLEUSE, &token);
 }
 
-/// A class object in the table of this apartment: objects are made for callers of the same apartment only.
+/// Class object registered in this thread's apartment; only callers in that apartment find it.
 class RegisteredClassObject final : public ClassObject {
   public:
     RegisteredClassObject(const ClassId& classId, const ComPtr<IClassFactory>& factory) {
@@ -40,7 +95,7 @@ class RegisteredClassObject final : public ClassObject {
     DWORD token_ = 0;
 };
 
-/// Does something on a thread of the multithreaded apartment that ends with it.
+/// Runs `work` on a temporary thread in the multithreaded apartment.
 template <typename Work>
 HRESULT InMta(Work work) {
     HRESULT result = S_OK;
@@ -51,8 +106,8 @@ HRESULT InMta(Work work) {
     return result;
 }
 
-/// A class object in the table of the multithreaded apartment, whichever the calling thread is in. No thread
-/// stays for it: the table belongs to the apartment, which is kept.
+/// Class object registered in the multithreaded apartment, from a thread of any apartment. It needs no thread
+/// of its own: MtaUsage keeps the apartment alive.
 class MtaClassObject final : public ClassObject {
   public:
     MtaClassObject(const ClassId& classId, const ComPtr<IClassFactory>& factory) {
@@ -64,7 +119,7 @@ class MtaClassObject final : public ClassObject {
         try {
             InMta([this] { return CoRevokeClassObject(token_); });
         } catch (const std::exception&) {
-            // No thread can be had: the class goes when the apartment does.
+            // No thread could be started: the class goes with the apartment.
         }
     }
     MtaClassObject(const MtaClassObject&) = delete;
@@ -75,7 +130,7 @@ class MtaClassObject final : public ClassObject {
     DWORD token_ = 0;
 };
 
-/// A class that every thread of the multithreaded apartment finds, and the registering thread too.
+/// Class object that the registering thread and all threads of the multithreaded apartment find.
 class EverywhereClassObject final : public ClassObject {
   public:
     EverywhereClassObject(const ClassId& classId, const ComPtr<IClassFactory>& factory)
@@ -87,7 +142,7 @@ class EverywhereClassObject final : public ClassObject {
     }
 
   private:
-    // Two class objects of one class in one apartment are refused.
+    // COM refuses a second class object of the same class in an apartment.
     static bool IsMta() {
         APTTYPE type = APTTYPE_STA;
         APTTYPEQUALIFIER qualifier = APTTYPEQUALIFIER_NONE;

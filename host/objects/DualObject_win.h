@@ -7,11 +7,10 @@
 
 namespace orvex::host {
 
-/// The type information of a dual interface in the library of the host's objects, which is embedded in this
-/// module.
+/// Type information of a dual interface, from the type library that is embedded in this module.
 HRESULT HostTypeInfo(REFIID interfaceId, ComPtr<ITypeInfo>& info);
 
-/// The IDispatch half of a dual interface, answered from the type information.
+/// IDispatch half of a dual interface, implemented by its type information.
 template <typename Interface>
 class DispatchPart : public Interface {
   public:
@@ -47,8 +46,7 @@ class DispatchPart : public Interface {
     }
 };
 
-/// A COM object with a dual interface: counts its references, and answers IDispatch from the type
-/// information. Born with one reference, which its maker holds.
+/// COM object with a dual interface. Created with one reference, which belongs to its creator.
 template <typename Interface>
 class DualObject : public DispatchPart<Interface> {
   public:
@@ -81,14 +79,14 @@ class DualObject : public DispatchPart<Interface> {
     }
 
   protected:
-    /// A further interface of the object (a PartOf); null when it has no such one.
+    /// Further interface of the object (a PartOf); null if it has none of that id.
     virtual void* OtherInterface(REFIID /*interfaceId*/) { return nullptr; }
 
   private:
     std::atomic<ULONG> references_ = 1;
 };
 
-/// A further interface of a COM object: a member of it, with its identity and its references.
+/// Further interface of a COM object: a member that shares its identity and its reference count.
 template <typename Base>
 class PartOf : public Base {
   public:

@@ -1,15 +1,148 @@
 #include "host/objects/HostClasses.h"
 
-#include "host/objects/HostRasterInformation.h"
-#include "host/objects/HostSettings.h"
+#include <cstring>
+#include <optional>
+#include <vector>
+
+#include "crs/GdalSetup.h"
+#include "raster/RasterReader.h"
 #include "settings/ConfigFolder.h"
 #include "settings/ValueFile.h"
+#include "support/LDataError.h"
+#include "support/Log.h"
+#include "support/Text.h"
 
 namespace orvex::host {
 namespace {
 
+/// Types of the values in the file. They are part of its format.
+enum Kind : std::int64_t { kEmpty = 0, kInt16 = 1, kInt32 = 2, kDouble = 3, kText = 4 };
+
+std::vector<std::byte> BytesOf(const void* data, std::size_t size) {
+    const auto* bytes = static_cast<const std::byte*>(data);
+    return {bytes, bytes + size};
+}
+
+/// Value as stored in the file: numbers in little-endian byte order, texts in UTF-8.
+struct Encoder {
+    using Value = ValueFile::Value;
+
+    Value operator()(std::monostate) const { return {kEmpty, {}}; }
+    Value operator()(std::int16_t number) const { return {kInt16, BytesOf(&number, sizeof(number))}; }
+    Value operator()(std::int32_t number) const { return {kInt32, BytesOf(&number, sizeof(number))}; }
+    Value operator()(double number) const { return {kDouble, BytesOf(&number, sizeof(number))}; }
+    Value operator()(const std::wstring& text) const {
+        const std::string utf8 = ToUtf8(text);
+        return {kText, BytesOf(utf8.data(), utf8.size())};
+    }
+};
+
+template <typename Number>
+std::optional<SettingValue> NumberFrom(const std::vector<std::byte>& data) {
+    Number number{};
+    if (data.size() != sizeof(number)) {
+        return std::nullopt;
+    }
+    std::memcpy(&number, data.data(), sizeof(number));
+    return number;
+}
+
+/// nullopt for an empty value and for data that these objects never write.
+std::optional<SettingValue> Decode(const ValueFile::Value& value) {
+    switch (value.type) {
+        case kInt16:
+            return NumberFrom<std::int16_t>(value.data);
+        case kInt32:
+            return NumberFrom<std::int32_t>(value.data);
+        case kDouble:
+            return NumberFrom<double>(value.data);
+        case kText:
+            return FromUtf8({reinterpret_cast<const char*>(value.data.data()), value.data.size()});
+        default:
+            return std::nullopt;
+    }
+}
+
+/// Named values in sections, kept in a file that several hosts may use at once. Sections and keys compare
+/// without regard to the case of ASCII letters.
+class HostSettings final : public OrvexSystemSettings {
+  public:
+    explicit HostSettings(std::shared_ptr<ValueFile> file) : file_(std::move(file)) {}
+
+    std::int32_t Get(const std::wstring& section, const std::wstring& key, SettingValue& value) override {
+        ValueFile::Value stored;
+        const ValueStatus status = file_->Find(section, key, stored);
+        if (status == ValueStatus::NoAccess) {
+            return kHostFail;
+        }
+        if (status == ValueStatus::Ok) {
+            value = Decode(stored).value_or(value);
+        }
+        return kHostOk;
+    }
+    /// An empty value removes the setting.
+    std::int32_t Set(const std::wstring& section, const std::wstring& key,
+                     const SettingValue& value) override {
+        const ValueFile::Value stored = std::visit(Encoder(), value);
+        const ValueStatus status = file_->Store(section, key, stored.type, stored.data);
+        return status == ValueStatus::Ok ? kHostOk : kHostFail;
+    }
+
+  private:
+    std::shared_ptr<ValueFile> file_;
+};
+
+class HostApplication final : public OrvexApplication {
+  public:
+    HostApplication(ProjectFolderProvider projectFolder, OptionItems options)
+        : projectFolder_(std::move(projectFolder)), options_(std::move(options)) {}
+
+    /// kHostFail if the provider throws.
+    std::int32_t GetProjectFolder(std::wstring& folder) override {
+        constexpr auto kSeparator = static_cast<wchar_t>(std::filesystem::path::preferred_separator);
+        try {
+            std::wstring open = projectFolder_ ? projectFolder_() : std::wstring();
+            if (!open.empty() && open.back() != L'/' && open.back() != kSeparator) {
+                open += kSeparator;
+            }
+            folder = std::move(open);
+            return kHostOk;
+        } catch (...) {
+            LogWarning(L"host: no project folder: " + CurrentExceptionText());
+            return kHostFail;
+        }
+    }
+    std::int32_t GetOptionItem(std::int32_t item, SettingValue& value) override {
+        if (const auto option = options_.find(item); option != options_.end()) {
+            value = option->second;
+        }
+        return kHostOk;
+    }
+
+  private:
+    ProjectFolderProvider projectFolder_;
+    OptionItems options_;
+};
+
+/// Describes a file with all details, by GDAL. Safe on any thread.
+class HostRasterInformation final : public OrvexRasterInformation {
+  public:
+    std::int32_t Describe(const std::wstring& path, RasterProperties& properties,
+                          std::wstring& reason) override {
+        // Without its data GDAL may still know the format, where another part of the process has set it up.
+        const bool isReady = EnsureGdal() == kHostOk;
+        try {
+            properties = ReadRasterProperties(path);
+            return kHostOk;
+        } catch (...) {
+            reason = isReady ? CurrentExceptionText() : Text(41210_lsid);
+            return kHostFail;
+        }
+    }
+};
+
 HostObjectFactory SettingsIn(const std::filesystem::path& path) {
-    // One file object for all: it remembers what it has logged and that it has waited in vain.
+    // Shared by all objects: the file remembers what it has logged and that waiting for access failed.
     const auto file = std::make_shared<ValueFile>(path, ValueFileOwner::User);
     return [file] { return std::make_unique<HostSettings>(file); };
 }

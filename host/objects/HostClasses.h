@@ -1,16 +1,22 @@
 #pragma once
 #include <filesystem>
+#include <functional>
+#include <map>
 
-#include "host/objects/HostApplication.h"
+#include "orvexcommon/HostInterfaces.h"
 
 namespace orvex::host {
+
+/// Returns the folder of the open project, with or without a trailing separator; empty if none is open.
+using ProjectFolderProvider = std::function<std::wstring()>;
+using OptionItems = std::map<std::int32_t, SettingValue>;
 
 /// Option item: KML and KMZ files may be added.
 inline constexpr std::int32_t kAcceptKmlOption = 1019;
 
-/// What the host's objects answer from.
+/// Data behind the host's objects.
 struct HostState {
-    std::filesystem::path settingsFile;  ///< made when first written; see DefaultSettingsFile
+    std::filesystem::path settingsFile;  ///< created by the first write; see DefaultSettingsFile
     ProjectFolderProvider projectFolder;
     OptionItems options{{kAcceptKmlOption, std::int16_t{-1}}};
 };
@@ -18,8 +24,8 @@ struct HostState {
 /// "host.sqlite" in the folder of the user's settings.
 std::filesystem::path DefaultSettingsFile();
 
-/// Makes the settings, application and raster-information objects of this host what the object library hands
-/// out, until destroyed. On Windows to be destroyed on the thread that made it.
+/// Registers the settings, application and raster-information objects of this host with the object library,
+/// until destroyed. On Windows, destroy it on the thread that made it.
 class HostClasses {
   public:
     explicit HostClasses(HostState state);
@@ -27,7 +33,7 @@ class HostClasses {
     HostClasses& operator=(const HostClasses&) = delete;
 
   private:
-    /// One class; taken away at the end.
+    /// Registers one class; unregisters it when destroyed.
     class Registration {
       public:
         Registration(const ClassId& classId, HostObjectFactory factory) : classId_(classId) {

@@ -21,8 +21,8 @@ struct Registry {
 };
 
 Registry& TheRegistry() {
-    // Never destroyed: a class that the host has not taken away when the process ends is none that the
-    // platform's object system could still be told of.
+    // Never destroyed: when the process ends it is too late to unregister classes with the platform's object
+    // system.
     static Registry& registry = *new Registry;
     return registry;
 }
@@ -32,8 +32,8 @@ auto Find(Registry& registry, const orvex::ClassId& classId) {
                         [&](const RegisteredClass& entry) { return entry.classId == classId; });
 }
 
-// What is taken away is destroyed outside the lock, since that may call back.
-void TakeAway(Registry& registry, const orvex::ClassId& classId) {
+// Destroys the entry outside the lock, since that may call back.
+void Unregister(Registry& registry, const orvex::ClassId& classId) {
     RegisteredClass old;
     {
         const std::lock_guard guard(registry.lock);
@@ -50,7 +50,7 @@ void TakeAway(Registry& registry, const orvex::ClassId& classId) {
 
 void RegisterHostClass(const orvex::ClassId& classId, orvex::HostObjectFactory factory) {
     Registry& registry = TheRegistry();
-    TakeAway(registry, classId);
+    Unregister(registry, classId);
     if (factory) {
         auto published = orvex::host::PublishClass(classId, factory);
         const std::lock_guard guard(registry.lock);

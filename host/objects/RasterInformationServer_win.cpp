@@ -2,7 +2,7 @@
 
 #include "support/Text.h"
 #include "support/com/ComGuard_win.h"
-#include "support/com/RasterDetails.h"
+#include "support/com/RasterDetailItems.h"
 #include "support/com/Variant_win.h"
 
 namespace orvex::host {
@@ -19,8 +19,8 @@ HRESULT ReturnText(BSTR* target, bool open, std::wstring_view text) {
     });
 }
 
-// Leaves the reason where the caller looks for it. The failure itself counts, with a reason or without.
-void TellReason(const std::wstring& reason) {
+// Sets the reason as the error info of this thread, as far as possible: the failure is reported in any case.
+void SetReason(const std::wstring& reason) {
     ComPtr<ICreateErrorInfo> error;
     if (reason.empty() || FAILED(CreateErrorInfo(error.Receive()))) {
         return;
@@ -53,7 +53,7 @@ HRESULT RasterInformationServer::Open(BSTR path) {
         std::wstring reason;
         const HRESULT result = information_->Describe(TextOf(path), properties, reason);
         if (FAILED(result)) {
-            TellReason(reason);
+            SetReason(reason);
             return result;
         }
         properties_ = std::move(properties);

@@ -8,7 +8,7 @@
 
 namespace orvex::host {
 
-/// A raster-information object as COM sees it. Lives in any apartment; used by one thread at a time.
+/// COM object around a raster-information object. Lives in any apartment; used by one thread at a time.
 class RasterInformationServer final : public DualObject<IOrvexRasterInformation> {
   public:
     explicit RasterInformationServer(std::unique_ptr<OrvexRasterInformation> information)

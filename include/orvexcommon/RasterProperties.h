@@ -24,6 +24,8 @@ struct RasterBandProperties {
     std::wstring unit;  ///< of the values, as the file names it; empty when not stated
     double scale = 1;   ///< value = stored value * scale + offset
     double offset = 0;
+
+    bool operator==(const RasterBandProperties&) const = default;
 };
 
 /// The most bands that are described one by one; `bands` counts them all.
@@ -46,6 +48,8 @@ struct RasterEssentials {
     std::int32_t bitsPerBand = 0;                 ///< of the first band
     std::int32_t overviews = 0;                   ///< of the first band
     std::optional<std::array<double, 4>> extent;  ///< minX, minY, maxX, maxY in units of the CRS
+
+    bool operator==(const RasterEssentials&) const = default;
 };
 
 /// Properties of one raster file: the essentials, and what an object may say beyond them.
@@ -66,6 +70,8 @@ struct RasterProperties : RasterEssentials {
     std::vector<std::wstring> sidecars;             ///< full paths of the other files that belong to it
     std::uint64_t totalBytes = 0;                   ///< of the file and its sidecars; 0 when unknown
     std::vector<std::wstring> warnings;             ///< what the reader had to say while opening, each once
+
+    bool operator==(const RasterProperties&) const = default;
 };
 
 }  // namespace orvex

@@ -6,8 +6,8 @@
 
 namespace orvex {
 
-/// What the body answers; E_OUTOFMEMORY, the code of a system error, or E_FAIL when it throws. No exception
-/// passes a COM call.
+/// Returns the result of `body`; if it throws, E_OUTOFMEMORY, the code of the std::system_error, or E_FAIL.
+/// Exceptions must not cross a COM call.
 template <typename Body>
 HRESULT Guarded(Body&& body) noexcept {
     try {

@@ -5,7 +5,7 @@
 
 namespace orvex {
 
-/// A counted reference to a COM object, or none.
+/// Owned reference to a COM object, or null.
 template <typename Interface>
 class ComPtr {
   public:
@@ -26,25 +26,25 @@ class ComPtr {
         }
     }
 
-    /// Takes over a reference that the caller holds.
+    /// Takes ownership of the caller's reference.
     static ComPtr Take(Interface* object) {
         ComPtr taken;
         taken.object_ = object;
         return taken;
     }
 
-    /// Hands the reference over to the caller.
+    /// Passes ownership to the caller.
     Interface* Detach() { return std::exchange(object_, nullptr); }
     Interface* Get() const { return object_; }
     Interface* operator->() const { return object_; }
     explicit operator bool() const { return object_ != nullptr; }
 
-    /// Where a function puts a reference for the caller; what was held is released first.
+    /// Out parameter for functions that return a reference; the old one is released first.
     Interface** Receive() {
         *this = ComPtr();
         return &object_;
     }
-    /// The same for functions that take an interface id.
+    /// The same for functions that take an interface id and a void**.
     void** ReceiveAny() { return reinterpret_cast<void**>(Receive()); }
 
   private:

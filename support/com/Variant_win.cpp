@@ -22,7 +22,7 @@ double DecimalNumber(DECIMAL decimal) {
     return number;
 }
 
-/// Nothing for a type that stands for no single value.
+/// nullopt for types that do not stand for a single value.
 std::optional<SettingValue> ValueOf(const VARIANT& variant) {
     constexpr double kCurrencyUnits = 10000;
     switch (variant.vt) {

@@ -8,7 +8,7 @@
 
 namespace orvex {
 
-/// An owned BSTR, or none.
+/// Owned BSTR, or null.
 class BString {
   public:
     BString() = default;
@@ -19,19 +19,19 @@ class BString {
     BString& operator=(const BString&) = delete;
 
     BSTR Get() const { return text_; }
-    /// Where a function puts a text for the caller; what was held is freed first.
+    /// Out parameter for functions that return a text; the old one is freed first.
     BSTR* Receive();
-    /// Hands the text over to the caller.
+    /// Passes ownership to the caller.
     BSTR Detach();
 
   private:
     BSTR text_ = nullptr;
 };
 
-/// The text of a BSTR, with the zeros in it; empty for a null pointer.
+/// Text of a BSTR, embedded zeros included; empty for a null pointer.
 std::wstring TextOf(BSTR text);
 
-/// An owned VARIANT.
+/// Owned VARIANT.
 class Variant {
   public:
     Variant() { VariantInit(&value_); }
@@ -42,19 +42,19 @@ class Variant {
     Variant& operator=(const Variant&) = delete;
 
     const VARIANT& Get() const { return value_; }
-    /// For functions that read and overwrite it.
+    /// In and out parameter.
     VARIANT* InOut() { return &value_; }
-    /// Hands the value over to the caller's own, whose old content is cleared.
+    /// Moves the value to `target`, whose old content is cleared.
     void MoveTo(VARIANT& target);
 
   private:
     VARIANT value_;
 };
 
-/// Reads a variant of any type that stands for one value, also by reference. What no SettingValue has becomes
-/// the next wider kind: other integers 16 or 32 bits, or a double when they need more; other numbers and
-/// dates a double; VT_BOOL -1 or 0; VT_NULL nothing. DISP_E_TYPEMISMATCH for arrays, objects and records;
-/// `value` is left as it was then.
+/// Reads a variant of any type that stands for a single value, also by reference. Types that SettingValue
+/// lacks are widened: integers to 16 or 32 bits, or to a double where they do not fit; other numbers and
+/// dates to a double. VT_BOOL gives -1 or 0, VT_NULL std::monostate. DISP_E_TYPEMISMATCH for arrays, objects
+/// and records; `value` then stays unchanged.
 HRESULT ToSettingValue(const VARIANT& variant, SettingValue& value);
 
 }  // namespace orvex

@@ -1,5 +1,4 @@
-// The raster-information class through COM: where it is found, what remains of it, and objects of other
-// hosts.
+// The raster-information class through COM: apartments, what stays behind, and other hosts' objects.
 #include <OrvexHost.h>
 #include <gtest/gtest.h>
 #include <tlhelp32.h>
@@ -11,8 +10,6 @@
 #include "support/Handle_win.h"
 #include "support/HostObjects.h"
 #include "support/com/ComApartment_win.h"
-#include "support/com/ComPtr_win.h"
-#include "support/com/MtaUsage_win.h"
 #include "support/com/Variant_win.h"
 
 namespace orvex::host {
@@ -201,60 +198,42 @@ class ForeignRasterTest : public ::testing::Test {
         });
         EXPECT_EQ(foreign::LiveObjects(), 0);
     }
-    std::int32_t Describe(const wchar_t* path) {
-        std::int32_t result = kHostOk;
-        OnThread([&] {
-            if (const auto object = maker_(result)) {
-                result = object->Describe(path, properties_, reason_);
-            }
-        });
-        return result;
-    }
 
     MtaUsage usage_;
     DWORD token_ = 0;
-    RasterInformationMaker maker_ = MakeHostObjects()->RasterInformation();
-    RasterProperties properties_;
-    std::wstring reason_;
 };
 
-TEST_F(ForeignRasterTest, WithoutDetailsGivesTheRest) {
-    EXPECT_EQ(Describe(L"plain"), kHostOk);
-    EXPECT_FALSE(properties_.hasDetails);
-    EXPECT_EQ(properties_.width, 300);
-    EXPECT_EQ(properties_.height, 200);
-    EXPECT_EQ(properties_.pixelWidth, 0.25);
-    EXPECT_EQ(properties_.pixelHeight, 0.5);
-    EXPECT_EQ(properties_.linearUnit, L"metre");
-    EXPECT_EQ(properties_.wkt, "LOCAL_CS[\"\xC3\x9C\"]");
-    EXPECT_EQ(properties_.colorModel, 1);
-    EXPECT_EQ(properties_.bands, 3);
-    EXPECT_EQ(properties_.extent, (std::array<double, 4>{1, 2, 3, 4}));
-}
-
-TEST_F(ForeignRasterTest, OddAnswersAreTakenForWhatTheyMean) {
-    EXPECT_EQ(Describe(L"odd"), kHostOk);
-    EXPECT_EQ(properties_.pixelWidth, 0.25) << "a flipped axis";
-    EXPECT_EQ(properties_.pixelHeight, 0) << "no number";
-    EXPECT_EQ(properties_.linearUnit, L"") << "a null text";
-    EXPECT_EQ(properties_.bands, 0);
-    EXPECT_FALSE(properties_.extent.has_value());
-}
-
-TEST_F(ForeignRasterTest, ASizeIsEnough) {
-    EXPECT_EQ(Describe(L"bare"), kHostOk);
-    EXPECT_EQ(properties_.width, 300);
-    EXPECT_EQ(properties_.pixelWidth, 0);
-    EXPECT_EQ(properties_.colorModel, -1);
-    EXPECT_EQ(properties_.rasterKind, -1);
-    EXPECT_FALSE(properties_.extent.has_value());
-}
-
-TEST_F(ForeignRasterTest, AFailureNeedsNoReason) {
-    EXPECT_EQ(Describe(L"no size"), kHostFail);
-    EXPECT_EQ(Describe(L"fails"), static_cast<std::int32_t>(E_ACCESSDENIED));
-    EXPECT_EQ(reason_, L"");
-    EXPECT_EQ(properties_.width, 0);
+TEST_F(ForeignRasterTest, ItsAnswersAreTakenForWhatTheyMean) {
+    const RasterInformationMaker maker = MakeHostObjects()->RasterInformation();
+    const std::array<double, 4> extent{1, 2, 3, 4};
+    const struct {
+        const wchar_t* path;
+        std::int32_t result;
+        RasterEssentials read;
+    } cases[] = {
+        {L"plain",
+         kHostOk,
+         {300, 200, 0.25, 0.5, L"metre", "LOCAL_CS[\"\xC3\x9C\"]", 0, 1, 1, 3, 8, 2, extent}},
+        {L"odd", kHostOk, {300, 200, 0.25, 0, L"", "", 0, 99, -7, 0, 8, 2, {}}},
+        {L"bare", kHostOk, {300, 200, 0, 0, L"", "", 0, -1, -1, 0, 0, 0, {}}},
+        {L"no size", kHostFail, {}},
+        {L"fails", static_cast<std::int32_t>(E_ACCESSDENIED), {}},
+    };
+    for (const auto& c : cases) {
+        std::int32_t result = kHostOk;
+        RasterProperties read;
+        std::wstring reason;
+        OnThread([&] {
+            if (const auto object = maker(result)) {
+                result = object->Describe(c.path, read, reason);
+            }
+        });
+        read.projectionCode = 0;  // the thread's id
+        EXPECT_EQ(result, c.result) << c.path;
+        EXPECT_TRUE(static_cast<const RasterEssentials&>(read) == c.read) << c.path;
+        EXPECT_FALSE(read.hasDetails) << c.path;
+        EXPECT_EQ(reason, L"") << c.path;
+    }
 }
 
 }  // namespace

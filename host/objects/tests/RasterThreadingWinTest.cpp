@@ -1,6 +1,5 @@
-// A raster-information class in a library of another host's, with each of the threading models that its
-// registration may name. Registered by a manifest, as programs without an installer do it: no registry key of
-// the class is made.
+// Another host's raster-information class in a library, with each threading model that its registration may
+// name. A manifest registers it, as in programs without an installer: the registry stays untouched.
 #include <OrvexHost.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// A library that holds the foreign class, as the registry would name it.
+// Library with the foreign class.
 #include <bit>
 
 #include "host/objects/tests/foreign/ForeignRaster_win.h"

@@ -1,4 +1,4 @@
-#include "support/com/RasterDetails.h"
+#include "support/com/RasterDetailItems.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,7 +14,7 @@ constexpr std::wstring_view kSidecars = L"Sidecar";
 constexpr std::wstring_view kWarnings = L"Warning";
 constexpr std::size_t kLongestList = 1000;
 
-/// One detail: its name, and where it is.
+/// Name of a detail, and the member that holds it.
 template <typename Owner>
 struct Detail {
     std::wstring_view name;
@@ -54,7 +54,7 @@ constexpr Detail<Band> kBandDetails[] = {
 };
 
 struct ValueMaker {
-    // An empty text is one that is not stated.
+    // An empty text counts as not stated.
     SettingValue operator()(const std::wstring& text) const {
         return text.empty() ? SettingValue() : SettingValue(text);
     }

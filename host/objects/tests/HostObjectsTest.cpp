@@ -1,0 +1,198 @@
+// The component's way to the real objects of this host: through the object library, on Windows through COM.
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <thread>
+
+#include "host/objects/HostClasses.h"
+#include "raster/RasterInspection.h"
+#include "raster/testing/GeoTiff.h"
+#include "settings/SystemSettings.h"
+#include "settings/ValueFile.h"
+#include "support/HostObjects.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
+
+namespace orvex::host {
+namespace {
+
+class HostObjectsTest : public ::testing::Test {
+  protected:
+    HostState State() const {
+        return {folder_.Path() / "host.sqlite", [this] { return projectFolder_; }};
+    }
+    std::unique_ptr<OrvexSystemSettings> Settings() {
+        std::int32_t result = kHostOk;
+        return host_->CreateSystemSettings(result);
+    }
+    std::unique_ptr<OrvexApplication> Application() {
+        std::int32_t result = kHostOk;
+        return host_->CreateApplication(result);
+    }
+    /// Expects a setting to be read as `wanted`, whatever the caller has preset.
+    void ExpectSetting(const wchar_t* section, const wchar_t* key, SettingValue preset,
+                       const SettingValue& wanted) {
+        EXPECT_EQ(Settings()->Get(section, key, preset), kHostOk);
+        EXPECT_TRUE(preset == wanted) << ToUtf8(key) << " of type " << preset.index();
+    }
+
+    /// Asks the raster-information object on a worker thread, as the component does.
+    std::int32_t Describe(const std::wstring& path, RasterProperties& properties, std::wstring& reason) {
+        std::int32_t result = kHostOk;
+        std::thread([&, maker = host_->RasterInformation()] {
+            if (const auto object = maker(result)) {
+                result = object->Describe(path, properties, reason);
+            }
+        }).join();
+        return result;
+    }
+
+    testing::TemporaryFolder folder_;
+    std::wstring projectFolder_;
+    std::unique_ptr<HostObjects> host_ = MakeHostObjects();
+};
+
+TEST_F(HostObjectsTest, ExistWhileTheClassesDo) {
+    std::int32_t result = kHostOk;
+    EXPECT_EQ(host_->CreateSystemSettings(result), nullptr);
+    EXPECT_EQ(result, kHostClassNotRegistered);
+    {
+        const HostClasses classes(State());
+        EXPECT_NE(host_->CreateSystemSettings(result), nullptr);
+        EXPECT_EQ(result, kHostOk);
+        EXPECT_NE(host_->CreateApplication(result), nullptr);
+    }
+    EXPECT_EQ(host_->CreateApplication(result), nullptr);
+    EXPECT_EQ(result, kHostClassNotRegistered);
+    try {
+        const SystemSettings settings(*host_);
+        ADD_FAILURE() << "settings without a host";
+    } catch (const LDataError& error) {
+        EXPECT_EQ(error.Text(), L"Failed to create OrvexSystemSettings object");
+    }
+}
+
+TEST_F(HostObjectsTest, SettingsKeepTheirTypesFromRunToRun) {
+    const struct {
+        const wchar_t* key;
+        SettingValue value;
+    } cases[] = {
+        {L"bool", std::int16_t{-1}},
+        {L"number", std::int32_t{-70000}},
+        {L"real", 0.1},
+        {L"Größe \U0001F600", L"<ORVEX_PROJECT_PATH>\\Größe \U0001F600"},
+        {L"odd text", std::wstring(L"a\0b", 3) + static_cast<wchar_t>(0xD800)},
+        {L"empty text", L""},
+    };
+    {
+        const HostClasses classes(State());
+        for (const auto& c : cases) {
+            EXPECT_EQ(Settings()->Set(L"AddFilesDlg", c.key, std::int32_t{1}), kHostOk);
+            EXPECT_EQ(Settings()->Set(L"AddFilesDlg", c.key, c.value), kHostOk);
+        }
+    }
+    const HostClasses classes(State());
+    for (const auto& c : cases) {
+        ExpectSetting(L"AddFilesDlg", c.key, L"preset", c.value);
+        ExpectSetting(L"AddFilesDlg", c.key, std::monostate(), c.value);
+        ExpectSetting(L"Other", c.key, c.value, c.value);
+        EXPECT_EQ(Settings()->Set(L"AddFilesDlg", c.key, std::monostate()), kHostOk) << "removes it";
+        ExpectSetting(L"AddFilesDlg", c.key, std::monostate(), std::monostate());
+    }
+}
+
+TEST_F(HostObjectsTest, DataOfNoSettingTypeCountsAsNotStored) {
+    const HostClasses classes(State());
+    ValueFile file(State().settingsFile, ValueFileOwner::User);
+    const std::byte three[3]{};
+    for (const std::int64_t type : {-1, 1, 2, 3, 99}) {
+        EXPECT_EQ(file.Store(L"AddFilesDlg", L"odd", type, three), ValueStatus::Ok);
+        ExpectSetting(L"AddFilesDlg", L"odd", std::int16_t{7}, std::int16_t{7});
+    }
+}
+
+TEST_F(HostObjectsTest, AnUnusableSettingsFileIsAFailureThatTheComponentLivesWith) {
+    std::filesystem::create_directory(State().settingsFile);
+    const HostClasses classes(State());
+    SettingValue value = std::int16_t{7};
+    EXPECT_EQ(Settings()->Get(L"AddFilesDlg", L"key", value), kHostFail);
+    EXPECT_EQ(Settings()->Set(L"AddFilesDlg", L"key", value), kHostFail);
+    SystemSettings settings(*host_);
+    settings.SetBool(L"DEMAutoPyramid", false);
+    EXPECT_TRUE(settings.GetBool(L"DEMAutoPyramid", true));
+}
+
+TEST_F(HostObjectsTest, TheApplicationKnowsTheProjectAndItsOptions) {
+    const HostClasses classes(State());
+    const auto application = Application();
+    const struct {
+        const wchar_t *open, *given;
+    } cases[] = {{L"", L""}, {L"/projects/a", L"/projects/a/"}, {L"/projects/a/", L"/projects/a/"}};
+    for (const auto& c : cases) {
+        projectFolder_ = c.open;
+        std::wstring folder = L"?";
+        EXPECT_EQ(application->GetProjectFolder(folder), kHostOk);
+        EXPECT_EQ(std::filesystem::path(folder).generic_wstring(), c.given);
+    }
+    SettingValue value;
+    EXPECT_EQ(application->GetOptionItem(kAcceptKmlOption, value), kHostOk);
+    EXPECT_TRUE(value == SettingValue(std::int16_t{-1}));
+    EXPECT_EQ(application->GetOptionItem(1, value), kHostOk);
+    EXPECT_TRUE(value == SettingValue(std::int16_t{-1})) << "an option that is not set changes nothing";
+}
+
+TEST_F(HostObjectsTest, AProjectFolderProviderThatThrowsIsAFailure) {
+    const HostClasses classes(
+        {State().settingsFile, []() -> std::wstring { throw std::runtime_error("no"); }});
+    std::wstring folder = L"?";
+    EXPECT_EQ(Application()->GetProjectFolder(folder), kHostFail);
+    EXPECT_EQ(folder, L"?");
+}
+
+// Whether the host has the class or the component reads the file by itself, the row is the same.
+TEST_F(HostObjectsTest, ARasterIsDescribedWithAllDetails) {
+    testing::GeoTiff tiff;
+    tiff.bands = 3;
+    tiff.options = {"COMPRESS=DEFLATE"};
+    tiff.change = [](GDALDatasetH dataset) { GDALSetRasterNoDataValue(GDALGetRasterBand(dataset, 1), -1); };
+    const std::wstring path = tiff.Write(folder_, L"\u00dcber\U0001F5FA.tif");
+    const auto inspect = [&] {
+        return InspectRasterFile(path, RasterUse::Image, host_->RasterInformation()).properties;
+    };
+    const RasterProperties withoutClass = inspect();
+    const HostClasses classes(State());
+    RasterProperties described;
+    std::wstring reason;
+    EXPECT_EQ(Describe(path, described, reason), kHostOk) << ToUtf8(reason);
+    for (const RasterProperties& read : {withoutClass, described, inspect()}) {
+        EXPECT_EQ(read.width, 20);
+        EXPECT_EQ(read.height, 10);
+        EXPECT_EQ(read.pixelWidth, 0.5);
+        EXPECT_EQ(read.projectionCode, 32633);
+        EXPECT_EQ(read.linearUnit, L"metre");
+        EXPECT_EQ(read.extent, (std::array<double, 4>{500000, 5299995, 500010, 5300000}));
+        EXPECT_TRUE(read.hasDetails);
+        EXPECT_EQ(read.driver, L"GTiff");
+        EXPECT_EQ(read.compression, L"DEFLATE");
+        ASSERT_EQ(read.bandDetails.size(), 3U);
+        EXPECT_EQ(read.bandDetails[0].nodata, -1);
+        EXPECT_EQ(read.wkt, withoutClass.wkt);
+        EXPECT_EQ(read.transform, withoutClass.transform);
+        EXPECT_EQ(read.totalBytes, withoutClass.totalBytes);
+    }
+}
+
+TEST_F(HostObjectsTest, AFileThatIsNoRasterIsRefusedWithTheReason) {
+    const HostClasses classes(State());
+    for (const std::wstring& path :
+         {folder_.Write(L"empty.tif", ""), folder_.Name(L"missing.tif"), FromPath(folder_.Path())}) {
+        RasterProperties properties;
+        std::wstring reason;
+        EXPECT_EQ(Describe(path, properties, reason), kHostFail) << ToUtf8(path);
+        EXPECT_NE(reason, L"") << ToUtf8(path);
+        EXPECT_EQ(properties.width, 0);
+    }
+}
+
+}  // namespace
+}  // namespace orvex::host
