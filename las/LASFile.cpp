@@ -152,7 +152,7 @@ void LASFile::ReadExtraBytes() {
             vlr.Description().substr(0, 31) == "Xtra:range/incidentVec/photoNdx") {
             hasRangeIncidencePhotoIndex_ = true;
         }
-        extraBytes_.GetExtraByteOffsets(vlr.Data());
+        extraBytes_.Add(vlr.Data());
     }
 }
 

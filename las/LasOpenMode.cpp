@@ -8,12 +8,12 @@ namespace orvex {
 
 namespace {
 
-/// Opens files one by one and keeps what went wrong.
+/// Opens files one by one and collects the failures.
 class Reopener {
   public:
     Reopener(bool readWrite, Kst::ProgressIf& progress) : readWrite_(readWrite), progress_(progress) {}
 
-    /// The row's file as wanted; null when the one that is open will do, or when it failed.
+    /// The row's file in the requested mode; null if the open one will do, or after a failure.
     std::unique_ptr<LASFile> Reopen(const LasRow& row, LasReopened& result) {
         if (row.inspection.file == nullptr) {
             return nullptr;

@@ -231,7 +231,7 @@ std::vector<EvlrEntry> ReadEvlrs(const MappedFile& file, std::uint64_t start, st
     }
 }
 
-void ExtraBytes::GetExtraByteOffsets(std::span<const std::byte> descriptors, std::size_t mostAttributes) {
+void ExtraBytes::Add(std::span<const std::byte> descriptors, std::size_t mostAttributes) {
     const ByteReader reader(descriptors);
     const std::size_t count = std::min(descriptors.size() / kDescriptorSize, mostAttributes);
     std::uint64_t offset = 0;

@@ -133,8 +133,7 @@ class ExtraBytes {
 
     /// Adds the attributes of a record's data, the first at offset 0; at most `mostAttributes`. A partial
     /// descriptor at the end is ignored. Throws LDataError for data types above 10.
-    void GetExtraByteOffsets(std::span<const std::byte> descriptors,
-                             std::size_t mostAttributes = kMostAttributes);
+    void Add(std::span<const std::byte> descriptors, std::size_t mostAttributes = kMostAttributes);
 
     const std::vector<ExtraBytesAttribute>& Attributes() const { return attributes_; }
     /// First attribute of a name; null if there is none.

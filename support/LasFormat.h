@@ -120,6 +120,28 @@ constexpr const PointFormatFacts* FindPointFormat(int format) {
                                                      : nullptr;
 }
 
+/// Offsets in a point record. Legacy formats are those below kFirstExtendedFormat; GPS time and colour are
+/// there only if the format has them, and legacy colour has this offset only behind GPS time.
+namespace point_at {
+inline constexpr std::size_t kPosition = 0;  // X, Y, Z as 32-bit steps of the scale
+inline constexpr std::size_t kIntensity = 12;
+inline constexpr std::size_t kReturns = 14;
+inline constexpr std::size_t kLegacyClassification = 15;  // with its flags
+inline constexpr std::size_t kClassificationFlags = 15;
+inline constexpr std::size_t kClassification = 16;
+inline constexpr std::size_t kLegacyGpsTime = 20;
+inline constexpr std::size_t kGpsTime = 22;
+inline constexpr std::size_t kLegacyColor = 28;
+inline constexpr std::size_t kColor = 30;
+}  // namespace point_at
+
+/// Return byte of the only return of a pulse.
+inline constexpr std::uint8_t kLegacyOnlyReturn = 0x09;
+inline constexpr std::uint8_t kOnlyReturn = 0x11;
+/// Flag of synthetic points, in the classification byte or in the flags byte.
+inline constexpr std::uint8_t kLegacySyntheticFlag = 0x20;
+inline constexpr std::uint8_t kSyntheticFlag = 0x01;
+
 /// Variable length records (VLRs) and extended ones (EVLRs): sizes of their headers, and offsets in them. The
 /// data's length takes 16 bits in a VLR and 64 in an EVLR.
 inline constexpr std::size_t kVlrHeaderSize = 54;

@@ -58,22 +58,23 @@ std::uint16_t RecordLength(const SampleTile& tile) {
 std::string PointRecord(const SampleTile& tile, const std::array<std::int32_t, 3>& position,
                         const SampleTerrain& terrain, double time) {
     const bool extended = tile.pointFormat >= las::kFirstExtendedFormat;
-    const std::size_t afterXyz = 12;
+    namespace at = las::point_at;
     FieldBlock point(RecordLength(tile));
     for (std::size_t axis = 0; axis < 3; ++axis) {
-        point.Put(axis * 4, position[axis]);
+        point.Put(at::kPosition + axis * 4, position[axis]);
     }
     const std::uint8_t classification = terrain.isWater ? 9 : (terrain.isTree ? 5 : 2);
-    point.Put(afterXyz, static_cast<std::uint16_t>(terrain.isTree ? 700 : (terrain.isWater ? 150 : 1400)));
-    point.Put(14, static_cast<std::uint8_t>(extended ? 0x11 : 0x09));  // the only return of its pulse
-    point.Put(extended ? 16 : 15, classification);
-    point.Put<double>(extended ? 22 : 20, time);
+    point.Put(at::kIntensity,
+              static_cast<std::uint16_t>(terrain.isTree ? 700 : (terrain.isWater ? 150 : 1400)));
+    point.Put(at::kReturns, extended ? las::kOnlyReturn : las::kLegacyOnlyReturn);
+    point.Put(extended ? at::kClassification : at::kLegacyClassification, classification);
+    point.Put<double>(extended ? at::kGpsTime : at::kLegacyGpsTime, time);
     const std::array<std::uint16_t, 3> colour =
         terrain.isWater  ? std::array<std::uint16_t, 3>{12000, 24000, 42000}
         : terrain.isTree ? std::array<std::uint16_t, 3>{14000, 34000, 12000}
                          : std::array<std::uint16_t, 3>{36000, 32000, 22000};
     for (std::size_t i = 0; i < 3; ++i) {
-        point.Put((extended ? 30U : 28U) + i * 2, colour[i]);
+        point.Put((extended ? at::kColor : at::kLegacyColor) + i * 2, colour[i]);
     }
     return point.Take();
 }

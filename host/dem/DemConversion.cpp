@@ -38,11 +38,11 @@ constexpr int kMostNames = 100000;
 std::string BareRecord(int minorVersion, int pointFormat) {
     std::string record(las::FindPointFormat(pointFormat)->minimumLength, '\0');
     if (pointFormat >= las::kFirstExtendedFormat) {
-        record[14] = 0x11;  // return 1 of 1
-        record[15] = 0x01;  // synthetic
+        record[las::point_at::kReturns] = las::kOnlyReturn;
+        record[las::point_at::kClassificationFlags] = las::kSyntheticFlag;
     } else {
-        record[14] = 0x09;
-        record[15] = minorVersion > 0 ? 0x20 : 0;
+        record[las::point_at::kReturns] = las::kLegacyOnlyReturn;
+        record[las::point_at::kLegacyClassification] = minorVersion > 0 ? las::kLegacySyntheticFlag : 0;
     }
     return record;
 }

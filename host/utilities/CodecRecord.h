@@ -5,9 +5,9 @@
 
 namespace orvex {
 
-/// Checks what the codec believes unseen: its own record ("laszip encoded", 22204: the kinds and sizes of
-/// what a point consists of) and that the table of chunks is there. Throws LDataError when they
-/// cannot be right. A file without the record is not compressed and passes.
+/// Checks what the codec trusts blindly: its own record (the kinds and sizes of the items of a point) and the
+/// presence of the chunk table. Throws LDataError if they cannot be right. A file without the record is not
+/// compressed and passes.
 void RequireUsableCodecRecord(const std::wstring& path, const LazLayout& layout);
 
 }  // namespace orvex

@@ -5,8 +5,7 @@
 
 namespace orvex {
 
-/// The GeoTIFF keys of a LAS file, checked: every key that is left lies inside its record and has the kind of
-/// value that its number says.
+/// Checked GeoKeys of a LAS file: each lies inside its record and has the type of value that its id requires.
 struct GeoKeys {
     std::vector<std::uint16_t> directory;  ///< four numbers of header, then four a key; empty for no keys
     std::vector<double> doubles;

@@ -13,24 +13,28 @@ constexpr std::uint16_t kAny = FileIdRegistry::kAny;
 
 TEST(FileIdRegistry, GivesAndReplacesIds) {
     FileIdRegistry registry;
-    EXPECT_EQ(registry.FileId(L"a", kAny), 0);
-    EXPECT_EQ(registry.FileId(L"b", kAny), 1);
-    const std::wstring* recorded = registry.RecordedName(L"b");
-    ASSERT_NE(recorded, nullptr);
+    const struct {
+        const wchar_t* name;
+        std::uint16_t requested, id;
+    } steps[] = {{L"a", kAny, 0},
+                 {L"b", kAny, 1},
+                 {L"a", kAny, 0},
+                 {L"a", 0, 0},
+                 {L"b", 40, 40},
+                 {L"b", kAny, 40},
+                 {L"c", kAny, 41},
+                 // Two names can be given one id; the largest goes when the last of its names does.
+                 {L"a", 41, 41},
+                 {L"c", 3, 3},
+                 {L"d", kAny, 42},
+                 {L"d", 1, 1},
+                 {L"a", 2, 2},
+                 {L"e", kAny, 41}};
+    for (const auto& step : steps) {
+        EXPECT_EQ(registry.FileId(step.name, step.requested), step.id) << step.requested;
+    }
+    EXPECT_EQ(*registry.RecordedName(L"b"), L"b");
     EXPECT_EQ(registry.RecordedName(L"never asked for"), nullptr);
-    EXPECT_EQ(registry.FileId(L"a", kAny), 0);
-    EXPECT_EQ(registry.FileId(L"a", 0), 0);
-    EXPECT_EQ(registry.FileId(L"b", 40), 40);
-    EXPECT_EQ(registry.FileId(L"b", kAny), 40);
-    EXPECT_EQ(registry.FileId(L"c", kAny), 41);
-    // Two names can be given one id; the largest goes when the last of its names does.
-    EXPECT_EQ(registry.FileId(L"a", 41), 41);
-    EXPECT_EQ(registry.FileId(L"c", 3), 3);
-    EXPECT_EQ(registry.FileId(L"d", kAny), 42);
-    EXPECT_EQ(registry.FileId(L"d", 1), 1);
-    EXPECT_EQ(registry.FileId(L"a", 2), 2);
-    EXPECT_EQ(registry.FileId(L"e", kAny), 41);
-    EXPECT_EQ(*recorded, L"b");
 }
 
 TEST(FileIdRegistry, ReusesFreeIdsAtTheEndOfTheNumbers) {

@@ -13,11 +13,7 @@ namespace {
 
 using testing::LasBuilder;
 
-std::unique_ptr<LASFile> OpenMapped(const std::wstring& path, bool readOnly = true) {
-    return LASFile::Open(path, readOnly, false);
-}
-
-/// Every point is in exactly the view that says it holds it, and the views hold nothing else.
+/// Expects every point in exactly the view that ViewOf gives, and nothing else in the views.
 void ExpectWholeCover(const LasPointViews& points) {
     std::uint64_t next = 0;
     for (std::uint64_t i = 0; i < points.ViewCount(); ++i) {
@@ -34,15 +30,22 @@ void ExpectWholeCover(const LasPointViews& points) {
     EXPECT_THROW(points.Map(points.ViewCount()), LDataError);
 }
 
-TEST(LasPointViews, CoverEveryPointOnce) {
-    const testing::LasFolder folder;
+class LasPointViewsTest : public ::testing::Test {
+  protected:
+    std::unique_ptr<LASFile> OpenMapped(const LasBuilder& builder, bool readOnly = true) const {
+        return LASFile::Open(folder_.Write(builder), readOnly, false);
+    }
+
+    const testing::LasFolder folder_;
+};
+
+TEST_F(LasPointViewsTest, CoverEveryPointOnce) {
     const std::uint64_t granularity = LasPointViews::Granularity();
     EXPECT_EQ(granularity, 4 * MappedFile::AllocationGranularity());
     // About three views; the first record begins at odd places in its view.
     for (const std::size_t gap : {std::size_t{0}, std::size_t{13}, granularity - 228, granularity}) {
         const auto count = static_cast<std::size_t>(3 * granularity / 28);
-        const auto file =
-            OpenMapped(folder.Write(LasBuilder(12, 1).AddPoints(count).Gap(std::string(gap, 'g'))));
+        const auto file = OpenMapped(LasBuilder(12, 1).AddPoints(count).Gap(std::string(gap, 'g')));
         ASSERT_NE(file->Points(), nullptr);
         EXPECT_EQ(file->Points()->PointCount(), count);
         ExpectWholeCover(*file->Points());
@@ -56,10 +59,9 @@ TEST(LasPointViews, CoverEveryPointOnce) {
     }
 }
 
-TEST(LasPointViews, HoldWholeRecordsOfTheFileOnly) {
-    const testing::LasFolder folder;
+TEST_F(LasPointViewsTest, HoldWholeRecordsOfTheFileOnly) {
     const auto pointsOf = [&](const LasBuilder& builder) {
-        const auto file = OpenMapped(folder.Write(builder));
+        const auto file = OpenMapped(builder);
         return file->Points() == nullptr ? -1 : static_cast<std::int64_t>(file->Points()->PointCount());
     };
     const LasBuilder ten = LasBuilder(12, 0).AddPoints(10);
@@ -68,43 +70,37 @@ TEST(LasPointViews, HoldWholeRecordsOfTheFileOnly) {
     EXPECT_EQ(pointsOf(LasBuilder(ten).Lie<std::uint32_t>(107, 0xFFFFFFFF)), 10);
     EXPECT_EQ(pointsOf(LasBuilder(ten).Lie<std::uint32_t>(96, 0xFFFFFFFF)), 0);
     EXPECT_EQ(pointsOf(LasBuilder(ten).Lie<std::uint16_t>(105, 0)), -1);
+    EXPECT_EQ(pointsOf(LasBuilder(ten).MarkCompressed()), -1);
     EXPECT_EQ(pointsOf(LasBuilder(12, 0)), 0);
 }
 
-TEST(LasPointViews, TakeRecordsLongerThanAView) {
-    const testing::LasFolder folder;
+TEST_F(LasPointViewsTest, TakeRecordsLongerThanAView) {
     LasBuilder builder(12, 0);
     builder.Append(std::string(std::size_t{5} * 65535, 'p')).Lie<std::uint16_t>(105, 65535);
-    const auto file = OpenMapped(folder.Write(builder.Lie<std::uint32_t>(107, 5)));
+    const auto file = OpenMapped(builder.Lie<std::uint32_t>(107, 5));
     EXPECT_EQ(file->Points()->PointCount(), 5U);
     ExpectWholeCover(*file->Points());
 }
 
-TEST(LasPointViews, ReachBeyondFourGigabytes) {
-    const testing::LasFolder folder;
+TEST_F(LasPointViewsTest, ReachBeyondFourGigabytes) {
     constexpr std::uint64_t kPoints = 200'000'000;
     constexpr std::uint64_t kStart = 375;
     constexpr std::uint64_t kLength = 30;
-    const std::wstring path = folder.Write(LasBuilder(14, 6).Lie(247, kPoints));
+    const std::wstring path = folder_.Write(LasBuilder(14, 6).Lie(247, kPoints));
     testing::GrowSparse(path, kStart + kPoints * kLength);
     testing::WriteAt(path, kStart + (kPoints - 1) * kLength,
                      testing::Bytes(std::int32_t{100}, std::int32_t{200}, std::int32_t{300}));
 
-    const auto file = OpenMapped(path);
+    const auto file = LASFile::Open(path, true, false);
     ASSERT_EQ(file->Points()->PointCount(), kPoints);
     const LasPointView view = file->Points()->Map(file->Points()->ViewOf(kPoints - 1));
     EXPECT_EQ(view.Position(kPoints - 1), (std::array<double, 3>{1, 2, 3}));
     EXPECT_EQ(view.FirstPoint() + view.Count(), kPoints);
 }
 
-TEST(LasPointViews, EditFilesOpenedReadWrite) {
-    const testing::LasFolder folder;
-    const std::wstring path = folder.Write(LasBuilder(12, 0).AddPoints(3));
-    {
-        const auto file = OpenMapped(path, false);
-        file->Points()->Map(0).Record(1)[0] = std::byte{0x5A};
-    }
-    EXPECT_EQ(testing::ReadFile(path)[227 + 20], 0x5A);
+TEST_F(LasPointViewsTest, EditFilesOpenedReadWrite) {
+    OpenMapped(LasBuilder(12, 0).AddPoints(3), false)->Points()->Map(0).Record(1)[0] = std::byte{0x5A};
+    EXPECT_EQ(testing::ReadFile(folder_.Name(L"a.las"))[227 + 20], 0x5A);
 }
 
 TEST(Octant, SplitsAtTheMidpoints) {

@@ -182,7 +182,7 @@ TEST(ExtraBytes, AddsUpTheSizesOfTheDataTypes) {
         data += Descriptor(dataType, 3, "attribute " + std::to_string(dataType));
     }
     ExtraBytes extraBytes;
-    extraBytes.GetExtraByteOffsets(BytesOf(data));
+    extraBytes.Add(BytesOf(data));
     const std::uint64_t offsets[] = {0, 3, 4, 5, 7, 9, 13, 17, 25, 33, 37};
     ASSERT_EQ(extraBytes.Attributes().size(), 11U);
     for (std::size_t i = 0; i < 11; ++i) {
@@ -197,7 +197,7 @@ TEST(ExtraBytes, CountsWholeDescriptorsUpToTheLimit) {
     const std::string data = Descriptor(1, 0, "a") + Descriptor(2, 0, "b") + Descriptor(11, 0, "c");
     const auto countOf = [&](std::size_t length, std::size_t most) {
         ExtraBytes extraBytes;
-        extraBytes.GetExtraByteOffsets(BytesOf(data).first(length), most);
+        extraBytes.Add(BytesOf(data).first(length), most);
         return extraBytes.Attributes().size();
     };
     EXPECT_EQ(countOf(191, 9), 0U);

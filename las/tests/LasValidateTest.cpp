@@ -55,6 +55,7 @@ TEST_F(LasValidateTest, FindsNothingInGoodFiles) {
     EXPECT_EQ(Codes(Good().MarkCompressed().Cut(500)), std::vector<Code>());
 }
 
+// Worst first, then by offset.
 TEST_F(LasValidateTest, FindsWhatIsOdd) {
     constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
     constexpr double kInfinite = std::numeric_limits<double>::infinity();
@@ -117,17 +118,6 @@ TEST_F(LasValidateTest, SaysItInPlainWords) {
     EXPECT_EQ(textOf(Good().Lie(139, 0.0).Lie(147, 0.0)), L"The scale factor is zero in Y, Z.");
     EXPECT_EQ(textOf(Good().Lie<std::uint32_t>(100, 4000000000)),
               L"The header counts 4000000000 variable length records (VLRs); 1 were found.");
-}
-
-TEST_F(LasValidateTest, SortsTheWorstFirst) {
-    std::vector<LasFinding> findings{{Code::NoCrs, FindingSeverity::Note, 1, L""},
-                                     {Code::NoPoints, FindingSeverity::Warning, 9, L""},
-                                     {Code::ScaleZero, FindingSeverity::Warning, 2, L""},
-                                     {Code::PointsTruncated, FindingSeverity::Error, 50, L""}};
-    SortFindings(findings);
-    std::vector<Code> codes(findings.size());
-    std::ranges::transform(findings, codes.begin(), &LasFinding::code);
-    EXPECT_EQ(codes, (std::vector{Code::PointsTruncated, Code::ScaleZero, Code::NoPoints, Code::NoCrs}));
 }
 
 }  // namespace
