@@ -96,7 +96,7 @@ int main(int argc, char** argv) {
         std::cerr << "usage: orvex-bench-dem [--output FILE]\n";
         return 2;
     }
-    if (EnsureGdal() != 0) {
+    if (!EnsureGdal()) {
         std::cerr << "GDAL's data is missing beside this program\n";
         return 1;
     }

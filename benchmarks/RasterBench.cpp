@@ -15,7 +15,7 @@
 #include "benchmarks/BenchOptions.h"
 #include "benchmarks/Corpus.h"
 #include "benchmarks/Figures.h"
-#include "crs/GdalDataset.h"
+#include "crs/GdalRaii.h"
 #include "crs/GdalSetup.h"
 #include "raster/RasterInspection.h"
 #include "support/Text.h"
@@ -112,7 +112,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     orvex::bench::Figures figures;
-    if (orvex::EnsureGdal() != 0) {
+    if (!orvex::EnsureGdal()) {
         std::cerr << "GDAL's data is missing beside this program\n";
         return 1;
     }

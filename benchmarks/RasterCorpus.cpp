@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "benchmarks/Corpus.h"
-#include "crs/GdalDataset.h"
+#include "crs/GdalRaii.h"
 
 namespace orvex::bench {
 

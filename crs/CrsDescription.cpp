@@ -20,7 +20,7 @@ constexpr char kDefaultWkt[] =
     R"wkt(COMPD_CS["WGS 84 + EGM96 height (Meters)",GEOGCS["WGS 84",DATUM["WGS_1984",SPHEROID["WGS 84",6378137,298.257223563,AUTHORITY["EPSG","7030"]],AUTHORITY["EPSG","6326"]],PRIMEM["Greenwich",0,AUTHORITY["EPSG","8901"]],UNIT["degree",0.0174532925199433,AUTHORITY["EPSG","9122"]],AXIS["Latitude",NORTH],AXIS["Longitude",EAST],AUTHORITY["EPSG","4326"]],VERT_CS["EGM96 height (Meters)",VERT_DATUM["EGM96 geoid",2005,AUTHORITY["EPSG","5171"]],UNIT["metre",1,AUTHORITY["EPSG","9001"]],AXIS["Gravity-related height",UP],AUTHORITY["EPSG","5773"]]])wkt";
 static_assert(sizeof(kDefaultWkt) - 1 == 534);
 
-/// A CRS that GDAL parses but cannot fully validate (corrupt data, unsupported) is still named and shown.
+/// A CRS that GDAL parses but cannot fully validate (corrupt data, unsupported) is shown all the same.
 bool IsAccepted(OGRErr validation) {
     return validation == OGRERR_NONE || validation == OGRERR_CORRUPT_DATA ||
            validation == OGRERR_UNSUPPORTED_SRS;
@@ -39,10 +39,10 @@ std::string ExportPretty(const OGRSpatialReference& crs) {
     return pretty;
 }
 
-/// WKT1 where the CRS can be expressed in it, else WKT2. The option is the process's; the caller holds the
-/// lock under which descriptions are made, and the option is left at "WKT1".
+/// WKT1 where the CRS can be expressed in it, else WKT2. Changes an option of the whole process, which is
+/// left at "WKT1"; CrsCache runs one description at a time.
 std::string PrettyWkt(const OGRSpatialReference& crs) {
-    // From the first description on, so that a text does not depend on what was described before it.
+    // Set for each description, so that its text does not depend on those before it.
     CPLSetConfigOption(kWktFormatOption, "WKT1");
     std::string pretty = ExportPretty(crs);
     if (pretty.empty()) {
@@ -71,7 +71,7 @@ std::wstring VerticalName(const OGRSpatialReference& crs) {
     return {};
 }
 
-/// What does not come from validation, units or the pretty text.
+/// Fills the EPSG code and the name of the vertical part.
 void AddCodes(const OGRSpatialReference& crs, CrsDescription& description) {
     description.verticalName = VerticalName(crs);
     long others[5] = {};

@@ -9,14 +9,12 @@
 #include "support/Files.h"
 #include "support/GdalErrorScope.h"
 #include "support/ModuleFolder.h"
-#include "support/ProjData.h"
+#include "support/SpatialReference.h"
 #include "support/Text.h"
 
 namespace orvex {
 namespace {
 
-constexpr std::int32_t kReady = 0;
-constexpr auto kFailed = static_cast<std::int32_t>(0x80004005U);
 constexpr double kCacheFraction = 0.25;
 
 std::string Utf8Of(const std::filesystem::path& path) {
@@ -33,7 +31,7 @@ bool SetUp(const std::filesystem::path& folder) {
     const GdalErrorScope errors;
     CPLSetConfigOption("GDAL_DATA", Utf8Of(data).c_str());
     CPLSetConfigOption("GDAL_DRIVER_PATH", Utf8Of(plugins).c_str());
-    // A moved folder brings its own, whatever the system has.
+    // The component brings its own, whatever the system has.
     PreferProjData(folder / "proj");
     OrvexUtilities::SetGDALRasterCacheSize(kCacheFraction);
     GDALAllRegister();
@@ -42,20 +40,20 @@ bool SetUp(const std::filesystem::path& folder) {
 
 }  // namespace
 
-std::int32_t GdalSetup::Run(const std::filesystem::path& folder) {
+bool GdalSetup::Run(const std::filesystem::path& folder) {
     if (!attempted_) {
         attempted_ = true;
         succeeded_ = SetUp(folder);
     }
-    return succeeded_ ? kReady : kFailed;
+    return succeeded_;
 }
 
-std::int32_t GdalSetup::Run() {
-    // Looked up once: this is asked for every file.
+bool GdalSetup::Run() {
+    // Looking the folder up takes a system call, and this runs for every file.
     return Run(attempted_ ? std::filesystem::path() : ModuleFolder());
 }
 
-std::int32_t EnsureGdal() {
+bool EnsureGdal() {
     static std::mutex lock;
     static GdalSetup setup;
     const std::lock_guard guard(lock);

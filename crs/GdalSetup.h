@@ -1,25 +1,23 @@
 #pragma once
-#include <cstdint>
 #include <filesystem>
 
 namespace orvex {
 
-/// One class's set-up of GDAL from the folder that the component lies in: the first call does the work, later
-/// calls only report its outcome.
+/// Sets GDAL up from the component's folder: the first call does the work, later calls return its outcome.
 class GdalSetup {
   public:
-    /// 0 when GDAL is ready, 0x80004005 (as a negative number) when "gdal-data", "gdalplugins" or "pcs.csv"
-    /// is missing below `folder`; GDAL is not touched then.
-    std::int32_t Run(const std::filesystem::path& folder);
-    /// Run with the component's own folder.
-    std::int32_t Run();
+    /// False when "gdal-data", "gdal-data/pcs.csv" or "gdalplugins" is missing in `folder`; GDAL is then left
+    /// as it is.
+    bool Run(const std::filesystem::path& folder);
+    /// Run with the folder that the component lies in.
+    bool Run();
 
   private:
     bool attempted_ = false;
     bool succeeded_ = false;
 };
 
-/// The set-up that the LAS inspection and the command line share. Safe from any thread.
-std::int32_t EnsureGdal();
+/// Runs the setup that the whole process shares. False when GDAL's data is missing. Safe from any thread.
+bool EnsureGdal();
 
 }  // namespace orvex

@@ -9,7 +9,7 @@ namespace orvex {
 
 namespace {
 
-/// Hands out names that no layer of the project has.
+/// Generates names that no layer of the project has.
 class NewLayerNames {
   public:
     NewLayerNames(const std::wstring& prefix, const std::map<std::wstring, std::wstring>& existing)
@@ -48,7 +48,7 @@ LayersByKey ExistingByKey(const std::map<std::wstring, std::wstring>& existing) 
     return layers;
 }
 
-/// The one layer of all files when differences of CRS do not count.
+/// The layer that all files share when their CRSs are ignored.
 Layer SharedLayer(std::span<const CrsPtr> files, const std::map<std::wstring, std::wstring>& existing,
                   const LayersByKey& existingByKey, NewLayerNames& names) {
     if (existingByKey.empty()) {

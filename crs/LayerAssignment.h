@@ -1,5 +1,5 @@
 #pragma once
-// Which layer of the project each file of a page goes into.
+// Assignment of a page's files to layers of the project.
 #include <map>
 #include <span>
 #include <string>
@@ -10,26 +10,26 @@
 namespace orvex {
 
 struct LayerRules {
-    bool append = true;      ///< files may go into layers that the project has already
-    bool ignoreCrs = false;  ///< files of different CRS may share a layer
+    bool append = true;      ///< files may go into existing layers of the project
+    bool ignoreCrs = false;  ///< files with different CRSs may share a layer
 };
 
-/// Where one file goes. Empty for a file that cannot be loaded.
+/// The layer of one file. Empty for a file that cannot be loaded.
 struct LayerPlace {
     std::wstring layer;
-    bool exists = false;  ///< the project has that layer already
-    unsigned group = 0;   ///< files of one number can share a layer; 0: none
+    bool exists = false;  ///< an existing layer of the project
+    unsigned group = 0;   ///< files with the same number can share a layer; 0: none
 };
 
-/// What two files must share to lie in one layer: the compatibility group and the EPSG code of their CRS.
+/// Key that files in one layer have in common: the compatibility group and the EPSG code of their CRS.
 std::string LayerKeyOf(const CrsDescription& crs);
 
-/// The place of every file, in their order and in one pass. `files`: the CRS of each, null for one that
-/// cannot be loaded. Groups are numbered from 1 in the order of the files. Files of one key share a layer:
-/// the first existing one (by name) of that key when appending, else a new one. New layers are named `prefix`
-/// and the smallest numbers from 1 on that no layer in the project uses (in any letter case), in the order of
-/// the files. With `ignoreCrs` all files share one layer; appending prefers one that is compatible with some
-/// file. `existing`: name to WKT.
+/// Assigns a layer to every file, in one pass and in their order. `files`: the CRS of each, null for one that
+/// cannot be loaded. `existing`: the project's layers, name to WKT. Files with one key form a group, numbered
+/// from 1, and share a layer: when appending, the first existing one (by name) with that key, else a new one.
+/// New layers are named `prefix` and the smallest number from 1 on that no layer uses, in any letter case.
+/// With `ignoreCrs` all files share one layer; when appending, preferably one that is compatible with some
+/// file.
 std::vector<LayerPlace> PlaceInLayers(std::span<const CrsPtr> files,
                                       const std::map<std::wstring, std::wstring>& existing,
                                       const LayerRules& rules, const std::wstring& prefix);

@@ -73,7 +73,7 @@ std::size_t FilesIn(const fs::path& folder) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const testing::TemporaryFolder folder;
-    Require(EnsureGdal() == 0, "GDAL's data lies beside this program");
+    Require(EnsureGdal(), "GDAL's data lies beside this program");
     fs::remove(folder.Path() / "input.tif");
     const std::wstring path =
         folder.Write(L"input.tif", std::string(reinterpret_cast<const char*>(data), size));

@@ -1,12 +1,25 @@
 #pragma once
 #include <gdal.h>
 
+#include <optional>
+#include <string>
+
 #include "orvexcommon/RasterProperties.h"
 
 namespace orvex {
 
-/// Fills what is known of the bands: their number, the first one's bits and overviews, and the details of at
-/// most kMostBandsDescribed. `onlyStated`: nothing is asked that would open other files.
+/// No-data value in the precision of the band's type, since a file may state "-9999.9" for a Float32 band;
+/// nullopt if none. 64-bit integers beyond 2^53 are rounded.
+std::optional<double> BandNodataAsStored(GDALRasterBandH band);
+
+/// Bits per pixel as stored: fewer than the data type has where the file states so.
+int BandBits(GDALRasterBandH band);
+
+/// Fills the number of bands, bits and overviews of the first one, and details of at most
+/// kMostBandsDescribed. `onlyStated`: asks for nothing that could open other files.
 void ReadBands(GDALDatasetH dataset, bool onlyStated, RasterProperties& properties);
+
+/// Fills the colour model and the photometric interpretation, after ReadBands. `path`: the dataset's file.
+void ReadColors(GDALDatasetH dataset, const std::wstring& path, RasterProperties& properties);
 
 }  // namespace orvex

@@ -7,19 +7,22 @@
 #include <mutex>
 #include <string_view>
 
+#include "support/Format.h"
+#include "support/Text.h"
+
 namespace orvex {
 namespace {
 
 /// Drivers that never open a listed file.
 constexpr std::string_view kLeftOut[] = {
-    // Files of these name a server, which is asked while the file is opened.
+    // Their files name a server, which is asked while the file is opened.
     "DAAS", "EEDAI", "HTTP", "NGW", "OGCAPI", "PLMOSAIC", "PLSCENES", "STACIT", "STACTA", "WCS", "WMS",
     "WMTS", "KMLSUPEROVERLAY",
-    // No files of their own, or no rasters in them.
+    // They have no files of their own, or no rasters in them.
     "CAD", "DERIVED", "GeoRaster", "MEM", "PostGISRaster",
-    // The database library under them may leave journals beside the file.
+    // Their database library may leave journals beside the file.
     "GPKG", "MBTiles", "Rasterlite",
-    // They read the file to its end, or decode it, before they know its size.
+    // They read or decode the whole file before they know its size.
     "XPM", "XYZ"};
 
 bool MayOpen(GDALDriverH driver) {
@@ -29,13 +32,37 @@ bool MayOpen(GDALDriverH driver) {
                std::ranges::end(kLeftOut);
 }
 
-}  // namespace
+/// An extension of a format and a driver that reads it; a format can have several rows.
+struct FormatDriver {
+    std::wstring_view format;
+    std::wstring_view extension;  ///< upper case
+    const char* driver;
+};
+/// Formats that some builds of GDAL lack.
+constexpr FormatDriver kFormatDrivers[] = {
+    {L"DTED", L".DT0", "DTED"},
+    {L"DTED", L".DT1", "DTED"},
+    {L"DTED", L".DT2", "DTED"},
+    {L"ECW", L".ECW", "ECW"},
+    {L"GIF", L".GIF", "GIF"},
+    {L"GRD", L".GRD", "GSAG"},
+    {L"GRD", L".GRD", "GSBG"},
+    {L"GRD", L".GRD", "GS7BG"},
+    {L"GRD", L".GRD", "NWT_GRD"},
+    {L"JPEG 2000", L".J2K", "JP2OpenJPEG"},
+    {L"JPEG 2000", L".JP2", "JP2OpenJPEG"},
+    {L"JPEG 2000", L".JP2", "JP2ECW"},
+    {L"JPEG 2000", L".JP2", "JP2KAK"},
+    {L"JPEG 2000", L".JP2", "JP2MrSID"},
+    {L"JPEG 2000", L".JP2K", "JP2OpenJPEG"},
+    {L"MrSID", L".SID", "MrSID"},
+    {L"NITF", L".NITF", "NITF"},
+    {L"NITF", L".NTF", "NITF"},
+    {L"PNG", L".PNG", "PNG"},
+    {L"SGI", L".RGB", "SGI"},
+};
 
-GdalList::GdalList(std::vector<std::string> texts) : texts_(std::move(texts)) {
-    pointers_.reserve(texts_.size() + 1);
-    std::ranges::transform(texts_, std::back_inserter(pointers_), &std::string::c_str);
-    pointers_.push_back(nullptr);
-}
+}  // namespace
 
 GdalListPtr RasterDrivers() {
     static std::mutex lock;
@@ -54,6 +81,21 @@ GdalListPtr RasterDrivers() {
         registered = count;
     }
     return drivers;
+}
+
+std::wstring MissingDriverReason(const std::wstring& path) {
+    const std::wstring extension = UpperExtensionOf(path);
+    std::wstring_view format;
+    for (const FormatDriver& row : kFormatDrivers) {
+        if (row.extension != extension) {
+            continue;
+        }
+        if (GDALGetDriverByName(row.driver) != nullptr) {
+            return {};
+        }
+        format = row.format;
+    }
+    return format.empty() ? std::wstring() : FormatText(Text(41260_lsid), {std::wstring(format)});
 }
 
 }  // namespace orvex

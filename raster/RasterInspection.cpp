@@ -5,9 +5,9 @@
 
 #include "crs/GdalSetup.h"
 #include "orvexcommon/Geocoding.h"
+#include "raster/Georeference.h"
 #include "raster/RasterFindings.h"
 #include "raster/RasterReader.h"
-#include "raster/RasterUnit.h"
 #include "support/Files.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
@@ -21,7 +21,7 @@ std::int64_t ModifiedMs(const std::wstring& path) {
 }
 
 RasterProperties ReadOurselves(const std::wstring& path) {
-    if (EnsureGdal() != kHostOk) {
+    if (!EnsureGdal()) {
         throw LDataError(Text(41210_lsid));
     }
     return ReadRasterProperties(path);
@@ -65,7 +65,7 @@ void Inspect(RasterInspection& inspection, RasterUse use, const RasterInformatio
     inspection.crs = DescribeCrs(inspection.properties.wkt);
     std::wstring reason;
     Is_BigTIFF(inspection.path, inspection.bigTiff, reason);
-    inspection.findings = FindRasterOddities(inspection, use);
+    inspection.findings = ValidateRaster(inspection, use);
     const bool isOdd =
         !inspection.findings.empty() && inspection.findings.front().severity > FindingSeverity::Note;
     inspection.summary = isOdd ? inspection.findings.front().text : Text(40100_lsid);

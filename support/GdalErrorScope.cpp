@@ -35,7 +35,7 @@ void GdalErrorScope::Add(bool isError, const char* message) noexcept {
     try {
         messages_.emplace_back(message);
     } catch (const std::exception&) {
-        // GDAL is C at this place: without memory for the text, the text is lost.
+        // No exception may pass through GDAL's C code; without memory the text is lost.
         return;
     }
 }

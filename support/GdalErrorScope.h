@@ -4,9 +4,9 @@
 
 namespace orvex {
 
-/// While it lives, GDAL's and PROJ's errors and warnings of this thread come here instead of the console;
-/// when it ends, GDAL's error state is clear, so that no later call mistakes an old error for its own. Scopes
-/// may nest; each sees what was reported while it was the innermost.
+/// Captures the errors and warnings of GDAL and PROJ on this thread instead of the console. Clears GDAL's
+/// error state when destroyed, so that no later call mistakes an old error for its own. Scopes may nest: each
+/// captures what is reported while it is the innermost.
 class GdalErrorScope {
   public:
     GdalErrorScope();
@@ -14,14 +14,14 @@ class GdalErrorScope {
     GdalErrorScope(const GdalErrorScope&) = delete;
     GdalErrorScope& operator=(const GdalErrorScope&) = delete;
 
-    /// True when an error (not only warnings) was reported.
+    /// True if an error was reported, not only warnings.
     bool HasError() const { return hasError_; }
-    /// What was reported, in order; of more than 32 messages the first 32.
+    /// The first 32 messages, in order.
     const std::vector<std::string>& Messages() const { return messages_; }
-    /// The messages in one text, separated by "; "; empty when there were none.
+    /// The messages separated by "; "; empty if none.
     std::string Text() const;
 
-    /// Takes one message; for the handler that GDAL calls.
+    /// Adds a message; called by the handler that GDAL calls.
     void Add(bool isError, const char* message) noexcept;
 
   private:

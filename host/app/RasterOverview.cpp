@@ -7,12 +7,12 @@
 #include <cmath>
 #include <limits>
 
+#include "crs/GdalRaii.h"
 #include "crs/GdalSetup.h"
-#include "crs/NoNetwork.h"
 #include "host/app/OverviewSource.h"
-#include "raster/BandFacts.h"
-#include "raster/RasterOpening.h"
-#include "raster/RasterWarnings.h"
+#include "raster/RasterBands.h"
+#include "raster/RasterFindings.h"
+#include "raster/RasterReader.h"
 #include "support/Format.h"
 #include "support/GdalErrorScope.h"
 #include "support/LDataError.h"
@@ -230,8 +230,8 @@ RasterOverview ReadRasterOverview(const std::wstring& path, const std::function<
     const GdalErrorScope errors;
     const NoNetwork noNetwork;
     try {
-        const GdalDataset dataset = OpenRaster(path);
-        if (!dataset || GDALGetRasterCount(dataset.get()) < 1) {
+        const GdalDataset dataset = OpenRaster(path, errors);
+        if (GDALGetRasterCount(dataset.get()) < 1) {
             return Failed(errors);
         }
         return ReadFrom(*GDALDataset::FromHandle(dataset.get()), errors, isCancelled, limits);

@@ -5,11 +5,10 @@
 #include <algorithm>
 #include <random>
 
-#include "crs/GdalOption.h"
+#include "crs/GdalRaii.h"
 #include "crs/GdalSetup.h"
-#include "crs/NoNetwork.h"
-#include "raster/RasterOpening.h"
-#include "raster/RasterWarnings.h"
+#include "raster/RasterFindings.h"
+#include "raster/RasterReader.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/GdalErrorScope.h"
@@ -73,8 +72,7 @@ std::wstring TemporaryName(const std::wstring& path) {
 }
 
 [[noreturn]] void Fail(const GdalErrorScope& errors) {
-    const std::wstring reason = PlainReason(errors.Messages());
-    throw LDataError(reason.empty() ? Text(41425_lsid) : reason);
+    throw LDataError(PlainReason(errors.Messages()));
 }
 
 GDALDatasetUniquePtr MakeStandIn(GDALDataset& raster, const std::wstring& path) {
@@ -123,9 +121,9 @@ enum class Built { Yes, NotNeeded, Stopped };
 Built BuildOne(const std::wstring& path, Step& step) {
     const GdalErrorScope errors;
     const NoNetwork noNetwork;
-    const GdalDataset opened = OpenRaster(path);
+    const GdalDataset opened = OpenRaster(path, errors);
     GDALDataset* raster = GDALDataset::FromHandle(opened.get());
-    if (raster == nullptr || raster->GetRasterCount() < 1) {
+    if (raster->GetRasterCount() < 1) {
         Fail(errors);
     }
     if (LongestSide(*raster) <= RasterPyramids::kSmallest ||
@@ -166,7 +164,8 @@ RasterPyramids::Result RasterPyramids::Build(const std::vector<std::wstring>& pa
             result.notNeeded += built == Built::NotNeeded ? 1 : 0;
             result.stopped = built == Built::Stopped;
         } catch (...) {
-            result.failures.push_back({paths[i], CurrentExceptionText()});
+            const std::wstring reason = CurrentExceptionText();
+            result.failures.push_back({paths[i], reason.empty() ? Text(41425_lsid) : reason});
         }
         result.stopped = result.stopped || progress.IsCancelled();
     }

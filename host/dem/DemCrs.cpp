@@ -9,8 +9,8 @@
 #include "support/Format.h"
 #include "support/GdalErrorScope.h"
 #include "support/LasFormat.h"
+#include "support/SpatialReference.h"
 #include "support/Text.h"
-#include "support/WktExport.h"
 
 namespace orvex {
 namespace {

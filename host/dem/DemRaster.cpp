@@ -4,10 +4,10 @@
 #include <cmath>
 #include <limits>
 
-#include "crs/NoNetwork.h"
-#include "raster/BandFacts.h"
-#include "raster/RasterOpening.h"
-#include "raster/RasterWarnings.h"
+#include "crs/GdalRaii.h"
+#include "raster/RasterBands.h"
+#include "raster/RasterFindings.h"
+#include "raster/RasterReader.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/GdalErrorScope.h"
@@ -53,15 +53,10 @@ DemRaster::DemRaster(const std::wstring& path) : path_(path) {
 
 void DemRaster::Open() {
     const GdalErrorScope errors;
-    std::wstring cause;
     try {
-        dataset_.reset(GDALDataset::FromHandle(OpenRaster(path_).release()));
-        cause = WhyNotOpened(path_, errors.Messages());
+        dataset_.reset(GDALDataset::FromHandle(OpenRaster(path_, errors).release()));
     } catch (const LDataError& error) {
-        cause = error.Text();
-    }
-    if (!dataset_) {
-        Fail(41380_lsid, cause);
+        Fail(41380_lsid, error.Text());
     }
 }
 

@@ -130,7 +130,7 @@ class HostRasterInformation final : public OrvexRasterInformation {
     std::int32_t Describe(const std::wstring& path, RasterProperties& properties,
                           std::wstring& reason) override {
         // Without its data GDAL may still know the format, where another part of the process has set it up.
-        const bool isReady = EnsureGdal() == kHostOk;
+        const bool isReady = EnsureGdal();
         try {
             properties = ReadRasterProperties(path);
             return kHostOk;

@@ -13,8 +13,8 @@
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/GdalErrorScope.h"
 #include "support/LDataError.h"
+#include "support/SpatialReference.h"
 #include "support/Text.h"
-#include "support/WktExport.h"
 
 using namespace orvex;
 

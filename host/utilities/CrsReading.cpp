@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "support/ModuleFolder.h"
-#include "support/ProjData.h"
+#include "support/SpatialReference.h"
 
 namespace orvex {
 namespace {

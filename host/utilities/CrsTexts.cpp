@@ -5,7 +5,7 @@
 #include "host/utilities/CrsReading.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/GdalErrorScope.h"
-#include "support/WktExport.h"
+#include "support/SpatialReference.h"
 
 using namespace orvex;
 

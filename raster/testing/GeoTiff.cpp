@@ -4,25 +4,23 @@
 #include <gtest/gtest.h>
 #include <ogr_spatialref.h>
 
-#include "crs/GdalDataset.h"
+#include "crs/GdalRaii.h"
 #include "crs/GdalSetup.h"
-#include "raster/RasterDrivers.h"
 #include "support/Text.h"
 
 namespace orvex::testing {
 
 std::wstring GeoTiff::Write(const TemporaryFolder& folder, const std::wstring& name) const {
-    EXPECT_EQ(EnsureGdal(), 0);
+    EXPECT_TRUE(EnsureGdal());
     std::wstring path = folder.Name(name);
     const GdalList list(options);
     const GdalDataset dataset(GDALCreate(GDALGetDriverByName("GTiff"), ToUtf8(path).c_str(), width, height,
                                          bands, type, const_cast<char**>(list.Get())));
     EXPECT_TRUE(dataset) << CPLGetLastErrorMsg();
-    if (epsg != 0 || !crsText.empty()) {
-        OGRSpatialReference crs;
-        EXPECT_EQ(crsText.empty() ? crs.importFromEPSG(epsg) : crs.SetFromUserInput(crsText.c_str()),
-                  OGRERR_NONE);
-        GDALSetSpatialRef(dataset.get(), OGRSpatialReference::ToHandle(&crs));
+    if (!crs.empty()) {
+        OGRSpatialReference reference;
+        EXPECT_EQ(reference.SetFromUserInput(crs.c_str()), OGRERR_NONE);
+        GDALSetSpatialRef(dataset.get(), OGRSpatialReference::ToHandle(&reference));
     }
     if (transform) {
         auto numbers = *transform;

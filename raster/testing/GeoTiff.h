@@ -11,17 +11,16 @@
 
 namespace orvex::testing {
 
-/// A small GeoTIFF to be written by GDAL.
+/// A small GeoTIFF, written by GDAL.
 struct GeoTiff {
     int width = 20;
     int height = 10;
     int bands = 1;
     GDALDataType type = GDT_Byte;
-    int epsg = 32633;     ///< 0 for no CRS
-    std::string crsText;  ///< instead of the code; any form that GDAL understands
+    std::string crs = "EPSG:32633";  ///< in any form that GDAL understands; empty for none
     std::optional<std::array<double, 6>> transform = std::array<double, 6>{500000, 0.5, 0, 5300000, 0, -0.5};
-    std::vector<std::string> options;            ///< of creation: "COMPRESS=DEFLATE"
-    std::function<void(GDALDatasetH)> change{};  ///< before the file is closed
+    std::vector<std::string> options;            ///< creation options: "COMPRESS=DEFLATE"
+    std::function<void(GDALDatasetH)> change{};  ///< runs before the file is closed
 
     /// Writes it and returns its full path.
     std::wstring Write(const TemporaryFolder& folder, const std::wstring& name) const;

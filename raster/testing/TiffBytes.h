@@ -5,8 +5,8 @@
 
 namespace orvex::testing {
 
-/// A TIFF written byte by byte, as broken as a test wants it: header, one directory or several, then the
-/// values that do not fit into their tags.
+/// A TIFF written byte by byte, as broken as a test wants it: header, one directory, then the values that do
+/// not fit into their tags.
 class TiffBytes {
   public:
     enum class Format { Classic, Big };
@@ -15,21 +15,21 @@ class TiffBytes {
     explicit TiffBytes(Format format = Format::Classic, Order order = Order::Little)
         : isBig_(format == Format::Big), isBigEndian_(order == Order::Big) {}
 
-    /// A tag of whole numbers: type 3 has two bytes each, 4 four, 16 eight, 1 one.
+    /// A tag of integers, of TIFF type 1 (one byte each), 3 (two), 4 (four) or 16 (eight).
     TiffBytes& Tag(unsigned tag, unsigned type, const std::vector<std::uint64_t>& values);
-    /// A tag of type 12.
+    /// A tag of doubles (type 12).
     TiffBytes& Doubles(unsigned tag, const std::vector<double>& values);
-    /// A tag that says it has `count` values at byte `at` of the file.
+    /// A tag that claims `count` values at byte `at` of the file.
     TiffBytes& Claim(unsigned tag, unsigned type, std::uint64_t count, std::uint64_t at);
-    /// What every image has: an uncompressed one of bytes in one strip, whose bytes lie at `at`.
+    /// The tags of an uncompressed 8-bit grey image in one strip of `bytes` bytes at `at`.
     TiffBytes& Image(std::uint64_t width, std::uint64_t height, std::uint64_t at, std::uint64_t bytes);
-    /// Byte of the directory that follows this one; 0 for none.
+    /// Offset of the next directory; 0 for none.
     TiffBytes& Next(std::uint64_t at);
 
-    /// The file. Tags in ascending order, a later one in the place of an earlier one of the same number.
+    /// The file's bytes. Tags are in ascending order; a tag added again replaces the former.
     std::string Build() const;
 
-    /// Where the directory begins.
+    /// Offset of the directory.
     std::uint64_t DirectoryAt() const { return isBig_ ? 16 : 8; }
 
   private:
@@ -37,8 +37,8 @@ class TiffBytes {
         unsigned tag;
         unsigned type;
         std::uint64_t count;
-        std::string values;    ///< in the order of the file
-        bool isClaim = false;  ///< `values` is the offset
+        std::string values;    ///< in the file's byte order
+        bool isClaim = false;  ///< `values` is an offset
     };
     std::string Number(std::uint64_t number, unsigned size) const;
     TiffBytes& Add(Entry entry);

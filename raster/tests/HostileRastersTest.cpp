@@ -44,8 +44,14 @@ struct Hostile {
     const char* finding;  ///< a part of the worst one's text
 };
 
-std::vector<Hostile> Sizes() {
+/// A pixel with a georeference.
+TiffBytes Placed(const std::vector<double>& scale, const std::vector<double>& tie) {
+    return Pixel().Doubles(33550, scale).Doubles(33922, tie);
+}
+
+std::vector<Hostile> HostileFiles() {
     return {
+        // Sizes that no file holds.
         {"65535 x 65535 in a few bytes", Image(65535, 65535).Build(), true, "cut off"},
         {"the same in strips of a row", Image(65535, 65535).Tag(278, 4, {1}).Build(), true, "cut off"},
         {"4 billion strips whose list is beyond the end",
@@ -72,11 +78,7 @@ std::vector<Hostile> Sizes() {
          "cut off or damaged: where its image data lies"},
         {"65535 bands in pixels", Image(1, 1).Tag(277, 3, {65535}).Build(), true,
          "reach to byte 65543, but the file has"},
-    };
-}
-
-std::vector<Hostile> Directories() {
-    return {
+        // Directories that lead nowhere.
         {"the four bytes of the signature", "II*\0"s, false, "cannot be read"},
         {"a directory beyond the end", "II*\0\xff\xff\xff\x7f"s, false,
          "A directory of the file cannot be read."},
@@ -90,11 +92,7 @@ std::vector<Hostile> Directories() {
         {"a BigTIFF's directory of 2^63 tags", "II\x2b\0\x08\0\0\0\x10\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x80"s,
          false, "A directory of the file cannot be read."},
         {"no tags", TiffBytes().Build(), false, "A directory of the file cannot be read."},
-    };
-}
-
-std::vector<Hostile> Tags() {
-    return {
+        // Tags that claim too much.
         {"an unknown codec", Pixel().Tag(259, 3, {65000}).Build(), false,
          "compressed by a method that cannot be read here"},
         {"2^32 - 1 bits per sample", Pixel().Claim(258, 3, kMost32, 8).Build(), false,
@@ -115,40 +113,29 @@ std::vector<Hostile> Tags() {
              .Tag(273, 16, {std::numeric_limits<std::uint64_t>::max()})
              .Build(),
          true, "reach to byte 18446744073709551615, but"},
-    };
-}
-
-std::vector<Hostile> Placements() {
-    const auto placed = [](const std::vector<double>& scale, const std::vector<double>& tie) {
-        return Pixel().Doubles(33550, scale).Doubles(33922, tie);
-    };
-    return {
-        {"a pixel of no number", placed({kNan, kNan, 0}, {0, 0, 0, 1, 2, 0}).Build(), true,
+        // Georeferences that make no sense.
+        {"a pixel of no number", Placed({kNan, kNan, 0}, {0, 0, 0, 1, 2, 0}).Build(), true,
          "the numbers in it make no sense"},
-        {"a pixel of infinite size", placed({kInfinity, 1, 0}, {0, 0, 0, 1, 2, 0}).Build(), true,
+        {"a pixel of infinite size", Placed({kInfinity, 1, 0}, {0, 0, 0, 1, 2, 0}).Build(), true,
          "the numbers in it make no sense"},
-        {"an origin of no number", placed({1, 1, 0}, {0, 0, 0, kNan, 2, 0}).Build(), true,
+        {"an origin of no number", Placed({1, 1, 0}, {0, 0, 0, kNan, 2, 0}).Build(), true,
          "the numbers in it make no sense"},
-        {"pixels without size", placed({0, 0, 0}, {0, 0, 0, 1, 2, 0}).Build(), true,
+        {"pixels without size", Placed({0, 0, 0}, {0, 0, 0, 1, 2, 0}).Build(), true,
          "by ground control points only (1 of them)"},
         {"an extent that overflows",
-         placed({std::numeric_limits<double>::max(), 1, 0},
+         Placed({std::numeric_limits<double>::max(), 1, 0},
                 {0, 0, 0, std::numeric_limits<double>::max(), 2, 0})
              .Build(),
          true, "the numbers in it make no sense"},
         {"keys of garbage",
-         placed({1, 1, 0}, {0, 0, 0, 1, 2, 0}).Tag(34735, 3, {1, 1, 0, 65535, 3072, 9, 65535, 65535}).Build(),
+         Placed({1, 1, 0}, {0, 0, 0, 1, 2, 0}).Tag(34735, 3, {1, 1, 0, 65535, 3072, 9, 65535, 65535}).Build(),
          true, "The coordinate reference system of the file cannot be read."},
         {"a projected CRS of an unknown code",
-         placed({1, 1, 0}, {0, 0, 0, 1, 2, 0})
+         Placed({1, 1, 0}, {0, 0, 0, 1, 2, 0})
              .Tag(34735, 3, {1, 1, 0, 2, 1024, 0, 1, 1, 3072, 0, 1, 65000})
              .Build(),
          true, "coordinate reference system that is not known"},
-    };
-}
-
-std::vector<Hostile> Others() {
-    return {
+        // Files that are no rasters.
         {"an empty file", "", false, "The file is empty."},
         {"a text", "This is not an image.\n", false, "cannot be read"},
         {"zeros", std::string(5000, '\0'), false, "cannot be read"},
@@ -161,11 +148,11 @@ std::vector<Hostile> Others() {
     };
 }
 
-void CheckEach(const std::vector<Hostile>& rasters) {
+TEST(HostileRasters, GiveAPlainReasonInBoundedMemory) {
     const TemporaryFolder folder;
-    // What the libraries take once is not the file's doing.
+    // The memory that the libraries take once does not count.
     InspectRasterFile(folder.Write(L"first.tif", Pixel().Build()), RasterUse::Image);
-    for (const Hostile& hostile : rasters) {
+    for (const Hostile& hostile : HostileFiles()) {
         const std::wstring path = folder.Write(L"a.tif", hostile.bytes);
         const std::uint64_t before = testing::PeakMemory();
         const RasterInspection inspection = InspectRasterFile(path, RasterUse::Image);
@@ -175,26 +162,6 @@ void CheckEach(const std::vector<Hostile>& rasters) {
         EXPECT_FALSE(inspection.findings.empty()) << hostile.about;
     }
     EXPECT_EQ(folder.Entries(), 2U) << "nothing was written beside them";
-}
-
-TEST(HostileRasters, SizesThatNoFileHolds) {
-    CheckEach(Sizes());
-}
-
-TEST(HostileRasters, DirectoriesThatLeadNowhere) {
-    CheckEach(Directories());
-}
-
-TEST(HostileRasters, TagsThatClaimTooMuch) {
-    CheckEach(Tags());
-}
-
-TEST(HostileRasters, PlacesThatAreNone) {
-    CheckEach(Placements());
-}
-
-TEST(HostileRasters, WhatIsNoRaster) {
-    CheckEach(Others());
 }
 
 }  // namespace

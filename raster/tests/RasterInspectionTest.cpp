@@ -9,7 +9,7 @@
 #include <stdexcept>
 
 #include "orvexcommon/HostInterfaces.h"
-#include "raster/RasterUnit.h"
+#include "raster/Georeference.h"
 #include "raster/testing/GeoTiff.h"
 #include "raster/testing/TiffBytes.h"
 #include "support/Files.h"
@@ -197,7 +197,7 @@ TEST(RasterInspection, OdditiesOfAnImage) {
     const TemporaryFolder folder;
     GeoTiff plain;
     plain.transform.reset();
-    plain.epsg = 0;
+    plain.crs = "";
     const auto bare = InspectRasterFile(plain.Write(folder, L"a.tif"), RasterUse::Image);
     EXPECT_EQ(bare.summary, Text(41221_lsid));
     EXPECT_THAT(Texts(bare), Contains(Text(40121_lsid)));
@@ -219,8 +219,7 @@ TEST(RasterInspection, OdditiesOfADem) {
     const TemporaryFolder folder;
     GeoTiff heights;
     heights.type = GDT_Float32;
-    heights.epsg = 0;
-    heights.crsText = "EPSG:32633+5773";
+    heights.crs = "EPSG:32633+5773";
     heights.change = [](GDALDatasetH dataset) {
         GDALSetRasterNoDataValue(GDALGetRasterBand(dataset, 1), -9999);
     };

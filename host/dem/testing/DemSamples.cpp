@@ -5,8 +5,8 @@
 #include <gdal_priv.h>
 
 #include "crs/GdalSetup.h"
+#include "support/SpatialReference.h"
 #include "support/Text.h"
-#include "support/WktExport.h"
 
 namespace orvex::testing {
 namespace {
@@ -80,7 +80,7 @@ std::string WktOfRaster(const std::wstring& path) {
 }
 
 bool WriteDem(const std::wstring& path, const DemSample& sample) {
-    if (EnsureGdal() != 0) {
+    if (!EnsureGdal()) {
         return false;
     }
     CPLStringList options;

@@ -156,7 +156,7 @@ TEST(InspectJson, HasNullsForWhatIsNotThere) {
     const TemporaryFolder folder;
     GeoTiff bare;
     bare.transform.reset();
-    bare.epsg = 0;
+    bare.crs = "";
     const Json objects = Objects({bare.Write(folder, L"a.tif"), Heights(kNaN).Write(folder, L"b.tif"),
                                   folder.Write(L"c.tif", "no raster"), folder.Write(L"d.las", "LASF"),
                                   folder.Write(L"e.txt", "text")});
@@ -349,11 +349,9 @@ std::vector<GeoTiff> VariedRasters() {
     files.emplace_back().transform = {{100, 3, 4, 200, 4, -3}};
     files.emplace_back().transform = {{0, 1, 0, 0, 0, 1}};
     files.emplace_back().transform.reset();
-    for (const int epsg : {4326, 2263, 3857, 31468, 0}) {
-        files.emplace_back().epsg = epsg;
-    }
-    for (const char* text : {"EPSG:32633+5773", "+proj=laea +lat_0=50 +lon_0=10 +ellps=GRS80"}) {
-        files.emplace_back().crsText = text;
+    for (const char* crs : {"EPSG:4326", "EPSG:2263", "EPSG:3857", "EPSG:31468", "", "EPSG:32633+5773",
+                            "+proj=laea +lat_0=50 +lon_0=10 +ellps=GRS80"}) {
+        files.emplace_back().crs = crs;
     }
     files.emplace_back().bands = 7;
     files.emplace_back().options = {"BIGTIFF=YES", "ENDIANNESS=BIG", "TILED=YES"};

@@ -6,7 +6,7 @@
 #include <array>
 
 #include "orvexcommon/OrvexUtilities.h"
-#include "support/WktExport.h"
+#include "support/SpatialReference.h"
 
 namespace orvex {
 namespace {

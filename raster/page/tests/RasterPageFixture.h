@@ -16,7 +16,7 @@ class RasterPageFixture : public PageFixture<Page> {
 
     std::wstring Tif(const std::wstring& name, int epsg = 25832) const {
         GeoTiff tif;
-        tif.epsg = epsg;
+        tif.crs = epsg == 0 ? "" : "EPSG:" + std::to_string(epsg);
         return tif.Write(this->folder, name);
     }
 

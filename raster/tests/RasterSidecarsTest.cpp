@@ -1,50 +1,67 @@
-#include "raster/FolderListing.h"
+#include "raster/RasterSidecars.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <set>
+#include <filesystem>
 
+#include "raster/RasterReader.h"
+#include "raster/testing/GeoTiff.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
 
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsSupersetOf;
+using ::testing::Not;
+using ::testing::SizeIs;
 using testing::TemporaryFolder;
 using ::testing::UnorderedElementsAre;
 
-std::set<std::string> Names(const GdalListPtr& list) {
-    std::set<std::string> names;
+std::vector<std::string> Names(const GdalListPtr& list) {
+    std::vector<std::string> names;
     for (const char* const* name = list ? list->Get() : nullptr; name != nullptr && *name != nullptr;
          ++name) {
-        names.insert(*name);
+        names.emplace_back(*name);
     }
     return names;
 }
 
-/// So that a folder that a test has just made counts as one that stays.
+/// A folder that a test has just made then counts as one that does not change any more.
 constexpr std::chrono::milliseconds kAtOnce{-1000};
 
-TEST(FolderListing, AFolderIsListedOnceWhileItStays) {
+TEST(RasterSidecars, CountedWithTheirSizes) {
     const TemporaryFolder folder;
-    FolderListing listing(2, kAtOnce);
+    testing::GeoTiff tiff;
+    tiff.transform.reset();
+    const std::wstring path = tiff.Write(folder, L"a.tif");
+    const std::wstring world = folder.Write(L"a.tfw", "2\n0\n0\n-2\n1\n9\n");
+    folder.Write(L"b.tfw", "1\n0\n0\n-1\n0\n0\n");
+    const RasterProperties p = ReadRasterProperties(path);
+    EXPECT_THAT(p.sidecars, ElementsAre(world));
+    EXPECT_EQ(p.totalBytes, *FileSizeOf(path) + *FileSizeOf(world));
+    EXPECT_EQ(p.pixelWidth, 2);
+    const std::wstring relative = FromPath(std::filesystem::proximate(ToPath(path)));
+    EXPECT_THAT(ReadRasterProperties(relative).sidecars, SizeIs(1)) << "and not the file itself";
+}
+
+TEST(FolderListing, ListsAFolderAgainOnlyWhenItChanges) {
+    const TemporaryFolder folder;
     const std::wstring path = folder.Write(L"a.tif", "");
     folder.Write(L"\u00e4.tfw", "");
+    FolderListing listing(2, kAtOnce);
     const GdalListPtr first = listing.Beside(path);
     EXPECT_THAT(Names(first), UnorderedElementsAre("a.tif", "\xc3\xa4.tfw"));
     EXPECT_EQ(listing.Beside(folder.Name(L"b.tif")), first);
-}
 
-TEST(FolderListing, AFolderThatChangesIsListedEachTime) {
-    const TemporaryFolder folder;
-    FolderListing listing(2);
-    const std::wstring path = folder.Write(L"a.tif", "");
-    EXPECT_EQ(Names(listing.Beside(path)).size(), 1U);
-    for (std::size_t files = 2; files < 10; ++files) {
+    FolderListing careful(2);
+    for (std::size_t files = 3; files < 10; ++files) {
         folder.Write(std::to_wstring(files), "");
-        EXPECT_EQ(Names(listing.Beside(path)).size(), files)
+        EXPECT_THAT(Names(careful.Beside(path)), SizeIs(files))
             << "perhaps within one step of the folder's time";
     }
 }
@@ -60,20 +77,19 @@ TEST(FolderListing, ATimeOfWholeSecondsIsTrustedLater) {
     EXPECT_TRUE(FolderListing::HasSettled(whole, whole - 1s)) << "a server's clock that is ahead";
 }
 
-TEST(FolderListing, TheLatestFoldersAreKept) {
+TEST(FolderListing, KeepsTheFoldersUsedLast) {
     const TemporaryFolder folders[3];
     FolderListing listing(2, kAtOnce);
     GdalListPtr first[3];
     for (int i = 0; i < 3; ++i) {
-        folders[i].Write(L"a.tif", "");
-        first[i] = listing.Beside(folders[i].Name(L"a.tif"));
+        first[i] = listing.Beside(folders[i].Write(L"a.tif", ""));
     }
     EXPECT_EQ(listing.Beside(folders[1].Name(L"a.tif")), first[1]);
     EXPECT_EQ(listing.Beside(folders[2].Name(L"a.tif")), first[2]);
     EXPECT_NE(listing.Beside(folders[0].Name(L"a.tif")), first[0]);
 }
 
-TEST(FolderListing, OfManyFilesTheSidecars) {
+TEST(FolderListing, OfManyFilesOnlyTheSidecars) {
     const TemporaryFolder folder;
     for (std::size_t i = 0; i < FolderListing::kMostWhole; ++i) {
         folder.Write(L"tile" + std::to_wstring(i) + L".tif", "");
@@ -83,11 +99,9 @@ TEST(FolderListing, OfManyFilesTheSidecars) {
     }
     FolderListing listing(1);
     const auto names = Names(listing.Beside(folder.Name(L"tile7.tif")));
-    for (const char* name : {"tile7.tif", "tile7.tfw", "TILE7.TIF.AUX.XML", "tile7_rpc.txt"}) {
-        EXPECT_EQ(names.count(name), 1U) << name;
-    }
+    EXPECT_THAT(names, IsSupersetOf({"tile7.tif", "tile7.tfw", "TILE7.TIF.AUX.XML", "tile7_rpc.txt"}));
     for (const char* name : {"tile8.tif", "tile.tif", "til"}) {
-        EXPECT_EQ(names.count(name), 0U) << name;
+        EXPECT_THAT(names, Not(Contains(name)));
     }
     EXPECT_EQ(listing.Beside(folder.Name(L"absent/a.tif")), nullptr);
 }

@@ -1,4 +1,4 @@
-#include "raster/RasterPlacement.h"
+#include "raster/Georeference.h"
 
 #include <ogr_spatialref.h>
 
@@ -7,18 +7,18 @@
 #include <optional>
 
 #include "crs/CrsDescription.h"
+#include "support/SpatialReference.h"
 #include "support/Text.h"
-#include "support/WktExport.h"
 
 namespace orvex {
 namespace {
 
 using Transform = std::array<double, 6>;
 
-// The GeoTIFF code of a CRS that its user has defined.
+// GeoTIFF's code for a user-defined CRS.
 constexpr std::int32_t kUserDefined = 32767;
 
-/// WKT1 unless it would lose part of the CRS.
+/// WKT1, or WKT2 where WKT1 would lose part of the CRS.
 std::string ExportCrs(const OGRSpatialReference& crs) {
     constexpr int kPlaneAxes = 2;
     const bool losesAxis = crs.GetAxesCount() > kPlaneAxes && crs.IsCompound() == 0;
@@ -29,7 +29,7 @@ std::string ExportCrs(const OGRSpatialReference& crs) {
     return wkt.empty() ? ExportWkt(crs, "WKT2_2019") : wkt;
 }
 
-/// The unit of horizontal distances: a geographic CRS has none, though its vertical part may have.
+/// Name of the unit of horizontal distances; "unknown" for a geographic CRS, whatever its vertical part has.
 std::wstring LinearUnit(const OGRSpatialReference& crs) {
     const char* name = nullptr;
     if (crs.IsProjected() != 0) {
@@ -51,7 +51,7 @@ void ReadCrs(GDALDatasetH dataset, RasterProperties& properties) {
     }
     properties.wkt = wkt;
     properties.linearUnit = LinearUnit(*crs);
-    // Files of a kind have the same CRS, which is then looked up once.
+    // Cached, since the files of a project share a few CRSs.
     const long code = DescribeCrs(wkt)->epsg;
     properties.projectionCode = code > 0 ? static_cast<std::int32_t>(code) : kUserDefined;
 }
@@ -93,11 +93,16 @@ void ReadTransform(GDALDatasetH dataset, RasterProperties& properties) {
 
 }  // namespace
 
-void ReadPlacement(GDALDatasetH dataset, RasterProperties& properties) {
+void ReadGeoreference(GDALDatasetH dataset, RasterProperties& properties) {
     ReadTransform(dataset, properties);
     ReadCrs(dataset, properties);
     properties.controlPoints = GDALGetGCPCount(dataset);
     properties.hasRpc = GDALGetMetadata(dataset, "RPC") != nullptr;
+}
+
+std::wstring RasterUnitText(const std::wstring& reported) {
+    const std::wstring shown = ToUpper(reported).find(L"MET") == std::wstring::npos ? reported : L"Meters";
+    return shown.find(Text(13639_lsid)) == std::wstring::npos ? shown : Text(13489_lsid);
 }
 
 }  // namespace orvex
