@@ -3,38 +3,25 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include "support/DataKinds.h"
+#include "support/QtText.h"
+
 namespace orvex {
-
-namespace {
-
-/// Of files that can be either, as GeoTIFF, most are pictures.
-constexpr const char* kPictures[] = {"tif", "tiff", "jpg", "jpeg", "rgb", "png", "sid",
-                                     "gif", "bmp",  "jp2", "jp2k", "ecw", "img"};
-constexpr const char* kElevations[] = {"asc", "dem", "flt", "hgt", "bil", "dt0", "dt1", "dt2", "grd", "adf"};
-
-bool IsAmong(const QString& extension, const auto& extensions) {
-    return std::ranges::any_of(extensions,
-                               [&extension](const char* one) { return extension == QLatin1String(one); });
-}
-
-}  // namespace
 
 DropPlan DistributePaths(const QStringList& paths) {
     DropPlan plan;
     for (const QString& path : paths) {
-        const QFileInfo file(path);
-        const QString extension = file.suffix().toLower();
-        if (file.isDir()) {
+        if (QFileInfo(path).isDir()) {
             plan.las.append(path);
             plan.rasters.append(path);
             plan.dems.append(path);
-        } else if (IsAmong(extension, kPictures)) {
-            plan.rasters.append(path);
-        } else if (IsAmong(extension, kElevations)) {
-            plan.dems.append(path);
-        } else {
-            plan.las.append(path);
+            continue;
         }
+        const DataKind page = DropPageOf(ToWide(path)).value_or(DataKind::Las);
+        QStringList& files = page == DataKind::Dem      ? plan.dems
+                             : page == DataKind::Raster ? plan.rasters
+                                                        : plan.las;
+        files.append(path);
     }
     return plan;
 }

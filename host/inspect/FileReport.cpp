@@ -6,7 +6,6 @@
 #include <iterator>
 #include <utility>
 
-#include "raster/RasterExtensions.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
 
@@ -43,20 +42,10 @@ void InspectRaster(FileReport& report) {
     }
 }
 
-bool IsLasName(std::wstring_view path) {
-    const std::wstring extension = UpperExtensionOf(path);
-    return extension == L".LAS" || extension == L".LAZ";
-}
-
-/// Any raster can hold an image or elevations; only its user knows.
-bool IsAnyRasterName(std::wstring_view path) {
-    return IsRasterName(path) || IsElevationName(path);
-}
-
 constexpr ReportKind kKinds[] = {
-    {"las", IsLasName, IsLasName, InspectLas},
-    {"raster", IsRasterName, IsAnyRasterName, InspectRaster<RasterUse::Image>},
-    {"dem", IsElevationName, IsAnyRasterName, InspectRaster<RasterUse::Dem>},
+    {"las", DataKind::Las, InspectLas},
+    {"raster", DataKind::Raster, InspectRaster<RasterUse::Image>},
+    {"dem", DataKind::Dem, InspectRaster<RasterUse::Dem>},
 };
 
 template <typename Test>
@@ -82,7 +71,12 @@ const ReportKind* FindReportKind(std::wstring_view name) {
 }
 
 const ReportKind* ReportKindOf(std::wstring_view path) {
-    return FindKind([&](const ReportKind& kind) { return kind.isNamed(path); });
+    return FindKind([data = DataKindOf(path)](const ReportKind& kind) { return data == kind.data; });
+}
+
+bool ReportKind::IsSearched(std::wstring_view path) const {
+    const std::optional<DataKind> found = DataKindOf(path);
+    return found && (*found == DataKind::Las) == (data == DataKind::Las);
 }
 
 FileReport InspectFile(const std::wstring& path, const ReportKind* kind) {

@@ -7,6 +7,7 @@
 
 #include "las/LasInspection.h"
 #include "raster/RasterInspection.h"
+#include "support/DataKinds.h"
 
 namespace orvex {
 
@@ -32,10 +33,13 @@ const RasterBandProperties& FirstBand(const RasterInspection& raster);
 
 /// Kind of file that the command reads.
 struct ReportKind {
-    const char* name;                            ///< in reports and after --as
-    bool (*isNamed)(std::wstring_view path);     ///< true for names of this kind
-    bool (*isSearched)(std::wstring_view path);  ///< true for names that --as takes from a searched folder
-    void (*inspect)(FileReport& report);         ///< reads `report.path`
+    const char* name;  ///< in reports and after --as
+    DataKind data;
+    void (*inspect)(FileReport& report);  ///< reads `report.path`
+
+    /// True for a name that --as takes from a searched folder. Any raster can hold an image or elevations;
+    /// only its user knows.
+    bool IsSearched(std::wstring_view path) const;
 };
 
 /// Returns the kind called `name`, as after --as; null if there is none.

@@ -99,7 +99,7 @@ struct InputPaths {
 };
 
 bool IsSearched(const std::wstring& path, const Options& options) {
-    return options.kind == nullptr ? ReportKindOf(path) != nullptr : options.kind->isSearched(path);
+    return options.kind == nullptr ? ReportKindOf(path) != nullptr : options.kind->IsSearched(path);
 }
 
 /// Files below a folder in natural order of their full paths. Links to folders are not followed (they can

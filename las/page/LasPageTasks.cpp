@@ -3,6 +3,7 @@
 #include "dialog/page/PromptLines.h"
 #include "las/page/LasPageControls.h"
 #include "orvexcommon/OrvexUtilities.h"
+#include "support/DataKinds.h"
 
 namespace orvex {
 
@@ -24,7 +25,7 @@ std::wstring FailureText(const LasFileFailure& failure) {
 
 OpenFilesRequest LasOpenFilesRequest() {
     OpenFilesRequest request;
-    request.filters = {{L"LAS Files (*.las)", L"*.las"}, {L"LAZ Files (*.laz)", L"*.laz"}};
+    request.filters = PickerFilters(DataKind::Las);
     return request;
 }
 
@@ -46,7 +47,7 @@ FileListPageDescription DescribeLasPage() {
     page.folderQuestion = {13556_lsid};
     page.scanTexts.ignored = 41051_lsid;
     page.scanTexts.nothingFound = 41052_lsid;
-    page.extensions = {L".LAS", L".LAZ"};
+    page.extensions = NamedExtensions(DataKind::Las);
     page.detailsTabs = {{"detailsOverview", 40631_lsid, Html},
                         {"detailsCrs", 40632_lsid, Html},
                         {"detailsRecords", 40633_lsid, PlainText}};

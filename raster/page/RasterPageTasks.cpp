@@ -1,12 +1,10 @@
 #include "raster/page/RasterPageTasks.h"
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
-#include "raster/RasterExtensions.h"
 #include "raster/RasterListing.h"
 #include "raster/page/RasterPageControls.h"
+#include "support/DataKinds.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -20,18 +18,8 @@ OpenFilesRequest PickerRequest(StringId title, const std::wstring& initialFolder
     OpenFilesRequest request;
     request.title = Text(title).substr(0, kLongestTitle);
     request.initialFolder = initialFolder;
-    for (const auto& filter : RasterPickerFilters()) {
-        request.filters.push_back({std::wstring(filter.name), std::wstring(filter.patterns)});
-    }
+    request.filters = PickerFilters(DataKind::Raster);
     return request;
-}
-
-std::vector<std::wstring> UpperCased(std::span<const std::wstring_view> extensions) {
-    std::vector<std::wstring> upper;
-    for (const std::wstring_view extension : extensions) {
-        upper.push_back(ToUpper(extension));
-    }
-    return upper;
 }
 
 /// What both pages have in common.
@@ -39,9 +27,8 @@ FileListPageDescription DescribeCommonly() {
     FileListPageDescription page;
     page.fitsColumns = false;  // their widths are given
     page.pickFailed = {};
-    page.folderExtensions = UpperCased(RasterScanExtensions());
-    page.extensions = page.folderExtensions;
-    page.extensions.emplace_back(L".SID");  // never found by a search, but taken when it is named
+    page.folderExtensions = ScanExtensions(DataKind::Raster);
+    page.extensions = NamedExtensions(DataKind::Raster);
     page.scanTexts.nothingFound = 13644_lsid;
     page.scanTexts.nothingFoundIcon = PromptIcon::Error;
     page.nothingSelected = 41063_lsid;
@@ -85,8 +72,7 @@ FileListPageDescription DescribeDemPage(const AddFilesParams& params) {
     page.openFiles = [&params] { return PickerRequest(3239_lsid, params.initialFolder); };
     page.tooManyFiles = {3240_lsid};
     page.folderQuestion = {3241_lsid};
-    // A search leaves them out, as it does on the raster page; a file that is named is taken.
-    std::ranges::copy(UpperCased(ElevationExtensions()), std::back_inserter(page.extensions));
+    page.extensions = NamedExtensions(DataKind::Dem);
     page.detailsTabs = {
         {"demOverview", 40631_lsid, Html}, {"demCrs", 40632_lsid, Html}, {"demBands", 41288_lsid, Html}};
     return page;

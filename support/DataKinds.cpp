@@ -1,0 +1,132 @@
+#include "support/DataKinds.h"
+
+#include <algorithm>
+#include <map>
+
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+using enum DataKind;
+
+enum Use : unsigned {
+    kScanned = 1U,       ///< found by a page's search of a folder
+    kNamed = 2U,         ///< taken when it is given by name
+    kRecognised = 4U,    ///< its name alone tells the kind
+    kDroppedAsDem = 8U,  ///< goes to the DEM page when dropped
+    kUsual = kScanned | kNamed | kRecognised,
+};
+
+struct FileType {
+    std::wstring_view name;  ///< extension with its dot, or a whole file name; lower case
+    DataKind kind;
+    unsigned uses;
+    int filterRank = 0;                 ///< among the picker's filters of one extension; 0: has none
+    std::wstring_view filterName = {};  ///< "TIF" for the filter "TIF Files (*.tif)"
+};
+
+// In the order in which the filter of all image files names them.
+constexpr FileType kFileTypes[] = {
+    {L".las", Las, kUsual, 1, L"LAS"},
+    {L".laz", Las, kUsual, 2, L"LAZ"},
+    {L".tif", Raster, kUsual, 1, L"TIF"},
+    {L".tiff", Raster, kUsual},
+    {L".jpg", Raster, kUsual, 2, L"JPEG"},
+    {L".jpeg", Raster, kUsual},
+    {L".rgb", Raster, kUsual},
+    {L".png", Raster, kUsual, 3, L"PNG"},
+    {L".sid", Raster, kNamed, 6, L"MrSID"},  // such files are picked one by one
+    {L".gif", Raster, kUsual, 4, L"GIF"},
+    {L".bmp", Raster, kUsual, 5, L"BMP"},
+    {L".jp2", Raster, kUsual, 7, L"JP2000"},
+    {L".jp2k", Raster, kUsual},
+    {L".flt", Raster, kUsual | kDroppedAsDem},
+    {L".ecw", Raster, kUsual, 8, L"ECW"},
+    {L".img", Raster, kUsual, 9, L"IMG"},
+    // Elevation formats that are no images.
+    {L".asc", Dem, kNamed | kRecognised},
+    {L".bil", Dem, kNamed | kRecognised},
+    {L".dem", Dem, kNamed | kRecognised},
+    {L".dt0", Dem, kNamed | kRecognised},
+    {L".dt1", Dem, kNamed | kRecognised},
+    {L".dt2", Dem, kNamed | kRecognised},
+    {L".grd", Dem, kNamed | kRecognised},
+    {L".hgt", Dem, kNamed | kRecognised},
+    {L"hdr.adf", Dem, kRecognised},  // the one file in a coverage's folder that stands for it
+    {L".adf", Dem, 0},
+};
+
+/// The kind whose filters a page's picker shows.
+DataKind FilterKind(DataKind page) {
+    return page == Dem ? Raster : page;
+}
+
+std::vector<std::wstring> Extensions(DataKind page, Use use) {
+    std::vector<std::wstring> extensions;
+    for (const FileType& type : kFileTypes) {
+        if ((type.kind == page || type.kind == FilterKind(page)) && (type.uses & use) != 0) {
+            extensions.push_back(ToUpper(type.name));
+        }
+    }
+    return extensions;
+}
+
+const FileType* Find(std::wstring_view path, unsigned uses) {
+    const std::wstring extension = UpperExtensionOf(path);
+    const std::wstring name = FileNameOf(path);
+    const auto* const found = std::ranges::find_if(kFileTypes, [&](const FileType& type) {
+        return (type.uses & uses) == uses &&
+               EqualNoCase(type.name, type.name.starts_with(L'.') ? extension : name);
+    });
+    return found == std::ranges::end(kFileTypes) ? nullptr : found;
+}
+
+}  // namespace
+
+std::vector<FileFilter> PickerFilters(DataKind page) {
+    FileFilter all{L"All Image Files", {}};
+    std::map<int, FileFilter> ranked;
+    for (const FileType& type : kFileTypes) {
+        if (type.kind != FilterKind(page)) {
+            continue;
+        }
+        const std::wstring pattern = L"*" + std::wstring(type.name);
+        all.patterns += (all.patterns.empty() ? L"" : L";") + pattern;
+        if (type.filterRank != 0) {
+            ranked[type.filterRank] = {std::wstring(type.filterName) + L" Files (" + pattern + L")", pattern};
+        }
+    }
+    std::vector<FileFilter> filters;
+    for (auto& [rank, filter] : ranked) {
+        filters.push_back(std::move(filter));
+    }
+    if (page != Las) {
+        filters.insert(filters.begin(), std::move(all));
+        filters.push_back({L"All Files (*.*)", L"*.*"});
+    }
+    return filters;
+}
+
+std::vector<std::wstring> ScanExtensions(DataKind page) {
+    return Extensions(page, kScanned);
+}
+
+std::vector<std::wstring> NamedExtensions(DataKind page) {
+    return Extensions(page, kNamed);
+}
+
+std::optional<DataKind> DataKindOf(std::wstring_view path) {
+    const FileType* const type = Find(path, kRecognised);
+    return type != nullptr ? std::optional(type->kind) : std::nullopt;
+}
+
+std::optional<DataKind> DropPageOf(std::wstring_view path) {
+    const FileType* const type = Find(path, 0);
+    if (type == nullptr) {
+        return std::nullopt;
+    }
+    return (type->uses & kDroppedAsDem) != 0 ? Dem : type->kind;
+}
+
+}  // namespace orvex

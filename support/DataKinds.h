@@ -1,0 +1,30 @@
+#pragma once
+// The file types that the component reads, and what each list of extensions takes of them.
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "support/FilePickers.h"
+
+namespace orvex {
+
+/// A kind of data: that of a page, or of the files listed there. A DEM page lists rasters too.
+enum class DataKind { Las, Raster, Dem };
+
+/// Filters of the picker on a kind's page, in the order shown.
+std::vector<FileFilter> PickerFilters(DataKind page);
+
+/// Extensions that a page takes when it searches a folder; upper-cased, with their dot.
+std::vector<std::wstring> ScanExtensions(DataKind page);
+
+/// Extensions that a page takes of files given by name, such as picked or dropped ones; in the same form.
+std::vector<std::wstring> NamedExtensions(DataKind page);
+
+/// Kind of a file that is recognised by its name alone, in any letter case; nullopt for other names.
+std::optional<DataKind> DataKindOf(std::wstring_view path);
+
+/// Page that a file dropped on the application goes to; nullopt for a name that no page is for.
+std::optional<DataKind> DropPageOf(std::wstring_view path);
+
+}  // namespace orvex
