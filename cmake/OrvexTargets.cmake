@@ -26,6 +26,12 @@ if(ORVEX_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
 endif()
 
+find_program(ORVEX_LLD ld.lld)
+if(ORVEX_LLD AND NOT WIN32)
+    # Links several times faster than the linker that is usual.
+    add_link_options(-fuse-ld=lld)
+endif()
+
 if(NOT WIN32)
     # Programs as well as libraries, so that they share precompiled headers.
     add_compile_options(-fPIC)
@@ -78,9 +84,13 @@ function(orvex_program target)
     orvex_common_options(${target})
 endfunction()
 
-# A GoogleTest program, registered as one CTest per test. LIBS: what it links. QT: it has a QApplication main of its own.
+# The test programs that are worth running under the thread sanitizer.
+add_custom_target(orvex_thread_tests)
+
+# orvex_test(TARGET [QT] [THREADS] SOURCES source... LIBS library...): a GoogleTest program, which is one CTest. QT: its
+# main() makes a QApplication. THREADS: what it tests uses several threads; it gets the CTest label "threads".
 function(orvex_test target)
-    cmake_parse_arguments(ARG "QT" "" "SOURCES;LIBS" ${ARGN})
+    cmake_parse_arguments(ARG "QT;THREADS" "" "SOURCES;LIBS" ${ARGN})
     add_executable(${target} ${ARG_SOURCES})
     orvex_common_options(${target})
     if(ARG_QT)
@@ -95,4 +105,8 @@ function(orvex_test target)
     endif()
     add_test(NAME ${target} COMMAND ${target})
     set_tests_properties(${target} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+    if(ARG_THREADS)
+        set_tests_properties(${target} PROPERTIES LABELS threads)
+        add_dependencies(orvex_thread_tests ${target})
+    endif()
 endfunction()

@@ -1,6 +1,4 @@
-# Benchmarks, from the release build: one line per figure, and the same as JSON in build/bench/.
-source tools/build.sh release >&2
-
+# Runs the benchmarks of the release build: one line per figure, and the same as JSON in build/bench/.
 benchmarks=(las grid dem raster)
 name=${1:-all}
 if [ "$name" != all ]; then
@@ -10,6 +8,8 @@ if [ "$name" != all ]; then
     fi
     benchmarks=("$name")
 fi
+source tools/build.sh release "${benchmarks[@]/#/orvex-bench-}" >&2
+
 mkdir -p build/bench
 export QT_QPA_PLATFORM=offscreen
 for benchmark in "${benchmarks[@]}"; do

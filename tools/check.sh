@@ -1,4 +1,5 @@
-# Format, clang-tidy and the rules of the tree. clang-tidy looks at what the last day's commits and the work tree changed.
+# Format, clang-tidy and the rules of the source tree. clang-tidy looks at the sources changed in the last 24 hours, whether
+# committed or not; at every source with --all.
 source tools/build.sh dev
 
 status=0
@@ -40,7 +41,7 @@ tidy() {
 echo "clang-tidy: ${#units[@]} files"
 [ ${#units[@]} = 0 ] || tidy build/dev < <(printf '%s\0' "${units[@]}")
 
-# What only Windows compiles is looked at as mingw-w64 compiles it: clang is told where that compiler's headers are.
+# Sources of the Windows build alone are checked with the headers and the target of mingw-w64.
 if [ ${#windows_units[@]} -gt 0 ] && [ -f build/windows/compile_commands.json ]; then
     echo "clang-tidy for Windows: ${#windows_units[@]} files"
     headers=$(dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name=include)")/include/c++
@@ -48,7 +49,7 @@ if [ ${#windows_units[@]} -gt 0 ] && [ -f build/windows/compile_commands.json ];
         "--extra-arg=-isystem$headers/x86_64-w64-mingw32" --extra-arg=-Wno-unknown-warning-option \
         --extra-arg=-Wno-unused-command-line-argument < <(printf '%s\0' "${windows_units[@]}")
 elif [ ${#windows_units[@]} -gt 0 ]; then
-    echo "clang-tidy: ${#windows_units[@]} Windows files not looked at (./orvex windows build makes what it needs)"
+    echo "clang-tidy: ${#windows_units[@]} Windows files skipped; run ./orvex windows build first"
 fi
 
 echo "rules:"

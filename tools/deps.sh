@@ -1,9 +1,8 @@
-# Installs the Debian packages of tools/packages.txt that are missing, and the locale that the tests run under; gives
-# other scripts install_missing for lists of their own.
-# Needs root only when something is missing. Where apt does not offer LASzip, that one package comes from the next
-# Debian release, pinned so that nothing else can.
+# Installs the missing Debian packages of tools/packages.txt and the locale of the second test run; other scripts call
+# install_missing with their own lists. Needs root only if something is missing. If apt does not offer LASzip, it is taken
+# from the next Debian release, pinned so that no other package can be.
 
-# The packages of a list (a file with one a line) that are not installed.
+# Prints the packages in a list (one name a line) that are not installed.
 missing_packages() {
     local wanted
     mapfile -t wanted < <(grep -v '^#' "$1")
@@ -29,7 +28,7 @@ debian_keyring=/usr/share/keyrings/debian-archive-keyring.gpg
 
 machine_release() { . /etc/os-release && echo "${VERSION_CODENAME:-}"; }
 
-# The Debian release after this machine's, for what this machine's does not have.
+# Prints the name of the Debian release that follows this machine's.
 next_release() {
     case "$(machine_release)" in
         bookworm) echo trixie ;;
@@ -40,7 +39,7 @@ next_release() {
     esac
 }
 
-# The address from which this machine's own apt gets the packages of a Debian release.
+# Prints the address from which this machine's apt gets the packages of a Debian release.
 archive_address() {
     local address
     address=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' "Codename: $1" | head -n 1)

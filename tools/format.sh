@@ -1,4 +1,4 @@
-# The layout that clang-format decides, in every source of the tree; --check: says what differs and changes nothing.
+# Formats every source with clang-format; with --check, lists what differs and changes nothing.
 mapfile -t sources < <(git ls-files --cached --others --exclude-standard -- '*.cpp' '*.h')
 if [ ${#sources[@]} = 0 ]; then
     echo "orvex: git lists no sources here" >&2

@@ -1,5 +1,5 @@
-# The inspection of the dialog without a window; builds quietly first.
-source tools/build.sh dev >&2
+# The inspection of the dialog without a window. Only its report goes to standard output.
+source tools/build.sh dev orvex-inspect >&2
 root=$PWD
 cd "$called_from"
 exec "$root/build/dev/bin/orvex-inspect" "$@"

@@ -1,6 +1,6 @@
-# The reference host with the files given, or with a sample project; without a display the dialog is driven offscreen
-# and photographed in light and dark, and at twice the size.
-source tools/build.sh dev
+# The reference host with the given files, or with a sample project. Without a display the dialog is driven offscreen, and
+# pictures of it are left in build/pictures/: light and dark, at normal and at double scale.
+source tools/build.sh dev orvex-host
 root=$PWD
 cd "$called_from"
 
@@ -8,7 +8,7 @@ if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] && [[ ${QT_QPA_PLATFORM:-} != offsc
     exec "$root/build/dev/bin/orvex-host" "$@"
 fi
 mkdir -p "$root/build/pictures"
-# The platform's own screen is smaller than the dialog.
+# Qt's default offscreen screen is smaller than the dialog.
 export QT_QPA_PLATFORM="offscreen:configfile=$root/tools/offscreen-screen.json"
 drive() {
     "$root/build/dev/bin/orvex-host" --drive --pictures "$root/build/pictures" "$@" 2> >(grep -v -e XDG_RUNTIME_DIR -e propagateSizeHints >&2)

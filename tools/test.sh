@@ -1,4 +1,4 @@
-# Every test of the dev build, and once more under a locale that writes decimals with a comma.
+# Runs every test of the dev build twice, the second time under a locale with decimal commas.
 source tools/build.sh dev
 
 export QT_QPA_PLATFORM=offscreen
