@@ -1,9 +1,7 @@
-// One elevation raster of thirty million pixels into a LAS file, beside copying the same LAS file. Both are
-// repeated and the best is taken, because what else the disk does only ever adds.
+// Converting an elevation raster of thirty million pixels to LAS, compared with copying the resulting file.
+// Both are repeated and the best time counts, because other load on the disk only adds.
 #include <algorithm>
-#include <chrono>
 #include <cmath>
-#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <limits>
@@ -11,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "benchmarks/Figures.h"
+#include "benchmarks/Bench.h"
 #include "benchmarks/Probe.h"
 #include "crs/GdalSetup.h"
 #include "host/dem/DemConversion.h"
@@ -45,13 +43,6 @@ testing::DemSample Terrain(const CreationOptions& options) {
     return sample;
 }
 
-template <typename Work>
-double SecondsOf(const Work& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 /// False when a file could not be made.
 bool Measure(const std::string& name, const CreationOptions& options, bench::Figures& figures) {
     const testing::TemporaryFolder folder;
@@ -66,15 +57,16 @@ bool Measure(const std::string& name, const CreationOptions& options, bench::Fig
     double points = 0;
     for (int i = 0; i < kRepeats; ++i) {
         DemConversionResult result;
-        best = std::min(best, SecondsOf([&] {
-                            Kst::NullProgress progress;
-                            result = ConvertDem(raster, conversion, progress).value_or(result);
-                        }));
+        best = std::min(best, 1e-3 * bench::Milliseconds([&] {
+                                  Kst::NullProgress progress;
+                                  result = ConvertDem(raster, conversion, progress).value_or(result);
+                              }));
         points = static_cast<double>(result.points);
         const std::wstring copy = folder.Name(L"copy.las");
         bool isCopied = false;
-        bestCopy =
-            std::min(bestCopy, SecondsOf([&] { isCopied = bench::CopyWithSystem(result.lasPath, copy); }));
+        bestCopy = std::min(bestCopy, 1e-3 * bench::Milliseconds([&] {
+                                          isCopied = bench::CopyWithSystem(result.lasPath, copy);
+                                      }));
         RemoveFile(result.lasPath);
         RemoveFile(copy);
         if (!isCopied) {
@@ -91,9 +83,8 @@ bool Measure(const std::string& name, const CreationOptions& options, bench::Fig
 }  // namespace
 
 int main(int argc, char** argv) {
-    const bool hasOutput = argc == 3 && std::strcmp(argv[1], "--output") == 0;
-    if (argc != 1 && !hasOutput) {
-        std::cerr << "usage: orvex-bench-dem [--output FILE]\n";
+    const auto options = bench::ParseBenchOptions(argc, argv);
+    if (!options) {
         return 2;
     }
     if (!EnsureGdal()) {
@@ -106,5 +97,5 @@ int main(int argc, char** argv) {
         std::cerr << "a file could not be written\n";
         return 1;
     }
-    return !hasOutput || figures.Write(argv[2]) ? 0 : 1;
+    return figures.Write(options->output) ? 0 : 1;
 }

@@ -3,19 +3,20 @@
 #include <QAbstractButton>
 #include <QAbstractItemModel>
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QTableView>
+#include <QTimer>
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <vector>
 
-#include "benchmarks/Corpus.h"
-#include "benchmarks/DialogSession.h"
-#include "benchmarks/Figures.h"
 #include "benchmarks/Probe.h"
 #include "host/app/DialogDrop.h"
+#include "orvexcommon/Exports.h"
 #include "support/QtText.h"
 #include "support/Text.h"
 
@@ -27,11 +28,115 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int kWarmOpenings = 9;
 
+/// One dialog from opening to Cancel, driven by a timer: takes the time of its first paint, passes it to
+/// `use`, answers every question with Yes, and presses Cancel when `use` has returned.
+class DialogSession final : public QObject {
+  public:
+    /// Runs the dialog; `use` may be empty. False when the dialog did not open.
+    bool Run(const std::function<void(QWidget&)>& use);
+
+    /// Time from the call to the first paint, milliseconds.
+    double OpeningMs() const { return openingMs_; }
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void Tick();
+
+    std::function<void(QWidget&)> use_;
+    QTimer timer_;
+    QElapsedTimer sinceCall_;
+    double openingMs_ = -1;
+    bool used_ = false;
+    bool done_ = false;
+};
+
+/// Longest time that the event loop kept a timer of one millisecond waiting.
+class StallProbe final : public QObject {
+  public:
+    StallProbe();
+    double LongestMs() const { return longestMs_; }
+
+  private:
+    QTimer timer_;
+    QElapsedTimer since_;
+    double longestMs_ = 0;
+};
+
+bool DialogSession::Run(const std::function<void(QWidget&)>& use) {
+    use_ = use;
+    qApp->installEventFilter(this);
+    connect(&timer_, &QTimer::timeout, this, &DialogSession::Tick);
+    timer_.start(1);
+    AddFilesParams params;
+    sinceCall_.start();
+    ShowAddFilesDialog(&params);
+    qApp->removeEventFilter(this);
+    return used_;
+}
+
+bool DialogSession::eventFilter(QObject* watched, QEvent* event) {
+    if (openingMs_ < 0 && event->type() == QEvent::UpdateRequest && watched->objectName() == "AddFilesDlg") {
+        // The whole window is painted while this event is handled; the time is taken when it is done.
+        qApp->removeEventFilter(this);
+        QCoreApplication::sendEvent(watched, event);
+        openingMs_ = static_cast<double>(sinceCall_.nsecsElapsed()) / 1e6;
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void DialogSession::Tick() {
+    QWidget* modal = QApplication::activeModalWidget();
+    QWidget* dialog = FindAddFilesDialog();
+    if (modal != nullptr && modal != dialog) {
+        if (QAbstractButton* yes = AgreeingButton(modal)) {
+            yes->click();
+        }
+        return;
+    }
+    if (dialog == nullptr || openingMs_ < 0) {
+        return;
+    }
+    if (done_) {
+        // More than once: a dialog that has just stopped a run takes no Cancel for a moment.
+        if (auto* cancel = dialog->findChild<QAbstractButton*>("cancel")) {
+            cancel->click();
+        }
+        return;
+    }
+    if (used_) {
+        return;
+    }
+    used_ = true;
+    // Queued: what runs inside a timer's own call would keep the timer from answering questions meanwhile.
+    QMetaObject::invokeMethod(
+        this,
+        [this, dialog] {
+            if (use_) {
+                use_(*dialog);
+            }
+            done_ = true;
+        },
+        Qt::QueuedConnection);
+}
+
+StallProbe::StallProbe() {
+    since_.start();
+    timer_.setTimerType(Qt::PreciseTimer);
+    connect(&timer_, &QTimer::timeout, this, [this] {
+        longestMs_ = std::max(longestMs_, static_cast<double>(since_.nsecsElapsed()) / 1e6);
+        since_.restart();
+    });
+    timer_.start(1);
+}
+
 double Since(Clock::time_point start) {
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
-/// The grid of the page that is shown.
+/// Model of the shown page's grid; null if there is none.
 QAbstractItemModel* GridModelOf(QWidget& dialog) {
     for (const auto* table : dialog.findChildren<QTableView*>()) {
         if (table->isVisible() && table->model() != nullptr) {
@@ -42,7 +147,7 @@ QAbstractItemModel* GridModelOf(QWidget& dialog) {
 }
 
 QStringList CorpusFolder(const Corpus& corpus) {
-    return {ToQString(FromPath(corpus.Folder() / "files"))};
+    return {ToQString(FromPath(corpus.Folder()))};
 }
 
 struct Adding {
@@ -71,12 +176,12 @@ void AddAll(QWidget& dialog, const Corpus& corpus, Adding& adding) {
     adding.rows = model->rowCount();
 }
 
-/// What the rows beyond the first folder's cost: the libraries' own memory for the systems that occur is
-/// there by then, and does not grow with the list.
+/// Measures the rows beyond the first folder's: by then the libraries hold their own memory for the
+/// coordinate systems, which does not grow with the list.
 void AddInTwoSteps(QWidget& dialog, const Corpus& corpus, double& heapPerRow) {
     QAbstractItemModel* model = GridModelOf(dialog);
     QStringList folders;
-    for (const auto& entry : std::filesystem::directory_iterator(corpus.Folder() / "files")) {
+    for (const auto& entry : std::filesystem::directory_iterator(corpus.Folder())) {
         folders.append(ToQString(FromPath(entry.path())));
     }
     if (model == nullptr || folders.size() < 2) {
@@ -90,7 +195,7 @@ void AddInTwoSteps(QWidget& dialog, const Corpus& corpus, double& heapPerRow) {
                  std::max(1, model->rowCount() - rowsBefore);
 }
 
-/// Presses Escape when the grid has some rows, and says how long the run went on after it.
+/// Presses Escape when the grid has some rows; `answerMs` is the time until the run ends.
 void StopAdding(QWidget& dialog, const Corpus& corpus, double& answerMs) {
     QAbstractItemModel* model = GridModelOf(dialog);
     if (model == nullptr) {

@@ -1,17 +1,16 @@
 #pragma once
 
+#include "benchmarks/Bench.h"
+
 namespace orvex::bench {
 
-class Figures;
-class Corpus;
-
-/// How long the dialog takes to open: the first time in the process, and after that.
+/// Time until the dialog is painted: the first time in the process, and later ones.
 void MeasureOpening(Figures& figures);
-/// Adding all files through the dialog: the first rows, the whole, the longest stall.
+/// Adding all files through the dialog: time to the first rows, total time, longest stall.
 void MeasureAdding(const Corpus& corpus, Figures& figures);
-/// The memory of a row: files that this process has not listed before, in at least two folders.
+/// Memory per row, with files in at least two folders that this process has not listed before.
 void MeasureMemory(const Corpus& corpus, Figures& figures);
-/// How soon Escape ends a run.
+/// Time from Escape to the end of a run.
 void MeasureEscape(const Corpus& corpus, Figures& figures);
 
 }  // namespace orvex::bench

@@ -5,13 +5,12 @@
 #include <QTableView>
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <limits>
 #include <numeric>
 #include <string>
 #include <vector>
 
-#include "benchmarks/Figures.h"
+#include "benchmarks/Bench.h"
 #include "dialog/grid/GridView.h"
 #include "support/NaturalOrder.h"
 
@@ -33,7 +32,7 @@ struct File {
     double size;
 };
 
-// The same files at every run, in no order.
+// The same files in every run, unsorted.
 std::vector<File> MakeFiles() {
     std::vector<File> files;
     files.reserve(kRows);
@@ -75,10 +74,7 @@ double Shortest(const Prepare& prepare, const Run& run) {
     double shortest = std::numeric_limits<double>::infinity();
     for (int i = 0; i < kRepeats; ++i) {
         prepare();
-        const auto start = std::chrono::steady_clock::now();
-        run();
-        const std::chrono::duration<double, std::milli> spent = std::chrono::steady_clock::now() - start;
-        shortest = std::min(shortest, spent.count());
+        shortest = std::min(shortest, bench::Milliseconds(run));
     }
     return shortest;
 }
@@ -150,19 +146,13 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     const QApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    const qsizetype at = arguments.indexOf("--output");
-    if (at >= 0 && at + 1 >= arguments.size()) {
-        std::fputs("usage: orvex-bench-grid [--output FILE]\n", stderr);
+    const auto options = bench::ParseBenchOptions(argc, argv);
+    if (!options) {
         return 2;
     }
     bench::Figures figures;
     FilesModel model;
     MeasureSorting(model, figures);
     MeasureScrolling(model, figures);
-    if (at >= 0 && !figures.Write(arguments[at + 1].toStdString())) {
-        std::fprintf(stderr, "%s cannot be written\n", qPrintable(arguments[at + 1]));
-        return 1;
-    }
-    return 0;
+    return figures.Write(options->output) ? 0 : 1;
 }

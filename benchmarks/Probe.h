@@ -1,18 +1,18 @@
 #pragma once
-// What the benchmarks need of the system.
+// System calls of the benchmarks.
 #include <cstdint>
 #include <string>
 
 namespace orvex::bench {
 
-/// Opens a file, asks for its size, reads its header and its VLRs and closes it, with nothing around the
-/// system's calls. Returns the bytes read.
+/// Opens a LAS file, gets its size, reads its header and VLRs and closes it, by bare system calls. Returns
+/// the bytes read.
 std::uint64_t ReadBarely(const std::string& path);
 
-/// Bytes that the program holds of the heap.
+/// Bytes of the heap in use by this program.
 std::uint64_t HeapInUse();
 
-/// Copies a file with the system's own means: the command `cp`, where there is one.
+/// Copies a file by the system's own means: the command `cp`, on Windows CopyFile.
 bool CopyWithSystem(const std::wstring& from, const std::wstring& to);
 
 }  // namespace orvex::bench

@@ -5,28 +5,29 @@
 
 namespace orvex {
 
-/// Reads a WKT of any dialect. False when it is empty, longer than any CRS is, or no WKT. Call it inside a
+/// Reads a WKT of any dialect. False if it is empty, no WKT, or longer than 1 MiB. Call it inside a
 /// GdalErrorScope.
 bool ImportWkt(const std::string& wkt, OGRSpatialReference& crs);
 
-/// The CRS of an EPSG code. False for a code that PROJ's database does not have. Call it inside a
+/// Makes the CRS of an EPSG code. False for a code that PROJ's database lacks. Call it inside a
 /// GdalErrorScope.
 bool ImportEpsg(long code, OGRSpatialReference& crs);
 
-/// A compound CRS that has a code, with its parts as PROJ's database has them: WKT2 gives the code of the
-/// whole only. Any other CRS as it is.
+/// A compound CRS with an EPSG code as PROJ's database has it, since WKT2 gives no codes for its parts; any
+/// other CRS unchanged.
 OGRSpatialReference WithCodedParts(const OGRSpatialReference& crs);
 
-/// The horizontal part of a compound CRS, else the CRS itself; empty for a vertical CRS.
+/// Horizontal part of a compound CRS, else the CRS itself; empty for a vertical CRS.
 OGRSpatialReference HorizontalPart(const OGRSpatialReference& crs);
 
-/// The geographic CRS that a projected or geographic one stands on; empty when there is none.
+/// Base geographic CRS of a projected CRS, or the geographic CRS itself; empty if there is none.
 OGRSpatialReference GeographicPart(const OGRSpatialReference& crs);
 
-/// The node of the vertical part, whatever dialect the WKT was in; null when there is none.
+/// Node of the vertical part, for any dialect of WKT; null if there is none.
 const OGR_SRSNode* VerticalNode(const OGRSpatialReference& crs);
 
-/// EPSG code of the CRS (null) or of a node ("PROJCS|UNIT"); 0 when it has none, or one of another authority.
+/// EPSG code of the CRS, or of its node `node` ("PROJCS|UNIT"); 0 if there is none or it is another
+/// authority's.
 long EpsgCode(const OGRSpatialReference& crs, const char* node = nullptr);
 
 }  // namespace orvex

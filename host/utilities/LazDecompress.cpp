@@ -1,15 +1,21 @@
-#include "host/utilities/LazDecompress.h"
-
+// Decompression of LAZ files by LASzip.
 #include <laszip/laszip_api.h>
 
 #include <algorithm>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
 
-#include "host/utilities/CodecRecord.h"
+#include "host/utilities/LazLayout.h"
+#include "orvexcommon/OrvexUtilities.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/LasFormat.h"
+#include "support/ProgressIf.h"
 #include "support/SystemError.h"
+#include "support/TemporaryFile.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -19,6 +25,17 @@ constexpr std::uint64_t kPointsPerStep = 20000;
 // More points than any drive holds; the codec counts with signed numbers.
 constexpr std::uint64_t kMaxPoints = std::uint64_t{1} << 62;
 constexpr std::uint64_t kCopyBlock = 1 << 20;
+
+/// Destroys a codec object of LASzip with what it holds.
+struct LaszipDeleter {
+    void operator()(void* codec) const noexcept {
+        // Open readers and writers leak otherwise. If nothing is open, closing only sets an error text.
+        laszip_close_reader(codec);
+        laszip_close_writer(codec);
+        laszip_destroy(codec);
+    }
+};
+using LaszipHandle = std::unique_ptr<void, LaszipDeleter>;
 
 LaszipHandle CreateCodec() {
     laszip_POINTER codec = nullptr;
@@ -43,14 +60,51 @@ std::wstring CodecError(const LaszipHandle& codec) {
     return FromUtf8(text);
 }
 
-}  // namespace
+/// One decompression of a LAZ file into a LAS file; used once.
+class LazDecompressor {
+  public:
+    LazDecompressor(const std::wstring& lazPath, const std::wstring& lasPath, Kst::ProgressIf& progress);
 
-void LaszipDeleter::operator()(void* codec) const noexcept {
-    // What is open is not freed otherwise. Where nothing is open, closing only sets an error text.
-    laszip_close_reader(codec);
-    laszip_close_writer(codec);
-    laszip_destroy(codec);
-}
+    /// True when the LAS file is complete at its path, false if the user stopped. Throws LDataError with a
+    /// text for the user. Leaves either the complete file or nothing.
+    bool Run();
+
+  private:
+    void OpenInput();
+    void RequireSpace() const;
+    void OpenOutput();
+    bool CopyPoints();
+    bool CopyExtendedRecords();
+    bool CopyBytes(std::uint64_t from, std::uint64_t length);
+    void PatchHeader();
+    template <typename T>
+    void PatchField(std::uint64_t offset, T value);
+    void Finish();
+
+    void CheckRead(int result) const;
+    void CheckWritten(int result) const;
+    [[noreturn]] void FailToWrite(SystemError error) const;
+
+    std::wstring lazPath_;
+    std::wstring lasPath_;
+    Kst::ProgressIf& progress_;
+    LazLayout layout_;
+    std::vector<ExtendedRecord> extendedRecords_;
+
+    // The codecs use the streams, so they are declared after them and destroyed before.
+    std::ifstream input_;
+    TemporaryFile temporary_;
+    std::ofstream output_;
+    LaszipHandle reader_;
+    LaszipHandle writer_;
+    laszip_header* header_ = nullptr;  ///< of the file to be written; owned by the reader
+    std::uint64_t pointCount_ = 0;
+    std::uint64_t extendedStart_ = 0;  ///< where the copied extended records start; 0 for none
+    std::uint64_t waveformStart_ = 0;  ///< where the copied waveform record starts; 0 for none
+    std::uint32_t extendedCount_ = 0;
+};
+
+}  // namespace
 
 LazDecompressor::LazDecompressor(const std::wstring& lazPath, const std::wstring& lasPath,
                                  Kst::ProgressIf& progress)
@@ -233,3 +287,14 @@ void LazDecompressor::FailToWrite(SystemError error) const {
 }
 
 }  // namespace orvex
+
+bool OrvexUtilities::LAZDecompress(const std::wstring& lazPath, const std::wstring& lasPath,
+                                   Kst::ProgressIf& progress, std::wstring& reason) {
+    reason.clear();
+    try {
+        return orvex::LazDecompressor(lazPath, lasPath, progress).Run();
+    } catch (...) {
+        reason = orvex::CurrentExceptionText();
+        return false;
+    }
+}

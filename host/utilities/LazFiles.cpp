@@ -2,11 +2,9 @@
 #include <chrono>
 #include <optional>
 
-#include "host/utilities/LazDecompress.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Files.h"
 #include "support/FolderAccess.h"
-#include "support/LDataError.h"
 #include "support/Text.h"
 
 using namespace orvex;
@@ -71,15 +69,4 @@ bool OrvexUtilities::IsLAZNewer(const std::wstring& lazPath) {
 
 bool OrvexUtilities::LAZEnabledLASFileExists(const std::wstring& lazPath) {
     return IsLAZFile(lazPath) && FileExists(GetLAZBuddyPath(lazPath));
-}
-
-bool OrvexUtilities::LAZDecompress(const std::wstring& lazPath, const std::wstring& lasPath,
-                                   Kst::ProgressIf& progress, std::wstring& reason) {
-    reason.clear();
-    try {
-        return LazDecompressor(lazPath, lasPath, progress).Run();
-    } catch (...) {
-        reason = CurrentExceptionText();
-        return false;
-    }
 }

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
+#include <optional>
+#include <vector>
 
 #include "support/ByteReader.h"
 #include "support/Format.h"
@@ -115,6 +118,119 @@ std::vector<ExtendedRecord> ReadExtendedRecords(const std::wstring& path, const 
         offset += las::kEvlrHeaderSize + length;
     }
     return records;
+}
+
+namespace {
+
+constexpr std::uint64_t kItemsOffset = 34;
+constexpr std::uint64_t kItemSize = 6;
+// Compressors: 1 one stream of points, 2 chunks, 3 chunks in layers.
+constexpr std::uint16_t kFirstCompressor = 1, kFirstChunkedCompressor = 2, kLastCompressor = 3;
+constexpr std::uint32_t kVaryingChunks = std::numeric_limits<std::uint32_t>::max();
+
+/// Bytes of an item by its kind; 0 for kinds whose size is free (extra bytes) or that are not used in files.
+constexpr std::array<std::uint16_t, 15> kItemSizes = {0, 0, 0, 0, 0, 0, 20, 8, 6, 29, 30, 6, 8, 29, 0};
+constexpr std::uint16_t kExtraBytes = 0, kFirstLayeredItem = 10, kExtraBytes14 = 14;
+
+[[noreturn]] void Fail(StringId text, const std::wstring& path) {
+    throw LDataError(FormatText(Text(text), {path}));
+}
+
+std::vector<std::byte> ReadPart(const MappedFile& file, std::uint64_t offset, std::uint64_t length) {
+    std::vector<std::byte> bytes(static_cast<std::size_t>(length));
+    std::size_t read = 0;
+    if (file.ReadAt(offset, bytes, read) != 0) {
+        read = 0;
+    }
+    bytes.resize(read);
+    return bytes;
+}
+
+/// The payload of the codec's record among the records between header and points.
+std::optional<ByteReader> FindCodecRecord(const ByteReader& records, std::uint32_t count) {
+    std::uint64_t offset = 0;
+    for (; count > 0 && records.Contains(offset, las::kVlrHeaderSize); --count) {
+        const auto length = records.Read<std::uint16_t>(offset + las::record_at::kLength);
+        if (records.FixedText(offset + las::record_at::kUserId, las::kUserIdLength) == las::kCodecUserId &&
+            records.Read<std::uint16_t>(offset + las::record_at::kRecordId) == las::kCodecRecordId) {
+            return ByteReader(records.Bytes(offset + las::kVlrHeaderSize, length));
+        }
+        offset += las::kVlrHeaderSize + length;
+    }
+    return std::nullopt;
+}
+
+bool AreItemsRight(const ByteReader& record, std::uint16_t recordLength) {
+    const auto count = record.Read<std::uint16_t>(kItemsOffset - 2);
+    if (count == 0 || record.Size() != kItemsOffset + kItemSize * count) {
+        return false;
+    }
+    std::uint64_t total = 0;
+    for (std::uint64_t i = 0; i < count; ++i) {
+        const auto kind = record.Read<std::uint16_t>(kItemsOffset + i * kItemSize);
+        const auto size = record.Read<std::uint16_t>(kItemsOffset + i * kItemSize + 2);
+        const bool isFree = kind == kExtraBytes || kind == kExtraBytes14;
+        // Version 0 would say that the item is not compressed.
+        const auto version = record.Read<std::uint16_t>(kItemsOffset + i * kItemSize + 4);
+        const bool isVersionKnown =
+            kind < kFirstLayeredItem ? version >= 1 && version <= 2 : version >= 2 && version <= 4;
+        if (kind >= kItemSizes.size() || !isVersionKnown || size == 0 ||
+            (!isFree && size != kItemSizes[kind])) {
+            return false;
+        }
+        total += size;
+    }
+    return total == recordLength;
+}
+
+std::optional<std::uint64_t> NumberAt(const MappedFile& file, std::uint64_t offset) {
+    const std::vector<std::byte> bytes = ReadPart(file, offset, 8);
+    return ByteReader(bytes).TryRead<std::uint64_t>(0);
+}
+
+/// The points start with the place of the table; -1 there means that the place is in the file's last 8 bytes.
+/// A writer that was interrupted leaves its own place there: then chunks of one size can still be found,
+/// those of varying size cannot.
+bool IsChunkTableThere(const MappedFile& file, const LazLayout& layout, bool varies) {
+    std::optional<std::uint64_t> place = NumberAt(file, layout.offsetToPoints);
+    if (place == std::numeric_limits<std::uint64_t>::max()) {
+        place = NumberAt(file, layout.fileSize - 8);
+    }
+    if (place == layout.offsetToPoints) {
+        return !varies;
+    }
+    if (!place || *place < layout.offsetToPoints || *place >= layout.fileSize) {
+        return false;
+    }
+    const std::vector<std::byte> table = ReadPart(file, *place, 8);
+    const auto chunks = ByteReader(table).TryRead<std::uint32_t>(4);
+    return ByteReader(table).Read<std::uint32_t>(0) == 0 && chunks && *chunks > 0 &&
+           *chunks <= layout.fileSize;
+}
+
+}  // namespace
+
+void RequireUsableCodecRecord(const std::wstring& path, const LazLayout& layout) {
+    MappedFile file;
+    if (const SystemError error = file.Open(path, true); error != 0) {
+        throw LDataError(FormatText(Text(40300_lsid), {path, SystemErrorText(error)}));
+    }
+    const std::vector<std::byte> bytes =
+        ReadPart(file, layout.headerSize, layout.offsetToPoints - layout.headerSize);
+    const std::optional<ByteReader> record = FindCodecRecord(ByteReader(bytes), layout.recordCount);
+    if (!record) {
+        return;
+    }
+    const auto compressor = record->Read<std::uint16_t>(0);
+    if (compressor < kFirstCompressor || compressor > kLastCompressor ||
+        !AreItemsRight(*record, layout.recordLength)) {
+        Fail(40308_lsid, path);
+    }
+    const bool varies = record->Read<std::uint32_t>(12) == kVaryingChunks;
+    if (compressor >= kFirstChunkedCompressor && layout.hasPoints &&
+        !IsChunkTableThere(file, layout, varies)) {
+        Fail(40309_lsid, path);
+    }
 }
 
 }  // namespace orvex

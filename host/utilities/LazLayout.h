@@ -35,4 +35,9 @@ LazLayout ReadLazLayout(const std::wstring& path);
 /// index the compressed chunks.
 std::vector<ExtendedRecord> ReadExtendedRecords(const std::wstring& path, const LazLayout& layout);
 
+/// Checks what the codec trusts blindly: its own record ("laszip encoded", 22204), which lists the items of a
+/// point, and the table of chunks. Throws LDataError if they cannot be right. A file without the record is
+/// not compressed and passes.
+void RequireUsableCodecRecord(const std::wstring& path, const LazLayout& layout);
+
 }  // namespace orvex

@@ -94,9 +94,11 @@ TEST(InspectJson, HasTheFactsOfALasFileUnderTheirKeys) {
                                   .Wkt(kWkt)
                                   .AddVlr("vendor", 7, "12345678", "eight bytes")
                                   .AddEvlr("vendor", 8, "data", "behind")
+                                  .AddEvlr("\xFF\xFE", 9, "", "\x80")
                                   .AddExtraBytes("Amplitude", 3, 2)
                                   .AddExtraBytes("Width", 5, 4)
                                   .EncodingBits(1)
+                                  .Lie(179, kNaN)
                                   .Build();
     const std::wstring path = folder.Write(L"Größe '1'.LAS", bytes);
     const Json object = Objects({path}).at(0);
@@ -109,23 +111,26 @@ TEST(InspectJson, HasTheFactsOfALasFileUnderTheirKeys) {
         ElementsAre("version", "versionCode", "pointFormat", "compressed", "headerSize", "offsetToPoints",
                     "pointRecordLength", "pointCount", "scale", "offset", "min", "max", "globalEncoding",
                     "gpsTime", "vlrs", "evlrs", "extraBytes", "companionStatus", "vlrText"));
-    EXPECT_THAT(Keys(object["las"]["vlrs"][0]), ElementsAre("userId", "recordId", "length", "description"));
-    ExpectMembers(object, {{"/path", ToUtf8(path)},
-                           {"/kind", "las"},
-                           {"/loadable", true},
-                           {"/raster", nullptr},
-                           {"/crs/name", "WGS 84"},
-                           {"/crs/isGeographic", true},
-                           {"/crs/epsg", 4326},
-                           {"/las/version", "1.4"},
-                           {"/las/versionCode", 5},
-                           {"/las/pointFormat", 6},
-                           {"/las/pointRecordLength", 30 + 6},
-                           {"/las/pointCount", 4},
-                           {"/las/globalEncoding", 17},
-                           {"/las/min/0", 10},
-                           {"/las/evlrs/0/description", "behind"},
-                           {"/las/extraBytes/1", {{"name", "Width"}, {"offset", 2}, {"size", 4}}}});
+    ExpectMembers(
+        object,
+        {{"/path", ToUtf8(path)},
+         {"/kind", "las"},
+         {"/loadable", true},
+         {"/raster", nullptr},
+         {"/crs/name", "WGS 84"},
+         {"/crs/isGeographic", true},
+         {"/crs/epsg", 4326},
+         {"/las/version", "1.4"},
+         {"/las/versionCode", 5},
+         {"/las/pointFormat", 6},
+         {"/las/pointRecordLength", 30 + 6},
+         {"/las/pointCount", 4},
+         {"/las/globalEncoding", 17},
+         {"/las/min/0", 10},
+         {"/las/max/0", nullptr},
+         {"/las/evlrs/0", {{"userId", "vendor"}, {"recordId", 8}, {"length", 4}, {"description", "behind"}}},
+         {"/las/evlrs/1/userId", "\xEF\xBF\xBD\xEF\xBF\xBD"},
+         {"/las/extraBytes/1", {{"name", "Width"}, {"offset", 2}, {"size", 4}}}});
     EXPECT_THAT(object["las"]["vlrText"].get<std::string>(), HasSubstr("31 32 33 34 35 36 37 38"));
 }
 
@@ -197,24 +202,7 @@ TEST(InspectJson, KeepsItsLayout) {
                                 "    }\n  }\n]\n"));
 }
 
-TEST(InspectJson, IsValidWhateverTheTextsOfAFileHold) {
-    const TemporaryFolder folder;
-    const std::string bytes =
-        LasBuilder(12, 0).AddPoints(1).AddVlr("\xFF\xFE", 1, "", "\x80").Lie(179, kNaN).Build();
-    const Json object = Objects({folder.Write(L"odd.las", bytes)}).at(0);
-    ExpectMembers(object, {{"/las/max/0", nullptr}, {"/las/vlrs/0/userId", "\xEF\xBF\xBD\xEF\xBF\xBD"}});
-}
-
-TEST(InspectCommand, ReportsMissingPathsAndPrintsTheOthers) {
-    const TemporaryFolder folder;
-    const std::wstring good = folder.Write(L"good.las", LasBuilder().AddPoints(1).Build());
-    const Outcome outcome = Inspect({L"--json", folder.Name(L"none.las"), good});
-    EXPECT_EQ(outcome.code, kInspectPathMissing);
-    EXPECT_THAT(outcome.err, HasSubstr("none.las"));
-    EXPECT_EQ(Json::parse(outcome.out).size(), 1U);
-}
-
-TEST(InspectCommand, RefusesArgumentsThatItDoesNotKnow) {
+TEST(InspectCommand, RefusesUnknownArgumentsAndReportsMissingPaths) {
     const TemporaryFolder folder;
     const std::wstring good = folder.Write(L"good.las", LasBuilder().Build());
     const Arguments cases[] = {{},
@@ -234,6 +222,11 @@ TEST(InspectCommand, RefusesArgumentsThatItDoesNotKnow) {
     }
     EXPECT_EQ(Inspect({L"--", good}).code, kInspectOk);
     EXPECT_EQ(Inspect({L"--help"}).code, kInspectOk);
+
+    const Outcome missing = Inspect({L"--json", folder.Name(L"none.las"), good});
+    EXPECT_EQ(missing.code, kInspectPathMissing);
+    EXPECT_THAT(missing.err, HasSubstr("none.las"));
+    EXPECT_EQ(Json::parse(missing.out).size(), 1U) << "the others are printed";
 }
 
 TEST(InspectCommand, ReadsAFileAsTheKindOfItsNameOrOfTheOption) {
@@ -277,24 +270,20 @@ TEST(InspectCommand, SearchesFoldersInNaturalOrderAndKeepsItOnManyThreads) {
     }
 }
 
-TEST(InspectCommand, LeavesACompleteDocumentWhenStopped) {
-    const TemporaryFolder folder;
-    const std::wstring good = folder.Write(L"good.las", LasBuilder().AddPoints(1).Build());
-    const Outcome outcome = Inspect({L"--json", good}, true);
-    EXPECT_EQ(outcome.code, kInspectStopped);
-    EXPECT_EQ(outcome.out, "[]\n");
-}
-
 /// A full drive.
 class RefusingBuffer : public std::streambuf {};
 
-TEST(InspectCommand, ReportsOutputThatCannotBeWritten) {
+TEST(InspectCommand, StopsWithACompleteDocumentAndReportsAFullDrive) {
     const TemporaryFolder folder;
-    folder.Write(L"good.las", LasBuilder().AddPoints(1).Build());
+    const std::wstring good = folder.Write(L"good.las", LasBuilder().AddPoints(1).Build());
+    const Outcome stopped = Inspect({L"--json", good}, true);
+    EXPECT_EQ(stopped.code, kInspectStopped);
+    EXPECT_EQ(stopped.out, "[]\n");
+
     RefusingBuffer refusing;
     std::ostream full(&refusing);
     std::ostringstream err;
-    EXPECT_EQ(RunInspectCommand({FromPath(folder.Path())}, {full, err}), kInspectFailed);
+    EXPECT_EQ(RunInspectCommand({good}, {full, err}), kInspectFailed);
     EXPECT_EQ(err.str(), ToUtf8(Text(41050_lsid)) + '\n');
 }
 

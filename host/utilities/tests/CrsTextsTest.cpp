@@ -1,3 +1,4 @@
+#include <cpl_string.h>
 #include <gdal.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -6,12 +7,26 @@
 #include <array>
 
 #include "orvexcommon/OrvexUtilities.h"
+#include "support/ModuleFolder.h"
 #include "support/SpatialReference.h"
+#include "support/Text.h"
 
 namespace orvex {
 namespace {
 
-/// The WKT of an EPSG code as writers of one format make it.
+/// PROJ's database lies beside the programs.
+class ProjData : public ::testing::Environment {
+  public:
+    void SetUp() override {
+        CPLStringList paths;
+        paths.AddString(ToUtf8(FromPath(ModuleFolder() / "proj")).c_str());
+        OSRSetPROJSearchPaths(paths.List());
+    }
+};
+
+const ::testing::Environment* const kProjData = ::testing::AddGlobalTestEnvironment(new ProjData);
+
+/// WKT of an EPSG code in one dialect.
 std::string Wkt(int code, const char* format = "WKT1_GDAL") {
     OGRSpatialReference crs;
     EXPECT_EQ(crs.importFromEPSG(code), OGRERR_NONE) << code;
@@ -32,30 +47,28 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
 }
 
 TEST(CrsTexts, CodesOfAWkt) {
-    struct Case {
+    const struct {
         std::string wkt;
         bool found;
         std::array<long, 6> codes;  // whole, horizontal, vertical, geographic, linear and angular unit
+    } cases[] = {
+        {Wkt(4326), true, {4326, 4326, 0, 4326, 0, 9122}},
+        {Wkt(25832), true, {25832, 25832, 0, 4258, 9001, 9122}},
+        {Wkt(25832, kWkt2), true, {25832, 25832, 0, 4258, 9001, 9122}},
+        {Wkt(2903), true, {2903, 2903, 0, 4152, 9003, 9122}},
+        {Wkt(7415), true, {7415, 28992, 5709, 4289, 9001, 9122}},
+        {Wkt(7415, kWkt2), true, {7415, 28992, 5709, 4289, 9001, 9122}},
+        {Wkt(4978), true, {4978, 4978, 0, 0, 0, 0}},
+        {Wkt(5703), false, {5703, 0, 5703, 0, 0, 0}},
+        {R"(LOCAL_CS["Site",UNIT["metre",1,AUTHORITY["EPSG","9001"]]])", false, {0, 0, 0, 0, 9001, 0}},
+        {R"(LOCAL_CS["Site",UNIT["metre",1],AUTHORITY["EPSG","99999999999999999999"]])",
+         false,
+         {0, 0, 0, 0, 0, 0}},
+        {R"(LOCAL_CS["Site",UNIT["metre",1],AUTHORITY["OTHER","12"]])", false, {0, 0, 0, 0, 0, 0}},
+        {"garbage", false, {}},
+        {"", false, {}},
     };
-    for (const Case& row : {
-             Case{Wkt(4326), true, {4326, 4326, 0, 4326, 0, 9122}},
-             Case{Wkt(25832), true, {25832, 25832, 0, 4258, 9001, 9122}},
-             Case{Wkt(25832, kWkt2), true, {25832, 25832, 0, 4258, 9001, 9122}},
-             Case{Wkt(2903), true, {2903, 2903, 0, 4152, 9003, 9122}},
-             Case{Wkt(7415), true, {7415, 28992, 5709, 4289, 9001, 9122}},
-             Case{Wkt(7415, kWkt2), true, {7415, 28992, 5709, 4289, 9001, 9122}},
-             Case{Wkt(4978), true, {4978, 4978, 0, 0, 0, 0}},
-             Case{Wkt(5703), false, {5703, 0, 5703, 0, 0, 0}},
-             Case{R"(LOCAL_CS["Site",UNIT["metre",1,AUTHORITY["EPSG","9001"]]])",
-                  false,
-                  {0, 0, 0, 0, 9001, 0}},
-             Case{R"(LOCAL_CS["Site",UNIT["metre",1],AUTHORITY["EPSG","99999999999999999999"]])",
-                  false,
-                  {0, 0, 0, 0, 0, 0}},
-             Case{R"(LOCAL_CS["Site",UNIT["metre",1],AUTHORITY["OTHER","12"]])", false, {0, 0, 0, 0, 0, 0}},
-             Case{"garbage", false, {}},
-             Case{"", false, {}},
-         }) {
+    for (const auto& row : cases) {
         long a = 7, b = 7, c = 7, d = 7, e = 7, f = 7;
         EXPECT_EQ(OrvexUtilities::CrsGetEPSGFromWKT(row.wkt, a, b, c, d, e, f), row.found) << row.wkt;
         EXPECT_THAT((std::array<long, 6>{a, b, c, d, e, f}), ::testing::ElementsAreArray(row.codes))

@@ -35,47 +35,42 @@ const Key kProjected = {1024, 0, 1, 1};
 const Key kUtm32 = {3072, 0, 1, 25832};
 
 TEST(GeoKeys, BecomeAWkt) {
-    struct Case {
+    const struct {
         const char* what;
         std::vector<Key> keys;
         std::vector<double> doubles;
         std::string text;
         const char* expected;
+    } cases[] = {
+        {"projected", {kProjected, kUtm32}, {}, "", R"(AUTHORITY["EPSG","25832"]])"},
+        {"geographic", {{1024, 0, 1, 2}, {2048, 0, 1, 4326}}, {}, "", R"(AUTHORITY["EPSG","4326"]])"},
+        {"with heights", {kProjected, kUtm32, {4096, 0, 1, 5703}}, {}, "", R"(VERT_CS["NAVD88 height")"},
+        {"user-defined",
+         {kProjected,
+          {2048, 0, 1, 4326},
+          {3072, 0, 1, 32767},
+          {3073, 34737, 8, 0},
+          {3074, 0, 1, 32767},
+          {3075, 0, 1, 1},
+          {3076, 0, 1, 9001},
+          {3080, 34736, 1, 1},
+          {3081, 34736, 1, 0},
+          {3092, 34736, 1, 2}},
+         {10.5, 11.25, 0.9998},
+         "My zone|",
+         R"(PARAMETER["central_meridian",11.25])"},
+        {"name of a user-defined one",
+         {kProjected, {2048, 0, 1, 4326}, {3072, 0, 1, 32767}, {3073, 34737, 8, 0}, {3075, 0, 1, 1}},
+         {},
+         "My zone|",
+         R"(PROJCS["My zone")"},
+        {"unused keys are left out",
+         {kProjected, kUtm32, {0, 0, 0, 0}, {65535, 0, 1, 1}, {3073, 34737, 500, 0}},
+         {},
+         "",
+         R"(AUTHORITY["EPSG","25832"]])"},
     };
-    for (const Case& row : {
-             Case{"projected", {kProjected, kUtm32}, {}, "", R"(AUTHORITY["EPSG","25832"]])"},
-             Case{
-                 "geographic", {{1024, 0, 1, 2}, {2048, 0, 1, 4326}}, {}, "", R"(AUTHORITY["EPSG","4326"]])"},
-             Case{"with heights",
-                  {kProjected, kUtm32, {4096, 0, 1, 5703}},
-                  {},
-                  "",
-                  R"(VERT_CS["NAVD88 height")"},
-             Case{"user-defined",
-                  {kProjected,
-                   {2048, 0, 1, 4326},
-                   {3072, 0, 1, 32767},
-                   {3073, 34737, 8, 0},
-                   {3074, 0, 1, 32767},
-                   {3075, 0, 1, 1},
-                   {3076, 0, 1, 9001},
-                   {3080, 34736, 1, 1},
-                   {3081, 34736, 1, 0},
-                   {3092, 34736, 1, 2}},
-                  {10.5, 11.25, 0.9998},
-                  "My zone|",
-                  R"(PARAMETER["central_meridian",11.25])"},
-             Case{"name of a user-defined one",
-                  {kProjected, {2048, 0, 1, 4326}, {3072, 0, 1, 32767}, {3073, 34737, 8, 0}, {3075, 0, 1, 1}},
-                  {},
-                  "My zone|",
-                  R"(PROJCS["My zone")"},
-             Case{"unused keys are left out",
-                  {kProjected, kUtm32, {0, 0, 0, 0}, {65535, 0, 1, 1}, {3073, 34737, 500, 0}},
-                  {},
-                  "",
-                  R"(AUTHORITY["EPSG","25832"]])"},
-         }) {
+    for (const auto& row : cases) {
         std::string reason;
         EXPECT_THAT(
             OrvexUtilities::CrsWktFromGeoKeys(Directory(row.keys), Payload(row.doubles), row.text, reason),
@@ -86,24 +81,24 @@ TEST(GeoKeys, BecomeAWkt) {
 }
 
 TEST(GeoKeys, ThatNameNoCrsGiveNothingAndSayWhy) {
-    struct Case {
+    const struct {
         const char* what;
         std::string directory;
+    } cases[] = {
+        {"nothing", ""},
+        {"three bytes", "abc"},
+        {"header only", Directory({})},
+        {"announces keys that are not there", Directory({}, 65535)},
+        {"units only", Directory({{1025, 0, 1, 2}, {3076, 0, 1, 9001}, {4099, 0, 1, 9001}})},
+        {"an unknown code", Directory({kProjected, {3072, 0, 1, 31}})},
+        {"numbers beyond their record", Directory({{2057, 34736, 3, 65535}})},
+        {"text beyond its record", Directory({{1026, 34737, 65535, 65535}})},
+        {"a number where a text belongs", Directory({{1026, 0, 1, 5}, {2049, 34736, 1, 0}})},
+        {"a text where a number belongs", Directory({{3072, 34737, 4, 0}, {1024, 34737, 1, 0}})},
+        {"an unknown place", Directory({{3072, 12345, 1, 0}})},
+        {"the directory as a place", Directory({{3072, 34735, 60000, 1}})},
     };
-    for (const Case& row : {
-             Case{"nothing", ""},
-             Case{"three bytes", "abc"},
-             Case{"header only", Directory({})},
-             Case{"announces keys that are not there", Directory({}, 65535)},
-             Case{"units only", Directory({{1025, 0, 1, 2}, {3076, 0, 1, 9001}, {4099, 0, 1, 9001}})},
-             Case{"an unknown code", Directory({kProjected, {3072, 0, 1, 31}})},
-             Case{"numbers beyond their record", Directory({{2057, 34736, 3, 65535}})},
-             Case{"text beyond its record", Directory({{1026, 34737, 65535, 65535}})},
-             Case{"a number where a text belongs", Directory({{1026, 0, 1, 5}, {2049, 34736, 1, 0}})},
-             Case{"a text where a number belongs", Directory({{3072, 34737, 4, 0}, {1024, 34737, 1, 0}})},
-             Case{"an unknown place", Directory({{3072, 12345, 1, 0}})},
-             Case{"the directory as a place", Directory({{3072, 34735, 60000, 1}})},
-         }) {
+    for (const auto& row : cases) {
         std::string reason;
         EXPECT_EQ(OrvexUtilities::CrsWktFromGeoKeys(row.directory, Payload<double>({1, 2}), "text|", reason),
                   "")

@@ -1,4 +1,4 @@
-// A drive that takes no more, in the form that a process can bring about for itself.
+// A full drive, imitated by a limit on the size of files.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -36,16 +36,6 @@ TEST(LazDecompress, WriteErrorsInTheMiddleAndAtTheEndGiveTheSystemsReason) {
         EXPECT_NE(reason.find(FromUtf8(std::strerror(EFBIG))), std::wstring::npos) << ToUtf8(reason);
         EXPECT_EQ(folder.Entries(), 1U) << limit;
     }
-}
-
-TEST(LazDecompress, AFolderOfTheSystemIsNoPlaceToWrite) {
-    const TemporaryFolder folder;
-    const std::wstring laz = folder.Name(L"a.laz");
-    WriteSample(laz, {2, 1, 28, 100}, true);
-    RecordingProgress progress;
-    std::wstring reason;
-    EXPECT_FALSE(OrvexUtilities::LAZDecompress(laz, L"/proc/a.las", progress, reason));
-    EXPECT_NE(reason.find(L"/proc/a.las"), std::wstring::npos) << ToUtf8(reason);
 }
 
 }  // namespace

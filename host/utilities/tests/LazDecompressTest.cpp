@@ -1,6 +1,6 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <stdexcept>
@@ -24,23 +24,35 @@ using testing::RecordingProgress;
 using testing::TemporaryFolder;
 using testing::WriteSample;
 
-/// Decompresses a file beside itself; the bytes of the LAS file, empty when that failed.
+struct Attempt {
+    bool isDone = false;
+    std::wstring reason = L"of the call before";
+    RecordingProgress progress;
+};
+
+Attempt Decompress(const std::wstring& laz, const std::wstring& las, int stopAfter = -1) {
+    Attempt attempt;
+    attempt.progress.stopAfter = stopAfter;
+    attempt.isDone = OrvexUtilities::LAZDecompress(laz, las, attempt.progress, attempt.reason);
+    return attempt;
+}
+
+/// Decompresses a file beside itself and returns the bytes of the LAS file; empty if that failed.
 std::string Decompressed(const std::wstring& laz) {
     const std::wstring las = OrvexUtilities::GetLAZBuddyPath(laz);
-    RecordingProgress progress;
-    std::wstring reason;
-    EXPECT_TRUE(OrvexUtilities::LAZDecompress(laz, las, progress, reason)) << ToUtf8(reason);
+    const Attempt attempt = Decompress(laz, las);
+    EXPECT_TRUE(attempt.isDone) << ToUtf8(attempt.reason);
     return ReadFile(las);
 }
 
 /// Expects a decompression to fail with a reason that names the file, leaving nothing new in the folder.
 void ExpectFailure(const TemporaryFolder& folder, const std::wstring& laz, const std::wstring& las) {
     const std::size_t before = folder.Entries();
-    RecordingProgress progress;
-    std::wstring reason;
-    EXPECT_FALSE(OrvexUtilities::LAZDecompress(laz, las, progress, reason));
-    const bool namesFile = reason.find(laz) != std::wstring::npos || reason.find(las) != std::wstring::npos;
-    EXPECT_TRUE(namesFile) << ToUtf8(reason);
+    const Attempt attempt = Decompress(laz, las);
+    EXPECT_FALSE(attempt.isDone);
+    EXPECT_TRUE(attempt.reason.find(laz) != std::wstring::npos ||
+                attempt.reason.find(las) != std::wstring::npos)
+        << ToUtf8(attempt.reason);
     EXPECT_EQ(folder.Entries(), before);
 }
 
@@ -67,12 +79,11 @@ TEST(LazDecompress, GivesTheSameBytesAsTheFileThatWasNeverCompressed) {
         std::filesystem::last_write_time(ToPath(laz), old);
         EXPECT_TRUE(OrvexUtilities::IsLAZNewer(laz));
 
-        RecordingProgress progress;
-        std::wstring reason;
-        ASSERT_TRUE(OrvexUtilities::LAZDecompress(laz, las, progress, reason)) << ToUtf8(reason);
-        EXPECT_EQ(reason, L"");
-        EXPECT_EQ(progress.total, sample.points);
-        EXPECT_EQ(progress.position, sample.points);
+        const Attempt attempt = Decompress(laz, las);
+        ASSERT_TRUE(attempt.isDone) << ToUtf8(attempt.reason);
+        EXPECT_EQ(attempt.reason, L"");
+        EXPECT_EQ(attempt.progress.total, sample.points);
+        EXPECT_EQ(attempt.progress.position, sample.points);
         EXPECT_FALSE(OrvexUtilities::IsLAZNewer(laz));
         EXPECT_EQ(ReadFile(laz), compressed);
         EXPECT_EQ(folder.Entries(), 2U);
@@ -120,11 +131,11 @@ TEST(LazDecompress, AnnouncesNoExtendedRecordsWhereNoneAreUsable) {
     const TemporaryFolder folder;
     const std::wstring laz = folder.Name(L"a.laz");
     const std::uint64_t farAway = ~std::uint64_t{0} - 10;
-    struct Case {
+    const struct {
         std::uint64_t start;
         std::uint32_t count;
-    };
-    for (const Case& row : {Case{0, 0}, Case{farAway, 1}, Case{1, 0xFFFFFFFF}, Case{375, 3}}) {
+    } cases[] = {{0, 0}, {farAway, 1}, {1, 0xFFFFFFFF}, {375, 3}};
+    for (const auto& row : cases) {
         WriteSample(laz, {4, 6, 30, 10}, true);
         PatchFile(laz, 235, Bytes(row.start) + Bytes(row.count));
         const std::string las = Decompressed(laz);
@@ -152,13 +163,10 @@ TEST(LazDecompress, StopLeavesNothingAndKeepsAnOlderLasFile) {
     WriteSample(folder.Name(L"a.laz"), {2, 1, 28, 100000}, true);
     folder.Write(L"a.las", "older");
     for (const int stopAfter : {0, 1, 3}) {
-        RecordingProgress progress;
-        progress.stopAfter = stopAfter;
-        std::wstring reason = L"old";
-        EXPECT_FALSE(
-            OrvexUtilities::LAZDecompress(folder.Name(L"a.laz"), folder.Name(L"a.las"), progress, reason));
-        EXPECT_EQ(reason, L"");
-        EXPECT_LT(progress.position, 100000U);
+        const Attempt attempt = Decompress(folder.Name(L"a.laz"), folder.Name(L"a.las"), stopAfter);
+        EXPECT_FALSE(attempt.isDone);
+        EXPECT_EQ(attempt.reason, L"");
+        EXPECT_LT(attempt.progress.position, 100000U);
         EXPECT_EQ(folder.Entries(), 2U);
         EXPECT_EQ(ReadFile(folder.Name(L"a.las")), "older");
     }
@@ -185,45 +193,45 @@ Damage PatchCodec(std::uint64_t offset, const std::string& bytes) {
 }
 
 TEST(LazDecompress, BrokenFilesGiveAReason) {
-    struct Case {
+    const struct {
         const char* defect;
         Damage damage;
+    } cases[] = {
+        {"missing", [](const auto& path) { std::filesystem::remove(ToPath(path)); }},
+        {"empty", Cut(0)},
+        {"half a header", [](const auto& path) { std::filesystem::resize_file(ToPath(path), 180); }},
+        {"points cut off", Cut(0.5)},
+        {"nothing behind the header",
+         [](const auto& path) {
+             std::filesystem::resize_file(ToPath(path), At<std::uint32_t>(ReadFile(path), 96));
+         }},
+        {"unknown compressor", PatchCodec(0, Bytes(std::uint16_t{9}))},
+        {"too many items", PatchCodec(32, Bytes(std::uint16_t{0xFFFF}))},
+        {"an unknown item", PatchCodec(34, Bytes(std::uint16_t{99}))},
+        {"an item of the wrong size", PatchCodec(36, Bytes(std::uint16_t{21}))},
+        {"an unknown version of an item", PatchCodec(38, Bytes(std::uint16_t{0}))},
+        {"half a table of chunks",
+         [](const auto& path) {
+             const std::string bytes = ReadFile(path);
+             const auto table = At<std::uint64_t>(bytes, At<std::uint32_t>(bytes, 96));
+             std::filesystem::resize_file(ToPath(path), table + 5);
+         }},
+        {"varying chunks without a table",
+         [](const auto& path) {
+             PatchCodec(12, Bytes(0xFFFFFFFFU))(path);
+             Cut(0.9)(path);
+         }},
+        {"no signature", Patch(0, "XXXX")},
+        {"header size 0", Patch(94, Bytes(std::uint16_t{0}))},
+        {"points start beyond the end", Patch(96, Bytes(std::uint32_t{0xFFFFFFF0}))},
+        {"four billion records", Patch(100, Bytes(std::uint32_t{0xFFFFFFFF}))},
+        {"unknown point format", Patch(104, Bytes(std::uint8_t{128 + 63}))},
+        {"record length 0", Patch(105, Bytes(std::uint16_t{0}))},
+        {"more points than there are", Patch(107, Bytes(std::uint32_t{100001}))},
+        {"more points than fit on the drive", Patch(247, Bytes(std::uint64_t{1} << 60))},
+        {"points without end", Patch(247, Bytes(~std::uint64_t{0}))},
     };
-    for (const Case& row : {
-             Case{"missing", [](const auto& path) { std::filesystem::remove(ToPath(path)); }},
-             Case{"empty", Cut(0)},
-             Case{"half a header", [](const auto& path) { std::filesystem::resize_file(ToPath(path), 180); }},
-             Case{"points cut off", Cut(0.5)},
-             Case{"nothing behind the header",
-                  [](const auto& path) {
-                      std::filesystem::resize_file(ToPath(path), At<std::uint32_t>(ReadFile(path), 96));
-                  }},
-             Case{"unknown compressor", PatchCodec(0, Bytes(std::uint16_t{9}))},
-             Case{"too many items", PatchCodec(32, Bytes(std::uint16_t{0xFFFF}))},
-             Case{"an unknown item", PatchCodec(34, Bytes(std::uint16_t{99}))},
-             Case{"an item of the wrong size", PatchCodec(36, Bytes(std::uint16_t{21}))},
-             Case{"an unknown version of an item", PatchCodec(38, Bytes(std::uint16_t{0}))},
-             Case{"half a table of chunks",
-                  [](const auto& path) {
-                      const std::string bytes = ReadFile(path);
-                      const auto table = At<std::uint64_t>(bytes, At<std::uint32_t>(bytes, 96));
-                      std::filesystem::resize_file(ToPath(path), table + 5);
-                  }},
-             Case{"varying chunks without a table",
-                  [](const auto& path) {
-                      PatchCodec(12, Bytes(0xFFFFFFFFU))(path);
-                      Cut(0.9)(path);
-                  }},
-             Case{"no signature", Patch(0, "XXXX")},
-             Case{"header size 0", Patch(94, Bytes(std::uint16_t{0}))},
-             Case{"points start beyond the end", Patch(96, Bytes(std::uint32_t{0xFFFFFFF0}))},
-             Case{"four billion records", Patch(100, Bytes(std::uint32_t{0xFFFFFFFF}))},
-             Case{"unknown point format", Patch(104, Bytes(std::uint8_t{128 + 63}))},
-             Case{"record length 0", Patch(105, Bytes(std::uint16_t{0}))},
-             Case{"more points than there are", Patch(107, Bytes(std::uint32_t{100001}))},
-             Case{"more points than fit on the drive", Patch(247, Bytes(std::uint64_t{1} << 60))},
-             Case{"points without end", Patch(247, Bytes(~std::uint64_t{0}))},
-         }) {
+    for (const auto& row : cases) {
         SCOPED_TRACE(row.defect);
         const TemporaryFolder folder;
         const std::wstring laz = folder.Name(L"a.laz");
@@ -260,6 +268,62 @@ TEST(LazDecompress, AnExceptionFromTheProgressLeavesNothing) {
         OrvexUtilities::LAZDecompress(folder.Name(L"a.laz"), folder.Name(L"a.las"), progress, reason));
     EXPECT_EQ(reason, L"the window is gone");
     EXPECT_EQ(folder.Entries(), 1U);
+}
+
+TEST(LazFiles, BuddyPathsKeepFolderNameAndLetterCase) {
+    const struct {
+        const wchar_t *path, *buddy;
+        bool isLaz;
+    } cases[] = {
+        {L"/data/a.laz", L"/data/a.las", true},
+        {L"/data/A.LAZ", L"/data/A.LAS", true},
+        {L"/data/a.Laz", L"/data/a.Las", true},
+        {L"/data/a.laZ", L"/data/a.laS", true},
+        {L"/data/a.las", L"/data/a.laz", false},
+        {L"/data/a.LAS", L"/data/a.LAZ", false},
+        {L"/data/x.copc.laz", L"/data/x.copc.las", true},
+        {L"/da.laz/a", L"", false},
+        {L"/data/a.laz.txt", L"", false},
+        {L"", L"", false},
+    };
+    for (const auto& row : cases) {
+        EXPECT_EQ(OrvexUtilities::GetLAZBuddyPath(row.path), row.buddy) << ToUtf8(row.path);
+        EXPECT_EQ(OrvexUtilities::IsLAZFile(row.path), row.isLaz) << ToUtf8(row.path);
+    }
+}
+
+TEST(LazFiles, AgesAreComparedToTheSecond) {
+    const TemporaryFolder folder;
+    const std::wstring laz = folder.Write(L"a.laz", "x");
+    EXPECT_TRUE(OrvexUtilities::IsLAZNewer(laz)) << "no buddy yet";
+    EXPECT_FALSE(OrvexUtilities::LAZEnabledLASFileExists(laz));
+    const std::wstring las = folder.Write(L"a.las", "x");
+    EXPECT_TRUE(OrvexUtilities::LAZEnabledLASFileExists(laz));
+
+    using namespace std::chrono_literals;
+    const auto now = std::chrono::floor<std::chrono::seconds>(std::filesystem::file_time_type::clock::now());
+    const struct {
+        std::chrono::milliseconds lazAge, lasAge;
+        bool newer;
+    } cases[] = {
+        {0s, 0s, false}, {900ms, 100ms, false}, {100ms, 900ms, false}, {2s, 0s, true}, {0s, 2s, false}};
+    for (const auto& row : cases) {
+        std::filesystem::last_write_time(ToPath(laz), now + row.lazAge);
+        std::filesystem::last_write_time(ToPath(las), now + row.lasAge);
+        EXPECT_EQ(OrvexUtilities::IsLAZNewer(laz), row.newer)
+            << row.lazAge.count() << " " << row.lasAge.count();
+    }
+    EXPECT_FALSE(OrvexUtilities::IsLAZNewer(las)) << "not a LAZ file";
+    EXPECT_FALSE(OrvexUtilities::IsLAZNewer(folder.Name(L"missing.laz")));
+}
+
+TEST(LazFiles, EnabledNeedsTheFileAndAPlaceForItsBuddy) {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(OrvexUtilities::IsLAZEnabled(folder.Write(L"a.laz", "x")));
+    EXPECT_FALSE(OrvexUtilities::IsLAZEnabled(folder.Write(L"a.las", "x")));
+    EXPECT_FALSE(OrvexUtilities::IsLAZEnabled(folder.Name(L"missing.laz")));
+    std::filesystem::create_directory(ToPath(folder.Name(L"folder.laz")));
+    EXPECT_FALSE(OrvexUtilities::IsLAZEnabled(folder.Name(L"folder.laz")));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// A file that somebody holds is not replaced on Windows: the user reads why, and the file stays as it was.
+// Windows refuses to replace a file in use: the file stays and the user reads why.
 #include <gtest/gtest.h>
 #include <windows.h>
 
