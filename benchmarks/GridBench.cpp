@@ -46,7 +46,7 @@ std::vector<File> MakeFiles() {
 
 class FilesModel : public GridModel {
   public:
-    FilesModel() : GridModel(kColumns) {
+    FilesModel() : GridModel({std::begin(kColumns), std::end(kColumns)}) {
         std::vector<File> files = MakeFiles();
         AppendRecords(files.size(), [&] { files_ = std::move(files); });
     }

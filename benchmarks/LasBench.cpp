@@ -13,7 +13,7 @@
 #include "benchmarks/DialogBench.h"
 #include "benchmarks/Probe.h"
 #include "host/objects/HostClasses.h"
-#include "las/LasInspection.h"
+#include "las/LasRow.h"
 #include "las/testing/LasBuilder.h"
 #include "settings/PrivateSettings.h"
 #include "support/QtText.h"
@@ -78,7 +78,7 @@ void MeasureListing(const Corpus& corpus, Figures& figures) {
                                 bytes += ReadBarely(name);
                             }
                         }));
-        std::vector<LasInspection> rows;
+        std::vector<LasRow> rows;
         rows.reserve(names.size());
         inspected = std::min(inspected, Milliseconds([&] {
                                  for (const std::wstring& path : corpus.Paths()) {
@@ -86,7 +86,7 @@ void MeasureListing(const Corpus& corpus, Figures& figures) {
                                  }
                              }));
         loadable = static_cast<std::size_t>(
-            std::count_if(rows.begin(), rows.end(), [](const LasInspection& row) { return row.loadable; }));
+            std::count_if(rows.begin(), rows.end(), [](const LasRow& row) { return row.loadable; }));
     }
     figures.Add("las_list_files", static_cast<double>(loadable), "files");
     figures.Add("las_list_bare", bare, "ms");

@@ -15,7 +15,7 @@
 #include "benchmarks/Bench.h"
 #include "crs/GdalRaii.h"
 #include "crs/GdalSetup.h"
-#include "raster/RasterInspection.h"
+#include "raster/RasterRow.h"
 #include "support/Text.h"
 
 namespace orvex::bench {
@@ -72,12 +72,12 @@ void OpenAndPlace(const std::vector<std::string>& names) {
 }
 
 std::size_t InspectAll(const std::vector<std::wstring>& paths) {
-    std::vector<RasterInspection> rows;
+    std::vector<RasterRow> rows;
     rows.reserve(paths.size());
     for (const std::wstring& path : paths) {
         rows.push_back(InspectRasterFile(path, RasterUse::Image));
     }
-    return static_cast<std::size_t>(std::ranges::count_if(rows, &RasterInspection::loadable));
+    return static_cast<std::size_t>(std::ranges::count_if(rows, &RasterRow::loadable));
 }
 
 /// Runs the program once per file; none when this machine has no such program.

@@ -11,6 +11,7 @@
 #include <QUrl>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <utility>
 
 #include "dialog/CTabCtrlEx.h"
 #include "dialog/CompanionWarning.h"
@@ -43,11 +44,6 @@ std::vector<std::wstring> LocalPaths(const QMimeData& data) {
     return paths;
 }
 
-bool AcceptsAny(const AddFilesPage& page, const std::vector<std::wstring>& paths) {
-    return std::any_of(paths.begin(), paths.end(),
-                       [&](const std::wstring& path) { return page.Accepts(path); });
-}
-
 }  // namespace
 
 AddFilesDlg::AddFilesDlg(AddFilesParams& params, DialogServices& services,
@@ -55,6 +51,7 @@ AddFilesDlg::AddFilesDlg(AddFilesParams& params, DialogServices& services,
     : QDialog(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                           Qt::WindowMaximizeButtonHint | Qt::WindowCloseButtonHint),
       params_(params),
+      before_(params),
       services_(services),
       images_(MakeImageList()) {
     setObjectName(QStringLiteral("AddFilesDlg"));
@@ -63,7 +60,11 @@ AddFilesDlg::AddFilesDlg(AddFilesParams& params, DialogServices& services,
     tabs_->Select(0);
 }
 
-AddFilesDlg::~AddFilesDlg() = default;
+AddFilesDlg::~AddFilesDlg() {
+    if (result() != Accepted) {
+        RestoreRecord();  // its window went without an answer
+    }
+}
 
 void AddFilesDlg::BuildWindow() {
     tabs_ = new CTabCtrlEx;
@@ -147,12 +148,18 @@ bool AddFilesDlg::Run() {
 }
 
 void AddFilesDlg::ReleasePages() {
+    RestoreRecord();
     for (AddFilesPage* page : tabs_->Pages()) {
         RunGuarded(services_.prompts, L"Release", [page] { page->Release(); });
     }
 }
 
+void AddFilesDlg::RestoreRecord() {
+    params_ = before_;
+}
+
 bool AddFilesDlg::StorePages() {
+    RestoreRecord();
     const std::vector<AddFilesPage*> pages = tabs_->Pages();
     return std::all_of(pages.begin(), pages.end(),
                        [](AddFilesPage* page) { return page->ValidateAndStore(); });
@@ -173,6 +180,9 @@ void AddFilesDlg::accept() {
         close = ConfirmCompanionOverwrite(params_, companions, services_.options, services_.prompts);
     });
     if (close) {
+        for (AddFilesPage* page : tabs_->Pages()) {
+            page->HandOver();
+        }
         QDialog::accept();
     }
 }
@@ -237,42 +247,76 @@ void AddFilesDlg::keyPressEvent(QKeyEvent* event) {
     QDialog::keyPressEvent(event);
 }
 
-AddFilesPage* AddFilesDlg::PageFor(const std::vector<std::wstring>& paths) const {
-    AddFilesPage* current = tabs_->CurrentPage();
-    if (current != nullptr && AcceptsAny(*current, paths)) {
-        return current;
+/// The page that is shown, when it takes the file or folder, else the first that does; null for none.
+AddFilesPage* AddFilesDlg::PageFor(const std::wstring& path) const {
+    std::vector<AddFilesPage*> pages = tabs_->Pages();
+    if (AddFilesPage* current = tabs_->CurrentPage()) {
+        pages.insert(pages.begin(), current);
     }
-    const std::vector<AddFilesPage*> pages = tabs_->Pages();
-    const auto found = std::find_if(pages.begin(), pages.end(),
-                                    [&](const AddFilesPage* page) { return AcceptsAny(*page, paths); });
+    const auto found =
+        std::ranges::find_if(pages, [&](const AddFilesPage* page) { return page->Accepts(path); });
     return found == pages.end() ? nullptr : *found;
+}
+
+void AddFilesDlg::AddPathsTo(AddFilesPage& page, const std::vector<std::wstring>& paths) {
+    tabs_->Select(tabs_->TabOfPage(&page));
+    page.AddPaths(paths);
+}
+
+void AddFilesDlg::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (!std::exchange(hasAddedInitialPaths_, true) && !params_.initialPaths.empty()) {
+        QMetaObject::invokeMethod(this, &AddFilesDlg::AddInitialPaths, Qt::QueuedConnection);
+    }
+}
+
+void AddFilesDlg::AddInitialPaths() {
+    RunGuarded(services_.prompts, L"AddInitialPaths", [this] {
+        std::vector<std::pair<AddFilesPage*, std::vector<std::wstring>>> shares;  // in the order of the paths
+        for (const std::wstring& path : before_.initialPaths) {
+            AddFilesPage* page = PageFor(path);
+            const auto share = std::ranges::find(shares, page, [](const auto& entry) { return entry.first; });
+            if (page != nullptr && share == shares.end()) {
+                shares.push_back({page, {path}});
+            } else if (page != nullptr) {
+                share->second.push_back(path);
+            }
+        }
+        for (const auto& [page, paths] : shares) {
+            AddPathsTo(*page, paths);
+        }
+        if (!shares.empty()) {
+            tabs_->Select(tabs_->TabOfPage(shares.front().first));
+        }
+    });
 }
 
 void AddFilesDlg::dragEnterEvent(QDragEnterEvent* event) {
     RunGuarded(services_.prompts, L"OnDragEnter", [&] {
-        if (PageFor(LocalPaths(*event->mimeData())) != nullptr) {
+        const std::vector<std::wstring> paths = LocalPaths(*event->mimeData());
+        if (std::ranges::any_of(paths, [this](const auto& path) { return PageFor(path) != nullptr; })) {
             event->acceptProposedAction();
         }
     });
 }
 
-// Files go to the page that is shown, or to the first that knows them, which is shown then. A host that opens
-// the dialog with files delivers them the same way, once the dialog is the active modal widget: a
-// QDragEnterEvent and then a QDropEvent with the files' URLs, each sent with QApplication::sendEvent (Qt
-// drops only where a drag has entered). The files are in the grid when the second call returns.
+// The page that is shown takes all if it takes any; else the first page that knows one of the files does.
 void AddFilesDlg::dropEvent(QDropEvent* event) {
     if (progress_->IsRunning()) {
         return;
     }
     RunGuarded(services_.prompts, L"OnDropFiles", [&] {
         const std::vector<std::wstring> paths = LocalPaths(*event->mimeData());
-        AddFilesPage* page = PageFor(paths);
-        if (page == nullptr) {
-            return;
+        AddFilesPage* page = nullptr;
+        for (const std::wstring& path : paths) {
+            AddFilesPage* taker = PageFor(path);
+            const bool isFirst = page == nullptr || (taker != nullptr && taker == tabs_->CurrentPage());
+            page = isFirst ? taker : page;
         }
-        event->acceptProposedAction();
-        tabs_->Select(tabs_->TabOfPage(page));
-        page->AddPaths(paths);
+        if (page != nullptr) {
+            event->acceptProposedAction();
+            AddPathsTo(*page, paths);
+        }
     });
 }
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "dialog/DialogServices.h"
-#include "dialog/page/PageDescription.h"
+#include "dialog/page/AddFilesPage.h"
 
 class QHBoxLayout;
 class QProgressBar;
@@ -21,7 +21,9 @@ class DialogProgress;
 class RunInputFilter;
 
 /// The tabbed dialog for adding data to the project. Its pages come from a table; it knows nothing of any one
-/// of them. Child objects carry the names "tabs", "progress", "stop", "ok", "cancel" and "page<template id>".
+/// of them. The record is as the host gave it unless the dialog has ended with OK: pages write their results
+/// into it at each OK, and every other end takes them back. Child objects carry the names "tabs", "progress",
+/// "stop", "ok", "cancel" and "page<template id>".
 class AddFilesDlg : public QDialog {
     Q_OBJECT
 
@@ -39,7 +41,7 @@ class AddFilesDlg : public QDialog {
     /// cannot be opened.
     bool Run();
 
-    /// Every page frees what it holds behind its rows.
+    /// Every page frees what it holds behind its rows; the record is as the host gave it again.
     void ReleasePages();
 
     CTabCtrlEx& Tabs() { return *tabs_; }
@@ -53,6 +55,7 @@ class AddFilesDlg : public QDialog {
     void done(int result) override;
 
   protected:
+    void showEvent(QShowEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -63,10 +66,14 @@ class AddFilesDlg : public QDialog {
     void OnRunningChanged(bool running);
     void RestoreFocus();
     bool StorePages();
+    void RestoreRecord();
+    void AddInitialPaths();
+    void AddPathsTo(AddFilesPage& page, const std::vector<std::wstring>& paths);
     std::int32_t AskHostApplication();
-    AddFilesPage* PageFor(const std::vector<std::wstring>& paths) const;
+    AddFilesPage* PageFor(const std::wstring& path) const;
 
     AddFilesParams& params_;
+    const AddFilesParams before_;  ///< the record as the host gave it
     DialogServices& services_;
     std::vector<QIcon> images_;
     CTabCtrlEx* tabs_;
@@ -77,6 +84,7 @@ class AddFilesDlg : public QDialog {
     DialogProgress* progress_;
     RunInputFilter* inputFilter_;
     QPointer<QWidget> focusBeforeRun_;
+    bool hasAddedInitialPaths_ = false;
 };
 
 }  // namespace orvex

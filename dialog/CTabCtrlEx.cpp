@@ -12,9 +12,8 @@
 namespace orvex {
 namespace {
 
-void ShowFailure(UserPrompts& prompts, StringId id, const wchar_t* literal) {
-    prompts.Show(
-        {literal != nullptr ? std::wstring(literal) : Text(id), {}, PromptIcon::None, PromptButtons::Ok});
+void ShowFailure(UserPrompts& prompts, const FixedText& text) {
+    prompts.Show({text.Get(), {}, PromptIcon::None, PromptButtons::Ok});
 }
 
 }  // namespace
@@ -70,11 +69,11 @@ void CTabCtrlEx::AddTab(const PageDescription& description, const PageContext& c
     content->setObjectName(QStringLiteral("page%1").arg(description.templateId));
     if (addTab(content, ToQString(Text(description.caption))) < 0) {
         delete content;
-        ShowFailure(context.services.prompts, description.insertFailureId, description.insertFailureText);
+        ShowFailure(context.services.prompts, description.insertFailure);
         return;
     }
     content->setEnabled(false);
-    tabs_.push_back({description.kind, description.imageIndex, page});
+    tabs_.push_back({description.kind, description.image, page});
 }
 
 AddFilesPage* CTabCtrlEx::CreatePage(const PageDescription& description, const PageContext& context) {
@@ -85,7 +84,7 @@ AddFilesPage* CTabCtrlEx::CreatePage(const PageDescription& description, const P
     } catch (...) {
         LogWarning(L"A page of the Add Files dialog could not be created: " + CurrentExceptionText());
     }
-    ShowFailure(context.services.prompts, description.createFailureId, description.createFailureText);
+    ShowFailure(context.services.prompts, description.createFailure);
     return nullptr;
 }
 
@@ -125,7 +124,7 @@ void CTabCtrlEx::RefreshImages() {
                    : QIcon();
     };
     for (int i = 0; i < count(); ++i) {
-        setTabIcon(i, image(i == shown_ ? tabs_[static_cast<std::size_t>(i)].imageIndex : kImageInactiveTab));
+        setTabIcon(i, image(i == shown_ ? tabs_[static_cast<std::size_t>(i)].image : kImageInactiveTab));
     }
 }
 

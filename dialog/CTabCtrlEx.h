@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "dialog/page/PageDescription.h"
+#include "dialog/page/AddFilesPage.h"
 
 namespace orvex {
 
@@ -39,7 +39,7 @@ class CTabCtrlEx : public QTabWidget {
     class Bar;
     struct Tab {
         PageKind kind;
-        int imageIndex;
+        int image;
         AddFilesPage* page;  ///< null: could not be made; owned by its parent widget
     };
 

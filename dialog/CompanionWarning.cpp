@@ -8,11 +8,8 @@
 namespace orvex {
 namespace {
 
-constexpr int kPyramidOrvexLas = 1;
-constexpr int kBackupNone = 0;
-
 bool MustAsk(const AddFilesParams& params, const OptionStore& options) {
-    return params.lasPyramidType == kPyramidOrvexLas && params.orvexLasBackupOption == kBackupNone &&
+    return params.lasPyramidType == kPyramidOrvexLas && params.orvexLasBackupOption == kOverwriteOriginals &&
            options.Get(opt2ShowOrvexLASOverwriteWarning, true) && params.orvexLasOverwritePending;
 }
 

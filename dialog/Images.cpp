@@ -24,11 +24,8 @@ QIcon Load(const char* name) {
 }  // namespace
 
 std::vector<QIcon> MakeImageList() {
-    constexpr const char* kNames[kImageCount] = {"cloud",   "folder", "link",     "loadable", "information",
-                                                 "warning", "error",  "inactive", "las",      "raster",
-                                                 "feature", "dem",    "photo"};
     std::vector<QIcon> images;
-    for (const char* name : kNames) {
+    for (const char* name : kImageNames) {
         images.push_back(Load(name));
     }
     return images;

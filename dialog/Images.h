@@ -3,7 +3,7 @@
 #include <QIcon>
 #include <vector>
 
-#include "dialog/ImageIndex.h"
+#include "support/ImageIndex.h"
 
 namespace orvex {
 

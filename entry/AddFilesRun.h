@@ -2,7 +2,7 @@
 #include <span>
 
 #include "dialog/DialogServices.h"
-#include "dialog/page/PageDescription.h"
+#include "dialog/page/AddFilesPage.h"
 
 class QWidget;
 

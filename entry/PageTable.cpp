@@ -1,6 +1,5 @@
 #include "entry/PageTable.h"
 
-#include "dialog/Images.h"
 #include "las/page/AddLASFilesPP.h"
 #include "raster/page/AddDEMFilesPP.h"
 #include "raster/page/AddRasterFilesPP.h"
@@ -17,20 +16,29 @@ std::unique_ptr<AddFilesPage> Make(const PageContext& context) {
 
 std::span<const PageDescription> AddFilesPages() {
     static const PageDescription pages[] = {
-        {PageKind::Las, 13558_lsid, 13559_lsid, nullptr, 13560_lsid, nullptr, 363, kImageLas, nullptr,
-         Make<AddLASFilesPP>},
-        {PageKind::Raster, 13561_lsid, 13562_lsid, nullptr, 13563_lsid, nullptr, 385, kImageRaster,
-         &AddFilesParams::showRasterTab, Make<AddRasterFilesPP>},
-        {PageKind::Dem,
-         3253_lsid,
-         {},
-         L"InsertItem DEM tab failed",
-         3260_lsid,
-         nullptr,
-         403,
-         kImageDem,
-         &AddFilesParams::showDemTab,
-         Make<AddDEMFilesPP>},
+        {.kind = PageKind::Las,
+         .caption = 13558_lsid,
+         .insertFailure = 13559_lsid,
+         .createFailure = 13560_lsid,
+         .templateId = 363,
+         .image = kImageLas,
+         .create = Make<AddLASFilesPP>},
+        {.kind = PageKind::Raster,
+         .caption = 13561_lsid,
+         .insertFailure = 13562_lsid,
+         .createFailure = 13563_lsid,
+         .templateId = 385,
+         .image = kImageRaster,
+         .pageSwitch = &AddFilesParams::showRasterTab,
+         .create = Make<AddRasterFilesPP>},
+        {.kind = PageKind::Dem,
+         .caption = 3253_lsid,
+         .insertFailure = L"InsertItem DEM tab failed",
+         .createFailure = 3260_lsid,
+         .templateId = 403,
+         .image = kImageDem,
+         .pageSwitch = &AddFilesParams::showDemTab,
+         .create = Make<AddDEMFilesPP>},
     };
     return pages;
 }

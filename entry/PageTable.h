@@ -1,7 +1,7 @@
 #pragma once
 #include <span>
 
-#include "dialog/page/PageDescription.h"
+#include "dialog/page/AddFilesPage.h"
 
 namespace orvex {
 

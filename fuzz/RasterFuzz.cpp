@@ -9,7 +9,7 @@
 
 #include "crs/GdalSetup.h"
 #include "host/dem/DemConversion.h"
-#include "las/LasInspection.h"
+#include "las/LasRow.h"
 #include "raster/RasterCells.h"
 #include "raster/page/RasterDetails.h"
 #include "support/LDataError.h"
@@ -34,7 +34,7 @@ void Require(bool holds, const char* what) {
 void List(const std::wstring& path, RasterUse use) {
     RasterRow row;
     row.inspection = ListRaster(InspectRasterFile(path, use));
-    const RasterInspection& file = row.File();
+    const RasterRow& file = row.File();
     Require(!file.threw, "every failure is an expected one");
     Require(!file.summary.empty(), "a row says how the file is");
     Require(file.loadable || !file.findings.empty(), "what cannot be loaded has a reason");
@@ -46,7 +46,7 @@ void List(const std::wstring& path, RasterUse use) {
 }
 
 void Convert(const std::wstring& path, const fs::path& folder, std::size_t size) {
-    const RasterProperties properties = InspectRasterFile(path, RasterUse::Dem).properties;
+    const RasterProperties properties = InspectRasterFile(path, RasterUse::Dem).Properties();
     if (static_cast<double>(properties.width) * properties.height > kMostConverted) {
         return;
     }
@@ -57,7 +57,7 @@ void Convert(const std::wstring& path, const fs::path& folder, std::size_t size)
     try {
         const auto result = ConvertDem(path, options, progress);
         Require(result.has_value(), "nobody stopped it");
-        const LasInspection las = InspectLasFile(result->lasPath);
+        const LasRow las = InspectLasFile(result->lasPath);
         Require(las.loadable, "the LAS file opens");
         Require(las.file->Header().PointCount() == result->points, "its points are those that were made");
     } catch (const LDataError&) {

@@ -15,21 +15,21 @@ class Reopener {
 
     /// The row's file in the requested mode; null if the open one will do, or after a failure.
     std::unique_ptr<LASFile> Reopen(const LasRow& row, LasReopened& result) {
-        if (row.inspection.file == nullptr) {
+        if (row.file == nullptr) {
             return nullptr;
         }
         try {
             return Open(row, result);
         } catch (...) {
-            result.failures.push_back({row.inspection.path, CurrentExceptionText()});
+            result.failures.push_back({row.path, CurrentExceptionText()});
             return nullptr;
         }
     }
 
   private:
     std::unique_ptr<LASFile> Open(const LasRow& row, LasReopened& result) {
-        const std::wstring& path = row.inspection.path;
-        const LASFile& current = *row.inspection.file;
+        const std::wstring& path = row.path;
+        const LASFile& current = *row.file;
         std::wstring wanted = path;
         bool decompress = false;
         if (readWrite_ && OrvexUtilities::IsLAZFile(path)) {

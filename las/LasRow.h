@@ -1,22 +1,40 @@
 #pragma once
+#include <cstdint>
+#include <memory>
 #include <string>
+#include <vector>
 
-#include "dialog/page/LoadFlag.h"
-#include "las/LasInspection.h"
+#include "crs/CrsDescription.h"
+#include "crs/LayerAssignment.h"
+#include "las/LASFile.h"
+#include "las/LasValidate.h"
+#include "support/Finding.h"
 
 namespace orvex {
 
-/// One file of the LAS page. What a cell shows is computed from it when asked for.
+/// One LAS or LAZ file as the grid, the details pane and the command line show it, read without its points.
+/// Cells are computed from it when asked for.
 struct LasRow {
-    LasInspection inspection;
-    std::wstring layer;        ///< the layer that the file goes into; empty when it cannot be loaded
-    bool layerExists = false;  ///< the project has that layer already
-    unsigned group = 0;        ///< files of one number can share a layer; 0: none
+    std::wstring path;
+    bool loadable = false;
+    std::wstring summary;  ///< one line: the reason when not loadable, else the worst finding or "OK"
+    std::vector<LasFinding> findings;  ///< everything that is odd about the file, worst first
+    std::unique_ptr<LASFile> file;     ///< null when not loadable, and once it belongs to the host
+    CrsPtr crs;                        ///< never null
+    std::uint64_t fileSize = 0;        ///< bytes; 0 when unknown
+    std::int64_t modifiedMs = 0;       ///< milliseconds since 1970-01-01 UTC; 0 when unknown
+    LayerPlace place;                  ///< among the layers of the project; set by the page
 };
+
+/// Opens and reads one file; never throws. Safe from any thread; nothing is written.
+LasRow InspectLasFile(const std::wstring& path);
+
+/// Row of a file that could not be read at all.
+LasRow UnreadLasFile(const std::wstring& path, const std::wstring& message);
 
 LoadFlag LoadFlagOf(const LasRow& row);
 
-/// Everything there is to say about a row's state, one finding a line; empty when all is well.
+/// All findings, one a line; the reason for a file that is not loadable, empty when all is well.
 std::wstring FindingsText(const LasRow& row);
 
 }  // namespace orvex

@@ -1,11 +1,121 @@
 #include "raster/RasterColumns.h"
 
-#include <algorithm>
 #include <array>
+#include <bit>
+#include <cmath>
+#include <optional>
+
+#include "support/Format.h"
+#include "support/UtcTime.h"
 
 namespace orvex {
-
 namespace {
+
+/// A cell of a file that could be described; empty for any other.
+template <auto Function>
+GridCell OfFile(const RasterRow& row) {
+    return row.IsDescribed() ? GridCell(Function(row)) : GridCell();
+}
+
+template <auto Function>
+GridCell OfProperties(const RasterRow& row) {
+    return row.IsDescribed() ? GridCell(Function(row.Properties())) : GridCell();
+}
+
+template <auto Function>
+GridCell OfCrs(const RasterRow& row) {
+    return row.IsDescribed() ? GridCell(Function(*row.crs)) : GridCell();
+}
+
+template <auto Member>
+GridCell CountOf(const RasterRow& row) {
+    return row.IsDescribed() ? GridCell(static_cast<double>(row.Properties().*Member)) : GridCell();
+}
+
+template <std::size_t Edge>
+GridCell ExtentOf(const RasterRow& row) {
+    if (!row.IsDescribed() || !row.Properties().extent.has_value()) {
+        return {};
+    }
+    const double edge = (*row.Properties().extent)[Edge];
+    return std::isfinite(edge) ? GridCell(edge) : GridCell();
+}
+
+GridCell Flag(const RasterRow& row) {
+    return LoadFlagNumber(LoadFlagOf(row));
+}
+
+GridCell Address(const RasterRow& row) {
+    return std::to_wstring(std::bit_cast<std::uintptr_t>(row.file.get()));
+}
+
+GridCell Size(const RasterRow& row) {
+    const std::uint64_t bytes = row.fileSize;
+    return bytes == 0 ? GridCell() : GridCell(static_cast<double>(bytes) * 1e-6);
+}
+
+GridCell Modified(const RasterRow& row) {
+    const std::int64_t time = row.modifiedMs;
+    return time == 0 ? GridCell() : GridCell(UtcTimeText(time));
+}
+
+std::wstring FileType(const RasterRow& row) {
+    if (!row.Properties().format.empty()) {
+        return row.Properties().format;
+    }
+    const std::wstring extension = UpperExtensionOf(row.path);
+    return extension.empty() ? extension : extension.substr(1);
+}
+
+std::wstring BigTiff(const RasterRow& row) {
+    return row.file->bigTiff ? L"True" : L"False";
+}
+
+std::wstring ImageSize(const RasterProperties& properties) {
+    return FormatText(L"%d x %d", {properties.width, properties.height});
+}
+
+std::wstring ColorModel(const RasterProperties& properties) {
+    constexpr std::array kNames{13621_lsid, 13620_lsid, 13619_lsid};
+    const auto code = static_cast<std::size_t>(properties.colorModel);
+    return Text(code < kNames.size() ? kNames[code] : 13489_lsid);
+}
+
+std::wstring Photometric(const RasterProperties& properties) {
+    constexpr std::array kNames{13624_lsid, 13622_lsid, 13619_lsid, 13623_lsid, 13625_lsid};
+    const auto kind = static_cast<std::size_t>(properties.rasterKind);
+    return Text(kind < kNames.size() ? kNames[kind] : 13489_lsid);
+}
+
+std::wstring ProjectionCode(const RasterProperties& properties) {
+    constexpr std::int32_t kUserDefined = 32767;
+    const std::int32_t code = properties.projectionCode;
+    return code >= 1 && code != kUserDefined ? Text(13495_lsid) + std::to_wstring(code) : Text(13497_lsid);
+}
+
+bool IsGeoreferenced(const RasterProperties& properties) {
+    return properties.pixelWidth > 0 && properties.pixelHeight > 0 && std::isfinite(properties.pixelWidth) &&
+           std::isfinite(properties.pixelHeight);
+}
+
+GridCell PixelSize(const RasterProperties& properties) {
+    return IsGeoreferenced(properties) ? GridCell(properties.pixelWidth) : GridCell();
+}
+
+std::wstring PixelSizes(const RasterProperties& properties) {
+    return IsGeoreferenced(properties)
+               ? FormatText(L"%.8lf x %.8lf", {properties.pixelWidth, properties.pixelHeight})
+               : std::wstring();
+}
+
+std::wstring PathText(const RasterRow& row) {
+    return row.path;
+}
+
+/// Degrees need more digits than metres.
+const wchar_t* CoordinateFormat(const RasterRow& row) {
+    return row.crs->isGeographic ? L"%.8lf" : nullptr;
+}
 
 constexpr const wchar_t* kCount = L"%.0f";
 constexpr const wchar_t* kCoordinate = L"%.3f";
@@ -29,12 +139,12 @@ constexpr GridColumn Basic(GridColumn column) {
     return column;
 }
 
-constexpr GridColumn Told(GridColumn column, StringId tooltip) {
+constexpr GridColumn WithTooltip(GridColumn column, StringId tooltip) {
     column.tooltip = tooltip;
     return column;
 }
 
-constexpr GridColumn Footed(GridColumn column, FooterKind footer) {
+constexpr GridColumn WithFooter(GridColumn column, FooterKind footer) {
     column.footer = footer;
     return column;
 }
@@ -49,67 +159,99 @@ constexpr GridColumn Hidden(GridColumn column) {
     return column;
 }
 
-constexpr std::array<GridColumn, kRasterColumnCount> kColumns{{
-    {.name = "loadFlag",
-     .width = 20,
-     .kind = CellKind::Flag,
-     .tooltip = 13501_lsid,
-     .basic = true,
-     .frozen = true,
-     .resizable = false},
-    Hidden(TextColumn("path", 13502_lsid, 200)),
-    Hidden(TextColumn("details", 13567_lsid, 200)),
-    Footed(Frozen(Basic(TextColumn("fileName", 13503_lsid, 200))), FooterKind::Count),
-    TextColumn("folder", 13504_lsid, 300),
-    Footed(Told(Basic(NumberColumn("size", 13505_lsid, L"%.2f")), 13481_lsid), FooterKind::Sum),
-    Told(TextColumn("modified", 13506_lsid, 300), 41282_lsid),
-    Told(Basic(TextColumn("layer", 13507_lsid, 200)), 40599_lsid),
-    Basic(TextColumn("summary", 13508_lsid, 300)),
-    TextColumn("fileType", 13568_lsid, 200),
-    Told(TextColumn("bigTiff", 3325_lsid, 200), 41283_lsid),
-    Basic(TextColumn("imageSize", 13569_lsid, 200)),
-    NumberColumn("width", 13570_lsid, kCount),
-    NumberColumn("height", 13571_lsid, kCount),
-    Told(NumberColumn("bands", 13572_lsid, kCount), 13584_lsid),
-    Told(NumberColumn("bitsPerBand", 13573_lsid, kCount), 13585_lsid),
-    Told(TextColumn("colorModel", 13574_lsid, 200), 13586_lsid),
-    TextColumn("photometric", 13575_lsid, 200),
-    Told(TextColumn("projectionCode", 13576_lsid, 300), 13587_lsid),
-    Told(NumberColumn("overviews", 13577_lsid, kCount), 13588_lsid),
-    Told(Basic(NumberColumn("pixelSize", 13645_lsid, L"%.8lf")), 13589_lsid),
-    Told(TextColumn("pixelSizes", 13578_lsid, 200), 13590_lsid),
-    Told(NumberColumn("minimumX", 13541_lsid, kCoordinate), 13591_lsid),
-    Told(NumberColumn("maximumX", 13542_lsid, kCoordinate), 13592_lsid),
-    Told(NumberColumn("minimumY", 13538_lsid, kCoordinate), 13593_lsid),
-    Told(NumberColumn("maximumY", 13539_lsid, kCoordinate), 13594_lsid),
-    Basic(TextColumn("crsName", 13509_lsid, 200)),
-    Basic(TextColumn("linearUnit", 13579_lsid, 200)),
-    TextColumn("angularUnit", 13580_lsid, 200),
-    TextColumn("wkt", 13581_lsid, 200),
-    TextColumn("gpsTime", 13513_lsid, 200),
-}};
+/// A column of both pages, or of one of them.
+struct PageColumn {
+    Column<RasterRow> column;
+    std::optional<RasterUse> use = std::nullopt;
+};
 
-static_assert(IndexOf(RasterColumn::GpsTime) + 1 == kRasterColumnCount);
+constexpr PageColumn kColumns[] = {
+    {{{.name = "loadFlag",
+       .width = 20,
+       .kind = CellKind::Flag,
+       .tooltip = 13501_lsid,
+       .basic = true,
+       .frozen = true,
+       .resizable = false},
+      Flag,
+      {.tooltip = FindingsText,
+       .icon = [](const RasterRow& row) { return LoadFlagImage(LoadFlagOf(row)); }}}},
+    {{Hidden(TextColumn("path", 13502_lsid, 200)), [](const RasterRow& row) { return GridCell(row.path); }}},
+    {{Hidden(TextColumn("details", 13567_lsid, 200)), Address}},
+    {{WithFooter(Frozen(Basic(TextColumn("fileName", 13503_lsid, 200))), FooterKind::Count),
+      [](const RasterRow& row) { return GridCell(FileNameOf(row.path)); },
+      {.tooltip = PathText}}},
+    {{TextColumn("folder", 13504_lsid, 300),
+      [](const RasterRow& row) { return GridCell(FolderOf(row.path)); },
+      {.tooltip = PathText}}},
+    {{WithFooter(WithTooltip(Basic(NumberColumn("size", 13505_lsid, L"%.2f")), 13481_lsid), FooterKind::Sum),
+      Size}},
+    {{WithTooltip(TextColumn("modified", 13506_lsid, 300), 41282_lsid), Modified}},
+    {{WithTooltip(Basic(TextColumn("layer", 13507_lsid, 200)), 40599_lsid),
+      [](const RasterRow& row) { return GridCell(row.place.layer); }}},
+    {{Basic(TextColumn("summary", 13508_lsid, 300)),
+      [](const RasterRow& row) { return GridCell(row.summary); },
+      {.tooltip = FindingsText}}},
+    {{TextColumn("fileType", 13568_lsid, 200), OfFile<FileType>}},
+    {{WithTooltip(TextColumn("bigTiff", 3325_lsid, 200), 41283_lsid), OfFile<BigTiff>}, RasterUse::Image},
+    {{Basic(TextColumn("imageSize", 13569_lsid, 200)), OfProperties<ImageSize>}},
+    {{NumberColumn("width", 13570_lsid, kCount), CountOf<&RasterProperties::width>}},
+    {{NumberColumn("height", 13571_lsid, kCount), CountOf<&RasterProperties::height>}},
+    {{WithTooltip(NumberColumn("bands", 13572_lsid, kCount), 13584_lsid), CountOf<&RasterProperties::bands>}},
+    {{WithTooltip(NumberColumn("bitsPerBand", 13573_lsid, kCount), 13585_lsid),
+      CountOf<&RasterProperties::bitsPerBand>}},
+    {{WithTooltip(TextColumn("colorModel", 13574_lsid, 200), 13586_lsid), OfProperties<ColorModel>}},
+    {{TextColumn("photometric", 13575_lsid, 200), OfProperties<Photometric>}},
+    {{WithTooltip(TextColumn("projectionCode", 13576_lsid, 300), 13587_lsid), OfProperties<ProjectionCode>}},
+    {{WithTooltip(NumberColumn("overviews", 13577_lsid, kCount), 13588_lsid),
+      CountOf<&RasterProperties::overviews>}},
+    {{WithTooltip(Basic(NumberColumn("pixelSize", 13645_lsid, L"%.8lf")), 13589_lsid),
+      OfProperties<PixelSize>}},
+    {{WithTooltip(TextColumn("pixelSizes", 13578_lsid, 200), 13590_lsid), OfProperties<PixelSizes>}},
+    {{WithTooltip(NumberColumn("minimumX", 13541_lsid, kCoordinate), 13591_lsid),
+      ExtentOf<0>,
+      {.format = CoordinateFormat}}},
+    {{WithTooltip(NumberColumn("maximumX", 13542_lsid, kCoordinate), 13592_lsid),
+      ExtentOf<2>,
+      {.format = CoordinateFormat}}},
+    {{WithTooltip(NumberColumn("minimumY", 13538_lsid, kCoordinate), 13593_lsid),
+      ExtentOf<1>,
+      {.format = CoordinateFormat}}},
+    {{WithTooltip(NumberColumn("maximumY", 13539_lsid, kCoordinate), 13594_lsid),
+      ExtentOf<3>,
+      {.format = CoordinateFormat}}},
+    {{Basic(TextColumn("crsName", 13509_lsid, 200)),
+      OfCrs<[](const CrsDescription& crs) { return crs.name; }>}},
+    {{Basic(TextColumn("linearUnit", 13579_lsid, 200)),
+      OfFile<[](const RasterRow& row) { return row.unit; }>}},
+    {{TextColumn("angularUnit", 13580_lsid, 200),
+      OfCrs<[](const CrsDescription& crs) { return crs.angularUnits; }>}},
+    {{TextColumn("wkt", 13581_lsid, 200), OfCrs<[](const CrsDescription& crs) { return crs.prettyWkt; }>}},
+    {{TextColumn("gpsTime", 13513_lsid, 200),
+      OfProperties<[](const RasterProperties&) { return Text(13490_lsid); }>},
+     RasterUse::Image},
+    // The converted points are written with standard GPS times.
+    {{TextColumn("gpsTime", 13513_lsid, 200),
+      OfProperties<[](const RasterProperties&) { return std::wstring(L"Standard GPS Time"); }>},
+     RasterUse::Dem},
+};
 
-constexpr std::array<GridColumn, kDemColumnCount> WithoutBigTiff() {
-    std::array<GridColumn, kDemColumnCount> columns{};
-    constexpr auto kLeftOut = static_cast<std::ptrdiff_t>(RasterColumn::BigTiff);
-    const auto rest = std::copy_n(kColumns.begin(), kLeftOut, columns.begin());
-    std::copy(kColumns.begin() + kLeftOut + 1, kColumns.end(), rest);
+std::vector<Column<RasterRow>> ColumnsFor(RasterUse use) {
+    std::vector<Column<RasterRow>> columns;
+    for (const PageColumn& entry : kColumns) {
+        if (!entry.use.has_value() || *entry.use == use) {
+            columns.push_back(entry.column);
+        }
+    }
     return columns;
 }
 
-constexpr std::array<GridColumn, kDemColumnCount> kDemColumns = WithoutBigTiff();
-
 }  // namespace
 
-std::span<const GridColumn> RasterColumns(RasterUse use) {
-    return use == RasterUse::Dem ? std::span<const GridColumn>(kDemColumns) : kColumns;
-}
-
-RasterColumn RasterColumnAt(RasterUse use, int index) {
-    const bool isBehind = use == RasterUse::Dem && index >= IndexOf(RasterColumn::BigTiff);
-    return static_cast<RasterColumn>(isBehind ? index + 1 : index);
+std::span<const Column<RasterRow>> RasterColumns(RasterUse use) {
+    static const std::vector<Column<RasterRow>> image = ColumnsFor(RasterUse::Image);
+    static const std::vector<Column<RasterRow>> dem = ColumnsFor(RasterUse::Dem);
+    return use == RasterUse::Dem ? dem : image;
 }
 
 }  // namespace orvex

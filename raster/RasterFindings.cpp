@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "raster/RasterInspection.h"
 #include "support/Format.h"
 #include "support/Text.h"
 
@@ -22,10 +21,10 @@ const RasterBandProperties* FirstBand(const RasterProperties& properties) {
     return properties.bandDetails.empty() ? nullptr : &properties.bandDetails.front();
 }
 
-void CheckCrs(const RasterInspection& inspection, Findings& findings) {
-    if (inspection.properties.wkt.empty()) {
+void CheckCrs(const RasterProperties& properties, const CrsDescription& crs, Findings& findings) {
+    if (properties.wkt.empty()) {
         findings.push_back({Note, Text(40121_lsid)});
-    } else if (inspection.crs->name.empty()) {
+    } else if (crs.name.empty()) {
         findings.push_back({Warning, Text(40122_lsid)});
     }
 }
@@ -51,8 +50,7 @@ void CheckImage(const RasterProperties& properties, Findings& findings) {
     }
 }
 
-void CheckDem(const RasterInspection& inspection, Findings& findings) {
-    const RasterProperties& properties = inspection.properties;
+void CheckDem(const RasterProperties& properties, const CrsDescription& crs, Findings& findings) {
     if (properties.bands > 1) {
         findings.push_back({Warning, FormatText(Text(41226_lsid), {properties.bands})});
     }
@@ -69,7 +67,7 @@ void CheckDem(const RasterInspection& inspection, Findings& findings) {
             findings.push_back({Note, Text(41229_lsid)});
         }
     }
-    if (!properties.wkt.empty() && inspection.crs->verticalName.empty()) {
+    if (!properties.wkt.empty() && crs.verticalName.empty()) {
         findings.push_back({Note, Text(41230_lsid)});
     }
 }
@@ -182,17 +180,18 @@ std::wstring PlainText(const std::string& message) {
 
 }  // namespace
 
-std::vector<Finding> ValidateRaster(const RasterInspection& inspection, RasterUse use) {
+std::vector<Finding> ValidateRaster(const RasterProperties& properties, const CrsDescription& crs,
+                                    RasterUse use) {
     Findings findings;
-    for (const std::wstring& text : inspection.properties.warnings) {
+    for (const std::wstring& text : properties.warnings) {
         findings.push_back({Warning, text});
     }
-    CheckGeoreference(inspection.properties, findings);
-    CheckCrs(inspection, findings);
+    CheckGeoreference(properties, findings);
+    CheckCrs(properties, crs, findings);
     if (use == RasterUse::Dem) {
-        CheckDem(inspection, findings);
+        CheckDem(properties, crs, findings);
     } else {
-        CheckImage(inspection.properties, findings);
+        CheckImage(properties, findings);
     }
     std::ranges::stable_sort(findings, std::ranges::greater{}, &Finding::severity);
     return findings;

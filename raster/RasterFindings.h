@@ -2,16 +2,19 @@
 #include <string>
 #include <vector>
 
+#include "crs/CrsDescription.h"
+#include "orvexcommon/RasterProperties.h"
 #include "support/Finding.h"
 
 namespace orvex {
 
-enum class RasterUse;
-struct RasterInspection;
+/// What a raster is listed for; it decides what is odd about it.
+enum class RasterUse { Image, Dem };
 
-/// Returns all findings of a raster that could be read, worst first; among equals, the warnings of its reader
-/// come before those from its properties.
-std::vector<Finding> ValidateRaster(const RasterInspection& inspection, RasterUse use);
+/// Findings about a raster that could be read, worst first; what the libraries said while opening it comes
+/// before what follows from its properties.
+std::vector<Finding> ValidateRaster(const RasterProperties& properties, const CrsDescription& crs,
+                                    RasterUse use);
 
 /// GDAL's messages as sentences for the user, without names of files and functions, and without duplicates.
 /// Messages meant for programmers are left out.

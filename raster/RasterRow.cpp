@@ -1,26 +1,137 @@
 #include "raster/RasterRow.h"
 
+#include <chrono>
+#include <utility>
+
+#include "crs/GdalSetup.h"
+#include "orvexcommon/Geocoding.h"
+#include "raster/Georeference.h"
+#include "raster/RasterReader.h"
+#include "support/Files.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
+
 namespace orvex {
+namespace {
+
+std::int64_t ModifiedMs(const std::wstring& path) {
+    const auto time = LastWriteTime(path);
+    return time ? std::chrono::floor<std::chrono::milliseconds>(*time).time_since_epoch().count() : 0;
+}
+
+RasterProperties ReadOurselves(const std::wstring& path) {
+    if (!EnsureGdal()) {
+        throw LDataError(Text(41210_lsid));
+    }
+    return ReadRasterProperties(path);
+}
+
+/// What the host's object says, with what it leaves out as our own reader finds it.
+RasterProperties WithDetails(RasterProperties told, const std::wstring& path) {
+    RasterProperties properties;
+    try {
+        properties = ReadOurselves(path);
+    } catch (...) {
+        // The host may know formats that we do not.
+        return told;
+    }
+    static_cast<RasterEssentials&>(properties) = std::move(told);
+    return properties;
+}
+
+RasterProperties Read(const std::wstring& path, const RasterInformationMaker& maker) {
+    std::int32_t result = kHostClassNotRegistered;
+    const auto object = maker ? maker(result) : nullptr;
+    if (!object) {
+        return ReadOurselves(path);
+    }
+    RasterProperties properties;
+    std::wstring reason;
+    result = object->Describe(path, properties, reason);
+    if (result < kHostOk) {
+        throw LDataError(reason);
+    }
+    return properties.hasDetails ? properties : WithDetails(std::move(properties), path);
+}
+
+void Inspect(RasterRow& row, RasterUse use, const RasterInformationMaker& maker) {
+    auto file = std::make_unique<RasterFile>();
+    file->path = row.path;
+    file->properties = Read(row.path, maker);
+    if (file->properties.width < 1 || file->properties.height < 1) {
+        throw LDataError(Text(41216_lsid));
+    }
+    row.file = std::move(file);
+    row.loadable = true;
+    row.unit = RasterUnitText(row.Properties().linearUnit);
+    row.crs = DescribeCrs(row.Properties().wkt);
+    std::wstring reason;
+    Is_BigTIFF(row.path, row.file->bigTiff, reason);
+    row.findings = ValidateRaster(row.Properties(), *row.crs, use);
+    const bool isOdd = !row.findings.empty() && row.findings.front().severity > FindingSeverity::Note;
+    row.summary = isOdd ? row.findings.front().text : Text(40100_lsid);
+}
+
+/// The row of a file that cannot be described: what is wrong with it, and nothing else.
+void Refuse(RasterRow& row, const std::wstring& reason) {
+    row.loadable = false;
+    row.file.reset();
+    row.unit.clear();
+    row.crs = DescribeCrs({});
+    row.summary = Text(13638_lsid) + L" " + (reason.empty() ? Text(41500_lsid) : reason);
+    row.findings = {{FindingSeverity::Error, row.summary}};
+}
+
+/// After an exception that says nothing about the file. What was found out before it stays.
+void NoteException(RasterRow& row, const std::wstring& message) {
+    row.threw = true;
+    if (!row.loadable) {
+        Refuse(row, message);
+        return;
+    }
+    row.summary = Text(13498_lsid) + L": " + message;
+    row.findings = {{FindingSeverity::Warning, row.summary}};
+}
+
+}  // namespace
+
+RasterRow InspectRasterFile(const std::wstring& path, RasterUse use, const RasterInformationMaker& maker) {
+    RasterRow row;
+    row.path = path;
+    row.crs = DescribeCrs({});
+    row.modifiedMs = ModifiedMs(path);
+    row.fileSize = FileSizeOf(path).value_or(0);
+    try {
+        Inspect(row, use, maker);
+    } catch (const LDataError& error) {
+        Refuse(row, error.Text());
+    } catch (...) {
+        NoteException(row, CurrentExceptionText());
+    }
+    return row;
+}
+
+RasterRow UnreadRasterFile(const std::wstring& path, const std::wstring& message) {
+    RasterRow row;
+    row.path = path;
+    NoteException(row, message);
+    return row;
+}
 
 LoadFlag LoadFlagOf(const RasterRow& row) {
-    return LoadFlagFor(row.IsDescribed(), row.File().findings);
+    return LoadFlagFor(row.IsDescribed(), row.findings);
 }
 
 std::wstring FindingsText(const RasterRow& row) {
-    return FindingLines(row.File().findings);
+    return FindingLines(row.findings);
 }
 
 void AssignLayers(std::vector<RasterRow>& rows, const std::map<std::wstring, std::wstring>& existing,
-                  const LayerRules& rules, LayerCrs crs, const std::wstring& prefix) {
+                  const LayerRules& rules, bool ignoreCrs, const std::wstring& prefix) {
     const CrsPtr none = DescribeCrs({});
     std::vector<CrsPtr> files;
-    files.reserve(rows.size());
     for (const RasterRow& row : rows) {
-        if (!row.IsDescribed()) {
-            files.emplace_back();
-        } else {
-            files.push_back(crs == LayerCrs::None ? none : row.File().crs);
-        }
+        files.push_back(!row.IsDescribed() ? nullptr : ignoreCrs ? none : row.crs);
     }
     std::vector<LayerPlace> places = PlaceInLayers(files, existing, rules, prefix);
     for (std::size_t i = 0; i < rows.size(); ++i) {

@@ -1,6 +1,6 @@
 #include "dialog/details/DetailsHtml.h"
 
-#include "dialog/ImageIndex.h"
+#include "support/ImageIndex.h"
 #include "support/QtText.h"
 #include "support/Text.h"
 

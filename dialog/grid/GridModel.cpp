@@ -28,8 +28,8 @@ bool IsText(const GridColumn& column, HeaderAlign align) {
 
 }  // namespace
 
-GridModel::GridModel(std::span<const GridColumn> columns, QObject* parent)
-    : QAbstractTableModel(parent), columns_(columns), sums_(columns.size(), 0.0) {}
+GridModel::GridModel(std::vector<GridColumn> columns, QObject* parent)
+    : QAbstractTableModel(parent), columns_(std::move(columns)), sums_(columns_.size(), 0.0) {}
 
 int GridModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(order_.size());
@@ -120,17 +120,14 @@ QVariant GridModel::headerData(int section, Qt::Orientation orientation, int rol
 std::wstring GridModel::CellText(std::size_t record, int column) const {
     const GridColumn& description = columns_[static_cast<std::size_t>(column)];
     const GridCell cell = Cell(record, column);
-    if (const auto* text = std::get_if<std::wstring>(&cell)) {
-        return *text;
+    if (const auto* time = std::get_if<std::int64_t>(&cell)) {
+        return DateText(*time, description.format);
     }
-    if (const auto* number = std::get_if<double>(&cell)) {
-        if (description.kind == CellKind::Flag) {
-            return *number != 0 ? L"true" : L"false";
-        }
-        return std::isnan(*number) ? std::wstring() : FormatText(NumberFormat(record, column), {*number});
+    const auto* number = std::get_if<double>(&cell);
+    if (number != nullptr && description.kind == CellKind::Flag) {
+        return *number != 0 ? L"true" : L"false";
     }
-    const auto* time = std::get_if<std::int64_t>(&cell);
-    return time ? DateText(*time, description.format) : std::wstring();
+    return FormatCell(cell, NumberFormat(record, column));
 }
 
 std::optional<std::wstring> GridModel::FooterText(int column) const {

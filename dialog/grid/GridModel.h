@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "dialog/grid/GridColumn.h"
+#include "support/Column.h"
 #include "dialog/grid/GridSortKeys.h"
 
 namespace orvex {
@@ -22,7 +22,7 @@ class GridModel : public QAbstractTableModel {
     static constexpr int kSortRole = Qt::UserRole + 1;  ///< the typed value
     static constexpr int kIconRole = Qt::UserRole + 2;  ///< index in the dialog's image list, -1 for none
 
-    explicit GridModel(std::span<const GridColumn> columns, QObject* parent = nullptr);
+    explicit GridModel(std::vector<GridColumn> columns, QObject* parent = nullptr);
 
     std::span<const GridColumn> Columns() const { return columns_; }
 
@@ -94,7 +94,7 @@ class GridModel : public QAbstractTableModel {
     std::vector<RowRange> RangesToRemove(const std::vector<std::size_t>& records);
     void EraseRows(RowRange range);
 
-    std::span<const GridColumn> columns_;
+    const std::vector<GridColumn> columns_;
     std::vector<std::uint32_t> order_;  ///< the record of each row
     mutable std::vector<int> rows_;     ///< the row of each record; empty until asked for
     std::size_t recordCount_ = 0;       ///< in the storage; more than rows only while rows are going

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "dialog/grid/GridColumn.h"
+#include "support/Column.h"
 
 namespace orvex {
 

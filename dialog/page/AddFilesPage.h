@@ -1,11 +1,15 @@
 #pragma once
 #include <QIcon>
 #include <QWidget>
+#include <functional>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "dialog/DialogServices.h"
-
-class AddFilesParams;
+#include "dialog/page/FixedText.h"
+#include "orvexcommon/AddFilesParams.h"
+#include "support/ImageIndex.h"
 
 namespace orvex {
 
@@ -26,18 +30,35 @@ class AddFilesPage : public QWidget {
   public:
     using QWidget::QWidget;
 
-    /// Checks the input and writes the page's members of the record. False keeps the dialog open; the page
-    /// has said why. May be called again: the dialog stays open when a later page refuses.
+    /// Checks the input and writes the page's members of the record, which are as the host gave them. False
+    /// keeps the dialog open; the page has said why. May be called again.
     virtual bool ValidateAndStore() = 0;
-    /// Frees what the page holds behind its rows, empties its grid, and takes back what ValidateAndStore
-    /// wrote. May be called more than once.
+    /// The dialog ends with OK: the detail objects in the record belong to the host from here on.
+    virtual void HandOver() noexcept {}
+    /// Frees what the page holds behind its rows and empties its grid. May be called more than once.
     virtual void Release() = 0;
-    /// Files named from outside (the host's command line, a drop on the dialog) are added as if picked.
+    /// Adds files named from outside (by the host, or dropped on the dialog) as if they were picked. Folders
+    /// among them are searched with their subfolders.
     virtual void AddPaths(const std::vector<std::wstring>& paths) = 0;
-    /// Whether a file or folder of this path could be one of this page's.
+    /// True if a file or folder of this path could be one of this page's.
     virtual bool Accepts(const std::wstring& path) const = 0;
-    /// True when the files on the page will need companion files built (LAS page).
+    /// True if files on the page will need companion files built (LAS page).
     virtual bool NeedsCompanionFiles() const { return false; }
+};
+
+/// Kinds of pages, in the order of OK and of the tabs.
+enum class PageKind { Las = 0, Raster = 1, Feature = 2, Dem = 3, Photo = 4, CloudLas = 5 };
+
+/// One row of the table that the dialog is built from.
+struct PageDescription {
+    PageKind kind;
+    StringId caption;
+    FixedText insertFailure;                     ///< said when the tab cannot be added
+    FixedText createFailure;                     ///< said when the page cannot be made
+    int templateId = 0;                          ///< the page's widget is named "page<templateId>"
+    ImageIndex image;                            ///< of its tab while selected
+    bool AddFilesParams::*pageSwitch = nullptr;  ///< null: the page always exists
+    std::function<std::unique_ptr<AddFilesPage>(const PageContext&)> create;
 };
 
 }  // namespace orvex

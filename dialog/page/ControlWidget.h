@@ -1,19 +1,14 @@
 #pragma once
 // Making the controls of a page: each is named "c" and its id, and tells its tooltip to context help too. The
 // caller gives them a parent.
-#include <QBoxLayout>
 #include <QString>
 #include <concepts>
-#include <initializer_list>
 
 #include "dialog/Images.h"
+#include "dialog/page/FixedText.h"
 #include "support/QtText.h"
-#include "support/Text.h"
 
-class QButtonGroup;
-class QGroupBox;
 class QPushButton;
-class QRadioButton;
 class QToolButton;
 
 namespace orvex {
@@ -25,10 +20,10 @@ inline QString ControlName(int id) {
 
 /// A control with its caption (or text) and its tooltip.
 template <typename Widget>
-Widget* MakeControl(int id, StringId caption, StringId tooltip = {}) {
+Widget* MakeControl(int id, const FixedText& caption, StringId tooltip = {}) {
     auto* widget = new Widget;
     widget->setObjectName(ControlName(id));
-    const QString text = ToQString(Text(caption));
+    const QString text = ToQString(caption.Get());
     if constexpr (requires { widget->setTitle(text); }) {
         widget->setTitle(text);
     } else if constexpr (requires { widget->setText(text); }) {
@@ -43,16 +38,5 @@ QPushButton* MakeButton(int id, StringId caption, StringId tooltip, ButtonImage 
 
 /// A button that shows its image only; screen readers say its tooltip.
 QToolButton* MakeIconButton(int id, StringId tooltip, ButtonImage image);
-
-/// A radio button of a group; `value` is what the group's checkedId() then tells.
-QRadioButton* MakeRadio(QButtonGroup* group, int value, int id, StringId caption, StringId tooltip);
-
-/// Distances in the groups of options below the grids.
-inline constexpr QMargins kGroupMargins{8, 4, 8, 4};
-inline constexpr int kGroupRowSpacing = 4;
-
-/// A group whose controls stand in a row or below each other.
-QGroupBox* MakeGroup(int id, StringId caption, QBoxLayout::Direction direction,
-                     std::initializer_list<QWidget*> controls);
 
 }  // namespace orvex

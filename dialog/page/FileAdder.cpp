@@ -40,12 +40,12 @@ constexpr std::size_t kProgressTextLimit = 256;
 // listed already.
 class Reading {
   public:
-    Reading(AddingRequest request, std::function<std::wstring(const std::wstring&)> buddy,
-            std::function<InspectedPtr(const std::wstring&)> inspect)
+    Reading(AddingRequest request, std::function<std::wstring(const std::wstring&)> buddy, const Steps& steps)
         : paths_(std::move(request.paths)),
           keys_(std::move(request.listedKeys)),
           buddy_(std::move(buddy)),
-          inspect_(std::move(inspect)) {}
+          inspect_(steps.inspect),
+          pathsAtOnce_(steps.pathsAtOnce) {}
 
     const std::vector<std::wstring>& Paths() const { return paths_; }
 
@@ -117,8 +117,12 @@ class Reading {
 
     void Read(std::size_t reader, const std::stop_token& stop) {
         try {
-            while (const auto place = Claim(reader, stop)) {
-                Put(*place, inspect_(paths_[*place]));
+            while (true) {
+                const std::vector<std::size_t> places = Claim(reader, stop);
+                if (places.empty()) {
+                    return;
+                }
+                Put(places, inspect_(PathsAt(places)));
             }
         } catch (...) {
             Close();
@@ -127,34 +131,52 @@ class Reading {
         }
     }
 
-    // The next file to be read, when there is room for what is found and work for so many readers; none when
-    // there is nothing left to do.
-    std::optional<std::size_t> Claim(std::size_t reader, const std::stop_token& stop) {
+    // The next files to be read in one call, when there is room for what is found and work for so many
+    // readers; none when there is nothing left to do.
+    std::vector<std::size_t> Claim(std::size_t reader, const std::stop_token& stop) {
         std::unique_lock guard(lock_);
         const auto hasEnded = [&] { return closed_ || next_ == paths_.size(); };
-        while (true) {
-            changed_.wait(guard, stop,
-                          [&] { return hasEnded() || (reader < wanted_ && slots_.size() < kQueueLimit); });
+        const auto hasRoom = [&] { return reader < wanted_ && slots_.size() < kQueueLimit; };
+        std::vector<std::size_t> places;
+        while (places.empty()) {
+            changed_.wait(guard, stop, [&] { return hasEnded() || hasRoom(); });
             if (hasEnded() || stop.stop_requested()) {
-                return std::nullopt;
+                return {};
             }
-            const std::size_t place = next_++;
+            while (places.size() < pathsAtOnce_ && !hasEnded() && hasRoom()) {
+                ClaimNext(places);
+            }
             if (hasEnded()) {
                 changed_.notify_all();
             }
-            if (!IsListed(paths_[place])) {
-                keys_.insert(PathKey(paths_[place]));
-                slots_.emplace_back();
-                return place;
-            }
-            slots_.emplace_back(std::in_place, nullptr);
         }
+        return places;
     }
 
-    void Put(std::size_t place, InspectedPtr result) {
+    // With the lock held.
+    void ClaimNext(std::vector<std::size_t>& places) {
+        const std::size_t place = next_++;
+        if (IsListed(paths_[place])) {
+            slots_.emplace_back(std::in_place, nullptr);
+            return;
+        }
+        keys_.insert(PathKey(paths_[place]));
+        slots_.emplace_back();
+        places.push_back(place);
+    }
+
+    std::vector<std::wstring> PathsAt(const std::vector<std::size_t>& places) const {
+        std::vector<std::wstring> paths;
+        for (const std::size_t place : places) {
+            paths.push_back(paths_[place]);
+        }
+        return paths;
+    }
+
+    void Put(const std::vector<std::size_t>& places, std::vector<InspectedPtr> results) {
         const std::lock_guard guard(lock_);
-        if (!closed_) {
-            slots_[place + slots_.size() - next_] = std::move(result);
+        for (std::size_t i = 0; i < places.size() && !closed_; ++i) {
+            slots_[places[i] + slots_.size() - next_] = std::move(results[i]);
         }
     }
 
@@ -169,7 +191,8 @@ class Reading {
     const std::vector<std::wstring> paths_;
     std::unordered_set<std::wstring> keys_;
     const std::function<std::wstring(const std::wstring&)> buddy_;
-    const std::function<InspectedPtr(const std::wstring&)> inspect_;
+    const std::function<std::vector<InspectedPtr>(std::span<const std::wstring>)> inspect_;
+    const std::size_t pathsAtOnce_;
     std::mutex lock_;
     std::condition_variable_any changed_;
     std::deque<Slot> slots_;  ///< of the files before `next_` that nobody has taken; empty: being read
@@ -284,7 +307,7 @@ AddingSummary Run(const AddingDescription& description, AddingRequest request, c
         return {};
     }
     const std::size_t rowsBefore = request.rowsBefore;
-    const auto reading = std::make_shared<Reading>(std::move(request), description.buddy, steps.inspect);
+    const auto reading = std::make_shared<Reading>(std::move(request), description.buddy, steps);
     Delivery delivery(description, steps, reading, rowsBefore, prompts, progress);
     const RunEnd end = RunInBackground([reading](const std::stop_token& stop) { reading->Run(stop); },
                                        progress, [&delivery] { return delivery.Poll(); });

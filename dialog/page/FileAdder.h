@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <unordered_set>
 #include <utility>
@@ -54,8 +55,10 @@ struct Inspected {
 using InspectedPtr = std::unique_ptr<Inspected>;
 
 struct Steps {
-    std::function<InspectedPtr(const std::wstring& path)> inspect;  ///< on worker threads
-    std::function<void(std::vector<InspectedPtr> batch)> deliver;   ///< on this thread
+    /// As many records as paths; on worker threads.
+    std::function<std::vector<InspectedPtr>(std::span<const std::wstring> paths)> inspect;
+    std::size_t pathsAtOnce = 1;                                   ///< at most, in one call
+    std::function<void(std::vector<InspectedPtr> batch)> deliver;  ///< on this thread
 };
 
 AddingSummary Run(const AddingDescription& description, AddingRequest request, const Steps& steps,
@@ -63,26 +66,40 @@ AddingSummary Run(const AddingDescription& description, AddingRequest request, c
 
 }  // namespace adding
 
-/// Adds files for a page whose rows show records of one type (movable).
+/// Text of the exception that is being handled, as the row of the file shows it.
+std::wstring InspectionFailureText();
+
+/// Reads files for a page whose rows show records of one type (movable), one by one or several in a call.
 template <typename Record>
-class FileAdder {
+class FileReader {
   public:
     /// Reads one file. Runs on worker threads, on several at a time when the drive is slow, which may outlive
     /// the page (a network drive that never answers): it must own whatever it touches.
     using Inspect = std::function<Record(const std::wstring& path)>;
-    /// The record of a file whose inspection threw; on the worker threads too.
+    /// Reads several files in one call; returns as many records, in the order of the paths.
+    using InspectSeveral = std::function<std::vector<Record>(std::span<const std::wstring> paths)>;
+    /// Makes the record of a file whose inspection threw; on the worker threads too.
     using Failed = std::function<Record(const std::wstring& path, const std::wstring& message)>;
     /// Takes records into the grid, in the order of the paths: a batch at most every 30 ms or 100 records.
     using Deliver = std::function<void(std::vector<Record> batch)>;
 
-    FileAdder(AddingDescription description, Inspect inspect, Failed failed)
-        : description_(std::move(description)), inspect_(std::move(inspect)), failed_(std::move(failed)) {}
+    FileReader(Inspect inspect, Failed failed)
+        : FileReader(
+              [inspect = std::move(inspect)](std::span<const std::wstring> paths) {
+                  std::vector<Record> records;
+                  records.push_back(inspect(paths.front()));
+                  return records;
+              },
+              1, std::move(failed)) {}
+    /// `pathsAtOnce`: the most that one call is given. When a call throws, each of its files has failed.
+    FileReader(InspectSeveral inspect, std::size_t pathsAtOnce, Failed failed)
+        : inspect_(std::move(inspect)), pathsAtOnce_(pathsAtOnce), failed_(std::move(failed)) {}
 
-    /// Returns when all files are added or the run was stopped. The caller opens the DialogProgress::Run and
+    /// Returns when all files are read or the run was stopped. The caller opens the DialogProgress::Run and
     /// keeps its controls disabled meanwhile: events are handled. An exception of `deliver` ends the run and
     /// passes.
-    AddingSummary Add(AddingRequest request, const Deliver& deliver, UserPrompts& prompts,
-                      Kst::ProgressIf& progress) const;
+    AddingSummary Add(const AddingDescription& description, AddingRequest request, const Deliver& deliver,
+                      UserPrompts& prompts, Kst::ProgressIf& progress) const;
 
   private:
     struct Holder final : adding::Inspected {
@@ -90,24 +107,41 @@ class FileAdder {
         Record record;
     };
 
-    AddingDescription description_;
-    Inspect inspect_;
+    static std::vector<Record> Read(const InspectSeveral& inspect, const Failed& failed,
+                                    std::span<const std::wstring> paths);
+
+    InspectSeveral inspect_;
+    std::size_t pathsAtOnce_;
     Failed failed_;
 };
 
-/// The text of the exception that is being handled, as the row of the file shows it.
-std::wstring InspectionFailureText();
+template <typename Record>
+std::vector<Record> FileReader<Record>::Read(const InspectSeveral& inspect, const Failed& failed,
+                                             std::span<const std::wstring> paths) {
+    try {
+        return inspect(paths);
+    } catch (...) {
+        const std::wstring message = InspectionFailureText();
+        std::vector<Record> records;
+        for (const std::wstring& path : paths) {
+            records.push_back(failed(path, message));
+        }
+        return records;
+    }
+}
 
 template <typename Record>
-AddingSummary FileAdder<Record>::Add(AddingRequest request, const Deliver& deliver, UserPrompts& prompts,
-                                     Kst::ProgressIf& progress) const {
+AddingSummary FileReader<Record>::Add(const AddingDescription& description, AddingRequest request,
+                                      const Deliver& deliver, UserPrompts& prompts,
+                                      Kst::ProgressIf& progress) const {
     adding::Steps steps;
-    steps.inspect = [inspect = inspect_, failed = failed_](const std::wstring& path) -> adding::InspectedPtr {
-        try {
-            return std::make_unique<Holder>(inspect(path));
-        } catch (...) {
-            return std::make_unique<Holder>(failed(path, InspectionFailureText()));
+    steps.pathsAtOnce = pathsAtOnce_;
+    steps.inspect = [inspect = inspect_, failed = failed_](std::span<const std::wstring> paths) {
+        std::vector<adding::InspectedPtr> inspected;
+        for (Record& record : Read(inspect, failed, paths)) {
+            inspected.push_back(std::make_unique<Holder>(std::move(record)));
         }
+        return inspected;
     };
     steps.deliver = [&deliver](std::vector<adding::InspectedPtr> batch) {
         std::vector<Record> records;
@@ -117,7 +151,7 @@ AddingSummary FileAdder<Record>::Add(AddingRequest request, const Deliver& deliv
         }
         deliver(std::move(records));
     };
-    return adding::Run(description_, std::move(request), steps, prompts, progress);
+    return adding::Run(description, std::move(request), steps, prompts, progress);
 }
 
 }  // namespace orvex

@@ -1,27 +1,58 @@
-// What a file page does; how it is built is in FileListPageLayout.cpp.
 #include "dialog/page/FileListPage.h"
 
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QPushButton>
 #include <QUrl>
-#include <QWhatsThis>
 #include <algorithm>
 #include <utility>
 
 #include "dialog/DialogProgress.h"
 #include "dialog/HandlerGuard.h"
-#include "dialog/details/DetailsHtml.h"
 #include "dialog/grid/GridView.h"
-#include "dialog/page/ControlWidget.h"
-#include "dialog/page/FileRows.h"
 #include "support/Files.h"
+#include "support/QtText.h"
 
 namespace orvex {
+namespace {
+
+std::vector<std::wstring> PathsOf(const QMimeData& data) {
+    std::vector<std::wstring> paths;
+    for (const QUrl& url : data.urls()) {
+        paths.push_back(ToWidePath(url.toLocalFile()));
+    }
+    return paths;
+}
+
+}  // namespace
+
+FileListPage::FileListPage(const PageContext& context, const FileListPageDescription& description,
+                           QWidget* parent)
+    : ListPage(context, description, parent), description_(description) {
+    setAcceptDrops(true);
+}
+
+std::vector<ListPage::PageButton> FileListPage::Buttons() {
+    std::vector<PageButton> buttons{
+        {description_.addFiles, ButtonImage::AddFiles, Usable::WhenIdle, L"OnAddFiles",
+         [this] { OnAddFiles(); }},
+        {description_.addFolder, ButtonImage::AddFolder, Usable::WhenIdle, L"OnAddFolder",
+         [this] { OnAddFolder(); }},
+    };
+    std::ranges::move(ListPage::Buttons(), std::back_inserter(buttons));
+    buttons.insert(buttons.end() - 1, {description_.refresh, ButtonImage::Refresh, Usable::WithRows,
+                                       L"OnRefresh", [this] { OnRefresh(); }});
+    return buttons;
+}
 
 void FileListPage::OnAddFiles() {
-    const PickedFiles picked = services_.pickers.PickFiles(description_.openFiles());
+    // The system's dialog takes 255 characters of a title.
+    constexpr std::size_t kLongestTitle = 255;
+    OpenFilesRequest request;
+    request.title = Text(description_.pickTitle).substr(0, kLongestTitle);
+    request.initialFolder = description_.startsInInitialFolder ? Params().initialFolder : std::wstring();
+    request.filters = description_.filters;
+    const PickedFiles picked = Services().pickers.PickFiles(request);
     switch (picked.outcome) {
         case PickOutcome::Picked:
             AddFiles(picked.paths);
@@ -46,26 +77,22 @@ void FileListPage::ShowPickFailure(const FixedText& text) const {
     }
 }
 
-void FileListPage::ShowMessage(std::wstring text, StringId caption, PromptIcon icon) const {
-    services_.prompts.Show({std::move(text), Text(caption), icon, PromptButtons::Ok});
-}
-
 void FileListPage::OnAddFolder() {
-    const auto folder = services_.pickers.PickFolder(Text(description_.folderTitle));
+    const auto folder = Services().pickers.PickFolder(Text(description_.folderTitle));
     if (!folder.has_value()) {
         return;
     }
     const PromptAnswer answer =
-        services_.prompts.Show({description_.folderQuestion.Get(), Text(description_.folderCaption),
-                                PromptIcon::Question, PromptButtons::YesNoCancel});
+        Services().prompts.Show({description_.folderQuestion.Get(), Text(description_.folderCaption),
+                                 PromptIcon::Question, PromptButtons::YesNoCancel});
     if (answer == PromptAnswer::Yes || answer == PromptAnswer::No) {
         AddFound({*folder}, answer == PromptAnswer::Yes);
     }
 }
 
 void FileListPage::AddPaths(const std::vector<std::wstring>& paths) {
-    if (!progress_.IsRunning()) {
-        RunGuarded(services_.prompts, L"AddPaths", [&] { AddFound(paths, true); });
+    if (!Progress().IsRunning()) {
+        RunGuarded(Services().prompts, L"AddPaths", [&] { AddFound(paths, true); });
     }
 }
 
@@ -73,11 +100,11 @@ void FileListPage::AddFound(std::vector<std::wstring> paths, bool recursive) {
     ScanRequest request{std::move(paths), description_.extensions, recursive, description_.folderExtensions};
     ScanResult found;
     {
-        const DialogProgress::Run run(progress_);
-        found = ScanPathsWithProgress(std::move(request), Text(description_.scanProgress), progress_);
+        const DialogProgress::Run run(Progress());
+        found = ScanPathsWithProgress(std::move(request), Text(description_.scanProgress), Progress());
     }
     if (const std::optional<Prompt> prompt = ScanPrompt(found, description_.scanTexts)) {
-        services_.prompts.Show(*prompt);
+        Services().prompts.Show(*prompt);
     }
     if (!found.stopped && !found.files.empty()) {
         AddFiles(std::move(found.files));
@@ -85,9 +112,8 @@ void FileListPage::AddFound(std::vector<std::wstring> paths, bool recursive) {
 }
 
 void FileListPage::AddFiles(std::vector<std::wstring> paths) {
-    BeforeRowsChange();
-    const bool wasEmpty = rows_->Count() == 0;
-    const DialogProgress::Run run(progress_);
+    const bool wasEmpty = RowCount() == 0;
+    const DialogProgress::Run run(Progress());
     const auto appended = [this, isFirst = wasEmpty]() mutable {
         if (std::exchange(isFirst, false)) {
             FitColumns();
@@ -95,7 +121,7 @@ void FileListPage::AddFiles(std::vector<std::wstring> paths) {
     };
     AddingSummary summary;
     try {
-        summary = AddRows({std::move(paths), rows_->PathKeys(), rows_->Count()}, appended);
+        summary = AddRows(RequestFor(std::move(paths)), appended);
     } catch (...) {
         FilesAdded(wasEmpty);
         throw;
@@ -109,118 +135,22 @@ void FileListPage::AddFiles(std::vector<std::wstring> paths) {
 
 void FileListPage::FilesAdded(bool wasEmpty) {
     RowsChanged();
-    if (wasEmpty && rows_->Count() > 0) {
+    if (wasEmpty && RowCount() > 0) {
         FitColumns();
-        if (grid_->SelectedRows().empty()) {
-            grid_->SelectRows({0});
+        if (Grid().SelectedRows().empty()) {
+            Grid().SelectRows({0});
         }
     }
     ShowDetails();
     EnableItems();
 }
 
-void FileListPage::Update() {
-    RowsChanged();
-    ShowDetails();
-    EnableItems();
-}
-
-void FileListPage::OnRemove() {
-    if (progress_.IsRunning()) {
-        return;
-    }
-    BeforeRowsChange();
-    rows_->Remove(SelectedRecords());
-    grid_->ClearSelection();
-    Update();
-}
-
-void FileListPage::OnClear() {
-    BeforeRowsChange();
-    rows_->Clear();
-    Update();
-}
-
-void FileListPage::Release() {
-    RunGuarded(services_.prompts, L"Release", [this] { OnClear(); });
-}
-
-bool FileListPage::DetailColumnsShown() const {
-    return detailColumns_->isChecked();
-}
-
-void FileListPage::OnDetailColumns() {
-    const bool shown = DetailColumnsShown();
-    detailColumns_->setText(shown ? QStringLiteral("<<") : QStringLiteral(">>"));
-    grid_->ShowDetailColumns(shown);
-    FitColumns();
-}
-
-void FileListPage::FitColumns() {
-    if (description_.fitsColumns) {
-        grid_->FitColumns();
-    }
-}
-
-void FileListPage::OnSelectAll() {
-    grid_->SelectAll();
-}
-
 void FileListPage::OnRefresh() {
-    BeforeRowsChange();
-    const DialogProgress::Run run(progress_);
+    const DialogProgress::Run run(Progress());
     if (RereadRows()) {
         FitColumns();  // what is new may need a wider column
     }
     Update();
-}
-
-void FileListPage::OnContextHelp() {
-    QWhatsThis::enterWhatsThisMode();
-}
-
-void FileListPage::OnHelp() {
-    if (!services_.help.Show(description_.helpTopic)) {
-        ShowMessage(Text(40687_lsid), 40451_lsid, PromptIcon::Warning);
-    }
-}
-
-std::vector<std::size_t> FileListPage::ShownRecords() const {
-    std::vector<std::size_t> records;
-    for (int row = 0; row < rows_->rowCount(); ++row) {
-        records.push_back(rows_->RecordOfRow(row));
-    }
-    return records;
-}
-
-std::vector<std::size_t> FileListPage::SelectedRecords() const {
-    std::vector<std::size_t> records;
-    for (const int row : grid_->SelectedRows()) {
-        records.push_back(rows_->RecordOfRow(row));
-    }
-    return records;
-}
-
-void FileListPage::ShowDetails() {
-    const std::vector<std::size_t> records = SelectedRecords();
-    details_->Show(records.empty() ? DetailsContent{{}, {TextHtml(Text(description_.nothingSelected))}}
-                                   : Details(records));
-}
-
-std::vector<ControlState> FileListPage::ControlStates(const FileListState& state) const {
-    return FileListStates(description_.controls, state);
-}
-
-void FileListPage::EnableItems() {
-    const FileListState state{progress_.IsRunning(), rows_->Count(), grid_->SelectedRows().size()};
-    for (const ControlState& control : ControlStates(state)) {
-        findChild<QWidget*>(ControlName(control.id))->setEnabled(control.enabled);
-    }
-}
-
-bool FileListPage::ValidateAndStore() {
-    bool stored = false;
-    return RunGuarded(services_.prompts, L"ValidateAndStore", [&] { stored = Store(); }) && stored;
 }
 
 bool FileListPage::Accepts(const std::wstring& path) const {
@@ -228,11 +158,10 @@ bool FileListPage::Accepts(const std::wstring& path) const {
 }
 
 void FileListPage::dragEnterEvent(QDragEnterEvent* event) {
-    RunGuarded(services_.prompts, L"OnDragEnter", [&] {
-        const QList<QUrl> urls = event->mimeData()->urls();
-        const bool any = std::ranges::any_of(
-            urls, [this](const QUrl& url) { return Accepts(ToWidePath(url.toLocalFile())); });
-        if (any && !progress_.IsRunning()) {
+    RunGuarded(Services().prompts, L"OnDragEnter", [&] {
+        const bool any = std::ranges::any_of(PathsOf(*event->mimeData()),
+                                             [this](const std::wstring& path) { return Accepts(path); });
+        if (any && !Progress().IsRunning()) {
             event->acceptProposedAction();
         }
     });
@@ -240,15 +169,7 @@ void FileListPage::dragEnterEvent(QDragEnterEvent* event) {
 
 void FileListPage::dropEvent(QDropEvent* event) {
     event->acceptProposedAction();
-    RunGuarded(services_.prompts, L"OnDropFiles", [&] { OnDropFiles(*event); });
-}
-
-void FileListPage::OnDropFiles(const QDropEvent& event) {
-    std::vector<std::wstring> paths;
-    for (const QUrl& url : event.mimeData()->urls()) {
-        paths.push_back(ToWidePath(url.toLocalFile()));
-    }
-    AddPaths(paths);
+    RunGuarded(Services().prompts, L"OnDropFiles", [&] { AddPaths(PathsOf(*event->mimeData())); });
 }
 
 }  // namespace orvex

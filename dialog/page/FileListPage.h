@@ -1,129 +1,152 @@
 #pragma once
 #include <functional>
-#include <span>
+#include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "dialog/details/DetailsPanel.h"
-#include "dialog/page/AddFilesPage.h"
+#include "dialog/DialogProgress.h"
 #include "dialog/page/FileAdder.h"
-#include "dialog/page/FileListPageDescription.h"
-
-class QPushButton;
-class QSplitter;
+#include "dialog/page/FolderScan.h"
+#include "dialog/page/ListModel.h"
+#include "dialog/page/ListPage.h"
+#include "support/FilePickers.h"
 
 namespace orvex {
 
-class FileRows;
-class GridView;
-class OptionsPanel;
+/// What differs between pages that list files.
+struct FileListPageDescription : ListPageDescription {
+    Button addFiles = {0, 13462_lsid, {}};
+    Button addFolder = {0, 13463_lsid, {}};
+    Button refresh = {0, {}, 40675_lsid};
 
-/// What every page that lists files shares: the row of buttons, the grid, the details pane that folds, the
-/// area of the page's own options, and everything that happens to rows. A page derives from FileListPageOf,
-/// which knows the type of its rows, describes what differs, and overrides what it does with them.
-class FileListPage : public AddFilesPage {
+    StringId pickTitle = {};             ///< 0: the system's own
+    bool startsInInitialFolder = false;  ///< the picker opens where the record says
+    std::vector<FileFilter> filters;
+    FixedText tooManyFiles = 10048_lsid;  ///< the names do not fit the picker's buffer
+    FixedText noMemory = 10052_lsid;      ///< for that buffer
+    FixedText pickFailed = {};            ///< for another reason; empty: nothing is said
+    StringId pickCaption = 10184_lsid;
+
+    StringId folderTitle = 18251_lsid;
+    FixedText folderQuestion = {};  ///< whether subfolders are to be searched too
+    StringId folderCaption = 18253_lsid;
+    StringId scanProgress = 13647_lsid;
+    ScanTexts scanTexts = {};
+    /// Of files that are named (dropped, or given by the host), upper-cased with their dot.
+    std::vector<std::wstring> extensions;
+    /// Of files that a folder is searched for; empty: the same.
+    std::vector<std::wstring> folderExtensions;
+
+    AddingDescription adding;
+    StringId refreshProgress = 40676_lsid;  ///< as AddingDescription::progressText
+};
+
+/// A page that lists files: picking, searching folders, dropping, reading them with progress.
+class FileListPage : public ListPage {
     Q_OBJECT
 
   public:
-    ~FileListPage() override;
-
-    bool ValidateAndStore() override;
-    void Release() override;
-    /// Folders among the paths are searched with their subfolders; files of other kinds are left out.
     void AddPaths(const std::vector<std::wstring>& paths) override;
     bool Accepts(const std::wstring& path) const override;
 
   protected:
-    FileListPage(const PageContext& context, FileListPageDescription description, QWidget* parent);
+    FileListPage(const PageContext& context, const FileListPageDescription& description, QWidget* parent);
 
-    /// The last step of a page's constructor: shows its rows and, below them, its options (owned by the page
-    /// from here on).
-    void Start(FileRows& rows, QWidget* options, bool detailColumns);
-    /// For the destructor of a page that still changes rows: nothing shows them, and nothing is asked of the
-    /// page, from here on.
-    void Detach();
-
-    const DialogServices& Services() const { return services_; }
-    AddFilesParams& Params() const { return params_; }
-    DialogProgress& Progress() const { return progress_; }
-    GridView& Grid() const { return *grid_; }
+    std::vector<PageButton> Buttons() override;
     const FileListPageDescription& Description() const { return description_; }
-    const DetailsPanel& DetailsPane() const { return *details_; }
-    /// For `detailColumns` of the page's settings.
-    bool DetailColumnsShown() const;
-    /// Indices of all records, in the order that the grid shows them.
-    std::vector<std::size_t> ShownRecords() const;
-    std::vector<std::size_t> SelectedRecords() const;
-    void ShowMessage(std::wstring text, StringId caption, PromptIcon icon) const;
 
-    /// Brings everything up to date after rows, or options on which they depend, have changed.
-    void Update();
-    void ShowDetails();
-    void EnableItems();
-
-    /// Files are about to be added, removed or read again; what OK wrote for another page's refusal to undo
-    /// is to be taken back.
-    virtual void BeforeRowsChange() {}
-    /// Rows have been added, removed or read again: recompute what depends on all of them.
-    virtual void RowsChanged() {}
-    /// What the details pane shows of these records; there is at least one.
-    virtual DetailsContent Details(std::span<const std::size_t> records) const = 0;
-    /// Every control whose state depends on something. Overrides add the page's own to the shared ones.
-    virtual std::vector<ControlState> ControlStates(const FileListState& state) const;
-    /// ValidateAndStore, within its guard.
-    virtual bool Store() = 0;
-
+    /// A request to add files to those listed.
+    virtual AddingRequest RequestFor(std::vector<std::wstring> paths) const = 0;
     /// Inspects files and appends their rows; `appended` is called after each batch. Within a run.
     virtual AddingSummary AddRows(AddingRequest request, const std::function<void()>& appended) = 0;
     /// Inspects the files of all rows again, the last one first, which Escape may stop. True when a row has
     /// something new to say. Within a run.
     virtual bool RereadRows() = 0;
+    virtual std::size_t RowCount() const = 0;
 
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
-    QWidget* MakeButtonRow();
-    QPushButton* MakeDetailColumnsButton();
-    void MakeSplitter();
-    void ConnectButtons();
-    void ConnectGrid();
-    void ConnectPane();
-
     void OnAddFiles();
     void OnAddFolder();
-    void OnRemove();
-    void OnClear();
-    void OnDetailColumns();
-    void OnSelectAll();
     void OnRefresh();
-    void OnHelp();
-    void OnContextHelp();
-    void OnDropFiles(const QDropEvent& event);
-    void ArrangePane();
-    void RestorePane();
-    void SavePane() const;
-
     void AddFound(std::vector<std::wstring> paths, bool recursive);
     void AddFiles(std::vector<std::wstring> paths);
     void FilesAdded(bool wasEmpty);
-    void FitColumns();
     void ShowPickFailure(const FixedText& text) const;
 
-    DialogServices services_;
-    AddFilesParams& params_;
-    DialogProgress& progress_;
-    FileListPageDescription description_;
+    const FileListPageDescription& description_;
+};
 
-    FileRows* rows_ = nullptr;  ///< null before Start and after Detach
-    GridView* grid_;
-    DetailsPanel* details_;
-    QSplitter* splitter_;
-    OptionsPanel* optionsPanel_ = nullptr;
-    QPushButton* detailColumns_ = nullptr;
-    int paneHeight_ = 0;
+/// A file page with rows of one type: movable, with the `path` of its file and a one-line `summary`.
+template <typename RowType>
+class FileListPageOf : public FileListPage {
+  public:
+    using Row = RowType;
+
+    const ListModel<Row>& Model() const { return *model_; }
+
+  protected:
+    /// `description` and `columns` outlive the page.
+    FileListPageOf(const PageContext& context, const FileListPageDescription& description,
+                   std::span<const Column<Row>> columns, FileReader<Row> reader, QWidget* parent)
+        : FileListPage(context, description, parent),
+          model_(new ListModel<Row>(columns, this)),
+          reader_(std::move(reader)) {}
+
+    ListModel<Row>& EditModel() { return *model_; }
+    /// Rows from `first` on have been appended, or read again.
+    virtual void RowsRead(std::size_t /*first*/) {}
+
+    std::size_t RowCount() const override { return model_->Count(); }
+
+    AddingRequest RequestFor(std::vector<std::wstring> paths) const override {
+        AddingRequest request{std::move(paths), {}, model_->Count()};
+        for (const Row& row : model_->Rows()) {
+            request.listedKeys.insert(PathKey(row.path));
+        }
+        return request;
+    }
+
+    AddingSummary AddRows(AddingRequest request, const std::function<void()>& appended) override {
+        const auto deliver = [&](std::vector<Row> batch) {
+            const std::size_t first = model_->Count();
+            model_->Append(std::move(batch));
+            appended();
+            RowsRead(first);
+        };
+        return reader_.Add(Description().adding, std::move(request), deliver, Services().prompts, Progress());
+    }
+
+    bool RereadRows() override {
+        AddingRequest request;
+        for (auto row = model_->Rows().rbegin(); row != model_->Rows().rend(); ++row) {
+            request.paths.push_back(row->path);
+        }
+        std::vector<Row> fresh;  // of the last rows, last first; fewer than rows when stopped
+        const auto keep = [&](std::vector<Row> batch) {
+            std::ranges::move(batch, std::back_inserter(fresh));
+        };
+        AddingDescription again;
+        again.progressText = Description().refreshProgress;
+        reader_.Add(again, std::move(request), keep, Services().prompts, Progress());
+        bool isNew = false;
+        model_->Change([&](std::vector<Row>& rows) {
+            auto row = rows.rbegin();
+            for (Row& read : fresh) {
+                isNew = isNew || read.summary != row->summary;
+                *row++ = std::move(read);
+            }
+        });
+        RowsRead(0);
+        return isNew;
+    }
+
+  private:
+    ListModel<Row>* model_;
+    FileReader<Row> reader_;
 };
 
 }  // namespace orvex

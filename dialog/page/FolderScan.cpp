@@ -8,7 +8,9 @@
 #include <utility>
 
 #include "dialog/page/BackgroundRun.h"
+#include "dialog/page/PromptLines.h"
 #include "support/Files.h"
+#include "support/Format.h"
 #include "support/NaturalOrder.h"
 #include "support/ProgressIf.h"
 #include "support/Text.h"
@@ -109,6 +111,23 @@ ScanResult ScanPathsWithProgress(ScanRequest request, const std::wstring& progre
     ScanResult result = end == RunEnd::Abandoned ? ScanResult() : std::move(shared->result);
     result.stopped = result.stopped || end == RunEnd::Abandoned;
     return result;
+}
+
+std::optional<Prompt> ScanPrompt(const ScanResult& found, const ScanTexts& texts) {
+    Prompt prompt{{}, Text(texts.caption), PromptIcon::Information, PromptButtons::Ok};
+    if (!found.unreadable.empty()) {
+        prompt.icon = PromptIcon::Error;
+        prompt.text = Text(40677_lsid) + L"\n" +
+                      PromptLines(found.unreadable, [](const std::wstring& path) { return path; });
+    } else if (!found.stopped && found.ignored > 0) {
+        prompt.text = FormatText(Text(texts.ignored), {found.ignored});
+    } else if (!found.stopped && found.files.empty()) {
+        prompt.text = Text(texts.nothingFound);
+        prompt.icon = texts.nothingFoundIcon;
+    } else {
+        return std::nullopt;
+    }
+    return prompt;
 }
 
 }  // namespace orvex

@@ -1,9 +1,13 @@
 #pragma once
 // Finding the files that a page can list: in folders, and among what was dropped.
 #include <cstddef>
+#include <optional>
 #include <stop_token>
 #include <string>
 #include <vector>
+
+#include "support/Text.h"
+#include "support/UserPrompts.h"
 
 namespace Kst {
 class ProgressIf;
@@ -37,7 +41,19 @@ ScanResult ScanPaths(const ScanRequest& request, const std::stop_token& stop);
 ScanResult ScanPathsWithProgress(ScanRequest request, const std::wstring& progressText,
                                  Kst::ProgressIf& progress);
 
-/// Whether a path has one of the extensions.
+/// What a page says of a search.
+struct ScanTexts {
+    StringId caption = 18253_lsid;
+    StringId ignored = 41061_lsid;  ///< files of another kind were named; one %u: how many
+    StringId nothingFound = 41062_lsid;
+    PromptIcon nothingFoundIcon = PromptIcon::Information;
+};
+
+/// The message after a search: folders that could not be read, files of another kind among those named, or
+/// nothing found. Nullopt when all is as expected.
+std::optional<Prompt> ScanPrompt(const ScanResult& found, const ScanTexts& texts);
+
+/// True if a path has one of the extensions.
 bool HasExtension(const std::wstring& path, const std::vector<std::wstring>& extensions);
 
 }  // namespace orvex

@@ -25,8 +25,8 @@ std::string Bool(bool value) {
 }
 
 /// Edge of the extent; empty without one.
-std::string Edge(const RasterInspection& raster, std::size_t index) {
-    return raster.properties.extent ? Number((*raster.properties.extent)[index]) : std::string();
+std::string Edge(const RasterRow& raster, std::size_t index) {
+    return raster.Properties().extent ? Number((*raster.Properties().extent)[index]) : std::string();
 }
 
 std::string Findings(const FileReport& report) {
@@ -44,7 +44,7 @@ const CrsDescription& Crs(const FileReport& report) {
 
 using Report = const FileReport&;
 using Las = const LASFile&;
-using Raster = const RasterInspection&;
+using Raster = const RasterRow&;
 
 /// Cells for every file, or for LAS files and rasters; null leaves the cell empty.
 struct Column {
@@ -88,23 +88,23 @@ constexpr Column kColumns[] = {
     {"vlrs", nullptr, [](Las l) { return Whole(l.GetVLRs().size()); }},
     {"evlrs", nullptr, [](Las l) { return Whole(l.GetEVLRs().size()); }},
     {"companionStatus", nullptr, [](Las l) { return Whole(l.GetCompanionStatus()); }},
-    {"driver", nullptr, nullptr, [](Raster r) { return ToUtf8(r.properties.driver); }},
-    {"width", nullptr, nullptr, [](Raster r) { return Whole(r.properties.width); }},
-    {"height", nullptr, nullptr, [](Raster r) { return Whole(r.properties.height); }},
-    {"bands", nullptr, nullptr, [](Raster r) { return Whole(r.properties.bands); }},
+    {"driver", nullptr, nullptr, [](Raster r) { return ToUtf8(r.Properties().driver); }},
+    {"width", nullptr, nullptr, [](Raster r) { return Whole(r.Properties().width); }},
+    {"height", nullptr, nullptr, [](Raster r) { return Whole(r.Properties().height); }},
+    {"bands", nullptr, nullptr, [](Raster r) { return Whole(r.Properties().bands); }},
     {"dataType", nullptr, nullptr, [](Raster r) { return ToUtf8(FirstBand(r).dataType); }},
-    {"pixelWidth", nullptr, nullptr, [](Raster r) { return Number(r.properties.pixelWidth); }},
-    {"pixelHeight", nullptr, nullptr, [](Raster r) { return Number(r.properties.pixelHeight); }},
+    {"pixelWidth", nullptr, nullptr, [](Raster r) { return Number(r.Properties().pixelWidth); }},
+    {"pixelHeight", nullptr, nullptr, [](Raster r) { return Number(r.Properties().pixelHeight); }},
     {"unit", nullptr, nullptr, [](Raster r) { return ToUtf8(r.unit); }},
-    {"bigTiff", nullptr, nullptr, [](Raster r) { return Bool(r.bigTiff); }},
-    {"compression", nullptr, nullptr, [](Raster r) { return ToUtf8(r.properties.compression); }},
-    {"overviews", nullptr, nullptr, [](Raster r) { return Whole(r.properties.overviews); }},
+    {"bigTiff", nullptr, nullptr, [](Raster r) { return Bool(r.file->bigTiff); }},
+    {"compression", nullptr, nullptr, [](Raster r) { return ToUtf8(r.Properties().compression); }},
+    {"overviews", nullptr, nullptr, [](Raster r) { return Whole(r.Properties().overviews); }},
     {"nodata", nullptr, nullptr,
      [](Raster r) {
          const auto& nodata = FirstBand(r).nodata;
          return nodata ? fmt::format("{}", *nodata) : std::string();
      }},
-    {"rasterKind", nullptr, nullptr, [](Raster r) { return Whole(r.properties.rasterKind); }}};
+    {"rasterKind", nullptr, nullptr, [](Raster r) { return Whole(r.Properties().rasterKind); }}};
 
 std::string Value(const Column& column, const FileReport& report) {
     if (column.ofFile != nullptr) {

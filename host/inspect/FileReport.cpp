@@ -24,7 +24,7 @@ void ReportCommon(const Inspection& inspection, FileReport& report) {
 }
 
 void InspectLas(FileReport& report) {
-    LasInspection inspection = InspectLasFile(report.path);
+    LasRow inspection = InspectLasFile(report.path);
     ReportCommon(inspection, report);
     if (inspection.file) {
         report.crs = inspection.crs;
@@ -34,7 +34,7 @@ void InspectLas(FileReport& report) {
 
 template <RasterUse use>
 void InspectRaster(FileReport& report) {
-    RasterInspection inspection = InspectRasterFile(report.path, use);
+    RasterRow inspection = InspectRasterFile(report.path, use);
     ReportCommon(inspection, report);
     if (inspection.loadable) {
         report.crs = inspection.crs;
@@ -60,9 +60,9 @@ std::string LasVersion(const LASFile& file) {
     return fmt::format("{}.{}", file.Header().VersionMajor(), file.Header().VersionMinor());
 }
 
-const RasterBandProperties& FirstBand(const RasterInspection& raster) {
+const RasterBandProperties& FirstBand(const RasterRow& raster) {
     static const RasterBandProperties none;
-    const std::vector<RasterBandProperties>& bands = raster.properties.bandDetails;
+    const std::vector<RasterBandProperties>& bands = raster.Properties().bandDetails;
     return bands.empty() ? none : bands.front();
 }
 

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "las/LasInspection.h"
-#include "raster/RasterInspection.h"
+#include "las/LasRow.h"
+#include "raster/RasterRow.h"
 #include "support/DataKinds.h"
 
 namespace orvex {
@@ -20,16 +20,16 @@ struct FileReport {
     bool loadable = false;
     std::wstring summary;
     std::vector<std::wstring> findings;
-    CrsPtr crs;                              ///< null when the file could not be opened
-    std::optional<LasInspection> las;        ///< of an opened LAS or LAZ file: its `file` is not null
-    std::optional<RasterInspection> raster;  ///< of an opened raster
+    CrsPtr crs;                       ///< null when the file could not be opened
+    std::optional<LasRow> las;        ///< of an opened LAS or LAZ file: its `file` is not null
+    std::optional<RasterRow> raster;  ///< of an opened raster
 };
 
 /// Version of a LAS file as "1.4".
 std::string LasVersion(const LASFile& file);
 
 /// First band of a raster; a band without any values when the file describes none.
-const RasterBandProperties& FirstBand(const RasterInspection& raster);
+const RasterBandProperties& FirstBand(const RasterRow& raster);
 
 /// Kind of file that the command reads.
 struct ReportKind {

@@ -170,8 +170,8 @@ Json BandJson(const RasterBandProperties& band) {
     };
 }
 
-Json RasterJson(const RasterInspection& raster) {
-    const RasterProperties& properties = raster.properties;
+Json RasterJson(const RasterRow& raster) {
+    const RasterProperties& properties = raster.Properties();
     return {
         {"driver", JsonText(properties.driver)},
         {"width", properties.width},
@@ -181,7 +181,7 @@ Json RasterJson(const RasterInspection& raster) {
         {"pixelSize", {properties.pixelWidth, properties.pixelHeight}},
         {"extent", OrNull(properties.extent)},
         {"unit", JsonText(raster.unit)},
-        {"bigTiff", raster.bigTiff},
+        {"bigTiff", raster.file->bigTiff},
         {"compression", JsonText(properties.compression)},
         {"overviews", properties.overviews},
         {"nodata", Stated(FirstBand(raster).nodata)},

@@ -34,7 +34,7 @@ bool IsGeographic(const FileReport& report) {
 }
 
 std::wstring Corner(const FileReport& report, std::size_t index) {
-    const auto& extent = report.raster->properties.extent;
+    const auto& extent = report.raster->Properties().extent;
     const int digits = IsGeographic(report) ? 8 : 3;  // about a millimeter
     return extent ? FromUtf8(fmt::format("{:.{}f} {:.{}f}", (*extent)[index], digits, (*extent)[index + 1],
                                          digits))
@@ -43,7 +43,7 @@ std::wstring Corner(const FileReport& report, std::size_t index) {
 
 /// In the unit that the CRS counts in.
 std::wstring PixelSize(const FileReport& report) {
-    const RasterProperties& properties = report.raster->properties;
+    const RasterProperties& properties = report.raster->Properties();
     if (properties.pixelWidth <= 0) {
         return {};
     }
@@ -73,13 +73,13 @@ struct Column {
 constexpr std::size_t kFile = 0;
 constexpr Column kColumns[] = {
     {40800_lsid, false, [](Report r) { return r.path; }},
-    {13568_lsid, false, nullptr, nullptr, [](Report r) { return r.raster->properties.driver; }},
+    {13568_lsid, false, nullptr, nullptr, [](Report r) { return r.raster->Properties().driver; }},
     {13569_lsid, true, nullptr, nullptr,
      [](Report r) {
-         return FormatText(L"%d x %d", {r.raster->properties.width, r.raster->properties.height});
+         return FormatText(L"%d x %d", {r.raster->Properties().width, r.raster->Properties().height});
      }},
     {13572_lsid, true, nullptr, nullptr,
-     [](Report r) { return std::to_wstring(r.raster->properties.bands); }},
+     [](Report r) { return std::to_wstring(r.raster->Properties().bands); }},
     {41241_lsid, false, nullptr, nullptr, [](Report r) { return FirstBand(*r.raster).dataType; }},
     {13645_lsid, false, nullptr, nullptr, PixelSize},
     {40801_lsid, false, nullptr,

@@ -10,6 +10,16 @@ namespace orvex {
 class OrvexApplication;
 class LasFileInfo;
 class RasterFileInfo;
+
+/// Kinds of companion index that the host builds for LAS files.
+inline constexpr std::int32_t kPyramidNone = 0;
+inline constexpr std::int32_t kPyramidOrvexLas = 1;
+inline constexpr std::int32_t kPyramidQvr = 2;
+
+/// Treatment of the original LAS files when OrvexLAS files are written.
+inline constexpr std::int32_t kOverwriteOriginals = 0;
+inline constexpr std::int32_t kBackupOriginals = 1;
+inline constexpr std::int32_t kBackupAndCompressOriginals = 2;
 }  // namespace orvex
 
 /// Folder path (without a trailing separator) to the names of the files chosen in it, in grid order.
@@ -46,9 +56,9 @@ class AddFilesParams {
     bool lasLoadSetting = false;            ///< true: load footprints only
     bool lasAppend = false;                 ///< append the files to compatible layers
     std::uint16_t lasThinning = 0;          ///< 2 to 256
-    std::int32_t lasPyramidType = 0;        ///< 1 OrvexLAS, 2 QVR, 0 none
+    std::int32_t lasPyramidType = 0;        ///< kPyramidNone and the like
     bool convertExistingQvr = false;        ///< ".qvr" companions become OrvexLAS companions
-    std::int32_t orvexLasBackupOption = 0;  ///< 0 overwrite, 1 backup, 2 backup and compress
+    std::int32_t orvexLasBackupOption = 0;  ///< kOverwriteOriginals and the like
     bool orvexLasOverwritePending = false;  ///< existing companions will be overwritten without a backup
     bool reCreateOrvexLas = false;          ///< companions that exist are made anew
 
@@ -106,4 +116,8 @@ class AddFilesParams {
     std::wstring initialFolder;
     /// The converted DEM files get no CRS.
     bool demIgnoreCrs = false;
+
+    /// Input: files and folders that are added when the dialog opens, each to the page that takes it: the one
+    /// shown first, else the first that lists such files.
+    std::vector<std::wstring> initialPaths;
 };

@@ -1,38 +1,58 @@
 #include "las/page/LasDetails.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <optional>
 #include <set>
+#include <string_view>
 
-#include "las/LasCells.h"
+#include "dialog/details/DetailSection.h"
+#include "dialog/details/DetailsHtml.h"
+#include "las/LasColumns.h"
 #include "las/LasText.h"
 #include "support/Format.h"
+#include "support/QtText.h"
 
 namespace orvex {
 
 namespace {
 
+std::wstring LasCellText(const LasRow& row, const char* column) {
+    return CellText(ColumnNamed(LasColumns(), column), row);
+}
+
 struct SectionColumns {
     StringId title;
-    std::vector<LasColumn> columns;
+    std::vector<const char*> columns;
 };
 
 const std::vector<SectionColumns>& Sections() {
     static const std::vector<SectionColumns> sections{
-        {40636_lsid,
-         {LasColumn::Size, LasColumn::Modified, LasColumn::Version, LasColumn::Compressed,
-          LasColumn::Companion, LasColumn::Layer}},
+        {40636_lsid, {"size", "modified", "version", "compressed", "companion", "layer"}},
         {40637_lsid,
-         {LasColumn::Points, LasColumn::PointFormat, LasColumn::Attributes, LasColumn::RecordLength,
-          LasColumn::ExtraBytes, LasColumn::GpsTime, LasColumn::PointsByReturn, LasColumn::Density,
-          LasColumn::Spacing}},
+         {"points", "pointFormat", "attributes", "recordLength", "extraBytes", "gpsTime", "pointsByReturn",
+          "density", "spacing"}},
         {40639_lsid,
-         {LasColumn::SystemId, LasColumn::Software, LasColumn::Created, LasColumn::SourceId,
-          LasColumn::ProjectId, LasColumn::GlobalEncoding, LasColumn::Waveform, LasColumn::HeaderSize,
-          LasColumn::OffsetToPoints, LasColumn::VlrCount, LasColumn::EvlrCount}},
+         {"systemId", "software", "created", "sourceId", "projectId", "globalEncoding", "waveform",
+          "headerSize", "offsetToPoints", "vlrCount", "evlrCount"}},
     };
     return sections;
 }
+
+/// Sums over several rows.
+struct LasTotals {
+    std::size_t files = 0;
+    std::size_t notReadable = 0;
+    std::size_t withFindings = 0;
+    std::uint64_t bytes = 0;
+    std::uint64_t points = 0;
+    std::size_t layers = 0;
+    std::vector<std::wstring> crsNames;  ///< each once, in order of the rows; "" for files without a CRS
+    bool isGeographic = false;
+    /// Minimum X, Y, Z and maximum X, Y, Z over all files; none when their CRS differ or no extent is finite.
+    std::optional<std::array<double, 6>> extent;
+};
 
 /// Grows a box by a file's; a box that is not finite, or inverted, says nothing.
 void Unite(std::optional<std::array<double, 6>>& box, const LASFile& file) {
@@ -60,54 +80,51 @@ std::wstring RecordsBlock(StringId title, const std::wstring& text) {
     return heading + L"\n" + std::wstring(heading.size(), L'=') + L"\n" + shown + (isEnded ? L"" : L"\n");
 }
 
-std::wstring Joined(const LasRow& row, LasColumn first, const wchar_t* separator,
-                    std::initializer_list<int> steps) {
+std::wstring Joined(const LasRow& row, const wchar_t* separator, std::initializer_list<const char*> columns) {
     std::wstring text;
-    for (const int step : steps) {
-        const std::wstring cell = LasCellText(row, static_cast<LasColumn>(IndexOf(first) + step));
+    for (const char* column : columns) {
+        const std::wstring cell = LasCellText(row, column);
         text += (text.empty() ? L"" : separator) + (cell.empty() ? L"?" : cell);
     }
     return text;
 }
 
 // Offsets of many digits stand below each other; in one line they would push the next section out of sight.
-std::wstring Triple(const LasRow& row, LasColumn x) {
+std::wstring Triple(const LasRow& row, const char* x, const char* y, const char* z) {
     constexpr std::size_t kLongLine = 30;
-    std::wstring line = Joined(row, x, L" / ", {0, 1, 2});
-    return line.size() <= kLongLine ? line : Joined(row, x, L"\n", {0, 1, 2});
+    std::wstring line = Joined(row, L" / ", {x, y, z});
+    return line.size() <= kLongLine ? line : Joined(row, L"\n", {x, y, z});
 }
 
 DetailSection ExtentSection(const LasRow& row) {
-    constexpr int kToMaximum = IndexOf(LasColumn::MaximumX) - IndexOf(LasColumn::MinimumX);
     constexpr const wchar_t* kTo = L" \u2013 ";
     DetailSection section{40638_lsid, {}};
-    AddField(section.fields, 40660_lsid, Joined(row, LasColumn::MinimumX, kTo, {0, kToMaximum}));
-    AddField(section.fields, 40661_lsid, Joined(row, LasColumn::MinimumY, kTo, {0, kToMaximum}));
-    AddField(section.fields, 40662_lsid, Joined(row, LasColumn::MinimumZ, kTo, {0, kToMaximum}));
-    AddField(section.fields, 40663_lsid, Triple(row, LasColumn::ScaleX));
-    AddField(section.fields, 40664_lsid, Triple(row, LasColumn::OffsetX));
-    AddField(section.fields, 40559_lsid, LasCellText(row, LasColumn::Units));
+    AddField(section.fields, 40660_lsid, Joined(row, kTo, {"minimumX", "maximumX"}));
+    AddField(section.fields, 40661_lsid, Joined(row, kTo, {"minimumY", "maximumY"}));
+    AddField(section.fields, 40662_lsid, Joined(row, kTo, {"minimumZ", "maximumZ"}));
+    AddField(section.fields, 40663_lsid, Triple(row, "scaleX", "scaleY", "scaleZ"));
+    AddField(section.fields, 40664_lsid, Triple(row, "offsetX", "offsetY", "offsetZ"));
+    AddField(section.fields, 40559_lsid, LasCellText(row, "units"));
     return section;
 }
-
-}  // namespace
 
 std::vector<DetailSection> LasOverview(const LasRow& row) {
     std::vector<DetailSection> sections;
     for (const SectionColumns& section : Sections()) {
         DetailSection shown{section.title, {}};
-        for (const LasColumn column : section.columns) {
-            std::wstring value = LasCellText(row, column);
-            if (column == LasColumn::Layer && row.layerExists) {
+        for (const char* name : section.columns) {
+            const Column<LasRow>& column = ColumnNamed(LasColumns(), name);
+            std::wstring value = CellText(column, row);
+            if (name == std::string_view("layer") && row.place.exists) {
                 value += L" " + Text(40658_lsid);
             }
-            AddField(shown.fields, LasColumns()[static_cast<std::size_t>(column)].caption, std::move(value));
+            AddField(shown.fields, column.caption, std::move(value));
         }
         if (!shown.fields.empty()) {
             sections.push_back(std::move(shown));
         }
     }
-    if (row.inspection.file != nullptr) {
+    if (row.file != nullptr) {
         sections.insert(
             sections.begin() + static_cast<std::ptrdiff_t>(std::min<std::size_t>(2, sections.size())),
             ExtentSection(row));
@@ -116,26 +133,26 @@ std::vector<DetailSection> LasOverview(const LasRow& row) {
 }
 
 std::vector<DetailField> LasCrsFields(const LasRow& row) {
-    const CrsDescription& crs = *row.inspection.crs;
+    const CrsDescription& crs = *row.crs;
     std::vector<DetailField> fields;
     if (crs.sourceWkt.empty()) {
         return fields;
     }
     AddField(fields, 40642_lsid, crs.name);
-    AddField(fields, 40555_lsid, LasCellText(row, LasColumn::Epsg));
+    AddField(fields, 40555_lsid, LasCellText(row, "epsg"));
     AddField(fields, 40643_lsid, Text(crs.isGeographic ? 40644_lsid : 40645_lsid));
     AddField(fields, 40646_lsid, crs.linearUnits);
     AddField(fields, 40647_lsid, crs.angularUnits);
     AddField(fields, 40558_lsid, crs.verticalName);
-    AddField(fields, 40577_lsid, LasCellText(row, LasColumn::CrsSource));
+    AddField(fields, 40577_lsid, LasCellText(row, "crsSource"));
     return fields;
 }
 
 std::wstring LasRecordsText(const LasRow& row) {
-    if (row.inspection.file == nullptr) {
+    if (row.file == nullptr) {
         return Text(40659_lsid);
     }
-    const LASFile& file = *row.inspection.file;
+    const LASFile& file = *row.file;
     std::wstring text;
     if (const std::wstring time = LasGpsTimeText(file); !time.empty()) {
         text = Text(40580_lsid) + L": " + time + L"\n\n";
@@ -149,21 +166,21 @@ LasTotals TotalsOf(std::span<const LasRow> rows, std::span<const std::size_t> re
     std::set<std::wstring> layers;
     std::set<std::wstring> crsNames;
     for (const std::size_t record : records) {
-        const LasInspection& inspection = rows[record].inspection;
+        const LasRow& row = rows[record];
         ++totals.files;
-        totals.bytes += inspection.fileSize;
-        totals.withFindings += LoadFlagOf(rows[record]) == LoadFlag::Findings ? 1 : 0;
-        if (inspection.file == nullptr) {
+        totals.bytes += row.fileSize;
+        totals.withFindings += LoadFlagOf(row) == LoadFlag::Findings ? 1 : 0;
+        if (row.file == nullptr) {
             ++totals.notReadable;
             continue;
         }
-        totals.points += inspection.file->GetPointCount();
-        layers.insert(rows[record].layer);
-        if (crsNames.insert(inspection.crs->name).second) {
-            totals.crsNames.push_back(inspection.crs->name);
+        totals.points += row.file->GetPointCount();
+        layers.insert(row.place.layer);
+        if (crsNames.insert(row.crs->name).second) {
+            totals.crsNames.push_back(row.crs->name);
         }
-        totals.isGeographic = inspection.crs->isGeographic;
-        Unite(totals.extent, *inspection.file);
+        totals.isGeographic = row.crs->isGeographic;
+        Unite(totals.extent, *row.file);
     }
     totals.layers = layers.size();
     if (totals.crsNames.size() != 1) {
@@ -194,6 +211,33 @@ DetailSection TotalsSection(const LasTotals& totals) {
         }
     }
     return section;
+}
+
+QString OverviewHtml(const LasRow& row, const QString& captionColour) {
+    const std::vector<Finding> findings(row.findings.begin(), row.findings.end());
+    const std::wstring failure = row.file == nullptr ? row.summary : std::wstring();
+    return FindingsHtml(findings, failure, Text(40641_lsid)) + SectionsHtml(LasOverview(row), captionColour);
+}
+
+QString CrsHtml(const LasRow& row, const QString& captionColour) {
+    const std::vector<DetailField> fields = LasCrsFields(row);
+    return fields.empty() ? TextHtml(Text(40648_lsid))
+                          : FieldsHtml(fields, captionColour) + PreformattedHtml(row.crs->prettyWkt);
+}
+
+}  // namespace
+
+DetailsContent LasDetailsContent(std::span<const LasRow> rows, std::span<const std::size_t> records,
+                                 const QString& captionColour) {
+    if (records.size() == 1) {
+        const LasRow& row = rows[records.front()];
+        return {
+            row.path,
+            {OverviewHtml(row, captionColour), CrsHtml(row, captionColour), ToQString(LasRecordsText(row))}};
+    }
+    const LasTotals totals = TotalsOf(rows, records);
+    const DetailSection section = TotalsSection(totals);
+    return {FormatText(Text(40635_lsid), {totals.files}), {SectionsHtml({&section, 1}, captionColour)}};
 }
 
 }  // namespace orvex

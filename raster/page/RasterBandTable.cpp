@@ -1,14 +1,70 @@
 #include "raster/page/RasterBandTable.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
 #include <functional>
+#include <optional>
 
-#include "raster/page/RasterValues.h"
 #include "support/Format.h"
 
 namespace orvex {
-
 namespace {
+
+std::wstring ValueText(double value) {
+    if (std::isnan(value)) {
+        return L"NaN";
+    }
+    // The fewest digits that give the value back, in the precision that it has.
+    std::array<char, 32> digits{};
+    const auto asFloat = static_cast<float>(value);
+    const std::to_chars_result end =
+        std::isfinite(asFloat) && static_cast<double>(asFloat) == value
+            ? std::to_chars(digits.data(), digits.data() + digits.size(), asFloat)
+            : std::to_chars(digits.data(), digits.data() + digits.size(), value);
+    return {digits.data(), end.ptr};
+}
+
+constexpr std::size_t kMostTexts = 8;
+
+std::wstring Distinct(const RasterProperties& properties,
+                      const std::function<std::wstring(const RasterBandProperties&)>& textOf) {
+    std::vector<std::wstring> texts;
+    std::wstring joined;
+    for (const RasterBandProperties& band : properties.bandDetails) {
+        std::wstring text = textOf(band);
+        if (text.empty() || std::ranges::find(texts, text) != texts.end()) {
+            continue;
+        }
+        if (texts.size() == kMostTexts) {
+            return joined + L", ...";
+        }
+        joined += (joined.empty() ? L"" : L", ") + text;
+        texts.push_back(std::move(text));
+    }
+    return joined;
+}
+
+/// The best of the bands' statements.
+template <typename Better>
+std::wstring Best(const RasterProperties& properties, std::optional<double> RasterBandProperties::*member,
+                  Better better) {
+    std::optional<double> best;
+    for (const RasterBandProperties& band : properties.bandDetails) {
+        const std::optional<double>& value = band.*member;
+        if (value.has_value() && !std::isnan(*value) && (!best.has_value() || better(*value, *best))) {
+            best = value;
+        }
+    }
+    return best.has_value() ? ValueText(*best) : std::wstring();
+}
+
+std::wstring Block(const RasterBandProperties& band) {
+    return band.blockWidth > 0 && band.blockHeight > 0
+               ? FormatText(L"%d x %d", {band.blockWidth, band.blockHeight})
+               : std::wstring();
+}
 
 struct BandColumn {
     StringId caption;
@@ -22,12 +78,6 @@ std::wstring Optional(const std::optional<double>& value) {
 /// A factor or offset that changes nothing is not told.
 std::wstring Unless(double neutral, double value) {
     return value == neutral ? std::wstring() : ValueText(value);
-}
-
-std::wstring Block(const RasterBandProperties& band) {
-    return band.blockWidth > 0 && band.blockHeight > 0
-               ? FormatText(L"%d x %d", {band.blockWidth, band.blockHeight})
-               : std::wstring();
 }
 
 const std::vector<BandColumn>& BandColumns() {
@@ -51,8 +101,31 @@ const std::vector<BandColumn>& BandColumns() {
 
 }  // namespace
 
-DetailTable RasterBands(const RasterRow& row) {
-    const std::vector<RasterBandProperties>& bands = row.File().properties.bandDetails;
+std::wstring DistinctOfBands(const RasterProperties& properties, std::wstring RasterBandProperties::*text) {
+    return Distinct(properties, [text](const RasterBandProperties& band) { return band.*text; });
+}
+
+std::wstring DistinctNodata(const RasterProperties& properties) {
+    const std::wstring values = Distinct(properties, [](const RasterBandProperties& band) {
+        return band.nodata.has_value() ? ValueText(*band.nodata) : std::wstring();
+    });
+    return values.empty() ? Text(40612_lsid) : values;
+}
+
+std::wstring DistinctBlocks(const RasterProperties& properties) {
+    return Distinct(properties, Block);
+}
+
+std::wstring LowestMinimum(const RasterProperties& properties) {
+    return Best(properties, &RasterBandProperties::minimum, std::less<double>());
+}
+
+std::wstring HighestMaximum(const RasterProperties& properties) {
+    return Best(properties, &RasterBandProperties::maximum, std::greater<double>());
+}
+
+DetailTable BandTable(const RasterProperties& properties) {
+    const std::vector<RasterBandProperties>& bands = properties.bandDetails;
     DetailTable table;
     if (bands.empty()) {
         return table;
@@ -63,12 +136,12 @@ DetailTable RasterBands(const RasterRow& row) {
     }
     for (const BandColumn& column : BandColumns()) {
         std::vector<std::wstring> cells;
-        bool isTold = false;
+        bool isStated = false;
         for (const RasterBandProperties& band : bands) {
             cells.push_back(column.text(band));
-            isTold = isTold || !cells.back().empty();
+            isStated = isStated || !cells.back().empty();
         }
-        if (!isTold) {
+        if (!isStated) {
             continue;
         }
         table.captions.push_back(column.caption);
@@ -79,8 +152,7 @@ DetailTable RasterBands(const RasterRow& row) {
     return table;
 }
 
-std::size_t UnlistedBands(const RasterRow& row) {
-    const RasterProperties& properties = row.File().properties;
+std::size_t UnlistedBands(const RasterProperties& properties) {
     const auto bands = static_cast<std::size_t>(std::max(properties.bands, 0));
     return properties.bandDetails.size() < bands ? bands - properties.bandDetails.size() : 0;
 }

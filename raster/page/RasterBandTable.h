@@ -1,22 +1,36 @@
 #pragma once
+// Texts about the bands of one raster file.
 #include <string>
 #include <vector>
 
-#include "raster/RasterRow.h"
+#include "orvexcommon/RasterProperties.h"
 #include "support/Text.h"
 
 namespace orvex {
 
-/// A table: a caption per column, and as many cells in each row.
+/// A caption per column, and as many cells in each row.
 struct DetailTable {
     std::vector<StringId> captions;
     std::vector<std::vector<std::wstring>> rows;
 };
 
-/// The bands of one file; columns of which no band says anything are left out.
-DetailTable RasterBands(const RasterRow& row);
+/// The bands that are described, one a row; columns in which every band is empty are left out.
+DetailTable BandTable(const RasterProperties& properties);
 
-/// How many bands of a file RasterBands does not list.
-std::size_t UnlistedBands(const RasterRow& row);
+/// Number of bands that BandTable does not list.
+std::size_t UnlistedBands(const RasterProperties& properties);
+
+/// The distinct texts of the bands, in their order, separated by commas. A long list is cut.
+std::wstring DistinctOfBands(const RasterProperties& properties, std::wstring RasterBandProperties::*text);
+
+/// The same for no-data values; "none" when no band has one.
+std::wstring DistinctNodata(const RasterProperties& properties);
+
+/// The same for block sizes: "256 x 256".
+std::wstring DistinctBlocks(const RasterProperties& properties);
+
+/// Over the bands that state one; empty when none does.
+std::wstring LowestMinimum(const RasterProperties& properties);
+std::wstring HighestMaximum(const RasterProperties& properties);
 
 }  // namespace orvex

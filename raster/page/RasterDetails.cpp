@@ -1,231 +1,170 @@
 #include "raster/page/RasterDetails.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
-#include <numbers>
+#include <optional>
+#include <set>
+#include <vector>
 
-#include "raster/RasterCells.h"
-#include "raster/page/RasterValues.h"
+#include "dialog/details/DetailsHtml.h"
+#include "raster/page/RasterBandTable.h"
+#include "raster/page/RasterSections.h"
 #include "support/Format.h"
+#include "support/QtText.h"
 
 namespace orvex {
-
 namespace {
 
-constexpr const wchar_t* kTo = L" \u2013 ";
-
-/// Fields that are added only when there is something to say.
-class Section {
-  public:
-    Section(const RasterRow& row, RasterUse use, StringId title)
-        : row_(row), use_(use), section_{title, {}, false} {}
-
-    Section& Add(StringId caption, std::wstring value) {
-        AddField(section_.fields, caption, std::move(value));
-        return *this;
-    }
-    /// What the grid shows in a column, under the column's caption.
-    Section& Add(RasterColumn column) {
-        const auto index = static_cast<std::size_t>(column);
-        return Add(RasterColumns(RasterUse::Image)[index].caption, RasterCellText(row_, column, use_));
-    }
-    /// Under the one before it.
-    Section& Below() {
-        section_.isBelow = true;
-        return *this;
-    }
-    void Finish(std::vector<DetailSection>& sections) {
-        if (!section_.fields.empty()) {
-            section_.isBelow = section_.isBelow && !sections.empty();
-            sections.push_back(std::move(section_));
-        }
-    }
-
-  private:
-    const RasterRow& row_;
-    RasterUse use_;
-    DetailSection section_;
+/// Sums over several rows.
+struct RasterTotals {
+    std::size_t files = 0;
+    std::size_t notReadable = 0;
+    std::size_t withFindings = 0;
+    std::uint64_t bytes = 0;       ///< of the files
+    std::uint64_t totalBytes = 0;  ///< with their sidecars
+    double pixels = 0;
+    std::size_t layers = 0;
+    std::vector<std::wstring> crsNames;  ///< each once, in order of the rows; "" for files without a CRS
+    bool isGeographic = false;
+    /// Minimum X, minimum Y, maximum X, maximum Y over all files; none when their CRS differ or none has one.
+    std::optional<std::array<double, 4>> extent;
 };
 
-std::wstring Megabytes(double bytes) {
-    return bytes > 0 ? FormatText(L"%.2f", {bytes * 1e-6}) : std::wstring();
+/// Grows a box by another; one that is not finite says nothing.
+void Unite(std::optional<std::array<double, 4>>& box, const std::optional<std::array<double, 4>>& other) {
+    if (!other.has_value() || !std::ranges::all_of(*other, [](double edge) { return std::isfinite(edge); })) {
+        return;
+    }
+    if (!box.has_value()) {
+        box = other;
+        return;
+    }
+    for (std::size_t edge = 0; edge < 2; ++edge) {
+        (*box)[edge] = std::min((*box)[edge], (*other)[edge]);
+        (*box)[edge + 2] = std::max((*box)[edge + 2], (*other)[edge + 2]);
+    }
 }
 
-std::wstring Count(std::int64_t number) {
+std::wstring Megabytes(std::uint64_t bytes) {
+    return FormatText(L"%.2f", {static_cast<double>(bytes) * 1e-6});
+}
+
+std::wstring Count(std::size_t number) {
     return number == 0 ? std::wstring() : std::to_wstring(number);
 }
 
-std::wstring LayerText(const RasterRow& row) {
-    return row.place.layer + (row.place.exists ? L" " + Text(40658_lsid) : L"");
-}
-
-std::wstring Sidecars(const RasterProperties& properties) {
-    std::wstring text;
-    for (const std::wstring& path : properties.sidecars) {
-        text += (text.empty() ? L"" : L"\n") + FileNameOf(path);
+RasterTotals RasterTotalsOf(std::span<const RasterRow> rows, std::span<const std::size_t> records) {
+    RasterTotals totals;
+    std::set<std::wstring> layers;
+    std::set<std::wstring> crsNames;
+    for (const std::size_t record : records) {
+        const RasterRow& row = rows[record];
+        ++totals.files;
+        totals.bytes += row.fileSize;
+        totals.totalBytes +=
+            row.IsDescribed() ? std::max(row.fileSize, row.Properties().totalBytes) : row.fileSize;
+        totals.withFindings += LoadFlagOf(row) == LoadFlag::Findings ? 1 : 0;
+        if (!row.IsDescribed()) {
+            ++totals.notReadable;
+            continue;
+        }
+        totals.pixels += static_cast<double>(row.Properties().width) * row.Properties().height;
+        layers.insert(row.place.layer);
+        if (crsNames.insert(row.crs->name).second) {
+            totals.crsNames.push_back(row.crs->name);
+        }
+        totals.isGeographic = row.crs->isGeographic;
+        Unite(totals.extent, row.Properties().extent);
     }
-    return text;
+    totals.layers = layers.size();
+    if (totals.crsNames.size() != 1) {
+        totals.extent.reset();
+    }
+    return totals;
 }
 
-/// Size in memory of all pixels.
-double PixelBytes(const RasterProperties& properties) {
-    double bits = static_cast<double>(properties.bands) * properties.bitsPerBand;
-    if (static_cast<std::size_t>(properties.bands) == properties.bandDetails.size()) {
-        bits = 0;
-        for (const RasterBandProperties& band : properties.bandDetails) {
-            bits += band.bits;
+DetailSection RasterTotalsSection(const RasterTotals& totals) {
+    DetailSection section{40665_lsid, {}};
+    auto& fields = section.fields;
+    AddField(fields, 40652_lsid, std::to_wstring(totals.files));
+    AddField(fields, 13505_lsid, Megabytes(totals.bytes));
+    if (totals.totalBytes > totals.bytes) {
+        AddField(fields, 41289_lsid, Megabytes(totals.totalBytes));
+    }
+    AddField(fields, 41313_lsid, FormatText(L"%.3f", {totals.pixels * 1e-6}));
+    AddField(fields, 40653_lsid, Count(totals.layers));
+    AddField(fields, 40655_lsid, Count(totals.withFindings));
+    AddField(fields, 40656_lsid, Count(totals.notReadable));
+    for (const std::wstring& name : totals.crsNames) {
+        AddField(fields, 40654_lsid, name.empty() ? Text(40612_lsid) : name);
+    }
+    if (totals.extent.has_value()) {
+        constexpr std::array kCaptions{13541_lsid, 13538_lsid, 13542_lsid, 13539_lsid};
+        for (std::size_t edge = 0; edge < kCaptions.size(); ++edge) {
+            AddField(fields, kCaptions[edge],
+                     FormatText(totals.isGeographic ? L"%.8lf" : L"%.3f", {(*totals.extent)[edge]}));
         }
     }
-    return static_cast<double>(properties.width) * properties.height * bits / 8;
+    return section;
 }
 
-std::wstring Compression(const RasterProperties& properties) {
-    if (!properties.hasDetails) {
-        return {};
+QString OverviewHtml(const RasterRow& row, RasterUse use, const QString& captionColour) {
+    const std::wstring failure = row.IsDescribed() ? std::wstring() : row.summary;
+    std::vector<Finding> findings = row.findings;
+    std::erase_if(findings,
+                  [&](const Finding& finding) { return failure.find(finding.text) != std::wstring::npos; });
+    return FindingsHtml(findings, failure, Text(41064_lsid)) +
+           SectionsHtml(RasterSections(row, use), captionColour);
+}
+
+QString CrsHtml(const RasterRow& row, const QString& captionColour) {
+    const std::vector<DetailField> fields = RasterCrsFields(row);
+    return fields.empty() ? TextHtml(Text(40648_lsid))
+                          : FieldsHtml(fields, captionColour) + PreformattedHtml(row.crs->prettyWkt);
+}
+
+QString CellHtml(const std::wstring& text, const QString& style) {
+    return QStringLiteral("<td style=\"padding-right:16px;white-space:pre%1\">%2</td>")
+        .arg(style, ToQString(text).toHtmlEscaped());
+}
+
+QString BandsHtml(const RasterRow& row, const QString& captionColour) {
+    if (!row.IsDescribed()) {
+        return TextHtml(Text(41314_lsid));
     }
-    return properties.compression.empty() ? Text(40612_lsid) : properties.compression;
-}
-
-std::wstring PixelMeaning(const RasterProperties& properties) {
-    if (EqualNoCase(properties.pixelIs, L"Area")) {
-        return Text(41305_lsid);
+    const DetailTable table = BandTable(row.Properties());
+    if (table.rows.empty()) {
+        return TextHtml(Text(41315_lsid));
     }
-    return EqualNoCase(properties.pixelIs, L"Point") ? Text(41306_lsid) : properties.pixelIs;
-}
-
-/// What the bands show; empty when that is undefined.
-std::wstring Colors(const RasterProperties& properties) {
-    std::wstring colors = DistinctOfBands(properties, &RasterBandProperties::colorInterpretation);
-    return colors == L"Undefined" ? std::wstring() : colors;
-}
-
-const wchar_t* CoordinateFormat(bool isGeographic) {
-    return isGeographic ? L"%.8lf" : L"%.3f";
-}
-
-bool IsTurned(const std::array<double, 6>& transform) {
-    return transform[2] != 0 || transform[4] != 0;
-}
-
-/// Where the first pixel begins; for rows along the X axis the extent says it.
-std::wstring Corner(const RasterRow& row) {
-    const auto& transform = row.File().properties.transform;
-    if (!transform.has_value() || !IsTurned(*transform)) {
-        return {};
+    QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"1\"><tr>");
+    for (const StringId caption : table.captions) {
+        html += CellHtml(Text(caption), QStringLiteral(";color:") + captionColour);
     }
-    const wchar_t* format = CoordinateFormat(row.File().crs->isGeographic);
-    return FormatText(format, {(*transform)[0]}) + L" / " + FormatText(format, {(*transform)[3]});
-}
-
-/// By how much rows are turned against the X axis, counter-clockwise.
-std::wstring Rotation(const RasterProperties& properties) {
-    if (!properties.transform.has_value()) {
-        return {};
+    for (const std::vector<std::wstring>& cells : table.rows) {
+        html += QStringLiteral("</tr><tr>");
+        for (const std::wstring& cell : cells) {
+            html += CellHtml(cell, {});
+        }
     }
-    const auto& transform = *properties.transform;
-    if (!IsTurned(transform)) {
-        return Text(40612_lsid);
-    }
-    return FormatText(L"%.6lf\u00b0", {std::atan2(transform[4], transform[1]) * 180 / std::numbers::pi});
-}
-
-std::wstring Range(const RasterRow& row, RasterColumn from, RasterColumn to) {
-    const std::wstring first = RasterCellText(row, from, RasterUse::Image);
-    const std::wstring last = RasterCellText(row, to, RasterUse::Image);
-    return first.empty() || last.empty() ? std::wstring() : first + kTo + last;
-}
-
-std::wstring Units(const RasterRow& row) {
-    return row.File().crs->isGeographic ? row.File().crs->angularUnits : row.File().unit;
-}
-
-void AddFile(const RasterRow& row, RasterUse use, std::vector<DetailSection>& sections) {
-    const RasterProperties& properties = row.File().properties;
-    Section file(row, use, 40636_lsid);
-    file.Add(RasterColumn::FileType).Add(RasterColumn::Size);
-    if (properties.totalBytes > row.File().fileSize) {
-        file.Add(41289_lsid, Megabytes(static_cast<double>(properties.totalBytes)));
-    }
-    file.Add(41290_lsid, Sidecars(properties));
-    file.Add(40581_lsid, RasterCellText(row, RasterColumn::Modified, use));
-    file.Add(41309_lsid, properties.acquired);
-    file.Add(13507_lsid, LayerText(row));
-    if (use == RasterUse::Dem) {
-        file.Add(RasterColumn::GpsTime);
-    }
-    file.Finish(sections);
-}
-
-void AddImage(const RasterRow& row, RasterUse use, std::vector<DetailSection>& sections) {
-    Section image(row, use, 41284_lsid);
-    image.Add(RasterColumn::ImageSize).Add(RasterColumn::Bands);
-    image.Add(41291_lsid, DistinctOfBands(row.File().properties, &RasterBandProperties::dataType));
-    image.Add(RasterColumn::BitsPerBand).Add(RasterColumn::ColorModel);
-    image.Add(41501_lsid, RasterCellText(row, RasterColumn::Photometric, use));
-    image.Add(41311_lsid, Colors(row.File().properties));
-    image.Finish(sections);
-}
-
-void AddValues(const RasterRow& row, RasterUse use, std::vector<DetailSection>& sections) {
-    const RasterProperties& properties = row.File().properties;
-    Section values(row, use, 41285_lsid);
-    values.Add(41292_lsid, properties.hasDetails ? DistinctNodata(properties) : std::wstring());
-    values.Add(41293_lsid, LowestMinimum(properties)).Add(41294_lsid, HighestMaximum(properties));
-    values.Add(41295_lsid, DistinctOfBands(properties, &RasterBandProperties::unit));
-    values.Below().Finish(sections);
-}
-
-void AddGeoreference(const RasterRow& row, RasterUse use, std::vector<DetailSection>& sections) {
-    const RasterProperties& properties = row.File().properties;
-    Section georeference(row, use, 41286_lsid);
-    georeference.Add(40660_lsid, Range(row, RasterColumn::MinimumX, RasterColumn::MaximumX));
-    georeference.Add(40661_lsid, Range(row, RasterColumn::MinimumY, RasterColumn::MaximumY));
-    georeference.Add(RasterColumn::PixelSizes);
-    georeference.Add(40559_lsid, Units(row));
-    georeference.Add(41303_lsid, Corner(row)).Add(41302_lsid, Rotation(properties));
-    georeference.Add(41304_lsid, PixelMeaning(properties));
-    georeference.Add(41307_lsid, Count(properties.controlPoints));
-    georeference.Add(41308_lsid, properties.hasRpc ? Text(40610_lsid) : std::wstring());
-    georeference.Finish(sections);
-}
-
-void AddStorage(const RasterRow& row, RasterUse use, std::vector<DetailSection>& sections) {
-    const RasterProperties& properties = row.File().properties;
-    Section storage(row, use, 41287_lsid);
-    storage.Add(41299_lsid, Compression(properties)).Add(41298_lsid, properties.interleave);
-    storage.Add(41300_lsid, DistinctBlocks(properties)).Add(RasterColumn::Overviews);
-    storage.Add(RasterColumn::BigTiff);
-    storage.Add(41301_lsid, Megabytes(PixelBytes(properties)));
-    storage.Finish(sections);
+    html += QStringLiteral("</tr></table>");
+    const std::size_t unlisted = UnlistedBands(row.Properties());
+    return unlisted == 0 ? html : html + TextHtml(FormatText(Text(40672_lsid), {unlisted}));
 }
 
 }  // namespace
 
-std::vector<DetailSection> RasterOverview(const RasterRow& row, RasterUse use) {
-    std::vector<DetailSection> sections;
-    if (row.IsDescribed()) {
-        for (const auto add : {AddFile, AddImage, AddGeoreference, AddStorage, AddValues}) {
-            add(row, use, sections);
-        }
+DetailsContent RasterDetailsContent(std::span<const RasterRow> rows, std::span<const std::size_t> records,
+                                    RasterUse use, const QString& captionColour) {
+    if (records.size() == 1) {
+        const RasterRow& row = rows[records.front()];
+        return {row.path,
+                {OverviewHtml(row, use, captionColour), CrsHtml(row, captionColour),
+                 BandsHtml(row, captionColour)}};
     }
-    return sections;
-}
-
-std::vector<DetailField> RasterCrsFields(const RasterRow& row) {
-    const CrsDescription& crs = *row.File().crs;
-    if (crs.sourceWkt.empty()) {
-        return {};
-    }
-    std::vector<DetailSection> sections;
-    Section fields(row, RasterUse::Image, {});
-    fields.Add(40642_lsid, crs.name);
-    fields.Add(RasterColumn::ProjectionCode);
-    fields.Add(40643_lsid, Text(crs.isGeographic ? 40644_lsid : 40645_lsid));
-    fields.Add(40646_lsid, row.File().unit);
-    fields.Add(40647_lsid, crs.angularUnits);
-    fields.Add(40558_lsid, crs.verticalName);
-    fields.Finish(sections);
-    return sections.empty() ? std::vector<DetailField>() : std::move(sections.front().fields);
+    const RasterTotals totals = RasterTotalsOf(rows, records);
+    const DetailSection section = RasterTotalsSection(totals);
+    return {FormatText(Text(40635_lsid), {totals.files}), {SectionsHtml({&section, 1}, captionColour)}};
 }
 
 }  // namespace orvex

@@ -1,17 +1,16 @@
 #pragma once
-// What the details pane of the raster page and of the DEM page says, without a widget.
-#include <vector>
+#include <QString>
+#include <cstddef>
+#include <span>
 
-#include "dialog/details/DetailSection.h"
-#include "raster/RasterColumns.h"
+#include "dialog/details/DetailsPanel.h"
 #include "raster/RasterRow.h"
 
 namespace orvex {
 
-/// One file, in sections; none for one that could not be described.
-std::vector<DetailSection> RasterOverview(const RasterRow& row, RasterUse use);
-
-/// The coordinate reference system of one file; no fields when it carries none.
-std::vector<DetailField> RasterCrsFields(const RasterRow& row);
+/// What the details pane of a page shows: everything about one file, or the totals of several. `records`:
+/// indices into `rows`, at least one; `captionColour`: of the names of fields.
+DetailsContent RasterDetailsContent(std::span<const RasterRow> rows, std::span<const std::size_t> records,
+                                    RasterUse use, const QString& captionColour);
 
 }  // namespace orvex

@@ -53,7 +53,7 @@ enum SampleColumn { kFlag, kPath, kName, kSize, kModified, kSummary, kMore, kRes
 /// A grid of records that a test makes up; counts what the views ask.
 class SampleModel : public GridModel {
   public:
-    SampleModel() : GridModel(kSampleColumns) {}
+    SampleModel() : GridModel({std::begin(kSampleColumns), std::end(kSampleColumns)}) {}
 
     void Add(const std::vector<SampleRecord>& added) {
         AppendRecords(added.size(), [&] { records_.insert(records_.end(), added.begin(), added.end()); });

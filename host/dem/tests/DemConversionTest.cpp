@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "host/dem/tests/DemFixture.h"
-#include "las/LasInspection.h"
+#include "las/LasRow.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Text.h"
 
@@ -82,7 +82,7 @@ TEST_F(DemConversionTest, EveryVersionAndFormatOpensWithoutFindings) {
                 options_.versionMinor = minor;
                 options_.pointFormat = format;
                 const DemConversionResult result = Convert(path);
-                const LasInspection found = InspectLasFile(result.lasPath);
+                const LasRow found = InspectLasFile(result.lasPath);
                 ASSERT_TRUE(found.loadable) << ToUtf8(found.summary);
                 EXPECT_EQ(found.summary, L"OK");
                 ExpectHeader(*found.file, minor, format);

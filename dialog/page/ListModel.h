@@ -1,0 +1,91 @@
+#pragma once
+#include <algorithm>
+#include <functional>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "dialog/grid/GridModel.h"
+
+namespace orvex {
+
+/// The rows of a page, whatever their type.
+class ListRows : public GridModel {
+  public:
+    using GridModel::GridModel;
+
+    virtual std::size_t Count() const = 0;
+    /// Removes records by index, in any order, and frees what they hold.
+    virtual void Remove(std::vector<std::size_t> records) = 0;
+    virtual void Clear() = 0;
+};
+
+/// Rows of one type (movable) with the columns that show them. A record's index is the order of adding.
+template <typename Row>
+class ListModel final : public ListRows {
+  public:
+    /// `columns` outlives the model.
+    explicit ListModel(std::span<const Column<Row>> columns, QObject* parent = nullptr)
+        : ListRows({columns.begin(), columns.end()}, parent), cells_(columns) {}
+
+    const std::vector<Row>& Rows() const { return rows_; }
+    std::size_t Count() const override { return rows_.size(); }
+
+    void Append(std::vector<Row> batch) {
+        AppendRecords(batch.size(), [&] { std::ranges::move(batch, std::back_inserter(rows_)); });
+    }
+
+    void Remove(std::vector<std::size_t> records) override {
+        std::ranges::sort(records);
+        records.erase(std::ranges::unique(records).begin(), records.end());
+        RemoveRecords(records, [&] {
+            std::size_t index = 0;
+            auto next = records.begin();
+            std::erase_if(rows_, [&](const Row&) {
+                const bool remove = next != records.end() && *next == index++;
+                next += remove ? 1 : 0;
+                return remove;
+            });
+        });
+    }
+
+    void Clear() override {
+        ClearRecords([this] { rows_.clear(); });
+    }
+
+    /// Changes rows without adding or removing any; tells the views even when `change` throws.
+    void Change(const std::function<void(std::vector<Row>&)>& change) {
+        struct Notifier {
+            ListModel& model;
+            ~Notifier() { model.NotifyChanged(0, static_cast<int>(model.cells_.size()) - 1); }
+        };
+        const Notifier notifier{*this};
+        change(rows_);
+    }
+
+  protected:
+    std::size_t RecordCount() const override { return rows_.size(); }
+
+    GridCell Cell(std::size_t record, int column) const override { return At(column).cell(rows_[record]); }
+
+    const wchar_t* NumberFormat(std::size_t record, int column) const override {
+        return orvex::NumberFormat(At(column), rows_[record]);
+    }
+
+    int Icon(std::size_t record, int column) const override {
+        return At(column).look.icon == nullptr ? -1 : At(column).look.icon(rows_[record]);
+    }
+
+    std::wstring Tooltip(std::size_t record, int column) const override {
+        const auto tooltip = At(column).look.tooltip;
+        return tooltip == nullptr ? CellText(record, column) : tooltip(rows_[record]);
+    }
+
+  private:
+    const Column<Row>& At(int column) const { return cells_[static_cast<std::size_t>(column)]; }
+
+    std::span<const Column<Row>> cells_;
+    std::vector<Row> rows_;
+};
+
+}  // namespace orvex

@@ -1,0 +1,381 @@
+#include "dialog/page/ListPage.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QResizeEvent>
+#include <QShortcut>
+#include <QSplitter>
+#include <QTableView>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <QWhatsThis>
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+#include "dialog/DialogProgress.h"
+#include "dialog/HandlerGuard.h"
+#include "dialog/details/DetailsHtml.h"
+#include "dialog/grid/GridView.h"
+#include "dialog/page/ControlWidget.h"
+#include "dialog/page/ListModel.h"
+#include "dialog/page/Mnemonics.h"
+#include "dialog/page/OptionForm.h"
+#include "dialog/page/OptionsPanel.h"
+#include "settings/OptionStore.h"
+
+namespace orvex {
+namespace {
+
+constexpr int kUsualPaneHeight = 250;
+constexpr int kMostPaneHeight = 10000;
+// Rows that the grid shows at least where the details pane is unfolded.
+constexpr int kRowsBesidePane = 5;
+
+/// How a details pane was left, as "f 250": folded or open, and its height in pixels.
+struct PaneState {
+    bool folded = false;
+    int height = kUsualPaneHeight;
+};
+
+/// A state that is missing or damaged is that of a fresh machine.
+PaneState ParsePaneState(const std::string& bytes) {
+    if (bytes.size() < 3 || bytes[1] != ' ') {
+        return {};
+    }
+    int height = 0;
+    const char* end = bytes.data() + bytes.size();
+    const auto [stop, error] = std::from_chars(bytes.data() + 2, end, height);
+    if (error != std::errc() || stop != end || height < 0 || height > kMostPaneHeight) {
+        return {};
+    }
+    return {bytes[0] == 'f', height > 0 ? height : kUsualPaneHeight};
+}
+
+}  // namespace
+
+ListPage::ListPage(const PageContext& context, const ListPageDescription& description, QWidget* parent)
+    : AddFilesPage(parent),
+      services_(context.services),
+      params_(*context.params),
+      progress_(context.progress),
+      description_(description),
+      grid_(new GridView),
+      details_(new DetailsPanel(context.images, description_.detailsTabs)),
+      splitter_(new QSplitter(Qt::Vertical)),
+      form_(new OptionForm(description_.options)),
+      optionsPanel_(new OptionsPanel(form_)) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(8, 8, 8, 8);
+    layout->setSpacing(6);
+    grid_->SetIcons(context.images);
+}
+
+ListPage::~ListPage() {
+    Detach();
+}
+
+void ListPage::Start(ListRows& rows) {
+    rows_ = &rows;
+    buttons_ = Buttons();
+    MakeButtonRow();
+    MakeGrid();
+    layout()->addWidget(optionsPanel_);
+    RunGuarded(services_.prompts, L"InitializeColumns", [this] { grid_->SetModel(rows_); });
+    AssignMnemonics(*this);
+    MakeForm();
+    OnDetailColumns();
+    for (const PageButton& button : buttons_) {
+        OnClick(button.texts.id, button.handler, button.press);
+    }
+    auto* help = new QShortcut(QKeySequence(Qt::Key_F1), this);
+    help->setContext(Qt::WindowShortcut);  // OK has the focus mostly; a page that is hidden hears nothing
+    connect(help, &QShortcut::activated, this, Guarded(services_.prompts, L"OnHelp", [this] { OnHelp(); }));
+    ConnectGrid();
+    ConnectPane();
+    RestorePane();
+    ShowDetails();
+    EnableItems();
+}
+
+void ListPage::Detach() {
+    if (rows_ == nullptr) {
+        return;
+    }
+    SavePane();
+    progress_.disconnect(this);
+    grid_->disconnect(this);
+    details_->disconnect(this);
+    splitter_->removeEventFilter(this);
+    grid_->SetModel(nullptr);
+    rows_ = nullptr;
+}
+
+std::vector<ListPage::PageButton> ListPage::Buttons() {
+    const ListPageDescription& page = description_;
+    return {
+        {page.remove, ButtonImage::Remove, Usable::WithSelection, L"OnRemove", [this] { OnRemove(); }},
+        {page.clear, ButtonImage::Clear, Usable::WithRows, L"OnClear", [this] { OnClear(); }},
+        {page.detailColumns, ButtonImage::Details, Usable::WhenIdle, L"OnDetailColumns",
+         [this] { OnDetailColumns(); }},
+        {page.selectAll, ButtonImage::AllRows, Usable::WithRows, L"OnSelectAll",
+         [this] { grid_->SelectAll(); }},
+        {page.help, ButtonImage::Help, Usable::Always, L"OnContextHelp", [this] { OnContextHelp(); }},
+    };
+}
+
+void ListPage::MakeButtonRow() {
+    std::erase_if(buttons_, [](const PageButton& button) { return button.texts.id == 0; });
+    auto* row = new QWidget;
+    auto* buttons = new QHBoxLayout(row);
+    buttons->setContentsMargins(0, 0, 0, 0);
+    auto* caption = MakeControl<QLabel>(description_.listCaptionId, description_.listCaption);
+    caption->setBuddy(grid_->Table());  // a label gives the focus to none that refuses it itself
+    buttons->addWidget(caption);
+    buttons->addStretch();
+    for (const PageButton& button : buttons_) {
+        const ListPageDescription::Button& texts = button.texts;
+        if (texts.id == description_.detailColumns.id) {
+            buttons->addWidget(MakeDetailColumnsButton());
+        } else if (texts.caption.value == 0) {
+            buttons->addWidget(MakeIconButton(texts.id, texts.tooltip, button.image));
+        } else {
+            buttons->addWidget(MakeButton(texts.id, texts.caption, texts.tooltip, button.image));
+        }
+    }
+    static_cast<QVBoxLayout*>(layout())->addWidget(row);
+}
+
+QPushButton* ListPage::MakeDetailColumnsButton() {
+    const ListPageDescription::Button& texts = description_.detailColumns;
+    detailColumns_ = MakeControl<QPushButton>(texts.id, {}, texts.tooltip);
+    detailColumns_->setCheckable(true);
+    detailColumns_->setAutoDefault(false);
+    detailColumns_->setAccessibleName(detailColumns_->toolTip());
+    detailColumns_->setFixedWidth(detailColumns_->fontMetrics().horizontalAdvance(QStringLiteral(">>")) + 24);
+    return detailColumns_;
+}
+
+void ListPage::MakeGrid() {
+    grid_->setObjectName(ControlName(description_.gridId));
+    grid_->setMinimumHeight(90);
+    grid_->SetEmptyText(ToQString(Text(description_.emptyText)));
+    splitter_->setObjectName(QString::fromLatin1(description_.splitterName));
+    splitter_->setChildrenCollapsible(false);
+    splitter_->addWidget(grid_);
+    splitter_->addWidget(details_);
+    splitter_->setStretchFactor(0, 1);
+    splitter_->setStretchFactor(1, 0);
+    static_cast<QVBoxLayout*>(layout())->addWidget(splitter_, 1);
+}
+
+void ListPage::MakeForm() {
+    RunGuarded(services_.prompts, L"ReadOptions", [this] {
+        form_->Show(StoredOptions(services_.options, services_.hostObjects).Load(description_.options));
+    });
+    detailColumns_->setChecked(form_->Values().detailColumns);
+    connect(form_, &OptionForm::Changed, this, [this](bool changesLayers) {
+        RunGuarded(services_.prompts, L"OnOptions", [&] {
+            if (changesLayers) {
+                Update();
+            } else {
+                EnableItems();
+            }
+        });
+    });
+}
+
+void ListPage::OnClick(int id, const wchar_t* handler, std::function<void()> press) {
+    connect(findChild<QAbstractButton*>(ControlName(id)), &QAbstractButton::clicked, this,
+            Guarded(services_.prompts, handler, std::move(press)));
+}
+
+void ListPage::ConnectGrid() {
+    UserPrompts& prompts = services_.prompts;
+    const auto enable = Guarded(prompts, L"EnableItems", [this] { EnableItems(); });
+    const auto details = Guarded(prompts, L"ShowDetails", [this] { ShowDetails(); });
+    connect(&progress_, &DialogProgress::RunningChanged, this, enable);
+    connect(grid_, &GridView::SelectionChanged, this, enable);
+    connect(grid_, &GridView::SelectionChanged, this, details);
+    connect(grid_, &GridView::RemoveRequested, this, Guarded(prompts, L"OnRemove", [this] { OnRemove(); }));
+    connect(details_, &DetailsPanel::PaletteChanged, this, details);
+}
+
+void ListPage::ConnectPane() {
+    splitter_->installEventFilter(this);
+    connect(details_, &DetailsPanel::BodyShownChanged, this, &ListPage::ArrangePane);
+    connect(splitter_, &QSplitter::splitterMoved, this, [this] {
+        if (details_->IsBodyShown()) {
+            paneHeight_ = splitter_->sizes().last();
+        }
+    });
+}
+
+// The pane is as high as the user left it; where there is no room for that, it yields before the grid does.
+void ListPage::ArrangePane() {
+    const int room = splitter_->height() - splitter_->handleWidth() - grid_->HeightOfRows(kRowsBesidePane);
+    details_->SetCrowded(room < details_->LeastHeight());
+    const bool shown = details_->IsBodyShown();
+    const int height = shown ? std::min(paneHeight_, room) : details_->TitleHeight();
+    details_->setMaximumHeight(shown ? QWIDGETSIZE_MAX : height);
+    splitter_->setSizes({splitter_->height() - height, height});
+}
+
+bool ListPage::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == splitter_ && event->type() == QEvent::Resize) {
+        ArrangePane();
+    }
+    return AddFilesPage::eventFilter(watched, event);
+}
+
+void ListPage::resizeEvent(QResizeEvent* event) {
+    AddFilesPage::resizeEvent(event);
+    optionsPanel_->SetMostHeight(height() * 2 / 5);
+}
+
+void ListPage::RestorePane() {
+    const PaneState state =
+        ParsePaneState(services_.options.ReadPlacement(description_.paneStateName).value_or(std::string()));
+    paneHeight_ = state.height;
+    details_->SetFolded(state.folded);
+}
+
+void ListPage::SavePane() const {
+    services_.options.WritePlacement(description_.paneStateName,
+                                     (details_->IsFolded() ? "f " : "o ") + std::to_string(paneHeight_));
+}
+
+void ListPage::ShowMessage(std::wstring text, StringId caption, PromptIcon icon) const {
+    services_.prompts.Show({std::move(text), Text(caption), icon, PromptButtons::Ok});
+}
+
+void ListPage::Update() {
+    RowsChanged();
+    ShowDetails();
+    EnableItems();
+}
+
+void ListPage::OnRemove() {
+    if (progress_.IsRunning()) {
+        return;
+    }
+    rows_->Remove(SelectedRecords());
+    grid_->ClearSelection();
+    Update();
+}
+
+void ListPage::OnClear() {
+    rows_->Clear();
+    Update();
+}
+
+void ListPage::Release() {
+    RunGuarded(services_.prompts, L"Release", [this] { OnClear(); });
+}
+
+void ListPage::OnDetailColumns() {
+    const bool shown = detailColumns_->isChecked();
+    detailColumns_->setText(shown ? QStringLiteral("<<") : QStringLiteral(">>"));
+    form_->SetDetailColumns(shown);
+    grid_->ShowDetailColumns(shown);
+    FitColumns();
+}
+
+void ListPage::FitColumns() {
+    if (description_.fitsColumns) {
+        grid_->FitColumns();
+    }
+}
+
+void ListPage::OnContextHelp() {
+    QWhatsThis::enterWhatsThisMode();
+}
+
+void ListPage::OnHelp() {
+    if (!services_.help.Show(description_.helpTopic)) {
+        ShowMessage(Text(40687_lsid), 40451_lsid, PromptIcon::Warning);
+    }
+}
+
+std::vector<std::size_t> ListPage::ShownRecords() const {
+    std::vector<std::size_t> records;
+    for (int row = 0; row < rows_->rowCount(); ++row) {
+        records.push_back(rows_->RecordOfRow(row));
+    }
+    return records;
+}
+
+std::vector<std::size_t> ListPage::SelectedRecords() const {
+    std::vector<std::size_t> records;
+    for (const int row : grid_->SelectedRows()) {
+        records.push_back(rows_->RecordOfRow(row));
+    }
+    return records;
+}
+
+void ListPage::ShowDetails() {
+    const std::vector<std::size_t> records = SelectedRecords();
+    details_->Show(records.empty() ? DetailsContent{{}, {TextHtml(Text(description_.nothingSelected))}}
+                                   : Details(records));
+}
+
+bool ListPage::CanUse(Usable usable) const {
+    const bool idle = !progress_.IsRunning();
+    switch (usable) {
+        case Usable::WhenIdle:
+            return idle;
+        case Usable::WithRows:
+            return idle && rows_->Count() > 0;
+        case Usable::WithSelection:
+            return idle && !grid_->SelectedRows().empty();
+        case Usable::Always:
+            break;
+    }
+    return true;
+}
+
+void ListPage::EnableItems() {
+    for (const PageButton& button : buttons_) {
+        findChild<QWidget*>(ControlName(button.texts.id))->setEnabled(CanUse(button.usable));
+    }
+    form_->Enable(progress_.IsRunning());
+}
+
+const AddFilesParams& ListPage::Chosen() const {
+    return form_->Values().record;
+}
+
+bool ListPage::ReadNumber(const OptionRow& row) {
+    if (row.control != OptionControl::Number || form_->ReadNumber(row)) {
+        return true;
+    }
+    ShowMessage(Text(7669_lsid), 7670_lsid, PromptIcon::Warning);
+    return false;
+}
+
+bool ListPage::ReadNumbers() {
+    return std::ranges::all_of(description_.options.rows,
+                               [this](const OptionRow& row) { return ReadNumber(row); });
+}
+
+bool ListPage::SaveOptions() {
+    StoredOptions stored(services_.options, services_.hostObjects);
+    for (const OptionRow& row : description_.options.rows) {
+        if (!ReadNumber(row)) {
+            return false;
+        }
+        stored.Save(row, form_->Values());
+    }
+    return true;
+}
+
+void ListPage::WriteOptions() const {
+    orvex::WriteOptions(description_.options, form_->Values(), params_);
+}
+
+bool ListPage::ValidateAndStore() {
+    bool stored = false;
+    return RunGuarded(services_.prompts, L"ValidateAndStore", [&] { stored = Store(); }) && stored;
+}
+
+}  // namespace orvex

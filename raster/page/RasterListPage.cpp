@@ -1,0 +1,77 @@
+#include "raster/page/RasterListPage.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "crs/GdalSetup.h"
+#include "raster/RasterColumns.h"
+#include "raster/page/RasterDetails.h"
+#include "support/DataKinds.h"
+
+namespace orvex {
+namespace {
+
+FileReader<RasterRow> MakeReader(RasterUse use, RasterInformationMaker maker) {
+    return {[use, maker = std::move(maker)](const std::wstring& path) {
+                return InspectRasterFile(path, use, maker);
+            },
+            UnreadRasterFile};
+}
+
+}  // namespace
+
+FileListPageDescription DescribeRasters() {
+    FileListPageDescription page;
+    page.fitsColumns = false;  // their widths are given
+    page.startsInInitialFolder = true;
+    page.filters = PickerFilters(DataKind::Raster);
+    page.extensions = NamedExtensions(DataKind::Raster);
+    page.folderExtensions = ScanExtensions(DataKind::Raster);
+    page.scanTexts.nothingFound = 13644_lsid;
+    page.scanTexts.nothingFoundIcon = PromptIcon::Error;
+    page.adding.progressText = 13663_lsid;
+    return page;
+}
+
+RasterListPage::RasterListPage(const PageContext& context, const FileListPageDescription& description,
+                               RasterUse use, QWidget* parent)
+    : FileListPageOf(context, description, RasterColumns(use),
+                     MakeReader(use, context.services.hostObjects.RasterInformation()), parent),
+      use_(use) {
+    static GdalSetup setup;
+    setup.Run();
+}
+
+DetailsContent RasterListPage::Details(std::span<const std::size_t> records) const {
+    return RasterDetailsContent(Model().Rows(), records, use_, DetailsPane().CaptionColour());
+}
+
+AddingSummary RasterListPage::AddRows(AddingRequest request, const std::function<void()>& appended) {
+    hasToldOfExceptions_ = false;
+    return FileListPageOf::AddRows(std::move(request), appended);
+}
+
+bool RasterListPage::RereadRows() {
+    hasToldOfExceptions_ = false;
+    return FileListPageOf::RereadRows();
+}
+
+/// Says so when reading a row ended with an exception; once a run, however many there are.
+void RasterListPage::RowsRead(std::size_t first) {
+    const auto& rows = Model().Rows();
+    const bool threw = std::any_of(rows.begin() + static_cast<std::ptrdiff_t>(first), rows.end(),
+                                   [](const RasterRow& row) { return row.threw; });
+    if (threw && !std::exchange(hasToldOfExceptions_, true)) {
+        ShowMessage(Text(13498_lsid), 13498_lsid, PromptIcon::Error);
+    }
+}
+
+void RasterListPage::ForEachDescribed(const std::function<void(const RasterRow& row)>& write) const {
+    for (const std::size_t index : ShownRecords()) {
+        if (Model().Rows()[index].IsDescribed()) {
+            write(Model().Rows()[index]);
+        }
+    }
+}
+
+}  // namespace orvex

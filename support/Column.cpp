@@ -1,0 +1,17 @@
+#include "support/Column.h"
+
+#include <cmath>
+
+#include "support/Format.h"
+
+namespace orvex {
+
+std::wstring FormatCell(const GridCell& cell, const wchar_t* format) {
+    if (const auto* text = std::get_if<std::wstring>(&cell)) {
+        return *text;
+    }
+    const auto* number = std::get_if<double>(&cell);
+    return number == nullptr || std::isnan(*number) ? std::wstring() : FormatText(format, {*number});
+}
+
+}  // namespace orvex
