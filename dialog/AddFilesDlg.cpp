@@ -44,6 +44,13 @@ std::vector<std::wstring> LocalPaths(const QMimeData& data) {
     return paths;
 }
 
+// The lists that a host acts on.
+bool HasResults(const AddFilesParams& record) {
+    return !record.lasFiles.empty() || !record.rasterFiles.empty() || !record.featureFiles.empty() ||
+           !record.demFiles.empty() || !record.photoFiles.empty() || !record.presignedUrlLayers.empty() ||
+           !record.cloudLasLayers.empty();
+}
+
 }  // namespace
 
 AddFilesDlg::AddFilesDlg(AddFilesParams& params, DialogServices& services,
@@ -142,9 +149,14 @@ bool AddFilesDlg::Run() {
     if (const std::int32_t result = Initialise(); result < 0) {
         services_.prompts.Show({FormatText(Text(40450_lsid), {static_cast<std::uint32_t>(result)}),
                                 Text(40451_lsid), PromptIcon::Error, PromptButtons::Ok});
+        ReleasePages();
         return false;
     }
-    return exec() == QDialog::Accepted;
+    if (exec() != QDialog::Accepted) {
+        ReleasePages();
+        return false;
+    }
+    return HasResults(params_);
 }
 
 void AddFilesDlg::ReleasePages() {

@@ -37,8 +37,9 @@ class AddFilesDlg : public QDialog {
     /// cannot be made or does not answer; the dialog must not be shown then.
     std::int32_t Initialise();
 
-    /// Initialises, shows the dialog modally and returns true when it ended with OK. Tells the user when it
-    /// cannot be opened.
+    /// Initialises and shows the dialog modally. True when it ended with OK and the record holds anything to
+    /// add; when it did not end with OK, every page has freed what it held. Tells the user when it cannot be
+    /// opened.
     bool Run();
 
     /// Every page frees what it holds behind its rows; the record is as the host gave it again.

@@ -1,7 +1,7 @@
 #include "orvexcommon/Exports.h"
 
+#include "dialog/AddFilesDlg.h"
 #include "dialog/CAddingLidarDlg.h"
-#include "entry/AddFilesRun.h"
 #include "entry/CallScope.h"
 #include "entry/ComponentParts.h"
 #include "entry/PageTable.h"
@@ -36,7 +36,8 @@ bool ShowAddFilesDialog(AddFilesParams* params) {
         }
         const orvex::CallScope scope;
         orvex::ComponentParts parts;
-        return orvex::RunAddFiles(*params, parts.Services(), orvex::AddFilesPages(), scope.Parent());
+        orvex::AddFilesDlg dialog(*params, parts.Services(), orvex::AddFilesPages(), scope.Parent());
+        return dialog.Run();
     });
 }
 
