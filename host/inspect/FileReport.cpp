@@ -39,6 +39,7 @@ void InspectRaster(FileReport& report) {
     if (inspection.loadable) {
         report.crs = inspection.crs;
         report.raster = std::move(inspection);
+        report.use = use;
     }
 }
 

@@ -20,9 +20,10 @@ struct FileReport {
     bool loadable = false;
     std::wstring summary;
     std::vector<std::wstring> findings;
-    CrsPtr crs;                       ///< null when the file could not be opened
-    std::optional<LasRow> las;        ///< of an opened LAS or LAZ file: its `file` is not null
-    std::optional<RasterRow> raster;  ///< of an opened raster
+    CrsPtr crs;                        ///< null when the file could not be opened
+    std::optional<LasRow> las;         ///< of an opened LAS or LAZ file: its `file` is not null
+    std::optional<RasterRow> raster;   ///< of an opened raster
+    RasterUse use = RasterUse::Image;  ///< page that a raster is listed for
 };
 
 /// Version of a LAS file as "1.4".

@@ -1,12 +1,10 @@
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <array>
 #include <iterator>
 #include <ostream>
 
+#include "host/inspect/ReportColumns.h"
 #include "host/inspect/ReportWriter.h"
-#include "support/Format.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -15,42 +13,6 @@ namespace {
 
 constexpr std::size_t kWidestCell = 60;  ///< characters; the last column is as wide as it is
 
-/// 12345678 as "12 345 678": blanks mean the same in every language.
-std::wstring Grouped(std::uint64_t number) {
-    std::wstring digits = std::to_wstring(number);
-    for (std::size_t i = digits.size(); i > 3;) {
-        i -= 3;
-        digits.insert(i, 1, L' ');
-    }
-    return digits;
-}
-
-std::wstring Point(const std::array<double, 3>& values) {
-    return FromUtf8(fmt::format("{:.3f} {:.3f} {:.3f}", values[0], values[1], values[2]));
-}
-
-bool IsGeographic(const FileReport& report) {
-    return report.crs && report.crs->isGeographic;
-}
-
-std::wstring Corner(const FileReport& report, std::size_t index) {
-    const auto& extent = report.raster->Properties().extent;
-    const int digits = IsGeographic(report) ? 8 : 3;  // about a millimeter
-    return extent ? FromUtf8(fmt::format("{:.{}f} {:.{}f}", (*extent)[index], digits, (*extent)[index + 1],
-                                         digits))
-                  : std::wstring();
-}
-
-/// In the unit that the CRS counts in.
-std::wstring PixelSize(const FileReport& report) {
-    const RasterProperties& properties = report.raster->Properties();
-    if (properties.pixelWidth <= 0) {
-        return {};
-    }
-    return FromUtf8(fmt::format("{:.8g} x {:.8g} ", properties.pixelWidth, properties.pixelHeight)) +
-           (IsGeographic(report) ? report.crs->angularUnits : report.raster->unit);
-}
-
 /// One line: control characters would break the table, or drive the terminal.
 std::wstring OneLine(std::wstring text) {
     std::replace_if(
@@ -58,53 +20,37 @@ std::wstring OneLine(std::wstring text) {
     return text;
 }
 
-using Report = const FileReport&;
-using Las = const LASFile&;
-
-/// Cells for every file, or for LAS files and rasters; null leaves the cell empty.
-struct Column {
-    StringId heading;
-    bool isRightAligned = false;
-    std::wstring (*ofFile)(Report) = nullptr;
-    std::wstring (*ofLas)(Las) = nullptr;
-    std::wstring (*ofRaster)(Report) = nullptr;
-};
-
+// The table is for people: it prints some of the pages' columns, between the file and what is wrong with it.
+constexpr const char* kPageColumns[] = {"fileType",   "imageSize", "bands",      "bitsPerBand", "pixelSizes",
+                                        "linearUnit", "version",   "compressed", "pointFormat", "points",
+                                        "minimumX",   "minimumY",  "minimumZ",   "maximumX",    "maximumY",
+                                        "maximumZ",   "crsName"};
 constexpr std::size_t kFile = 0;
-constexpr Column kColumns[] = {
-    {40800_lsid, false, [](Report r) { return r.path; }},
-    {13568_lsid, false, nullptr, nullptr, [](Report r) { return r.raster->Properties().driver; }},
-    {13569_lsid, true, nullptr, nullptr,
-     [](Report r) {
-         return FormatText(L"%d x %d", {r.raster->Properties().width, r.raster->Properties().height});
-     }},
-    {13572_lsid, true, nullptr, nullptr,
-     [](Report r) { return std::to_wstring(r.raster->Properties().bands); }},
-    {41241_lsid, false, nullptr, nullptr, [](Report r) { return FirstBand(*r.raster).dataType; }},
-    {13645_lsid, false, nullptr, nullptr, PixelSize},
-    {40801_lsid, false, nullptr,
-     [](Las l) { return FromUtf8(LasVersion(l)) + (l.Header().IsCompressed() ? L" LAZ" : L""); }},
-    {40802_lsid, true, nullptr, [](Las l) { return std::to_wstring(l.PointFormat()); }},
-    {40803_lsid, true, nullptr, [](Las l) { return Grouped(l.GetPointCount()); }},
-    {40804_lsid, false, nullptr, [](Las l) { return Point(l.Minimum()); },
-     [](Report r) { return Corner(r, 0); }},
-    {40805_lsid, false, nullptr, [](Las l) { return Point(l.Maximum()); },
-     [](Report r) { return Corner(r, 2); }},
-    {40806_lsid, false, [](Report r) { return r.crs ? r.crs->name : std::wstring(); }},
-    {40807_lsid, false, [](Report r) { return r.summary; }}};
-constexpr std::size_t kColumnCount = std::size(kColumns);
+constexpr std::size_t kColumnCount = std::size(kPageColumns) + 2;
 constexpr std::size_t kSummary = kColumnCount - 1;
 using Row = std::array<std::wstring, kColumnCount>;
 using Widths = std::array<std::size_t, kColumnCount>;
 
-std::wstring Value(const Column& column, const FileReport& report) {
-    if (column.ofFile != nullptr) {
-        return column.ofFile(report);
+const GridColumn& PageColumn(std::size_t column) {
+    return ReportColumnNamed(kPageColumns[column - 1]).Look();
+}
+
+StringId Heading(std::size_t column) {
+    if (column == kFile) {
+        return 40800_lsid;
     }
-    if (report.las && column.ofLas != nullptr) {
-        return column.ofLas(*report.las->file);
+    return column == kSummary ? 40807_lsid : PageColumn(column).caption;
+}
+
+bool IsRightAligned(std::size_t column) {
+    return column != kFile && column != kSummary && PageColumn(column).kind == CellKind::Number;
+}
+
+std::wstring Value(std::size_t column, const FileReport& report) {
+    if (column == kFile) {
+        return report.path;
     }
-    return report.raster && column.ofRaster != nullptr ? column.ofRaster(report) : std::wstring();
+    return column == kSummary ? report.summary : ReportColumnNamed(kPageColumns[column - 1]).Text(report);
 }
 
 /// The end of a path says more than its start, the start of everything else more than its end.
@@ -123,7 +69,7 @@ class TableReportWriter final : public ReportWriter {
     void Write(const FileReport& report) override {
         Row row;
         for (std::size_t column = 0; column < kColumnCount; ++column) {
-            row[column] = Fitted(OneLine(Value(kColumns[column], report)), column);
+            row[column] = Fitted(OneLine(Value(column, report)), column);
         }
         rows_.push_back(std::move(row));
     }
@@ -137,10 +83,10 @@ class TableReportWriter final : public ReportWriter {
         Widths widths{};
         for (std::size_t column = 0; column < kColumnCount; ++column) {
             widths[column] = Widest(column);
-            if (widths[column] == 0 && kColumns[column].ofFile == nullptr) {
-                continue;  // nothing to say of any of these files
+            if (widths[column] == 0 && column != kFile && column != kSummary) {
+                continue;  // empty for all of these files
             }
-            headings[column] = Text(kColumns[column].heading);
+            headings[column] = Text(Heading(column));
             const std::size_t captionWidth = CountCharacters(headings[column]);
             widths[column] = std::max(widths[column], captionWidth);
             rules[column].assign(column == kSummary ? captionWidth : widths[column], L'-');
@@ -169,7 +115,7 @@ class TableReportWriter final : public ReportWriter {
                 continue;
             }
             const std::wstring blanks(widths[column] - CountCharacters(row[column]), L' ');
-            line += kColumns[column].isRightAligned ? blanks + row[column] : row[column] + blanks;
+            line += IsRightAligned(column) ? blanks + row[column] : row[column] + blanks;
             line += L"  ";
         }
         line.erase(line.find_last_not_of(L' ') + 1);

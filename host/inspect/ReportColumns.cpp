@@ -1,0 +1,87 @@
+#include "host/inspect/ReportColumns.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+#include <vector>
+
+#include "las/LasColumns.h"
+#include "raster/RasterColumns.h"
+
+namespace orvex {
+namespace {
+
+// Every report states these itself, and flags are icons.
+bool IsLeftOut(const GridColumn& column) {
+    const std::string_view name = column.name;
+    return column.hidden || column.kind == CellKind::Flag || name == "state" || name == "summary";
+}
+
+template <typename Row>
+void AddColumns(std::span<const Column<Row>> columns, std::vector<ReportColumn>& all) {
+    for (const Column<Row>& column : columns) {
+        const bool isKnown = std::ranges::any_of(all, [&](const ReportColumn& known) {
+            return std::string_view(known.Look().name) == column.name;
+        });
+        if (!isKnown && !IsLeftOut(column)) {
+            all.emplace_back(column);
+        }
+    }
+}
+
+std::vector<ReportColumn> AllColumns() {
+    std::vector<ReportColumn> all;
+    AddColumns(LasColumns(), all);
+    AddColumns(RasterColumns(RasterUse::Image), all);
+    AddColumns(RasterColumns(RasterUse::Dem), all);
+    return all;
+}
+
+/// Calls `use` with the page's column of a name and the file's row; nothing when the page has none.
+template <typename Use>
+std::wstring WithCell(const FileReport& report, std::string_view name, const Use& use) {
+    const auto find = [&](auto columns, const auto& row) -> std::wstring {
+        const auto found = std::ranges::find(columns, name, [](const GridColumn& c) { return c.name; });
+        return found == columns.end() ? std::wstring() : use(*found, row);
+    };
+    if (report.las) {
+        return find(LasColumns(), *report.las);
+    }
+    return report.raster ? find(RasterColumns(report.use), *report.raster) : std::wstring();
+}
+
+}  // namespace
+
+std::wstring ReportColumn::Text(const FileReport& report) const {
+    return WithCell(report, look_->name,
+                    [](const auto& column, const auto& row) { return CellText(column, row); });
+}
+
+std::wstring ReportColumn::ExactText(const FileReport& report) const {
+    return WithCell(report, look_->name, [](const auto& column, const auto& row) {
+        const GridCell cell = column.cell(row);
+        const auto* number = std::get_if<double>(&cell);
+        if (number == nullptr) {
+            return CellText(column, row);
+        }
+        return std::isfinite(*number) ? FromUtf8(fmt::format("{}", *number)) : std::wstring();
+    });
+}
+
+std::span<const ReportColumn> ReportColumns() {
+    static const std::vector<ReportColumn> columns = AllColumns();
+    return columns;
+}
+
+const ReportColumn& ReportColumnNamed(std::string_view name) {
+    for (const ReportColumn& column : ReportColumns()) {
+        if (column.Look().name == name) {
+            return column;
+        }
+    }
+    throw std::logic_error("no page has a column " + std::string(name));
+}
+
+}  // namespace orvex

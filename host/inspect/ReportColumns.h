@@ -1,0 +1,34 @@
+#pragma once
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "host/inspect/FileReport.h"
+#include "support/Column.h"
+
+namespace orvex {
+
+/// A column of the pages' grids, as the table and the CSV output print it. Columns of one name on several
+/// pages are one.
+class ReportColumn {
+  public:
+    explicit ReportColumn(const GridColumn& look) : look_(&look) {}
+
+    /// Caption, alignment and name.
+    const GridColumn& Look() const { return *look_; }
+    /// Text of the cell as the grid shows it; empty for a file whose page has no such column.
+    std::wstring Text(const FileReport& report) const;
+    /// The same, but numbers with all their digits.
+    std::wstring ExactText(const FileReport& report) const;
+
+  private:
+    const GridColumn* look_;
+};
+
+/// Every column that a page shows, in the order of the pages.
+std::span<const ReportColumn> ReportColumns();
+
+/// The column of a name. Throws std::logic_error when no page has one.
+const ReportColumn& ReportColumnNamed(std::string_view name);
+
+}  // namespace orvex
