@@ -7,19 +7,18 @@
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
+#include "support/LasFormat.h"
 #include "support/Text.h"
 
 namespace orvex {
 namespace {
-
-// Byte of the header's count of VLRs, which the CRS is among.
-constexpr std::uint64_t kVlrCountAt = 100;
 
 std::int64_t ModifiedMs(const std::wstring& path) {
     const auto time = LastWriteTime(path);
     return time ? std::chrono::floor<std::chrono::milliseconds>(*time).time_since_epoch().count() : 0;
 }
 
+// Findings about the CRS point at the count of VLRs, which its records are among.
 void DescribeFileCrs(LasInspection& inspection) {
     const LASFile& file = *inspection.file;
     if (!file.HasProjectionRecords()) {
@@ -29,10 +28,10 @@ void DescribeFileCrs(LasInspection& inspection) {
     inspection.crs = DescribeCrs(crs.wkt);
     if (crs.isDamaged || (!crs.wkt.empty() && inspection.crs->name.empty())) {
         inspection.findings.push_back(
-            {LasFindingCode::CrsUnreadable, FindingSeverity::Warning, kVlrCountAt, Text(40122_lsid)});
+            {LasFindingCode::CrsUnreadable, FindingSeverity::Warning, las::at::kVlrCount, Text(40122_lsid)});
     } else if (crs.wkt.empty()) {
         inspection.findings.push_back(
-            {LasFindingCode::NoCrs, FindingSeverity::Note, kVlrCountAt, Text(40121_lsid)});
+            {LasFindingCode::NoCrs, FindingSeverity::Note, las::at::kVlrCount, Text(40121_lsid)});
     }
 }
 
