@@ -9,7 +9,6 @@
 #include "las/PointFormats.h"
 #include "support/Format.h"
 #include "support/Text.h"
-#include "support/UtcTime.h"
 
 namespace orvex {
 

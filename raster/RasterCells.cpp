@@ -7,7 +7,6 @@
 
 #include "support/Format.h"
 #include "support/Text.h"
-#include "support/UtcTime.h"
 
 namespace orvex {
 

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "orvexcommon/OrvexUtilities.h"
-#include "support/ModuleFolder.h"
+#include "support/Environment.h"
 #include "support/Text.h"
 
 namespace orvex {

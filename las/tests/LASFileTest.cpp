@@ -10,7 +10,7 @@
 #include "las/testing/LasFiles.h"
 #include "support/Files.h"
 #include "support/Text.h"
-#include "support/testing/ProcessFacts.h"
+#include "support/testing/TestSystem.h"
 
 namespace orvex {
 namespace {

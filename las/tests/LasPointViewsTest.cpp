@@ -6,7 +6,7 @@
 
 #include "las/testing/LasFiles.h"
 #include "support/LDataError.h"
-#include "support/testing/SparseFile.h"
+#include "support/testing/TestSystem.h"
 
 namespace orvex {
 namespace {
