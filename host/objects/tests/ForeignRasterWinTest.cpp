@@ -15,7 +15,7 @@
 namespace orvex::host {
 namespace {
 
-/// A manifest that names the class, active on the thread that made it.
+/// Manifest that names the class, active on the thread that made it.
 class ClassManifest {
   public:
     explicit ClassManifest(const std::string& threadingModel) {
@@ -49,38 +49,67 @@ class ClassManifest {
     ULONG_PTR cookie_ = 0;
 };
 
-struct Described {
-    std::int32_t result = 1;
-    RasterProperties properties;
-    DWORD thread = 0;  ///< that asked
+class ForeignRasterTest : public ::testing::Test {
+  protected:
+    struct Answer {
+        std::int32_t result = kHostOk;
+        RasterProperties properties;
+        std::wstring reason;
+        DWORD thread = 0;  ///< the worker's
+    };
+
+    /// Asks an object on a worker thread, as the component does.
+    Answer Describe(const std::wstring& path, const std::string& threadingModel) const {
+        Answer answer;
+        std::thread([&] {
+            const ClassManifest manifest(threadingModel);
+            answer.thread = GetCurrentThreadId();
+            if (const auto object = maker_(answer.result)) {
+                answer.result = object->Describe(path, answer.properties, answer.reason);
+            }
+        }).join();
+        return answer;
+    }
+
+    const RasterInformationMaker maker_ = MakeHostObjects()->RasterInformation();
 };
 
-/// As the component's workers do it.
-Described DescribeOnAWorker(const std::string& threadingModel) {
-    Described described;
-    const RasterInformationMaker maker = MakeHostObjects()->RasterInformation();
-    std::thread([&] {
-        const ClassManifest manifest(threadingModel);
-        described.thread = GetCurrentThreadId();
-        if (const auto object = maker(described.result)) {
-            std::wstring reason;
-            described.result = object->Describe(L"plain", described.properties, reason);
-        }
-    }).join();
-    return described;
-}
-
-TEST(RasterThreadingWin, BothAndFreeAreCalledDirectly) {
+TEST_F(ForeignRasterTest, BothAndFreeAreCalledDirectlyAndOddAnswersAreUnderstood) {
+    const std::array<double, 4> extent{1, 2, 3, 4};
+    const struct {
+        const wchar_t* path;
+        std::int32_t result;
+        bool isThreadGiven;
+        RasterEssentials read;
+    } cases[] = {
+        {L"plain",
+         kHostOk,
+         true,
+         {300, 200, 0.25, 0.5, L"metre", "LOCAL_CS[\"\xC3\x9C\"]", 0, 1, 1, 3, 8, 2, extent}},
+        {L"odd", kHostOk, true, {300, 200, 0.25, 0, L"", "", 0, 99, -7, 0, 8, 2, {}}},
+        {L"bare", kHostOk, false, {300, 200, 0, 0, L"", "", 0, -1, -1, 0, 0, 0, {}}},
+        {L"no size", kHostFail, false, {}},
+        {L"fails", static_cast<std::int32_t>(E_ACCESSDENIED), false, {}},
+    };
     for (const char* model : {"Both", "Free"}) {
-        const Described described = DescribeOnAWorker(model);
-        EXPECT_EQ(described.result, kHostOk) << model;
-        EXPECT_EQ(described.properties.width, 300) << model;
-        EXPECT_EQ(static_cast<DWORD>(described.properties.projectionCode), described.thread) << model;
-        EXPECT_FALSE(described.properties.hasDetails);
+        for (const auto& c : cases) {
+            const Answer answer = Describe(c.path, model);
+            EXPECT_EQ(answer.result, c.result) << c.path;
+            EXPECT_EQ(answer.reason, L"") << c.path;
+            EXPECT_FALSE(answer.properties.hasDetails) << c.path;
+            RasterEssentials expected = c.read;
+            expected.projectionCode = c.isThreadGiven ? static_cast<std::int32_t>(answer.thread) : 0;
+            EXPECT_TRUE(static_cast<const RasterEssentials&>(answer.properties) == expected) << c.path;
+        }
     }
+    const HMODULE server = GetModuleHandleW(L"raster_class_server.dll");
+    ASSERT_NE(server, nullptr) << "stays loaded while the maker exists";
+    const auto canUnload = reinterpret_cast<HRESULT(STDAPICALLTYPE*)()>(
+        reinterpret_cast<void*>(GetProcAddress(server, "DllCanUnloadNow")));
+    EXPECT_EQ(canUnload(), S_OK) << "no object is left";
 }
 
-/// The type library of the host's objects as the system's registry has it, until destroyed.
+/// Registers the type library of the host's objects until destroyed.
 class RegisteredTypeLibrary {
   public:
     RegisteredTypeLibrary() {
@@ -107,20 +136,20 @@ class RegisteredTypeLibrary {
     HRESULT result_ = E_FAIL;
 };
 
-TEST(RasterThreadingWin, ApartmentIsCarriedOverByTheTypeLibrary) {
-    EXPECT_LT(DescribeOnAWorker("Apartment").result, 0) << "not without it";
+TEST_F(ForeignRasterTest, ApartmentIsCalledOnItsOwnThreadThroughTheTypeLibrary) {
+    EXPECT_LT(Describe(L"plain", "Apartment").result, 0) << "not without it";
     const RegisteredTypeLibrary library;
     if (library.Result() == TYPE_E_REGISTRYACCESS) {
         GTEST_SKIP() << "only an administrator registers a type library for the machine";
     }
     ASSERT_EQ(library.Result(), S_OK);
-    const Described described = DescribeOnAWorker("Apartment");
-    EXPECT_EQ(described.result, kHostOk);
-    EXPECT_EQ(described.properties.width, 300);
-    EXPECT_EQ(described.properties.pixelHeight, 0.5);
-    EXPECT_EQ(described.properties.linearUnit, L"metre");
-    EXPECT_EQ(described.properties.extent, (std::array<double, 4>{1, 2, 3, 4}));
-    EXPECT_NE(static_cast<DWORD>(described.properties.projectionCode), described.thread);
+    const Answer answer = Describe(L"plain", "Apartment");
+    EXPECT_EQ(answer.result, kHostOk);
+    EXPECT_EQ(answer.properties.width, 300);
+    EXPECT_EQ(answer.properties.pixelHeight, 0.5);
+    EXPECT_EQ(answer.properties.linearUnit, L"metre");
+    EXPECT_EQ(answer.properties.extent, (std::array<double, 4>{1, 2, 3, 4}));
+    EXPECT_NE(static_cast<DWORD>(answer.properties.projectionCode), answer.thread);
 }
 
 }  // namespace
