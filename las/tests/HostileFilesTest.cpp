@@ -27,7 +27,7 @@ class HostileFiles : public ::testing::Test {
         return text;
     }
 
-    const testing::LasFolder folder_;
+    const testing::LasFolder folder_{};
 };
 
 TEST_F(HostileFiles, TwinsReadAlike) {

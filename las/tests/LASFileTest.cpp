@@ -20,7 +20,7 @@ using testing::LasBuilder;
 
 class LASFileTest : public ::testing::Test {
   protected:
-    const testing::LasFolder folder_;
+    const testing::LasFolder folder_{};
 };
 
 TEST_F(LASFileTest, AnswersFromTheHeader) {

@@ -36,7 +36,7 @@ class LasPointViewsTest : public ::testing::Test {
         return LASFile::Open(folder_.Write(builder), readOnly, false);
     }
 
-    const testing::LasFolder folder_;
+    const testing::LasFolder folder_{};
 };
 
 TEST_F(LasPointViewsTest, CoverEveryPointOnce) {

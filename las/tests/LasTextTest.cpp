@@ -17,7 +17,7 @@ class LasTextTest : public ::testing::Test {
     std::wstring VlrText(const LasBuilder& builder) const { return LasVlrText(*folder_.Open(builder)); }
     std::wstring EvlrText(const LasBuilder& builder) const { return LasEvlrText(*folder_.Open(builder)); }
 
-    const testing::LasFolder folder_;
+    const testing::LasFolder folder_{};
 };
 
 std::wstring Fields(const std::wstring& reserved, const std::wstring& userId, const std::wstring& recordId,
