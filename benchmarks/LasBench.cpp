@@ -15,7 +15,7 @@
 #include "host/objects/HostClasses.h"
 #include "las/LasRow.h"
 #include "las/testing/LasBuilder.h"
-#include "settings/PrivateSettings.h"
+#include "settings/RegistryKey.h"
 #include "support/QtText.h"
 #include "support/Text.h"
 

@@ -6,9 +6,9 @@
 #include <mutex>
 
 #include "orvexcommon/OrvexUtilities.h"
+#include "support/Environment.h"
 #include "support/Files.h"
 #include "support/GdalErrorScope.h"
-#include "support/ModuleFolder.h"
 #include "support/SpatialReference.h"
 #include "support/Text.h"
 

@@ -21,9 +21,9 @@
 #include "dialog/RunInputFilter.h"
 #include "dialog/WindowPlacement.h"
 #include "settings/OptionStore.h"
+#include "support/DesktopQt.h"
 #include "support/Format.h"
 #include "support/HostObjects.h"
-#include "support/KeyState.h"
 #include "support/QtText.h"
 #include "support/UserPrompts.h"
 

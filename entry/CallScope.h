@@ -1,29 +1,44 @@
 #pragma once
+#include <QObject>
 #include <QPointer>
+#include <QTimer>
 #include <QWidget>
 #include <memory>
 #include <optional>
 
-#include "entry/ModalEnd.h"
+#include "entry/HostProcess.h"
 #include "entry/OwnerWindow.h"
-#include "entry/ProcessState.h"
 #include "entry/QtSession.h"
-#include "entry/QuitWatch.h"
 
 namespace orvex {
 
-/// What stands around every exported function that shows windows: Qt, the window that they belong to, and the
+/// Cancels the modal windows of a call, the topmost first, and those that open later: for a host that quits,
+/// or whose window, the dialogs' owner, is destroyed.
+class ModalEnd : public QObject {
+  public:
+    ModalEnd();
+
+    /// Any thread; a second call is without effect.
+    void Begin();
+
+  private:
+    void EndTopmost();
+
+    QTimer timer_;
+};
+
+/// Set-up of every exported function that shows windows: a running Qt, the owner of the windows, and the
 /// host's process as it was before, however the call ends.
 class CallScope {
   public:
-    /// `owner` is the window the host names; 0: the active one of this thread. Throws LDataError when windows
-    /// cannot be shown.
+    /// `owner` is the host's window; 0: this thread's active one. Throws LDataError if windows cannot be
+    /// shown.
     explicit CallScope(NativeWindow owner = 0);
     ~CallScope();
     CallScope(const CallScope&) = delete;
     CallScope& operator=(const CallScope&) = delete;
 
-    /// The host's window that dialogs have as their parent; null when it is not Qt's, or there is none.
+    /// Parent of dialogs: the host's window; null if it is not Qt's, or if there is none.
     QWidget* Parent() const { return parent_; }
 
   private:

@@ -3,23 +3,46 @@
 #include "dialog/AddFilesDlg.h"
 #include "dialog/CAddingLidarDlg.h"
 #include "entry/CallScope.h"
-#include "entry/ComponentParts.h"
 #include "entry/PageTable.h"
+#include "settings/OptionStore.h"
+#include "support/DesktopQt.h"
+#include "support/Environment.h"
+#include "support/FilePickers.h"
+#include "support/HostObjects.h"
 #include "support/LDataError.h"
 #include "support/Log.h"
 #include "support/ModuleUse.h"
 
+namespace orvex {
 namespace {
+
+/// The platform's halves of what the component needs, for one call: the only place where they are chosen.
+class ComponentParts {
+  public:
+    /// `owner` is the parent of messages; null: the active window.
+    explicit ComponentParts(QWidget* owner = nullptr) : prompts_(owner) {}
+
+    DialogServices& Services() { return services_; }
+
+  private:
+    std::unique_ptr<RegistryStore> registry_ = MakeRegistryStore();
+    std::unique_ptr<HostObjects> hostObjects_ = MakeHostObjects();
+    UserPromptsQt prompts_;
+    std::unique_ptr<FilePickers> pickers_ = MakeFilePickers();
+    std::unique_ptr<HelpViewer> help_ = MakeHelpViewer(ModuleFolder());
+    OptionStore options_{*registry_};
+    DialogServices services_{prompts_, *pickers_, *help_, options_, *hostObjects_};
+};
 
 // No exception leaves the component: the host may be built with another runtime. What happened is logged.
 template <typename Result, typename Body>
 Result Exported(const wchar_t* name, Result onFailure, Body body) noexcept {
-    const orvex::ModuleUse use;
+    const ModuleUse use;
     try {
         return body();
     } catch (...) {
         try {
-            orvex::LogWarning(std::wstring(name) + L": " + orvex::CurrentExceptionText());
+            LogWarning(std::wstring(name) + L": " + CurrentExceptionText());
         } catch (...) {
             return onFailure;  // not even the log: memory is exhausted
         }
@@ -28,6 +51,9 @@ Result Exported(const wchar_t* name, Result onFailure, Body body) noexcept {
 }
 
 }  // namespace
+}  // namespace orvex
+
+using orvex::Exported;
 
 bool ShowAddFilesDialog(AddFilesParams* params) {
     return Exported(L"ShowAddFilesDialog", false, [params] {

@@ -8,11 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "entry/ProcessState.h"
+#include "entry/HostProcess.h"
 #include "support/Environment.h"
 #include "support/LDataError.h"
 #include "support/Log.h"
-#include "support/ModuleFolder.h"
 #include "support/QtText.h"
 #include "support/Text.h"
 

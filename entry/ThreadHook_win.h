@@ -3,8 +3,8 @@
 
 namespace orvex {
 
-/// A hook on one thread of this process, removed when this goes. Thread 0 has none: to Windows it would mean
-/// every thread there is.
+/// A hook on one thread of this process, removed when destroyed. None for thread 0, which to Windows would
+/// mean every thread.
 class ThreadHook {
   public:
     ThreadHook(int kind, HOOKPROC procedure, DWORD thread)

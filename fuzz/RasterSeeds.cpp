@@ -23,7 +23,7 @@ std::vector<std::uint64_t> Characters(std::string_view text) {
     return {text.begin(), text.end()};
 }
 
-/// 4 x 2 pixels of a byte, whose bytes are the first of the file.
+/// 4 x 2 pixels of one byte each; the pixels are the first bytes of the file.
 TiffBytes Small(TiffBytes tiff) {
     return tiff.Image(4, 2, 0, 8);
 }
@@ -35,7 +35,7 @@ TiffBytes Placed(TiffBytes tiff) {
         .Tag(34735, kShort, {1, 1, 0, 3, 1024, 0, 1, 1, 1025, 0, 1, 2, 3072, 0, 1, 32633});
 }
 
-/// With what else a file may say: palette, nodata, metadata, place as a matrix, user-defined keys.
+/// With optional tags: palette, no-data value, metadata, transformation matrix, user-defined GeoKeys.
 TiffBytes Rich() {
     const std::string metadata =
         "<GDALMetadata><Item name=\"STATISTICS_MINIMUM\" sample=\"0\">1</Item>"
@@ -58,8 +58,8 @@ TiffBytes Floats(TiffBytes tiff) {
 
 }  // namespace
 
-// Both byte orders and sizes of TIFF, a file of each other kind that a few bytes can make, and the lies that
-// once were trouble somewhere.
+// Classic and big TIFF in both byte orders, other formats that take only a few bytes, and damage that once
+// caused trouble.
 std::vector<std::string> Seeds() {
     using enum TiffBytes::Format;
     std::vector<std::string> seeds{

@@ -4,7 +4,7 @@
 
 namespace orvex::fuzz {
 
-/// Whole files for a fuzzer to start from. Each fuzzer has its own; they are built into its programs.
+/// Complete input files for a fuzzer to start from. Each fuzzer defines its own.
 std::vector<std::string> Seeds();
 
 }  // namespace orvex::fuzz

@@ -7,7 +7,6 @@
 #include "las/LasText.h"
 #include "support/Format.h"
 #include "support/LasFormat.h"
-#include "support/UtcTime.h"
 
 namespace orvex {
 namespace {

@@ -84,14 +84,14 @@ struct PaletteFacts {
 };
 
 PaletteFacts ExaminePalette(GDALColorTableH colors) {
-    PaletteFacts table;
+    PaletteFacts palette;
     const int count = std::min(GDALGetColorEntryCount(colors), kMostColorsCompared);
     for (int i = 0; i < count; ++i) {
         const GDALColorEntry& entry = *GDALGetColorEntry(colors, i);
-        table.isGray = table.isGray && entry.c1 == entry.c2 && entry.c2 == entry.c3;
-        table.beginsWhite = table.beginsWhite || (i == 0 && entry.c1 == 255);
+        palette.isGray = palette.isGray && entry.c1 == entry.c2 && entry.c2 == entry.c3;
+        palette.beginsWhite = palette.beginsWhite || (i == 0 && entry.c1 == 255);
     }
-    return table;
+    return palette;
 }
 
 bool IsMinIsWhite(GDALDatasetH dataset) {
@@ -107,12 +107,12 @@ bool IsTiff(const RasterProperties& properties) {
 /// itself has none then.
 void ReadPalette(GDALDatasetH dataset, GDALRasterBandH band, RasterProperties& properties) {
     GDALColorTableH colors = GDALGetRasterColorTable(band);
-    const PaletteFacts table = colors == nullptr ? PaletteFacts{} : ExaminePalette(colors);
-    const bool isBilevel = properties.bitsPerBand == 1 && table.isGray;
-    properties.colorModel = isBilevel                           ? kBlackAndWhite
-                            : table.isGray && colors != nullptr ? kGrayscale
-                                                                : kColor;
-    if (IsMinIsWhite(dataset) || (isBilevel && table.beginsWhite)) {
+    const PaletteFacts palette = colors == nullptr ? PaletteFacts{} : ExaminePalette(colors);
+    const bool isBilevel = properties.bitsPerBand == 1 && palette.isGray;
+    properties.colorModel = isBilevel                             ? kBlackAndWhite
+                            : palette.isGray && colors != nullptr ? kGrayscale
+                                                                  : kColor;
+    if (IsMinIsWhite(dataset) || (isBilevel && palette.beginsWhite)) {
         properties.rasterKind = kWhiteIsZero;
     } else {
         properties.rasterKind = isBilevel ? kBlackIsZero : kPalette;

@@ -6,7 +6,6 @@
 #include <optional>
 
 #include "support/Format.h"
-#include "support/UtcTime.h"
 
 namespace orvex {
 namespace {

@@ -32,10 +32,6 @@ GdalListPtr ToGdal(std::vector<std::wstring>::const_iterator begin,
 // More than any format needs; a file can name any number of others.
 constexpr std::size_t kMostSidecars = 256;
 
-struct FreeList {
-    void operator()(char** list) const noexcept { CSLDestroy(list); }
-};
-
 }  // namespace
 
 FolderListing::FolderPtr FolderListing::List(const std::wstring& path, FileTime modified) {
@@ -115,11 +111,11 @@ GdalListPtr FolderListing::Beside(const std::wstring& path) {
 }
 
 void ReadSidecars(GDALDatasetH dataset, const std::wstring& path, RasterProperties& properties) {
-    const std::unique_ptr<char*[], FreeList> files(GDALGetFileList(dataset));
+    const CPLStringList files(GDALGetFileList(dataset));
     // The list holds the file itself under the name it was opened with, a full path.
     const std::wstring keys[] = {PathKey(path), PathKey(FromUtf8(GDALGetDescription(dataset)))};
-    for (char** file = files.get(); file != nullptr && *file != nullptr; ++file) {
-        std::wstring sidecar = NativePath(FromUtf8(*file));
+    for (int i = 0; i < files.size(); ++i) {
+        std::wstring sidecar = NativePath(FromUtf8(files[i]));
         // Files inside archives, and files removed meanwhile, have no size.
         const auto size = FileSizeOf(sidecar);
         const bool isItself = std::ranges::find(keys, PathKey(sidecar)) != std::end(keys);

@@ -9,8 +9,8 @@
 
 namespace orvex {
 
-/// What an option is when nothing is stored: the `size` lowest bytes of `value`, least significant first; no
-/// default when `size` is 0. Not always as long as the item.
+/// Default of an option: the `size` lowest bytes of `value`, least significant first; no default if `size` is
+/// 0. Not always as long as the item.
 struct OptionDefault {
     std::size_t size = 0;
     std::uint32_t value = 0;
@@ -21,23 +21,23 @@ struct OptionDescription {
     OrvexOptionItem2 item;
     const wchar_t* valueName;
     RegistryType type;
-    std::size_t size;  ///< in bytes; 0 for texts, which are as long as what is stored
+    std::size_t size;  ///< in bytes; 0 for texts, which have any length
     OptionDefault fallback;
 };
 
-/// Where the options of a group are stored.
+/// Storage place of a group of options.
 struct OptionPlace {
     RegistryRoot root;
     const wchar_t* subkey;  ///< under the base key; null: in the base key itself
 };
 
-/// Every option there is, in ascending order of the item's number.
+/// All options, in ascending order of the item's number.
 std::span<const OptionDescription> OptionCatalogue();
 
-/// The row of an item; null when the catalogue has none.
+/// Row of an item; null if the catalogue has none.
 const OptionDescription* FindOption(OrvexOptionItem2 item);
 
-/// The place of an item's group, which is the top byte of its number. Empty for groups that store nothing.
+/// Place of an item's group, the top byte of its number; nullopt for a group that stores nothing.
 std::optional<OptionPlace> PlaceOfOption(OrvexOptionItem2 item);
 
 }  // namespace orvex

@@ -5,7 +5,8 @@
 #include <utility>
 
 #include "settings/RegistryKey.h"
-#include "support/OpenKey_win.h"
+#include "support/Handle_win.h"
+#include "support/LDataError.h"
 
 namespace orvex {
 namespace {
@@ -121,10 +122,35 @@ class WindowsRegistry final : public RegistryStore {
     }
 };
 
+std::wstring KeyOfThisProcess() {
+    return L"Software\\orvex-private-" + std::to_wstring(GetCurrentProcessId());
+}
+
 }  // namespace
 
 std::unique_ptr<RegistryStore> MakeRegistryStore() {
     return std::make_unique<WindowsRegistry>();
+}
+
+PrivateSettings::PrivateSettings(const std::filesystem::path& folder) {
+    HKEY made = nullptr;
+    // Not volatile: that would have to hold for every key that is made in it.
+    LSTATUS result = RegCreateKeyExW(HKEY_CURRENT_USER, KeyOfThisProcess().c_str(), 0, nullptr,
+                                     REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &made, nullptr);
+    const OpenKey key(result == ERROR_SUCCESS ? made : nullptr);
+    if (key) {
+        result = RegOverridePredefKey(HKEY_CURRENT_USER, key.Get());
+    }
+    if (result != ERROR_SUCCESS) {
+        throw LDataError(L"no settings of its own: error " + std::to_wstring(result));
+    }
+    SetEnvironmentVariableW(L"ORVEX_CONFIG_DIR", folder.c_str());
+}
+
+PrivateSettings::~PrivateSettings() {
+    SetEnvironmentVariableW(L"ORVEX_CONFIG_DIR", nullptr);
+    RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+    RegDeleteTreeW(HKEY_CURRENT_USER, KeyOfThisProcess().c_str());
 }
 
 }  // namespace orvex

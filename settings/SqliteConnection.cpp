@@ -4,6 +4,9 @@
 #include <thread>
 
 #include "settings/StoreFiles.h"
+#include "support/Files.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
 
 namespace orvex {
 namespace {
@@ -30,7 +33,48 @@ int OnProgress(void* limits) {
     return Clock::now() >= static_cast<const SqliteLimits*>(limits)->workUntil ? 1 : 0;
 }
 
+constexpr int kMostCopies = 1000;
+constexpr std::uintmax_t kLargestCopy = 64U << 20;  // copied within a call's time on any disk
+
+std::filesystem::path FreeNameFor(const std::filesystem::path& file) {
+    for (int number = 1; number <= kMostCopies; ++number) {
+        std::filesystem::path name = file;
+        name += ".damaged-" + std::to_string(number);
+        if (IsFreeName(name)) {
+            return name;
+        }
+    }
+    return {};
+}
+
+/// Makes SQLite treat a file as empty, whatever is in it.
+void TreatAsEmpty(const SqliteConnection& connection) {
+    if (connection.OpenResult() == SQLITE_OK) {
+        sqlite3_db_config(connection.Handle(), SQLITE_DBCONFIG_RESET_DATABASE, 1, nullptr);
+    }
+}
+
+/// Waits for a writer at work; false if the file cannot be written at all.
+bool CanBeWritten(const std::filesystem::path& file, const SqliteLimits& limits) {
+    SqliteConnection connection(file, SqliteConnection::Mode::Existing, limits);
+    TreatAsEmpty(connection);
+    // Where only reading is possible the statement succeeds and locks nothing.
+    return connection.Execute("BEGIN IMMEDIATE") == SQLITE_OK &&
+           sqlite3_db_readonly(connection.Handle(), "main") == 0;
+}
+
+bool Empty(const std::filesystem::path& file, const SqliteLimits& limits) {
+    SqliteConnection connection(file, SqliteConnection::Mode::Existing, limits);
+    TreatAsEmpty(connection);
+    return connection.Execute("VACUUM") == SQLITE_OK;
+}
+
 }  // namespace
+
+bool IsCorruption(int result) {
+    const int primary = result & 0xFF;
+    return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB;
+}
 
 SqliteConnection::SqliteConnection(const std::filesystem::path& file, Mode mode, const SqliteLimits& limits)
     : limits_(limits) {
@@ -107,6 +151,35 @@ std::vector<std::byte> SqliteStatement::Blob(int column) const {
     const auto* bytes = static_cast<const std::byte*>(sqlite3_column_blob(handle_.get(), column));
     const int size = sqlite3_column_bytes(handle_.get(), column);
     return bytes == nullptr ? std::vector<std::byte>() : std::vector<std::byte>(bytes, bytes + size);
+}
+
+bool IsCorruptDatabase(const std::filesystem::path& file, const SqliteLimits& limits) {
+    const SqliteConnection connection(file, SqliteConnection::Mode::Existing, limits);
+    SqliteStatement check(connection, "PRAGMA quick_check(1)");
+    const int result = check.Step();
+    return IsCorruption(result) || (result == SQLITE_ROW && check.Text(0) != "ok");
+}
+
+std::filesystem::path ResetCorruptDatabase(const std::filesystem::path& file, const SqliteLimits& limits) {
+    // Writers queue at this lock too, so none begins between the copy and the emptying.
+    const FolderLock lock(file.parent_path(), limits.waitUntil);
+    if (!lock.IsHeld()) {
+        throw LDataError(FromPath(file) + L": its folder stays locked");
+    }
+    if (!IsCorruptDatabase(file, limits)) {
+        return {};
+    }
+    std::filesystem::path copy = FreeNameFor(file);
+    // The copy is made while no connection is open: on Linux, closing any descriptor of a file drops the
+    // locks that SQLite has on it in this process.
+    if (copy.empty() || !CanBeWritten(file, limits) || !CopyStoreFile(file, copy, kLargestCopy)) {
+        throw LDataError(FromPath(file) + L": no copy can be kept of the damaged file");
+    }
+    if (!Empty(file, limits)) {
+        RemoveFile(FromPath(copy));
+        throw LDataError(FromPath(file) + L": the damaged file cannot be emptied");
+    }
+    return copy;
 }
 
 }  // namespace orvex

@@ -13,14 +13,14 @@
 
 namespace orvex {
 
-/// How long the statements of a connection may take.
+/// Time limits of a connection's statements.
 struct SqliteLimits {
-    std::chrono::steady_clock::time_point waitUntil;  ///< for locks that other processes hold
-    std::chrono::steady_clock::time_point workUntil;  ///< for everything; then SQLITE_INTERRUPT
+    std::chrono::steady_clock::time_point waitUntil;  ///< for locks of other processes
+    std::chrono::steady_clock::time_point workUntil;  ///< for all statements; then SQLITE_INTERRUPT
 };
 
-/// One SQLite file, opened for writing if its rights allow, else for reading. Closed, and an unfinished
-/// transaction undone, when destroyed. Values and texts are limited to a megabyte. Results are SQLite's
+/// An SQLite file, opened for writing if its rights allow, else for reading. Destruction rolls an unfinished
+/// transaction back and closes the file. Values and texts are limited to a megabyte. Results are SQLite's
 /// extended codes.
 class SqliteConnection {
   public:
@@ -30,12 +30,12 @@ class SqliteConnection {
     SqliteConnection(const SqliteConnection&) = delete;
     SqliteConnection& operator=(const SqliteConnection&) = delete;
 
-    /// SQLITE_OK when the file is open. The other functions then work; without it they return the code.
+    /// SQLITE_OK if the file is open, else the code that every other function returns.
     int OpenResult() const { return openResult_; }
-    /// Runs a statement that delivers nothing.
+    /// Runs a statement without results.
     int Execute(const char* sql);
     bool HasTable(const char* table) const;
-    /// The last failure in SQLite's words.
+    /// SQLite's text for the last failure.
     std::string ErrorText() const;
 
     sqlite3* Handle() const { return handle_.get(); }
@@ -55,7 +55,7 @@ class SqliteStatement {
   public:
     SqliteStatement(const SqliteConnection& connection, const char* sql);
 
-    /// SQLITE_OK, or why the statement could not be prepared or a parameter not be bound.
+    /// SQLITE_OK, or why preparing or binding failed.
     int Result() const { return result_; }
     /// The bytes must live until the statement has been stepped.
     void BindText(int parameter, std::string_view text);
@@ -78,5 +78,17 @@ class SqliteStatement {
     std::unique_ptr<sqlite3_stmt, Finalize> handle_;
     int result_ = SQLITE_OK;
 };
+
+/// True for SQLite's results that mean a corrupt file.
+bool IsCorruption(int result);
+
+/// True if the file is not an intact SQLite file; false also if that cannot be checked now.
+bool IsCorruptDatabase(const std::filesystem::path& file, const SqliteLimits& limits);
+
+/// Copies a corrupt SQLite file to "NAME.damaged-1" (or the next free number) and empties it under SQLite's
+/// own locks. It is not renamed: a process that still has it open would take the journal of the new file for
+/// the renamed one's, and play it back. Returns the copy; an empty path if another process has reset the file
+/// meanwhile. Throws LDataError if it cannot be reset: no rights, no space, too large or no time.
+std::filesystem::path ResetCorruptDatabase(const std::filesystem::path& file, const SqliteLimits& limits);
 
 }  // namespace orvex

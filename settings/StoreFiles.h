@@ -1,48 +1,64 @@
 #pragma once
-// What a file of stored values needs of the file system beside SQLite, and what the standard library does not
-// do with long names on Windows. Nothing throws but what runs out of memory.
+// File-system access for a file of stored values, beside SQLite's own: kinds, copies, access rights and the
+// lock of its folder. Paths are absolute and fit for system calls (see ToPath). Nothing throws but
+// std::bad_alloc.
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 namespace orvex {
 
-/// The path as the system takes it, however long: on Windows a full one, from 200 characters on with the
-/// prefix "\\?\". An empty one stays empty. What follows takes such paths.
-std::filesystem::path SystemPathOf(const std::filesystem::path& file);
-
 enum class StoreFileKind {
-    Nothing,   ///< there is nothing of that name
-    Regular,   ///< a regular file that can be read
+    Nothing,   ///< no such name
+    Regular,   ///< a readable regular file
     Other,     ///< a folder, a pipe, a device
-    NoAccess,  ///< that cannot be found out, or not be read
-    Busy,      ///< another program keeps the file to itself (Windows)
+    NoAccess,  ///< unknown, or not readable
+    Busy,      ///< another program has the file open exclusively (Windows)
 };
 
-/// What a name stands for, links followed. Waits until the given time for a file that is Busy.
+/// Kind of what a path names, links followed. Waits until the given time for a file that is Busy.
 StoreFileKind KindOfStoreFile(const std::filesystem::path& file, std::chrono::steady_clock::time_point until);
 
-/// True when nothing, not even a link that leads nowhere, has that name.
+/// True if nothing, not even a broken link, has that name.
 bool IsFreeName(const std::filesystem::path& file);
 
-/// Copies a file of at most `largest` bytes to a name, completely or not at all.
+/// Copies a file of at most `largest` bytes, completely or not at all.
 bool CopyStoreFile(const std::filesystem::path& file, const std::filesystem::path& copy,
                    std::uintmax_t largest);
-void RemoveStoreFile(const std::filesystem::path& file);
 
-/// Who may use what is made: its owner alone, or everybody for reading. The system's administrators always
-/// may.
+/// Who may use a new file or folder: its owner alone, or everybody for reading. Administrators always may.
 enum class StoreReaders { OwnerOnly, Everybody };
 
-/// Makes a folder for `readers`, and those on the way to it. One that exists stays as it is.
+/// Creates a folder for `readers`, and its missing parents. An existing one stays as it is.
 void MakeStoreFolder(const std::filesystem::path& folder, StoreReaders readers);
-/// Sets the rights of a file that has just been made.
+/// Sets the rights of a file that has just been created.
 void SetStoreFileReaders(const std::filesystem::path& file, StoreReaders readers);
 
-/// The name by which SQLite opens a file, and the one of its own file systems that takes it (null: the usual
-/// one).
+/// The file's name for SQLite, and SQLite's own file system that accepts it (null: the default one).
 std::string SqliteNameOf(const std::filesystem::path& file);
 const char* SqliteFileSystem();
+
+/// A lock on a folder for one process at a time; it leaves no file there. Released when destroyed, by the
+/// thread that created it, and when its process ends in any way.
+class FolderLock {
+  public:
+    /// Waits for the lock until the given time. Counts as held where no such lock is possible, and as not
+    /// held if the folder does not exist.
+    FolderLock(const std::filesystem::path& folder, std::chrono::steady_clock::time_point until);
+    ~FolderLock();
+    FolderLock(const FolderLock&) = delete;
+    FolderLock& operator=(const FolderLock&) = delete;
+
+    bool IsHeld() const { return isHeld_; }
+    void Release();
+
+  private:
+    struct System;
+
+    std::unique_ptr<System> system_;  ///< null when released
+    bool isHeld_ = false;
+};
 
 }  // namespace orvex

@@ -1,5 +1,11 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <thread>
+
 #include "settings/StoreFiles.h"
-#include "support/Text.h"
 
 namespace orvex {
 namespace {
@@ -11,10 +17,6 @@ constexpr perms kAllRead = perms::owner_read | perms::group_read | perms::others
 constexpr perms kAllEnter = perms::group_exec | perms::others_exec;
 
 }  // namespace
-
-fs::path SystemPathOf(const fs::path& file) {
-    return file;
-}
 
 StoreFileKind KindOfStoreFile(const fs::path& file, std::chrono::steady_clock::time_point) {
     std::error_code error;
@@ -50,13 +52,8 @@ bool CopyStoreFile(const fs::path& file, const fs::path& copy, std::uintmax_t la
     if (isCopied && !error) {
         return true;
     }
-    RemoveStoreFile(part);
+    fs::remove(part, error);
     return false;
-}
-
-void RemoveStoreFile(const fs::path& file) {
-    std::error_code error;
-    fs::remove(file, error);
 }
 
 void MakeStoreFolder(const fs::path& folder, StoreReaders readers) {
@@ -74,11 +71,47 @@ void SetStoreFileReaders(const fs::path& file, StoreReaders readers) {
 }
 
 std::string SqliteNameOf(const fs::path& file) {
-    return ToUtf8(FromPath(file));
+    return file.native();
 }
 
 const char* SqliteFileSystem() {
     return nullptr;
+}
+
+/// The open folder.
+struct FolderLock::System {
+    explicit System(int opened) : descriptor(opened) {}
+    ~System() { close(descriptor); }
+    System(const System&) = delete;
+    System& operator=(const System&) = delete;
+
+    int descriptor;
+};
+
+FolderLock::FolderLock(const std::filesystem::path& folder, std::chrono::steady_clock::time_point until) {
+    constexpr auto kPause = std::chrono::microseconds(500);
+    const char* name = folder.empty() ? "." : folder.c_str();
+    const int descriptor = open(name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return;
+    }
+    system_ = std::make_unique<System>(descriptor);
+    while (true) {
+        isHeld_ = flock(descriptor, LOCK_EX | LOCK_NB) == 0 || (errno != EWOULDBLOCK && errno != EINTR);
+        if (isHeld_ || std::chrono::steady_clock::now() >= until) {
+            return;
+        }
+        std::this_thread::sleep_for(kPause);
+    }
+}
+
+FolderLock::~FolderLock() {
+    Release();
+}
+
+void FolderLock::Release() {
+    system_.reset();
+    isHeld_ = false;
 }
 
 }  // namespace orvex

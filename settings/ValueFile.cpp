@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "settings/DamagedFile.h"
-#include "support/FolderAccess.h"
+#include "support/Files.h"
+#include "support/LDataError.h"
 #include "support/Log.h"
 #include "support/Text.h"
 
@@ -18,6 +18,8 @@ constexpr auto kLongestWork = std::chrono::milliseconds(700);
 // once.
 constexpr auto kPauseAfterWait = std::chrono::seconds(3);
 constexpr int kAttempts = 3;
+// SQLite and the copies append to the name, so the prefix for long names comes earlier.
+constexpr std::size_t kRoomForSuffixes = 48;
 
 constexpr const char* kTable = "stored_value";
 constexpr const char* kCreateTable =
@@ -38,14 +40,11 @@ int Primary(int result) {
 bool Succeeded(int result) {
     return result == SQLITE_OK || result == SQLITE_ROW || result == SQLITE_DONE;
 }
-bool IsDamage(int result) {
-    return Primary(result) == SQLITE_CORRUPT || Primary(result) == SQLITE_NOTADB;
-}
 bool RanOutOfTime(int result) {
     return Primary(result) == SQLITE_BUSY || Primary(result) == SQLITE_INTERRUPT;
 }
 
-/// How a result of SQLite says that a file of that kind cannot be used.
+/// SQLite's result for a file of a kind that cannot be used.
 int ResultFor(StoreFileKind kind) {
     return kind == StoreFileKind::Busy ? SQLITE_BUSY : SQLITE_CANTOPEN;
 }
@@ -53,28 +52,28 @@ int ResultFor(StoreFileKind kind) {
 }  // namespace
 
 ValueFile::ValueFile(const std::filesystem::path& file, ValueFileOwner owner)
-    : file_(SystemPathOf(file)),
+    : file_(ToPath(AbsolutePath(FromPath(file)), kRoomForSuffixes)),
       folder_(file_.has_parent_path() ? file_.parent_path() : std::filesystem::path(".")),
       owner_(owner) {}
 
-ValueStatus ValueFile::Find(std::wstring_view key, std::wstring_view name, Value& value) {
+RegistryStatus ValueFile::Find(std::wstring_view key, std::wstring_view name, Value& value) {
     const std::string keyText = ToUtf8(key);
     const std::string nameText = ToUtf8(name);
     const int result =
         Try([&](const SqliteLimits& limits) { return TryFind(limits, keyText, nameText, value); }, "read");
-    return result == SQLITE_ROW    ? ValueStatus::Ok
-           : result == SQLITE_DONE ? ValueStatus::NotFound
-                                   : ValueStatus::NoAccess;
+    return result == SQLITE_ROW    ? RegistryStatus::Ok
+           : result == SQLITE_DONE ? RegistryStatus::NotFound
+                                   : RegistryStatus::NoAccess;
 }
 
-ValueStatus ValueFile::Store(std::wstring_view key, std::wstring_view name, std::int64_t type,
-                             std::span<const std::byte> data) {
+RegistryStatus ValueFile::Store(std::wstring_view key, std::wstring_view name, std::int64_t type,
+                                std::span<const std::byte> data) {
     const std::string keyText = ToUtf8(key);
     const std::string nameText = ToUtf8(name);
     const int result =
         Try([&](const SqliteLimits& limits) { return TryStore(limits, keyText, nameText, type, data); },
             "written");
-    return result == SQLITE_OK ? ValueStatus::Ok : ValueStatus::NoAccess;
+    return result == SQLITE_OK ? RegistryStatus::Ok : RegistryStatus::NoAccess;
 }
 
 int ValueFile::Try(const Attempt& attempt, const char* doing) {
@@ -85,7 +84,7 @@ int ValueFile::Try(const Attempt& attempt, const char* doing) {
     int result = SQLITE_CANTOPEN;
     for (int i = 0; i < kAttempts; ++i) {
         result = attempt(limits);
-        if (!IsDamage(result) || !StartAfresh(limits)) {
+        if (!IsCorruption(result) || !Reset(limits)) {
             break;
         }
     }
@@ -190,17 +189,20 @@ StoreReaders ValueFile::Readers() const {
     return owner_ == ValueFileOwner::User ? StoreReaders::OwnerOnly : StoreReaders::Everybody;
 }
 
-bool ValueFile::StartAfresh(const SqliteLimits& limits) {
+bool ValueFile::Reset(const SqliteLimits& limits) {
     if (owner_ != ValueFileOwner::User) {
         return false;
     }
-    std::filesystem::path kept;
-    const AfreshResult result = StartDamagedFileAfresh(file_, limits, kept);
-    if (result == AfreshResult::Emptied) {
-        Warn("is damaged (" + failure_ + "); it starts afresh, a copy is kept as " +
-             ToUtf8(FromPath(kept.filename())));
+    try {
+        const std::filesystem::path copy = ResetCorruptDatabase(file_, limits);
+        if (!copy.empty()) {
+            Warn("is damaged (" + failure_ + "); it starts afresh, a copy is kept as " +
+                 ToUtf8(FromPath(copy.filename())));
+        }
+        return true;
+    } catch (const LDataError&) {
+        return false;  // the caller logs the damage itself
     }
-    return result != AfreshResult::Failed;
 }
 
 SqliteLimits ValueFile::Limits() const {

@@ -10,26 +10,24 @@
 #include <string_view>
 #include <vector>
 
-#include "settings/FolderLock.h"
+#include "settings/RegistryKey.h"
 #include "settings/SqliteConnection.h"
 #include "settings/StoreFiles.h"
 
 namespace orvex {
 
-enum class ValueStatus { Ok, NotFound, NoAccess };
-
-/// Whose file it is: a user's own is kept from others and starts afresh (a copy is kept) when it is damaged;
-/// a shared one can be read by all and is left to whoever manages it.
+/// A user's file is hidden from others and is reset, with a copy kept, if it is corrupt; the machine's can be
+/// read by all and is left to its administrator.
 enum class ValueFileOwner { User, Machine };
 
-/// Small typed values under a key and a name (both compared without regard to the case of ASCII letters), in
-/// one SQLite file that many processes may use at once. The file and its folder are made by the first Store.
-/// The file is open during a call only. No call takes longer than a second or throws; what goes wrong is
-/// logged once. Not shared between threads.
+/// Small typed values by key and name (both compared without regard to the case of ASCII letters) in one
+/// SQLite file that many processes may use at once. The first Store creates the file and its folder; the file
+/// is open during a call only. No call takes longer than a second or throws; failures are logged once. One
+/// thread at a time.
 ///
-/// The file uses a rollback journal, not a write-ahead log: a reader then needs no right to write beside
-/// it (the machine's file), it works on network homes, and nothing stays beside a closed file. Waiting
-/// for a writer costs milliseconds with values this small.
+/// A rollback journal, not a write-ahead log: it needs no right to write beside the file when reading (the
+/// machine's file), works on network homes and leaves nothing beside a closed file. Waiting for a writer
+/// costs milliseconds with values this small.
 class ValueFile {
   public:
     struct Value {
@@ -39,11 +37,11 @@ class ValueFile {
 
     ValueFile(const std::filesystem::path& file, ValueFileOwner owner);
 
-    /// A value; `value` is untouched unless Ok. No file is the same as an empty one.
-    ValueStatus Find(std::wstring_view key, std::wstring_view name, Value& value);
-    /// Stores a value of up to a megabyte in place of the old one, completely or not at all.
-    ValueStatus Store(std::wstring_view key, std::wstring_view name, std::int64_t type,
-                      std::span<const std::byte> data);
+    /// Reads a value of any type; `value` is unchanged unless Ok. A missing file counts as an empty one.
+    RegistryStatus Find(std::wstring_view key, std::wstring_view name, Value& value);
+    /// Replaces a value by one of up to a megabyte, completely or not at all.
+    RegistryStatus Store(std::wstring_view key, std::wstring_view name, std::int64_t type,
+                         std::span<const std::byte> data);
 
   private:
     using Attempt = std::function<int(const SqliteLimits&)>;
@@ -56,7 +54,7 @@ class ValueFile {
                  std::int64_t type, std::span<const std::byte> data);
     bool IsUsable(StoreFileKind kind);
     StoreReaders Readers() const;
-    bool StartAfresh(const SqliteLimits& limits);
+    bool Reset(const SqliteLimits& limits);
     SqliteLimits Limits() const;
     void Warn(const std::string& line);
 

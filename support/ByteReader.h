@@ -13,19 +13,19 @@ namespace orvex {
 
 static_assert(std::endian::native == std::endian::little, "reads copy little-endian bytes as they are");
 
-/// A view of bytes that cannot be read beyond its end. Offsets are bytes from the start of the view.
+/// Bounds-checked view of bytes. Offsets count from the start of the view.
 class ByteReader {
   public:
     explicit ByteReader(std::span<const std::byte> bytes) : bytes_(bytes) {}
 
     std::uint64_t Size() const { return bytes_.size(); }
 
-    /// True when `length` bytes from `offset` lie inside; never overflows.
+    /// True if `length` bytes from `offset` lie inside; cannot overflow.
     bool Contains(std::uint64_t offset, std::uint64_t length) const {
         return offset <= bytes_.size() && length <= bytes_.size() - offset;
     }
 
-    /// The value at an offset, or none when it does not lie inside.
+    /// Value at an offset; nullopt if it does not lie inside.
     template <typename T>
     requires std::integral<T> || std::floating_point<T> std::optional<T> TryRead(std::uint64_t offset)
     const {
@@ -37,13 +37,13 @@ class ByteReader {
         return value;
     }
 
-    /// The value at an offset, 0 when it does not lie inside.
+    /// Value at an offset; 0 if it does not lie inside.
     template <typename T>
     T Read(std::uint64_t offset) const {
         return TryRead<T>(offset).value_or(T{});
     }
 
-    /// The bytes from an offset, cut to what lies inside.
+    /// Bytes from an offset, clipped to the view.
     std::span<const std::byte> Bytes(std::uint64_t offset, std::uint64_t length) const {
         if (offset >= bytes_.size()) {
             return {};
@@ -52,7 +52,7 @@ class ByteReader {
         return bytes_.subspan(offset, length < rest ? length : rest);
     }
 
-    /// Characters of a fixed-size field up to its first zero byte.
+    /// Text of a fixed-size field up to its first zero byte.
     std::string FixedText(std::uint64_t offset, std::uint64_t length) const {
         const auto field = Bytes(offset, length);
         const auto* text = reinterpret_cast<const char*>(field.data());

@@ -1,5 +1,5 @@
 #pragma once
-// What the process was started with, as wide text on every platform.
+// The process's surroundings: environment variables, arguments, and the folders it works with.
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -7,19 +7,32 @@
 
 namespace orvex {
 
-/// The value of an environment variable; none when there is no such variable, empty when it is set to
-/// nothing.
+/// Value of an environment variable; nullopt if it is not set, empty if it is set to nothing.
 std::optional<std::wstring> EnvironmentVariable(const std::wstring& name);
 
-/// The arguments behind the program's name. On Windows they come from the command line itself, since main's
-/// own are in the user's code page and lose what that has not; and a last component with "*" or "?", which
-/// the shells there leave to programs, becomes the files and folders that match, in natural order, unless
-/// there are none.
+/// The program's arguments without its own name. On Windows they are taken from the command line, because
+/// main's are in the user's code page and lose every other character; and since the shells there leave "*"
+/// and "?" to programs, a last path component with such a pattern is replaced by the matching files and
+/// folders in natural order, or kept if nothing matches.
 std::vector<std::wstring> ProgramArguments(int argc, const char* const* argv);
 
-/// The folder for what the component may lose without harm, such as its log; not made here.
-/// "$XDG_CACHE_HOME/orvex" or "~/.cache/orvex" on Linux, "%LOCALAPPDATA%\Orvex" on Windows; a folder for
-/// temporary files where the user has none.
+/// Folder of the component's own file: the shared library, or the program that it is linked into. Derived
+/// from the address of one of its functions, so it is right after the folder has been moved.
+std::filesystem::path ModuleFolder();
+
+/// Folder for files that can be lost without harm, such as the log; not created here.
+/// Linux: "$XDG_CACHE_HOME/orvex", else "~/.cache/orvex". Windows: "%LOCALAPPDATA%\Orvex", else the folder
+/// for temporary files.
 std::filesystem::path UserCacheFolder();
+
+/// Folder of the user's settings. It may not exist; empty if the user has no home folder.
+/// Linux: ORVEX_CONFIG_DIR, else "orvex" in XDG_CONFIG_HOME, else ".config/orvex" in the home folder.
+/// Windows: ORVEX_CONFIG_DIR, else "Orvex" in APPDATA, else in the profile's roaming application data.
+std::filesystem::path UserConfigFolder();
+
+/// Folder of the settings shared by all users. It may not exist.
+/// Linux: ORVEX_MACHINE_CONFIG_DIR, else "/etc/orvex". Windows: ORVEX_MACHINE_CONFIG_DIR, else "Orvex" in
+/// ProgramData.
+std::filesystem::path MachineConfigFolder();
 
 }  // namespace orvex

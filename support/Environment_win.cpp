@@ -1,16 +1,21 @@
 #include <windows.h>
 
+#include <knownfolders.h>
 #include <shellapi.h>
+#include <shlobj.h>
 #include <shlwapi.h>
 
 #include "support/Environment.h"
 #include "support/Files.h"
+#include "support/Handle_win.h"
 #include "support/NaturalOrder.h"
-#include "support/SystemMemory_win.h"
 #include "support/Text.h"
+#include "support/com/ModuleFile_win.h"
 
 namespace orvex {
 namespace {
+
+constexpr const wchar_t* kFolderName = L"Orvex";
 
 /// What a pattern stands for. The system's own search would also match the short names of files: "*.las"
 /// would find "a.lasx".
@@ -36,6 +41,30 @@ void AppendArgument(std::vector<std::wstring>& arguments, const std::wstring& ar
         arguments.push_back(argument);
     }
     arguments.insert(arguments.end(), found.begin(), found.end());
+}
+
+/// The path in an environment variable; empty when it is not set.
+std::filesystem::path PathIn(const wchar_t* variable) {
+    return ToPath(EnvironmentVariable(variable).value_or(std::wstring()));
+}
+
+/// The base folder that a variable names, else the one that the system knows; empty when it knows none.
+std::filesystem::path BaseFolder(const wchar_t* variable, const KNOWNFOLDERID& known) {
+    if (auto named = PathIn(variable); named.is_absolute()) {
+        return named;
+    }
+    wchar_t* text = nullptr;
+    const HRESULT result = SHGetKnownFolderPath(known, KF_FLAG_DONT_VERIFY, nullptr, &text);
+    const TaskMemory<wchar_t> path(text);  // to be freed after a failure, too
+    return SUCCEEDED(result) ? ToPath(path.get()) : std::filesystem::path();
+}
+
+std::filesystem::path ConfigFolder(const wchar_t* own, const wchar_t* variable, const KNOWNFOLDERID& known) {
+    if (auto named = PathIn(own); !named.empty()) {
+        return named;
+    }
+    const std::filesystem::path base = BaseFolder(variable, known);
+    return base.empty() ? base : base / kFolderName;
 }
 
 }  // namespace
@@ -68,9 +97,21 @@ std::vector<std::wstring> ProgramArguments(int, const char* const*) {
     return arguments;
 }
 
+std::filesystem::path ModuleFolder() {
+    return std::filesystem::path(ModuleFile(reinterpret_cast<const void*>(&ModuleFolder))).parent_path();
+}
+
 std::filesystem::path UserCacheFolder() {
     const auto local = EnvironmentVariable(L"LOCALAPPDATA");
-    return (local ? ToPath(*local) : std::filesystem::temp_directory_path()) / "Orvex";
+    return (local ? ToPath(*local) : std::filesystem::temp_directory_path()) / kFolderName;
+}
+
+std::filesystem::path UserConfigFolder() {
+    return ConfigFolder(L"ORVEX_CONFIG_DIR", L"APPDATA", FOLDERID_RoamingAppData);
+}
+
+std::filesystem::path MachineConfigFolder() {
+    return ConfigFolder(L"ORVEX_MACHINE_CONFIG_DIR", L"ProgramData", FOLDERID_ProgramData);
 }
 
 }  // namespace orvex

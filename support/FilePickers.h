@@ -13,15 +13,14 @@ struct FileFilter {
 };
 
 struct OpenFilesRequest {
-    std::wstring title;          ///< empty: the system's own
+    std::wstring title;          ///< empty: the system's default
     std::wstring initialFolder;  ///< empty: the system's choice
     std::vector<FileFilter> filters;
-    /// The names of one selection must fit in this many characters: the folder and each name count with one
-    /// separator.
+    /// Limit of one selection in characters: the folder and each name count with one separator.
     std::size_t bufferCharacters = 130261;
 };
 
-/// BufferTooSmall: more names were chosen than bufferCharacters hold.
+/// BufferTooSmall: more names were chosen than bufferCharacters allows.
 enum class PickOutcome { Picked, Cancelled, BufferTooSmall, OutOfMemory, Failed };
 
 struct PickedFiles {
@@ -29,17 +28,16 @@ struct PickedFiles {
     std::vector<std::wstring> paths;  ///< full paths in the order chosen; empty unless Picked
 };
 
-/// Choosing files and folders. The real half shows the system's dialogs; the scripted half answers tests.
+/// File and folder dialogs of the system over the application's active window, or scripted answers in tests.
 class FilePickers {
   public:
     virtual ~FilePickers() = default;
-    /// One or more files. A name that was typed may be of none: Windows' dialog asks for its folder only.
+    /// Picks one or more files. A typed name may not exist: Windows' dialog only checks its folder.
     virtual PickedFiles PickFiles(const OpenFilesRequest& request) = 0;
-    /// None when the user cancelled.
+    /// Picks a folder; nullopt if the user cancelled.
     virtual std::optional<std::wstring> PickFolder(const std::wstring& title) = 0;
 };
 
-/// The platform's half: the system's dialogs over the active window of the application.
 std::unique_ptr<FilePickers> MakeFilePickers();
 
 }  // namespace orvex

@@ -1,20 +1,31 @@
 #pragma once
-// Files by their names, however long these are. What std::filesystem has for this goes through the C runtime
-// on Windows, which refuses long names.
+// Files and folders by name, of any length (std::filesystem goes through the C runtime on Windows, which
+// refuses long names), and the system's errors.
 #include <chrono>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <ratio>
 #include <string>
 
-#include "support/SystemError.h"
-
 namespace orvex {
 
-/// What a path names; links are followed.
+/// Result of a system call: 0 for success, else the system's error number (errno, GetLastError).
+using SystemError = int;
+
+/// The system's text for an error number, in the user's language, without a line end.
+std::wstring SystemErrorText(SystemError error);
+
+/// Why the last operation of a standard stream failed; to be called right after the failure. Never 0: a
+/// general input/output error if the reason is not known.
+SystemError LastStreamError();
+/// Clears earlier reasons; to be called before the operation that LastStreamError is asked about.
+void ForgetStreamError();
+
+/// Kind of what a path names; links are followed.
 enum class FileKind {
-    Missing,  ///< nothing, a link to nothing, or what this process may not look at
+    Missing,  ///< nothing, a broken link, or no permission to look
     File,     ///< a regular file
     Folder,
     Other,  ///< a pipe, a device ...
@@ -26,42 +37,47 @@ inline bool FileExists(const std::wstring& path) {
 inline bool FolderExists(const std::wstring& path) {
     return KindOf(path) == FileKind::Folder;
 }
+/// True if the folder exists and this process may create files in it.
+bool CanCreateFilesIn(const std::filesystem::path& folder);
 
-/// Size of a file in bytes; none when there is no such file.
+/// Size in bytes; nullopt if there is no such file.
 std::optional<std::uint64_t> FileSizeOf(const std::wstring& path);
 
-/// A time of the system clock, in steps of 100 nanoseconds.
+/// Time on the system clock, in steps of 100 nanoseconds.
 using FileTime = std::chrono::sys_time<std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>>;
-/// When the content was last written; none when there is no such file or folder.
+/// Modification time; nullopt if there is no such file or folder.
 std::optional<FileTime> LastWriteTime(const std::wstring& path);
-/// Gives `to` the time of last writing that `from` has.
+/// Copies the modification time.
 SystemError CopyLastWriteTime(const std::wstring& from, const std::wstring& to);
 
-/// True when both paths name one existing file.
+/// True if both paths name one existing file.
 bool IsSameFile(const std::wstring& a, const std::wstring& b);
-/// The one name of a folder that links and other spellings lead to; the path itself when it cannot be had.
+/// Absolute form of a path; the path itself if it has none, such as an empty one. On Windows also without "."
+/// and "..", by text only.
+std::wstring AbsolutePath(const std::wstring& path);
+/// The path with links resolved, unique per folder; the path itself if that fails.
 std::wstring CanonicalPath(const std::wstring& path);
 
-/// Renames a file within its volume, replacing what has the new name. Windows replaces no file that anybody
-/// holds open or mapped: that gives ERROR_SHARING_VIOLATION.
+/// Renames a file within its volume, replacing the target. Windows does not replace a file that is open or
+/// mapped anywhere: ERROR_SHARING_VIOLATION.
 SystemError RenameFile(const std::wstring& from, const std::wstring& to);
-/// Renames a file within its volume unless something has the new name; `taken` says whether that was what
-/// failed.
+/// Renames a file within its volume unless the target exists; `taken` tells whether that was the failure.
 SystemError RenameToFreeName(const std::wstring& from, const std::wstring& to, bool& taken);
 /// Removes a file or an empty folder.
 SystemError RemoveFile(const std::wstring& path);
-/// Makes a folder and those above it that are missing.
+/// Creates a folder and its missing parents.
 SystemError CreateFolders(const std::wstring& path);
 
-/// Bytes that this user may still write to the volume of a folder; none when the system does not tell.
+/// Bytes that this user may still write to the folder's volume; nullopt if unknown.
 std::optional<std::uint64_t> FreeSpaceIn(const std::wstring& folder);
 
 struct FolderEntry {
     std::wstring path;
     FileKind kind = FileKind::Missing;
-    bool isLink = false;  ///< a link or a mount point, which can lead in circles
+    bool isLink = false;  ///< a link or a mount point, which may form a cycle
 };
-/// Visits what a folder holds, in no order, until `visit` returns false. The error ends the listing early.
+/// Calls `visit` for every entry of a folder, in no order, until it returns false. An error ends the listing
+/// early.
 SystemError ListFolder(const std::wstring& folder, const std::function<bool(FolderEntry entry)>& visit);
 
 }  // namespace orvex

@@ -37,9 +37,26 @@ FolderEntry Describe(const fs::directory_entry& entry) {
 
 }  // namespace
 
+std::wstring SystemErrorText(SystemError error) {
+    return FromUtf8(std::generic_category().message(error));
+}
+
+SystemError LastStreamError() {
+    return errno != 0 ? errno : EIO;
+}
+
+void ForgetStreamError() {
+    errno = 0;
+}
+
 FileKind KindOf(const std::wstring& path) {
     std::error_code error;
     return KindOfType(fs::status(ToPath(path), error).type());
+}
+
+bool CanCreateFilesIn(const std::filesystem::path& folder) {
+    // The system's answer counts read-only file systems and access lists, which permission bits do not show.
+    return FolderExists(FromPath(folder)) && access(folder.c_str(), W_OK | X_OK) == 0;
 }
 
 std::optional<std::uint64_t> FileSizeOf(const std::wstring& path) {
@@ -68,6 +85,12 @@ SystemError CopyLastWriteTime(const std::wstring& from, const std::wstring& to) 
 bool IsSameFile(const std::wstring& a, const std::wstring& b) {
     std::error_code error;
     return fs::equivalent(ToPath(a), ToPath(b), error);
+}
+
+std::wstring AbsolutePath(const std::wstring& path) {
+    std::error_code error;
+    const fs::path absolute = fs::absolute(ToPath(path), error);
+    return error ? path : FromPath(absolute);
 }
 
 std::wstring CanonicalPath(const std::wstring& path) {

@@ -1,8 +1,12 @@
 #include <windows.h>
 
+#include <array>
+#include <cerrno>
+#include <cstdlib>
 #include <memory>
 
 #include "support/Files.h"
+#include "support/Format.h"
 #include "support/Handle_win.h"
 #include "support/Text.h"
 
@@ -99,9 +103,42 @@ FolderEntry Describe(const std::wstring& start, const WIN32_FIND_DATAW& found) {
 
 }  // namespace
 
+std::wstring SystemErrorText(SystemError error) {
+    std::array<wchar_t, 2048> buffer{};
+    const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                                        static_cast<DWORD>(error), 0, buffer.data(),
+                                        static_cast<DWORD>(buffer.size()), nullptr);
+    std::wstring text(buffer.data(), length);
+    text.erase(text.find_last_not_of(L"\r\n ") + 1);
+    return text.empty() ? FormatText(Text(41060_lsid), {error}) : text;
+}
+
+SystemError LastStreamError() {
+    // The runtime keeps the system's number beside errno, but has none for a write that wrote nothing.
+    if (_doserrno != 0) {
+        return static_cast<SystemError>(_doserrno);
+    }
+    return errno == ENOSPC ? ERROR_DISK_FULL : ERROR_IO_DEVICE;
+}
+
+void ForgetStreamError() {
+    errno = 0;
+    _doserrno = 0;
+}
+
 FileKind KindOf(const std::wstring& path) {
     const auto facts = FactsOf(path);
     return facts ? KindOfAttributes(facts->dwFileAttributes) : FileKind::Missing;
+}
+
+bool CanCreateFilesIn(const std::filesystem::path& folder) {
+    // The system's own answer counts access lists and shares, which attributes do not show. The slash keeps a
+    // file of that name from being asked for the right to append data, which has the same number.
+    const Handle handle = OpenAny(FromPath(folder / L""), FILE_ADD_FILE);
+    DWORD flags = 0;
+    return handle && (GetVolumeInformationByHandleW(handle.Get(), nullptr, 0, nullptr, nullptr, &flags,
+                                                    nullptr, 0) == FALSE ||
+                      (flags & FILE_READ_ONLY_VOLUME) == 0);
 }
 
 std::optional<std::uint64_t> FileSizeOf(const std::wstring& path) {
@@ -137,6 +174,18 @@ bool IsSameFile(const std::wstring& a, const std::wstring& b) {
     const auto second = FactsByHandle(b);
     return first && second && first->dwVolumeSerialNumber == second->dwVolumeSerialNumber &&
            first->nFileIndexHigh == second->nFileIndexHigh && first->nFileIndexLow == second->nFileIndexLow;
+}
+
+std::wstring AbsolutePath(const std::wstring& path) {
+    std::wstring full(path.size() + MAX_PATH, L'\0');
+    for (;;) {
+        const auto size = static_cast<DWORD>(full.size());
+        const DWORD length = GetFullPathNameW(path.c_str(), size, full.data(), nullptr);
+        full.resize(length);
+        if (length < size) {
+            return length == 0 ? path : full;
+        }
+    }
 }
 
 std::wstring CanonicalPath(const std::wstring& path) {

@@ -7,7 +7,7 @@ namespace orvex {
 
 enum class FindingSeverity { Note, Warning, Error };
 
-/// One thing that is odd about a file.
+/// One finding of a file's validation.
 struct Finding {
     FindingSeverity severity;
     std::wstring text;  ///< a sentence in plain words

@@ -1,5 +1,5 @@
 #pragma once
-// printf-like formats on wide texts, the same under every process locale ("%.2f" always writes a point).
+// printf-like formatting of wide texts, independent of the process locale ("%.2f" always writes a point).
 #include <concepts>
 #include <cstdint>
 #include <initializer_list>
@@ -25,14 +25,17 @@ class FormatArg {
     std::variant<std::wstring_view, double, std::int64_t, std::uint64_t> value_;
 };
 
-/// Applies a format with the conversions %s %d %i %u %x %X %f %e %g %c %%, flags, width, precision; length
-/// words (l, ll, I64, h, z) are accepted and mean nothing. A conversion without a fitting argument writes
-/// nothing; arguments left over are ignored. The result is cut to `limit` characters less one, as a buffer of
-/// that size would cut it.
+/// Applies a format with the conversions %s %d %i %u %x %X %f %e %g %c %%, flags, width and precision; length
+/// modifiers (l, ll, I64, h, z) are accepted and ignored. A conversion without an argument writes nothing;
+/// surplus arguments are ignored. The result is truncated to `limit` - 1 characters, as in a buffer of that
+/// size.
 std::wstring FormatText(std::wstring_view format, std::initializer_list<FormatArg> arguments,
                         std::size_t limit = 32768);
 
-/// The conversions of a format in order, one letter each ("sd" for "%s of %d"; "%%" gives none).
+/// Conversions of a format in order, one letter each ("sd" for "%s of %d"; "%%" gives none).
 std::string ConversionsOf(std::wstring_view format);
+
+/// "2024-05-17 09:30": a time in milliseconds since 1970-01-01 UTC, to the minute, in UTC.
+std::wstring UtcTimeText(std::int64_t milliseconds);
 
 }  // namespace orvex

@@ -4,7 +4,7 @@
 
 namespace orvex {
 
-/// Topics of the manual; the numbers are the manual's help contexts.
+/// Topics of the manual; the numbers are its help contexts.
 enum class HelpTopic {
     LasFiles = 730,
     RasterFiles = 731,
@@ -15,14 +15,14 @@ enum class HelpTopic {
     PresignedUrl = 738
 };
 
-/// Opens the manual at a topic. False when it cannot be shown (the caller tells the user).
+/// Opens the manual at a topic. False if it cannot be shown; the caller tells the user.
 class HelpViewer {
   public:
     virtual ~HelpViewer() = default;
     virtual bool Show(HelpTopic topic) = 0;
 };
 
-/// The platform's half. `folder` holds the manual: "help/index.html", and on Windows "orvex.chm".
+/// The system's help: `folder` contains the manual, "help/index.html" and on Windows also "orvex.chm".
 std::unique_ptr<HelpViewer> MakeHelpViewer(const std::filesystem::path& folder);
 
 }  // namespace orvex

@@ -7,11 +7,11 @@
 
 namespace orvex {
 
-/// Makes raster-information objects, on any thread; null and a failure code when the host has none. It owns
-/// what it needs, so that a worker thread may use it after the dialog has gone.
+/// Creates raster-information objects, on any thread; null and a failure code if the host has none. It owns
+/// what it needs, so a worker thread may use it after the dialog is closed.
 using RasterInformationMaker = std::function<std::unique_ptr<OrvexRasterInformation>(std::int32_t& result)>;
 
-/// How the component gets the host's objects. Null and a failure code when an object cannot be made.
+/// Creates the host's objects. Null and a failure code if an object cannot be created.
 class HostObjects {
   public:
     virtual ~HostObjects() = default;
@@ -20,7 +20,7 @@ class HostObjects {
     virtual RasterInformationMaker RasterInformation() = 0;
 };
 
-/// The platform's half: class ids in the host's object library (COM on Windows).
+/// The host's objects by class id: in-process factories on Linux, COM on Windows.
 std::unique_ptr<HostObjects> MakeHostObjects();
 
 }  // namespace orvex

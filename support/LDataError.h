@@ -4,7 +4,7 @@
 
 namespace orvex {
 
-/// The component's error: a text for the user, naming the file and the cause.
+/// The component's error: a text for the user that names the file and the cause.
 class LDataError : public std::exception {
   public:
     explicit LDataError(std::wstring text);
@@ -18,8 +18,8 @@ class LDataError : public std::exception {
     std::string utf8_;
 };
 
-/// The text of the exception that is being handled: an LDataError's own, else what(), else that the error is
-/// unknown. Call it inside a catch block.
+/// Text of the exception being handled: an LDataError's own, else what(), else "unknown error". To be called
+/// in a catch block.
 std::wstring CurrentExceptionText();
 
 }  // namespace orvex

@@ -4,9 +4,8 @@
 
 namespace orvex {
 
-/// Diagnostics of the component: one line each, in the file that ORVEX_LOG names, else in "orvex.log" in the
-/// user's cache folder; bounded in size. A log that cannot be written is silently without effect. Safe from
-/// any thread.
+/// Writes one line to the component's log: the file named by ORVEX_LOG, else "orvex.log" in the user's cache
+/// folder; limited in size. A log that cannot be written is silently ignored. Any thread.
 void LogInfo(std::wstring_view line);
 void LogWarning(std::wstring_view line);
 

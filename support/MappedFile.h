@@ -1,29 +1,39 @@
 #pragma once
-// Files and views of them: the platform seam under the LAS reader.
+// Open files and views of them in memory: the platform seam under the LAS reader.
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string>
+#include <utility>
 
-#include "support/SystemError.h"
+#include "support/Files.h"
 
 namespace orvex {
 
-/// A view of a part of a file in memory; unmapped when destroyed. Move-only.
+/// A part of a file mapped into memory; unmapped when destroyed. Move-only.
 class MappedView {
   public:
     MappedView() = default;
-    MappedView(std::byte* base, std::size_t baseLength, std::size_t skip, std::size_t length);
-    MappedView(MappedView&& other) noexcept;
-    MappedView& operator=(MappedView&& other) noexcept;
-    ~MappedView();
+    MappedView(std::byte* base, std::size_t baseLength, std::size_t skip, std::size_t length)
+        : base_(base), baseLength_(baseLength), skip_(skip), length_(length) {}
+    MappedView(MappedView&& other) noexcept { Swap(other); }
+    MappedView& operator=(MappedView other) noexcept {
+        Swap(other);
+        return *this;
+    }
+    ~MappedView() { Unmap(); }
 
-    /// The bytes asked for (the system's alignment is hidden).
+    /// The bytes that were asked for, without what the system's alignment added in front.
     std::span<std::byte> Bytes() const { return {base_ + skip_, length_}; }
     explicit operator bool() const { return base_ != nullptr; }
 
   private:
+    void Swap(MappedView& other) noexcept {
+        std::swap(base_, other.base_);
+        std::swap(baseLength_, other.baseLength_);
+        std::swap(skip_, other.skip_);
+        std::swap(length_, other.length_);
+    }
     void Unmap() noexcept;
 
     std::byte* base_ = nullptr;
@@ -32,22 +42,25 @@ class MappedView {
     std::size_t length_ = 0;
 };
 
-/// An open file. Nothing keeps it open but this object. Move-only; positions are explicit, so there is no
-/// file pointer.
+/// An open file; only this object keeps it open. Move-only. Offsets are explicit, so there is no file
+/// pointer.
 class MappedFile {
   public:
     MappedFile() = default;
-    MappedFile(MappedFile&& other) noexcept;
-    MappedFile& operator=(MappedFile&& other) noexcept;
-    ~MappedFile();
+    MappedFile(MappedFile&& other) noexcept { Swap(other); }
+    MappedFile& operator=(MappedFile other) noexcept {
+        Swap(other);
+        return *this;
+    }
+    ~MappedFile() { Close(); }
 
-    /// Opens for reading, or for reading and writing; others may read and write it meanwhile. The file must
-    /// exist.
+    /// Opens an existing file for reading, or for reading and writing; others may read and write it
+    /// meanwhile.
     SystemError Open(const std::wstring& path, bool readOnly);
-    /// Makes the mapping that views are taken of, with the access of the open file. Needed once, before Map.
-    /// Windows refuses an empty file (ERROR_FILE_INVALID); Linux never fails.
+    /// Creates the mapping, with the access of the open file. Needed once, before Map. Windows refuses an
+    /// empty file (ERROR_FILE_INVALID); Linux never fails.
     SystemError CreateMapping();
-    /// Closes file and mapping; views stay.
+    /// Closes file and mapping; views stay valid.
     void Close();
     bool IsOpen() const { return handle_ != kNone; }
 
@@ -55,14 +68,21 @@ class MappedFile {
     SystemError Size(std::uint64_t& size) const;
     /// Reads up to `buffer.size()` bytes from an offset; `read` is less only at the end of the file.
     SystemError ReadAt(std::uint64_t offset, std::span<std::byte> buffer, std::size_t& read) const;
-    /// Maps bytes of the file; `writable` needs a file opened for writing. The part must lie inside the file.
+    /// Maps a range that lies inside the file; `writable` needs a file opened for writing.
     SystemError Map(std::uint64_t offset, std::uint64_t length, bool writable, MappedView& view) const;
 
-    /// Views on the file start at multiples of this many bytes.
+    /// The system maps files from multiples of this many bytes.
     static std::uint64_t AllocationGranularity();
 
   private:
     static constexpr std::intptr_t kNone = -1;
+
+    void Swap(MappedFile& other) noexcept {
+        std::swap(handle_, other.handle_);
+        std::swap(mapping_, other.mapping_);
+        std::swap(readOnly_, other.readOnly_);
+    }
+
     std::intptr_t handle_ = kNone;
     std::intptr_t mapping_ = kNone;
     bool readOnly_ = true;

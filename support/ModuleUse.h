@@ -3,8 +3,8 @@
 
 namespace orvex {
 
-/// One use of the component's code: a call that runs, a worker, an object that the host holds. While there is
-/// any, the component must stay loaded. A copy is a further use. Any thread.
+/// Counts one use of the component's code: a running call, a worker, an object that the host holds. The
+/// component must stay loaded while there is any. A copy counts as another use. Any thread.
 class ModuleUse {
   public:
     ModuleUse() noexcept { ++count_; }

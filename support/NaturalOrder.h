@@ -5,13 +5,11 @@
 
 namespace orvex {
 
-/// A text such that comparing two of them character by character gives the order in which a person lists the
-/// originals: without regard to letter case, runs of digits by their value ("tile9" before "Tile10"; leading
-/// zeros mean nothing), a folder's own files beside each other.
+/// Sort key for natural order ("tile9" before "Tile10"): case-insensitive, digit runs compare by value
+/// (leading zeros do not count), and the files of one folder stay together.
 std::wstring NaturalKey(std::wstring_view text);
 
-/// The order of NaturalKey; texts with equal keys are ordered by their characters, so that the order is
-/// total.
+/// Compares by NaturalKey, texts with equal keys by their characters, so that the order is total.
 bool NaturalLess(std::wstring_view a, std::wstring_view b);
 
 /// Sorts by NaturalLess.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <span>
 
+#include "support/Text.h"
+
 namespace orvex {
 namespace {
 
@@ -68,6 +70,14 @@ PickOutcome OutcomeOfOpenFileError(std::uint32_t extendedError) {
         default:
             return PickOutcome::Failed;
     }
+}
+
+std::size_t SelectionCharacters(const std::vector<std::wstring>& paths) {
+    std::size_t characters = paths.empty() ? 0 : FolderOf(paths.front()).size() + 1;
+    for (const std::wstring& path : paths) {
+        characters += FileNameOf(path).size() + 1;
+    }
+    return characters;
 }
 
 }  // namespace orvex

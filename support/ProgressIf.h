@@ -4,21 +4,21 @@
 
 namespace Kst {
 
-/// How long work tells where it is and learns that it is to stop.
+/// Progress report and cancellation of a long operation.
 class ProgressIf {
   public:
     virtual ~ProgressIf() = default;
-    /// Starts a run of `total` steps; 0 when the number is not known.
+    /// Starts a run of `total` steps; 0 if the number is not known.
     virtual void SetRange(std::uint64_t total) = 0;
-    /// What is being done, one line for the user.
+    /// Current activity, one line for the user.
     virtual void SetText(const std::wstring& text) = 0;
-    /// `done` steps of the range are finished.
+    /// Number of finished steps of the range.
     virtual void SetPosition(std::uint64_t done) = 0;
-    /// True when the user has asked to stop; pumps waiting events where there is a window.
+    /// True if the user has asked to stop; with a window, processes pending events first.
     virtual bool IsCancelled() = 0;
 };
 
-/// Tells nobody and never stops.
+/// Reports nothing and never stops.
 class NullProgress final : public ProgressIf {
   public:
     void SetRange(std::uint64_t) override {}

@@ -14,7 +14,8 @@ namespace {
 
 constexpr wchar_t kSeparator = static_cast<wchar_t>(std::filesystem::path::preferred_separator);
 
-bool IsSeparator(wchar_t character) {
+// Stored texts may come from the other system.
+bool IsAnySeparator(wchar_t character) {
     return character == L'\\' || character == L'/';
 }
 
@@ -40,14 +41,14 @@ std::wstring ResolveProjectPath(const std::wstring& folderText, const std::wstri
         throw LDataError(FormatText(Text(41280_lsid), {folderText}));
     }
     std::wstring rest = folderText.substr(std::wstring_view(kProjectPathToken).size());
-    rest.erase(rest.begin(), std::ranges::find_if_not(rest, IsSeparator));
+    rest.erase(rest.begin(), std::ranges::find_if_not(rest, IsAnySeparator));
     // The default is stored with "\" on every system.
-    std::ranges::replace_if(rest, IsSeparator, kSeparator);
+    std::ranges::replace_if(rest, IsAnySeparator, kSeparator);
     return rest.empty() ? NativePath(projectFolder) : NativePath(WithTrailingSeparator(projectFolder) + rest);
 }
 
 std::wstring WithTrailingSeparator(std::wstring folder) {
-    if (folder.empty() || !IsSeparator(folder.back())) {
+    if (folder.empty() || !IsAnySeparator(folder.back())) {
         folder += kSeparator;
     }
     return folder;

@@ -6,17 +6,17 @@
 
 namespace orvex {
 
-/// The same text as a QString. Lone surrogates stay as they are, so any file name comes back unchanged from
-/// ToWide; values that are no code point become U+FFFD.
+/// The same text as a QString. Lone surrogates are kept, so any file name survives the way back through
+/// ToWide; values outside Unicode become U+FFFD.
 QString ToQString(std::wstring_view text);
 
-/// The same text as the component's wide text. Lossless for every QString, well formed or not.
+/// The same text as a wide text. Lossless for every QString, well-formed or not.
 std::wstring ToWide(const QString& text);
 
-/// The text as a tooltip shows it unchanged: Qt takes what looks like HTML, as names of files may, for HTML.
+/// Tooltip that shows a text unchanged: Qt would render what looks like HTML, as file names may.
 QString TooltipText(const QString& text);
 
-/// A path as Qt has it, with "/" everywhere, as users know it: with the system's own separators.
+/// Path from Qt ("/" everywhere) with the system's own separators.
 std::wstring ToWidePath(const QString& path);
 
 }  // namespace orvex

@@ -2,7 +2,6 @@
 
 #include <random>
 
-#include "support/Files.h"
 #include "support/Text.h"
 
 namespace orvex {

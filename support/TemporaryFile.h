@@ -1,24 +1,24 @@
 #pragma once
 #include <string>
 
-#include "support/SystemError.h"
+#include "support/Files.h"
 
 namespace orvex {
 
-/// A file that is being written beside its target under a name of its own; removed unless it is committed.
+/// Name for writing a file beside its target; the file is removed unless it is committed.
 class TemporaryFile {
   public:
-    /// Chooses the name only; nothing is created.
+    /// Chooses the name; creates nothing.
     explicit TemporaryFile(const std::wstring& target);
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     const std::wstring& Path() const { return path_; }
-    /// Renames the file to its target, replacing one that is there, unless that fails.
+    /// Renames the file to its target, replacing an existing one.
     SystemError Commit();
-    /// Renames the file to a name beside the target that nothing has yet; `taken` says whether that was what
-    /// failed.
+    /// Renames the file to a free name beside the target; `taken` tells whether the name not being free was
+    /// the failure.
     SystemError CommitTo(const std::wstring& freeName, bool& taken);
 
   private:

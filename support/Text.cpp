@@ -1,7 +1,5 @@
 #include "support/Text.h"
 
-#include "support/TextPlatform.h"
-
 namespace orvex {
 namespace {
 

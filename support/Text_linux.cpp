@@ -2,7 +2,6 @@
 #include <cwctype>
 
 #include "support/Text.h"
-#include "support/TextPlatform.h"
 
 namespace orvex {
 namespace {
@@ -27,7 +26,7 @@ std::wstring ToUpper(std::wstring_view text) {
     return out;
 }
 
-std::filesystem::path ToPath(std::wstring_view text) {
+std::filesystem::path ToPath(std::wstring_view text, std::size_t /*room*/) {
     return std::filesystem::path(ToUtf8(text));
 }
 

@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-#include "support/LongPath_win.h"
+#include "support/Files.h"
 #include "support/Text.h"
-#include "support/TextPlatform.h"
 
 namespace orvex {
 namespace {
@@ -47,6 +46,17 @@ std::size_t DriveLength(std::wstring_view path) {
     return path.size() > 2 && IsSeparator(path[2]) ? 3 : 2;
 }
 
+/// An absolute path with the prefix "\\?\" or "\\?\UNC\".
+std::filesystem::path PrefixedPath(const std::wstring& absolute) {
+    if (IsPrefixed(absolute)) {
+        return absolute;
+    }
+    if (absolute.starts_with(kShareStart)) {
+        return std::wstring(kSharePrefix).append(absolute, kShareStart.size());
+    }
+    return std::wstring(kPrefix).append(absolute);
+}
+
 }  // namespace
 
 std::wstring ToUpper(std::wstring_view text) {
@@ -59,39 +69,17 @@ std::wstring ToUpper(std::wstring_view text) {
     return out;
 }
 
-std::wstring AbsolutePath(const std::wstring& path) {
-    std::wstring full(path.size() + MAX_PATH, L'\0');
-    for (;;) {
-        const auto size = static_cast<DWORD>(full.size());
-        const DWORD length = GetFullPathNameW(path.c_str(), size, full.data(), nullptr);
-        full.resize(length);
-        if (length < size) {
-            return length == 0 ? path : full;
-        }
-    }
-}
-
-std::filesystem::path PrefixedPath(const std::wstring& absolute) {
-    if (IsPrefixed(absolute)) {
-        return absolute;
-    }
-    if (absolute.starts_with(kShareStart)) {
-        return std::wstring(kSharePrefix).append(absolute, kShareStart.size());
-    }
-    return std::wstring(kPrefix).append(absolute);
-}
-
-std::filesystem::path ToPath(std::wstring_view text) {
+std::filesystem::path ToPath(std::wstring_view text, std::size_t room) {
     std::wstring path(text);
     if (IsPrefixed(path)) {
         return path;
     }
     const bool isAbsolute = IsSeparator(path.empty() ? L'.' : path.front()) || DriveLength(path) == 3;
-    if (isAbsolute && path.size() < kLongPath) {
+    if (isAbsolute && path.size() + room < kLongPath) {
         return path;
     }
     const std::wstring full = path.empty() ? path : AbsolutePath(path);
-    return full.size() < kLongPath ? std::filesystem::path(path) : PrefixedPath(full);
+    return full.size() + room < kLongPath ? std::filesystem::path(path) : PrefixedPath(full);
 }
 
 std::wstring FromPath(const std::filesystem::path& path) {

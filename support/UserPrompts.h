@@ -6,10 +6,10 @@ namespace orvex {
 
 enum class PromptIcon { None, Information, Question, Warning, Error };
 enum class PromptButtons { Ok, YesNo, YesNoCancel };
-/// Closing a box counts as Ok where Ok is the only button, as Cancel where there is one, else as No.
+/// Closing the box counts as Ok if that is the only button, as Cancel if there is one, else as No.
 enum class PromptAnswer { Ok, Yes, No, Cancel };
 
-/// One message box. An empty caption shows the program's name, or none.
+/// One message box. An empty caption shows the program's name, if it has one.
 struct Prompt {
     std::wstring text;
     std::wstring caption;
@@ -17,12 +17,12 @@ struct Prompt {
     PromptButtons buttons = PromptButtons::Ok;
 };
 
-/// A message with a main instruction, a longer content and a check box.
+/// A message with a main instruction, details and a check box.
 struct TaskPrompt {
     std::wstring title;
     std::wstring mainInstruction;
     std::wstring content;
-    std::wstring verification;  ///< text of the check box, clear at first; empty for none
+    std::wstring verification;  ///< text of the check box, initially clear; empty: none
     PromptIcon icon = PromptIcon::None;
     PromptButtons buttons = PromptButtons::YesNo;
 };
@@ -32,8 +32,7 @@ struct TaskAnswer {
     bool verificationChecked = false;
 };
 
-/// Questions to the user. The real half shows modal windows over the active one; the scripted half answers
-/// tests.
+/// Messages and questions to the user: modal windows, or scripted answers in tests.
 class UserPrompts {
   public:
     virtual ~UserPrompts() = default;

@@ -6,7 +6,7 @@
 
 #include <filesystem>
 
-#include "support/ModuleFolder.h"
+#include "support/Environment.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 

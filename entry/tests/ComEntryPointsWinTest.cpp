@@ -8,7 +8,7 @@
 
 #include "orvexcommon/AddLidarChoice.h"
 #include "orvexcommon/OptionItems.h"
-#include "support/OpenKey_win.h"
+#include "support/Handle_win.h"
 #include "support/Text.h"
 #include "support/com/ComApartment_win.h"
 #include "support/com/ComPtr_win.h"

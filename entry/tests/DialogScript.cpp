@@ -2,11 +2,9 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QDeadlineTimer>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QPixmap>
 #include <QTimer>
 #include <QUrl>
 
@@ -17,8 +15,7 @@ constexpr int kTickMs = 10;
 
 struct State {
     std::deque<std::string> commands;
-    std::function<void(std::size_t)> onStep;
-    QDeadlineTimer heldUntil;
+    DialogScript::MayGoOn mayGoOn;
 };
 
 State& TheState() {
@@ -50,12 +47,6 @@ bool Run(const QString& command, const QString& argument, QWidget& window) {
         button->click();
     } else if (command == QLatin1String("drop")) {
         Drop(window, argument);
-    } else if (command == QLatin1String("picture")) {
-        window.grab().save(argument);
-    } else if (command == QLatin1String("hold")) {
-        TheState().heldUntil.setRemainingTime(argument.toInt());
-    } else if (command == QLatin1String("close")) {
-        window.close();
     }
     return true;
 }
@@ -63,8 +54,7 @@ bool Run(const QString& command, const QString& argument, QWidget& window) {
 void Step() {
     State& state = TheState();
     QWidget* window = QApplication::activeModalWidget();
-    if (state.commands.empty() || !state.heldUntil.hasExpired() || window == nullptr ||
-        !window->isVisible()) {
+    if (state.commands.empty() || window == nullptr || !window->isVisible()) {
         return;
     }
     const QString line = QString::fromStdString(state.commands.front());
@@ -73,8 +63,8 @@ void Step() {
     if (command == QLatin1String("click") && window->findChild<QAbstractButton*>(argument) == nullptr) {
         return;
     }
-    if (state.onStep) {
-        state.onStep(state.commands.size());
+    if (state.mayGoOn && !state.mayGoOn()) {
+        return;
     }
     // A command may run a loop of its own, in which the next ones are due.
     state.commands.pop_front();
@@ -92,10 +82,10 @@ void Wake() {
 
 }  // namespace
 
-void DialogScript::Begin(std::deque<std::string> commands, std::function<void(std::size_t)> onStep) {
+void DialogScript::Begin(std::deque<std::string> commands, MayGoOn mayGoOn) {
     static const bool installed = (qAddPreRoutine(Wake), true);
     static_cast<void>(installed);
-    TheState() = {std::move(commands), std::move(onStep), {}};
+    TheState() = {std::move(commands), std::move(mayGoOn)};
 }
 
 std::size_t DialogScript::Left() {

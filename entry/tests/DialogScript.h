@@ -6,22 +6,21 @@
 
 namespace orvex::testing {
 
-/// Works the component's modal windows from inside, in a host that has no Qt of its own. It wakes with each
-/// QApplication that comes, and takes its commands from one queue for the process:
+/// Drives the component's modal windows from inside, in a host that has no Qt of its own. Starts with each
+/// QApplication and takes its commands from one queue for the process:
 ///
 ///   click NAME        clicks the button of that object name in the topmost modal window
-///   drop PATH|PATH    drops files on it
-///   picture FILE      saves a picture of it
-///   hold MS           lets it stand
-///   close             closes it as its title bar does
+///   drop PATH|PATH    drops files on that window
 ///
-/// A command waits until there is a modal window, for `click` one with that button.
+/// A command waits until there is a modal window, `click` for one with that button enabled.
 class DialogScript {
   public:
-    /// `onStep` is called before each command, with the number of commands that are left.
-    static void Begin(std::deque<std::string> commands, std::function<void(std::size_t)> onStep = {});
+    /// Called before each command; the command waits while it returns false.
+    using MayGoOn = std::function<bool()>;
 
-    /// How many commands have not been carried out.
+    static void Begin(std::deque<std::string> commands, MayGoOn mayGoOn = {});
+
+    /// Number of commands that have not been carried out.
     static std::size_t Left();
 };
 

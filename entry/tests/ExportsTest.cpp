@@ -14,7 +14,7 @@
 #include <thread>
 
 #include "orvexcommon/HostInterfaces.h"
-#include "settings/PrivateSettings.h"
+#include "settings/RegistryKey.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 

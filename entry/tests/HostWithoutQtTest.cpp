@@ -51,7 +51,10 @@ TEST(HostWithoutQt, TheProcessIsAsItWas) {
     std::setlocale(LC_ALL, "C");
     qInstallMessageHandler(LogOfTheHost);
     const testing::TemporaryFolder elsewhere;
-    DialogScript::Begin({"click ok"}, [&](std::size_t) { std::filesystem::current_path(elsewhere.Path()); });
+    DialogScript::Begin({"click ok"}, [&] {
+        std::filesystem::current_path(elsewhere.Path());
+        return true;
+    });
     bool stop = false;
     MessageRegardingAddingLidar(nullptr, L"Caption", false, false, false, true, false, false, false, stop);
     EXPECT_EQ(std::filesystem::current_path(), folder);

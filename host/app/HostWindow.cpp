@@ -33,7 +33,7 @@
 #include "orvexcommon/OptionItems.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "settings/OptionStore.h"
-#include "support/UserPromptsQt.h"
+#include "support/DesktopQt.h"
 
 namespace orvex {
 

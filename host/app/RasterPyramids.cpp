@@ -13,7 +13,6 @@
 #include "support/Format.h"
 #include "support/GdalErrorScope.h"
 #include "support/LDataError.h"
-#include "support/SystemError.h"
 #include "support/Text.h"
 
 namespace orvex {

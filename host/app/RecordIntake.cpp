@@ -13,9 +13,9 @@
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/Exports.h"
 #include "orvexcommon/LasFileInfo.h"
+#include "support/DesktopQt.h"
 #include "support/LDataError.h"
 #include "support/ProjectPath.h"
-#include "support/UserPromptsQt.h"
 
 namespace orvex {
 

@@ -6,7 +6,7 @@
 #include <limits>
 #include <string>
 
-#include "support/SystemError.h"
+#include "support/Files.h"
 
 namespace orvex {
 

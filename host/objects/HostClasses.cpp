@@ -6,8 +6,8 @@
 
 #include "crs/GdalSetup.h"
 #include "raster/RasterReader.h"
-#include "settings/ConfigFolder.h"
 #include "settings/ValueFile.h"
+#include "support/Environment.h"
 #include "support/LDataError.h"
 #include "support/Log.h"
 #include "support/Text.h"
@@ -71,11 +71,11 @@ class HostSettings final : public OrvexSystemSettings {
 
     std::int32_t Get(const std::wstring& section, const std::wstring& key, SettingValue& value) override {
         ValueFile::Value stored;
-        const ValueStatus status = file_->Find(section, key, stored);
-        if (status == ValueStatus::NoAccess) {
+        const RegistryStatus status = file_->Find(section, key, stored);
+        if (status == RegistryStatus::NoAccess) {
             return kHostFail;
         }
-        if (status == ValueStatus::Ok) {
+        if (status == RegistryStatus::Ok) {
             value = Decode(stored).value_or(value);
         }
         return kHostOk;
@@ -84,8 +84,8 @@ class HostSettings final : public OrvexSystemSettings {
     std::int32_t Set(const std::wstring& section, const std::wstring& key,
                      const SettingValue& value) override {
         const ValueFile::Value stored = std::visit(Encoder(), value);
-        const ValueStatus status = file_->Store(section, key, stored.type, stored.data);
-        return status == ValueStatus::Ok ? kHostOk : kHostFail;
+        const RegistryStatus status = file_->Store(section, key, stored.type, stored.data);
+        return status == RegistryStatus::Ok ? kHostOk : kHostFail;
     }
 
   private:

@@ -5,7 +5,7 @@
 #include <mutex>
 #include <string_view>
 
-#include "support/ModuleFolder.h"
+#include "support/Environment.h"
 #include "support/SpatialReference.h"
 
 namespace orvex {

@@ -14,7 +14,6 @@
 #include "support/LDataError.h"
 #include "support/LasFormat.h"
 #include "support/ProgressIf.h"
-#include "support/SystemError.h"
 #include "support/TemporaryFile.h"
 #include "support/Text.h"
 

@@ -4,7 +4,6 @@
 
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Files.h"
-#include "support/FolderAccess.h"
 #include "support/Text.h"
 
 using namespace orvex;

@@ -1,5 +1,5 @@
 #pragma once
-// The record that the host hands to ShowAddFilesDialog and reads back.
+// The record that the host passes to ShowAddFilesDialog and reads afterwards.
 #include <array>
 #include <cstdint>
 #include <map>
@@ -25,18 +25,17 @@ inline constexpr std::int32_t kBackupAndCompressOriginals = 2;
 /// Folder path (without a trailing separator) to the names of the files chosen in it, in grid order.
 using FilesByFolder = std::map<std::wstring, std::vector<std::wstring>>;
 
-/// Inputs are set by the host before the call; results are written only when the dialog ends with OK. The
-/// host makes, owns and destroys the record. The detail objects in lasFileDetails and rasterFileDetails
-/// belong to the host after OK, which deletes them.
+/// Inputs are set by the host before the call; results are written only if the dialog ends with OK. The host
+/// creates, owns and destroys the record, and after OK owns and deletes the objects in lasFileDetails and
+/// rasterFileDetails.
 class AddFilesParams {
   public:
     // Inputs.
-    /// Asked for the signed-in cloud account; may be null. Owned by the host.
+    /// Provides the signed-in cloud account; may be null. Owned by the host.
     orvex::OrvexApplication* hostApplication = nullptr;
-    /// Index of the tab selected at first, counted over the tabs that exist.
+    /// Index of the initial tab among those that exist.
     std::int32_t initialTab = 0;
-    /// Layers of the project that LAS files can be appended to: name to the layer's CRS as WKT, empty for
-    /// none.
+    /// Layers of the project that LAS files can be appended to: name to CRS as WKT, empty without one.
     std::map<std::wstring, std::wstring> existingLasLayers;
 
     // LAS results.
@@ -44,7 +43,7 @@ class AddFilesParams {
     /// Full path to the file's details, owned by the host.
     std::map<std::wstring, orvex::LasFileInfo*> lasFileDetails;
 
-    // Which tabs exist; the LAS tab always does. The order differs on purpose from the order of the tabs.
+    // Optional tabs; the LAS tab always exists. The order differs on purpose from that of the tabs.
     bool showRasterTab = false;
     bool showPhotoTab = false;
     bool showFeatureTab = false;
@@ -60,10 +59,10 @@ class AddFilesParams {
     bool convertExistingQvr = false;        ///< ".qvr" companions become OrvexLAS companions
     std::int32_t orvexLasBackupOption = 0;  ///< kOverwriteOriginals and the like
     bool orvexLasOverwritePending = false;  ///< existing companions will be overwritten without a backup
-    bool reCreateOrvexLas = false;          ///< companions that exist are made anew
+    bool reCreateOrvexLas = false;          ///< recreate existing companions
 
     // Raster input and results.
-    /// Input: as existingLasLayers, for rasters.
+    /// Input: the same as existingLasLayers, for rasters.
     std::map<std::wstring, std::wstring> existingRasterLayers;
     FilesByFolder rasterFiles;
     /// Full path to the file's details, owned by the host.
@@ -76,7 +75,7 @@ class AddFilesParams {
     bool featureImportLines = false;
     bool featureImportPolygons = false;
     bool featureImportText = false;
-    std::wstring featureOutputFolder;  ///< resolved; empty when no CAD or KML file was chosen
+    std::wstring featureOutputFolder;  ///< resolved; empty if no CAD or KML file was chosen
     std::map<std::wstring, std::wstring> existingFeatureLayers;  ///< input
     std::map<std::wstring, std::wstring> featureFiles;           ///< layer name to full path
     bool featureRequireCrs = false;
@@ -98,7 +97,7 @@ class AddFilesParams {
     // Cloud results, keyed by layer name.
     std::map<std::wstring, std::wstring> presignedUrlLayers;  ///< to the URL
     std::map<std::wstring, std::wstring> cloudLasLayers;      ///< to the layer's URL
-    /// What the grid has behind the URL: its ninth and tenth cell.
+    /// The grid's ninth and tenth cell, behind the URL.
     std::map<std::wstring, std::wstring> cloudLasLayerValues2;
     std::map<std::wstring, std::wstring> cloudLasLayerValues3;
 
@@ -112,9 +111,9 @@ class AddFilesParams {
     /// The same for rasterFiles and demFiles.
     std::map<std::wstring, std::wstring> rasterFileLayers;
     std::map<std::wstring, std::wstring> demFileLayers;
-    /// Input: where the pickers of raster and DEM files open; empty: the system's choice.
+    /// Input: initial folder of the raster and DEM file pickers; empty: the system's choice.
     std::wstring initialFolder;
-    /// The converted DEM files get no CRS.
+    /// Converted DEM files get no CRS.
     bool demIgnoreCrs = false;
 
     /// Input: files and folders that are added when the dialog opens, each to the page that takes it: the one

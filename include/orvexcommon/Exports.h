@@ -2,20 +2,19 @@
 // The exported functions of the component. None of them throws.
 //
 // Windows are shown on the calling thread. A host that uses Qt calls on the thread of its QApplication. In a
-// host without Qt the component brings up Qt for the duration of the call and takes it down again, whichever
-// thread calls; two at a time cannot. What cannot be shown (the host has a QCoreApplication only, or its
-// QApplication on another thread; there is no display) counts as cancelled, and its reason is in the log.
+// host without Qt the component starts Qt for the duration of the call, on whichever thread calls, one at a
+// time. A window that cannot be shown (the host has only a QCoreApplication, or its QApplication on another
+// thread; there is no display) counts as cancelled, and the log has the reason.
 //
-// On Windows the dialogs belong to the host's window: they are placed over it, stay above it, and it takes no
-// input until they close. When the host destroys that window, or quits (WM_QUIT, which it still receives),
-// they end as with Cancel. Once a dialog has been shown, the library stays loaded until the process ends.
+// On Windows the host's window owns the dialogs: they are centred on it and stay above it, and it is disabled
+// until they close. If the host destroys that window, or quits (it still receives WM_QUIT), the dialogs are
+// cancelled. Once a dialog has been shown, the library stays loaded until the process ends.
 //
-// The library exports these functions under the names that Microsoft's compiler gives them, and hosts find
-// them by these. But what they pass is laid out as the compiler of this library does it: std::map,
-// std::vector and std::wstring of libstdc++, that is mingw-w64's GCC 12 or newer with libstdc++-6.dll, and
-// virtual functions by the Itanium ABI. A host built with another compiler or standard library must not pass
-// an AddFilesParams or a std::wstring of its own; GetAddingLidarChoice, which takes and returns plain values,
-// it may call.
+// The functions are exported under the names of Microsoft's compiler, by which hosts bind to them. Their
+// arguments, however, have the layout of this library's compiler: std::map, std::vector and std::wstring of
+// libstdc++ (mingw-w64's GCC 12 or newer with libstdc++-6.dll) and virtual functions of the Itanium ABI. A
+// host built with another compiler or standard library must not pass its own AddFilesParams or std::wstring;
+// it may call GetAddingLidarChoice, which takes and returns plain values.
 #include <string>
 
 #include "orvexcommon/AddFilesParams.h"
@@ -31,24 +30,24 @@ struct HWND__;
 using HWND = HWND__*;
 #else
 #define ORVEXCOMMON_API __attribute__((visibility("default")))
-/// The window that a message belongs to: a QWidget's winId(); null for none.
+/// Owner of a message: a QWidget's winId(); null for none.
 using HWND = void*;
 #endif
 
-/// Shows the Add Files dialog modally. True only when it ended with OK and at least one result list of
-/// `params` is not empty. `params` must not be null and must outlive the call. The dialog belongs to the
-/// active window of the calling thread.
+/// Shows the Add Files dialog modally. True only if it ends with OK and at least one result list of `params`
+/// is not empty. `params` must not be null and must outlive the call. The calling thread's active window owns
+/// the dialog.
 ORVEXCOMMON_API bool ShowAddFilesDialog(AddFilesParams* params);
 
-/// Shows the messages that follow from the host's findings about LiDAR files to be added. `a`: files
-/// are appended to existing layers; `b`: the CRS of files differ; `c`: files have no CRS; `d`: a header
-/// cannot be true; `e`: the user is to be told of files that are skipped; `f`: files are in the project
-/// already; `g`: files can no longer be opened. `owner`: null for the active window of the calling thread.
-/// `stop` is set to true, never to false, when nothing may be added.
+/// Shows the messages for the host's findings about LiDAR files to be added. `a`: files are appended to
+/// existing layers; `b`: files differ in CRS; `c`: files have no CRS; `d`: a header is implausible; `e`: the
+/// user is to be told of skipped files; `f`: files are in the project already; `g`: files can no longer be
+/// opened. `owner`: null for the calling thread's active window. `stop` is set to true, never to false, if
+/// nothing may be added.
 ORVEXCOMMON_API void MessageRegardingAddingLidar(HWND owner, const std::wstring& caption, bool a, bool b,
                                                  bool c, bool d, bool e, bool f, bool g, bool& stop);
 
-/// Asks how LiDAR data is to be added, unless the user has asked not to be asked again: then the kept answer.
-/// Without `readWriteAllowed` read-write cannot be chosen. Belongs to the active window of the calling
-/// thread.
+/// Asks how LiDAR data is to be added, or returns the stored answer if the user has ticked "do not ask
+/// again". Without `readWriteAllowed` read-write cannot be chosen. The calling thread's active window owns
+/// the dialog.
 ORVEXCOMMON_API AddLidarChoice GetAddingLidarChoice(bool readWriteAllowed);

@@ -12,7 +12,6 @@
 #define ORVEXGEOCODING_API __attribute__((visibility("default")))
 #endif
 
-/// Whether a file is a BigTIFF, by its own first bytes and in either byte order, whatever its name. True when
-/// the file could be read (a file of another kind is none); false with a reason in plain words in `message`
-/// when it could not; `isBigTiff` is false then. Safe from any thread.
+/// Detects a BigTIFF by its first bytes, in either byte order and whatever its name. Returns true if the file
+/// could be read; else false with `isBigTiff` false and a reason in plain words in `message`. Any thread.
 ORVEXGEOCODING_API bool Is_BigTIFF(const std::wstring& path, bool& isBigTiff, std::wstring& message);

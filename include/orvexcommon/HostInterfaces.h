@@ -1,9 +1,9 @@
 #pragma once
-// What the component asks of its host's objects. On Windows these are COM objects, which the component makes
-// by class id; OrvexHost.idl describes their interfaces, and a host may implement them any way it likes.
-// Elsewhere the host registers a factory for each class id in its object library (orvexobjects). That library
-// also serves a host on Windows: it makes the factories known to COM, and no host needs it that has COM
-// classes of its own.
+// Objects that the component expects from its host. On Windows they are COM objects, which the component
+// creates by class id; OrvexHost.idl describes their interfaces, and a host may implement them in any way.
+// Elsewhere the host registers a factory per class id in its object library (orvexobjects). That library also
+// works on Windows, where it registers the factories with COM; a host with COM classes of its own does not
+// need it.
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -53,7 +53,7 @@ inline constexpr std::int32_t kHostClassNotRegistered = static_cast<std::int32_t
 /// One value of the settings object. Booleans travel as 16-bit integers, -1 for true and 0 for false.
 using SettingValue = std::variant<std::monostate, std::int16_t, std::int32_t, double, std::wstring>;
 
-/// Base of every object that the object library hands out.
+/// Base of every object from the object library.
 class HostObject {
   public:
     virtual ~HostObject() = default;
@@ -62,10 +62,9 @@ class HostObject {
 /// The host's settings object OrvexSystemSettings: named values in sections.
 class OrvexSystemSettings : public HostObject {
   public:
-    /// Overwrites `value` (pre-set by the caller to the default) when the setting is stored. Returns a result
-    /// code.
+    /// Overwrites `value` (set to the default by the caller) if the setting is stored. Returns a result code.
     virtual std::int32_t Get(const std::wstring& section, const std::wstring& key, SettingValue& value) = 0;
-    /// Stores the value. Returns a result code; a failure leaves the old value.
+    /// Stores the value. Returns a result code; a failure keeps the old value.
     virtual std::int32_t Set(const std::wstring& section, const std::wstring& key,
                              const SettingValue& value) = 0;
 };
@@ -73,22 +72,21 @@ class OrvexSystemSettings : public HostObject {
 /// The host application object.
 class OrvexApplication : public HostObject {
   public:
-    /// The folder of the open project, with a trailing separator; empty when no project is open. Returns a
-    /// result code.
+    /// Folder of the open project with a trailing separator; empty if no project is open. Returns a result
+    /// code.
     virtual std::int32_t GetProjectFolder(std::wstring& folder) = 0;
-    /// A numbered option of the host. `value` is overwritten when the option is set. Returns a result code.
+    /// Reads a numbered option of the host into `value` if it is set. Returns a result code.
     virtual std::int32_t GetOptionItem(std::int32_t item, SettingValue& value) = 0;
 };
 
-/// Reads properties of raster files. Made and used on any thread, several at a time, each object on the
-/// thread that made it; also for a while after the component's function has returned, when the user has given
-/// up a file that did not answer. A host need not have the class: the component then reads the files by
-/// itself.
+/// Reads properties of raster files. Created on any thread, several at a time, and used on the thread that
+/// created it; possibly still after the component's function has returned, if the user gave up on a file that
+/// did not respond. Optional: without the class the component reads the files itself.
 class OrvexRasterInformation : public HostObject {
   public:
-    /// Reads what describes the file, without its pixels. Returns a result code; after a failure `properties`
-    /// is untouched and `reason` says the cause in plain words, where the host knows it. An object that knows
-    /// only what every such object says leaves `hasDetails` false.
+    /// Reads the file's properties without its pixels. Returns a result code; on failure `properties` is
+    /// unchanged and `reason` gives the cause in plain words if known. An object that only knows the
+    /// essentials leaves `hasDetails` false.
     virtual std::int32_t Describe(const std::wstring& path, RasterProperties& properties,
                                   std::wstring& reason) = 0;
 };
@@ -97,18 +95,18 @@ using HostObjectFactory = std::function<std::unique_ptr<HostObject>()>;
 
 }  // namespace orvex
 
-/// Registers the factory of a class; an empty factory takes the class away. The newest registration holds.
-/// The factory of the raster-information class is called on any thread, several at a time, and a call of it
-/// may still run when the class is taken away.
+/// Registers the factory of a class; an empty factory removes the class. The latest registration counts. The
+/// factory of the raster-information class is called on any thread, several at a time, and may still be
+/// running when the class is removed.
 ///
 /// On Windows the classes become class objects of the calling thread's COM apartment, and the
-/// raster-information class moreover one of the multithreaded apartment, where the component's threads find
-/// it: call it on the thread that calls the component, and take the class away on the same thread, not from
-/// DllMain. While a class is registered, COM stays initialised on that thread, in a single-threaded apartment
-/// if the host has not chosen another. Throws std::system_error when COM refuses.
+/// raster-information class also one of the multithreaded apartment, where the component's threads find it:
+/// register on the thread that calls the component, and remove on the same thread, not from DllMain. While a
+/// class is registered, COM stays initialised on that thread, single-threaded unless the host has chosen
+/// otherwise. Throws std::system_error if COM refuses.
 ORVEXOBJECTS_API void RegisterHostClass(const orvex::ClassId& classId, orvex::HostObjectFactory factory);
 
-/// Makes an object of a class. Null and a failure code (kHostClassNotRegistered, kHostFail) when it cannot be
-/// made; never throws. The caller owns the object.
+/// Creates an object of a class. Null and a failure code (kHostClassNotRegistered, kHostFail) if that fails;
+/// never throws. The caller owns the object.
 ORVEXOBJECTS_API std::unique_ptr<orvex::HostObject> CreateHostObject(const orvex::ClassId& classId,
                                                                      std::int32_t& result);

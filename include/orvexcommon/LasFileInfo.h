@@ -5,8 +5,8 @@
 
 namespace orvex {
 
-/// What the host gets to know of one LAS file that the dialog opened; the component's reader implements it.
-/// The object holds the file's header and records in memory. Whoever owns the pointer deletes it.
+/// Details of a LAS file that the dialog opened, for the host; the component's reader implements it. Holds
+/// the file's header and records in memory. The owner of the pointer deletes it.
 class LasFileInfo {
   public:
     virtual ~LasFileInfo() = default;
@@ -23,12 +23,11 @@ class LasFileInfo {
     virtual std::array<double, 3> Minimum() const = 0;
     /// Maximum of X, Y, Z in the units of the CRS, from the header.
     virtual std::array<double, 3> Maximum() const = 0;
-    /// The CRS as WKT (UTF-8), from the file's WKT or GeoTIFF records; empty when it has none that can be
-    /// read.
+    /// CRS as WKT (UTF-8) from the file's WKT or GeoTIFF records; empty if it has none that is readable.
     virtual std::string CrsWkt() const = 0;
     /// 0 none, 2 ".qvr" beside the file, 3 index record in the file, 6 extended record 157.
     virtual int GetCompanionStatus() const = 0;
-    /// The file's id in the process-wide registry.
+    /// Id of the file in the process-wide registry.
     virtual std::uint16_t RegisteredId() const = 0;
 };
 

@@ -5,7 +5,7 @@
 
 namespace orvex {
 
-/// What the host gets to know of one raster file that the dialog listed. Whoever owns the pointer deletes it.
+/// Details of a raster file that the dialog listed, for the host. The owner of the pointer deletes it.
 class RasterFileInfo {
   public:
     virtual ~RasterFileInfo() = default;

@@ -7,8 +7,8 @@
 
 #include "las/LasValidate.h"
 #include "las/testing/LasFiles.h"
-#include "support/testing/ProcessFacts.h"
-#include "support/testing/SparseFile.h"
+#include "support/testing/TemporaryFolder.h"
+#include "support/testing/TestSystem.h"
 
 namespace orvex {
 namespace {
@@ -27,7 +27,7 @@ class HostileFiles : public ::testing::Test {
         return text;
     }
 
-    const testing::LasFolder folder_;
+    const testing::LasFolder folder_{};
 };
 
 TEST_F(HostileFiles, TwinsReadAlike) {

@@ -6,7 +6,7 @@
 
 #include "las/testing/LasFiles.h"
 #include "support/LDataError.h"
-#include "support/testing/SparseFile.h"
+#include "support/testing/TestSystem.h"
 
 namespace orvex {
 namespace {
@@ -36,7 +36,7 @@ class LasPointViewsTest : public ::testing::Test {
         return LASFile::Open(folder_.Write(builder), readOnly, false);
     }
 
-    const testing::LasFolder folder_;
+    const testing::LasFolder folder_{};
 };
 
 TEST_F(LasPointViewsTest, CoverEveryPointOnce) {

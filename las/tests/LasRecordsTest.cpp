@@ -4,8 +4,8 @@
 
 #include "las/testing/LasBuilder.h"
 #include "support/LDataError.h"
-#include "support/testing/SparseFile.h"
 #include "support/testing/TemporaryFolder.h"
+#include "support/testing/TestSystem.h"
 
 namespace orvex {
 namespace {

@@ -38,7 +38,7 @@ class LasValidateTest : public ::testing::Test {
         return LasBuilder(version, format).AddPoints(10).ProjectedEpsg(25832);
     }
 
-    const testing::LasFolder folder_;
+    const testing::LasFolder folder_{};
 };
 
 TEST_F(LasValidateTest, FindsNothingInGoodFiles) {

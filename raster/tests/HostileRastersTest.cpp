@@ -7,8 +7,8 @@
 #include "raster/RasterInspection.h"
 #include "raster/testing/TiffBytes.h"
 #include "support/Text.h"
-#include "support/testing/ProcessFacts.h"
 #include "support/testing/TemporaryFolder.h"
+#include "support/testing/TestSystem.h"
 
 namespace orvex {
 namespace {

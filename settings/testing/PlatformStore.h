@@ -1,9 +1,23 @@
 #pragma once
+#include <filesystem>
 #include <memory>
 
 #include "settings/RegistryKey.h"
 
 namespace orvex::testing {
+
+/// Takes the right to write from a folder and the files in it until destroyed.
+class OrdinaryUser {
+  public:
+    explicit OrdinaryUser(const std::filesystem::path& folder);
+    ~OrdinaryUser();
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+
+  private:
+    struct System;
+    std::unique_ptr<System> system_;
+};
 
 /// The platform's own store over a place that nothing else uses, empty at first and removed in the end: two
 /// SQLite files, or a key of the registry. One at a time.

@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "settings/SecurityDescriptor_win.h"
-#include "support/OpenKey_win.h"
+#include "support/Handle_win.h"
 
 namespace orvex::testing {
 namespace {
@@ -67,16 +66,6 @@ std::optional<RawValue> PrivateRegistry::Find(HKEY root, const std::wstring& key
                                reinterpret_cast<BYTE*>(value.data.data()), &size),
               ERROR_SUCCESS);
     return value;
-}
-
-std::optional<std::pair<DWORD, DWORD>> PrivateRegistry::Count(HKEY root, const std::wstring& key) const {
-    const OpenKey open = Open(root, key, KEY_READ);
-    std::pair<DWORD, DWORD> counts;
-    if (!open || RegQueryInfoKeyW(open.Get(), nullptr, nullptr, nullptr, &counts.second, nullptr, nullptr,
-                                  &counts.first, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
-        return std::nullopt;
-    }
-    return counts;
 }
 
 void PrivateRegistry::DenyWrites(HKEY root, const std::wstring& key) {

@@ -33,8 +33,6 @@ class PrivateRegistry {
     void Put(HKEY root, const std::wstring& key, const std::wstring& name, const RawValue& value) const;
     /// Reads a value by raw calls; none when it is not there.
     std::optional<RawValue> Find(HKEY root, const std::wstring& key, const std::wstring& name) const;
-    /// How many values and subkeys a key has; none when it does not exist.
-    std::optional<std::pair<DWORD, DWORD>> Count(HKEY root, const std::wstring& key) const;
     /// From now on an existing key can only be read: its access list keeps everybody from setting values and
     /// making subkeys. That is what an ordinary user meets under the local machine. (Wine makes subkeys all
     /// the same.)

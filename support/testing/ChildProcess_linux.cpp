@@ -3,7 +3,7 @@
 
 #include <csignal>
 
-#include "support/testing/ChildWork.h"
+#include "support/testing/ChildProcess.h"
 
 namespace orvex::testing {
 
@@ -32,7 +32,7 @@ struct ChildProcess::System {
 ChildProcess::ChildProcess(const std::wstring& work, const ChildArguments& arguments) {
     const pid_t id = fork();
     if (id == 0) {
-        _exit(DoChildWork(work, arguments));
+        _exit(ChildWork::Do(work, arguments));
     }
     system_ = std::make_unique<System>(id);
 }
@@ -43,11 +43,6 @@ ChildProcess& ChildProcess::operator=(ChildProcess&& other) noexcept = default;
 
 int ChildProcess::ExitCode() {
     return system_->Wait();
-}
-
-void ChildProcess::Kill() {
-    kill(system_->id, SIGKILL);
-    system_->Wait();
 }
 
 std::optional<int> RunAsChild() {

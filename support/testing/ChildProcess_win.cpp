@@ -3,7 +3,7 @@
 #include "support/Environment.h"
 #include "support/Handle_win.h"
 #include "support/com/ModuleFile_win.h"
-#include "support/testing/ChildWork.h"
+#include "support/testing/ChildProcess.h"
 
 namespace orvex::testing {
 namespace {
@@ -62,16 +62,12 @@ int ChildProcess::ExitCode() {
     return hasEnded && code < kKilled ? static_cast<int>(code) : -1;
 }
 
-void ChildProcess::Kill() {
-    system_->End();
-}
-
 std::optional<int> RunAsChild() {
     const std::vector<std::wstring> words = ProgramArguments(0, nullptr);
     if (words.size() < 2 || words[0] != kMark) {
         return std::nullopt;
     }
-    return DoChildWork(words[1], ChildArguments(words.begin() + 2, words.end()));
+    return ChildWork::Do(words[1], ChildArguments(words.begin() + 2, words.end()));
 }
 
 }  // namespace orvex::testing

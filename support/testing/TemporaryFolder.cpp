@@ -4,6 +4,7 @@
 #include <chrono>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 #include <vector>
 
 #include "support/Files.h"
@@ -61,6 +62,15 @@ std::size_t TemporaryFolder::Entries() const {
 std::string ReadFile(const std::wstring& path) {
     std::ifstream file(ToPath(path), std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void WriteAt(const std::wstring& path, std::uint64_t offset, const std::string& bytes) {
+    std::fstream file(ToPath(path), std::ios::binary | std::ios::in | std::ios::out);
+    file.seekp(static_cast<std::streamoff>(offset));
+    file << bytes << std::flush;
+    if (!file) {
+        throw std::runtime_error("WriteAt: " + ToUtf8(path));
+    }
 }
 
 }  // namespace orvex::testing

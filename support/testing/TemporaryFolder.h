@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -13,19 +14,22 @@ class TemporaryFolder {
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     const std::filesystem::path& Path() const { return path_; }
-    /// The full path of a name in the folder, as the component's wide text.
+    /// Full path of a name in the folder.
     std::wstring Name(const std::wstring& name) const;
-    /// Writes a file (folders on the way are made) and returns its full path.
+    /// Writes a file, creating its folders, and returns its full path.
     std::wstring Write(const std::wstring& name, const std::string& bytes) const;
 
-    /// How many files and folders lie in it, without those in its subfolders.
+    /// Number of entries directly in it.
     std::size_t Entries() const;
 
   private:
     std::filesystem::path path_;
 };
 
-/// The whole content of a file; empty when it cannot be read.
+/// Content of a file; empty if it cannot be read.
 std::string ReadFile(const std::wstring& path);
+
+/// Overwrites bytes of an existing file; throws if that fails.
+void WriteAt(const std::wstring& path, std::uint64_t offset, const std::string& bytes);
 
 }  // namespace orvex::testing

@@ -2,9 +2,11 @@
 #include <windows.h>
 
 #include "support/Files.h"
+#include "support/Handle_win.h"
 #include "support/MappedFile.h"
-#include "support/testing/Protection_win.h"
+#include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
+#include "support/testing/TestSystem.h"
 
 namespace orvex {
 namespace {
@@ -45,6 +47,79 @@ TEST(Files, AreTheSameInAnyLetterCaseAndWithAnySeparator) {
     EXPECT_TRUE(FileExists(folder.Name(L"SUB/GRÖßE.LAS")));
     EXPECT_TRUE(IsSameFile(file, folder.Name(L"SUB/GRÖßE.LAS")));
     EXPECT_EQ(CanonicalPath(folder.Name(L"SUB")), CanonicalPath(folder.Name(L"sub")));
+}
+
+TEST(Files, AbsolutePathsAreFullAndPrefixedWhenLong) {
+    // Wine takes long names without the prefix; Windows does not.
+    constexpr std::size_t kRoom = 48;
+    const std::wstring shorter(100, L'x');
+    const std::wstring longer(200, L'x');
+    const struct {
+        std::wstring given, system;
+    } cases[] = {
+        {L"", L""},
+        {LR"(C:\folder\)" + shorter, LR"(C:\folder\)" + shorter},
+        {L"C:/folder/./a/../" + shorter, LR"(C:\folder\)" + shorter},
+        {L"C:/folder/./a/../" + longer, LR"(\\?\C:\folder\)" + longer},
+        {L"//server/share/" + longer, LR"(\\?\UNC\server\share\)" + longer},
+        {LR"(\\?\C:\)" + longer, LR"(\\?\C:\)" + longer},
+        {L"user.sqlite", (std::filesystem::current_path() / L"user.sqlite").native()},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(ToPath(AbsolutePath(c.given), kRoom).native(), c.system);
+    }
+}
+
+TEST(MappedFile, NamesTheSystemsReason) {
+    const testing::TemporaryFolder folder;
+    const std::wstring held = folder.Write(L"held.las", "x");
+    const Handle exclusive(
+        CreateFileW(held.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    ASSERT_TRUE(exclusive);
+    struct Case {
+        std::wstring path;
+        bool readOnly;
+        SystemError error;
+    };
+    for (const Case& c : {
+             Case{folder.Name(L"absent.las"), true, 2},
+             Case{folder.Name(L"absent.las"), false, 2},
+             Case{folder.Name(L"absent\\a.las"), true, 3},
+             Case{FromPath(folder.Path()), true, 5},
+             Case{held, true, 32},
+             Case{L"NUL", true, 222},
+             Case{L"", true, 3},
+         }) {
+        MappedFile file;
+        EXPECT_EQ(file.Open(c.path, c.readOnly), c.error) << ToUtf8(c.path);
+        EXPECT_EQ(file.IsOpen(), c.error == 0);
+    }
+}
+
+TEST(MappedFile, AnEmptyFileCanBeReadButNotMapped) {
+    const testing::TemporaryFolder folder;
+    MappedFile file;
+    ASSERT_EQ(file.Open(folder.Write(L"empty.las", ""), true), 0);
+    EXPECT_EQ(file.CreateMapping(), ERROR_FILE_INVALID);
+}
+
+TEST(MappedFile, AReadOnlyMappingGivesNoWritableView) {
+    const testing::TemporaryFolder folder;
+    MappedFile file;
+    ASSERT_EQ(file.Open(folder.Write(L"a.las", "content"), true), 0);
+    ASSERT_EQ(file.CreateMapping(), 0);
+    MappedView view;
+    EXPECT_EQ(file.Map(0, 7, true, view), ERROR_ACCESS_DENIED);
+}
+
+TEST(SystemError, TextsAreOneLine) {
+    for (const SystemError error : {ERROR_FILE_NOT_FOUND, ERROR_SHARING_VIOLATION, ERROR_BAD_EXE_FORMAT}) {
+        const std::wstring text = SystemErrorText(error);
+        ASSERT_FALSE(text.empty());
+        EXPECT_EQ(text.find_first_of(L"\r\n"), std::wstring::npos) << ToUtf8(text);
+        EXPECT_NE(text.back(), L' ');
+    }
+    EXPECT_NE(SystemErrorText(0x2FFFFFFF).find(std::to_wstring(0x2FFFFFFF)), std::wstring::npos);
 }
 
 }  // namespace

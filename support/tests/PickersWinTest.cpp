@@ -9,9 +9,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QTimer>
-#include <chrono>
 #include <functional>
-#include <thread>
 
 #include "support/FilePickers.h"
 #include "support/Text.h"
@@ -22,89 +20,75 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using namespace std::chrono_literals;
 
-struct Search {
-    HWND found = nullptr;
-};
-
-BOOL CALLBACK TakeDialog(HWND window, LPARAM parameter) {
+BOOL CALLBACK TakeDialog(HWND window, LPARAM found) {
     wchar_t className[16] = {};
     GetClassNameW(window, className, 16);
     DWORD process = 0;
     GetWindowThreadProcessId(window, &process);
-    if (process == GetCurrentProcessId() && IsWindowVisible(window) && std::wstring(className) == L"#32770") {
-        reinterpret_cast<Search*>(parameter)->found = window;
-        return FALSE;
+    if (process != GetCurrentProcessId() || !IsWindowVisible(window) ||
+        std::wstring(className) != L"#32770") {
+        return TRUE;
     }
-    return TRUE;
+    *reinterpret_cast<HWND*>(found) = window;
+    return FALSE;
 }
 
-/// Waits, on a thread of its own, for the dialog that the next call opens, and does something to it.
+/// Acts on the dialog that the next call opens, from a timer: the system's dialogs serve Qt's timers. `act`
+/// is repeated until it returns true.
 class WhenOpen {
   public:
-    explicit WhenOpen(std::function<void(HWND)> act)
-        : thread_([act = std::move(act)] {
-              Search search;
-              for (const auto end = std::chrono::steady_clock::now() + 20s;
-                   search.found == nullptr && std::chrono::steady_clock::now() < end;
-                   std::this_thread::sleep_for(20ms)) {
-                  EnumWindows(TakeDialog, reinterpret_cast<LPARAM>(&search));
-              }
-              ASSERT_NE(search.found, nullptr) << "no dialog came";
-              std::this_thread::sleep_for(300ms);  // it fills itself after it is shown
-              act(search.found);
-              for (int i = 0; IsWindow(search.found) && i < 500; ++i) {
-                  std::this_thread::sleep_for(20ms);
-              }
-              EXPECT_FALSE(IsWindow(search.found)) << "the dialog stayed";
-              PostMessageW(search.found, WM_COMMAND, IDCANCEL, 0);
-          }) {}
+    explicit WhenOpen(std::function<bool(HWND)> act) {
+        QObject::connect(&timer_, &QTimer::timeout, [this, act = std::move(act)] {
+            HWND dialog = nullptr;
+            EnumWindows(TakeDialog, reinterpret_cast<LPARAM>(&dialog));
+            if (dialog != nullptr && act(dialog)) {
+                timer_.stop();
+            }
+        });
+        timer_.start(10);
+    }
+    ~WhenOpen() { EXPECT_FALSE(timer_.isActive()) << "nothing was done to a dialog"; }
 
   private:
-    std::jthread thread_;
+    QTimer timer_;
 };
 
-void Press(HWND dialog, int button) {
-    PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0);
+bool Press(HWND dialog, int button) {
+    return PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0) != FALSE;
 }
 
-void TypeNames(HWND dialog, const std::wstring& names) {
-    SetDlgItemTextW(dialog, GetDlgItem(dialog, cmb13) != nullptr ? cmb13 : edt1, names.c_str());
-    Press(dialog, IDOK);
+bool Cancel(HWND dialog) {
+    return Press(dialog, IDCANCEL);
 }
 
-BOOL CALLBACK TakeTree(HWND window, LPARAM parameter) {
+bool TypeNames(HWND dialog, const std::wstring& names) {
+    const int edit = GetDlgItem(dialog, cmb13) != nullptr ? cmb13 : edt1;
+    return SetDlgItemTextW(dialog, edit, names.c_str()) != FALSE && Press(dialog, IDOK);
+}
+
+BOOL CALLBACK TakeTree(HWND window, LPARAM found) {
     wchar_t className[32] = {};
     GetClassNameW(window, className, 32);
     if (std::wstring(className) != WC_TREEVIEWW) {
         return TRUE;
     }
-    reinterpret_cast<Search*>(parameter)->found = window;
+    *reinterpret_cast<HWND*>(found) = window;
     return FALSE;
 }
 
 /// What is selected in the tree of a folder browser, as it is shown.
 std::wstring SelectedFolder(HWND browser) {
-    Search tree;
+    HWND tree = nullptr;
     EnumChildWindows(browser, TakeTree, reinterpret_cast<LPARAM>(&tree));
     wchar_t text[MAX_PATH] = {};
     TVITEMW item{};
     item.mask = TVIF_TEXT;
-    item.hItem = TreeView_GetSelection(tree.found);
+    item.hItem = TreeView_GetSelection(tree);
     item.pszText = text;
     item.cchTextMax = MAX_PATH;
-    SendMessageW(tree.found, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
     return text;
-}
-
-/// Agrees once the folder of this name is selected: the browser goes to it step by step, and takes a press on
-/// its button between two of them.
-void AgreeTo(HWND browser, const std::wstring& name) {
-    for (int i = 0; SelectedFolder(browser) != name && i < 500; ++i) {
-        std::this_thread::sleep_for(20ms);
-    }
-    Press(browser, IDOK);
 }
 
 std::wstring CurrentFolder() {
@@ -121,8 +105,6 @@ class SystemDialogs : public ::testing::Test {
         request.filters = {{L"LAS Files (*.las)", L"*.las"}};
         owner.setModal(true);
         owner.show();
-        QObject::connect(&timer, &QTimer::timeout, [this] { ++ticks; });
-        timer.start(10);
     }
     ~SystemDialogs() override {
         EXPECT_EQ(CurrentFolder(), before);
@@ -133,7 +115,7 @@ class SystemDialogs : public ::testing::Test {
         const WhenOpen typing([&](HWND dialog) {
             EXPECT_EQ(GetWindow(dialog, GW_OWNER), OwnerHandle());
             EXPECT_FALSE(IsWindowEnabled(OwnerHandle()));
-            TypeNames(dialog, names);
+            return TypeNames(dialog, names);
         });
         return pickers->PickFiles(request);
     }
@@ -142,8 +124,6 @@ class SystemDialogs : public ::testing::Test {
     testing::TemporaryFolder folder;
     OpenFilesRequest request;
     QDialog owner;
-    QTimer timer;
-    int ticks = 0;
     std::unique_ptr<FilePickers> pickers = MakeFilePickers();
 };
 
@@ -151,13 +131,12 @@ TEST_F(SystemDialogs, FilesComeWithFullPathsInTheOrderChosen) {
     const PickedFiles two = PickTyping(L"\"b.LAS\" \"a.las\"");
     EXPECT_EQ(two.outcome, PickOutcome::Picked);
     EXPECT_THAT(two.paths, ElementsAre(folder.Name(L"b.LAS"), folder.Name(L"a.las")));
-    EXPECT_GT(ticks, 3) << "timers go on while the dialog is open";
     EXPECT_THAT(PickTyping(L"a.las").paths, ElementsAre(folder.Name(L"a.las")));
 }
 
 TEST_F(SystemDialogs, CancelledAndTooManyAreToldApart) {
     {
-        const WhenOpen cancelling([](HWND dialog) { Press(dialog, IDCANCEL); });
+        const WhenOpen cancelling(Cancel);
         EXPECT_EQ(pickers->PickFiles(request).outcome, PickOutcome::Cancelled);
     }
     // One name, because Wine writes several beyond the end of the buffer.
@@ -171,11 +150,13 @@ TEST_F(SystemDialogs, TheFolderBrowserOpensOnTheCurrentFolder) {
     std::filesystem::current_path(folder.Path());
     {
         const std::wstring name = FileNameOf(FromPath(folder.Path()));
-        const WhenOpen agreeing([&](HWND dialog) { AgreeTo(dialog, name); });
+        // The browser goes to the folder step by step.
+        const WhenOpen agreeing(
+            [&](HWND dialog) { return SelectedFolder(dialog) == name && Press(dialog, IDOK); });
         EXPECT_EQ(pickers->PickFolder(L"Folder"), FromPath(folder.Path()));
     }
     {
-        const WhenOpen cancelling([](HWND dialog) { Press(dialog, IDCANCEL); });
+        const WhenOpen cancelling(Cancel);
         EXPECT_EQ(pickers->PickFolder(L"Folder"), std::nullopt);
     }
     std::filesystem::current_path(ToPath(before));

@@ -1,5 +1,5 @@
 #pragma once
-// The rules of the source tree that no compiler keeps.
+// Rules of the source tree that no compiler checks.
 #include <string>
 #include <vector>
 
@@ -9,7 +9,7 @@ namespace orvex::rules {
 
 struct Violation {
     std::string file;
-    std::size_t line = 0;  ///< counted from 1; 0 when the file itself is meant
+    std::size_t line = 0;  ///< from 1; 0 for the file as a whole
     std::string what;
 };
 

@@ -1,5 +1,5 @@
 #pragma once
-// The view of a C++ source that the rules need: what is code on each line, and what is included.
+// C++ source as the rules see it: the code of each line, and the includes.
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,14 +13,14 @@ struct Include {
 };
 
 struct SourceText {
-    /// One per line: comments and the insides of string and character literals are blank.
+    /// One per line, with comments and the contents of string and character literals blanked out.
     std::vector<std::string> code;
     std::vector<Include> includes;
 };
 
 SourceText ReadSource(std::string_view bytes);
 
-/// Whether a line of code has a word (an identifier of its own, not a part of one).
+/// True if a line of code contains `word` as a whole identifier.
 bool HasWord(std::string_view code, std::string_view word);
 
 }  // namespace orvex::rules

@@ -8,7 +8,7 @@
 
 namespace orvex::rules {
 
-/// The files of a source tree. Paths are relative to its root, with "/".
+/// Files of a source tree. Paths are relative to its root, with "/".
 struct Tree {
     std::vector<std::string> files;  ///< every file, sorted; without hidden folders and build folders
     std::map<std::string, SourceText> sources;  ///< the C++ files among them

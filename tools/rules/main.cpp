@@ -1,5 +1,5 @@
-// Prints what a source tree breaks of its own rules, one line each as file:line: what. Exit code 1 when there
-// is any.
+// Prints the violations of the source tree's rules, one per line as file:line: text. Exit code 1 if there are
+// any.
 #include <cstdio>
 #include <exception>
 

@@ -9,7 +9,7 @@
 #include "entry/tests/DialogScript.h"
 #include "host/app/SampleLasFile.h"
 #include "host/objects/HostClasses.h"
-#include "settings/PrivateSettings.h"
+#include "settings/RegistryKey.h"
 
 namespace {
 
@@ -33,17 +33,13 @@ std::unique_ptr<Served>& TheServed() {
 
 #define ORVEX_DRIVER_API extern "C" __declspec(dllexport)
 
-ORVEX_DRIVER_API void DriverBegin(const char* commands, DriverStep onStep) {
+ORVEX_DRIVER_API void DriverBegin(const char* commands, DriverMayGoOn mayGoOn) {
     std::deque<std::string> lines;
     std::istringstream text(commands);
     for (std::string line; std::getline(text, line);) {
         lines.push_back(line);
     }
-    if (onStep != nullptr) {
-        orvex::testing::DialogScript::Begin(std::move(lines), onStep);
-    } else {
-        orvex::testing::DialogScript::Begin(std::move(lines));
-    }
+    orvex::testing::DialogScript::Begin(std::move(lines), mayGoOn);
 }
 
 ORVEX_DRIVER_API std::size_t DriverLeft() {

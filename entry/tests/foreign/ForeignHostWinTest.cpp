@@ -5,7 +5,6 @@
 #include <shellscalingapi.h>
 
 #include <cstdlib>
-#include <sstream>
 
 #include "entry/tests/foreign/ForeignHost_win.h"
 #include "orvexcommon/LasFileInfo.h"
@@ -17,13 +16,13 @@ namespace {
 struct Seen {
     bool ownerEnabled = true;
     std::size_t owned = 0;
-    int paints = 0;
     HRESULT canUnload = S_OK;
+    int steps = 0;
 };
 Seen seen;
 HWND ownerNow = nullptr;
 HRESULT(STDAPICALLTYPE* canUnloadNow)() = nullptr;
-void (*duringStep)() = nullptr;
+bool (*duringStep)() = nullptr;
 
 // Windows of the system's own; with Qt's "offscreen" there are none that could be owned.
 bool HasSystemWindows() {
@@ -31,12 +30,10 @@ bool HasSystemWindows() {
     return platform == nullptr || std::wstring(platform) != L"offscreen";
 }
 
-void OnStep(std::size_t) {
-    seen = {IsWindowEnabled(ownerNow) != FALSE, VisibleOwned(ownerNow).size(), MainWindow::Paints(),
-            canUnloadNow()};
-    if (duringStep != nullptr) {
-        duringStep();
-    }
+bool OnStep() {
+    seen = {IsWindowEnabled(ownerNow) != FALSE, VisibleOwned(ownerNow).size(), canUnloadNow(),
+            seen.steps + 1};
+    return duringStep == nullptr || duringStep();
 }
 
 std::string Utf8(const std::filesystem::path& path) {
@@ -60,7 +57,10 @@ class ForeignHost : public ::testing::Test {
         std::filesystem::remove_all(folder_, none);
     }
 
-    void Begin(const std::string& commands) { driver_.begin(commands.c_str(), OnStep); }
+    void Begin(const std::string& commands) {
+        seen = {};
+        driver_.begin(commands.c_str(), OnStep);
+    }
 
     void TellThatNothingCanBeAdded() {
         Begin("click ok");
@@ -70,18 +70,24 @@ class ForeignHost : public ::testing::Test {
         EXPECT_EQ(driver_.left(), 0U);
     }
 
-    // What the dialog returns; while it stands with the file in it, there is time for something else to
-    // happen.
+    // Result of the dialog with one file in it.
     bool AddOneFile() {
         driver_.serve(folder_.c_str());
         const std::filesystem::path file = folder_ / "a.las";
         EXPECT_TRUE(driver_.writeLas(file.c_str()));
-        Begin("drop " + Utf8(file) + "\nhold 5000\nclick ok");
+        Begin("drop " + Utf8(file) + "\nclick ok");
         AddFilesParams params;
         const bool added = component_.show(&params);
         EXPECT_TRUE(params.lasFiles.empty());
         driver_.serve(nullptr);
         return added;
+    }
+
+    bool TellThreeThings() {
+        Begin("click ok\nclick ok\nclick ok");
+        bool stop = false;
+        component_.message(window_.Handle(), L"Caption", true, true, false, true, true, true, false, stop);
+        return driver_.left() == 0;
     }
 
     void ExpectAllIsAsBefore() {
@@ -100,28 +106,6 @@ class ForeignHost : public ::testing::Test {
     MainWindow window_;
 };
 
-// Generated files, and some of the sample files of whoever has them: few enough that the dialog does not ask.
-std::vector<std::filesystem::path> LasFiles(const std::filesystem::path& folder, const Driver& driver) {
-    std::vector<std::filesystem::path> files{folder / "a.las", folder / L"\u00fcber b.las"};
-    for (const auto& file : files) {
-        EXPECT_TRUE(driver.writeLas(file.c_str()));
-    }
-    if (const wchar_t* samples = _wgetenv(L"ORVEX_SAMPLE_DATA")) {
-        for (const wchar_t* name : {L"pdal_autzen.las", L"lazperf_point10.las", L"liblas_1.2_0.las"}) {
-            files.push_back(std::filesystem::absolute(std::filesystem::path(samples) / "las" / name));
-        }
-    }
-    return files;
-}
-
-std::size_t FilesInRecord(const AddFilesParams& params) {
-    std::size_t count = 0;
-    for (const auto& [folder, names] : params.lasFiles) {
-        count += names.size();
-    }
-    return count;
-}
-
 // The first test: once a dialog has been shown the library stays.
 TEST(ForeignHostLoading, TheComponentComesAndGoesUntilItHasShownADialog) {
     for (int round = 0; round < 3; ++round) {
@@ -138,23 +122,18 @@ TEST(ForeignHostLoading, TheComponentComesAndGoesUntilItHasShownADialog) {
 
 TEST_F(ForeignHost, GetsTheRecordFromTheDialogAsOftenAsItAsks) {
     driver_.serve(folder_.c_str());
-    const auto files = LasFiles(folder_, driver_);
-    std::ostringstream commands;
-    commands << "drop ";
+    const std::filesystem::path files[] = {folder_ / "a.las", folder_ / L"\u00fcber b.las"};
     for (const auto& file : files) {
-        commands << (&file == &files.front() ? "" : "|") << Utf8(file);
+        EXPECT_TRUE(driver_.writeLas(file.c_str()));
     }
-    if (const char* milliseconds = std::getenv("ORVEX_FOREIGN_HOLD")) {
-        commands << "\nhold " << milliseconds;
-    }
-    commands << "\nclick ok";
     for (int round = 0; round < 2; ++round) {
-        Begin(commands.str());
+        Begin("drop " + Utf8(files[0]) + "|" + Utf8(files[1]) + "\nclick ok");
         AddFilesParams params;
         EXPECT_TRUE(component_.show(&params)) << round;
         EXPECT_EQ(driver_.left(), 0U);
-        EXPECT_EQ(FilesInRecord(params), files.size());
-        EXPECT_EQ(params.lasFileDetails.size(), files.size());
+        ASSERT_EQ(params.lasFiles.size(), 1U);
+        EXPECT_EQ(params.lasFiles.begin()->second.size(), std::size(files));
+        EXPECT_EQ(params.lasFileDetails.size(), std::size(files));
         EXPECT_EQ(seen.canUnload, S_FALSE);
         EXPECT_EQ(component_.canUnload(), S_FALSE) << "the host holds objects";
         for (auto& [path, details] : params.lasFileDetails) {
@@ -178,6 +157,8 @@ TEST_F(ForeignHost, NothingIsLeftAfterACall) {
         TellThatNothingCanBeAdded();
         ExpectAllIsAsBefore();
     }
+    EXPECT_FALSE(component_.show(nullptr)) << "refused";
+    ExpectAllIsAsBefore();
     EXPECT_EQ(WindowsOfThread(), after);
     for (HWND window : after) {
         wchar_t name[64] = L"";
@@ -206,18 +187,14 @@ TEST_F(ForeignHost, TheProcessIsAsItWas) {
     EXPECT_EQ(Apartment(), apartment);
 }
 
-TEST_F(ForeignHost, ARefusedCallTouchesNothing) {
-    EXPECT_FALSE(component_.show(nullptr));
-    ExpectAllIsAsBefore();
-}
-
 TEST_F(ForeignHost, ItsWindowIsPaintedWhileTheDialogIsOpen) {
-    const int before = MainWindow::Paints();
-    duringStep = [] { InvalidateRect(ownerNow, nullptr, TRUE); };
-    Begin("hold 50\nclick ok");
-    bool stop = false;
-    component_.message(window_.Handle(), L"Caption", false, false, false, true, false, false, false, stop);
-    EXPECT_GT(seen.paints, before);
+    static int before = 0;
+    before = MainWindow::Paints();
+    duringStep = [] {
+        InvalidateRect(ownerNow, nullptr, TRUE);
+        return MainWindow::Paints() > before;
+    };
+    TellThatNothingCanBeAdded();
 }
 
 TEST_F(ForeignHost, ADisabledOwnerStaysDisabled) {
@@ -228,24 +205,24 @@ TEST_F(ForeignHost, ADisabledOwnerStaysDisabled) {
 
 TEST_F(ForeignHost, QuittingEndsTheDialogsAndReachesTheHost) {
     duringStep = [] {
-        duringStep = nullptr;
-        PostQuitMessage(7);
+        if (seen.steps > 1) {
+            PostQuitMessage(7);
+        }
+        return seen.steps == 1;
     };
     EXPECT_FALSE(AddOneFile()) << "not as Cancel";
     EXPECT_EQ(PumpMessages(), 7);
     ExpectAllIsAsBefore();
-
-    duringStep = [] { PostQuitMessage(8); };
-    Begin("hold 5000");
-    bool stop = false;
-    component_.message(window_.Handle(), L"Caption", true, true, false, true, true, true, false, stop);
-    EXPECT_EQ(PumpMessages(), 8) << "three messages, one after the other, none of them answered";
+    EXPECT_FALSE(TellThreeThings()) << "one after the other, none of them answered";
+    EXPECT_EQ(PumpMessages(), 7);
 }
 
 TEST_F(ForeignHost, TheDialogEndsWithItsOwner) {
     duringStep = [] {
-        duringStep = nullptr;
-        DestroyWindow(ownerNow);
+        if (seen.steps > 1) {
+            DestroyWindow(ownerNow);
+        }
+        return seen.steps == 1;
     };
     EXPECT_FALSE(AddOneFile()) << "not as Cancel";
     EXPECT_FALSE(driver_.hasQt());

@@ -4,8 +4,8 @@
 
 #include "host/inspect/InspectCommand.h"
 #include "las/testing/LasBuilder.h"
+#include "support/Environment.h"
 #include "support/Handle_win.h"
-#include "support/ModuleFolder.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 

@@ -106,7 +106,7 @@ TEST_F(HostObjectsTest, DataOfNoSettingTypeCountsAsNotStored) {
     ValueFile file(State().settingsFile, ValueFileOwner::User);
     const std::byte three[3]{};
     for (const std::int64_t type : {-1, 1, 2, 3, 99}) {
-        EXPECT_EQ(file.Store(L"AddFilesDlg", L"odd", type, three), ValueStatus::Ok);
+        EXPECT_EQ(file.Store(L"AddFilesDlg", L"odd", type, three), RegistryStatus::Ok);
         ExpectSetting(L"AddFilesDlg", L"odd", std::int16_t{7}, std::int16_t{7});
     }
 }

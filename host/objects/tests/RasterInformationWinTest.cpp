@@ -1,4 +1,4 @@
-// The raster-information class through COM: apartments, what stays behind, and other hosts' objects.
+// The raster-information class through COM: apartments, what stays behind, and calls of other clients.
 #include <OrvexHost.h>
 #include <gtest/gtest.h>
 #include <tlhelp32.h>
@@ -6,7 +6,6 @@
 #include <bit>
 #include <thread>
 
-#include "host/objects/tests/foreign/ForeignRaster_win.h"
 #include "support/Handle_win.h"
 #include "support/HostObjects.h"
 #include "support/com/ComApartment_win.h"
@@ -178,62 +177,6 @@ TEST(RasterInformationWin, ItsInterfacesAreOneObject) {
         EXPECT_EQ(back.Get(), object.Get());
     }
     Withdraw();
-}
-
-/// A host's own class object, in the multithreaded apartment.
-class ForeignRasterTest : public ::testing::Test {
-  protected:
-    ForeignRasterTest() {
-        OnThread([this] {
-            const ComApartment mta(COINIT_MULTITHREADED);
-            EXPECT_EQ(CoRegisterClassObject(kClass, &foreign::ForeignRasterClass(), CLSCTX_INPROC_SERVER,
-                                            REGCLS_MULTIPLEUSE, &token_),
-                      S_OK);
-        });
-    }
-    ~ForeignRasterTest() override {
-        OnThread([this] {
-            const ComApartment mta(COINIT_MULTITHREADED);
-            CoRevokeClassObject(token_);
-        });
-        EXPECT_EQ(foreign::LiveObjects(), 0);
-    }
-
-    MtaUsage usage_;
-    DWORD token_ = 0;
-};
-
-TEST_F(ForeignRasterTest, ItsAnswersAreTakenForWhatTheyMean) {
-    const RasterInformationMaker maker = MakeHostObjects()->RasterInformation();
-    const std::array<double, 4> extent{1, 2, 3, 4};
-    const struct {
-        const wchar_t* path;
-        std::int32_t result;
-        RasterEssentials read;
-    } cases[] = {
-        {L"plain",
-         kHostOk,
-         {300, 200, 0.25, 0.5, L"metre", "LOCAL_CS[\"\xC3\x9C\"]", 0, 1, 1, 3, 8, 2, extent}},
-        {L"odd", kHostOk, {300, 200, 0.25, 0, L"", "", 0, 99, -7, 0, 8, 2, {}}},
-        {L"bare", kHostOk, {300, 200, 0, 0, L"", "", 0, -1, -1, 0, 0, 0, {}}},
-        {L"no size", kHostFail, {}},
-        {L"fails", static_cast<std::int32_t>(E_ACCESSDENIED), {}},
-    };
-    for (const auto& c : cases) {
-        std::int32_t result = kHostOk;
-        RasterProperties read;
-        std::wstring reason;
-        OnThread([&] {
-            if (const auto object = maker(result)) {
-                result = object->Describe(c.path, read, reason);
-            }
-        });
-        read.projectionCode = 0;  // the thread's id
-        EXPECT_EQ(result, c.result) << c.path;
-        EXPECT_TRUE(static_cast<const RasterEssentials&>(read) == c.read) << c.path;
-        EXPECT_FALSE(read.hasDetails) << c.path;
-        EXPECT_EQ(reason, L"") << c.path;
-    }
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <array>
 
 #include "orvexcommon/OrvexUtilities.h"
-#include "support/ModuleFolder.h"
+#include "support/Environment.h"
 #include "support/SpatialReference.h"
 #include "support/Text.h"
 

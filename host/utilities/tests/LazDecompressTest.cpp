@@ -57,17 +57,14 @@ void ExpectFailure(const TemporaryFolder& folder, const std::wstring& laz, const
 }
 
 TEST(LazDecompress, GivesTheSameBytesAsTheFileThatWasNeverCompressed) {
-    for (const LazSample& sample : {
-             LazSample{0, 0, 20, 500},
-             LazSample{2, 1, 28, 0},
-             LazSample{2, 1, 28, 1},
-             LazSample{2, 1, 31, 60000},  // three extra bytes, more than one chunk
-             LazSample{2, 3, 34, 1000},
-             LazSample{4, 1, 28, 1000},
-             LazSample{4, 6, 30, 1000},
-             LazSample{4, 7, 40, 60000},  // four extra bytes
-             LazSample{4, 8, 38, 1000},
-         }) {
+    const LazSample samples[] = {
+        {0, 0, 20, 500},  {2, 1, 28, 0},
+        {2, 1, 28, 1},    {2, 1, 31, 60000},  // three extra bytes, more than one chunk
+        {2, 3, 34, 1000}, {4, 1, 28, 1000},
+        {4, 6, 30, 1000}, {4, 7, 40, 60000},  // four extra bytes
+        {4, 8, 38, 1000},
+    };
+    for (const LazSample& sample : samples) {
         SCOPED_TRACE(::testing::Message() << "1." << int{sample.versionMinor} << " format "
                                           << int{sample.pointFormat} << ", " << sample.points << " points");
         const TemporaryFolder folder;
@@ -172,24 +169,21 @@ TEST(LazDecompress, StopLeavesNothingAndKeepsAnOlderLasFile) {
     }
 }
 
-using Damage = std::function<void(const std::wstring& path)>;
+using Damage = std::function<void(std::string& bytes)>;
 
 Damage Cut(double share) {
-    return [share](const std::wstring& path) {
-        const auto size = static_cast<double>(std::filesystem::file_size(ToPath(path)));
-        std::filesystem::resize_file(ToPath(path), static_cast<std::uintmax_t>(size * share));
+    return [share](std::string& bytes) {
+        bytes.resize(static_cast<std::size_t>(static_cast<double>(bytes.size()) * share));
     };
 }
 
-Damage Patch(std::uint64_t offset, const std::string& bytes) {
-    return [=](const std::wstring& path) { PatchFile(path, offset, bytes); };
+Damage Put(std::size_t offset, const std::string& field) {
+    return [=](std::string& bytes) { bytes.replace(offset, field.size(), field); };
 }
 
-/// Overwrites bytes of the codec's own record, counted from its payload.
-Damage PatchCodec(std::uint64_t offset, const std::string& bytes) {
-    return [=](const std::wstring& path) {
-        PatchFile(path, ReadFile(path).find("laszip encoded") - 2 + 54 + offset, bytes);
-    };
+/// Overwrites a field of the codec's own record; `offset` counts from its payload.
+Damage PutCodec(std::size_t offset, const std::string& field) {
+    return [=](std::string& bytes) { Put(bytes.find("laszip encoded") - 2 + 54 + offset, field)(bytes); };
 }
 
 TEST(LazDecompress, BrokenFilesGiveAReason) {
@@ -197,48 +191,43 @@ TEST(LazDecompress, BrokenFilesGiveAReason) {
         const char* defect;
         Damage damage;
     } cases[] = {
-        {"missing", [](const auto& path) { std::filesystem::remove(ToPath(path)); }},
         {"empty", Cut(0)},
-        {"half a header", [](const auto& path) { std::filesystem::resize_file(ToPath(path), 180); }},
+        {"half a header", [](auto& bytes) { bytes.resize(180); }},
         {"points cut off", Cut(0.5)},
-        {"nothing behind the header",
-         [](const auto& path) {
-             std::filesystem::resize_file(ToPath(path), At<std::uint32_t>(ReadFile(path), 96));
-         }},
-        {"unknown compressor", PatchCodec(0, Bytes(std::uint16_t{9}))},
-        {"too many items", PatchCodec(32, Bytes(std::uint16_t{0xFFFF}))},
-        {"an unknown item", PatchCodec(34, Bytes(std::uint16_t{99}))},
-        {"an item of the wrong size", PatchCodec(36, Bytes(std::uint16_t{21}))},
-        {"an unknown version of an item", PatchCodec(38, Bytes(std::uint16_t{0}))},
+        {"nothing behind the header", [](auto& bytes) { bytes.resize(At<std::uint32_t>(bytes, 96)); }},
+        {"unknown compressor", PutCodec(0, Bytes(std::uint16_t{9}))},
+        {"too many items", PutCodec(32, Bytes(std::uint16_t{0xFFFF}))},
+        {"an unknown item", PutCodec(34, Bytes(std::uint16_t{99}))},
+        {"an item of the wrong size", PutCodec(36, Bytes(std::uint16_t{21}))},
+        {"an unknown version of an item", PutCodec(38, Bytes(std::uint16_t{0}))},
         {"half a table of chunks",
-         [](const auto& path) {
-             const std::string bytes = ReadFile(path);
-             const auto table = At<std::uint64_t>(bytes, At<std::uint32_t>(bytes, 96));
-             std::filesystem::resize_file(ToPath(path), table + 5);
-         }},
+         [](auto& bytes) { bytes.resize(At<std::uint64_t>(bytes, At<std::uint32_t>(bytes, 96)) + 5); }},
         {"varying chunks without a table",
-         [](const auto& path) {
-             PatchCodec(12, Bytes(0xFFFFFFFFU))(path);
-             Cut(0.9)(path);
+         [](auto& bytes) {
+             PutCodec(12, Bytes(0xFFFFFFFFU))(bytes);
+             Cut(0.9)(bytes);
          }},
-        {"no signature", Patch(0, "XXXX")},
-        {"header size 0", Patch(94, Bytes(std::uint16_t{0}))},
-        {"points start beyond the end", Patch(96, Bytes(std::uint32_t{0xFFFFFFF0}))},
-        {"four billion records", Patch(100, Bytes(std::uint32_t{0xFFFFFFFF}))},
-        {"unknown point format", Patch(104, Bytes(std::uint8_t{128 + 63}))},
-        {"record length 0", Patch(105, Bytes(std::uint16_t{0}))},
-        {"more points than there are", Patch(107, Bytes(std::uint32_t{100001}))},
-        {"more points than fit on the drive", Patch(247, Bytes(std::uint64_t{1} << 60))},
-        {"points without end", Patch(247, Bytes(~std::uint64_t{0}))},
+        {"no signature", Put(0, "XXXX")},
+        {"header size 0", Put(94, Bytes(std::uint16_t{0}))},
+        {"points start beyond the end", Put(96, Bytes(std::uint32_t{0xFFFFFFF0}))},
+        {"four billion records", Put(100, Bytes(std::uint32_t{0xFFFFFFFF}))},
+        {"unknown point format", Put(104, Bytes(std::uint8_t{128 + 63}))},
+        {"record length 0", Put(105, Bytes(std::uint16_t{0}))},
+        {"more points than there are", Put(107, Bytes(std::uint32_t{100001}))},
+        {"more points than fit on the drive", Put(247, Bytes(std::uint64_t{1} << 60))},
+        {"points without end", Put(247, Bytes(~std::uint64_t{0}))},
     };
+    const TemporaryFolder folder;
+    const std::wstring laz = folder.Name(L"a.laz");
+    WriteSample(laz, {4, 1, 28, 100000}, true);
+    const std::string whole = ReadFile(laz);
     for (const auto& row : cases) {
         SCOPED_TRACE(row.defect);
-        const TemporaryFolder folder;
-        const std::wstring laz = folder.Name(L"a.laz");
-        WriteSample(laz, {4, 1, 28, 100000}, true);
-        row.damage(laz);
-        ExpectFailure(folder, laz, folder.Name(L"a.las"));
+        std::string bytes = whole;
+        row.damage(bytes);
+        ExpectFailure(folder, folder.Write(L"a.laz", bytes), folder.Name(L"a.las"));
     }
+    ExpectFailure(folder, folder.Name(L"missing.laz"), folder.Name(L"missing.las"));
 }
 
 TEST(LazDecompress, PlacesThatCannotBeWrittenGiveAReason) {

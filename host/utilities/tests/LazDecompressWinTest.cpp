@@ -6,9 +6,9 @@
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/MappedFile.h"
 #include "support/Text.h"
-#include "support/testing/Protection_win.h"
 #include "support/testing/Scripted.h"
 #include "support/testing/TemporaryFolder.h"
+#include "support/testing/TestSystem.h"
 
 namespace orvex {
 namespace {

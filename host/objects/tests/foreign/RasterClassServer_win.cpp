@@ -1,17 +1,127 @@
-// Library with the foreign class.
-#include <bit>
+// Library with a raster-information class as another host might have it.
+#include <OrvexHost.h>
 
-#include "host/objects/tests/foreign/ForeignRaster_win.h"
+#include <atomic>
+#include <bit>
+#include <limits>
+#include <string>
+
 #include "orvexcommon/HostInterfaces.h"
+
+namespace {
+
+std::atomic<long> liveObjects = 0;
+
+/// Has the essentials only: no details, no failure reasons. The path chooses its answers: "plain", "odd",
+/// "bare" (a size and nothing else), "no size", "fails". The projection code is the id of the calling thread.
+class ForeignRaster final : public IOrvexRasterInformation {
+  public:
+    ForeignRaster() { ++liveObjects; }
+    virtual ~ForeignRaster() { --liveObjects; }
+    ForeignRaster(const ForeignRaster&) = delete;
+    ForeignRaster& operator=(const ForeignRaster&) = delete;
+
+    STDMETHODIMP QueryInterface(REFIID interfaceId, void** object) override {
+        const bool isKnown = IsEqualIID(interfaceId, __uuidof(IUnknown)) ||
+                             IsEqualIID(interfaceId, __uuidof(IDispatch)) ||
+                             IsEqualIID(interfaceId, __uuidof(IOrvexRasterInformation));
+        *object = isKnown ? static_cast<IOrvexRasterInformation*>(this) : nullptr;
+        references_ += isKnown ? 1 : 0;
+        return isKnown ? S_OK : E_NOINTERFACE;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
+    STDMETHODIMP_(ULONG) Release() override {
+        const ULONG left = --references_;
+        if (left == 0) {
+            delete this;
+        }
+        return left;
+    }
+    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
+        return E_NOTIMPL;
+    }
+
+    STDMETHODIMP Open(BSTR path) override {
+        path_ = path;
+        return path_ == L"fails" ? E_ACCESSDENIED : S_OK;
+    }
+    STDMETHODIMP get_Width(long* pixels) override { return *pixels = path_ == L"no size" ? 0 : 300, S_OK; }
+    STDMETHODIMP get_Height(long* pixels) override { return *pixels = 200, S_OK; }
+    STDMETHODIMP get_PixelWidth(double* units) override { return Answer(units, 0.25, -0.25); }
+    STDMETHODIMP get_PixelHeight(double* units) override { return Answer(units, 0.5, kNaN); }
+    STDMETHODIMP get_LinearUnit(BSTR* name) override { return AnswerText(name, L"metre"); }
+    STDMETHODIMP get_Wkt(BSTR* text) override { return AnswerText(text, L"LOCAL_CS[\"\u00dc\"]"); }
+    STDMETHODIMP get_ProjectionCode(long* code) override {
+        const auto thread = static_cast<long>(GetCurrentThreadId());
+        return Answer(code, thread, thread);
+    }
+    STDMETHODIMP get_ColorModel(long* model) override { return Answer(model, 1L, 99L); }
+    STDMETHODIMP get_RasterKind(long* kind) override { return Answer(kind, 1L, -7L); }
+    STDMETHODIMP get_BandCount(long* count) override { return Answer(count, 3L, -1L); }
+    STDMETHODIMP get_BitsPerBand(long* bits) override { return Answer(bits, 8L, 8L); }
+    STDMETHODIMP get_OverviewCount(long* count) override { return Answer(count, 2L, 2L); }
+    STDMETHODIMP GetExtent(double* minX, double* minY, double* maxX, double* maxY) override {
+        Answer(minX, 1.0, 1.0);
+        Answer(minY, 2.0, kNaN);
+        Answer(maxX, 3.0, 3.0);
+        return Answer(maxY, 4.0, 4.0);
+    }
+
+  private:
+    static constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+    template <typename Value>
+    HRESULT Answer(Value* target, Value plain, Value odd) const {
+        if (path_ == L"bare") {
+            return E_NOTIMPL;
+        }
+        *target = path_ == L"odd" ? odd : plain;
+        return S_OK;
+    }
+    HRESULT AnswerText(BSTR* target, const wchar_t* plain) const {
+        *target = path_ == L"plain" ? SysAllocString(plain) : nullptr;
+        return path_ == L"bare" ? E_NOTIMPL : S_OK;
+    }
+
+    std::wstring path_;
+    std::atomic<ULONG> references_ = 1;
+};
+
+/// Class object of ForeignRaster; a static object, so that its references do not count.
+class ForeignClass final : public IClassFactory {
+  public:
+    virtual ~ForeignClass() = default;
+    STDMETHODIMP QueryInterface(REFIID interfaceId, void** object) override {
+        const bool isKnown =
+            IsEqualIID(interfaceId, __uuidof(IUnknown)) || IsEqualIID(interfaceId, __uuidof(IClassFactory));
+        *object = isKnown ? static_cast<IClassFactory*>(this) : nullptr;
+        return isKnown ? S_OK : E_NOINTERFACE;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return 2; }
+    STDMETHODIMP_(ULONG) Release() override { return 1; }
+    STDMETHODIMP CreateInstance(IUnknown*, REFIID interfaceId, void** object) override {
+        auto* made = new ForeignRaster;
+        const HRESULT result = made->QueryInterface(interfaceId, object);
+        made->Release();
+        return result;
+    }
+    STDMETHODIMP LockServer(BOOL) override { return S_OK; }
+};
+
+}  // namespace
 
 STDAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId, void** object) {
     if (!IsEqualCLSID(classId, std::bit_cast<CLSID>(orvex::kRasterInformationClass))) {
         *object = nullptr;
         return CLASS_E_CLASSNOTAVAILABLE;
     }
-    return orvex::foreign::ForeignRasterClass().QueryInterface(interfaceId, object);
+    static IClassFactory& factory = *new ForeignClass;  // never destroyed
+    return factory.QueryInterface(interfaceId, object);
 }
 
 STDAPI DllCanUnloadNow() {
-    return orvex::foreign::LiveObjects() == 0 ? S_OK : S_FALSE;
+    return liveObjects == 0 ? S_OK : S_FALSE;
 }

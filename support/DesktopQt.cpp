@@ -1,0 +1,133 @@
+#include "support/DesktopQt.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QDesktopServices>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <map>
+
+#include "support/Files.h"
+#include "support/QtText.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+QMessageBox::Icon IconOf(PromptIcon icon) {
+    switch (icon) {
+        case PromptIcon::None:
+            return QMessageBox::NoIcon;
+        case PromptIcon::Information:
+            return QMessageBox::Information;
+        case PromptIcon::Question:
+            return QMessageBox::Question;
+        case PromptIcon::Warning:
+            return QMessageBox::Warning;
+        case PromptIcon::Error:
+            return QMessageBox::Critical;
+    }
+    return QMessageBox::NoIcon;
+}
+
+// A message box whose buttons speak the string library's language, not the toolkit's.
+class Box {
+  public:
+    Box(QWidget* parent, const std::wstring& caption, PromptIcon icon, PromptButtons buttons) : box_(parent) {
+        box_.setWindowTitle(caption.empty() ? QGuiApplication::applicationDisplayName() : ToQString(caption));
+        box_.setIcon(IconOf(icon));
+        box_.setTextFormat(Qt::PlainText);
+        if (buttons == PromptButtons::Ok) {
+            Add(PromptAnswer::Ok, QMessageBox::AcceptRole, 13452_lsid, "ok");
+            return;
+        }
+        Add(PromptAnswer::Yes, QMessageBox::YesRole, 40453_lsid, "yes");
+        Add(PromptAnswer::No, QMessageBox::NoRole, 40454_lsid, "no");
+        if (buttons == PromptButtons::YesNoCancel) {
+            Add(PromptAnswer::Cancel, QMessageBox::RejectRole, 13453_lsid, "cancel");
+        }
+        // Enter must not agree to what is warned of.
+        if (icon == PromptIcon::Warning) {
+            box_.setDefaultButton(last_);
+        }
+    }
+
+    QMessageBox& Window() { return box_; }
+
+    PromptAnswer Ask() {
+        // The last button is the one that closing the box stands for.
+        box_.setEscapeButton(last_);
+        box_.exec();
+        const auto found = answers_.find(box_.clickedButton());
+        return found == answers_.end() ? answers_[last_] : found->second;
+    }
+
+  private:
+    void Add(PromptAnswer answer, QMessageBox::ButtonRole role, StringId text, const char* name) {
+        last_ = box_.addButton(ToQString(Text(text)), role);
+        last_->setObjectName(QLatin1String(name));
+        answers_[last_] = answer;
+        if (box_.defaultButton() == nullptr) {
+            box_.setDefaultButton(last_);
+        }
+    }
+
+    QMessageBox box_;
+    QPushButton* last_ = nullptr;
+    std::map<QAbstractButton*, PromptAnswer> answers_;
+};
+
+}  // namespace
+
+QWidget* ActiveQtWindow() {
+    QWidget* modal = QApplication::activeModalWidget();
+    return modal != nullptr ? modal : QApplication::activeWindow();
+}
+
+QWidget* UserPromptsQt::Parent() const {
+    if (owner_ && QApplication::activeModalWidget() == nullptr) {
+        return owner_->window();
+    }
+    return ActiveQtWindow();
+}
+
+PromptAnswer UserPromptsQt::Show(const Prompt& prompt) {
+    Box box(Parent(), prompt.caption, prompt.icon, prompt.buttons);
+    box.Window().setText(ToQString(prompt.text));
+    return box.Ask();
+}
+
+TaskAnswer UserPromptsQt::ShowTask(const TaskPrompt& prompt) {
+    Box box(Parent(), prompt.title, prompt.icon, prompt.buttons);
+    box.Window().setText(ToQString(prompt.mainInstruction));
+    box.Window().setInformativeText(ToQString(prompt.content));
+    if (auto* main = box.Window().findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
+        QFont font = main->font();
+        font.setBold(true);
+        main->setFont(font);
+    }
+    QCheckBox* check = nullptr;
+    if (!prompt.verification.empty()) {
+        check = new QCheckBox(ToQString(prompt.verification));
+        check->setObjectName(QStringLiteral("verification"));
+        box.Window().setCheckBox(check);
+    }
+    const PromptAnswer answer = box.Ask();
+    return {answer, check != nullptr && check->isChecked()};
+}
+
+HelpViewerQt::HelpViewerQt(std::filesystem::path folder, Open open)
+    : folder_(std::move(folder)), open_(open ? std::move(open) : Open(&QDesktopServices::openUrl)) {}
+
+bool HelpViewerQt::Show(HelpTopic topic) {
+    const std::wstring manual = FromPath(folder_ / "help" / "index.html");
+    if (!FileExists(manual)) {
+        return false;
+    }
+    QUrl address = QUrl::fromLocalFile(ToQString(manual));
+    address.setFragment(QStringLiteral("topic-%1").arg(static_cast<int>(topic)));
+    return open_(address);
+}
+
+}  // namespace orvex

@@ -1,0 +1,52 @@
+#pragma once
+// The parts of the desktop that Qt does on both platforms: message boxes, the HTML manual, the active window.
+#include <QPointer>
+#include <QUrl>
+#include <QWidget>
+#include <filesystem>
+#include <functional>
+
+#include "support/HelpViewer.h"
+#include "support/UserPrompts.h"
+
+namespace orvex {
+
+/// Parent for a dialog opened now: the modal window, else the active one; null if there is none.
+QWidget* ActiveQtWindow();
+
+/// True while a Ctrl key is held down, even if no window of this program has been told yet. Needs a
+/// QGuiApplication.
+bool IsControlKeyHeld();
+
+/// Message boxes over the active window, or over a given one.
+class UserPromptsQt final : public UserPrompts {
+  public:
+    /// `owner` is the parent of messages shown while no dialog of this program is open; null: none.
+    explicit UserPromptsQt(QWidget* owner = nullptr) : owner_(owner) {}
+
+    PromptAnswer Show(const Prompt& prompt) override;
+    TaskAnswer ShowTask(const TaskPrompt& prompt) override;
+
+  private:
+    QWidget* Parent() const;
+
+    QPointer<QWidget> owner_;
+};
+
+/// The HTML manual in the browser.
+class HelpViewerQt final : public HelpViewer {
+  public:
+    using Open = std::function<bool(const QUrl&)>;
+
+    /// `folder` contains "help/index.html"; `open` shows an address (empty: in the desktop's browser).
+    explicit HelpViewerQt(std::filesystem::path folder, Open open = {});
+
+    /// Opens the topic's heading; its id in the manual is "topic-" and the topic's number.
+    bool Show(HelpTopic topic) override;
+
+  private:
+    std::filesystem::path folder_;
+    Open open_;
+};
+
+}  // namespace orvex

@@ -1,0 +1,206 @@
+// Prompts and help, used as a person would, and the texts that dialogs take and give.
+#include <gmock/gmock.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTextDocument>
+#include <QTimer>
+
+#include "support/DesktopQt.h"
+#include "support/OpenFileText.h"
+#include "support/QtText.h"
+#include "support/Text.h"
+#include "support/testing/TemporaryFolder.h"
+
+namespace orvex {
+namespace {
+
+using namespace std::string_literals;
+using ::testing::ElementsAreArray;
+using ::testing::IsEmpty;
+
+// Does something to the modal window that the next call opens.
+template <typename Act>
+void WhenShown(Act act) {
+    QTimer::singleShot(0, qApp, [act] { act(QApplication::activeModalWidget()); });
+}
+
+void Click(QWidget* window, const char* button) {
+    auto* found = window->findChild<QPushButton*>(QLatin1String(button));
+    ASSERT_NE(found, nullptr) << button;
+    QTest::mouseClick(found, Qt::LeftButton);
+}
+
+TEST(UserPromptsQt, AnswersWithTheButtonPressedOrWhatClosingStandsFor) {
+    struct Case {
+        PromptButtons buttons;
+        const char* press;  // null: Escape
+        PromptAnswer answer;
+    };
+    const Case cases[] = {
+        {PromptButtons::Ok, "ok", PromptAnswer::Ok},
+        {PromptButtons::Ok, nullptr, PromptAnswer::Ok},
+        {PromptButtons::YesNo, "yes", PromptAnswer::Yes},
+        {PromptButtons::YesNo, "no", PromptAnswer::No},
+        {PromptButtons::YesNo, nullptr, PromptAnswer::No},
+        {PromptButtons::YesNoCancel, "no", PromptAnswer::No},
+        {PromptButtons::YesNoCancel, "cancel", PromptAnswer::Cancel},
+        {PromptButtons::YesNoCancel, nullptr, PromptAnswer::Cancel},
+    };
+    UserPromptsQt prompts;
+    for (const Case& c : cases) {
+        WhenShown([&](QWidget* window) {
+            if (c.press == nullptr) {
+                QTest::keyClick(window, Qt::Key_Escape);
+            } else {
+                Click(window, c.press);
+            }
+        });
+        EXPECT_EQ(prompts.Show({L"Go on?", L"Caption", PromptIcon::Question, c.buttons}), c.answer)
+            << (c.press ? c.press : "Escape");
+    }
+}
+
+TEST(UserPromptsQt, EnterAgreesToAQuestionButNotToWhatIsWarnedOf) {
+    UserPromptsQt prompts;
+    for (const auto& [icon, answer] : {std::pair(PromptIcon::Question, PromptAnswer::Yes),
+                                       std::pair(PromptIcon::Warning, PromptAnswer::No)}) {
+        WhenShown([](QWidget* window) { QTest::keyClick(window, Qt::Key_Return); });
+        EXPECT_EQ(prompts.Show({L"Overwrite?", L"Caption", icon, PromptButtons::YesNo}), answer);
+    }
+}
+
+TEST(UserPromptsQt, ShowsTextsLiterally) {
+    UserPromptsQt prompts;
+    WhenShown([](QWidget* window) {
+        auto* box = qobject_cast<QMessageBox*>(window);
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->text(), QStringLiteral("<b>no markup</b>"));
+        EXPECT_EQ(box->textFormat(), Qt::PlainText);
+        EXPECT_EQ(box->icon(), QMessageBox::Warning);
+        Click(window, "ok");
+    });
+    prompts.Show({L"<b>no markup</b>", L"Caption", PromptIcon::Warning, PromptButtons::Ok});
+}
+
+TEST(UserPromptsQt, ATaskTellsItsCheckBoxWhateverTheAnswer) {
+    UserPromptsQt prompts;
+    const TaskPrompt task{
+        L"Title", L"Main", L"Content", L"Never again", PromptIcon::Warning, PromptButtons::YesNo};
+    for (const bool tick : {false, true}) {
+        WhenShown([tick](QWidget* window) {
+            auto* check = window->findChild<QCheckBox*>(QStringLiteral("verification"));
+            ASSERT_NE(check, nullptr);
+            EXPECT_FALSE(check->isChecked());
+            if (tick) {
+                QTest::mouseClick(check, Qt::LeftButton, {}, QPoint(8, check->height() / 2));
+            }
+            Click(window, "no");
+        });
+        const TaskAnswer answer = prompts.ShowTask(task);
+        EXPECT_EQ(answer.answer, PromptAnswer::No);
+        EXPECT_EQ(answer.verificationChecked, tick);
+    }
+}
+
+TEST(HelpViewerQt, OpensTheTopicOfTheManualBesideTheLibrary) {
+    const testing::TemporaryFolder folder;
+    std::vector<QUrl> opened;
+    HelpViewerQt viewer(folder.Path(), [&](const QUrl& address) {
+        opened.push_back(address);
+        return true;
+    });
+    EXPECT_FALSE(viewer.Show(HelpTopic::LasFiles)) << "no manual";
+    EXPECT_THAT(opened, IsEmpty());
+    const std::wstring manual = folder.Write(L"help/index.html", "<html>");
+    EXPECT_TRUE(viewer.Show(HelpTopic::LasFiles));
+    ASSERT_EQ(opened.size(), 1U);
+    EXPECT_EQ(ToWidePath(opened[0].toLocalFile()), manual);
+    EXPECT_EQ(opened[0].fragment(), QStringLiteral("topic-730"));
+}
+
+TEST(OpenFileText, FiltersAreZeroEndedPairs) {
+    EXPECT_EQ(OpenFileFilterText({}), L"");
+    EXPECT_EQ(OpenFileFilterText({{L"LAS Files (*.las)", L"*.las;*.laz"}, {L"All Files (*.*)", L"*.*"}}),
+              L"LAS Files (*.las)\0*.las;*.laz\0All Files (*.*)\0*.*\0\0"s);
+    EXPECT_EQ(OpenFileFilterText({{L"", L"*.a"}, {L"b", L""}, {L"c", L"*.c"}}), L"c\0*.c\0\0"s)
+        << "an empty text would end the list";
+}
+
+TEST(OpenFileText, ASelectionCountsItsFolderAndNamesWithOneSeparatorEach) {
+    EXPECT_EQ(SelectionCharacters({}), 0U);
+    EXPECT_EQ(SelectionCharacters({L"/data/a.las", L"/data/bc.las"}), 6U + 6U + 7U);
+}
+
+TEST(OpenFileText, SelectionsBecomeFullPaths) {
+    struct Case {
+        std::wstring buffer;
+        std::vector<std::wstring> paths;
+    };
+    const Case cases[] = {
+        {L""s, {}},
+        {L"\0\0\0"s, {}},
+        {L"C:\\a b\\x.las\0\0rest of an earlier text"s, {L"C:\\a b\\x.las"}},
+        {L"C:\\a\0y.las\0x.las\0\0"s, {L"C:\\a\\y.las", L"C:\\a\\x.las"}},
+        {L"C:\\\0x.las\0y.las\0\0"s, {L"C:\\x.las", L"C:\\y.las"}},
+        {L"\\\\server\\share\0x.las\0y.las\0\0"s, {L"\\\\server\\share\\x.las", L"\\\\server\\share\\y.las"}},
+        {L"C:\\a\0x.las\0D:\\b\\y.las\0\\\\s\\c\\z.las\0\0"s,
+         {L"C:\\a\\x.las", L"D:\\b\\y.las", L"\\\\s\\c\\z.las"}},
+        {L"C:\\a\0x.las\0y"s, {L"C:\\a\\x.las", L"C:\\a\\y"}},  // full to the last character
+    };
+    for (const Case& c : cases) {
+        EXPECT_THAT(ParseOpenFileSelection(c.buffer), ElementsAreArray(c.paths));
+    }
+}
+
+TEST(OpenFileText, ErrorsAreToldApart) {
+    EXPECT_EQ(OutcomeOfOpenFileError(0), PickOutcome::Cancelled);
+    EXPECT_EQ(OutcomeOfOpenFileError(12291), PickOutcome::BufferTooSmall);
+    EXPECT_EQ(OutcomeOfOpenFileError(9), PickOutcome::OutOfMemory);
+    EXPECT_EQ(OutcomeOfOpenFileError(10), PickOutcome::OutOfMemory);
+    EXPECT_EQ(OutcomeOfOpenFileError(0x3002), PickOutcome::Failed);
+    EXPECT_EQ(OutcomeOfOpenFileError(0xFFFF), PickOutcome::Failed);
+}
+
+TEST(QtText, KeepsEveryTextWhateverItHolds) {
+    const std::wstring texts[] = {
+        L"",
+        L"plain",
+        std::wstring(L"nul\0inside", 10),
+        L"\u00e4\u4e2d",
+        FromUtf8("\xF0\x9F\x8C\x8D globe"),
+        FromUtf8("bad \xFF\xFE bytes"),
+        std::wstring{L'a', static_cast<wchar_t>(0xD800)},
+        std::wstring{static_cast<wchar_t>(0xDC00), L'b'},
+        std::wstring{static_cast<wchar_t>(0xDC00), static_cast<wchar_t>(0xD800)},
+    };
+    for (const std::wstring& text : texts) {
+        EXPECT_EQ(ToWide(ToQString(text)), text) << ToUtf8(text);
+    }
+    const QString lone = QString(QChar(0xD83C)) + QStringLiteral("x") + QChar(0xDF0D);
+    EXPECT_EQ(ToQString(ToWide(lone)), lone);
+}
+
+TEST(QtText, PairsBecomeOneCharacterWhereWideTextsAreUtf32) {
+    const QString globe = QString::fromUtf8("\xF0\x9F\x8C\x8D");
+    EXPECT_EQ(globe.size(), 2);
+    EXPECT_EQ(ToWide(globe).size(), sizeof(wchar_t) == 4 ? 1U : 2U);
+    if (sizeof(wchar_t) == 4) {
+        EXPECT_EQ(ToQString(std::wstring{static_cast<wchar_t>(0x110000)}), QString(QChar(0xFFFD)));
+    }
+}
+
+TEST(QtText, ATooltipShowsWhatLooksLikeMarkup) {
+    for (const char* text : {"a<b>&\"c.tif", "<i>", "line\nline", "a  b"}) {
+        const QString tooltip = TooltipText(QLatin1String(text));
+        QTextDocument shown;
+        Qt::mightBeRichText(tooltip) ? shown.setHtml(tooltip) : shown.setPlainText(tooltip);
+        EXPECT_EQ(shown.toPlainText(), QLatin1String(text));
+    }
+}
+
+}  // namespace
+}  // namespace orvex

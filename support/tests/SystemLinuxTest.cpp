@@ -1,0 +1,51 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "support/Environment.h"
+#include "support/MappedFile.h"
+#include "support/Text.h"
+#include "support/testing/TemporaryFolder.h"
+#include "support/testing/TestSystem.h"
+
+namespace orvex {
+namespace {
+
+using testing::Variable;
+using Setting = std::optional<std::wstring>;
+
+TEST(Environment, NamesTheSettingsFolders) {
+    const struct {
+        Setting own, xdg, home;
+        const char* expected;
+    } cases[] = {
+        {L"/own", L"/xdg", L"/home/me", "/own"},
+        {std::nullopt, L"/xdg", L"/home/me", "/xdg/orvex"},
+        {L"", L"relative", L"/home/me", "/home/me/.config/orvex"},
+        {std::nullopt, std::nullopt, L"/home/me", "/home/me/.config/orvex"},
+    };
+    for (const auto& c : cases) {
+        const Variable own(L"ORVEX_CONFIG_DIR", c.own);
+        const Variable xdg(L"XDG_CONFIG_HOME", c.xdg);
+        const Variable home(L"HOME", c.home);
+        EXPECT_EQ(UserConfigFolder(), c.expected);
+    }
+    const Variable machine(L"ORVEX_MACHINE_CONFIG_DIR", std::nullopt);
+    EXPECT_EQ(MachineConfigFolder(), "/etc/orvex");
+    const Variable moved(L"ORVEX_MACHINE_CONFIG_DIR", L"/elsewhere");
+    EXPECT_EQ(MachineConfigFolder(), "/elsewhere");
+}
+
+TEST(MappedFile, NamesTheSystemsReason) {
+    const testing::TemporaryFolder folder;
+    const std::wstring pipe = folder.Name(L"pipe");
+    ASSERT_EQ(mkfifo(ToUtf8(pipe).c_str(), 0600), 0);
+    MappedFile file;
+    EXPECT_EQ(file.Open(folder.Name(L"absent.las"), true), ENOENT);
+    EXPECT_EQ(file.Open(FromPath(folder.Path()), true), EISDIR);
+    EXPECT_NE(file.Open(pipe, true), 0) << "does not wait for a writer either";
+    EXPECT_FALSE(file.IsOpen());
+    EXPECT_FALSE(SystemErrorText(ENOENT).empty());
+}
+
+}  // namespace
+}  // namespace orvex
