@@ -2,46 +2,98 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
-#include <QProgressBar>
+#include <QAbstractItemModelTester>
+#include <QApplication>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QPushButton>
 #include <QTest>
+#include <QUrl>
+#include <array>
+#include <filesystem>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "dialog/AddFilesDlg.h"
 #include "dialog/DialogProgress.h"
-#include "dialog/Images.h"
 #include "dialog/grid/GridView.h"
-#include "dialog/page/AddFilesPage.h"
 #include "dialog/page/ControlWidget.h"
-#include "dialog/page/FileListControls.h"
 #include "dialog/testing/ScriptedServices.h"
-#include "orvexcommon/AddFilesParams.h"
+#include "orvexcommon/LasFileInfo.h"
+#include "orvexcommon/RasterFileInfo.h"
+#include "support/LDataError.h"
 #include "support/testing/TemporaryFolder.h"
 
 namespace orvex::testing {
 
-/// A page with a list of files by itself, with everything around it scripted. The derived class makes the
-/// page.
 template <typename Page>
+std::unique_ptr<AddFilesPage> MakePage(const PageContext& context) {
+    return std::make_unique<Page>(context);
+}
+
+/// A page that does at OK what a test tells it.
+class ScriptedPage final : public AddFilesPage {
+  public:
+    enum class AtOk { Accept, Refuse, Throw };
+    explicit ScriptedPage(const AtOk& atOk) : atOk_(atOk) {}
+    bool ValidateAndStore() override {
+        if (atOk_ == AtOk::Throw) {
+            throw LDataError(L"no more");
+        }
+        return atOk_ == AtOk::Accept;
+    }
+    void Release() override {}
+    void AddPaths(const std::vector<std::wstring>&) override {}
+    bool Accepts(const std::wstring&) const override { return false; }
+
+  private:
+    const AtOk& atOk_;
+};
+
+/// A page with a list in the dialog, with everything around it scripted. A second tab holds a ScriptedPage,
+/// which is asked last at OK.
 class PageFixture : public ::testing::Test, protected ScriptedServices {
   protected:
-    explicit PageFixture(FileListControls controls) : controls_(controls) {}
+    using Maker = std::unique_ptr<AddFilesPage> (*)(const PageContext&);
 
-    /// A new page in place of the one before; what a page is made of besides its context is given.
-    template <typename... More>
-    void MakePage(More&&... more) {
-        page.reset();
-        page = std::make_unique<Page>(PageContext{services, &params, progress, images},
-                                      std::forward<More>(more)...);
-        page->resize(1000, 700);
-        page->show();
+    explicit PageFixture(Maker make) {
+        pages_[0].templateId = 1;
+        pages_[0].create = make;
+        pages_[1].create = [this](const PageContext&) { return std::make_unique<ScriptedPage>(lastPage); };
+        Open();
+    }
+    ~PageFixture() override { Close(); }
+
+    /// Opens the dialog anew with the host's inputs, in place of the one before.
+    void Open() {
+        Close();
+        params = given;
+        dialog = std::make_unique<AddFilesDlg>(params, services, pages_);
+        EXPECT_EQ(dialog->Initialise(), kHostOk);
+        dialog->show();
+        page = dialog->findChild<AddFilesPage*>(QStringLiteral("page1"));
+        tester_ = std::make_unique<QAbstractItemModelTester>(
+            &Model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+    }
+    /// Ends the dialog, and deletes what is the host's then. Returns how many details those were.
+    std::size_t Close() {
+        tester_.reset();
+        dialog.reset();
+        const std::size_t count = params.lasFileDetails.size() + params.rasterFileDetails.size();
+        for (const auto& [path, details] : std::exchange(params.lasFileDetails, {})) {
+            delete details;
+        }
+        for (const auto& [path, details] : std::exchange(params.rasterFileDetails, {})) {
+            delete details;
+        }
+        return count;
     }
 
     /// By object name or control id.
     template <typename Widget = QWidget>
     Widget* Find(const QString& name) const {
-        auto* widget = page->template findChild<Widget*>(name);
+        auto* widget = page->findChild<Widget*>(name);
         EXPECT_NE(widget, nullptr) << name.toStdString();
         return widget;
     }
@@ -54,40 +106,57 @@ class PageFixture : public ::testing::Test, protected ScriptedServices {
         QTest::mouseClick(Find<QAbstractButton>(id), Qt::LeftButton);
     }
     /// A click on the mark of a check box or radio button, which is at its left.
-    template <typename Id>
-    void Check(Id id) const {
+    void Check(int id) const {
         auto* button = Find<QAbstractButton>(id);
         QTest::mouseClick(button, Qt::LeftButton, {}, {8, button->height() / 2});
     }
-    template <typename Id>
-    bool Checked(Id id) const {
-        return Find<QAbstractButton>(id)->isChecked();
-    }
-    template <typename Id>
-    bool Enabled(Id id) const {
-        return Find(id)->isEnabled();
-    }
-    GridView& Grid() const { return *Find<GridView>(controls_.grid); }
-
-    /// Presses "Add Files..." and picks these.
-    void PickAndAdd(std::vector<std::wstring> paths) {
-        pickers.files.push_back({PickOutcome::Picked, std::move(paths)});
-        Click(controls_.addFiles);
-    }
-    /// Presses "Add Folder..." and answers what is asked.
-    void AddFolder(const std::wstring& path, PromptAnswer subfolders) {
-        pickers.folders.push_back(path);
-        prompts.answers.push_back(subfolders);
-        Click(controls_.addFolder);
+    bool Enabled(int id) const { return Find(id)->isEnabled(); }
+    /// Presses a button of the dialog; true when that closes it.
+    bool Press(const char* name) const {
+        QTest::mouseClick(dialog->findChild<QPushButton*>(QLatin1String(name)), Qt::LeftButton);
+        return !dialog->isVisible();
     }
 
-    const FileListControls controls_;
+    GridView& Grid() const { return *page->findChild<GridView*>(); }
+    GridModel& Model() const { return *page->findChild<GridModel*>(); }
+    DialogProgress& Progress() const { return *dialog->findChild<DialogProgress*>(); }
+    int ColumnNamed(std::string_view name) const {
+        const auto columns = Model().Columns();
+        return static_cast<int>(std::ranges::find(columns, name, &GridColumn::name) - columns.begin());
+    }
+    /// A column of all rows, as shown.
+    std::vector<std::wstring> Shown(std::string_view column) const {
+        std::vector<std::wstring> texts;
+        for (int row = 0; row < Model().rowCount(); ++row) {
+            texts.push_back(ToWide(Model().index(row, ColumnNamed(column)).data().toString()));
+        }
+        return texts;
+    }
+    std::vector<std::wstring> Names() const { return Shown("fileName"); }
+
+    void Drop(const std::vector<std::wstring>& paths) const {
+        QMimeData data;
+        QList<QUrl> urls;
+        for (const std::wstring& path : paths) {
+            urls.append(QUrl::fromLocalFile(ToQString(path)));
+        }
+        data.setUrls(urls);
+        QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(page, &enter);
+        QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(page, &drop);
+    }
+
     TemporaryFolder folder;
-    AddFilesParams params;
-    QProgressBar bar;
-    DialogProgress progress{&bar};
-    std::vector<QIcon> images = MakeImageList();
-    std::unique_ptr<Page> page;
+    AddFilesParams given;   ///< the record with the host's inputs
+    AddFilesParams params;  ///< the record of this dialog
+    ScriptedPage::AtOk lastPage = ScriptedPage::AtOk::Accept;
+    std::unique_ptr<AddFilesDlg> dialog;
+    AddFilesPage* page = nullptr;
+
+  private:
+    std::array<PageDescription, 2> pages_{};
+    std::unique_ptr<QAbstractItemModelTester> tester_;
 };
 
 }  // namespace orvex::testing

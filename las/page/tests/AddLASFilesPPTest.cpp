@@ -1,328 +1,111 @@
 #include "las/page/AddLASFilesPP.h"
 
-#include <gmock/gmock.h>
-
-#include <QApplication>
-#include <QDropEvent>
-#include <QHBoxLayout>
-#include <QLabel>
-#include <QMimeData>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QRegularExpression>
-#include <QTableView>
-#include <QTextEdit>
-#include <QUrl>
-#include <filesystem>
-
-#include "las/LasColumns.h"
-#include "las/page/LasPageTasks.h"
-#include "las/page/tests/LasPageFixture.h"
-#include "support/Format.h"
-#include "support/QtText.h"
+#include "dialog/testing/PageContract.h"
+#include "host/utilities/testing/LazSamples.h"
+#include "las/testing/LasBuilder.h"
 
 namespace orvex {
 namespace {
 
-using ::testing::Contains;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using testing::LasPage;
-using ::testing::SizeIs;
+using namespace std::string_literals;
+using testing::FilePage;
+using testing::PageContract;
 
-TEST_F(LasPage, EveryControlIsThereWithCaptionAndTooltip) {
-    const std::pair<const char*, unsigned> captions[] = {
-        {"c252", 13463}, {"c253", 13462}, {"c254", 13464}, {"c255", 13465}, {"c259", 13469},
-        {"c260", 13470}, {"c262", 41001}, {"c263", 41002}, {"c268", 41005}, {"c269", 41006},
-        {"c270", 41007}, {"c280", 13658}, {"c281", 3256},  {"c283", 41004}, {"c284", 41008},
-        {"c376", 41010}, {"c377", 41011}, {"c378", 41012}, {"c417", 41013}};
-    for (const auto& [name, id] : captions) {
-        auto* button = Find<QAbstractButton>(name);
-        QString caption = button->text();
-        caption.remove(QRegularExpression(QStringLiteral("&(?!&)(?<!&&)")));
-        EXPECT_EQ(ToWide(caption), Text(StringId{id})) << name;
-        EXPECT_FALSE(button->toolTip().isEmpty()) << name;
-    }
-    for (const char* name :
-         {"c247", "c248", "c249", "c250", "c251", "c258", "c261", "c264", "c266", "c267", "c282", "c375"}) {
-        Find<QWidget>(name);
-    }
-    EXPECT_EQ(ToWide(Grid().ShownMessage()), Text(40674_lsid));
-    for (const char* name : {"c254", "c255", "c249"}) {
-        EXPECT_FALSE(Enabled(name)) << name;
-    }
+std::wstring WriteLas(const testing::TemporaryFolder& folder, const std::wstring& name, int epsg) {
+    return folder.Write(
+        name,
+        testing::LasBuilder(12, 1).AddPoints(9).ProjectedEpsg(static_cast<std::uint16_t>(epsg)).Build());
 }
 
-TEST_F(LasPage, TheTabKeyGoesFromTopToBottom) {
-    QStringList order;
-    QWidget* widget = page.get();
-    do {
-        widget = widget->nextInFocusChain();
-        if (QRegularExpression(QStringLiteral("c[0-9]+|detailsTabs"))
-                .match(widget->objectName())
-                .hasMatch() &&
-            (widget->focusPolicy() & Qt::TabFocus) != 0) {
-            order.append(widget->objectName());
-        }
-    } while (widget != page.get());
-    EXPECT_EQ(order.join(' '),
-              "c253 c252 c254 c255 c248 c249 c250 detailsTabs c259 c260 c262 c263 c280 c281 c283 c267 c268 "
-              "c269 c270 "
-              "c284 c417 c376 c377 c378");
+PageContract LasContract() {
+    using P = AddFilesParams;
+    PageContract page{};
+    page.name = "Las";
+    page.make = testing::MakePage<AddLASFilesPP>;
+    page.grid = 251;
+    page.addFiles = 253;
+    page.addFolder = 252;
+    page.remove = 254;
+    page.clear = 255;
+    page.detailColumns = 248;
+    page.refresh = 249;
+    page.help = 250;
+    page.captions = {{247, 13466_lsid}, {252, 13463_lsid}, {253, 13462_lsid}, {254, 13464_lsid},
+                     {255, 13465_lsid}, {258, 13467_lsid}, {259, 13469_lsid}, {260, 13470_lsid},
+                     {261, 41000_lsid}, {262, 41001_lsid}, {263, 41002_lsid}, {264, 13475_lsid},
+                     {266, 13472_lsid}, {268, 41005_lsid}, {269, 41006_lsid}, {270, 41007_lsid},
+                     {280, 13658_lsid}, {281, 3256_lsid},  {282, 41003_lsid}, {283, 41004_lsid},
+                     {284, 41008_lsid}, {375, 41009_lsid}, {376, 41010_lsid}, {377, 41011_lsid},
+                     {378, 41012_lsid}, {417, 41013_lsid}};
+    page.tabOrder =
+        "c253 c252 c254 c255 c248 c249 c250 detailsTabs c259 c260 c262 c263 c280 c281 c283 c267 c268 c269 "
+        "c270 c284 c417 c376 c377 c378";
+    page.helpTopic = HelpTopic::LasFiles;
+    page.emptyText = 40674_lsid;
+    page.overview = "detailsOverview";
+    page.nothingSelected = 40634_lsid;
+    page.paneState = L"AddLASFilesDetails";
+    page.filters = {{L"LAS Files (*.las)", L"*.las"}, {L"LAZ Files (*.laz)", L"*.laz"}};
+    page.tooManyFiles = 10048_lsid;
+    page.pickFailed = 10052_lsid;
+    page.folderQuestion = 13556_lsid;
+    page.nothingFound = 41052_lsid;
+    page.nothingFoundIcon = PromptIcon::Information;
+    page.ignored = 41051_lsid;
+    page.reading = 13662_lsid;
+    page.writeGood = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
+        return WriteLas(folder, name + L".las", 25832);
+    };
+    page.writeBad = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
+        return folder.Write(name + L".las", "no LAS file");
+    };
+    page.extension = L".las";
+    page.otherKind = L".tif";
+    page.detailColumn = "software";
+    page.detailColumnsOn = {L"optAddLASDetailCols", "\1"s, 0, {}};
+    page.files = &P::lasFiles;
+    page.detailsPerFile = 1;
+    page.options = {
+        {L"optAddLASOpenSetting", "\0\0\0\0"s, 259, "on", &P::lasOpenSetting, L"0"},
+        {L"optAddLASOpenSetting", "\1\0\0\0"s, 260, "on", &P::lasOpenSetting, L"1"},
+        {L"optAddLASLoadSetting", "\0\0\0\0"s, 262, "on", &P::lasLoadSetting, L"0"},
+        {L"optAddLASLoadSetting", "\1\0\0\0"s, 263, "on", &P::lasLoadSetting, L"1"},
+        {L"optAddLASAppend", "\0"s, 280, "off", &P::lasAppend, L"0"},
+        {L"optAddLASAppend", "\1"s, 280, "on", &P::lasAppend, L"1"},
+        {L"", {}, 281, "on", &P::lasIgnoreIncompatibleCrs, L"1"},
+        {L"", {}, 283, "on", &P::lasLoadCorruptFiles, L"1"},
+        {L"optAddLASThinning", "\x63\0\0\0"s, 267, "99", &P::lasThinning, L"99"},
+        {L"optConvertExistingQVRToOrvexLAS", "\1"s, 284, "on", &P::convertExistingQvr, L"1"},
+        {L"optPyramidType", "\0\0\0\0"s, 270, "on", &P::lasPyramidType, L"0"},
+        {L"optPyramidType", "\1\0\0\0"s, 268, "on", &P::lasPyramidType, L"1"},
+        {L"optPyramidType", "\2\0\0\0"s, 269, "on", &P::lasPyramidType, L"2"},
+        {L"optOrvexLasBackupOption", "\0\0\0\0"s, 376, "on", &P::orvexLasBackupOption, L"0"},
+        {L"optOrvexLasBackupOption", "\1\0\0\0"s, 377, "on", &P::orvexLasBackupOption, L"1"},
+        {L"optOrvexLasBackupOption", "\2\0\0\0"s, 378, "on", &P::orvexLasBackupOption, L"2"},
+        {L"optReCreateOrvexLASOption", "\1"s, 417, "on", &P::reCreateOrvexLas, L"1"},
+    };
+    page.replaced = {
+        {L"optAddLASOpenSetting", {}, 259, "on", &P::lasOpenSetting, L"0"},
+        {L"optAddLASAppend", {}, 280, "on", &P::lasAppend, L"1"},
+        {L"optAddLASThinning", {}, 267, "16", &P::lasThinning, L"16"},
+        {L"optAddLASThinning", "\x88\x13\0\0"s, 267, "256", &P::lasThinning, L"256"},
+        {L"optAddLASThinning", "\xfd\xff\xff\xff"s, 267, "2", &P::lasThinning, L"2"},
+        {L"optPyramidType", "\7\0\0\0"s, 268, "on", &P::lasPyramidType, L"1"},
+        {L"optAddLASPyramid", {}, 268, "on", &P::lasPyramidType, L"1"},
+        // The older on/off value decides while no type is stored.
+        {L"optAddLASPyramid", "\0"s, 270, "on", &P::lasPyramidType, L"0"},
+        {L"optOrvexLasBackupOption", "\xff\xff\xff\xff"s, 377, "on", &P::orvexLasBackupOption, L"1"},
+    };
+    page.thinning = 267;
+    page.thinningMember = &P::lasThinning;
+    page.thinningTexts = {{"2", 2},      {"16", 16},          {" 8", 8},           {"+4", 4},
+                          {"12abc", 12}, {"256", 256},        {"257", 256},        {"9999999999", 256},
+                          {"1", {}},     {"00000000165", 16}, {"00000000002", {}}, {"0", {}},
+                          {"", {}},      {"abc", {}},         {"-5", {}}};
+    return page;
 }
 
-TEST_F(LasPage, PickedFilesAreListedOnceWhateverTheirLetterCase) {
-    const std::wstring a = Las(L"a.las");
-    const std::wstring upper = FolderOf(a) + L"/A.LAS";
-    PickAndAdd({a, upper, Las(L"b.las")});
-    PickAndAdd({upper, a});
-    EXPECT_THAT(Names(), ElementsAre(L"a.las", L"b.las"));
-    EXPECT_THAT(prompts.shown, IsEmpty());
-    ASSERT_FALSE(pickers.asked.empty());
-    EXPECT_EQ(pickers.asked[0].filters[0].caption, L"LAS Files (*.las)");
-    EXPECT_EQ(pickers.asked[0].bufferCharacters, 130261U);
-    EXPECT_TRUE(Enabled("c255"));
-}
-
-TEST_F(LasPage, ALazFileAndItsLasFileAreOneFile) {
-    const std::wstring laz = Laz(L"a.laz");
-    const std::wstring las = Las(L"a.las");
-    PickAndAdd({las});
-    PickAndAdd({laz});
-    EXPECT_THAT(Names(), ElementsAre(L"a.las"));
-    Click("c255");
-    PickAndAdd({laz, las});
-    EXPECT_THAT(Names(), ElementsAre(L"a.laz"));
-}
-
-TEST_F(LasPage, PickerFailuresAreToldAndAddNothing) {
-    const std::pair<PickOutcome, unsigned> cases[] = {{PickOutcome::BufferTooSmall, 10048},
-                                                      {PickOutcome::OutOfMemory, 10052}};
-    for (const auto& [outcome, text] : cases) {
-        pickers.files.push_back({outcome, {}});
-        Click("c253");
-        ASSERT_FALSE(prompts.shown.empty());
-        EXPECT_EQ(prompts.shown.back().text, Text(StringId{text}));
-        EXPECT_EQ(prompts.shown.back().caption, Text(10184_lsid));
-        EXPECT_EQ(prompts.shown.back().icon, PromptIcon::Error);
-    }
-    Click("c253");
-    EXPECT_THAT(prompts.shown, SizeIs(2)) << "a cancelled picker says nothing";
-    EXPECT_EQ(page->Model().rowCount(), 0);
-}
-
-TEST_F(LasPage, TheTenthRowAsksOnceWhetherToGoOn) {
-    prompts.answers = {PromptAnswer::No};
-    const auto paths = ManyLas(12);
-    PickAndAdd(paths);
-    EXPECT_EQ(page->Model().rowCount(), 10);
-    ASSERT_THAT(prompts.shown, SizeIs(1));
-    EXPECT_EQ(prompts.shown[0].text, FormatText(Text(13656_lsid), {12}));
-    EXPECT_EQ(prompts.shown[0].caption, Text(13657_lsid));
-    EXPECT_THAT(Layers(), Contains(L"LAS Layer_1").Times(10)) << "what was added has its layer";
-    PickAndAdd(paths);
-    EXPECT_EQ(page->Model().rowCount(), 12);
-    EXPECT_THAT(prompts.shown, SizeIs(1));
-}
-
-TEST_F(LasPage, EscapeKeepsWhatWasAddedUntilThen) {
-    constexpr int kMoreThanWait = 900;  // than can be read ahead of the rows
-    QObject::connect(&page->Model(), &GridModel::RecordsChanged, [this] { progress.Stop(); });
-    PickAndAdd(ManyLas(kMoreThanWait));
-    EXPECT_GT(page->Model().rowCount(), 0);
-    EXPECT_LT(page->Model().rowCount(), kMoreThanWait);
-    EXPECT_FALSE(page->Model().Rows().front().layer.empty());
-    EXPECT_TRUE(Enabled("c253")) << "the page is usable again";
-}
-
-TEST_F(LasPage, AFolderIsSearchedAsTheAnswerSays) {
-    Las(L"in/a.las");
-    Laz(L"b.laz");
-    Las(L"in/deep/c.LAS");
-    folder.Write(L"in/readme.txt", "no LAS file");
-    std::filesystem::rename(folder.Path() / "b.laz", folder.Path() / "in" / "b.laz");
-    const struct {
-        PromptAnswer answer;
-        std::vector<std::wstring> names;
-    } cases[] = {{PromptAnswer::Cancel, {}},
-                 {PromptAnswer::No, {L"a.las", L"b.laz"}},
-                 {PromptAnswer::Yes, {L"a.las", L"b.laz", L"c.LAS"}}};
-    for (const auto& c : cases) {
-        pickers.folders = {folder.Name(L"in")};
-        prompts.answers = {c.answer};
-        Click("c252");
-        EXPECT_THAT(Names(), ::testing::UnorderedElementsAreArray(c.names));
-        EXPECT_EQ(prompts.shown.back().text, Text(13556_lsid));
-        EXPECT_EQ(prompts.shown.back().buttons, PromptButtons::YesNoCancel);
-        page->Release();
-    }
-}
-
-TEST_F(LasPage, DroppedFilesAreAddedByTheirExtension) {
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(ToQString(Las(L"a.LAS"))),
-                  QUrl::fromLocalFile(ToQString(Laz(L"b.laz"))),
-                  QUrl::fromLocalFile(ToQString(folder.Write(L"c.txt", "text")))});
-    QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(page.get(), &enter);
-    EXPECT_TRUE(enter.isAccepted());
-    QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(page.get(), &drop);
-    EXPECT_THAT(Names(), ElementsAre(L"a.LAS", L"b.laz"));
-    ASSERT_THAT(prompts.shown, SizeIs(1));
-    EXPECT_EQ(prompts.shown[0].text, FormatText(Text(41051_lsid), {1})) << "c.txt is no LAS file";
-    EXPECT_TRUE(page->Accepts(folder.Name({})));
-    EXPECT_FALSE(page->Accepts(L"/nowhere/c.tif"));
-}
-
-TEST_F(LasPage, AFolderWithoutLasFilesIsTold) {
-    folder.Write(L"in/readme.txt", "text");
-    pickers.folders = {folder.Name(L"in")};
-    Click("c252");
-    ASSERT_THAT(prompts.shown, SizeIs(2));
-    EXPECT_EQ(prompts.shown[1].text, Text(41052_lsid));
-    EXPECT_EQ(prompts.shown[1].icon, PromptIcon::Information);
-}
-
-TEST(LasPageTasks, AFailureNamesItsFileOnceAndALongListIsCut) {
-    std::vector<LasFileFailure> failures(12, {L"/a.laz", L"The disk is full."});
-    failures[0].cause = L"/a.laz is broken.";
-    const std::wstring text = OpenFailuresPrompt(failures).text;
-    EXPECT_TRUE(text.starts_with(Text(40671_lsid) + L"\n\n/a.laz is broken.\n/a.laz: The disk is full.\n"));
-    EXPECT_TRUE(text.ends_with(L"\n" + FormatText(Text(40672_lsid), {2})));
-}
-
-TEST_F(LasPage, RemovingFreesTheRowsAndNamesTheLayersAnew) {
-    PickAndAdd({Las(L"a.las", 25832), Las(L"b.las", 28992), Las(L"c.las", 28992)});
-    EXPECT_THAT(Layers(), ElementsAre(L"LAS Layer_1", L"LAS Layer_2", L"LAS Layer_2"));
-    Grid().SelectRows({0});
-    EXPECT_TRUE(Enabled("c254"));
-    Click("c254");
-    EXPECT_THAT(Names(), ElementsAre(L"b.las", L"c.las"));
-    EXPECT_THAT(Layers(), ElementsAre(L"LAS Layer_1", L"LAS Layer_1"));
-    EXPECT_THAT(Grid().SelectedRows(), IsEmpty());
-    EXPECT_FALSE(Enabled("c254"));
-    Click("c255");
-    EXPECT_EQ(page->Model().rowCount(), 0);
-    EXPECT_FALSE(Enabled("c255"));
-}
-
-TEST_F(LasPage, TheLayerOptionsRenameAtOnce) {
-    const std::wstring a = Las(L"a.las");
-    params.existingLasLayers = {{L"Survey", FromUtf8(InspectLasFile(a).crs->sourceWkt)}};
-    PickAndAdd({a, Las(L"b.las", 28992)});
-    EXPECT_THAT(Layers(), ElementsAre(L"Survey", L"LAS Layer_1"));
-    Check("c281");
-    EXPECT_THAT(Layers(), ElementsAre(L"Survey", L"Survey"));
-    Check("c280");
-    EXPECT_THAT(Layers(), ElementsAre(L"LAS Layer_1", L"LAS Layer_1"));
-}
-
-TEST_F(LasPage, OpenModeAndPyramidTypeDecideWhatCanBeChosen) {
-    EXPECT_FALSE(Enabled("c268"));
-    Check("c260");
-    EXPECT_TRUE(Enabled("c268"));
-    EXPECT_TRUE(Enabled("c377"));
-    Check("c269");
-    EXPECT_FALSE(Enabled("c377"));
-    EXPECT_FALSE(Enabled("c284"));
-    Check("c268");
-    EXPECT_TRUE(Enabled("c417"));
-    Check("c263");
-    EXPECT_FALSE(Enabled("c268"));
-}
-
-TEST_F(LasPage, DetailColumnsAreToggledAndRemembered) {
-    auto* toggle = Find<QAbstractButton>("c248");
-    EXPECT_EQ(toggle->text(), ">>");
-    EXPECT_FALSE(Grid().DetailColumnsShown());
-    Click("c248");
-    EXPECT_EQ(toggle->text(), "<<");
-    EXPECT_TRUE(Grid().IsColumnShown(IndexOf(LasColumn::Software)));
-    EXPECT_FALSE(Grid().IsColumnShown(IndexOf(LasColumn::Path)));
-    ASSERT_TRUE(page->ValidateAndStore());
-    MakePage();
-    EXPECT_TRUE(Grid().DetailColumnsShown());
-    Click("c248");
-    EXPECT_FALSE(Grid().IsColumnShown(IndexOf(LasColumn::Software)));
-}
-
-TEST_F(LasPage, RefreshReadsTheFilesAgain) {
-    const std::wstring path = Las(L"a.las");
-    PickAndAdd({path, Las(L"b.las")});
-    folder.Write(L"a.las", testing::LasBuilder(14, 6).AddPoints(25).Build());
-    Click("c249");
-    EXPECT_EQ(page->Model().Rows()[0].inspection.file->GetPointCount(), 25U);
-    EXPECT_THAT(Names(), ElementsAre(L"a.las", L"b.las"));
-    EXPECT_THAT(Layers(), ElementsAre(L"LAS Layer_1", L"LAS Layer_2"));
-}
-
-TEST_F(LasPage, TheDetailsFollowTheSelection) {
-    PickAndAdd({Las(L"a.las"), Las(L"b.las")});
-    auto* overview = Find<QTextEdit>("detailsOverview");
-    Grid().SelectRows({1});
-    EXPECT_THAT(ToWide(Find<QTextEdit>("detailsCrs")->toPlainText()), HasSubstr(L"25832"));
-    EXPECT_THAT(ToWide(Find<QPlainTextEdit>("detailsRecords")->toPlainText()), HasSubstr(L"LASF_Projection"));
-    EXPECT_THAT(ToWide(overview->toPlainText()), HasSubstr(Text(40664_lsid)));
-    Grid().SelectRows({0, 1});
-    EXPECT_THAT(ToWide(overview->toPlainText()), HasSubstr(L"18"));
-    Grid().ClearSelection();
-    EXPECT_EQ(ToWide(overview->toPlainText()), Text(40634_lsid));
-}
-
-TEST_F(LasPage, TheDetailsPaneRemembersThatItWasFolded) {
-    auto* tabs = Find<QWidget>("detailsTabs");
-    EXPECT_TRUE(tabs->isVisible());
-    const int gridHeight = Grid().height();
-    Click("detailsFold");
-    EXPECT_FALSE(tabs->isVisible());
-    EXPECT_GT(Grid().height(), gridHeight + 100) << "the grid takes the room";
-    MakePage();
-    EXPECT_FALSE(Find<QWidget>("detailsTabs")->isVisible());
-    Click("detailsFold");
-    EXPECT_TRUE(Find<QWidget>("detailsTabs")->isVisible());
-    const int paneHeight = Find<QWidget>("detailsPane")->height();
-    page->resize(800, 300);
-    EXPECT_FALSE(Find<QWidget>("detailsTabs")->isVisible()) << "no room";
-    page->resize(1000, 700);
-    EXPECT_TRUE(Find<QWidget>("detailsTabs")->isVisible());
-    EXPECT_NEAR(Find<QWidget>("detailsPane")->height(), paneHeight, 30) << "as high as before";
-}
-
-TEST_F(LasPage, TheMnemonicOfTheCaptionLeadsToTheGrid) {
-    page->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(page.get()));
-    Find<QWidget>("c253")->setFocus();
-    const auto* caption = Find<QLabel>("c247");
-    const QString text = caption->text();
-    QTest::keyClick(page.get(), text[text.indexOf('&') + 1].toLatin1(), Qt::AltModifier);
-    EXPECT_TRUE(Grid().Table()->hasFocus());
-}
-
-TEST_F(LasPage, F1OpensTheManual) {
-    page->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(page.get()));
-    QTest::keyClick(Find<QWidget>("c253"), Qt::Key_F1);
-    EXPECT_THAT(help.shown, ElementsAre(HelpTopic::LasFiles));
-}
-
-TEST_F(LasPage, F1OpensTheManualFromBesideThePage) {
-    QWidget window;
-    QHBoxLayout layout(&window);
-    QPushButton ok;
-    layout.addWidget(page.get());
-    layout.addWidget(&ok);
-    window.show();
-    window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    QTest::keyClick(&ok, Qt::Key_F1);
-    EXPECT_THAT(help.shown, ElementsAre(HelpTopic::LasFiles));
-    page->hide();
-    QTest::keyClick(&ok, Qt::Key_F1);
-    EXPECT_THAT(help.shown, SizeIs(1)) << "a page that is hidden keeps quiet";
-    page->setParent(nullptr);
-}
+INSTANTIATE_TEST_SUITE_P(LasPage, FilePage, ::testing::Values(LasContract()), testing::NameOfContract());
 
 }  // namespace
 }  // namespace orvex

@@ -1,0 +1,602 @@
+#pragma once
+// What every page with files keeps to, as tests that run for each of them. A page's test program includes
+// this header once, describes the page in a PageContract and instantiates FilePage with it. The numbers in a
+// description are written out there, not taken from the page.
+#include <gmock/gmock.h>
+
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QRegularExpression>
+#include <QTableView>
+#include <QTextEdit>
+#include <QWhatsThis>
+#include <algorithm>
+#include <optional>
+#include <variant>
+
+#include "dialog/CTabCtrlEx.h"
+#include "dialog/testing/PageFixture.h"
+#include "support/Format.h"
+
+namespace orvex::testing {
+
+using namespace std::string_literals;
+
+/// A member of the record that an option is written into.
+using RecordMember = std::variant<std::monostate, bool AddFilesParams::*, std::uint16_t AddFilesParams::*,
+                                  std::int32_t AddFilesParams::*, std::wstring AddFilesParams::*>;
+/// What is stored of an option: nothing, the bytes of a registry value, or a setting of the host.
+using StoredValue = std::variant<std::monostate, std::string, SettingValue>;
+
+/// One value of an option: as it is stored, as its control shows it and as the host gets it.
+struct OptionCase {
+    const wchar_t* key;  ///< of the registry value or the setting; empty: the option is not stored
+    StoredValue stored;
+    int control;    ///< of the check box, radio button, list or field
+    QString shown;  ///< "on" or "off" of a button, else the text
+    RecordMember member = {};
+    std::wstring written = {};  ///< bools: "0" or "1"
+};
+
+/// What differs between pages.
+struct PageContract {
+    const char* name;  ///< of the tests
+    std::unique_ptr<AddFilesPage> (*make)(const PageContext& context);
+
+    // Control ids; 0: the page has no such control.
+    int grid, addFiles, addFolder, remove, clear, detailColumns, selectAll, refresh, help;
+    std::vector<std::pair<int, FixedText>> captions;  ///< of the controls that have one
+    const char* tabOrder;  ///< names of all controls that take the Tab key, separated by spaces
+    HelpTopic helpTopic;
+    FixedText emptyText;        ///< in the grid
+    const char* overview;       ///< name of the first tab of the details
+    FixedText nothingSelected;  ///< in it
+    const wchar_t* paneState;   ///< under which the state of the details pane is stored
+
+    FixedText pickTitle;
+    bool startsInInitialFolder;
+    std::vector<FileFilter> filters;
+    FixedText tooManyFiles;
+    FixedText pickFailed;  ///< empty: nothing is said
+    FixedText folderQuestion;
+    FixedText nothingFound;
+    PromptIcon nothingFoundIcon;
+    StringId ignored;  ///< files of another kind were named
+    StringId reading;  ///< progress while files are added
+
+    /// Writes a good file, or one that is listed but cannot be loaded; `name` has no extension.
+    std::wstring (*writeGood)(const TemporaryFolder& folder, const std::wstring& name);
+    std::wstring (*writeBad)(const TemporaryFolder& folder, const std::wstring& name);
+    std::wstring extension;      ///< of what these write: ".las"
+    std::wstring onlyWhenNamed;  ///< an extension that folders are not searched for; empty: none
+    std::wstring otherKind;      ///< an extension that the page does not take
+
+    const char* detailColumn;    ///< a column that is shown with the detail columns only
+    OptionCase detailColumnsOn;  ///< `control` and `shown` are not used
+    FilesByFolder AddFilesParams::*files;
+    std::size_t detailsPerFile;  ///< 1 where the host gets an object for each file, else 0
+
+    /// Each is shown when it is stored, and stored when it is chosen on a fresh machine. Options that are not
+    /// stored are chosen only.
+    std::vector<OptionCase> options;
+    /// Shown when nothing, or something that makes no sense, is stored.
+    std::vector<OptionCase> replaced;
+    int thinning = 0;
+    std::uint16_t AddFilesParams::*thinningMember = nullptr;
+    std::vector<std::pair<const char*, std::optional<int>>> thinningTexts;  ///< nullopt: refused
+};
+
+inline void PrintTo(const PageContract& contract, std::ostream* out) {
+    *out << contract.name;
+}
+
+struct NameOfContract {
+    std::string operator()(const ::testing::TestParamInfo<PageContract>& info) const {
+        return info.param.name;
+    }
+};
+
+class FilePage : public ::testing::WithParamInterface<PageContract>, public PageFixture {
+  protected:
+    FilePage() : PageFixture(GetParam().make) {}
+
+    std::wstring Good(const std::wstring& name) const { return GetParam().writeGood(folder, name); }
+    std::wstring NameOf(const std::wstring& name) const { return name + GetParam().extension; }
+    void Pick(std::vector<std::wstring> paths) {
+        pickers.files.push_back({PickOutcome::Picked, std::move(paths)});
+        Click(GetParam().addFiles);
+    }
+    bool Has(int id) const { return id != 0 && Enabled(id); }
+    const FilesByFolder& Files() const { return params.*GetParam().files; }
+
+    /// Text of a control, or "on" and "off".
+    QString ShownBy(int id) const {
+        auto* widget = Find(id);
+        if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
+            return button->isChecked() ? "on" : "off";
+        }
+        auto* list = qobject_cast<QComboBox*>(widget);
+        return list != nullptr ? list->currentText() : widget->property("text").toString();
+    }
+    void Choose(int id, const QString& value) const {
+        auto* widget = Find(id);
+        if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
+            button->setChecked(value == "on");
+        } else if (auto* list = qobject_cast<QComboBox*>(widget)) {
+            list->setCurrentText(value);
+        } else {
+            qobject_cast<QLineEdit*>(widget)->setText(value);
+        }
+    }
+
+    static constexpr const wchar_t* kSection = L"AddFilesDlg";
+    void Store(const OptionCase& option) {
+        if (const auto* bytes = std::get_if<std::string>(&option.stored)) {
+            const auto* first = reinterpret_cast<const std::byte*>(bytes->data());
+            registry.Put(RegistryRoot::CurrentUser, kSection, option.key,
+                         {bytes->size() == 1 ? RegistryType::Binary : RegistryType::Dword,
+                          {first, first + bytes->size()}});
+        } else if (const auto* setting = std::get_if<SettingValue>(&option.stored)) {
+            hostObjects.settings[{kSection, option.key}] = *setting;
+        }
+    }
+    StoredValue Stored(const OptionCase& option) const {
+        if (const auto* value = registry.Find(RegistryRoot::CurrentUser, kSection, option.key)) {
+            return std::string(reinterpret_cast<const char*>(value->data.data()), value->data.size());
+        }
+        const auto setting = hostObjects.settings.find({kSection, option.key});
+        return setting == hostObjects.settings.end() ? StoredValue() : StoredValue(setting->second);
+    }
+    void FreshMachine() {
+        registry = FakeRegistry();
+        hostObjects.settings.clear();
+        Open();
+    }
+    std::wstring Written(const RecordMember& member) const {
+        return std::visit(
+            [this]<typename Member>(Member pointer) -> std::wstring {
+                if constexpr (std::is_same_v<Member, std::monostate>) {
+                    return {};
+                } else if constexpr (std::is_same_v<Member, std::wstring AddFilesParams::*>) {
+                    return params.*pointer;
+                } else {
+                    return std::to_wstring(static_cast<int>(params.*pointer));
+                }
+            },
+            member);
+    }
+    static std::string Trace(const OptionCase& option) {
+        return ToUtf8(option.key) + " " + std::to_string(option.control) + " " + option.shown.toStdString();
+    }
+};
+
+TEST_P(FilePage, EveryControlHasItsCaptionAndNoneIsCutOff) {
+    for (const auto& [id, caption] : GetParam().captions) {
+        const auto* widget = Find(id);
+        QString text = widget->property(qobject_cast<const QGroupBox*>(widget) ? "title" : "text").toString();
+        text.remove(QRegularExpression(QStringLiteral("&(?!&)(?<!&&)")));
+        EXPECT_EQ(ToWide(text), caption.Get()) << id;
+    }
+    EXPECT_EQ(ToWide(Grid().ShownMessage()), GetParam().emptyText.Get());
+    EXPECT_EQ(ToWide(Find<QTextEdit>(GetParam().overview)->toPlainText()), GetParam().nothingSelected.Get());
+    for (const auto* button : page->findChildren<QAbstractButton*>(QRegularExpression("^c[0-9]+$"))) {
+        const std::string name = button->objectName().toStdString();
+        EXPECT_FALSE(button->text().isEmpty() && button->icon().isNull()) << name;
+        EXPECT_FALSE(button->toolTip().isEmpty()) << name;
+        EXPECT_EQ(button->whatsThis(), button->toolTip()) << name;
+        EXPECT_GE(button->width(), button->fontMetrics().horizontalAdvance(button->text())) << name;
+    }
+    for (const auto* label : page->findChildren<QLabel*>(QRegularExpression("^c[0-9]+$"))) {
+        EXPECT_FALSE(label->text().isEmpty()) << label->objectName().toStdString();
+        EXPECT_GE(label->width(), label->minimumSizeHint().width()) << label->objectName().toStdString();
+    }
+}
+
+TEST_P(FilePage, TheTabKeyGoesFromTopToBottom) {
+    const QRegularExpression named(QStringLiteral("^(c[0-9]+|detailsTabs)$"));
+    QStringList order;
+    for (QWidget* widget = page->nextInFocusChain(); widget != page; widget = widget->nextInFocusChain()) {
+        const bool takesTab = (widget->focusPolicy() & Qt::TabFocus) != 0;
+        if (takesTab && page->isAncestorOf(widget) && named.match(widget->objectName()).hasMatch()) {
+            order.append(widget->objectName());
+        }
+    }
+    EXPECT_EQ(order.join(' '), GetParam().tabOrder);
+}
+
+TEST_P(FilePage, RowsSelectionAndWorkDecideWhatCanBePressed) {
+    const PageContract& ids = GetParam();
+    const auto expect = [&](bool idle, bool withRows, bool withSelection) {
+        for (const int id : {ids.addFiles, ids.addFolder, ids.detailColumns}) {
+            EXPECT_EQ(Enabled(id), idle) << id;
+        }
+        for (const int id : {ids.clear, ids.refresh, ids.selectAll}) {
+            EXPECT_EQ(Has(id), withRows && id != 0) << id;
+        }
+        EXPECT_EQ(Enabled(ids.remove), withSelection);
+        EXPECT_TRUE(Enabled(ids.help));
+    };
+    EXPECT_EQ(page->findChild<QWidget*>("c0"), nullptr);
+    expect(true, false, false);
+    Pick({Good(L"a"), Good(L"b")});
+    expect(true, true, true);
+    Grid().ClearSelection();
+    expect(true, true, false);
+    Grid().SelectRows({1});
+    {
+        const DialogProgress::Run run(Progress());
+        expect(false, false, false);
+        for (const OptionCase& option : ids.options) {
+            EXPECT_FALSE(Enabled(option.control)) << option.control;
+        }
+        page->AddPaths({Good(L"c")});
+        EXPECT_EQ(Model().rowCount(), 2) << "nothing is added meanwhile";
+    }
+    expect(true, true, true);
+}
+
+TEST_P(FilePage, ThePickerIsAskedAndItsFailuresAreTold) {
+    given.initialFolder = L"/data";
+    Open();
+    Click(GetParam().addFiles);
+    ASSERT_THAT(pickers.asked, ::testing::SizeIs(1));
+    const OpenFilesRequest& asked = pickers.asked[0];
+    EXPECT_EQ(asked.title, GetParam().pickTitle.Get().substr(0, 255));
+    EXPECT_EQ(asked.initialFolder, GetParam().startsInInitialFolder ? L"/data" : L"");
+    EXPECT_EQ(asked.bufferCharacters, 130261U);
+    ASSERT_EQ(asked.filters.size(), GetParam().filters.size());
+    for (std::size_t i = 0; i < asked.filters.size(); ++i) {
+        EXPECT_EQ(asked.filters[i].caption, GetParam().filters[i].caption);
+        EXPECT_EQ(asked.filters[i].patterns, GetParam().filters[i].patterns);
+    }
+    const std::pair<PickOutcome, std::wstring> outcomes[] = {
+        {PickOutcome::Cancelled, {}},
+        {PickOutcome::BufferTooSmall, GetParam().tooManyFiles.Get()},
+        {PickOutcome::OutOfMemory, Text(10052_lsid)},
+        {PickOutcome::Failed, GetParam().pickFailed.Get()}};
+    for (const auto& [outcome, text] : outcomes) {
+        prompts.shown.clear();
+        pickers.files.push_back({outcome, {}});
+        Click(GetParam().addFiles);
+        ASSERT_THAT(prompts.shown, ::testing::SizeIs(text.empty() ? 0 : 1));
+        for (const Prompt& prompt : prompts.shown) {
+            EXPECT_EQ(prompt.text, text);
+            EXPECT_EQ(prompt.caption, Text(10184_lsid));
+            EXPECT_EQ(prompt.icon, PromptIcon::Error);
+        }
+    }
+    EXPECT_EQ(Model().rowCount(), 0);
+}
+
+TEST_P(FilePage, AFolderIsSearchedAsTheAnswerSays) {
+    Good(L"in/a");
+    Good(L"in/deep/b");
+    const std::wstring named = folder.Write(L"in/c" + GetParam().onlyWhenNamed, "x");
+    const std::pair<PromptAnswer, std::vector<std::wstring>> answers[] = {
+        {PromptAnswer::Cancel, {}},
+        {PromptAnswer::No, {NameOf(L"a")}},
+        {PromptAnswer::Yes, {NameOf(L"a"), NameOf(L"b")}}};
+    for (const auto& [answer, names] : answers) {
+        pickers.folders = {folder.Name(L"in")};
+        prompts.answers = {answer};
+        Click(GetParam().addFolder);
+        EXPECT_THAT(Names(), ::testing::UnorderedElementsAreArray(names));
+        EXPECT_EQ(pickers.folderTitles.back(), Text(18251_lsid));
+        EXPECT_EQ(prompts.shown.back().text, GetParam().folderQuestion.Get());
+        EXPECT_EQ(prompts.shown.back().caption, Text(18253_lsid));
+        EXPECT_EQ(prompts.shown.back().buttons, PromptButtons::YesNoCancel);
+        page->Release();
+    }
+    EXPECT_THAT(prompts.shown, ::testing::SizeIs(3));
+    Click(GetParam().addFolder);
+    EXPECT_THAT(prompts.shown, ::testing::SizeIs(3)) << "no folder was chosen";
+    if (!GetParam().onlyWhenNamed.empty()) {
+        page->AddPaths({named});
+        EXPECT_THAT(Names(), ::testing::SizeIs(1));
+    }
+
+    folder.Write(L"none/readme" + GetParam().otherKind, "text");
+    page->AddPaths({folder.Name(L"none")});
+    EXPECT_EQ(prompts.shown.back().text, GetParam().nothingFound.Get());
+    EXPECT_EQ(prompts.shown.back().caption, Text(18253_lsid));
+    EXPECT_EQ(prompts.shown.back().icon, GetParam().nothingFoundIcon);
+}
+
+TEST_P(FilePage, DroppedFilesAreAddedByTheirExtension) {
+    const std::wstring other = folder.Write(L"c" + GetParam().otherKind, "text");
+    EXPECT_TRUE(page->Accepts(L"/nowhere/A" + ToUpper(GetParam().extension)));
+    EXPECT_TRUE(page->Accepts(folder.Name({})));
+    EXPECT_FALSE(page->Accepts(other));
+    Good(L"in/b");
+    Drop({Good(L"a"), other, folder.Name(L"in")});
+    EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"a"), NameOf(L"b")));
+    ASSERT_THAT(prompts.shown, ::testing::SizeIs(1));
+    EXPECT_EQ(prompts.shown[0].text, FormatText(Text(GetParam().ignored), {1}));
+    EXPECT_EQ(prompts.shown[0].caption, Text(18253_lsid));
+}
+
+TEST_P(FilePage, AFileIsListedOnceWhateverItsLetterCase) {
+    const std::wstring a = Good(L"a");
+    const std::wstring upper = FolderOf(a) + L"/A" + ToUpper(GetParam().extension);
+    Pick({a, upper, Good(L"b")});
+    Pick({upper, a});
+    EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"a"), NameOf(L"b")));
+    EXPECT_THAT(prompts.shown, ::testing::IsEmpty());
+}
+
+TEST_P(FilePage, ProgressIsShownAndEscapeKeepsWhatWasAdded) {
+    constexpr int kMoreThanWait = 900;  // than can be read ahead of the rows
+    QString told;
+    const auto listening = QObject::connect(&Model(), &GridModel::RecordsChanged, [&] {
+        told = dialog->findChild<QProgressBar*>(QStringLiteral("progress"))->format();
+    });
+    const std::wstring first = Good(L"a");
+    Pick({first});
+    EXPECT_EQ(ToWide(told), FormatText(Text(GetParam().reading), {1, 1}));
+    Click(GetParam().refresh);
+    EXPECT_EQ(ToWide(told), FormatText(Text(40676_lsid), {1, 1}));
+    QObject::disconnect(listening);
+
+    std::vector<std::wstring> paths;
+    for (int i = 0; i < kMoreThanWait; ++i) {
+        paths.push_back(folder.Name(NameOf(L"tile" + std::to_wstring(i))));
+        std::filesystem::copy_file(ToPath(first), ToPath(paths.back()));
+    }
+    QObject::connect(&Model(), &GridModel::RecordsChanged,
+                     [this] { QTest::keyClick(dialog.get(), Qt::Key_Escape); });
+    Pick(std::move(paths));
+    EXPECT_GT(Model().rowCount(), 1);
+    EXPECT_LT(Model().rowCount(), kMoreThanWait);
+    EXPECT_FALSE(Shown("layer").back().empty()) << "what was added has its layer";
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_TRUE(Enabled(GetParam().addFiles)) << "the page is usable again";
+}
+
+TEST_P(FilePage, RefreshReadsTheFilesAgain) {
+    Pick({Good(L"a"), Good(L"b")});
+    GetParam().writeBad(folder, L"a");
+    Click(GetParam().refresh);
+    EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"a"), NameOf(L"b")));
+    ASSERT_TRUE(Press("ok"));
+    EXPECT_THAT(Files().begin()->second, ::testing::ElementsAre(NameOf(L"b")));
+}
+
+TEST_P(FilePage, RowsAreSelectedRemovedAndClearedAndTheDetailsFollow) {
+    auto* overview = Find<QTextEdit>(GetParam().overview);
+    Pick({Good(L"a"), Good(L"b"), Good(L"c")});
+    EXPECT_THAT(Grid().SelectedRows(), ::testing::ElementsAre(0))
+        << "the first row is selected when it comes";
+    const QString one = overview->toPlainText();
+    EXPECT_THAT(ToWide(Find<QLabel>("detailsTitle")->text()), ::testing::HasSubstr(NameOf(L"a")));
+    if (GetParam().selectAll != 0) {
+        Click(GetParam().selectAll);
+        EXPECT_THAT(Grid().SelectedRows(), ::testing::ElementsAre(0, 1, 2));
+    }
+    Grid().SelectRows({0, 2});
+    EXPECT_NE(overview->toPlainText(), one);
+    Click(GetParam().remove);
+    EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"b")));
+    EXPECT_THAT(Grid().SelectedRows(), ::testing::IsEmpty());
+    EXPECT_EQ(ToWide(overview->toPlainText()), GetParam().nothingSelected.Get());
+    dialog->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+    Grid().Table()->setFocus();
+    Grid().SelectRows({0});
+    QTest::keyClick(Grid().Table(), Qt::Key_Delete);
+    EXPECT_EQ(Model().rowCount(), 0);
+    Pick({Good(L"a"), Good(L"b")});
+    Click(GetParam().clear);
+    EXPECT_EQ(Model().rowCount(), 0);
+    page->Release();
+    page->Release();
+}
+
+TEST_P(FilePage, TheDetailsPaneIsAsItWasLeft) {
+    const auto isOpen = [this] { return Find("detailsTabs")->isVisible(); };
+    const auto height = [this] { return Find("detailsPane")->height(); };
+    dialog->resize(1024, 900);
+    const int usual = height();
+    const auto reopen = [&](const std::string& state) {
+        Close();
+        options.WritePlacement(GetParam().paneState, state);
+        Open();
+    };
+    EXPECT_TRUE(isOpen());
+    const int gridHeight = Grid().height();
+    Click("detailsFold");
+    EXPECT_FALSE(isOpen());
+    EXPECT_GT(Grid().height(), gridHeight + 100) << "the grid takes the room";
+    Press("cancel");
+    Open();
+    EXPECT_FALSE(isOpen());
+    Close();
+    EXPECT_EQ(options.ReadPlacement(GetParam().paneState), "f " + std::to_string(usual));
+    for (const char* damaged : {"", "f", "f ", "f -5", "f 12x", "f 99999999999", "f 20000"}) {
+        reopen(damaged);
+        EXPECT_TRUE(isOpen()) << damaged;
+        EXPECT_EQ(height(), usual) << damaged;
+    }
+    reopen("o 180");
+    EXPECT_EQ(height(), 180);
+}
+
+TEST_P(FilePage, TheDetailsYieldBeforeTheGrid) {
+    dialog->setMinimumSize(1, 1);
+    dialog->resize(1024, 900);
+    const auto* pane = Find("detailsPane");
+    const int usual = pane->height();
+    bool wasLow = false;
+    for (int height = 880; height >= 300; height -= 20) {
+        dialog->resize(1024, height);
+        const bool isOpen = Find("detailsTabs")->isVisible();
+        EXPECT_TRUE(!isOpen || Grid().height() >= Grid().HeightOfRows(5)) << height;
+        wasLow = wasLow || (isOpen && pane->height() < usual);
+    }
+    EXPECT_TRUE(wasLow) << "lower first, then folded";
+    EXPECT_FALSE(Find("detailsTabs")->isVisible());
+    dialog->resize(1024, 900);
+    EXPECT_EQ(pane->height(), usual);
+}
+
+TEST_P(FilePage, F1OpensTheManualAndTheHelpButtonExplainsControls) {
+    dialog->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+    auto* ok = dialog->findChild<QWidget*>(QStringLiteral("ok"));
+    QTest::keyClick(Find(GetParam().addFiles), Qt::Key_F1);
+    QTest::keyClick(ok, Qt::Key_F1);
+    EXPECT_THAT(help.shown, ::testing::ElementsAre(GetParam().helpTopic, GetParam().helpTopic));
+    Click(GetParam().help);
+    EXPECT_TRUE(QWhatsThis::inWhatsThisMode());
+    QWhatsThis::leaveWhatsThisMode();
+    dialog->Tabs().Select(1);
+    QTest::keyClick(ok, Qt::Key_F1);
+    EXPECT_THAT(help.shown, ::testing::SizeIs(2)) << "a page that is hidden keeps quiet";
+}
+
+TEST_P(FilePage, DetailColumnsAreToggledAndRemembered) {
+    const int column = ColumnNamed(GetParam().detailColumn);
+    const OptionCase& on = GetParam().detailColumnsOn;
+    auto* toggle = Find<QAbstractButton>(GetParam().detailColumns);
+    if (toggle->isChecked()) {
+        Click(GetParam().detailColumns);
+    }
+    EXPECT_EQ(toggle->text(), ">>");
+    EXPECT_FALSE(Grid().IsColumnShown(column));
+    Click(GetParam().detailColumns);
+    EXPECT_EQ(toggle->text(), "<<");
+    EXPECT_TRUE(Grid().IsColumnShown(column));
+    EXPECT_FALSE(Grid().IsColumnShown(ColumnNamed("path")));
+    Pick({Good(L"a")});
+    ASSERT_TRUE(Press("ok"));
+    EXPECT_EQ(Stored(on), on.stored);
+    Open();
+    EXPECT_TRUE(Grid().IsColumnShown(column));
+}
+
+TEST_P(FilePage, StoredOptionsAreShownAndReachTheRecord) {
+    for (const auto* table : {&GetParam().options, &GetParam().replaced}) {
+        for (const OptionCase& option : *table) {
+            SCOPED_TRACE(Trace(option));
+            FreshMachine();
+            if (*option.key == 0) {
+                continue;
+            }
+            Store(option);
+            Open();
+            EXPECT_EQ(ShownBy(option.control), option.shown);
+            Pick({Good(L"a")});
+            ASSERT_TRUE(Press("ok"));
+            EXPECT_EQ(Written(option.member), option.written);
+        }
+    }
+}
+
+TEST_P(FilePage, ChosenOptionsAreStoredAndReachTheRecord) {
+    for (const OptionCase& option : GetParam().options) {
+        SCOPED_TRACE(Trace(option));
+        FreshMachine();
+        Pick({Good(L"a")});
+        Choose(option.control, option.shown);
+        ASSERT_TRUE(Press("ok"));
+        EXPECT_EQ(Written(option.member), option.written);
+        EXPECT_EQ(Stored(option), option.stored);
+    }
+}
+
+TEST_P(FilePage, ThinningIsTakenOrRefused) {
+    for (const auto& [text, number] : GetParam().thinningTexts) {
+        SCOPED_TRACE(text);
+        Open();
+        prompts.shown.clear();
+        Pick({Good(L"a")});
+        auto* field = Find<QLineEdit>(GetParam().thinning);
+        field->setText(text);
+        EXPECT_EQ(Press("ok"), number.has_value());
+        if (number.has_value()) {
+            EXPECT_EQ(params.*GetParam().thinningMember, *number);
+            continue;
+        }
+        ASSERT_THAT(prompts.shown, ::testing::SizeIs(1));
+        EXPECT_EQ(prompts.shown[0].text, Text(7669_lsid));
+        EXPECT_EQ(prompts.shown[0].caption, Text(7670_lsid));
+        EXPECT_THAT(Files(), ::testing::IsEmpty());
+        field->setText("300");
+        EXPECT_TRUE(Press("ok"));
+        EXPECT_EQ(params.*GetParam().thinningMember, 256);
+    }
+}
+
+TEST_P(FilePage, OkGivesTheFilesByFolderInTheOrderShownAndTheirDetails) {
+    const std::wstring b = Good(L"b");
+    const std::wstring sub = Good(L"sub/c");
+    Pick({b, sub, Good(L"a"), GetParam().writeBad(folder, L"bad"), Good(L"d")});
+    EXPECT_THAT(Names(), ::testing::SizeIs(5));
+    Grid().Table()->model()->sort(ColumnNamed("fileName"), Qt::DescendingOrder);
+    ASSERT_TRUE(Press("ok"));
+    using Names = std::vector<std::wstring>;
+    EXPECT_THAT(Files(), ::testing::ElementsAre(
+                             std::pair(FolderOf(b), Names{NameOf(L"d"), NameOf(L"b"), NameOf(L"a")}),
+                             std::pair(FolderOf(sub), Names{NameOf(L"c")})));
+    EXPECT_EQ(Close(), 4 * GetParam().detailsPerFile) << "the host's, when the dialog is gone";
+}
+
+TEST_P(FilePage, TheRecordIsTheHostsUntilTheDialogEndsWithOk) {
+    using enum ScriptedPage::AtOk;
+    (given.*GetParam().files)[L"/host"] = {L"own"};
+    const FilesByFolder own = given.*GetParam().files;
+    Open();
+    Pick({Good(L"a"), Good(L"b")});
+    for (const auto atOk : {Refuse, Throw}) {
+        lastPage = atOk;
+        EXPECT_FALSE(Press("ok"));
+    }
+    ASSERT_TRUE(Press("cancel"));
+    EXPECT_EQ(Files(), own);
+    for (const OptionCase& option : GetParam().options) {
+        EXPECT_THAT(Written(option.member), ::testing::AnyOf(L"0", L""));
+    }
+    EXPECT_EQ(Close(), 0U);
+
+    Open();
+    Pick({Good(L"a"), Good(L"b")});
+    EXPECT_FALSE(Press("ok"));
+    EXPECT_EQ(Close(), 0U) << "its window went without an answer";
+    EXPECT_EQ(Files(), own);
+
+    Open();
+    Pick({Good(L"a"), Good(L"b")});
+    EXPECT_FALSE(Press("ok"));
+    Grid().SelectRows({0});
+    Click(GetParam().remove);
+    lastPage = Accept;
+    ASSERT_TRUE(Press("ok"));
+    EXPECT_EQ(Files().size(), 2U);
+    EXPECT_THAT(Files().at(FolderOf(folder.Name(L"b"))), ::testing::ElementsAre(NameOf(L"b"))) << "once";
+    EXPECT_EQ(Close(), GetParam().detailsPerFile);
+}
+
+TEST_P(FilePage, AFailureIsToldUnderTheNameOfItsHandler) {
+    struct FailingPickers final : FilePickers {
+        PickedFiles PickFiles(const OpenFilesRequest&) override { throw LDataError(L"no more"); }
+        std::optional<std::wstring> PickFolder(const std::wstring&) override { throw LDataError(L"no more"); }
+    };
+    FailingPickers failing;
+    DialogServices withFailing{prompts, failing, help, options, hostObjects};
+    QProgressBar bar;
+    DialogProgress progress(&bar);
+    const std::vector<QIcon> images = MakeImageList();
+    const auto alone = GetParam().make({withFailing, &params, progress, images});
+    const std::pair<int, const wchar_t*> handlers[] = {{GetParam().addFiles, L"OnAddFiles"},
+                                                       {GetParam().addFolder, L"OnAddFolder"}};
+    for (const auto& [id, name] : handlers) {
+        alone->findChild<QAbstractButton*>(ControlName(id))->click();
+        ASSERT_FALSE(prompts.shown.empty());
+        EXPECT_EQ(prompts.shown.back().text,
+                  L"An exception occurred in " + std::wstring(name) + L"():\n\nno more");
+    }
+}
+
+}  // namespace orvex::testing
