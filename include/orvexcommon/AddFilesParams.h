@@ -105,4 +105,6 @@ class AddFilesParams {
     std::wstring initialFolder;
     /// Converted DEM files get no CRS.
     bool demIgnoreCrs = false;
+    /// Input: files and folders that are added when the dialog opens, each to the page that takes it.
+    std::vector<std::wstring> initialPaths;
 };
