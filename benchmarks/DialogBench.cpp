@@ -3,10 +3,15 @@
 #include <QAbstractButton>
 #include <QAbstractItemModel>
 #include <QApplication>
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QTableView>
 #include <QTimer>
+#include <QUrl>
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
@@ -15,7 +20,7 @@
 #include <vector>
 
 #include "benchmarks/Probe.h"
-#include "host/app/DialogDrop.h"
+#include "host/app/DialogDriver.h"
 #include "orvexcommon/Exports.h"
 #include "support/QtText.h"
 #include "support/Text.h"
@@ -23,6 +28,21 @@
 namespace orvex::bench {
 
 namespace {
+
+/// Drops files and folders on a widget, as a file manager would. Returns when the drop was handled.
+void DropPaths(QWidget* target, const QStringList& paths) {
+    QList<QUrl> urls;
+    for (const QString& path : paths) {
+        urls.append(QUrl::fromLocalFile(QDir::current().absoluteFilePath(path)));
+    }
+    QMimeData data;
+    data.setUrls(urls);
+    const QPoint middle = target->rect().center();
+    QDragEnterEvent enter(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &enter);
+    QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &drop);
+}
 
 using Clock = std::chrono::steady_clock;
 

@@ -47,7 +47,8 @@ function(orvex_common_options target)
     # GCC 12 reports overlaps and overruns in correct uses of std::string once they are inlined (its bug 105651), more so
     # with precompiled headers.
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND (CMAKE_BUILD_TYPE STREQUAL "Release" OR ORVEX_SANITIZE))
-        target_compile_options(${target} PRIVATE -Wno-restrict -Wno-array-bounds)
+        target_compile_options(${target} PRIVATE -Wno-restrict -Wno-array-bounds -Wno-stringop-overread
+                               -Wno-stringop-overflow)
     endif()
     target_include_directories(${target} PUBLIC "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
     if(WIN32)

@@ -86,6 +86,15 @@ struct CloseFind {
     }
 };
 
+/// The native path with a backslash behind it, unless it is empty or a drive alone ("C:" is the current
+/// folder of that drive).
+std::wstring WithBackslash(std::wstring folder) {
+    if (!folder.empty() && folder.back() != L'\\' && folder.back() != L':') {
+        folder += L'\\';
+    }
+    return folder;
+}
+
 bool IsDots(const wchar_t* name) {
     return name[0] == L'.' && (name[1] == L'\0' || (name[1] == L'.' && name[2] == L'\0'));
 }
@@ -134,7 +143,7 @@ FileKind KindOf(const std::wstring& path) {
 bool CanCreateFilesIn(const std::filesystem::path& folder) {
     // The system's own answer counts access lists and shares, which attributes do not show. The slash keeps a
     // file of that name from being asked for the right to append data, which has the same number.
-    const Handle handle = OpenAny(FromPath(folder / L""), FILE_ADD_FILE);
+    const Handle handle = OpenAny(WithBackslash(FromPath(folder)), FILE_ADD_FILE);
     DWORD flags = 0;
     return handle && (GetVolumeInformationByHandleW(handle.Get(), nullptr, 0, nullptr, nullptr, &flags,
                                                     nullptr, 0) == FALSE ||
@@ -246,7 +255,7 @@ std::optional<std::uint64_t> FreeSpaceIn(const std::wstring& folder) {
 }
 
 SystemError ListFolder(const std::wstring& folder, const std::function<bool(FolderEntry entry)>& visit) {
-    const std::wstring start = FromPath(std::filesystem::path(folder) / L"");
+    const std::wstring start = WithBackslash(NativePath(folder));
     WIN32_FIND_DATAW found{};
     const std::unique_ptr<HANDLE, CloseFind> find(
         FindFirstFileExW(ToPath(start + L"*").c_str(), FindExInfoBasic, &found, FindExSearchNameMatch,

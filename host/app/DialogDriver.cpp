@@ -2,17 +2,22 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QDialog>
+#include <QDialogButtonBox>
 #include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPixmap>
 #include <QTabBar>
 #include <QTableView>
-#include <ostream>
+#include <QUrl>
+#include <cstdlib>
+#include <iostream>
+#include <map>
 
-#include "host/app/DialogDrop.h"
-#include "host/app/HostText.h"
-#include "host/app/Watchdog.h"
+#include "support/DataKinds.h"
+#include "support/QtText.h"
 
 namespace orvex {
 
@@ -27,8 +32,8 @@ struct TabName {
     const char* page;
     const char* name;
 };
-constexpr TabName kTabNames[] = {{kLasPage, "las"}, {kRasterPage, "raster"}, {"page390", "feature"},
-                                 {kDemPage, "dem"}, {"page406", "photo"},    {"page410", "cloud"}};
+constexpr TabName kTabNames[] = {{"page363", "las"}, {"page385", "raster"}, {"page390", "feature"},
+                                 {"page403", "dem"}, {"page406", "photo"},  {"page410", "cloud"}};
 
 QString TextOf(QWidget* window) {
     const auto* box = qobject_cast<QMessageBox*>(window);
@@ -36,6 +41,7 @@ QString TextOf(QWidget* window) {
     return (window->windowTitle() + ": " + text).simplified();
 }
 
+/// The grid of the tab that is shown; null while it has no rows.
 QTableView* GridOf(QWidget* dialog) {
     for (auto* table : dialog->findChildren<QTableView*>()) {
         if (table->isVisible() && table->model() != nullptr && table->model()->rowCount() > 0) {
@@ -45,7 +51,85 @@ QTableView* GridOf(QWidget* dialog) {
     return nullptr;
 }
 
+/// Drops files on the tab that is shown, as a file manager would. For a dialog that does not add the record's
+/// initialPaths by itself.
+void DropOnTab(QWidget* dialog, const QStringList& paths, const QString& tab) {
+    const std::map<QString, DataKind> kinds = {
+        {"las", DataKind::Las}, {"raster", DataKind::Raster}, {"dem", DataKind::Dem}};
+    QList<QUrl> urls;
+    for (const QString& path : paths) {
+        if (kinds.contains(tab) && DropPageOf(ToWide(path)) == kinds.at(tab)) {
+            urls.append(QUrl::fromLocalFile(path));
+        }
+    }
+    QMimeData data;
+    data.setUrls(urls);
+    QDragEnterEvent enter(dialog->rect().center(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(dialog, &enter);
+    QDropEvent drop(dialog->rect().center(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(dialog, &drop);
+}
+
+/// The first button whose role agrees. Roles, because a program may have given its buttons texts of its own.
+template <typename Box>
+QAbstractButton* ButtonByRole(const Box& box) {
+    for (const auto role : {Box::YesRole, Box::AcceptRole}) {
+        for (QAbstractButton* button : box.buttons()) {
+            if (box.buttonRole(button) == role) {
+                return button;
+            }
+        }
+    }
+    return nullptr;
+}
+
 }  // namespace
+
+QWidget* FindAddFilesDialog() {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->isVisible() && widget->objectName() == "AddFilesDlg") {
+            return widget;
+        }
+    }
+    return nullptr;
+}
+
+QAbstractButton* AgreeingButton(QWidget* window) {
+    if (const auto* box = qobject_cast<QMessageBox*>(window)) {
+        return ButtonByRole(*box);
+    }
+    if (const auto* box = window->findChild<QDialogButtonBox*>()) {
+        return ButtonByRole(*box);
+    }
+    return window->findChild<QAbstractButton*>("ok");
+}
+
+Watchdog::Watchdog(std::chrono::seconds patience)
+    : end_(std::chrono::steady_clock::now() + patience),
+      what_("the program to start"),
+      thread_([this] { Watch(); }) {}
+
+Watchdog::~Watchdog() {
+    {
+        const std::lock_guard guard(lock_);
+        done_ = true;
+    }
+    ended_.notify_all();
+}
+
+void Watchdog::WaitingFor(const std::string& what) {
+    const std::lock_guard guard(lock_);
+    what_ = what;
+}
+
+void Watchdog::Watch() {
+    std::unique_lock guard(lock_);
+    if (ended_.wait_until(guard, end_, [this] { return done_; })) {
+        return;
+    }
+    std::cerr << "orvex-host: gave up; it was waiting for " << what_ << std::endl;
+    std::_Exit(kWatchdogExit);
+}
 
 DialogDriver::DialogDriver(Settings settings, std::ostream& out, Watchdog& watchdog)
     : settings_(std::move(settings)), out_(out), watchdog_(watchdog) {
@@ -57,7 +141,9 @@ void DialogDriver::Start() {
     if (!settings_.pictureFolder.isEmpty()) {
         QDir().mkpath(settings_.pictureFolder);
     }
-    AddSteps();
+    Add(
+        "the Add Files dialog to open", [this] { return (dialog_ = FindAddFilesDialog()) != nullptr; },
+        [this] { AddDialogSteps(); });
     timer_.start();
 }
 
@@ -71,76 +157,54 @@ void DialogDriver::TakePicture(QWidget* widget, const QString& name) {
     }
 }
 
-void DialogDriver::Add(const QString& waitsFor, std::function<bool()> ready, std::function<void()> run) {
-    steps_.push_back({waitsFor, std::move(ready), std::move(run)});
+void DialogDriver::TakeTabPicture(const QString& suffix) {
+    TakePicture(dialog_, "tab-" + CurrentTabName() + suffix);
 }
 
-void DialogDriver::AddSteps() {
+void DialogDriver::Add(const QString& waitsFor, std::function<bool()> isReady, std::function<void()> run) {
+    steps_.push_back({waitsFor, std::move(isReady), std::move(run)});
+}
+
+void DialogDriver::AddWhenIdle(const QString& waitsFor, std::function<void()> run) {
     Add(
-        "the Add Files dialog to open", [this] { return (dialog_ = FindAddFilesDialog()) != nullptr; },
-        [this] { AddDialogSteps(); });
+        waitsFor, [this] { return IsIdle(); }, std::move(run));
 }
 
 void DialogDriver::AddDialogSteps() {
-    Add(
-        "the dialog to settle", [this] { return IsIdle(); },
-        [this] { TakePicture(dialog_, "dialog-empty"); });
-    AddPageSteps(kLasPage, "las", settings_.plan.las);
-    AddPageSteps(kRasterPage, "raster", settings_.plan.rasters);
-    AddPageSteps(kDemPage, "dem", settings_.plan.dems);
-    AddOtherTabSteps();
-    Add(
-        "the OK button", [this] { return IsIdle(); },
-        [this] {
-            if (auto* ok = dialog_->findChild<QAbstractButton*>("ok")) {
-                ok->click();
-            }
-        });
+    for (int tab = 0; tab < dialog_->findChild<QTabBar*>()->count(); ++tab) {
+        AddTabSteps(tab);
+    }
+    AddWhenIdle("the OK button", [this] {
+        if (auto* ok = dialog_->findChild<QAbstractButton*>("ok")) {
+            ok->click();
+        }
+    });
     Add(
         "the dialog to close", [] { return FindAddFilesDialog() == nullptr; }, [this] { dialog_ = nullptr; });
 }
 
-void DialogDriver::AddPageSteps(const char* page, const QString& name, const QStringList& paths) {
-    if (dialog_->findChild<QWidget*>(page) == nullptr) {
-        return;
-    }
-    const auto idle = [this] { return IsIdle(); };
-    Add("the tab " + name, idle, [this, page, name, paths] {
-        ShowPage(dialog_, page);
-        tabsShown_.insert(name);
-        if (!paths.isEmpty()) {
-            DropPaths(dialog_, paths);
+void DialogDriver::AddTabSteps(int tab) {
+    AddWhenIdle("the tab " + QString::number(tab), [this, tab] {
+        dialog_->findChild<QTabBar*>()->setCurrentIndex(tab);
+        if (GridOf(dialog_) == nullptr) {
+            DropOnTab(dialog_, settings_.paths, CurrentTabName());
         }
     });
-    Add("the files of the tab " + name, idle, [this] {
-        TakePicture(dialog_, "tab-" + CurrentTabName());
-        NoteFiles();
+    AddWhenIdle("the files of the tab", [this] {
+        TakeTabPicture();
+        if (GridOf(dialog_) != nullptr) {
+            tabsWithFiles_.insert(CurrentTabName());
+        }
+        ToggleDetailColumns();
     });
-    Add("the button of the detail columns", idle, [this] { ToggleDetailColumns(); });
-    Add("the detail columns", idle, [this] {
-        TakePicture(dialog_, "tab-" + CurrentTabName() + "-columns");
+    AddWhenIdle("the detail columns", [this] {
+        TakeTabPicture("-columns");
         ToggleDetailColumns();
         if (QTableView* grid = GridOf(dialog_)) {
             grid->selectRow(grid->model()->rowCount() / 2);
         }
     });
-    Add("the details of a file", idle,
-        [this] { TakePicture(dialog_, "tab-" + CurrentTabName() + "-details"); });
-}
-
-void DialogDriver::AddOtherTabSteps() {
-    auto* tabs = dialog_->findChild<QTabBar*>();
-    for (int tab = 0; tab < tabs->count(); ++tab) {
-        Add(
-            "the next tab", [this] { return IsIdle(); }, [tabs, tab] { tabs->setCurrentIndex(tab); });
-        Add(
-            "the page of the tab", [this] { return IsIdle(); },
-            [this] {
-                if (tabsShown_.insert(CurrentTabName()).second) {
-                    TakePicture(dialog_, "tab-" + CurrentTabName());
-                }
-            });
-    }
+    AddWhenIdle("the details of a file", [this] { TakeTabPicture("-details"); });
 }
 
 /// The push button of a page whose caption shows which way the columns go.
@@ -153,13 +217,7 @@ void DialogDriver::ToggleDetailColumns() {
     }
 }
 
-void DialogDriver::NoteFiles() {
-    if (GridOf(dialog_) != nullptr) {
-        tabsWithFiles_.insert(CurrentTabName());
-    }
-}
-
-/// Whether no run has lasted for some ticks: the dialog takes its OK button away while one does.
+/// True when no run has lasted for some ticks: the dialog disables its OK button during one.
 bool DialogDriver::IsIdle() {
     const auto* ok = dialog_ == nullptr ? nullptr : dialog_->findChild<QAbstractButton*>("ok");
     quietTicks_ = ok != nullptr && !ok->isEnabled() ? 0 : quietTicks_ + 1;
@@ -185,11 +243,10 @@ void DialogDriver::Tick() {
         return;
     }
     watchdog_.WaitingFor(steps_.front().waitsFor.toStdString());
-    if (!steps_.front().ready()) {
+    if (!steps_.front().isReady()) {
         return;
     }
-    // A step can run an event loop of its own. The timer goes on meanwhile, which it would not from inside
-    // here.
+    // A step can run an event loop of its own; the timer must go on meanwhile.
     inStep_ = true;
     QMetaObject::invokeMethod(this, &DialogDriver::RunStep, Qt::QueuedConnection);
 }

@@ -1,32 +1,67 @@
 #pragma once
 #include <QObject>
+#include <QStringList>
 #include <QTimer>
+#include <chrono>
+#include <condition_variable>
 #include <deque>
 #include <functional>
 #include <iosfwd>
+#include <mutex>
 #include <set>
+#include <string>
+#include <thread>
 
-#include "host/app/DropPlan.h"
+class QAbstractButton;
+class QWidget;
 
 namespace orvex {
 
-class Watchdog;
+/// The Add Files dialog while it is open on top, else null.
+QWidget* FindAddFilesDialog();
 
-/// Uses the Add Files dialog as a person would, without one: waits for it, drops files on its tabs, looks at
-/// each, takes pictures, presses OK. Whatever other window gets in the way is photographed, told of and
-/// answered with Yes or OK. It works from a timer, so it lives beside modal dialogs; nothing is waited for by
-/// sleeping.
+/// The button of a message or question that says yes: Yes, OK or Close; null when it has none.
+QAbstractButton* AgreeingButton(QWidget* window);
+
+/// Ends the process with kWatchdogExit when it outlives its time, after writing to the standard error stream
+/// what was waited for. It has a thread of its own: a blocked event loop does not stop it.
+class Watchdog {
+  public:
+    explicit Watchdog(std::chrono::seconds patience);
+    ~Watchdog();
+    Watchdog(const Watchdog&) = delete;
+    Watchdog& operator=(const Watchdog&) = delete;
+
+    /// What is waited for from now on.
+    void WaitingFor(const std::string& what);
+
+  private:
+    void Watch();
+
+    const std::chrono::steady_clock::time_point end_;
+    std::mutex lock_;
+    std::condition_variable ended_;
+    bool done_ = false;
+    std::string what_;
+    std::jthread thread_;
+};
+
+inline constexpr int kWatchdogExit = 4;
+
+/// Uses the Add Files dialog as a person would, without one: waits for it and for its files, looks at each
+/// tab, takes pictures, presses OK. Any other window that gets in the way is photographed, reported and
+/// answered with Yes or OK. It works from a timer, so it lives beside modal dialogs.
 class DialogDriver final : public QObject {
     Q_OBJECT
 
   public:
     struct Settings {
-        DropPlan plan;          ///< dropped on the tabs
+        QStringList paths;      ///< what the tabs are expected to hold
         QString pictureFolder;  ///< empty: no pictures
         QString pictureSuffix;  ///< behind each picture's name
     };
 
-    /// `out` gets a line for everything worth telling.
+    /// `out` gets a line for each message and for each picture that cannot be saved.
     DialogDriver(Settings settings, std::ostream& out, Watchdog& watchdog);
 
     void Start();
@@ -38,7 +73,7 @@ class DialogDriver final : public QObject {
   private:
     struct Step {
         QString waitsFor;
-        std::function<bool()> ready;
+        std::function<bool()> isReady;
         std::function<void()> run;
     };
 
@@ -46,13 +81,12 @@ class DialogDriver final : public QObject {
     void RunStep();
     bool AnswerOtherWindow();
     void Answer(QWidget* window);
-    void Add(const QString& waitsFor, std::function<bool()> ready, std::function<void()> run);
-    void AddSteps();
+    void Add(const QString& waitsFor, std::function<bool()> isReady, std::function<void()> run);
+    void AddWhenIdle(const QString& waitsFor, std::function<void()> run);
     void AddDialogSteps();
-    void AddPageSteps(const char* page, const QString& name, const QStringList& paths);
-    void AddOtherTabSteps();
+    void AddTabSteps(int tab);
+    void TakeTabPicture(const QString& suffix = {});
     void ToggleDetailColumns();
-    void NoteFiles();
     bool IsIdle();
     QString CurrentTabName() const;
 
@@ -63,7 +97,6 @@ class DialogDriver final : public QObject {
     std::deque<Step> steps_;
     QWidget* dialog_ = nullptr;
     std::set<QString> tabsWithFiles_;
-    std::set<QString> tabsShown_;
     QWidget* answered_ = nullptr;
     int quietTicks_ = 0;
     int messages_ = 0;

@@ -1,6 +1,5 @@
 #pragma once
 // The host's own texts.
-#include <QByteArray>
 #include <QString>
 #include <initializer_list>
 #include <string>
@@ -15,10 +14,6 @@ namespace orvex {
 QString HostText(StringId id);
 /// A format of the string library, filled in.
 QString HostText(StringId id, std::initializer_list<FormatArg> arguments);
-
-/// The bytes of a path as the file system has them, and back.
-QByteArray PathBytes(const std::wstring& path);
-std::wstring PathFromBytes(const QByteArray& bytes);
 
 /// A number with its thousands apart, as the user's language has it.
 QString GroupedNumber(std::uint64_t number);

@@ -18,32 +18,23 @@
 #include <algorithm>
 #include <set>
 
-#include "host/app/Appearance.h"
-#include "host/app/DropPlan.h"
-#include "host/app/FootprintView.h"
+#include "host/app/Application.h"
 #include "host/app/HostText.h"
 #include "host/app/LayerTreeModel.h"
-#include "host/app/PlannedDrops.h"
+#include "host/app/MapView.h"
 #include "host/app/ProjectFile.h"
 #include "host/app/RecordFiles.h"
 #include "host/app/RecordIntake.h"
 #include "host/app/RecordText.h"
+#include "host/objects/HostClasses.h"
 #include "orvexcommon/Exports.h"
 #include "orvexcommon/HostInterfaces.h"
-#include "orvexcommon/OptionItems.h"
 #include "orvexcommon/OrvexUtilities.h"
-#include "settings/OptionStore.h"
 #include "support/DesktopQt.h"
 
 namespace orvex {
 
 namespace {
-
-/// The tab that the dialog showed last; the dialog keeps it among the options for its host to read.
-std::int32_t LastTab() {
-    const std::unique_ptr<RegistryStore> registry = MakeRegistryStore();
-    return OptionStore(*registry).Get(opt2AddFilesCurTabIndex, std::int32_t{0});
-}
 
 std::unique_ptr<OrvexApplication> MakeApplicationObject() {
     std::int32_t result = kHostOk;
@@ -73,21 +64,22 @@ std::size_t CountFiles(const FilesByFolder& files) {
 
 }  // namespace
 
-HostWindow::HostWindow(HostState& state, QWidget* parent) : QMainWindow(parent), state_(state) {
+HostWindow::HostWindow(HostPreferences& preferences, QWidget* parent)
+    : QMainWindow(parent), preferences_(preferences) {
     setObjectName("hostWindow");
     setAcceptDrops(true);
     resize(1180, 760);
     BuildViews();
     BuildActions();
-    restoreGeometry(state_.windowGeometry);
-    restoreState(state_.windowState);
+    restoreGeometry(preferences_.windowGeometry);
+    restoreState(preferences_.windowState);
     ProjectChanged();
 }
 
 HostWindow::~HostWindow() {
     // Before the project that they show: the window closes its children only after its members are gone.
     delete tree_;
-    delete footprints_;
+    delete map_;
 }
 
 bool HostWindow::OpenProject(const QString& folder) {
@@ -100,7 +92,7 @@ bool HostWindow::OpenProject(const QString& folder) {
         opened.reset();
     }
     if (!opened) {
-        state_.RemoveRecentProject(full);
+        preferences_.RemoveRecentProject(full);
         FillRecentMenu();
         QMessageBox::warning(this, HostText(40880_lsid), problem);
         return false;
@@ -108,26 +100,26 @@ bool HostWindow::OpenProject(const QString& folder) {
     folder_ = full;
     project_ = std::move(*opened);
     record_->clear();
-    state_.AddRecentProject(full);
-    state_.Save();
+    preferences_.AddRecentProject(full);
+    preferences_.Save();
     FillRecentMenu();
     ProjectChanged();
     ShowLayer(project_.MainLayer());
     return true;
 }
 
-bool HostWindow::AddFiles(const DropPlan& plan) {
+bool HostWindow::AddFiles(const QStringList& paths) {
     const std::unique_ptr<OrvexApplication> application = MakeApplicationObject();
     OwnedRecord record;
     record.hostApplication = application.get();
-    record.initialTab = LastTab();
+    record.initialTab = host::LastAddFilesTab();
     record.showRasterTab = true;
     record.showDemTab = true;
-    record.initialFolder = ToWidePath(state_.dataFolder.isEmpty() ? folder_ : state_.dataFolder);
+    record.initialFolder = ToWidePath(preferences_.dataFolder.isEmpty() ? folder_ : preferences_.dataFolder);
     record.existingLasLayers = project_.LayersForDialog(LayerKind::Las);
     record.existingRasterLayers = project_.LayersForDialog(LayerKind::Raster);
-    if (!plan.IsEmpty()) {
-        new PlannedDrops(plan, this);
+    for (const QString& path : paths) {
+        record.initialPaths.push_back(ToWidePath(QDir::current().absoluteFilePath(path)));
     }
     if (!ShowAddFilesDialog(&record)) {
         return false;
@@ -156,15 +148,15 @@ void HostWindow::ShowLayer(const std::optional<std::size_t>& layer) {
     if (layer) {
         crsChoice_->setCurrentIndex(CrsIndexOf(project_.layers[*layer].wkt));
     }
-    footprints_->FitAll();
+    map_->FitAll();
 }
 
 /// Where the next dialog's pickers open: rasters and elevation models tend to come from one place.
 void HostWindow::RememberFolder(const AddFilesParams& record) {
     for (const FilesByFolder* files : {&record.rasterFiles, &record.demFiles}) {
         if (!files->empty()) {
-            state_.dataFolder = ToQString(files->begin()->first);
-            state_.Save();
+            preferences_.dataFolder = ToQString(files->begin()->first);
+            preferences_.Save();
             return;
         }
     }
@@ -183,7 +175,7 @@ QString HostWindow::LastRecord() const {
 }
 
 bool HostWindow::IsLoading() const {
-    return footprints_->IsLoading();
+    return map_->IsLoading();
 }
 
 void HostWindow::NewProject() {
@@ -246,7 +238,7 @@ void HostWindow::SelectionChanged() {
             crsChoice_->setCurrentIndex(crs);
         }
     }
-    footprints_->SetSelected(std::move(files));
+    map_->SetSelected(std::move(files));
 }
 
 void HostWindow::SelectFile(std::size_t layer, std::size_t file) {
@@ -282,7 +274,7 @@ void HostWindow::FillCrsChoice() {
 }
 
 void HostWindow::ShowChosenCrs() {
-    footprints_->ShowCrs(crsChoice_->currentData().toByteArray().toStdString());
+    map_->ShowCrs(crsChoice_->currentData().toByteArray().toStdString());
 }
 
 void HostWindow::ProjectChanged() {
@@ -290,7 +282,7 @@ void HostWindow::ProjectChanged() {
     tree_->expandAll();
     FillCrsChoice();
     ShowChosenCrs();
-    footprints_->SetSelected({});
+    map_->SetSelected({});
     const QString name = folder_.isEmpty() ? QString() : QDir(folder_).dirName();
     setWindowTitle(name.isEmpty() ? HostText(40880_lsid) : name + " \u2013 " + HostText(40880_lsid));
     totals_->setText(HostText(40890_lsid, {project_.layers.size(), project_.FileCount()}));
@@ -316,15 +308,15 @@ bool HostWindow::SaveBeforeClosing() {
 }
 
 void HostWindow::SetDark(bool dark) {
-    state_.dark = dark;
+    preferences_.dark = dark;
     ApplyAppearance(dark);
-    state_.Save();
+    preferences_.Save();
 }
 
 void HostWindow::closeEvent(QCloseEvent* event) {
-    state_.windowGeometry = saveGeometry();
-    state_.windowState = saveState();
-    state_.Save();
+    preferences_.windowGeometry = saveGeometry();
+    preferences_.windowState = saveState();
+    preferences_.Save();
     event->setAccepted(SaveBeforeClosing());
 }
 
@@ -343,7 +335,7 @@ void HostWindow::dropEvent(QDropEvent* event) {
     }
     event->acceptProposedAction();
     // The program that dragged waits until this returns; the dialog must not run inside.
-    QTimer::singleShot(0, this, [this, paths] { AddFiles(DistributePaths(paths)); });
+    QTimer::singleShot(0, this, [this, paths] { AddFiles(paths); });
 }
 
 }  // namespace orvex

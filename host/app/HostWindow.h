@@ -4,9 +4,7 @@
 #include <memory>
 #include <optional>
 
-#include "host/app/CrsGroups.h"
-#include "host/app/DropPlan.h"
-#include "host/app/HostState.h"
+#include "host/app/HostPreferences.h"
 #include "host/app/Project.h"
 
 class AddFilesParams;
@@ -18,7 +16,7 @@ class QTreeView;
 
 namespace orvex {
 
-class FootprintView;
+class MapView;
 class LayerTreeModel;
 
 /// How many files of each kind a record held, and how many elevation files became LAS files.
@@ -34,21 +32,21 @@ class HostWindow final : public QMainWindow {
     Q_OBJECT
 
   public:
-    explicit HostWindow(HostState& state, QWidget* parent = nullptr);
+    explicit HostWindow(HostPreferences& preferences, QWidget* parent = nullptr);
     ~HostWindow() override;
 
     /// Opens the project of a folder, or makes one there. False after telling the user why not.
     bool OpenProject(const QString& folder);
     /// Runs the Add Files dialog, at first with these files and folders in its grids, and takes what comes
     /// back. True when the record held files.
-    bool AddFiles(const DropPlan& plan = {});
+    bool AddFiles(const QStringList& paths = {});
     /// Asks how LiDAR data is to be held and keeps the answer with the project.
     void AskLidarAccess();
 
     /// The folder of the open project; empty when none is open.
     const QString& ProjectFolder() const { return folder_; }
     const Project& CurrentProject() const { return project_; }
-    /// True while pictures of the project's rasters are being read.
+    /// True while thumbnails of the project's rasters are being read.
     bool IsLoading() const;
     /// The record that came back last, as text.
     QString LastRecord() const;
@@ -62,7 +60,7 @@ class HostWindow final : public QMainWindow {
   private:
     void BuildActions();
     void BuildViews();
-    QWidget* MakeFootprintPane();
+    QWidget* MakeMapPane();
     void FillRecentMenu();
     void NewProject();
     void ChooseProject();
@@ -81,14 +79,14 @@ class HostWindow final : public QMainWindow {
     void SetDark(bool dark);
     void ShowAbout();
 
-    HostState& state_;
+    HostPreferences& preferences_;
     QString folder_;
     RecordCounts counts_;
     Project project_;
     CrsGroups crsGroups_;
     LayerTreeModel* layers_ = nullptr;
     QTreeView* tree_ = nullptr;
-    FootprintView* footprints_ = nullptr;
+    MapView* map_ = nullptr;
     QComboBox* crsChoice_ = nullptr;
     QPlainTextEdit* record_ = nullptr;
     QLabel* position_ = nullptr;

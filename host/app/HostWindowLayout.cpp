@@ -18,10 +18,10 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
-#include "host/app/FootprintView.h"
 #include "host/app/HostText.h"
 #include "host/app/HostWindow.h"
 #include "host/app/LayerTreeModel.h"
+#include "host/app/MapView.h"
 
 // The resources lie in a static library, whose initialisers a linker drops unless they are named.
 static void InitHostResources() {
@@ -74,7 +74,7 @@ void HostWindow::BuildViews() {
     record_->setPlaceholderText(HostText(40891_lsid));
     record_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
 
-    setCentralWidget(MakeFootprintPane());
+    setCentralWidget(MakeMapPane());
     QDockWidget* layersDock = MakeDock(this, "layersDock", 40864_lsid, tree_);
     QDockWidget* recordDock = MakeDock(this, "recordDock", 40892_lsid, record_);
     addDockWidget(Qt::LeftDockWidgetArea, layersDock);
@@ -92,9 +92,9 @@ void HostWindow::BuildViews() {
     statusBar()->addPermanentWidget(totals_);
 }
 
-QWidget* HostWindow::MakeFootprintPane() {
+QWidget* HostWindow::MakeMapPane() {
     auto* pane = new QWidget;
-    footprints_ = new FootprintView(project_);
+    map_ = new MapView(project_);
     crsChoice_ = new QComboBox;
     crsChoice_->setObjectName("crs");
     crsChoice_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -116,13 +116,12 @@ QWidget* HostWindow::MakeFootprintPane() {
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(4);
     column->addLayout(bar);
-    column->addWidget(footprints_, 1);
+    column->addWidget(map_, 1);
 
     connect(crsChoice_, &QComboBox::currentIndexChanged, this, &HostWindow::ShowChosenCrs);
-    connect(fit, &QToolButton::clicked, footprints_, &FootprintView::FitAll);
-    connect(footprints_, &FootprintView::FileClicked, this, &HostWindow::SelectFile);
-    connect(footprints_, &FootprintView::Hovered, this,
-            [this](const QString& text) { position_->setText(text); });
+    connect(fit, &QToolButton::clicked, map_, &MapView::FitAll);
+    connect(map_, &MapView::FileClicked, this, &HostWindow::SelectFile);
+    connect(map_, &MapView::Hovered, this, [this](const QString& text) { position_->setText(text); });
     return pane;
 }
 
@@ -160,13 +159,12 @@ void HostWindow::BuildActions() {
     lidar->setObjectName("lidarAccess");
 
     viewMenu_->addSeparator();
-    viewMenu_->addAction(HostIcon("fit"), HostText(40895_lsid), QKeySequence("Ctrl+0"), footprints_,
-                         &FootprintView::FitAll);
-    viewMenu_->addAction(HostText(40908_lsid), QKeySequence("Ctrl+1"), footprints_,
-                         &FootprintView::FitSelected);
+    viewMenu_->addAction(HostIcon("fit"), HostText(40895_lsid), QKeySequence("Ctrl+0"), map_,
+                         &MapView::FitAll);
+    viewMenu_->addAction(HostText(40908_lsid), QKeySequence("Ctrl+1"), map_, &MapView::FitSelected);
     QAction* dark = viewMenu_->addAction(HostText(40909_lsid));
     dark->setCheckable(true);
-    dark->setChecked(state_.dark);
+    dark->setChecked(preferences_.dark);
     connect(dark, &QAction::toggled, this, &HostWindow::SetDark);
     help->addAction(HostIcon("help"), HostText(40910_lsid), this, &HostWindow::ShowAbout);
 
@@ -175,7 +173,7 @@ void HostWindow::BuildActions() {
 
 void HostWindow::FillRecentMenu() {
     recentMenu_->clear();
-    for (const QString& folder : state_.RecentProjects()) {
+    for (const QString& folder : preferences_.RecentProjects()) {
         recentMenu_->addAction(QDir::toNativeSeparators(folder), this,
                                [this, folder] { OpenProject(folder); });
     }

@@ -3,8 +3,6 @@
 #include <numeric>
 
 #include "host/app/HostText.h"
-#include "host/app/LayerColours.h"
-#include "host/app/RasterPainter.h"
 #include "orvexcommon/OrvexUtilities.h"
 
 namespace orvex {
@@ -32,7 +30,7 @@ QString FormatOf(LayerKind kind, const LayerFile& file) {
         return HostText(40863_lsid, {file.version / 10, file.version % 10, file.pointFormat});
     }
     const QString format = ToQString(file.raster.driver);
-    return TransformOf(file.raster) ? format : HostText(41429_lsid, {file.raster.driver}).trimmed();
+    return file.raster.PixelToWorld() ? format : HostText(41429_lsid, {file.raster.driver}).trimmed();
 }
 
 }  // namespace
@@ -43,6 +41,12 @@ LayerTreeModel::LayerTreeModel(const Project& project, QObject* parent)
 void LayerTreeModel::Reload() {
     beginResetModel();
     endResetModel();
+}
+
+QColor LayerTreeModel::ColourOf(std::size_t layer) {
+    constexpr QRgb kColours[] = {0xFF2F7ED8, 0xFFE07B24, 0xFF2E9E62, 0xFFB34FC0,
+                                 0xFFD64550, 0xFF17A0A8, 0xFF9A8B1F, 0xFF7467E0};
+    return QColor::fromRgba(kColours[layer % std::size(kColours)]);
 }
 
 bool LayerTreeModel::IsLayer(const QModelIndex& index) {
@@ -104,7 +108,7 @@ QVariant LayerTreeModel::data(const QModelIndex& index, int role) const {
 
 QVariant LayerTreeModel::LayerData(const Layer& layer, std::size_t index, int column, int role) const {
     if (role == Qt::DecorationRole && column == kName) {
-        return LayerColour(index);
+        return ColourOf(index);
     }
     if (role == Qt::ToolTipRole) {
         const std::string name = OrvexUtilities::CrsGetCRSName(layer.wkt);
@@ -125,7 +129,7 @@ QVariant LayerTreeModel::LayerData(const Layer& layer, std::size_t index, int co
 
 QVariant LayerTreeModel::FileData(LayerKind kind, const LayerFile& file, int column, int role) const {
     if (role == Qt::ToolTipRole) {
-        const bool isNowhere = kind == LayerKind::Raster && !TransformOf(file.raster);
+        const bool isNowhere = kind == LayerKind::Raster && !file.raster.PixelToWorld();
         return TooltipText(ToQString(file.path) + (isNowhere ? '\n' + HostText(41428_lsid) : QString()));
     }
     if (role != Qt::DisplayRole) {

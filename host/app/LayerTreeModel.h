@@ -1,5 +1,6 @@
 #pragma once
 #include <QAbstractItemModel>
+#include <QColor>
 
 #include "host/app/Project.h"
 
@@ -18,6 +19,8 @@ class LayerTreeModel final : public QAbstractItemModel {
     explicit LayerTreeModel(const Project& project, QObject* parent = nullptr);
 
     void Reload();
+    /// The colour that a layer has here and on the map; distinct on light and dark grounds.
+    static QColor ColourOf(std::size_t layer);
     static bool IsLayer(const QModelIndex& index);
     /// The layer that an index is or lies in.
     static std::size_t LayerOf(const QModelIndex& index);

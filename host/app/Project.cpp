@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "orvexcommon/OrvexUtilities.h"
 #include "support/NaturalOrder.h"
 #include "support/Text.h"
 
@@ -40,6 +41,21 @@ std::size_t LayerOfMost(const std::vector<Layer>& layers, const std::vector<std:
 }
 
 }  // namespace
+
+std::optional<std::array<double, 6>> RasterInfo::PixelToWorld() const {
+    if (transform || !extent || width < 1 || height < 1) {
+        return transform;
+    }
+    const auto& [minX, minY, maxX, maxY] = *extent;
+    return std::array<double, 6>{minX, (maxX - minX) / width, 0, maxY, 0, (minY - maxY) / height};
+}
+
+const std::string& CrsGroups::Of(const std::string& wkt) {
+    const auto known = groupOfWkt_.find(wkt);
+    return known != groupOfWkt_.end()
+               ? known->second
+               : groupOfWkt_.emplace(wkt, OrvexUtilities::GetCompatibilityGroup(wkt)).first->second;
+}
 
 std::size_t Project::FileCount() const {
     std::size_t count = 0;

@@ -18,7 +18,7 @@ enum class LidarAccess { ReadOnly, ReadWrite, NotAtAll };
 enum class LayerKind { Las, Raster };
 
 /// What is known of a raster of the project.
-struct RasterFacts {
+struct RasterInfo {
     std::int32_t width = 0;   ///< pixels
     std::int32_t height = 0;  ///< pixels
     std::int32_t bands = 0;
@@ -28,13 +28,16 @@ struct RasterFacts {
     /// X = t[0] + column * t[1] + row * t[2], Y = t[3] + column * t[4] + row * t[5].
     std::optional<std::array<double, 6>> transform;
 
-    friend bool operator==(const RasterFacts&, const RasterFacts&) = default;
+    /// The transform; from the extent where the file states no more. None without georeference.
+    std::optional<std::array<double, 6>> PixelToWorld() const;
+
+    friend bool operator==(const RasterInfo&, const RasterInfo&) = default;
 };
 
 /// One file of a layer: what the footprint view and the tree tell of it without opening it.
 struct LayerFile {
     std::wstring path;
-    RasterFacts raster;  ///< of a raster layer's files; the rest below describes those of a LAS layer
+    RasterInfo raster;  ///< of a raster layer's files; the rest below describes those of a LAS layer
     std::uint64_t points = 0;
     std::array<double, 3> min{};  ///< in the units of the layer's CRS
     std::array<double, 3> max{};
@@ -70,6 +73,16 @@ struct AddedFiles {
     std::size_t alreadyThere = 0;  ///< left out, because a layer of the kind has them
     /// Place of the layer that got the most of them; one with a CRS before one without.
     std::size_t mainLayer = 0;
+};
+
+/// The compatibility groups of WKTs; each text is looked at once.
+class CrsGroups {
+  public:
+    /// The text shared by all WKTs whose files can be shown and kept together; see OrvexUtilities.
+    const std::string& Of(const std::string& wkt);
+
+  private:
+    std::map<std::string, std::string> groupOfWkt_;
 };
 
 /// The open project: layers in the order of their making.

@@ -59,11 +59,11 @@ std::optional<std::array<double, Count>> OptionalFromJson(const QJsonValue& valu
 
 /// Percent-encoded bytes: names that are no text survive.
 QString PathToJson(const std::wstring& path) {
-    return QString::fromLatin1(PathBytes(path).toPercentEncoding(" /\\:"));
+    return QString::fromLatin1(QByteArray::fromStdString(ToUtf8(path)).toPercentEncoding(" /\\:"));
 }
 
 std::wstring PathFromJson(const QJsonValue& value) {
-    return PathFromBytes(QByteArray::fromPercentEncoding(value.toString().toUtf8()));
+    return FromUtf8(QByteArray::fromPercentEncoding(value.toString().toUtf8()).toStdString());
 }
 
 QJsonObject LasToJson(const LayerFile& file) {
@@ -94,7 +94,7 @@ LayerFile LasFromJson(const QJsonObject& json) {
 }
 
 QJsonObject RasterToJson(const LayerFile& file) {
-    const RasterFacts& raster = file.raster;
+    const RasterInfo& raster = file.raster;
     return {{"path", PathToJson(file.path)},
             {"width", raster.width},
             {"height", raster.height},

@@ -4,10 +4,8 @@
 #include <QWidget>
 #include <algorithm>
 
-#include "host/app/DemImport.h"
 #include "host/app/HostText.h"
-#include "host/app/LidarCheck.h"
-#include "host/app/RasterPyramids.h"
+#include "host/app/RasterJobs.h"
 #include "host/app/RecordFiles.h"
 #include "host/app/WorkDialog.h"
 #include "orvexcommon/AddFilesParams.h"
@@ -131,10 +129,10 @@ void RecordIntake::BuildPyramids(const std::vector<NewFile>& rasters) {
     std::vector<std::wstring> paths;
     std::ranges::transform(rasters, std::back_inserter(paths),
                            [](const NewFile& raster) { return raster.file.path; });
-    const auto result = std::make_shared<RasterPyramids::Result>();
+    const auto result = std::make_shared<OverviewResult>();
     const WorkEnd end = WorkDialog::Run(
         window_, HostText(41443_lsid),
-        [paths, result](Kst::ProgressIf& progress) { *result = RasterPyramids::Build(paths, progress); });
+        [paths, result](Kst::ProgressIf& progress) { *result = BuildOverviews(paths, progress); });
     if (end == WorkEnd::Finished) {
         Tell(Text(41444_lsid), result->failures, 41443_lsid);
     }

@@ -3,8 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include "host/app/FailureText.h"
-#include "host/app/Project.h"
+#include "host/app/RasterJobs.h"
 #include "support/Text.h"
 
 class AddFilesParams;

@@ -10,10 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "crs/GdalSetup.h"
-#include "host/app/SampleTerrain.h"
+#include "host/app/SampleLasFile.h"
+#include "host/dem/HostGdal.h"
 #include "orvexcommon/OrvexUtilities.h"
-#include "support/GdalErrorScope.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
 
@@ -151,6 +150,8 @@ GDALDatasetUniquePtr Render(const Picture& picture) {
     return memory;
 }
 
+enum class Georeference { None, WithoutCrs, Full };
+
 /// Puts what was rendered where the sample area lies.
 class Placer {
   public:
@@ -159,12 +160,15 @@ class Placer {
         crs_.importFromWkt(OrvexUtilities::CrsGetPrettyWktFromEPSG(epsg).c_str());
     }
 
-    void Place(GDALDataset& dataset, const Picture& picture, bool withCrs = true) const {
+    void Place(GDALDataset& dataset, const Picture& picture, Georeference georeference) const {
+        if (georeference == Georeference::None) {
+            return;
+        }
         Transform placed = picture.transform;
         placed[0] += west_;
         placed[3] += south_;
         dataset.SetGeoTransform(placed.data());
-        if (withCrs) {
+        if (georeference == Georeference::Full) {
             dataset.SetSpatialRef(&crs_);
         }
     }
@@ -206,105 +210,96 @@ void NameColours(GDALDataset& dataset) {
     }
 }
 
-void WriteOrthophoto(const fs::path& folder, const Placer& placer) {
-    const Picture picture{1200, 800, NorthUp(0, 400, 0.5), GDT_Byte, 3, TrueColour};
-    const auto memory = Render(picture);
-    placer.Place(*memory, picture);
-    NameColours(*memory);
-    Save(*memory, folder / "orthophoto.tif", "GTiff", {"COMPRESS=DEFLATE", "TILED=YES", "PHOTOMETRIC=RGB"});
-    AddOverviews(folder / "orthophoto.tif");
-}
-
-void WriteInfrared(const fs::path& folder, const Placer& placer) {
-    const Picture picture{200, 200, NorthUp(600, 200, 1), GDT_UInt16, 1, Infrared};
-    const auto memory = Render(picture);
-    placer.Place(*memory, picture);
-    Save(*memory, folder / "infrared 16 bit.tif", "GTiff", {"COMPRESS=LZW"});
-}
-
-void WriteMap(const fs::path& folder, const Placer& placer) {
-    const Picture picture{300, 200, NorthUp(200, 600, 1), GDT_Byte, 1, MapClass};
-    const auto memory = Render(picture);
-    placer.Place(*memory, picture);
+void AddPalette(GDALDataset& dataset) {
     GDALColorTable colours;
     const GDALColorEntry entries[] = {
         {250, 246, 232, 255}, {178, 134, 92, 255}, {150, 196, 226, 255}, {196, 222, 176, 255}};
     for (int i = 0; i < 4; ++i) {
         colours.SetColorEntry(i, &entries[i]);
     }
-    memory->GetRasterBand(1)->SetColorTable(&colours);
-    Save(*memory, folder / "map.png", "PNG", {"WORLDFILE=YES"});
+    dataset.GetRasterBand(1)->SetColorTable(&colours);
 }
 
-void WriteRotated(const fs::path& folder, const Placer& placer) {
+void MarkNoData(GDALDataset& dataset) {
+    dataset.GetRasterBand(1)->SetNoDataValue(kNodata);
+}
+
+/// One raster of the sample.
+struct Sample {
+    const char* name;
+    const char* driver;
+    Picture picture;
+    std::vector<const char*> options;
+    void (*describe)(GDALDataset& dataset) = nullptr;
+    Georeference georeference = Georeference::Full;
+};
+
+void Write(const fs::path& folder, const Placer& placer, const std::vector<Sample>& samples) {
+    for (const Sample& sample : samples) {
+        const auto memory = Render(sample.picture);
+        placer.Place(*memory, sample.picture, sample.georeference);
+        if (sample.describe != nullptr) {
+            sample.describe(*memory);
+        }
+        Save(*memory, folder / sample.name, sample.driver, sample.options);
+    }
+}
+
+/// Turned by 20 degrees.
+Transform Rotated(double west, double north, double pixel) {
     const double angle = 20 * kPi / 180;
-    const double pixel = 0.8;
-    const Picture picture{240,
-                          160,
-                          {540, pixel * std::cos(angle), pixel * std::sin(angle), 530,
-                           pixel * std::sin(angle), -pixel * std::cos(angle)},
-                          GDT_Byte,
-                          1,
-                          Relief};
-    const auto memory = Render(picture);
-    placer.Place(*memory, picture);
-    Save(*memory, folder / "rotated scan.tif", "GTiff", {});
-}
-
-void WriteBig(const fs::path& folder, const Placer& placer) {
-    const Picture picture{200, 200, NorthUp(600, 400, 1), GDT_Byte, 4, Disc};
-    const auto memory = Render(picture);
-    placer.Place(*memory, picture);
-    NameColours(*memory);
-    Save(*memory, folder / "transparent big.tif", "GTiff",
-         {"BIGTIFF=YES", "COMPRESS=DEFLATE", "PHOTOMETRIC=RGB", "ALPHA=YES"});
-}
-
-void WriteOddOnes(const fs::path& folder, const Placer& placer) {
-    const Picture picture{200, 200, NorthUp(600, 200, 1), GDT_Byte, 1, Relief};
-    const auto memory = Render(picture);
-    Save(*memory, folder / "no place.png", "PNG", {});
-    placer.Place(*memory, picture, false);
-    Save(*memory, folder / "no crs.tif", "GTiff", {});
-    fs::create_directories(folder / "damaged");
-    fs::copy_file(folder / "orthophoto.tif", folder / "damaged" / "truncated.tif");
-    fs::resize_file(folder / "damaged" / "truncated.tif", fs::file_size(folder / "orthophoto.tif") / 2);
-}
-
-void WriteHoles(const fs::path& folder, const Placer& placer) {
-    const Picture picture{200, 200, NorthUp(0, 600, 1), GDT_Float32, 1, Height};
-    const auto memory = Render(picture);
-    placer.Place(*memory, picture);
-    memory->GetRasterBand(1)->SetNoDataValue(kNodata);
-    Save(*memory, folder / "terrain.tif", "GTiff", {"COMPRESS=DEFLATE", "PREDICTOR=3", "TILED=YES"});
-}
-
-void WriteTextGrid(const fs::path& folder, const Placer& placer) {
-    const Picture picture{100, 100, NorthUp(600, 600, 2), GDT_Float32, 1, Height};
-    const auto memory = Render(picture);
-    placer.Place(*memory, picture);
-    memory->GetRasterBand(1)->SetNoDataValue(kNodata);
-    Save(*memory, folder / "text grid.asc", "AAIGrid", {"DECIMAL_PRECISION=2"});
+    const double across = pixel * std::cos(angle);
+    const double down = pixel * std::sin(angle);
+    return {west, across, down, north, down, -across};
 }
 
 }  // namespace
 
 void WriteSampleRasters(const fs::path& folder, double west, double south, int epsg) {
-    EnsureGdal();
-    const Placer placer(west, south, epsg);
-    WriteOrthophoto(folder, placer);
-    WriteInfrared(folder, placer);
-    WriteMap(folder, placer);
-    WriteRotated(folder, placer);
-    WriteBig(folder, placer);
-    WriteOddOnes(folder, placer);
+    SetUpGdal();
+    const Picture relief{200, 200, NorthUp(600, 200, 1), GDT_Byte, 1, Relief};
+    Write(folder, Placer(west, south, epsg),
+          {{"orthophoto.tif",
+            "GTiff",
+            {1200, 800, NorthUp(0, 400, 0.5), GDT_Byte, 3, TrueColour},
+            {"COMPRESS=DEFLATE", "TILED=YES", "PHOTOMETRIC=RGB"},
+            NameColours},
+           {"infrared 16 bit.tif",
+            "GTiff",
+            {200, 200, NorthUp(600, 200, 1), GDT_UInt16, 1, Infrared},
+            {"COMPRESS=LZW"}},
+           {"map.png",
+            "PNG",
+            {300, 200, NorthUp(200, 600, 1), GDT_Byte, 1, MapClass},
+            {"WORLDFILE=YES"},
+            AddPalette},
+           {"rotated scan.tif", "GTiff", {240, 160, Rotated(540, 530, 0.8), GDT_Byte, 1, Relief}, {}},
+           {"transparent big.tif",
+            "GTiff",
+            {200, 200, NorthUp(600, 400, 1), GDT_Byte, 4, Disc},
+            {"BIGTIFF=YES", "COMPRESS=DEFLATE", "PHOTOMETRIC=RGB", "ALPHA=YES"},
+            NameColours},
+           {"no place.png", "PNG", relief, {}, nullptr, Georeference::None},
+           {"no crs.tif", "GTiff", relief, {}, nullptr, Georeference::WithoutCrs}});
+    AddOverviews(folder / "orthophoto.tif");
+    fs::create_directories(folder / "damaged");
+    fs::copy_file(folder / "orthophoto.tif", folder / "damaged" / "truncated.tif");
+    fs::resize_file(folder / "damaged" / "truncated.tif", fs::file_size(folder / "orthophoto.tif") / 2);
 }
 
 void WriteSampleElevation(const fs::path& folder, double west, double south, int epsg) {
-    EnsureGdal();
-    const Placer placer(west, south, epsg);
-    WriteHoles(folder, placer);
-    WriteTextGrid(folder, placer);
+    SetUpGdal();
+    Write(folder, Placer(west, south, epsg),
+          {{"terrain.tif",
+            "GTiff",
+            {200, 200, NorthUp(0, 600, 1), GDT_Float32, 1, Height},
+            {"COMPRESS=DEFLATE", "PREDICTOR=3", "TILED=YES"},
+            MarkNoData},
+           {"text grid.asc",
+            "AAIGrid",
+            {100, 100, NorthUp(600, 600, 2), GDT_Float32, 1, Height},
+            {"DECIMAL_PRECISION=2"},
+            MarkNoData}});
 }
 
 }  // namespace orvex

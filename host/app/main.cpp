@@ -1,18 +1,178 @@
 // orvex-host: a small desktop program that adds data to a project with the Add Files dialog.
 #include <QApplication>
+#include <QDir>
+#include <QDirIterator>
+#include <QMessageBox>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 
+#include "host/app/Application.h"
+#include "host/app/DialogDriver.h"
 #include "host/app/HostArguments.h"
-#include "host/app/HostRun.h"
 #include "host/app/HostText.h"
+#include "host/app/HostWindow.h"
 #include "host/app/ParentConsole.h"
+#include "host/app/SampleProject.h"
+#include "host/objects/HostClasses.h"
 #include "support/Environment.h"
 #include "support/LDataError.h"
 
 namespace orvex {
 
 namespace {
+
+constexpr std::chrono::seconds kPatience{120};
+
+/// The sample project in the user's cache folder; empty when it cannot be made.
+QString SampleProjectFolder() {
+    const QString folder =
+        QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + "/orvex/sample-project";
+    return ToQString(FromPath(EnsureSampleProject(ToPath(ToWide(folder)))));
+}
+
+/// Every file of a sample project that the dialog takes.
+QStringList SampleFiles(const QString& project) {
+    const QString data = ToQString(FromPath(SampleData(ToPath(ToWide(project)))));
+    QDirIterator files(data, {"*.las", "*.laz", "*.tif", "*.png", "*.asc"}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    QStringList paths;
+    while (files.hasNext()) {
+        paths.append(files.next());
+    }
+    paths.sort();
+    return paths;
+}
+
+struct Start {
+    QString project;
+    QStringList paths;  ///< to be added when the dialog opens
+};
+
+/// A project named on the command line or used before is opened as it is; else the sample project, and the
+/// dialog shows its data.
+Start ChooseStart(const HostArguments& arguments, const HostPreferences& preferences) {
+    Start start{arguments.projectFolder, arguments.paths};
+    for (const QString& recent : preferences.RecentProjects()) {
+        if (start.project.isEmpty() && QDir(recent).exists()) {
+            start.project = recent;
+        }
+    }
+    if (start.project.isEmpty()) {
+        start.project = SampleProjectFolder();
+        if (start.paths.isEmpty() && !start.project.isEmpty()) {
+            start.paths = SampleFiles(start.project);
+        }
+    }
+    return start;
+}
+
+/// The objects that the component asks its host for; the project folder is that of the window.
+host::HostClasses MakeHostClasses(const HostWindow& window) {
+    return host::HostClasses(
+        {host::DefaultSettingsFile(), [&window] { return ToWide(window.ProjectFolder()); }});
+}
+
+/// A display that does not answer ends the process from inside the toolkit, with a crash; this ends it with a
+/// message.
+void ReportMissingDisplay(QtMsgType type, const QMessageLogContext&, const QString& text) {
+    std::cerr << text.toStdString() << std::endl;
+    if (type == QtFatalMsg) {
+        std::cerr << HostText(41054_lsid).toStdString() << std::endl;
+        std::_Exit(1);
+    }
+}
+
+/// Thumbnails come in through events; the watchdog ends a wait in vain.
+void WaitForThumbnails(const HostWindow& window) {
+    QTimer ticks;  // Something to wake up for when nothing comes.
+    ticks.start(20);
+    while (window.IsLoading()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    QCoreApplication::processEvents();
+}
+
+/// True if the record came back with files of every kind that is expected, and with any at all.
+bool Holds(const RecordCounts& counts, const std::set<QString>& expected) {
+    const std::pair<const char*, std::size_t> kinds[] = {
+        {"las", counts.las}, {"raster", counts.rasters}, {"dem", counts.dems}};
+    for (const auto& [name, count] : kinds) {
+        if (expected.contains(name) && count == 0) {
+            std::cerr << "orvex-host: no files of the tab '" << name << "' came back" << std::endl;
+            return false;
+        }
+    }
+    if (counts.dems > 0 && counts.convertedDems == 0) {
+        std::cerr << "orvex-host: no elevation file became a LAS file" << std::endl;
+        return false;
+    }
+    return counts.las + counts.rasters + counts.dems > 0;
+}
+
+/// Opens the host's window and, where there is something to add, the dialog with it. Returns the exit code.
+int RunInteractive(int& argc, char** argv, const HostArguments& arguments) {
+    const QTemporaryDir folder;
+    const QtMessageHandler usual = qInstallMessageHandler(ReportMissingDisplay);
+    const auto application = MakeApplication(argc, argv, arguments, folder.path());
+    qInstallMessageHandler(usual);
+    HostPreferences preferences(HostPreferences::DefaultPath());
+    preferences.dark = preferences.dark || arguments.dark;
+    ApplyAppearance(preferences.dark);
+    const Start start = ChooseStart(arguments, preferences);
+    HostWindow window(preferences);
+    const host::HostClasses classes = MakeHostClasses(window);
+    window.show();
+    if (start.project.isEmpty()) {
+        QMessageBox::warning(
+            &window, HostText(40880_lsid),
+            HostText(40920_lsid,
+                     {ToWide(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation))}));
+    } else {
+        window.OpenProject(start.project);
+    }
+    const bool hasNews = !arguments.paths.isEmpty() || window.CurrentProject().IsEmpty();
+    if (!start.paths.isEmpty() && hasNews) {
+        QTimer::singleShot(0, &window, [&] { window.AddFiles(start.paths); });
+    }
+    return QApplication::exec();
+}
+
+/// Opens the dialog, uses it without a person (on a project and with options of its own, so that nothing of
+/// the user's changes), prints the record and leaves pictures. 0 when the record holds files.
+int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
+    const QTemporaryDir folder;
+    const PrivateSettings settings(ToPath(ToWide(folder.filePath("settings"))));
+    Watchdog watchdog(kPatience);
+    const auto application = MakeApplication(argc, argv, arguments, folder.path());
+    ApplyAppearance(arguments.dark);
+    watchdog.WaitingFor("the sample project");
+    const QStringList paths =
+        arguments.paths.isEmpty() ? SampleFiles(SampleProjectFolder()) : arguments.paths;
+    HostPreferences preferences{QString()};
+    preferences.dark = arguments.dark;
+    HostWindow window(preferences);
+    const host::HostClasses classes = MakeHostClasses(window);
+    window.OpenProject(arguments.projectFolder.isEmpty() ? folder.filePath("project")
+                                                         : arguments.projectFolder);
+    window.show();
+    DialogDriver driver({paths, arguments.pictureFolder, PictureSuffix(arguments)}, std::cout, watchdog);
+    driver.Start();
+    window.AddFiles(paths);
+    std::cout << window.LastRecord().toStdString() << std::flush;
+    watchdog.WaitingFor("the picture of the host");
+    WaitForThumbnails(window);
+    driver.TakePicture(&window, "host");
+    watchdog.WaitingFor("the LiDAR question");
+    window.AskLidarAccess();
+    // The sample project has files of every kind.
+    const std::set<QString> expected =
+        arguments.paths.isEmpty() ? std::set<QString>{"las", "raster", "dem"} : driver.TabsWithFiles();
+    return Holds(window.LastRecordCounts(), expected) ? 0 : 1;
+}
 
 QStringList ArgumentsOf(int argc, char** argv) {
     QStringList arguments;
@@ -22,8 +182,8 @@ QStringList ArgumentsOf(int argc, char** argv) {
     return arguments;
 }
 
-/// Tells on the console which of the files to be shown are not there.
-bool AreThere(const QStringList& paths) {
+/// False after naming the missing files on the console.
+bool Exist(const QStringList& paths) {
     bool all = true;
     for (const QString& path : paths) {
         std::error_code error;
@@ -45,7 +205,7 @@ int RunHost(int argc, char** argv) {
         out << HostText(40922_lsid).toStdString() << '\n';
         return arguments.help ? 0 : 2;
     }
-    if (!AreThere(arguments.paths)) {
+    if (!Exist(arguments.paths)) {
         return 1;
     }
     if (arguments.scale != 1) {

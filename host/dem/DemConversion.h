@@ -40,7 +40,7 @@ struct DemConversionResult {
 /// "<name> (2).las": no file is replaced, and nothing is written beside the raster. Streams: the memory
 /// needed does not grow with the raster. Progress is told in pixels, without a text;
 /// it is asked whether to stop at least once a block. None when it said so; nothing is left then, nor after a
-/// failure. Throws LDataError in plain words, naming the file and the cause. Needs GDAL set up (EnsureGdal).
+/// failure. Throws LDataError in plain words, naming the file and the cause. Needs GDAL set up (SetUpGdal).
 /// Safe from any thread, also for rasters of one name into one folder at the same time.
 std::optional<DemConversionResult> ConvertDem(const std::wstring& demPath,
                                               const DemConversionOptions& options, Kst::ProgressIf& progress);

@@ -1,11 +1,16 @@
 #include "host/dem/DemCrs.h"
 
-#include <optional>
-#include <string_view>
+#include <cpl_string.h>
+#include <cpl_vsi.h>
+#include <gdal_priv.h>
 
-#include "host/dem/GeoKeyEncoder.h"
-#include "host/dem/LasHeaderWriter.h"
+#include <algorithm>
+#include <array>
+#include <atomic>
+
+#include "host/dem/LasWriter.h"
 #include "orvexcommon/OrvexUtilities.h"
+#include "support/ByteReader.h"
 #include "support/Format.h"
 #include "support/GdalErrorScope.h"
 #include "support/LasFormat.h"
@@ -15,7 +20,123 @@
 namespace orvex {
 namespace {
 
+constexpr double kFoot = 0.3048;
+constexpr double kSurveyFoot = 1200.0 / 3937.0;
+
+struct UnitName {
+    const char* name;
+    double metres;
+};
+constexpr auto kUnits = std::to_array<UnitName>({
+    {"m", 1},
+    {"meter", 1},
+    {"metre", 1},
+    {"meters", 1},
+    {"metres", 1},
+    {"mm", 0.001},
+    {"millimeter", 0.001},
+    {"millimetre", 0.001},
+    {"cm", 0.01},
+    {"centimeter", 0.01},
+    {"centimetre", 0.01},
+    {"dm", 0.1},
+    {"decimeter", 0.1},
+    {"decimetre", 0.1},
+    {"km", 1000},
+    {"kilometer", 1000},
+    {"kilometre", 1000},
+    {"ft", kFoot},
+    {"foot", kFoot},
+    {"feet", kFoot},
+    {"international foot", kFoot},
+    {"international feet", kFoot},
+    {"us-ft", kSurveyFoot},
+    {"ftus", kSurveyFoot},
+    {"foot_us", kSurveyFoot},
+    {"us survey foot", kSurveyFoot},
+    {"us survey feet", kSurveyFoot},
+    {"u.s. survey foot", kSurveyFoot},
+    {"yd", 3 * kFoot},
+    {"yard", 3 * kFoot},
+});
+
+constexpr std::uint32_t kLittleEndianTiff = 0x002A4949;  // "II", 42
+constexpr std::uint64_t kEntrySize = 12;
+constexpr std::uint64_t kInlineSize = 4;
+
+std::uint64_t SizeOfType(std::uint16_t type) {
+    switch (type) {
+        case 2:
+            return 1;
+        case 3:
+            return 2;
+        case 12:
+            return 8;
+        default:
+            return 0;
+    }
+}
+
+/// A folder in GDAL's memory that no other thread uses; gone with all that lies in it.
+class MemoryFolder {
+  public:
+    MemoryFolder() {
+        static std::atomic<unsigned long long> counter{0};
+        path_ = "/vsimem/orvex-dem-keys-" + std::to_string(++counter);
+    }
+    ~MemoryFolder() { VSIRmdirRecursive(path_.c_str()); }
+    MemoryFolder(const MemoryFolder&) = delete;
+    MemoryFolder& operator=(const MemoryFolder&) = delete;
+
+    std::string Name(const char* name) const { return path_ + "/" + name; }
+
+  private:
+    std::string path_;
+};
+
+/// Writes a raster of one pixel with the CRS.
+bool WriteTiff(const std::string& path, const OGRSpatialReference& crs) {
+    GDALDriver* const driver = GetGDALDriverManager()->GetDriverByName("GTiff");
+    if (driver == nullptr) {
+        return false;
+    }
+    CPLStringList options;
+    options.SetNameValue("PROFILE", "GeoTIFF");
+    options.SetNameValue("ENDIANNESS", "LITTLE");
+    const GDALDatasetUniquePtr dataset(driver->Create(path.c_str(), 1, 1, 1, GDT_Byte, options.List()));
+    return dataset != nullptr && dataset->SetSpatialRef(&crs) == CE_None;
+}
+
 constexpr int kFirstWktVersion = 4;
+
+/// Data of the GeoKey directory, doubles and text records.
+struct GeoKeyPayloads {
+    std::string directory;
+    std::string doubles;  ///< may be empty
+    std::string text;     ///< may be empty
+};
+
+/// The GeoTIFF keys that GDAL writes for a CRS, which may state only a part of it; nullopt when it writes
+/// none.
+std::optional<GeoKeyPayloads> EncodeGeoKeys(const OGRSpatialReference& crs) {
+    const MemoryFolder folder;
+    const std::string path = folder.Name("keys.tif");
+    if (!WriteTiff(path, crs)) {
+        return std::nullopt;
+    }
+    vsi_l_offset size = 0;
+    const GByte* const bytes = VSIGetMemFileBuffer(path.c_str(), &size, FALSE);
+    if (bytes == nullptr) {
+        return std::nullopt;
+    }
+    const auto tiff = std::as_bytes(std::span(bytes, static_cast<std::size_t>(size)));
+    auto directory = FindTiffTag(tiff, las::kGeoKeyDirectoryRecordId);
+    if (!directory) {
+        return std::nullopt;
+    }
+    return GeoKeyPayloads{std::move(*directory), FindTiffTag(tiff, las::kGeoDoublesRecordId).value_or(""),
+                          FindTiffTag(tiff, las::kGeoTextRecordId).value_or("")};
+}
 
 /// WKT1 is what LAS 1.4 names; some CRSs exist in WKT2 only.
 std::string WktOf(const OGRSpatialReference& crs) {
@@ -64,6 +185,50 @@ DemCrsRecords WithWkt(const std::string& wkt, int minorVersion, const std::wstri
 }
 
 }  // namespace
+
+std::optional<double> MetresIn(std::string_view unitName) {
+    const std::string name(unitName);
+    const auto* const unit =
+        std::ranges::find_if(kUnits, [&](const UnitName& known) { return EQUAL(known.name, name.c_str()); });
+    return unit == kUnits.end() ? std::nullopt : std::optional(unit->metres);
+}
+
+HeightUnit HeightUnitOf(const OGRSpatialReference& crs) {
+    const char* name = nullptr;
+    if (crs.IsCompound()) {
+        const double metres = crs.GetTargetLinearUnits("VERT_CS", &name);
+        return {metres, name};
+    }
+    if (crs.IsGeographic() || crs.IsGeocentric()) {
+        return {1, "metre"};
+    }
+    const double metres = crs.GetLinearUnits(&name);
+    return {metres, name};
+}
+
+std::optional<std::string> FindTiffTag(std::span<const std::byte> tiff, std::uint16_t tag) {
+    const ByteReader reader(tiff);
+    if (reader.Read<std::uint32_t>(0) != kLittleEndianTiff) {
+        return std::nullopt;
+    }
+    const std::uint64_t directory = reader.Read<std::uint32_t>(4);
+    const std::uint64_t entries = reader.Read<std::uint16_t>(directory);
+    for (std::uint64_t i = 0; i < entries; ++i) {
+        const std::uint64_t entry = directory + 2 + i * kEntrySize;
+        if (!reader.Contains(entry, kEntrySize) || reader.Read<std::uint16_t>(entry) != tag) {
+            continue;
+        }
+        const std::uint64_t length =
+            SizeOfType(reader.Read<std::uint16_t>(entry + 2)) * reader.Read<std::uint32_t>(entry + 4);
+        const std::uint64_t place = length <= kInlineSize ? entry + 8 : reader.Read<std::uint32_t>(entry + 8);
+        if (length == 0 || !reader.Contains(place, length)) {
+            return std::nullopt;
+        }
+        const auto bytes = reader.Bytes(place, length);
+        return std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    }
+    return std::nullopt;
+}
 
 DemCrsRecords MakeCrsRecords(const OGRSpatialReference& crs, int minorVersion, int pointFormat,
                              const std::wstring& demPath) {

@@ -6,12 +6,41 @@
 namespace orvex {
 namespace {
 
+constexpr unsigned kMostStep = 65535;
+
+/// Squared distance of a kept pixel to the nearest other one.
+std::int64_t SquaredSpacing(std::int64_t step, std::int64_t shift) {
+    std::int64_t nearest = step * step;
+    for (std::int64_t row = 1; row * row < nearest; ++row) {
+        const std::int64_t ahead = row * shift % step;
+        const std::int64_t aside = std::min(ahead, step - ahead);
+        nearest = std::min(nearest, aside * aside + row * row);
+    }
+    return nearest;
+}
+
+std::int64_t MostEvenShift(std::int64_t step) {
+    std::int64_t best = 0;
+    std::int64_t spacing = 0;
+    for (std::int64_t shift = 0; shift <= step / 2; ++shift) {
+        const std::int64_t reached = SquaredSpacing(step, shift);
+        if (reached > spacing) {
+            spacing = reached;
+            best = shift;
+        }
+    }
+    return best;
+}
+
 /// The nearest whole number of one that fits into 32 bits.
 std::int32_t Nearest(double steps) {
     return static_cast<std::int32_t>(steps + std::copysign(0.5, steps));
 }
 
 }  // namespace
+
+ThinningLattice::ThinningLattice(unsigned step)
+    : step_(std::clamp(step, 1U, kMostStep)), shift_(MostEvenShift(step_)) {}
 
 DemEncoder::DemEncoder(const std::array<double, 6>& transform, const std::array<AxisScale, 3>& scales,
                        const ThinningLattice& lattice)

@@ -4,18 +4,22 @@
 #include <cmath>
 #include <limits>
 
-#include "crs/GdalRaii.h"
+#include "host/dem/HostGdal.h"
 #include "raster/RasterBands.h"
-#include "raster/RasterFindings.h"
-#include "raster/RasterReader.h"
 #include "support/Files.h"
 #include "support/Format.h"
-#include "support/GdalErrorScope.h"
 #include "support/LDataError.h"
-#include "support/Text.h"
 
 namespace orvex {
 namespace {
+
+/// How many pixels of a side whole blocks take when at most `room` shall: at least one block.
+int WholeBlocks(int side, int block, std::int64_t room) {
+    if (room >= side) {
+        return side;
+    }
+    return static_cast<int>(std::max<std::int64_t>(room / block, 1) * block);
+}
 
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 // No length in any unit and no place in any CRS; programs write the ends of a type's range where they have no
@@ -30,13 +34,57 @@ bool IsInteger(GDALDataType type) {
 
 }  // namespace
 
+RasterWindows::RasterWindows(Size raster, Size block, int mostPixels) : raster_(raster) {
+    const int blockWidth = std::clamp(block.width, 1, raster.width);
+    const int blockHeight = std::clamp(block.height, 1, raster.height);
+    group_.width = std::min(raster.width, WholeBlocks(raster.width, blockWidth, mostPixels / blockHeight));
+    // Several rows of blocks only where a row leaves room.
+    group_.height =
+        group_.width < raster.width
+            ? blockHeight
+            : std::min(raster.height, WholeBlocks(raster.height, blockHeight, mostPixels / group_.width));
+    part_.width = std::min(group_.width, mostPixels);
+    part_.height = std::clamp(mostPixels / part_.width, 1, group_.height);
+}
+
+std::optional<RasterWindow> RasterWindows::Next() {
+    if (groupY_ >= raster_.height) {
+        return std::nullopt;
+    }
+    const int groupWidth = std::min(group_.width, raster_.width - groupX_);
+    const int groupHeight = std::min(group_.height, raster_.height - groupY_);
+    RasterWindow window{groupX_ + x_, groupY_ + y_, std::min(part_.width, groupWidth - x_),
+                        std::min(part_.height, groupHeight - y_), false};
+    x_ += window.width;
+    if (x_ < groupWidth) {
+        return window;
+    }
+    x_ = 0;
+    y_ += window.height;
+    if (y_ < groupHeight) {
+        return window;
+    }
+    y_ = 0;
+    window.endsBlocks = true;
+    groupX_ += groupWidth;
+    if (groupX_ >= raster_.width) {
+        groupX_ = 0;
+        groupY_ += groupHeight;
+    }
+    return window;
+}
+
 DemRaster::DemRaster(const std::wstring& path) : path_(path) {
     if (KindOf(path) == FileKind::Missing) {
         throw LDataError(FormatText(Text(41395_lsid), {path}));
     }
     const GdalErrorScope errors;
     const NoNetwork noNetwork;
-    Open();
+    std::wstring cause;
+    dataset_ = OpenRasterFile(path, cause);
+    if (!dataset_) {
+        Fail(41380_lsid, cause);
+    }
     if (dataset_->GetRasterCount() == 0) {
         Fail(41382_lsid, {});
     }
@@ -49,15 +97,6 @@ DemRaster::DemRaster(const std::wstring& path) : path_(path) {
     FindNoData();
     factor_ = band_->GetScale();
     term_ = band_->GetOffset();
-}
-
-void DemRaster::Open() {
-    const GdalErrorScope errors;
-    try {
-        dataset_.reset(GDALDataset::FromHandle(OpenRaster(path_, errors).release()));
-    } catch (const LDataError& error) {
-        Fail(41380_lsid, error.Text());
-    }
 }
 
 // A block is decoded as a whole, however little of it is asked for.
@@ -140,7 +179,7 @@ bool DemRaster::Read(const RasterWindow& window, std::vector<double>& heights) {
     heights.resize(window.Pixels());
     if (band_->RasterIO(GF_Read, window.x, window.y, window.width, window.height, heights.data(),
                         window.width, window.height, GDT_Float64, 0, 0, nullptr) != CE_None) {
-        Fail(41381_lsid, PlainReason(errors.Messages()));
+        Fail(41381_lsid, FailureReason(errors));
     }
     if ((coverage & GDAL_DATA_COVERAGE_STATUS_EMPTY) != 0) {
         DropAbsent(window, heights);
@@ -206,7 +245,7 @@ void DemRaster::DropMasked(const RasterWindow& window, std::vector<double>& heig
     mask_.resize(heights.size());
     if (band->RasterIO(GF_Read, window.x, window.y, window.width, window.height, mask_.data(), window.width,
                        window.height, GDT_Byte, 0, 0, nullptr) != CE_None) {
-        Fail(41381_lsid, PlainReason(errors.Messages()));
+        Fail(41381_lsid, FailureReason(errors));
     }
     for (std::size_t i = 0; i < heights.size(); ++i) {
         heights[i] = mask_[i] == 0 ? kNone : heights[i];

@@ -6,6 +6,21 @@
 namespace orvex {
 namespace {
 
+double PowerOfTen(int exponent) {
+    // Dividing gives the double that is nearest to the decimal number; a negative power may not.
+    return exponent < 0 ? 1 / std::pow(10, -exponent) : std::pow(10, exponent);
+}
+
+/// The power of ten that a positive number reaches: 0 for 1 to 9.99.
+int TenthPower(double number) {
+    return static_cast<int>(std::floor(std::log10(number)));
+}
+
+// What rounding of coordinates and offset may add.
+constexpr double kMargin = 16;
+// Below so many steps the offset need not be any rounder.
+constexpr int kOffsetDigits = 3;
+
 constexpr int kThousandths = -3;
 constexpr int kFinestDegrees = -8;
 // Finer than what distinguishes places, whatever the unit.
@@ -43,6 +58,22 @@ Extent CentreExtent(double origin, double across, double down, RasterWindows::Si
 }
 
 }  // namespace
+
+AxisScale FitAxis(double low, double high, int exponent) {
+    const double span = high - low;
+    const double middle = low + span / 2;
+    while (true) {
+        const int round = std::max(exponent + kOffsetDigits, span > 0 ? TenthPower(span) : exponent);
+        const double unit = PowerOfTen(round);
+        // Adding zero turns a negative zero into a plain one.
+        const AxisScale axis{PowerOfTen(exponent), std::round(middle / unit) * unit + 0.0};
+        const double reach = std::max(high - axis.offset, axis.offset - low);
+        if (reach <= (kMostAxisSteps - kMargin) * axis.scale) {
+            return axis;
+        }
+        ++exponent;
+    }
+}
 
 std::array<AxisScale, 2> GroundScales(const DemRaster& raster) {
     const auto& t = raster.Transform();

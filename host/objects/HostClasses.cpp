@@ -6,6 +6,7 @@
 
 #include "crs/GdalSetup.h"
 #include "raster/RasterReader.h"
+#include "settings/OptionStore.h"
 #include "settings/ValueFile.h"
 #include "support/Environment.h"
 #include "support/LDataError.h"
@@ -154,10 +155,15 @@ std::filesystem::path DefaultSettingsFile() {
     return folder.empty() ? folder : folder / "host.sqlite";
 }
 
-HostClasses::HostClasses(HostState state)
-    : settings_(kSystemSettingsClass, SettingsIn(state.settingsFile)),
+std::int32_t LastAddFilesTab() {
+    const std::unique_ptr<RegistryStore> registry = MakeRegistryStore();
+    return OptionStore(*registry).Get(opt2AddFilesCurTabIndex, std::int32_t{0});
+}
+
+HostClasses::HostClasses(HostData data)
+    : settings_(kSystemSettingsClass, SettingsIn(data.settingsFile)),
       application_(kApplicationClass,
-                   [folder = std::move(state.projectFolder), options = std::move(state.options)] {
+                   [folder = std::move(data.projectFolder), options = std::move(data.options)] {
                        return std::make_unique<HostApplication>(folder, options);
                    }),
       rasterInformation_(kRasterInformationClass, [] { return std::make_unique<HostRasterInformation>(); }) {}

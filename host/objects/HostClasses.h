@@ -4,6 +4,7 @@
 #include <map>
 
 #include "orvexcommon/HostInterfaces.h"
+#include "settings/RegistryKey.h"  // PrivateSettings, for programs that are this host
 
 namespace orvex::host {
 
@@ -15,7 +16,7 @@ using OptionItems = std::map<std::int32_t, SettingValue>;
 inline constexpr std::int32_t kAcceptKmlOption = 1019;
 
 /// Data behind the host's objects.
-struct HostState {
+struct HostData {
     std::filesystem::path settingsFile;  ///< created by the first write; see DefaultSettingsFile
     ProjectFolderProvider projectFolder;
     OptionItems options{{kAcceptKmlOption, std::int16_t{-1}}};
@@ -24,11 +25,14 @@ struct HostState {
 /// "host.sqlite" in the folder of the user's settings.
 std::filesystem::path DefaultSettingsFile();
 
+/// The tab that the Add Files dialog showed last, which it keeps among its options.
+std::int32_t LastAddFilesTab();
+
 /// Registers the settings, application and raster-information objects of this host with the object library,
 /// until destroyed. On Windows, destroy it on the thread that made it.
 class HostClasses {
   public:
-    explicit HostClasses(HostState state);
+    explicit HostClasses(HostData data);
     HostClasses(const HostClasses&) = delete;
     HostClasses& operator=(const HostClasses&) = delete;
 

@@ -200,6 +200,26 @@ std::vector<Violation> CheckKindsAreApart(const Tree& tree) {
     return violations;
 }
 
+std::vector<Violation> CheckHostSeesPublicHeadersOnly(const Tree& tree) {
+    constexpr std::array hidden = {"crs", "dialog", "entry", "settings"};
+    constexpr std::array inspecting = {"host/dem/", "host/inspect/", "host/objects/"};
+    std::vector<Violation> violations;
+    for (const auto& [file, source] : tree.sources) {
+        const bool mayInspect = StartsWithAny(file, inspecting);
+        for (const Include& include : source.includes) {
+            const std::string_view folder = TopFolderOf(include.name);
+            const bool isHidden = IsKind(folder) || std::ranges::find(hidden, folder) != hidden.end();
+            const bool mayInclude = mayInspect && folder != "dialog" && folder != "entry" &&
+                                    (folder != "settings" || file.starts_with("host/objects/"));
+            if (file.starts_with("host/") && include.quoted && isHidden && !mayInclude) {
+                violations.push_back(
+                    {file, include.line, "the host includes what is not public: " + include.name});
+            }
+        }
+    }
+    return violations;
+}
+
 std::vector<Violation> CheckWindowsStaysInSeams(const Tree& tree) {
     const auto isExempt = [](const std::string& file) { return IsSeam(file) || IsTest(file); };
     std::vector<Violation> violations = CheckLines(tree, isExempt, [](const std::string& line) {
@@ -296,8 +316,9 @@ std::vector<Violation> CheckFileNames(const Tree& tree) {
 
 std::vector<Violation> CheckAll(const Tree& tree) {
     std::vector<Violation> violations;
-    for (const auto check : {CheckCoreIsWithoutQt, CheckKindsAreApart, CheckWindowsStaysInSeams,
-                             CheckNoQSettings, CheckTextsGoThroughText, CheckIncludeCase, CheckFileNames}) {
+    for (const auto check :
+         {CheckCoreIsWithoutQt, CheckKindsAreApart, CheckHostSeesPublicHeadersOnly, CheckWindowsStaysInSeams,
+          CheckNoQSettings, CheckTextsGoThroughText, CheckIncludeCase, CheckFileNames}) {
         std::ranges::move(check(tree), std::back_inserter(violations));
     }
     std::ranges::sort(violations, [](const Violation& a, const Violation& b) {

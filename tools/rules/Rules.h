@@ -18,6 +18,9 @@ struct Violation {
 std::vector<Violation> CheckCoreIsWithoutQt(const Tree& tree);
 /// No kind of data includes another; what two of them need is in crs/, support/ or dialog/.
 std::vector<Violation> CheckKindsAreApart(const Tree& tree);
+/// The host includes of the component the public headers and support/ only. Its parts that are built from the
+/// component's inspection on purpose (dem/, inspect/, objects/) may include what that takes.
+std::vector<Violation> CheckHostSeesPublicHeadersOnly(const Tree& tree);
 /// Windows conditions and headers stay in the seams' folders.
 std::vector<Violation> CheckWindowsStaysInSeams(const Tree& tree);
 /// Option items keep their types, which QSettings cannot write.

@@ -4,7 +4,6 @@
 
 #include <cmath>
 
-#include "host/app/LidarCheck.h"
 #include "host/app/ProjectFile.h"
 #include "host/app/RecordFiles.h"
 #include "host/app/tests/FakeLasFileInfo.h"
@@ -214,7 +213,7 @@ TEST(Project, TakesRastersIntoLayersOfTheirOwnKind) {
     ASSERT_EQ(files.size(), 3U);
     EXPECT_EQ(files[1].path, NativePath(L"/a/2.tif")) << "the order of the record";
     EXPECT_EQ(files[2].path, NativePath(L"/a/1.tif"));
-    EXPECT_EQ(files[1].raster, (RasterFacts{40, 30, 3, L"PNG", std::nullopt, {{1, 2, 3, 4, 5, 6}}}));
+    EXPECT_EQ(files[1].raster, (RasterInfo{40, 30, 3, L"PNG", std::nullopt, {{1, 2, 3, 4, 5, 6}}}));
     EXPECT_EQ(project.layers[2].kind, LayerKind::Raster);
     EXPECT_EQ(project.layers[2].wkt, kDegrees);
     EXPECT_EQ(project.LayersForDialog(LayerKind::Raster).size(), 2U);

@@ -2,14 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include "crs/GdalSetup.h"
+#include "host/dem/HostGdal.h"
 #include "support/Text.h"
 
 namespace orvex::testing {
 
 TestRaster::TestRaster(int width, int height, GDALDataType type, const std::vector<double>& values,
                        int bands) {
-    EnsureGdal();
+    SetUpGdal();
     dataset_.reset(
         GetGDALDriverManager()->GetDriverByName("MEM")->Create("", width, height, bands, type, nullptr));
     for (int band = 1; band <= bands; ++band) {

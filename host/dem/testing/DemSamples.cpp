@@ -4,7 +4,7 @@
 #include <cpl_string.h>
 #include <gdal_priv.h>
 
-#include "crs/GdalSetup.h"
+#include "host/dem/HostGdal.h"
 #include "support/SpatialReference.h"
 #include "support/Text.h"
 
@@ -80,7 +80,7 @@ std::string WktOfRaster(const std::wstring& path) {
 }
 
 bool WriteDem(const std::wstring& path, const DemSample& sample) {
-    if (!EnsureGdal()) {
+    if (!SetUpGdal()) {
         return false;
     }
     CPLStringList options;

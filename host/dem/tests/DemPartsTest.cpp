@@ -5,11 +5,11 @@
 #include <cmath>
 #include <vector>
 
-#include "host/dem/AxisScale.h"
-#include "host/dem/LasHeaderWriter.h"
-#include "host/dem/RasterWindows.h"
-#include "host/dem/ThinningLattice.h"
-#include "host/dem/TiffTags.h"
+#include "host/dem/DemScales.h"
+#include "host/dem/LasWriter.h"
+#include "host/dem/DemRaster.h"
+#include "host/dem/DemEncoder.h"
+#include "host/dem/DemCrs.h"
 #include "support/testing/Bytes.h"
 
 namespace orvex {

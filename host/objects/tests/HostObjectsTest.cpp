@@ -18,7 +18,7 @@ namespace {
 
 class HostObjectsTest : public ::testing::Test {
   protected:
-    HostState State() const {
+    HostData State() const {
         return {folder_.Path() / "host.sqlite", [this] { return projectFolder_; }};
     }
     std::unique_ptr<OrvexSystemSettings> Settings() {

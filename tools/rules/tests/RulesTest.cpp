@@ -77,6 +77,23 @@ TEST(Rules, AKindThatIncludesAnotherIsFound) {
                     "photo/page/AddPhotoFilesPP.cpp:2: a kind of data includes another: las/LasCrs.h"));
 }
 
+TEST(Rules, AHostThatIncludesWhatIsNotPublicIsFound) {
+    EXPECT_THAT(
+        Findings({
+            {L"host/app/Window.cpp",
+             "#include \"orvexcommon/Exports.h\"\n#include \"support/Text.h\"\n#include \"raster/Bands.h\"\n"
+             "#include \"settings/Store.h\"\n"},
+            {L"host/dem/Dem.cpp", "#include \"raster/Bands.h\"\n#include \"dialog/Units.h\"\n"},
+            {L"host/inspect/Report.cpp", "#include \"las/LasFile.h\"\n#include \"settings/Store.h\"\n"},
+            {L"host/objects/Objects.cpp", "#include \"settings/Store.h\"\n#include \"entry/Module.h\"\n"},
+        }),
+        ElementsAre("host/app/Window.cpp:3: the host includes what is not public: raster/Bands.h",
+                    "host/app/Window.cpp:4: the host includes what is not public: settings/Store.h",
+                    "host/dem/Dem.cpp:2: the host includes what is not public: dialog/Units.h",
+                    "host/inspect/Report.cpp:2: the host includes what is not public: settings/Store.h",
+                    "host/objects/Objects.cpp:2: the host includes what is not public: entry/Module.h"));
+}
+
 TEST(Rules, WindowsOutsideTheSeamsIsFound) {
     EXPECT_THAT(Findings({
                     {L"dialog/Pages.cpp", "/* a\n comment */\n#ifdef _WIN32\n#include <Windows.h>\n#endif\n"},

@@ -1,0 +1,359 @@
+#include "host/app/MapView.h"
+
+#include <QHelpEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QToolTip>
+#include <QWheelEvent>
+#include <algorithm>
+#include <cmath>
+
+#include "host/app/HostText.h"
+#include "host/app/MapItems.h"
+
+namespace orvex {
+
+namespace {
+
+constexpr double kMargin = 40;
+constexpr double kHitSlack = 3;  ///< pixels beside a footprint that still hit it
+constexpr double kZoomPerNotch = 1.25;
+constexpr double kPanPerKey = 60;
+constexpr double kSmallestScale = 1e-9;  ///< pixels per unit
+constexpr double kLargestScale = 1e7;
+/// Units across the view for a place without extent.
+constexpr double kWidthAroundPoint = 100;
+
+}  // namespace
+
+MapView::MapView(const Project& project, QWidget* parent) : QGraphicsView(parent), project_(project) {
+    setObjectName("footprints");
+    setAccessibleName(HostText(40870_lsid));
+    setFrameShape(NoFrame);
+    setMinimumSize(200, 150);
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setTransformationAnchor(NoAnchor);
+    setResizeAnchor(NoAnchor);
+    // The size of small items in the scene changes with the scale, which an index does not follow.
+    scene_.setItemIndexMethod(QGraphicsScene::NoIndex);
+    setScene(&scene_);
+    LookAt({}, 1);
+    connect(&thumbnails_, &Thumbnails::Changed, this, &MapView::UpdateThumbnails);
+}
+
+void MapView::ShowCrs(const std::string& wkt) {
+    wkt_ = wkt;
+    Reload();
+    FitAll();
+}
+
+void MapView::Reload() {
+    hovered_ = nullptr;
+    footprints_.clear();
+    thumbnailItems_.clear();
+    scene_.clear();
+    std::vector<std::wstring> rasters;
+    for (std::size_t layer = 0; layer < project_.layers.size(); ++layer) {
+        if (groups_.Of(project_.layers[layer].wkt) == groups_.Of(wkt_)) {
+            AddLayer(layer);
+        }
+    }
+    if (!footprints_.empty()) {
+        scene_.addItem(new GridItem);
+    }
+    for (const FootprintItem* item : footprints_) {
+        if (project_.layers[item->Layer()].kind == LayerKind::Raster) {
+            rasters.push_back(FileOf(*item).path);
+        }
+    }
+    for (FootprintItem* item : footprints_) {
+        item->SetLight(!rasters.empty());
+    }
+    thumbnails_.Request(rasters);
+    UpdateThumbnails();
+    viewport()->update();
+}
+
+void MapView::AddLayer(std::size_t layer) {
+    const auto& [name, wkt, files, kind] = project_.layers[layer];
+    for (std::size_t file = 0; file < files.size(); ++file) {
+        const QPolygonF corners = FootprintOf(kind, files[file]);
+        if (!corners.isEmpty()) {
+            footprints_.push_back(new FootprintItem(*this, layer, file, kind, corners));
+            scene_.addItem(footprints_.back());
+        }
+    }
+}
+
+void MapView::UpdateThumbnails() {
+    qDeleteAll(thumbnailItems_);
+    thumbnailItems_.clear();
+    for (FootprintItem* item : footprints_) {
+        const Thumbnail* thumbnail = thumbnails_.Find(FileOf(*item).path);
+        const bool isThere = thumbnail != nullptr && !thumbnail->image.isNull();
+        if (isThere) {
+            thumbnailItems_.push_back(new ThumbnailItem(thumbnail->image, FileOf(*item).raster));
+            scene_.addItem(thumbnailItems_.back());
+        }
+        item->SetHasThumbnail(isThere);
+    }
+}
+
+void MapView::FitAll() {
+    Fit(ExtentOf([](const FootprintItem&) { return true; }), kMargin);
+    fitWhenSized_ = true;
+}
+
+void MapView::FitSelected() {
+    if (scene_.selectedItems().empty()) {
+        FitAll();
+        return;
+    }
+    Fit(ExtentOf([](const FootprintItem& item) { return item.isSelected(); }), 2 * kMargin);
+    fitWhenSized_ = false;
+}
+
+QRectF MapView::ExtentOf(const std::function<bool(const FootprintItem&)>& isMeant) const {
+    QPolygonF corners;  // of rectangles, those without size would not count
+    for (const FootprintItem* item : footprints_) {
+        corners += isMeant(*item) ? item->Corners() : QPolygonF();
+    }
+    return corners.boundingRect();
+}
+
+void MapView::Fit(const QRectF& world, double margin) {
+    const double width = std::max(1.0, viewport()->width() - 2 * margin);
+    const double height = std::max(1.0, viewport()->height() - 2 * margin);
+    const double byWidth = world.width() > 0 ? width / world.width() : kLargestScale;
+    const double byHeight = world.height() > 0 ? height / world.height() : kLargestScale;
+    const bool isPoint = world.width() <= 0 && world.height() <= 0;
+    LookAt(world.center(), isPoint ? width / kWidthAroundPoint : std::min(byWidth, byHeight));
+}
+
+void MapView::LookAt(const QPointF& world, double pixelsPerUnit) {
+    centre_ = world;
+    const double scale = std::clamp(pixelsPerUnit, kSmallestScale, kLargestScale);
+    setTransform(QTransform::fromScale(scale, -scale));
+    // A scene rectangle that is smaller than the view is put at its middle. Scroll bars, which count pixels
+    // in 32 bits, would not reach every place at every scale.
+    constexpr double kTiny = 1e-300;
+    setSceneRect(QRectF(centre_, QSizeF(kTiny, kTiny)));
+}
+
+void MapView::ZoomAbout(const QPointF& pixel, double factor) {
+    const QPointF before = ToWorld(pixel);
+    LookAt(centre_, PixelsPerUnit() * factor);
+    LookAt(centre_ + before - ToWorld(pixel), PixelsPerUnit());
+    fitWhenSized_ = false;
+}
+
+void MapView::Pan(const QPointF& pixels) {
+    LookAt(centre_ - QPointF(pixels.x(), -pixels.y()) / PixelsPerUnit(), PixelsPerUnit());
+    fitWhenSized_ = false;
+}
+
+void MapView::SetSelected(const std::set<std::pair<std::size_t, std::size_t>>& files) {
+    for (FootprintItem* item : footprints_) {
+        item->setSelected(files.contains({item->Layer(), item->File()}));
+    }
+}
+
+void MapView::drawForeground(QPainter* painter, const QRectF&) {
+    painter->save();
+    painter->resetTransform();
+    const QRect area = viewport()->rect();
+    if (footprints_.empty()) {
+        painter->setPen(palette().color(QPalette::Disabled, QPalette::Text));
+        painter->drawText(area.adjusted(20, 20, -20, -20), Qt::AlignCenter | Qt::TextWordWrap,
+                          HostText(project_.IsEmpty() ? 40871_lsid : 40872_lsid));
+    } else {
+        DrawNames(*painter);
+        GridItem::DrawLabels(*painter, *this);
+    }
+    if (hasFocus()) {
+        painter->setPen(palette().color(QPalette::Highlight));
+        painter->drawRect(area.adjusted(0, 0, -1, -1));
+    }
+    painter->restore();
+}
+
+/// The name of each file inside its footprint, where there is room for it and no name yet.
+void MapView::DrawNames(QPainter& painter) const {
+    const QFontMetrics metrics(font());
+    std::vector<QRectF> taken;
+    for (const FootprintItem* item : footprints_) {
+        const QRectF pixels = item->Pixels();
+        if (!pixels.intersects(viewport()->rect()) || pixels.height() < 2 * metrics.height() ||
+            pixels.width() < 8 * metrics.averageCharWidth()) {
+            continue;
+        }
+        const QString name = ToQString(FileNameOf(FileOf(*item).path));
+        const QString text = metrics.elidedText(name, Qt::ElideMiddle, static_cast<int>(pixels.width()) - 8);
+        QRectF place(QPointF(), QSizeF(metrics.horizontalAdvance(text), metrics.height()));
+        place.moveCenter(pixels.center());
+        if (std::ranges::none_of(taken, [&](const QRectF& other) { return other.intersects(place); })) {
+            taken.push_back(place);
+            DrawLabel(painter, *viewport(), place, palette().color(QPalette::Text), text);
+        }
+    }
+}
+
+void MapView::resizeEvent(QResizeEvent* event) {
+    QGraphicsView::resizeEvent(event);
+    if (fitWhenSized_) {
+        FitAll();
+    }
+}
+
+void MapView::wheelEvent(QWheelEvent* event) {
+    const double notches = event->angleDelta().y() / 120.0;
+    if (notches != 0 && !footprints_.empty()) {
+        ZoomAbout(event->position(), std::pow(kZoomPerNotch, notches));
+    }
+    event->accept();
+}
+
+void MapView::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton || event->button() == Qt::MiddleButton) {
+        pressed_ = last_ = event->position();
+        isDragging_ = false;
+    }
+}
+
+void MapView::mouseMoveEvent(QMouseEvent* event) {
+    if ((event->buttons() & (Qt::LeftButton | Qt::MiddleButton)) == 0) {
+        Hover(event->position());
+        return;
+    }
+    if ((event->position() - pressed_).manhattanLength() > 4) {
+        isDragging_ = true;
+        viewport()->setCursor(Qt::ClosedHandCursor);
+    }
+    if (isDragging_) {
+        Pan(event->position() - last_);
+    }
+    last_ = event->position();
+}
+
+void MapView::Hover(const QPointF& pixel) {
+    SetHovered(FootprintAt(pixel));
+    const QPointF world = ToWorld(pixel);
+    const int decimals = GridDecimals(1 / PixelsPerUnit());
+    const QString position =
+        QString("%1  %2").arg(world.x(), 0, 'f', decimals).arg(world.y(), 0, 'f', decimals);
+    emit Hovered(hovered_ == nullptr ? position : position + "   " + Describe(*hovered_).section('\n', 0, 0));
+}
+
+void MapView::SetHovered(FootprintItem* item) {
+    if (item == hovered_) {
+        return;
+    }
+    if (hovered_ != nullptr) {
+        hovered_->SetHovered(false);
+    }
+    hovered_ = item;
+    if (hovered_ != nullptr) {
+        hovered_->SetHovered(true);
+    }
+}
+
+void MapView::mouseReleaseEvent(QMouseEvent* event) {
+    viewport()->unsetCursor();
+    if (isDragging_ || event->button() != Qt::LeftButton) {
+        return;
+    }
+    if (const FootprintItem* item = FootprintAt(event->position())) {
+        emit FileClicked(item->Layer(), item->File());
+    }
+}
+
+void MapView::keyPressEvent(QKeyEvent* event) {
+    const QPointF middle = QRectF(viewport()->rect()).center();
+    switch (event->key()) {
+        case Qt::Key_Plus:
+            return ZoomAbout(middle, kZoomPerNotch);
+        case Qt::Key_Minus:
+            return ZoomAbout(middle, 1 / kZoomPerNotch);
+        case Qt::Key_Left:
+            return Pan({kPanPerKey, 0});
+        case Qt::Key_Right:
+            return Pan({-kPanPerKey, 0});
+        case Qt::Key_Up:
+            return Pan({0, kPanPerKey});
+        case Qt::Key_Down:
+            return Pan({0, -kPanPerKey});
+        default:
+            QWidget::keyPressEvent(event);  // not the scrolling of the classes between
+    }
+}
+
+void MapView::focusInEvent(QFocusEvent* event) {
+    QGraphicsView::focusInEvent(event);
+    viewport()->update();
+}
+
+void MapView::focusOutEvent(QFocusEvent* event) {
+    QGraphicsView::focusOutEvent(event);
+    viewport()->update();
+}
+
+bool MapView::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::Leave) {
+        SetHovered(nullptr);
+        emit Hovered({});
+    }
+    if (event->type() != QEvent::ToolTip) {
+        return QGraphicsView::viewportEvent(event);
+    }
+    const auto* help = static_cast<QHelpEvent*>(event);
+    if (const FootprintItem* item = FootprintAt(help->pos())) {
+        QToolTip::showText(help->globalPos(), Describe(*item), this);
+    } else {
+        QToolTip::hideText();
+    }
+    return true;
+}
+
+QPointF MapView::ToWorld(const QPointF& pixel) const {
+    // Exact; the view itself is at whole pixels.
+    const QPointF fromCentre = pixel - QRectF(viewport()->rect()).center();
+    return centre_ + QPointF(fromCentre.x(), -fromCentre.y()) / PixelsPerUnit();
+}
+
+/// The smallest footprint at a pixel; of equals the one drawn last.
+FootprintItem* MapView::FootprintAt(const QPointF& pixel) const {
+    const QPointF world = ToWorld(pixel);
+    const auto areaOf = [](const FootprintItem& item) {
+        return item.Extent().width() * item.Extent().height();
+    };
+    FootprintItem* best = nullptr;
+    for (FootprintItem* item : footprints_) {
+        if (item->Contains(world, kHitSlack / PixelsPerUnit()) &&
+            (best == nullptr || areaOf(*item) <= areaOf(*best))) {
+            best = item;
+        }
+    }
+    return best;
+}
+
+const LayerFile& MapView::FileOf(const FootprintItem& item) const {
+    return project_.layers[item.Layer()].files[item.File()];
+}
+
+QString MapView::Describe(const FootprintItem& item) const {
+    const Layer& layer = project_.layers[item.Layer()];
+    const LayerFile& file = FileOf(item);
+    const QString name = ToQString(file.path) + '\n' + ToQString(layer.name) + '\n';
+    if (layer.kind == LayerKind::Las) {
+        return name + HostText(40873_lsid, {ToWide(GroupedNumber(file.points))});
+    }
+    const Thumbnail* thumbnail = thumbnails_.Find(file.path);
+    const QString problem = thumbnail == nullptr ? QString() : thumbnail->problem;
+    const QString size = HostText(41427_lsid, {file.raster.width, file.raster.height, file.raster.bands});
+    return name + size + (problem.isEmpty() ? QString() : '\n' + problem);
+}
+
+}  // namespace orvex

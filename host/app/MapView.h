@@ -1,0 +1,90 @@
+#pragma once
+#include <QGraphicsScene>
+#include <QGraphicsView>
+#include <functional>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include "host/app/Project.h"
+#include "host/app/Thumbnails.h"
+
+namespace orvex {
+
+class FootprintItem;
+
+/// The map: footprints of the files of one coordinate system, and thumbnails of the rasters among them. The
+/// wheel zooms about the cursor, dragging pans, a click selects, hovering names the file.
+class MapView final : public QGraphicsView {
+    Q_OBJECT
+
+  public:
+    /// `project` must outlive the view.
+    explicit MapView(const Project& project, QWidget* parent = nullptr);
+
+    /// Shows the layers whose CRS is that of `wkt` and fits them in.
+    void ShowCrs(const std::string& wkt);
+    /// Takes what is shown from the project again; nothing is selected then.
+    void Reload();
+    void FitAll();
+    /// Fits the selected files; all when none is.
+    void FitSelected();
+    /// Highlights files (layer and place in it) without emitting a signal.
+    void SetSelected(const std::set<std::pair<std::size_t, std::size_t>>& files);
+
+    /// True while thumbnails are being read.
+    bool IsLoading() const { return thumbnails_.IsLoading(); }
+
+    QSize sizeHint() const override { return {640, 480}; }
+
+  signals:
+    /// The user clicked a file.
+    void FileClicked(std::size_t layer, std::size_t file);
+    /// What lies under the cursor, as one line; empty when the cursor has left.
+    void Hovered(const QString& text);
+
+  protected:
+    void drawForeground(QPainter* painter, const QRectF& exposed) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+
+  private:
+    void AddLayer(std::size_t layer);
+    void UpdateThumbnails();
+    QRectF ExtentOf(const std::function<bool(const FootprintItem&)>& isMeant) const;
+    void LookAt(const QPointF& world, double pixelsPerUnit);
+    void Fit(const QRectF& world, double margin);
+    void ZoomAbout(const QPointF& pixel, double factor);
+    void Pan(const QPointF& pixels);
+    void Hover(const QPointF& pixel);
+    void SetHovered(FootprintItem* item);
+    void DrawNames(QPainter& painter) const;
+    double PixelsPerUnit() const { return transform().m11(); }
+    QPointF ToWorld(const QPointF& pixel) const;
+    FootprintItem* FootprintAt(const QPointF& pixel) const;
+    const LayerFile& FileOf(const FootprintItem& item) const;
+    QString Describe(const FootprintItem& item) const;
+
+    const Project& project_;
+    std::string wkt_;
+    CrsGroups groups_;
+    Thumbnails thumbnails_;
+    QGraphicsScene scene_;
+    std::vector<FootprintItem*> footprints_;  ///< owned by the scene, as the next
+    std::vector<QGraphicsItem*> thumbnailItems_;
+    FootprintItem* hovered_ = nullptr;
+    QPointF centre_;            ///< scene coordinates at the middle of the view
+    bool fitWhenSized_ = true;  ///< until the user zooms or pans, a new size fits again
+    QPointF pressed_;
+    QPointF last_;
+    bool isDragging_ = false;
+};
+
+}  // namespace orvex

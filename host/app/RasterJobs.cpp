@@ -1,0 +1,251 @@
+#include "host/app/RasterJobs.h"
+
+#include <algorithm>
+#include <random>
+
+#include "host/dem/HostGdal.h"
+#include "support/Files.h"
+#include "support/Format.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
+
+namespace orvex {
+
+namespace {
+
+constexpr std::uint64_t kStepsPerRaster = 1000;
+constexpr int kCoarsest = 256;  ///< pixels on the longer side of the coarsest overview
+
+/// The progress of one file as its part of all.
+class PartProgress final : public Kst::ProgressIf {
+  public:
+    PartProgress(Kst::ProgressIf& whole, std::size_t index)
+        : whole_(whole), before_(kStepsPerRaster * index) {
+        whole_.SetPosition(before_);
+    }
+
+    void SetRange(std::uint64_t total) override { total_ = total; }
+    void SetText(const std::wstring&) override {}  // which file it is says more
+    void SetPosition(std::uint64_t done) override {
+        SetShare(total_ == 0 ? 0 : static_cast<double>(done) / static_cast<double>(total_));
+    }
+    void SetShare(double share) {
+        const double steps = std::clamp(share, 0.0, 1.0) * static_cast<double>(kStepsPerRaster);
+        whole_.SetPosition(before_ + static_cast<std::uint64_t>(steps));
+    }
+    bool IsCancelled() override { return wasCancelled_ = wasCancelled_ || whole_.IsCancelled(); }
+    /// True if IsCancelled has said so.
+    bool WasCancelled() const { return wasCancelled_; }
+
+  private:
+    Kst::ProgressIf& whole_;
+    std::uint64_t before_;
+    std::uint64_t total_ = 0;
+    bool wasCancelled_ = false;
+};
+
+int CPL_STDCALL Report(double share, const char*, void* data) {
+    PartProgress& progress = *static_cast<PartProgress*>(data);
+    progress.SetShare(share);
+    return progress.IsCancelled() ? FALSE : TRUE;
+}
+
+int LongestSide(GDALDataset& raster) {
+    return std::max(raster.GetRasterXSize(), raster.GetRasterYSize());
+}
+
+/// 2, 4, 8 ... until the longer side has kCoarsest pixels or less.
+std::vector<int> LevelsFor(GDALDataset& raster) {
+    std::vector<int> levels = {2};
+    while (LongestSide(raster) / levels.back() > kCoarsest) {
+        levels.push_back(2 * levels.back());
+    }
+    return levels;
+}
+
+/// A file that is removed at the end, unless it has been renamed until then.
+class Scratch {
+  public:
+    explicit Scratch(std::wstring path) : path_(std::move(path)) {}
+    ~Scratch() { RemoveFile(path_); }
+    Scratch(const Scratch&) = delete;
+    Scratch& operator=(const Scratch&) = delete;
+
+    const std::wstring& Path() const { return path_; }
+
+  private:
+    std::wstring path_;
+};
+
+/// A name beside the raster that no other file has; the file of levels is made under it and "ovr".
+std::wstring TemporaryName(const std::wstring& path) {
+    std::random_device random;
+    return FolderOf(path) + L"/.orvex-" + std::to_wstring(random()) + L".vrt";
+}
+
+[[noreturn]] void Fail(const std::wstring& reason) {
+    throw LDataError(reason.empty() ? Text(41425_lsid) : reason);
+}
+
+GDALDatasetUniquePtr MakeStandIn(GDALDataset& raster, const std::wstring& path) {
+    const GdalErrorScope errors;
+    auto* driver = GetGDALDriverManager()->GetDriverByName("VRT");
+    GDALDatasetUniquePtr dataset(driver == nullptr ? nullptr
+                                                   : driver->CreateCopy(ToUtf8(path).c_str(), &raster, FALSE,
+                                                                        nullptr, nullptr, nullptr));
+    if (dataset == nullptr) {
+        Fail(FailureReason(errors));
+    }
+    // The overviews do not tell the place, and of some coordinate systems writing it into the stand-in fails.
+    dataset->SetSpatialRef(nullptr);
+    dataset->SetGCPs(0, nullptr, static_cast<const OGRSpatialReference*>(nullptr));
+    return dataset;
+}
+
+/// Builds the levels of a stand-in for the raster, so that they get a name of their own until they are
+/// complete. False when the user stopped it.
+bool BuildLevels(GDALDataset& raster, const std::wstring& standIn, PartProgress& progress) {
+    GDALDatasetUniquePtr dataset = MakeStandIn(raster, standIn);
+    const GdalErrorScope errors;
+    const bool hasPalette = raster.GetRasterBand(1)->GetColorTable() != nullptr;
+    const CPLConfigOptionSetter compress("COMPRESS_OVERVIEW", "DEFLATE", false);
+    const CPLConfigOptionSetter big("BIGTIFF_OVERVIEW", "IF_SAFER", false);
+    std::vector<int> levels = LevelsFor(raster);
+    const CPLErr result =
+        dataset->BuildOverviews(hasPalette ? "NEAREST" : "AVERAGE", static_cast<int>(levels.size()),
+                                levels.data(), 0, nullptr, Report, &progress);
+    if (progress.WasCancelled()) {
+        return false;
+    }
+    dataset.reset();
+    if (result != CE_None || errors.HasError()) {
+        Fail(FailureReason(errors));
+    }
+    return true;
+}
+
+std::wstring TakenText(const std::wstring& target) {
+    return FormatText(Text(41426_lsid), {FileNameOf(target)});
+}
+
+enum class Built { Yes, NotNeeded, Stopped };
+
+Built BuildOne(const std::wstring& path, PartProgress& progress) {
+    const GdalErrorScope errors;
+    const NoNetwork noNetwork;
+    std::wstring cause;
+    const GDALDatasetUniquePtr raster = OpenRasterFile(path, cause);
+    if (raster == nullptr || raster->GetRasterCount() < 1) {
+        Fail(cause);
+    }
+    if (LongestSide(*raster) <= kSmallRaster || raster->GetRasterBand(1)->GetOverviewCount() > 0) {
+        return Built::NotNeeded;
+    }
+    const std::wstring target = path + L".ovr";
+    if (KindOf(target) != FileKind::Missing) {
+        throw LDataError(TakenText(target));
+    }
+    const Scratch standIn(TemporaryName(path));
+    const Scratch levels(standIn.Path() + L".ovr");
+    if (!BuildLevels(*raster, standIn.Path(), progress)) {
+        return Built::Stopped;
+    }
+    bool taken = false;
+    if (const SystemError error = RenameToFreeName(levels.Path(), target, taken); error != 0) {
+        // Perhaps another program has built the levels meanwhile.
+        throw LDataError(taken ? TakenText(target) : SystemErrorText(error));
+    }
+    return Built::Yes;
+}
+
+}  // namespace
+
+std::wstring FailureText(const std::wstring& heading, const std::vector<FileFailure>& failures) {
+    constexpr std::size_t kMostShown = 12;
+    std::wstring text = heading + L"\n";
+    const std::size_t shown = std::min(failures.size(), kMostShown);
+    for (std::size_t i = 0; i < shown; ++i) {
+        const auto& [path, cause] = failures[i];
+        text += L"\n";
+        // Some causes are whole sentences about the file.
+        if (cause.find(path) == std::wstring::npos) {
+            text.append(path).append(L"\n    ");
+        }
+        text += cause;
+    }
+    if (shown < failures.size()) {
+        text += L"\n" + FormatText(Text(40672_lsid), {failures.size() - shown});
+    }
+    return text;
+}
+
+OverviewResult BuildOverviews(const std::vector<std::wstring>& paths, Kst::ProgressIf& progress) {
+    SetUpGdal();
+    OverviewResult result;
+    progress.SetRange(kStepsPerRaster * paths.size());
+    for (std::size_t i = 0; i < paths.size() && !result.stopped; ++i) {
+        progress.SetText(FileNameOf(paths[i]));
+        PartProgress part(progress, i);
+        try {
+            const Built built = BuildOne(paths[i], part);
+            result.built += built == Built::Yes ? 1 : 0;
+            result.notNeeded += built == Built::NotNeeded ? 1 : 0;
+            result.stopped = built == Built::Stopped;
+        } catch (...) {
+            result.failures.push_back({paths[i], CurrentExceptionText()});
+        }
+        result.stopped = result.stopped || progress.IsCancelled();
+    }
+    return result;
+}
+
+DemImport::DemImport(std::vector<DemToImport> dems, DemConversionOptions options, bool readOnly)
+    : dems_(std::move(dems)), options_(std::move(options)), readOnly_(readOnly) {}
+
+void DemImport::Run(Kst::ProgressIf& progress) {
+    SetUpGdal();
+    progress.SetRange(kStepsPerRaster * dems_.size());
+    for (std::size_t i = 0; i < dems_.size() && !Result().stopped; ++i) {
+        progress.SetText(FormatText(Text(41445_lsid), {i + 1, dems_.size(), FileNameOf(dems_[i].path)}));
+        PartProgress part(progress, i);
+        ConvertOne(dems_[i], part);
+    }
+}
+
+void DemImport::ConvertOne(const DemToImport& dem, Kst::ProgressIf& progress) {
+    try {
+        const auto converted = ConvertDem(dem.path, options_, progress);
+        const std::lock_guard guard(lock_);
+        if (converted) {
+            Keep(dem, *converted);
+        } else {
+            result_.stopped = true;
+        }
+    } catch (...) {
+        const std::lock_guard guard(lock_);
+        result_.failures.push_back({dem.path, CurrentExceptionText()});
+    }
+}
+
+void DemImport::Keep(const DemToImport& dem, const DemConversionResult& converted) {
+    NewFile& added = result_.files.emplace_back();
+    added.layer = dem.layer;
+    added.wkt = converted.wkt;
+    added.file.path = converted.lasPath;
+    added.file.points = converted.points;
+    added.file.min = converted.min;
+    added.file.max = converted.max;
+    added.file.version = 10 + options_.versionMinor;
+    added.file.pointFormat = options_.pointFormat;
+    added.file.readOnly = readOnly_;
+    for (const std::wstring& warning : converted.warnings) {
+        result_.warnings.push_back({converted.lasPath, warning});
+    }
+}
+
+DemImportResult DemImport::Result() const {
+    const std::lock_guard guard(lock_);
+    return result_;
+}
+
+}  // namespace orvex

@@ -1,0 +1,78 @@
+#pragma once
+// Long work on rasters and elevation models. Each run reports progress and collects failures: one file does
+// not keep the others from being done.
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "host/app/Project.h"
+#include "host/dem/DemConversion.h"
+#include "support/ProgressIf.h"
+
+namespace orvex {
+
+/// Why something could not be done with a file.
+struct FileFailure {
+    std::wstring path;
+    std::wstring cause;  ///< plain words
+};
+
+/// One message for many files: the heading, then each file with its cause (the cause alone where it names the
+/// file by itself); of a long list the first ones and how many more there are.
+std::wstring FailureText(const std::wstring& heading, const std::vector<FileFailure>& failures);
+
+/// What became of rasters that were to get overviews.
+struct OverviewResult {
+    std::size_t built = 0;
+    std::size_t notNeeded = 0;  ///< have overviews already, or are small
+    std::vector<FileFailure> failures;
+    bool stopped = false;  ///< what was complete by then stays
+};
+
+/// Rasters up to so many pixels on their longer side get no overviews.
+inline constexpr int kSmallRaster = 1024;
+
+/// Builds overviews for rasters that have none, as "<name>.ovr" beside each: the rasters themselves are only
+/// read, and no file is replaced. The range of `progress` is a thousand for each raster; its text is the
+/// raster's name. Never throws, except for want of memory. From any thread.
+OverviewResult BuildOverviews(const std::vector<std::wstring>& paths, Kst::ProgressIf& progress);
+
+/// An elevation raster that is to become a LAS file of a layer.
+struct DemToImport {
+    std::wstring path;
+    std::wstring layer;
+};
+
+/// What became of elevation rasters.
+struct DemImportResult {
+    std::vector<NewFile> files;         ///< the LAS files that are complete, in the order of the rasters
+    std::vector<FileFailure> failures;  ///< rasters that could not be converted
+    std::vector<FileFailure> warnings;  ///< what is to be known of LAS files that are complete
+    bool stopped = false;
+};
+
+/// Converts elevation rasters to LAS files, one after the other. What is complete is there for the taking at
+/// any time, also while the rest is still being converted.
+class DemImport {
+  public:
+    /// `readOnly` is how the LAS files are to be opened.
+    DemImport(std::vector<DemToImport> dems, DemConversionOptions options, bool readOnly);
+
+    /// The range of `progress` is a thousand for each raster; its text says which one it is. To be called
+    /// once; from any thread.
+    void Run(Kst::ProgressIf& progress);
+    /// A copy of what there is. From any thread.
+    DemImportResult Result() const;
+
+  private:
+    void ConvertOne(const DemToImport& dem, Kst::ProgressIf& progress);
+    void Keep(const DemToImport& dem, const DemConversionResult& converted);
+
+    const std::vector<DemToImport> dems_;
+    const DemConversionOptions options_;
+    const bool readOnly_;
+    mutable std::mutex lock_;
+    DemImportResult result_;
+};
+
+}  // namespace orvex
