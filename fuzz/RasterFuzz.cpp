@@ -1,4 +1,5 @@
 // Lists arbitrary bytes as an image and as an elevation model, and makes a LAS file of the latter.
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -10,7 +11,7 @@
 #include "crs/GdalSetup.h"
 #include "host/dem/DemConversion.h"
 #include "las/LasRow.h"
-#include "raster/RasterCells.h"
+#include "raster/RasterColumns.h"
 #include "raster/page/RasterDetails.h"
 #include "support/LDataError.h"
 #include "support/testing/TemporaryFolder.h"
@@ -32,22 +33,22 @@ void Require(bool holds, const char* what) {
 }
 
 void List(const std::wstring& path, RasterUse use) {
-    RasterRow row;
-    row.inspection = ListRaster(InspectRasterFile(path, use));
-    const RasterRow& file = row.File();
-    Require(!file.threw, "every failure is an expected one");
-    Require(!file.summary.empty(), "a row says how the file is");
-    Require(file.loadable || !file.findings.empty(), "what cannot be loaded has a reason");
-    Require(!file.loadable || (file.properties.width >= 1 && file.properties.height >= 1), "it has pixels");
-    for (int column = 0; column < kRasterColumnCount; ++column) {
-        RasterCellText(row, static_cast<RasterColumn>(column), use);
+    const RasterRow row = InspectRasterFile(path, use);
+    Require(!row.threw, "every failure is an expected one");
+    Require(!row.summary.empty(), "a row says how the file is");
+    Require(row.loadable == row.IsDescribed(), "a file is loadable if it is described");
+    Require(row.loadable || !row.findings.empty(), "what cannot be loaded has a reason");
+    Require(!row.loadable || (row.Properties().width >= 1 && row.Properties().height >= 1), "it has pixels");
+    for (const Column<RasterRow>& column : RasterColumns(use)) {
+        CellText(column, row);
     }
-    RasterOverview(row, use);
+    RasterDetailsContent({&row, 1}, std::array{std::size_t{0}}, use, QStringLiteral("#000000"));
 }
 
 void Convert(const std::wstring& path, const fs::path& folder, std::size_t size) {
-    const RasterProperties properties = InspectRasterFile(path, RasterUse::Dem).Properties();
-    if (static_cast<double>(properties.width) * properties.height > kMostConverted) {
+    const RasterRow row = InspectRasterFile(path, RasterUse::Dem);
+    if (row.IsDescribed() &&
+        static_cast<double>(row.Properties().width) * row.Properties().height > kMostConverted) {
         return;
     }
     DemConversionOptions options;
@@ -72,7 +73,7 @@ std::size_t FilesIn(const fs::path& folder) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const testing::TemporaryFolder folder;
+    static const orvex::testing::TemporaryFolder folder;
     Require(EnsureGdal(), "GDAL's data lies beside this program");
     fs::remove(folder.Path() / "input.tif");
     const std::wstring path =

@@ -442,6 +442,7 @@ TEST_P(FilePage, TheDetailsYieldBeforeTheGrid) {
 }
 
 TEST_P(FilePage, F1OpensTheManualAndTheHelpButtonExplainsControls) {
+    const auto labels = page->findChildren<QLabel*>();
     dialog->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
     auto* ok = dialog->findChild<QWidget*>(QStringLiteral("ok"));
@@ -451,6 +452,10 @@ TEST_P(FilePage, F1OpensTheManualAndTheHelpButtonExplainsControls) {
     Click(GetParam().help);
     EXPECT_TRUE(QWhatsThis::inWhatsThisMode());
     QWhatsThis::leaveWhatsThisMode();
+    const auto* caption = *std::ranges::find(labels, static_cast<QWidget*>(Grid().Table()), &QLabel::buddy);
+    const QString text = caption->text();
+    QTest::keyClick(dialog.get(), text[text.indexOf('&') + 1].toLatin1(), Qt::AltModifier);
+    EXPECT_TRUE(Grid().Table()->hasFocus()) << "the caption's key leads to the grid";
     dialog->Tabs().Select(1);
     QTest::keyClick(ok, Qt::Key_F1);
     EXPECT_THAT(help.shown, ::testing::SizeIs(2)) << "a page that is hidden keeps quiet";

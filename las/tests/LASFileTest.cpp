@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "las/LasInspection.h"
+#include "las/LasRow.h"
 #include "las/LasPointViews.h"
 #include "las/testing/LasFiles.h"
 #include "support/Files.h"
@@ -184,7 +184,7 @@ TEST_F(LASFileTest, ReadsMapsAndDescribesUnderALongPath) {
     const std::string bytes = LasBuilder(14, 6).AddPoints(7).Wkt("LOCAL_CS[\"site\"]").Build();
     std::ofstream(ToPath(path), std::ios::binary) << bytes;
 
-    const LasInspection found = InspectLasFile(path);
+    const LasRow found = InspectLasFile(path);
     ASSERT_TRUE(found.loadable) << ToUtf8(found.summary);
     EXPECT_EQ(found.path, path);
     EXPECT_EQ(found.fileSize, bytes.size());

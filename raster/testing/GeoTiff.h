@@ -19,7 +19,7 @@ struct GeoTiff {
     GDALDataType type = GDT_Byte;
     std::string crs = "EPSG:32633";  ///< in any form that GDAL understands; empty for none
     std::optional<std::array<double, 6>> transform = std::array<double, 6>{500000, 0.5, 0, 5300000, 0, -0.5};
-    std::vector<std::string> options;            ///< creation options: "COMPRESS=DEFLATE"
+    std::vector<std::string> options{};          ///< creation options: "COMPRESS=DEFLATE"
     std::function<void(GDALDatasetH)> change{};  ///< runs before the file is closed
 
     /// Writes it and returns its full path.

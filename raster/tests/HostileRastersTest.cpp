@@ -4,7 +4,7 @@
 
 #include <limits>
 
-#include "raster/RasterInspection.h"
+#include "raster/RasterRow.h"
 #include "raster/testing/TiffBytes.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
@@ -155,11 +155,11 @@ TEST(HostileRasters, GiveAPlainReasonInBoundedMemory) {
     for (const Hostile& hostile : HostileFiles()) {
         const std::wstring path = folder.Write(L"a.tif", hostile.bytes);
         const std::uint64_t before = testing::PeakMemory();
-        const RasterInspection inspection = InspectRasterFile(path, RasterUse::Image);
+        const RasterRow row = InspectRasterFile(path, RasterUse::Image);
         EXPECT_LT(testing::PeakMemory() - before, kMostMemory) << hostile.about;
-        EXPECT_EQ(inspection.loadable, hostile.loadable) << hostile.about;
-        EXPECT_THAT(ToUtf8(inspection.summary), HasSubstr(hostile.finding)) << hostile.about;
-        EXPECT_FALSE(inspection.findings.empty()) << hostile.about;
+        EXPECT_EQ(row.loadable, hostile.loadable) << hostile.about;
+        EXPECT_THAT(ToUtf8(row.summary), HasSubstr(hostile.finding)) << hostile.about;
+        EXPECT_FALSE(row.findings.empty()) << hostile.about;
     }
     EXPECT_EQ(folder.Entries(), 2U) << "nothing was written beside them";
 }

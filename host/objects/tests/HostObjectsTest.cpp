@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "host/objects/HostClasses.h"
-#include "raster/RasterInspection.h"
+#include "raster/RasterRow.h"
 #include "raster/testing/GeoTiff.h"
 #include "settings/SystemSettings.h"
 #include "settings/ValueFile.h"
@@ -157,7 +157,7 @@ TEST_F(HostObjectsTest, ARasterIsDescribedWithAllDetails) {
     tiff.change = [](GDALDatasetH dataset) { GDALSetRasterNoDataValue(GDALGetRasterBand(dataset, 1), -1); };
     const std::wstring path = tiff.Write(folder_, L"\u00dcber\U0001F5FA.tif");
     const auto inspect = [&] {
-        return InspectRasterFile(path, RasterUse::Image, host_->RasterInformation()).properties;
+        return InspectRasterFile(path, RasterUse::Image, host_->RasterInformation()).Properties();
     };
     const RasterProperties withoutClass = inspect();
     const HostClasses classes(State());

@@ -1,111 +1,224 @@
+// What the LAS page has of its own; LasPageContractTest.cpp has what it shares with the other pages.
 #include "las/page/AddLASFilesPP.h"
 
-#include "dialog/testing/PageContract.h"
+#include <gmock/gmock.h>
+
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTextEdit>
+
+#include "dialog/testing/PageFixture.h"
 #include "host/utilities/testing/LazSamples.h"
 #include "las/testing/LasBuilder.h"
+#include "support/Format.h"
 
 namespace orvex {
 namespace {
 
-using namespace std::string_literals;
-using testing::FilePage;
-using testing::PageContract;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
-std::wstring WriteLas(const testing::TemporaryFolder& folder, const std::wstring& name, int epsg) {
-    return folder.Write(
-        name,
-        testing::LasBuilder(12, 1).AddPoints(9).ProjectedEpsg(static_cast<std::uint16_t>(epsg)).Build());
+class LasPage : public testing::PageFixture {
+  protected:
+    LasPage() : PageFixture(testing::MakePage<AddLASFilesPP>) {}
+
+    std::wstring Las(const std::wstring& name, int epsg = 25832, std::size_t points = 9) const {
+        return folder.Write(name, testing::LasBuilder(12, 1)
+                                      .AddPoints(points)
+                                      .ProjectedEpsg(static_cast<std::uint16_t>(epsg))
+                                      .Build());
+    }
+    std::wstring Laz(const std::wstring& name) const {
+        testing::WriteSample(folder.Name(name), {}, true);
+        return folder.Name(name);
+    }
+    std::vector<std::wstring> ManyLas(int count) const {
+        std::vector<std::wstring> paths;
+        for (int i = 0; i < count; ++i) {
+            paths.push_back(Las(L"tile" + std::to_wstring(i) + L".las"));
+        }
+        return paths;
+    }
+    const std::vector<LasRow>& Rows() const {
+        return static_cast<const AddLASFilesPP*>(page)->Model().Rows();
+    }
+    QString Details(const char* tab) const { return Find<QTextEdit>(tab)->toPlainText(); }
+};
+
+TEST_F(LasPage, ALazFileAndItsLasFileAreOneFile) {
+    const std::wstring laz = Laz(L"a.laz");
+    const std::wstring las = Las(L"a.las");
+    page->AddPaths({las});
+    page->AddPaths({laz});
+    EXPECT_THAT(Names(), ElementsAre(L"a.las"));
+    Click(255);
+    page->AddPaths({laz, las});
+    EXPECT_THAT(Names(), ElementsAre(L"a.laz"));
 }
 
-PageContract LasContract() {
-    using P = AddFilesParams;
-    PageContract page{};
-    page.name = "Las";
-    page.make = testing::MakePage<AddLASFilesPP>;
-    page.grid = 251;
-    page.addFiles = 253;
-    page.addFolder = 252;
-    page.remove = 254;
-    page.clear = 255;
-    page.detailColumns = 248;
-    page.refresh = 249;
-    page.help = 250;
-    page.captions = {{247, 13466_lsid}, {252, 13463_lsid}, {253, 13462_lsid}, {254, 13464_lsid},
-                     {255, 13465_lsid}, {258, 13467_lsid}, {259, 13469_lsid}, {260, 13470_lsid},
-                     {261, 41000_lsid}, {262, 41001_lsid}, {263, 41002_lsid}, {264, 13475_lsid},
-                     {266, 13472_lsid}, {268, 41005_lsid}, {269, 41006_lsid}, {270, 41007_lsid},
-                     {280, 13658_lsid}, {281, 3256_lsid},  {282, 41003_lsid}, {283, 41004_lsid},
-                     {284, 41008_lsid}, {375, 41009_lsid}, {376, 41010_lsid}, {377, 41011_lsid},
-                     {378, 41012_lsid}, {417, 41013_lsid}};
-    page.tabOrder =
-        "c253 c252 c254 c255 c248 c249 c250 detailsTabs c259 c260 c262 c263 c280 c281 c283 c267 c268 c269 "
-        "c270 c284 c417 c376 c377 c378";
-    page.helpTopic = HelpTopic::LasFiles;
-    page.emptyText = 40674_lsid;
-    page.overview = "detailsOverview";
-    page.nothingSelected = 40634_lsid;
-    page.paneState = L"AddLASFilesDetails";
-    page.filters = {{L"LAS Files (*.las)", L"*.las"}, {L"LAZ Files (*.laz)", L"*.laz"}};
-    page.tooManyFiles = 10048_lsid;
-    page.pickFailed = 10052_lsid;
-    page.folderQuestion = 13556_lsid;
-    page.nothingFound = 41052_lsid;
-    page.nothingFoundIcon = PromptIcon::Information;
-    page.ignored = 41051_lsid;
-    page.reading = 13662_lsid;
-    page.writeGood = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
-        return WriteLas(folder, name + L".las", 25832);
-    };
-    page.writeBad = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
-        return folder.Write(name + L".las", "no LAS file");
-    };
-    page.extension = L".las";
-    page.otherKind = L".tif";
-    page.detailColumn = "software";
-    page.detailColumnsOn = {L"optAddLASDetailCols", "\1"s, 0, {}};
-    page.files = &P::lasFiles;
-    page.detailsPerFile = 1;
-    page.options = {
-        {L"optAddLASOpenSetting", "\0\0\0\0"s, 259, "on", &P::lasOpenSetting, L"0"},
-        {L"optAddLASOpenSetting", "\1\0\0\0"s, 260, "on", &P::lasOpenSetting, L"1"},
-        {L"optAddLASLoadSetting", "\0\0\0\0"s, 262, "on", &P::lasLoadSetting, L"0"},
-        {L"optAddLASLoadSetting", "\1\0\0\0"s, 263, "on", &P::lasLoadSetting, L"1"},
-        {L"optAddLASAppend", "\0"s, 280, "off", &P::lasAppend, L"0"},
-        {L"optAddLASAppend", "\1"s, 280, "on", &P::lasAppend, L"1"},
-        {L"", {}, 281, "on", &P::lasIgnoreIncompatibleCrs, L"1"},
-        {L"", {}, 283, "on", &P::lasLoadCorruptFiles, L"1"},
-        {L"optAddLASThinning", "\x63\0\0\0"s, 267, "99", &P::lasThinning, L"99"},
-        {L"optConvertExistingQVRToOrvexLAS", "\1"s, 284, "on", &P::convertExistingQvr, L"1"},
-        {L"optPyramidType", "\0\0\0\0"s, 270, "on", &P::lasPyramidType, L"0"},
-        {L"optPyramidType", "\1\0\0\0"s, 268, "on", &P::lasPyramidType, L"1"},
-        {L"optPyramidType", "\2\0\0\0"s, 269, "on", &P::lasPyramidType, L"2"},
-        {L"optOrvexLasBackupOption", "\0\0\0\0"s, 376, "on", &P::orvexLasBackupOption, L"0"},
-        {L"optOrvexLasBackupOption", "\1\0\0\0"s, 377, "on", &P::orvexLasBackupOption, L"1"},
-        {L"optOrvexLasBackupOption", "\2\0\0\0"s, 378, "on", &P::orvexLasBackupOption, L"2"},
-        {L"optReCreateOrvexLASOption", "\1"s, 417, "on", &P::reCreateOrvexLas, L"1"},
-    };
-    page.replaced = {
-        {L"optAddLASOpenSetting", {}, 259, "on", &P::lasOpenSetting, L"0"},
-        {L"optAddLASAppend", {}, 280, "on", &P::lasAppend, L"1"},
-        {L"optAddLASThinning", {}, 267, "16", &P::lasThinning, L"16"},
-        {L"optAddLASThinning", "\x88\x13\0\0"s, 267, "256", &P::lasThinning, L"256"},
-        {L"optAddLASThinning", "\xfd\xff\xff\xff"s, 267, "2", &P::lasThinning, L"2"},
-        {L"optPyramidType", "\7\0\0\0"s, 268, "on", &P::lasPyramidType, L"1"},
-        {L"optAddLASPyramid", {}, 268, "on", &P::lasPyramidType, L"1"},
-        // The older on/off value decides while no type is stored.
-        {L"optAddLASPyramid", "\0"s, 270, "on", &P::lasPyramidType, L"0"},
-        {L"optOrvexLasBackupOption", "\xff\xff\xff\xff"s, 377, "on", &P::orvexLasBackupOption, L"1"},
-    };
-    page.thinning = 267;
-    page.thinningMember = &P::lasThinning;
-    page.thinningTexts = {{"2", 2},      {"16", 16},          {" 8", 8},           {"+4", 4},
-                          {"12abc", 12}, {"256", 256},        {"257", 256},        {"9999999999", 256},
-                          {"1", {}},     {"00000000165", 16}, {"00000000002", {}}, {"0", {}},
-                          {"", {}},      {"abc", {}},         {"-5", {}}};
-    return page;
+TEST_F(LasPage, TheTenthRowAsksOnceWhetherToGoOn) {
+    prompts.answers = {PromptAnswer::No};
+    const auto paths = ManyLas(12);
+    page->AddPaths(paths);
+    ASSERT_THAT(prompts.shown, SizeIs(1));
+    EXPECT_EQ(prompts.shown[0].text, FormatText(Text(13656_lsid), {12}));
+    EXPECT_EQ(prompts.shown[0].caption, Text(13657_lsid));
+    EXPECT_EQ(Shown("layer"), std::vector<std::wstring>(10, L"LAS Layer_1"))
+        << "what was added has its layer";
+    page->AddPaths(paths);
+    EXPECT_THAT(Rows(), SizeIs(12));
+    EXPECT_THAT(prompts.shown, SizeIs(1));
 }
 
-INSTANTIATE_TEST_SUITE_P(LasPage, FilePage, ::testing::Values(LasContract()), testing::NameOfContract());
+TEST_F(LasPage, LayersFollowRowsAndOptions) {
+    const std::wstring a = Las(L"a.las");
+    given.existingLasLayers = {{L"Survey", FromUtf8(InspectLasFile(a).crs->sourceWkt)}};
+    Open();
+    page->AddPaths({Las(L"b.las", 28992), a, Las(L"c.las", 2056)});
+    EXPECT_THAT(Shown("layer"), ElementsAre(L"LAS Layer_1", L"Survey", L"LAS Layer_2"));
+    Grid().SelectRows({0});
+    Click(254);
+    EXPECT_THAT(Shown("layer"), ElementsAre(L"Survey", L"LAS Layer_1"));
+    Check(281);
+    EXPECT_THAT(Shown("layer"), ElementsAre(L"Survey", L"Survey"));
+    Check(280);
+    EXPECT_THAT(Shown("layer"), ElementsAre(L"LAS Layer_1", L"LAS Layer_1"));
+    ASSERT_TRUE(Press("ok"));
+    EXPECT_EQ(params.lasFileLayers.at(a), L"LAS Layer_1");
+}
+
+TEST_F(LasPage, OpenModeAndPyramidTypeDecideWhatCanBeChosen) {
+    const struct {
+        int open;
+        int load;
+        int type;
+        bool pyramids;
+        bool orvexLas;
+    } cases[] = {
+        {259, 262, 268, false, false}, {259, 263, 268, false, false}, {260, 263, 268, false, false},
+        {260, 262, 268, true, true},   {260, 262, 269, true, false},  {260, 262, 270, true, false},
+    };
+    for (const auto& c : cases) {
+        for (const int id : {c.open, c.load, c.type}) {
+            Find<QAbstractButton>(id)->setChecked(true);
+        }
+        for (const int id : {268, 269, 270}) {
+            EXPECT_EQ(Enabled(id), c.pyramids) << id;
+        }
+        for (const int id : {284, 375, 376, 377, 378, 417}) {
+            EXPECT_EQ(Enabled(id), c.orvexLas) << id;
+        }
+        for (const int id : {259, 262, 266, 267, 280, 281, 283}) {
+            EXPECT_TRUE(Enabled(id)) << id;
+        }
+    }
+}
+
+TEST_F(LasPage, OverwritingIsPendingOnlyForAConversionWithoutBackup) {
+    for (int bits = 0; bits < 8; ++bits) {
+        options.Put<char>(opt2ConvertExistingQVRToOrvexLAS, (bits & 1) != 0);
+        options.Put<std::int32_t>(opt2PyramidType, (bits & 2) != 0 ? kPyramidOrvexLas : kPyramidQvr);
+        options.Put<std::int32_t>(opt2OrvexLASBackupOption,
+                                  (bits & 4) != 0 ? kOverwriteOriginals : kBackupOriginals);
+        Open();
+        ASSERT_TRUE(Press("ok"));
+        EXPECT_EQ(params.orvexLasOverwritePending, bits == 7) << bits;
+    }
+}
+
+TEST_F(LasPage, CompanionFilesAreNeededWhileAFileHasNone) {
+    const std::wstring path = Las(L"a.las");
+    folder.Write(L"a.qvr", "index");
+    EXPECT_FALSE(page->NeedsCompanionFiles());
+    page->AddPaths({path, folder.Write(L"bad.las", "no LAS file")});
+    EXPECT_FALSE(page->NeedsCompanionFiles());
+    page->AddPaths({Las(L"b.las")});
+    EXPECT_TRUE(page->NeedsCompanionFiles());
+}
+
+TEST_F(LasPage, ARefusedThinningStoresNothing) {
+    Check(260);
+    Find<QLineEdit>(267)->setText("1");
+    EXPECT_FALSE(Press("ok"));
+    EXPECT_EQ(options.Get<std::int32_t>(opt2AddLASOpenSetting, 9), 0);
+}
+
+TEST_F(LasPage, AStoreThatCannotBeOpenedIsSilent) {
+    registry.denyOpen.insert(RegistryRoot::CurrentUser);
+    Open();
+    Check(263);
+    EXPECT_TRUE(Press("ok"));
+    EXPECT_TRUE(params.lasLoadSetting);
+    EXPECT_THAT(prompts.shown, IsEmpty());
+}
+
+TEST_F(LasPage, ReadWriteOpensTheLasFileOfALazFile) {
+    const std::wstring laz = Laz(L"a.laz");
+    page->AddPaths({laz});
+    Check(260);
+    lastPage = testing::ScriptedPage::AtOk::Refuse;
+    EXPECT_FALSE(Press("ok"));
+    const LASFile* opened = Rows()[0].file.get();
+    lastPage = testing::ScriptedPage::AtOk::Accept;
+    ASSERT_TRUE(Press("ok"));
+    EXPECT_THAT(params.lasFiles.begin()->second, ElementsAre(L"a.laz")) << "the file that was chosen";
+    EXPECT_TRUE(params.lasFileLayers.contains(laz));
+    const LasFileInfo* details = params.lasFileDetails.at(laz);
+    EXPECT_EQ(details, opened) << "opened once";
+    EXPECT_EQ(details->FileName(), folder.Name(L"a.las"));
+    EXPECT_FALSE(details->IsReadOnly());
+}
+
+TEST_F(LasPage, FilesThatCannotBeOpenedAreNamedInOneMessageThatIsCut) {
+    auto paths = ManyLas(12);
+    prompts.answers = {PromptAnswer::Yes};
+    page->AddPaths(paths);
+    prompts.shown.clear();
+    for (const std::wstring& path : paths) {
+        std::filesystem::remove(ToPath(path));
+    }
+    Check(260);
+    EXPECT_FALSE(Press("ok"));
+    ASSERT_THAT(prompts.shown, SizeIs(1));
+    const std::wstring& text = prompts.shown[0].text;
+    EXPECT_EQ(prompts.shown[0].caption, Text(40673_lsid));
+    EXPECT_TRUE(text.starts_with(Text(40671_lsid) + L"\n\n'" + paths[0] + L"'")) << "its name once";
+    EXPECT_TRUE(text.ends_with(L"\n" + FormatText(Text(40672_lsid), {2})));
+    EXPECT_TRUE(Rows()[0].file->IsReadOnly()) << "all stay as they are";
+    EXPECT_THAT(params.lasFiles, IsEmpty());
+}
+
+TEST_F(LasPage, TheDetailsTellEverythingOfAFileAndTheTotalsOfSeveral) {
+    page->AddPaths({Las(L"a.las"), Las(L"b.las", 25832, 4), Las(L"c.las", 28992), Laz(L"d.laz"),
+                    folder.Write(L"bad.las", "no LAS file")});
+    Grid().SelectRows({0});
+    EXPECT_THAT(ToWide(Details("detailsCrs")), HasSubstr(L"25832"));
+    EXPECT_THAT(ToWide(Find<QPlainTextEdit>("detailsRecords")->toPlainText()), HasSubstr(L"LASF_Projection"));
+    EXPECT_THAT(ToWide(Details("detailsOverview")), HasSubstr(Text(40664_lsid)));
+    Grid().SelectRows({4});
+    EXPECT_EQ(ToWide(Find<QPlainTextEdit>("detailsRecords")->toPlainText()), Text(40659_lsid));
+    EXPECT_THAT(ToWide(Details("detailsOverview")), HasSubstr(Rows()[4].summary));
+    Grid().SelectRows({0, 1});
+    const std::wstring totals = ToWide(Details("detailsOverview"));
+    for (const wchar_t* fact : {L"13", L"1000.000", L"2000.000", L"100.000", L"1002.000", L"100.080"}) {
+        EXPECT_THAT(totals, HasSubstr(fact));
+    }
+    Grid().SelectRows({0, 2, 4});
+    const std::wstring mixed = ToWide(Details("detailsOverview"));
+    EXPECT_THAT(mixed, HasSubstr(Text(40656_lsid))) << "one cannot be read";
+    EXPECT_THAT(mixed, Not(HasSubstr(Text(40588_lsid)))) << "extents of different systems do not add up";
+}
+
+TEST_F(LasPage, TheLoadFlagIsAPictureAndTheStateExplainsItself) {
+    page->AddPaths({Las(L"a.las"), folder.Write(L"bad.las", "no LAS file")});
+    const QModelIndex flag = Model().index(1, ColumnNamed("loadFlag"));
+    EXPECT_EQ(flag.data(GridModel::kIconRole).toInt(), 6);
+    EXPECT_TRUE(flag.data().toString().isEmpty());
+    EXPECT_EQ(ToWide(flag.data(Qt::ToolTipRole).toString()), FindingsText(Rows()[1]));
+    EXPECT_EQ(Model().index(0, ColumnNamed("fileName")).data(GridModel::kIconRole).toInt(), -1);
+}
 
 }  // namespace
 }  // namespace orvex

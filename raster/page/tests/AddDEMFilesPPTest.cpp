@@ -5,9 +5,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 
-#include "raster/page/RasterPageControls.h"
 #include "raster/page/tests/RasterPageFixture.h"
-#include "support/QtText.h"
 
 namespace orvex {
 namespace {
@@ -16,215 +14,143 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
-using namespace dem_control;
 
-class DemPage : public testing::RasterPageFixture<AddDEMFilesPP, RasterUse::Dem> {
+constexpr int kAppend = 464;
+constexpr int kIgnoreCrs = 465;
+constexpr int kFolder = 469;
+constexpr int kBrowse = 470;
+constexpr int kInsertToken = 471;
+constexpr int kVersion = 473;
+constexpr int kFormat = 475;
+constexpr int kThinning = 477;
+
+class DemPage : public testing::RasterPageFixture {
   protected:
-    DemPage() : RasterPageFixture(DemListControls()) {}
+    DemPage() : RasterPageFixture(testing::MakePage<AddDEMFilesPP>) {}
 
     QLineEdit& Folder() const { return *Find<QLineEdit>(kFolder); }
     QLineEdit& Thinning() const { return *Find<QLineEdit>(kThinning); }
-    /// Types into the thinning edit as a user does.
-    void TypeThinning(const char* keys) const {
-        Thinning().setFocus();
-        Thinning().selectAll();
-        QTest::keyClick(&Thinning(), Qt::Key_Delete);
-        QTest::keyClicks(&Thinning(), QString::fromLatin1(keys));
-    }
-    std::vector<int> Items(int id) const {
-        std::vector<int> values;
+    QStringList Items(int id) const {
+        QStringList items;
         const auto* list = Find<QComboBox>(id);
         for (int i = 0; i < list->count(); ++i) {
-            EXPECT_EQ(id == kFormat ? list->itemText(i) : QString(),
-                      id == kFormat ? QString::number(list->itemData(i).toInt()) : QString());
-            values.push_back(list->itemData(i).toInt());
+            items.append(list->itemText(i));
         }
-        return values;
-    }
-    void Choose(int id, const char* text) const {
-        auto* list = Find<QComboBox>(id);
-        list->setCurrentIndex(list->findText(QString::fromLatin1(text)));
+        return items;
     }
     SettingValue Stored(const wchar_t* key) { return hostObjects.settings[{L"AddFilesDlg", key}]; }
 };
 
-TEST_F(DemPage, AFreshMachineStartsWithEverythingSet) {
-    for (const int id : {kAppend, kIgnoreCrs, kPyramid, kReadWrite, kDetailColumns}) {
-        EXPECT_TRUE(Checked(id)) << id;
-    }
-    EXPECT_FALSE(Checked(kReadOnly));
-    EXPECT_EQ(Find<QAbstractButton>(kDetailColumns)->text(), "<<");
-    EXPECT_EQ(ToWide(Folder().text()), L"<ORVEX_PROJECT_PATH>\\DEM Import");
-    EXPECT_EQ(Thinning().text(), "16");
-    EXPECT_EQ(Find<QComboBox>(kVersion)->currentText(), "1.4");
-    EXPECT_EQ(Find<QComboBox>(kFormat)->currentText(), "0");
-    EXPECT_THAT(prompts.shown, IsEmpty());
-}
-
 TEST_F(DemPage, TheFormatsFollowTheVersion) {
-    EXPECT_THAT(Items(kVersion), ElementsAre(0, 1, 3, 4, 5));
-    const std::pair<const char*, std::size_t> counts[] = {
-        {"1.0", 2}, {"1.1", 2}, {"1.2", 4}, {"1.3", 6}, {"1.4", 9}};
-    for (const auto& [version, count] : counts) {
-        Choose(kVersion, version);
-        EXPECT_THAT(Items(kFormat), SizeIs(count)) << version;
-        EXPECT_EQ(Find<QComboBox>(kFormat)->currentIndex(), 0) << version;
-        Find<QComboBox>(kFormat)->setCurrentIndex(1);
+    auto* version = Find<QComboBox>(kVersion);
+    auto* format = Find<QComboBox>(kFormat);
+    EXPECT_EQ(Items(kVersion).join(' '), "1.0 1.1 1.2 1.3 1.4");
+    EXPECT_EQ(version->currentText(), "1.4");
+    const std::pair<const char*, const char*> cases[] = {{"1.0", "0 1"},
+                                                         {"1.1", "0 1"},
+                                                         {"1.2", "0 1 2 3"},
+                                                         {"1.3", "0 1 2 3 4 5"},
+                                                         {"1.4", "0 1 2 3 4 5 6 7 8"}};
+    for (const auto& [name, formats] : cases) {
+        format->setCurrentIndex(1);
+        version->setCurrentText(QString::fromLatin1(name));
+        EXPECT_EQ(Items(kFormat).join(' '), formats) << name;
+        EXPECT_EQ(format->currentText(), "0") << name;
     }
 }
 
 TEST_F(DemPage, TheTokenIsInsertedOnce) {
-    Folder().setText(QStringLiteral("C:\\Data\\DEM"));
-    Click(kInsertToken);
-    EXPECT_EQ(ToWide(Folder().text()), L"<ORVEX_PROJECT_PATH>\\Data\\DEM");
-    Click(kInsertToken);
-    EXPECT_EQ(ToWide(Folder().text()), L"<ORVEX_PROJECT_PATH>\\Data\\DEM");
-    Folder().setText(QStringLiteral("Exports"));
-    Click(kInsertToken);
-    EXPECT_EQ(ToWide(Folder().text()), L"<ORVEX_PROJECT_PATH>Exports");
+    const std::pair<const char*, const wchar_t*> cases[] = {
+        {"C:\\Data\\DEM", L"<ORVEX_PROJECT_PATH>\\Data\\DEM"}, {"Exports", L"<ORVEX_PROJECT_PATH>Exports"}};
+    for (const auto& [typed, wanted] : cases) {
+        Folder().setText(QString::fromLatin1(typed));
+        for (int press = 0; press < 2; ++press) {
+            Click(kInsertToken);
+            EXPECT_EQ(ToWide(Folder().text()), wanted);
+        }
+    }
 }
 
 TEST_F(DemPage, ABrowsedFolderEndsWithOneSeparator) {
-    pickers.folders = {std::nullopt, L"/data/out/", L"/data/out\\", folder.Name(L"out")};
-    Click(kBrowse);
-    EXPECT_THAT(pickers.folderTitles, ElementsAre(Text(3203_lsid)));
-    EXPECT_EQ(ToWide(Folder().text()), L"<ORVEX_PROJECT_PATH>\\DEM Import") << "cancelled";
-    for (const wchar_t* ended : {L"/data/out/", L"/data/out\\"}) {
+    const std::wstring before = ToWide(Folder().text());
+    const std::pair<std::optional<std::wstring>, std::wstring> cases[] = {
+        {std::nullopt, before},
+        {L"/data/out/", L"/data/out/"},
+        {L"/data/out\\", L"/data/out\\"},
+        {folder.Name(L"out"), NativePath(folder.Name(L"out") + L"/")}};
+    for (const auto& [picked, wanted] : cases) {
+        pickers.folders = {picked};
         Click(kBrowse);
-        EXPECT_EQ(ToWide(Folder().text()), ended);
+        EXPECT_EQ(ToWide(Folder().text()), wanted);
+        EXPECT_EQ(pickers.folderTitles.back(), Text(3203_lsid));
     }
-    Click(kBrowse);
-    EXPECT_EQ(ToWide(Folder().text()), NativePath(folder.Name(L"out") + L"/"));
-}
-
-TEST_F(DemPage, ThePromptsAndThePickerAreItsOwn) {
-    params.initialFolder = L"/data/dem";
-    pickers.files.push_back({PickOutcome::BufferTooSmall, {}});
-    Click(kAddFiles);
-    EXPECT_EQ(pickers.asked.at(0).title, Text(3239_lsid));
-    EXPECT_EQ(pickers.asked[0].initialFolder, L"/data/dem");
-    EXPECT_THAT(pickers.asked[0].filters, SizeIs(11));
-    AddFolder(folder.Name({}), PromptAnswer::Cancel);
-    ASSERT_THAT(prompts.shown, SizeIs(2));
-    EXPECT_EQ(prompts.shown[0].text, Text(3240_lsid));
-    EXPECT_EQ(prompts.shown[0].caption, Text(10184_lsid));
-    EXPECT_EQ(prompts.shown[0].icon, PromptIcon::Error);
-    EXPECT_EQ(prompts.shown[1].text, Text(3241_lsid));
-    EXPECT_EQ(prompts.shown[1].caption, Text(18253_lsid));
-    EXPECT_EQ(prompts.shown[1].buttons, PromptButtons::YesNoCancel);
-    EXPECT_THAT(pickers.folderTitles, ElementsAre(Text(18251_lsid)));
-    EXPECT_EQ(prompts.shown[1].icon, PromptIcon::Question);
 }
 
 TEST_F(DemPage, OnlyDigitsCanBeTypedAsThinningFactor) {
-    TypeThinning("a1b2c34567890");
+    Thinning().setFocus();
+    Thinning().selectAll();
+    QTest::keyClick(&Thinning(), Qt::Key_Delete);
+    QTest::keyClicks(&Thinning(), QStringLiteral("a1b2c34567890"));
     EXPECT_EQ(Thinning().text(), "123456789");
-    const std::pair<const char*, int> factors[] = {{"2", 2}, {"256", 256}, {"257", 256}, {"1000", 256}};
-    PickAndAdd({Tif(L"a.tif")});
-    for (const auto& [keys, stored] : factors) {
-        TypeThinning(keys);
-        ASSERT_TRUE(page->ValidateAndStore()) << keys;
-        EXPECT_EQ(params.demThinning, stored);
-        EXPECT_EQ(Stored(L"DEMThinningFactor"), SettingValue(static_cast<std::int16_t>(stored)));
-    }
 }
 
-TEST_F(DemPage, AThinningFactorBelow2IsRefused) {
-    TypeThinning("1");
-    EXPECT_TRUE(page->ValidateAndStore()) << "nothing to convert";
-    PickAndAdd({Tif(L"a.tif")});
-    for (const char* keys : {"1", "0", ""}) {
-        TypeThinning(keys);
-        EXPECT_FALSE(page->ValidateAndStore()) << keys;
-        EXPECT_EQ(prompts.shown.back().text, Text(7669_lsid));
-        EXPECT_EQ(prompts.shown.back().caption, Text(7670_lsid));
-        EXPECT_THAT(params.demFiles, IsEmpty());
-    }
-    EXPECT_THAT(Names(), SizeIs(1));
-}
-
-TEST_F(DemPage, OkWritesFilesOptionsAndSettings) {
+TEST_F(DemPage, ARefusedThinningIsNotSavedButTheOptionsBeforeItAre) {
+    given.demLasFolder = L"host's";
+    given.demExtraValues = {1, 2, 3, 4, 5};
+    Open();
     const std::wstring path = Tif(L"a.tif");
-    PickAndAdd({path, folder.Write(L"broken.tif", "x")});
-    Check(kReadOnly);
-    Check(kPyramid);
-    Choose(kVersion, "1.2");
-    Choose(kFormat, "3");
-    Folder().setText(QStringLiteral("<ORVEX_PROJECT_PATH>\\Out"));
-    Click(kDetailColumns);
-    ASSERT_TRUE(page->ValidateAndStore());
-    EXPECT_THAT(params.demFiles, ElementsAre(std::pair(FolderOf(path), std::vector<std::wstring>{L"a.tif"})));
-    EXPECT_FALSE(params.demOpenReadWrite || params.demPyramid);
-    EXPECT_TRUE(params.demAppend && params.demIgnoreCrs);
-    EXPECT_EQ(params.demLasVersion, 3);
-    EXPECT_EQ(params.demPointFormat, 3);
-    EXPECT_EQ(params.demThinning, 16);
-    EXPECT_EQ(params.demLasFolder, L"<ORVEX_PROJECT_PATH>\\Out");
-    EXPECT_EQ(params.demFileLayers[path], L"DEM LAS Layer_1");
-    EXPECT_EQ(Stored(L"DEMShowAdvCols"), SettingValue(std::int16_t{0}));
-    EXPECT_EQ(Stored(L"DEMOpenReadWriteSetting"), SettingValue(std::int16_t{0}));
-    MakePage();
-    EXPECT_TRUE(Checked(kReadOnly));
-    EXPECT_FALSE(Checked(kPyramid));
-    EXPECT_EQ(ToWide(Folder().text()), L"<ORVEX_PROJECT_PATH>\\Out");
-    EXPECT_EQ(Find<QComboBox>(kVersion)->currentText(), "1.4") << "chosen anew each time";
+    page->AddPaths({path, BadTif(L"broken.tif")});
+    Check(kAppend);
+    Thinning().setText(QStringLiteral("1"));
+    EXPECT_FALSE(Press("ok"));
+    EXPECT_THAT(params.demFiles, IsEmpty());
+    EXPECT_EQ(params.demLasFolder, L"host's");
+    EXPECT_THAT(params.demExtraValues, ElementsAre(1, 2, 3, 4, 5));
+    EXPECT_EQ(Stored(L"DEMAppendToLayers"), SettingValue(std::int16_t{0}));
+    EXPECT_EQ(Stored(L"DEMThinningFactor"), SettingValue());
+    Thinning().setText(QStringLiteral("300"));
+    EXPECT_TRUE(Press("ok"));
+    EXPECT_EQ(Stored(L"DEMThinningFactor"), SettingValue(std::int16_t{256}));
+    EXPECT_THAT(params.demFileLayers, ElementsAre(std::pair(path, std::wstring(L"DEM LAS Layer_1"))));
+    EXPECT_THAT(params.demExtraValues, ElementsAre(0, 0, 0, 0, 0));
+}
+
+TEST_F(DemPage, WithoutRowsNothingIsSaved) {
+    given.demThinning = 7;
+    Open();
+    Check(kAppend);
+    Thinning().setText(QStringLiteral("1"));
+    EXPECT_TRUE(Press("ok")) << "nothing to convert";
+    EXPECT_FALSE(params.demAppend);
+    EXPECT_EQ(params.demThinning, 7);
+    EXPECT_THAT(hostObjects.settings, IsEmpty());
 }
 
 TEST_F(DemPage, WithoutASettingsObjectTheUserIsToldWhy) {
-    PickAndAdd({Tif(L"a.tif")});
+    page->AddPaths({Tif(L"a.tif")});
     hostObjects.createSettingsResult = kHostFail;
-    EXPECT_FALSE(page->ValidateAndStore());
+    EXPECT_FALSE(Press("ok"));
     ASSERT_THAT(prompts.shown, SizeIs(1));
     EXPECT_THAT(ToUtf8(prompts.shown[0].text), HasSubstr("Failed to create OrvexSystemSettings object"));
     EXPECT_THAT(params.demFiles, IsEmpty());
-    MakePage();
+    Open();
     EXPECT_THAT(prompts.shown, SizeIs(2)) << "the page opens all the same";
     EXPECT_EQ(Thinning().text(), "16");
 }
 
 TEST_F(DemPage, LayersAreThoseOfLasFilesWithOrWithoutACrs) {
-    params.existingLasLayers = {{L"Terrain", Wkt(25832)}, {L"Local", L""}};
-    params.existingRasterLayers = {{L"Ortho", Wkt(25832)}};
-    PickAndAdd({Tif(L"a.tif"), Tif(L"b.tif", 28992)});
-    EXPECT_THAT(Layers(), ElementsAre(L"Local", L"Local")) << "their CRS is ignored";
+    given.existingLasLayers = {{L"dem las layer_1", Wkt(25832)}, {L"Local", L""}};
+    given.existingRasterLayers = {{L"Ortho", Wkt(28992)}};
+    Open();
+    page->AddPaths({Tif(L"a.tif"), Tif(L"b.tif", 28992), Tif(L"c.tif", 0), BadTif(L"d.tif")});
+    EXPECT_THAT(Shown("layer"), ElementsAre(L"Local", L"Local", L"Local", L"")) << "their CRS is ignored";
     Check(kIgnoreCrs);
-    EXPECT_THAT(Layers(), ElementsAre(L"Terrain", L"DEM LAS Layer_1"));
+    EXPECT_THAT(Shown("layer"), ElementsAre(L"dem las layer_1", L"DEM LAS Layer_2", L"Local", L""));
     Check(kAppend);
-    EXPECT_THAT(Layers(), ElementsAre(L"DEM LAS Layer_1", L"DEM LAS Layer_2"));
-    EXPECT_EQ(Shown(RasterColumn::GpsTime)[0], L"Standard GPS Time");
-}
-
-TEST_F(DemPage, ElevationFilesAreTakenWhenTheyAreNamed) {
-    const std::wstring grid =
-        folder.Write(L"grid.asc", "ncols 2\nnrows 2\nxllcorner 0\nyllcorner 0\ncellsize 10\n1 2\n3 4\n");
-    EXPECT_TRUE(page->Accepts(grid));
-    page->AddPaths({grid});
-    EXPECT_THAT(Shown(RasterColumn::PixelSizes), ElementsAre(L"10.00000000 x 10.00000000"));
-    EXPECT_FALSE(page->Accepts(L"/x/a.las"));
-}
-
-TEST_F(DemPage, TheTabKeyGoesFromTopToBottom) {
-    std::vector<int> order;
-    QWidget* widget = page.get();
-    do {
-        widget = widget->nextInFocusChain();
-        const int id =
-            widget->objectName().startsWith(QLatin1Char('c')) ? widget->objectName().mid(1).toInt() : 0;
-        if (id != 0 && (widget->focusPolicy() & Qt::TabFocus) != 0) {
-            order.push_back(id);
-        }
-    } while (widget != page.get());
-    EXPECT_THAT(order, ElementsAre(kAddFiles, kAddFolder, kRemove, kClear, kDetailColumns, kSelectAll,
-                                   kRefresh, kHelp, kReadOnly, kReadWrite, kAppend, kIgnoreCrs, kPyramid,
-                                   kFolder, kBrowse, kInsertToken, kVersion, kFormat, kThinning));
-}
-
-TEST_F(DemPage, ControlsRestDuringARun) {
-    const DialogProgress::Run run(progress);
-    for (const int id :
-         {kAddFiles, kReadOnly, kAppend, kFolder, kBrowse, kInsertToken, kVersion, kFormat, kThinning}) {
-        EXPECT_FALSE(Enabled(id)) << id;
-    }
+    EXPECT_THAT(Shown("layer"), ElementsAre(L"DEM LAS Layer_2", L"DEM LAS Layer_3", L"DEM LAS Layer_4", L""));
+    Check(kIgnoreCrs);
+    EXPECT_THAT(Shown("layer"), ElementsAre(L"DEM LAS Layer_2", L"DEM LAS Layer_2", L"DEM LAS Layer_2", L""));
+    EXPECT_EQ(Shown("gpsTime")[0], L"Standard GPS Time");
 }
 
 }  // namespace

@@ -2,12 +2,14 @@
 
 #include <gmock/gmock.h>
 
+#include <QTextDocument>
 #include <limits>
 
 #include "raster/page/RasterBandTable.h"
-#include "raster/page/RasterTotals.h"
-#include "raster/page/RasterValues.h"
-#include "raster/testing/RasterListings.h"
+#include "raster/page/RasterSections.h"
+#include "raster/testing/RasterRows.h"
+#include "support/Format.h"
+#include "support/QtText.h"
 
 namespace orvex {
 namespace {
@@ -17,9 +19,11 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-/// What a list of sections says under a caption; "-" when it says nothing.
-std::wstring Value(const std::vector<DetailSection>& sections, StringId caption) {
-    for (const DetailSection& section : sections) {
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+/// Text of a field; "-" when it is left out.
+std::wstring Value(const RasterRow& row, StringId caption, RasterUse use = RasterUse::Image) {
+    for (const DetailSection& section : RasterSections(row, use)) {
         for (const DetailField& field : section.fields) {
             if (field.caption == caption) {
                 return field.value;
@@ -39,11 +43,11 @@ RasterBandProperties FloatBand(std::optional<double> nodata) {
     return band;
 }
 
-RasterInspection Dem() {
-    RasterInspection file = testing::DescribedRaster(L"/d/dem.tif", testing::ProjectedWkt());
-    RasterProperties& properties = file.properties;
+RasterRow Dem(const std::wstring& layer = {}) {
+    RasterRow row = testing::DescribedRaster(L"/d/dem.tif", testing::ProjectedWkt(), layer);
+    RasterProperties& properties = row.file->properties;
     properties.bands = 2;
-    properties.bandDetails = {FloatBand(-9999), FloatBand(std::numeric_limits<double>::quiet_NaN())};
+    properties.bandDetails = {FloatBand(-9999), FloatBand(kNan)};
     properties.bandDetails[0].minimum = 12.5;
     properties.bandDetails[1].minimum = -3;
     properties.bandDetails[0].maximum = 1000000;
@@ -52,76 +56,72 @@ RasterInspection Dem() {
     properties.transform = {{500000, 0.5, 0, 5700100, 0, -0.25}};
     properties.sidecars = {L"/d/dem.tfw", L"/d/dem.tif.aux.xml"};
     properties.totalBytes = 3'000'000;
-    return file;
+    return row;
 }
 
-TEST(RasterDetails, TheOverviewTellsWhatLoadingTakes) {
-    const auto sections = RasterOverview(testing::ListedRow(Dem(), L"DEM LAS Layer_1"), RasterUse::Dem);
-    const std::pair<StringId, const wchar_t*> values[] = {
-        {13568_lsid, L"GeoTIFF"},
-        {13505_lsid, L"2.34"},
-        {41289_lsid, L"3.00"},
-        {41290_lsid, L"dem.tfw\ndem.tif.aux.xml"},
-        {13507_lsid, L"DEM LAS Layer_1"},
-        {13513_lsid, L"Standard GPS Time"},
-        {13569_lsid, L"600 x 400"},
-        {41291_lsid, L"Float32"},
-        {41292_lsid, L"-9999, NaN"},
-        {41293_lsid, L"-3"},
-        {41294_lsid, L"1e+06"},
-        {40660_lsid, L"500000.000 \u2013 500300.000"},
-        {13578_lsid, L"0.50000000 x 0.25000000"},
-        {40559_lsid, L"Meters"},
-        {41303_lsid, L"-"},
-        {41302_lsid, L"None"},
-        {41304_lsid, L"Its center point"},
-        {41299_lsid, L"DEFLATE"},
-        {41300_lsid, L"256 x 256"},
-        {3325_lsid, L"False"},
-        {41301_lsid, L"1.92"},
-        {41308_lsid, L"-"},
+TEST(RasterDetails, FieldsOfEachKindOfFile) {
+    const RasterRow dem = Dem(L"DEM LAS Layer_1");
+    RasterRow turned = Dem();
+    turned.file->properties.transform = {{0, 0, -2, 0, 2, 0}};  // a quarter turn
+    RasterRow brief = testing::DescribedRaster(L"/a.tif", {});
+    brief.file->properties.hasDetails = false;
+    const struct {
+        const RasterRow& row;
+        StringId caption;
+        const wchar_t* value;
+        RasterUse use = RasterUse::Image;
+    } fields[] = {
+        {dem, 13568_lsid, L"GeoTIFF"},
+        {dem, 13505_lsid, L"2.34"},
+        {dem, 41289_lsid, L"3.00"},
+        {dem, 41290_lsid, L"dem.tfw\ndem.tif.aux.xml"},
+        {dem, 13507_lsid, L"DEM LAS Layer_1"},
+        {dem, 13513_lsid, L"Standard GPS Time", RasterUse::Dem},
+        {dem, 13513_lsid, L"-"},  // an image has no GPS time
+        {dem, 13569_lsid, L"600 x 400"},
+        {dem, 41291_lsid, L"Float32"},
+        {dem, 41292_lsid, L"-9999, NaN"},
+        {dem, 41293_lsid, L"-3"},
+        {dem, 41294_lsid, L"1e+06"},
+        {dem, 40660_lsid, L"500000.000 \u2013 500300.000"},
+        {dem, 13578_lsid, L"0.50000000 x 0.25000000"},
+        {dem, 40559_lsid, L"Meters"},
+        {dem, 41303_lsid, L"-"},
+        {dem, 41302_lsid, L"None"},
+        {dem, 41304_lsid, L"Its center point"},
+        {dem, 41299_lsid, L"DEFLATE"},
+        {dem, 41300_lsid, L"256 x 256"},
+        {dem, 3325_lsid, L"False"},
+        {dem, 41301_lsid, L"1.92"},
+        {dem, 41308_lsid, L"-"},
+        {turned, 41302_lsid, L"90.000000\u00b0"},
+        {turned, 41303_lsid, L"0.000 / 0.000"},
+        {brief, 41292_lsid, L"-"},
+        {brief, 41299_lsid, L"-"},
+        {brief, 41302_lsid, L"-"},
+        {brief, 41303_lsid, L"-"},
+        {brief, 41291_lsid, L"-"},
     };
-    for (const auto& [caption, value] : values) {
-        EXPECT_EQ(Value(sections, caption), value) << caption.value;
+    for (const auto& field : fields) {
+        EXPECT_EQ(Value(field.row, field.caption, field.use), field.value) << field.caption.value;
     }
+    EXPECT_THAT(RasterCrsFields(brief), IsEmpty());
+    EXPECT_THAT(BandTable(brief.Properties()).rows, IsEmpty());
+    EXPECT_THAT(RasterSections(testing::RefusedRaster(L"/b", L"no"), RasterUse::Image), IsEmpty());
 }
 
-TEST(RasterDetails, RotatedRowsAreToldInDegrees) {
-    RasterInspection file = Dem();
-    file.properties.transform = {{0, 0, -2, 0, 2, 0}};  // a quarter turn
-    const auto sections = RasterOverview(testing::ListedRow(std::move(file)), RasterUse::Image);
-    EXPECT_EQ(Value(sections, 41302_lsid), L"90.000000\u00b0");
-    EXPECT_EQ(Value(sections, 41303_lsid), L"0.000 / 0.000");
-    EXPECT_EQ(Value(sections, 13513_lsid), L"-") << "an image has no GPS time";
-}
-
-TEST(RasterDetails, AnObjectThatKnowsLittleAndARefusedFileSayLittle) {
-    RasterInspection file = testing::DescribedRaster(L"/a.tif", {});
-    file.properties.hasDetails = false;
-    const RasterRow row = testing::ListedRow(std::move(file));
-    const auto sections = RasterOverview(row, RasterUse::Image);
-    for (const StringId caption : {41292_lsid, 41299_lsid, 41302_lsid, 41303_lsid, 41291_lsid}) {
-        EXPECT_EQ(Value(sections, caption), L"-") << caption.value;
-    }
-    EXPECT_THAT(RasterCrsFields(row), IsEmpty());
-    EXPECT_THAT(RasterBands(row).rows, IsEmpty());
-    EXPECT_THAT(RasterOverview(testing::ListedRow(testing::RefusedRaster(L"/b", L"no")), RasterUse::Image),
-                IsEmpty());
-}
-
-TEST(RasterDetails, BandsLeaveOutWhatNoneSays) {
-    RasterInspection file = Dem();
-    file.properties.bandDetails[1].scale = 0.1F;
-    file.properties.bands = 300;
-    const RasterRow row = testing::ListedRow(std::move(file));
-    const DetailTable table = RasterBands(row);
+TEST(RasterDetails, ColumnsInWhichEveryBandIsEmptyAreLeftOut) {
+    RasterRow row = Dem();
+    row.file->properties.bandDetails[1].scale = 0.1F;
+    row.file->properties.bands = 300;
+    const DetailTable table = BandTable(row.Properties());
     EXPECT_THAT(table.captions, ElementsAre(41310_lsid, 41291_lsid, 13573_lsid, 41311_lsid, 41292_lsid,
                                             41293_lsid, 41294_lsid, 41296_lsid, 41300_lsid, 13577_lsid));
     ASSERT_THAT(table.rows, SizeIs(2));
     EXPECT_THAT(table.rows[0], ElementsAre(L"1", L"Float32", L"32", L"Gray", L"-9999", L"12.5", L"1e+06", L"",
                                            L"256 x 256", L"0"));
     EXPECT_THAT(table.rows[1], Contains(L"0.1")) << "with the digits that single precision has";
-    EXPECT_EQ(UnlistedBands(row), 298U);
+    EXPECT_EQ(UnlistedBands(row.Properties()), 298U);
 }
 
 TEST(RasterDetails, ManyDifferentValuesAreCut) {
@@ -134,32 +134,43 @@ TEST(RasterDetails, ManyDifferentValuesAreCut) {
     EXPECT_EQ(LowestMinimum(properties), L"");
 }
 
+/// The pane's first tab for these rows as lines: captions and values in turn.
+std::vector<std::wstring> Lines(const std::vector<RasterRow>& rows, std::vector<std::size_t> records) {
+    QTextDocument document;
+    document.setHtml(
+        RasterDetailsContent(rows, records, RasterUse::Image, QStringLiteral("#000000")).tabs.at(0));
+    std::vector<std::wstring> lines;
+    for (const QString& line : document.toPlainText().split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        lines.push_back(ToWide(line));
+    }
+    return lines;
+}
+
 TEST(RasterDetails, TotalsUniteExtentsOfOneCrsOnly) {
     std::vector<RasterRow> rows;
-    rows.push_back(testing::ListedRow(Dem(), L"A"));
-    RasterInspection east = Dem();
-    east.properties.extent = {{500300, 5699000, 500900, 5700000}};
-    rows.push_back(testing::ListedRow(std::move(east), L"A"));
-    RasterInspection odd = Dem();
-    odd.properties.extent = {{std::numeric_limits<double>::quiet_NaN(), 0, 1, 1}};
-    rows.push_back(testing::ListedRow(std::move(odd), L"B"));
-    rows.push_back(testing::ListedRow(testing::RefusedRaster(L"/c", L"no")));
-    const std::vector<std::size_t> all{0, 1, 2, 3};
-    const RasterTotals totals = RasterTotalsOf(rows, all);
-    EXPECT_EQ(totals.files, 4U);
-    EXPECT_EQ(totals.notReadable, 1U);
-    EXPECT_EQ(totals.layers, 2U);
-    EXPECT_EQ(totals.bytes, 3U * 2'340'000 + 10);
-    EXPECT_EQ(totals.totalBytes, 9'000'010U);
-    EXPECT_EQ(totals.pixels, 720000);
-    ASSERT_TRUE(totals.extent.has_value());
-    EXPECT_THAT(*totals.extent, ElementsAre(500000, 5699000, 500900, 5700100));
-    EXPECT_EQ(Value({RasterTotalsSection(totals)}, 13541_lsid), L"500000.000");
-
-    rows.push_back(testing::ListedRow(testing::DescribedRaster(L"/e", testing::GeographicWkt()), L"C"));
-    const std::vector<std::size_t> mixed{0, 4};
-    EXPECT_FALSE(RasterTotalsOf(rows, mixed).extent.has_value());
-    EXPECT_THAT(RasterTotalsOf(rows, mixed).crsNames, SizeIs(2));
+    for (const std::array<double, 4>& extent : {std::array<double, 4>{500000, 5700000, 500300, 5700100},
+                                                {500300, 5699000, 500900, 5700000},
+                                                {kNan, 0, 1, 1}}) {
+        rows.push_back(Dem(rows.size() < 2 ? L"A" : L"B"));
+        rows.back().file->properties.extent = extent;
+    }
+    rows.push_back(testing::RefusedRaster(L"/c", L"no"));
+    rows.push_back(testing::DescribedRaster(L"/e", testing::GeographicWkt(), L"C"));
+    rows.push_back(testing::DescribedRaster(L"/f", {}, L"D"));
+    const std::wstring projected = L"ETRS89 / UTM zone 32N";
+    EXPECT_THAT(
+        Lines(rows, {0, 1, 2, 3}),
+        ElementsAre(Text(40665_lsid), Text(40652_lsid), L"4", Text(13505_lsid), L"7.02", Text(41289_lsid),
+                    L"9.00", Text(41313_lsid), L"0.720", Text(40653_lsid), L"2", Text(40656_lsid), L"1",
+                    Text(40654_lsid), projected, Text(13541_lsid), L"500000.000", Text(13538_lsid),
+                    L"5699000.000", Text(13542_lsid), L"500900.000", Text(13539_lsid), L"5700100.000"));
+    EXPECT_THAT(
+        Lines(rows, {0, 4, 5}),
+        ElementsAre(Text(40665_lsid), Text(40652_lsid), L"3", Text(13505_lsid), L"7.02", Text(41289_lsid),
+                    L"7.68", Text(41313_lsid), L"0.720", Text(40653_lsid), L"3", Text(40654_lsid), projected,
+                    Text(40654_lsid), L"WGS 84", Text(40654_lsid), Text(40612_lsid)));
+    EXPECT_THAT(Lines(rows, {3}), ElementsAre(L"\uFFFC", Text(13638_lsid) + L" no"))
+        << "an icon and the reason";
 }
 
 }  // namespace

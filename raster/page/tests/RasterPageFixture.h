@@ -1,38 +1,32 @@
 #pragma once
+#include <filesystem>
 #include <string>
-#include <vector>
 
 #include "dialog/testing/PageFixture.h"
-#include "raster/RasterCells.h"
+#include "raster/RasterRow.h"
 #include "raster/testing/GeoTiff.h"
 
 namespace orvex::testing {
 
-/// One of the two pages by itself, with everything around it scripted.
-template <typename Page, RasterUse Use>
-class RasterPageFixture : public PageFixture<Page> {
+/// Writes a georeferenced image of 20 x 10 pixels; `name` may be in a subfolder. EPSG code 0: without a CRS.
+inline std::wstring WriteTif(const TemporaryFolder& folder, const std::wstring& name, int epsg = 25832) {
+    std::filesystem::create_directories(ToPath(folder.Name(name)).parent_path());
+    const GeoTiff tif{.crs = epsg == 0 ? "" : "EPSG:" + std::to_string(epsg)};
+    return tif.Write(folder, name);
+}
+
+/// The raster page or the DEM page in the dialog.
+class RasterPageFixture : public PageFixture {
   protected:
-    explicit RasterPageFixture(FileListControls controls) : PageFixture<Page>(controls) { this->MakePage(); }
+    using PageFixture::PageFixture;
 
     std::wstring Tif(const std::wstring& name, int epsg = 25832) const {
-        GeoTiff tif;
-        tif.crs = epsg == 0 ? "" : "EPSG:" + std::to_string(epsg);
-        return tif.Write(this->folder, name);
+        return WriteTif(folder, name, epsg);
     }
-
-    std::vector<std::wstring> Shown(RasterColumn column) const {
-        std::vector<std::wstring> texts;
-        for (const RasterRow& row : this->page->Model().Rows()) {
-            texts.push_back(RasterCellText(row, column, Use));
-        }
-        return texts;
-    }
-    std::vector<std::wstring> Names() const { return Shown(RasterColumn::FileName); }
-    std::vector<std::wstring> Layers() const { return Shown(RasterColumn::Layer); }
+    std::wstring BadTif(const std::wstring& name) const { return folder.Write(name, "no raster"); }
     /// The WKT of a code as a project stores it.
     std::wstring Wkt(int epsg) const {
-        return FromUtf8(
-            InspectRasterFile(Tif(L"wkt" + std::to_wstring(epsg) + L".tif", epsg), Use).properties.wkt);
+        return FromUtf8(InspectRasterFile(Tif(L"wkt.tif", epsg), RasterUse::Image).Properties().wkt);
     }
 };
 

@@ -1,10 +1,9 @@
-#include "las/LasLayers.h"
+#include "crs/LayerAssignment.h"
 
 #include <gmock/gmock.h>
 
-#include "las/testing/LasBuilder.h"
+#include "orvexcommon/OrvexUtilities.h"
 #include "support/Text.h"
-#include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
@@ -12,53 +11,44 @@ namespace {
 using ::testing::ElementsAre;
 using Layers = std::map<std::wstring, std::wstring>;
 
-/// Rows whose CRS is all that matters.
-class LasLayers : public ::testing::Test {
+/// Files of which nothing but the CRS matters.
+class LayerAssignment : public ::testing::Test {
   protected:
-    void Add(const std::string& group, long epsg, bool loadable = true) {
+    void Add(const std::string& group, long epsg) {
         auto crs = std::make_shared<CrsDescription>();
         crs->compatibilityGroup = group;
         crs->epsg = epsg;
-        LasRow row;
-        row.inspection.crs = crs;
-        row.inspection.loadable = loadable;
-        rows.push_back(std::move(row));
+        files.push_back(std::move(crs));
     }
-
-    std::vector<std::wstring> Assign(const Layers& existing, LasLayerRules rules) {
-        AssignLayers(rows, existing, rules);
+    std::vector<std::wstring> Assign(const Layers& existing, LayerRules rules) {
+        places = PlaceInLayers(files, existing, rules, L"LAS Layer_");
         std::vector<std::wstring> layers;
-        for (const LasRow& row : rows) {
-            layers.push_back(row.layer);
+        for (const LayerPlace& place : places) {
+            layers.push_back(place.layer);
         }
         return layers;
     }
+    /// The WKT of an EPSG code as a project stores it.
+    static std::wstring Wkt(int code) { return FromUtf8(OrvexUtilities::CrsGetPrettyWktFromEPSG(code)); }
 
-    /// The WKT of an EPSG code as a project stores it, with the group that a file of it has.
-    static std::wstring Wkt(int code) {
-        const testing::TemporaryFolder folder;
-        const auto builder =
-            testing::LasBuilder(12, 0).AddPoints(4).ProjectedEpsg(static_cast<std::uint16_t>(code));
-        return FromUtf8(InspectLasFile(folder.Write(L"a.las", builder.Build())).crs->sourceWkt);
-    }
-
-    std::vector<LasRow> rows;
+    std::vector<CrsPtr> files;
+    std::vector<LayerPlace> places;
 };
 
-TEST_F(LasLayers, FilesOfOneGroupAndCodeShareALayer) {
+TEST_F(LayerAssignment, FilesOfOneGroupAndCodeShareALayer) {
     Add("a", 1);
     Add("b", 2);
     Add("a", 1);
     Add("a", 3);
-    Add("x", 1, false);
+    files.push_back(nullptr);
     EXPECT_THAT(Assign({}, {}),
                 ElementsAre(L"LAS Layer_1", L"LAS Layer_2", L"LAS Layer_1", L"LAS Layer_3", L""));
-    EXPECT_EQ(rows[2].group, 1U);
-    EXPECT_EQ(rows[3].group, 3U);
-    EXPECT_EQ(rows[4].group, 0U);
+    EXPECT_EQ(places[2].group, 1U);
+    EXPECT_EQ(places[3].group, 3U);
+    EXPECT_EQ(places[4].group, 0U);
 }
 
-TEST_F(LasLayers, NewNamesLeaveOutTheNumbersInUse) {
+TEST_F(LayerAssignment, NewNamesLeaveOutTheNumbersInUse) {
     Add("a", 1);
     Add("b", 2);
     Add("c", 3);
@@ -68,7 +58,7 @@ TEST_F(LasLayers, NewNamesLeaveOutTheNumbersInUse) {
                 ElementsAre(L"LAS Layer_2", L"LAS Layer_4", L"LAS Layer_5"));
 }
 
-TEST_F(LasLayers, AppendingTakesTheFirstCompatibleLayerOfTheProject) {
+TEST_F(LayerAssignment, AppendingTakesTheFirstCompatibleLayerOfTheProject) {
     const std::wstring wkt = Wkt(25832);
     const CrsPtr crs = DescribeCrs(ToUtf8(wkt));
     ASSERT_EQ(crs->epsg, 25832);
@@ -76,20 +66,20 @@ TEST_F(LasLayers, AppendingTakesTheFirstCompatibleLayerOfTheProject) {
     Add("other", 1);
     const Layers existing{{L"B roads", wkt}, {L"A roads", wkt}, {L"Dutch", Wkt(28992)}};
     EXPECT_THAT(Assign(existing, {}), ElementsAre(L"A roads", L"LAS Layer_1"));
-    EXPECT_TRUE(rows[0].layerExists);
-    EXPECT_FALSE(rows[1].layerExists);
+    EXPECT_TRUE(places[0].exists);
+    EXPECT_FALSE(places[1].exists);
     EXPECT_THAT(Assign(existing, {.append = false, .ignoreCrs = false}),
                 ElementsAre(L"LAS Layer_1", L"LAS Layer_2"));
-    EXPECT_FALSE(rows[0].layerExists);
+    EXPECT_FALSE(places[0].exists);
 }
 
-TEST_F(LasLayers, FilesWithoutACrsGoIntoALayerWithoutOne) {
+TEST_F(LayerAssignment, FilesWithoutACrsGoIntoALayerWithoutOne) {
     const CrsPtr none = DescribeCrs({});
     Add(none->compatibilityGroup, none->epsg);
     EXPECT_THAT(Assign({{L"Local", L""}}, {}), ElementsAre(L"Local"));
 }
 
-TEST_F(LasLayers, IgnoringTheCrsPutsEverythingIntoOneLayer) {
+TEST_F(LayerAssignment, IgnoringTheCrsPutsEverythingIntoOneLayer) {
     const std::wstring wkt = Wkt(25832);
     const CrsPtr crs = DescribeCrs(ToUtf8(wkt));
     Add("other", 1);

@@ -1,5 +1,6 @@
 #pragma once
 // Rows as the raster page and the DEM page list them, without files.
+#include <memory>
 #include <string>
 
 #include "raster/RasterRow.h"
@@ -23,16 +24,20 @@ inline std::string GeographicWkt() {
 }
 
 /// A GeoTIFF of 600 x 400 pixels of half a unit, with three bands.
-inline RasterInspection DescribedRaster(const std::wstring& path, const std::string& wkt) {
-    RasterInspection file;
-    file.path = path;
-    file.loadable = true;
-    file.summary = L"OK";
-    file.crs = DescribeCrs(wkt);
-    file.unit = L"Meters";
-    file.fileSize = 2'340'000;
-    file.modifiedMs = 1'715'938'200'000;  // 2024-05-17 09:30
-    RasterProperties& properties = file.properties;
+inline RasterRow DescribedRaster(const std::wstring& path, const std::string& wkt,
+                                 const std::wstring& layer = {}) {
+    RasterRow row;
+    row.path = path;
+    row.loadable = true;
+    row.summary = L"OK";
+    row.crs = DescribeCrs(wkt);
+    row.unit = L"Meters";
+    row.fileSize = 2'340'000;
+    row.modifiedMs = 1'715'938'200'000;  // 2024-05-17 09:30
+    row.place.layer = layer;
+    row.file = std::make_unique<RasterFile>();
+    row.file->path = path;
+    RasterProperties& properties = row.file->properties;
     properties.width = 600;
     properties.height = 400;
     properties.pixelWidth = 0.5;
@@ -47,24 +52,17 @@ inline RasterInspection DescribedRaster(const std::wstring& path, const std::str
     properties.extent = {{500000, 5700000, 500300, 5700100}};
     properties.hasDetails = true;
     properties.format = L"GeoTIFF";
-    return file;
+    return row;
 }
 
 /// A file that could not be described.
-inline RasterInspection RefusedRaster(const std::wstring& path, const std::wstring& cause) {
-    RasterInspection file;
-    file.path = path;
-    file.summary = Text(13638_lsid) + L" " + cause;
-    file.findings = {{FindingSeverity::Error, file.summary}};
-    file.crs = DescribeCrs({});
-    file.fileSize = 10;
-    return file;
-}
-
-inline RasterRow ListedRow(RasterInspection inspection, const std::wstring& layer = {}) {
+inline RasterRow RefusedRaster(const std::wstring& path, const std::wstring& cause) {
     RasterRow row;
-    row.inspection = ListRaster(std::move(inspection));
-    row.place.layer = layer;
+    row.path = path;
+    row.summary = Text(13638_lsid) + L" " + cause;
+    row.findings = {{FindingSeverity::Error, row.summary}};
+    row.crs = DescribeCrs({});
+    row.fileSize = 10;
     return row;
 }
 

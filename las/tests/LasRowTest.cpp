@@ -1,4 +1,4 @@
-#include "las/LasInspection.h"
+#include "las/LasRow.h"
 
 #include <gtest/gtest.h>
 
@@ -21,21 +21,21 @@ constexpr const char* kWgs84 =
     R"(GEOGCS["WGS 84",DATUM["WGS_1984",SPHEROID["WGS 84",6378137,298.257223563]],PRIMEM["Greenwich",0],)"
     R"(UNIT["degree",0.0174532925199433],AUTHORITY["EPSG","4326"]])";
 
-class LasInspectionTest : public ::testing::Test {
+class LasRowTest : public ::testing::Test {
   protected:
-    LasInspection Inspect(const LasBuilder& builder) const {
+    LasRow Inspect(const LasBuilder& builder) const {
         return InspectLasFile(folder_.Write(L"a.las", builder.Build()));
     }
-    static bool Has(const LasInspection& inspection, LasFindingCode code) {
-        return std::ranges::any_of(inspection.findings, [code](const auto& f) { return f.code == code; });
+    static bool Has(const LasRow& row, LasFindingCode code) {
+        return std::ranges::any_of(row.findings, [code](const auto& f) { return f.code == code; });
     }
 
     const testing::TemporaryFolder folder_;
 };
 
-TEST_F(LasInspectionTest, DescribesAGoodFile) {
+TEST_F(LasRowTest, DescribesAGoodFile) {
     const auto before = std::chrono::system_clock::now() - std::chrono::minutes(1);
-    const LasInspection found = Inspect(LasBuilder(12, 1).AddPoints(5).ProjectedEpsg(25832));
+    const LasRow found = Inspect(LasBuilder(12, 1).AddPoints(5).ProjectedEpsg(25832));
     EXPECT_TRUE(found.loadable);
     EXPECT_EQ(found.summary, L"OK");
     EXPECT_TRUE(found.findings.empty());
@@ -51,7 +51,7 @@ TEST_F(LasInspectionTest, DescribesAGoodFile) {
     EXPECT_FALSE(found.crs->isGeographic);
 }
 
-TEST_F(LasInspectionTest, ChoosesTheCrsByTheWktBit) {
+TEST_F(LasRowTest, ChoosesTheCrsByTheWktBit) {
     const LasBuilder keys = LasBuilder(14, 6).AddPoints(2).ProjectedEpsg(25832);
     const struct {
         const char* what;
@@ -77,7 +77,7 @@ TEST_F(LasInspectionTest, ChoosesTheCrsByTheWktBit) {
         {"none", LasBuilder(14, 6).AddPoints(2), L"", false},
     };
     for (const auto& expected : cases) {
-        const LasInspection found = Inspect(expected.builder);
+        const LasRow found = Inspect(expected.builder);
         ASSERT_TRUE(found.loadable) << expected.what;
         EXPECT_EQ(found.crs->name, expected.name) << expected.what;
         EXPECT_EQ(Has(found, LasFindingCode::CrsUnreadable), expected.isUnreadable) << expected.what;
@@ -86,9 +86,8 @@ TEST_F(LasInspectionTest, ChoosesTheCrsByTheWktBit) {
     }
 }
 
-TEST_F(LasInspectionTest, PutsTheWorstFindingIntoTheSummary) {
-    const LasInspection odd =
-        Inspect(LasBuilder(12, 1).AddPoints(5).Lie(131, 0.0).Lie<std::uint32_t>(107, 9));
+TEST_F(LasRowTest, PutsTheWorstFindingIntoTheSummary) {
+    const LasRow odd = Inspect(LasBuilder(12, 1).AddPoints(5).Lie(131, 0.0).Lie<std::uint32_t>(107, 9));
     EXPECT_TRUE(odd.loadable);
     EXPECT_EQ(odd.summary,
               L"The file is truncated by 4 points: its header counts 9 points, the file holds 5.");
@@ -99,7 +98,7 @@ TEST_F(LasInspectionTest, PutsTheWorstFindingIntoTheSummary) {
     EXPECT_EQ(Inspect(LasBuilder(12, 1).AddPoints(5)).summary, L"OK");
 }
 
-TEST_F(LasInspectionTest, SaysWhyAFileCannotBeLoaded) {
+TEST_F(LasRowTest, SaysWhyAFileCannotBeLoaded) {
     std::string descriptor(192, '\0');
     descriptor[2] = 30;
     const std::wstring folder = FromPath(folder_.Path());
@@ -117,7 +116,7 @@ TEST_F(LasInspectionTest, SaysWhyAFileCannotBeLoaded) {
          L"GetExtraByteOffsets: '30' is not a valid extra bytes data_type value."},
     };
     for (const auto& expected : cases) {
-        const LasInspection found = InspectLasFile(expected.path);
+        const LasRow found = InspectLasFile(expected.path);
         EXPECT_FALSE(found.loadable);
         EXPECT_EQ(found.summary, expected.summary);
         EXPECT_EQ(found.path, expected.path);
@@ -126,7 +125,7 @@ TEST_F(LasInspectionTest, SaysWhyAFileCannotBeLoaded) {
     }
 }
 
-TEST_F(LasInspectionTest, WorksFromManyThreads) {
+TEST_F(LasRowTest, WorksFromManyThreads) {
     std::vector<std::wstring> paths;
     for (int i = 0; i < 12; ++i) {
         const auto code = static_cast<std::uint16_t>(25828 + i % 6);
@@ -159,7 +158,7 @@ TEST(LasSamples, AreRead) {
             continue;
         }
         ++count;
-        const LasInspection found = InspectLasFile(path);
+        const LasRow found = InspectLasFile(path);
         EXPECT_FALSE(found.summary.empty()) << entry.path();
         const bool hasOldType = found.summary.starts_with(L"GetExtraByteOffsets: ");
         EXPECT_TRUE(found.loadable || hasOldType || entry.path().parent_path().filename() == "broken")

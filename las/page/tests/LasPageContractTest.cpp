@@ -1,0 +1,109 @@
+#include "dialog/testing/PageContract.h"
+#include "las/page/AddLASFilesPP.h"
+#include "las/testing/LasBuilder.h"
+
+namespace orvex {
+namespace {
+
+using namespace std::string_literals;
+using testing::FilePage;
+using testing::PageContract;
+
+std::wstring WriteLas(const testing::TemporaryFolder& folder, const std::wstring& name, int epsg) {
+    return folder.Write(
+        name,
+        testing::LasBuilder(12, 1).AddPoints(9).ProjectedEpsg(static_cast<std::uint16_t>(epsg)).Build());
+}
+
+PageContract LasContract() {
+    using P = AddFilesParams;
+    PageContract page{};
+    page.name = "Las";
+    page.make = testing::MakePage<AddLASFilesPP>;
+    page.grid = 251;
+    page.addFiles = 253;
+    page.addFolder = 252;
+    page.remove = 254;
+    page.clear = 255;
+    page.detailColumns = 248;
+    page.refresh = 249;
+    page.help = 250;
+    page.captions = {{247, 13466_lsid}, {252, 13463_lsid}, {253, 13462_lsid}, {254, 13464_lsid},
+                     {255, 13465_lsid}, {258, 13467_lsid}, {259, 13469_lsid}, {260, 13470_lsid},
+                     {261, 41000_lsid}, {262, 41001_lsid}, {263, 41002_lsid}, {264, 13475_lsid},
+                     {266, 13472_lsid}, {268, 41005_lsid}, {269, 41006_lsid}, {270, 41007_lsid},
+                     {280, 13658_lsid}, {281, 3256_lsid},  {282, 41003_lsid}, {283, 41004_lsid},
+                     {284, 41008_lsid}, {375, 41009_lsid}, {376, 41010_lsid}, {377, 41011_lsid},
+                     {378, 41012_lsid}, {417, 41013_lsid}};
+    page.tabOrder =
+        "c253 c252 c254 c255 c248 c249 c250 detailsTabs c259 c260 c262 c263 c280 c281 c283 c267 c268 c269 "
+        "c270 c284 c417 c376 c377 c378";
+    page.helpTopic = HelpTopic::LasFiles;
+    page.emptyText = 40674_lsid;
+    page.overview = "detailsOverview";
+    page.nothingSelected = 40634_lsid;
+    page.paneState = L"AddLASFilesDetails";
+    page.filters = {{L"LAS Files (*.las)", L"*.las"}, {L"LAZ Files (*.laz)", L"*.laz"}};
+    page.tooManyFiles = 10048_lsid;
+    page.pickFailed = 10052_lsid;
+    page.folderQuestion = 13556_lsid;
+    page.nothingFound = 41052_lsid;
+    page.nothingFoundIcon = PromptIcon::Information;
+    page.ignored = 41051_lsid;
+    page.reading = 13662_lsid;
+    page.writeGood = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
+        return WriteLas(folder, name + L".las", 25832);
+    };
+    page.writeBad = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
+        return folder.Write(name + L".las", "no LAS file");
+    };
+    page.extension = L".las";
+    page.otherKind = L".tif";
+    page.detailColumn = "software";
+    page.detailColumnsOn = {L"optAddLASDetailCols", "\1"s, 0, {}};
+    page.files = &P::lasFiles;
+    page.detailsPerFile = 1;
+    page.options = {
+        {L"optAddLASOpenSetting", "\0\0\0\0"s, 259, "on", &P::lasOpenSetting, L"0"},
+        {L"optAddLASOpenSetting", "\1\0\0\0"s, 260, "on", &P::lasOpenSetting, L"1"},
+        {L"optAddLASLoadSetting", "\0\0\0\0"s, 262, "on", &P::lasLoadSetting, L"0"},
+        {L"optAddLASLoadSetting", "\1\0\0\0"s, 263, "on", &P::lasLoadSetting, L"1"},
+        {L"optAddLASAppend", "\0"s, 280, "off", &P::lasAppend, L"0"},
+        {L"optAddLASAppend", "\1"s, 280, "on", &P::lasAppend, L"1"},
+        {L"", {}, 281, "on", &P::lasIgnoreIncompatibleCrs, L"1"},
+        {L"", {}, 283, "on", &P::lasLoadCorruptFiles, L"1"},
+        {L"optAddLASThinning", "\x63\0\0\0"s, 267, "99", &P::lasThinning, L"99"},
+        {L"optConvertExistingQVRToOrvexLAS", "\1"s, 284, "on", &P::convertExistingQvr, L"1"},
+        {L"optPyramidType", "\0\0\0\0"s, 270, "on", &P::lasPyramidType, L"0"},
+        {L"optPyramidType", "\1\0\0\0"s, 268, "on", &P::lasPyramidType, L"1"},
+        {L"optPyramidType", "\2\0\0\0"s, 269, "on", &P::lasPyramidType, L"2"},
+        {L"optOrvexLasBackupOption", "\0\0\0\0"s, 376, "on", &P::orvexLasBackupOption, L"0"},
+        {L"optOrvexLasBackupOption", "\1\0\0\0"s, 377, "on", &P::orvexLasBackupOption, L"1"},
+        {L"optOrvexLasBackupOption", "\2\0\0\0"s, 378, "on", &P::orvexLasBackupOption, L"2"},
+        {L"optReCreateOrvexLASOption", "\1"s, 417, "on", &P::reCreateOrvexLas, L"1"},
+    };
+    page.replaced = {
+        {L"optAddLASOpenSetting", {}, 259, "on", &P::lasOpenSetting, L"0"},
+        {L"optAddLASAppend", {}, 280, "on", &P::lasAppend, L"1"},
+        {L"optAddLASThinning", {}, 267, "16", &P::lasThinning, L"16"},
+        {L"optAddLASThinning", "\x88\x13\0\0"s, 267, "256", &P::lasThinning, L"256"},
+        {L"optAddLASThinning", "\xfd\xff\xff\xff"s, 267, "2", &P::lasThinning, L"2"},
+        {L"optPyramidType", "\7\0\0\0"s, 268, "on", &P::lasPyramidType, L"1"},
+        {L"optAddLASPyramid", {}, 268, "on", &P::lasPyramidType, L"1"},
+        // The older on/off value decides while no type is stored.
+        {L"optAddLASPyramid", "\0"s, 270, "on", &P::lasPyramidType, L"0"},
+        {L"optOrvexLasBackupOption", "\xff\xff\xff\xff"s, 377, "on", &P::orvexLasBackupOption, L"1"},
+    };
+    page.thinning = 267;
+    page.thinningMember = &P::lasThinning;
+    page.thinningTexts = {{"2", 2},      {"16", 16},          {" 8", 8},           {"+4", 4},
+                          {"12abc", 12}, {"256", 256},        {"257", 256},        {"9999999999", 256},
+                          {"1", {}},     {"00000000165", 16}, {"00000000002", {}}, {"0", {}},
+                          {"", {}},      {"abc", {}},         {"-5", {}}};
+    return page;
+}
+
+INSTANTIATE_TEST_SUITE_P(LasPage, FilePage, ::testing::Values(LasContract()), testing::NameOfContract());
+
+}  // namespace
+}  // namespace orvex

@@ -1,0 +1,177 @@
+// The raster page and the DEM page as file pages.
+#include "dialog/testing/PageContract.h"
+#include "raster/page/AddDEMFilesPP.h"
+#include "raster/page/AddRasterFilesPP.h"
+#include "raster/page/tests/RasterPageFixture.h"
+
+namespace orvex {
+namespace {
+
+using namespace std::string_literals;
+using testing::FilePage;
+using testing::PageContract;
+
+SettingValue Int16(int value) {
+    return static_cast<std::int16_t>(value);
+}
+
+PageContract SharedContract() {
+    PageContract page{};
+    page.nothingSelected = 41063_lsid;
+    page.startsInInitialFolder = true;
+    page.filters = {{L"All Image Files",
+                     L"*.tif;*.tiff;*.jpg;*.jpeg;*.rgb;*.png;*.sid;*.gif;*.bmp;*.jp2;*.jp2k;*.flt;*.ecw;"
+                     L"*.img"},
+                    {L"TIF Files (*.tif)", L"*.tif"},
+                    {L"JPEG Files (*.jpg)", L"*.jpg"},
+                    {L"PNG Files (*.png)", L"*.png"},
+                    {L"GIF Files (*.gif)", L"*.gif"},
+                    {L"BMP Files (*.bmp)", L"*.bmp"},
+                    {L"MrSID Files (*.sid)", L"*.sid"},
+                    {L"JP2000 Files (*.jp2)", L"*.jp2"},
+                    {L"ECW Files (*.ecw)", L"*.ecw"},
+                    {L"IMG Files (*.img)", L"*.img"},
+                    {L"All Files (*.*)", L"*.*"}};
+    page.nothingFound = 13644_lsid;
+    page.nothingFoundIcon = PromptIcon::Error;
+    page.ignored = 41061_lsid;
+    page.reading = 13663_lsid;
+    page.writeGood = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
+        return testing::WriteTif(folder, name + L".tif");
+    };
+    page.writeBad = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
+        return folder.Write(name + L".tif", "no raster");
+    };
+    page.extension = L".tif";
+    page.otherKind = L".las";
+    page.detailColumn = "folder";
+    return page;
+}
+
+PageContract RasterContract() {
+    using P = AddFilesParams;
+    PageContract page = SharedContract();
+    page.name = "Raster";
+    page.make = testing::MakePage<AddRasterFilesPP>;
+    page.grid = 439;
+    page.addFiles = 431;
+    page.addFolder = 432;
+    page.remove = 433;
+    page.clear = 434;
+    page.detailColumns = 435;
+    page.selectAll = 436;
+    page.refresh = 437;
+    page.help = 438;
+    page.captions = {{430, 41320_lsid}, {431, 13462_lsid}, {432, 13463_lsid}, {433, 13464_lsid},
+                     {434, 13465_lsid}, {440, 41003_lsid}, {441, 13658_lsid}, {442, 41330_lsid}};
+    page.tabOrder = "c431 c432 c433 c434 c435 c436 c437 c438 detailsTabs c441 c442";
+    page.helpTopic = HelpTopic::RasterFiles;
+    page.emptyText = 41322_lsid;
+    page.overview = "rasterOverview";
+    page.paneState = L"AddRasterFilesDetails";
+    page.pickTitle = 13643_lsid;
+    page.tooManyFiles =
+        L"There are too many selected files for the allocated buffer. Select fewer files, then add more "
+        L"files to the layer using the Raster Files tab.";
+    page.folderQuestion = L"Would you like to add raster files from all subfolders as well?";
+    page.onlyWhenNamed = L".sid";
+    page.detailColumnsOn = {L"optAddRasterDetailCols", "\1"s, 0, {}};
+    page.files = &P::rasterFiles;
+    page.detailsPerFile = 1;
+    page.options = {
+        {L"optAddRasterAppend", "\0"s, 441, "off", &P::rasterAppend, L"0"},
+        {L"optAddRasterAppend", "\1"s, 441, "on", &P::rasterAppend, L"1"},
+        {L"optAddRasterPyramid", "\0"s, 442, "off", &P::rasterPyramid, L"0"},
+        {L"optAddRasterPyramid", "\1"s, 442, "on", &P::rasterPyramid, L"1"},
+    };
+    page.replaced = {
+        {L"optAddRasterAppend", {}, 441, "on", &P::rasterAppend, L"1"},
+        {L"optAddRasterPyramid", {}, 442, "on", &P::rasterPyramid, L"1"},
+    };
+    return page;
+}
+
+PageContract DemContract() {
+    using P = AddFilesParams;
+    PageContract page = SharedContract();
+    page.name = "Dem";
+    page.make = testing::MakePage<AddDEMFilesPP>;
+    page.grid = 459;
+    page.addFiles = 451;
+    page.addFolder = 452;
+    page.remove = 453;
+    page.clear = 454;
+    page.detailColumns = 455;
+    page.selectAll = 456;
+    page.refresh = 457;
+    page.help = 458;
+    page.captions = {{450, 41321_lsid}, {451, 13462_lsid}, {452, 13463_lsid}, {453, 13464_lsid},
+                     {454, 13465_lsid}, {460, 13467_lsid}, {461, 13469_lsid}, {462, 13470_lsid},
+                     {463, 41003_lsid}, {464, 41331_lsid}, {465, 41333_lsid}, {466, 41335_lsid},
+                     {467, 41339_lsid}, {468, 41340_lsid}, {470, 41342_lsid}, {471, 3259_lsid},
+                     {472, 41344_lsid}, {474, L"PDRF:"},   {476, 13472_lsid}};
+    page.tabOrder =
+        "c451 c452 c453 c454 c455 c456 c457 c458 detailsTabs c461 c462 c464 c465 c466 c469 c470 c471 c473 "
+        "c475 c477";
+    page.helpTopic = HelpTopic::DemFiles;
+    page.emptyText = 41323_lsid;
+    page.overview = "demOverview";
+    page.paneState = L"AddDEMFilesDetails";
+    page.pickTitle = 3239_lsid;
+    page.tooManyFiles = 3240_lsid;
+    page.folderQuestion = 3241_lsid;
+    page.onlyWhenNamed = L".asc";
+    page.detailColumnsOn = {L"DEMShowAdvCols", Int16(-1), 0, {}};
+    page.files = &P::demFiles;
+    page.options = {
+        {L"DEMAppendToLayers", Int16(0), 464, "off", &P::demAppend, L"0"},
+        {L"DEMAppendToLayers", Int16(-1), 464, "on", &P::demAppend, L"1"},
+        {L"DEMIgnoreCRS", Int16(0), 465, "off", &P::demIgnoreCrs, L"0"},
+        {L"DEMIgnoreCRS", Int16(-1), 465, "on", &P::demIgnoreCrs, L"1"},
+        {L"DEMAutoPyramid", Int16(0), 466, "off", &P::demPyramid, L"0"},
+        {L"DEMAutoPyramid", Int16(-1), 466, "on", &P::demPyramid, L"1"},
+        {L"DEMOpenReadWriteSetting", Int16(0), 461, "on", &P::demOpenReadWrite, L"0"},
+        {L"DEMOpenReadWriteSetting", Int16(-1), 462, "on", &P::demOpenReadWrite, L"1"},
+        {L"DEMLASFolder", SettingValue(L"<ORVEX_PROJECT_PATH>\\Out"s), 469, "<ORVEX_PROJECT_PATH>\\Out",
+         &P::demLasFolder, L"<ORVEX_PROJECT_PATH>\\Out"},
+        {L"DEMThinningFactor", Int16(99), 477, "99", &P::demThinning, L"99"},
+        {L"", {}, 473, "1.2", &P::demLasVersion, L"3"},
+        {L"", {}, 475, "8", &P::demPointFormat, L"8"},
+    };
+    page.replaced = {
+        {L"DEMAppendToLayers", {}, 464, "on", &P::demAppend, L"1"},
+        {L"DEMAppendToLayers", SettingValue(std::int32_t{-1}), 464, "off", &P::demAppend, L"0"},
+        {L"DEMIgnoreCRS", {}, 465, "on", &P::demIgnoreCrs, L"1"},
+        {L"DEMAutoPyramid", {}, 466, "on", &P::demPyramid, L"1"},
+        {L"DEMOpenReadWriteSetting", {}, 462, "on", &P::demOpenReadWrite, L"1"},
+        {L"DEMOpenReadWriteSetting", Int16(1), 461, "on", &P::demOpenReadWrite, L"0"},
+        {L"DEMLASFolder",
+         {},
+         469,
+         "<ORVEX_PROJECT_PATH>\\DEM Import",
+         &P::demLasFolder,
+         L"<ORVEX_PROJECT_PATH>\\DEM Import"},
+        {L"DEMLASFolder", SettingValue(L""s), 469, "", &P::demLasFolder, L""},  // an empty text is a text
+        {L"DEMThinningFactor", {}, 477, "16", &P::demThinning, L"16"},
+        {L"DEMThinningFactor", SettingValue(L"32"s), 477, "32", &P::demThinning, L"32"},
+        {L"DEMThinningFactor", SettingValue(std::int32_t{8}), 477, "8", &P::demThinning, L"8"},
+        {L"DEMThinningFactor", SettingValue(4.0), 477, "4", &P::demThinning, L"4"},
+        {L"DEMThinningFactor", Int16(1), 477, "2", &P::demThinning, L"2"},
+        {L"DEMThinningFactor", Int16(300), 477, "256", &P::demThinning, L"256"},
+        {L"DEMThinningFactor", SettingValue(L"x"s), 477, "16", &P::demThinning, L"16"},
+        // Chosen anew each time.
+        {L"DEMLASVersion", Int16(3), 473, "1.4", &P::demLasVersion, L"5"},
+        {L"DEMPointFormat", Int16(3), 475, "0", &P::demPointFormat, L"0"},
+    };
+    page.thinning = 477;
+    page.thinningMember = &P::demThinning;
+    page.thinningTexts = {{"2", 2},     {"16", 16},         {"256", 256}, {"257", 256}, {"1000", 256},
+                          {"0010", 10}, {"999999999", 256}, {"1", {}},    {"0", {}},    {"", {}}};
+    return page;
+}
+
+INSTANTIATE_TEST_SUITE_P(RasterPages, FilePage, ::testing::Values(RasterContract(), DemContract()),
+                         testing::NameOfContract());
+
+}  // namespace
+}  // namespace orvex

@@ -1,0 +1,243 @@
+#include "raster/RasterRow.h"
+
+#include <gdal.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <stdexcept>
+
+#include "orvexcommon/HostInterfaces.h"
+#include "raster/Georeference.h"
+#include "raster/testing/GeoTiff.h"
+#include "raster/testing/TiffBytes.h"
+#include "support/Files.h"
+#include "support/Format.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+using testing::GeoTiff;
+using ::testing::IsEmpty;
+using testing::TemporaryFolder;
+
+std::vector<std::wstring> Texts(const RasterRow& row) {
+    std::vector<std::wstring> texts;
+    std::ranges::transform(row.findings, std::back_inserter(texts), &Finding::text);
+    return texts;
+}
+
+std::wstring Refusal(const std::wstring& reason) {
+    return Text(13638_lsid) + L" " + reason;
+}
+
+/// A host's object that answers as the test wants.
+class AnsweringObject : public OrvexRasterInformation {
+  public:
+    AnsweringObject(std::int32_t result, RasterProperties properties, std::wstring reason)
+        : result_(result), properties_(std::move(properties)), reason_(std::move(reason)) {}
+
+    std::int32_t Describe(const std::wstring&, RasterProperties& properties, std::wstring& reason) override {
+        reason = reason_;
+        if (result_ >= kHostOk) {
+            properties = properties_;
+        }
+        return result_;
+    }
+
+  private:
+    const std::int32_t result_;
+    const RasterProperties properties_;
+    const std::wstring reason_;
+};
+
+/// A host's object that throws.
+class ThrowingObject final : public OrvexRasterInformation {
+  public:
+    std::int32_t Describe(const std::wstring&, RasterProperties&, std::wstring&) override {
+        throw std::runtime_error("no such driver");
+    }
+};
+
+RasterInformationMaker Answering(std::int32_t result, const RasterProperties& properties,
+                                 const std::wstring& reason = {}) {
+    return [=](std::int32_t& made) {
+        made = kHostOk;
+        return std::make_unique<AnsweringObject>(result, properties, reason);
+    };
+}
+
+RasterRow Inspect(const std::wstring& path, const RasterInformationMaker& maker = {}) {
+    return InspectRasterFile(path, RasterUse::Image, maker);
+}
+
+TEST(RasterRow, AFileWithoutAnythingOdd) {
+    const TemporaryFolder folder;
+    const std::wstring path = GeoTiff().Write(folder, L"a.tif");
+    const RasterRow row = Inspect(path);
+    EXPECT_TRUE(row.loadable);
+    EXPECT_EQ(row.path, path);
+    EXPECT_EQ(row.summary, Text(40100_lsid));
+    EXPECT_THAT(row.findings, IsEmpty());
+    EXPECT_EQ(row.unit, L"Meters");
+    EXPECT_EQ(row.crs->name, L"WGS 84 / UTM zone 33N");
+    EXPECT_EQ(row.fileSize, FileSizeOf(path));
+    EXPECT_GT(row.modifiedMs, 1'700'000'000'000);
+    const RasterFileInfo& file = *row.file;
+    EXPECT_EQ(file.FileName(), path);
+    EXPECT_EQ(file.Properties().width, 20);
+    EXPECT_FALSE(file.IsBigTiff());
+    for (const char* order : {"ENDIANNESS=LITTLE", "ENDIANNESS=BIG"}) {
+        const GeoTiff big{.options = {"BIGTIFF=YES", order}};
+        EXPECT_TRUE(Inspect(big.Write(folder, L"b.tif")).file->IsBigTiff()) << order;
+    }
+}
+
+TEST(RasterRow, UnitsAsTheyAreShown) {
+    const std::map<std::wstring, std::wstring> cases{
+        {L"metre", L"Meters"},          {L"METER", L"Meters"},
+        {L"Kilometre", L"Meters"},      {L"US survey foot", L"US survey foot"},
+        {L"unknown", Text(13489_lsid)}, {L"(unknown)", Text(13489_lsid)},
+        {L"Unknown", L"Unknown"},       {L"", L""}};
+    for (const auto& [reported, shown] : cases) {
+        EXPECT_EQ(RasterUnitText(reported), shown);
+    }
+}
+
+TEST(RasterRow, TheHostsObjectIsAskedFirst) {
+    const TemporaryFolder folder;
+    const std::wstring path = GeoTiff().Write(folder, L"a.tif");
+    RasterProperties told;
+    told.width = 7;
+    told.height = 8;
+    told.pixelWidth = told.pixelHeight = 2;
+    told.linearUnit = L"foot";
+    told.projectionCode = 4711;
+    told.bands = 5;
+
+    const RasterRow brief = Inspect(path, Answering(kHostOk, told));
+    EXPECT_EQ(brief.Properties().width, 7);
+    EXPECT_EQ(brief.Properties().projectionCode, 4711);
+    EXPECT_EQ(brief.unit, L"foot");
+    EXPECT_EQ(brief.Properties().wkt, "") << "the object's word holds for what every object says";
+    EXPECT_TRUE(brief.Properties().hasDetails);
+    EXPECT_EQ(brief.Properties().driver, L"GTiff") << "what it leaves out is read";
+
+    const std::wstring own = folder.Write(L"a.own", "a format that only the host knows");
+    EXPECT_TRUE(Inspect(own, Answering(kHostOk, told)).loadable);
+    told.hasDetails = true;
+    told.driver = L"Own";
+    EXPECT_EQ(Inspect(path, Answering(kHostOk, told)).Properties().driver, L"Own");
+}
+
+TEST(RasterRow, AnObjectThatFailsGivesTheReason) {
+    const TemporaryFolder folder;
+    const std::wstring path = GeoTiff().Write(folder, L"a.tif");
+    const struct {
+        RasterInformationMaker maker;
+        std::wstring summary;
+        bool threw = false;
+    } cases[] = {
+        {Answering(kHostFail, {}, L"Not today."), Refusal(L"Not today.")},
+        {Answering(kHostFail, {}), Refusal(Text(41500_lsid))},
+        {Answering(kHostOk, {}), Refusal(Text(41216_lsid))},  // an image without a size
+        {[](std::int32_t&) { return std::make_unique<ThrowingObject>(); }, Refusal(L"no such driver"), true},
+        {[](std::int32_t&) -> std::unique_ptr<OrvexRasterInformation> {
+             throw std::runtime_error("no such driver");
+         },
+         Refusal(L"no such driver"), true},
+    };
+    for (const auto& c : cases) {
+        const RasterRow row = Inspect(path, c.maker);
+        EXPECT_FALSE(row.loadable);
+        EXPECT_FALSE(row.IsDescribed());
+        EXPECT_EQ(row.summary, c.summary);
+        EXPECT_EQ(row.threw, c.threw) << ToUtf8(c.summary);
+        EXPECT_GT(row.fileSize, 0U) << "what was found out before stays";
+    }
+    const RasterInformationMaker none = [](std::int32_t& result) {
+        result = kHostClassNotRegistered;
+        return nullptr;
+    };
+    EXPECT_TRUE(Inspect(path, none).loadable) << "a host without the class";
+}
+
+TEST(RasterRow, APathThatIsNoFileHasItsReason) {
+    const TemporaryFolder folder;
+    const RasterRow directory = Inspect(FromPath(folder.Path()));
+    EXPECT_EQ(directory.summary, Refusal(Text(41201_lsid)));
+    EXPECT_FALSE(directory.threw);
+    for (const std::wstring& path :
+         {folder.Name(L"absent.tif"), std::wstring(L"http://127.0.0.1:9/a.tif"),
+          std::wstring(L"/vsicurl/http://127.0.0.1:9/a.tif"), std::wstring(L"WMS:http://127.0.0.1:9/"),
+          std::wstring(L"<VRTDataset/>"), std::wstring()}) {
+        EXPECT_EQ(Inspect(path).summary, Refusal(Text(41202_lsid))) << ToUtf8(path);
+    }
+}
+
+TEST(RasterRow, AMosaicIsDescribedWithoutItsParts) {
+    const TemporaryFolder folder;
+    const std::wstring path = folder.Write(L"a.vrt", R"(<VRTDataset rasterXSize="9000" rasterYSize="9000">
+<GeoTransform>10,1,0,20,0,-1</GeoTransform><VRTRasterBand dataType="Byte" band="1"><SimpleSource>
+<SourceFilename relativeToVRT="0">/vsicurl/http://127.0.0.1:9/a.tif</SourceFilename></SimpleSource>
+<SimpleSource><SourceFilename relativeToVRT="0">http://127.0.0.1:9/a.tif</SourceFilename></SimpleSource>
+</VRTRasterBand></VRTDataset>)");
+    const RasterRow row = Inspect(path);
+    ASSERT_TRUE(row.loadable);
+    EXPECT_EQ(row.Properties().width, 9000);
+    EXPECT_THAT(row.Properties().warnings, IsEmpty()) << "opening a part would fail with a warning";
+}
+
+TEST(RasterRow, OdditiesOfImagesAndDems) {
+    using enum FindingSeverity;
+    const TemporaryFolder folder;
+    const GeoTiff photo{.bands = 3, .options = {"PHOTOMETRIC=RGB"}};
+    const GeoTiff heights{.type = GDT_Float32, .crs = "EPSG:32633+5773", .change = [](GDALDatasetH dataset) {
+                              GDALSetRasterNoDataValue(GDALGetRasterBand(dataset, 1), -9999);
+                          }};
+    const struct {
+        RasterUse use;
+        GeoTiff tiff;
+        std::vector<std::wstring> findings;
+        FindingSeverity worst = Note;  ///< notes alone leave the summary at "OK"
+    } cases[] = {
+        {RasterUse::Image, {.crs = "", .transform = {}}, {Text(41221_lsid), Text(40121_lsid)}, Warning},
+        {RasterUse::Image, {.transform = {{0, 1, 1, 0, 1, -1}}}, {Text(41224_lsid)}},
+        {RasterUse::Image,
+         {.width = 8192, .height = 8192, .options = {"SPARSE_OK=TRUE"}},
+         {FormatText(Text(41225_lsid), {8192, 8192})}},
+        {RasterUse::Image, photo, {}},
+        {RasterUse::Dem, heights, {}},
+        {RasterUse::Dem,
+         photo,
+         {FormatText(Text(41226_lsid), {3}), Text(41227_lsid), Text(41230_lsid)},
+         Warning},
+        {RasterUse::Dem, {.type = GDT_CFloat64}, {Text(41228_lsid), Text(41230_lsid)}, Error},
+        {RasterUse::Dem, {.type = GDT_Float64}, {Text(41229_lsid), Text(41230_lsid)}},
+    };
+    for (const auto& c : cases) {
+        const RasterRow row = InspectRasterFile(c.tiff.Write(folder, L"a.tif"), c.use);
+        EXPECT_TRUE(row.loadable);
+        EXPECT_EQ(Texts(row), c.findings);
+        EXPECT_EQ(row.summary, c.worst == Note ? Text(40100_lsid) : c.findings.front());
+        EXPECT_EQ(row.findings.empty() ? Note : row.findings.front().severity, c.worst);
+    }
+}
+
+TEST(RasterRow, ATransparencyMask) {
+    const TemporaryFolder folder;
+    for (const auto format : {testing::TiffBytes::Format::Classic, testing::TiffBytes::Format::Big}) {
+        for (const auto order : {testing::TiffBytes::Order::Little, testing::TiffBytes::Order::Big}) {
+            const auto mask =
+                testing::TiffBytes(format, order).Image(8, 1, 8, 1).Tag(258, 3, {1}).Tag(262, 3, {4});
+            const RasterRow row = Inspect(folder.Write(L"a.tif", mask.Build()));
+            EXPECT_EQ(row.Properties().rasterKind, 4);
+            EXPECT_EQ(row.Properties().colorModel, 0);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace orvex
