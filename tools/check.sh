@@ -1,5 +1,5 @@
 # Format, clang-tidy and the rules of the source tree. clang-tidy looks at the sources changed in the last 24 hours, whether
-# committed or not; at every source with --all.
+# committed or not; at every source, and more thoroughly, with --all.
 source tools/build.sh dev
 
 status=0
@@ -40,16 +40,20 @@ tidy() {
     xargs -0 -r -n 1 -P "$(nproc)" clang-tidy -p "$folder" --quiet --warnings-as-errors='*' "$@" 2>/dev/null || status=1
 }
 
+# The analyzer more than doubles the time. It looks at everything with --all, but never at tests: all of their paths are run
+# under the sanitizers.
+quick='--checks=-clang-analyzer-*'
+product_checks=("$quick")
+[ "${1:-}" != --all ] || product_checks=()
 echo "clang-tidy: $((${#units[@]} + ${#test_units[@]})) files"
-[ ${#units[@]} = 0 ] || tidy build/dev < <(printf '%s\0' "${units[@]}")
-# The analyzer doubles the time and adds little for tests, all of whose paths are run under the sanitizers.
-[ ${#test_units[@]} = 0 ] || tidy build/dev '--checks=-clang-analyzer-*' < <(printf '%s\0' "${test_units[@]}")
+[ ${#units[@]} = 0 ] || tidy build/dev "${product_checks[@]}" < <(printf '%s\0' "${units[@]}")
+[ ${#test_units[@]} = 0 ] || tidy build/dev "$quick" < <(printf '%s\0' "${test_units[@]}")
 
 # Sources of the Windows build alone are checked with the headers and the target of mingw-w64.
 if [ ${#windows_units[@]} -gt 0 ] && [ -f build/windows/compile_commands.json ]; then
     echo "clang-tidy for Windows: ${#windows_units[@]} files"
     headers=$(dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name=include)")/include/c++
-    tidy build/windows --extra-arg=--target=x86_64-w64-mingw32 "--extra-arg=-isystem$headers" \
+    tidy build/windows "${product_checks[@]}" --extra-arg=--target=x86_64-w64-mingw32 "--extra-arg=-isystem$headers" \
         "--extra-arg=-isystem$headers/x86_64-w64-mingw32" --extra-arg=-Wno-unknown-warning-option \
         --extra-arg=-Wno-unused-command-line-argument < <(printf '%s\0' "${windows_units[@]}")
 elif [ ${#windows_units[@]} -gt 0 ]; then
