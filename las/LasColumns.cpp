@@ -23,7 +23,7 @@ GridCell OfCrs(const LasRow& row) {
 }
 
 std::wstring YesNo(bool value) {
-    return Text(value ? 40610_lsid : 40611_lsid);
+    return Text(value ? text::kCellYes : text::kCellNo);
 }
 
 GridCell FiniteNumber(double value) {
@@ -90,12 +90,12 @@ GridCell Group(const LasRow& row) {
 std::wstring Companion(const LASFile& file) {
     switch (file.GetCompanionStatus()) {
         case 2:
-            return Text(40613_lsid);
+            return Text(text::kIndexQvr);
         case 3:
         case 6:
-            return Text(40614_lsid);
+            return Text(text::kIndexOrvexLas);
         default:
-            return Text(40612_lsid);
+            return Text(text::kCellNone);
     }
 }
 
@@ -153,9 +153,9 @@ std::wstring CrsSource(const LASFile& file) {
     const bool hasWkt = file.FindWKT().has_value();
     const bool hasGeoKeys = file.FindGeoKeyDirectory().has_value();
     if (hasWkt && (file.Header().HasWktBit() || !hasGeoKeys)) {
-        return Text(40615_lsid);
+        return Text(text::kCrsSourceWkt);
     }
-    return Text(hasGeoKeys ? 40616_lsid : 40612_lsid);
+    return Text(hasGeoKeys ? text::kCrsSourceGeoKeys : text::kCellNone);
 }
 
 std::wstring Waveform(const LASFile& file) {
@@ -163,9 +163,9 @@ std::wstring Waveform(const LASFile& file) {
     constexpr unsigned kExternal = 0x4;
     const unsigned encoding = file.Header().GlobalEncoding();
     if ((encoding & kInternal) != 0) {
-        return Text(40617_lsid);
+        return Text(text::kWaveformInternal);
     }
-    return Text((encoding & kExternal) != 0 ? 40618_lsid : 40612_lsid);
+    return Text((encoding & kExternal) != 0 ? text::kWaveformExternal : text::kCellNone);
 }
 
 std::wstring Attributes(const LASFile& file) {
@@ -179,10 +179,10 @@ std::wstring Attributes(const LASFile& file) {
             text += (text.empty() ? L"" : L", ") + Text(name);
         }
     };
-    add(facts->hasGpsTime, 40580_lsid);
-    add(facts->hasColor, 40619_lsid);
-    add(facts->hasNearInfrared, 40620_lsid);
-    add(facts->hasWaveform, 40578_lsid);
+    add(facts->hasGpsTime, text::kLasGpsTime);
+    add(facts->hasColor, text::kAttributeRgb);
+    add(facts->hasNearInfrared, text::kAttributeNir);
+    add(facts->hasWaveform, text::kLasWaveform);
     return text;
 }
 
@@ -258,70 +258,82 @@ constexpr Column<LasRow> kColumns[] = {
      {.tooltip = FindingsText, .icon = [](const LasRow& row) { return LoadFlagImage(LoadFlagOf(row)); }}},
     {{.name = "path", .hidden = true}, [](const LasRow& row) { return GridCell(row.path); }},
     {{.name = "details", .hidden = true}, Address},
-    {{.name = "fileName", .caption = 40550_lsid, .basic = true, .frozen = true, .footer = FooterKind::Count},
+    {{.name = "fileName",
+      .caption = text::kLasFileName,
+      .basic = true,
+      .frozen = true,
+      .footer = FooterKind::Count},
      [](const LasRow& row) { return GridCell(FileNameOf(row.path)); },
      {.tooltip = PathText}},
-    {{.name = "folder", .caption = 40551_lsid, .maximumWidth = 400},
+    {{.name = "folder", .caption = text::kLasFolder, .maximumWidth = 400},
      [](const LasRow& row) { return GridCell(FolderOf(row.path)); },
      {.tooltip = PathText}},
     {{.name = "size",
-      .caption = 40552_lsid,
+      .caption = text::kLasSizeMegabytes,
       .kind = CellKind::Number,
       .format = kMegabytes,
-      .tooltip = 13481_lsid,
+      .tooltip = text::kSizeTooltip,
       .basic = true,
       .footer = FooterKind::Sum},
      Size},
-    {{.name = "version", .caption = 40553_lsid, .basic = true}, OfFile<Version>},
+    {{.name = "version", .caption = text::kLasVersion, .basic = true}, OfFile<Version>},
     {{.name = "layer",
-      .caption = 40554_lsid,
+      .caption = text::kLasLayer,
       .width = 150,
-      .tooltip = 40599_lsid,
+      .tooltip = text::kLayerTooltip,
       .basic = true,
       .minimumWidth = 150},
      [](const LasRow& row) { return GridCell(row.place.layer); }},
-    {{.name = "epsg", .caption = 40555_lsid, .basic = true}, OfCrs<Epsg>},
-    {{.name = "state", .caption = 40556_lsid, .basic = true, .maximumWidth = 1000},
+    {{.name = "epsg", .caption = text::kLasEpsg, .basic = true}, OfCrs<Epsg>},
+    {{.name = "state", .caption = text::kLasState, .basic = true, .maximumWidth = 1000},
      [](const LasRow& row) { return GridCell(row.summary); },
      {.tooltip = FindingsText}},
-    {{.name = "crsName", .caption = 40557_lsid, .basic = true, .maximumWidth = 400},
+    {{.name = "crsName", .caption = text::kLasCrs, .basic = true, .maximumWidth = 400},
      OfCrs<[](const CrsDescription& crs) { return crs.name; }>},
-    {{.name = "verticalCrs", .caption = 40558_lsid, .maximumWidth = 300},
+    {{.name = "verticalCrs", .caption = text::kVerticalCrs, .maximumWidth = 300},
      OfCrs<[](const CrsDescription& crs) { return crs.verticalName; }>},
-    {{.name = "units", .caption = 40559_lsid}, OfCrs<Units>},
-    {{.name = "group", .caption = 40560_lsid, .tooltip = 13480_lsid}, Group},
-    {{.name = "companion", .caption = 40561_lsid, .tooltip = 3378_lsid}, OfFile<Companion>},
-    {{.name = "compressed", .caption = 40562_lsid, .tooltip = 3212_lsid}, OfFile<Compressed>},
-    {{.name = "returns", .caption = 40563_lsid, .tooltip = 40600_lsid}, OfFile<Returns>},
+    {{.name = "units", .caption = text::kUnits}, OfCrs<Units>},
+    {{.name = "group", .caption = text::kLasGroup, .tooltip = text::kLasGroupTooltip}, Group},
+    {{.name = "companion", .caption = text::kLasIndex, .tooltip = text::kLasIndexTooltip}, OfFile<Companion>},
+    {{.name = "compressed", .caption = text::kLasCompressed, .tooltip = text::kLasCompressedTooltip},
+     OfFile<Compressed>},
+    {{.name = "returns", .caption = text::kLasReturns, .tooltip = text::kLasReturnsTooltip}, OfFile<Returns>},
     {{.name = "pointFormat",
-      .caption = 40564_lsid,
+      .caption = text::kLasPointFormat,
       .align = HeaderAlign::Centre,
-      .tooltip = 40601_lsid,
+      .tooltip = text::kLasPointFormatTooltip,
       .basic = true},
      OfFile<PointFormat>},
-    {{.name = "recordLength", .caption = 40565_lsid, .tooltip = 40602_lsid},
+    {{.name = "recordLength", .caption = text::kLasRecordLength, .tooltip = text::kLasRecordLengthTooltip},
      CountOf<&LasHeader::PointRecordLength>},
-    {{.name = "extraBytes", .caption = 40566_lsid, .tooltip = 40603_lsid, .maximumWidth = 300},
+    {{.name = "extraBytes",
+      .caption = text::kLasExtraBytes,
+      .tooltip = text::kLasExtraBytesTooltip,
+      .maximumWidth = 300},
      OfFile<ExtraBytesNames>},
-    {{.name = "systemId", .caption = 40567_lsid}, OfFile<HeaderText<&LasHeader::SystemIdentifier>>},
-    {{.name = "software", .caption = 40568_lsid}, OfFile<HeaderText<&LasHeader::GeneratingSoftware>>},
-    {{.name = "created", .caption = 40569_lsid}, OfFile<Created>},
-    {{.name = "sourceId", .caption = 40570_lsid}, CountOf<&LasHeader::FileSourceId>},
-    {{.name = "projectId", .caption = 40571_lsid}, OfFile<HeaderText<&LasHeader::ProjectId>>},
-    {{.name = "globalEncoding", .caption = 40572_lsid}, OfFile<GlobalEncoding>},
-    {{.name = "headerSize", .caption = 40573_lsid}, CountOf<&LasHeader::HeaderSize>},
-    {{.name = "offsetToPoints", .caption = 40574_lsid}, CountOf<&LasHeader::OffsetToPoints>},
-    {{.name = "vlrCount", .caption = 40575_lsid},
+    {{.name = "systemId", .caption = text::kLasSystemId}, OfFile<HeaderText<&LasHeader::SystemIdentifier>>},
+    {{.name = "software", .caption = text::kLasGeneratingSoftware},
+     OfFile<HeaderText<&LasHeader::GeneratingSoftware>>},
+    {{.name = "created", .caption = text::kLasCreated}, OfFile<Created>},
+    {{.name = "sourceId", .caption = text::kLasFileSourceId}, CountOf<&LasHeader::FileSourceId>},
+    {{.name = "projectId", .caption = text::kLasProjectId}, OfFile<HeaderText<&LasHeader::ProjectId>>},
+    {{.name = "globalEncoding", .caption = text::kLasGlobalEncoding}, OfFile<GlobalEncoding>},
+    {{.name = "headerSize", .caption = text::kLasHeaderSize}, CountOf<&LasHeader::HeaderSize>},
+    {{.name = "offsetToPoints", .caption = text::kLasOffsetToPoints}, CountOf<&LasHeader::OffsetToPoints>},
+    {{.name = "vlrCount", .caption = text::kLasVlrs},
      OfFile<[](const LASFile& file) { return std::to_wstring(file.GetVLRs().size()); }>},
-    {{.name = "evlrCount", .caption = 40576_lsid},
+    {{.name = "evlrCount", .caption = text::kLasEvlrs},
      OfFile<[](const LASFile& file) { return std::to_wstring(file.GetEVLRs().size()); }>},
-    {{.name = "crsSource", .caption = 40577_lsid, .tooltip = 40604_lsid}, OfFile<CrsSource>},
-    {{.name = "waveform", .caption = 40578_lsid}, OfFile<Waveform>},
-    {{.name = "pointsByReturn", .caption = 40579_lsid, .maximumWidth = 300}, OfFile<PointsByReturn>},
-    {{.name = "gpsTime", .caption = 40580_lsid, .tooltip = 13482_lsid}, OfFile<LasGpsTimeText>},
-    {{.name = "modified", .caption = 40581_lsid}, Modified},
+    {{.name = "crsSource", .caption = text::kLasCrsSource, .tooltip = text::kLasCrsSourceTooltip},
+     OfFile<CrsSource>},
+    {{.name = "waveform", .caption = text::kLasWaveform}, OfFile<Waveform>},
+    {{.name = "pointsByReturn", .caption = text::kLasPointsByReturn, .maximumWidth = 300},
+     OfFile<PointsByReturn>},
+    {{.name = "gpsTime", .caption = text::kLasGpsTime, .tooltip = text::kLasGpsTimeTooltip},
+     OfFile<LasGpsTimeText>},
+    {{.name = "modified", .caption = text::kModifiedUtc}, Modified},
     {{.name = "points",
-      .caption = 40582_lsid,
+      .caption = text::kLasPoints,
       .kind = CellKind::Number,
       .format = kCount,
       .align = kRight,
@@ -329,70 +341,73 @@ constexpr Column<LasRow> kColumns[] = {
       .footer = FooterKind::Sum},
      OfFile<PointCount>},
     {{.name = "density",
-      .caption = 40583_lsid,
+      .caption = text::kLasDensity,
       .kind = CellKind::Number,
       .format = L"%.2f",
       .align = kRight,
-      .tooltip = 40605_lsid},
+      .tooltip = text::kLasDensityTooltip},
      Density,
      {.format = DensityFormat}},
     {{.name = "spacing",
-      .caption = 40584_lsid,
+      .caption = text::kLasSpacing,
       .kind = CellKind::Number,
       .format = L"%.3f",
       .align = kRight,
-      .tooltip = 40606_lsid},
+      .tooltip = text::kLasSpacingTooltip},
      Spacing},
-    {{.name = "scaleX", .caption = 40585_lsid, .align = kRight}, ShortestOf<&LasHeader::Scale, 0>},
-    {{.name = "scaleY", .caption = 40586_lsid, .align = kRight}, ShortestOf<&LasHeader::Scale, 1>},
-    {{.name = "scaleZ", .caption = 40587_lsid, .align = kRight}, ShortestOf<&LasHeader::Scale, 2>},
+    {{.name = "scaleX", .caption = text::kLasXScale, .align = kRight}, ShortestOf<&LasHeader::Scale, 0>},
+    {{.name = "scaleY", .caption = text::kLasYScale, .align = kRight}, ShortestOf<&LasHeader::Scale, 1>},
+    {{.name = "scaleZ", .caption = text::kLasZScale, .align = kRight}, ShortestOf<&LasHeader::Scale, 2>},
     {{.name = "minimumX",
-      .caption = 40588_lsid,
+      .caption = text::kLasMinX,
       .kind = CellKind::Number,
       .format = kCoordinate,
       .align = kRight},
      NumberOf<&LasHeader::Minimum, 0>,
      {.format = HorizontalFormat}},
     {{.name = "minimumY",
-      .caption = 40589_lsid,
+      .caption = text::kLasMinY,
       .kind = CellKind::Number,
       .format = kCoordinate,
       .align = kRight},
      NumberOf<&LasHeader::Minimum, 1>,
      {.format = HorizontalFormat}},
     {{.name = "minimumZ",
-      .caption = 40590_lsid,
+      .caption = text::kLasMinZ,
       .kind = CellKind::Number,
       .format = kCoordinate,
       .align = kRight},
      NumberOf<&LasHeader::Minimum, 2>},
     {{.name = "maximumX",
-      .caption = 40591_lsid,
+      .caption = text::kLasMaxX,
       .kind = CellKind::Number,
       .format = kCoordinate,
       .align = kRight},
      NumberOf<&LasHeader::Maximum, 0>,
      {.format = HorizontalFormat}},
     {{.name = "maximumY",
-      .caption = 40592_lsid,
+      .caption = text::kLasMaxY,
       .kind = CellKind::Number,
       .format = kCoordinate,
       .align = kRight},
      NumberOf<&LasHeader::Maximum, 1>,
      {.format = HorizontalFormat}},
     {{.name = "maximumZ",
-      .caption = 40593_lsid,
+      .caption = text::kLasMaxZ,
       .kind = CellKind::Number,
       .format = kCoordinate,
       .align = kRight},
      NumberOf<&LasHeader::Maximum, 2>},
-    {{.name = "offsetX", .caption = 40594_lsid}, ShortestOf<&LasHeader::Offset, 0>},
-    {{.name = "offsetY", .caption = 40595_lsid}, ShortestOf<&LasHeader::Offset, 1>},
-    {{.name = "offsetZ", .caption = 40596_lsid}, ShortestOf<&LasHeader::Offset, 2>},
-    {{.name = "findingCount", .caption = 40597_lsid},
+    {{.name = "offsetX", .caption = text::kLasXOffset}, ShortestOf<&LasHeader::Offset, 0>},
+    {{.name = "offsetY", .caption = text::kLasYOffset}, ShortestOf<&LasHeader::Offset, 1>},
+    {{.name = "offsetZ", .caption = text::kLasZOffset}, ShortestOf<&LasHeader::Offset, 2>},
+    {{.name = "findingCount", .caption = text::kLasFindings},
      [](const LasRow& row) { return GridCell(std::to_wstring(row.findings.size())); },
      {.tooltip = FindingsText}},
-    {{.name = "attributes", .caption = 40598_lsid, .tooltip = 40607_lsid}, OfFile<Attributes>},
+    {{.name = "attributes",
+      .caption = text::kLasPointAttributes,
+      .tooltip = text::kLasPointAttributesTooltip},
+     OfFile<Attributes>},
 };
 
 }  // namespace

@@ -26,11 +26,11 @@ void DescribeFileCrs(LasRow& row) {
     const LasCrs crs = ReadLasCrs(file);
     row.crs = DescribeCrs(crs.wkt);
     if (crs.isDamaged || (!crs.wkt.empty() && row.crs->name.empty())) {
-        row.findings.push_back(
-            {LasFindingCode::CrsUnreadable, FindingSeverity::Warning, las::at::kVlrCount, Text(40122_lsid)});
+        row.findings.push_back({LasFindingCode::CrsUnreadable, FindingSeverity::Warning, las::at::kVlrCount,
+                                Text(text::kCrsUnreadable)});
     } else if (crs.wkt.empty()) {
         row.findings.push_back(
-            {LasFindingCode::NoCrs, FindingSeverity::Note, las::at::kVlrCount, Text(40121_lsid)});
+            {LasFindingCode::NoCrs, FindingSeverity::Note, las::at::kVlrCount, Text(text::kFileWithoutCrs)});
     }
 }
 
@@ -40,7 +40,7 @@ void RefuseWithoutSignature(LasRow& row) {
         return;
     }
     row.loadable = false;
-    row.summary = FormatText(Text(40123_lsid), {row.path});
+    row.summary = FormatText(Text(text::kNotLas), {row.path});
     row.findings = {{LasFindingCode::SignatureMissing, FindingSeverity::Error, 0, row.summary}};
     row.file.reset();
 }
@@ -57,7 +57,7 @@ void Inspect(LasRow& row) {
     DescribeFileCrs(row);
     SortFindings(row.findings);
     const bool isOdd = !row.findings.empty() && row.findings.front().severity > FindingSeverity::Note;
-    row.summary = isOdd ? row.findings.front().text : Text(40100_lsid);
+    row.summary = isOdd ? row.findings.front().text : Text(text::kInspectionOk);
 }
 
 }  // namespace

@@ -75,21 +75,23 @@ std::wstring ImageSize(const RasterProperties& properties) {
 }
 
 std::wstring ColorModel(const RasterProperties& properties) {
-    constexpr std::array kNames{13621_lsid, 13620_lsid, 13619_lsid};
+    constexpr std::array kNames{text::kColorBlackAndWhite, text::kColorGrayscale, text::kColorRgb};
     const auto code = static_cast<std::size_t>(properties.colorModel);
-    return Text(code < kNames.size() ? kNames[code] : 13489_lsid);
+    return Text(code < kNames.size() ? kNames[code] : text::kUnknown);
 }
 
 std::wstring Photometric(const RasterProperties& properties) {
-    constexpr std::array kNames{13624_lsid, 13622_lsid, 13619_lsid, 13623_lsid, 13625_lsid};
+    constexpr std::array kNames{text::kPhotometricWhiteIsZero, text::kPhotometricBlackIsZero, text::kColorRgb,
+                                text::kPhotometricPalette, text::kPhotometricTransparencyMask};
     const auto kind = static_cast<std::size_t>(properties.rasterKind);
-    return Text(kind < kNames.size() ? kNames[kind] : 13489_lsid);
+    return Text(kind < kNames.size() ? kNames[kind] : text::kUnknown);
 }
 
 std::wstring ProjectionCode(const RasterProperties& properties) {
     constexpr std::int32_t kUserDefined = 32767;
     const std::int32_t code = properties.projectionCode;
-    return code >= 1 && code != kUserDefined ? Text(13495_lsid) + std::to_wstring(code) : Text(13497_lsid);
+    return code >= 1 && code != kUserDefined ? Text(text::kEpsgPrefix) + std::to_wstring(code)
+                                             : Text(text::kProjectionCodeNone);
 }
 
 bool IsGeoreferenced(const RasterProperties& properties) {
@@ -168,69 +170,75 @@ constexpr PageColumn kColumns[] = {
     {{{.name = "loadFlag",
        .width = 20,
        .kind = CellKind::Flag,
-       .tooltip = 13501_lsid,
+       .tooltip = text::kStatusIconTooltip,
        .basic = true,
        .frozen = true,
        .resizable = false},
       Flag,
       {.tooltip = FindingsText,
        .icon = [](const RasterRow& row) { return LoadFlagImage(LoadFlagOf(row)); }}}},
-    {{Hidden(TextColumn("path", 13502_lsid, 200)), [](const RasterRow& row) { return GridCell(row.path); }}},
-    {{Hidden(TextColumn("details", 13567_lsid, 200)), Address}},
-    {{WithFooter(Frozen(Basic(TextColumn("fileName", 13503_lsid, 200))), FooterKind::Count),
+    {{Hidden(TextColumn("path", text::kPath, 200)), [](const RasterRow& row) { return GridCell(row.path); }}},
+    {{Hidden(TextColumn("details", text::kRasterDetailsColumn, 200)), Address}},
+    {{WithFooter(Frozen(Basic(TextColumn("fileName", text::kFileName, 200))), FooterKind::Count),
       [](const RasterRow& row) { return GridCell(FileNameOf(row.path)); },
       {.tooltip = PathText}}},
-    {{TextColumn("folder", 13504_lsid, 300),
+    {{TextColumn("folder", text::kFolder, 300),
       [](const RasterRow& row) { return GridCell(FolderOf(row.path)); },
       {.tooltip = PathText}}},
-    {{WithFooter(WithTooltip(Basic(NumberColumn("size", 13505_lsid, L"%.2f")), 13481_lsid), FooterKind::Sum),
+    {{WithFooter(WithTooltip(Basic(NumberColumn("size", text::kSizeMegabytes, L"%.2f")), text::kSizeTooltip),
+                 FooterKind::Sum),
       Size}},
-    {{WithTooltip(TextColumn("modified", 13506_lsid, 300), 41282_lsid), Modified}},
-    {{WithTooltip(Basic(TextColumn("layer", 13507_lsid, 200)), 40599_lsid),
+    {{WithTooltip(TextColumn("modified", text::kModified, 300), text::kModifiedUtcTooltip), Modified}},
+    {{WithTooltip(Basic(TextColumn("layer", text::kLayerName, 200)), text::kLayerTooltip),
       [](const RasterRow& row) { return GridCell(row.place.layer); }}},
-    {{Basic(TextColumn("summary", 13508_lsid, 300)),
+    {{Basic(TextColumn("summary", text::kSummary, 300)),
       [](const RasterRow& row) { return GridCell(row.summary); },
       {.tooltip = FindingsText}}},
-    {{TextColumn("fileType", 13568_lsid, 200), OfFile<FileType>}},
-    {{WithTooltip(TextColumn("bigTiff", 3325_lsid, 200), 41283_lsid), OfFile<BigTiff>}, RasterUse::Image},
-    {{Basic(TextColumn("imageSize", 13569_lsid, 200)), OfProperties<ImageSize>}},
-    {{NumberColumn("width", 13570_lsid, kCount), CountOf<&RasterProperties::width>}},
-    {{NumberColumn("height", 13571_lsid, kCount), CountOf<&RasterProperties::height>}},
-    {{WithTooltip(NumberColumn("bands", 13572_lsid, kCount), 13584_lsid), CountOf<&RasterProperties::bands>}},
-    {{WithTooltip(NumberColumn("bitsPerBand", 13573_lsid, kCount), 13585_lsid),
+    {{TextColumn("fileType", text::kFileType, 200), OfFile<FileType>}},
+    {{WithTooltip(TextColumn("bigTiff", text::kBigTiff, 200), text::kBigTiffTooltip), OfFile<BigTiff>},
+     RasterUse::Image},
+    {{Basic(TextColumn("imageSize", text::kImageSize, 200)), OfProperties<ImageSize>}},
+    {{NumberColumn("width", text::kWidthPixels, kCount), CountOf<&RasterProperties::width>}},
+    {{NumberColumn("height", text::kHeightPixels, kCount), CountOf<&RasterProperties::height>}},
+    {{WithTooltip(NumberColumn("bands", text::kBandCount, kCount), text::kBandCountTooltip),
+      CountOf<&RasterProperties::bands>}},
+    {{WithTooltip(NumberColumn("bitsPerBand", text::kBitsPerBand, kCount), text::kBitsPerBandTooltip),
       CountOf<&RasterProperties::bitsPerBand>}},
-    {{WithTooltip(TextColumn("colorModel", 13574_lsid, 200), 13586_lsid), OfProperties<ColorModel>}},
-    {{TextColumn("photometric", 13575_lsid, 200), OfProperties<Photometric>}},
-    {{WithTooltip(TextColumn("projectionCode", 13576_lsid, 300), 13587_lsid), OfProperties<ProjectionCode>}},
-    {{WithTooltip(NumberColumn("overviews", 13577_lsid, kCount), 13588_lsid),
+    {{WithTooltip(TextColumn("colorModel", text::kColorModel, 200), text::kColorModelTooltip),
+      OfProperties<ColorModel>}},
+    {{TextColumn("photometric", text::kPhotometricInterpretation, 200), OfProperties<Photometric>}},
+    {{WithTooltip(TextColumn("projectionCode", text::kProjectionCode, 300), text::kProjectionCodeTooltip),
+      OfProperties<ProjectionCode>}},
+    {{WithTooltip(NumberColumn("overviews", text::kOverviews, kCount), text::kOverviewsTooltip),
       CountOf<&RasterProperties::overviews>}},
-    {{WithTooltip(Basic(NumberColumn("pixelSize", 13645_lsid, L"%.8lf")), 13589_lsid),
+    {{WithTooltip(Basic(NumberColumn("pixelSize", text::kPixelSize, L"%.8lf")), text::kPixelSizeTooltip),
       OfProperties<PixelSize>}},
-    {{WithTooltip(TextColumn("pixelSizes", 13578_lsid, 200), 13590_lsid), OfProperties<PixelSizes>}},
-    {{WithTooltip(NumberColumn("minimumX", 13541_lsid, kCoordinate), 13591_lsid),
+    {{WithTooltip(TextColumn("pixelSizes", text::kPixelSizeXy, 200), text::kPixelSizeXyTooltip),
+      OfProperties<PixelSizes>}},
+    {{WithTooltip(NumberColumn("minimumX", text::kMinX, kCoordinate), text::kMinXTooltip),
       ExtentOf<0>,
       {.format = CoordinateFormat}}},
-    {{WithTooltip(NumberColumn("maximumX", 13542_lsid, kCoordinate), 13592_lsid),
+    {{WithTooltip(NumberColumn("maximumX", text::kMaxX, kCoordinate), text::kMaxXTooltip),
       ExtentOf<2>,
       {.format = CoordinateFormat}}},
-    {{WithTooltip(NumberColumn("minimumY", 13538_lsid, kCoordinate), 13593_lsid),
+    {{WithTooltip(NumberColumn("minimumY", text::kMinY, kCoordinate), text::kMinYTooltip),
       ExtentOf<1>,
       {.format = CoordinateFormat}}},
-    {{WithTooltip(NumberColumn("maximumY", 13539_lsid, kCoordinate), 13594_lsid),
+    {{WithTooltip(NumberColumn("maximumY", text::kMaxY, kCoordinate), text::kMaxYTooltip),
       ExtentOf<3>,
       {.format = CoordinateFormat}}},
-    {{Basic(TextColumn("crsName", 13509_lsid, 200)),
+    {{Basic(TextColumn("crsName", text::kCrsName, 200)),
       OfCrs<[](const CrsDescription& crs) { return crs.name; }>}},
-    {{Basic(TextColumn("linearUnit", 13579_lsid, 200)),
+    {{Basic(TextColumn("linearUnit", text::kLinearUnit, 200)),
       OfFile<[](const RasterRow& row) { return row.unit; }>}},
-    {{TextColumn("angularUnit", 13580_lsid, 200),
+    {{TextColumn("angularUnit", text::kAngularUnit, 200),
       OfCrs<[](const CrsDescription& crs) { return crs.angularUnits; }>}},
-    {{TextColumn("wkt", 13581_lsid, 200), OfCrs<[](const CrsDescription& crs) { return crs.prettyWkt; }>}},
-    {{TextColumn("gpsTime", 13513_lsid, 200),
-      OfProperties<[](const RasterProperties&) { return Text(13490_lsid); }>},
+    {{TextColumn("wkt", text::kCrsWkt, 200), OfCrs<[](const CrsDescription& crs) { return crs.prettyWkt; }>}},
+    {{TextColumn("gpsTime", text::kGpsTimeType, 200),
+      OfProperties<[](const RasterProperties&) { return Text(text::kNoGpsTime); }>},
      RasterUse::Image},
     // The converted points are written with standard GPS times.
-    {{TextColumn("gpsTime", 13513_lsid, 200),
+    {{TextColumn("gpsTime", text::kGpsTimeType, 200),
       OfProperties<[](const RasterProperties&) { return std::wstring(L"Standard GPS Time"); }>},
      RasterUse::Dem},
 };

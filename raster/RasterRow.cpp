@@ -21,7 +21,7 @@ std::int64_t ModifiedMs(const std::wstring& path) {
 
 RasterProperties ReadOurselves(const std::wstring& path) {
     if (!EnsureGdal()) {
-        throw LDataError(Text(41210_lsid));
+        throw LDataError(Text(text::kRasterProgramFilesMissing));
     }
     return ReadRasterProperties(path);
 }
@@ -59,7 +59,7 @@ void Inspect(RasterRow& row, RasterUse use, const RasterInformationMaker& maker)
     file->path = row.path;
     file->properties = Read(row.path, maker);
     if (file->properties.width < 1 || file->properties.height < 1) {
-        throw LDataError(Text(41216_lsid));
+        throw LDataError(Text(text::kRasterNoImage));
     }
     row.file = std::move(file);
     row.loadable = true;
@@ -69,7 +69,7 @@ void Inspect(RasterRow& row, RasterUse use, const RasterInformationMaker& maker)
     Is_BigTIFF(row.path, row.file->bigTiff, reason);
     row.findings = ValidateRaster(row.Properties(), *row.crs, use);
     const bool isOdd = !row.findings.empty() && row.findings.front().severity > FindingSeverity::Note;
-    row.summary = isOdd ? row.findings.front().text : Text(40100_lsid);
+    row.summary = isOdd ? row.findings.front().text : Text(text::kInspectionOk);
 }
 
 /// The row of a file that cannot be described: what is wrong with it, and nothing else.
@@ -78,7 +78,8 @@ void Refuse(RasterRow& row, const std::wstring& reason) {
     row.file.reset();
     row.unit.clear();
     row.crs = DescribeCrs({});
-    row.summary = Text(13638_lsid) + L" " + (reason.empty() ? Text(41500_lsid) : reason);
+    row.summary = Text(text::kRasterCannotBeRead) + L" " +
+                  (reason.empty() ? Text(text::kRasterDamagedOrUnsupported) : reason);
     row.findings = {{FindingSeverity::Error, row.summary}};
 }
 
@@ -89,7 +90,7 @@ void NoteException(RasterRow& row, const std::wstring& message) {
         Refuse(row, message);
         return;
     }
-    row.summary = Text(13498_lsid) + L": " + message;
+    row.summary = Text(text::kRasterPropertiesFailed) + L": " + message;
     row.findings = {{FindingSeverity::Warning, row.summary}};
 }
 

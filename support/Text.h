@@ -56,7 +56,7 @@ std::wstring WithExtension(std::wstring_view path, std::wstring_view extension);
 /// Key for comparing a path with those already listed: the native path in upper case.
 std::wstring PathKey(std::wstring_view path);
 
-/// A string-library id, written as 13558_lsid so that a test finds every id in the code.
+/// A string-library id, written as text::kLasTab so that a test finds every id in the code.
 struct StringId {
     unsigned value = 0;
     friend constexpr bool operator==(StringId, StringId) = default;

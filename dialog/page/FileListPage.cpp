@@ -128,8 +128,8 @@ void FileListPage::AddFiles(std::vector<std::wstring> paths) {
     }
     FilesAdded(wasEmpty);
     if (!summary.abandonedPath.empty()) {
-        ShowMessage(Text(40678_lsid) + L"\n\n" + summary.abandonedPath, description_.pickCaption,
-                    PromptIcon::Warning);
+        ShowMessage(Text(text::kLasFileNotAnswering) + L"\n\n" + summary.abandonedPath,
+                    description_.pickCaption, PromptIcon::Warning);
     }
 }
 

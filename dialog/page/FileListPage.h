@@ -16,22 +16,22 @@ namespace orvex {
 
 /// What differs between pages that list files.
 struct FileListPageDescription : ListPageDescription {
-    Button addFiles = {0, 13462_lsid, {}};
-    Button addFolder = {0, 13463_lsid, {}};
-    Button refresh = {0, {}, 40675_lsid};
+    Button addFiles = {0, text::kAddFiles, {}};
+    Button addFolder = {0, text::kAddFolder, {}};
+    Button refresh = {0, {}, text::kRefreshTooltip};
 
     StringId pickTitle = {};             ///< 0: the system's own
     bool startsInInitialFolder = false;  ///< the picker opens where the record says
     std::vector<FileFilter> filters;
-    FixedText tooManyFiles = 10048_lsid;  ///< the names do not fit the picker's buffer
-    FixedText noMemory = 10052_lsid;      ///< for that buffer
-    FixedText pickFailed = {};            ///< for another reason; empty: nothing is said
-    StringId pickCaption = 10184_lsid;
+    FixedText tooManyFiles = text::kLasTooManySelected;  ///< the names do not fit the picker's buffer
+    FixedText noMemory = text::kPickerOutOfMemory;       ///< for that buffer
+    FixedText pickFailed = {};                           ///< for another reason; empty: nothing is said
+    StringId pickCaption = text::kPickerCaption;
 
-    StringId folderTitle = 18251_lsid;
+    StringId folderTitle = text::kFolderTitle;
     FixedText folderQuestion = {};  ///< whether subfolders are to be searched too
-    StringId folderCaption = 18253_lsid;
-    StringId scanProgress = 13647_lsid;
+    StringId folderCaption = text::kAddFolderCaption;
+    StringId scanProgress = text::kFolderSearchProgress;
     ScanTexts scanTexts = {};
     /// Of files that are named (dropped, or given by the host), upper-cased with their dot.
     std::vector<std::wstring> extensions;
@@ -39,7 +39,7 @@ struct FileListPageDescription : ListPageDescription {
     std::vector<std::wstring> folderExtensions;
 
     AddingDescription adding;
-    StringId refreshProgress = 40676_lsid;  ///< as AddingDescription::progressText
+    StringId refreshProgress = text::kRefreshProgress;  ///< as AddingDescription::progressText
 };
 
 /// A page that lists files: picking, searching folders, dropping, reading them with progress.

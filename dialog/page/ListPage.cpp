@@ -293,7 +293,7 @@ void ListPage::OnContextHelp() {
 
 void ListPage::OnHelp() {
     if (!services_.help.Show(description_.helpTopic)) {
-        ShowMessage(Text(40687_lsid), 40451_lsid, PromptIcon::Warning);
+        ShowMessage(Text(text::kHelpOpenFailed), text::kAddFilesTitle, PromptIcon::Warning);
     }
 }
 
@@ -349,7 +349,7 @@ bool ListPage::ReadNumber(const OptionRow& row) {
     if (row.control != OptionControl::Number || form_->ReadNumber(row)) {
         return true;
     }
-    ShowMessage(Text(7669_lsid), 7670_lsid, PromptIcon::Warning);
+    ShowMessage(Text(text::kThinningRefused), text::kThinningCaption, PromptIcon::Warning);
     return false;
 }
 

@@ -35,18 +35,18 @@ struct ListPageDescription {
     StringId listCaption = {};  ///< above the grid
     int gridId = 0;
     StringId emptyText = {};  ///< in the empty grid
-    Button remove = {0, 13464_lsid, 13484_lsid};
-    Button clear = {0, 13465_lsid, 13485_lsid};
-    Button detailColumns = {0, {}, 13478_lsid};
-    Button selectAll = {0, {}, 13477_lsid};
-    Button help = {0, {}, 13557_lsid};
+    Button remove = {0, text::kRemove, text::kRemoveTooltip};
+    Button clear = {0, text::kClear, text::kClearTooltip};
+    Button detailColumns = {0, {}, text::kDetailColumnsTooltip};
+    Button selectAll = {0, {}, text::kSelectAllTooltip};
+    Button help = {0, {}, text::kHelpTooltip};
     HelpTopic helpTopic = HelpTopic::LasFiles;
 
     bool fitsColumns = true;             ///< columns follow what is added; else they keep their widths
     const char* splitterName = "";       ///< object name of the splitter between grid and details
     const wchar_t* paneStateName = L"";  ///< under which the details pane's state is stored
     std::vector<DetailsTab> detailsTabs;
-    StringId nothingSelected = 41063_lsid;  ///< in the first tab
+    StringId nothingSelected = text::kDetailsNoSelection;  ///< in the first tab
 
     OptionTable options;
 };

@@ -255,7 +255,7 @@ TEST_P(FilePage, ThePickerIsAskedAndItsFailuresAreTold) {
     const std::pair<PickOutcome, std::wstring> outcomes[] = {
         {PickOutcome::Cancelled, {}},
         {PickOutcome::BufferTooSmall, GetParam().tooManyFiles.Get()},
-        {PickOutcome::OutOfMemory, Text(10052_lsid)},
+        {PickOutcome::OutOfMemory, Text(text::kPickerOutOfMemory)},
         {PickOutcome::Failed, GetParam().pickFailed.Get()}};
     for (const auto& [outcome, text] : outcomes) {
         prompts.shown.clear();
@@ -264,7 +264,7 @@ TEST_P(FilePage, ThePickerIsAskedAndItsFailuresAreTold) {
         ASSERT_THAT(prompts.shown, ::testing::SizeIs(text.empty() ? 0 : 1));
         for (const Prompt& prompt : prompts.shown) {
             EXPECT_EQ(prompt.text, text);
-            EXPECT_EQ(prompt.caption, Text(10184_lsid));
+            EXPECT_EQ(prompt.caption, Text(text::kPickerCaption));
             EXPECT_EQ(prompt.icon, PromptIcon::Error);
         }
     }
@@ -284,9 +284,9 @@ TEST_P(FilePage, AFolderIsSearchedAsTheAnswerSays) {
         prompts.answers = {answer};
         Click(GetParam().addFolder);
         EXPECT_THAT(Names(), ::testing::UnorderedElementsAreArray(names));
-        EXPECT_EQ(pickers.folderTitles.back(), Text(18251_lsid));
+        EXPECT_EQ(pickers.folderTitles.back(), Text(text::kFolderTitle));
         EXPECT_EQ(prompts.shown.back().text, GetParam().folderQuestion.Get());
-        EXPECT_EQ(prompts.shown.back().caption, Text(18253_lsid));
+        EXPECT_EQ(prompts.shown.back().caption, Text(text::kAddFolderCaption));
         EXPECT_EQ(prompts.shown.back().buttons, PromptButtons::YesNoCancel);
         page->Release();
     }
@@ -301,7 +301,7 @@ TEST_P(FilePage, AFolderIsSearchedAsTheAnswerSays) {
     folder.Write(L"none/readme" + GetParam().otherKind, "text");
     page->AddPaths({folder.Name(L"none")});
     EXPECT_EQ(prompts.shown.back().text, GetParam().nothingFound.Get());
-    EXPECT_EQ(prompts.shown.back().caption, Text(18253_lsid));
+    EXPECT_EQ(prompts.shown.back().caption, Text(text::kAddFolderCaption));
     EXPECT_EQ(prompts.shown.back().icon, GetParam().nothingFoundIcon);
 }
 
@@ -315,7 +315,7 @@ TEST_P(FilePage, DroppedFilesAreAddedByTheirExtension) {
     EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"a"), NameOf(L"b")));
     ASSERT_THAT(prompts.shown, ::testing::SizeIs(1));
     EXPECT_EQ(prompts.shown[0].text, FormatText(Text(GetParam().ignored), {1}));
-    EXPECT_EQ(prompts.shown[0].caption, Text(18253_lsid));
+    EXPECT_EQ(prompts.shown[0].caption, Text(text::kAddFolderCaption));
 }
 
 TEST_P(FilePage, AFileIsListedOnceWhateverItsLetterCase) {
@@ -337,7 +337,7 @@ TEST_P(FilePage, ProgressIsShownAndEscapeKeepsWhatWasAdded) {
     Pick({first});
     EXPECT_EQ(ToWide(told), FormatText(Text(GetParam().reading), {1, 1}));
     Click(GetParam().refresh);
-    EXPECT_EQ(ToWide(told), FormatText(Text(40676_lsid), {1, 1}));
+    EXPECT_EQ(ToWide(told), FormatText(Text(text::kRefreshProgress), {1, 1}));
     QObject::disconnect(listening);
 
     std::vector<std::wstring> paths;
@@ -525,8 +525,8 @@ TEST_P(FilePage, ThinningIsTakenOrRefused) {
             continue;
         }
         ASSERT_THAT(prompts.shown, ::testing::SizeIs(1));
-        EXPECT_EQ(prompts.shown[0].text, Text(7669_lsid));
-        EXPECT_EQ(prompts.shown[0].caption, Text(7670_lsid));
+        EXPECT_EQ(prompts.shown[0].text, Text(text::kThinningRefused));
+        EXPECT_EQ(prompts.shown[0].caption, Text(text::kThinningCaption));
         EXPECT_THAT(Files(), ::testing::IsEmpty());
         field->setText("300");
         EXPECT_TRUE(Press("ok"));

@@ -59,8 +59,8 @@ TEST(LidarMessages, FollowFromTheFindings) {
             shown.push_back(prompt.text);
             EXPECT_EQ(prompt.caption, L"Caption");
             EXPECT_EQ(prompt.buttons, PromptButtons::Ok);
-            EXPECT_EQ(prompt.icon,
-                      prompt.text == Text(13442_lsid) ? PromptIcon::Information : PromptIcon::Warning);
+            EXPECT_EQ(prompt.icon, prompt.text == Text(text::kLidarCrsDiffer) ? PromptIcon::Information
+                                                                              : PromptIcon::Warning);
         }
         EXPECT_EQ(shown, wanted) << c.flags;
     }

@@ -37,9 +37,9 @@ const GridColumn& PageColumn(std::size_t column) {
 
 StringId Heading(std::size_t column) {
     if (column == kFile) {
-        return 40800_lsid;
+        return text::kInspectFile;
     }
-    return column == kSummary ? 40807_lsid : PageColumn(column).caption;
+    return column == kSummary ? text::kInspectSummary : PageColumn(column).caption;
 }
 
 bool IsRightAligned(std::size_t column) {

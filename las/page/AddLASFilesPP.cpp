@@ -36,25 +36,30 @@ std::int32_t StoredPyramidType(const OptionStore& store) {
 }
 
 constexpr OptionGroup kGroups[] = {
-    {.id = kOpenGroup, .caption = 13467_lsid},
-    {.id = kLoadGroup, .caption = 41000_lsid, .isBelow = true},
-    {.id = kOptionsGroup, .caption = 41003_lsid},
-    {.id = kPyramidGroup, .caption = 13475_lsid, .takesRoom = true},
+    {.id = kOpenGroup, .caption = text::kOpenSetting},
+    {.id = kLoadGroup, .caption = text::kLoadSetting, .isBelow = true},
+    {.id = kOptionsGroup, .caption = text::kOptions},
+    {.id = kPyramidGroup, .caption = text::kPyramidSettings, .takesRoom = true},
     {.id = kOriginalsGroup,
-     .caption = 41009_lsid,
+     .caption = text::kOriginalLasFiles,
      .within = kPyramidGroup,
      .line = 3,
      .enabled = BuildsOrvexLas},
 };
 
-constexpr OptionChoice kOpenModes[] = {{0, 13469_lsid, 40679_lsid, 259}, {1, 13470_lsid, 40680_lsid, 260}};
-constexpr OptionChoice kLoadModes[] = {{0, 41001_lsid, 40681_lsid, 262}, {1, 41002_lsid, 40682_lsid, 263}};
-constexpr OptionChoice kPyramidTypes[] = {{kPyramidOrvexLas, 41005_lsid, 3379_lsid, 268},
-                                          {kPyramidQvr, 41006_lsid, 3380_lsid, 269},
-                                          {kPyramidNone, 41007_lsid, 3381_lsid, 270}};
-constexpr OptionChoice kBackups[] = {{kOverwriteOriginals, 41010_lsid, 40684_lsid, 376},
-                                     {kBackupOriginals, 41011_lsid, 40685_lsid, 377},
-                                     {kBackupAndCompressOriginals, 41012_lsid, 40686_lsid, 378}};
+constexpr OptionChoice kOpenModes[] = {{0, text::kOpenReadOnly, text::kLasReadOnlyTooltip, 259},
+                                       {1, text::kOpenReadWrite, text::kLasReadWriteTooltip, 260}};
+constexpr OptionChoice kLoadModes[] = {{0, text::kLoadFiles, text::kLoadFilesTooltip, 262},
+                                       {1, text::kLoadFootprintsOnly, text::kLoadFootprintsTooltip, 263}};
+constexpr OptionChoice kPyramidTypes[] = {
+    {kPyramidOrvexLas, text::kPyramidOrvexLas, text::kPyramidOrvexLasTooltip, 268},
+    {kPyramidQvr, text::kPyramidQvr, text::kPyramidQvrTooltip, 269},
+    {kPyramidNone, text::kPyramidNone, text::kPyramidNoneTooltip, 270}};
+constexpr OptionChoice kBackups[] = {
+    {kOverwriteOriginals, text::kOriginalsOverwrite, text::kOriginalsOverwriteTooltip, 376},
+    {kBackupOriginals, text::kOriginalsBackup, text::kOriginalsBackupTooltip, 377},
+    {kBackupAndCompressOriginals, text::kOriginalsBackupCompress, text::kOriginalsBackupCompressTooltip,
+     378}};
 
 constexpr OptionRow kRows[] = {
     {.control = OptionControl::Radios,
@@ -71,8 +76,8 @@ constexpr OptionRow kRows[] = {
      .id = 280,
      .group = kOptionsGroup,
      .line = 1,
-     .caption = 13658_lsid,
-     .tooltip = 13487_lsid,
+     .caption = text::kAppendToCompatibleLayers,
+     .tooltip = text::kLasAppendTooltip,
      .member = &AddFilesParams::lasAppend,
      .storage = opt2AddLASAppend,
      .fallback = {1},
@@ -81,25 +86,25 @@ constexpr OptionRow kRows[] = {
      .id = 281,
      .group = kOptionsGroup,
      .line = 2,
-     .caption = 3256_lsid,
-     .tooltip = 13659_lsid,
+     .caption = text::kIgnoreIncompatibleCrs,
+     .tooltip = text::kIgnoreIncompatibleCrsTooltip,
      .member = &AddFilesParams::lasIgnoreIncompatibleCrs,
      .changesLayers = true},
     {.control = OptionControl::CheckBox,
      .id = 283,
      .group = kOptionsGroup,
      .line = 3,
-     .caption = 41004_lsid,
-     .tooltip = 41016_lsid,
+     .caption = text::kLoadCorruptFiles,
+     .tooltip = text::kLoadCorruptFilesTooltip,
      .member = &AddFilesParams::lasLoadCorruptFiles},
     // Checked on every OK, so it can always be corrected.
     {.control = OptionControl::Number,
      .id = 267,
      .group = kOptionsGroup,
      .line = 4,
-     .caption = 13472_lsid,
+     .caption = text::kThinning,
      .captionId = 266,
-     .tooltip = 41017_lsid,
+     .tooltip = text::kLasThinningTooltip,
      .member = &AddFilesParams::lasThinning,
      .storage = opt2AddLASThinning,
      .fallback = {kDefaultThinning},
@@ -113,8 +118,8 @@ constexpr OptionRow kRows[] = {
      .id = 284,
      .group = kPyramidGroup,
      .line = 1,
-     .caption = 41008_lsid,
-     .tooltip = 40683_lsid,
+     .caption = text::kConvertQvr,
+     .tooltip = text::kConvertQvrTooltip,
      .member = &AddFilesParams::convertExistingQvr,
      .storage = opt2ConvertExistingQVRToOrvexLAS,
      .enabled = BuildsOrvexLas},
@@ -140,8 +145,8 @@ constexpr OptionRow kRows[] = {
      .id = 417,
      .group = kPyramidGroup,
      .line = 2,
-     .caption = 41013_lsid,
-     .tooltip = 41014_lsid,
+     .caption = text::kRecreateOrvexLas,
+     .tooltip = text::kRecreateOrvexLasTooltip,
      .member = &AddFilesParams::reCreateOrvexLas,
      .storage = opt2ReCreateOrvexLASOption,
      .enabled = BuildsOrvexLas},
@@ -151,11 +156,11 @@ FileListPageDescription Describe() {
     using enum DetailsTab::Kind;
     FileListPageDescription page;
     page.listCaptionId = 247;
-    page.listCaption = 13466_lsid;
+    page.listCaption = text::kLasSelectedFiles;
     page.gridId = 251;
-    page.emptyText = 40674_lsid;
-    page.addFiles = {253, 13462_lsid, 13483_lsid};
-    page.addFolder = {252, 13463_lsid, 41015_lsid};
+    page.emptyText = text::kLasEmptyGrid;
+    page.addFiles = {253, text::kAddFiles, text::kLasAddTooltip};
+    page.addFolder = {252, text::kAddFolder, text::kLasAddFolderTooltip};
     page.remove.id = 254;
     page.clear.id = 255;
     page.detailColumns.id = 248;
@@ -164,20 +169,20 @@ FileListPageDescription Describe() {
     page.helpTopic = HelpTopic::LasFiles;
     page.splitterName = "lasSplitter";
     page.paneStateName = L"AddLASFilesDetails";
-    page.detailsTabs = {{"detailsOverview", 40631_lsid, Html},
-                        {"detailsCrs", 40632_lsid, Html},
-                        {"detailsRecords", 40633_lsid, PlainText}};
-    page.nothingSelected = 40634_lsid;
+    page.detailsTabs = {{"detailsOverview", text::kDetailsOverviewTab, Html},
+                        {"detailsCrs", text::kDetailsCrsTab, Html},
+                        {"detailsRecords", text::kDetailsRecordsTab, PlainText}};
+    page.nothingSelected = text::kLasDetailsNoSelection;
     page.options = {kGroups, kRows};
     page.filters = PickerFilters(DataKind::Las);
-    page.pickFailed = 10052_lsid;
-    page.folderQuestion = 13556_lsid;
-    page.scanTexts.ignored = 41051_lsid;
-    page.scanTexts.nothingFound = 41052_lsid;
+    page.pickFailed = text::kPickerOutOfMemory;
+    page.folderQuestion = text::kLasSubfoldersQuestion;
+    page.scanTexts.ignored = text::kLasOthersLeftOut;
+    page.scanTexts.nothingFound = text::kLasFolderEmpty;
     page.extensions = NamedExtensions(DataKind::Las);
-    page.adding = {.progressText = 13662_lsid,
-                   .confirmText = 13656_lsid,
-                   .confirmCaption = 13657_lsid,
+    page.adding = {.progressText = text::kLasReadingProgress,
+                   .confirmText = text::kLasManyFilesQuestion,
+                   .confirmCaption = text::kLasManyFilesCaption,
                    .buddy = OrvexUtilities::GetLAZBuddyPath};
     return page;
 }
@@ -244,8 +249,9 @@ bool AddLASFilesPP::Reopen() {
     const DialogProgress::Run run(Progress());
     LasReopened reopened = ReopenFiles(Model().Rows(), Chosen().lasOpenSetting, Progress());
     if (!reopened.failures.empty()) {
-        Services().prompts.Show({Text(40671_lsid) + L"\n" + PromptLines(reopened.failures, FailureText),
-                                 Text(40673_lsid), PromptIcon::Error, PromptButtons::Ok});
+        Services().prompts.Show(
+            {Text(text::kLasOpenModeFailed) + L"\n" + PromptLines(reopened.failures, FailureText),
+             Text(text::kLasOpenModeCaption), PromptIcon::Error, PromptButtons::Ok});
     }
     if (!reopened.Succeeded()) {
         return false;

@@ -29,11 +29,11 @@ struct SectionColumns {
 
 const std::vector<SectionColumns>& Sections() {
     static const std::vector<SectionColumns> sections{
-        {40636_lsid, {"size", "modified", "version", "compressed", "companion", "layer"}},
-        {40637_lsid,
+        {text::kDetailsFile, {"size", "modified", "version", "compressed", "companion", "layer"}},
+        {text::kDetailsPoints,
          {"points", "pointFormat", "attributes", "recordLength", "extraBytes", "gpsTime", "pointsByReturn",
           "density", "spacing"}},
-        {40639_lsid,
+        {text::kDetailsOrigin,
          {"systemId", "software", "created", "sourceId", "projectId", "globalEncoding", "waveform",
           "headerSize", "offsetToPoints", "vlrCount", "evlrCount"}},
     };
@@ -75,7 +75,7 @@ void Unite(std::optional<std::array<double, 6>>& box, const LASFile& file) {
 
 std::wstring RecordsBlock(StringId title, const std::wstring& text) {
     const std::wstring heading = Text(title);
-    const std::wstring shown = text.empty() ? Text(40651_lsid) : text;
+    const std::wstring shown = text.empty() ? Text(text::kDetailsNoRecords) : text;
     const bool isEnded = shown.ends_with(L'\n');
     return heading + L"\n" + std::wstring(heading.size(), L'=') + L"\n" + shown + (isEnded ? L"" : L"\n");
 }
@@ -98,13 +98,13 @@ std::wstring Triple(const LasRow& row, const char* x, const char* y, const char*
 
 DetailSection ExtentSection(const LasRow& row) {
     constexpr const wchar_t* kTo = L" \u2013 ";
-    DetailSection section{40638_lsid, {}};
-    AddField(section.fields, 40660_lsid, Joined(row, kTo, {"minimumX", "maximumX"}));
-    AddField(section.fields, 40661_lsid, Joined(row, kTo, {"minimumY", "maximumY"}));
-    AddField(section.fields, 40662_lsid, Joined(row, kTo, {"minimumZ", "maximumZ"}));
-    AddField(section.fields, 40663_lsid, Triple(row, "scaleX", "scaleY", "scaleZ"));
-    AddField(section.fields, 40664_lsid, Triple(row, "offsetX", "offsetY", "offsetZ"));
-    AddField(section.fields, 40559_lsid, LasCellText(row, "units"));
+    DetailSection section{text::kDetailsExtent, {}};
+    AddField(section.fields, text::kExtentX, Joined(row, kTo, {"minimumX", "maximumX"}));
+    AddField(section.fields, text::kExtentY, Joined(row, kTo, {"minimumY", "maximumY"}));
+    AddField(section.fields, text::kExtentZ, Joined(row, kTo, {"minimumZ", "maximumZ"}));
+    AddField(section.fields, text::kLasDetailsScale, Triple(row, "scaleX", "scaleY", "scaleZ"));
+    AddField(section.fields, text::kLasDetailsOffset, Triple(row, "offsetX", "offsetY", "offsetZ"));
+    AddField(section.fields, text::kUnits, LasCellText(row, "units"));
     return section;
 }
 
@@ -116,7 +116,7 @@ std::vector<DetailSection> LasOverview(const LasRow& row) {
             const Column<LasRow>& column = ColumnNamed(LasColumns(), name);
             std::wstring value = CellText(column, row);
             if (name == std::string_view("layer") && row.place.exists) {
-                value += L" " + Text(40658_lsid);
+                value += L" " + Text(text::kLayerExistsSuffix);
             }
             AddField(shown.fields, column.caption, std::move(value));
         }
@@ -138,27 +138,28 @@ std::vector<DetailField> LasCrsFields(const LasRow& row) {
     if (crs.sourceWkt.empty()) {
         return fields;
     }
-    AddField(fields, 40642_lsid, crs.name);
-    AddField(fields, 40555_lsid, LasCellText(row, "epsg"));
-    AddField(fields, 40643_lsid, Text(crs.isGeographic ? 40644_lsid : 40645_lsid));
-    AddField(fields, 40646_lsid, crs.linearUnits);
-    AddField(fields, 40647_lsid, crs.angularUnits);
-    AddField(fields, 40558_lsid, crs.verticalName);
-    AddField(fields, 40577_lsid, LasCellText(row, "crsSource"));
+    AddField(fields, text::kDetailsCrsName, crs.name);
+    AddField(fields, text::kLasEpsg, LasCellText(row, "epsg"));
+    AddField(fields, text::kDetailsCrsKind,
+             Text(crs.isGeographic ? text::kCrsGeographic : text::kCrsProjectedOrLocal));
+    AddField(fields, text::kDetailsLinearUnit, crs.linearUnits);
+    AddField(fields, text::kDetailsAngularUnit, crs.angularUnits);
+    AddField(fields, text::kVerticalCrs, crs.verticalName);
+    AddField(fields, text::kLasCrsSource, LasCellText(row, "crsSource"));
     return fields;
 }
 
 std::wstring LasRecordsText(const LasRow& row) {
     if (row.file == nullptr) {
-        return Text(40659_lsid);
+        return Text(text::kDetailsFileUnreadable);
     }
     const LASFile& file = *row.file;
     std::wstring text;
     if (const std::wstring time = LasGpsTimeText(file); !time.empty()) {
-        text = Text(40580_lsid) + L": " + time + L"\n\n";
+        text = Text(text::kLasGpsTime) + L": " + time + L"\n\n";
     }
-    text += RecordsBlock(40649_lsid, LasVlrText(file)) + L"\n";
-    return text + RecordsBlock(40650_lsid, LasEvlrText(file));
+    text += RecordsBlock(text::kDetailsVlrs, LasVlrText(file)) + L"\n";
+    return text + RecordsBlock(text::kDetailsEvlrs, LasEvlrText(file));
 }
 
 LasTotals TotalsOf(std::span<const LasRow> rows, std::span<const std::size_t> records) {
@@ -191,20 +192,21 @@ LasTotals TotalsOf(std::span<const LasRow> rows, std::span<const std::size_t> re
 
 DetailSection TotalsSection(const LasTotals& totals) {
     const auto count = [](std::size_t number) { return number == 0 ? L"" : std::to_wstring(number); };
-    DetailSection section{40665_lsid, {}};
+    DetailSection section{text::kTotalsSelection, {}};
     auto& fields = section.fields;
-    AddField(fields, 40652_lsid, std::to_wstring(totals.files));
-    AddField(fields, 40552_lsid, FormatText(L"%.2f", {static_cast<double>(totals.bytes) * 1e-6}));
-    AddField(fields, 40582_lsid, std::to_wstring(totals.points));
-    AddField(fields, 40653_lsid, std::to_wstring(totals.layers));
-    AddField(fields, 40655_lsid, count(totals.withFindings));
-    AddField(fields, 40656_lsid, count(totals.notReadable));
+    AddField(fields, text::kTotalsFiles, std::to_wstring(totals.files));
+    AddField(fields, text::kLasSizeMegabytes,
+             FormatText(L"%.2f", {static_cast<double>(totals.bytes) * 1e-6}));
+    AddField(fields, text::kLasPoints, std::to_wstring(totals.points));
+    AddField(fields, text::kTotalsLayers, std::to_wstring(totals.layers));
+    AddField(fields, text::kTotalsFilesWithFindings, count(totals.withFindings));
+    AddField(fields, text::kTotalsUnreadableFiles, count(totals.notReadable));
     for (const std::wstring& name : totals.crsNames) {
-        AddField(fields, 40654_lsid, name.empty() ? Text(40612_lsid) : name);
+        AddField(fields, text::kTotalsCrs, name.empty() ? Text(text::kCellNone) : name);
     }
     if (totals.extent.has_value()) {
-        constexpr std::array kCaptions{40588_lsid, 40589_lsid, 40590_lsid,
-                                       40591_lsid, 40592_lsid, 40593_lsid};
+        constexpr std::array kCaptions{text::kLasMinX, text::kLasMinY, text::kLasMinZ,
+                                       text::kLasMaxX, text::kLasMaxY, text::kLasMaxZ};
         for (std::size_t i = 0; i < kCaptions.size(); ++i) {
             const bool degrees = totals.isGeographic && i % 3 != 2;
             AddField(fields, kCaptions[i], FormatText(degrees ? L"%.8lf" : L"%.3f", {(*totals.extent)[i]}));
@@ -216,12 +218,13 @@ DetailSection TotalsSection(const LasTotals& totals) {
 QString OverviewHtml(const LasRow& row, const QString& captionColour) {
     const std::vector<Finding> findings(row.findings.begin(), row.findings.end());
     const std::wstring failure = row.file == nullptr ? row.summary : std::wstring();
-    return FindingsHtml(findings, failure, Text(40641_lsid)) + SectionsHtml(LasOverview(row), captionColour);
+    return FindingsHtml(findings, failure, Text(text::kLasDetailsConsistent)) +
+           SectionsHtml(LasOverview(row), captionColour);
 }
 
 QString CrsHtml(const LasRow& row, const QString& captionColour) {
     const std::vector<DetailField> fields = LasCrsFields(row);
-    return fields.empty() ? TextHtml(Text(40648_lsid))
+    return fields.empty() ? TextHtml(Text(text::kDetailsNoCrs))
                           : FieldsHtml(fields, captionColour) + PreformattedHtml(row.crs->prettyWkt);
 }
 
@@ -237,7 +240,8 @@ DetailsContent LasDetailsContent(std::span<const LasRow> rows, std::span<const s
     }
     const LasTotals totals = TotalsOf(rows, records);
     const DetailSection section = TotalsSection(totals);
-    return {FormatText(Text(40635_lsid), {totals.files}), {SectionsHtml({&section, 1}, captionColour)}};
+    return {FormatText(Text(text::kDetailsFilesSelected), {totals.files}),
+            {SectionsHtml({&section, 1}, captionColour)}};
 }
 
 }  // namespace orvex

@@ -142,8 +142,8 @@ TEST_F(LasCells, EveryKindOfFactOfAHeaderIsShown) {
         {"epsg", L"EPSG:25832"},
         {"crsName", row.crs->name},
         {"group", L"1"},
-        {"companion", Text(40612_lsid)},
-        {"compressed", Text(40611_lsid)},
+        {"companion", Text(text::kCellNone)},
+        {"compressed", Text(text::kCellNo)},
         {"pointFormat", L"7"},
         {"recordLength", L"38"},
         {"extraBytes", L"amplitude"},
@@ -153,8 +153,8 @@ TEST_F(LasCells, EveryKindOfFactOfAHeaderIsShown) {
         {"headerSize", L"375"},
         {"vlrCount", L"2"},
         {"evlrCount", L"0"},
-        {"crsSource", Text(40616_lsid)},
-        {"waveform", Text(40612_lsid)},
+        {"crsSource", Text(text::kCrsSourceGeoKeys)},
+        {"waveform", Text(text::kCellNone)},
         {"gpsTime", L"Standard GPS Time"},
         {"points", L"9"},
         {"density", L"2.25"},
@@ -164,7 +164,7 @@ TEST_F(LasCells, EveryKindOfFactOfAHeaderIsShown) {
         {"minimumX", L"1000.000"},
         {"maximumY", L"2002.000"},
         {"offsetX", L"1000"},
-        {"attributes", Text(40580_lsid) + L", " + Text(40619_lsid)},
+        {"attributes", Text(text::kLasGpsTime) + L", " + Text(text::kAttributeRgb)},
     };
     for (const auto& [column, text] : expected) {
         EXPECT_EQ(Shown(row, column), text) << column;

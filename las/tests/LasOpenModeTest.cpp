@@ -56,7 +56,7 @@ TEST_F(Reopening, ReadWriteDecompressesALazFileOnceAndOpensItsLasFile) {
     EXPECT_FALSE(reopened.files[0]->IsReadOnly());
     EXPECT_EQ(reopened.files[0]->GetPointCount(), 1000U);
     EXPECT_EQ(testing::ReadFile(laz), before);
-    EXPECT_THAT(progress.texts, ElementsAre(Text(3214_lsid)));
+    EXPECT_THAT(progress.texts, ElementsAre(Text(text::kLasReopeningProgress)));
 
     rows[0].file = std::move(reopened.files[0]);
     EXPECT_EQ(Reopen(true).files[0], nullptr);

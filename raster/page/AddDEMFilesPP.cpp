@@ -20,12 +20,13 @@ constexpr int kBrowse = 470;
 constexpr int kInsertToken = 471;
 
 constexpr OptionGroup kGroups[] = {
-    {.id = kOpenGroup, .caption = 13467_lsid},
-    {.id = kOptionsGroup, .caption = 41003_lsid},
-    {.id = kConversionGroup, .caption = 41339_lsid, .takesRoom = true, .alignsCaptions = true},
+    {.id = kOpenGroup, .caption = text::kOpenSetting},
+    {.id = kOptionsGroup, .caption = text::kOptions},
+    {.id = kConversionGroup, .caption = text::kDemConversionGroup, .takesRoom = true, .alignsCaptions = true},
 };
 
-constexpr OptionChoice kOpenModes[] = {{0, 13469_lsid, 41337_lsid, 461}, {1, 13470_lsid, 41338_lsid, 462}};
+constexpr OptionChoice kOpenModes[] = {{0, text::kOpenReadOnly, text::kDemReadOnlyTooltip, 461},
+                                       {1, text::kOpenReadWrite, text::kDemReadWriteTooltip, 462}};
 
 /// The versions under their codes, which are also what the host is told.
 constexpr auto kVersions = [] {
@@ -55,8 +56,8 @@ constexpr OptionRow kRows[] = {
      .id = 464,
      .group = kOptionsGroup,
      .line = 1,
-     .caption = 41331_lsid,
-     .tooltip = 41332_lsid,
+     .caption = text::kDemAppendToLayers,
+     .tooltip = text::kDemAppendTooltip,
      .member = &AddFilesParams::demAppend,
      .storage = L"DEMAppendToLayers",
      .fallback = {1},
@@ -65,8 +66,8 @@ constexpr OptionRow kRows[] = {
      .id = 465,
      .group = kOptionsGroup,
      .line = 2,
-     .caption = 41333_lsid,
-     .tooltip = 41334_lsid,
+     .caption = text::kDemIgnoreCrs,
+     .tooltip = text::kDemIgnoreCrsTooltip,
      .member = &AddFilesParams::demIgnoreCrs,
      .storage = L"DEMIgnoreCRS",
      .fallback = {1},
@@ -75,8 +76,8 @@ constexpr OptionRow kRows[] = {
      .id = 466,
      .group = kOptionsGroup,
      .line = 3,
-     .caption = 41335_lsid,
-     .tooltip = 41336_lsid,
+     .caption = text::kDemBuildPyramids,
+     .tooltip = text::kDemBuildPyramidsTooltip,
      .member = &AddFilesParams::demPyramid,
      .storage = L"DEMAutoPyramid",
      .fallback = {1}},
@@ -90,9 +91,9 @@ constexpr OptionRow kRows[] = {
      .id = kFolder,
      .group = kConversionGroup,
      .line = 1,
-     .caption = 41340_lsid,
+     .caption = text::kDemOutputFolder,
      .captionId = 468,
-     .tooltip = 41341_lsid,
+     .tooltip = text::kDemOutputFolderTooltip,
      .member = &AddFilesParams::demLasFolder,
      .storage = L"DEMLASFolder",
      .fallback = {0, L"<ORVEX_PROJECT_PATH>\\DEM Import"}},
@@ -100,21 +101,21 @@ constexpr OptionRow kRows[] = {
      .id = kBrowse,
      .group = kConversionGroup,
      .line = 2,
-     .caption = 41342_lsid,
-     .tooltip = 41343_lsid},
+     .caption = text::kDemBrowse,
+     .tooltip = text::kDemBrowseTooltip},
     {.control = OptionControl::Button,
      .id = kInsertToken,
      .group = kConversionGroup,
      .line = 2,
-     .caption = 3259_lsid,
-     .tooltip = 3210_lsid},
+     .caption = text::kInsertProjectPath,
+     .tooltip = text::kInsertProjectPathTooltip},
     {.control = OptionControl::List,
      .id = 473,
      .group = kConversionGroup,
      .line = 3,
-     .caption = 41344_lsid,
+     .caption = text::kDemLasVersion,
      .captionId = 472,
-     .tooltip = 41345_lsid,
+     .tooltip = text::kDemLasVersionTooltip,
      .member = &AddFilesParams::demLasVersion,
      .fallback = {las::kLas14},
      .choices = kVersions},
@@ -124,34 +125,34 @@ constexpr OptionRow kRows[] = {
      .line = 3,
      .caption = L"PDRF:",
      .captionId = 474,
-     .tooltip = 41346_lsid,
+     .tooltip = text::kDemPointFormatTooltip,
      .member = &AddFilesParams::demPointFormat,
      .choicesFor = PointFormats},
     {.control = OptionControl::Number,
      .id = 477,
      .group = kConversionGroup,
      .line = 3,
-     .caption = 13472_lsid,
+     .caption = text::kThinning,
      .captionId = 476,
-     .tooltip = 41347_lsid,
+     .tooltip = text::kDemThinningTooltip,
      .member = &AddFilesParams::demThinning,
      .storage = L"DEMThinningFactor",
      .fallback = {kDefaultThinning},
      .minimum = kMinimumThinning,
      .maximum = kMaximumThinning,
      .digits = 9,
-     .mask = 3228_lsid},
+     .mask = text::kDemThinningMask},
 };
 
 FileListPageDescription Describe() {
     using enum DetailsTab::Kind;
     FileListPageDescription page = DescribeRasters();
     page.listCaptionId = 450;
-    page.listCaption = 41321_lsid;
+    page.listCaption = text::kDemSelectedFiles;
     page.gridId = 459;
-    page.emptyText = 41323_lsid;
-    page.addFiles = {451, 13462_lsid, 41325_lsid};
-    page.addFolder = {452, 13463_lsid, 41327_lsid};
+    page.emptyText = text::kDemEmptyGrid;
+    page.addFiles = {451, text::kAddFiles, text::kDemAddTooltip};
+    page.addFolder = {452, text::kAddFolder, text::kDemAddFolderTooltip};
     page.remove.id = 453;
     page.clear.id = 454;
     page.detailColumns.id = 455;
@@ -161,12 +162,13 @@ FileListPageDescription Describe() {
     page.helpTopic = HelpTopic::DemFiles;
     page.splitterName = "demSplitter";
     page.paneStateName = L"AddDEMFilesDetails";
-    page.detailsTabs = {
-        {"demOverview", 40631_lsid, Html}, {"demCrs", 40632_lsid, Html}, {"demBands", 41288_lsid, Html}};
+    page.detailsTabs = {{"demOverview", text::kDetailsOverviewTab, Html},
+                        {"demCrs", text::kDetailsCrsTab, Html},
+                        {"demBands", text::kRasterBandsTab, Html}};
     page.options = {kGroups, kRows};
-    page.pickTitle = 3239_lsid;
-    page.tooManyFiles = 3240_lsid;
-    page.folderQuestion = 3241_lsid;
+    page.pickTitle = text::kDemPickerTitle;
+    page.tooManyFiles = text::kDemTooManySelected;
+    page.folderQuestion = text::kDemSubfoldersQuestion;
     page.extensions = NamedExtensions(DataKind::Dem);
     return page;
 }
@@ -195,7 +197,8 @@ void AddDEMFilesPP::RowsChanged() {
 }
 
 void AddDEMFilesPP::OnBrowseFolder() {
-    if (const std::optional<std::wstring> folder = Services().pickers.PickFolder(Text(3203_lsid))) {
+    if (const std::optional<std::wstring> folder =
+            Services().pickers.PickFolder(Text(text::kDemOutputFolderTitle))) {
         Form().TypeText(kFolder, WithTrailingSeparator(*folder));
     }
 }
@@ -204,7 +207,7 @@ void AddDEMFilesPP::OnInsertProjectPath() {
     try {
         Form().TypeText(kFolder, InsertProjectPathToken(Chosen().demLasFolder));
     } catch (...) {
-        ShowMessage(Text(3242_lsid), 3243_lsid, PromptIcon::Error);
+        ShowMessage(Text(text::kProjectPathInsertFailed), text::kProjectPathErrorCaption, PromptIcon::Error);
     }
 }
 

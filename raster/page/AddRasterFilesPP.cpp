@@ -7,15 +7,15 @@ namespace {
 
 constexpr int kOptionsGroup = 440;
 
-constexpr OptionGroup kGroups[] = {{.id = kOptionsGroup, .caption = 41003_lsid, .takesRoom = true}};
+constexpr OptionGroup kGroups[] = {{.id = kOptionsGroup, .caption = text::kOptions, .takesRoom = true}};
 
 constexpr OptionRow kRows[] = {
     {.control = OptionControl::CheckBox,
      .id = 441,
      .group = kOptionsGroup,
      .line = 1,
-     .caption = 13658_lsid,
-     .tooltip = 41329_lsid,
+     .caption = text::kAppendToCompatibleLayers,
+     .tooltip = text::kRasterAppendTooltip,
      .member = &AddFilesParams::rasterAppend,
      .storage = opt2AddRasterAppend,
      .fallback = {1},
@@ -24,8 +24,8 @@ constexpr OptionRow kRows[] = {
      .id = 442,
      .group = kOptionsGroup,
      .line = 2,
-     .caption = 41330_lsid,
-     .tooltip = 13583_lsid,
+     .caption = text::kRasterBuildPyramids,
+     .tooltip = text::kRasterPyramidsTooltip,
      .member = &AddFilesParams::rasterPyramid,
      .storage = opt2AddRasterPyramid,
      .fallback = {1}},
@@ -38,11 +38,11 @@ FileListPageDescription Describe() {
     using enum DetailsTab::Kind;
     FileListPageDescription page = DescribeRasters();
     page.listCaptionId = 430;
-    page.listCaption = 41320_lsid;
+    page.listCaption = text::kRasterSelectedFiles;
     page.gridId = 439;
-    page.emptyText = 41322_lsid;
-    page.addFiles = {431, 13462_lsid, 41324_lsid};
-    page.addFolder = {432, 13463_lsid, 41326_lsid};
+    page.emptyText = text::kRasterEmptyGrid;
+    page.addFiles = {431, text::kAddFiles, text::kRasterAddTooltip};
+    page.addFolder = {432, text::kAddFolder, text::kRasterAddFolderTooltip};
     page.remove.id = 433;
     page.clear.id = 434;
     page.detailColumns.id = 435;
@@ -52,11 +52,11 @@ FileListPageDescription Describe() {
     page.helpTopic = HelpTopic::RasterFiles;
     page.splitterName = "rasterSplitter";
     page.paneStateName = L"AddRasterFilesDetails";
-    page.detailsTabs = {{"rasterOverview", 40631_lsid, Html},
-                        {"rasterCrs", 40632_lsid, Html},
-                        {"rasterBands", 41288_lsid, Html}};
+    page.detailsTabs = {{"rasterOverview", text::kDetailsOverviewTab, Html},
+                        {"rasterCrs", text::kDetailsCrsTab, Html},
+                        {"rasterBands", text::kRasterBandsTab, Html}};
     page.options = {kGroups, kRows};
-    page.pickTitle = 13643_lsid;
+    page.pickTitle = text::kRasterPickerTitle;
     page.tooManyFiles =
         L"There are too many selected files for the allocated buffer. Select fewer files, then "
         L"add more files to the layer using the Raster Files tab.";

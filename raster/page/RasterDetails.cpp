@@ -85,22 +85,22 @@ RasterTotals RasterTotalsOf(std::span<const RasterRow> rows, std::span<const std
 }
 
 DetailSection RasterTotalsSection(const RasterTotals& totals) {
-    DetailSection section{40665_lsid, {}};
+    DetailSection section{text::kTotalsSelection, {}};
     auto& fields = section.fields;
-    AddField(fields, 40652_lsid, std::to_wstring(totals.files));
-    AddField(fields, 13505_lsid, Megabytes(totals.bytes));
+    AddField(fields, text::kTotalsFiles, std::to_wstring(totals.files));
+    AddField(fields, text::kSizeMegabytes, Megabytes(totals.bytes));
     if (totals.totalBytes > totals.bytes) {
-        AddField(fields, 41289_lsid, Megabytes(totals.totalBytes));
+        AddField(fields, text::kRasterTotalSizeMegabytes, Megabytes(totals.totalBytes));
     }
-    AddField(fields, 41313_lsid, FormatText(L"%.3f", {totals.pixels * 1e-6}));
-    AddField(fields, 40653_lsid, Count(totals.layers));
-    AddField(fields, 40655_lsid, Count(totals.withFindings));
-    AddField(fields, 40656_lsid, Count(totals.notReadable));
+    AddField(fields, text::kRasterMegapixels, FormatText(L"%.3f", {totals.pixels * 1e-6}));
+    AddField(fields, text::kTotalsLayers, Count(totals.layers));
+    AddField(fields, text::kTotalsFilesWithFindings, Count(totals.withFindings));
+    AddField(fields, text::kTotalsUnreadableFiles, Count(totals.notReadable));
     for (const std::wstring& name : totals.crsNames) {
-        AddField(fields, 40654_lsid, name.empty() ? Text(40612_lsid) : name);
+        AddField(fields, text::kTotalsCrs, name.empty() ? Text(text::kCellNone) : name);
     }
     if (totals.extent.has_value()) {
-        constexpr std::array kCaptions{13541_lsid, 13538_lsid, 13542_lsid, 13539_lsid};
+        constexpr std::array kCaptions{text::kMinX, text::kMinY, text::kMaxX, text::kMaxY};
         for (std::size_t edge = 0; edge < kCaptions.size(); ++edge) {
             AddField(fields, kCaptions[edge],
                      FormatText(totals.isGeographic ? L"%.8lf" : L"%.3f", {(*totals.extent)[edge]}));
@@ -114,13 +114,13 @@ QString OverviewHtml(const RasterRow& row, RasterUse use, const QString& caption
     std::vector<Finding> findings = row.findings;
     std::erase_if(findings,
                   [&](const Finding& finding) { return failure.find(finding.text) != std::wstring::npos; });
-    return FindingsHtml(findings, failure, Text(41064_lsid)) +
+    return FindingsHtml(findings, failure, Text(text::kDetailsNothingOdd)) +
            SectionsHtml(RasterSections(row, use), captionColour);
 }
 
 QString CrsHtml(const RasterRow& row, const QString& captionColour) {
     const std::vector<DetailField> fields = RasterCrsFields(row);
-    return fields.empty() ? TextHtml(Text(40648_lsid))
+    return fields.empty() ? TextHtml(Text(text::kDetailsNoCrs))
                           : FieldsHtml(fields, captionColour) + PreformattedHtml(row.crs->prettyWkt);
 }
 
@@ -131,11 +131,11 @@ QString CellHtml(const std::wstring& text, const QString& style) {
 
 QString BandsHtml(const RasterRow& row, const QString& captionColour) {
     if (!row.IsDescribed()) {
-        return TextHtml(Text(41314_lsid));
+        return TextHtml(Text(text::kRasterNotDescribed));
     }
     const DetailTable table = BandTable(row.Properties());
     if (table.rows.empty()) {
-        return TextHtml(Text(41315_lsid));
+        return TextHtml(Text(text::kRasterBandsUnknown));
     }
     QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"1\"><tr>");
     for (const StringId caption : table.captions) {
@@ -149,7 +149,7 @@ QString BandsHtml(const RasterRow& row, const QString& captionColour) {
     }
     html += QStringLiteral("</tr></table>");
     const std::size_t unlisted = UnlistedBands(row.Properties());
-    return unlisted == 0 ? html : html + TextHtml(FormatText(Text(40672_lsid), {unlisted}));
+    return unlisted == 0 ? html : html + TextHtml(FormatText(Text(text::kMoreItems), {unlisted}));
 }
 
 }  // namespace
@@ -164,7 +164,8 @@ DetailsContent RasterDetailsContent(std::span<const RasterRow> rows, std::span<c
     }
     const RasterTotals totals = RasterTotalsOf(rows, records);
     const DetailSection section = RasterTotalsSection(totals);
-    return {FormatText(Text(40635_lsid), {totals.files}), {SectionsHtml({&section, 1}, captionColour)}};
+    return {FormatText(Text(text::kDetailsFilesSelected), {totals.files}),
+            {SectionsHtml({&section, 1}, captionColour)}};
 }
 
 }  // namespace orvex

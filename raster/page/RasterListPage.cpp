@@ -27,9 +27,9 @@ FileListPageDescription DescribeRasters() {
     page.filters = PickerFilters(DataKind::Raster);
     page.extensions = NamedExtensions(DataKind::Raster);
     page.folderExtensions = ScanExtensions(DataKind::Raster);
-    page.scanTexts.nothingFound = 13644_lsid;
+    page.scanTexts.nothingFound = text::kRasterFolderEmpty;
     page.scanTexts.nothingFoundIcon = PromptIcon::Error;
-    page.adding.progressText = 13663_lsid;
+    page.adding.progressText = text::kRasterReadingProgress;
     return page;
 }
 
@@ -62,7 +62,7 @@ void RasterListPage::RowsRead(std::size_t first) {
     const bool threw = std::any_of(rows.begin() + static_cast<std::ptrdiff_t>(first), rows.end(),
                                    [](const RasterRow& row) { return row.threw; });
     if (threw && !std::exchange(hasToldOfExceptions_, true)) {
-        ShowMessage(Text(13498_lsid), 13498_lsid, PromptIcon::Error);
+        ShowMessage(Text(text::kRasterPropertiesFailed), text::kRasterPropertiesFailed, PromptIcon::Error);
     }
 }
 

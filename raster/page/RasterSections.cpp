@@ -59,7 +59,7 @@ std::wstring Count(std::int64_t number) {
 }
 
 std::wstring LayerText(const RasterRow& row) {
-    return row.place.layer + (row.place.exists ? L" " + Text(40658_lsid) : L"");
+    return row.place.layer + (row.place.exists ? L" " + Text(text::kLayerExistsSuffix) : L"");
 }
 
 std::wstring Sidecars(const RasterProperties& properties) {
@@ -86,14 +86,14 @@ std::wstring Compression(const RasterProperties& properties) {
     if (!properties.hasDetails) {
         return {};
     }
-    return properties.compression.empty() ? Text(40612_lsid) : properties.compression;
+    return properties.compression.empty() ? Text(text::kCellNone) : properties.compression;
 }
 
 std::wstring PixelMeaning(const RasterProperties& properties) {
     if (EqualNoCase(properties.pixelIs, L"Area")) {
-        return Text(41305_lsid);
+        return Text(text::kRasterPixelIsArea);
     }
-    return EqualNoCase(properties.pixelIs, L"Point") ? Text(41306_lsid) : properties.pixelIs;
+    return EqualNoCase(properties.pixelIs, L"Point") ? Text(text::kRasterPixelIsPoint) : properties.pixelIs;
 }
 
 /// What the bands show; empty when that is undefined.
@@ -127,7 +127,7 @@ std::wstring Rotation(const RasterProperties& properties) {
     }
     const auto& transform = *properties.transform;
     if (!IsTurned(transform)) {
-        return Text(40612_lsid);
+        return Text(text::kCellNone);
     }
     return FormatText(L"%.6lf\u00b0", {std::atan2(transform[4], transform[1]) * 180 / std::numbers::pi});
 }
@@ -144,15 +144,15 @@ std::wstring Units(const RasterRow& row) {
 
 void AddFile(const RasterRow& row, RasterUse use, std::vector<DetailSection>& sections) {
     const RasterProperties& properties = row.Properties();
-    Section file(row, 40636_lsid);
+    Section file(row, text::kDetailsFile);
     file.Add("fileType").Add("size");
     if (properties.totalBytes > row.fileSize) {
-        file.Add(41289_lsid, Megabytes(static_cast<double>(properties.totalBytes)));
+        file.Add(text::kRasterTotalSizeMegabytes, Megabytes(static_cast<double>(properties.totalBytes)));
     }
-    file.Add(41290_lsid, Sidecars(properties));
-    file.Add(40581_lsid, ColumnText(row, "modified"));
-    file.Add(41309_lsid, properties.acquired);
-    file.Add(13507_lsid, LayerText(row));
+    file.Add(text::kRasterOtherFiles, Sidecars(properties));
+    file.Add(text::kModifiedUtc, ColumnText(row, "modified"));
+    file.Add(text::kRasterAcquired, properties.acquired);
+    file.Add(text::kLayerName, LayerText(row));
     if (use == RasterUse::Dem) {
         file.Add("gpsTime", use);
     }
@@ -160,45 +160,48 @@ void AddFile(const RasterRow& row, RasterUse use, std::vector<DetailSection>& se
 }
 
 void AddImage(const RasterRow& row, std::vector<DetailSection>& sections) {
-    Section image(row, 41284_lsid);
+    Section image(row, text::kRasterImageSection);
     image.Add("imageSize").Add("bands");
-    image.Add(41291_lsid, DistinctOfBands(row.Properties(), &RasterBandProperties::dataType));
+    image.Add(text::kRasterDataType, DistinctOfBands(row.Properties(), &RasterBandProperties::dataType));
     image.Add("bitsPerBand").Add("colorModel");
-    image.Add(41501_lsid, ColumnText(row, "photometric"));
-    image.Add(41311_lsid, Colors(row.Properties()));
+    image.Add(text::kRasterPhotometric, ColumnText(row, "photometric"));
+    image.Add(text::kRasterBandColor, Colors(row.Properties()));
     image.Finish(sections);
 }
 
 void AddValues(const RasterRow& row, std::vector<DetailSection>& sections) {
     const RasterProperties& properties = row.Properties();
-    Section values(row, 41285_lsid);
-    values.Add(41292_lsid, properties.hasDetails ? DistinctNodata(properties) : std::wstring());
-    values.Add(41293_lsid, LowestMinimum(properties)).Add(41294_lsid, HighestMaximum(properties));
-    values.Add(41295_lsid, DistinctOfBands(properties, &RasterBandProperties::unit));
+    Section values(row, text::kRasterValuesSection);
+    values.Add(text::kRasterNoDataValue, properties.hasDetails ? DistinctNodata(properties) : std::wstring());
+    values.Add(text::kRasterMinimum, LowestMinimum(properties))
+        .Add(text::kRasterMaximum, HighestMaximum(properties));
+    values.Add(text::kRasterValueUnit, DistinctOfBands(properties, &RasterBandProperties::unit));
     values.Below().Finish(sections);
 }
 
 void AddGeoreference(const RasterRow& row, std::vector<DetailSection>& sections) {
     const RasterProperties& properties = row.Properties();
-    Section georeference(row, 41286_lsid);
-    georeference.Add(40660_lsid, Range(row, "minimumX", "maximumX"));
-    georeference.Add(40661_lsid, Range(row, "minimumY", "maximumY"));
+    Section georeference(row, text::kRasterGeoreferenceSection);
+    georeference.Add(text::kExtentX, Range(row, "minimumX", "maximumX"));
+    georeference.Add(text::kExtentY, Range(row, "minimumY", "maximumY"));
     georeference.Add("pixelSizes");
-    georeference.Add(40559_lsid, Units(row));
-    georeference.Add(41303_lsid, Corner(row)).Add(41302_lsid, Rotation(properties));
-    georeference.Add(41304_lsid, PixelMeaning(properties));
-    georeference.Add(41307_lsid, Count(properties.controlPoints));
-    georeference.Add(41308_lsid, properties.hasRpc ? Text(40610_lsid) : std::wstring());
+    georeference.Add(text::kUnits, Units(row));
+    georeference.Add(text::kRasterUpperLeftCorner, Corner(row))
+        .Add(text::kRasterRotation, Rotation(properties));
+    georeference.Add(text::kRasterPixelStandsFor, PixelMeaning(properties));
+    georeference.Add(text::kRasterControlPoints, Count(properties.controlPoints));
+    georeference.Add(text::kRasterRpc, properties.hasRpc ? Text(text::kCellYes) : std::wstring());
     georeference.Finish(sections);
 }
 
 void AddStorage(const RasterRow& row, std::vector<DetailSection>& sections) {
     const RasterProperties& properties = row.Properties();
-    Section storage(row, 41287_lsid);
-    storage.Add(41299_lsid, Compression(properties)).Add(41298_lsid, properties.interleave);
-    storage.Add(41300_lsid, DistinctBlocks(properties)).Add("overviews");
+    Section storage(row, text::kRasterStorageSection);
+    storage.Add(text::kRasterCompression, Compression(properties))
+        .Add(text::kRasterInterleaving, properties.interleave);
+    storage.Add(text::kRasterBlockSize, DistinctBlocks(properties)).Add("overviews");
     storage.Add("bigTiff");
-    storage.Add(41301_lsid, Megabytes(PixelBytes(properties)));
+    storage.Add(text::kRasterUncompressedMegabytes, Megabytes(PixelBytes(properties)));
     storage.Finish(sections);
 }
 
@@ -222,12 +225,13 @@ std::vector<DetailField> RasterCrsFields(const RasterRow& row) {
     }
     std::vector<DetailSection> sections;
     Section fields(row, {});
-    fields.Add(40642_lsid, crs.name);
+    fields.Add(text::kDetailsCrsName, crs.name);
     fields.Add("projectionCode");
-    fields.Add(40643_lsid, Text(crs.isGeographic ? 40644_lsid : 40645_lsid));
-    fields.Add(40646_lsid, row.unit);
-    fields.Add(40647_lsid, crs.angularUnits);
-    fields.Add(40558_lsid, crs.verticalName);
+    fields.Add(text::kDetailsCrsKind,
+               Text(crs.isGeographic ? text::kCrsGeographic : text::kCrsProjectedOrLocal));
+    fields.Add(text::kDetailsLinearUnit, row.unit);
+    fields.Add(text::kDetailsAngularUnit, crs.angularUnits);
+    fields.Add(text::kVerticalCrs, crs.verticalName);
     fields.Finish(sections);
     return sections.empty() ? std::vector<DetailField>() : std::move(sections.front().fields);
 }

@@ -59,7 +59,7 @@ inline RasterRow DescribedRaster(const std::wstring& path, const std::string& wk
 inline RasterRow RefusedRaster(const std::wstring& path, const std::wstring& cause) {
     RasterRow row;
     row.path = path;
-    row.summary = Text(13638_lsid) + L" " + cause;
+    row.summary = Text(text::kRasterCannotBeRead) + L" " + cause;
     row.findings = {{FindingSeverity::Error, row.summary}};
     row.crs = DescribeCrs({});
     row.fileSize = 10;

@@ -135,7 +135,7 @@ TEST(RasterColumns, CellsOfEachKindOfFile) {
         {plain, "crsName", L""},
         {plain, "linearUnit", L""},
         {plain, "wkt", L""},
-        {broken, "summary", Text(13638_lsid) + L" It ends too early."},
+        {broken, "summary", Text(text::kRasterCannotBeRead) + L" It ends too early."},
         {broken, "details", L"0"},
         {broken, "size", L"0.00"},
     };
@@ -171,7 +171,8 @@ TEST(RasterColumns, CodesAreNamed) {
         row.file->properties.projectionCode = c.code;
         EXPECT_EQ(Shown(row, "colorModel"), Text({c.colorModel})) << c.code;
         EXPECT_EQ(Shown(row, "photometric"), Text({c.kind})) << c.code;
-        EXPECT_EQ(Shown(row, "projectionCode"), c.projection != nullptr ? c.projection : Text(13497_lsid))
+        EXPECT_EQ(Shown(row, "projectionCode"),
+                  c.projection != nullptr ? c.projection : Text(text::kProjectionCodeNone))
             << c.code;
     }
 }

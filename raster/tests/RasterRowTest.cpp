@@ -30,7 +30,7 @@ std::vector<std::wstring> Texts(const RasterRow& row) {
 }
 
 std::wstring Refusal(const std::wstring& reason) {
-    return Text(13638_lsid) + L" " + reason;
+    return Text(text::kRasterCannotBeRead) + L" " + reason;
 }
 
 /// A host's object that answers as the test wants.
@@ -79,7 +79,7 @@ TEST(RasterRow, AFileWithoutAnythingOdd) {
     const RasterRow row = Inspect(path);
     EXPECT_TRUE(row.loadable);
     EXPECT_EQ(row.path, path);
-    EXPECT_EQ(row.summary, Text(40100_lsid));
+    EXPECT_EQ(row.summary, Text(text::kInspectionOk));
     EXPECT_THAT(row.findings, IsEmpty());
     EXPECT_EQ(row.unit, L"Meters");
     EXPECT_EQ(row.crs->name, L"WGS 84 / UTM zone 33N");
@@ -96,11 +96,14 @@ TEST(RasterRow, AFileWithoutAnythingOdd) {
 }
 
 TEST(RasterRow, UnitsAsTheyAreShown) {
-    const std::map<std::wstring, std::wstring> cases{
-        {L"metre", L"Meters"},          {L"METER", L"Meters"},
-        {L"Kilometre", L"Meters"},      {L"US survey foot", L"US survey foot"},
-        {L"unknown", Text(13489_lsid)}, {L"(unknown)", Text(13489_lsid)},
-        {L"Unknown", L"Unknown"},       {L"", L""}};
+    const std::map<std::wstring, std::wstring> cases{{L"metre", L"Meters"},
+                                                     {L"METER", L"Meters"},
+                                                     {L"Kilometre", L"Meters"},
+                                                     {L"US survey foot", L"US survey foot"},
+                                                     {L"unknown", Text(text::kUnknown)},
+                                                     {L"(unknown)", Text(text::kUnknown)},
+                                                     {L"Unknown", L"Unknown"},
+                                                     {L"", L""}};
     for (const auto& [reported, shown] : cases) {
         EXPECT_EQ(RasterUnitText(reported), shown);
     }
@@ -141,8 +144,8 @@ TEST(RasterRow, AnObjectThatFailsGivesTheReason) {
         bool threw = false;
     } cases[] = {
         {Answering(kHostFail, {}, L"Not today."), Refusal(L"Not today.")},
-        {Answering(kHostFail, {}), Refusal(Text(41500_lsid))},
-        {Answering(kHostOk, {}), Refusal(Text(41216_lsid))},  // an image without a size
+        {Answering(kHostFail, {}), Refusal(Text(text::kRasterDamagedOrUnsupported))},
+        {Answering(kHostOk, {}), Refusal(Text(text::kRasterNoImage))},  // an image without a size
         {[](std::int32_t&) { return std::make_unique<ThrowingObject>(); }, Refusal(L"no such driver"), true},
         {[](std::int32_t&) -> std::unique_ptr<OrvexRasterInformation> {
              throw std::runtime_error("no such driver");
@@ -167,13 +170,13 @@ TEST(RasterRow, AnObjectThatFailsGivesTheReason) {
 TEST(RasterRow, APathThatIsNoFileHasItsReason) {
     const TemporaryFolder folder;
     const RasterRow directory = Inspect(FromPath(folder.Path()));
-    EXPECT_EQ(directory.summary, Refusal(Text(41201_lsid)));
+    EXPECT_EQ(directory.summary, Refusal(Text(text::kRasterIsFolder)));
     EXPECT_FALSE(directory.threw);
     for (const std::wstring& path :
          {folder.Name(L"absent.tif"), std::wstring(L"http://127.0.0.1:9/a.tif"),
           std::wstring(L"/vsicurl/http://127.0.0.1:9/a.tif"), std::wstring(L"WMS:http://127.0.0.1:9/"),
           std::wstring(L"<VRTDataset/>"), std::wstring()}) {
-        EXPECT_EQ(Inspect(path).summary, Refusal(Text(41202_lsid))) << ToUtf8(path);
+        EXPECT_EQ(Inspect(path).summary, Refusal(Text(text::kRasterFileMissing))) << ToUtf8(path);
     }
 }
 
@@ -203,25 +206,34 @@ TEST(RasterRow, OdditiesOfImagesAndDems) {
         std::vector<std::wstring> findings;
         FindingSeverity worst = Note;  ///< notes alone leave the summary at "OK"
     } cases[] = {
-        {RasterUse::Image, {.crs = "", .transform = {}}, {Text(41221_lsid), Text(40121_lsid)}, Warning},
-        {RasterUse::Image, {.transform = {{0, 1, 1, 0, 1, -1}}}, {Text(41224_lsid)}},
+        {RasterUse::Image,
+         {.crs = "", .transform = {}},
+         {Text(text::kRasterNoGeoreference), Text(text::kFileWithoutCrs)},
+         Warning},
+        {RasterUse::Image, {.transform = {{0, 1, 1, 0, 1, -1}}}, {Text(text::kRasterRotated)}},
         {RasterUse::Image,
          {.width = 8192, .height = 8192, .options = {"SPARSE_OK=TRUE"}},
-         {FormatText(Text(41225_lsid), {8192, 8192})}},
+         {FormatText(Text(text::kRasterNoOverviews), {8192, 8192})}},
         {RasterUse::Image, photo, {}},
         {RasterUse::Dem, heights, {}},
         {RasterUse::Dem,
          photo,
-         {FormatText(Text(41226_lsid), {3}), Text(41227_lsid), Text(41230_lsid)},
+         {FormatText(Text(text::kDemSeveralBands), {3}), Text(text::kDemColors),
+          Text(text::kDemNoVerticalCrs)},
          Warning},
-        {RasterUse::Dem, {.type = GDT_CFloat64}, {Text(41228_lsid), Text(41230_lsid)}, Error},
-        {RasterUse::Dem, {.type = GDT_Float64}, {Text(41229_lsid), Text(41230_lsid)}},
+        {RasterUse::Dem,
+         {.type = GDT_CFloat64},
+         {Text(text::kDemComplexNumbers), Text(text::kDemNoVerticalCrs)},
+         Error},
+        {RasterUse::Dem,
+         {.type = GDT_Float64},
+         {Text(text::kDemNoNoDataValue), Text(text::kDemNoVerticalCrs)}},
     };
     for (const auto& c : cases) {
         const RasterRow row = InspectRasterFile(c.tiff.Write(folder, L"a.tif"), c.use);
         EXPECT_TRUE(row.loadable);
         EXPECT_EQ(Texts(row), c.findings);
-        EXPECT_EQ(row.summary, c.worst == Note ? Text(40100_lsid) : c.findings.front());
+        EXPECT_EQ(row.summary, c.worst == Note ? Text(text::kInspectionOk) : c.findings.front());
         EXPECT_EQ(row.findings.empty() ? Note : row.findings.front().severity, c.worst);
     }
 }

@@ -132,7 +132,7 @@ bool IsSkippedFolder(const std::filesystem::path& path) {
     return name == "tests" || name == "build" || name.starts_with('.');
 }
 
-// The numbers written as 13558_lsid.
+// The numbers written as text::kLasTab.
 std::set<unsigned> IdsIn(const std::string& source) {
     constexpr std::string_view kSuffix = "_lsid";
     std::set<unsigned> ids;

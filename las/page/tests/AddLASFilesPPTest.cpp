@@ -63,8 +63,8 @@ TEST_F(LasPage, TheTenthRowAsksOnceWhetherToGoOn) {
     const auto paths = ManyLas(12);
     page->AddPaths(paths);
     ASSERT_THAT(prompts.shown, SizeIs(1));
-    EXPECT_EQ(prompts.shown[0].text, FormatText(Text(13656_lsid), {12}));
-    EXPECT_EQ(prompts.shown[0].caption, Text(13657_lsid));
+    EXPECT_EQ(prompts.shown[0].text, FormatText(Text(text::kLasManyFilesQuestion), {12}));
+    EXPECT_EQ(prompts.shown[0].caption, Text(text::kLasManyFilesCaption));
     EXPECT_EQ(Shown("layer"), std::vector<std::wstring>(10, L"LAS Layer_1"))
         << "what was added has its layer";
     page->AddPaths(paths);
@@ -183,9 +183,10 @@ TEST_F(LasPage, FilesThatCannotBeOpenedAreNamedInOneMessageThatIsCut) {
     EXPECT_FALSE(Press("ok"));
     ASSERT_THAT(prompts.shown, SizeIs(1));
     const std::wstring& text = prompts.shown[0].text;
-    EXPECT_EQ(prompts.shown[0].caption, Text(40673_lsid));
-    EXPECT_TRUE(text.starts_with(Text(40671_lsid) + L"\n\n'" + paths[0] + L"'")) << "its name once";
-    EXPECT_TRUE(text.ends_with(L"\n" + FormatText(Text(40672_lsid), {2})));
+    EXPECT_EQ(prompts.shown[0].caption, Text(text::kLasOpenModeCaption));
+    EXPECT_TRUE(text.starts_with(Text(text::kLasOpenModeFailed) + L"\n\n'" + paths[0] + L"'"))
+        << "its name once";
+    EXPECT_TRUE(text.ends_with(L"\n" + FormatText(Text(text::kMoreItems), {2})));
     EXPECT_TRUE(Rows()[0].file->IsReadOnly()) << "all stay as they are";
     EXPECT_THAT(params.lasFiles, IsEmpty());
 }
@@ -196,9 +197,10 @@ TEST_F(LasPage, TheDetailsTellEverythingOfAFileAndTheTotalsOfSeveral) {
     Grid().SelectRows({0});
     EXPECT_THAT(ToWide(Details("detailsCrs")), HasSubstr(L"25832"));
     EXPECT_THAT(ToWide(Find<QPlainTextEdit>("detailsRecords")->toPlainText()), HasSubstr(L"LASF_Projection"));
-    EXPECT_THAT(ToWide(Details("detailsOverview")), HasSubstr(Text(40664_lsid)));
+    EXPECT_THAT(ToWide(Details("detailsOverview")), HasSubstr(Text(text::kLasDetailsOffset)));
     Grid().SelectRows({4});
-    EXPECT_EQ(ToWide(Find<QPlainTextEdit>("detailsRecords")->toPlainText()), Text(40659_lsid));
+    EXPECT_EQ(ToWide(Find<QPlainTextEdit>("detailsRecords")->toPlainText()),
+              Text(text::kDetailsFileUnreadable));
     EXPECT_THAT(ToWide(Details("detailsOverview")), HasSubstr(Rows()[4].summary));
     Grid().SelectRows({0, 1});
     const std::wstring totals = ToWide(Details("detailsOverview"));
@@ -207,8 +209,8 @@ TEST_F(LasPage, TheDetailsTellEverythingOfAFileAndTheTotalsOfSeveral) {
     }
     Grid().SelectRows({0, 2, 4});
     const std::wstring mixed = ToWide(Details("detailsOverview"));
-    EXPECT_THAT(mixed, HasSubstr(Text(40656_lsid))) << "one cannot be read";
-    EXPECT_THAT(mixed, Not(HasSubstr(Text(40588_lsid)))) << "extents of different systems do not add up";
+    EXPECT_THAT(mixed, HasSubstr(Text(text::kTotalsUnreadableFiles))) << "one cannot be read";
+    EXPECT_THAT(mixed, Not(HasSubstr(Text(text::kLasMinX)))) << "extents of different systems do not add up";
 }
 
 TEST_F(LasPage, TheLoadFlagIsAPictureAndTheStateExplainsItself) {

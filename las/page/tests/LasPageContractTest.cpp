@@ -28,29 +28,48 @@ PageContract LasContract() {
     page.detailColumns = 248;
     page.refresh = 249;
     page.help = 250;
-    page.captions = {{247, 13466_lsid}, {252, 13463_lsid}, {253, 13462_lsid}, {254, 13464_lsid},
-                     {255, 13465_lsid}, {258, 13467_lsid}, {259, 13469_lsid}, {260, 13470_lsid},
-                     {261, 41000_lsid}, {262, 41001_lsid}, {263, 41002_lsid}, {264, 13475_lsid},
-                     {266, 13472_lsid}, {268, 41005_lsid}, {269, 41006_lsid}, {270, 41007_lsid},
-                     {280, 13658_lsid}, {281, 3256_lsid},  {282, 41003_lsid}, {283, 41004_lsid},
-                     {284, 41008_lsid}, {375, 41009_lsid}, {376, 41010_lsid}, {377, 41011_lsid},
-                     {378, 41012_lsid}, {417, 41013_lsid}};
+    page.captions = {{247, text::kLasSelectedFiles},
+                     {252, text::kAddFolder},
+                     {253, text::kAddFiles},
+                     {254, text::kRemove},
+                     {255, text::kClear},
+                     {258, text::kOpenSetting},
+                     {259, text::kOpenReadOnly},
+                     {260, text::kOpenReadWrite},
+                     {261, text::kLoadSetting},
+                     {262, text::kLoadFiles},
+                     {263, text::kLoadFootprintsOnly},
+                     {264, text::kPyramidSettings},
+                     {266, text::kThinning},
+                     {268, text::kPyramidOrvexLas},
+                     {269, text::kPyramidQvr},
+                     {270, text::kPyramidNone},
+                     {280, text::kAppendToCompatibleLayers},
+                     {281, text::kIgnoreIncompatibleCrs},
+                     {282, text::kOptions},
+                     {283, text::kLoadCorruptFiles},
+                     {284, text::kConvertQvr},
+                     {375, text::kOriginalLasFiles},
+                     {376, text::kOriginalsOverwrite},
+                     {377, text::kOriginalsBackup},
+                     {378, text::kOriginalsBackupCompress},
+                     {417, text::kRecreateOrvexLas}};
     page.tabOrder =
         "c253 c252 c254 c255 c248 c249 c250 detailsTabs c259 c260 c262 c263 c280 c281 c283 c267 c268 c269 "
         "c270 c284 c417 c376 c377 c378";
     page.helpTopic = HelpTopic::LasFiles;
-    page.emptyText = 40674_lsid;
+    page.emptyText = text::kLasEmptyGrid;
     page.overview = "detailsOverview";
-    page.nothingSelected = 40634_lsid;
+    page.nothingSelected = text::kLasDetailsNoSelection;
     page.paneState = L"AddLASFilesDetails";
     page.filters = {{L"LAS Files (*.las)", L"*.las"}, {L"LAZ Files (*.laz)", L"*.laz"}};
-    page.tooManyFiles = 10048_lsid;
-    page.pickFailed = 10052_lsid;
-    page.folderQuestion = 13556_lsid;
-    page.nothingFound = 41052_lsid;
+    page.tooManyFiles = text::kLasTooManySelected;
+    page.pickFailed = text::kPickerOutOfMemory;
+    page.folderQuestion = text::kLasSubfoldersQuestion;
+    page.nothingFound = text::kLasFolderEmpty;
     page.nothingFoundIcon = PromptIcon::Information;
-    page.ignored = 41051_lsid;
-    page.reading = 13662_lsid;
+    page.ignored = text::kLasOthersLeftOut;
+    page.reading = text::kLasReadingProgress;
     page.writeGood = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
         return WriteLas(folder, name + L".las", 25832);
     };

@@ -82,7 +82,7 @@ TEST_F(DemPage, ABrowsedFolderEndsWithOneSeparator) {
         pickers.folders = {picked};
         Click(kBrowse);
         EXPECT_EQ(ToWide(Folder().text()), wanted);
-        EXPECT_EQ(pickers.folderTitles.back(), Text(3203_lsid));
+        EXPECT_EQ(pickers.folderTitles.back(), Text(text::kDemOutputFolderTitle));
     }
 }
 

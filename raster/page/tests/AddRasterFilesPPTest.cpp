@@ -56,8 +56,8 @@ TEST_F(RasterPage, AnExceptionWhileReadingIsToldOncePerRunAndTheFilesAreListed) 
     page->AddPaths({Tif(L"a.tif"), Tif(L"b.tif")});
     EXPECT_THAT(Names(), ElementsAre(L"a.tif", L"b.tif"));
     ASSERT_THAT(prompts.shown, SizeIs(1));
-    EXPECT_EQ(prompts.shown[0].text, Text(13498_lsid));
-    EXPECT_EQ(prompts.shown[0].caption, Text(13498_lsid));
+    EXPECT_EQ(prompts.shown[0].text, Text(text::kRasterPropertiesFailed));
+    EXPECT_EQ(prompts.shown[0].caption, Text(text::kRasterPropertiesFailed));
     EXPECT_EQ(prompts.shown[0].icon, PromptIcon::Error);
     Click(kRefresh);
     EXPECT_THAT(prompts.shown, SizeIs(2));

@@ -71,36 +71,36 @@ TEST(RasterDetails, FieldsOfEachKindOfFile) {
         const wchar_t* value;
         RasterUse use = RasterUse::Image;
     } fields[] = {
-        {dem, 13568_lsid, L"GeoTIFF"},
-        {dem, 13505_lsid, L"2.34"},
-        {dem, 41289_lsid, L"3.00"},
-        {dem, 41290_lsid, L"dem.tfw\ndem.tif.aux.xml"},
-        {dem, 13507_lsid, L"DEM LAS Layer_1"},
-        {dem, 13513_lsid, L"Standard GPS Time", RasterUse::Dem},
-        {dem, 13513_lsid, L"-"},  // an image has no GPS time
-        {dem, 13569_lsid, L"600 x 400"},
-        {dem, 41291_lsid, L"Float32"},
-        {dem, 41292_lsid, L"-9999, NaN"},
-        {dem, 41293_lsid, L"-3"},
-        {dem, 41294_lsid, L"1e+06"},
-        {dem, 40660_lsid, L"500000.000 \u2013 500300.000"},
-        {dem, 13578_lsid, L"0.50000000 x 0.25000000"},
-        {dem, 40559_lsid, L"Meters"},
-        {dem, 41303_lsid, L"-"},
-        {dem, 41302_lsid, L"None"},
-        {dem, 41304_lsid, L"Its center point"},
-        {dem, 41299_lsid, L"DEFLATE"},
-        {dem, 41300_lsid, L"256 x 256"},
-        {dem, 3325_lsid, L"False"},
-        {dem, 41301_lsid, L"1.92"},
-        {dem, 41308_lsid, L"-"},
-        {turned, 41302_lsid, L"90.000000\u00b0"},
-        {turned, 41303_lsid, L"0.000 / 0.000"},
-        {brief, 41292_lsid, L"-"},
-        {brief, 41299_lsid, L"-"},
-        {brief, 41302_lsid, L"-"},
-        {brief, 41303_lsid, L"-"},
-        {brief, 41291_lsid, L"-"},
+        {dem, text::kFileType, L"GeoTIFF"},
+        {dem, text::kSizeMegabytes, L"2.34"},
+        {dem, text::kRasterTotalSizeMegabytes, L"3.00"},
+        {dem, text::kRasterOtherFiles, L"dem.tfw\ndem.tif.aux.xml"},
+        {dem, text::kLayerName, L"DEM LAS Layer_1"},
+        {dem, text::kGpsTimeType, L"Standard GPS Time", RasterUse::Dem},
+        {dem, text::kGpsTimeType, L"-"},  // an image has no GPS time
+        {dem, text::kImageSize, L"600 x 400"},
+        {dem, text::kRasterDataType, L"Float32"},
+        {dem, text::kRasterNoDataValue, L"-9999, NaN"},
+        {dem, text::kRasterMinimum, L"-3"},
+        {dem, text::kRasterMaximum, L"1e+06"},
+        {dem, text::kExtentX, L"500000.000 \u2013 500300.000"},
+        {dem, text::kPixelSizeXy, L"0.50000000 x 0.25000000"},
+        {dem, text::kUnits, L"Meters"},
+        {dem, text::kRasterUpperLeftCorner, L"-"},
+        {dem, text::kRasterRotation, L"None"},
+        {dem, text::kRasterPixelStandsFor, L"Its center point"},
+        {dem, text::kRasterCompression, L"DEFLATE"},
+        {dem, text::kRasterBlockSize, L"256 x 256"},
+        {dem, text::kBigTiff, L"False"},
+        {dem, text::kRasterUncompressedMegabytes, L"1.92"},
+        {dem, text::kRasterRpc, L"-"},
+        {turned, text::kRasterRotation, L"90.000000\u00b0"},
+        {turned, text::kRasterUpperLeftCorner, L"0.000 / 0.000"},
+        {brief, text::kRasterNoDataValue, L"-"},
+        {brief, text::kRasterCompression, L"-"},
+        {brief, text::kRasterRotation, L"-"},
+        {brief, text::kRasterUpperLeftCorner, L"-"},
+        {brief, text::kRasterDataType, L"-"},
     };
     for (const auto& field : fields) {
         EXPECT_EQ(Value(field.row, field.caption, field.use), field.value) << field.caption.value;
@@ -115,8 +115,10 @@ TEST(RasterDetails, ColumnsInWhichEveryBandIsEmptyAreLeftOut) {
     row.file->properties.bandDetails[1].scale = 0.1F;
     row.file->properties.bands = 300;
     const DetailTable table = BandTable(row.Properties());
-    EXPECT_THAT(table.captions, ElementsAre(41310_lsid, 41291_lsid, 13573_lsid, 41311_lsid, 41292_lsid,
-                                            41293_lsid, 41294_lsid, 41296_lsid, 41300_lsid, 13577_lsid));
+    EXPECT_THAT(table.captions, ElementsAre(text::kRasterBand, text::kRasterDataType, text::kBitsPerBand,
+                                            text::kRasterBandColor, text::kRasterNoDataValue,
+                                            text::kRasterMinimum, text::kRasterMaximum, text::kRasterScale,
+                                            text::kRasterBlockSize, text::kOverviews));
     ASSERT_THAT(table.rows, SizeIs(2));
     EXPECT_THAT(table.rows[0], ElementsAre(L"1", L"Float32", L"32", L"Gray", L"-9999", L"12.5", L"1e+06", L"",
                                            L"256 x 256", L"0"));
@@ -160,16 +162,18 @@ TEST(RasterDetails, TotalsUniteExtentsOfOneCrsOnly) {
     const std::wstring projected = L"ETRS89 / UTM zone 32N";
     EXPECT_THAT(
         Lines(rows, {0, 1, 2, 3}),
-        ElementsAre(Text(40665_lsid), Text(40652_lsid), L"4", Text(13505_lsid), L"7.02", Text(41289_lsid),
-                    L"9.00", Text(41313_lsid), L"0.720", Text(40653_lsid), L"2", Text(40656_lsid), L"1",
-                    Text(40654_lsid), projected, Text(13541_lsid), L"500000.000", Text(13538_lsid),
-                    L"5699000.000", Text(13542_lsid), L"500900.000", Text(13539_lsid), L"5700100.000"));
+        ElementsAre(Text(text::kTotalsSelection), Text(text::kTotalsFiles), L"4", Text(text::kSizeMegabytes),
+                    L"7.02", Text(text::kRasterTotalSizeMegabytes), L"9.00", Text(text::kRasterMegapixels),
+                    L"0.720", Text(text::kTotalsLayers), L"2", Text(text::kTotalsUnreadableFiles), L"1",
+                    Text(text::kTotalsCrs), projected, Text(text::kMinX), L"500000.000", Text(text::kMinY),
+                    L"5699000.000", Text(text::kMaxX), L"500900.000", Text(text::kMaxY), L"5700100.000"));
     EXPECT_THAT(
         Lines(rows, {0, 4, 5}),
-        ElementsAre(Text(40665_lsid), Text(40652_lsid), L"3", Text(13505_lsid), L"7.02", Text(41289_lsid),
-                    L"7.68", Text(41313_lsid), L"0.720", Text(40653_lsid), L"3", Text(40654_lsid), projected,
-                    Text(40654_lsid), L"WGS 84", Text(40654_lsid), Text(40612_lsid)));
-    EXPECT_THAT(Lines(rows, {3}), ElementsAre(L"\uFFFC", Text(13638_lsid) + L" no"))
+        ElementsAre(Text(text::kTotalsSelection), Text(text::kTotalsFiles), L"3", Text(text::kSizeMegabytes),
+                    L"7.02", Text(text::kRasterTotalSizeMegabytes), L"7.68", Text(text::kRasterMegapixels),
+                    L"0.720", Text(text::kTotalsLayers), L"3", Text(text::kTotalsCrs), projected,
+                    Text(text::kTotalsCrs), L"WGS 84", Text(text::kTotalsCrs), Text(text::kCellNone)));
+    EXPECT_THAT(Lines(rows, {3}), ElementsAre(L"\uFFFC", Text(text::kRasterCannotBeRead) + L" no"))
         << "an icon and the reason";
 }
 

@@ -17,7 +17,7 @@ SettingValue Int16(int value) {
 
 PageContract SharedContract() {
     PageContract page{};
-    page.nothingSelected = 41063_lsid;
+    page.nothingSelected = text::kDetailsNoSelection;
     page.startsInInitialFolder = true;
     page.filters = {{L"All Image Files",
                      L"*.tif;*.tiff;*.jpg;*.jpeg;*.rgb;*.png;*.sid;*.gif;*.bmp;*.jp2;*.jp2k;*.flt;*.ecw;"
@@ -32,10 +32,10 @@ PageContract SharedContract() {
                     {L"ECW Files (*.ecw)", L"*.ecw"},
                     {L"IMG Files (*.img)", L"*.img"},
                     {L"All Files (*.*)", L"*.*"}};
-    page.nothingFound = 13644_lsid;
+    page.nothingFound = text::kRasterFolderEmpty;
     page.nothingFoundIcon = PromptIcon::Error;
-    page.ignored = 41061_lsid;
-    page.reading = 13663_lsid;
+    page.ignored = text::kOthersLeftOut;
+    page.reading = text::kRasterReadingProgress;
     page.writeGood = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
         return testing::WriteTif(folder, name + L".tif");
     };
@@ -62,14 +62,20 @@ PageContract RasterContract() {
     page.selectAll = 436;
     page.refresh = 437;
     page.help = 438;
-    page.captions = {{430, 41320_lsid}, {431, 13462_lsid}, {432, 13463_lsid}, {433, 13464_lsid},
-                     {434, 13465_lsid}, {440, 41003_lsid}, {441, 13658_lsid}, {442, 41330_lsid}};
+    page.captions = {{430, text::kRasterSelectedFiles},
+                     {431, text::kAddFiles},
+                     {432, text::kAddFolder},
+                     {433, text::kRemove},
+                     {434, text::kClear},
+                     {440, text::kOptions},
+                     {441, text::kAppendToCompatibleLayers},
+                     {442, text::kRasterBuildPyramids}};
     page.tabOrder = "c431 c432 c433 c434 c435 c436 c437 c438 detailsTabs c441 c442";
     page.helpTopic = HelpTopic::RasterFiles;
-    page.emptyText = 41322_lsid;
+    page.emptyText = text::kRasterEmptyGrid;
     page.overview = "rasterOverview";
     page.paneState = L"AddRasterFilesDetails";
-    page.pickTitle = 13643_lsid;
+    page.pickTitle = text::kRasterPickerTitle;
     page.tooManyFiles =
         L"There are too many selected files for the allocated buffer. Select fewer files, then add more "
         L"files to the layer using the Raster Files tab.";
@@ -105,21 +111,35 @@ PageContract DemContract() {
     page.selectAll = 456;
     page.refresh = 457;
     page.help = 458;
-    page.captions = {{450, 41321_lsid}, {451, 13462_lsid}, {452, 13463_lsid}, {453, 13464_lsid},
-                     {454, 13465_lsid}, {460, 13467_lsid}, {461, 13469_lsid}, {462, 13470_lsid},
-                     {463, 41003_lsid}, {464, 41331_lsid}, {465, 41333_lsid}, {466, 41335_lsid},
-                     {467, 41339_lsid}, {468, 41340_lsid}, {470, 41342_lsid}, {471, 3259_lsid},
-                     {472, 41344_lsid}, {474, L"PDRF:"},   {476, 13472_lsid}};
+    page.captions = {{450, text::kDemSelectedFiles},
+                     {451, text::kAddFiles},
+                     {452, text::kAddFolder},
+                     {453, text::kRemove},
+                     {454, text::kClear},
+                     {460, text::kOpenSetting},
+                     {461, text::kOpenReadOnly},
+                     {462, text::kOpenReadWrite},
+                     {463, text::kOptions},
+                     {464, text::kDemAppendToLayers},
+                     {465, text::kDemIgnoreCrs},
+                     {466, text::kDemBuildPyramids},
+                     {467, text::kDemConversionGroup},
+                     {468, text::kDemOutputFolder},
+                     {470, text::kDemBrowse},
+                     {471, text::kInsertProjectPath},
+                     {472, text::kDemLasVersion},
+                     {474, L"PDRF:"},
+                     {476, text::kThinning}};
     page.tabOrder =
         "c451 c452 c453 c454 c455 c456 c457 c458 detailsTabs c461 c462 c464 c465 c466 c469 c470 c471 c473 "
         "c475 c477";
     page.helpTopic = HelpTopic::DemFiles;
-    page.emptyText = 41323_lsid;
+    page.emptyText = text::kDemEmptyGrid;
     page.overview = "demOverview";
     page.paneState = L"AddDEMFilesDetails";
-    page.pickTitle = 3239_lsid;
-    page.tooManyFiles = 3240_lsid;
-    page.folderQuestion = 3241_lsid;
+    page.pickTitle = text::kDemPickerTitle;
+    page.tooManyFiles = text::kDemTooManySelected;
+    page.folderQuestion = text::kDemSubfoldersQuestion;
     page.onlyWhenNamed = L".asc";
     page.detailColumnsOn = {L"DEMShowAdvCols", Int16(-1), 0, {}};
     page.files = &P::demFiles;
