@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -52,7 +53,7 @@ constexpr const wchar_t* kNotHandedOn = L"";
 
 /// Full access for the system, the administrators and the user, nothing from the folder above; null when the
 /// user is not known.
-LocalMemory<void> RightsFor(StoreReaders readers, const std::wstring& handedOn) {
+LocalMemory<void> RightsFor(StoreReaders readers, std::wstring_view handedOn) {
     const std::wstring user = UserSid();
     std::wstring rights = L"D:P";
     for (const std::wstring& who : {std::wstring(L"SY"), std::wstring(L"BA"), user}) {

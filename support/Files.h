@@ -52,9 +52,6 @@ SystemError CopyLastWriteTime(const std::wstring& from, const std::wstring& to);
 
 /// True if both paths name one existing file.
 bool IsSameFile(const std::wstring& a, const std::wstring& b);
-/// Absolute form of a path; the path itself if it has none, such as an empty one. On Windows also without "."
-/// and "..", by text only.
-std::wstring AbsolutePath(const std::wstring& path);
 /// The path with links resolved, unique per folder; the path itself if that fails.
 std::wstring CanonicalPath(const std::wstring& path);
 

@@ -87,12 +87,6 @@ bool IsSameFile(const std::wstring& a, const std::wstring& b) {
     return fs::equivalent(ToPath(a), ToPath(b), error);
 }
 
-std::wstring AbsolutePath(const std::wstring& path) {
-    std::error_code error;
-    const fs::path absolute = fs::absolute(ToPath(path), error);
-    return error ? path : FromPath(absolute);
-}
-
 std::wstring CanonicalPath(const std::wstring& path) {
     std::error_code error;
     const fs::path canonical = fs::canonical(ToPath(path), error);

@@ -185,18 +185,6 @@ bool IsSameFile(const std::wstring& a, const std::wstring& b) {
            first->nFileIndexHigh == second->nFileIndexHigh && first->nFileIndexLow == second->nFileIndexLow;
 }
 
-std::wstring AbsolutePath(const std::wstring& path) {
-    std::wstring full(path.size() + MAX_PATH, L'\0');
-    for (;;) {
-        const auto size = static_cast<DWORD>(full.size());
-        const DWORD length = GetFullPathNameW(path.c_str(), size, full.data(), nullptr);
-        full.resize(length);
-        if (length < size) {
-            return length == 0 ? path : full;
-        }
-    }
-}
-
 std::wstring CanonicalPath(const std::wstring& path) {
     const Handle file = OpenAny(path, FILE_READ_ATTRIBUTES);
     if (!file) {

@@ -22,6 +22,9 @@ std::string ValidUtf8(std::string_view bytes);
 /// "\\?\" or "\\?\UNC\", without which it is too long for them. The C runtime's queries, and with them
 /// std::filesystem's, do not accept the prefix: see support/Files.h.
 std::filesystem::path ToPath(std::wstring_view text, std::size_t room = 0);
+/// Absolute form of a path; the path itself if it has none, such as an empty one. On Windows also without "."
+/// and "..", by text only.
+std::wstring AbsolutePath(const std::wstring& path);
 /// Path as users know it: native separators, no prefix.
 std::wstring FromPath(const std::filesystem::path& path);
 /// The same path with the system's own separators and without the long-path prefix: the form that is shown

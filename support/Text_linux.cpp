@@ -26,6 +26,12 @@ std::wstring ToUpper(std::wstring_view text) {
     return out;
 }
 
+std::wstring AbsolutePath(const std::wstring& path) {
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(ToPath(path), error);
+    return error ? path : FromPath(absolute);
+}
+
 std::filesystem::path ToPath(std::wstring_view text, std::size_t /*room*/) {
     return std::filesystem::path(ToUtf8(text));
 }

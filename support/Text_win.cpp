@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "support/Files.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -67,6 +66,18 @@ std::wstring ToUpper(std::wstring_view text) {
                       out.data(), static_cast<int>(out.size()), nullptr, nullptr, 0);
     }
     return out;
+}
+
+std::wstring AbsolutePath(const std::wstring& path) {
+    std::wstring full(path.size() + MAX_PATH, L'\0');
+    for (;;) {
+        const auto size = static_cast<DWORD>(full.size());
+        const DWORD length = GetFullPathNameW(path.c_str(), size, full.data(), nullptr);
+        full.resize(length);
+        if (length < size) {
+            return length == 0 ? path : full;
+        }
+    }
 }
 
 std::filesystem::path ToPath(std::wstring_view text, std::size_t room) {
