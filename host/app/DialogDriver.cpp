@@ -122,11 +122,14 @@ void DialogDriver::Start() {
     timer_.start();
 }
 
-/// The dialog adds the files of the record once it is shown; at this event it is complete and still empty.
+/// Takes a picture of the empty dialog. It queues the adding of the record's files while it is shown; what is
+/// queued here, just before that, comes first.
 bool DialogDriver::eventFilter(QObject* object, QEvent* event) {
     if (event->type() == QEvent::Show && object->objectName() == "AddFilesDlg") {
         qApp->removeEventFilter(this);
-        TakePicture(qobject_cast<QWidget*>(object), "dialog-empty");
+        auto* dialog = qobject_cast<QWidget*>(object);
+        QMetaObject::invokeMethod(
+            dialog, [this, dialog] { TakePicture(dialog, "dialog-empty"); }, Qt::QueuedConnection);
     }
     return false;
 }

@@ -58,9 +58,9 @@ TEST(SampleProject, IsMadeOnceAndWhole) {
             ++files;
         }
     }
-    EXPECT_EQ(extensions,
-              (std::set<std::string>{".las", ".laz", ".tif", ".png", ".wld", ".xml", ".asc", ".prj"}));
-    EXPECT_EQ(files, 24U);
+    EXPECT_EQ(extensions, (std::set<std::string>{".las", ".laz", ".tif", ".png", ".wld", ".xml", ".asc",
+                                                 ".bil", ".hdr", ".prj"}));
+    EXPECT_EQ(files, 27U);
     EXPECT_FALSE(fs::exists(folder.Path() / "sample.new"));
     EXPECT_NE(BytesOf(SampleData(project) / "survey 2024" / "tile_4.las").find("\"EPSG\",\"25832\""),
               std::string::npos);
