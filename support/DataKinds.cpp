@@ -11,10 +11,9 @@ namespace {
 using enum DataKind;
 
 enum Use : unsigned {
-    kScanned = 1U,       ///< found by a page's search of a folder
-    kNamed = 2U,         ///< taken when it is given by name
-    kRecognised = 4U,    ///< its name alone tells the kind
-    kDroppedAsDem = 8U,  ///< goes to the DEM page when dropped
+    kScanned = 1U,     ///< found by a page's search of a folder
+    kNamed = 2U,       ///< taken when it is given by name
+    kRecognised = 4U,  ///< its name alone tells the kind
     kUsual = kScanned | kNamed | kRecognised,
 };
 
@@ -41,7 +40,7 @@ constexpr FileType kFileTypes[] = {
     {L".bmp", Raster, kUsual, 5, L"BMP"},
     {L".jp2", Raster, kUsual, 7, L"JP2000"},
     {L".jp2k", Raster, kUsual},
-    {L".flt", Raster, kUsual | kDroppedAsDem},
+    {L".flt", Raster, kUsual},
     {L".ecw", Raster, kUsual, 8, L"ECW"},
     {L".img", Raster, kUsual, 9, L"IMG"},
     // Elevation formats that are no images.
@@ -54,7 +53,6 @@ constexpr FileType kFileTypes[] = {
     {L".grd", Dem, kNamed | kRecognised},
     {L".hgt", Dem, kNamed | kRecognised},
     {L"hdr.adf", Dem, kRecognised},  // the one file in a coverage's folder that stands for it
-    {L".adf", Dem, 0},
 };
 
 /// The kind whose filters a page's picker shows.
@@ -70,16 +68,6 @@ std::vector<std::wstring> Extensions(DataKind page, Use use) {
         }
     }
     return extensions;
-}
-
-const FileType* Find(std::wstring_view path, unsigned uses) {
-    const std::wstring extension = UpperExtensionOf(path);
-    const std::wstring name = FileNameOf(path);
-    const auto* const found = std::ranges::find_if(kFileTypes, [&](const FileType& type) {
-        return (type.uses & uses) == uses &&
-               EqualNoCase(type.name, type.name.starts_with(L'.') ? extension : name);
-    });
-    return found == std::ranges::end(kFileTypes) ? nullptr : found;
 }
 
 }  // namespace
@@ -117,16 +105,13 @@ std::vector<std::wstring> NamedExtensions(DataKind page) {
 }
 
 std::optional<DataKind> DataKindOf(std::wstring_view path) {
-    const FileType* const type = Find(path, kRecognised);
-    return type != nullptr ? std::optional(type->kind) : std::nullopt;
-}
-
-std::optional<DataKind> DropPageOf(std::wstring_view path) {
-    const FileType* const type = Find(path, 0);
-    if (type == nullptr) {
-        return std::nullopt;
-    }
-    return (type->uses & kDroppedAsDem) != 0 ? Dem : type->kind;
+    const std::wstring extension = UpperExtensionOf(path);
+    const std::wstring name = FileNameOf(path);
+    const auto* const found = std::ranges::find_if(kFileTypes, [&](const FileType& type) {
+        return (type.uses & kRecognised) != 0 &&
+               EqualNoCase(type.name, type.name.starts_with(L'.') ? extension : name);
+    });
+    return found == std::ranges::end(kFileTypes) ? std::nullopt : std::optional(found->kind);
 }
 
 }  // namespace orvex

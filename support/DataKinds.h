@@ -24,7 +24,4 @@ std::vector<std::wstring> NamedExtensions(DataKind page);
 /// Kind of a file that is recognised by its name alone, in any letter case; nullopt for other names.
 std::optional<DataKind> DataKindOf(std::wstring_view path);
 
-/// Page that a file dropped on the application goes to; nullopt for a name that no page is for.
-std::optional<DataKind> DropPageOf(std::wstring_view path);
-
 }  // namespace orvex

@@ -7,6 +7,7 @@
 #include <QMimeData>
 #include <QProgressBar>
 #include <QTabBar>
+#include <QTimer>
 #include <QUrl>
 
 #include "dialog/tests/ShellFixture.h"
@@ -175,6 +176,7 @@ TEST_F(Shell, DoesNotOpenWithoutTheHostApplication) {
     EXPECT_FALSE(dialog->Run());
     ASSERT_THAT(prompts.shown, SizeIs(1));
     EXPECT_NE(prompts.shown[0].text.find(L"80040154"), std::wstring::npos) << "the code is told";
+    EXPECT_THAT(journal.lines, ElementsAre("release las"));
     EXPECT_EQ(StoredTab(), std::nullopt) << "what never opened stores nothing";
 }
 
@@ -271,6 +273,105 @@ TEST_F(Shell, EveryWayOfClosingStopsARunAndASecondPressLosesNothing) {
         way(*dialog);
         EXPECT_FALSE(dialog->isVisible());
         journal.lines.clear();
+    }
+}
+
+TEST_F(Shell, OnlyOkChangesTheRecord) {
+    params.showRasterTab = true;
+    params.lasFiles[L"/host"] = {L"own.las"};
+    const FilesByFolder own = params.lasFiles;
+    journal.store = [](const std::string&, AddFilesParams& record) {
+        record.lasFiles[L"/d"].push_back(L"a.las");
+        record.lasThinning = 5;
+    };
+    const auto isOwn = [&] { return params.lasFiles == own && params.lasThinning == 0; };
+    using Page = std::string Journal::*;
+    for (const Page failing : {&Journal::refuse, &Journal::throwOnStore}) {
+        for (const bool cancels : {true, false}) {
+            journal.*failing = "raster";
+            auto dialog = Open();
+            Press(*dialog, "ok");
+            EXPECT_TRUE(dialog->isVisible());
+            if (cancels) {
+                Press(*dialog, "cancel");
+                EXPECT_TRUE(isOwn());
+            }
+            dialog.reset();
+            EXPECT_TRUE(isOwn()) << "also when its window goes without an answer";
+            journal.*failing = "";
+        }
+    }
+    EXPECT_EQ(journal.handedOver, "");
+    journal.refuse = "raster";
+    const auto dialog = Open();
+    Press(*dialog, "ok");
+    journal.refuse = "";
+    Press(*dialog, "ok");
+    EXPECT_THAT(params.lasFiles[L"/d"], ElementsAre(L"a.las", L"a.las")) << "one of each page";
+    EXPECT_EQ(journal.handedOver, "las raster ");
+}
+
+TEST_F(Shell, RunIsTrueForOkWithAListThatAHostActsOn) {
+    using P = AddFilesParams;
+    const struct {
+        const char* name;
+        void (*fill)(P&);
+        const char* press;
+        bool result;
+    } cases[] = {
+        {"nothing", [](P&) {}, "ok", false},
+        {"las", [](P& p) { p.lasFiles[L"/d"]; }, "ok", true},
+        {"las", [](P& p) { p.lasFiles[L"/d"]; }, "cancel", false},
+        {"raster", [](P& p) { p.rasterFiles[L"/d"]; }, "ok", true},
+        {"feature", [](P& p) { p.featureFiles[L"l"]; }, "ok", true},
+        {"dem", [](P& p) { p.demFiles[L"/d"]; }, "ok", true},
+        {"photo", [](P& p) { p.photoFiles.emplace_back(); }, "ok", true},
+        {"presigned", [](P& p) { p.presignedUrlLayers[L"l"]; }, "ok", true},
+        {"cloud", [](P& p) { p.cloudLasLayers[L"l"]; }, "ok", true},
+        {"cloud 2", [](P& p) { p.cloudLasLayerValues2[L"l"]; }, "ok", false},
+        {"cloud 3", [](P& p) { p.cloudLasLayerValues3[L"l"]; }, "ok", false},
+        {"inputs", [](P& p) { p.existingLasLayers[L"l"]; }, "ok", false},
+    };
+    for (const auto& c : cases) {
+        params = {};
+        journal.store = [&c](auto&, P& record) { c.fill(record); };
+        const auto dialog = Make();
+        QTimer::singleShot(0, dialog.get(), [&] { Press(*dialog, c.press); });
+        EXPECT_EQ(dialog->Run(), c.result) << c.name << ", " << c.press;
+    }
+}
+
+TEST_F(Shell, InitialPathsGoToThePagesThatTakeThem) {
+    params.showRasterTab = params.showDemTab = true;
+    const struct {
+        int tab;
+        std::vector<std::wstring> paths;
+        std::vector<std::string> lines;
+        std::vector<std::wstring> added;
+        int shown;
+    } cases[] = {
+        {0, {}, {}, {}, 0},
+        {2, {L"/d/x.txt"}, {}, {}, 2},
+        {0,
+         {L"/d/a.tif", L"/d/b.las", L"/d/c.tif", L"/d/x.txt"},
+         {"add raster", "add las"},
+         {L"/d/a.tif", L"/d/c.tif", L"/d/b.las"},
+         1},
+        {2, {L"/d/folder", L"/d/b.las"}, {"add dem", "add las"}, {L"/d/folder", L"/d/b.las"}, 2},
+    };
+    for (const auto& c : cases) {
+        journal.lines.clear();
+        journal.added.clear();
+        params.initialTab = c.tab;
+        params.initialPaths = c.paths;
+        const auto dialog = Open();
+        QApplication::processEvents();
+        dialog->hide();
+        dialog->show();
+        QApplication::processEvents();
+        EXPECT_EQ(journal.lines, c.lines) << "once";
+        EXPECT_EQ(journal.added, c.added);
+        EXPECT_EQ(dialog->Tabs().ShownIndex(), c.shown);
     }
 }
 

@@ -20,13 +20,16 @@ struct Journal {
     std::string throwOnStore;   // the page whose validation throws
     std::string needCompanion;  // the page whose files need companion files
     std::vector<std::wstring> added;
+    std::string handedOver;  // names of the pages
+    /// What a page writes into the record.
+    std::function<void(const std::string& name, AddFilesParams& params)> store = [](auto&, auto&) {};
     DialogProgress* progress = nullptr;
 };
 
 class FakePage : public AddFilesPage {
   public:
-    FakePage(std::string name, std::wstring extension, Journal& journal)
-        : name_(std::move(name)), extension_(std::move(extension)), journal_(journal) {
+    FakePage(std::string name, std::wstring extension, Journal& journal, AddFilesParams& params)
+        : name_(std::move(name)), extension_(std::move(extension)), journal_(journal), params_(params) {
         auto* button = new QPushButton(QStringLiteral("act"));
         button->setObjectName(QStringLiteral("act"));
         auto* layout = new QVBoxLayout(this);
@@ -35,40 +38,43 @@ class FakePage : public AddFilesPage {
     }
     bool ValidateAndStore() override {
         journal_.lines.push_back("store " + name_);
+        journal_.store(name_, params_);
         if (journal_.throwOnStore == name_) {
             throw LDataError(L"disk full");
         }
         return journal_.refuse != name_;
     }
+    void HandOver() noexcept override { journal_.handedOver += name_ + " "; }
     void Release() override { journal_.lines.push_back("release " + name_); }
     void AddPaths(const std::vector<std::wstring>& paths) override {
         journal_.lines.push_back("add " + name_);
-        journal_.added = paths;
+        journal_.added.insert(journal_.added.end(), paths.begin(), paths.end());
     }
-    bool Accepts(const std::wstring& path) const override { return UpperExtensionOf(path) == extension_; }
+    bool Accepts(const std::wstring& path) const override {
+        return UpperExtensionOf(path) == extension_ || path.ends_with(L"folder");
+    }
     bool NeedsCompanionFiles() const override { return journal_.needCompanion == name_; }
 
   private:
     std::string name_;
     std::wstring extension_;
     Journal& journal_;
+    AddFilesParams& params_;
 };
 
-inline PageDescription Describe(PageKind kind, StringId caption, int templateId, int image,
+inline PageDescription Describe(PageKind kind, StringId caption, int templateId, ImageIndex image,
                                 bool AddFilesParams::*pageSwitch, const char* name, const wchar_t* extension,
                                 Journal& journal) {
-    return {kind,
-            caption,
-            {},
-            L"insert failed",
-            {},
-            L"create failed",
-            templateId,
-            image,
-            pageSwitch,
-            [=, &journal](const PageContext& context) {
+    return {.kind = kind,
+            .caption = caption,
+            .insertFailure = L"insert failed",
+            .createFailure = L"create failed",
+            .templateId = templateId,
+            .image = image,
+            .pageSwitch = pageSwitch,
+            .create = [=, &journal](const PageContext& context) {
                 journal.progress = &context.progress;
-                return std::make_unique<FakePage>(name, extension, journal);
+                return std::make_unique<FakePage>(name, extension, journal, *context.params);
             }};
 }
 
@@ -76,13 +82,16 @@ class Shell : public ::testing::Test, protected testing::ScriptedServices {
   protected:
     Shell() {
         const auto add = [this](auto... arguments) { pages.push_back(Describe(arguments..., journal)); };
-        add(PageKind::Las, text::kLasTab, 363, 8, nullptr, "las", L".LAS");
-        add(PageKind::Raster, text::kRasterTab, 385, 9, &AddFilesParams::showRasterTab, "raster", L".TIF");
-        add(PageKind::Feature, text::kFeatureTab, 390, 10, &AddFilesParams::showFeatureTab, "feature",
-            L".SHP");
-        add(PageKind::Dem, text::kDemTab, 403, 11, &AddFilesParams::showDemTab, "dem", L".DEM");
-        add(PageKind::Photo, text::kPhotoTab, 406, 12, &AddFilesParams::showPhotoTab, "photo", L".JPG");
-        add(PageKind::CloudLas, text::kCloudTab, 410, 13, &AddFilesParams::showCloudTab, "cloud", L".URL");
+        add(PageKind::Las, text::kLasTab, 363, ImageIndex(8), nullptr, "las", L".LAS");
+        add(PageKind::Raster, text::kRasterTab, 385, ImageIndex(9), &AddFilesParams::showRasterTab, "raster",
+            L".TIF");
+        add(PageKind::Feature, text::kFeatureTab, 390, ImageIndex(10), &AddFilesParams::showFeatureTab,
+            "feature", L".SHP");
+        add(PageKind::Dem, text::kDemTab, 403, ImageIndex(11), &AddFilesParams::showDemTab, "dem", L".DEM");
+        add(PageKind::Photo, text::kPhotoTab, 406, ImageIndex(12), &AddFilesParams::showPhotoTab, "photo",
+            L".JPG");
+        add(PageKind::CloudLas, text::kCloudTab, 410, ImageIndex(13), &AddFilesParams::showCloudTab, "cloud",
+            L".URL");
     }
 
     void AllOn() {

@@ -4,20 +4,13 @@
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QDir>
-#include <QDragEnterEvent>
-#include <QDropEvent>
+#include <QEvent>
 #include <QMessageBox>
-#include <QMimeData>
 #include <QPixmap>
 #include <QTabBar>
 #include <QTableView>
-#include <QUrl>
 #include <cstdlib>
 #include <iostream>
-#include <map>
-
-#include "support/DataKinds.h"
-#include "support/QtText.h"
 
 namespace orvex {
 
@@ -49,25 +42,6 @@ QTableView* GridOf(QWidget* dialog) {
         }
     }
     return nullptr;
-}
-
-/// Drops files on the tab that is shown, as a file manager would. For a dialog that does not add the record's
-/// initialPaths by itself.
-void DropOnTab(QWidget* dialog, const QStringList& paths, const QString& tab) {
-    const std::map<QString, DataKind> kinds = {
-        {"las", DataKind::Las}, {"raster", DataKind::Raster}, {"dem", DataKind::Dem}};
-    QList<QUrl> urls;
-    for (const QString& path : paths) {
-        if (kinds.contains(tab) && DropPageOf(ToWide(path)) == kinds.at(tab)) {
-            urls.append(QUrl::fromLocalFile(path));
-        }
-    }
-    QMimeData data;
-    data.setUrls(urls);
-    QDragEnterEvent enter(dialog->rect().center(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(dialog, &enter);
-    QDropEvent drop(dialog->rect().center(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(dialog, &drop);
 }
 
 /// The first button whose role agrees. Roles, because a program may have given its buttons texts of its own.
@@ -144,7 +118,20 @@ void DialogDriver::Start() {
     Add(
         "the Add Files dialog to open", [this] { return (dialog_ = FindAddFilesDialog()) != nullptr; },
         [this] { AddDialogSteps(); });
+    qApp->installEventFilter(this);
     timer_.start();
+}
+
+/// Takes a picture of the empty dialog. It queues the adding of the record's files while it is shown; what is
+/// queued here, just before that, comes first.
+bool DialogDriver::eventFilter(QObject* object, QEvent* event) {
+    if (event->type() == QEvent::Show && object->objectName() == "AddFilesDlg") {
+        qApp->removeEventFilter(this);
+        auto* dialog = qobject_cast<QWidget*>(object);
+        QMetaObject::invokeMethod(
+            dialog, [this, dialog] { TakePicture(dialog, "dialog-empty"); }, Qt::QueuedConnection);
+    }
+    return false;
 }
 
 void DialogDriver::TakePicture(QWidget* widget, const QString& name) {
@@ -184,12 +171,8 @@ void DialogDriver::AddDialogSteps() {
 }
 
 void DialogDriver::AddTabSteps(int tab) {
-    AddWhenIdle("the tab " + QString::number(tab), [this, tab] {
-        dialog_->findChild<QTabBar*>()->setCurrentIndex(tab);
-        if (GridOf(dialog_) == nullptr) {
-            DropOnTab(dialog_, settings_.paths, CurrentTabName());
-        }
-    });
+    AddWhenIdle("the tab " + QString::number(tab),
+                [this, tab] { dialog_->findChild<QTabBar*>()->setCurrentIndex(tab); });
     AddWhenIdle("the files of the tab", [this] {
         TakeTabPicture();
         if (GridOf(dialog_) != nullptr) {

@@ -1,6 +1,6 @@
 #pragma once
 #include <QObject>
-#include <QStringList>
+#include <QString>
 #include <QTimer>
 #include <chrono>
 #include <condition_variable>
@@ -56,7 +56,6 @@ class DialogDriver final : public QObject {
 
   public:
     struct Settings {
-        QStringList paths;      ///< what the tabs are expected to hold
         QString pictureFolder;  ///< empty: no pictures
         QString pictureSuffix;  ///< behind each picture's name
     };
@@ -69,6 +68,9 @@ class DialogDriver final : public QObject {
     void TakePicture(QWidget* widget, const QString& name);
     /// The tabs whose grid held files when they were looked at: "las", "raster", "dem".
     const std::set<QString>& TabsWithFiles() const { return tabsWithFiles_; }
+
+  protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
 
   private:
     struct Step {

@@ -25,7 +25,6 @@
 #include "host/app/ProjectFile.h"
 #include "host/app/RecordFiles.h"
 #include "host/app/RecordIntake.h"
-#include "host/app/RecordText.h"
 #include "host/objects/HostClasses.h"
 #include "orvexcommon/Exports.h"
 #include "orvexcommon/HostInterfaces.h"
@@ -46,7 +45,7 @@ std::unique_ptr<OrvexApplication> MakeApplicationObject() {
     return std::unique_ptr<OrvexApplication>(application);
 }
 
-/// A record whose details are deleted with it: they are the host's from OK on.
+/// A record that deletes its details, which belong to the host after OK.
 struct OwnedRecord : AddFilesParams {
     OwnedRecord() = default;
     ~OwnedRecord() { DeleteDetails(*this); }
@@ -77,7 +76,7 @@ HostWindow::HostWindow(HostPreferences& preferences, QWidget* parent)
 }
 
 HostWindow::~HostWindow() {
-    // Before the project that they show: the window closes its children only after its members are gone.
+    // Deleted before the project they show: Qt deletes children only after the members are gone.
     delete tree_;
     delete map_;
 }
@@ -143,7 +142,7 @@ void HostWindow::TakeRecord(const AddFilesParams& record) {
     ShowLayer(result.mainLayer);
 }
 
-/// Shows on the map what has the CRS of a layer.
+/// Switches the map to the CRS of a layer and fits all of it.
 void HostWindow::ShowLayer(const std::optional<std::size_t>& layer) {
     if (layer) {
         crsChoice_->setCurrentIndex(CrsIndexOf(project_.layers[*layer].wkt));
@@ -151,7 +150,8 @@ void HostWindow::ShowLayer(const std::optional<std::size_t>& layer) {
     map_->FitAll();
 }
 
-/// Where the next dialog's pickers open: rasters and elevation models tend to come from one place.
+/// Stores the folder where the next dialog's pickers open: rasters and elevation models tend to come from one
+/// place.
 void HostWindow::RememberFolder(const AddFilesParams& record) {
     for (const FilesByFolder* files : {&record.rasterFiles, &record.demFiles}) {
         if (!files->empty()) {
@@ -251,7 +251,7 @@ void HostWindow::SelectFile(std::size_t layer, std::size_t file) {
     tree_->scrollTo(index);
 }
 
-/// The choice whose CRS is the one of a WKT, whatever words say so; -1 when there is none.
+/// Index of the choice whose CRS is compatible with a WKT's, however each is worded; -1 for none.
 int HostWindow::CrsIndexOf(const std::string& wkt) {
     for (int i = 0; i < crsChoice_->count(); ++i) {
         if (crsGroups_.Of(crsChoice_->itemData(i).toByteArray().toStdString()) == crsGroups_.Of(wkt)) {
@@ -302,7 +302,8 @@ bool HostWindow::SaveNow() {
     return false;
 }
 
-/// A project whose folder is gone or read-only must not keep the program open for ever.
+/// Saves the project. If that fails, the user may close without saving: a folder that is gone or read-only
+/// must not keep the program open.
 bool HostWindow::SaveBeforeClosing() {
     QString problem;
     if (folder_.isEmpty() || SaveProject(folder_, project_, problem)) {
@@ -340,7 +341,7 @@ void HostWindow::dropEvent(QDropEvent* event) {
         }
     }
     event->acceptProposedAction();
-    // The program that dragged waits until this returns; the dialog must not run inside.
+    // The drag source is blocked until this returns, so the dialog opens later.
     QTimer::singleShot(0, this, [this, paths] { AddFiles(paths); });
 }
 

@@ -19,7 +19,7 @@ namespace orvex {
 class MapView;
 class LayerTreeModel;
 
-/// How many files of each kind a record held, and how many elevation files became LAS files.
+/// Files of a record by kind, and elevation files that were converted to LAS.
 struct RecordCounts {
     std::size_t las = 0;
     std::size_t rasters = 0;
@@ -27,7 +27,7 @@ struct RecordCounts {
     std::size_t convertedDems = 0;
 };
 
-/// The reference host's window: one project with its layers, footprints and the record that came back last.
+/// Main window of the reference host: a project's layers, their map and the text of the last record.
 class HostWindow final : public QMainWindow {
     Q_OBJECT
 
@@ -35,20 +35,20 @@ class HostWindow final : public QMainWindow {
     explicit HostWindow(HostPreferences& preferences, QWidget* parent = nullptr);
     ~HostWindow() override;
 
-    /// Opens the project of a folder, or makes one there. False after telling the user why not.
+    /// Opens the project in a folder or creates one there. False after showing the reason of a failure.
     bool OpenProject(const QString& folder);
-    /// Runs the Add Files dialog, at first with these files and folders in its grids, and takes what comes
-    /// back. True when the record held files.
+    /// Runs the Add Files dialog, which adds these files and folders when it opens, and adds its result to
+    /// the project. True when the record held files.
     bool AddFiles(const QStringList& paths = {});
-    /// Asks how LiDAR data is to be held and keeps the answer with the project.
+    /// Asks for the access to LiDAR data and stores the answer in the project.
     void AskLidarAccess();
 
-    /// The folder of the open project; empty when none is open.
+    /// Folder of the open project; empty if none is open.
     const QString& ProjectFolder() const { return folder_; }
     const Project& CurrentProject() const { return project_; }
     /// True while thumbnails of the project's rasters are being read.
     bool IsLoading() const;
-    /// The record that came back last, as text.
+    /// Text of the last record.
     QString LastRecord() const;
     const RecordCounts& LastRecordCounts() const { return counts_; }
 

@@ -59,6 +59,12 @@ struct Layer {
     friend bool operator==(const Layer&, const Layer&) = default;
 };
 
+/// A file and the layer of its kind that it goes to.
+struct AssignedFile {
+    std::wstring path;
+    std::wstring layer;
+};
+
 /// A file that is to be taken into the project.
 struct NewFile {
     std::wstring layer;  ///< of its kind: an existing one's name, or a new one's

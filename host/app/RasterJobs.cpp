@@ -199,7 +199,7 @@ OverviewResult BuildOverviews(const std::vector<std::wstring>& paths, Kst::Progr
     return result;
 }
 
-DemImport::DemImport(std::vector<DemToImport> dems, DemConversionOptions options, bool readOnly)
+DemImport::DemImport(std::vector<AssignedFile> dems, DemConversionOptions options, bool readOnly)
     : dems_(std::move(dems)), options_(std::move(options)), readOnly_(readOnly) {}
 
 void DemImport::Run(Kst::ProgressIf& progress) {
@@ -213,7 +213,7 @@ void DemImport::Run(Kst::ProgressIf& progress) {
     }
 }
 
-void DemImport::ConvertOne(const DemToImport& dem, Kst::ProgressIf& progress) {
+void DemImport::ConvertOne(const AssignedFile& dem, Kst::ProgressIf& progress) {
     try {
         const auto converted = ConvertDem(dem.path, options_, progress);
         const std::lock_guard guard(lock_);
@@ -228,7 +228,7 @@ void DemImport::ConvertOne(const DemToImport& dem, Kst::ProgressIf& progress) {
     }
 }
 
-void DemImport::Keep(const DemToImport& dem, const DemConversionResult& converted) {
+void DemImport::Keep(const AssignedFile& dem, const DemConversionResult& converted) {
     NewFile& added = result_.files.emplace_back();
     added.layer = dem.layer;
     added.wkt = converted.wkt;

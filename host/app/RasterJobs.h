@@ -37,12 +37,6 @@ inline constexpr int kSmallRaster = 1024;
 /// raster's name. Never throws, except for want of memory. From any thread.
 OverviewResult BuildOverviews(const std::vector<std::wstring>& paths, Kst::ProgressIf& progress);
 
-/// An elevation raster that is to become a LAS file of a layer.
-struct DemToImport {
-    std::wstring path;
-    std::wstring layer;
-};
-
 /// What became of elevation rasters.
 struct DemImportResult {
     std::vector<NewFile> files;         ///< the LAS files that are complete, in the order of the rasters
@@ -55,8 +49,8 @@ struct DemImportResult {
 /// any time, also while the rest is still being converted.
 class DemImport {
   public:
-    /// `readOnly` is how the LAS files are to be opened.
-    DemImport(std::vector<DemToImport> dems, DemConversionOptions options, bool readOnly);
+    /// `dems` are rasters with the layers of their LAS files; `readOnly` is how these are to be opened.
+    DemImport(std::vector<AssignedFile> dems, DemConversionOptions options, bool readOnly);
 
     /// The range of `progress` is a thousand for each raster; its text says which one it is. To be called
     /// once; from any thread.
@@ -65,10 +59,10 @@ class DemImport {
     DemImportResult Result() const;
 
   private:
-    void ConvertOne(const DemToImport& dem, Kst::ProgressIf& progress);
-    void Keep(const DemToImport& dem, const DemConversionResult& converted);
+    void ConvertOne(const AssignedFile& dem, Kst::ProgressIf& progress);
+    void Keep(const AssignedFile& dem, const DemConversionResult& converted);
 
-    const std::vector<DemToImport> dems_;
+    const std::vector<AssignedFile> dems_;
     const DemConversionOptions options_;
     const bool readOnly_;
     mutable std::mutex lock_;

@@ -3,14 +3,26 @@
 #include <QFileInfo>
 #include <cmath>
 #include <map>
+#include <span>
 
+#include "host/dem/DemConversion.h"
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/LasFileInfo.h"
 #include "orvexcommon/RasterFileInfo.h"
+#include "support/Format.h"
+#include "support/NaturalOrder.h"
 #include "support/QtText.h"
 #include "support/Text.h"
 
 namespace orvex {
+
+std::wstring JoinPath(const std::wstring& folder, const std::wstring& name) {
+    if (folder.empty()) {
+        return name;
+    }
+    const bool separated = folder.back() == L'/' || folder.back() == L'\\';
+    return NativePath(separated ? folder + name : folder + L'/' + name);
+}
 
 namespace {
 
@@ -84,58 +96,228 @@ class LayerGroups {
     std::map<std::wstring, std::string> groupOfLayer_;
 };
 
-}  // namespace
+using Record = const AddFilesParams&;
+using TextMap = std::map<std::wstring, std::wstring>;
 
-std::wstring JoinPath(const std::wstring& folder, const std::wstring& name) {
-    if (folder.empty()) {
-        return name;
+/// One line of the options in the text of a record.
+struct RecordOption {
+    StringId caption;
+    std::wstring (*value)(Record record);
+};
+
+template <bool AddFilesParams::*kMember>
+std::wstring YesNo(Record record) {
+    return Text(record.*kMember ? text::kRecordYes : text::kRecordNo);
+}
+
+template <bool AddFilesParams::*kMember>
+std::wstring Access(Record record) {
+    return Text(record.*kMember ? text::kRecordReadWrite : text::kRecordReadOnly);
+}
+
+template <auto kMember>
+std::wstring Number(Record record) {
+    return std::to_wstring(record.*kMember);
+}
+
+/// Text of a choice counted from 0; the last one for any other number.
+std::wstring Choice(std::int32_t choice, std::initializer_list<StringId> texts) {
+    const auto last = static_cast<std::int32_t>(texts.size()) - 1;
+    return Text(texts.begin()[choice >= 0 && choice < last ? choice : last]);
+}
+
+constexpr RecordOption kLasOptions[] = {
+    {text::kRecordOpen, Access<&AddFilesParams::lasOpenSetting>},
+    {text::kRecordLoad,
+     [](Record record) {
+         return Text(record.lasLoadSetting ? text::kRecordLoadFootprints : text::kRecordLoadFiles);
+     }},
+    {text::kRecordAppend, YesNo<&AddFilesParams::lasAppend>},
+    {text::kRecordIgnoreIncompatibleCrs, YesNo<&AddFilesParams::lasIgnoreIncompatibleCrs>},
+    {text::kRecordLoadCorruptFiles, YesNo<&AddFilesParams::lasLoadCorruptFiles>},
+    {text::kRecordThinning, Number<&AddFilesParams::lasThinning>},
+    {text::kRecordPyramid,
+     [](Record record) {
+         return Choice(record.lasPyramidType - 1,
+                       {text::kRecordPyramidOrvexLas, text::kRecordPyramidQvr, text::kRecordPyramidNone});
+     }},
+    {text::kRecordConvertQvr, YesNo<&AddFilesParams::convertExistingQvr>},
+    {text::kRecordOriginalLasFiles,
+     [](Record record) {
+         return Choice(record.orvexLasBackupOption,
+                       {text::kRecordOverwrite, text::kRecordBackup, text::kRecordBackupCompress});
+     }},
+    {text::kRecordRecreateOrvexLas, YesNo<&AddFilesParams::reCreateOrvexLas>},
+};
+
+constexpr RecordOption kRasterOptions[] = {
+    {text::kRecordAppend, YesNo<&AddFilesParams::rasterAppend>},
+    {text::kRecordBuildPyramids, YesNo<&AddFilesParams::rasterPyramid>},
+};
+
+constexpr RecordOption kDemOptions[] = {
+    {text::kRecordOpen, Access<&AddFilesParams::demOpenReadWrite>},
+    {text::kRecordAppend, YesNo<&AddFilesParams::demAppend>},
+    {text::kRecordIgnoreCrs, YesNo<&AddFilesParams::demIgnoreCrs>},
+    {text::kRecordLasVersion,
+     [](Record record) { return L"1." + std::to_wstring(MinorVersionOfItem(record.demLasVersion)); }},
+    {text::kRecordPointFormat, Number<&AddFilesParams::demPointFormat>},
+    {text::kRecordThinning, Number<&AddFilesParams::demThinning>},
+    {text::kRecordOutputFolder, [](Record record) { return record.demLasFolder; }},
+    // The host keeps this choice but does not build pyramids of converted files; the text says so.
+    {text::kRecordBuildPyramids,
+     [](Record record) { return Text(record.demPyramid ? text::kRecordPyramidNotBuilt : text::kRecordNo); }},
+};
+
+std::wstring LasFacts(Record record, const std::wstring& path) {
+    const LasFileInfo* const details = DetailsOf(record.lasFileDetails, path);
+    if (details == nullptr) {
+        return {};
     }
-    const bool separated = folder.back() == L'/' || folder.back() == L'\\';
-    return NativePath(separated ? folder + name : folder + L'/' + name);
+    const LasFileInfo& file = *details;
+    std::wstring facts = FormatText(Text(text::kRecordLasFile), {file.Version() / 10, file.Version() % 10,
+                                                                 file.PointFormat(), file.GetPointCount()});
+    facts += L", " + Text(file.IsReadOnly() ? text::kRecordReadOnly : text::kRecordReadWrite);
+    const std::wstring opened = FileNameOf(file.FileName());
+    return opened == FileNameOf(path) ? facts : facts + L" (" + opened + L")";
 }
 
-std::wstring LayerNameOf(const std::map<std::wstring, std::wstring>& layerOfFile, const std::wstring& path,
-                         const std::wstring& otherwise) {
-    const auto found = layerOfFile.find(path);
-    return found == layerOfFile.end() || found->second.empty() ? otherwise : found->second;
+std::wstring RasterFacts(Record record, const std::wstring& path) {
+    const RasterFileInfo* const details = DetailsOf(record.rasterFileDetails, path);
+    if (details == nullptr) {
+        return {};
+    }
+    const RasterProperties& raster = details->Properties();
+    std::wstring facts = raster.driver.empty()
+                             ? std::wstring()
+                             : raster.driver + (details->IsBigTiff() ? L" (BigTIFF), " : L", ");
+    facts += FormatText(Text(text::kRecordRaster), {raster.width, raster.height, raster.bands});
+    const bool hasPlace = raster.transform || raster.extent;
+    return hasPlace ? facts : facts + L", " + Text(text::kRecordRasterWithoutPlace);
 }
+
+/// Where a record holds the files of one kind, and what its text says of them.
+struct RecordKind {
+    FilesByFolder AddFilesParams::*files;
+    TextMap AddFilesParams::*layerOfFile;
+    TextMap AddFilesParams::*existingLayers;
+    StringId defaultLayer;  ///< of files that the dialog assigned to none
+    StringId heading;
+    std::wstring (*factsOf)(Record record, const std::wstring& path);  ///< null for none
+    std::span<const RecordOption> options;
+};
+
+constexpr RecordKind kLas = {&AddFilesParams::lasFiles,
+                             &AddFilesParams::lasFileLayers,
+                             &AddFilesParams::existingLasLayers,
+                             text::kDefaultLasLayer,
+                             text::kRecordLasFiles,
+                             LasFacts,
+                             kLasOptions};
+constexpr RecordKind kRasters = {&AddFilesParams::rasterFiles,
+                                 &AddFilesParams::rasterFileLayers,
+                                 &AddFilesParams::existingRasterLayers,
+                                 text::kDefaultRasterLayer,
+                                 text::kRecordRasterFiles,
+                                 RasterFacts,
+                                 kRasterOptions};
+constexpr RecordKind kDems = {&AddFilesParams::demFiles,
+                              &AddFilesParams::demFileLayers,
+                              &AddFilesParams::existingLasLayers,
+                              text::kDefaultDemLayer,
+                              text::kRecordDemFiles,
+                              nullptr,
+                              kDemOptions};
+
+/// Files in the order of the grid, with the layers that the dialog assigned them to.
+std::vector<AssignedFile> FilesOf(Record record, const RecordKind& kind) {
+    const TextMap& layers = record.*kind.layerOfFile;
+    std::vector<AssignedFile> files;
+    for (const auto& [folder, names] : record.*kind.files) {
+        for (const std::wstring& name : names) {
+            const std::wstring path = JoinPath(folder, name);
+            const auto layer = layers.find(path);
+            const bool isAssigned = layer != layers.end() && !layer->second.empty();
+            files.push_back({path, isAssigned ? layer->second : Text(kind.defaultLayer)});
+        }
+    }
+    return files;
+}
+
+std::wstring FilesText(Record record, const RecordKind& kind) {
+    std::size_t files = 0;
+    std::wstring text;
+    for (const auto& [folder, names] : record.*kind.files) {
+        text += folder + L"\n";
+        for (const std::wstring& name : names) {
+            const std::wstring facts =
+                kind.factsOf == nullptr ? L"" : kind.factsOf(record, JoinPath(folder, name));
+            text += L"  " + name + (facts.empty() ? facts : L"  " + facts) + L"\n";
+        }
+        files += names.size();
+    }
+    return FormatText(Text(kind.heading), {files, (record.*kind.files).size()}) + L"\n" + text;
+}
+
+std::wstring LayersText(Record record, const RecordKind& kind) {
+    std::map<std::wstring, std::size_t, decltype(&NaturalLess)> filesOfLayer(&NaturalLess);
+    for (const auto& [path, layer] : record.*kind.layerOfFile) {
+        ++filesOfLayer[layer];
+    }
+    std::wstring text = Text(text::kRecordLayers) + L"\n";
+    for (const auto& [layer, files] : filesOfLayer) {
+        const bool existing = (record.*kind.existingLayers).contains(layer);
+        text +=
+            L"  " +
+            FormatText(Text(existing ? text::kRecordLayerAppended : text::kRecordLayerNew), {layer, files}) +
+            L"\n";
+    }
+    return text;
+}
+
+std::wstring OptionsText(Record record, const RecordKind& kind) {
+    std::wstring text = Text(text::kRecordOptions) + L"\n";
+    for (const RecordOption& option : kind.options) {
+        text += L"  " + Text(option.caption) + L": " + option.value(record) + L"\n";
+    }
+    return text;
+}
+
+}  // namespace
 
 std::vector<NewFile> LasFilesOf(const AddFilesParams& record, const std::set<std::wstring>& skipped) {
     std::vector<NewFile> files;
-    for (const auto& [folder, names] : record.lasFiles) {
-        for (const std::wstring& name : names) {
-            const std::wstring path = JoinPath(folder, name);
-            if (skipped.contains(path)) {
-                continue;
-            }
-            const LasFileInfo* details = DetailsOf(record.lasFileDetails, path);
-            NewFile& added = files.emplace_back();
-            added.layer = LayerNameOf(record.lasFileLayers, path, Text(text::kDefaultLasLayer));
-            added.wkt = details == nullptr ? std::string() : details->CrsWkt();
-            added.file = Describe(details);
-            added.file.path = path;
-            added.file.footprintOnly = record.lasLoadSetting;
+    for (const auto& [path, layer] : FilesOf(record, kLas)) {
+        if (skipped.contains(path)) {
+            continue;
         }
+        const LasFileInfo* details = DetailsOf(record.lasFileDetails, path);
+        NewFile& added = files.emplace_back();
+        added.layer = layer;
+        added.wkt = details == nullptr ? std::string() : details->CrsWkt();
+        added.file = Describe(details);
+        added.file.path = path;
+        added.file.footprintOnly = record.lasLoadSetting;
     }
     return files;
 }
 
 std::vector<NewFile> RasterFilesOf(const AddFilesParams& record) {
     std::vector<NewFile> files;
-    for (const auto& [folder, names] : record.rasterFiles) {
-        for (const std::wstring& name : names) {
-            NewFile& added = files.emplace_back();
-            added.file.path = JoinPath(folder, name);
-            added.layer =
-                LayerNameOf(record.rasterFileLayers, added.file.path, Text(text::kDefaultRasterLayer));
-            const RasterFileInfo* details = DetailsOf(record.rasterFileDetails, added.file.path);
-            if (details != nullptr) {
-                added.wkt = details->Properties().wkt;
-                added.file.raster = Describe(details->Properties());
-            }
+    for (const auto& [path, layer] : FilesOf(record, kRasters)) {
+        NewFile& added = files.emplace_back();
+        added.layer = layer;
+        added.file.path = path;
+        if (const RasterFileInfo* details = DetailsOf(record.rasterFileDetails, path)) {
+            added.wkt = details->Properties().wkt;
+            added.file.raster = Describe(details->Properties());
         }
     }
     return files;
+}
+
+std::vector<AssignedFile> DemFilesOf(const AddFilesParams& record) {
+    return FilesOf(record, kDems);
 }
 
 void DeleteDetails(AddFilesParams& record) {
@@ -154,34 +336,36 @@ LidarReport CheckLidar(const Project& project, const AddFilesParams& record) {
     findings.tellSkipped = true;
     const std::set<std::wstring> known = KeysOf(project);
     LayerGroups groups(project);
-    for (const auto& [folder, names] : record.lasFiles) {
-        for (const std::wstring& name : names) {
-            const std::wstring path = JoinPath(folder, name);
-            if (known.contains(PathKey(path))) {
-                findings.alreadyThere = true;
-                findings.skipped.insert(path);
-                continue;
-            }
-            if (!QFileInfo(ToQString(path)).isReadable()) {
-                findings.unreadable = true;
-                findings.skipped.insert(path);
-                continue;
-            }
-            const auto details = record.lasFileDetails.find(path);
-            if (details == record.lasFileDetails.end() || details->second == nullptr) {
-                findings.damaged = true;
-                continue;
-            }
-            const std::string wkt = details->second->CrsWkt();
-            const std::wstring layer =
-                record.lasFileLayers.contains(path) ? record.lasFileLayers.at(path) : L"";
-            findings.appending = findings.appending || record.existingLasLayers.contains(layer);
-            findings.crsMissing = findings.crsMissing || wkt.empty();
-            findings.crsDiffers = findings.crsDiffers || !groups.Fits(layer, wkt);
-            findings.damaged = findings.damaged || !HasExtent(*details->second);
+    for (const auto& [path, layer] : FilesOf(record, kLas)) {
+        const bool isKnown = known.contains(PathKey(path));
+        if (isKnown || !QFileInfo(ToQString(path)).isReadable()) {
+            (isKnown ? findings.alreadyThere : findings.unreadable) = true;
+            findings.skipped.insert(path);
+            continue;
         }
+        const LasFileInfo* const details = DetailsOf(record.lasFileDetails, path);
+        if (details == nullptr) {
+            findings.damaged = true;
+            continue;
+        }
+        const std::string wkt = details->CrsWkt();
+        findings.appending = findings.appending || record.existingLasLayers.contains(layer);
+        findings.crsMissing = findings.crsMissing || wkt.empty();
+        findings.crsDiffers = findings.crsDiffers || !groups.Fits(layer, wkt);
+        findings.damaged = findings.damaged || !HasExtent(*details);
     }
     return findings;
+}
+
+std::wstring RecordText(const AddFilesParams& record) {
+    std::wstring text;
+    for (const RecordKind& kind : {kLas, kRasters, kDems}) {
+        if (!(record.*kind.files).empty()) {
+            text += (text.empty() ? L"" : L"\n") + FilesText(record, kind) + L"\n" +
+                    LayersText(record, kind) + L"\n" + OptionsText(record, kind);
+        }
+    }
+    return text.empty() ? Text(text::kRecordEmpty) + L"\n" : text;
 }
 
 }  // namespace orvex

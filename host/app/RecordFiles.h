@@ -1,5 +1,5 @@
 #pragma once
-// The files of a record as the project takes them, and what is wrong with them.
+// Files of a record in the project's terms, findings about them, and the record as text.
 #include <set>
 #include <string>
 #include <vector>
@@ -10,37 +10,37 @@ class AddFilesParams;
 
 namespace orvex {
 
-/// A folder and a name as a full path.
+/// Full path of a file in a folder.
 std::wstring JoinPath(const std::wstring& folder, const std::wstring& name);
 
-/// The LAS files with the layers that the dialog assigned them to, without those whose full path is in
-/// `skipped`.
+/// LAS files in the order of the record, with the layers that the dialog assigned them to, except those whose
+/// full path is in `skipped`. A file without details has only its path.
 std::vector<NewFile> LasFilesOf(const AddFilesParams& record, const std::set<std::wstring>& skipped);
-/// The same for the rasters. A raster without details, which could not be read, keeps its name only.
+/// The same for the rasters.
 std::vector<NewFile> RasterFilesOf(const AddFilesParams& record);
+/// Elevation rasters and the layers of their LAS files, in the order of the record.
+std::vector<AssignedFile> DemFilesOf(const AddFilesParams& record);
 
-/// The layer that the dialog assigned a file of a kind to; `otherwise` when it assigned none.
-std::wstring LayerNameOf(const std::map<std::wstring, std::wstring>& layerOfFile, const std::wstring& path,
-                         const std::wstring& otherwise);
-
-/// The details objects of a record belong to the host once the dialog ended with OK; this deletes them.
+/// Deletes the details objects of a record, which belong to the host once the dialog has ended with OK.
 void DeleteDetails(AddFilesParams& record);
 
-/// The host's findings about the LiDAR files of a record, in the order in which MessageRegardingAddingLidar
-/// takes them.
+/// Findings about the LiDAR files of a record, in the order of the parameters of MessageRegardingAddingLidar.
 struct LidarReport {
-    bool appending = false;  ///< a: at least one file goes to a layer that the project has already
-    /// b: a file has another CRS than the layer it goes to, or than the others of its new layer.
-    bool crsDiffers = false;
-    bool crsMissing = false;         ///< c: a file has no CRS
-    bool damaged = false;            ///< d: the header of a file cannot be true (no extent, no details)
-    bool tellSkipped = false;        ///< e: the user is to be told of files that are skipped
-    bool alreadyThere = false;       ///< f: the project holds a file already
-    bool unreadable = false;         ///< g: a file can no longer be opened
-    std::set<std::wstring> skipped;  ///< full paths of the files of f and g
+    bool appending = false;     ///< a file goes to a layer that the project already has
+    bool crsDiffers = false;    ///< a file's CRS differs from its layer's, or from the rest of a new layer
+    bool crsMissing = false;    ///< a file has no CRS
+    bool damaged = false;       ///< a file has no details, or its header no extent
+    bool tellSkipped = false;   ///< the user is to be told of skipped files
+    bool alreadyThere = false;  ///< the project already has a file
+    bool unreadable = false;    ///< a file can no longer be opened
+    std::set<std::wstring> skipped;  ///< full paths of the files that are there already or unreadable
 };
 
 /// Compares the record with the project and looks at each file.
 LidarReport CheckLidar(const Project& project, const AddFilesParams& record);
+
+/// The record as text for the user: files by folder with their properties, the layers they go to, and the
+/// options. Lines end in "\n".
+std::wstring RecordText(const AddFilesParams& record);
 
 }  // namespace orvex

@@ -19,15 +19,15 @@ namespace orvex {
 
 namespace {
 
-/// Of a LAZ file it is the decompressed one that is written.
+/// True if every file can be written; of a LAZ file, the decompressed one.
 bool CanWriteAll(const AddFilesParams& record) {
     return std::ranges::all_of(record.lasFileDetails, [](const auto& entry) {
         return QFileInfo(ToQString(entry.second->FileName())).isWritable();
     });
 }
 
-/// The layer that got the most files, of whatever kind. Layers that are made are put behind those that were
-/// there, so that the places of earlier ones stay.
+/// Index of the layer that got the most files, of any kind; nullopt if none got any. New layers are appended,
+/// so indexes of earlier ones stay valid.
 std::optional<std::size_t> MainLayer(const IntakeResult& result) {
     std::optional<std::size_t> main;
     std::size_t most = 0;
@@ -40,18 +40,7 @@ std::optional<std::size_t> MainLayer(const IntakeResult& result) {
     return main;
 }
 
-std::vector<DemToImport> DemsOf(const AddFilesParams& record) {
-    std::vector<DemToImport> dems;
-    for (const auto& [folder, names] : record.demFiles) {
-        for (const std::wstring& name : names) {
-            const std::wstring path = JoinPath(folder, name);
-            dems.push_back({path, LayerNameOf(record.demFileLayers, path, Text(text::kDefaultDemLayer))});
-        }
-    }
-    return dems;
-}
-
-/// A folder that is neither absolute nor begins with the token lies in the project as well.
+/// Output folder of converted files. A relative folder without the project token is in the project, too.
 std::wstring DemFolder(const AddFilesParams& record, const std::wstring& projectFolder) {
     const std::wstring folder = ResolveProjectPath(record.demLasFolder, projectFolder);
     return ToPath(folder).is_absolute() ? folder : JoinPath(projectFolder, folder);
@@ -108,7 +97,7 @@ AddedFiles RecordIntake::TakeLas(const AddFilesParams& record) {
     return project_.Take(LayerKind::Las, LasFilesOf(record, found.skipped));
 }
 
-/// Files that are opened read-write can be changed: the user is asked once more.
+/// Asks the user again before files are opened read-write, as they can then be changed.
 bool RecordIntake::MayAddLas(const AddFilesParams& record) {
     if (!record.lasOpenSetting || record.lasFiles.empty()) {
         return true;
@@ -152,7 +141,7 @@ AddedFiles RecordIntake::TakeDems(const AddFilesParams& record) {
         return {};
     }
     const auto import =
-        std::make_shared<DemImport>(DemsOf(record), OptionsOf(record, folder), !record.demOpenReadWrite);
+        std::make_shared<DemImport>(DemFilesOf(record), OptionsOf(record, folder), !record.demOpenReadWrite);
     const WorkEnd end = WorkDialog::Run(window_, HostText(text::kDemConversionTitle),
                                         [import](Kst::ProgressIf& progress) { import->Run(progress); });
     const DemImportResult result = import->Result();
@@ -162,7 +151,7 @@ AddedFiles RecordIntake::TakeDems(const AddFilesParams& record) {
     return project_.Take(LayerKind::Las, result.files);
 }
 
-/// One message for all files of a run; none when there is nothing to tell.
+/// Shows one message for all files of a run; none for an empty list.
 void RecordIntake::Tell(const std::wstring& heading, const std::vector<FileFailure>& failures,
                         StringId caption) {
     if (!failures.empty()) {

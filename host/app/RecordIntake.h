@@ -11,21 +11,21 @@ class QWidget;
 
 namespace orvex {
 
-/// What became of a record.
+/// Outcome of adding a record's files to the project.
 struct IntakeResult {
     AddedFiles las;
     AddedFiles rasters;
     AddedFiles dems;  ///< the LAS files that elevation rasters were converted to
-    /// Place of the layer to be shown; none when nothing was added.
+    /// Index of the layer to show; nullopt when nothing was added.
     std::optional<std::size_t> mainLayer;
     QString status;  ///< one line for the user
 };
 
-/// Takes what the Add Files dialog handed back into the project, with the questions, the progress and the
-/// messages that belong to it.
+/// Adds the files of the Add Files dialog's record to the project; asks the user, shows progress and reports
+/// failures on the way.
 class RecordIntake {
   public:
-    /// `projectFolder` is where the token of folder texts leads to. `window` owns the messages.
+    /// `projectFolder` replaces the project token in folder names. `window` is the parent of the messages.
     RecordIntake(Project& project, QString projectFolder, QWidget* window);
 
     IntakeResult Take(const AddFilesParams& record);

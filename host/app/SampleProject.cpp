@@ -85,7 +85,8 @@ void WriteSurveys(const fs::path& data) {
     }
 }
 
-/// Builds under another name and renames when complete, unless it is there. Another process may be faster.
+/// Builds a folder unless it exists, under a temporary name that is renamed when complete. Another process
+/// may complete it first.
 void EnsureFolder(const fs::path& folder, const std::function<void(const fs::path&)>& build) {
     if (fs::is_directory(folder)) {
         return;
@@ -109,7 +110,7 @@ fs::path EnsureSampleProject(const fs::path& folder) {
         const fs::path data = SampleData(folder);
         fs::create_directories(folder);
         EnsureFolder(data, WriteSurveys);
-        // Each by itself, so that a project of an earlier version gets what it lacks.
+        // Separate parts: a project of an earlier version gets the ones it lacks.
         EnsureFolder(data / "rasters",
                      [](const fs::path& part) { WriteSampleRasters(part, kWest, kSouth, kUtm32); });
         EnsureFolder(data / "elevation",

@@ -3,13 +3,13 @@
 
 namespace orvex {
 
-/// A folder with sample data, made once: neighbouring tiles of terrain in LAS 1.2 and 1.4, with the CRS as
-/// GeoKeys or as WKT, one in another CRS, one without, a compressed one, a truncated one and one that is no
-/// LAS file. Returns the folder; empty when it cannot be made. It is built under another name and renamed
-/// when complete, so that an interrupted run leaves nothing half made.
+/// Creates a folder with sample data unless it exists: neighbouring LAS 1.2 and 1.4 tiles with the CRS as
+/// GeoKeys or WKT, one in another CRS, one without, a compressed one, a truncated one and one that is no LAS
+/// file; rasters and elevation models of the same landscape. Each part is built under a temporary name and
+/// renamed when complete. Returns the folder; empty if it cannot be created.
 std::filesystem::path EnsureSampleProject(const std::filesystem::path& folder);
 
-/// Where the data of a sample project lie.
+/// Data folder of a sample project.
 inline std::filesystem::path SampleData(const std::filesystem::path& folder) {
     return folder / "data";
 }

@@ -290,11 +290,7 @@ void WriteSampleRasters(const fs::path& folder, double west, double south, int e
 void WriteSampleElevation(const fs::path& folder, double west, double south, int epsg) {
     SetUpGdal();
     Write(folder, Placer(west, south, epsg),
-          {{"terrain.tif",
-            "GTiff",
-            {200, 200, NorthUp(0, 600, 1), GDT_Float32, 1, Height},
-            {"COMPRESS=DEFLATE", "PREDICTOR=3", "TILED=YES"},
-            MarkNoData},
+          {{"terrain.bil", "EHdr", {200, 200, NorthUp(0, 600, 1), GDT_Float32, 1, Height}, {}, MarkNoData},
            {"text grid.asc",
             "AAIGrid",
             {100, 100, NorthUp(600, 600, 2), GDT_Float32, 1, Height},

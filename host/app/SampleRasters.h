@@ -9,8 +9,8 @@ namespace orvex {
 /// area in the CRS of the EPSG code, in metres. Throws LDataError when one cannot be written.
 void WriteSampleRasters(const std::filesystem::path& folder, double west, double south, int epsg);
 
-/// Writes elevation models of the sample landscape: a GeoTIFF of 32-bit floats with holes, and a text grid
-/// whose CRS lies beside it. As WriteSampleRasters.
+/// Writes elevation models of the sample landscape as WriteSampleRasters does: a grid of 32-bit floats with
+/// gaps and a text grid, each with its CRS in a file beside it. Their extensions are those of elevation data.
 void WriteSampleElevation(const std::filesystem::path& folder, double west, double south, int epsg);
 
 }  // namespace orvex

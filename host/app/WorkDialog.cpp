@@ -22,7 +22,7 @@ constexpr int kTextWidth = 440;
 
 }  // namespace
 
-/// What the work tells and the dialog shows; owned by both.
+/// State shared by the work, which sets it, and the dialog, which shows it.
 class WorkDialog::Progress final : public Kst::ProgressIf {
   public:
     struct State {
@@ -57,8 +57,8 @@ class WorkDialog::Progress final : public Kst::ProgressIf {
         const std::lock_guard guard(lock_);
         state_.stop = true;
     }
-    /// Leaves the thread of the work to itself; false when the work has ended. The lock keeps the thread from
-    /// ending meanwhile: with some runtimes a thread that starts later fails otherwise.
+    /// Detaches the thread; false if the work has already ended. The lock keeps the thread from ending during
+    /// the call: with some runtimes, threads started later would fail otherwise.
     bool LeaveBehind(std::thread& thread) {
         const std::lock_guard guard(lock_);
         if (!state_.ended) {

@@ -14,19 +14,20 @@ class QPushButton;
 
 namespace orvex {
 
-/// How work ended. Abandoned: it did not return some seconds after it was asked to stop; it goes on by itself
-/// until it does.
+/// How the work ended. Abandoned: it did not return within seconds of being asked to stop, and continues in
+/// the background.
 enum class WorkEnd { Finished, Abandoned };
 
-/// Long work on a thread of its own, with a bar and a button that stops it, as Escape does.
+/// Modal dialog that runs long work on a thread of its own, with a progress bar and a stop button. Escape
+/// stops, too.
 class WorkDialog final : public QDialog {
     Q_OBJECT
 
   public:
     using Work = std::function<void(Kst::ProgressIf& progress)>;
 
-    /// Returns when the work is over. The work may outlive the call when it is abandoned: it must own
-    /// whatever it touches. What it throws is thrown here.
+    /// Returns when the work has finished or is abandoned; rethrows its exception. Abandoned work outlives
+    /// the call, so `work` must own everything it uses.
     static WorkEnd Run(QWidget* parent, const QString& title, Work work);
 
     ~WorkDialog() override;

@@ -37,7 +37,7 @@ QString SampleProjectFolder() {
 /// Every file of a sample project that the dialog takes.
 QStringList SampleFiles(const QString& project) {
     const QString data = ToQString(FromPath(SampleData(ToPath(ToWide(project)))));
-    QDirIterator files(data, {"*.las", "*.laz", "*.tif", "*.png", "*.asc"}, QDir::Files,
+    QDirIterator files(data, {"*.las", "*.laz", "*.tif", "*.png", "*.bil", "*.asc"}, QDir::Files,
                        QDirIterator::Subdirectories);
     QStringList paths;
     while (files.hasNext()) {
@@ -159,7 +159,7 @@ int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     window.OpenProject(arguments.projectFolder.isEmpty() ? folder.filePath("project")
                                                          : arguments.projectFolder);
     window.show();
-    DialogDriver driver({paths, arguments.pictureFolder, PictureSuffix(arguments)}, std::cout, watchdog);
+    DialogDriver driver({arguments.pictureFolder, PictureSuffix(arguments)}, std::cout, watchdog);
     driver.Start();
     window.AddFiles(paths);
     std::cout << window.LastRecord().toStdString() << std::flush;

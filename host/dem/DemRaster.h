@@ -11,21 +11,21 @@
 
 namespace orvex {
 
-/// A part of a raster, in pixels.
+/// Window of a raster in pixels.
 struct RasterWindow {
     int x = 0;
     int y = 0;
     int width = 0;
     int height = 0;
-    bool endsBlocks = false;  ///< no later window reads the blocks that this one lies in
+    bool endsBlocks = false;  ///< last window in its blocks
 
     std::uint64_t Pixels() const {
         return static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
     }
 };
 
-/// The parts in which a raster is read: each pixel once, every block as a whole where it fits into a window,
-/// and never more than `mostPixels` in one, whatever size the file gives its blocks.
+/// Windows in which a raster is read: each pixel once, whole blocks where they fit, and never more than
+/// `mostPixels` per window, whatever the file's block size.
 class RasterWindows {
   public:
     struct Size {
@@ -35,49 +35,49 @@ class RasterWindows {
 
     RasterWindows(Size raster, Size block, int mostPixels);
 
-    /// The next part; none behind the last one.
+    /// Next window; nullopt after the last one.
     std::optional<RasterWindow> Next();
 
   private:
     Size raster_;
-    Size group_;  ///< whole blocks that are read one after the other
-    Size part_;   ///< what is read at once of a group
+    Size group_;  ///< whole blocks that are read in a row
+    Size part_;   ///< of a window in a group
     int groupX_ = 0;
     int groupY_ = 0;
     int x_ = 0;  ///< in the group
     int y_ = 0;
 };
 
-/// The first band of a raster file as heights. Opened for reading; nothing is ever written beside the file.
-/// Everything throws LDataError with the cause in plain words. One object belongs to one thread.
+/// First band of a raster file as heights. Opened read-only; nothing is written beside the file. Members
+/// throw LDataError with the cause in plain words. Not thread-safe.
 class DemRaster {
   public:
     explicit DemRaster(const std::wstring& path);
 
     const std::wstring& Path() const { return path_; }
     RasterWindows::Size Size() const;
-    /// Begins a reading of the whole; the parts to read it in, of at most so many pixels each.
+    /// Starts a pass over the whole raster; returns its windows of at most `mostPixels` pixels.
     RasterWindows StartReading(int mostPixels);
 
     /// X = t[0] + column * t[1] + row * t[2], Y = t[3] + column * t[4] + row * t[5], from the outer corner of
-    /// the first pixel; nowhere beyond 1e30, and no two pixels share a place.
+    /// the first pixel. All coordinates are below 1e30, and no two pixels coincide.
     const std::array<double, 6>& Transform() const { return transform_; }
-    /// Null when the file carries none.
+    /// Null if the file has none.
     const OGRSpatialReference* Crs() const { return crs_; }
-    /// The unit of the heights as the file names it; empty when it does not.
+    /// Unit of the heights as named in the file; empty if none.
     std::string UnitName() const { return band_->GetUnitType(); }
-    /// From now on heights come multiplied with a factor as well.
+    /// Multiplies all heights read from now on.
     void MultiplyHeights(double factor);
 
-    /// True when heights are not whole numbers only.
+    /// True if heights may have fractions.
     bool HasFractions() const;
-    /// True when the file cannot mark a pixel as holding no height.
+    /// True if the file has no means to mark a pixel as no data.
     bool IsComplete() const;
 
-    /// The heights of a part row by row, NaN where there is none. False when the file holds no block of it;
-    /// `heights` is as it was then.
+    /// Reads the heights of a window row by row, NaN for none. False if the file holds none of its blocks;
+    /// `heights` is unchanged then.
     bool Read(const RasterWindow& window, std::vector<double>& heights);
-    /// Pixels of this reading that hold a number which no height can be, and are not marked as holding none.
+    /// Pixels of this pass whose value cannot be a height although they are not marked as no data.
     std::uint64_t ImpossibleHeights() const { return impossible_; }
 
   private:

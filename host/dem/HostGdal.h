@@ -1,5 +1,5 @@
 #pragma once
-// GDAL as the host uses it. The only place where it shares the component's set-up and its way to open files.
+// GDAL for the host; the only place that uses the component's set-up and way of opening files.
 #include <gdal_priv.h>
 
 #include <string>
@@ -9,15 +9,15 @@
 
 namespace orvex {
 
-/// Sets GDAL up with the data beside the component; later calls do nothing. False when that data is missing.
-/// Safe from any thread.
+/// Sets GDAL up with the data installed beside the component; later calls do nothing. False if that data is
+/// missing. Thread-safe.
 bool SetUpGdal();
 
-/// Opens a raster for reading, with the drivers that neither ask a server nor leave files beside the raster.
-/// Null when it cannot be opened; `cause` then has the reason in plain words, empty when GDAL gave none.
+/// Opens a raster read-only, with drivers that neither contact a server nor write files beside the raster.
+/// Null on failure; `cause` is then the reason in plain words, empty if GDAL gave none.
 GDALDatasetUniquePtr OpenRasterFile(const std::wstring& path, std::wstring& cause);
 
-/// The last error of the scope in plain words; empty when GDAL gave no reason.
+/// Last error of the scope in plain words; empty if GDAL gave no reason.
 std::wstring FailureReason(const GdalErrorScope& errors);
 
 }  // namespace orvex

@@ -1,5 +1,5 @@
 #pragma once
-// A LAS file, written field by field.
+// Writing of LAS files, field by field.
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -16,7 +16,7 @@ namespace orvex {
 
 static_assert(std::endian::native == std::endian::little, "fields are copied as they are");
 
-/// Little-endian fields at their places in a block of zeros, which must have room for them.
+/// Block of zeros that takes little-endian fields at their offsets; fields must lie inside.
 class FieldBlock {
   public:
     explicit FieldBlock(std::size_t size) : bytes_(size, '\0') {}
@@ -25,7 +25,7 @@ class FieldBlock {
     void Put(std::size_t offset, T value) {
         std::memcpy(bytes_.data() + offset, &value, sizeof(T));
     }
-    /// The text, cut to the field's size.
+    /// Text, truncated to the size of the field.
     void PutText(std::size_t offset, std::size_t size, std::string_view text) {
         text.copy(bytes_.data() + offset, size);
     }
@@ -59,18 +59,19 @@ std::uint16_t LasHeaderSize(int minorVersion);
 
 std::string LasHeaderBytes(const LasHeaderFields& fields);
 
-/// A VLR with its header. Longer texts are cut to 16 (user id) and 32 characters, data to 65,535 bytes.
+/// A VLR with its header. Truncates the user id to 16 and the description to 32 characters, the data to
+/// 65,535 bytes.
 std::string LasRecordBytes(int minorVersion, std::string_view userId, std::uint16_t recordId,
                            std::string_view description, std::string_view data);
 
-/// Start signature of the point data, which LAS 1.0 has behind its VLRs; empty for later versions.
+/// Start signature of the point data, which follows the VLRs in LAS 1.0; empty for later versions.
 std::string LasPointsMark(int minorVersion);
 
-/// Writes point records that differ in nothing but their place. Throws LDataError.
+/// Writes point records that differ only in their coordinates. Members throw LDataError.
 class LasPointWriter {
   public:
-    /// Makes the file, replacing one that is there. `front` is what comes before the points, `record` a whole
-    /// record whose first 12 bytes each point replaces. Errors name the file `shownPath`.
+    /// Creates or replaces the file. `front` is everything before the points, `record` a whole record whose
+    /// first 12 bytes each point replaces. Errors name the file as `shownPath`.
     LasPointWriter(const std::wstring& path, const std::wstring& shownPath, const std::string& front,
                    const std::string& record);
 
@@ -87,11 +88,11 @@ class LasPointWriter {
     }
 
     std::uint64_t Points() const { return flushed_ + used_ / recordLength_; }
-    /// The least and the greatest of each coordinate.
+    /// Least and greatest X, Y and Z.
     const std::array<std::int32_t, 3>& Low() const { return low_; }
     const std::array<std::int32_t, 3>& High() const { return high_; }
 
-    /// Writes what is left, then `front` over the first bytes, and closes the file.
+    /// Writes the remaining points, overwrites the start of the file with `front`, and closes it.
     void Finish(const std::string& front);
 
   private:
@@ -101,7 +102,7 @@ class LasPointWriter {
     std::wstring shownPath_;
     std::ofstream file_;
     std::size_t recordLength_;
-    std::string records_;  ///< filled with records, so that only places are left to write
+    std::string records_;  ///< prefilled with records; only coordinates are written
     std::size_t used_ = 0;
     std::uint64_t flushed_ = 0;
     std::array<std::int32_t, 3> low_;

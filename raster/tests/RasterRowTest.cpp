@@ -33,40 +33,34 @@ std::wstring Refusal(const std::wstring& reason) {
     return Text(text::kRasterCannotBeRead) + L" " + reason;
 }
 
-/// A host's object that answers as the test wants.
-class AnsweringObject : public OrvexRasterInformation {
-  public:
-    AnsweringObject(std::int32_t result, RasterProperties properties, std::wstring reason)
-        : result_(result), properties_(std::move(properties)), reason_(std::move(reason)) {}
+using Answer = std::function<std::int32_t(RasterProperties& properties, std::wstring& reason)>;
 
+/// A host's object that answers as the test wants.
+class ScriptedObject final : public OrvexRasterInformation {
+  public:
+    explicit ScriptedObject(Answer answer) : answer_(std::move(answer)) {}
     std::int32_t Describe(const std::wstring&, RasterProperties& properties, std::wstring& reason) override {
-        reason = reason_;
-        if (result_ >= kHostOk) {
-            properties = properties_;
-        }
-        return result_;
+        return answer_(properties, reason);
     }
 
   private:
-    const std::int32_t result_;
-    const RasterProperties properties_;
-    const std::wstring reason_;
+    const Answer answer_;
 };
 
-/// A host's object that throws.
-class ThrowingObject final : public OrvexRasterInformation {
-  public:
-    std::int32_t Describe(const std::wstring&, RasterProperties&, std::wstring&) override {
-        throw std::runtime_error("no such driver");
-    }
-};
-
-RasterInformationMaker Answering(std::int32_t result, const RasterProperties& properties,
-                                 const std::wstring& reason = {}) {
-    return [=](std::int32_t& made) {
-        made = kHostOk;
-        return std::make_unique<AnsweringObject>(result, properties, reason);
-    };
+RasterInformationMaker Answering(const Answer& answer) {
+    return [=](std::int32_t&) { return std::make_unique<ScriptedObject>(answer); };
+}
+RasterInformationMaker Telling(const RasterProperties& told) {
+    return Answering([=](RasterProperties& properties, std::wstring&) {
+        properties = told;
+        return kHostOk;
+    });
+}
+RasterInformationMaker Refusing(const std::wstring& cause) {
+    return Answering([=](RasterProperties&, std::wstring& reason) {
+        reason = cause;
+        return kHostFail;
+    });
 }
 
 RasterRow Inspect(const std::wstring& path, const RasterInformationMaker& maker = {}) {
@@ -120,7 +114,7 @@ TEST(RasterRow, TheHostsObjectIsAskedFirst) {
     told.projectionCode = 4711;
     told.bands = 5;
 
-    const RasterRow brief = Inspect(path, Answering(kHostOk, told));
+    const RasterRow brief = Inspect(path, Telling(told));
     EXPECT_EQ(brief.Properties().width, 7);
     EXPECT_EQ(brief.Properties().projectionCode, 4711);
     EXPECT_EQ(brief.unit, L"foot");
@@ -129,10 +123,10 @@ TEST(RasterRow, TheHostsObjectIsAskedFirst) {
     EXPECT_EQ(brief.Properties().driver, L"GTiff") << "what it leaves out is read";
 
     const std::wstring own = folder.Write(L"a.own", "a format that only the host knows");
-    EXPECT_TRUE(Inspect(own, Answering(kHostOk, told)).loadable);
+    EXPECT_TRUE(Inspect(own, Telling(told)).loadable);
     told.hasDetails = true;
     told.driver = L"Own";
-    EXPECT_EQ(Inspect(path, Answering(kHostOk, told)).Properties().driver, L"Own");
+    EXPECT_EQ(Inspect(path, Telling(told)).Properties().driver, L"Own");
 }
 
 TEST(RasterRow, AnObjectThatFailsGivesTheReason) {
@@ -143,14 +137,14 @@ TEST(RasterRow, AnObjectThatFailsGivesTheReason) {
         std::wstring summary;
         bool threw = false;
     } cases[] = {
-        {Answering(kHostFail, {}, L"Not today."), Refusal(L"Not today.")},
-        {Answering(kHostFail, {}), Refusal(Text(text::kRasterDamagedOrUnsupported))},
-        {Answering(kHostOk, {}), Refusal(Text(text::kRasterNoImage))},  // an image without a size
-        {[](std::int32_t&) { return std::make_unique<ThrowingObject>(); }, Refusal(L"no such driver"), true},
-        {[](std::int32_t&) -> std::unique_ptr<OrvexRasterInformation> {
-             throw std::runtime_error("no such driver");
-         },
-         Refusal(L"no such driver"), true},
+        {Refusing(L"Not today."), Refusal(L"Not today.")},
+        {Refusing(L""), Refusal(Text(text::kRasterDamagedOrUnsupported))},
+        {Telling({}), Refusal(Text(text::kRasterNoImage))},  // an image without a size
+        {Answering(
+             [](RasterProperties&, std::wstring&) -> std::int32_t { throw std::runtime_error("broken"); }),
+         Refusal(L"broken"), true},
+        {[](std::int32_t&) -> std::unique_ptr<OrvexRasterInformation> { throw std::runtime_error("no"); },
+         Refusal(L"no"), true},
     };
     for (const auto& c : cases) {
         const RasterRow row = Inspect(path, c.maker);

@@ -49,28 +49,25 @@ TEST(DataKinds, ExtensionsThatAPageTakes) {
     EXPECT_THAT(NamedExtensions(Dem), UnorderedElementsAreArray(images));
 }
 
-TEST(DataKinds, KindAndDropPageOfAName) {
+TEST(DataKinds, KindOfAName) {
     struct Case {
         const wchar_t* path;
         std::optional<DataKind> kind;
-        std::optional<DataKind> dropPage;
     };
     for (const Case& row : {
-             Case{L"/a/b.las", Las, Las},
-             Case{L"b.LaZ", Las, Las},
-             Case{L"b.JP2k", Raster, Raster},
-             Case{L"b.sid", std::nullopt, Raster},
-             Case{L"b.flt", Raster, Dem},
-             Case{L"b.ASC", Dem, Dem},
-             Case{L"/a/HDR.adf", Dem, Dem},
-             Case{L"/a/w001001.adf", std::nullopt, Dem},
-             Case{L"/a.tif/b", std::nullopt, std::nullopt},
-             Case{L"b.txt", std::nullopt, std::nullopt},
-             Case{L"hdr.adf/b", std::nullopt, std::nullopt},
-             Case{L"", std::nullopt, std::nullopt},
+             Case{L"/a/b.las", Las},
+             Case{L"b.LaZ", Las},
+             Case{L"b.JP2k", Raster},
+             Case{L"b.sid", std::nullopt},
+             Case{L"b.ASC", Dem},
+             Case{L"/a/HDR.adf", Dem},
+             Case{L"/a/w001001.adf", std::nullopt},
+             Case{L"/a.tif/b", std::nullopt},
+             Case{L"b.txt", std::nullopt},
+             Case{L"hdr.adf/b", std::nullopt},
+             Case{L"", std::nullopt},
          }) {
         EXPECT_EQ(DataKindOf(row.path), row.kind) << ToUtf8(row.path);
-        EXPECT_EQ(DropPageOf(row.path), row.dropPage) << ToUtf8(row.path);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <future>
+#include <mutex>
 #include <stdexcept>
 #include <thread>
 
@@ -49,18 +50,19 @@ class FileAdding : public ::testing::Test {
     }
 
     AddingSummary Add(AddingRequest request) {
-        const FileAdder<Row> adder(description, inspect,
-                                   [](const std::wstring& path, const std::wstring& message) {
-                                       return Row{path, message};
-                                   });
-        return adder.Add(
-            std::move(request),
+        return Add(FileReader<Row>(inspect, Failed), std::move(request));
+    }
+    AddingSummary Add(const FileReader<Row>& reader, AddingRequest request) {
+        return reader.Add(
+            description, std::move(request),
             [this](std::vector<Row> batch) {
                 batchSizes.push_back(batch.size());
                 std::move(batch.begin(), batch.end(), std::back_inserter(rows));
             },
             prompts, progress);
     }
+
+    static Row Failed(const std::wstring& path, const std::wstring& message) { return {path, message}; }
 
     std::vector<std::wstring> Paths() const {
         std::vector<std::wstring> paths;
@@ -256,19 +258,107 @@ TEST_F(FileAdding, AFileThatGetsNoRowEndsTheRun) {
         }
         return Row{path, L""};
     };
-    const FileAdder<Row> adder(description, read,
-                               [](auto&, auto&) -> Row { throw std::runtime_error("row"); });
-    EXPECT_THROW(adder.Add(
-                     {Files(2000), {}, 100}, [](auto) {}, prompts, progress),
-                 std::runtime_error);
+    const FileReader<Row> reader(read, [](auto&, auto&) -> Row { throw std::runtime_error("row"); });
+    EXPECT_THROW(Add(reader, {Files(2000), {}, 100}), std::runtime_error);
 }
 
 TEST_F(FileAdding, AnErrorOfTheGridEndsTheRun) {
-    const FileAdder<Row> adder(description, inspect, [](auto&, auto&) { return Row{}; });
-    EXPECT_THROW(
-        adder.Add(
-            {Files(2000), {}, 100}, [](auto) { throw std::runtime_error("grid"); }, prompts, progress),
-        std::runtime_error);
+    const FileReader<Row> reader(inspect, Failed);
+    const auto deliver = [](auto) { throw std::runtime_error("grid"); };
+    EXPECT_THROW(reader.Add(description, {Files(2000), {}, 100}, deliver, prompts, progress),
+                 std::runtime_error);
+}
+
+/// Files read several in a call.
+class BatchReading : public FileAdding {
+  protected:
+    BatchReading() { description.confirmText = {}; }
+
+    AddingSummary AddInBatches(AddingRequest request) {
+        return Add(FileReader<Row>(
+                       [this](std::span<const std::wstring> paths) {
+                           {
+                               const std::lock_guard guard(lock);
+                               calls.emplace_back(paths.begin(), paths.end());
+                           }
+                           return read(paths);
+                       },
+                       kAtOnce, Failed),
+                   std::move(request));
+    }
+    static std::vector<Row> ReadAll(std::span<const std::wstring> paths) {
+        std::vector<Row> read;
+        for (const std::wstring& path : paths) {
+            read.push_back({path, L"ok"});
+        }
+        return read;
+    }
+
+    static constexpr std::size_t kAtOnce = 16;
+    std::function<std::vector<Row>(std::span<const std::wstring>)> read = ReadAll;
+    std::mutex lock;
+    std::vector<std::vector<std::wstring>> calls;
+};
+
+TEST_F(BatchReading, KeepsTheOrderAndReadsEachFileOnce) {
+    const auto paths = Files(1000);
+    EXPECT_EQ(AddInBatches({paths, {}, 0}).added, 1000U);
+    EXPECT_EQ(Paths(), paths);
+    std::size_t read = 0;
+    for (const auto& call : calls) {
+        EXPECT_THAT(call, SizeIs(::testing::AllOf(::testing::Ge(1U), ::testing::Le(kAtOnce))));
+        read += call.size();
+    }
+    EXPECT_EQ(read, 1000U);
+    EXPECT_LT(calls.size(), 500U) << "several in a call";
+    EXPECT_THAT(batchSizes, ::testing::Each(::testing::Le(100U)));
+}
+
+TEST_F(BatchReading, LeavesOutWhatIsListedOrComesTwice) {
+    const AddingSummary summary = AddInBatches(
+        {{L"/d/a", L"/d/b", L"/d/A", L"/d/listed", L"/d/c", L"/d/b"}, {PathKey(L"/d/LISTED")}, 1});
+    EXPECT_THAT(Paths(), ElementsAre(L"/d/a", L"/d/b", L"/d/c"));
+    EXPECT_EQ(summary.skipped, 3U);
+    EXPECT_EQ(AddInBatches({{L"/d/listed"}, {PathKey(L"/d/listed")}, 1}).skipped, 1U) << "no call at all";
+}
+
+TEST_F(BatchReading, EveryFileOfACallThatThrowsHasFailed) {
+    const auto paths = Files(100);
+    read = [&](std::span<const std::wstring> batch) {
+        if (std::ranges::find(batch, paths[40]) != batch.end()) {
+            throw std::runtime_error("connection lost");
+        }
+        return ReadAll(batch);
+    };
+    EXPECT_EQ(AddInBatches({paths, {}, 0}).added, 100U);
+    EXPECT_EQ(Paths(), paths);
+    for (const auto& call : calls) {
+        const bool threw = std::ranges::find(call, paths[40]) != call.end();
+        for (const std::wstring& path : call) {
+            EXPECT_EQ(std::ranges::find(rows, path, &Row::path)->note, threw ? L"connection lost" : L"ok");
+        }
+    }
+}
+
+TEST_F(BatchReading, EscapeListsTheCallsThatWereRead) {
+    std::atomic<bool> isRead = false;
+    std::atomic<bool> isStopped = false;
+    read = [&](std::span<const std::wstring> paths) {
+        isRead = true;
+        while (!isStopped) {  // the call in hand is finished after the key was seen
+            std::this_thread::yield();
+        }
+        return ReadAll(paths);
+    };
+    progress.stopWhen = [&] { return isStopped = isRead.load(); };
+    const AddingSummary summary = AddInBatches({Files(1000), {}, 0});
+    EXPECT_TRUE(summary.stopped);
+    std::size_t begun = 0;
+    for (const auto& call : calls) {
+        begun += call.size();
+    }
+    EXPECT_EQ(rows.size(), begun);
+    EXPECT_LT(begun, 1000U);
 }
 
 }  // namespace

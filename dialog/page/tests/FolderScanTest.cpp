@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "dialog/page/tests/ScanFixture.h"
+#include "support/Format.h"
 #include "support/NaturalOrder.h"
 #include "support/Text.h"
 #include "support/testing/Scripted.h"
@@ -58,6 +59,31 @@ TEST_F(Scanning, StopsWhenAsked) {
     EXPECT_EQ(whole.files.size(), 4U);
     EXPECT_FALSE(whole.stopped);
     EXPECT_THAT(progress.texts, ElementsAre(L"Searching"));
+}
+
+TEST(ScanMessages, TellTheWorstOfWhatWasFound) {
+    const ScanTexts texts{.nothingFoundIcon = PromptIcon::Error};
+    const std::vector<std::wstring> files{L"a.las"};
+    const struct {
+        ScanResult found;
+        std::wstring text;  // empty: nothing is said
+        PromptIcon icon;
+    } cases[] = {
+        {{files, {}, 0, false}, {}, {}},
+        {{{}, {}, 2, true}, {}, {}},
+        {{files, {}, 2, false}, FormatText(Text(text::kOthersLeftOut), {2}), PromptIcon::Information},
+        {{{}, {}, 0, false}, Text(text::kFolderEmpty), PromptIcon::Error},
+        {{files, {L"/secret"}, 2, true}, Text(text::kFoldersNotSearched) + L"\n\n/secret", PromptIcon::Error},
+    };
+    for (const auto& c : cases) {
+        const std::optional<Prompt> prompt = ScanPrompt(c.found, texts);
+        ASSERT_EQ(prompt.has_value(), !c.text.empty());
+        if (prompt.has_value()) {
+            EXPECT_EQ(prompt->text, c.text);
+            EXPECT_EQ(prompt->caption, Text(text::kAddFolderCaption));
+            EXPECT_EQ(prompt->icon, c.icon);
+        }
+    }
 }
 
 }  // namespace

@@ -1,14 +1,10 @@
 #include "host/app/Project.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <cmath>
 
 #include "host/app/ProjectFile.h"
-#include "host/app/RecordFiles.h"
-#include "host/app/tests/FakeLasFileInfo.h"
-#include "host/app/tests/FakeRasterFileInfo.h"
-#include "orvexcommon/AddFilesParams.h"
 #include "support/QtText.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
@@ -16,40 +12,9 @@
 namespace orvex {
 namespace {
 
-using testing::FakeLasFileInfo;
-using testing::FakeRasterFileInfo;
 using testing::TemporaryFolder;
 
-constexpr const char* kUtm =
-    "PROJCS[\"UTM 32\",GEOGCS[\"E\",DATUM[\"E\",SPHEROID[\"G\",6378137,298.25]],"
-    "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]],"
-    "PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"central_meridian\",9],UNIT[\"metre\",1]]";
-constexpr const char* kDegrees =
-    "GEOGCS[\"WGS 84\",DATUM[\"WGS_1984\",SPHEROID[\"WGS 84\",6378137,298.257223563]],"
-    "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]]";
-
-/// A record whose details go with it.
-struct Record : AddFilesParams {
-    ~Record() { DeleteDetails(*this); }
-
-    FakeLasFileInfo& AddFile(const std::wstring& folder, const std::wstring& name, const std::wstring& layer,
-                             const std::string& wkt = kUtm) {
-        auto* info = new FakeLasFileInfo;
-        info->wkt = wkt;
-        lasFiles[folder].push_back(name);
-        lasFileDetails[JoinPath(folder, name)] = info;
-        lasFileLayers[JoinPath(folder, name)] = layer;
-        return *info;
-    }
-    RasterProperties& AddRaster(const std::wstring& folder, const std::wstring& name,
-                                const std::wstring& layer) {
-        auto* info = new FakeRasterFileInfo;
-        rasterFiles[folder].push_back(name);
-        rasterFileDetails[JoinPath(folder, name)] = info;
-        rasterFileLayers[JoinPath(folder, name)] = layer;
-        return info->properties;
-    }
-};
+constexpr const char* kUtm = "a CRS";
 
 LayerFile File(const std::wstring& path) {
     LayerFile file;
@@ -159,67 +124,6 @@ TEST(ProjectFile, AFailedSaveLeavesTheOldFileAndNothingElse) {
     EXPECT_EQ(folder.Entries(), 1U);
 }
 
-TEST(Project, TakesFilesIntoTheLayersTheyWereAssignedTo) {
-    Project project;
-    project.layers = {{L"old", kUtm, {File(NativePath(L"/p/there.las"))}}};
-    Record record;
-    record.AddFile(NativePath(L"/a"), L"1.las", L"old");
-    record.AddFile(NativePath(L"/a"), L"2.las", L"LAS Layer_1", kDegrees).high = {5, 6, 7};
-    record.AddFile(NativePath(L"/b/"), L"3.las", L"LAS Layer_1", kDegrees).readOnly = false;
-    record.AddFile(NativePath(L"/b"), L"skipped.las", L"LAS Layer_2");
-    record.lasLoadSetting = true;
-    const AddedFiles added =
-        project.Take(LayerKind::Las, LasFilesOf(record, {NativePath(L"/b/skipped.las")}));
-    EXPECT_EQ(added.files, 3U);
-    EXPECT_EQ(added.newLayers, 1U);
-    EXPECT_EQ(added.mainLayer, 1U);
-    ASSERT_EQ(project.layers.size(), 2U);
-    EXPECT_EQ(project.layers[0].files.size(), 2U);
-    const Layer& layer = project.layers[1];
-    EXPECT_EQ(layer.name, L"LAS Layer_1");
-    EXPECT_EQ(layer.wkt, kDegrees);
-    ASSERT_EQ(layer.files.size(), 2U);
-    EXPECT_EQ(layer.files[0].path, NativePath(L"/a/2.las"));
-    EXPECT_EQ(layer.files[0].max[2], 7);
-    EXPECT_TRUE(layer.files[0].readOnly);
-    EXPECT_TRUE(layer.files[0].footprintOnly);
-    EXPECT_EQ(layer.files[1].path, NativePath(L"/b/3.las"));
-    EXPECT_FALSE(layer.files[1].readOnly);
-    EXPECT_EQ(project.LayersForDialog(LayerKind::Las).at(L"old"), FromUtf8(kUtm));
-}
-
-TEST(Project, TakesRastersIntoLayersOfTheirOwnKind) {
-    Project project;
-    project.layers = {{L"same name", kUtm, {File(L"/p/there.las")}},
-                      {L"same name", kUtm, {Raster(NativePath(L"/a/THERE.tif"))}, LayerKind::Raster}};
-    Record record;
-    RasterProperties& first = record.AddRaster(NativePath(L"/a"), L"2.tif", L"same name");
-    first.width = 40;
-    first.height = 30;
-    first.bands = 3;
-    first.driver = L"PNG";
-    first.transform = {{1, 2, 3, 4, 5, 6}};
-    record.AddRaster(NativePath(L"/a"), L"1.tif", L"same name");
-    record.AddRaster(NativePath(L"/a"), L"there.tif", L"same name");
-    record.AddRaster(NativePath(L"/b"), L"3.tif", L"Raster Layer_2").wkt = kDegrees;
-    const AddedFiles added = project.Take(LayerKind::Raster, RasterFilesOf(record));
-    EXPECT_EQ(added.files, 3U);
-    EXPECT_EQ(added.alreadyThere, 1U);
-    EXPECT_EQ(added.newLayers, 1U);
-    EXPECT_EQ(added.mainLayer, 1U);
-    ASSERT_EQ(project.layers.size(), 3U);
-    EXPECT_EQ(project.layers[0].files.size(), 1U);
-    const std::vector<LayerFile>& files = project.layers[1].files;
-    ASSERT_EQ(files.size(), 3U);
-    EXPECT_EQ(files[1].path, NativePath(L"/a/2.tif")) << "the order of the record";
-    EXPECT_EQ(files[2].path, NativePath(L"/a/1.tif"));
-    EXPECT_EQ(files[1].raster, (RasterInfo{40, 30, 3, L"PNG", std::nullopt, {{1, 2, 3, 4, 5, 6}}}));
-    EXPECT_EQ(project.layers[2].kind, LayerKind::Raster);
-    EXPECT_EQ(project.layers[2].wkt, kDegrees);
-    EXPECT_EQ(project.LayersForDialog(LayerKind::Raster).size(), 2U);
-    EXPECT_EQ(project.LayersForDialog(LayerKind::Las).size(), 1U);
-}
-
 TEST(Project, IsOpenedAtTheLayerWithMostToSee) {
     EXPECT_FALSE(Project().MainLayer());
     const auto rasters = [](const std::string& wkt, std::size_t placed, std::size_t others) {
@@ -230,7 +134,7 @@ TEST(Project, IsOpenedAtTheLayerWithMostToSee) {
         return layer;
     };
     Project project;
-    project.layers = {rasters({}, 9, 0), rasters(kUtm, 1, 9), rasters(kDegrees, 2, 0)};
+    project.layers = {rasters({}, 9, 0), rasters(kUtm, 1, 9), rasters(kUtm, 2, 0)};
     EXPECT_EQ(project.MainLayer(), 2U) << "with a CRS, and more files that are drawn";
     project.layers.push_back({L"LAS Layer_1", kUtm, std::vector<LayerFile>(3)});
     EXPECT_EQ(project.MainLayer(), 3U);
@@ -245,67 +149,6 @@ TEST(Project, RemovesFilesAndTheLayersThatTheyLeaveEmpty) {
     ASSERT_EQ(project.layers.size(), 1U);
     ASSERT_EQ(project.layers[0].files.size(), 1U);
     EXPECT_EQ(project.layers[0].files[0].path, L"/2");
-}
-
-TEST(Project, DetailsAreDeletedOnce) {
-    {
-        Record record;
-        record.AddFile(L"/a", L"1.las", L"x");
-        record.AddFile(L"/a", L"2.las", L"x");
-        record.AddRaster(L"/a", L"3.tif", L"y");
-        EXPECT_EQ(FakeLasFileInfo::alive, 2);
-        EXPECT_EQ(FakeRasterFileInfo::alive, 1);
-        DeleteDetails(record);
-        EXPECT_EQ(FakeLasFileInfo::alive, 0);
-        EXPECT_EQ(FakeRasterFileInfo::alive, 0);
-    }
-    EXPECT_EQ(FakeLasFileInfo::alive, 0);
-}
-
-class LidarCheckTest : public ::testing::Test {
-  protected:
-    std::wstring Readable(const std::wstring& name) {
-        folder_.Write(name, "content");
-        return FromPath(folder_.Path());
-    }
-
-    TemporaryFolder folder_;
-    Project project_;
-    Record record_;
-};
-
-TEST_F(LidarCheckTest, FindsNothingInFilesThatFit) {
-    record_.AddFile(Readable(L"1.las"), L"1.las", L"new");
-    record_.AddFile(Readable(L"2.las"), L"2.las", L"new");
-    const LidarReport found = CheckLidar(project_, record_);
-    EXPECT_FALSE(found.appending || found.crsDiffers || found.crsMissing || found.damaged ||
-                 found.alreadyThere || found.unreadable);
-    EXPECT_TRUE(found.tellSkipped);
-}
-
-TEST_F(LidarCheckTest, ComparesFilesWithTheLayerTheyGoTo) {
-    project_.layers = {{L"old", kUtm, {File(L"/p.las")}}};
-    record_.existingLasLayers = project_.LayersForDialog(LayerKind::Las);
-    record_.AddFile(Readable(L"1.las"), L"1.las", L"old", kDegrees);
-    record_.AddFile(Readable(L"2.las"), L"2.las", L"new", "");
-    const LidarReport found = CheckLidar(project_, record_);
-    EXPECT_TRUE(found.appending);
-    EXPECT_TRUE(found.crsDiffers);
-    EXPECT_TRUE(found.crsMissing);
-}
-
-TEST_F(LidarCheckTest, SkipsWhatIsThereAlreadyOrGone) {
-    const std::wstring folder = Readable(L"there.las");
-    project_.layers = {{L"old", kUtm, {File(JoinPath(folder, L"THERE.las"))}}};
-    record_.AddFile(folder, L"there.las", L"old");
-    record_.AddFile(folder, L"gone.las", L"old");
-    record_.AddFile(Readable(L"odd.las"), L"odd.las", L"old").low = {11, 0, 0};
-    const LidarReport found = CheckLidar(project_, record_);
-    EXPECT_TRUE(found.alreadyThere);
-    EXPECT_TRUE(found.unreadable);
-    EXPECT_TRUE(found.damaged);
-    EXPECT_THAT(found.skipped, ::testing::UnorderedElementsAre(JoinPath(folder, L"there.las"),
-                                                               JoinPath(folder, L"gone.las")));
 }
 
 }  // namespace

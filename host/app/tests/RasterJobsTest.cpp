@@ -150,7 +150,7 @@ class DemImportTest : public ::testing::Test {
         options_.pointFormat = 1;
     }
 
-    DemToImport Dem(const std::wstring& name, int width = 7, int height = 5) {
+    AssignedFile Dem(const std::wstring& name, int width = 7, int height = 5) {
         DemSample sample;
         sample.width = width;
         sample.height = height;
@@ -165,7 +165,7 @@ class DemImportTest : public ::testing::Test {
 };
 
 TEST_F(DemImportTest, FilesBecomeFilesOfTheirLayersAndAFailureIsNoEnd) {
-    const DemToImport bad{folder_.Write(L"bad.tif", "no raster"), L"x"};
+    const AssignedFile bad{folder_.Write(L"bad.tif", "no raster"), L"x"};
     DemImport import({Dem(L"a.tif"), bad, Dem(L"b.tif", 3, 2)}, options_, false);
     import.Run(progress_);
     const DemImportResult result = import.Result();
@@ -203,14 +203,6 @@ TEST_F(DemImportTest, StoppingInTheMiddleKeepsWhatIsComplete) {
     std::size_t written = 0;
     EXPECT_EQ(ListFolder(options_.outputFolder, [&written](const FolderEntry&) { return ++written > 0; }), 0);
     EXPECT_EQ(written, 1U) << "something half made was left";
-}
-
-TEST_F(DemImportTest, RastersOfOneNameGiveFilesOfTheirOwn) {
-    DemImport import({Dem(L"a.tif"), Dem(L"a.tif")}, options_, true);
-    import.Run(progress_);
-    const DemImportResult result = import.Result();
-    ASSERT_EQ(result.files.size(), 2U);
-    EXPECT_NE(result.files[0].file.path, result.files[1].file.path);
 }
 
 TEST(FailureText, NamesEachFileOnceAndEndsBeforeItIsTooLong) {

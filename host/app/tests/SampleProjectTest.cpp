@@ -58,9 +58,9 @@ TEST(SampleProject, IsMadeOnceAndWhole) {
             ++files;
         }
     }
-    EXPECT_EQ(extensions,
-              (std::set<std::string>{".las", ".laz", ".tif", ".png", ".wld", ".xml", ".asc", ".prj"}));
-    EXPECT_EQ(files, 24U);
+    EXPECT_EQ(extensions, (std::set<std::string>{".las", ".laz", ".tif", ".png", ".wld", ".xml", ".asc",
+                                                 ".bil", ".hdr", ".prj"}));
+    EXPECT_EQ(files, 27U);
     EXPECT_FALSE(fs::exists(folder.Path() / "sample.new"));
     EXPECT_NE(BytesOf(SampleData(project) / "survey 2024" / "tile_4.las").find("\"EPSG\",\"25832\""),
               std::string::npos);
@@ -83,7 +83,7 @@ TEST(SampleProject, OfAnEarlierVersionGetsWhatItLacks) {
     ASSERT_EQ(EnsureSampleProject(project), project);
     EXPECT_EQ(BytesOf(SampleData(project) / "kept.las"), "what was there");
     EXPECT_FALSE(fs::exists(SampleData(project) / "wgs84.las")) << "mixed with what was there";
-    EXPECT_TRUE(fs::exists(SampleData(project) / "elevation" / "terrain.tif"));
+    EXPECT_TRUE(fs::exists(SampleData(project) / "elevation" / "terrain.bil"));
     EXPECT_FALSE(fs::exists(SampleData(project) / "rasters" / "half.tif"));
     EXPECT_FALSE(fs::exists(SampleData(project) / "rasters.new"));
 }
@@ -106,7 +106,7 @@ TEST(SampleRasters, AreWhatTheirNamesSay) {
           Case{"map.png", GDT_Byte, 1, 0, true, true}, Case{"rotated scan.tif", GDT_Byte, 1, 0, true, true},
           Case{"transparent big.tif", GDT_Byte, 4, 0, true, true},
           Case{"no crs.tif", GDT_Byte, 1, 0, false, true}, Case{"no place.png", GDT_Byte, 1, 0, false, false},
-          Case{"../elevation/terrain.tif", GDT_Float32, 1, 0, true, true},
+          Case{"../elevation/terrain.bil", GDT_Float32, 1, 0, true, true},
           Case{"../elevation/text grid.asc", GDT_Float32, 1, 0, true, true}}) {
         SCOPED_TRACE(c.name);
         const GDALDatasetUniquePtr dataset(GDALDataset::Open((rasters / c.name).string().c_str()));

@@ -6,6 +6,7 @@
 #include <QTest>
 #include <cmath>
 #include <future>
+#include <numeric>
 
 #include "host/app/HostText.h"
 #include "host/app/tests/TestRasters.h"
@@ -15,7 +16,6 @@ namespace orvex {
 namespace {
 
 using testing::Bytes;
-using testing::Ramp;
 using testing::TemporaryFolder;
 using testing::TestRaster;
 using Pixel = std::array<int, 4>;
@@ -168,8 +168,10 @@ TEST_F(ThumbnailTest, HostileFilesGiveAReason) {
                      {278, 4, rows},
                      {279, 4, 100}});
     };
+    std::vector<double> ramp(90000);
+    std::iota(ramp.begin(), ramp.end(), 0.0);
     const std::wstring whole =
-        TestRaster(300, 300, GDT_UInt16, Ramp(90000, 0.5)).Save(folder_, L"whole.tif", {"COMPRESS=DEFLATE"});
+        TestRaster(300, 300, GDT_UInt16, ramp).Save(folder_, L"whole.tif", {"COMPRESS=DEFLATE"});
     const std::string bytes = testing::ReadFile(whole);
     struct Case {
         const char* what;

@@ -15,28 +15,28 @@ struct DemSample {
     int width = 7;
     int height = 5;
     GDALDataType type = GDT_Float32;
-    /// None leaves the file without a place.
+    /// nullopt writes no georeference.
     std::optional<std::array<double, 6>> transform{{500000, 2, 0, 5600000, 0, -2}};
-    std::string crs;  ///< what GDAL takes: "EPSG:25832", a WKT ...; empty for none
+    std::string crs;  ///< as GDAL takes it: "EPSG:25832", a WKT ...; empty for none
     std::optional<double> noData;
     std::string unit;
     double scale = 1;
     double offset = 0;
-    /// Pixels that the file's own mask hides.
+    /// Pixels hidden by the file's mask; no mask if empty.
     std::function<bool(int column, int row)> isMasked;
     std::vector<std::pair<std::string, std::string>> creationOptions;
     std::vector<std::pair<std::string, std::string>> metadata;
 
-    /// The number that the file holds for a pixel.
+    /// Value stored for a pixel.
     std::function<double(int column, int row)> value = [](int column, int row) {
         return 100 + column + row * 0.25;
     };
 };
 
-/// Writes a GeoTIFF row by row. False when GDAL refuses.
+/// Writes a GeoTIFF row by row. False if GDAL refuses.
 bool WriteDem(const std::wstring& path, const DemSample& sample);
 
-/// The CRS that GDAL reads from a raster file; empty when there is none.
+/// CRS of a raster file as WKT; empty if none.
 std::string WktOfRaster(const std::wstring& path);
 
 }  // namespace orvex::testing

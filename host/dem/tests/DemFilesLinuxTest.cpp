@@ -33,10 +33,5 @@ TEST_F(DemFilesLinuxTest, WriteErrorsGiveTheSystemsReasonAndLeaveNothing) {
     EXPECT_EQ(Convert(path).points, 500U * 400U);
 }
 
-TEST_F(DemFilesLinuxTest, AFolderOfTheSystemIsNoPlaceToWrite) {
-    options_.outputFolder = L"/proc/orvex";
-    EXPECT_NE(FailureOf(Write({})).find(L"/proc/orvex"), std::wstring::npos);
-}
-
 }  // namespace
 }  // namespace orvex

@@ -5,11 +5,11 @@
 #include <cmath>
 #include <vector>
 
+#include "host/dem/DemCrs.h"
+#include "host/dem/DemEncoder.h"
+#include "host/dem/DemRaster.h"
 #include "host/dem/DemScales.h"
 #include "host/dem/LasWriter.h"
-#include "host/dem/DemRaster.h"
-#include "host/dem/DemEncoder.h"
-#include "host/dem/DemCrs.h"
 #include "support/testing/Bytes.h"
 
 namespace orvex {

@@ -33,6 +33,12 @@ std::wstring Value(const RasterRow& row, StringId caption, RasterUse use = Raste
     return L"-";
 }
 
+void ExpectFields(const RasterRow& row, std::initializer_list<std::pair<StringId, const wchar_t*>> fields) {
+    for (const auto& [caption, value] : fields) {
+        EXPECT_EQ(Value(row, caption), value) << caption.value;
+    }
+}
+
 RasterBandProperties FloatBand(std::optional<double> nodata) {
     RasterBandProperties band;
     band.dataType = L"Float32";
@@ -65,46 +71,36 @@ TEST(RasterDetails, FieldsOfEachKindOfFile) {
     turned.file->properties.transform = {{0, 0, -2, 0, 2, 0}};  // a quarter turn
     RasterRow brief = testing::DescribedRaster(L"/a.tif", {});
     brief.file->properties.hasDetails = false;
-    const struct {
-        const RasterRow& row;
-        StringId caption;
-        const wchar_t* value;
-        RasterUse use = RasterUse::Image;
-    } fields[] = {
-        {dem, text::kFileType, L"GeoTIFF"},
-        {dem, text::kSizeMegabytes, L"2.34"},
-        {dem, text::kRasterTotalSizeMegabytes, L"3.00"},
-        {dem, text::kRasterOtherFiles, L"dem.tfw\ndem.tif.aux.xml"},
-        {dem, text::kLayerName, L"DEM LAS Layer_1"},
-        {dem, text::kGpsTimeType, L"Standard GPS Time", RasterUse::Dem},
-        {dem, text::kGpsTimeType, L"-"},  // an image has no GPS time
-        {dem, text::kImageSize, L"600 x 400"},
-        {dem, text::kRasterDataType, L"Float32"},
-        {dem, text::kRasterNoDataValue, L"-9999, NaN"},
-        {dem, text::kRasterMinimum, L"-3"},
-        {dem, text::kRasterMaximum, L"1e+06"},
-        {dem, text::kExtentX, L"500000.000 \u2013 500300.000"},
-        {dem, text::kPixelSizeXy, L"0.50000000 x 0.25000000"},
-        {dem, text::kUnits, L"Meters"},
-        {dem, text::kRasterUpperLeftCorner, L"-"},
-        {dem, text::kRasterRotation, L"None"},
-        {dem, text::kRasterPixelStandsFor, L"Its center point"},
-        {dem, text::kRasterCompression, L"DEFLATE"},
-        {dem, text::kRasterBlockSize, L"256 x 256"},
-        {dem, text::kBigTiff, L"False"},
-        {dem, text::kRasterUncompressedMegabytes, L"1.92"},
-        {dem, text::kRasterRpc, L"-"},
-        {turned, text::kRasterRotation, L"90.000000\u00b0"},
-        {turned, text::kRasterUpperLeftCorner, L"0.000 / 0.000"},
-        {brief, text::kRasterNoDataValue, L"-"},
-        {brief, text::kRasterCompression, L"-"},
-        {brief, text::kRasterRotation, L"-"},
-        {brief, text::kRasterUpperLeftCorner, L"-"},
-        {brief, text::kRasterDataType, L"-"},
-    };
-    for (const auto& field : fields) {
-        EXPECT_EQ(Value(field.row, field.caption, field.use), field.value) << field.caption.value;
-    }
+    ExpectFields(dem, {{text::kExtentX, L"500000.000 \u2013 500300.000"},
+                       {text::kFileType, L"GeoTIFF"},
+                       {text::kSizeMegabytes, L"2.34"},
+                       {text::kRasterTotalSizeMegabytes, L"3.00"},
+                       {text::kRasterOtherFiles, L"dem.tfw\ndem.tif.aux.xml"},
+                       {text::kLayerName, L"DEM LAS Layer_1"},
+                       {text::kGpsTimeType, L"-"},
+                       {text::kImageSize, L"600 x 400"},
+                       {text::kRasterDataType, L"Float32"},
+                       {text::kRasterNoDataValue, L"-9999, NaN"},
+                       {text::kRasterMinimum, L"-3"},
+                       {text::kRasterMaximum, L"1e+06"},
+                       {text::kPixelSizeXy, L"0.50000000 x 0.25000000"},
+                       {text::kUnits, L"Meters"},
+                       {text::kRasterUpperLeftCorner, L"-"},
+                       {text::kRasterRotation, L"None"},
+                       {text::kRasterPixelStandsFor, L"Its center point"},
+                       {text::kRasterCompression, L"DEFLATE"},
+                       {text::kRasterBlockSize, L"256 x 256"},
+                       {text::kBigTiff, L"False"},
+                       {text::kRasterUncompressedMegabytes, L"1.92"},
+                       {text::kRasterRpc, L"-"}});
+    ExpectFields(turned, {{text::kRasterRotation, L"90.000000\u00b0"},
+                          {text::kRasterUpperLeftCorner, L"0.000 / 0.000"}});
+    ExpectFields(brief, {{text::kRasterNoDataValue, L"-"},
+                         {text::kRasterCompression, L"-"},
+                         {text::kRasterRotation, L"-"},
+                         {text::kRasterUpperLeftCorner, L"-"},
+                         {text::kRasterDataType, L"-"}});
+    EXPECT_EQ(Value(dem, text::kGpsTimeType, RasterUse::Dem), L"Standard GPS Time") << "an image has none";
     EXPECT_THAT(RasterCrsFields(brief), IsEmpty());
     EXPECT_THAT(BandTable(brief.Properties()).rows, IsEmpty());
     EXPECT_THAT(RasterSections(testing::RefusedRaster(L"/b", L"no"), RasterUse::Image), IsEmpty());

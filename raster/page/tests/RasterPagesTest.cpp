@@ -15,8 +15,18 @@ SettingValue Int16(int value) {
     return static_cast<std::int16_t>(value);
 }
 
-PageContract SharedContract() {
+/// `first`: id of the page's first control; both have the same ones above the options.
+PageContract SharedContract(int first) {
     PageContract page{};
+    page.addFiles = first + 1;
+    page.addFolder = first + 2;
+    page.remove = first + 3;
+    page.clear = first + 4;
+    page.detailColumns = first + 5;
+    page.selectAll = first + 6;
+    page.refresh = first + 7;
+    page.help = first + 8;
+    page.grid = first + 9;
     page.nothingSelected = text::kDetailsNoSelection;
     page.startsInInitialFolder = true;
     page.filters = {{L"All Image Files",
@@ -50,18 +60,9 @@ PageContract SharedContract() {
 
 PageContract RasterContract() {
     using P = AddFilesParams;
-    PageContract page = SharedContract();
+    PageContract page = SharedContract(430);
     page.name = "Raster";
     page.make = testing::MakePage<AddRasterFilesPP>;
-    page.grid = 439;
-    page.addFiles = 431;
-    page.addFolder = 432;
-    page.remove = 433;
-    page.clear = 434;
-    page.detailColumns = 435;
-    page.selectAll = 436;
-    page.refresh = 437;
-    page.help = 438;
     page.captions = {{430, text::kRasterSelectedFiles},
                      {431, text::kAddFiles},
                      {432, text::kAddFolder},
@@ -99,18 +100,9 @@ PageContract RasterContract() {
 
 PageContract DemContract() {
     using P = AddFilesParams;
-    PageContract page = SharedContract();
+    PageContract page = SharedContract(450);
     page.name = "Dem";
     page.make = testing::MakePage<AddDEMFilesPP>;
-    page.grid = 459;
-    page.addFiles = 451;
-    page.addFolder = 452;
-    page.remove = 453;
-    page.clear = 454;
-    page.detailColumns = 455;
-    page.selectAll = 456;
-    page.refresh = 457;
-    page.help = 458;
     page.captions = {{450, text::kDemSelectedFiles},
                      {451, text::kAddFiles},
                      {452, text::kAddFolder},

@@ -1,0 +1,279 @@
+#include "host/app/RecordFiles.h"
+
+#include <gmock/gmock.h>
+
+#include "orvexcommon/AddFilesParams.h"
+#include "orvexcommon/LasFileInfo.h"
+#include "orvexcommon/RasterFileInfo.h"
+#include "support/Text.h"
+#include "support/testing/TemporaryFolder.h"
+
+namespace orvex {
+namespace {
+
+using ::testing::ElementsAre;
+using testing::TemporaryFolder;
+
+constexpr const char* kUtm =
+    "PROJCS[\"UTM 32\",GEOGCS[\"E\",DATUM[\"E\",SPHEROID[\"G\",6378137,298.25]],"
+    "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]],"
+    "PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"central_meridian\",9],UNIT[\"metre\",1]]";
+constexpr const char* kDegrees =
+    "GEOGCS[\"WGS 84\",DATUM[\"WGS_1984\",SPHEROID[\"WGS 84\",6378137,298.257223563]],"
+    "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]]";
+
+/// Counts the details objects that are alive.
+struct Counted {
+    static inline int alive = 0;
+
+    Counted() { ++alive; }
+    ~Counted() { --alive; }
+    Counted(const Counted&) = delete;
+    Counted& operator=(const Counted&) = delete;
+};
+
+struct FakeLasFileInfo final : LasFileInfo {
+    Counted counted;
+    std::wstring name;
+    std::string wkt;
+    std::array<double, 3> low{0, 0, 0};
+    std::array<double, 3> high{10, 20, 30};
+    bool readOnly = true;
+
+    const std::wstring& FileName() const override { return name; }
+    int Version() const override { return 14; }
+    int PointFormat() const override { return 6; }
+    std::uint64_t GetPointCount() const override { return 1000; }
+    bool IsReadOnly() const override { return readOnly; }
+    std::array<double, 3> Minimum() const override { return low; }
+    std::array<double, 3> Maximum() const override { return high; }
+    std::string CrsWkt() const override { return wkt; }
+    int GetCompanionStatus() const override { return 0; }
+    std::uint16_t RegisteredId() const override { return 1; }
+};
+
+struct FakeRasterFileInfo final : RasterFileInfo {
+    Counted counted;
+    std::wstring name;
+    RasterProperties properties;
+    bool bigTiff = false;
+
+    const std::wstring& FileName() const override { return name; }
+    const RasterProperties& Properties() const override { return properties; }
+    bool IsBigTiff() const override { return bigTiff; }
+};
+
+/// A record that deletes its details.
+struct Record : AddFilesParams {
+    ~Record() { DeleteDetails(*this); }
+
+    FakeLasFileInfo& AddFile(const std::wstring& folder, const std::wstring& name, const std::wstring& layer,
+                             const std::string& wkt = kUtm) {
+        auto* info = new FakeLasFileInfo;
+        info->name = JoinPath(folder, name);
+        info->wkt = wkt;
+        lasFiles[folder].push_back(name);
+        lasFileDetails[info->name] = info;
+        lasFileLayers[info->name] = layer;
+        return *info;
+    }
+    FakeRasterFileInfo& AddRaster(const std::wstring& folder, const std::wstring& name,
+                                  const std::wstring& layer) {
+        auto* info = new FakeRasterFileInfo;
+        info->name = JoinPath(folder, name);
+        rasterFiles[folder].push_back(name);
+        rasterFileDetails[info->name] = info;
+        rasterFileLayers[info->name] = layer;
+        return *info;
+    }
+};
+
+std::vector<std::wstring> PathsOf(const Layer& layer) {
+    std::vector<std::wstring> paths;
+    for (const LayerFile& file : layer.files) {
+        paths.push_back(file.path);
+    }
+    return paths;
+}
+
+TEST(RecordFiles, LasFilesGoToTheLayersTheyWereAssignedTo) {
+    Project project;
+    project.layers = {{L"old", kUtm, {{NativePath(L"/p/there.las"), {}}}}};
+    Record record;
+    record.AddFile(NativePath(L"/a"), L"1.las", L"old");
+    record.AddFile(NativePath(L"/a"), L"2.las", L"LAS Layer_1", kDegrees).high = {5, 6, 7};
+    record.AddFile(NativePath(L"/b/"), L"3.las", L"LAS Layer_1", kDegrees).readOnly = false;
+    record.AddFile(NativePath(L"/b"), L"skipped.las", L"LAS Layer_2");
+    record.lasLoadSetting = true;
+    const AddedFiles added =
+        project.Take(LayerKind::Las, LasFilesOf(record, {NativePath(L"/b/skipped.las")}));
+    EXPECT_EQ(added.files, 3U);
+    EXPECT_EQ(added.newLayers, 1U);
+    EXPECT_EQ(added.mainLayer, 1U);
+    ASSERT_EQ(project.layers.size(), 2U);
+    EXPECT_EQ(project.layers[0].files.size(), 2U);
+    const Layer& layer = project.layers[1];
+    EXPECT_EQ(layer.name, L"LAS Layer_1");
+    EXPECT_EQ(layer.wkt, kDegrees);
+    ASSERT_THAT(PathsOf(layer), ElementsAre(NativePath(L"/a/2.las"), NativePath(L"/b/3.las")));
+    EXPECT_EQ(layer.files[0].max[2], 7);
+    EXPECT_TRUE(layer.files[0].readOnly);
+    EXPECT_TRUE(layer.files[0].footprintOnly);
+    EXPECT_FALSE(layer.files[1].readOnly);
+    EXPECT_EQ(project.LayersForDialog(LayerKind::Las).at(L"old"), FromUtf8(kUtm));
+}
+
+TEST(RecordFiles, RastersGoToLayersOfTheirOwnKind) {
+    Project project;
+    project.layers = {{L"same name", kUtm, {{L"/p/there.las", {}}}},
+                      {L"same name", kUtm, {{NativePath(L"/a/THERE.tif"), {}}}, LayerKind::Raster}};
+    Record record;
+    RasterProperties& first = record.AddRaster(NativePath(L"/a"), L"2.tif", L"same name").properties;
+    first.width = 40;
+    first.height = 30;
+    first.bands = 3;
+    first.driver = L"PNG";
+    first.transform = {{1, 2, 3, 4, 5, 6}};
+    record.AddRaster(NativePath(L"/a"), L"1.tif", L"same name");
+    record.AddRaster(NativePath(L"/a"), L"there.tif", L"same name");
+    record.AddRaster(NativePath(L"/b"), L"3.tif", L"Raster Layer_2").properties.wkt = kDegrees;
+    const AddedFiles added = project.Take(LayerKind::Raster, RasterFilesOf(record));
+    EXPECT_EQ(added.files, 3U);
+    EXPECT_EQ(added.alreadyThere, 1U);
+    EXPECT_EQ(added.newLayers, 1U);
+    EXPECT_EQ(added.mainLayer, 1U);
+    ASSERT_EQ(project.layers.size(), 3U);
+    EXPECT_EQ(project.layers[0].files.size(), 1U);
+    ASSERT_THAT(PathsOf(project.layers[1]),
+                ElementsAre(NativePath(L"/a/THERE.tif"), NativePath(L"/a/2.tif"), NativePath(L"/a/1.tif")))
+        << "the order of the record";
+    EXPECT_EQ(project.layers[1].files[1].raster,
+              (RasterInfo{40, 30, 3, L"PNG", std::nullopt, {{1, 2, 3, 4, 5, 6}}}));
+    EXPECT_EQ(project.layers[2].kind, LayerKind::Raster);
+    EXPECT_EQ(project.layers[2].wkt, kDegrees);
+    EXPECT_EQ(project.LayersForDialog(LayerKind::Raster).size(), 2U);
+    EXPECT_EQ(project.LayersForDialog(LayerKind::Las).size(), 1U);
+}
+
+TEST(RecordFiles, DetailsAreDeletedOnce) {
+    {
+        Record record;
+        record.AddFile(L"/a", L"1.las", L"x");
+        record.AddFile(L"/a", L"2.las", L"x");
+        record.AddRaster(L"/a", L"3.tif", L"y");
+        EXPECT_EQ(Counted::alive, 3);
+        DeleteDetails(record);
+        EXPECT_EQ(Counted::alive, 0);
+    }
+    EXPECT_EQ(Counted::alive, 0);
+}
+
+TEST(CheckLidar, ReportsEachFindingByItself) {
+    const TemporaryFolder files;
+    const std::wstring folder = FromPath(files.Path());
+    for (const wchar_t* name : {L"1.las", L"2.las", L"there.las"}) {
+        files.Write(name, "content");
+    }
+    Project project;
+    project.layers = {{L"old", kUtm, {{JoinPath(folder, L"THERE.las"), {}}}}};
+    struct Case {
+        const char* what;
+        const wchar_t* name;  ///< a second file, beside one of the layer "new" with kUtm
+        const wchar_t* layer;
+        const char* wkt;
+        double west;
+        bool LidarReport::*finding;  ///< the only one; null for none
+    };
+    for (const Case& c : {
+             Case{"files that fit", L"2.las", L"new", kUtm, 0, nullptr},
+             Case{"appending", L"2.las", L"old", kUtm, 0, &LidarReport::appending},
+             Case{"another CRS than its new layer", L"2.las", L"new", kDegrees, 0, &LidarReport::crsDiffers},
+             Case{"no CRS", L"2.las", L"newer", "", 0, &LidarReport::crsMissing},
+             Case{"no extent", L"2.las", L"new", kUtm, 11, &LidarReport::damaged},
+             Case{"in the project", L"there.las", L"new", kUtm, 0, &LidarReport::alreadyThere},
+             Case{"gone", L"gone.las", L"new", kUtm, 0, &LidarReport::unreadable},
+         }) {
+        SCOPED_TRACE(c.what);
+        Record record;
+        record.existingLasLayers = project.LayersForDialog(LayerKind::Las);
+        record.AddFile(folder, L"1.las", L"new");
+        record.AddFile(folder, c.name, c.layer, c.wkt).low[0] = c.west;
+        const LidarReport found = CheckLidar(project, record);
+        for (bool LidarReport::*finding :
+             {&LidarReport::appending, &LidarReport::crsDiffers, &LidarReport::crsMissing,
+              &LidarReport::damaged, &LidarReport::alreadyThere, &LidarReport::unreadable}) {
+            EXPECT_EQ(found.*finding, finding == c.finding);
+        }
+        EXPECT_TRUE(found.tellSkipped);
+        const bool isSkipped =
+            c.finding == &LidarReport::alreadyThere || c.finding == &LidarReport::unreadable;
+        EXPECT_EQ(found.skipped, isSkipped ? std::set{JoinPath(folder, c.name)} : std::set<std::wstring>());
+    }
+}
+
+TEST(CheckLidar, ComparesWithTheCrsOfAnExistingLayer) {
+    const TemporaryFolder files;
+    files.Write(L"1.las", "content");
+    Project project;
+    project.layers = {{L"old", kUtm, {{L"/p.las", {}}}}};
+    Record record;
+    record.AddFile(FromPath(files.Path()), L"1.las", L"old", kDegrees);
+    EXPECT_TRUE(CheckLidar(project, record).crsDiffers);
+}
+
+TEST(RecordText, TellsLasFilesLayersAndOptions) {
+    Record record;
+    record.AddFile(L"/data/a", L"2.las", L"old");
+    FakeLasFileInfo& compressed = record.AddFile(L"/data/a", L"1.laz", L"new");
+    compressed.name = NativePath(L"/data/a/1.las");
+    compressed.readOnly = false;
+    record.lasFiles[L"/data/b"] = {L"unknown.las"};
+    record.existingLasLayers = {{L"old", L""}};
+    record.lasThinning = 16;
+    record.lasPyramidType = 2;
+    const std::wstring text = RecordText(record);
+    std::size_t end = 0;
+    for (const wchar_t* part : {L"/data/a\n", L"  2.las  ", L"  1.laz  ", L"(1.las)\n", L"/data/b\n",
+                                L"  unknown.las\n", L"  new: ", L"  old: ", L": 16\n", L": QVR\n"}) {
+        const std::size_t found = text.find(part, end);
+        ASSERT_NE(found, std::wstring::npos) << ToUtf8(part) << " is not in its place:\n" << ToUtf8(text);
+        end = found;
+    }
+    EXPECT_EQ(text.find(L'#'), std::wstring::npos) << "a text is missing";
+}
+
+TEST(RecordText, TellsRastersAndElevationFiles) {
+    Record record;
+    FakeRasterFileInfo& placed = record.AddRaster(L"/r", L"b.tif", L"Raster Layer_1");
+    placed.properties.width = 4000;
+    placed.properties.height = 3000;
+    placed.properties.bands = 3;
+    placed.properties.driver = L"GTiff";
+    placed.properties.extent = {{0, 0, 1, 1}};
+    placed.bigTiff = true;
+    record.AddRaster(L"/r", L"a.png", L"").properties.driver = L"PNG";
+    record.rasterFiles[L"/r"].push_back(L"broken.tif");
+    record.demFiles = {{L"/d", {L"terrain.asc"}}};
+    record.demFileLayers = {{NativePath(L"/d/terrain.asc"), L"old"}};
+    record.existingLasLayers = {{L"old", L""}};
+    record.demLasVersion = 3;
+    record.demThinning = 12;
+    record.demLasFolder = L"<ORVEX_PROJECT_PATH>\\DEM Import";
+    record.demPyramid = true;
+    const std::wstring text = RecordText(record);
+    for (const std::wstring& part :
+         {std::wstring(L"  b.tif  GTiff (BigTIFF), 4000 x 3000"), std::wstring(L"  a.png  PNG, "),
+          std::wstring(L"  broken.tif\n"), std::wstring(L"Raster Layer_1"), std::wstring(L"  terrain.asc\n"),
+          std::wstring(L"  old: "), std::wstring(L": 1.2\n"), std::wstring(L": 12\n"),
+          std::wstring(L": <ORVEX_PROJECT_PATH>\\DEM Import\n"), Text(text::kRecordPyramidNotBuilt)}) {
+        EXPECT_NE(text.find(part), std::wstring::npos) << ToUtf8(part) << "\n" << ToUtf8(text);
+    }
+    EXPECT_EQ(text.find(L'#'), std::wstring::npos) << "a text is missing";
+}
+
+TEST(RecordText, SaysThatThereIsNothing) {
+    EXPECT_EQ(RecordText(AddFilesParams()), Text(text::kRecordEmpty) + L"\n");
+}
+
+}  // namespace
+}  // namespace orvex
