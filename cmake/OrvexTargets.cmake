@@ -10,6 +10,8 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+# Holds orvexcommon/TextIds.h, which the target orvex_text_ids makes.
+set(ORVEX_GENERATED_INCLUDE "${CMAKE_BINARY_DIR}/include")
 # A moved build or install folder still finds its own libraries.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 set(CMAKE_INSTALL_RPATH "$ORIGIN")
@@ -50,7 +52,8 @@ function(orvex_common_options target)
         target_compile_options(${target} PRIVATE -Wno-restrict -Wno-array-bounds -Wno-stringop-overread
                                -Wno-stringop-overflow)
     endif()
-    target_include_directories(${target} PUBLIC "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
+    target_include_directories(${target} PUBLIC "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include" "${ORVEX_GENERATED_INCLUDE}")
+    add_dependencies(${target} orvex_text_ids)
     if(WIN32)
         target_compile_definitions(${target} PRIVATE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
     endif()

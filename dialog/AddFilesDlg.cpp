@@ -68,7 +68,7 @@ AddFilesDlg::~AddFilesDlg() = default;
 void AddFilesDlg::BuildWindow() {
     tabs_ = new CTabCtrlEx;
     tabs_->setObjectName(QStringLiteral("tabs"));
-    tabs_->tabBar()->setAccessibleName(ToQString(Text(40456_lsid)));
+    tabs_->tabBar()->setAccessibleName(ToQString(Text(text::kTabsAccessibleName)));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(tabs_, 1);
     layout->addLayout(BuildBottomRow());
@@ -85,12 +85,12 @@ void AddFilesDlg::BuildWindow() {
 QHBoxLayout* AddFilesDlg::BuildBottomRow() {
     bar_ = new QProgressBar;
     bar_->setObjectName(QStringLiteral("progress"));
-    bar_->setAccessibleName(ToQString(Text(40455_lsid)));
+    bar_->setAccessibleName(ToQString(Text(text::kProgressAccessibleName)));
     stop_ = new QToolButton;
     stop_->setObjectName(QStringLiteral("stop"));
     stop_->setIcon(ButtonIcon(ButtonImage::Stop));
     stop_->setAutoRaise(true);
-    stop_->setToolTip(ToQString(Text(40452_lsid)));
+    stop_->setToolTip(ToQString(Text(text::kStopTooltip)));
     stop_->setAccessibleName(stop_->toolTip());
     stop_->hide();
     ok_ = new QPushButton;
@@ -109,10 +109,10 @@ QHBoxLayout* AddFilesDlg::BuildBottomRow() {
 }
 
 std::int32_t AddFilesDlg::Initialise() {
-    setWindowTitle(ToQString(Text(40451_lsid)));
+    setWindowTitle(ToQString(Text(text::kAddFilesTitle)));
     setMinimumSize(kMinimumSize);
-    ok_->setText(ToQString(Text(13452_lsid)));
-    cancel_->setText(ToQString(Text(13453_lsid)));
+    ok_->setText(ToQString(Text(text::kOk)));
+    cancel_->setText(ToQString(Text(text::kCancel)));
     if (const std::int32_t result = AskHostApplication(); result < 0) {
         return result;
     }
@@ -139,8 +139,9 @@ std::int32_t AddFilesDlg::AskHostApplication() {
 
 bool AddFilesDlg::Run() {
     if (const std::int32_t result = Initialise(); result < 0) {
-        services_.prompts.Show({FormatText(Text(40450_lsid), {static_cast<std::uint32_t>(result)}),
-                                Text(40451_lsid), PromptIcon::Error, PromptButtons::Ok});
+        services_.prompts.Show(
+            {FormatText(Text(text::kHostObjectMissing), {static_cast<std::uint32_t>(result)}),
+             Text(text::kAddFilesTitle), PromptIcon::Error, PromptButtons::Ok});
         return false;
     }
     return exec() == QDialog::Accepted;

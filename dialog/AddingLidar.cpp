@@ -35,22 +35,22 @@ bool ShowLidarMessages(const LidarFindings& findings, const std::wstring& captio
         prompts.Show({Text(text), caption, icon, PromptButtons::Ok});
     };
     if (findings.a && (findings.b || findings.c)) {
-        show(13441_lsid, PromptIcon::Warning);
+        show(text::kLidarCrsMismatch, PromptIcon::Warning);
     } else if (!findings.a && findings.b && findings.c) {
-        show(13442_lsid, PromptIcon::Information);
+        show(text::kLidarCrsDiffer, PromptIcon::Information);
     }
     if (findings.d) {
-        show(13443_lsid, PromptIcon::Warning);
+        show(text::kLidarDamagedFiles, PromptIcon::Warning);
     }
     if (findings.f && findings.g) {
-        show(13444_lsid, PromptIcon::Warning);
+        show(text::kLidarNothingToAdd, PromptIcon::Warning);
         return true;
     }
     if (findings.e && findings.f) {
-        show(13445_lsid, PromptIcon::Warning);
+        show(text::kLidarAlreadyInProject, PromptIcon::Warning);
     }
     if (findings.e && findings.g) {
-        show(13446_lsid, PromptIcon::Warning);
+        show(text::kLidarCannotOpen, PromptIcon::Warning);
     }
     return false;
 }

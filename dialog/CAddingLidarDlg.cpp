@@ -29,17 +29,17 @@ CAddingLidarDlg::CAddingLidarDlg(bool readWriteAllowed, QWidget* parent)
     : QDialog(parent,
               Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint),
       choices_(new QButtonGroup(this)),
-      doNotAskAgain_(new QCheckBox(ToQString(Text(13451_lsid)))) {
-    setWindowTitle(ToQString(Text(13454_lsid)));
+      doNotAskAgain_(new QCheckBox(ToQString(Text(text::kLidarRememberChoice)))) {
+    setWindowTitle(ToQString(Text(text::kLidarTitle)));
     setWindowIcon(ApplicationIcon());
     doNotAskAgain_->setObjectName(QStringLiteral("doNotAskAgain"));
 
-    auto* explanation = new QLabel(ToQString(Text(13447_lsid)));
+    auto* explanation = new QLabel(ToQString(Text(text::kLidarAccessQuestion)));
     explanation->setObjectName(QStringLiteral("explanation"));
     explanation->setWordWrap(true);
     explanation->setMinimumWidth(kTextWidth);
-    auto* ok = MakeButton(13452_lsid, "ok");
-    auto* cancel = MakeButton(13453_lsid, "cancel");
+    auto* ok = MakeButton(text::kOk, "ok");
+    auto* cancel = MakeButton(text::kCancel, "cancel");
     ok->setDefault(true);
     connect(ok, &QPushButton::clicked, this, &CAddingLidarDlg::accept);
     connect(cancel, &QPushButton::clicked, this, &CAddingLidarDlg::reject);
@@ -65,9 +65,9 @@ void CAddingLidarDlg::BuildChoices(bool readWriteAllowed) {
         StringId text;
         const char* name;
     };
-    const Choice choices[] = {{ADD_LIDAR_READ_ONLY, 13448_lsid, "readOnly"},
-                              {ADD_LIDAR_READ_WRITE, 13449_lsid, "readWrite"},
-                              {ADD_LIDAR_NOT_AT_ALL, 13450_lsid, "notAtAll"}};
+    const Choice choices[] = {{ADD_LIDAR_READ_ONLY, text::kLidarAddReadOnly, "readOnly"},
+                              {ADD_LIDAR_READ_WRITE, text::kLidarAddReadWrite, "readWrite"},
+                              {ADD_LIDAR_NOT_AT_ALL, text::kLidarDoNotAdd, "notAtAll"}};
     for (const Choice& choice : choices) {
         auto* radio = new QRadioButton(ToQString(Text(choice.text)));
         radio->setObjectName(QLatin1String(choice.name));

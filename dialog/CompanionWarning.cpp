@@ -27,10 +27,11 @@ bool ConfirmCompanionOverwrite(const AddFilesParams& params, bool needsCompanion
         return true;
     }
     TaskPrompt warning;
-    warning.title = Text(3366_lsid);
-    warning.mainInstruction = Text(3367_lsid);
-    warning.content = Text(3368_lsid) + L"\n" + Text(3369_lsid) + L"\n\n" + Text(3370_lsid);
-    warning.verification = Text(33635_lsid);
+    warning.title = Text(text::kOverwriteWarningTitle);
+    warning.mainInstruction = Text(text::kOverwriteWarningHeadline);
+    warning.content = Text(text::kOverwriteWarningCause) + L"\n" + Text(text::kOverwriteWarningAdvice) +
+                      L"\n\n" + Text(text::kOverwriteWarningQuestion);
+    warning.verification = Text(text::kOverwriteWarningDoNotShow);
     warning.icon = PromptIcon::Warning;
     warning.buttons = PromptButtons::YesNo;
     const TaskAnswer answer = prompts.ShowTask(warning);

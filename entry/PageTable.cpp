@@ -17,15 +17,16 @@ std::unique_ptr<AddFilesPage> Make(const PageContext& context) {
 
 std::span<const PageDescription> AddFilesPages() {
     static const PageDescription pages[] = {
-        {PageKind::Las, 13558_lsid, 13559_lsid, nullptr, 13560_lsid, nullptr, 363, kImageLas, nullptr,
-         Make<AddLASFilesPP>},
-        {PageKind::Raster, 13561_lsid, 13562_lsid, nullptr, 13563_lsid, nullptr, 385, kImageRaster,
-         &AddFilesParams::showRasterTab, Make<AddRasterFilesPP>},
+        {PageKind::Las, text::kLasTab, text::kLasTabInsertFailed, nullptr, text::kLasPageCreateFailed,
+         nullptr, 363, kImageLas, nullptr, Make<AddLASFilesPP>},
+        {PageKind::Raster, text::kRasterTab, text::kRasterTabInsertFailed, nullptr,
+         text::kRasterPageCreateFailed, nullptr, 385, kImageRaster, &AddFilesParams::showRasterTab,
+         Make<AddRasterFilesPP>},
         {PageKind::Dem,
-         3253_lsid,
+         text::kDemTab,
          {},
          L"InsertItem DEM tab failed",
-         3260_lsid,
+         text::kDemPageCreateFailed,
          nullptr,
          403,
          kImageDem,

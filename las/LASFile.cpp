@@ -82,7 +82,7 @@ void LASFile::CopyHeader(const MappedFile& file) {
     const std::span<std::byte> block(headerCopy_.get(), las::kHeaderSize14);
     std::size_t read = 0;
     if (file.ReadAt(0, block, read) != 0) {
-        ThrowOpenError(Text(794_lsid), fileName_);
+        ThrowOpenError(Text(text::kLasHeaderReadFailed), fileName_);
     }
     if (read < las::kLegacyHeaderSize) {
         ThrowOpenError(L"ReadHeaderBlock failed on '%s'.", fileName_);
@@ -109,10 +109,10 @@ void LASFile::ReadRecords(const MappedFile& file) {
     try {
         error = LoadVlrArea(file);
     } catch (const std::bad_alloc&) {
-        ThrowOpenError(Text(792_lsid), fileName_);
+        ThrowOpenError(Text(text::kVlrReadFailed), fileName_);
     }
     if (error != 0) {
-        ThrowOpenError(Text(792_lsid), fileName_, error);
+        ThrowOpenError(Text(text::kVlrReadFailed), fileName_, error);
     }
     ShareHeaderMapping();
     vlrs_ = WalkVlrs(vlrArea_.Bytes(), header_);

@@ -28,7 +28,7 @@ GridCell OfCrs(const LasRow& row) {
 }
 
 std::wstring YesNo(bool value) {
-    return Text(value ? 40610_lsid : 40611_lsid);
+    return Text(value ? text::kCellYes : text::kCellNo);
 }
 
 GridCell FiniteNumber(double value) {
@@ -98,12 +98,12 @@ GridCell Group(const LasRow& row) {
 std::wstring Companion(const LASFile& file) {
     switch (file.GetCompanionStatus()) {
         case 2:
-            return Text(40613_lsid);
+            return Text(text::kIndexQvr);
         case 3:
         case 6:
-            return Text(40614_lsid);
+            return Text(text::kIndexOrvexLas);
         default:
-            return Text(40612_lsid);
+            return Text(text::kCellNone);
     }
 }
 
@@ -161,9 +161,9 @@ std::wstring CrsSource(const LASFile& file) {
     const bool hasWkt = file.FindWKT().has_value();
     const bool hasGeoKeys = file.FindGeoKeyDirectory().has_value();
     if (hasWkt && (file.Header().HasWktBit() || !hasGeoKeys)) {
-        return Text(40615_lsid);
+        return Text(text::kCrsSourceWkt);
     }
-    return Text(hasGeoKeys ? 40616_lsid : 40612_lsid);
+    return Text(hasGeoKeys ? text::kCrsSourceGeoKeys : text::kCellNone);
 }
 
 std::wstring Waveform(const LASFile& file) {
@@ -171,9 +171,9 @@ std::wstring Waveform(const LASFile& file) {
     constexpr unsigned kExternal = 0x4;
     const unsigned encoding = file.Header().GlobalEncoding();
     if ((encoding & kInternal) != 0) {
-        return Text(40617_lsid);
+        return Text(text::kWaveformInternal);
     }
-    return Text((encoding & kExternal) != 0 ? 40618_lsid : 40612_lsid);
+    return Text((encoding & kExternal) != 0 ? text::kWaveformExternal : text::kCellNone);
 }
 
 std::wstring Attributes(const LASFile& file) {
@@ -187,10 +187,10 @@ std::wstring Attributes(const LASFile& file) {
             text += (text.empty() ? L"" : L", ") + Text(name);
         }
     };
-    add(facts->hasGpsTime, 40580_lsid);
-    add(facts->hasColor, 40619_lsid);
-    add(facts->hasNearInfrared, 40620_lsid);
-    add(facts->hasWaveform, 40578_lsid);
+    add(facts->hasGpsTime, text::kLasGpsTime);
+    add(facts->hasColor, text::kAttributeRgb);
+    add(facts->hasNearInfrared, text::kAttributeNir);
+    add(facts->hasWaveform, text::kLasWaveform);
     return text;
 }
 

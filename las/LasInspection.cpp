@@ -27,11 +27,11 @@ void DescribeFileCrs(LasInspection& inspection) {
     const LasCrs crs = ReadLasCrs(file);
     inspection.crs = DescribeCrs(crs.wkt);
     if (crs.isDamaged || (!crs.wkt.empty() && inspection.crs->name.empty())) {
-        inspection.findings.push_back(
-            {LasFindingCode::CrsUnreadable, FindingSeverity::Warning, las::at::kVlrCount, Text(40122_lsid)});
+        inspection.findings.push_back({LasFindingCode::CrsUnreadable, FindingSeverity::Warning,
+                                       las::at::kVlrCount, Text(text::kCrsUnreadable)});
     } else if (crs.wkt.empty()) {
         inspection.findings.push_back(
-            {LasFindingCode::NoCrs, FindingSeverity::Note, las::at::kVlrCount, Text(40121_lsid)});
+            {LasFindingCode::NoCrs, FindingSeverity::Note, las::at::kVlrCount, Text(text::kFileWithoutCrs)});
     }
 }
 
@@ -41,7 +41,7 @@ void RefuseWithoutSignature(LasInspection& inspection) {
         return;
     }
     inspection.loadable = false;
-    inspection.summary = FormatText(Text(40123_lsid), {inspection.path});
+    inspection.summary = FormatText(Text(text::kNotLas), {inspection.path});
     inspection.findings = {{LasFindingCode::SignatureMissing, FindingSeverity::Error, 0, inspection.summary}};
     inspection.file.reset();
 }
@@ -59,7 +59,7 @@ void Inspect(LasInspection& inspection) {
     SortFindings(inspection.findings);
     const bool isOdd =
         !inspection.findings.empty() && inspection.findings.front().severity > FindingSeverity::Note;
-    inspection.summary = isOdd ? inspection.findings.front().text : Text(40100_lsid);
+    inspection.summary = isOdd ? inspection.findings.front().text : Text(text::kInspectionOk);
 }
 
 }  // namespace

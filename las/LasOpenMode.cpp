@@ -39,7 +39,7 @@ class Reopener {
         if (!decompress && current.IsReadOnly() != readWrite_ && current.FileName() == wanted) {
             return nullptr;
         }
-        progress_.SetText(Text(3214_lsid));
+        progress_.SetText(Text(text::kLasReopeningProgress));
         if (decompress && !Decompress(path, wanted, result)) {
             return nullptr;
         }
@@ -48,7 +48,7 @@ class Reopener {
 
     bool Decompress(const std::wstring& lazPath, const std::wstring& lasPath, LasReopened& result) {
         if (!OrvexUtilities::IsLAZEnabled(lazPath)) {
-            throw LDataError(Text(40670_lsid));
+            throw LDataError(Text(text::kLazFolderNotWritable));
         }
         std::wstring reason;
         if (OrvexUtilities::LAZDecompress(lazPath, lasPath, progress_, reason)) {

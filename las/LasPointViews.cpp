@@ -86,7 +86,7 @@ std::uint64_t LasPointViews::ViewCount() const {
 
 LasPointView LasPointViews::Map(std::uint64_t view) const {
     if (view >= ViewCount()) {
-        throw LDataError(FormatText(Text(40000_lsid), {view}));
+        throw LDataError(FormatText(Text(text::kNoSuchPointView), {view}));
     }
     const std::uint64_t begin = (start_ / Granularity() + view) * Granularity();
     const std::uint64_t first = FirstPointFrom(begin);
@@ -98,7 +98,7 @@ LasPointView LasPointViews::Map(std::uint64_t view) const {
     const std::uint64_t length = start_ + last * recordLength_ - begin;
     MappedView mapped;
     if (const SystemError error = file_.Map(begin, length, !readOnly_, mapped)) {
-        throw LDataError(FormatText(Text(40001_lsid), {SystemErrorText(error)}));
+        throw LDataError(FormatText(Text(text::kPointMappingFailed), {SystemErrorText(error)}));
     }
     return LasPointView(std::move(mapped), firstByte - begin, first, last - first, recordLength_, frame_);
 }

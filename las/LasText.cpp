@@ -91,7 +91,7 @@ std::wstring LasGpsTimeText(const LASFile& file) {
     }
     const las::PointFormatFacts* facts = las::FindPointFormat(file.PointFormat());
     if (facts != nullptr && !facts->hasGpsTime) {
-        return Text(13490_lsid);
+        return Text(text::kNoGpsTime);
     }
     return file.Header().HasStandardGpsTime() ? L"Standard GPS Time" : L"GPS-Week-Seconds";
 }

@@ -39,7 +39,8 @@ class Validator {
 
     std::vector<LasFinding> Run() {
         if (!header_.HasSignature()) {
-            Add(LasFindingCode::SignatureMissing, FindingSeverity::Error, 0, 40123_lsid, {file_.FileName()});
+            Add(LasFindingCode::SignatureMissing, FindingSeverity::Error, 0, text::kNotLas,
+                {file_.FileName()});
         }
         CheckVersion();
         CheckLayout();
@@ -50,7 +51,7 @@ class Validator {
         CheckVlrs();
         CheckEvlrs();
         if (!file_.HasProjectionRecords()) {
-            Add(LasFindingCode::NoCrs, FindingSeverity::Note, at::kVlrCount, 40121_lsid, {});
+            Add(LasFindingCode::NoCrs, FindingSeverity::Note, at::kVlrCount, text::kFileWithoutCrs, {});
         }
         SortFindings(findings_);
         return std::move(findings_);
@@ -64,11 +65,13 @@ class Validator {
 
     void CheckVersion() {
         if (file_.GetVersionCode() < 0) {
-            Add(LasFindingCode::UnknownVersion, FindingSeverity::Error, at::kVersionMajor, 40116_lsid,
+            Add(LasFindingCode::UnknownVersion, FindingSeverity::Error, at::kVersionMajor,
+                text::kLasVersionUnknown,
                 {static_cast<unsigned>(header_.VersionMajor()),
                  static_cast<unsigned>(header_.VersionMinor())});
         } else if (file_.GetVersionCode() == las::kLas20) {
-            Add(LasFindingCode::UnknownVersion, FindingSeverity::Warning, at::kVersionMajor, 40117_lsid, {});
+            Add(LasFindingCode::UnknownVersion, FindingSeverity::Warning, at::kVersionMajor,
+                text::kLasVersion20, {});
         }
     }
 
@@ -78,26 +81,27 @@ class Validator {
             Add(LasFindingCode::HeaderSizeOdd,
                 header_.HeaderSize() < las::kLegacyHeaderSize ? FindingSeverity::Error
                                                               : FindingSeverity::Warning,
-                at::kHeaderSize, 40109_lsid, {header_.HeaderSize(), smallest});
+                at::kHeaderSize, text::kLasHeaderSizeTooSmall, {header_.HeaderSize(), smallest});
         }
         if (header_.OffsetToPoints() < std::max(header_.HeaderSize(), las::kLegacyHeaderSize)) {
-            Add(LasFindingCode::OffsetInsideHeader, FindingSeverity::Error, at::kOffsetToPoints, 40108_lsid,
-                {header_.OffsetToPoints(), header_.HeaderSize()});
+            Add(LasFindingCode::OffsetInsideHeader, FindingSeverity::Error, at::kOffsetToPoints,
+                text::kLasPointsInsideHeader, {header_.OffsetToPoints(), header_.HeaderSize()});
         }
         if (header_.OffsetToPoints() > file_.FileSize()) {
-            Add(LasFindingCode::OffsetBeyondEnd, FindingSeverity::Error, at::kOffsetToPoints, 40107_lsid,
-                {header_.OffsetToPoints(), file_.FileSize()});
+            Add(LasFindingCode::OffsetBeyondEnd, FindingSeverity::Error, at::kOffsetToPoints,
+                text::kLasPointsBeyondEnd, {header_.OffsetToPoints(), file_.FileSize()});
         }
     }
 
     void CheckPointFormat() {
         const las::PointFormatFacts* facts = las::FindPointFormat(header_.PointFormat());
         if (facts == nullptr) {
-            Add(LasFindingCode::UnknownPointFormat, FindingSeverity::Error, at::kPointFormat, 40114_lsid,
-                {header_.PointFormat()});
+            Add(LasFindingCode::UnknownPointFormat, FindingSeverity::Error, at::kPointFormat,
+                text::kLasPointFormatUnknown, {header_.PointFormat()});
         } else if (header_.PointRecordLength() < facts->minimumLength) {
             Add(LasFindingCode::RecordLengthTooShort, FindingSeverity::Error, at::kPointRecordLength,
-                40115_lsid, {header_.PointFormat(), facts->minimumLength, header_.PointRecordLength()});
+                text::kLasRecordLengthTooSmall,
+                {header_.PointFormat(), facts->minimumLength, header_.PointRecordLength()});
         }
     }
 
@@ -106,12 +110,13 @@ class Validator {
         const auto offset = header_.Offset();
         const auto zero = AxesWhere([&](std::size_t axis) { return scale[axis] == 0; });
         if (!zero.empty()) {
-            Add(LasFindingCode::ScaleZero, FindingSeverity::Warning, at::kScale, 40105_lsid, {zero});
+            Add(LasFindingCode::ScaleZero, FindingSeverity::Warning, at::kScale, text::kLasScaleZero, {zero});
         }
         const auto notFinite = AxesWhere(
             [&](std::size_t axis) { return !std::isfinite(scale[axis]) || !std::isfinite(offset[axis]); });
         if (!notFinite.empty()) {
-            Add(LasFindingCode::ScaleNotFinite, FindingSeverity::Error, at::kScale, 40106_lsid, {notFinite});
+            Add(LasFindingCode::ScaleNotFinite, FindingSeverity::Error, at::kScale, text::kLasScaleNotFinite,
+                {notFinite});
         }
     }
 
@@ -125,13 +130,13 @@ class Validator {
         const auto notFinite = AxesWhere(
             [&](std::size_t axis) { return !std::isfinite(low[axis]) || !std::isfinite(high[axis]); });
         if (!notFinite.empty()) {
-            Add(LasFindingCode::ExtentNotFinite, FindingSeverity::Warning, at::kMaximum, 40104_lsid,
-                {notFinite});
+            Add(LasFindingCode::ExtentNotFinite, FindingSeverity::Warning, at::kMaximum,
+                text::kLasExtentNotFinite, {notFinite});
         }
         const auto inverted = AxesWhere([&](std::size_t axis) { return low[axis] > high[axis]; });
         if (!inverted.empty()) {
-            Add(LasFindingCode::ExtentInverted, FindingSeverity::Warning, at::kMaximum, 40103_lsid,
-                {inverted});
+            Add(LasFindingCode::ExtentInverted, FindingSeverity::Warning, at::kMaximum,
+                text::kLasExtentInverted, {inverted});
         }
     }
 
@@ -157,11 +162,11 @@ class Validator {
         const bool is14 = file_.GetVersionCode() == las::kLas14;
         if (count == 0) {
             Add(LasFindingCode::NoPoints, FindingSeverity::Warning,
-                is14 ? at::kPointCount : at::kLegacyPointCount, 40118_lsid, {});
+                is14 ? at::kPointCount : at::kLegacyPointCount, text::kLasNoPoints, {});
         }
         if (is14 && header_.LegacyPointCount() != 0 && header_.LegacyPointCount() != count) {
-            Add(LasFindingCode::CountMismatch, FindingSeverity::Warning, at::kLegacyPointCount, 40119_lsid,
-                {count, header_.LegacyPointCount()});
+            Add(LasFindingCode::CountMismatch, FindingSeverity::Warning, at::kLegacyPointCount,
+                text::kLasPointCountsDiffer, {count, header_.LegacyPointCount()});
         }
         // The size of compressed points does not follow from their count.
         if (header_.PointRecordLength() != 0 && !header_.IsCompressed() &&
@@ -174,14 +179,16 @@ class Validator {
         const std::uint64_t held = bytes / header_.PointRecordLength();
         if (held < count) {
             Add(LasFindingCode::PointsTruncated, FindingSeverity::Error, header_.OffsetToPoints(),
-                count - held == 1 ? 40124_lsid : 40101_lsid, {count - held, count, held});
+                count - held == 1 ? text::kLasTruncatedPoint : text::kLasTruncatedPoints,
+                {count - held, count, held});
             return;
         }
         const std::uint64_t end = header_.OffsetToPoints() + count * header_.PointRecordLength();
         if (held > count) {
-            Add(LasFindingCode::CountMismatch, FindingSeverity::Warning, end, 40120_lsid, {count, held});
+            Add(LasFindingCode::CountMismatch, FindingSeverity::Warning, end, text::kLasPointCountTooLarge,
+                {count, held});
         } else if (bytes % header_.PointRecordLength() != 0) {
-            Add(LasFindingCode::BytesAfterPoints, FindingSeverity::Note, end, 40102_lsid,
+            Add(LasFindingCode::BytesAfterPoints, FindingSeverity::Note, end, text::kLasBytesAfterPoints,
                 {bytes % header_.PointRecordLength()});
         }
     }
@@ -189,22 +196,22 @@ class Validator {
     void CheckVlrs() {
         const auto& vlrs = file_.GetVLRs();
         if (vlrs.size() < header_.VlrCount()) {
-            Add(LasFindingCode::VlrCountTooHigh, FindingSeverity::Warning, at::kVlrCount, 40110_lsid,
-                {header_.VlrCount(), vlrs.size()});
+            Add(LasFindingCode::VlrCountTooHigh, FindingSeverity::Warning, at::kVlrCount,
+                text::kLasVlrCountMismatch, {header_.VlrCount(), vlrs.size()});
         }
         if (!vlrs.empty() && vlrs.back().IsTruncated()) {
-            AddTruncated(LasFindingCode::VlrTruncated, 40111_lsid, vlrs);
+            AddTruncated(LasFindingCode::VlrTruncated, text::kLasVlrOverrun, vlrs);
         }
     }
 
     void CheckEvlrs() {
         const auto& evlrs = file_.GetEVLRs();
         if (file_.GetVersionCode() == las::kLas14 && evlrs.size() < header_.EvlrCount()) {
-            Add(LasFindingCode::EvlrCountTooHigh, FindingSeverity::Warning, at::kEvlrCount, 40112_lsid,
-                {header_.EvlrCount(), evlrs.size()});
+            Add(LasFindingCode::EvlrCountTooHigh, FindingSeverity::Warning, at::kEvlrCount,
+                text::kLasEvlrCountMismatch, {header_.EvlrCount(), evlrs.size()});
         }
         if (!evlrs.empty() && evlrs.back().IsTruncated()) {
-            AddTruncated(LasFindingCode::EvlrTruncated, 40113_lsid, evlrs);
+            AddTruncated(LasFindingCode::EvlrTruncated, text::kLasEvlrOverrun, evlrs);
         }
     }
 

@@ -82,7 +82,7 @@ void ReadTransform(GDALDatasetH dataset, RasterProperties& properties) {
     const bool isFinite = std::ranges::all_of(t, [](double number) { return std::isfinite(number); });
     if (!isFinite || !extent || !(pixelWidth > 0 && pixelHeight > 0) ||
         !std::isfinite(pixelWidth + pixelHeight)) {
-        properties.warnings.push_back(Text(41215_lsid));
+        properties.warnings.push_back(Text(text::kRasterGeoreferenceInvalid));
         return;
     }
     properties.transform = t;
@@ -102,7 +102,7 @@ void ReadGeoreference(GDALDatasetH dataset, RasterProperties& properties) {
 
 std::wstring RasterUnitText(const std::wstring& reported) {
     const std::wstring shown = ToUpper(reported).find(L"MET") == std::wstring::npos ? reported : L"Meters";
-    return shown.find(Text(13639_lsid)) == std::wstring::npos ? shown : Text(13489_lsid);
+    return shown.find(Text(text::kUnknownUnitWord)) == std::wstring::npos ? shown : Text(text::kUnknown);
 }
 
 }  // namespace orvex

@@ -12,7 +12,7 @@ namespace orvex {
 void ReadGeoreference(GDALDatasetH dataset, RasterProperties& properties);
 
 /// Linear unit as raster lists show it: "Meters" for any unit with "met" in its name, the library's word for
-/// an unknown unit (13489), else `reported` itself.
+/// an unknown unit (text::kUnknown), else `reported` itself.
 std::wstring RasterUnitText(const std::wstring& reported);
 
 }  // namespace orvex

@@ -78,21 +78,23 @@ std::wstring ImageSize(const RasterProperties& properties) {
 }
 
 std::wstring ColorModel(const RasterProperties& properties) {
-    constexpr std::array kNames{13621_lsid, 13620_lsid, 13619_lsid};
+    constexpr std::array kNames{text::kColorBlackAndWhite, text::kColorGrayscale, text::kColorRgb};
     const auto code = static_cast<std::size_t>(properties.colorModel);
-    return Text(code < kNames.size() ? kNames[code] : 13489_lsid);
+    return Text(code < kNames.size() ? kNames[code] : text::kUnknown);
 }
 
 std::wstring Photometric(const RasterProperties& properties) {
-    constexpr std::array kNames{13624_lsid, 13622_lsid, 13619_lsid, 13623_lsid, 13625_lsid};
+    constexpr std::array kNames{text::kPhotometricWhiteIsZero, text::kPhotometricBlackIsZero, text::kColorRgb,
+                                text::kPhotometricPalette, text::kPhotometricTransparencyMask};
     const auto kind = static_cast<std::size_t>(properties.rasterKind);
-    return Text(kind < kNames.size() ? kNames[kind] : 13489_lsid);
+    return Text(kind < kNames.size() ? kNames[kind] : text::kUnknown);
 }
 
 std::wstring ProjectionCode(const RasterProperties& properties) {
     constexpr std::int32_t kUserDefined = 32767;
     const std::int32_t code = properties.projectionCode;
-    return code >= 1 && code != kUserDefined ? Text(13495_lsid) + std::to_wstring(code) : Text(13497_lsid);
+    return code >= 1 && code != kUserDefined ? Text(text::kEpsgPrefix) + std::to_wstring(code)
+                                             : Text(text::kProjectionCodeNone);
 }
 
 bool IsGeoreferenced(const RasterProperties& properties) {
@@ -149,7 +151,7 @@ GridCell GpsTime(const RasterRow& row, RasterUse use) {
     if (!row.IsDescribed()) {
         return {};
     }
-    return use == RasterUse::Dem ? std::wstring(L"Standard GPS Time") : Text(13490_lsid);
+    return use == RasterUse::Dem ? std::wstring(L"Standard GPS Time") : Text(text::kNoGpsTime);
 }
 
 }  // namespace

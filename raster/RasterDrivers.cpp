@@ -95,7 +95,8 @@ std::wstring MissingDriverReason(const std::wstring& path) {
         }
         format = row.format;
     }
-    return format.empty() ? std::wstring() : FormatText(Text(41260_lsid), {std::wstring(format)});
+    return format.empty() ? std::wstring()
+                          : FormatText(Text(text::kRasterDriverMissing), {std::wstring(format)});
 }
 
 }  // namespace orvex

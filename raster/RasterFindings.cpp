@@ -24,9 +24,9 @@ const RasterBandProperties* FirstBand(const RasterProperties& properties) {
 
 void CheckCrs(const RasterInspection& inspection, Findings& findings) {
     if (inspection.properties.wkt.empty()) {
-        findings.push_back({Note, Text(40121_lsid)});
+        findings.push_back({Note, Text(text::kFileWithoutCrs)});
     } else if (inspection.crs->name.empty()) {
-        findings.push_back({Warning, Text(40122_lsid)});
+        findings.push_back({Warning, Text(text::kCrsUnreadable)});
     }
 }
 
@@ -34,43 +34,45 @@ void CheckGeoreference(const RasterProperties& properties, Findings& findings) {
     if (properties.extent) {
         const auto& t = properties.transform;
         if (t && ((*t)[2] != 0 || (*t)[4] != 0)) {
-            findings.push_back({Note, Text(41224_lsid)});
+            findings.push_back({Note, Text(text::kRasterRotated)});
         }
     } else if (properties.controlPoints > 0) {
-        findings.push_back({Warning, FormatText(Text(41222_lsid), {properties.controlPoints})});
+        findings.push_back(
+            {Warning, FormatText(Text(text::kRasterControlPointsOnly), {properties.controlPoints})});
     } else if (properties.hasRpc) {
-        findings.push_back({Warning, Text(41223_lsid)});
+        findings.push_back({Warning, Text(text::kRasterRpcOnly)});
     } else if (!(properties.pixelWidth > 0)) {
-        findings.push_back({Warning, Text(41221_lsid)});
+        findings.push_back({Warning, Text(text::kRasterNoGeoreference)});
     }
 }
 
 void CheckImage(const RasterProperties& properties, Findings& findings) {
     if (properties.overviews == 0 && std::int64_t{properties.width} * properties.height >= kManyPixels) {
-        findings.push_back({Note, FormatText(Text(41225_lsid), {properties.width, properties.height})});
+        findings.push_back(
+            {Note, FormatText(Text(text::kRasterNoOverviews), {properties.width, properties.height})});
     }
 }
 
 void CheckDem(const RasterInspection& inspection, Findings& findings) {
     const RasterProperties& properties = inspection.properties;
     if (properties.bands > 1) {
-        findings.push_back({Warning, FormatText(Text(41226_lsid), {properties.bands})});
+        findings.push_back({Warning, FormatText(Text(text::kDemSeveralBands), {properties.bands})});
     }
     constexpr std::int32_t kColorModel = 2;
     constexpr std::int32_t kPaletteKind = 3;
     if (properties.colorModel == kColorModel || properties.rasterKind == kPaletteKind) {
-        findings.push_back({Warning, Text(41227_lsid)});
+        findings.push_back({Warning, Text(text::kDemColors)});
     }
     if (const RasterBandProperties* band = FirstBand(properties)) {
         if (band->dataType.starts_with(L"C")) {
-            findings.push_back({Error, Text(41228_lsid)});
+            findings.push_back({Error, Text(text::kDemComplexNumbers)});
         }
         if (band->dataType.starts_with(L"Float") && !band->nodata) {
-            findings.push_back({Note, Text(41229_lsid)});
+            findings.push_back({Note, Text(text::kDemNoNoDataValue)});
         }
     }
     if (!properties.wkt.empty() && inspection.crs->verticalName.empty()) {
-        findings.push_back({Note, Text(41230_lsid)});
+        findings.push_back({Note, Text(text::kDemNoVerticalCrs)});
     }
 }
 
@@ -84,34 +86,34 @@ struct KnownMessage {
     std::string_view after;
 };
 constexpr KnownMessage kKnownMessages[] = {
-    {"missing codec", 41205_lsid, "missing codec ", ""},
-    {"Too large image size", 41206_lsid, "image size: ", ""},
-    {"Too large block size", 41213_lsid, "", ""},
-    {"Too many blocks", 41213_lsid, "", ""},
-    {"header file, but to open", 41208_lsid, "", ""},
-    {"Can not read TIFF directory", 41214_lsid, "", ""},
-    {"Failed to read directory", 41214_lsid, "", ""},
-    {"IFD looping", 41233_lsid, "", ""},
-    {" as horizontal datum", 41504_lsid, "indicates ", " as horizontal"},
-    {"is missing required", 41218_lsid, "\"", "\""},
-    {"Cannot read TIFF header", 41500_lsid, "", ""},
-    {"Cannot handle zero", 41216_lsid, "", ""},
-    {"Image file is too small", 41217_lsid, "", ""},
-    {"\"StripByteCounts\" field, ", 41219_lsid, "", ""},
-    {"\"TileByteCounts\" field, ", 41219_lsid, "", ""},
-    {"Sanity check on size of", 41218_lsid, "\"", "\""},
-    {"IO error during reading of", 41218_lsid, "\"", "\""},
-    {"Incorrect count for", 41218_lsid, "\"", "\""},
-    {"Invalid data type for tag", 41218_lsid, "for tag ", ""},
-    {"tags are not sorted", 41232_lsid, "", ""},
-    {"GeoTIFF tags apparently corrupt", 40122_lsid, "", ""},
-    {"crs not found", 41231_lsid, "", ""},
-    {": No such file or directory", 41502_lsid, "", ": No such file"},
-    {"File too large regarding tile size", 41213_lsid, "", ""},
-    {"IReadBlock failed", 41503_lsid, "", ""},
-    {"TIFFReadScanline() failed", 41503_lsid, "", ""},
-    {"Cannot read offset/size for strile", 41212_lsid, "", ""},
-    {"PartialReadStripArray", 41212_lsid, "", ""},
+    {"missing codec", text::kRasterCompressionUnsupported, "missing codec ", ""},
+    {"Too large image size", text::kRasterTooLarge, "image size: ", ""},
+    {"Too large block size", text::kRasterTooManyBlocks, "", ""},
+    {"Too many blocks", text::kRasterTooManyBlocks, "", ""},
+    {"header file, but to open", text::kRasterIsHeaderOfSeveral, "", ""},
+    {"Can not read TIFF directory", text::kRasterDirectoryUnreadable, "", ""},
+    {"Failed to read directory", text::kRasterDirectoryUnreadable, "", ""},
+    {"IFD looping", text::kRasterDirectoryLoop, "", ""},
+    {" as horizontal datum", text::kRasterDatumNotWgs84, "indicates ", " as horizontal"},
+    {"is missing required", text::kRasterTagUnreadable, "\"", "\""},
+    {"Cannot read TIFF header", text::kRasterDamagedOrUnsupported, "", ""},
+    {"Cannot handle zero", text::kRasterNoImage, "", ""},
+    {"Image file is too small", text::kRasterShorterThanHeader, "", ""},
+    {"\"StripByteCounts\" field, ", text::kRasterBlockSizesWrong, "", ""},
+    {"\"TileByteCounts\" field, ", text::kRasterBlockSizesWrong, "", ""},
+    {"Sanity check on size of", text::kRasterTagUnreadable, "\"", "\""},
+    {"IO error during reading of", text::kRasterTagUnreadable, "\"", "\""},
+    {"Incorrect count for", text::kRasterTagUnreadable, "\"", "\""},
+    {"Invalid data type for tag", text::kRasterTagUnreadable, "for tag ", ""},
+    {"tags are not sorted", text::kRasterTagsUnsorted, "", ""},
+    {"GeoTIFF tags apparently corrupt", text::kCrsUnreadable, "", ""},
+    {"crs not found", text::kRasterCrsUnknown, "", ""},
+    {": No such file or directory", text::kRasterReferencedFileMissing, "", ": No such file"},
+    {"File too large regarding tile size", text::kRasterTooManyBlocks, "", ""},
+    {"IReadBlock failed", text::kRasterPixelsUnreadable, "", ""},
+    {"TIFFReadScanline() failed", text::kRasterPixelsUnreadable, "", ""},
+    {"Cannot read offset/size for strile", text::kRasterBlockTableUnreadable, "", ""},
+    {"PartialReadStripArray", text::kRasterBlockTableUnreadable, "", ""},
     // Meant for programmers, or said besides the cause.
     {"is TIFF_SETGET_UNDEFINED", StringId{}, "", ""},
     {"RowsPerStrip not defined", StringId{}, "", ""},
@@ -177,7 +179,7 @@ std::wstring PlainText(const std::string& message) {
         }
     }
     const std::string cleaned = Clean(message);
-    return cleaned.empty() ? std::wstring() : FormatText(Text(41209_lsid), {FromUtf8(cleaned)});
+    return cleaned.empty() ? std::wstring() : FormatText(Text(text::kRasterReaderSays), {FromUtf8(cleaned)});
 }
 
 }  // namespace

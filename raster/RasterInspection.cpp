@@ -22,7 +22,7 @@ std::int64_t ModifiedMs(const std::wstring& path) {
 
 RasterProperties ReadOurselves(const std::wstring& path) {
     if (!EnsureGdal()) {
-        throw LDataError(Text(41210_lsid));
+        throw LDataError(Text(text::kRasterProgramFilesMissing));
     }
     return ReadRasterProperties(path);
 }
@@ -58,7 +58,7 @@ RasterProperties Read(const std::wstring& path, const RasterInformationMaker& ma
 void Inspect(RasterInspection& inspection, RasterUse use, const RasterInformationMaker& maker) {
     inspection.properties = Read(inspection.path, maker);
     if (inspection.properties.width < 1 || inspection.properties.height < 1) {
-        throw LDataError(Text(41216_lsid));
+        throw LDataError(Text(text::kRasterNoImage));
     }
     inspection.loadable = true;
     inspection.unit = RasterUnitText(inspection.properties.linearUnit);
@@ -68,7 +68,7 @@ void Inspect(RasterInspection& inspection, RasterUse use, const RasterInformatio
     inspection.findings = ValidateRaster(inspection, use);
     const bool isOdd =
         !inspection.findings.empty() && inspection.findings.front().severity > FindingSeverity::Note;
-    inspection.summary = isOdd ? inspection.findings.front().text : Text(40100_lsid);
+    inspection.summary = isOdd ? inspection.findings.front().text : Text(text::kInspectionOk);
 }
 
 /// The row of a file that cannot be described: what is wrong with it, and nothing else.
@@ -78,7 +78,8 @@ void Refuse(RasterInspection& inspection, const std::wstring& reason) {
     inspection.unit.clear();
     inspection.bigTiff = false;
     inspection.crs = DescribeCrs({});
-    inspection.summary = Text(13638_lsid) + L" " + (reason.empty() ? Text(41500_lsid) : reason);
+    inspection.summary = Text(text::kRasterCannotBeRead) + L" " +
+                         (reason.empty() ? Text(text::kRasterDamagedOrUnsupported) : reason);
     inspection.findings = {{FindingSeverity::Error, inspection.summary}};
 }
 
@@ -89,7 +90,7 @@ void TellException(RasterInspection& inspection, const std::wstring& message) {
         Refuse(inspection, message);
         return;
     }
-    inspection.summary = Text(13498_lsid) + L": " + message;
+    inspection.summary = Text(text::kRasterPropertiesFailed) + L": " + message;
     inspection.findings = {{FindingSeverity::Warning, inspection.summary}};
 }
 

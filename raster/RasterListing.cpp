@@ -18,7 +18,7 @@ ListedRaster ListRaster(RasterInspection inspection) {
 ListedRaster FailedRaster(const std::wstring& path, const std::wstring& message) {
     RasterInspection inspection;
     inspection.path = path;
-    inspection.summary = Text(13638_lsid) + L" " + message;
+    inspection.summary = Text(text::kRasterCannotBeRead) + L" " + message;
     inspection.findings = {{FindingSeverity::Error, inspection.summary}};
     inspection.crs = DescribeCrs({});
     inspection.threw = true;

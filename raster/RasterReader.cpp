@@ -28,19 +28,20 @@ constexpr std::size_t kRootWithin = 1024;  ///< bytes in which GDAL looks for th
 std::string ReadStart(const std::wstring& path) {
     const FileKind kind = KindOf(path);
     if (kind == FileKind::Folder) {
-        throw LDataError(Text(41201_lsid));
+        throw LDataError(Text(text::kRasterIsFolder));
     }
     if (kind != FileKind::File) {
-        throw LDataError(Text(kind == FileKind::Missing ? 41202_lsid : 41204_lsid));
+        throw LDataError(
+            Text(kind == FileKind::Missing ? text::kRasterFileMissing : text::kRasterNotRegularFile));
     }
     std::ifstream file(ToPath(path), std::ios::binary);
     std::array<char, kStartBytes> bytes{};
     file.read(bytes.data(), bytes.size());
     if (!file.is_open() || file.bad()) {
-        throw LDataError(Text(41203_lsid));
+        throw LDataError(Text(text::kRasterOpenRefused));
     }
     if (file.gcount() == 0) {
-        throw LDataError(Text(41200_lsid));
+        throw LDataError(Text(text::kRasterFileEmpty));
     }
     return {bytes.data(), static_cast<std::size_t>(file.gcount())};
 }
@@ -98,7 +99,7 @@ void ReadSize(GDALDatasetH dataset, RasterProperties& properties) {
     properties.height = GDALGetRasterYSize(dataset);
     // A container of several images opens without one of its own.
     if (properties.width < 1 || properties.height < 1 || GDALGetRasterCount(dataset) < 1) {
-        throw LDataError(Text(41216_lsid));
+        throw LDataError(Text(text::kRasterNoImage));
     }
 }
 
@@ -129,7 +130,7 @@ GdalDataset OpenRaster(const std::wstring& path, const GdalErrorScope& errors) {
     // Never destroyed: a worker may still ask while the process ends.
     static auto* const folders = new FolderListing(kFoldersKept);
     if (IsComputedVrt(ReadStart(path))) {
-        throw LDataError(Text(41207_lsid));
+        throw LDataError(Text(text::kRasterIsVrt));
     }
     const GdalListPtr drivers = RasterDrivers();
     const GdalListPtr siblings = folders->Beside(path);

@@ -43,13 +43,13 @@ std::wstring CheckBlock(GDALRasterBandH band, std::int64_t column, std::int64_t 
     const auto offset = BlockItem(band, "BLOCK_OFFSET", column, row);
     const auto size = BlockItem(band, "BLOCK_SIZE", column, row);
     if (!errors.Messages().empty()) {
-        return Text(41212_lsid);
+        return Text(text::kRasterBlockTableUnreadable);
     }
     if (!offset || !size || (*offset <= fileSize && *size <= fileSize - *offset)) {
         return {};
     }
     const std::uint64_t end = *size > UINT64_MAX - *offset ? UINT64_MAX : *offset + *size;
-    return FormatText(Text(41211_lsid), {end, fileSize});
+    return FormatText(Text(text::kRasterTruncatedAt), {end, fileSize});
 }
 
 /// True for an overview inside the file, false for one in a sidecar.

@@ -39,13 +39,13 @@ class Box {
         box_.setIcon(IconOf(icon));
         box_.setTextFormat(Qt::PlainText);
         if (buttons == PromptButtons::Ok) {
-            Add(PromptAnswer::Ok, QMessageBox::AcceptRole, 13452_lsid, "ok");
+            Add(PromptAnswer::Ok, QMessageBox::AcceptRole, text::kOk, "ok");
             return;
         }
-        Add(PromptAnswer::Yes, QMessageBox::YesRole, 40453_lsid, "yes");
-        Add(PromptAnswer::No, QMessageBox::NoRole, 40454_lsid, "no");
+        Add(PromptAnswer::Yes, QMessageBox::YesRole, text::kYes, "yes");
+        Add(PromptAnswer::No, QMessageBox::NoRole, text::kNo, "no");
         if (buttons == PromptButtons::YesNoCancel) {
-            Add(PromptAnswer::Cancel, QMessageBox::RejectRole, 13453_lsid, "cancel");
+            Add(PromptAnswer::Cancel, QMessageBox::RejectRole, text::kCancel, "cancel");
         }
         // Enter must not agree to what is warned of.
         if (icon == PromptIcon::Warning) {

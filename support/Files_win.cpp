@@ -119,7 +119,7 @@ std::wstring SystemErrorText(SystemError error) {
                                         static_cast<DWORD>(buffer.size()), nullptr);
     std::wstring text(buffer.data(), length);
     text.erase(text.find_last_not_of(L"\r\n ") + 1);
-    return text.empty() ? FormatText(Text(41060_lsid), {error}) : text;
+    return text.empty() ? FormatText(Text(text::kSystemErrorNumber), {error}) : text;
 }
 
 SystemError LastStreamError() {

@@ -14,7 +14,7 @@ std::wstring CurrentExceptionText() {
     } catch (const std::exception& error) {
         return FromUtf8(error.what());
     } catch (...) {
-        return orvex::Text(40002_lsid);
+        return orvex::Text(text::kUnknownError);
     }
 }
 

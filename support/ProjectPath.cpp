@@ -35,10 +35,10 @@ std::wstring ResolveProjectPath(const std::wstring& folderText, const std::wstri
         return NativePath(folderText);
     }
     if (token != 0) {
-        throw LDataError(FormatText(Text(41281_lsid), {folderText}));
+        throw LDataError(FormatText(Text(text::kProjectPathNotFirst), {folderText}));
     }
     if (projectFolder.empty()) {
-        throw LDataError(FormatText(Text(41280_lsid), {folderText}));
+        throw LDataError(FormatText(Text(text::kProjectFolderUnknown), {folderText}));
     }
     std::wstring rest = folderText.substr(std::wstring_view(kProjectPathToken).size());
     rest.erase(rest.begin(), std::ranges::find_if_not(rest, IsAnySeparator));

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "orvexcommon/StringLibrary.h"
+#include "orvexcommon/TextIds.h"
 
 namespace orvex {
 
@@ -59,16 +59,7 @@ std::wstring WithExtension(std::wstring_view path, std::wstring_view extension);
 /// Key for comparing a path with those already listed: the native path in upper case.
 std::wstring PathKey(std::wstring_view path);
 
-/// A string-library id, written as 13558_lsid so that a test finds every id in the code.
-struct StringId {
-    unsigned value = 0;
-    friend constexpr bool operator==(StringId, StringId) = default;
-};
-constexpr StringId operator""_lsid(unsigned long long value) {
-    return StringId{static_cast<unsigned>(value)};
-}
-
-/// The string library's text for an id; empty for id 0.
+/// The string library's text, as in Text(text::kLasTab); empty for id 0.
 inline std::wstring Text(StringId id) {
     return id.value == 0 ? std::wstring() : std::wstring(LSwchar(id.value));
 }

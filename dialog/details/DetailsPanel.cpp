@@ -83,9 +83,9 @@ void DetailsPanel::MakeTitle() {
     fold_->setObjectName(QStringLiteral("detailsFold"));
     fold_->setAutoRaise(true);
     fold_->setArrowType(Qt::DownArrow);
-    fold_->setToolTip(ToQString(Text(40657_lsid)));
+    fold_->setToolTip(ToQString(Text(text::kDetailsFoldTooltip)));
     fold_->setWhatsThis(fold_->toolTip());
-    fold_->setAccessibleName(ToQString(Text(40630_lsid)));
+    fold_->setAccessibleName(ToQString(Text(text::kDetailsTitle)));
     title_ = new QLabel;
     title_->setObjectName(QStringLiteral("detailsTitle"));
     title_->setTextFormat(Qt::PlainText);
@@ -146,7 +146,7 @@ QString DetailsPanel::CaptionColour() const {
 }
 
 void DetailsPanel::SetTitle(const std::wstring& title) {
-    const std::wstring text = Text(40630_lsid) + (title.empty() ? L"" : L": " + title);
+    const std::wstring text = Text(text::kDetailsTitle) + (title.empty() ? L"" : L": " + title);
     title_->setText(ToQString(text));
     title_->setToolTip(TooltipText(ToQString(title)));
 }

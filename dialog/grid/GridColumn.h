@@ -29,8 +29,8 @@ struct GridColumn {
     int minimumWidth = 0;  ///< 0: none
     int maximumWidth = 0;  ///< 0: none; applies to fitting, not to the user's dragging
     FooterKind footer = FooterKind::None;
-    StringId footerFormat = 40400_lsid;  ///< of a count, with one %d; 0: the number alone
-    int headerIcon = -1;                 ///< index in the dialog's image list; -1: none
+    StringId footerFormat = text::kFilesFooter;  ///< of a count, with one %d; 0: the number alone
+    int headerIcon = -1;                         ///< index in the dialog's image list; -1: none
 };
 
 /// A cell's value: nothing, a text, a number (sorted by value), or milliseconds since 1970-01-01 UTC for

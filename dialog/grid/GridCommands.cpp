@@ -19,10 +19,10 @@ QString ShownText(StringId id) {
 GridCommands::GridCommands(QWidget* grid)
     : QObject(grid),
       menu_(new QMenu(grid)),
-      copy_(Add("copy", ShownText(40401_lsid), QKeySequence::Copy)),
-      copyRows_(Add("copyRows", ShownText(40402_lsid), {})),
-      selectAll_(Add("selectAll", ShownText(40403_lsid), QKeySequence::SelectAll)),
-      fit_(Add("fitColumns", ShownText(40404_lsid), {})),
+      copy_(Add("copy", ShownText(text::kGridCopy), QKeySequence::Copy)),
+      copyRows_(Add("copyRows", ShownText(text::kGridCopyWithoutHeaders), {})),
+      selectAll_(Add("selectAll", ShownText(text::kGridSelectAll), QKeySequence::SelectAll)),
+      fit_(Add("fitColumns", ShownText(text::kGridFitColumns), {})),
       remove_(Add("remove", {}, QKeySequence::Delete)) {
     connect(copy_, &QAction::triggered, this, [this] { emit CopyRequested(true); });
     connect(copyRows_, &QAction::triggered, this, [this] { emit CopyRequested(false); });

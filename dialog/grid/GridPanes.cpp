@@ -13,8 +13,8 @@ GridPanes::GridPanes(GridDelegate& delegate, QWidget* parent)
       scrolling_(new GridTable(GridTable::Pane::Scrolling, delegate, parent)) {
     frozen_->setObjectName("frozenTable");
     scrolling_->setObjectName("table");
-    frozen_->setAccessibleName(ToQString(Text(40406_lsid)));
-    scrolling_->setAccessibleName(ToQString(Text(40405_lsid)));
+    frozen_->setAccessibleName(ToQString(Text(text::kGridFixedColumnsAccessibleName)));
+    scrolling_->setAccessibleName(ToQString(Text(text::kGridAccessibleName)));
     frozen_->SetMain(scrolling_);
     JoinVertically();
 }

@@ -58,7 +58,7 @@ GridView::GridView(QWidget* parent) : QFrame(parent), parts_(std::make_unique<Pa
     p.bar = new QScrollBar(Qt::Horizontal, this);
     p.message = new QLabel(this);
     p.footer->setObjectName("footer");
-    p.footer->setAccessibleName(ToQString(Text(40407_lsid)));
+    p.footer->setAccessibleName(ToQString(Text(text::kGridTotalsAccessibleName)));
     p.message->setAlignment(Qt::AlignCenter);
     p.message->setWordWrap(true);
     p.message->setMargin(16);

@@ -102,8 +102,8 @@ void FileListPage::AddFiles(std::vector<std::wstring> paths) {
     }
     FilesAdded(wasEmpty);
     if (!summary.abandonedPath.empty()) {
-        ShowMessage(Text(40678_lsid) + L"\n\n" + summary.abandonedPath, description_.pickCaption,
-                    PromptIcon::Warning);
+        ShowMessage(Text(text::kLasFileNotAnswering) + L"\n\n" + summary.abandonedPath,
+                    description_.pickCaption, PromptIcon::Warning);
     }
 }
 
@@ -181,7 +181,7 @@ void FileListPage::OnContextHelp() {
 
 void FileListPage::OnHelp() {
     if (!services_.help.Show(description_.helpTopic)) {
-        ShowMessage(Text(40687_lsid), 40451_lsid, PromptIcon::Warning);
+        ShowMessage(Text(text::kHelpOpenFailed), text::kAddFilesTitle, PromptIcon::Warning);
     }
 }
 

@@ -27,26 +27,26 @@ struct FileListPageDescription {
 
     StringId filesCaption = {};  ///< above the grid
     StringId emptyText = {};     ///< in the empty grid
-    Button addFiles = {13462_lsid, {}};
-    Button addFolder = {13463_lsid, {}};
-    Button remove = {13464_lsid, 13484_lsid};
-    Button clear = {13465_lsid, 13485_lsid};
-    StringId detailColumnsTooltip = 13478_lsid;
-    StringId selectAllTooltip = 13477_lsid;
-    StringId refreshTooltip = 40675_lsid;
-    StringId helpTooltip = 13557_lsid;
+    Button addFiles = {text::kAddFiles, {}};
+    Button addFolder = {text::kAddFolder, {}};
+    Button remove = {text::kRemove, text::kRemoveTooltip};
+    Button clear = {text::kClear, text::kClearTooltip};
+    StringId detailColumnsTooltip = text::kDetailColumnsTooltip;
+    StringId selectAllTooltip = text::kSelectAllTooltip;
+    StringId refreshTooltip = text::kRefreshTooltip;
+    StringId helpTooltip = text::kHelpTooltip;
 
     /// What the picker is asked for, at each press of the button.
     std::function<OpenFilesRequest()> openFiles;
-    FixedText tooManyFiles = {10048_lsid};  ///< the names do not fit the picker's buffer
-    FixedText noMemory = {10052_lsid};      ///< for that buffer
-    FixedText pickFailed = {};              ///< for another reason; empty: nothing is said
-    StringId pickCaption = 10184_lsid;
+    FixedText tooManyFiles = {text::kLasTooManySelected};  ///< the names do not fit the picker's buffer
+    FixedText noMemory = {text::kPickerOutOfMemory};       ///< for that buffer
+    FixedText pickFailed = {};                             ///< for another reason; empty: nothing is said
+    StringId pickCaption = text::kPickerCaption;
 
-    StringId folderTitle = 18251_lsid;
+    StringId folderTitle = text::kFolderTitle;
     FixedText folderQuestion = {};  ///< whether subfolders are to be searched too
-    StringId folderCaption = 18253_lsid;
-    StringId scanProgress = 13647_lsid;
+    StringId folderCaption = text::kAddFolderCaption;
+    StringId scanProgress = text::kFolderSearchProgress;
     ScanTexts scanTexts = {};
     /// Of files that are named (dropped, or given by the host), upper-cased with their dot.
     std::vector<std::wstring> extensions;
@@ -55,7 +55,7 @@ struct FileListPageDescription {
 
     bool fitsColumns = true;  ///< columns follow what is added; else they keep the widths of their table
     std::vector<DetailsTab> detailsTabs;
-    StringId nothingSelected = 41063_lsid;  ///< in the first tab
+    StringId nothingSelected = text::kDetailsNoSelection;  ///< in the first tab
 };
 
 }  // namespace orvex

@@ -17,7 +17,7 @@ std::wstring PromptLines(const Items& items, ToText toText) {
         lines += L"\n" + toText(items[i]);
     }
     if (items.size() > kMostShown) {
-        lines += L"\n" + FormatText(Text(40672_lsid), {items.size() - kMostShown});
+        lines += L"\n" + FormatText(Text(text::kMoreItems), {items.size() - kMostShown});
     }
     return lines;
 }

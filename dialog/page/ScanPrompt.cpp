@@ -9,7 +9,7 @@ std::optional<Prompt> ScanPrompt(const ScanResult& found, const ScanTexts& texts
     Prompt prompt{{}, Text(texts.caption), PromptIcon::Information, PromptButtons::Ok};
     if (!found.unreadable.empty()) {
         prompt.icon = PromptIcon::Error;
-        prompt.text = Text(40677_lsid) + L"\n" +
+        prompt.text = Text(text::kFoldersNotSearched) + L"\n" +
                       PromptLines(found.unreadable, [](const std::wstring& path) { return path; });
     } else if (!found.stopped && found.ignored > 0) {
         prompt.text = FormatText(Text(texts.ignored), {found.ignored});

@@ -9,9 +9,9 @@ namespace orvex {
 
 /// What a page says of a search.
 struct ScanTexts {
-    StringId caption = 18253_lsid;
-    StringId ignored = 41061_lsid;  ///< files of another kind were named; one %u: how many
-    StringId nothingFound = 41062_lsid;
+    StringId caption = text::kAddFolderCaption;
+    StringId ignored = text::kOthersLeftOut;  ///< files of another kind were named; one %u: how many
+    StringId nothingFound = text::kFolderEmpty;
     PromptIcon nothingFoundIcon = PromptIcon::Information;
 };
 

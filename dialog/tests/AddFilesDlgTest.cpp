@@ -339,8 +339,9 @@ TEST_F(Shell, OverwriteWarningIsSuppressedByItsCheckBoxWhateverTheAnswer) {
     EXPECT_TRUE(press({PromptAnswer::Yes, false}));
     EXPECT_FALSE(press({PromptAnswer::No, true}));
     ASSERT_THAT(prompts.tasksShown, SizeIs(4));
-    EXPECT_EQ(prompts.tasksShown[0].content,
-              Text(3368_lsid) + L"\n" + Text(3369_lsid) + L"\n\n" + Text(3370_lsid));
+    EXPECT_EQ(prompts.tasksShown[0].content, Text(text::kOverwriteWarningCause) + L"\n" +
+                                                 Text(text::kOverwriteWarningAdvice) + L"\n\n" +
+                                                 Text(text::kOverwriteWarningQuestion));
     EXPECT_TRUE(press({PromptAnswer::No, false})) << "ticked with No: never asked again";
     EXPECT_THAT(prompts.tasksShown, SizeIs(4));
 }

@@ -19,7 +19,7 @@ namespace {
 TEST(LidarMessages, FollowFromTheFindings) {
     struct Case {
         const char* flags;  // a to g; a letter that is there is true
-        std::vector<unsigned> texts;
+        std::vector<StringId> texts;
         bool stop;
     };
     const Case cases[] = {
@@ -27,21 +27,21 @@ TEST(LidarMessages, FollowFromTheFindings) {
         {"a", {}, false},
         {"b", {}, false},
         {"c", {}, false},
-        {"ab", {13441}, false},
-        {"ac", {13441}, false},
-        {"abc", {13441}, false},
-        {"bc", {13442}, false},
-        {"d", {13443}, false},
-        {"bcd", {13442, 13443}, false},
+        {"ab", {text::kLidarCrsMismatch}, false},
+        {"ac", {text::kLidarCrsMismatch}, false},
+        {"abc", {text::kLidarCrsMismatch}, false},
+        {"bc", {text::kLidarCrsDiffer}, false},
+        {"d", {text::kLidarDamagedFiles}, false},
+        {"bcd", {text::kLidarCrsDiffer, text::kLidarDamagedFiles}, false},
         {"e", {}, false},
         {"f", {}, false},
         {"g", {}, false},
-        {"ef", {13445}, false},
-        {"eg", {13446}, false},
-        {"fg", {13444}, true},
-        {"efg", {13444}, true},
-        {"abcdefg", {13441, 13443, 13444}, true},
-        {"abdeg", {13441, 13443, 13446}, false},
+        {"ef", {text::kLidarAlreadyInProject}, false},
+        {"eg", {text::kLidarCannotOpen}, false},
+        {"fg", {text::kLidarNothingToAdd}, true},
+        {"efg", {text::kLidarNothingToAdd}, true},
+        {"abcdefg", {text::kLidarCrsMismatch, text::kLidarDamagedFiles, text::kLidarNothingToAdd}, true},
+        {"abdeg", {text::kLidarCrsMismatch, text::kLidarDamagedFiles, text::kLidarCannotOpen}, false},
     };
     for (const Case& c : cases) {
         const auto has = [&](char flag) { return std::string(c.flags).find(flag) != std::string::npos; };
@@ -51,16 +51,16 @@ TEST(LidarMessages, FollowFromTheFindings) {
                   c.stop)
             << c.flags;
         std::vector<std::wstring> wanted;
-        for (const unsigned id : c.texts) {
-            wanted.push_back(Text(StringId{id}));
+        for (const StringId id : c.texts) {
+            wanted.push_back(Text(id));
         }
         std::vector<std::wstring> shown;
         for (const Prompt& prompt : prompts.shown) {
             shown.push_back(prompt.text);
             EXPECT_EQ(prompt.caption, L"Caption");
             EXPECT_EQ(prompt.buttons, PromptButtons::Ok);
-            EXPECT_EQ(prompt.icon,
-                      prompt.text == Text(13442_lsid) ? PromptIcon::Information : PromptIcon::Warning);
+            EXPECT_EQ(prompt.icon, prompt.text == Text(text::kLidarCrsDiffer) ? PromptIcon::Information
+                                                                              : PromptIcon::Warning);
         }
         EXPECT_EQ(shown, wanted) << c.flags;
     }

@@ -30,13 +30,13 @@ TEST(Details, SectionsStandBesideTheOneBeforeWhereThereIsRoom) {
     const auto titles = [](double width, std::initializer_list<bool> below) {
         std::vector<DetailSection> sections;
         for (const bool isBelow : below) {
-            sections.push_back({40636_lsid, {{40581_lsid, L"value"}}, isBelow});
+            sections.push_back({text::kDetailsFile, {{text::kModifiedUtc, L"value"}}, isBelow});
         }
         QTextDocument shown;
         shown.setHtml(SectionsHtml(sections, QStringLiteral("#888888")));
         shown.setTextWidth(width);
         std::vector<QPointF> places;
-        const QString title = ToQString(Text(40636_lsid));
+        const QString title = ToQString(Text(text::kDetailsFile));
         for (QTextCursor at = shown.find(title); !at.isNull(); at = shown.find(title, at)) {
             places.push_back(shown.documentLayout()->blockBoundingRect(at.block()).topLeft());
         }

@@ -114,7 +114,8 @@ TEST(HandlerGuard, TellsNameAndCauseOfWhateverIsThrown) {
     Guarded(prompts, L"OnClear", [] { throw std::runtime_error("second"); })();
     ASSERT_EQ(prompts.shown.size(), 3U);
     EXPECT_EQ(prompts.shown[0].text, L"An exception occurred in OnAddFiles():\n\ndisk gone");
-    EXPECT_EQ(prompts.shown[1].text, L"An exception occurred in EnableItems():\n\n" + Text(40002_lsid));
+    EXPECT_EQ(prompts.shown[1].text,
+              L"An exception occurred in EnableItems():\n\n" + Text(text::kUnknownError));
     EXPECT_EQ(prompts.shown[2].text, L"An exception occurred in OnClear():\n\nsecond");
 }
 

@@ -54,11 +54,11 @@ class FakePage : public AddFilesPage {
     Journal& journal_;
 };
 
-inline PageDescription Describe(PageKind kind, unsigned caption, int templateId, int image,
+inline PageDescription Describe(PageKind kind, StringId caption, int templateId, int image,
                                 bool AddFilesParams::*pageSwitch, const char* name, const wchar_t* extension,
                                 Journal& journal) {
     return {kind,
-            StringId{caption},
+            caption,
             {},
             L"insert failed",
             {},
@@ -76,12 +76,13 @@ class Shell : public ::testing::Test, protected testing::ScriptedServices {
   protected:
     Shell() {
         const auto add = [this](auto... arguments) { pages.push_back(Describe(arguments..., journal)); };
-        add(PageKind::Las, 13558U, 363, 8, nullptr, "las", L".LAS");
-        add(PageKind::Raster, 13561U, 385, 9, &AddFilesParams::showRasterTab, "raster", L".TIF");
-        add(PageKind::Feature, 13683U, 390, 10, &AddFilesParams::showFeatureTab, "feature", L".SHP");
-        add(PageKind::Dem, 3253U, 403, 11, &AddFilesParams::showDemTab, "dem", L".DEM");
-        add(PageKind::Photo, 3261U, 406, 12, &AddFilesParams::showPhotoTab, "photo", L".JPG");
-        add(PageKind::CloudLas, 3346U, 410, 13, &AddFilesParams::showCloudTab, "cloud", L".URL");
+        add(PageKind::Las, text::kLasTab, 363, 8, nullptr, "las", L".LAS");
+        add(PageKind::Raster, text::kRasterTab, 385, 9, &AddFilesParams::showRasterTab, "raster", L".TIF");
+        add(PageKind::Feature, text::kFeatureTab, 390, 10, &AddFilesParams::showFeatureTab, "feature",
+            L".SHP");
+        add(PageKind::Dem, text::kDemTab, 403, 11, &AddFilesParams::showDemTab, "dem", L".DEM");
+        add(PageKind::Photo, text::kPhotoTab, 406, 12, &AddFilesParams::showPhotoTab, "photo", L".JPG");
+        add(PageKind::CloudLas, text::kCloudTab, 410, 13, &AddFilesParams::showCloudTab, "cloud", L".URL");
     }
 
     void AllOn() {

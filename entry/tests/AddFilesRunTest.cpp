@@ -62,8 +62,16 @@ class OneFilePage : public AddFilesPage {
 class Running : public ::testing::Test, protected testing::ScriptedServices {
   protected:
     bool RunWith(bool pageStores) {
-        PageDescription page{PageKind::Las, 13558_lsid, 13559_lsid, nullptr, 13560_lsid,
-                             nullptr,       363,        8,          nullptr, {}};
+        PageDescription page{PageKind::Las,
+                             text::kLasTab,
+                             text::kLasTabInsertFailed,
+                             nullptr,
+                             text::kLasPageCreateFailed,
+                             nullptr,
+                             363,
+                             8,
+                             nullptr,
+                             {}};
         page.create = [&](const PageContext& context) {
             return std::make_unique<OneFilePage>(*context.params, pageStores, released);
         };

@@ -69,7 +69,7 @@ TEST_F(RealPages, ARefusalOfALaterPageLeavesTheDetailsWithTheirRowsUntilAnOk) {
     SetThinning("1");
     Press("ok");
     ASSERT_THAT(prompts.shown, SizeIs(1));
-    EXPECT_EQ(prompts.shown[0].text, Text(7669_lsid));
+    EXPECT_EQ(prompts.shown[0].text, Text(text::kThinningRefused));
     EXPECT_TRUE(dialog->isVisible());
     EXPECT_THAT(params.rasterFileDetails, SizeIs(1)) << "the raster page comes first, and is not rolled back";
     EXPECT_THAT(params.demFiles, IsEmpty());
@@ -103,7 +103,7 @@ TEST_F(RealPages, APageThatIsSwitchedOffTakesNoTab) {
     const AddFilesDlg withoutRasters(params, services, AddFilesPages());
     const auto* tabs = withoutRasters.findChild<QTabBar*>();
     ASSERT_EQ(tabs->count(), 2);
-    EXPECT_EQ(ToWide(tabs->tabText(1)), Text(3253_lsid));
+    EXPECT_EQ(ToWide(tabs->tabText(1)), Text(text::kDemTab));
 }
 
 }  // namespace

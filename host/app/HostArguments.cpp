@@ -11,7 +11,7 @@ QString TakeValue(const QStringList& arguments, qsizetype& i, HostArguments& par
     if (i + 1 < arguments.size()) {
         return arguments[++i];
     }
-    parsed.error = HostText(40921_lsid, {ToWide(arguments[i])});
+    parsed.error = HostText(text::kHostUnknownOption, {ToWide(arguments[i])});
     return {};
 }
 
@@ -32,10 +32,10 @@ void ParseOption(const QStringList& arguments, qsizetype& i, HostArguments& pars
     } else if (option == "--scale") {
         parsed.scale = TakeValue(arguments, i, parsed).toDouble();
         if (!(parsed.scale >= 0.5 && parsed.scale <= 4)) {
-            parsed.error = HostText(40921_lsid, {ToWide(option)});
+            parsed.error = HostText(text::kHostUnknownOption, {ToWide(option)});
         }
     } else {
-        parsed.error = HostText(40921_lsid, {ToWide(option)});
+        parsed.error = HostText(text::kHostUnknownOption, {ToWide(option)});
     }
 }
 

@@ -94,7 +94,7 @@ bool HostWindow::OpenProject(const QString& folder) {
     if (!opened) {
         preferences_.RemoveRecentProject(full);
         FillRecentMenu();
-        QMessageBox::warning(this, HostText(40880_lsid), problem);
+        QMessageBox::warning(this, HostText(text::kHostName), problem);
         return false;
     }
     folder_ = full;
@@ -166,7 +166,8 @@ void HostWindow::AskLidarAccess() {
     const AddLidarChoice choice = GetAddingLidarChoice(QFileInfo(folder_).isWritable());
     project_.lidarAccess = static_cast<LidarAccess>(choice);
     SaveNow();
-    constexpr StringId kAnswers[] = {40883_lsid, 40884_lsid, 40885_lsid};
+    constexpr StringId kAnswers[] = {text::kStatusLidarReadOnly, text::kStatusLidarReadWrite,
+                                     text::kStatusLidarNotAdded};
     statusBar()->showMessage(HostText(kAnswers[choice]), 8000);
 }
 
@@ -179,23 +180,26 @@ bool HostWindow::IsLoading() const {
 }
 
 void HostWindow::NewProject() {
-    const QString folder = QFileDialog::getExistingDirectory(this, HostText(40886_lsid), folder_);
+    const QString folder =
+        QFileDialog::getExistingDirectory(this, HostText(text::kNewProjectFolderTitle), folder_);
     if (folder.isEmpty()) {
         return;
     }
     if (IsProjectFolder(folder)) {
-        QMessageBox::information(this, HostText(40880_lsid), HostText(40887_lsid));
+        QMessageBox::information(this, HostText(text::kHostName), HostText(text::kFolderHoldsProject));
     }
     OpenProject(folder);
 }
 
 void HostWindow::ChooseProject() {
-    const QString folder = QFileDialog::getExistingDirectory(this, HostText(40888_lsid), folder_);
+    const QString folder =
+        QFileDialog::getExistingDirectory(this, HostText(text::kOpenProjectFolderTitle), folder_);
     if (folder.isEmpty()) {
         return;
     }
     if (!IsProjectFolder(folder)) {
-        QMessageBox::warning(this, HostText(40880_lsid), HostText(40889_lsid, {ToWide(folder)}));
+        QMessageBox::warning(this, HostText(text::kHostName),
+                             HostText(text::kFolderHoldsNoProject, {ToWide(folder)}));
         return;
     }
     OpenProject(folder);
@@ -266,7 +270,7 @@ void HostWindow::FillCrsChoice() {
             continue;
         }
         const std::string name = OrvexUtilities::CrsGetCRSName(layer.wkt);
-        crsChoice_->addItem(name.empty() ? HostText(40861_lsid) : QString::fromStdString(name),
+        crsChoice_->addItem(name.empty() ? HostText(text::kNoCrs) : QString::fromStdString(name),
                             QByteArray::fromStdString(layer.wkt));
     }
     crsChoice_->setEnabled(crsChoice_->count() > 1);
@@ -284,8 +288,9 @@ void HostWindow::ProjectChanged() {
     ShowChosenCrs();
     map_->SetSelected({});
     const QString name = folder_.isEmpty() ? QString() : QDir(folder_).dirName();
-    setWindowTitle(name.isEmpty() ? HostText(40880_lsid) : name + " \u2013 " + HostText(40880_lsid));
-    totals_->setText(HostText(40890_lsid, {project_.layers.size(), project_.FileCount()}));
+    setWindowTitle(name.isEmpty() ? HostText(text::kHostName)
+                                  : name + " \u2013 " + HostText(text::kHostName));
+    totals_->setText(HostText(text::kStatusProjectCounts, {project_.layers.size(), project_.FileCount()}));
 }
 
 bool HostWindow::SaveNow() {
@@ -293,7 +298,7 @@ bool HostWindow::SaveNow() {
     if (folder_.isEmpty() || SaveProject(folder_, project_, problem)) {
         return true;
     }
-    QMessageBox::warning(this, HostText(40880_lsid), problem);
+    QMessageBox::warning(this, HostText(text::kHostName), problem);
     return false;
 }
 
@@ -303,8 +308,9 @@ bool HostWindow::SaveBeforeClosing() {
     if (folder_.isEmpty() || SaveProject(folder_, project_, problem)) {
         return true;
     }
-    return UserPromptsQt(this).Show({ToWide(problem) + L"\n\n" + Text(41053_lsid), Text(40880_lsid),
-                                     PromptIcon::Warning, PromptButtons::YesNo}) == PromptAnswer::Yes;
+    return UserPromptsQt(this).Show({ToWide(problem) + L"\n\n" + Text(text::kCloseUnsavedQuestion),
+                                     Text(text::kHostName), PromptIcon::Warning, PromptButtons::YesNo}) ==
+           PromptAnswer::Yes;
 }
 
 void HostWindow::SetDark(bool dark) {

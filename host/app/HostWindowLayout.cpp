@@ -71,17 +71,17 @@ void HostWindow::BuildViews() {
     record_->setObjectName("record");
     record_->setReadOnly(true);
     record_->setLineWrapMode(QPlainTextEdit::NoWrap);
-    record_->setPlaceholderText(HostText(40891_lsid));
+    record_->setPlaceholderText(HostText(text::kRecordDockEmpty));
     record_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
 
     setCentralWidget(MakeMapPane());
-    QDockWidget* layersDock = MakeDock(this, "layersDock", 40864_lsid, tree_);
-    QDockWidget* recordDock = MakeDock(this, "recordDock", 40892_lsid, record_);
+    QDockWidget* layersDock = MakeDock(this, "layersDock", text::kLayerTreeTitle, tree_);
+    QDockWidget* recordDock = MakeDock(this, "recordDock", text::kRecordDockTitle, record_);
     addDockWidget(Qt::LeftDockWidgetArea, layersDock);
     addDockWidget(Qt::LeftDockWidgetArea, recordDock);
     resizeDocks({layersDock, recordDock}, {430, 430}, Qt::Horizontal);
     resizeDocks({layersDock, recordDock}, {330, 300}, Qt::Vertical);
-    viewMenu_ = new QMenu(HostText(40893_lsid), this);
+    viewMenu_ = new QMenu(HostText(text::kMenuView), this);
     viewMenu_->addAction(layersDock->toggleViewAction());
     viewMenu_->addAction(recordDock->toggleViewAction());
     viewMenu_->addSeparator();
@@ -99,12 +99,12 @@ QWidget* HostWindow::MakeMapPane() {
     crsChoice_->setObjectName("crs");
     crsChoice_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     crsChoice_->setMinimumContentsLength(30);
-    auto* caption = new QLabel(HostText(40894_lsid));
+    auto* caption = new QLabel(HostText(text::kFootprintsCrsLabel));
     caption->setBuddy(crsChoice_);
     auto* fit = new QToolButton;
     fit->setIcon(HostIcon("fit"));
-    fit->setToolTip(HostText(40895_lsid));
-    fit->setAccessibleName(HostText(40895_lsid));
+    fit->setToolTip(HostText(text::kFitAll));
+    fit->setAccessibleName(HostText(text::kFitAll));
     fit->setAutoRaise(true);
 
     auto* bar = new QHBoxLayout;
@@ -126,47 +126,48 @@ QWidget* HostWindow::MakeMapPane() {
 }
 
 void HostWindow::BuildActions() {
-    auto* project = menuBar()->addMenu(HostText(40896_lsid));
-    auto* data = menuBar()->addMenu(HostText(40897_lsid));
+    auto* project = menuBar()->addMenu(HostText(text::kMenuProject));
+    auto* data = menuBar()->addMenu(HostText(text::kMenuData));
     menuBar()->addMenu(viewMenu_);
-    auto* help = menuBar()->addMenu(HostText(40898_lsid));
-    auto* tools = addToolBar(HostText(40899_lsid));
+    auto* help = menuBar()->addMenu(HostText(text::kMenuHelp));
+    auto* tools = addToolBar(HostText(text::kToolbarTitle));
     tools->setObjectName("tools");
     tools->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     tools->setIconSize({16, 16});
     viewMenu_->addAction(tools->toggleViewAction());
 
-    project->addAction(HostIcon("project"), HostText(40900_lsid), QKeySequence::New, this,
+    project->addAction(HostIcon("project"), HostText(text::kCommandNewProject), QKeySequence::New, this,
                        &HostWindow::NewProject);
-    QAction* open = project->addAction(HostIcon("folder"), HostText(40901_lsid), QKeySequence::Open, this,
-                                       &HostWindow::ChooseProject);
-    recentMenu_ = project->addMenu(HostText(40902_lsid));
+    QAction* open = project->addAction(HostIcon("folder"), HostText(text::kCommandOpenProject),
+                                       QKeySequence::Open, this, &HostWindow::ChooseProject);
+    recentMenu_ = project->addMenu(HostText(text::kMenuRecentProjects));
     FillRecentMenu();
-    project->addAction(HostText(40903_lsid), this,
+    project->addAction(HostText(text::kCommandShowFolder), this,
                        [this] { QDesktopServices::openUrl(QUrl::fromLocalFile(folder_)); });
     project->addSeparator();
-    project->addAction(HostText(40904_lsid), QKeySequence::Quit, this, &QWidget::close);
+    project->addAction(HostText(text::kCommandQuit), QKeySequence::Quit, this, &QWidget::close);
 
     // No shortcut with Ctrl: held while the dialog opens, that brings back the dialog's first size and place.
-    QAction* add = data->addAction(HostIcon("add-files"), HostText(40905_lsid), QKeySequence("Insert"), this,
-                                   [this] { AddFiles(); });
+    QAction* add = data->addAction(HostIcon("add-files"), HostText(text::kCommandAddFiles),
+                                   QKeySequence("Insert"), this, [this] { AddFiles(); });
     add->setObjectName("addFiles");
-    QAction* remove = data->addAction(HostIcon("remove"), HostText(40906_lsid), QKeySequence::Delete, this,
-                                      &HostWindow::RemoveSelected);
+    QAction* remove = data->addAction(HostIcon("remove"), HostText(text::kCommandRemoveFromProject),
+                                      QKeySequence::Delete, this, &HostWindow::RemoveSelected);
     data->addSeparator();
-    QAction* lidar =
-        data->addAction(HostIcon("las"), HostText(40907_lsid), this, &HostWindow::AskLidarAccess);
+    QAction* lidar = data->addAction(HostIcon("las"), HostText(text::kCommandLidarAccess), this,
+                                     &HostWindow::AskLidarAccess);
     lidar->setObjectName("lidarAccess");
 
     viewMenu_->addSeparator();
-    viewMenu_->addAction(HostIcon("fit"), HostText(40895_lsid), QKeySequence("Ctrl+0"), map_,
+    viewMenu_->addAction(HostIcon("fit"), HostText(text::kFitAll), QKeySequence("Ctrl+0"), map_,
                          &MapView::FitAll);
-    viewMenu_->addAction(HostText(40908_lsid), QKeySequence("Ctrl+1"), map_, &MapView::FitSelected);
-    QAction* dark = viewMenu_->addAction(HostText(40909_lsid));
+    viewMenu_->addAction(HostText(text::kCommandFitSelection), QKeySequence("Ctrl+1"), map_,
+                         &MapView::FitSelected);
+    QAction* dark = viewMenu_->addAction(HostText(text::kCommandDarkAppearance));
     dark->setCheckable(true);
     dark->setChecked(preferences_.dark);
     connect(dark, &QAction::toggled, this, &HostWindow::SetDark);
-    help->addAction(HostIcon("help"), HostText(40910_lsid), this, &HostWindow::ShowAbout);
+    help->addAction(HostIcon("help"), HostText(text::kCommandAbout), this, &HostWindow::ShowAbout);
 
     tools->addActions({open, add, remove, lidar});
 }
@@ -181,8 +182,9 @@ void HostWindow::FillRecentMenu() {
 }
 
 void HostWindow::ShowAbout() {
-    QMessageBox::about(this, HostText(40910_lsid),
-                       HostText(40911_lsid, {ToWide(QApplication::applicationVersion()), ToWide(folder_)}));
+    QMessageBox::about(
+        this, HostText(text::kCommandAbout),
+        HostText(text::kAboutText, {ToWide(QApplication::applicationVersion()), ToWide(folder_)}));
 }
 
 }  // namespace orvex

@@ -22,15 +22,18 @@ QString SizeOf(LayerKind kind, const LayerFile& file) {
     if (kind == LayerKind::Las) {
         return GroupedNumber(file.points);
     }
-    return file.raster.width == 0 ? QString() : HostText(41430_lsid, {file.raster.width, file.raster.height});
+    return file.raster.width == 0 ? QString()
+                                  : HostText(text::kTreeRasterSize, {file.raster.width, file.raster.height});
 }
 
 QString FormatOf(LayerKind kind, const LayerFile& file) {
     if (kind == LayerKind::Las) {
-        return HostText(40863_lsid, {file.version / 10, file.version % 10, file.pointFormat});
+        return HostText(text::kTreeLasFormat, {file.version / 10, file.version % 10, file.pointFormat});
     }
     const QString format = ToQString(file.raster.driver);
-    return file.raster.PixelToWorld() ? format : HostText(41429_lsid, {file.raster.driver}).trimmed();
+    return file.raster.PixelToWorld()
+               ? format
+               : HostText(text::kTreeRasterWithoutPlace, {file.raster.driver}).trimmed();
 }
 
 }  // namespace
@@ -112,7 +115,7 @@ QVariant LayerTreeModel::LayerData(const Layer& layer, std::size_t index, int co
     }
     if (role == Qt::ToolTipRole) {
         const std::string name = OrvexUtilities::CrsGetCRSName(layer.wkt);
-        return name.empty() ? HostText(40861_lsid) : QString::fromStdString(name);
+        return name.empty() ? HostText(text::kNoCrs) : QString::fromStdString(name);
     }
     if (role != Qt::DisplayRole) {
         return {};
@@ -123,14 +126,15 @@ QVariant LayerTreeModel::LayerData(const Layer& layer, std::size_t index, int co
         case kSize:
             return layer.kind == LayerKind::Las ? GroupedNumber(PointsOf(layer)) : QString();
         default:
-            return HostText(40862_lsid, {layer.files.size()});
+            return HostText(text::kTreeLayerFiles, {layer.files.size()});
     }
 }
 
 QVariant LayerTreeModel::FileData(LayerKind kind, const LayerFile& file, int column, int role) const {
     if (role == Qt::ToolTipRole) {
         const bool isNowhere = kind == LayerKind::Raster && !file.raster.PixelToWorld();
-        return TooltipText(ToQString(file.path) + (isNowhere ? '\n' + HostText(41428_lsid) : QString()));
+        return TooltipText(ToQString(file.path) +
+                           (isNowhere ? '\n' + HostText(text::kRasterWithoutPlaceTooltip) : QString()));
     }
     if (role != Qt::DisplayRole) {
         return {};
@@ -151,11 +155,11 @@ QVariant LayerTreeModel::headerData(int section, Qt::Orientation orientation, in
     }
     switch (section) {
         case kName:
-            return HostText(40864_lsid);
+            return HostText(text::kLayerTreeTitle);
         case kSize:
-            return HostText(41431_lsid);
+            return HostText(text::kTreePointsPixels);
         case kFormat:
-            return HostText(40802_lsid);
+            return HostText(text::kInspectFormat);
         default:
             return {};
     }

@@ -28,7 +28,7 @@ constexpr double kWidthAroundPoint = 100;
 
 MapView::MapView(const Project& project, QWidget* parent) : QGraphicsView(parent), project_(project) {
     setObjectName("footprints");
-    setAccessibleName(HostText(40870_lsid));
+    setAccessibleName(HostText(text::kFootprintsAccessibleName));
     setFrameShape(NoFrame);
     setMinimumSize(200, 150);
     setFocusPolicy(Qt::StrongFocus);
@@ -167,8 +167,9 @@ void MapView::drawForeground(QPainter* painter, const QRectF&) {
     const QRect area = viewport()->rect();
     if (footprints_.empty()) {
         painter->setPen(palette().color(QPalette::Disabled, QPalette::Text));
-        painter->drawText(area.adjusted(20, 20, -20, -20), Qt::AlignCenter | Qt::TextWordWrap,
-                          HostText(project_.IsEmpty() ? 40871_lsid : 40872_lsid));
+        painter->drawText(
+            area.adjusted(20, 20, -20, -20), Qt::AlignCenter | Qt::TextWordWrap,
+            HostText(project_.IsEmpty() ? text::kFootprintsEmptyProject : text::kFootprintsNoExtent));
     } else {
         DrawNames(*painter);
         GridItem::DrawLabels(*painter, *this);
@@ -348,11 +349,12 @@ QString MapView::Describe(const FootprintItem& item) const {
     const LayerFile& file = FileOf(item);
     const QString name = ToQString(file.path) + '\n' + ToQString(layer.name) + '\n';
     if (layer.kind == LayerKind::Las) {
-        return name + HostText(40873_lsid, {ToWide(GroupedNumber(file.points))});
+        return name + HostText(text::kFootprintPointsTooltip, {ToWide(GroupedNumber(file.points))});
     }
     const Thumbnail* thumbnail = thumbnails_.Find(file.path);
     const QString problem = thumbnail == nullptr ? QString() : thumbnail->problem;
-    const QString size = HostText(41427_lsid, {file.raster.width, file.raster.height, file.raster.bands});
+    const QString size =
+        HostText(text::kRecordRaster, {file.raster.width, file.raster.height, file.raster.bands});
     return name + size + (problem.isEmpty() ? QString() : '\n' + problem);
 }
 

@@ -158,17 +158,17 @@ bool IsProjectFolder(const QString& folder) {
 std::optional<Project> LoadProject(const QString& folder, QString& problem) {
     QFile file(FilePath(folder));
     if (!file.open(QIODevice::ReadOnly)) {
-        problem = HostText(40821_lsid, {ToWide(file.fileName()), ToWide(file.errorString())});
+        problem = HostText(text::kProjectReadFailed, {ToWide(file.fileName()), ToWide(file.errorString())});
         return std::nullopt;
     }
     QJsonParseError error;
     const QJsonObject json = QJsonDocument::fromJson(file.readAll(), &error).object();
     if (error.error != QJsonParseError::NoError || json["format"].toString() != "orvex-project") {
-        problem = HostText(40822_lsid, {ToWide(file.fileName())});
+        problem = HostText(text::kProjectDamaged, {ToWide(file.fileName())});
         return std::nullopt;
     }
     if (json["version"].toInt() > kFormatVersion) {
-        problem = HostText(40823_lsid, {ToWide(file.fileName())});
+        problem = HostText(text::kProjectTooNew, {ToWide(file.fileName())});
         return std::nullopt;
     }
     Project project;
@@ -195,7 +195,7 @@ bool SaveProject(const QString& folder, const Project& project, QString& problem
     QSaveFile file(FilePath(folder));
     const QByteArray bytes = QJsonDocument(json).toJson();
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-        problem = HostText(40824_lsid, {ToWide(file.fileName()), ToWide(file.errorString())});
+        problem = HostText(text::kProjectSaveFailed, {ToWide(file.fileName()), ToWide(file.errorString())});
         return false;
     }
     return true;

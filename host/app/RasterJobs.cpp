@@ -84,7 +84,7 @@ std::wstring TemporaryName(const std::wstring& path) {
 }
 
 [[noreturn]] void Fail(const std::wstring& reason) {
-    throw LDataError(reason.empty() ? Text(41425_lsid) : reason);
+    throw LDataError(reason.empty() ? Text(text::kPyramidsUnreadable) : reason);
 }
 
 GDALDatasetUniquePtr MakeStandIn(GDALDataset& raster, const std::wstring& path) {
@@ -125,7 +125,7 @@ bool BuildLevels(GDALDataset& raster, const std::wstring& standIn, PartProgress&
 }
 
 std::wstring TakenText(const std::wstring& target) {
-    return FormatText(Text(41426_lsid), {FileNameOf(target)});
+    return FormatText(Text(text::kPyramidsFileExists), {FileNameOf(target)});
 }
 
 enum class Built { Yes, NotNeeded, Stopped };
@@ -174,7 +174,7 @@ std::wstring FailureText(const std::wstring& heading, const std::vector<FileFail
         text += cause;
     }
     if (shown < failures.size()) {
-        text += L"\n" + FormatText(Text(40672_lsid), {failures.size() - shown});
+        text += L"\n" + FormatText(Text(text::kMoreItems), {failures.size() - shown});
     }
     return text;
 }
@@ -206,7 +206,8 @@ void DemImport::Run(Kst::ProgressIf& progress) {
     SetUpGdal();
     progress.SetRange(kStepsPerRaster * dems_.size());
     for (std::size_t i = 0; i < dems_.size() && !Result().stopped; ++i) {
-        progress.SetText(FormatText(Text(41445_lsid), {i + 1, dems_.size(), FileNameOf(dems_[i].path)}));
+        progress.SetText(
+            FormatText(Text(text::kDemConversionProgress), {i + 1, dems_.size(), FileNameOf(dems_[i].path)}));
         PartProgress part(progress, i);
         ConvertOne(dems_[i], part);
     }

@@ -110,7 +110,7 @@ std::vector<NewFile> LasFilesOf(const AddFilesParams& record, const std::set<std
             }
             const LasFileInfo* details = DetailsOf(record.lasFileDetails, path);
             NewFile& added = files.emplace_back();
-            added.layer = LayerNameOf(record.lasFileLayers, path, Text(40820_lsid));
+            added.layer = LayerNameOf(record.lasFileLayers, path, Text(text::kDefaultLasLayer));
             added.wkt = details == nullptr ? std::string() : details->CrsWkt();
             added.file = Describe(details);
             added.file.path = path;
@@ -126,7 +126,8 @@ std::vector<NewFile> RasterFilesOf(const AddFilesParams& record) {
         for (const std::wstring& name : names) {
             NewFile& added = files.emplace_back();
             added.file.path = JoinPath(folder, name);
-            added.layer = LayerNameOf(record.rasterFileLayers, added.file.path, Text(41423_lsid));
+            added.layer =
+                LayerNameOf(record.rasterFileLayers, added.file.path, Text(text::kDefaultRasterLayer));
             const RasterFileInfo* details = DetailsOf(record.rasterFileDetails, added.file.path);
             if (details != nullptr) {
                 added.wkt = details->Properties().wkt;

@@ -45,7 +45,7 @@ std::vector<DemToImport> DemsOf(const AddFilesParams& record) {
     for (const auto& [folder, names] : record.demFiles) {
         for (const std::wstring& name : names) {
             const std::wstring path = JoinPath(folder, name);
-            dems.push_back({path, LayerNameOf(record.demFileLayers, path, Text(41424_lsid))});
+            dems.push_back({path, LayerNameOf(record.demFileLayers, path, Text(text::kDefaultDemLayer))});
         }
     }
     return dems;
@@ -86,21 +86,22 @@ QString RecordIntake::StatusOf(const IntakeResult& result) const {
     const auto sum = [&result](std::size_t AddedFiles::*count) {
         return result.las.*count + result.rasters.*count + result.dems.*count;
     };
-    QString status = sum(&AddedFiles::files) == 0
-                         ? HostText(40881_lsid)
-                         : HostText(40882_lsid, {sum(&AddedFiles::files), sum(&AddedFiles::newLayers)});
+    QString status =
+        sum(&AddedFiles::files) == 0
+            ? HostText(text::kStatusNothingAdded)
+            : HostText(text::kStatusFilesAdded, {sum(&AddedFiles::files), sum(&AddedFiles::newLayers)});
     if (const std::size_t known = sum(&AddedFiles::alreadyThere); known > 0) {
-        status += ' ' + HostText(41442_lsid, {known});
+        status += ' ' + HostText(text::kStatusAlreadyInProject, {known});
     }
-    return stopped_ ? status + ' ' + HostText(41446_lsid) : status;
+    return stopped_ ? status + ' ' + HostText(text::kStatusConversionStopped) : status;
 }
 
 AddedFiles RecordIntake::TakeLas(const AddFilesParams& record) {
     const LidarReport found = CheckLidar(project_, record);
     bool stop = false;
-    MessageRegardingAddingLidar(reinterpret_cast<HWND>(window_->winId()), Text(40880_lsid), found.appending,
-                                found.crsDiffers, found.crsMissing, found.damaged, found.tellSkipped,
-                                found.alreadyThere, found.unreadable, stop);
+    MessageRegardingAddingLidar(reinterpret_cast<HWND>(window_->winId()), Text(text::kHostName),
+                                found.appending, found.crsDiffers, found.crsMissing, found.damaged,
+                                found.tellSkipped, found.alreadyThere, found.unreadable, stop);
     if (stop || !MayAddLas(record)) {
         return {};
     }
@@ -131,10 +132,10 @@ void RecordIntake::BuildPyramids(const std::vector<NewFile>& rasters) {
                            [](const NewFile& raster) { return raster.file.path; });
     const auto result = std::make_shared<OverviewResult>();
     const WorkEnd end = WorkDialog::Run(
-        window_, HostText(41443_lsid),
+        window_, HostText(text::kBuildingPyramidsTitle),
         [paths, result](Kst::ProgressIf& progress) { *result = BuildOverviews(paths, progress); });
     if (end == WorkEnd::Finished) {
-        Tell(Text(41444_lsid), result->failures, 41443_lsid);
+        Tell(Text(text::kPyramidsFailed), result->failures, text::kBuildingPyramidsTitle);
     }
 }
 
@@ -146,17 +147,18 @@ AddedFiles RecordIntake::TakeDems(const AddFilesParams& record) {
     try {
         folder = DemFolder(record, ToWidePath(projectFolder_));
     } catch (const LDataError& error) {
-        Tell(Text(41448_lsid), {{record.demLasFolder, error.Text()}}, 41447_lsid);
+        Tell(Text(text::kDemConversionFailed), {{record.demLasFolder, error.Text()}},
+             text::kDemConversionTitle);
         return {};
     }
     const auto import =
         std::make_shared<DemImport>(DemsOf(record), OptionsOf(record, folder), !record.demOpenReadWrite);
-    const WorkEnd end = WorkDialog::Run(window_, HostText(41447_lsid),
+    const WorkEnd end = WorkDialog::Run(window_, HostText(text::kDemConversionTitle),
                                         [import](Kst::ProgressIf& progress) { import->Run(progress); });
     const DemImportResult result = import->Result();
     stopped_ = result.stopped || end == WorkEnd::Abandoned;
-    Tell(Text(41448_lsid), result.failures, 41447_lsid);
-    Tell(Text(41449_lsid), result.warnings, 41447_lsid);
+    Tell(Text(text::kDemConversionFailed), result.failures, text::kDemConversionTitle);
+    Tell(Text(text::kDemConversionWarnings), result.warnings, text::kDemConversionTitle);
     return project_.Take(LayerKind::Las, result.files);
 }
 

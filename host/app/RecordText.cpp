@@ -16,7 +16,7 @@ namespace orvex {
 namespace {
 
 std::wstring YesNo(bool value) {
-    return Text(value ? 40830_lsid : 40831_lsid);
+    return Text(value ? text::kRecordYes : text::kRecordNo);
 }
 
 void Option(std::wstring& text, StringId caption, const std::wstring& value) {
@@ -29,9 +29,9 @@ std::wstring LasFacts(const AddFilesParams& record, const std::wstring& path) {
         return {};
     }
     const LasFileInfo& file = *details->second;
-    std::wstring facts = FormatText(Text(40832_lsid), {file.Version() / 10, file.Version() % 10,
-                                                       file.PointFormat(), file.GetPointCount()});
-    facts += L", " + Text(file.IsReadOnly() ? 40833_lsid : 40834_lsid);
+    std::wstring facts = FormatText(Text(text::kRecordLasFile), {file.Version() / 10, file.Version() % 10,
+                                                                 file.PointFormat(), file.GetPointCount()});
+    facts += L", " + Text(file.IsReadOnly() ? text::kRecordReadOnly : text::kRecordReadWrite);
     const std::wstring opened = FileNameOf(file.FileName());
     return opened == FileNameOf(path) ? facts : facts + L" (" + opened + L")";
 }
@@ -45,9 +45,9 @@ std::wstring RasterFactsText(const AddFilesParams& record, const std::wstring& p
     std::wstring facts = raster.driver.empty()
                              ? std::wstring()
                              : raster.driver + (details->second->IsBigTiff() ? L" (BigTIFF), " : L", ");
-    facts += FormatText(Text(41427_lsid), {raster.width, raster.height, raster.bands});
+    facts += FormatText(Text(text::kRecordRaster), {raster.width, raster.height, raster.bands});
     const bool hasPlace = raster.transform || raster.extent;
-    return hasPlace ? facts : facts + L", " + Text(41432_lsid);
+    return hasPlace ? facts : facts + L", " + Text(text::kRecordRasterWithoutPlace);
 }
 
 std::wstring NoFacts(const AddFilesParams&, const std::wstring&) {
@@ -82,10 +82,13 @@ std::wstring LayersText(const FileKindOfRecord& kind) {
     for (const auto& [path, layer] : kind.layerOfFile) {
         ++filesOfLayer[layer];
     }
-    std::wstring text = Text(40836_lsid) + L"\n";
+    std::wstring text = Text(text::kRecordLayers) + L"\n";
     for (const auto& [layer, files] : filesOfLayer) {
         const bool existing = kind.existingLayers.contains(layer);
-        text += L"  " + FormatText(Text(existing ? 40837_lsid : 40838_lsid), {layer, files}) + L"\n";
+        text +=
+            L"  " +
+            FormatText(Text(existing ? text::kRecordLayerAppended : text::kRecordLayerNew), {layer, files}) +
+            L"\n";
     }
     return text;
 }
@@ -93,70 +96,74 @@ std::wstring LayersText(const FileKindOfRecord& kind) {
 std::wstring PyramidName(std::int32_t type) {
     switch (type) {
         case 1:
-            return Text(40840_lsid);
+            return Text(text::kRecordPyramidOrvexLas);
         case 2:
-            return Text(40841_lsid);
+            return Text(text::kRecordPyramidQvr);
         default:
-            return Text(40842_lsid);
+            return Text(text::kRecordPyramidNone);
     }
 }
 
 std::wstring BackupName(std::int32_t option) {
     switch (option) {
         case 0:
-            return Text(40843_lsid);
+            return Text(text::kRecordOverwrite);
         case 1:
-            return Text(40844_lsid);
+            return Text(text::kRecordBackup);
         default:
-            return Text(40845_lsid);
+            return Text(text::kRecordBackupCompress);
     }
 }
 
 std::wstring LasOptions(const AddFilesParams& record) {
-    std::wstring text = Text(40846_lsid) + L"\n";
-    Option(text, 40847_lsid, Text(record.lasOpenSetting ? 40834_lsid : 40833_lsid));
-    Option(text, 40848_lsid, Text(record.lasLoadSetting ? 40849_lsid : 40850_lsid));
-    Option(text, 40851_lsid, YesNo(record.lasAppend));
-    Option(text, 40852_lsid, YesNo(record.lasIgnoreIncompatibleCrs));
-    Option(text, 40853_lsid, YesNo(record.lasLoadCorruptFiles));
-    Option(text, 40854_lsid, FormatText(L"%u", {record.lasThinning}));
-    Option(text, 40855_lsid, PyramidName(record.lasPyramidType));
-    Option(text, 40856_lsid, YesNo(record.convertExistingQvr));
-    Option(text, 40857_lsid, BackupName(record.orvexLasBackupOption));
-    Option(text, 40858_lsid, YesNo(record.reCreateOrvexLas));
+    std::wstring text = Text(text::kRecordOptions) + L"\n";
+    Option(text, text::kRecordOpen,
+           Text(record.lasOpenSetting ? text::kRecordReadWrite : text::kRecordReadOnly));
+    Option(text, text::kRecordLoad,
+           Text(record.lasLoadSetting ? text::kRecordLoadFootprints : text::kRecordLoadFiles));
+    Option(text, text::kRecordAppend, YesNo(record.lasAppend));
+    Option(text, text::kRecordIgnoreIncompatibleCrs, YesNo(record.lasIgnoreIncompatibleCrs));
+    Option(text, text::kRecordLoadCorruptFiles, YesNo(record.lasLoadCorruptFiles));
+    Option(text, text::kRecordThinning, FormatText(L"%u", {record.lasThinning}));
+    Option(text, text::kRecordPyramid, PyramidName(record.lasPyramidType));
+    Option(text, text::kRecordConvertQvr, YesNo(record.convertExistingQvr));
+    Option(text, text::kRecordOriginalLasFiles, BackupName(record.orvexLasBackupOption));
+    Option(text, text::kRecordRecreateOrvexLas, YesNo(record.reCreateOrvexLas));
     return text;
 }
 
 std::wstring RasterOptions(const AddFilesParams& record) {
-    std::wstring text = Text(40846_lsid) + L"\n";
-    Option(text, 40851_lsid, YesNo(record.rasterAppend));
-    Option(text, 41433_lsid, YesNo(record.rasterPyramid));
+    std::wstring text = Text(text::kRecordOptions) + L"\n";
+    Option(text, text::kRecordAppend, YesNo(record.rasterAppend));
+    Option(text, text::kRecordBuildPyramids, YesNo(record.rasterPyramid));
     return text;
 }
 
 std::wstring DemOptions(const AddFilesParams& record) {
-    std::wstring text = Text(40846_lsid) + L"\n";
-    Option(text, 40847_lsid, Text(record.demOpenReadWrite ? 40834_lsid : 40833_lsid));
-    Option(text, 40851_lsid, YesNo(record.demAppend));
-    Option(text, 41434_lsid, YesNo(record.demIgnoreCrs));
-    Option(text, 41435_lsid, FormatText(L"1.%d", {MinorVersionOfItem(record.demLasVersion)}));
-    Option(text, 41436_lsid, FormatText(L"%d", {record.demPointFormat}));
-    Option(text, 40854_lsid, FormatText(L"%u", {record.demThinning}));
-    Option(text, 41437_lsid, record.demLasFolder);
+    std::wstring text = Text(text::kRecordOptions) + L"\n";
+    Option(text, text::kRecordOpen,
+           Text(record.demOpenReadWrite ? text::kRecordReadWrite : text::kRecordReadOnly));
+    Option(text, text::kRecordAppend, YesNo(record.demAppend));
+    Option(text, text::kRecordIgnoreCrs, YesNo(record.demIgnoreCrs));
+    Option(text, text::kRecordLasVersion, FormatText(L"1.%d", {MinorVersionOfItem(record.demLasVersion)}));
+    Option(text, text::kRecordPointFormat, FormatText(L"%d", {record.demPointFormat}));
+    Option(text, text::kRecordThinning, FormatText(L"%u", {record.demThinning}));
+    Option(text, text::kRecordOutputFolder, record.demLasFolder);
     // Said as it is: this host keeps the choice, but has nothing yet that builds them.
-    Option(text, 41433_lsid, record.demPyramid ? Text(41438_lsid) : YesNo(false));
+    Option(text, text::kRecordBuildPyramids,
+           record.demPyramid ? Text(text::kRecordPyramidNotBuilt) : YesNo(false));
     return text;
 }
 
 }  // namespace
 
 std::wstring RecordText(const AddFilesParams& record) {
-    const FileKindOfRecord las{40835_lsid, record.lasFiles, record.lasFileLayers, record.existingLasLayers,
-                               LasFacts};
-    const FileKindOfRecord rasters{41439_lsid, record.rasterFiles, record.rasterFileLayers,
+    const FileKindOfRecord las{text::kRecordLasFiles, record.lasFiles, record.lasFileLayers,
+                               record.existingLasLayers, LasFacts};
+    const FileKindOfRecord rasters{text::kRecordRasterFiles, record.rasterFiles, record.rasterFileLayers,
                                    record.existingRasterLayers, RasterFactsText};
-    const FileKindOfRecord dems{41440_lsid, record.demFiles, record.demFileLayers, record.existingLasLayers,
-                                NoFacts};
+    const FileKindOfRecord dems{text::kRecordDemFiles, record.demFiles, record.demFileLayers,
+                                record.existingLasLayers, NoFacts};
     std::wstring text;
     const auto append = [&](const FileKindOfRecord& kind, std::wstring (*options)(const AddFilesParams&)) {
         if (!kind.files.empty()) {
@@ -167,7 +174,7 @@ std::wstring RecordText(const AddFilesParams& record) {
     append(las, LasOptions);
     append(rasters, RasterOptions);
     append(dems, DemOptions);
-    return text.empty() ? Text(40859_lsid) + L"\n" : text;
+    return text.empty() ? Text(text::kRecordEmpty) + L"\n" : text;
 }
 
 }  // namespace orvex

@@ -297,7 +297,7 @@ Thumbnail ReadFrom(GDALDataset& dataset, const GdalErrorScope& errors,
                    const std::function<bool()>& isCancelled, const ThumbnailLimits& limits) {
     Source source = SourceOf(dataset, limits);
     if (!ChooseSampling(source, limits)) {
-        return {{}, HostText(41420_lsid)};
+        return {{}, HostText(text::kOutlineNoOverviews)};
     }
     Pieces pieces;
     switch (ReadPieces(source, PieceReader(source, isCancelled, limits.time), pieces)) {
@@ -306,9 +306,9 @@ Thumbnail ReadFrom(GDALDataset& dataset, const GdalErrorScope& errors,
         case PieceReader::End::Cancelled:
             return {};
         case PieceReader::End::TooSlow:
-            return {{}, HostText(41422_lsid)};
+            return {{}, HostText(text::kOutlineTooSlow)};
         default:
-            return {{}, HostText(41421_lsid, {FailureReason(errors)})};
+            return {{}, HostText(text::kOutlineReason, {FailureReason(errors)})};
     }
 }
 
@@ -322,7 +322,7 @@ Thumbnail ReadThumbnail(const std::wstring& path, const std::function<bool()>& i
     std::wstring cause;
     const GDALDatasetUniquePtr dataset = OpenRasterFile(path, cause);
     if (dataset == nullptr || dataset->GetRasterCount() < 1) {
-        return {{}, HostText(41421_lsid, {cause})};
+        return {{}, HostText(text::kOutlineReason, {cause})};
     }
     return ReadFrom(*dataset, errors, isCancelled, limits);
 }

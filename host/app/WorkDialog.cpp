@@ -82,7 +82,7 @@ WorkDialog::WorkDialog(QWidget* parent, const QString& title, Work work)
       progress_(std::make_shared<Progress>()),
       text_(new QLabel),
       bar_(new QProgressBar),
-      stop_(new QPushButton(HostText(13453_lsid))) {
+      stop_(new QPushButton(HostText(text::kCancel))) {
     setObjectName("work");
     setWindowTitle(title);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
@@ -134,7 +134,7 @@ void WorkDialog::reject() {
         progress_->Stop();
         sinceStopped_.start();
         stop_->setEnabled(false);
-        text_->setText(HostText(41441_lsid));
+        text_->setText(HostText(text::kStoppingProgress));
     }
 }
 

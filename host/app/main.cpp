@@ -81,7 +81,7 @@ host::HostClasses MakeHostClasses(const HostWindow& window) {
 void ReportMissingDisplay(QtMsgType type, const QMessageLogContext&, const QString& text) {
     std::cerr << text.toStdString() << std::endl;
     if (type == QtFatalMsg) {
-        std::cerr << HostText(41054_lsid).toStdString() << std::endl;
+        std::cerr << HostText(text::kHostNoDisplay).toStdString() << std::endl;
         std::_Exit(1);
     }
 }
@@ -128,8 +128,8 @@ int RunInteractive(int& argc, char** argv, const HostArguments& arguments) {
     window.show();
     if (start.project.isEmpty()) {
         QMessageBox::warning(
-            &window, HostText(40880_lsid),
-            HostText(40920_lsid,
+            &window, HostText(text::kHostName),
+            HostText(text::kSampleProjectFailed,
                      {ToWide(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation))}));
     } else {
         window.OpenProject(start.project);
@@ -188,7 +188,7 @@ bool Exist(const QStringList& paths) {
     for (const QString& path : paths) {
         std::error_code error;
         if (!std::filesystem::exists(ToPath(ToWide(path)), error)) {
-            std::cerr << HostText(40815_lsid, {ToWide(path)}).toStdString() << '\n';
+            std::cerr << HostText(text::kPathDoesNotExist, {ToWide(path)}).toStdString() << '\n';
             all = false;
         }
     }
@@ -202,7 +202,7 @@ int RunHost(int argc, char** argv) {
         if (!arguments.error.isEmpty()) {
             out << arguments.error.toStdString() << '\n';
         }
-        out << HostText(40922_lsid).toStdString() << '\n';
+        out << HostText(text::kHostUsage).toStdString() << '\n';
         return arguments.help ? 0 : 2;
     }
     if (!Exist(arguments.paths)) {

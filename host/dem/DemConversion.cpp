@@ -62,7 +62,8 @@ void RequireFormat(const DemConversionOptions& options) {
         std::ranges::find(las::kVersions, options.versionMinor, &las::VersionFacts::minor);
     if (version == las::kVersions.end() || options.pointFormat < 0 ||
         options.pointFormat > version->lastDemFormat) {
-        throw LDataError(FormatText(Text(41390_lsid), {options.versionMinor, options.pointFormat}));
+        throw LDataError(
+            FormatText(Text(text::kDemPointFormatUnknown), {options.versionMinor, options.pointFormat}));
     }
 }
 
@@ -122,7 +123,7 @@ std::optional<DemConversionResult> DemConverter::Run() {
     RequirePoints(*writer);
     if (raster_.ImpossibleHeights() > 0) {
         result_.warnings.push_back(
-            FormatText(Text(41394_lsid), {raster_.ImpossibleHeights(), raster_.Path()}));
+            FormatText(Text(text::kDemPixelsLeftOut), {raster_.ImpossibleHeights(), raster_.Path()}));
     }
     Complete(*writer);
     Commit(temporary);
@@ -147,12 +148,14 @@ void DemConverter::AdaptHeights() {
     }
     raster_.MultiplyHeights(factor);
     result_.warnings.push_back(
-        FormatText(Text(41393_lsid), {raster_.Path(), FromUtf8(raster_.UnitName()), FromUtf8(unit.name)}));
+        FormatText(Text(text::kDemHeightsConverted),
+                   {raster_.Path(), FromUtf8(raster_.UnitName()), FromUtf8(unit.name)}));
 }
 
 void DemConverter::MakeFolder() const {
     if (const SystemError error = CreateFolders(options_.outputFolder)) {
-        throw LDataError(FormatText(Text(41387_lsid), {options_.outputFolder, SystemErrorText(error)}));
+        throw LDataError(
+            FormatText(Text(text::kDemFolderCreateFailed), {options_.outputFolder, SystemErrorText(error)}));
     }
 }
 
@@ -169,8 +172,8 @@ void DemConverter::RequireRoom() const {
         static_cast<double>(points) * las::FindPointFormat(options_.pointFormat)->minimumLength;
     const auto available = FreeSpaceIn(options_.outputFolder);
     if (available && needed > static_cast<double>(*available)) {
-        throw LDataError(
-            FormatText(Text(41389_lsid), {Target(1), needed * 1e-6, static_cast<double>(*available) * 1e-6}));
+        throw LDataError(FormatText(Text(text::kDemDiskFull),
+                                    {Target(1), needed * 1e-6, static_cast<double>(*available) * 1e-6}));
     }
 }
 
@@ -178,14 +181,15 @@ void DemConverter::RequirePoints(const LasPointWriter& writer) const {
     if (writer.Points() > 0) {
         return;
     }
-    throw LDataError(options_.thinning > 1 ? FormatText(Text(41397_lsid), {raster_.Path(), options_.thinning})
-                                           : FormatText(Text(41385_lsid), {raster_.Path()}));
+    throw LDataError(options_.thinning > 1
+                         ? FormatText(Text(text::kDemThinnedAway), {raster_.Path(), options_.thinning})
+                         : FormatText(Text(text::kDemNoHeights), {raster_.Path()}));
 }
 
 void DemConverter::RequireCountable(std::uint64_t points) const {
     if (options_.versionMinor < kFirstLargeVersion && points > kMostLegacyPoints) {
-        throw LDataError(
-            FormatText(Text(41386_lsid), {raster_.Path(), kMostLegacyPoints, options_.versionMinor}));
+        throw LDataError(FormatText(Text(text::kDemTooManyPoints),
+                                    {raster_.Path(), kMostLegacyPoints, options_.versionMinor}));
     }
 }
 
@@ -292,7 +296,8 @@ void DemConverter::Commit(TemporaryFile& temporary) {
         result_.lasPath = Target(number);
         const SystemError error = temporary.CommitTo(result_.lasPath, taken);
         if (error != 0 && (!taken || number == kMostNames)) {
-            throw LDataError(FormatText(Text(41388_lsid), {result_.lasPath, SystemErrorText(error)}));
+            throw LDataError(
+                FormatText(Text(text::kDemWriteFailed), {result_.lasPath, SystemErrorText(error)}));
         }
     }
 }

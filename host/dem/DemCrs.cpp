@@ -175,7 +175,7 @@ DemCrsRecords WithWkt(const std::string& wkt, int minorVersion, const std::wstri
     result.isWkt = true;
     // The text ends with a zero.
     if (wkt.empty() || wkt.size() >= las::kMostVlrData) {
-        result.warnings.push_back(FormatText(Text(41392_lsid), {demPath}));
+        result.warnings.push_back(FormatText(Text(text::kDemCrsNoWkt), {demPath}));
         return result;
     }
     result.wkt = wkt;
@@ -240,7 +240,7 @@ DemCrsRecords MakeCrsRecords(const OGRSpatialReference& crs, int minorVersion, i
         }
         if (minorVersion < kFirstWktVersion) {
             DemCrsRecords none;
-            none.warnings.push_back(FormatText(Text(41391_lsid), {demPath, minorVersion}));
+            none.warnings.push_back(FormatText(Text(text::kDemCrsNotInVersion), {demPath, minorVersion}));
             return none;
         }
     }

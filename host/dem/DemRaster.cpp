@@ -76,21 +76,21 @@ std::optional<RasterWindow> RasterWindows::Next() {
 
 DemRaster::DemRaster(const std::wstring& path) : path_(path) {
     if (KindOf(path) == FileKind::Missing) {
-        throw LDataError(FormatText(Text(41395_lsid), {path}));
+        throw LDataError(FormatText(Text(text::kDemFileMissing), {path}));
     }
     const GdalErrorScope errors;
     const NoNetwork noNetwork;
     std::wstring cause;
     dataset_ = OpenRasterFile(path, cause);
     if (!dataset_) {
-        Fail(41380_lsid, cause);
+        Fail(text::kDemOpenFailed, cause);
     }
     if (dataset_->GetRasterCount() == 0) {
-        Fail(41382_lsid, {});
+        Fail(text::kDemNoBands, {});
     }
     band_ = dataset_->GetRasterBand(1);
     if (GDALDataTypeIsComplex(band_->GetRasterDataType()) != 0) {
-        Fail(41383_lsid, {});
+        Fail(text::kDemComplexRefused, {});
     }
     RequireSmallBlocks();
     FindPlace();
@@ -109,7 +109,8 @@ void DemRaster::RequireSmallBlocks() const {
                          GDALGetDataTypeSizeBytes(band_->GetRasterDataType()) *
                          (holdsAllBands ? dataset_->GetRasterCount() : 1);
     if (bytes > kLargestBlock) {
-        throw LDataError(FormatText(Text(41396_lsid), {path_, bytes * 1e-6, kLargestBlock * 1e-6}));
+        throw LDataError(
+            FormatText(Text(text::kDemBlocksTooLarge), {path_, bytes * 1e-6, kLargestBlock * 1e-6}));
     }
 }
 
@@ -138,7 +139,7 @@ void DemRaster::FindPlace() {
     const bool isNear = std::ranges::all_of(
         transform_, [side](double term) { return std::abs(term) * side <= kLargestNumber; });
     if (!isKnown || !isNear || !std::isfinite(area) || area == 0) {
-        Fail(41384_lsid, {});
+        Fail(text::kDemNoGeoreference, {});
     }
     if (crs_ != nullptr && crs_->IsEmpty()) {
         crs_ = nullptr;
@@ -179,7 +180,7 @@ bool DemRaster::Read(const RasterWindow& window, std::vector<double>& heights) {
     heights.resize(window.Pixels());
     if (band_->RasterIO(GF_Read, window.x, window.y, window.width, window.height, heights.data(),
                         window.width, window.height, GDT_Float64, 0, 0, nullptr) != CE_None) {
-        Fail(41381_lsid, FailureReason(errors));
+        Fail(text::kDemReadFailed, FailureReason(errors));
     }
     if ((coverage & GDAL_DATA_COVERAGE_STATUS_EMPTY) != 0) {
         DropAbsent(window, heights);
@@ -245,7 +246,7 @@ void DemRaster::DropMasked(const RasterWindow& window, std::vector<double>& heig
     mask_.resize(heights.size());
     if (band->RasterIO(GF_Read, window.x, window.y, window.width, window.height, mask_.data(), window.width,
                        window.height, GDT_Byte, 0, 0, nullptr) != CE_None) {
-        Fail(41381_lsid, FailureReason(errors));
+        Fail(text::kDemReadFailed, FailureReason(errors));
     }
     for (std::size_t i = 0; i < heights.size(); ++i) {
         heights[i] = mask_[i] == 0 ? kNone : heights[i];

@@ -116,7 +116,7 @@ void LasPointWriter::Finish(const std::string& front) {
 }
 
 void LasPointWriter::Fail(SystemError error) const {
-    throw LDataError(FormatText(Text(41388_lsid), {shownPath_, SystemErrorText(error)}));
+    throw LDataError(FormatText(Text(text::kDemWriteFailed), {shownPath_, SystemErrorText(error)}));
 }
 
 }  // namespace orvex

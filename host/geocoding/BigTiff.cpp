@@ -22,16 +22,17 @@ constexpr Signature kBigEndian{'M', 'M', 0, 43, 0, 8, 0, 0};
 Signature ReadSignature(const std::wstring& path) {
     // Reading a folder would fail in words that help nobody.
     if (KindOf(path) == FileKind::Folder) {
-        throw LDataError(Text(41201_lsid));
+        throw LDataError(Text(text::kRasterIsFolder));
     }
     std::ifstream file(ToPath(path), std::ios::binary);
     if (!file) {
-        throw LDataError(Text(KindOf(path) == FileKind::Missing ? 41202_lsid : 41203_lsid));
+        throw LDataError(
+            Text(KindOf(path) == FileKind::Missing ? text::kRasterFileMissing : text::kRasterOpenRefused));
     }
     Signature signature{};
     file.read(signature.data(), static_cast<std::streamsize>(signature.size()));
     if (file.bad()) {
-        throw LDataError(Text(41203_lsid));
+        throw LDataError(Text(text::kRasterOpenRefused));
     }
     return file.gcount() == static_cast<std::streamsize>(signature.size()) ? signature : Signature{};
 }

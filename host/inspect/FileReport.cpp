@@ -85,7 +85,7 @@ FileReport InspectFile(const std::wstring& path, const ReportKind* kind) {
     const ReportKind* const reader = kind == nullptr ? ReportKindOf(path) : kind;
     report.kind = reader == nullptr ? "unknown" : reader->name;
     if (reader == nullptr) {
-        report.summary = Text(40816_lsid);
+        report.summary = Text(text::kInspectUnsupportedKind);
         return report;
     }
     try {

@@ -65,12 +65,12 @@ void ParseOption(const std::vector<std::wstring>& arguments, std::size_t& i, Opt
     } else if (const auto count = ValueOf(L"--jobs", arguments, i)) {
         const std::optional<unsigned> jobs = ParseJobs(*count);
         options.jobs = jobs.value_or(0);
-        options.error = jobs ? L"" : FormatText(Text(40810_lsid), {kMostJobs});
+        options.error = jobs ? L"" : FormatText(Text(text::kInspectJobsRange), {kMostJobs});
     } else if (const auto name = ValueOf(L"--as", arguments, i)) {
         options.kind = FindReportKind(*name);
-        options.error = options.kind != nullptr ? L"" : Text(41240_lsid);
+        options.error = options.kind != nullptr ? L"" : Text(text::kInspectAsValues);
     } else {
-        options.error = FormatText(Text(40811_lsid), {argument});
+        options.error = FormatText(Text(text::kInspectUnknownOption), {argument});
     }
 }
 
@@ -87,7 +87,7 @@ Options ParseArguments(const std::vector<std::wstring>& arguments) {
         }
     }
     if (options.error.empty() && !options.help && options.paths.empty()) {
-        options.error = Text(40812_lsid);
+        options.error = Text(text::kInspectNoPath);
     }
     return options;
 }
@@ -161,7 +161,8 @@ class CountingLine {
         }
         next_ = now + std::chrono::milliseconds(100);
         written_ = true;
-        err_ << '\r' << ToUtf8(FormatText(Text(40813_lsid), {done, total_})) << "\x1b[K" << std::flush;
+        err_ << '\r' << ToUtf8(FormatText(Text(text::kInspectProgress), {done, total_})) << "\x1b[K"
+             << std::flush;
     }
 
   private:
@@ -199,23 +200,23 @@ int RunInspectCommand(const std::vector<std::wstring>& arguments, const InspectS
     const Options options = ParseArguments(arguments);
     if (!options.error.empty()) {
         WriteLine(streams.err, options.error);
-        WriteLine(streams.err, Text(40814_lsid));
+        WriteLine(streams.err, Text(text::kInspectUsage));
         return kInspectUsage;
     }
     if (options.help) {
-        WriteLine(streams.out, Text(40814_lsid));
+        WriteLine(streams.out, Text(text::kInspectUsage));
         return kInspectOk;
     }
     const InputPaths inputs = CollectInputPaths(options);
     const bool complete = WriteReports(inputs.files, options, streams);
     for (const std::wstring& path : inputs.missing) {
-        WriteLine(streams.err, FormatText(Text(40815_lsid), {path}));
+        WriteLine(streams.err, FormatText(Text(text::kPathDoesNotExist), {path}));
     }
     if (!complete && streams.stop()) {
         return kInspectStopped;
     }
     if (!streams.out) {
-        WriteLine(streams.err, Text(41050_lsid));
+        WriteLine(streams.err, Text(text::kInspectWriteFailed));
         return kInspectFailed;
     }
     return inputs.missing.empty() ? kInspectOk : kInspectPathMissing;

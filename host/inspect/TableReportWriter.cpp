@@ -72,26 +72,26 @@ struct Column {
 
 constexpr std::size_t kFile = 0;
 constexpr Column kColumns[] = {
-    {40800_lsid, false, [](Report r) { return r.path; }},
-    {13568_lsid, false, nullptr, nullptr, [](Report r) { return r.raster->properties.driver; }},
-    {13569_lsid, true, nullptr, nullptr,
+    {text::kInspectFile, false, [](Report r) { return r.path; }},
+    {text::kFileType, false, nullptr, nullptr, [](Report r) { return r.raster->properties.driver; }},
+    {text::kImageSize, true, nullptr, nullptr,
      [](Report r) {
          return FormatText(L"%d x %d", {r.raster->properties.width, r.raster->properties.height});
      }},
-    {13572_lsid, true, nullptr, nullptr,
+    {text::kBandCount, true, nullptr, nullptr,
      [](Report r) { return std::to_wstring(r.raster->properties.bands); }},
-    {41241_lsid, false, nullptr, nullptr, [](Report r) { return FirstBand(*r.raster).dataType; }},
-    {13645_lsid, false, nullptr, nullptr, PixelSize},
-    {40801_lsid, false, nullptr,
+    {text::kInspectDataType, false, nullptr, nullptr, [](Report r) { return FirstBand(*r.raster).dataType; }},
+    {text::kPixelSize, false, nullptr, nullptr, PixelSize},
+    {text::kInspectVersion, false, nullptr,
      [](Las l) { return FromUtf8(LasVersion(l)) + (l.Header().IsCompressed() ? L" LAZ" : L""); }},
-    {40802_lsid, true, nullptr, [](Las l) { return std::to_wstring(l.PointFormat()); }},
-    {40803_lsid, true, nullptr, [](Las l) { return Grouped(l.GetPointCount()); }},
-    {40804_lsid, false, nullptr, [](Las l) { return Point(l.Minimum()); },
+    {text::kInspectFormat, true, nullptr, [](Las l) { return std::to_wstring(l.PointFormat()); }},
+    {text::kInspectPoints, true, nullptr, [](Las l) { return Grouped(l.GetPointCount()); }},
+    {text::kInspectMinimum, false, nullptr, [](Las l) { return Point(l.Minimum()); },
      [](Report r) { return Corner(r, 0); }},
-    {40805_lsid, false, nullptr, [](Las l) { return Point(l.Maximum()); },
+    {text::kInspectMaximum, false, nullptr, [](Las l) { return Point(l.Maximum()); },
      [](Report r) { return Corner(r, 2); }},
-    {40806_lsid, false, [](Report r) { return r.crs ? r.crs->name : std::wstring(); }},
-    {40807_lsid, false, [](Report r) { return r.summary; }}};
+    {text::kInspectCrs, false, [](Report r) { return r.crs ? r.crs->name : std::wstring(); }},
+    {text::kInspectSummary, false, [](Report r) { return r.summary; }}};
 constexpr std::size_t kColumnCount = std::size(kColumns);
 constexpr std::size_t kSummary = kColumnCount - 1;
 using Row = std::array<std::wstring, kColumnCount>;

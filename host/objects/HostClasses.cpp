@@ -136,7 +136,7 @@ class HostRasterInformation final : public OrvexRasterInformation {
             properties = ReadRasterProperties(path);
             return kHostOk;
         } catch (...) {
-            reason = isReady ? CurrentExceptionText() : Text(41210_lsid);
+            reason = isReady ? CurrentExceptionText() : Text(text::kRasterProgramFilesMissing);
             return kHostFail;
         }
     }

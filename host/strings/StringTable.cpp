@@ -1,14 +1,13 @@
 #include "host/strings/StringTable.h"
 
-#include <array>
+#include <algorithm>
 #include <charconv>
 #include <optional>
 #include <unordered_set>
+#include <vector>
 
 namespace orvex {
 namespace {
-
-constexpr std::size_t kColumns = 3;
 
 std::string_view TakeLine(std::string_view& rest) {
     const std::size_t end = rest.find('\n');
@@ -20,16 +19,13 @@ std::string_view TakeLine(std::string_view& rest) {
     return line;
 }
 
-std::optional<std::array<std::string_view, kColumns>> SplitColumns(std::string_view line) {
-    std::array<std::string_view, kColumns> columns;
-    for (std::size_t i = 0; i < kColumns; ++i) {
-        const std::size_t tab = line.find('\t');
-        if ((tab == std::string_view::npos) != (i + 1 == kColumns)) {
-            return std::nullopt;
-        }
-        columns[i] = line.substr(0, tab);
-        line.remove_prefix(tab == std::string_view::npos ? line.size() : tab + 1);
+std::vector<std::string_view> SplitColumns(std::string_view line) {
+    std::vector<std::string_view> columns;
+    for (std::size_t tab = line.find('\t'); tab != std::string_view::npos; tab = line.find('\t')) {
+        columns.push_back(line.substr(0, tab));
+        line.remove_prefix(tab + 1);
     }
+    columns.push_back(line);
     return columns;
 }
 
@@ -71,21 +67,22 @@ std::optional<std::string> Unescape(std::string_view escaped) {
 // The reason why a line is no entry; empty when `entry` was filled.
 std::string ParseLine(std::string_view line, StringEntry& entry) {
     const auto columns = SplitColumns(line);
-    if (!columns) {
-        return "not three columns";
+    if (columns.size() != 3 && columns.size() != 4) {
+        return "not three or four columns";
     }
-    const auto id = ParseId((*columns)[0]);
+    const auto id = ParseId(columns[0]);
     if (!id) {
         return "the id is not a positive number";
     }
-    auto text = Unescape((*columns)[1]);
+    const bool isNamed = columns.size() == 4;
+    auto text = Unescape(columns[isNamed ? 2 : 1]);
     if (!text) {
         return "unknown escape";
     }
-    if (text->empty() || (*columns)[2].empty()) {
+    if (std::ranges::any_of(columns, &std::string_view::empty)) {
         return "an empty column";
     }
-    entry = {*id, std::move(*text), std::string((*columns)[2])};
+    entry = {*id, std::string(isNamed ? columns[1] : ""), std::move(*text), std::string(columns.back())};
     return {};
 }
 

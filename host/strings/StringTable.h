@@ -1,7 +1,7 @@
 #pragma once
-// The text form of a language's string table. One line per text: the id, a tab, the text, a tab, and where it
-// is used. In the text, \n is a line break, \t a tab and \\ a backslash. Lines that are empty or begin with
-// '#' are skipped. UTF-8.
+// The text form of a language's string table. One line per text, its columns separated by tabs: the id,
+// the name in the code (in the English table alone), the text, and where it is used. In the text, \n is a
+// line break, \t a tab and \\ a backslash. Lines that are empty or begin with '#' are skipped. UTF-8.
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -12,6 +12,7 @@ namespace orvex {
 
 struct StringEntry {
     unsigned id = 0;
+    std::string name;  ///< empty in a table without names
     std::string text;  ///< UTF-8, escapes resolved
     std::string use;   ///< which dialog, page or control shows it
 };

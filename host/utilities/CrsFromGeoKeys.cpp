@@ -98,7 +98,7 @@ std::string OrvexUtilities::CrsWktFromGeoKeys(const std::string& directory, cons
         wkt = WktOfTiff(file.Path());
     }
     if (wkt.empty() && findings.empty()) {
-        findings = Text(40313_lsid);
+        findings = Text(text::kGeoKeysNameNoCrs);
     }
     if (wkt.empty()) {
         reason = ToUtf8(findings);

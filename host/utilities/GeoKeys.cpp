@@ -94,13 +94,13 @@ GeoKeys ReadGeoKeys(const std::string& directory, const std::string& doubles, co
     GeoKeys keys{{}, ReadNumbers<double>(doubles), text.substr(0, las::kMostVlrData)};
     const auto numbers = ReadNumbers<std::uint16_t>(directory);
     if (numbers.size() < kNumbersPerKey) {
-        AddReason(reason, Text(40310_lsid));
+        AddReason(reason, Text(text::kGeoKeyDirectoryTooShort));
         return keys;
     }
     const std::size_t announced = numbers[3];
     const std::size_t present = numbers.size() / kNumbersPerKey - 1;
     if (announced > present) {
-        AddReason(reason, FormatText(Text(40311_lsid), {announced, present}));
+        AddReason(reason, FormatText(Text(text::kGeoKeyCountMismatch), {announced, present}));
     }
     std::vector<std::uint16_t> kept;
     std::set<std::uint16_t> seen;
@@ -110,7 +110,7 @@ GeoKeys ReadGeoKeys(const std::string& directory, const std::string& doubles, co
         if (IsUsable(key, keys) && seen.insert(key.id).second) {
             kept.insert(kept.end(), entry, entry + kNumbersPerKey);
         } else {
-            AddReason(reason, FormatText(Text(40312_lsid), {key.id}));
+            AddReason(reason, FormatText(Text(text::kGeoKeyUnusable), {key.id}));
         }
     }
     if (!kept.empty()) {

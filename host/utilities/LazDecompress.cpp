@@ -39,7 +39,7 @@ using LaszipHandle = std::unique_ptr<void, LaszipDeleter>;
 LaszipHandle CreateCodec() {
     laszip_POINTER codec = nullptr;
     if (laszip_create(&codec) != 0) {
-        throw LDataError(Text(40306_lsid));
+        throw LDataError(Text(text::kLazOutOfMemory));
     }
     return LaszipHandle(codec);
 }
@@ -111,7 +111,7 @@ LazDecompressor::LazDecompressor(const std::wstring& lazPath, const std::wstring
 
 bool LazDecompressor::Run() {
     if (IsSameFile(lazPath_, lasPath_)) {
-        throw LDataError(FormatText(Text(40305_lsid), {lazPath_}));
+        throw LDataError(FormatText(Text(text::kLazOntoItself), {lazPath_}));
     }
     layout_ = ReadLazLayout(lazPath_);
     RequireUsableCodecRecord(lazPath_, layout_);
@@ -131,7 +131,8 @@ void LazDecompressor::OpenInput() {
     ForgetStreamError();
     input_.open(ToPath(lazPath_), std::ios::binary);
     if (!input_) {
-        throw LDataError(FormatText(Text(40300_lsid), {lazPath_, SystemErrorText(LastStreamError())}));
+        throw LDataError(
+            FormatText(Text(text::kLazCannotRead), {lazPath_, SystemErrorText(LastStreamError())}));
     }
     reader_ = CreateCodec();
     // Points of formats 6 to 10 that were packed into older formats for old readers come out as they were.
@@ -141,7 +142,7 @@ void LazDecompressor::OpenInput() {
     CheckRead(laszip_get_header_pointer(reader_.get(), &header_));
     pointCount_ = PointCountOf(*header_);
     if (pointCount_ > kMaxPoints) {
-        throw LDataError(FormatText(Text(40302_lsid), {lazPath_}));
+        throw LDataError(FormatText(Text(text::kLazHeaderDamaged), {lazPath_}));
     }
 }
 
@@ -157,8 +158,8 @@ void LazDecompressor::RequireSpace() const {
         needed += static_cast<double>(record.length);
     }
     if (needed > static_cast<double>(*available)) {
-        throw LDataError(
-            FormatText(Text(40304_lsid), {lasPath_, needed * 1e-6, static_cast<double>(*available) * 1e-6}));
+        throw LDataError(FormatText(Text(text::kLazDiskFull),
+                                    {lasPath_, needed * 1e-6, static_cast<double>(*available) * 1e-6}));
     }
 }
 
@@ -225,7 +226,8 @@ bool LazDecompressor::CopyBytes(std::uint64_t from, std::uint64_t length) {
         const auto part = static_cast<std::streamsize>(std::min<std::uint64_t>(block.size(), length));
         ForgetStreamError();
         if (!input_.read(block.data(), part)) {
-            throw LDataError(FormatText(Text(40300_lsid), {lazPath_, SystemErrorText(LastStreamError())}));
+            throw LDataError(
+                FormatText(Text(text::kLazCannotRead), {lazPath_, SystemErrorText(LastStreamError())}));
         }
         CheckWritten(output_.write(block.data(), part) ? 0 : 1);
         length -= static_cast<std::uint64_t>(part);
@@ -266,7 +268,7 @@ void LazDecompressor::Finish() {
 
 void LazDecompressor::CheckRead(int result) const {
     if (result != 0) {
-        throw LDataError(FormatText(Text(40307_lsid), {lazPath_, CodecError(reader_)}));
+        throw LDataError(FormatText(Text(text::kLazCannotDecompress), {lazPath_, CodecError(reader_)}));
     }
 }
 
@@ -278,11 +280,11 @@ void LazDecompressor::CheckWritten(int result) const {
     if (!output_) {
         FailToWrite(LastStreamError());
     }
-    throw LDataError(FormatText(Text(40303_lsid), {lasPath_, CodecError(writer_)}));
+    throw LDataError(FormatText(Text(text::kLazCannotWrite), {lasPath_, CodecError(writer_)}));
 }
 
 void LazDecompressor::FailToWrite(SystemError error) const {
-    throw LDataError(FormatText(Text(40303_lsid), {lasPath_, SystemErrorText(error)}));
+    throw LDataError(FormatText(Text(text::kLazCannotWrite), {lasPath_, SystemErrorText(error)}));
 }
 
 }  // namespace orvex

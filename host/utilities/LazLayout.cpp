@@ -23,7 +23,7 @@ MappedFile OpenForReading(const std::wstring& path, std::uint64_t& size) {
         error = file.Size(size);
     }
     if (error != 0) {
-        throw LDataError(FormatText(Text(40300_lsid), {path, SystemErrorText(error)}));
+        throw LDataError(FormatText(Text(text::kLazCannotRead), {path, SystemErrorText(error)}));
     }
     return file;
 }
@@ -42,7 +42,7 @@ void RequirePlausible(const LazLayout& layout, const std::wstring& path) {
     const std::uint16_t needed = las::kVersions[version].headerSize;
     if (!headerFits || layout.headerSize < needed ||
         layout.recordCount > (layout.offsetToPoints - layout.headerSize) / las::kVlrHeaderSize) {
-        throw LDataError(FormatText(Text(40302_lsid), {path}));
+        throw LDataError(FormatText(Text(text::kLazHeaderDamaged), {path}));
     }
 }
 
@@ -58,12 +58,12 @@ LazLayout ReadLazLayout(const std::wstring& path) {
     std::array<std::byte, las::kHeaderSize14> buffer{};
     std::size_t read = 0;
     if (const SystemError error = file.ReadAt(0, buffer, read); error != 0) {
-        throw LDataError(FormatText(Text(40300_lsid), {path, SystemErrorText(error)}));
+        throw LDataError(FormatText(Text(text::kLazCannotRead), {path, SystemErrorText(error)}));
     }
     const ByteReader header(std::span<const std::byte>(buffer).first(read));
     if (read < las::kLegacyHeaderSize ||
         header.FixedText(las::at::kSignature, las::kSignature.size()) != las::kSignature) {
-        throw LDataError(FormatText(Text(40301_lsid), {path}));
+        throw LDataError(FormatText(Text(text::kLazNotLas), {path}));
     }
     layout.versionMinor = header.Read<std::uint8_t>(las::at::kVersionMinor);
     layout.headerSize = header.Read<std::uint16_t>(las::at::kHeaderSize);
@@ -74,7 +74,7 @@ LazLayout ReadLazLayout(const std::wstring& path) {
     layout.hasPoints = header.Read<std::uint32_t>(las::at::kLegacyPointCount) != 0 ||
                        (layout.versionMinor >= 4 && header.Read<std::uint64_t>(las::at::kPointCount) != 0);
     if (!IsKnownPoint(header.Read<std::uint8_t>(las::at::kPointFormat), layout.recordLength)) {
-        throw LDataError(FormatText(Text(40302_lsid), {path}));
+        throw LDataError(FormatText(Text(text::kLazHeaderDamaged), {path}));
     }
     const bool internalWaveform =
         (header.Read<std::uint16_t>(las::at::kGlobalEncoding) & las::encoding::kInternalWaveform) != 0;
@@ -213,7 +213,7 @@ bool IsChunkTableThere(const MappedFile& file, const LazLayout& layout, bool var
 void RequireUsableCodecRecord(const std::wstring& path, const LazLayout& layout) {
     MappedFile file;
     if (const SystemError error = file.Open(path, true); error != 0) {
-        throw LDataError(FormatText(Text(40300_lsid), {path, SystemErrorText(error)}));
+        throw LDataError(FormatText(Text(text::kLazCannotRead), {path, SystemErrorText(error)}));
     }
     const std::vector<std::byte> bytes =
         ReadPart(file, layout.headerSize, layout.offsetToPoints - layout.headerSize);
@@ -224,12 +224,12 @@ void RequireUsableCodecRecord(const std::wstring& path, const LazLayout& layout)
     const auto compressor = record->Read<std::uint16_t>(0);
     if (compressor < kFirstCompressor || compressor > kLastCompressor ||
         !AreItemsRight(*record, layout.recordLength)) {
-        Fail(40308_lsid, path);
+        Fail(text::kLazCodecRecordDamaged, path);
     }
     const bool varies = record->Read<std::uint32_t>(12) == kVaryingChunks;
     if (compressor >= kFirstChunkedCompressor && layout.hasPoints &&
         !IsChunkTableThere(file, layout, varies)) {
-        Fail(40309_lsid, path);
+        Fail(text::kLazChunkTableMissing, path);
     }
 }
 

@@ -12,6 +12,16 @@
 #define ORVEXSTRINGS_API __attribute__((visibility("default")))
 #endif
 
+namespace orvex {
+
+/// Number of a text; 0: no text. Code uses the named constants of orvexcommon/TextIds.h.
+struct StringId {
+    unsigned value = 0;
+    friend constexpr bool operator==(StringId, StringId) = default;
+};
+
+}  // namespace orvex
+
 /// Text of a string id in the user's language (ORVEX_LANGUAGE, else the system's; English if a language lacks
 /// the id). Never null; valid for the life of the process. An unknown id gives "#id" and is reported once
 /// (LSSetMissingIdHandler). Any thread.

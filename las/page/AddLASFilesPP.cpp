@@ -54,7 +54,7 @@ bool AddLASFilesPP::Store() {
     options.detailColumns = DetailColumnsShown();
     const auto thinning = ParseThinning(optionGroups_->ThinningText());
     if (!thinning.has_value()) {
-        ShowMessage(Text(7669_lsid), 7670_lsid, PromptIcon::Warning);
+        ShowMessage(Text(text::kThinningRefused), text::kThinningCaption, PromptIcon::Warning);
         optionGroups_->EditThinning();
         return false;
     }

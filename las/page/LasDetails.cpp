@@ -19,14 +19,14 @@ struct SectionColumns {
 
 const std::vector<SectionColumns>& Sections() {
     static const std::vector<SectionColumns> sections{
-        {40636_lsid,
+        {text::kDetailsFile,
          {LasColumn::Size, LasColumn::Modified, LasColumn::Version, LasColumn::Compressed,
           LasColumn::Companion, LasColumn::Layer}},
-        {40637_lsid,
+        {text::kDetailsPoints,
          {LasColumn::Points, LasColumn::PointFormat, LasColumn::Attributes, LasColumn::RecordLength,
           LasColumn::ExtraBytes, LasColumn::GpsTime, LasColumn::PointsByReturn, LasColumn::Density,
           LasColumn::Spacing}},
-        {40639_lsid,
+        {text::kDetailsOrigin,
          {LasColumn::SystemId, LasColumn::Software, LasColumn::Created, LasColumn::SourceId,
           LasColumn::ProjectId, LasColumn::GlobalEncoding, LasColumn::Waveform, LasColumn::HeaderSize,
           LasColumn::OffsetToPoints, LasColumn::VlrCount, LasColumn::EvlrCount}},
@@ -55,7 +55,7 @@ void Unite(std::optional<std::array<double, 6>>& box, const LASFile& file) {
 
 std::wstring RecordsBlock(StringId title, const std::wstring& text) {
     const std::wstring heading = Text(title);
-    const std::wstring shown = text.empty() ? Text(40651_lsid) : text;
+    const std::wstring shown = text.empty() ? Text(text::kDetailsNoRecords) : text;
     const bool isEnded = shown.ends_with(L'\n');
     return heading + L"\n" + std::wstring(heading.size(), L'=') + L"\n" + shown + (isEnded ? L"" : L"\n");
 }
@@ -80,13 +80,13 @@ std::wstring Triple(const LasRow& row, LasColumn x) {
 DetailSection ExtentSection(const LasRow& row) {
     constexpr int kToMaximum = IndexOf(LasColumn::MaximumX) - IndexOf(LasColumn::MinimumX);
     constexpr const wchar_t* kTo = L" \u2013 ";
-    DetailSection section{40638_lsid, {}};
-    AddField(section.fields, 40660_lsid, Joined(row, LasColumn::MinimumX, kTo, {0, kToMaximum}));
-    AddField(section.fields, 40661_lsid, Joined(row, LasColumn::MinimumY, kTo, {0, kToMaximum}));
-    AddField(section.fields, 40662_lsid, Joined(row, LasColumn::MinimumZ, kTo, {0, kToMaximum}));
-    AddField(section.fields, 40663_lsid, Triple(row, LasColumn::ScaleX));
-    AddField(section.fields, 40664_lsid, Triple(row, LasColumn::OffsetX));
-    AddField(section.fields, 40559_lsid, LasCellText(row, LasColumn::Units));
+    DetailSection section{text::kDetailsExtent, {}};
+    AddField(section.fields, text::kExtentX, Joined(row, LasColumn::MinimumX, kTo, {0, kToMaximum}));
+    AddField(section.fields, text::kExtentY, Joined(row, LasColumn::MinimumY, kTo, {0, kToMaximum}));
+    AddField(section.fields, text::kExtentZ, Joined(row, LasColumn::MinimumZ, kTo, {0, kToMaximum}));
+    AddField(section.fields, text::kLasDetailsScale, Triple(row, LasColumn::ScaleX));
+    AddField(section.fields, text::kLasDetailsOffset, Triple(row, LasColumn::OffsetX));
+    AddField(section.fields, text::kUnits, LasCellText(row, LasColumn::Units));
     return section;
 }
 
@@ -99,7 +99,7 @@ std::vector<DetailSection> LasOverview(const LasRow& row) {
         for (const LasColumn column : section.columns) {
             std::wstring value = LasCellText(row, column);
             if (column == LasColumn::Layer && row.layerExists) {
-                value += L" " + Text(40658_lsid);
+                value += L" " + Text(text::kLayerExistsSuffix);
             }
             AddField(shown.fields, LasColumns()[static_cast<std::size_t>(column)].caption, std::move(value));
         }
@@ -121,27 +121,28 @@ std::vector<DetailField> LasCrsFields(const LasRow& row) {
     if (crs.sourceWkt.empty()) {
         return fields;
     }
-    AddField(fields, 40642_lsid, crs.name);
-    AddField(fields, 40555_lsid, LasCellText(row, LasColumn::Epsg));
-    AddField(fields, 40643_lsid, Text(crs.isGeographic ? 40644_lsid : 40645_lsid));
-    AddField(fields, 40646_lsid, crs.linearUnits);
-    AddField(fields, 40647_lsid, crs.angularUnits);
-    AddField(fields, 40558_lsid, crs.verticalName);
-    AddField(fields, 40577_lsid, LasCellText(row, LasColumn::CrsSource));
+    AddField(fields, text::kDetailsCrsName, crs.name);
+    AddField(fields, text::kLasEpsg, LasCellText(row, LasColumn::Epsg));
+    AddField(fields, text::kDetailsCrsKind,
+             Text(crs.isGeographic ? text::kCrsGeographic : text::kCrsProjectedOrLocal));
+    AddField(fields, text::kDetailsLinearUnit, crs.linearUnits);
+    AddField(fields, text::kDetailsAngularUnit, crs.angularUnits);
+    AddField(fields, text::kVerticalCrs, crs.verticalName);
+    AddField(fields, text::kLasCrsSource, LasCellText(row, LasColumn::CrsSource));
     return fields;
 }
 
 std::wstring LasRecordsText(const LasRow& row) {
     if (row.inspection.file == nullptr) {
-        return Text(40659_lsid);
+        return Text(text::kDetailsFileUnreadable);
     }
     const LASFile& file = *row.inspection.file;
     std::wstring text;
     if (const std::wstring time = LasGpsTimeText(file); !time.empty()) {
-        text = Text(40580_lsid) + L": " + time + L"\n\n";
+        text = Text(text::kLasGpsTime) + L": " + time + L"\n\n";
     }
-    text += RecordsBlock(40649_lsid, LasVlrText(file)) + L"\n";
-    return text + RecordsBlock(40650_lsid, LasEvlrText(file));
+    text += RecordsBlock(text::kDetailsVlrs, LasVlrText(file)) + L"\n";
+    return text + RecordsBlock(text::kDetailsEvlrs, LasEvlrText(file));
 }
 
 LasTotals TotalsOf(std::span<const LasRow> rows, std::span<const std::size_t> records) {
@@ -174,20 +175,21 @@ LasTotals TotalsOf(std::span<const LasRow> rows, std::span<const std::size_t> re
 
 DetailSection TotalsSection(const LasTotals& totals) {
     const auto count = [](std::size_t number) { return number == 0 ? L"" : std::to_wstring(number); };
-    DetailSection section{40665_lsid, {}};
+    DetailSection section{text::kTotalsSelection, {}};
     auto& fields = section.fields;
-    AddField(fields, 40652_lsid, std::to_wstring(totals.files));
-    AddField(fields, 40552_lsid, FormatText(L"%.2f", {static_cast<double>(totals.bytes) * 1e-6}));
-    AddField(fields, 40582_lsid, std::to_wstring(totals.points));
-    AddField(fields, 40653_lsid, std::to_wstring(totals.layers));
-    AddField(fields, 40655_lsid, count(totals.withFindings));
-    AddField(fields, 40656_lsid, count(totals.notReadable));
+    AddField(fields, text::kTotalsFiles, std::to_wstring(totals.files));
+    AddField(fields, text::kLasSizeMegabytes,
+             FormatText(L"%.2f", {static_cast<double>(totals.bytes) * 1e-6}));
+    AddField(fields, text::kLasPoints, std::to_wstring(totals.points));
+    AddField(fields, text::kTotalsLayers, std::to_wstring(totals.layers));
+    AddField(fields, text::kTotalsFilesWithFindings, count(totals.withFindings));
+    AddField(fields, text::kTotalsUnreadableFiles, count(totals.notReadable));
     for (const std::wstring& name : totals.crsNames) {
-        AddField(fields, 40654_lsid, name.empty() ? Text(40612_lsid) : name);
+        AddField(fields, text::kTotalsCrs, name.empty() ? Text(text::kCellNone) : name);
     }
     if (totals.extent.has_value()) {
-        constexpr std::array kCaptions{40588_lsid, 40589_lsid, 40590_lsid,
-                                       40591_lsid, 40592_lsid, 40593_lsid};
+        constexpr std::array kCaptions{text::kLasMinX, text::kLasMinY, text::kLasMinZ,
+                                       text::kLasMaxX, text::kLasMaxY, text::kLasMaxZ};
         for (std::size_t i = 0; i < kCaptions.size(); ++i) {
             const bool degrees = totals.isGeographic && i % 3 != 2;
             AddField(fields, kCaptions[i], FormatText(degrees ? L"%.8lf" : L"%.3f", {(*totals.extent)[i]}));

@@ -15,13 +15,14 @@ QString OverviewHtml(const LasRow& row, const QString& captionColour) {
     const LasInspection& inspection = row.inspection;
     const std::vector<Finding> findings(inspection.findings.begin(), inspection.findings.end());
     const std::wstring failure = inspection.file == nullptr ? inspection.summary : std::wstring();
-    return FindingsHtml(findings, failure, Text(40641_lsid)) + SectionsHtml(LasOverview(row), captionColour);
+    return FindingsHtml(findings, failure, Text(text::kLasDetailsConsistent)) +
+           SectionsHtml(LasOverview(row), captionColour);
 }
 
 QString CrsHtml(const LasRow& row, const QString& captionColour) {
     const std::vector<DetailField> fields = LasCrsFields(row);
     return fields.empty()
-               ? TextHtml(Text(40648_lsid))
+               ? TextHtml(Text(text::kDetailsNoCrs))
                : FieldsHtml(fields, captionColour) + PreformattedHtml(row.inspection.crs->prettyWkt);
 }
 
@@ -37,7 +38,8 @@ DetailsContent LasDetailsContent(std::span<const LasRow> rows, std::span<const s
     }
     const LasTotals totals = TotalsOf(rows, records);
     const DetailSection section = TotalsSection(totals);
-    return {FormatText(Text(40635_lsid), {totals.files}), {SectionsHtml({&section, 1}, captionColour)}};
+    return {FormatText(Text(text::kDetailsFilesSelected), {totals.files}),
+            {SectionsHtml({&section, 1}, captionColour)}};
 }
 
 }  // namespace orvex

@@ -57,29 +57,32 @@ LasOptionsWidget::LasOptionsWidget(QWidget* parent)
 }
 
 QGroupBox* LasOptionsWidget::MakeOpenGroup() {
-    return MakeGroup(kOpenGroup, 13467_lsid, QBoxLayout::TopToBottom,
-                     {MakeRadio(openMode_, 0, kReadOnly, 13469_lsid, 40679_lsid),
-                      MakeRadio(openMode_, 1, kReadWrite, 13470_lsid, 40680_lsid)});
+    return MakeGroup(kOpenGroup, text::kOpenSetting, QBoxLayout::TopToBottom,
+                     {MakeRadio(openMode_, 0, kReadOnly, text::kOpenReadOnly, text::kLasReadOnlyTooltip),
+                      MakeRadio(openMode_, 1, kReadWrite, text::kOpenReadWrite, text::kLasReadWriteTooltip)});
 }
 
 QGroupBox* LasOptionsWidget::MakeLoadGroup() {
-    return MakeGroup(kLoadGroup, 41000_lsid, QBoxLayout::TopToBottom,
-                     {MakeRadio(loadMode_, 0, kLoadFiles, 41001_lsid, 40681_lsid),
-                      MakeRadio(loadMode_, 1, kFootprints, 41002_lsid, 40682_lsid)});
+    return MakeGroup(
+        kLoadGroup, text::kLoadSetting, QBoxLayout::TopToBottom,
+        {MakeRadio(loadMode_, 0, kLoadFiles, text::kLoadFiles, text::kLoadFilesTooltip),
+         MakeRadio(loadMode_, 1, kFootprints, text::kLoadFootprintsOnly, text::kLoadFootprintsTooltip)});
 }
 
 QGroupBox* LasOptionsWidget::MakeOptionsGroup() {
-    append_ = MakeControl<QCheckBox>(kAppend, 13658_lsid, 13487_lsid);
-    ignoreCrs_ = MakeControl<QCheckBox>(kIgnoreCrs, 3256_lsid, 13659_lsid);
-    loadCorrupt_ = MakeControl<QCheckBox>(kLoadCorrupt, 41004_lsid, 41016_lsid);
-    return MakeGroup(kOptionsGroup, 41003_lsid, QBoxLayout::TopToBottom,
+    append_ = MakeControl<QCheckBox>(kAppend, text::kAppendToCompatibleLayers, text::kLasAppendTooltip);
+    ignoreCrs_ =
+        MakeControl<QCheckBox>(kIgnoreCrs, text::kIgnoreIncompatibleCrs, text::kIgnoreIncompatibleCrsTooltip);
+    loadCorrupt_ =
+        MakeControl<QCheckBox>(kLoadCorrupt, text::kLoadCorruptFiles, text::kLoadCorruptFilesTooltip);
+    return MakeGroup(kOptionsGroup, text::kOptions, QBoxLayout::TopToBottom,
                      {append_, ignoreCrs_, loadCorrupt_, MakeThinning()});
 }
 
 QGroupBox* LasOptionsWidget::MakePyramidGroup() {
-    convertQvr_ = MakeControl<QCheckBox>(kConvertQvr, 41008_lsid, 40683_lsid);
-    reCreate_ = MakeControl<QCheckBox>(kReCreate, 41013_lsid, 41014_lsid);
-    auto* group = MakeControl<QGroupBox>(kPyramidGroup, 13475_lsid);
+    convertQvr_ = MakeControl<QCheckBox>(kConvertQvr, text::kConvertQvr, text::kConvertQvrTooltip);
+    reCreate_ = MakeControl<QCheckBox>(kReCreate, text::kRecreateOrvexLas, text::kRecreateOrvexLasTooltip);
+    auto* group = MakeControl<QGroupBox>(kPyramidGroup, text::kPyramidSettings);
     auto* layout = new QVBoxLayout(group);
     layout->setContentsMargins(kGroupMargins);
     layout->setSpacing(kGroupRowSpacing);
@@ -96,9 +99,9 @@ QHBoxLayout* LasOptionsWidget::MakePyramidRow() {
     const auto add = [&](LasPyramidType type, int id, StringId caption, StringId tooltip) {
         row->addWidget(MakeRadio(pyramidType_, ValueOf(type), id, caption, tooltip));
     };
-    add(LasPyramidType::OrvexLas, kPyramidOrvexLas, 41005_lsid, 3379_lsid);
-    add(LasPyramidType::Qvr, kPyramidQvr, 41006_lsid, 3380_lsid);
-    add(LasPyramidType::None, kPyramidNone, 41007_lsid, 3381_lsid);
+    add(LasPyramidType::OrvexLas, kPyramidOrvexLas, text::kPyramidOrvexLas, text::kPyramidOrvexLasTooltip);
+    add(LasPyramidType::Qvr, kPyramidQvr, text::kPyramidQvr, text::kPyramidQvrTooltip);
+    add(LasPyramidType::None, kPyramidNone, text::kPyramidNone, text::kPyramidNoneTooltip);
     row->addStretch();
     return row;
 }
@@ -107,8 +110,8 @@ QWidget* LasOptionsWidget::MakeThinning() {
     auto* row = new QWidget;
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, kGroupRowSpacing, 0, 0);
-    auto* caption = MakeControl<QLabel>(kThinningCaption, 13472_lsid, 41017_lsid);
-    thinning_ = MakeControl<QLineEdit>(kThinning, {}, 41017_lsid);
+    auto* caption = MakeControl<QLabel>(kThinningCaption, text::kThinning, text::kLasThinningTooltip);
+    thinning_ = MakeControl<QLineEdit>(kThinning, {}, text::kLasThinningTooltip);
     thinning_->setMaxLength(kThinningDigits);
     thinning_->setAlignment(Qt::AlignRight);
     thinning_->setValidator(
@@ -122,12 +125,13 @@ QWidget* LasOptionsWidget::MakeThinning() {
 }
 
 QGroupBox* LasOptionsWidget::MakeOriginalsGroup() {
-    return MakeGroup(
-        kOriginalsGroup, 41009_lsid, QBoxLayout::LeftToRight,
-        {MakeRadio(backup_, ValueOf(LasBackupOption::Overwrite), kOverwrite, 41010_lsid, 40684_lsid),
-         MakeRadio(backup_, ValueOf(LasBackupOption::Backup), kBackup, 41011_lsid, 40685_lsid),
-         MakeRadio(backup_, ValueOf(LasBackupOption::BackupAndCompress), kBackupCompress, 41012_lsid,
-                   40686_lsid)});
+    return MakeGroup(kOriginalsGroup, text::kOriginalLasFiles, QBoxLayout::LeftToRight,
+                     {MakeRadio(backup_, ValueOf(LasBackupOption::Overwrite), kOverwrite,
+                                text::kOriginalsOverwrite, text::kOriginalsOverwriteTooltip),
+                      MakeRadio(backup_, ValueOf(LasBackupOption::Backup), kBackup, text::kOriginalsBackup,
+                                text::kOriginalsBackupTooltip),
+                      MakeRadio(backup_, ValueOf(LasBackupOption::BackupAndCompress), kBackupCompress,
+                                text::kOriginalsBackupCompress, text::kOriginalsBackupCompressTooltip)});
 }
 
 void LasOptionsWidget::SetOptions(const LasPageOptions& options) {

@@ -38,43 +38,43 @@ FileListPageDescription DescribeLasPage() {
     page.splitterName = "lasSplitter";
     page.paneStateName = L"AddLASFilesDetails";
     page.helpTopic = HelpTopic::LasFiles;
-    page.filesCaption = 13466_lsid;
-    page.emptyText = 40674_lsid;
-    page.addFiles = {13462_lsid, 13483_lsid};
-    page.addFolder = {13463_lsid, 41015_lsid};
+    page.filesCaption = text::kLasSelectedFiles;
+    page.emptyText = text::kLasEmptyGrid;
+    page.addFiles = {text::kAddFiles, text::kLasAddTooltip};
+    page.addFolder = {text::kAddFolder, text::kLasAddFolderTooltip};
     page.openFiles = LasOpenFilesRequest;
-    page.pickFailed = {10052_lsid};
-    page.folderQuestion = {13556_lsid};
-    page.scanTexts.ignored = 41051_lsid;
-    page.scanTexts.nothingFound = 41052_lsid;
+    page.pickFailed = {text::kPickerOutOfMemory};
+    page.folderQuestion = {text::kLasSubfoldersQuestion};
+    page.scanTexts.ignored = text::kLasOthersLeftOut;
+    page.scanTexts.nothingFound = text::kLasFolderEmpty;
     page.extensions = NamedExtensions(DataKind::Las);
-    page.detailsTabs = {{"detailsOverview", 40631_lsid, Html},
-                        {"detailsCrs", 40632_lsid, Html},
-                        {"detailsRecords", 40633_lsid, PlainText}};
-    page.nothingSelected = 40634_lsid;
+    page.detailsTabs = {{"detailsOverview", text::kDetailsOverviewTab, Html},
+                        {"detailsCrs", text::kDetailsCrsTab, Html},
+                        {"detailsRecords", text::kDetailsRecordsTab, PlainText}};
+    page.nothingSelected = text::kLasDetailsNoSelection;
     return page;
 }
 
 FileAdder<LasInspection> MakeLasFileAdder() {
     AddingDescription description;
-    description.progressText = 13662_lsid;
-    description.confirmText = 13656_lsid;
-    description.confirmCaption = 13657_lsid;
+    description.progressText = text::kLasReadingProgress;
+    description.confirmText = text::kLasManyFilesQuestion;
+    description.confirmCaption = text::kLasManyFilesCaption;
     description.buddy = OrvexUtilities::GetLAZBuddyPath;
     return {std::move(description), InspectLasFile, FailedInspection};
 }
 
 FileAdder<LasInspection> MakeLasFileRefresher() {
     AddingDescription description;
-    description.progressText = 40676_lsid;
+    description.progressText = text::kRefreshProgress;
     return {std::move(description), InspectLasFile, FailedInspection};
 }
 
 Prompt OpenFailuresPrompt(const std::vector<LasFileFailure>& failures) {
     Prompt prompt;
-    prompt.caption = Text(40673_lsid);
+    prompt.caption = Text(text::kLasOpenModeCaption);
     prompt.icon = PromptIcon::Error;
-    prompt.text = Text(40671_lsid) + L"\n" + PromptLines(failures, FailureText);
+    prompt.text = Text(text::kLasOpenModeFailed) + L"\n" + PromptLines(failures, FailureText);
     return prompt;
 }
 

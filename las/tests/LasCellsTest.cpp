@@ -30,7 +30,11 @@ TEST(LasColumnTable, TheFixedColumnsAreWhereTheyBelong) {
     const auto columns = LasColumns();
     ASSERT_EQ(columns.size(), 52U);
     const std::set<int> numbers{5, 35, 36, 37, 41, 42, 43, 44, 45, 46};
-    const std::map<int, unsigned> tooltips{{5, 13481}, {13, 13480}, {14, 3378}, {15, 3212}, {33, 13482}};
+    const std::map<int, StringId> tooltips{{5, text::kSizeTooltip},
+                                           {13, text::kLasGroupTooltip},
+                                           {14, text::kLasIndexTooltip},
+                                           {15, text::kLasCompressedTooltip},
+                                           {33, text::kLasGpsTimeTooltip}};
     std::set<std::string> names;
     int basic = 0;
     for (int i = 0; i < 52; ++i) {
@@ -44,7 +48,7 @@ TEST(LasColumnTable, TheFixedColumnsAreWhereTheyBelong) {
         EXPECT_EQ(column.align == HeaderAlign::Centre, i == 17) << i;
         EXPECT_EQ(column.caption.value == 0, i <= 2) << i;
         if (tooltips.contains(i)) {
-            EXPECT_EQ(column.tooltip.value, tooltips.at(i)) << i;
+            EXPECT_EQ(column.tooltip, tooltips.at(i)) << i;
         }
         basic += column.basic ? 1 : 0;
     }
@@ -74,8 +78,8 @@ TEST_F(LasCells, EveryKindOfFactOfAHeaderIsShown) {
         {LasColumn::Epsg, L"EPSG:25832"},
         {LasColumn::CrsName, row.inspection.crs->name},
         {LasColumn::Group, L"1"},
-        {LasColumn::Companion, Text(40612_lsid)},
-        {LasColumn::Compressed, Text(40611_lsid)},
+        {LasColumn::Companion, Text(text::kCellNone)},
+        {LasColumn::Compressed, Text(text::kCellNo)},
         {LasColumn::PointFormat, L"7"},
         {LasColumn::RecordLength, L"38"},
         {LasColumn::ExtraBytes, L"amplitude"},
@@ -85,8 +89,8 @@ TEST_F(LasCells, EveryKindOfFactOfAHeaderIsShown) {
         {LasColumn::HeaderSize, L"375"},
         {LasColumn::VlrCount, L"2"},
         {LasColumn::EvlrCount, L"0"},
-        {LasColumn::CrsSource, Text(40616_lsid)},
-        {LasColumn::Waveform, Text(40612_lsid)},
+        {LasColumn::CrsSource, Text(text::kCrsSourceGeoKeys)},
+        {LasColumn::Waveform, Text(text::kCellNone)},
         {LasColumn::GpsTime, L"Standard GPS Time"},
         {LasColumn::Points, L"9"},
         {LasColumn::Density, L"2.25"},
@@ -96,7 +100,7 @@ TEST_F(LasCells, EveryKindOfFactOfAHeaderIsShown) {
         {LasColumn::MinimumX, L"1000.000"},
         {LasColumn::MaximumY, L"2002.000"},
         {LasColumn::OffsetX, L"1000"},
-        {LasColumn::Attributes, Text(40580_lsid) + L", " + Text(40619_lsid)},
+        {LasColumn::Attributes, Text(text::kLasGpsTime) + L", " + Text(text::kAttributeRgb)},
     };
     for (const auto& [column, text] : expected) {
         EXPECT_EQ(LasCellText(row, column), text) << LasColumns()[static_cast<std::size_t>(column)].name;
@@ -169,7 +173,7 @@ TEST_F(LasCells, AFileThatCannotBeReadShowsItsNameAndWhy) {
             EXPECT_THAT(LasCellText(row, static_cast<LasColumn>(column)), IsEmpty()) << column;
         }
     }
-    EXPECT_EQ(LasRecordsText(row), Text(40659_lsid));
+    EXPECT_EQ(LasRecordsText(row), Text(text::kDetailsFileUnreadable));
 }
 
 TEST_F(LasCells, FindingsChangeTheFlagAndAreAllTold) {

@@ -77,7 +77,7 @@ TEST_F(LasTextTest, EndsLongDataAndLongLists) {
 }
 
 TEST_F(LasTextTest, NamesTheKindOfGpsTime) {
-    const std::wstring none = Text(13490_lsid);
+    const std::wstring none = Text(text::kNoGpsTime);
     const std::wstring standard = L"Standard GPS Time";
     const std::wstring week = L"GPS-Week-Seconds";
     const struct {

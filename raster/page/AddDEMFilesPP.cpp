@@ -48,7 +48,8 @@ std::vector<ControlState> AddDEMFilesPP::ControlStates(const FileListState& stat
 }
 
 void AddDEMFilesPP::OnBrowseFolder() {
-    if (const std::optional<std::wstring> folder = Services().pickers.PickFolder(Text(3203_lsid))) {
+    if (const std::optional<std::wstring> folder =
+            Services().pickers.PickFolder(Text(text::kDemOutputFolderTitle))) {
         options_->SetFolder(WithTrailingSeparator(*folder));
     }
 }
@@ -57,7 +58,7 @@ void AddDEMFilesPP::OnInsertProjectPath() {
     try {
         options_->SetFolder(InsertProjectPathToken(options_->Options().lasFolder));
     } catch (...) {
-        ShowMessage(Text(3242_lsid), 3243_lsid, PromptIcon::Error);
+        ShowMessage(Text(text::kProjectPathInsertFailed), text::kProjectPathErrorCaption, PromptIcon::Error);
     }
 }
 
@@ -67,7 +68,7 @@ bool AddDEMFilesPP::Store() {
     const DemStoreOutcome outcome = store_.Store(Model().Rows(), ShownRecords(), options,
                                                  options_->ThinningText(), Services().hostObjects);
     if (outcome == DemStoreOutcome::ThinningRefused) {
-        ShowMessage(Text(7669_lsid), 7670_lsid, PromptIcon::Warning);
+        ShowMessage(Text(text::kThinningRefused), text::kThinningCaption, PromptIcon::Warning);
         options_->EditThinning();
         return false;
     }

@@ -64,39 +64,41 @@ DemOptionsWidget::DemOptionsWidget(QWidget* parent) : QWidget(parent), openMode_
 }
 
 QGroupBox* DemOptionsWidget::MakeOpenGroup() {
-    return MakeGroup(kOpenGroup, 13467_lsid, QBoxLayout::TopToBottom,
-                     {MakeRadio(openMode_, 0, kReadOnly, 13469_lsid, 41337_lsid),
-                      MakeRadio(openMode_, 1, kReadWrite, 13470_lsid, 41338_lsid)});
+    return MakeGroup(kOpenGroup, text::kOpenSetting, QBoxLayout::TopToBottom,
+                     {MakeRadio(openMode_, 0, kReadOnly, text::kOpenReadOnly, text::kDemReadOnlyTooltip),
+                      MakeRadio(openMode_, 1, kReadWrite, text::kOpenReadWrite, text::kDemReadWriteTooltip)});
 }
 
 QGroupBox* DemOptionsWidget::MakeOptionsGroup() {
-    append_ = MakeControl<QCheckBox>(kAppend, 41331_lsid, 41332_lsid);
-    ignoreCrs_ = MakeControl<QCheckBox>(kIgnoreCrs, 41333_lsid, 41334_lsid);
-    pyramid_ = MakeControl<QCheckBox>(kPyramid, 41335_lsid, 41336_lsid);
-    return MakeGroup(kOptionsGroup, 41003_lsid, QBoxLayout::TopToBottom, {append_, ignoreCrs_, pyramid_});
+    append_ = MakeControl<QCheckBox>(kAppend, text::kDemAppendToLayers, text::kDemAppendTooltip);
+    ignoreCrs_ = MakeControl<QCheckBox>(kIgnoreCrs, text::kDemIgnoreCrs, text::kDemIgnoreCrsTooltip);
+    pyramid_ = MakeControl<QCheckBox>(kPyramid, text::kDemBuildPyramids, text::kDemBuildPyramidsTooltip);
+    return MakeGroup(kOptionsGroup, text::kOptions, QBoxLayout::TopToBottom, {append_, ignoreCrs_, pyramid_});
 }
 
 QGroupBox* DemOptionsWidget::MakeConversionGroup() {
-    folder_ = MakeControl<QLineEdit>(kFolder, {}, 41341_lsid);
+    folder_ = MakeControl<QLineEdit>(kFolder, {}, text::kDemOutputFolderTooltip);
     folder_->setMinimumWidth(folder_->fontMetrics().averageCharWidth() * 24);
-    version_ = MakeControl<QComboBox>(kVersion, {}, 41345_lsid);
-    auto* group = MakeControl<QGroupBox>(kConversionGroup, 41339_lsid);
+    version_ = MakeControl<QComboBox>(kVersion, {}, text::kDemLasVersionTooltip);
+    auto* group = MakeControl<QGroupBox>(kConversionGroup, text::kDemConversionGroup);
     auto* layout = new QGridLayout(group);
     layout->setContentsMargins(kGroupMargins);
     layout->setHorizontalSpacing(kControlSpacing);
     layout->setVerticalSpacing(kGroupRowSpacing);
-    layout->addWidget(MakeCaption(kFolderCaption, 41340_lsid, 41341_lsid, folder_), 0, 0);
+    layout->addWidget(
+        MakeCaption(kFolderCaption, text::kDemOutputFolder, text::kDemOutputFolderTooltip, folder_), 0, 0);
     layout->addWidget(folder_, 0, 1);
     layout->addLayout(MakeFolderButtons(), 1, 1);
-    layout->addWidget(MakeCaption(kVersionCaption, 41344_lsid, 41345_lsid, version_), 2, 0);
+    layout->addWidget(
+        MakeCaption(kVersionCaption, text::kDemLasVersion, text::kDemLasVersionTooltip, version_), 2, 0);
     layout->addLayout(MakeFormatRow(), 2, 1);
     layout->setRowStretch(3, 1);
     return group;
 }
 
 QLayout* DemOptionsWidget::MakeFolderButtons() {
-    auto* browse = MakeTextButton(kBrowse, 41342_lsid, 41343_lsid);
-    auto* insert = MakeTextButton(kInsertToken, 3259_lsid, 3210_lsid);
+    auto* browse = MakeTextButton(kBrowse, text::kDemBrowse, text::kDemBrowseTooltip);
+    auto* insert = MakeTextButton(kInsertToken, text::kInsertProjectPath, text::kInsertProjectPathTooltip);
     connect(browse, &QPushButton::clicked, this, &DemOptionsWidget::BrowseRequested);
     connect(insert, &QPushButton::clicked, this, &DemOptionsWidget::InsertProjectPathRequested);
     return MakeRow({browse, insert});
@@ -106,11 +108,12 @@ QLayout* DemOptionsWidget::MakeFormatRow() {
     for (const las::VersionFacts& version : las::kVersions) {
         version_->addItem(QString::fromWCharArray(version.name), static_cast<int>(version.code));
     }
-    format_ = MakeControl<QComboBox>(kFormat, {}, 41346_lsid);
+    format_ = MakeControl<QComboBox>(kFormat, {}, text::kDemPointFormatTooltip);
     MakeThinning();
-    auto* formatCaption = MakeCaption(kFormatCaption, {}, 41346_lsid, format_);
+    auto* formatCaption = MakeCaption(kFormatCaption, {}, text::kDemPointFormatTooltip, format_);
     formatCaption->setText(QStringLiteral("PDRF:"));
-    auto* thinningCaption = MakeCaption(kThinningCaption, 13472_lsid, 41347_lsid, thinning_);
+    auto* thinningCaption =
+        MakeCaption(kThinningCaption, text::kThinning, text::kDemThinningTooltip, thinning_);
     for (QLabel* caption : {formatCaption, thinningCaption}) {
         caption->setIndent(2 * kControlSpacing);
     }
@@ -118,8 +121,8 @@ QLayout* DemOptionsWidget::MakeFormatRow() {
 }
 
 void DemOptionsWidget::MakeThinning() {
-    thinning_ = MakeControl<QLineEdit>(kThinning, {}, 41347_lsid);
-    const QString mask = ToQString(Text(3228_lsid));
+    thinning_ = MakeControl<QLineEdit>(kThinning, {}, text::kDemThinningTooltip);
+    const QString mask = ToQString(Text(text::kDemThinningMask));
     thinning_->setInputMask(mask);
     thinning_->setFixedWidth(thinning_->fontMetrics().horizontalAdvance(mask) + 16);
 }

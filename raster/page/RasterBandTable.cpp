@@ -33,18 +33,18 @@ std::wstring Block(const RasterBandProperties& band) {
 const std::vector<BandColumn>& BandColumns() {
     using Band = RasterBandProperties;
     static const std::vector<BandColumn> columns{
-        {41291_lsid, [](const Band& band) { return band.dataType; }},
-        {13573_lsid, [](const Band& band) { return std::to_wstring(band.bits); }},
-        {41311_lsid, [](const Band& band) { return band.colorInterpretation; }},
-        {41292_lsid, [](const Band& band) { return Optional(band.nodata); }},
-        {41293_lsid, [](const Band& band) { return Optional(band.minimum); }},
-        {41294_lsid, [](const Band& band) { return Optional(band.maximum); }},
-        {41295_lsid, [](const Band& band) { return band.unit; }},
-        {41296_lsid, [](const Band& band) { return Unless(1, band.scale); }},
-        {41297_lsid, [](const Band& band) { return Unless(0, band.offset); }},
-        {41300_lsid, Block},
-        {13577_lsid, [](const Band& band) { return std::to_wstring(band.overviews); }},
-        {41312_lsid, [](const Band& band) { return band.description; }},
+        {text::kRasterDataType, [](const Band& band) { return band.dataType; }},
+        {text::kBitsPerBand, [](const Band& band) { return std::to_wstring(band.bits); }},
+        {text::kRasterBandColor, [](const Band& band) { return band.colorInterpretation; }},
+        {text::kRasterNoDataValue, [](const Band& band) { return Optional(band.nodata); }},
+        {text::kRasterMinimum, [](const Band& band) { return Optional(band.minimum); }},
+        {text::kRasterMaximum, [](const Band& band) { return Optional(band.maximum); }},
+        {text::kRasterValueUnit, [](const Band& band) { return band.unit; }},
+        {text::kRasterScale, [](const Band& band) { return Unless(1, band.scale); }},
+        {text::kRasterOffset, [](const Band& band) { return Unless(0, band.offset); }},
+        {text::kRasterBlockSize, Block},
+        {text::kOverviews, [](const Band& band) { return std::to_wstring(band.overviews); }},
+        {text::kRasterBandDescription, [](const Band& band) { return band.description; }},
     };
     return columns;
 }
@@ -57,7 +57,7 @@ DetailTable RasterBands(const RasterRow& row) {
     if (bands.empty()) {
         return table;
     }
-    table.captions.push_back(41310_lsid);
+    table.captions.push_back(text::kRasterBand);
     for (std::size_t band = 1; band <= bands.size(); ++band) {
         table.rows.push_back({std::to_wstring(band)});
     }

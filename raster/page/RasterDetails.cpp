@@ -56,7 +56,7 @@ std::wstring Count(std::int64_t number) {
 }
 
 std::wstring LayerText(const RasterRow& row) {
-    return row.place.layer + (row.place.exists ? L" " + Text(40658_lsid) : L"");
+    return row.place.layer + (row.place.exists ? L" " + Text(text::kLayerExistsSuffix) : L"");
 }
 
 std::wstring Sidecars(const RasterProperties& properties) {
@@ -83,14 +83,14 @@ std::wstring Compression(const RasterProperties& properties) {
     if (!properties.hasDetails) {
         return {};
     }
-    return properties.compression.empty() ? Text(40612_lsid) : properties.compression;
+    return properties.compression.empty() ? Text(text::kCellNone) : properties.compression;
 }
 
 std::wstring PixelMeaning(const RasterProperties& properties) {
     if (EqualNoCase(properties.pixelIs, L"Area")) {
-        return Text(41305_lsid);
+        return Text(text::kRasterPixelIsArea);
     }
-    return EqualNoCase(properties.pixelIs, L"Point") ? Text(41306_lsid) : properties.pixelIs;
+    return EqualNoCase(properties.pixelIs, L"Point") ? Text(text::kRasterPixelIsPoint) : properties.pixelIs;
 }
 
 /// What the bands show; empty when that is undefined.
@@ -124,7 +124,7 @@ std::wstring Rotation(const RasterProperties& properties) {
     }
     const auto& transform = *properties.transform;
     if (!IsTurned(transform)) {
-        return Text(40612_lsid);
+        return Text(text::kCellNone);
     }
     return FormatText(L"%.6lf\u00b0", {std::atan2(transform[4], transform[1]) * 180 / std::numbers::pi});
 }
@@ -141,15 +141,15 @@ std::wstring Units(const RasterRow& row) {
 
 void AddFile(const RasterRow& row, RasterUse use, std::vector<DetailSection>& sections) {
     const RasterProperties& properties = row.File().properties;
-    Section file(row, use, 40636_lsid);
+    Section file(row, use, text::kDetailsFile);
     file.Add(RasterColumn::FileType).Add(RasterColumn::Size);
     if (properties.totalBytes > row.File().fileSize) {
-        file.Add(41289_lsid, Megabytes(static_cast<double>(properties.totalBytes)));
+        file.Add(text::kRasterTotalSizeMegabytes, Megabytes(static_cast<double>(properties.totalBytes)));
     }
-    file.Add(41290_lsid, Sidecars(properties));
-    file.Add(40581_lsid, RasterCellText(row, RasterColumn::Modified, use));
-    file.Add(41309_lsid, properties.acquired);
-    file.Add(13507_lsid, LayerText(row));
+    file.Add(text::kRasterOtherFiles, Sidecars(properties));
+    file.Add(text::kModifiedUtc, RasterCellText(row, RasterColumn::Modified, use));
+    file.Add(text::kRasterAcquired, properties.acquired);
+    file.Add(text::kLayerName, LayerText(row));
     if (use == RasterUse::Dem) {
         file.Add(RasterColumn::GpsTime);
     }
@@ -157,45 +157,48 @@ void AddFile(const RasterRow& row, RasterUse use, std::vector<DetailSection>& se
 }
 
 void AddImage(const RasterRow& row, RasterUse use, std::vector<DetailSection>& sections) {
-    Section image(row, use, 41284_lsid);
+    Section image(row, use, text::kRasterImageSection);
     image.Add(RasterColumn::ImageSize).Add(RasterColumn::Bands);
-    image.Add(41291_lsid, DistinctOfBands(row.File().properties, &RasterBandProperties::dataType));
+    image.Add(text::kRasterDataType, DistinctOfBands(row.File().properties, &RasterBandProperties::dataType));
     image.Add(RasterColumn::BitsPerBand).Add(RasterColumn::ColorModel);
-    image.Add(41501_lsid, RasterCellText(row, RasterColumn::Photometric, use));
-    image.Add(41311_lsid, Colors(row.File().properties));
+    image.Add(text::kRasterPhotometric, RasterCellText(row, RasterColumn::Photometric, use));
+    image.Add(text::kRasterBandColor, Colors(row.File().properties));
     image.Finish(sections);
 }
 
 void AddValues(const RasterRow& row, RasterUse use, std::vector<DetailSection>& sections) {
     const RasterProperties& properties = row.File().properties;
-    Section values(row, use, 41285_lsid);
-    values.Add(41292_lsid, properties.hasDetails ? DistinctNodata(properties) : std::wstring());
-    values.Add(41293_lsid, LowestMinimum(properties)).Add(41294_lsid, HighestMaximum(properties));
-    values.Add(41295_lsid, DistinctOfBands(properties, &RasterBandProperties::unit));
+    Section values(row, use, text::kRasterValuesSection);
+    values.Add(text::kRasterNoDataValue, properties.hasDetails ? DistinctNodata(properties) : std::wstring());
+    values.Add(text::kRasterMinimum, LowestMinimum(properties))
+        .Add(text::kRasterMaximum, HighestMaximum(properties));
+    values.Add(text::kRasterValueUnit, DistinctOfBands(properties, &RasterBandProperties::unit));
     values.Below().Finish(sections);
 }
 
 void AddGeoreference(const RasterRow& row, RasterUse use, std::vector<DetailSection>& sections) {
     const RasterProperties& properties = row.File().properties;
-    Section georeference(row, use, 41286_lsid);
-    georeference.Add(40660_lsid, Range(row, RasterColumn::MinimumX, RasterColumn::MaximumX));
-    georeference.Add(40661_lsid, Range(row, RasterColumn::MinimumY, RasterColumn::MaximumY));
+    Section georeference(row, use, text::kRasterGeoreferenceSection);
+    georeference.Add(text::kExtentX, Range(row, RasterColumn::MinimumX, RasterColumn::MaximumX));
+    georeference.Add(text::kExtentY, Range(row, RasterColumn::MinimumY, RasterColumn::MaximumY));
     georeference.Add(RasterColumn::PixelSizes);
-    georeference.Add(40559_lsid, Units(row));
-    georeference.Add(41303_lsid, Corner(row)).Add(41302_lsid, Rotation(properties));
-    georeference.Add(41304_lsid, PixelMeaning(properties));
-    georeference.Add(41307_lsid, Count(properties.controlPoints));
-    georeference.Add(41308_lsid, properties.hasRpc ? Text(40610_lsid) : std::wstring());
+    georeference.Add(text::kUnits, Units(row));
+    georeference.Add(text::kRasterUpperLeftCorner, Corner(row))
+        .Add(text::kRasterRotation, Rotation(properties));
+    georeference.Add(text::kRasterPixelStandsFor, PixelMeaning(properties));
+    georeference.Add(text::kRasterControlPoints, Count(properties.controlPoints));
+    georeference.Add(text::kRasterRpc, properties.hasRpc ? Text(text::kCellYes) : std::wstring());
     georeference.Finish(sections);
 }
 
 void AddStorage(const RasterRow& row, RasterUse use, std::vector<DetailSection>& sections) {
     const RasterProperties& properties = row.File().properties;
-    Section storage(row, use, 41287_lsid);
-    storage.Add(41299_lsid, Compression(properties)).Add(41298_lsid, properties.interleave);
-    storage.Add(41300_lsid, DistinctBlocks(properties)).Add(RasterColumn::Overviews);
+    Section storage(row, use, text::kRasterStorageSection);
+    storage.Add(text::kRasterCompression, Compression(properties))
+        .Add(text::kRasterInterleaving, properties.interleave);
+    storage.Add(text::kRasterBlockSize, DistinctBlocks(properties)).Add(RasterColumn::Overviews);
     storage.Add(RasterColumn::BigTiff);
-    storage.Add(41301_lsid, Megabytes(PixelBytes(properties)));
+    storage.Add(text::kRasterUncompressedMegabytes, Megabytes(PixelBytes(properties)));
     storage.Finish(sections);
 }
 
@@ -218,12 +221,13 @@ std::vector<DetailField> RasterCrsFields(const RasterRow& row) {
     }
     std::vector<DetailSection> sections;
     Section fields(row, RasterUse::Image, {});
-    fields.Add(40642_lsid, crs.name);
+    fields.Add(text::kDetailsCrsName, crs.name);
     fields.Add(RasterColumn::ProjectionCode);
-    fields.Add(40643_lsid, Text(crs.isGeographic ? 40644_lsid : 40645_lsid));
-    fields.Add(40646_lsid, row.File().unit);
-    fields.Add(40647_lsid, crs.angularUnits);
-    fields.Add(40558_lsid, crs.verticalName);
+    fields.Add(text::kDetailsCrsKind,
+               Text(crs.isGeographic ? text::kCrsGeographic : text::kCrsProjectedOrLocal));
+    fields.Add(text::kDetailsLinearUnit, row.File().unit);
+    fields.Add(text::kDetailsAngularUnit, crs.angularUnits);
+    fields.Add(text::kVerticalCrs, crs.verticalName);
     fields.Finish(sections);
     return sections.empty() ? std::vector<DetailField>() : std::move(sections.front().fields);
 }

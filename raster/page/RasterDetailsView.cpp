@@ -18,13 +18,13 @@ QString OverviewHtml(const RasterRow& row, RasterUse use, const QString& caption
     std::vector<Finding> findings = row.File().findings;
     std::erase_if(findings,
                   [&](const Finding& finding) { return failure.find(finding.text) != std::wstring::npos; });
-    return FindingsHtml(findings, failure, Text(41064_lsid)) +
+    return FindingsHtml(findings, failure, Text(text::kDetailsNothingOdd)) +
            SectionsHtml(RasterOverview(row, use), captionColour);
 }
 
 QString CrsHtml(const RasterRow& row, const QString& captionColour) {
     const std::vector<DetailField> fields = RasterCrsFields(row);
-    return fields.empty() ? TextHtml(Text(40648_lsid))
+    return fields.empty() ? TextHtml(Text(text::kDetailsNoCrs))
                           : FieldsHtml(fields, captionColour) + PreformattedHtml(row.File().crs->prettyWkt);
 }
 
@@ -36,7 +36,7 @@ QString CellHtml(const std::wstring& text, const QString& style) {
 QString BandsHtml(const RasterRow& row, const QString& captionColour) {
     const DetailTable table = RasterBands(row);
     if (table.rows.empty()) {
-        return TextHtml(Text(row.IsDescribed() ? 41315_lsid : 41314_lsid));
+        return TextHtml(Text(row.IsDescribed() ? text::kRasterBandsUnknown : text::kRasterNotDescribed));
     }
     QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"1\"><tr>");
     for (const StringId caption : table.captions) {
@@ -50,7 +50,7 @@ QString BandsHtml(const RasterRow& row, const QString& captionColour) {
     }
     html += QStringLiteral("</tr></table>");
     const std::size_t unlisted = UnlistedBands(row);
-    return unlisted == 0 ? html : html + TextHtml(FormatText(Text(40672_lsid), {unlisted}));
+    return unlisted == 0 ? html : html + TextHtml(FormatText(Text(text::kMoreItems), {unlisted}));
 }
 
 }  // namespace
@@ -65,7 +65,8 @@ DetailsContent RasterDetailsContent(std::span<const RasterRow> rows, std::span<c
     }
     const RasterTotals totals = RasterTotalsOf(rows, records);
     const DetailSection section = RasterTotalsSection(totals);
-    return {FormatText(Text(40635_lsid), {totals.files}), {SectionsHtml({&section, 1}, captionColour)}};
+    return {FormatText(Text(text::kDetailsFilesSelected), {totals.files}),
+            {SectionsHtml({&section, 1}, captionColour)}};
 }
 
 }  // namespace orvex

@@ -60,7 +60,8 @@ class RasterListPage : public FileListPageOf<RasterFilesModelOf<Use>> {
         const bool threw = std::any_of(rows.begin() + static_cast<std::ptrdiff_t>(first), rows.end(),
                                        [](const RasterRow& row) { return row.File().threw; });
         if (threw) {
-            this->ShowMessage(Text(13498_lsid), 13498_lsid, PromptIcon::Error);
+            this->ShowMessage(Text(text::kRasterPropertiesFailed), text::kRasterPropertiesFailed,
+                              PromptIcon::Error);
         }
         return threw;
     }

@@ -13,11 +13,12 @@ using namespace raster_control;
 
 RasterOptionsWidget::RasterOptionsWidget(QWidget* parent)
     : QWidget(parent),
-      append_(MakeControl<QCheckBox>(kAppend, 13658_lsid, 41329_lsid)),
-      pyramid_(MakeControl<QCheckBox>(kPyramid, 41330_lsid, 13583_lsid)) {
+      append_(MakeControl<QCheckBox>(kAppend, text::kAppendToCompatibleLayers, text::kRasterAppendTooltip)),
+      pyramid_(MakeControl<QCheckBox>(kPyramid, text::kRasterBuildPyramids, text::kRasterPyramidsTooltip)) {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(MakeGroup(kOptionsGroup, 41003_lsid, QBoxLayout::TopToBottom, {append_, pyramid_}), 1);
+    layout->addWidget(MakeGroup(kOptionsGroup, text::kOptions, QBoxLayout::TopToBottom, {append_, pyramid_}),
+                      1);
     connect(append_, &QCheckBox::clicked, this, &RasterOptionsWidget::LayerRulesChanged);
 }
 

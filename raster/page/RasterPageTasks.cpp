@@ -29,9 +29,9 @@ FileListPageDescription DescribeCommonly() {
     page.pickFailed = {};
     page.folderExtensions = ScanExtensions(DataKind::Raster);
     page.extensions = NamedExtensions(DataKind::Raster);
-    page.scanTexts.nothingFound = 13644_lsid;
+    page.scanTexts.nothingFound = text::kRasterFolderEmpty;
     page.scanTexts.nothingFoundIcon = PromptIcon::Error;
-    page.nothingSelected = 41063_lsid;
+    page.nothingSelected = text::kDetailsNoSelection;
     return page;
 }
 
@@ -42,19 +42,19 @@ FileListPageDescription DescribeRasterPage(const AddFilesParams& params) {
     page.splitterName = "rasterSplitter";
     page.paneStateName = L"AddRasterFilesDetails";
     page.helpTopic = HelpTopic::RasterFiles;
-    page.filesCaption = 41320_lsid;
-    page.emptyText = 41322_lsid;
-    page.addFiles = {13462_lsid, 41324_lsid};
-    page.addFolder = {13463_lsid, 41326_lsid};
-    page.openFiles = [&params] { return PickerRequest(13643_lsid, params.initialFolder); };
+    page.filesCaption = text::kRasterSelectedFiles;
+    page.emptyText = text::kRasterEmptyGrid;
+    page.addFiles = {text::kAddFiles, text::kRasterAddTooltip};
+    page.addFolder = {text::kAddFolder, text::kRasterAddFolderTooltip};
+    page.openFiles = [&params] { return PickerRequest(text::kRasterPickerTitle, params.initialFolder); };
     page.tooManyFiles = {
         {},
         L"There are too many selected files for the allocated buffer. Select fewer files, then "
         L"add more files to the layer using the Raster Files tab."};
     page.folderQuestion = {{}, L"Would you like to add raster files from all subfolders as well?"};
-    page.detailsTabs = {{"rasterOverview", 40631_lsid, Html},
-                        {"rasterCrs", 40632_lsid, Html},
-                        {"rasterBands", 41288_lsid, Html}};
+    page.detailsTabs = {{"rasterOverview", text::kDetailsOverviewTab, Html},
+                        {"rasterCrs", text::kDetailsCrsTab, Html},
+                        {"rasterBands", text::kRasterBandsTab, Html}};
     return page;
 }
 
@@ -65,16 +65,17 @@ FileListPageDescription DescribeDemPage(const AddFilesParams& params) {
     page.splitterName = "demSplitter";
     page.paneStateName = L"AddDEMFilesDetails";
     page.helpTopic = HelpTopic::DemFiles;
-    page.filesCaption = 41321_lsid;
-    page.emptyText = 41323_lsid;
-    page.addFiles = {13462_lsid, 41325_lsid};
-    page.addFolder = {13463_lsid, 41327_lsid};
-    page.openFiles = [&params] { return PickerRequest(3239_lsid, params.initialFolder); };
-    page.tooManyFiles = {3240_lsid};
-    page.folderQuestion = {3241_lsid};
+    page.filesCaption = text::kDemSelectedFiles;
+    page.emptyText = text::kDemEmptyGrid;
+    page.addFiles = {text::kAddFiles, text::kDemAddTooltip};
+    page.addFolder = {text::kAddFolder, text::kDemAddFolderTooltip};
+    page.openFiles = [&params] { return PickerRequest(text::kDemPickerTitle, params.initialFolder); };
+    page.tooManyFiles = {text::kDemTooManySelected};
+    page.folderQuestion = {text::kDemSubfoldersQuestion};
     page.extensions = NamedExtensions(DataKind::Dem);
-    page.detailsTabs = {
-        {"demOverview", 40631_lsid, Html}, {"demCrs", 40632_lsid, Html}, {"demBands", 41288_lsid, Html}};
+    page.detailsTabs = {{"demOverview", text::kDetailsOverviewTab, Html},
+                        {"demCrs", text::kDetailsCrsTab, Html},
+                        {"demBands", text::kRasterBandsTab, Html}};
     return page;
 }
 
@@ -94,13 +95,13 @@ FileListPageDescription DescribeRasterListPage(RasterUse use, const AddFilesPara
 
 FileAdder<ListedRaster> MakeRasterAdder(RasterUse use, RasterInformationMaker maker) {
     AddingDescription description;
-    description.progressText = 13663_lsid;
+    description.progressText = text::kRasterReadingProgress;
     return MakeReader(std::move(description), use, std::move(maker));
 }
 
 FileAdder<ListedRaster> MakeRasterRefresher(RasterUse use, RasterInformationMaker maker) {
     AddingDescription description;
-    description.progressText = 40676_lsid;
+    description.progressText = text::kRefreshProgress;
     return MakeReader(std::move(description), use, std::move(maker));
 }
 

@@ -66,22 +66,22 @@ RasterTotals RasterTotalsOf(std::span<const RasterRow> rows, std::span<const std
 }
 
 DetailSection RasterTotalsSection(const RasterTotals& totals) {
-    DetailSection section{40665_lsid, {}};
+    DetailSection section{text::kTotalsSelection, {}};
     auto& fields = section.fields;
-    AddField(fields, 40652_lsid, std::to_wstring(totals.files));
-    AddField(fields, 13505_lsid, Megabytes(totals.bytes));
+    AddField(fields, text::kTotalsFiles, std::to_wstring(totals.files));
+    AddField(fields, text::kSizeMegabytes, Megabytes(totals.bytes));
     if (totals.totalBytes > totals.bytes) {
-        AddField(fields, 41289_lsid, Megabytes(totals.totalBytes));
+        AddField(fields, text::kRasterTotalSizeMegabytes, Megabytes(totals.totalBytes));
     }
-    AddField(fields, 41313_lsid, FormatText(L"%.3f", {totals.pixels * 1e-6}));
-    AddField(fields, 40653_lsid, Count(totals.layers));
-    AddField(fields, 40655_lsid, Count(totals.withFindings));
-    AddField(fields, 40656_lsid, Count(totals.notReadable));
+    AddField(fields, text::kRasterMegapixels, FormatText(L"%.3f", {totals.pixels * 1e-6}));
+    AddField(fields, text::kTotalsLayers, Count(totals.layers));
+    AddField(fields, text::kTotalsFilesWithFindings, Count(totals.withFindings));
+    AddField(fields, text::kTotalsUnreadableFiles, Count(totals.notReadable));
     for (const std::wstring& name : totals.crsNames) {
-        AddField(fields, 40654_lsid, name.empty() ? Text(40612_lsid) : name);
+        AddField(fields, text::kTotalsCrs, name.empty() ? Text(text::kCellNone) : name);
     }
     if (totals.extent.has_value()) {
-        constexpr std::array kCaptions{13541_lsid, 13538_lsid, 13542_lsid, 13539_lsid};
+        constexpr std::array kCaptions{text::kMinX, text::kMinY, text::kMaxX, text::kMaxY};
         for (std::size_t edge = 0; edge < kCaptions.size(); ++edge) {
             AddField(fields, kCaptions[edge],
                      FormatText(totals.isGeographic ? L"%.8lf" : L"%.3f", {(*totals.extent)[edge]}));

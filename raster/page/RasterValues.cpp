@@ -73,7 +73,7 @@ std::wstring DistinctNodata(const RasterProperties& properties) {
     const std::wstring values = Distinct(properties, [](const RasterBandProperties& band) {
         return band.nodata.has_value() ? ValueText(*band.nodata) : std::wstring();
     });
-    return values.empty() ? Text(40612_lsid) : values;
+    return values.empty() ? Text(text::kCellNone) : values;
 }
 
 std::wstring DistinctBlocks(const RasterProperties& properties) {

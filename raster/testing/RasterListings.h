@@ -54,7 +54,7 @@ inline RasterInspection DescribedRaster(const std::wstring& path, const std::str
 inline RasterInspection RefusedRaster(const std::wstring& path, const std::wstring& cause) {
     RasterInspection file;
     file.path = path;
-    file.summary = Text(13638_lsid) + L" " + cause;
+    file.summary = Text(text::kRasterCannotBeRead) + L" " + cause;
     file.findings = {{FindingSeverity::Error, file.summary}};
     file.crs = DescribeCrs({});
     file.fileSize = 10;

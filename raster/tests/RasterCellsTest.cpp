@@ -15,14 +15,39 @@ std::wstring Shown(const RasterRow& row, RasterColumn column, RasterUse use = Ra
 
 /// Pairs of caption id and width, in the order of the raster page.
 constexpr struct {
-    unsigned caption;
+    StringId caption;
     int width;
-} kTable[] = {{0, 20},      {13502, 200}, {13567, 200}, {13503, 200}, {13504, 300}, {13505, 200},
-              {13506, 300}, {13507, 200}, {13508, 300}, {13568, 200}, {3325, 200},  {13569, 200},
-              {13570, 200}, {13571, 200}, {13572, 200}, {13573, 200}, {13574, 200}, {13575, 200},
-              {13576, 300}, {13577, 200}, {13645, 200}, {13578, 200}, {13541, 200}, {13542, 200},
-              {13538, 200}, {13539, 200}, {13509, 200}, {13579, 200}, {13580, 200}, {13581, 200},
-              {13513, 200}};
+} kTable[] = {{{}, 20},
+              {text::kPath, 200},
+              {text::kRasterDetailsColumn, 200},
+              {text::kFileName, 200},
+              {text::kFolder, 300},
+              {text::kSizeMegabytes, 200},
+              {text::kModified, 300},
+              {text::kLayerName, 200},
+              {text::kSummary, 300},
+              {text::kFileType, 200},
+              {text::kBigTiff, 200},
+              {text::kImageSize, 200},
+              {text::kWidthPixels, 200},
+              {text::kHeightPixels, 200},
+              {text::kBandCount, 200},
+              {text::kBitsPerBand, 200},
+              {text::kColorModel, 200},
+              {text::kPhotometricInterpretation, 200},
+              {text::kProjectionCode, 300},
+              {text::kOverviews, 200},
+              {text::kPixelSize, 200},
+              {text::kPixelSizeXy, 200},
+              {text::kMinX, 200},
+              {text::kMaxX, 200},
+              {text::kMinY, 200},
+              {text::kMaxY, 200},
+              {text::kCrsName, 200},
+              {text::kLinearUnit, 200},
+              {text::kAngularUnit, 200},
+              {text::kCrsWkt, 200},
+              {text::kGpsTimeType, 200}};
 
 TEST(RasterColumnTable, BothGridsHaveTheirColumnsInOrder) {
     const auto raster = RasterColumns(RasterUse::Image);
@@ -32,17 +57,17 @@ TEST(RasterColumnTable, BothGridsHaveTheirColumnsInOrder) {
     ASSERT_EQ(dem.size(), 30U);
     std::size_t inDem = 0;
     for (std::size_t i = 0; i < raster.size(); ++i) {
-        EXPECT_EQ(raster[i].caption.value, kTable[i].caption) << i;
+        EXPECT_EQ(raster[i].caption, kTable[i].caption) << i;
         EXPECT_EQ(raster[i].width, kTable[i].width) << i;
         EXPECT_EQ(RasterColumnAt(RasterUse::Image, static_cast<int>(i)), static_cast<RasterColumn>(i));
-        if (raster[i].caption != 3325_lsid) {
+        if (raster[i].caption != text::kBigTiff) {
             EXPECT_STREQ(dem[inDem].name, raster[i].name);
             EXPECT_EQ(RasterColumnAt(RasterUse::Dem, static_cast<int>(inDem)), static_cast<RasterColumn>(i));
             ++inDem;
         }
     }
     EXPECT_EQ(inDem, dem.size());
-    EXPECT_EQ(raster[0].tooltip, 13501_lsid);
+    EXPECT_EQ(raster[0].tooltip, text::kStatusIconTooltip);
     EXPECT_TRUE(raster[1].hidden && raster[2].hidden);
 }
 
@@ -100,24 +125,29 @@ TEST(RasterCellTexts, DegreesHaveEightDecimals) {
 TEST(RasterCellTexts, CodesAreNamed) {
     const struct {
         std::int32_t code;
-        unsigned colorModel;
-        unsigned kind;
+        StringId colorModel;
+        StringId kind;
         const wchar_t* projection;
-    } cases[] = {{-1, 13489, 13489, nullptr},    {0, 13621, 13624, nullptr},
-                 {1, 13620, 13622, L"EPSG:1"},   {2, 13619, 13619, L"EPSG:2"},
-                 {3, 13489, 13623, L"EPSG:3"},   {4, 13489, 13625, L"EPSG:4"},
-                 {5, 13489, 13489, L"EPSG:5"},   {32766, 13489, 13489, L"EPSG:32766"},
-                 {32767, 13489, 13489, nullptr}, {32768, 13489, 13489, L"EPSG:32768"}};
+    } cases[] = {{-1, text::kUnknown, text::kUnknown, nullptr},
+                 {0, text::kColorBlackAndWhite, text::kPhotometricWhiteIsZero, nullptr},
+                 {1, text::kColorGrayscale, text::kPhotometricBlackIsZero, L"EPSG:1"},
+                 {2, text::kColorRgb, text::kColorRgb, L"EPSG:2"},
+                 {3, text::kUnknown, text::kPhotometricPalette, L"EPSG:3"},
+                 {4, text::kUnknown, text::kPhotometricTransparencyMask, L"EPSG:4"},
+                 {5, text::kUnknown, text::kUnknown, L"EPSG:5"},
+                 {32766, text::kUnknown, text::kUnknown, L"EPSG:32766"},
+                 {32767, text::kUnknown, text::kUnknown, nullptr},
+                 {32768, text::kUnknown, text::kUnknown, L"EPSG:32768"}};
     for (const auto& c : cases) {
         RasterInspection file = testing::DescribedRaster(L"/a.tif", {});
         file.properties.colorModel = c.code;
         file.properties.rasterKind = c.code;
         file.properties.projectionCode = c.code;
         const RasterRow row = testing::ListedRow(std::move(file));
-        EXPECT_EQ(Shown(row, RasterColumn::ColorModel), Text({c.colorModel})) << c.code;
-        EXPECT_EQ(Shown(row, RasterColumn::Photometric), Text({c.kind})) << c.code;
+        EXPECT_EQ(Shown(row, RasterColumn::ColorModel), Text(c.colorModel)) << c.code;
+        EXPECT_EQ(Shown(row, RasterColumn::Photometric), Text(c.kind)) << c.code;
         EXPECT_EQ(Shown(row, RasterColumn::ProjectionCode),
-                  c.projection != nullptr ? c.projection : Text(13497_lsid))
+                  c.projection != nullptr ? c.projection : Text(text::kProjectionCodeNone))
             << c.code;
     }
 }
@@ -143,7 +173,7 @@ TEST(RasterCellTexts, WhatAFileDoesNotSayIsEmpty) {
 
 TEST(RasterCellTexts, AFileThatCouldNotBeDescribedSaysWhyAndNothingElse) {
     const RasterRow row = testing::ListedRow(testing::RefusedRaster(L"/x/broken.tif", L"It ends too early."));
-    EXPECT_EQ(Shown(row, RasterColumn::Summary), Text(13638_lsid) + L" It ends too early.");
+    EXPECT_EQ(Shown(row, RasterColumn::Summary), Text(text::kRasterCannotBeRead) + L" It ends too early.");
     EXPECT_EQ(FindingsText(row), Shown(row, RasterColumn::Summary));
     EXPECT_EQ(RasterCell(row, RasterColumn::LoadFlag, RasterUse::Image), GridCell(0.0));
     EXPECT_EQ(Shown(row, RasterColumn::Details), L"0");

@@ -13,7 +13,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 std::wstring Said(const std::wstring& message) {
-    return FormatText(Text(41209_lsid), {message});
+    return FormatText(Text(text::kRasterReaderSays), {message});
 }
 
 TEST(RasterFindings, MessagesOfGdalBecomePlain) {
@@ -29,16 +29,17 @@ TEST(RasterFindings, MessagesOfGdalBecomePlain) {
         {"Reading /data/a.tif failed:\nno such thing", Said(L"Reading /data/a.tif failed")},
         {"/data/a.tif: ", Said(L"/data/a.tif")},
         // With one, and with a part of the message in it.
-        {"/a b/part.tif: No such file or directory", FormatText(Text(41502_lsid), {L"/a b/part.tif"})},
+        {"/a b/part.tif: No such file or directory",
+         FormatText(Text(text::kRasterReferencedFileMissing), {L"/a b/part.tif"})},
         {"/a/b.tif, band 1: IReadBlock failed at X offset 0, Y offset 0: TIFFReadEncodedStrip() failed.",
-         Text(41503_lsid)},
+         Text(text::kRasterPixelsUnreadable)},
         {"/a/b.tif: _TIFFPartialReadStripArray:Cannot read offset/size for strile around ~0",
-         Text(41212_lsid)},
+         Text(text::kRasterBlockTableUnreadable)},
         {"The DTED file /a/b.dt0 indicates WGS72 as horizontal datum. \nAs this is outdated, complain.",
-         FormatText(Text(41504_lsid), {L"WGS72"})},
+         FormatText(Text(text::kRasterDatumNotWgs84), {L"WGS72"})},
         {"/a/b.tif: TIFF directory is missing required \"ImageLength\" field",
-         FormatText(Text(41218_lsid), {L"ImageLength"})},
-        {"missing codec LZ99.", FormatText(Text(41205_lsid), {L"LZ99"})},
+         FormatText(Text(text::kRasterTagUnreadable), {L"ImageLength"})},
+        {"missing codec LZ99.", FormatText(Text(text::kRasterCompressionUnsupported), {L"LZ99"})},
     };
     for (const auto& [message, text] : cases) {
         EXPECT_THAT(PlainMessages({message}), ElementsAre(text)) << message;
@@ -54,8 +55,9 @@ TEST(RasterFindings, MessagesOfGdalBecomePlain) {
 TEST(RasterFindings, EachMessageOnceAndTheLastIsTheReason) {
     EXPECT_THAT(PlainMessages({"TIFFFetchNormalTag:Incorrect count for \"GeoKeys\"", "IFD looping detected",
                                "again: IFD looping detected"}),
-                ElementsAre(FormatText(Text(41218_lsid), {L"GeoKeys"}), Text(41233_lsid)));
-    EXPECT_EQ(PlainReason({"IFD looping detected", "Too many blocks"}), Text(41213_lsid));
+                ElementsAre(FormatText(Text(text::kRasterTagUnreadable), {L"GeoKeys"}),
+                            Text(text::kRasterDirectoryLoop)));
+    EXPECT_EQ(PlainReason({"IFD looping detected", "Too many blocks"}), Text(text::kRasterTooManyBlocks));
     EXPECT_EQ(PlainReason({}), L"");
 }
 

@@ -63,7 +63,7 @@ TEST(RasterInspection, AFileWithoutAnythingOdd) {
     const RasterInspection inspection = InspectRasterFile(path, RasterUse::Image);
     EXPECT_TRUE(inspection.loadable);
     EXPECT_EQ(inspection.path, path);
-    EXPECT_EQ(inspection.summary, Text(40100_lsid));
+    EXPECT_EQ(inspection.summary, Text(text::kInspectionOk));
     EXPECT_THAT(inspection.findings, IsEmpty());
     EXPECT_EQ(inspection.unit, L"Meters");
     EXPECT_EQ(inspection.crs->name, L"WGS 84 / UTM zone 33N");
@@ -82,11 +82,14 @@ TEST(RasterInspection, ABigTiffInEitherByteOrder) {
 }
 
 TEST(RasterInspection, UnitsAsTheyAreShown) {
-    const std::map<std::wstring, std::wstring> cases{
-        {L"metre", L"Meters"},          {L"METER", L"Meters"},
-        {L"Kilometre", L"Meters"},      {L"US survey foot", L"US survey foot"},
-        {L"unknown", Text(13489_lsid)}, {L"(unknown)", Text(13489_lsid)},
-        {L"Unknown", L"Unknown"},       {L"", L""}};
+    const std::map<std::wstring, std::wstring> cases{{L"metre", L"Meters"},
+                                                     {L"METER", L"Meters"},
+                                                     {L"Kilometre", L"Meters"},
+                                                     {L"US survey foot", L"US survey foot"},
+                                                     {L"unknown", Text(text::kUnknown)},
+                                                     {L"(unknown)", Text(text::kUnknown)},
+                                                     {L"Unknown", L"Unknown"},
+                                                     {L"", L""}};
     for (const auto& [reported, shown] : cases) {
         EXPECT_EQ(RasterUnitText(reported), shown);
     }
@@ -126,10 +129,11 @@ TEST(RasterInspection, AnObjectThatFailsGivesTheRow) {
     const std::wstring path = GeoTiff().Write(folder, L"a.tif");
     const auto refused = InspectRasterFile(path, RasterUse::Image, Answering(kHostFail, {}, L"Not today."));
     EXPECT_FALSE(refused.loadable);
-    EXPECT_EQ(refused.summary, Text(13638_lsid) + L" Not today.");
+    EXPECT_EQ(refused.summary, Text(text::kRasterCannotBeRead) + L" Not today.");
     EXPECT_EQ(refused.properties.width, 0);
     const auto silent = InspectRasterFile(path, RasterUse::Image, Answering(kHostFail, {}));
-    EXPECT_EQ(silent.summary, Text(13638_lsid) + L" " + Text(41500_lsid));
+    EXPECT_EQ(silent.summary,
+              Text(text::kRasterCannotBeRead) + L" " + Text(text::kRasterDamagedOrUnsupported));
     const auto without = InspectRasterFile(path, RasterUse::Image, Answering(kHostOk, {}));
     EXPECT_FALSE(without.loadable) << "an image without a size";
 
@@ -159,7 +163,7 @@ TEST(RasterInspection, AnExceptionOfTheHostsIsToldFromAFileThatIsNoRaster) {
         const auto thrown = InspectRasterFile(path, RasterUse::Image, maker);
         EXPECT_TRUE(thrown.threw);
         EXPECT_FALSE(thrown.loadable);
-        EXPECT_EQ(thrown.summary, Text(13638_lsid) + L" no such driver");
+        EXPECT_EQ(thrown.summary, Text(text::kRasterCannotBeRead) + L" no such driver");
         EXPECT_GT(thrown.fileSize, 0U) << "what was found out before stays";
     }
     EXPECT_FALSE(InspectRasterFile(path, RasterUse::Image, Answering(kHostFail, {}, L"No.")).threw);
@@ -169,13 +173,13 @@ TEST(RasterInspection, AnExceptionOfTheHostsIsToldFromAFileThatIsNoRaster) {
 TEST(RasterInspection, WhatIsNoFileHasItsReason) {
     const TemporaryFolder folder;
     EXPECT_EQ(InspectRasterFile(folder.Name(L"absent.tif"), RasterUse::Image).summary,
-              Text(13638_lsid) + L" " + Text(41202_lsid));
+              Text(text::kRasterCannotBeRead) + L" " + Text(text::kRasterFileMissing));
     EXPECT_EQ(InspectRasterFile(FromPath(folder.Path()), RasterUse::Image).summary,
-              Text(13638_lsid) + L" " + Text(41201_lsid));
+              Text(text::kRasterCannotBeRead) + L" " + Text(text::kRasterIsFolder));
     for (const wchar_t* address : {L"http://127.0.0.1:9/a.tif", L"/vsicurl/http://127.0.0.1:9/a.tif",
                                    L"WMS:http://127.0.0.1:9/", L"<VRTDataset/>", L""}) {
         EXPECT_EQ(InspectRasterFile(address, RasterUse::Image).summary,
-                  Text(13638_lsid) + L" " + Text(41202_lsid))
+                  Text(text::kRasterCannotBeRead) + L" " + Text(text::kRasterFileMissing))
             << ToUtf8(address);
     }
 }
@@ -199,15 +203,15 @@ TEST(RasterInspection, OdditiesOfAnImage) {
     plain.transform.reset();
     plain.crs = "";
     const auto bare = InspectRasterFile(plain.Write(folder, L"a.tif"), RasterUse::Image);
-    EXPECT_EQ(bare.summary, Text(41221_lsid));
-    EXPECT_THAT(Texts(bare), Contains(Text(40121_lsid)));
+    EXPECT_EQ(bare.summary, Text(text::kRasterNoGeoreference));
+    EXPECT_THAT(Texts(bare), Contains(Text(text::kFileWithoutCrs)));
     EXPECT_TRUE(bare.loadable);
 
     GeoTiff rotated;
     rotated.transform = {{0, 1, 1, 0, 1, -1}};
     const auto turned = InspectRasterFile(rotated.Write(folder, L"b.tif"), RasterUse::Image);
-    EXPECT_EQ(turned.summary, Text(40100_lsid)) << "a note is nothing odd";
-    EXPECT_THAT(Texts(turned), Contains(Text(41224_lsid)));
+    EXPECT_EQ(turned.summary, Text(text::kInspectionOk)) << "a note is nothing odd";
+    EXPECT_THAT(Texts(turned), Contains(Text(text::kRasterRotated)));
 
     GeoTiff large;
     large.width = large.height = 8192;
@@ -230,20 +234,20 @@ TEST(RasterInspection, OdditiesOfADem) {
     photo.options = {"PHOTOMETRIC=RGB"};
     const std::wstring path = photo.Write(folder, L"b.tif");
     const auto texts = Texts(InspectRasterFile(path, RasterUse::Dem));
-    EXPECT_THAT(texts, Contains(Text(41227_lsid)));
-    EXPECT_THAT(texts, Contains(Text(41230_lsid)));
+    EXPECT_THAT(texts, Contains(Text(text::kDemColors)));
+    EXPECT_THAT(texts, Contains(Text(text::kDemNoVerticalCrs)));
     EXPECT_THAT(Texts(InspectRasterFile(path, RasterUse::Image)), IsEmpty());
 
     GeoTiff waves;
     waves.type = GDT_CFloat64;
     const auto complex = InspectRasterFile(waves.Write(folder, L"c.tif"), RasterUse::Dem);
-    EXPECT_EQ(complex.summary, Text(41228_lsid));
+    EXPECT_EQ(complex.summary, Text(text::kDemComplexNumbers));
     EXPECT_EQ(complex.findings.front().severity, FindingSeverity::Error);
 
     GeoTiff holes;
     holes.type = GDT_Float64;
     EXPECT_THAT(Texts(InspectRasterFile(holes.Write(folder, L"d.tif"), RasterUse::Dem)),
-                Contains(Text(41229_lsid)));
+                Contains(Text(text::kDemNoNoDataValue)));
 }
 
 TEST(RasterInspection, ATransparencyMask) {

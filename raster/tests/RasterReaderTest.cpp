@@ -172,7 +172,7 @@ TEST(RasterReader, TruncatedOverviewsAreReportedInsideTheFileOnly) {
     EXPECT_THAT(ReadRasterProperties(beside).warnings, IsEmpty());
     ASSERT_FALSE(ReadRasterProperties(inside).warnings.empty());
     EXPECT_EQ(ReadRasterProperties(inside).warnings.front(),
-              FormatText(Text(41211_lsid), {bytes.size(), bytes.size() - 100}));
+              FormatText(Text(text::kRasterTruncatedAt), {bytes.size(), bytes.size() - 100}));
 }
 
 }  // namespace

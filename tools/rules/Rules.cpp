@@ -151,6 +151,20 @@ std::vector<Violation> CheckLines(const Tree& tree, const std::function<bool(con
     return violations;
 }
 
+// Whether a line holds 13558_lsid or StringId{13558}.
+bool NamesTextByNumber(std::string_view line) {
+    constexpr std::string_view digits = "0123456789";
+    constexpr std::array beforeNumber = {"StringId{", "StringId("};
+    const std::size_t suffix = line.find("_lsid");
+    const auto precedesDigit = [&](std::string_view word) {
+        const std::size_t at = line.find(word);
+        return at != std::string_view::npos && line.find_first_of(digits, at) == at + word.size();
+    };
+    return (suffix != std::string_view::npos && suffix > 0 &&
+            digits.find(line[suffix - 1]) != std::string_view::npos) ||
+           std::ranges::any_of(beforeNumber, precedesDigit);
+}
+
 bool IsPascalCase(std::string_view stem) {
     const std::size_t suffix = stem.find('_');
     const std::string_view name = stem.substr(0, suffix);
@@ -256,10 +270,11 @@ std::vector<Violation> CheckTextsGoThroughText(const Tree& tree) {
         return file.starts_with("host/strings/") || file == "support/Text.h" ||
                file == "include/orvexcommon/StringLibrary.h";
     };
-    return CheckLines(tree, isExempt, [](const std::string& line) {
-        return HasWord(line, "LSwchar") || HasWord(line, "LSIDwchar")
-                   ? "texts are fetched through Text(..._lsid)"
-                   : std::string();
+    return CheckLines(tree, isExempt, [](const std::string& line) -> std::string {
+        if (HasWord(line, "LSwchar") || HasWord(line, "LSIDwchar")) {
+            return "texts are fetched through Text(text::k...)";
+        }
+        return NamesTextByNumber(line) ? "a text is named by number instead of text::k..." : "";
     });
 }
 

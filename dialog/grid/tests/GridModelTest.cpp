@@ -290,7 +290,8 @@ TEST(GridTextTest, RowsBecomeTabSeparatedLines) {
               L"true\tSummary of b second line of it\t2.50\n"
               L"true\tSummary of a second line of it\t1.00\n");
     const std::wstring headers = TabSeparated(model, {}, {kFlag, kName, kSize}, true);
-    EXPECT_EQ(headers, L"\t" + Text(40402_lsid) + L"\t" + Text(40403_lsid) + L"\n");
+    EXPECT_EQ(headers,
+              L"\t" + Text(text::kGridCopyWithoutHeaders) + L"\t" + Text(text::kGridSelectAll) + L"\n");
     EXPECT_EQ(OnOneLine(L"\n a \r\n\t b\n"), L"a b");
 }
 

@@ -119,7 +119,7 @@ TEST_F(GridViewTest, CaptionsBeginWhereTheirCellsTextsDo) {
         }
         return -1;
     };
-    model_.AddNames({Text(40402_lsid)});
+    model_.AddNames({Text(text::kGridCopyWithoutHeaders)});
     Settle();
     QTableView* table = view_.FrozenTable();
     QHeaderView* header = table->horizontalHeader();
@@ -196,8 +196,8 @@ TEST_F(GridViewTest, CopiesWhatIsShownOfTheSelectedRows) {
     const std::wstring rows =
         L"true\ta\t1.00\tSummary of a second line of it\n"
         L"false\tc\t3.00\tSummary of c second line of it\n";
-    const std::wstring headers =
-        L"\t" + Text(40402_lsid) + L"\t" + Text(40403_lsid) + L"\t" + Text(40405_lsid) + L"\n";
+    const std::wstring headers = L"\t" + Text(text::kGridCopyWithoutHeaders) + L"\t" +
+                                 Text(text::kGridSelectAll) + L"\t" + Text(text::kGridAccessibleName) + L"\n";
     EXPECT_EQ(ToWide(QApplication::clipboard()->text()), headers + rows);
     view_.findChild<QAction*>("copyRows")->trigger();
     EXPECT_EQ(ToWide(QApplication::clipboard()->text()), rows);

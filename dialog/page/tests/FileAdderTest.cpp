@@ -71,7 +71,8 @@ class FileAdding : public ::testing::Test {
         return paths;
     }
 
-    AddingDescription description{13662_lsid, 13656_lsid, 13657_lsid, 10, nullptr};
+    AddingDescription description{text::kLasReadingProgress, text::kLasManyFilesQuestion,
+                                  text::kLasManyFilesCaption, 10, nullptr};
     std::function<Row(const std::wstring&)> inspect = [](const std::wstring& path) {
         return Row{path, L"ok"};
     };
@@ -116,7 +117,8 @@ TEST_F(FileAdding, TellsOfEveryFileWhetherListedOrNot) {
     std::vector<std::wstring> texts;
     std::vector<std::uint64_t> positions;
     for (std::uint64_t done = 0; done <= 250; ++done) {
-        texts.push_back(FormatText(Text(13662_lsid), {std::min<std::uint64_t>(done + 1, 250), 250}));
+        texts.push_back(
+            FormatText(Text(text::kLasReadingProgress), {std::min<std::uint64_t>(done + 1, 250), 250}));
         positions.push_back(done);
     }
     EXPECT_EQ(progress.texts, texts);

@@ -66,7 +66,7 @@ NoteInspection ReadNote(const std::wstring& path) {
 
 FileAdder<NoteInspection> NoteAdder() {
     AddingDescription adding;
-    adding.progressText = 13663_lsid;
+    adding.progressText = text::kRasterReadingProgress;
     return {adding, ReadNote, [](const std::wstring& path, const std::wstring& cause) -> NoteInspection {
                 return {path, cause};
             }};
@@ -91,11 +91,12 @@ FileListPageDescription DescribeNotes() {
     page.openFiles = [] { return OpenFilesRequest{}; };
     page.tooManyFiles = {{}, L"There are too many notes."};
     page.folderQuestion = {{}, L"Notes of subfolders too?"};
-    page.scanTexts.nothingFound = 13644_lsid;
+    page.scanTexts.nothingFound = text::kRasterFolderEmpty;
     page.scanTexts.nothingFoundIcon = PromptIcon::Error;
     page.extensions = {L".TXT", L".OLD"};
     page.folderExtensions = {L".TXT"};
-    page.detailsTabs = {{"html", 40631_lsid}, {"plain", 40633_lsid, DetailsTab::Kind::PlainText}};
+    page.detailsTabs = {{"html", text::kDetailsOverviewTab},
+                        {"plain", text::kDetailsRecordsTab, DetailsTab::Kind::PlainText}};
     return page;
 }
 
@@ -178,7 +179,7 @@ TEST_F(FilePage, PickFailuresAreToldAsDescribed) {
         PickOutcome outcome;
         std::wstring text;  // empty: nothing is said
     } cases[] = {{PickOutcome::BufferTooSmall, L"There are too many notes."},
-                 {PickOutcome::OutOfMemory, Text(10052_lsid)},
+                 {PickOutcome::OutOfMemory, Text(text::kPickerOutOfMemory)},
                  {PickOutcome::Failed, {}},
                  {PickOutcome::Cancelled, {}}};
     for (const auto& c : cases) {
@@ -188,7 +189,7 @@ TEST_F(FilePage, PickFailuresAreToldAsDescribed) {
         ASSERT_THAT(prompts.shown, SizeIs(c.text.empty() ? 0 : 1));
         for (const Prompt& prompt : prompts.shown) {
             EXPECT_EQ(prompt.text, c.text);
-            EXPECT_EQ(prompt.caption, Text(10184_lsid));
+            EXPECT_EQ(prompt.caption, Text(text::kPickerCaption));
             EXPECT_EQ(prompt.icon, PromptIcon::Error);
         }
     }
@@ -224,27 +225,27 @@ TEST_F(FilePage, AFolderIsSearchedForFewerKindsThanCanBeNamed) {
     EXPECT_THAT(Names(), ElementsAre(L"a.old", L"b.txt"));
     Drop({Note(L"c.las"), Note(L"d.txt")});
     EXPECT_THAT(Names(), ElementsAre(L"a.old", L"b.txt", L"d.txt"));
-    EXPECT_EQ(prompts.shown.back().text, FormatText(Text(41061_lsid), {1}));
+    EXPECT_EQ(prompts.shown.back().text, FormatText(Text(text::kOthersLeftOut), {1}));
 }
 
 TEST_F(FilePage, AFolderWithNothingToAddIsToldAsDescribed) {
     Note(L"in/a.old");
     Drop({folder.Name(L"in")});
     ASSERT_THAT(prompts.shown, SizeIs(1));
-    EXPECT_EQ(prompts.shown[0].text, Text(13644_lsid));
-    EXPECT_EQ(prompts.shown[0].caption, Text(18253_lsid));
+    EXPECT_EQ(prompts.shown[0].text, Text(text::kRasterFolderEmpty));
+    EXPECT_EQ(prompts.shown[0].caption, Text(text::kAddFolderCaption));
     EXPECT_EQ(prompts.shown[0].icon, PromptIcon::Error);
 }
 
 TEST_F(FilePage, AllRowsAreSelectedAtOnceAndTheDetailsFollow) {
     EXPECT_FALSE(Find("c8")->isEnabled());
-    EXPECT_EQ(ToWide(Find<QTextEdit>("html")->toPlainText()), Text(41063_lsid));
+    EXPECT_EQ(ToWide(Find<QTextEdit>("html")->toPlainText()), Text(text::kDetailsNoSelection));
     page->AddPaths({Note(L"a.txt"), Note(L"b.txt"), Note(L"c.txt")});
     EXPECT_THAT(Grid().SelectedRows(), ElementsAre(0)) << "the first row is selected when it comes";
     EXPECT_EQ(Find<QTextEdit>("html")->toPlainText(), QStringLiteral("<a.txt"));
     Click("c8");
     EXPECT_THAT(Grid().SelectedRows(), ElementsAre(0, 1, 2));
-    EXPECT_EQ(ToWide(Find<QLabel>("detailsTitle")->text()), Text(40630_lsid) + L": 3 selected");
+    EXPECT_EQ(ToWide(Find<QLabel>("detailsTitle")->text()), Text(text::kDetailsTitle) + L": 3 selected");
     Grid().SelectRows({2});
     EXPECT_EQ(Find<QPlainTextEdit>("plain")->toPlainText(), QStringLiteral("3"));
     Grid().SelectRows({0, 1});

@@ -82,7 +82,10 @@ TEST(LayerTreeModel, TellsOfRastersWhatTheyAre) {
     EXPECT_EQ(model.index(0, LayerTreeModel::kSize, layer).data().toString(), "640 x 480");
     EXPECT_EQ(model.index(0, LayerTreeModel::kFormat, layer).data().toString(), "GTiff");
     EXPECT_NE(model.index(1, LayerTreeModel::kFormat, layer).data().toString(), "GTiff");
-    EXPECT_TRUE(model.index(1, 0, layer).data(Qt::ToolTipRole).toString().contains(HostText(41428_lsid)));
+    EXPECT_TRUE(model.index(1, 0, layer)
+                    .data(Qt::ToolTipRole)
+                    .toString()
+                    .contains(HostText(text::kRasterWithoutPlaceTooltip)));
 }
 
 TEST(LayerTreeModel, HoldsTogetherThroughChanges) {
@@ -285,7 +288,7 @@ TEST_F(MapThumbnailTest, RotatedCornersStayEmptyAndAProblemIsTold) {
     QHelpEvent help(QEvent::ToolTip, overBad, view_.viewport()->mapToGlobal(overBad));
     QApplication::sendEvent(view_.viewport(), &help);
     EXPECT_TRUE(QToolTip::text().contains("bad.tif")) << QToolTip::text().toStdString();
-    EXPECT_TRUE(QToolTip::text().contains(HostText(41421_lsid, {L""}).trimmed()))
+    EXPECT_TRUE(QToolTip::text().contains(HostText(text::kOutlineReason, {L""}).trimmed()))
         << QToolTip::text().toStdString();
     QToolTip::hideText();
 }

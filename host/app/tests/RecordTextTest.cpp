@@ -77,12 +77,13 @@ TEST(RecordText, TellsRastersAndElevationFiles) {
           L"  terrain.asc\n", L"  old: ", L": 12\n", L": <ORVEX_PROJECT_PATH>\\DEM Import\n"}) {
         EXPECT_NE(text.find(part), std::wstring::npos) << ToUtf8(part) << "\n" << ToUtf8(text);
     }
-    EXPECT_NE(text.find(Text(41438_lsid)), std::wstring::npos) << "what the host does not do goes unsaid";
+    EXPECT_NE(text.find(Text(text::kRecordPyramidNotBuilt)), std::wstring::npos)
+        << "what the host does not do goes unsaid";
     EXPECT_EQ(text.find(L'#'), std::wstring::npos) << "a text is missing";
 }
 
 TEST(RecordText, SaysThatThereIsNothing) {
-    EXPECT_EQ(RecordText(AddFilesParams()), Text(40859_lsid) + L"\n");
+    EXPECT_EQ(RecordText(AddFilesParams()), Text(text::kRecordEmpty) + L"\n");
 }
 
 }  // namespace

@@ -128,10 +128,10 @@ TEST_F(ThumbnailTest, TooMuchWorkIsLeftUnlessThereAreOverviews) {
     limits.decodedBytes = 70000;
     const std::wstring path =
         TestRaster(400, 400, GDT_Byte, std::vector<double>(160000, 9)).Save(folder_, L"a.tif", {"TILED=YES"});
-    EXPECT_EQ(ReadThumbnail(path, Never, limits).problem, HostText(41420_lsid));
+    EXPECT_EQ(ReadThumbnail(path, Never, limits).problem, HostText(text::kOutlineNoOverviews));
     limits.decodedBytes = 1 << 20;
     limits.blockBytes = 1000;
-    EXPECT_EQ(ReadThumbnail(path, Never, limits).problem, HostText(41420_lsid));
+    EXPECT_EQ(ReadThumbnail(path, Never, limits).problem, HostText(text::kOutlineNoOverviews));
     {
         const GDALDatasetUniquePtr dataset(
             GDALDataset::Open(ToUtf8(path).c_str(), GDAL_OF_RASTER | GDAL_OF_UPDATE));

@@ -284,7 +284,7 @@ TEST(InspectCommand, StopsWithACompleteDocumentAndReportsAFullDrive) {
     std::ostream full(&refusing);
     std::ostringstream err;
     EXPECT_EQ(RunInspectCommand({good}, {full, err}), kInspectFailed);
-    EXPECT_EQ(err.str(), ToUtf8(Text(41050_lsid)) + '\n');
+    EXPECT_EQ(err.str(), ToUtf8(Text(text::kInspectWriteFailed)) + '\n');
 }
 
 TEST(InspectCsv, QuotesFieldsAndFillsTheColumnsOfAKind) {

@@ -40,7 +40,7 @@ TEST_F(StringLibrary, GivesEveryTextOfTheUsersLanguage) {
 TEST_F(StringLibrary, FollowsTheProductsVariable) {
     const char* language = std::getenv("ORVEX_LANGUAGE");
     ASSERT_NE(language, nullptr) << "run this through ctest, which runs it once per language";
-    EXPECT_STREQ(LSwchar(13453), language == std::string_view("de") ? L"Abbrechen" : L"Cancel");
+    EXPECT_STREQ(LSwchar(text::kCancel.value), language == std::string_view("de") ? L"Abbrechen" : L"Cancel");
 }
 
 TEST_F(StringLibrary, NamesAnUnknownIdAndReportsItOnce) {
@@ -77,7 +77,7 @@ TEST_F(StringLibrary, PointersStayTheSameForEveryThread) {
             for (unsigned i = 0; i < kCount; ++i) {
                 pointers.push_back(LSwchar(kFirst + i));
             }
-            pointers.push_back(LSwchar(13558));
+            pointers.push_back(LSwchar(text::kLasTab.value));
         });
     }
     for (std::thread& thread : threads) {

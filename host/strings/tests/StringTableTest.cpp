@@ -7,16 +7,18 @@ namespace {
 
 TEST(StringTable, ReadsTextsAndResolvesEscapes) {
     const StringTable table = ParseStringTable(
-        "# id\ttext\twhere\n"
+        "# id\tname\ttext\twhere\n"
         "7\tFirst line\\nsecond\\tcell \\\\n\tpage\n"
         "\n"
-        "4294967295\tGrößer – ≥\tmessage\r\n"
+        "4294967295\tkLarger\tGrößer – ≥\tmessage\r\n"
         "8\tlast line without its end\tpage");
     EXPECT_TRUE(table.problems.empty());
     ASSERT_EQ(table.entries.size(), 3U);
     EXPECT_EQ(table.entries[0].id, 7U);
+    EXPECT_EQ(table.entries[0].name, "");
     EXPECT_EQ(table.entries[0].text, "First line\nsecond\tcell \\n");
     EXPECT_EQ(table.entries[1].id, 4294967295U);
+    EXPECT_EQ(table.entries[1].name, "kLarger");
     EXPECT_EQ(table.entries[1].text, "Größer – ≥");
     EXPECT_EQ(table.entries[1].use, "message");
     EXPECT_EQ(table.entries[2].text, "last line without its end");
@@ -28,9 +30,9 @@ TEST(StringTable, SkipsAMalformedLineAndSaysWhy) {
         const char* reason;
     };
     const Case cases[] = {
-        {"12", "not three columns"},
-        {"12\ttext", "not three columns"},
-        {"12\ttext\tuse\tmore", "not three columns"},
+        {"12", "not three or four columns"},
+        {"12\ttext", "not three or four columns"},
+        {"12\tname\ttext\tuse\tmore", "not three or four columns"},
         {"12 \ttext\tuse", "the id is not a positive number"},
         {"-12\ttext\tuse", "the id is not a positive number"},
         {"0\ttext\tuse", "the id is not a positive number"},
@@ -40,6 +42,7 @@ TEST(StringTable, SkipsAMalformedLineAndSaysWhy) {
         {"12\tends with\\\tuse", "unknown escape"},
         {"12\t\tuse", "an empty column"},
         {"12\ttext\t", "an empty column"},
+        {"12\t\ttext\tuse", "an empty column"},
         {"1\tagain\tuse", "the id 1 is there already"},
     };
     for (const Case& c : cases) {

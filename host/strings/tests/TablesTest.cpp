@@ -2,16 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <charconv>
-#include <filesystem>
 #include <map>
+#include <regex>
 #include <set>
 
 #include "host/strings/EmbeddedTables.h"
 #include "host/strings/StringTable.h"
 #include "support/Format.h"
 #include "support/Text.h"
-#include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
@@ -91,31 +89,42 @@ TEST(Tables, TextsAreTidy) {
 // The placeholders that the callers fill, and the room that a text has where a fixed buffer takes it.
 TEST(Tables, FormatsTakeWhatTheirCallersPass) {
     struct Case {
-        unsigned id;
+        StringId id;
         const char* conversions;
         std::size_t room;
     };
     const Case cases[] = {
-        {792, "s", 515},    {794, "s", 515},   {13656, "d", 512}, {13662, "dd", 256}, {13663, "dd", 256},
-        {13678, "dd", 256}, {3312, "dd", 256}, {13636, "s", 260}, {3252, "s", 512},   {3245, "s", 1024},
-        {13643, "", 255},   {3239, "", 255},   {3320, "", 255},   {3214, "", 256},    {13647, "", 256},
-        {13556, "", 512},   {7669, "", 512},   {10048, "", 512},  {3228, "", 256},
+        {text::kVlrReadFailed, "s", 515},          {text::kLasHeaderReadFailed, "s", 515},
+        {text::kLasManyFilesQuestion, "d", 512},   {text::kLasReadingProgress, "dd", 256},
+        {text::kRasterReadingProgress, "dd", 256}, {text::kFeatureReadingProgress, "dd", 256},
+        {text::kPhotoReadingProgress, "dd", 256},  {text::kPhotoMetadataItemFailed, "s", 260},
+        {text::kFeatureLayerExists, "s", 512},     {text::kFeatureOutputFolderRefused, "s", 1024},
+        {text::kRasterPickerTitle, "", 255},       {text::kDemPickerTitle, "", 255},
+        {text::kPhotoPickerTitle, "", 255},        {text::kLasReopeningProgress, "", 256},
+        {text::kFolderSearchProgress, "", 256},    {text::kLasSubfoldersQuestion, "", 512},
+        {text::kThinningRefused, "", 512},         {text::kLasTooManySelected, "", 512},
+        {text::kDemThinningMask, "", 256},
     };
     for (const Language language : kLanguages) {
         const Texts texts = TextsOf(language);
         for (const Case& c : cases) {
-            const auto found = texts.find(c.id);
-            ASSERT_NE(found, texts.end()) << NameOf(language) << " " << c.id;
+            const auto found = texts.find(c.id.value);
+            ASSERT_NE(found, texts.end()) << NameOf(language) << " " << c.id.value;
             const std::wstring text = FromUtf8(found->second.text);
-            EXPECT_EQ(ConversionsOf(text), c.conversions) << NameOf(language) << " " << c.id;
-            EXPECT_LT(text.size(), c.room) << NameOf(language) << " " << c.id;
+            EXPECT_EQ(ConversionsOf(text), c.conversions) << NameOf(language) << " " << c.id.value;
+            EXPECT_LT(text.size(), c.room) << NameOf(language) << " " << c.id.value;
         }
     }
 }
 
 // Only formats may hold a conversion: a caller that shows a text as it is would show "%d".
 TEST(Tables, OnlyFormatsHoldConversions) {
-    const std::set<unsigned> formats = {792, 794, 13656, 13662, 13663, 13678, 3312, 13636, 3252, 3245};
+    const std::set<unsigned> formats = {
+        text::kVlrReadFailed.value,         text::kLasHeaderReadFailed.value,
+        text::kLasManyFilesQuestion.value,  text::kLasReadingProgress.value,
+        text::kRasterReadingProgress.value, text::kFeatureReadingProgress.value,
+        text::kPhotoReadingProgress.value,  text::kPhotoMetadataItemFailed.value,
+        text::kFeatureLayerExists.value,    text::kFeatureOutputFolderRefused.value};
     for (const auto& [id, entry] : TextsOf(Language::kEnglish)) {
         const bool ownRange = id >= 40000 && id < 60000;
         EXPECT_TRUE(ownRange || formats.contains(id) || ConversionsOf(FromUtf8(entry.text)).empty())
@@ -123,51 +132,17 @@ TEST(Tables, OnlyFormatsHoldConversions) {
     }
 }
 
-bool IsSource(const std::filesystem::path& path) {
-    return path.extension() == ".cpp" || path.extension() == ".h";
-}
-
-bool IsSkippedFolder(const std::filesystem::path& path) {
-    const std::string name = path.filename().string();
-    return name == "tests" || name == "build" || name.starts_with('.');
-}
-
-// The numbers written as 13558_lsid.
-std::set<unsigned> IdsIn(const std::string& source) {
-    constexpr std::string_view kSuffix = "_lsid";
-    std::set<unsigned> ids;
-    for (std::size_t at = source.find(kSuffix); at != std::string::npos; at = source.find(kSuffix, at + 1)) {
-        std::size_t start = at;
-        while (start > 0 && source[start - 1] >= '0' && source[start - 1] <= '9') {
-            --start;
-        }
-        unsigned id = 0;
-        std::from_chars(source.data() + start, source.data() + at, id);
-        if (id != 0) {
-            ids.insert(id);
-        }
+// A name that is no constant of the code would leave its text out of the generated header.
+TEST(Tables, EveryTextHasANameOfItsOwn) {
+    const std::regex constant("k[A-Z][A-Za-z0-9]*");
+    std::set<std::string> names;
+    for (const auto& [id, entry] : TextsOf(Language::kEnglish)) {
+        EXPECT_TRUE(std::regex_match(entry.name, constant)) << id << ": " << entry.name;
+        EXPECT_TRUE(names.insert(entry.name).second) << id << ": " << entry.name << " is there already";
     }
-    return ids;
-}
-
-TEST(Tables, HoldEveryIdThatTheCodeUses) {
-    const Texts english = TextsOf(Language::kEnglish);
-    const Texts german = TextsOf(Language::kGerman);
-    std::size_t files = 0;
-    auto walk = std::filesystem::recursive_directory_iterator(ORVEX_SOURCE_DIR);
-    for (auto entry = begin(walk); entry != end(walk); ++entry) {
-        if (entry->is_directory()) {
-            if (IsSkippedFolder(entry->path())) {
-                entry.disable_recursion_pending();
-            }
-        } else if (IsSource(entry->path())) {
-            ++files;
-            for (const unsigned id : IdsIn(testing::ReadFile(FromPath(entry->path())))) {
-                EXPECT_TRUE(english.contains(id) && german.contains(id)) << entry->path() << " uses " << id;
-            }
-        }
+    for (const auto& [id, entry] : TextsOf(Language::kGerman)) {
+        EXPECT_EQ(entry.name, "") << "strings.de.tsv " << id << ": names stand in the English table alone";
     }
-    EXPECT_GT(files, 30U);
 }
 
 }  // namespace

@@ -22,8 +22,8 @@ TEST_F(LasPage, AThinningThatIsTooSmallRefuses) {
     for (const char* text : {"1", "0", ""}) {
         Find<QLineEdit>("c267")->setText(text);
         EXPECT_FALSE(page->ValidateAndStore());
-        EXPECT_EQ(prompts.shown.back().text, Text(7669_lsid));
-        EXPECT_EQ(prompts.shown.back().caption, Text(7670_lsid));
+        EXPECT_EQ(prompts.shown.back().text, Text(text::kThinningRefused));
+        EXPECT_EQ(prompts.shown.back().caption, Text(text::kThinningCaption));
     }
     EXPECT_THAT(prompts.shown, SizeIs(3));
     EXPECT_THAT(params.lasFiles, IsEmpty());

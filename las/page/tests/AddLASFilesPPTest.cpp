@@ -32,23 +32,37 @@ using testing::LasPage;
 using ::testing::SizeIs;
 
 TEST_F(LasPage, EveryControlIsThereWithCaptionAndTooltip) {
-    const std::pair<const char*, unsigned> captions[] = {
-        {"c252", 13463}, {"c253", 13462}, {"c254", 13464}, {"c255", 13465}, {"c259", 13469},
-        {"c260", 13470}, {"c262", 41001}, {"c263", 41002}, {"c268", 41005}, {"c269", 41006},
-        {"c270", 41007}, {"c280", 13658}, {"c281", 3256},  {"c283", 41004}, {"c284", 41008},
-        {"c376", 41010}, {"c377", 41011}, {"c378", 41012}, {"c417", 41013}};
+    const std::pair<const char*, StringId> captions[] = {{"c252", text::kAddFolder},
+                                                         {"c253", text::kAddFiles},
+                                                         {"c254", text::kRemove},
+                                                         {"c255", text::kClear},
+                                                         {"c259", text::kOpenReadOnly},
+                                                         {"c260", text::kOpenReadWrite},
+                                                         {"c262", text::kLoadFiles},
+                                                         {"c263", text::kLoadFootprintsOnly},
+                                                         {"c268", text::kPyramidOrvexLas},
+                                                         {"c269", text::kPyramidQvr},
+                                                         {"c270", text::kPyramidNone},
+                                                         {"c280", text::kAppendToCompatibleLayers},
+                                                         {"c281", text::kIgnoreIncompatibleCrs},
+                                                         {"c283", text::kLoadCorruptFiles},
+                                                         {"c284", text::kConvertQvr},
+                                                         {"c376", text::kOriginalsOverwrite},
+                                                         {"c377", text::kOriginalsBackup},
+                                                         {"c378", text::kOriginalsBackupCompress},
+                                                         {"c417", text::kRecreateOrvexLas}};
     for (const auto& [name, id] : captions) {
         auto* button = Find<QAbstractButton>(name);
         QString caption = button->text();
         caption.remove(QRegularExpression(QStringLiteral("&(?!&)(?<!&&)")));
-        EXPECT_EQ(ToWide(caption), Text(StringId{id})) << name;
+        EXPECT_EQ(ToWide(caption), Text(id)) << name;
         EXPECT_FALSE(button->toolTip().isEmpty()) << name;
     }
     for (const char* name :
          {"c247", "c248", "c249", "c250", "c251", "c258", "c261", "c264", "c266", "c267", "c282", "c375"}) {
         Find<QWidget>(name);
     }
-    EXPECT_EQ(ToWide(Grid().ShownMessage()), Text(40674_lsid));
+    EXPECT_EQ(ToWide(Grid().ShownMessage()), Text(text::kLasEmptyGrid));
     for (const char* name : {"c254", "c255", "c249"}) {
         EXPECT_FALSE(Enabled(name)) << name;
     }
@@ -97,14 +111,15 @@ TEST_F(LasPage, ALazFileAndItsLasFileAreOneFile) {
 }
 
 TEST_F(LasPage, PickerFailuresAreToldAndAddNothing) {
-    const std::pair<PickOutcome, unsigned> cases[] = {{PickOutcome::BufferTooSmall, 10048},
-                                                      {PickOutcome::OutOfMemory, 10052}};
+    const std::pair<PickOutcome, StringId> cases[] = {
+        {PickOutcome::BufferTooSmall, text::kLasTooManySelected},
+        {PickOutcome::OutOfMemory, text::kPickerOutOfMemory}};
     for (const auto& [outcome, text] : cases) {
         pickers.files.push_back({outcome, {}});
         Click("c253");
         ASSERT_FALSE(prompts.shown.empty());
-        EXPECT_EQ(prompts.shown.back().text, Text(StringId{text}));
-        EXPECT_EQ(prompts.shown.back().caption, Text(10184_lsid));
+        EXPECT_EQ(prompts.shown.back().text, Text(text));
+        EXPECT_EQ(prompts.shown.back().caption, Text(text::kPickerCaption));
         EXPECT_EQ(prompts.shown.back().icon, PromptIcon::Error);
     }
     Click("c253");
@@ -118,8 +133,8 @@ TEST_F(LasPage, TheTenthRowAsksOnceWhetherToGoOn) {
     PickAndAdd(paths);
     EXPECT_EQ(page->Model().rowCount(), 10);
     ASSERT_THAT(prompts.shown, SizeIs(1));
-    EXPECT_EQ(prompts.shown[0].text, FormatText(Text(13656_lsid), {12}));
-    EXPECT_EQ(prompts.shown[0].caption, Text(13657_lsid));
+    EXPECT_EQ(prompts.shown[0].text, FormatText(Text(text::kLasManyFilesQuestion), {12}));
+    EXPECT_EQ(prompts.shown[0].caption, Text(text::kLasManyFilesCaption));
     EXPECT_THAT(Layers(), Contains(L"LAS Layer_1").Times(10)) << "what was added has its layer";
     PickAndAdd(paths);
     EXPECT_EQ(page->Model().rowCount(), 12);
@@ -153,7 +168,7 @@ TEST_F(LasPage, AFolderIsSearchedAsTheAnswerSays) {
         prompts.answers = {c.answer};
         Click("c252");
         EXPECT_THAT(Names(), ::testing::UnorderedElementsAreArray(c.names));
-        EXPECT_EQ(prompts.shown.back().text, Text(13556_lsid));
+        EXPECT_EQ(prompts.shown.back().text, Text(text::kLasSubfoldersQuestion));
         EXPECT_EQ(prompts.shown.back().buttons, PromptButtons::YesNoCancel);
         page->Release();
     }
@@ -171,7 +186,8 @@ TEST_F(LasPage, DroppedFilesAreAddedByTheirExtension) {
     QApplication::sendEvent(page.get(), &drop);
     EXPECT_THAT(Names(), ElementsAre(L"a.LAS", L"b.laz"));
     ASSERT_THAT(prompts.shown, SizeIs(1));
-    EXPECT_EQ(prompts.shown[0].text, FormatText(Text(41051_lsid), {1})) << "c.txt is no LAS file";
+    EXPECT_EQ(prompts.shown[0].text, FormatText(Text(text::kLasOthersLeftOut), {1}))
+        << "c.txt is no LAS file";
     EXPECT_TRUE(page->Accepts(folder.Name({})));
     EXPECT_FALSE(page->Accepts(L"/nowhere/c.tif"));
 }
@@ -181,7 +197,7 @@ TEST_F(LasPage, AFolderWithoutLasFilesIsTold) {
     pickers.folders = {folder.Name(L"in")};
     Click("c252");
     ASSERT_THAT(prompts.shown, SizeIs(2));
-    EXPECT_EQ(prompts.shown[1].text, Text(41052_lsid));
+    EXPECT_EQ(prompts.shown[1].text, Text(text::kLasFolderEmpty));
     EXPECT_EQ(prompts.shown[1].icon, PromptIcon::Information);
 }
 
@@ -189,8 +205,9 @@ TEST(LasPageTasks, AFailureNamesItsFileOnceAndALongListIsCut) {
     std::vector<LasFileFailure> failures(12, {L"/a.laz", L"The disk is full."});
     failures[0].cause = L"/a.laz is broken.";
     const std::wstring text = OpenFailuresPrompt(failures).text;
-    EXPECT_TRUE(text.starts_with(Text(40671_lsid) + L"\n\n/a.laz is broken.\n/a.laz: The disk is full.\n"));
-    EXPECT_TRUE(text.ends_with(L"\n" + FormatText(Text(40672_lsid), {2})));
+    EXPECT_TRUE(text.starts_with(Text(text::kLasOpenModeFailed) +
+                                 L"\n\n/a.laz is broken.\n/a.laz: The disk is full.\n"));
+    EXPECT_TRUE(text.ends_with(L"\n" + FormatText(Text(text::kMoreItems), {2})));
 }
 
 TEST_F(LasPage, RemovingFreesTheRowsAndNamesTheLayersAnew) {
@@ -264,11 +281,11 @@ TEST_F(LasPage, TheDetailsFollowTheSelection) {
     Grid().SelectRows({1});
     EXPECT_THAT(ToWide(Find<QTextEdit>("detailsCrs")->toPlainText()), HasSubstr(L"25832"));
     EXPECT_THAT(ToWide(Find<QPlainTextEdit>("detailsRecords")->toPlainText()), HasSubstr(L"LASF_Projection"));
-    EXPECT_THAT(ToWide(overview->toPlainText()), HasSubstr(Text(40664_lsid)));
+    EXPECT_THAT(ToWide(overview->toPlainText()), HasSubstr(Text(text::kLasDetailsOffset)));
     Grid().SelectRows({0, 1});
     EXPECT_THAT(ToWide(overview->toPlainText()), HasSubstr(L"18"));
     Grid().ClearSelection();
-    EXPECT_EQ(ToWide(overview->toPlainText()), Text(40634_lsid));
+    EXPECT_EQ(ToWide(overview->toPlainText()), Text(text::kLasDetailsNoSelection));
 }
 
 TEST_F(LasPage, TheDetailsPaneRemembersThatItWasFolded) {

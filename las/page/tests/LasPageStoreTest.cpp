@@ -125,7 +125,7 @@ TEST_F(LasStore, ReadWriteDecompressesALazFileOnceAndOpensItsLasFile) {
     EXPECT_TRUE(params.lasFileLayers.contains(laz));
     EXPECT_EQ(rows[0].inspection.path, laz) << "the list still names the LAZ file";
     EXPECT_EQ(testing::ReadFile(laz), before);
-    EXPECT_THAT(progress.texts, ElementsAre(Text(3214_lsid)));
+    EXPECT_THAT(progress.texts, ElementsAre(Text(text::kLasReopeningProgress)));
 
     // Again, in both modes: nothing is decompressed any more.
     const LASFile* opened = rows[0].inspection.file.get();

@@ -87,7 +87,7 @@ TEST_F(DemPage, TheTokenIsInsertedOnce) {
 TEST_F(DemPage, ABrowsedFolderEndsWithOneSeparator) {
     pickers.folders = {std::nullopt, L"/data/out/", L"/data/out\\", folder.Name(L"out")};
     Click(kBrowse);
-    EXPECT_THAT(pickers.folderTitles, ElementsAre(Text(3203_lsid)));
+    EXPECT_THAT(pickers.folderTitles, ElementsAre(Text(text::kDemOutputFolderTitle)));
     EXPECT_EQ(ToWide(Folder().text()), L"<ORVEX_PROJECT_PATH>\\DEM Import") << "cancelled";
     for (const wchar_t* ended : {L"/data/out/", L"/data/out\\"}) {
         Click(kBrowse);
@@ -101,18 +101,18 @@ TEST_F(DemPage, ThePromptsAndThePickerAreItsOwn) {
     params.initialFolder = L"/data/dem";
     pickers.files.push_back({PickOutcome::BufferTooSmall, {}});
     Click(kAddFiles);
-    EXPECT_EQ(pickers.asked.at(0).title, Text(3239_lsid));
+    EXPECT_EQ(pickers.asked.at(0).title, Text(text::kDemPickerTitle));
     EXPECT_EQ(pickers.asked[0].initialFolder, L"/data/dem");
     EXPECT_THAT(pickers.asked[0].filters, SizeIs(11));
     AddFolder(folder.Name({}), PromptAnswer::Cancel);
     ASSERT_THAT(prompts.shown, SizeIs(2));
-    EXPECT_EQ(prompts.shown[0].text, Text(3240_lsid));
-    EXPECT_EQ(prompts.shown[0].caption, Text(10184_lsid));
+    EXPECT_EQ(prompts.shown[0].text, Text(text::kDemTooManySelected));
+    EXPECT_EQ(prompts.shown[0].caption, Text(text::kPickerCaption));
     EXPECT_EQ(prompts.shown[0].icon, PromptIcon::Error);
-    EXPECT_EQ(prompts.shown[1].text, Text(3241_lsid));
-    EXPECT_EQ(prompts.shown[1].caption, Text(18253_lsid));
+    EXPECT_EQ(prompts.shown[1].text, Text(text::kDemSubfoldersQuestion));
+    EXPECT_EQ(prompts.shown[1].caption, Text(text::kAddFolderCaption));
     EXPECT_EQ(prompts.shown[1].buttons, PromptButtons::YesNoCancel);
-    EXPECT_THAT(pickers.folderTitles, ElementsAre(Text(18251_lsid)));
+    EXPECT_THAT(pickers.folderTitles, ElementsAre(Text(text::kFolderTitle)));
     EXPECT_EQ(prompts.shown[1].icon, PromptIcon::Question);
 }
 
@@ -136,8 +136,8 @@ TEST_F(DemPage, AThinningFactorBelow2IsRefused) {
     for (const char* keys : {"1", "0", ""}) {
         TypeThinning(keys);
         EXPECT_FALSE(page->ValidateAndStore()) << keys;
-        EXPECT_EQ(prompts.shown.back().text, Text(7669_lsid));
-        EXPECT_EQ(prompts.shown.back().caption, Text(7670_lsid));
+        EXPECT_EQ(prompts.shown.back().text, Text(text::kThinningRefused));
+        EXPECT_EQ(prompts.shown.back().caption, Text(text::kThinningCaption));
         EXPECT_THAT(params.demFiles, IsEmpty());
     }
     EXPECT_THAT(Names(), SizeIs(1));

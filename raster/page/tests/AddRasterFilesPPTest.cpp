@@ -39,7 +39,7 @@ TEST_F(RasterPage, APickedFileIsDescribedAndGetsALayer) {
     EXPECT_EQ(Shown(RasterColumn::PixelSizes)[0], L"0.50000000 x 0.50000000");
     EXPECT_EQ(Shown(RasterColumn::LinearUnit)[0], L"Meters");
     EXPECT_EQ(Shown(RasterColumn::ProjectionCode)[0], L"EPSG:25832");
-    EXPECT_THAT(ToUtf8(Shown(RasterColumn::Summary)[2]), HasSubstr(ToUtf8(Text(13638_lsid))));
+    EXPECT_THAT(ToUtf8(Shown(RasterColumn::Summary)[2]), HasSubstr(ToUtf8(Text(text::kRasterCannotBeRead))));
     EXPECT_THAT(prompts.shown, IsEmpty()) << "one bad file is no reason for a message";
     EXPECT_THAT(PaneText("rasterOverview"), HasSubstr("20 x 10"));
     EXPECT_THAT(PaneText("rasterCrs"), HasSubstr("25832"));
@@ -59,7 +59,7 @@ TEST_F(RasterPage, ThePickerIsAskedForTheFilesThatThePageTakes) {
     Click(kAddFiles);
     ASSERT_THAT(pickers.asked, SizeIs(1));
     const OpenFilesRequest& asked = pickers.asked[0];
-    EXPECT_EQ(asked.title, Text(13643_lsid));
+    EXPECT_EQ(asked.title, Text(text::kRasterPickerTitle));
     EXPECT_EQ(asked.initialFolder, L"/data/rasters");
     EXPECT_EQ(asked.bufferCharacters, 130261U);
     std::vector<std::wstring> filters;
@@ -82,13 +82,13 @@ TEST_F(RasterPage, APickerThatFailsAddsNothing) {
          L"There are too many selected files for the allocated buffer. Select fewer files, then add more "
          L"files to "
          L"the layer using the Raster Files tab."},
-        {PickOutcome::OutOfMemory, Text(10052_lsid)}};
+        {PickOutcome::OutOfMemory, Text(text::kPickerOutOfMemory)}};
     for (const auto& [outcome, text] : told) {
         pickers.files.push_back({outcome, {Tif(L"a.tif")}});
         Click(kAddFiles);
         ASSERT_FALSE(prompts.shown.empty());
         EXPECT_EQ(prompts.shown.back().text, text);
-        EXPECT_EQ(prompts.shown.back().caption, Text(10184_lsid));
+        EXPECT_EQ(prompts.shown.back().caption, Text(text::kPickerCaption));
     }
     for (const PickOutcome outcome : {PickOutcome::Failed, PickOutcome::Cancelled}) {
         pickers.files.push_back({outcome, {}});
@@ -112,7 +112,7 @@ TEST_F(RasterPage, AFolderIsSearchedForItsOwnListOfExtensions) {
                                      L"m.bmp", L"n.jp2", L"o.jp2k", L"p.ecw", L"q.img", L"r.flt"));
     ASSERT_THAT(prompts.shown, SizeIs(1));
     EXPECT_EQ(prompts.shown[0].text, L"Would you like to add raster files from all subfolders as well?");
-    EXPECT_EQ(prompts.shown[0].caption, Text(18253_lsid));
+    EXPECT_EQ(prompts.shown[0].caption, Text(text::kAddFolderCaption));
     EXPECT_EQ(prompts.shown[0].buttons, PromptButtons::YesNoCancel);
     AddFolder(folder.Name(L"in"), PromptAnswer::Cancel);
     EXPECT_THAT(Names(), SizeIs(13));
@@ -128,8 +128,8 @@ TEST_F(RasterPage, AFolderWithoutRastersIsTold) {
     folder.Write(L"in/d.sid", "x");
     AddFolder(folder.Name(L"in"), PromptAnswer::Yes);
     ASSERT_THAT(prompts.shown, SizeIs(2));
-    EXPECT_EQ(prompts.shown[1].text, Text(13644_lsid));
-    EXPECT_EQ(prompts.shown[1].caption, Text(18253_lsid));
+    EXPECT_EQ(prompts.shown[1].text, Text(text::kRasterFolderEmpty));
+    EXPECT_EQ(prompts.shown[1].caption, Text(text::kAddFolderCaption));
     EXPECT_EQ(prompts.shown[1].icon, PromptIcon::Error);
     EXPECT_THAT(Names(), IsEmpty());
 }
@@ -161,8 +161,8 @@ TEST_F(RasterPage, AnExceptionWhileReadingIsToldOnceAndTheFilesAreListed) {
     PickAndAdd({Tif(L"a.tif"), Tif(L"b.tif")});
     EXPECT_THAT(Names(), ElementsAre(L"a.tif", L"b.tif"));
     ASSERT_THAT(prompts.shown, SizeIs(1));
-    EXPECT_EQ(prompts.shown[0].text, Text(13498_lsid));
-    EXPECT_EQ(prompts.shown[0].caption, Text(13498_lsid));
+    EXPECT_EQ(prompts.shown[0].text, Text(text::kRasterPropertiesFailed));
+    EXPECT_EQ(prompts.shown[0].caption, Text(text::kRasterPropertiesFailed));
     EXPECT_EQ(prompts.shown[0].icon, PromptIcon::Error);
 }
 
@@ -243,13 +243,15 @@ TEST_F(RasterPage, ControlsFollowTheRows) {
     PickAndAdd({Tif(L"a.tif"), Tif(L"b.tif")});
     Click(kSelectAll);
     EXPECT_THAT(Grid().SelectedRows(), SizeIs(2));
-    EXPECT_THAT(PaneText("rasterOverview"), HasSubstr(ToUtf8(Text(40652_lsid))));
+    EXPECT_THAT(PaneText("rasterOverview"), HasSubstr(ToUtf8(Text(text::kTotalsFiles))));
     Click(kClear);
     EXPECT_THAT(Names(), IsEmpty());
-    const std::pair<int, unsigned> tooltips[] = {
-        {kSelectAll, 13477}, {kHelp, 13557}, {kDetailColumns, 13478}, {kPyramid, 13583}};
+    const std::pair<int, StringId> tooltips[] = {{kSelectAll, text::kSelectAllTooltip},
+                                                 {kHelp, text::kHelpTooltip},
+                                                 {kDetailColumns, text::kDetailColumnsTooltip},
+                                                 {kPyramid, text::kRasterPyramidsTooltip}};
     for (const auto& [id, tooltip] : tooltips) {
-        EXPECT_EQ(ToWide(Find<QWidget>(id)->toolTip()), Text({tooltip})) << id;
+        EXPECT_EQ(ToWide(Find<QWidget>(id)->toolTip()), Text(tooltip)) << id;
     }
 }
 
@@ -275,7 +277,8 @@ TEST(RasterModel, StaysConsistentThroughInsertsRemovalsAndClearing) {
     model.Append(std::move(batch));
     EXPECT_EQ(model.columnCount(), kDemColumnCount);
     EXPECT_EQ(model.CellText(1, IndexOf(RasterColumn::FileName)), L"b.tif");
-    EXPECT_EQ(ToWide(model.index(0, 8).data(Qt::ToolTipRole).toString()), Text(13638_lsid) + L" why");
+    EXPECT_EQ(ToWide(model.index(0, 8).data(Qt::ToolTipRole).toString()),
+              Text(text::kRasterCannotBeRead) + L" why");
     model.Remove({0, 2});
     EXPECT_EQ(model.Rows().front().inspection.path, L"/b.tif");
     model.Clear();

@@ -58,28 +58,28 @@ RasterInspection Dem() {
 TEST(RasterDetails, TheOverviewTellsWhatLoadingTakes) {
     const auto sections = RasterOverview(testing::ListedRow(Dem(), L"DEM LAS Layer_1"), RasterUse::Dem);
     const std::pair<StringId, const wchar_t*> values[] = {
-        {13568_lsid, L"GeoTIFF"},
-        {13505_lsid, L"2.34"},
-        {41289_lsid, L"3.00"},
-        {41290_lsid, L"dem.tfw\ndem.tif.aux.xml"},
-        {13507_lsid, L"DEM LAS Layer_1"},
-        {13513_lsid, L"Standard GPS Time"},
-        {13569_lsid, L"600 x 400"},
-        {41291_lsid, L"Float32"},
-        {41292_lsid, L"-9999, NaN"},
-        {41293_lsid, L"-3"},
-        {41294_lsid, L"1e+06"},
-        {40660_lsid, L"500000.000 \u2013 500300.000"},
-        {13578_lsid, L"0.50000000 x 0.25000000"},
-        {40559_lsid, L"Meters"},
-        {41303_lsid, L"-"},
-        {41302_lsid, L"None"},
-        {41304_lsid, L"Its center point"},
-        {41299_lsid, L"DEFLATE"},
-        {41300_lsid, L"256 x 256"},
-        {3325_lsid, L"False"},
-        {41301_lsid, L"1.92"},
-        {41308_lsid, L"-"},
+        {text::kFileType, L"GeoTIFF"},
+        {text::kSizeMegabytes, L"2.34"},
+        {text::kRasterTotalSizeMegabytes, L"3.00"},
+        {text::kRasterOtherFiles, L"dem.tfw\ndem.tif.aux.xml"},
+        {text::kLayerName, L"DEM LAS Layer_1"},
+        {text::kGpsTimeType, L"Standard GPS Time"},
+        {text::kImageSize, L"600 x 400"},
+        {text::kRasterDataType, L"Float32"},
+        {text::kRasterNoDataValue, L"-9999, NaN"},
+        {text::kRasterMinimum, L"-3"},
+        {text::kRasterMaximum, L"1e+06"},
+        {text::kExtentX, L"500000.000 \u2013 500300.000"},
+        {text::kPixelSizeXy, L"0.50000000 x 0.25000000"},
+        {text::kUnits, L"Meters"},
+        {text::kRasterUpperLeftCorner, L"-"},
+        {text::kRasterRotation, L"None"},
+        {text::kRasterPixelStandsFor, L"Its center point"},
+        {text::kRasterCompression, L"DEFLATE"},
+        {text::kRasterBlockSize, L"256 x 256"},
+        {text::kBigTiff, L"False"},
+        {text::kRasterUncompressedMegabytes, L"1.92"},
+        {text::kRasterRpc, L"-"},
     };
     for (const auto& [caption, value] : values) {
         EXPECT_EQ(Value(sections, caption), value) << caption.value;
@@ -90,9 +90,9 @@ TEST(RasterDetails, RotatedRowsAreToldInDegrees) {
     RasterInspection file = Dem();
     file.properties.transform = {{0, 0, -2, 0, 2, 0}};  // a quarter turn
     const auto sections = RasterOverview(testing::ListedRow(std::move(file)), RasterUse::Image);
-    EXPECT_EQ(Value(sections, 41302_lsid), L"90.000000\u00b0");
-    EXPECT_EQ(Value(sections, 41303_lsid), L"0.000 / 0.000");
-    EXPECT_EQ(Value(sections, 13513_lsid), L"-") << "an image has no GPS time";
+    EXPECT_EQ(Value(sections, text::kRasterRotation), L"90.000000\u00b0");
+    EXPECT_EQ(Value(sections, text::kRasterUpperLeftCorner), L"0.000 / 0.000");
+    EXPECT_EQ(Value(sections, text::kGpsTimeType), L"-") << "an image has no GPS time";
 }
 
 TEST(RasterDetails, AnObjectThatKnowsLittleAndARefusedFileSayLittle) {
@@ -100,7 +100,8 @@ TEST(RasterDetails, AnObjectThatKnowsLittleAndARefusedFileSayLittle) {
     file.properties.hasDetails = false;
     const RasterRow row = testing::ListedRow(std::move(file));
     const auto sections = RasterOverview(row, RasterUse::Image);
-    for (const StringId caption : {41292_lsid, 41299_lsid, 41302_lsid, 41303_lsid, 41291_lsid}) {
+    for (const StringId caption : {text::kRasterNoDataValue, text::kRasterCompression, text::kRasterRotation,
+                                   text::kRasterUpperLeftCorner, text::kRasterDataType}) {
         EXPECT_EQ(Value(sections, caption), L"-") << caption.value;
     }
     EXPECT_THAT(RasterCrsFields(row), IsEmpty());
@@ -115,8 +116,10 @@ TEST(RasterDetails, BandsLeaveOutWhatNoneSays) {
     file.properties.bands = 300;
     const RasterRow row = testing::ListedRow(std::move(file));
     const DetailTable table = RasterBands(row);
-    EXPECT_THAT(table.captions, ElementsAre(41310_lsid, 41291_lsid, 13573_lsid, 41311_lsid, 41292_lsid,
-                                            41293_lsid, 41294_lsid, 41296_lsid, 41300_lsid, 13577_lsid));
+    EXPECT_THAT(table.captions, ElementsAre(text::kRasterBand, text::kRasterDataType, text::kBitsPerBand,
+                                            text::kRasterBandColor, text::kRasterNoDataValue,
+                                            text::kRasterMinimum, text::kRasterMaximum, text::kRasterScale,
+                                            text::kRasterBlockSize, text::kOverviews));
     ASSERT_THAT(table.rows, SizeIs(2));
     EXPECT_THAT(table.rows[0], ElementsAre(L"1", L"Float32", L"32", L"Gray", L"-9999", L"12.5", L"1e+06", L"",
                                            L"256 x 256", L"0"));
@@ -154,7 +157,7 @@ TEST(RasterDetails, TotalsUniteExtentsOfOneCrsOnly) {
     EXPECT_EQ(totals.pixels, 720000);
     ASSERT_TRUE(totals.extent.has_value());
     EXPECT_THAT(*totals.extent, ElementsAre(500000, 5699000, 500900, 5700100));
-    EXPECT_EQ(Value({RasterTotalsSection(totals)}, 13541_lsid), L"500000.000");
+    EXPECT_EQ(Value({RasterTotalsSection(totals)}, text::kMinX), L"500000.000");
 
     rows.push_back(testing::ListedRow(testing::DescribedRaster(L"/e", testing::GeographicWkt()), L"C"));
     const std::vector<std::size_t> mixed{0, 4};

@@ -111,10 +111,15 @@ TEST(Rules, SettingsAndTextsPastTheirSeamsAreFound) {
                     {L"dialog/Pages.cpp",
                      "auto a = R\"(\n\" QSettings)\";\nQSettings settings;\nauto b = LSwchar(1);\n"},
                     {L"support/Names.cpp", "auto c = ::LSIDwchar(2);\nint MyLSwchar(int);\n"},
+                    {L"las/LasFile.cpp",
+                     "auto d = Text(text::kLasTab);\nauto e = Text(13558_lsid);\nStringId f{};\n"
+                     "auto g = Text(StringId{13558});\nauto h = StringId{caption7};\n"},
                 }),
                 ElementsAre("dialog/Pages.cpp:3: QSettings cannot keep the types of option items",
-                            "dialog/Pages.cpp:4: texts are fetched through Text(..._lsid)",
-                            "support/Names.cpp:1: texts are fetched through Text(..._lsid)"));
+                            "dialog/Pages.cpp:4: texts are fetched through Text(text::k...)",
+                            "las/LasFile.cpp:2: a text is named by number instead of text::k...",
+                            "las/LasFile.cpp:4: a text is named by number instead of text::k...",
+                            "support/Names.cpp:1: texts are fetched through Text(text::k...)"));
 }
 
 TEST(Rules, WrongLetterCaseIsFound) {
