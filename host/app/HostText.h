@@ -1,8 +1,8 @@
 #pragma once
-// The host's own texts.
+// Texts of the host for Qt.
+#include <QLocale>
 #include <QString>
 #include <initializer_list>
-#include <string>
 
 #include "support/Format.h"
 #include "support/QtText.h"
@@ -11,11 +11,18 @@
 namespace orvex {
 
 /// A text of the string library.
-QString HostText(StringId id);
-/// A format of the string library, filled in.
-QString HostText(StringId id, std::initializer_list<FormatArg> arguments);
+inline QString HostText(StringId id) {
+    return ToQString(Text(id));
+}
 
-/// A number with its thousands apart, as the user's language has it.
-QString GroupedNumber(std::uint64_t number);
+/// A format of the string library, filled in.
+inline QString HostText(StringId id, std::initializer_list<FormatArg> arguments) {
+    return ToQString(FormatText(Text(id), arguments));
+}
+
+/// A number with the thousands separators of the user's language.
+inline QString GroupedNumber(std::uint64_t number) {
+    return QLocale().toString(static_cast<qulonglong>(number));
+}
 
 }  // namespace orvex

@@ -11,7 +11,6 @@
 #include "host/dem/DemCrs.h"
 #include "host/dem/DemEncoder.h"
 #include "host/dem/DemRaster.h"
-#include "host/dem/DemScales.h"
 #include "host/dem/LasWriter.h"
 #include "support/Files.h"
 #include "support/Format.h"

@@ -46,6 +46,39 @@ TEST(SampleLas, HeaderAgreesWithThePoints) {
     }
 }
 
+/// Checks the rasters of a sample project against their names.
+void ExpectRasters(const fs::path& project) {
+    const fs::path rasters = SampleData(project) / "rasters";
+    struct Case {
+        const char* name;
+        GDALDataType type;
+        int bands;
+        int overviews;
+        bool hasCrs;
+        bool hasPlace;
+    };
+    for (const Case& c :
+         {Case{"orthophoto.tif", GDT_Byte, 3, 2, true, true},
+          Case{"infrared 16 bit.tif", GDT_UInt16, 1, 0, true, true},
+          Case{"map.png", GDT_Byte, 1, 0, true, true}, Case{"rotated scan.tif", GDT_Byte, 1, 0, true, true},
+          Case{"transparent big.tif", GDT_Byte, 4, 0, true, true},
+          Case{"no crs.tif", GDT_Byte, 1, 0, false, true}, Case{"no place.png", GDT_Byte, 1, 0, false, false},
+          Case{"../elevation/terrain.bil", GDT_Float32, 1, 0, true, true},
+          Case{"../elevation/text grid.asc", GDT_Float32, 1, 0, true, true}}) {
+        SCOPED_TRACE(c.name);
+        const GDALDatasetUniquePtr dataset(GDALDataset::Open(ToUtf8(FromPath(rasters / c.name)).c_str()));
+        ASSERT_NE(dataset, nullptr);
+        std::array<double, 6> transform{};
+        EXPECT_EQ(dataset->GetRasterBand(1)->GetRasterDataType(), c.type);
+        EXPECT_EQ(dataset->GetRasterCount(), c.bands);
+        EXPECT_EQ(dataset->GetRasterBand(1)->GetOverviewCount(), c.overviews);
+        EXPECT_EQ(dataset->GetSpatialRef() != nullptr, c.hasCrs);
+        EXPECT_EQ(dataset->GetGeoTransform(transform.data()) == CE_None, c.hasPlace);
+        EXPECT_EQ(transform[2] != 0, std::string_view(c.name) == "rotated scan.tif");
+    }
+    EXPECT_EQ(BytesOf(rasters / "transparent big.tif")[2], 43) << "no BigTIFF";
+}
+
 TEST(SampleProject, IsMadeOnceAndWhole) {
     const testing::TemporaryFolder folder;
     const fs::path project = folder.Path() / ToPath(L"sample Größe 日本");
@@ -69,6 +102,8 @@ TEST(SampleProject, IsMadeOnceAndWhole) {
     EXPECT_EQ(compressed[104] & 0x80, 0x80);
     EXPECT_EQ(At<std::uint64_t>(compressed, 247), 40000U);
 
+    ExpectRasters(project);
+
     const fs::path touched = SampleData(project) / "wgs84.las";
     fs::remove(touched);
     EnsureSampleProject(project);
@@ -86,40 +121,6 @@ TEST(SampleProject, OfAnEarlierVersionGetsWhatItLacks) {
     EXPECT_TRUE(fs::exists(SampleData(project) / "elevation" / "terrain.bil"));
     EXPECT_FALSE(fs::exists(SampleData(project) / "rasters" / "half.tif"));
     EXPECT_FALSE(fs::exists(SampleData(project) / "rasters.new"));
-}
-
-TEST(SampleRasters, AreWhatTheirNamesSay) {
-    const testing::TemporaryFolder folder;
-    ASSERT_FALSE(EnsureSampleProject(folder.Path()).empty());
-    const fs::path rasters = SampleData(folder.Path()) / "rasters";
-    struct Case {
-        const char* name;
-        GDALDataType type;
-        int bands;
-        int overviews;
-        bool hasCrs;
-        bool hasPlace;
-    };
-    for (const Case& c :
-         {Case{"orthophoto.tif", GDT_Byte, 3, 2, true, true},
-          Case{"infrared 16 bit.tif", GDT_UInt16, 1, 0, true, true},
-          Case{"map.png", GDT_Byte, 1, 0, true, true}, Case{"rotated scan.tif", GDT_Byte, 1, 0, true, true},
-          Case{"transparent big.tif", GDT_Byte, 4, 0, true, true},
-          Case{"no crs.tif", GDT_Byte, 1, 0, false, true}, Case{"no place.png", GDT_Byte, 1, 0, false, false},
-          Case{"../elevation/terrain.bil", GDT_Float32, 1, 0, true, true},
-          Case{"../elevation/text grid.asc", GDT_Float32, 1, 0, true, true}}) {
-        SCOPED_TRACE(c.name);
-        const GDALDatasetUniquePtr dataset(GDALDataset::Open((rasters / c.name).string().c_str()));
-        ASSERT_NE(dataset, nullptr);
-        std::array<double, 6> transform{};
-        EXPECT_EQ(dataset->GetRasterBand(1)->GetRasterDataType(), c.type);
-        EXPECT_EQ(dataset->GetRasterCount(), c.bands);
-        EXPECT_EQ(dataset->GetRasterBand(1)->GetOverviewCount(), c.overviews);
-        EXPECT_EQ(dataset->GetSpatialRef() != nullptr, c.hasCrs);
-        EXPECT_EQ(dataset->GetGeoTransform(transform.data()) == CE_None, c.hasPlace);
-        EXPECT_EQ(transform[2] != 0, std::string_view(c.name) == "rotated scan.tif");
-    }
-    EXPECT_EQ(BytesOf(rasters / "transparent big.tif")[2], 43) << "no BigTIFF";
 }
 
 }  // namespace
