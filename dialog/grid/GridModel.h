@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "support/Column.h"
 #include "dialog/grid/GridSortKeys.h"
+#include "support/Column.h"
 
 namespace orvex {
 

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "las/LasRow.h"
 #include "las/LasPointViews.h"
+#include "las/LasRow.h"
 #include "las/testing/LasFiles.h"
 #include "support/Files.h"
 #include "support/Text.h"

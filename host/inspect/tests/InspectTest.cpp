@@ -2,7 +2,9 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <map>
 #include <nlohmann/json.hpp>
+#include <regex>
 #include <sstream>
 
 #include "host/inspect/InspectCommand.h"
@@ -184,11 +186,12 @@ TEST(InspectJson, KeepsItsLayout) {
     report.path = L"a\"b\\c\r\n\t\b\f\x01\x7F";
     report.kind = "raster";
     report.summary = L"Gr\u00f6\u00dfe";
-    report.raster.emplace();
-    report.raster->properties.pixelWidth = 0.1;
-    report.raster->properties.pixelHeight = 2;
-    report.raster->properties.extent = {{-1e300, 1e-8, kNaN, 123456789.012345}};
-    report.raster->properties.totalBytes = std::numeric_limits<std::uint64_t>::max();
+    report.raster.emplace().file = std::make_unique<RasterFile>();
+    RasterProperties& properties = report.raster->file->properties;
+    properties.pixelWidth = 0.1;
+    properties.pixelHeight = 2;
+    properties.extent = {{-1e300, 1e-8, kNaN, 123456789.012345}};
+    properties.totalBytes = std::numeric_limits<std::uint64_t>::max();
     const std::string text = Printed(ReportFormat::Json, report);
     EXPECT_THAT(text, StartsWith("[\n  {\n"
                                  R"(    "path": "a\"b\\c\r\n\t\u0008\u000c\u0001\u007f",)"
@@ -287,21 +290,49 @@ TEST(InspectCommand, StopsWithACompleteDocumentAndReportsAFullDrive) {
     EXPECT_EQ(err.str(), ToUtf8(Text(text::kInspectWriteFailed)) + '\n');
 }
 
-TEST(InspectCsv, QuotesFieldsAndFillsTheColumnsOfAKind) {
+/// The fields of a CSV text's second line by their names in the first, for texts without quoted fields.
+std::map<std::string, std::string> CsvFields(const std::string& csv) {
+    std::istringstream lines(csv);
+    std::string names;
+    std::string values;
+    std::getline(lines, names);
+    std::getline(lines, values);
+    std::istringstream nameFields(names.substr(0, names.size() - 1));
+    std::istringstream valueFields(values.substr(0, values.size() - 1) + ",");
+    std::map<std::string, std::string> fields;
+    std::string value;
+    for (std::string name; std::getline(nameFields, name, ',');) {
+        EXPECT_TRUE(std::getline(valueFields, value, ',')) << name;
+        fields[name] = value;
+    }
+    EXPECT_FALSE(std::getline(valueFields, value, ',')) << "more values than names";
+    return fields;
+}
+
+TEST(InspectCsv, PrintsTheColumnsOfThePages) {
     const TemporaryFolder folder;
     FileReport report = InspectFile(folder.Write(L"a.las", LasBuilder().AddPoints(3).Build()));
     report.path = L"a, \"b\".las";
-    const std::string las = Printed(ReportFormat::Csv, report);
-    EXPECT_THAT(las, StartsWith("path,kind,loadable,summary,"));
-    EXPECT_THAT(las, HasSubstr(",companionStatus,driver,width,height,"));
-    EXPECT_THAT(las, HasSubstr("\r\n\"a, \"\"b\"\".las\",las,true,"));
-    EXPECT_TRUE(las.ends_with("\r\n"));
+    const std::string quoted = Printed(ReportFormat::Csv, report);
+    EXPECT_THAT(quoted, StartsWith("path,kind,loadable,summary,findings,"));
+    EXPECT_THAT(quoted, HasSubstr("\r\n\"a, \"\"b\"\".las\",las,true,"));
+    EXPECT_TRUE(quoted.ends_with("\r\n"));
 
     const std::string raster = Inspect({L"--csv", Heights(-9999).Write(folder, L"a.tif")}).out;
-    const std::string line = raster.substr(raster.find("\r\n") + 2);
-    EXPECT_THAT(line, HasSubstr(",500000,5299995,,500010,5300000,,"));
-    EXPECT_THAT(line, HasSubstr(",GTiff,20,10,1,Float32,0.5,0.5,Meters,true,LZW,0,-9999,1"));
-    EXPECT_EQ(std::ranges::count(raster, ','), 2 * std::ranges::count(line, ','));
+    // What stands in several lines is quoted: the findings and the WKT.
+    const std::string plain = std::regex_replace(raster, std::regex("\"[^\"]*(\"\"[^\"]*)*\""), "");
+    const auto fields = CsvFields(plain);
+    const std::pair<const char*, const char*> wanted[] = {
+        {"kind", "raster"},     {"fileName", "a.tif"},   {"minimumX", "500000"},   {"minimumY", "5299995"},
+        {"maximumX", "500010"}, {"maximumY", "5300000"}, {"width", "20"},          {"height", "10"},
+        {"bands", "1"},         {"pixelSize", "0.5"},    {"linearUnit", "Meters"}, {"bigTiff", "True"},
+        {"points", ""},
+    };
+    for (const auto& [name, value] : wanted) {
+        ASSERT_TRUE(fields.contains(name)) << name;
+        EXPECT_EQ(fields.at(name), value) << name;
+    }
+    EXPECT_FALSE(fields.contains("details")) << "hidden columns are not printed";
 }
 
 std::u32string Characters(const std::string& utf8) {
@@ -321,10 +352,10 @@ TEST(InspectTable, AlignsItsColumnsAndLeavesOutEmptyOnes) {
     ASSERT_EQ(rest.size(), 5U);
     const std::size_t end = rest[0].find(U"Points") + 6;
     EXPECT_EQ(rest[2].substr(end - 1, 3), U"3  ");
-    EXPECT_EQ(rest[4].substr(end - 5, 7), U"1 234  ");
+    EXPECT_EQ(rest[4].substr(end - 4, 6), U"1234  ");
 
     const std::string raster = Inspect({Heights(-9999).Write(folder, L"a.tif")}).out;
-    EXPECT_THAT(raster, HasSubstr("0.5 x 0.5 Meters"));
+    EXPECT_THAT(raster, HasSubstr("0.50000000 x 0.50000000  Meters"));
     EXPECT_THAT(raster, HasSubstr("20 x 10"));
     EXPECT_THAT(raster, Not(HasSubstr("Points")));
 }
