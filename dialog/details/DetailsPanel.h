@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "dialog/details/DetailsTab.h"
+#include "support/Text.h"
 
 class QLabel;
 class QPlainTextEdit;
@@ -15,6 +15,15 @@ class QTextEdit;
 class QToolButton;
 
 namespace orvex {
+
+/// One tab of a details pane.
+struct DetailsTab {
+    enum class Kind { Html, PlainText };
+
+    const char* name;  ///< of its view
+    StringId caption;
+    Kind kind = Kind::Html;
+};
 
 /// What a pane shows.
 struct DetailsContent {

@@ -151,7 +151,7 @@ std::vector<Violation> CheckLines(const Tree& tree, const std::function<bool(con
     return violations;
 }
 
-// Whether a line holds 13558_lsid or StringId{13558}.
+// Whether a line names a text by its number, as a literal with the suffix _lsid or as a StringId of digits.
 bool NamesTextByNumber(std::string_view line) {
     constexpr std::string_view digits = "0123456789";
     constexpr std::array beforeNumber = {"StringId{", "StringId("};

@@ -112,7 +112,7 @@ TEST(Rules, SettingsAndTextsPastTheirSeamsAreFound) {
                      "auto a = R\"(\n\" QSettings)\";\nQSettings settings;\nauto b = LSwchar(1);\n"},
                     {L"support/Names.cpp", "auto c = ::LSIDwchar(2);\nint MyLSwchar(int);\n"},
                     {L"las/LasFile.cpp",
-                     "auto d = Text(text::kLasTab);\nauto e = Text(13558_lsid);\nStringId f{};\n"
+                     "auto d = Text(text::kLasTab);\nauto e = Text(58_lsid);\nStringId f{};\n"
                      "auto g = Text(StringId{13558});\nauto h = StringId{caption7};\n"},
                 }),
                 ElementsAre("dialog/Pages.cpp:3: QSettings cannot keep the types of option items",
