@@ -24,16 +24,16 @@ std::vector<AssignedFile> DemFilesOf(const AddFilesParams& record);
 /// Deletes the details objects of a record, which belong to the host once the dialog has ended with OK.
 void DeleteDetails(AddFilesParams& record);
 
-/// Findings about the LiDAR files of a record, in the order of the parameters of MessageRegardingAddingLidar.
+/// Findings about the LiDAR files of a record: the flags a to g of MessageRegardingAddingLidar.
 struct LidarReport {
-    bool appending = false;     ///< a file goes to a layer that the project already has
-    bool crsDiffers = false;    ///< a file's CRS differs from its layer's, or from the rest of a new layer
-    bool crsMissing = false;    ///< a file has no CRS
-    bool damaged = false;       ///< a file has no details, or its header no extent
-    bool tellSkipped = false;   ///< the user is to be told of skipped files
-    bool alreadyThere = false;  ///< the project already has a file
-    bool unreadable = false;    ///< a file can no longer be opened
-    std::set<std::wstring> skipped;  ///< full paths of the files that are there already or unreadable
+    bool appending = false;     ///< a: a file goes to a layer that the project already has
+    bool crsDiffers = false;    ///< b: a file's CRS differs from its layer's, or from the rest of a new layer
+    bool crsMissing = false;    ///< c: a file has no CRS
+    bool damaged = false;       ///< d: a file has no details, or its header no extent
+    bool tellSkipped = false;   ///< e: the user is to be told of skipped files
+    bool alreadyThere = false;  ///< f: the project already has a file
+    bool unreadable = false;    ///< g: a file can no longer be opened
+    std::set<std::wstring> skipped;  ///< full paths of the files of f and g
 };
 
 /// Compares the record with the project and looks at each file.
