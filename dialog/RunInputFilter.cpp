@@ -10,7 +10,7 @@ namespace orvex {
 namespace {
 
 // The view that a widget is, or is the viewport or a scroll bar of.
-bool IsForLooking(const QWidget* widget) {
+bool AllowsBrowsing(const QWidget* widget) {
     if (qobject_cast<const QScrollBar*>(widget) != nullptr) {
         return true;
     }
@@ -22,7 +22,7 @@ bool IsForLooking(const QWidget* widget) {
            qobject_cast<const QHeaderView*>(view) == nullptr;
 }
 
-bool IsLookingKey(const QKeyEvent& key) {
+bool IsBrowsingKey(const QKeyEvent& key) {
     switch (key.key()) {
         case Qt::Key_Up:
         case Qt::Key_Down:
@@ -40,13 +40,13 @@ bool IsLookingKey(const QKeyEvent& key) {
 
 bool StartsByKey(const QWidget* widget, const QKeyEvent& key) {
     const bool stops = key.key() == Qt::Key_Escape;
-    return !stops && !(IsForLooking(widget) && IsLookingKey(key));
+    return !stops && !(AllowsBrowsing(widget) && IsBrowsingKey(key));
 }
 
 bool Starts(const QWidget* widget, QEvent* event) {
     switch (event->type()) {
         case QEvent::MouseButtonPress:
-            return !IsForLooking(widget);
+            return !AllowsBrowsing(widget);
         case QEvent::KeyPress:
         case QEvent::ShortcutOverride:
             return StartsByKey(widget, *static_cast<QKeyEvent*>(event));

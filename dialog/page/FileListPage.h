@@ -82,7 +82,7 @@ class FileListPage : public ListPage {
 
 /// A file page with rows of one type: movable, with the `path` of its file and a one-line `summary`.
 template <typename RowType>
-class FileListPageOf : public FileListPage {
+class TypedFileListPage : public FileListPage {
   public:
     using Row = RowType;
 
@@ -90,8 +90,8 @@ class FileListPageOf : public FileListPage {
 
   protected:
     /// `description` and `columns` outlive the page.
-    FileListPageOf(const PageContext& context, const FileListPageDescription& description,
-                   std::span<const Column<Row>> columns, FileReader<Row> reader, QWidget* parent)
+    TypedFileListPage(const PageContext& context, const FileListPageDescription& description,
+                      std::span<const Column<Row>> columns, FileReader<Row> reader, QWidget* parent)
         : FileListPage(context, description, parent),
           model_(new ListModel<Row>(columns, this)),
           reader_(std::move(reader)) {}

@@ -238,7 +238,7 @@ TEST_P(FilePage, RowsSelectionAndWorkDecideWhatCanBePressed) {
     expect(true, true, true);
 }
 
-TEST_P(FilePage, ThePickerIsAskedAndItsFailuresAreTold) {
+TEST_P(FilePage, ThePickerIsAskedAndItsFailuresAreReported) {
     given.initialFolder = L"/data";
     Open();
     Click(GetParam().addFiles);
@@ -583,7 +583,7 @@ TEST_P(FilePage, TheRecordIsTheHostsUntilTheDialogEndsWithOk) {
     EXPECT_EQ(Close(), GetParam().detailsPerFile);
 }
 
-TEST_P(FilePage, AFailureIsToldUnderTheNameOfItsHandler) {
+TEST_P(FilePage, AFailureIsReportedUnderTheNameOfItsHandler) {
     struct FailingPickers final : FilePickers {
         PickedFiles PickFiles(const OpenFilesRequest&) override { throw LDataError(L"no more"); }
         std::optional<std::wstring> PickFolder(const std::wstring&) override { throw LDataError(L"no more"); }

@@ -150,7 +150,7 @@ TEST_F(Shell, EveryOtherEndReleasesThePagesThatExist) {
     }
 }
 
-TEST_F(Shell, AMissingPageIsToldAndTheOthersWork) {
+TEST_F(Shell, AMissingPageIsReportedAndTheOthersWork) {
     params.showRasterTab = params.showDemTab = true;
     pages[1].create = [](const PageContext&) -> std::unique_ptr<AddFilesPage> {
         throw LDataError(L"no settings");

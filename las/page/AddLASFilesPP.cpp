@@ -202,7 +202,7 @@ std::wstring FailureText(const LasFileFailure& failure) {
 }  // namespace
 
 AddLASFilesPP::AddLASFilesPP(const PageContext& context, QWidget* parent)
-    : FileListPageOf(context, LasPage(), LasColumns(), {InspectLasFile, UnreadLasFile}, parent) {
+    : TypedFileListPage(context, LasPage(), LasColumns(), {InspectLasFile, UnreadLasFile}, parent) {
     Start(EditModel());
 }
 

@@ -5,7 +5,7 @@
 namespace orvex {
 
 /// The LAS files page.
-class AddLASFilesPP final : public FileListPageOf<LasRow> {
+class AddLASFilesPP final : public TypedFileListPage<LasRow> {
     Q_OBJECT
 
   public:

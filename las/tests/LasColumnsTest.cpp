@@ -240,7 +240,7 @@ TEST_F(LasCells, AFileThatCannotBeReadShowsItsNameAndWhy) {
     }
 }
 
-TEST_F(LasCells, FindingsChangeTheFlagAndAreAllTold) {
+TEST_F(LasCells, FindingsChangeTheFlagAndAreAllReported) {
     const LasRow row = Row(LasBuilder(12, 0).AddPoints(9).ProjectedEpsg(25832).Cut(260));
     ASSERT_NE(row.file, nullptr);
     ASSERT_FALSE(row.findings.empty());

@@ -35,8 +35,8 @@ FileListPageDescription DescribeRasters() {
 
 RasterListPage::RasterListPage(const PageContext& context, const FileListPageDescription& description,
                                RasterUse use, QWidget* parent)
-    : FileListPageOf(context, description, RasterColumns(use),
-                     MakeReader(use, context.services.hostObjects.RasterInformation()), parent),
+    : TypedFileListPage(context, description, RasterColumns(use),
+                        MakeReader(use, context.services.hostObjects.RasterInformation()), parent),
       use_(use) {
     static GdalSetup setup;
     setup.Run();
@@ -47,13 +47,13 @@ DetailsContent RasterListPage::Details(std::span<const std::size_t> records) con
 }
 
 AddingSummary RasterListPage::AddRows(AddingRequest request, const std::function<void()>& appended) {
-    hasToldOfExceptions_ = false;
-    return FileListPageOf::AddRows(std::move(request), appended);
+    hasReportedException_ = false;
+    return TypedFileListPage::AddRows(std::move(request), appended);
 }
 
 bool RasterListPage::RereadRows() {
-    hasToldOfExceptions_ = false;
-    return FileListPageOf::RereadRows();
+    hasReportedException_ = false;
+    return TypedFileListPage::RereadRows();
 }
 
 /// Says so when reading a row ended with an exception; once a run, however many there are.
@@ -61,7 +61,7 @@ void RasterListPage::RowsRead(std::size_t first) {
     const auto& rows = Model().Rows();
     const bool threw = std::any_of(rows.begin() + static_cast<std::ptrdiff_t>(first), rows.end(),
                                    [](const RasterRow& row) { return row.threw; });
-    if (threw && !std::exchange(hasToldOfExceptions_, true)) {
+    if (threw && !std::exchange(hasReportedException_, true)) {
         ShowMessage(Text(text::kRasterPropertiesFailed), text::kRasterPropertiesFailed, PromptIcon::Error);
     }
 }

@@ -9,7 +9,7 @@ FileListPageDescription DescribeRasters();
 
 /// A page of raster files. The first one in a process sets GDAL up; without GDAL files are listed all the
 /// same.
-class RasterListPage : public FileListPageOf<RasterRow> {
+class RasterListPage : public TypedFileListPage<RasterRow> {
     Q_OBJECT
 
   protected:
@@ -26,7 +26,7 @@ class RasterListPage : public FileListPageOf<RasterRow> {
 
   private:
     const RasterUse use_;
-    bool hasToldOfExceptions_ = false;  ///< in this run
+    bool hasReportedException_ = false;  ///< in this run
 };
 
 }  // namespace orvex

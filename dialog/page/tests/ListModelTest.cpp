@@ -70,7 +70,7 @@ TEST_F(ListModelTest, StaysConsistentThroughInsertsRemovalsSortingAndClearing) {
     EXPECT_EQ(model.Count(), 0U);
 }
 
-TEST_F(ListModelTest, ChangesAreToldOnceEvenWhenTheyThrow) {
+TEST_F(ListModelTest, ChangesAreReportedOnceEvenWhenTheyThrow) {
     Add({L"a", L"b"});
     int told = 0;
     QObject::connect(&model, &GridModel::RecordsChanged, [&] { ++told; });

@@ -50,7 +50,7 @@ class ThrowingInformation final : public OrvexRasterInformation {
     }
 };
 
-TEST_F(RasterPage, AnExceptionWhileReadingIsToldOncePerRunAndTheFilesAreListed) {
+TEST_F(RasterPage, AnExceptionWhileReadingIsReportedOncePerRunAndTheFilesAreListed) {
     hostObjects.rasterInformation = [](std::int32_t&) { return std::make_unique<ThrowingInformation>(); };
     Open();
     page->AddPaths({Tif(L"a.tif"), Tif(L"b.tif")});
