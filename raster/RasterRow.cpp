@@ -131,6 +131,7 @@ void AssignLayers(std::vector<RasterRow>& rows, const std::map<std::wstring, std
                   const LayerRules& rules, bool ignoreCrs, const std::wstring& prefix) {
     const CrsPtr none = DescribeCrs({});
     std::vector<CrsPtr> files;
+    files.reserve(rows.size());
     for (const RasterRow& row : rows) {
         files.push_back(!row.IsDescribed() ? nullptr : ignoreCrs ? none : row.crs);
     }

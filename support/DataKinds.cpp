@@ -86,6 +86,7 @@ std::vector<FileFilter> PickerFilters(DataKind page) {
         }
     }
     std::vector<FileFilter> filters;
+    filters.reserve(ranked.size());
     for (auto& [rank, filter] : ranked) {
         filters.push_back(std::move(filter));
     }

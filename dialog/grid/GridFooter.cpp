@@ -82,7 +82,8 @@ void GridFooter::PaintPane(QPainter& painter, const GridTable& table) const {
         const bool number = model_->Columns()[static_cast<std::size_t>(column)].kind == CellKind::Number;
         const QRect room = cell.adjusted(margin, 1, -margin, 0);
         const QString shown = fontMetrics().elidedText(ToQString(*text), Qt::ElideRight, room.width());
-        painter.drawText(room, (number ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter, shown);
+        const Qt::Alignment alignment = (number ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
+        painter.drawText(room, static_cast<int>(alignment), shown);
     }
     painter.setClipping(false);
 }

@@ -167,6 +167,7 @@ class Reading {
 
     std::vector<std::wstring> PathsAt(const std::vector<std::size_t>& places) const {
         std::vector<std::wstring> paths;
+        paths.reserve(places.size());
         for (const std::size_t place : places) {
             paths.push_back(paths_[place]);
         }

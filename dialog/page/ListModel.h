@@ -37,7 +37,7 @@ class ListModel final : public ListRows {
 
     void Remove(std::vector<std::size_t> records) override {
         std::ranges::sort(records);
-        records.erase(std::ranges::unique(records).begin(), records.end());
+        records.erase(std::unique(records.begin(), records.end()), records.end());
         RemoveRecords(records, [&] {
             std::size_t index = 0;
             auto next = records.begin();

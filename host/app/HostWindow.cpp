@@ -242,7 +242,7 @@ void HostWindow::SelectionChanged() {
             crsChoice_->setCurrentIndex(crs);
         }
     }
-    map_->SetSelected(std::move(files));
+    map_->SetSelected(files);
 }
 
 void HostWindow::SelectFile(std::size_t layer, std::size_t file) {

@@ -287,7 +287,8 @@ void MapView::keyPressEvent(QKeyEvent* event) {
         case Qt::Key_Down:
             return Pan({0, -kPanPerKey});
         default:
-            QWidget::keyPressEvent(event);  // not the scrolling of the classes between
+            QWidget::keyPressEvent(
+                event);  // NOLINT(bugprone-parent-virtual-call): the classes between scroll
     }
 }
 

@@ -13,7 +13,7 @@ class ParentConsole {
     ParentConsole& operator=(const ParentConsole&) = delete;
 
   private:
-    unsigned codePage_ = 0;  ///< of the console before; 0: nothing to put back
+    [[maybe_unused]] unsigned codePage_ = 0;  ///< of the console before; 0: nothing to put back
 };
 
 }  // namespace orvex

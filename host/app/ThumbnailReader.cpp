@@ -51,8 +51,8 @@ int FindBand(GDALDataset& dataset, GDALColorInterp meaning) {
 
 /// Red, green and blue; where the file does not say what its bands are, the first three. Else the first band.
 std::vector<int> ColourBands(GDALDataset& dataset) {
-    const std::vector<int> bands = {FindBand(dataset, GCI_RedBand), FindBand(dataset, GCI_GreenBand),
-                                    FindBand(dataset, GCI_BlueBand)};
+    std::vector<int> bands = {FindBand(dataset, GCI_RedBand), FindBand(dataset, GCI_GreenBand),
+                              FindBand(dataset, GCI_BlueBand)};
     if (std::ranges::find(bands, 0) == bands.end()) {
         return bands;
     }

@@ -210,6 +210,7 @@ void AddLASFilesPP::RowsChanged() {
     const LayerRules rules{Chosen().lasAppend, Chosen().lasIgnoreIncompatibleCrs};
     EditModel().Change([&](std::vector<LasRow>& rows) {
         std::vector<CrsPtr> files;
+        files.reserve(rows.size());
         for (const LasRow& row : rows) {
             files.push_back(row.loadable ? row.crs : nullptr);
         }
