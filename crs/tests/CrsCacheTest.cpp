@@ -47,8 +47,10 @@ TEST(CrsCache, ThreadsThatAskAtOnceGetOneDescription) {
         --running;
         return Described(wkt);
     });
+    constexpr int kThreads = 4;
     std::vector<std::future<void>> threads;
-    for (int t = 0; t < 4; ++t) {
+    threads.reserve(kThreads);
+    for (int t = 0; t < kThreads; ++t) {
         threads.push_back(std::async(std::launch::async, [&] {
             for (int i = 0; i < 2000; ++i) {
                 const std::string wkt = std::to_string(i % 50);

@@ -9,7 +9,6 @@
 namespace orvex {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using testing::LasBuilder;

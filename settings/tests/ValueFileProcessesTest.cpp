@@ -47,6 +47,7 @@ class ValueFileProcessesTest : public testing::ValueFileFixture {
     /// Runs processes that write at the same time; afterwards every value must be there.
     void Write(int writers, int values) {
         std::vector<ChildProcess> processes;
+        processes.reserve(static_cast<std::size_t>(writers));
         for (int writer = 0; writer < writers; ++writer) {
             processes.emplace_back(
                 L"write", ChildArguments{FromPath(path_), std::to_wstring(writer), std::to_wstring(values)});

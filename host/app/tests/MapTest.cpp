@@ -215,8 +215,10 @@ TEST_F(MapViewTest, SelectedFilesAreHighlightedAndFitted) {
 }
 
 TEST_F(MapViewTest, TenThousandFilesAreShown) {
+    constexpr int kFiles = 10000;
     std::vector<LayerFile> files;
-    for (int i = 0; i < 10000; ++i) {
+    files.reserve(kFiles);
+    for (int i = 0; i < kFiles; ++i) {
         files.push_back(Square((i % 100) * 10.0, std::floor(i / 100.0) * 10.0, 10));
     }
     Show(files);

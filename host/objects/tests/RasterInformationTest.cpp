@@ -178,8 +178,10 @@ TEST_F(RasterInformationTest, WorkersUseItWhileItComesAndGoes) {
     std::atomic<bool> done = false;
     std::atomic<int> made = 0;
     std::atomic<int> wrong = 0;
+    constexpr int kWorkers = 4;
     std::vector<std::thread> workers;
-    for (int i = 0; i < 4; ++i) {
+    workers.reserve(kWorkers);
+    for (int i = 0; i < kWorkers; ++i) {
         workers.emplace_back([&, name = std::to_wstring(i)] {
             while (!done) {
                 std::int32_t result = 1;

@@ -23,8 +23,8 @@ std::string Payload(const std::vector<T>& numbers) {
 }
 
 std::string Directory(const std::vector<Key>& keys, int announced = -1) {
-    std::vector<std::uint16_t> numbers = {
-        1, 1, 0, static_cast<std::uint16_t>(announced < 0 ? keys.size() : announced)};
+    const std::size_t count = announced < 0 ? keys.size() : static_cast<std::size_t>(announced);
+    std::vector<std::uint16_t> numbers = {1, 1, 0, static_cast<std::uint16_t>(count)};
     for (const Key& key : keys) {
         numbers.insert(numbers.end(), key.begin(), key.end());
     }

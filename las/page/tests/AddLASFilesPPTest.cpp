@@ -34,9 +34,10 @@ class LasPage : public testing::PageFixture {
         testing::WriteSample(folder.Name(name), {}, true);
         return folder.Name(name);
     }
-    std::vector<std::wstring> ManyLas(int count) const {
+    std::vector<std::wstring> ManyLas(std::size_t count) const {
         std::vector<std::wstring> paths;
-        for (int i = 0; i < count; ++i) {
+        paths.reserve(count);
+        for (std::size_t i = 0; i < count; ++i) {
             paths.push_back(Las(L"tile" + std::to_wstring(i) + L".las"));
         }
         return paths;
