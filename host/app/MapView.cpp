@@ -287,8 +287,9 @@ void MapView::keyPressEvent(QKeyEvent* event) {
         case Qt::Key_Down:
             return Pan({0, -kPanPerKey});
         default:
-            QWidget::keyPressEvent(
-                event);  // NOLINT(bugprone-parent-virtual-call): the classes between scroll
+            // Past the classes between, which would scroll.
+            // NOLINTNEXTLINE(bugprone-parent-virtual-call)
+            QWidget::keyPressEvent(event);
     }
 }
 
