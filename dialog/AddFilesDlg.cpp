@@ -167,12 +167,12 @@ void AddFilesDlg::ReleasePages() {
     }
 }
 
-void AddFilesDlg::RestoreRecord() {
-    params_ = before_;
+void AddFilesDlg::RestoreRecord() noexcept {
+    RunGuarded(services_.prompts, L"RestoreRecord", [this] { params_ = before_; });
 }
 
 bool AddFilesDlg::StorePages() {
-    RestoreRecord();
+    params_ = before_;
     const std::vector<AddFilesPage*> pages = tabs_->Pages();
     return std::all_of(pages.begin(), pages.end(),
                        [](AddFilesPage* page) { return page->ValidateAndStore(); });
@@ -297,6 +297,9 @@ void AddFilesDlg::AddInitialPaths() {
         }
         for (const auto& [page, paths] : shares) {
             AddPathsTo(*page, paths);
+            if (progress_->WasStoppedJustNow()) {
+                break;  // Escape is meant for all of them
+            }
         }
         if (!shares.empty()) {
             tabs_->Select(tabs_->TabOfPage(shares.front().first));

@@ -67,7 +67,7 @@ class AddFilesDlg : public QDialog {
     void OnRunningChanged(bool running);
     void RestoreFocus();
     bool StorePages();
-    void RestoreRecord();
+    void RestoreRecord() noexcept;
     void AddInitialPaths();
     void AddPathsTo(AddFilesPage& page, const std::vector<std::wstring>& paths);
     std::int32_t AskHostApplication();
