@@ -375,6 +375,15 @@ TEST_F(Shell, InitialPathsGoToThePagesThatTakeThem) {
     }
 }
 
+TEST_F(Shell, EscapeEndsTheAddingOfAllInitialPaths) {
+    params.showRasterTab = true;
+    params.initialPaths = {L"/d/a.tif", L"/d/b.las"};
+    journal.stopIn = "raster";
+    const auto dialog = Open();
+    QApplication::processEvents();
+    EXPECT_THAT(journal.lines, ElementsAre("add raster"));
+}
+
 TEST_F(Shell, DropsGoToTheShownPageOrTheFirstThatKnowsTheFiles) {
     params.showRasterTab = true;
     const auto dialog = Open();

@@ -23,6 +23,7 @@ struct Journal {
     std::string handedOver;  // names of the pages
     /// What a page writes into the record.
     std::function<void(const std::string& name, AddFilesParams& params)> store = [](auto&, auto&) {};
+    std::string stopIn;  // the page whose reading is stopped by Escape
     DialogProgress* progress = nullptr;
 };
 
@@ -49,6 +50,10 @@ class FakePage : public AddFilesPage {
     void AddPaths(const std::vector<std::wstring>& paths) override {
         journal_.lines.push_back("add " + name_);
         journal_.added.insert(journal_.added.end(), paths.begin(), paths.end());
+        if (journal_.stopIn == name_) {
+            const DialogProgress::Run run(*journal_.progress);
+            journal_.progress->Stop();
+        }
     }
     bool Accepts(const std::wstring& path) const override {
         return UpperExtensionOf(path) == extension_ || path.ends_with(L"folder");
