@@ -97,10 +97,6 @@ LasBuilder& LasBuilder::ProjectedEpsg(std::uint16_t code) {
     return GeoKeys({1, 1, 0, 3, 1024, 0, 1, 1, 1025, 0, 1, 1, 3072, 0, 1, code});
 }
 
-LasBuilder& LasBuilder::GeographicEpsg(std::uint16_t code) {
-    return GeoKeys({1, 1, 0, 3, 1024, 0, 1, 2, 1025, 0, 1, 1, 2048, 0, 1, code});
-}
-
 LasBuilder& LasBuilder::GeoKeys(const std::vector<std::uint16_t>& directory) {
     std::string data;
     for (const std::uint16_t number : directory) {
@@ -191,7 +187,7 @@ std::string LasBuilder::Header(std::size_t vlrBytes, std::size_t pointBytes) con
 
 std::string LasBuilder::Build() const {
     const std::string vlrs = Vlrs();
-    const std::string points = Points() + behindPoints_;
+    const std::string points = Points();
     std::string file = Header(vlrs.size(), points.size()) + vlrs + gap_ + points +
                        RecordBytes<std::uint64_t>(evlrs_) + appended_;
     for (const auto& [offset, bytes] : lies_) {

@@ -48,15 +48,13 @@ class LasBuilder {
     LasBuilder& AddExtraBytes(std::string_view name, std::uint8_t dataType, std::uint8_t size);
     /// The WKT record and the header's WKT bit.
     LasBuilder& Wkt(std::string_view wkt, bool asEvlr = false);
-    /// The GeoKeys of a projected (or geographic) CRS by its EPSG code.
+    /// The GeoKeys of a projected CRS by its EPSG code.
     LasBuilder& ProjectedEpsg(std::uint16_t code);
-    LasBuilder& GeographicEpsg(std::uint16_t code);
     /// A GeoKey directory as 16-bit numbers.
     LasBuilder& GeoKeys(const std::vector<std::uint16_t>& directory);
 
-    /// Bytes between the VLRs and the points, behind the points, and at the end of the file.
+    /// Bytes between the VLRs and the points, and at the end of the file.
     LasBuilder& Gap(std::string_view bytes) { return Set(gap_, bytes); }
-    LasBuilder& BehindPoints(std::string_view bytes) { return Set(behindPoints_, bytes); }
     LasBuilder& Append(std::string_view bytes) { return Set(appended_, bytes); }
 
     /// Overwrites bytes of the finished file with a little-endian number; ignored beyond the end.
@@ -109,7 +107,6 @@ class LasBuilder {
     std::string extraBytes_;
     std::uint16_t extraByteCount_ = 0;
     std::string gap_;
-    std::string behindPoints_;
     std::string appended_;
     std::vector<std::pair<std::size_t, std::string>> lies_;
     std::size_t cut_ = std::string::npos;

@@ -82,12 +82,12 @@ TEST(CompanionRecords, CountsVlrsAndBytes) {
     EXPECT_EQ(ThinnedEntriesPerVlr(0), 0U);
     const struct {
         std::uint32_t entries;
-        std::uint64_t vlrs;
-    } cases[] = {{0, 0}, {1, 1}, {2340, 1}, {2341, 2}, {0xFFFFFFFF, 1835457}};
+        std::uint64_t vlrs, bytes;
+    } cases[] = {
+        {0, 0, 0}, {1, 1, 94}, {2340, 1, 65586}, {2341, 2, 65680}, {0xFFFFFFFF, 1835457, 120380224422}};
     for (const auto& expected : cases) {
         EXPECT_EQ(ThinnedVlrCount(expected.entries, 28), expected.vlrs);
-        EXPECT_EQ(ThinnedBytesNeeded(expected.entries, 28),
-                  66 * expected.vlrs + std::uint64_t{28} * expected.entries);
+        EXPECT_EQ(ThinnedBytesNeeded(expected.entries, 28), expected.bytes);
     }
     EXPECT_EQ(ThinnedVlrCount(10, 65535), 0U);
 }

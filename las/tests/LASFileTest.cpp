@@ -23,28 +23,6 @@ class LASFileTest : public ::testing::Test {
     const testing::LasFolder folder_{};
 };
 
-TEST_F(LASFileTest, AnswersFromTheHeader) {
-    const std::wstring path = folder_.Write(LasBuilder(12, 3).AddPoints(9).ProjectedEpsg(25832));
-    for (const bool readOnly : {true, false}) {
-        const auto file = LASFile::Open(path, readOnly, true);
-        EXPECT_EQ(file->FileName(), path);
-        EXPECT_EQ(file->IsReadOnly(), readOnly);
-        EXPECT_EQ(file->Version(), 12);
-        EXPECT_EQ(file->GetVersionCode(), 3);
-        EXPECT_EQ(file->PointFormat(), 3);
-        EXPECT_EQ(file->GetPointCount(), 9U);
-        EXPECT_EQ(file->Minimum(), (std::array<double, 3>{1000, 2000, 100}));
-        EXPECT_EQ(file->Maximum(), (std::array<double, 3>{1002, 2002, 100.08}));
-        EXPECT_EQ(file->FileSize(), std::filesystem::file_size(ToPath(path)));
-        EXPECT_EQ(file->GetCompanionStatus(), 0);
-        EXPECT_EQ(file->Points(), nullptr);
-        ASSERT_EQ(file->GetVLRs().size(), 1U);
-        EXPECT_TRUE(file->HasProjectionRecords());
-        EXPECT_TRUE(file->FindGeoKeyDirectory());
-        EXPECT_FALSE(file->FindWKT());
-    }
-}
-
 TEST_F(LASFileTest, NamesTheFileThatCannotBeOpened) {
     const std::wstring shortFile = folder_.Write(L"short.las", std::string(226, 'x'));
     for (const bool readOnly : {true, false}) {
@@ -127,21 +105,10 @@ TEST_F(LASFileTest, ReadsEvlrsOfLas14Only) {
     LasBuilder las13(13, 1);
     las13.HeaderSize(375).AddPoints(1).Lie<std::uint64_t>(235, 395).Lie<std::uint32_t>(243, 7);
     EXPECT_TRUE(folder_.Open(las13)->GetEVLRs().empty());
-
-    const auto file = folder_.Open(LasBuilder(14, 6)
-                                       .AddPoints(2)
-                                       .AddEvlr("copc", 1000, "12345", "skipped", 7)
-                                       .AddEvlr("Kst", 9, "ab", "kept")
-                                       .AddEvlr("LASF_Projection", 2112, ""));
-    const auto& evlrs = file->GetEVLRs();
-    ASSERT_EQ(evlrs.size(), 3U);
-    EXPECT_TRUE(evlrs[0].Is("copc", 1000));
-    EXPECT_EQ(evlrs[0].Reserved(), 7);
-    EXPECT_EQ(evlrs[0].RecordLength(), 5U);
-    EXPECT_EQ(evlrs[0].Description(), "skipped");
-    EXPECT_FALSE(evlrs[0].HasData());
-    EXPECT_EQ(evlrs[1].Data()[1], std::byte{'b'});
-    EXPECT_TRUE(evlrs[2].HasData() && evlrs[2].Data().empty());
+    const auto file = folder_.Open(LasBuilder(14, 6).AddEvlr("copc", 1000, "12").AddEvlr("Kst", 9, "ab"));
+    ASSERT_EQ(file->GetEVLRs().size(), 2U);
+    EXPECT_FALSE(file->GetEVLRs()[0].HasData());
+    EXPECT_EQ(file->GetEVLRs()[1].Data()[1], std::byte{'b'});
 }
 
 // The system limits a process's descriptors and mappings; a list may have tens of thousands of files.
@@ -200,6 +167,14 @@ TEST_F(LASFileTest, ReadsMapsAndDescribesUnderALongPath) {
         EXPECT_EQ(file->Points()->Map(0).Count(), 7U);
     }
 }
+
+#ifndef _WIN32
+TEST(LASFileOnLinux, TellsAReadErrorFromAShortFile) {
+    // A file that opens, but whose first bytes are nobody's memory.
+    const std::wstring failure = FailureToOpen(L"/proc/self/mem");
+    EXPECT_TRUE(failure.starts_with(L"The header of '/proc/self/mem' could not be read."));
+}
+#endif
 
 }  // namespace
 }  // namespace orvex

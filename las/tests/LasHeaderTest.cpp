@@ -97,7 +97,7 @@ TEST(LasHeader, EndsAtItsStatedSize) {
     EXPECT_EQ(HeaderOf(LasBuilder().Build()).ProjectId(), "");
 }
 
-TEST(LasFormat, KnowsEachPointFormatAndVersion) {
+TEST(LasFormat, KnowsEachPointFormat) {
     // Length; T time, C colour, N near infrared, W waveform.
     const std::pair<int, const char*> expected[] = {{20, ""},    {28, "T"},   {26, "C"},   {34, "TC"},
                                                     {57, "TW"},  {63, "TCW"}, {30, "T"},   {36, "TC"},
@@ -112,24 +112,6 @@ TEST(LasFormat, KnowsEachPointFormatAndVersion) {
     }
     EXPECT_EQ(las::FindPointFormat(-1), nullptr);
     EXPECT_EQ(las::FindPointFormat(las::kLastPointFormat + 1), nullptr);
-
-    const struct {
-        const wchar_t* name;
-        int code, headerSize, lastDemFormat;
-    } versions[] = {{L"1.0", 0, 227, 1},
-                    {L"1.1", 1, 227, 1},
-                    {L"1.2", 3, 227, 3},
-                    {L"1.3", 4, 235, 5},
-                    {L"1.4", 5, 375, 8}};
-    for (const auto& v : versions) {
-        const las::VersionFacts* facts = las::FindVersion(v.code);
-        ASSERT_NE(facts, nullptr);
-        EXPECT_STREQ(facts->name, v.name);
-        EXPECT_EQ(facts->name, las::kVersions[static_cast<std::size_t>(facts->minor)].name);
-        EXPECT_EQ(facts->headerSize, v.headerSize);
-        EXPECT_EQ(facts->lastDemFormat, v.lastDemFormat);
-    }
-    EXPECT_EQ(las::FindVersion(2), nullptr) << "LAS 2.0";
 }
 
 }  // namespace

@@ -58,25 +58,6 @@ TEST(WalkVlrs, StopsAtTheCountTheAreaOrTheHeader) {
     }
 }
 
-TEST(VlrView, ReadsItsFieldsAndCutsItsData) {
-    const std::string bytes =
-        LasBuilder()
-            .AddVlr("sixteen letters!", 65535, "0123456789", "a description of thirty-two char", 0xAABB)
-            .Build();
-    const VlrView whole(BytesOf(bytes).subspan(227), 227);
-    EXPECT_EQ(whole.Reserved(), 0xAABB);
-    EXPECT_EQ(whole.UserId(), "sixteen letters!");
-    EXPECT_EQ(whole.RecordId(), 65535);
-    EXPECT_EQ(whole.RecordLength(), 10U);
-    EXPECT_EQ(whole.Description(), "a description of thirty-two char");
-    EXPECT_EQ(whole.Data().size(), 10U);
-    EXPECT_FALSE(whole.IsTruncated());
-    const VlrView cut(BytesOf(bytes).subspan(227, 54 + 4), 227);
-    EXPECT_EQ(cut.RecordLength(), 10U);
-    EXPECT_EQ(cut.Data().size(), 4U);
-    EXPECT_TRUE(cut.IsTruncated());
-}
-
 /// A record header and its data; `length` is what the header states.
 std::string Evlr(std::string_view userId, std::uint64_t length, std::string_view data) {
     std::string record(60, '\0');

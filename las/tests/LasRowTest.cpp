@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <thread>
 
@@ -32,24 +31,6 @@ class LasRowTest : public ::testing::Test {
 
     const testing::TemporaryFolder folder_;
 };
-
-TEST_F(LasRowTest, DescribesAGoodFile) {
-    const auto before = std::chrono::system_clock::now() - std::chrono::minutes(1);
-    const LasRow found = Inspect(LasBuilder(12, 1).AddPoints(5).ProjectedEpsg(25832));
-    EXPECT_TRUE(found.loadable);
-    EXPECT_EQ(found.summary, L"OK");
-    EXPECT_TRUE(found.findings.empty());
-    ASSERT_NE(found.file, nullptr);
-    EXPECT_TRUE(found.file->IsReadOnly());
-    EXPECT_EQ(found.fileSize, std::filesystem::file_size(ToPath(found.path)));
-    const std::chrono::sys_time<std::chrono::milliseconds> modified{
-        std::chrono::milliseconds(found.modifiedMs)};
-    EXPECT_GT(modified, before);
-    EXPECT_LT(modified, before + std::chrono::minutes(10));
-    EXPECT_EQ(found.crs->name, L"ETRS89 / UTM zone 32N");
-    EXPECT_EQ(found.crs->epsg, 25832);
-    EXPECT_FALSE(found.crs->isGeographic);
-}
 
 TEST_F(LasRowTest, ChoosesTheCrsByTheWktBit) {
     const LasBuilder keys = LasBuilder(14, 6).AddPoints(2).ProjectedEpsg(25832);
@@ -99,8 +80,6 @@ TEST_F(LasRowTest, PutsTheWorstFindingIntoTheSummary) {
 }
 
 TEST_F(LasRowTest, SaysWhyAFileCannotBeLoaded) {
-    std::string descriptor(192, '\0');
-    descriptor[2] = 30;
     const std::wstring folder = FromPath(folder_.Path());
     const struct {
         std::wstring path;
@@ -108,12 +87,8 @@ TEST_F(LasRowTest, SaysWhyAFileCannotBeLoaded) {
     } cases[] = {
         {L"", L"'' file does not exist. Cannot open."},
         {folder, L"'" + folder + L"' file does not exist. Cannot open."},
-        {folder_.Write(L"short.las", "LAS"),
-         L"ReadHeaderBlock failed on '" + folder_.Name(L"short.las") + L"'."},
         {folder_.Write(L"text.las", std::string(300, 't')),
          L"'" + folder_.Name(L"text.las") + L"' is not a LAS file: it does not begin with \"LASF\"."},
-        {folder_.Write(L"type.las", LasBuilder().AddVlr("LASF_Spec", 4, descriptor).Build()),
-         L"GetExtraByteOffsets: '30' is not a valid extra bytes data_type value."},
     };
     for (const auto& expected : cases) {
         const LasRow found = InspectLasFile(expected.path);

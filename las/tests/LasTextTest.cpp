@@ -29,10 +29,12 @@ std::wstring Fields(const std::wstring& reserved, const std::wstring& userId, co
 
 TEST_F(LasTextTest, ShowsFieldsAndBytes) {
     EXPECT_EQ(VlrText(LasBuilder()
-                          .AddVlr("somebody", 7, "\x01\x7f\x80\xff\x10 AB", "eight bytes", 43707)
+                          .AddVlr("sixteen letters!", 7, "\x01\x7f\x80\xff\x10 AB",
+                                  "a description of thirty-two char", 43707)
                           .AddVlr("LASF_Projection", 2112, "PROJCS[]", "OGC WKT")
                           .AddVlr("b", 65535, "xyz")),
-              Fields(L"43707", L"somebody", L"7", L"8", L"eight bytes") + L"01 7f 80 ff 10 20 41 42 \n" +
+              Fields(L"43707", L"sixteen letters!", L"7", L"8", L"a description of thirty-two char") +
+                  L"01 7f 80 ff 10 20 41 42 \n" +
                   Fields(L"0", L"LASF_Projection", L"2112", L"8", L"OGC WKT") +
                   Fields(L"0", L"b", L"65535", L"3", L"") + L"78 79 7a ");
     EXPECT_EQ(VlrText(LasBuilder()), L"");

@@ -109,16 +109,5 @@ TEST_F(LasValidateTest, FindsWhatIsOdd) {
     }
 }
 
-TEST_F(LasValidateTest, SaysItInPlainWords) {
-    const auto textOf = [&](const LasBuilder& builder) { return Validate(builder).at(0).text; };
-    EXPECT_EQ(textOf(Good().Cut(Good().Build().size() - 29)),
-              L"The file is truncated by 2 points: its header counts 10 points, the file holds 8.");
-    EXPECT_EQ(textOf(Good().Cut(Good().Build().size() - 1)),
-              L"The file is truncated by 1 point: its header counts 10 points, the file holds 9.");
-    EXPECT_EQ(textOf(Good().Lie(139, 0.0).Lie(147, 0.0)), L"The scale factor is zero in Y, Z.");
-    EXPECT_EQ(textOf(Good().Lie<std::uint32_t>(100, 4000000000)),
-              L"The header counts 4000000000 variable length records (VLRs); 1 were found.");
-}
-
 }  // namespace
 }  // namespace orvex
