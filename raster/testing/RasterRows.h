@@ -3,24 +3,19 @@
 #include <memory>
 #include <string>
 
+#include "orvexcommon/OrvexUtilities.h"
 #include "raster/RasterRow.h"
 #include "support/Text.h"
 
 namespace orvex::testing {
 
-/// UTM zone 32, in metres.
+/// ETRS89 / UTM zone 32N.
 inline std::string ProjectedWkt() {
-    return R"(PROJCS["ETRS89 / UTM zone 32N",GEOGCS["ETRS89",DATUM["European_Terrestrial_Reference_System_1989",)"
-           R"(SPHEROID["GRS 1980",6378137,298.257222101]],PRIMEM["Greenwich",0],)"
-           R"(UNIT["degree",0.0174532925199433]],PROJECTION["Transverse_Mercator"],)"
-           R"(PARAMETER["latitude_of_origin",0],PARAMETER["central_meridian",9],PARAMETER["scale_factor",0.9996],)"
-           R"(PARAMETER["false_easting",500000],PARAMETER["false_northing",0],UNIT["metre",1],)"
-           R"(AUTHORITY["EPSG","25832"]])";
+    return OrvexUtilities::CrsGetPrettyWktFromEPSG(25832);
 }
 
 inline std::string GeographicWkt() {
-    return R"(GEOGCS["WGS 84",DATUM["WGS_1984",SPHEROID["WGS 84",6378137,298.257223563]],)"
-           R"(PRIMEM["Greenwich",0],UNIT["degree",0.0174532925199433],AUTHORITY["EPSG","4326"]])";
+    return OrvexUtilities::CrsGetPrettyWktFromEPSG(4326);
 }
 
 /// A GeoTIFF of 600 x 400 pixels of half a unit, with three bands.

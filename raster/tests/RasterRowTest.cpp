@@ -67,22 +67,15 @@ RasterRow Inspect(const std::wstring& path, const RasterInformationMaker& maker 
     return InspectRasterFile(path, RasterUse::Image, maker);
 }
 
-TEST(RasterRow, AFileWithoutAnythingOdd) {
+TEST(RasterRow, FactsBesidesThoseOfTheImage) {
     const TemporaryFolder folder;
     const std::wstring path = GeoTiff().Write(folder, L"a.tif");
     const RasterRow row = Inspect(path);
-    EXPECT_TRUE(row.loadable);
-    EXPECT_EQ(row.path, path);
-    EXPECT_EQ(row.summary, Text(text::kInspectionOk));
-    EXPECT_THAT(row.findings, IsEmpty());
     EXPECT_EQ(row.unit, L"Meters");
     EXPECT_EQ(row.crs->name, L"WGS 84 / UTM zone 33N");
     EXPECT_EQ(row.fileSize, FileSizeOf(path));
     EXPECT_GT(row.modifiedMs, 1'700'000'000'000);
-    const RasterFileInfo& file = *row.file;
-    EXPECT_EQ(file.FileName(), path);
-    EXPECT_EQ(file.Properties().width, 20);
-    EXPECT_FALSE(file.IsBigTiff());
+    EXPECT_FALSE(row.file->IsBigTiff());
     for (const char* order : {"ENDIANNESS=LITTLE", "ENDIANNESS=BIG"}) {
         const GeoTiff big{.options = {"BIGTIFF=YES", order}};
         EXPECT_TRUE(Inspect(big.Write(folder, L"b.tif")).file->IsBigTiff()) << order;
