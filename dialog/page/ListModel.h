@@ -22,7 +22,7 @@ class ListRows : public GridModel {
 
 /// Rows of one type (movable) with the columns that show them. A record's index is the order of adding.
 template <typename Row>
-class ListModel final : public ListRows {
+class ListModel : public ListRows {
   public:
     /// `columns` outlives the model.
     explicit ListModel(std::span<const Column<Row>> columns, QObject* parent = nullptr)

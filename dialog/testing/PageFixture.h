@@ -3,12 +3,8 @@
 
 #include <QAbstractButton>
 #include <QAbstractItemModelTester>
-#include <QApplication>
-#include <QDropEvent>
-#include <QMimeData>
 #include <QPushButton>
 #include <QTest>
-#include <QUrl>
 #include <array>
 #include <filesystem>
 #include <memory>
@@ -134,18 +130,7 @@ class PageFixture : public ::testing::Test, protected ScriptedServices {
     }
     std::vector<std::wstring> Names() const { return Shown("fileName"); }
 
-    void Drop(const std::vector<std::wstring>& paths) const {
-        QMimeData data;
-        QList<QUrl> urls;
-        for (const std::wstring& path : paths) {
-            urls.append(QUrl::fromLocalFile(ToQString(path)));
-        }
-        data.setUrls(urls);
-        QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(page, &enter);
-        QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(page, &drop);
-    }
+    void Drop(const std::vector<std::wstring>& paths) const { DropOn(*page, paths); }
 
     TemporaryFolder folder;
     AddFilesParams given;   ///< the record with the host's inputs

@@ -1,11 +1,33 @@
 #pragma once
+#include <QApplication>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QUrl>
+#include <string>
+#include <vector>
+
 #include "dialog/DialogServices.h"
 #include "settings/OptionStore.h"
 #include "settings/testing/FakeHostObjects.h"
 #include "settings/testing/FakeRegistry.h"
+#include "support/QtText.h"
 #include "support/testing/Scripted.h"
 
 namespace orvex::testing {
+
+/// Drags files over a window and drops them there.
+inline void DropOn(QWidget& window, const std::vector<std::wstring>& paths) {
+    QMimeData data;
+    QList<QUrl> urls;
+    for (const std::wstring& path : paths) {
+        urls.append(QUrl::fromLocalFile(ToQString(path)));
+    }
+    data.setUrls(urls);
+    QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&window, &enter);
+    QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&window, &drop);
+}
 
 /// What the dialog and its pages ask for, answered by scripts and kept in memory; a base of test fixtures.
 struct ScriptedServices {

@@ -3,12 +3,9 @@
 #include <gmock/gmock.h>
 
 #include <QApplication>
-#include <QDragEnterEvent>
-#include <QMimeData>
 #include <QProgressBar>
 #include <QTabBar>
 #include <QTimer>
-#include <QUrl>
 
 #include "dialog/tests/ShellFixture.h"
 
@@ -18,53 +15,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
-
-TEST_F(Shell, TabsAreDenseAndInOrder) {
-    struct Case {
-        std::vector<bool AddFilesParams::*> on;
-        std::vector<PageKind> kinds;
-    };
-    using P = AddFilesParams;
-    const Case cases[] = {
-        {{}, {PageKind::Las}},
-        {{&P::showCloudTab}, {PageKind::Las, PageKind::CloudLas}},
-        {{&P::showPhotoTab, &P::showRasterTab}, {PageKind::Las, PageKind::Raster, PageKind::Photo}},
-        {{&P::showRasterTab, &P::showPhotoTab, &P::showFeatureTab, &P::showDemTab, &P::showCloudTab},
-         {PageKind::Las, PageKind::Raster, PageKind::Feature, PageKind::Dem, PageKind::Photo,
-          PageKind::CloudLas}},
-    };
-    for (const Case& c : cases) {
-        params = {};
-        for (auto pageSwitch : c.on) {
-            params.*pageSwitch = true;
-        }
-        const auto dialog = Make();
-        std::vector<PageKind> kinds;
-        kinds.reserve(c.kinds.size());
-        for (int i = 0; i < dialog->Tabs().count(); ++i) {
-            kinds.push_back(dialog->Tabs().KindOfTab(i));
-        }
-        EXPECT_EQ(kinds, c.kinds);
-    }
-}
-
-TEST_F(Shell, OnlyTheSelectedTabHasItsImageAndItsPage) {
-    AllOn();
-    const auto dialog = Open();
-    CTabCtrlEx& tabs = dialog->Tabs();
-    const auto key = [&](int tab) { return tabs.tabIcon(tab).pixmap(16).toImage(); };
-    const QImage inactive = key(1);
-    QTest::mouseClick(tabs.tabBar(), Qt::LeftButton, {}, tabs.tabBar()->tabRect(1).center());
-    EXPECT_EQ(tabs.ShownIndex(), 1);
-    EXPECT_EQ(key(0), inactive);
-    EXPECT_NE(key(1), inactive);
-    EXPECT_TRUE(dialog->findChild<QWidget*>(QStringLiteral("page385"))->isVisible());
-    EXPECT_TRUE(dialog->findChild<QWidget*>(QStringLiteral("page385"))->isEnabled());
-    EXPECT_FALSE(dialog->findChild<QWidget*>(QStringLiteral("page363"))->isVisible());
-    EXPECT_FALSE(dialog->findChild<QWidget*>(QStringLiteral("page363"))->isEnabled());
-    tabs.Select(5);
-    EXPECT_TRUE(tabs.tabIcon(5).isNull()) << "the list has no image for the cloud tab";
-}
 
 TEST_F(Shell, CtrlTabChangesTheTabFromTheButtonsToo) {
     params.showRasterTab = params.showDemTab = true;
@@ -81,72 +31,50 @@ TEST_F(Shell, CtrlTabChangesTheTabFromTheButtonsToo) {
 
 TEST_F(Shell, InitialTabSelectsATabOrNone) {
     params.showCloudTab = true;
-    struct Case {
-        int initial;
-        int shown;
-    };
-    for (const Case& c : {Case{0, 0}, Case{1, 1}, Case{2, -1}, Case{-1, -1}, Case{1000, -1}}) {
-        params.initialTab = c.initial;
+    for (const auto& [initial, shown] : {std::pair{0, 0}, {1, 1}, {2, -1}, {-1, -1}}) {
+        params.initialTab = initial;
         const auto dialog = Open();
-        EXPECT_EQ(dialog->Tabs().ShownIndex(), c.shown) << c.initial;
-        EXPECT_EQ(dialog->findChild<QWidget*>(QStringLiteral("page363"))->isVisible(), c.shown == 0)
-            << c.initial;
-        EXPECT_EQ(dialog->findChild<QWidget*>(QStringLiteral("page410"))->isVisible(), c.shown == 1)
-            << c.initial;
+        EXPECT_EQ(dialog->Tabs().ShownIndex(), shown) << initial;
+        const auto* las = dialog->findChild<QWidget*>(QStringLiteral("page363"));
+        const auto* cloud = dialog->findChild<QWidget*>(QStringLiteral("page410"));
+        EXPECT_EQ(las->isVisible(), shown == 0) << initial;
+        EXPECT_EQ(cloud->isVisible() && cloud->isEnabled(), shown == 1) << initial;
         QTabBar* bar = dialog->Tabs().tabBar();
         QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(0).center());
-        EXPECT_EQ(dialog->Tabs().ShownIndex(), 0) << "a click leads out of it";
-        EXPECT_TRUE(dialog->findChild<QWidget*>(QStringLiteral("page363"))->isVisible());
+        EXPECT_TRUE(las->isVisible()) << "a click leads out of it";
+        EXPECT_FALSE(cloud->isEnabled()) << "a page that is hidden takes no keys";
         dialog->reject();
         EXPECT_EQ(StoredTab(), 0);
     }
 }
 
-TEST_F(Shell, OkAsksThePagesInOrderUntilOneRefuses) {
-    AllOn();
-    struct Case {
+TEST_F(Shell, OkAsksThePagesOfTheSwitchesInOrderUntilOneRefuses) {
+    using P = AddFilesParams;
+    const struct {
+        std::vector<bool P::*> on;
         const char* refuse;
         std::vector<std::string> asked;
-        bool closes;
+    } cases[] = {
+        {{}, "", {"store las"}},
+        {{&P::showPhotoTab, &P::showRasterTab}, "", {"store las", "store raster", "store photo"}},
+        {{&P::showCloudTab, &P::showDemTab, &P::showFeatureTab},
+         "dem",
+         {"store las", "store feature", "store dem"}},
+        {{&P::showCloudTab}, "cloud", {"store las", "store cloud"}},
     };
-    const Case cases[] = {
-        {"las", {"store las"}, false},
-        {"dem", {"store las", "store raster", "store feature", "store dem"}, false},
-        {"cloud",
-         {"store las", "store raster", "store feature", "store dem", "store photo", "store cloud"},
-         false},
-        {"", {"store las", "store raster", "store feature", "store dem", "store photo", "store cloud"}, true},
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
+        params = {};
+        for (const auto pageSwitch : c.on) {
+            params.*pageSwitch = true;
+        }
         journal.lines.clear();
         journal.refuse = c.refuse;
         const auto dialog = Open();
+        EXPECT_EQ(static_cast<std::size_t>(dialog->Tabs().count()), c.on.size() + 1);
         Press(*dialog, "ok");
-        EXPECT_EQ(journal.lines, c.asked) << c.refuse;
-        EXPECT_EQ(dialog->isVisible(), !c.closes) << c.refuse;
-        EXPECT_EQ(dialog->result() == QDialog::Accepted, c.closes);
-    }
-}
-
-TEST_F(Shell, APageThatThrowsOnOkKeepsTheDialogOpen) {
-    journal.throwOnStore = "las";
-    const auto dialog = Open();
-    Press(*dialog, "ok");
-    EXPECT_TRUE(dialog->isVisible());
-    ASSERT_THAT(prompts.shown, SizeIs(1));
-    EXPECT_EQ(prompts.shown[0].text, L"An exception occurred in OnOK():\n\ndisk full");
-}
-
-TEST_F(Shell, EveryOtherEndReleasesThePagesThatExist) {
-    params.showPhotoTab = true;
-    const auto ends = {+[](QDialog& d) { Press(d, "cancel"); }, +[](QDialog& d) { d.close(); },
-                       +[](QDialog& d) { QTest::keyClick(&d, Qt::Key_Escape); }};
-    for (auto end : ends) {
-        journal.lines.clear();
-        const auto dialog = Open();
-        end(*dialog);
-        EXPECT_FALSE(dialog->isVisible());
-        EXPECT_THAT(journal.lines, ElementsAre("release las", "release photo"));
+        EXPECT_EQ(journal.lines, c.asked);
+        EXPECT_EQ(dialog->isVisible(), *c.refuse != 0);
+        EXPECT_EQ(dialog->result() == QDialog::Accepted, *c.refuse == 0);
     }
 }
 
@@ -204,18 +132,6 @@ TEST_F(Shell, PlacementComesBackUnlessCtrlIsHeld) {
     EXPECT_EQ(Open()->size(), QSize(822, 444)) << "saved on close although Ctrl was held";
 }
 
-TEST_F(Shell, AnUnusablePlacementIsIgnoredAndAnUnreachableOneMovedIntoSight) {
-    options.WritePlacement(L"AddFilesDlgA", "not a placement");
-    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    EXPECT_EQ(Open()->size(), QSize(1024, 768));
-    QWidget far;
-    far.setGeometry(QRect(screen.right() + 5000, screen.bottom() + 5000, 810, 410));
-    options.WritePlacement(L"AddFilesDlgA", far.saveGeometry().toStdString());
-    const auto dialog = Open();
-    EXPECT_TRUE(screen.intersects(dialog->geometry()));
-    EXPECT_TRUE(screen.contains(dialog->geometry().topLeft() + QPoint(50, 5)));
-}
-
 TEST_F(Shell, ARunLocksWhatCouldStartAnother) {
     params.showRasterTab = true;
     const auto dialog = Open();
@@ -256,7 +172,8 @@ TEST_F(Shell, TheFocusComesBackAfterARun) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return act->hasFocus(); }));
 }
 
-TEST_F(Shell, EveryWayOfClosingStopsARunAndASecondPressLosesNothing) {
+TEST_F(Shell, EveryWayOfClosingStopsARunThenReleasesThePagesAndASecondPressLosesNothing) {
+    params.showPhotoTab = true;
     const auto ways = {+[](QDialog& d) { Press(d, "cancel"); }, +[](QDialog& d) { d.close(); },
                        +[](QDialog& d) { QTest::keyClick(&d, Qt::Key_Escape); }};
     for (auto way : ways) {
@@ -272,6 +189,7 @@ TEST_F(Shell, EveryWayOfClosingStopsARunAndASecondPressLosesNothing) {
         EXPECT_TRUE(QTest::qWaitFor([&] { return !journal.progress->WasStoppedJustNow(); }));
         way(*dialog);
         EXPECT_FALSE(dialog->isVisible());
+        EXPECT_THAT(journal.lines, ElementsAre("release las", "release photo"));
         journal.lines.clear();
     }
 }
@@ -290,8 +208,10 @@ TEST_F(Shell, OnlyOkChangesTheRecord) {
         for (const bool cancels : {true, false}) {
             journal.*failing = "raster";
             auto dialog = Open();
+            prompts.shown.clear();
             Press(*dialog, "ok");
             EXPECT_TRUE(dialog->isVisible());
+            EXPECT_THAT(prompts.shown, SizeIs(failing == &Journal::throwOnStore ? 1 : 0)) << "with the cause";
             if (cancels) {
                 Press(*dialog, "cancel");
                 EXPECT_TRUE(isOwn());
@@ -319,7 +239,6 @@ TEST_F(Shell, RunIsTrueForOkWithAListThatAHostActsOn) {
         const char* press;
         bool result;
     } cases[] = {
-        {"nothing", [](P&) {}, "ok", false},
         {"las", [](P& p) { p.lasFiles[L"/d"]; }, "ok", true},
         {"las", [](P& p) { p.lasFiles[L"/d"]; }, "cancel", false},
         {"raster", [](P& p) { p.rasterFiles[L"/d"]; }, "ok", true},
@@ -328,8 +247,6 @@ TEST_F(Shell, RunIsTrueForOkWithAListThatAHostActsOn) {
         {"photo", [](P& p) { p.photoFiles.emplace_back(); }, "ok", true},
         {"presigned", [](P& p) { p.presignedUrlLayers[L"l"]; }, "ok", true},
         {"cloud", [](P& p) { p.cloudLasLayers[L"l"]; }, "ok", true},
-        {"cloud 2", [](P& p) { p.cloudLasLayerValues2[L"l"]; }, "ok", false},
-        {"cloud 3", [](P& p) { p.cloudLasLayerValues3[L"l"]; }, "ok", false},
         {"inputs", [](P& p) { p.existingLasLayers[L"l"]; }, "ok", false},
     };
     for (const auto& c : cases) {
@@ -387,51 +304,36 @@ TEST_F(Shell, EscapeEndsTheAddingOfAllInitialPaths) {
 TEST_F(Shell, DropsGoToTheShownPageOrTheFirstThatKnowsTheFiles) {
     params.showRasterTab = true;
     const auto dialog = Open();
-    const auto drop = [&](const QStringList& files) {
-        QMimeData data;
-        QList<QUrl> urls;
-        for (const QString& file : files) {
-            urls.append(QUrl::fromLocalFile(file));
-        }
-        data.setUrls(urls);
-        QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(dialog.get(), &enter);
-        QDropEvent event(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(dialog.get(), &event);
-    };
-    drop({QStringLiteral("/data/a b.las"), QStringLiteral("/data/x.txt")});
+    testing::DropOn(*dialog, {L"/data/a b.las", L"/data/x.txt"});
     EXPECT_THAT(journal.added, ElementsAre(NativePath(L"/data/a b.las"), NativePath(L"/data/x.txt")));
     EXPECT_EQ(dialog->Tabs().ShownIndex(), 0);
-    drop({QStringLiteral("/data/image.tif")});
+    testing::DropOn(*dialog, {L"/data/image.tif"});
     EXPECT_EQ(dialog->Tabs().ShownIndex(), 1);
-    drop({QStringLiteral("/data/x.txt")});
+    testing::DropOn(*dialog, {L"/data/x.txt"});
     EXPECT_THAT(journal.lines, ElementsAre("add las", "add raster"));
 }
 
 TEST_F(Shell, OverwriteWarningComesExactlyWhenOriginalsWouldBeLost) {
-    struct Case {
+    const struct {
         bool companion, convert;
         int pyramid, backup;
         bool pending;
         bool asked;
+    } cases[] = {
+        {true, false, 1, 0, true, true}, {false, true, 1, 0, true, true},  {false, false, 1, 0, true, false},
+        {true, true, 2, 0, true, false}, {true, true, 0, 0, true, false},  {true, true, 1, 1, true, false},
+        {true, true, 1, 2, true, false}, {true, true, 1, 0, false, false},
     };
-    const Case cases[] = {
-        {true, true, 1, 0, true, true},    {true, false, 1, 0, true, true}, {false, true, 1, 0, true, true},
-        {false, false, 1, 0, true, false}, {true, true, 2, 0, true, false}, {true, true, 0, 0, true, false},
-        {true, true, 1, 1, true, false},   {true, true, 1, 2, true, false}, {true, true, 1, 0, false, false},
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         prompts.tasksShown.clear();
         journal.needCompanion = c.companion ? "las" : "";
         params.convertExistingQvr = c.convert;
         params.lasPyramidType = c.pyramid;
         params.orvexLasBackupOption = c.backup;
         params.orvexLasOverwritePending = c.pending;
-        const auto dialog = Open();
-        Press(*dialog, "ok");
+        Press(*Open(), "ok");
         EXPECT_EQ(prompts.tasksShown.size(), c.asked ? 1U : 0U)
             << c.companion << c.convert << c.pyramid << c.backup;
-        EXPECT_FALSE(dialog->isVisible());
     }
 }
 
@@ -448,10 +350,6 @@ TEST_F(Shell, OverwriteWarningIsSuppressedByItsCheckBoxWhateverTheAnswer) {
     EXPECT_FALSE(press({PromptAnswer::Cancel, false}));
     EXPECT_TRUE(press({PromptAnswer::Yes, false}));
     EXPECT_FALSE(press({PromptAnswer::No, true}));
-    ASSERT_THAT(prompts.tasksShown, SizeIs(4));
-    EXPECT_EQ(prompts.tasksShown[0].content, Text(text::kOverwriteWarningCause) + L"\n" +
-                                                 Text(text::kOverwriteWarningAdvice) + L"\n\n" +
-                                                 Text(text::kOverwriteWarningQuestion));
     EXPECT_TRUE(press({PromptAnswer::No, false})) << "ticked with No: never asked again";
     EXPECT_THAT(prompts.tasksShown, SizeIs(4));
 }

@@ -2,9 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include <QCheckBox>
-#include <QPushButton>
-#include <QRadioButton>
+#include <QAbstractButton>
 #include <QTest>
 
 #include "dialog/CAddingLidarDlg.h"
@@ -24,22 +22,16 @@ TEST(LidarMessages, FollowFromTheFindings) {
     };
     const Case cases[] = {
         {"", {}, false},
-        {"a", {}, false},
         {"b", {}, false},
-        {"c", {}, false},
+        {"cd", {text::kLidarDamagedFiles}, false},
         {"ab", {text::kLidarCrsMismatch}, false},
         {"ac", {text::kLidarCrsMismatch}, false},
-        {"abc", {text::kLidarCrsMismatch}, false},
         {"bc", {text::kLidarCrsDiffer}, false},
-        {"d", {text::kLidarDamagedFiles}, false},
         {"bcd", {text::kLidarCrsDiffer, text::kLidarDamagedFiles}, false},
-        {"e", {}, false},
-        {"f", {}, false},
-        {"g", {}, false},
         {"ef", {text::kLidarAlreadyInProject}, false},
         {"eg", {text::kLidarCannotOpen}, false},
         {"fg", {text::kLidarNothingToAdd}, true},
-        {"efg", {text::kLidarNothingToAdd}, true},
+        {"aeg", {text::kLidarCannotOpen}, false},
         {"abcdefg", {text::kLidarCrsMismatch, text::kLidarDamagedFiles, text::kLidarNothingToAdd}, true},
         {"abdeg", {text::kLidarCrsMismatch, text::kLidarDamagedFiles, text::kLidarCannotOpen}, false},
     };
@@ -50,19 +42,12 @@ TEST(LidarMessages, FollowFromTheFindings) {
                                     L"Caption", prompts),
                   c.stop)
             << c.flags;
-        std::vector<std::wstring> wanted;
-        for (const StringId id : c.texts) {
-            wanted.push_back(Text(id));
+        ASSERT_EQ(prompts.shown.size(), c.texts.size()) << c.flags;
+        for (std::size_t i = 0; i < c.texts.size(); ++i) {
+            EXPECT_EQ(prompts.shown[i].text, Text(c.texts[i])) << c.flags;
+            EXPECT_EQ(prompts.shown[i].icon,
+                      c.texts[i] == text::kLidarCrsDiffer ? PromptIcon::Information : PromptIcon::Warning);
         }
-        std::vector<std::wstring> shown;
-        for (const Prompt& prompt : prompts.shown) {
-            shown.push_back(prompt.text);
-            EXPECT_EQ(prompt.caption, L"Caption");
-            EXPECT_EQ(prompt.buttons, PromptButtons::Ok);
-            EXPECT_EQ(prompt.icon, prompt.text == Text(text::kLidarCrsDiffer) ? PromptIcon::Information
-                                                                              : PromptIcon::Warning);
-        }
-        EXPECT_EQ(shown, wanted) << c.flags;
     }
 }
 
@@ -83,14 +68,11 @@ class LidarDecision : public ::testing::Test {
 };
 
 TEST_F(LidarDecision, AStoredAnswerIsGivenWithoutAsking) {
-    struct Case {
-        std::uint8_t stored;
-        AddLidarChoice choice;
-    };
-    for (const Case& c : {Case{1, ADD_LIDAR_READ_ONLY}, Case{2, ADD_LIDAR_READ_WRITE},
-                          Case{7, ADD_LIDAR_READ_ONLY}, Case{255, ADD_LIDAR_READ_ONLY}}) {
-        ASSERT_TRUE(options.Put(opt2ShowAddReadWriteDlg, c.stored));
-        EXPECT_EQ(Decide(false), c.choice) << int{c.stored};
+    const std::pair<std::uint8_t, AddLidarChoice> cases[] = {
+        {1, ADD_LIDAR_READ_ONLY}, {2, ADD_LIDAR_READ_WRITE}, {255, ADD_LIDAR_READ_ONLY}};
+    for (const auto& [stored, choice] : cases) {
+        ASSERT_TRUE(options.Put(opt2ShowAddReadWriteDlg, stored));
+        EXPECT_EQ(Decide(false), choice) << int{stored};
         EXPECT_EQ(asked, 0);
     }
 }
@@ -117,45 +99,28 @@ TEST_F(LidarDecision, AnAnswerIsKeptOnlyWhenTicked) {
     }
 }
 
-struct Window {
-    explicit Window(bool readWriteAllowed) : dialog(readWriteAllowed) { dialog.show(); }
-    template <typename Button>
-    Button* Find(const char* name) {
-        return dialog.findChild<Button*>(QLatin1String(name));
+TEST(AddingLidarDlg, OkAloneTellsWhatWasChosenAndReadWriteOnlyWhereItIsAllowed) {
+    const struct {
+        bool isAllowed;
+        const char* choose;
+        const char* end;
+        AddLidarChoice choice;
+        bool keep;
+    } cases[] = {{true, "readWrite", "ok", ADD_LIDAR_READ_WRITE, true},
+                 {true, "notAtAll", "ok", ADD_LIDAR_NOT_AT_ALL, true},
+                 {true, "notAtAll", "cancel", ADD_LIDAR_READ_ONLY, false},
+                 {false, "readWrite", "ok", ADD_LIDAR_READ_ONLY, true}};
+    for (const auto& c : cases) {
+        CAddingLidarDlg dialog(c.isAllowed);
+        dialog.show();
+        for (const char* name : {c.choose, "doNotAskAgain", c.end}) {
+            auto* button = dialog.findChild<QAbstractButton*>(QLatin1String(name));
+            QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(8, button->height() / 2));
+        }
+        EXPECT_FALSE(dialog.isVisible());
+        EXPECT_EQ(dialog.Answer().choice, c.choice) << c.choose << c.end;
+        EXPECT_EQ(dialog.Answer().doNotAskAgain, c.keep) << c.choose << c.end;
     }
-    void Click(const char* name) {
-        auto* button = Find<QAbstractButton>(name);
-        QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(8, button->height() / 2));
-    }
-    CAddingLidarDlg dialog;
-};
-
-TEST(AddingLidarDlg, OkTellsWhatWasChosen) {
-    Window window(true);
-    EXPECT_TRUE(window.Find<QRadioButton>("readOnly")->isChecked());
-    window.Click("readWrite");
-    window.Click("doNotAskAgain");
-    window.Click("ok");
-    EXPECT_FALSE(window.dialog.isVisible());
-    EXPECT_EQ(window.dialog.Answer().choice, ADD_LIDAR_READ_WRITE);
-    EXPECT_TRUE(window.dialog.Answer().doNotAskAgain);
-}
-
-TEST(AddingLidarDlg, CancelTransfersNothing) {
-    Window window(true);
-    window.Click("notAtAll");
-    window.Click("doNotAskAgain");
-    window.Click("cancel");
-    EXPECT_EQ(window.dialog.Answer().choice, ADD_LIDAR_READ_ONLY);
-    EXPECT_FALSE(window.dialog.Answer().doNotAskAgain);
-}
-
-TEST(AddingLidarDlg, ReadWriteCannotBeChosenWhenItIsNotAllowed) {
-    Window window(false);
-    EXPECT_FALSE(window.Find<QRadioButton>("readWrite")->isEnabled());
-    window.Click("readWrite");
-    window.Click("ok");
-    EXPECT_EQ(window.dialog.Answer().choice, ADD_LIDAR_READ_ONLY);
 }
 
 }  // namespace

@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QDialog>
-#include <QImage>
-#include <QPalette>
 #include <QProgressBar>
 #include <QSignalSpy>
 #include <QTest>
@@ -51,22 +48,6 @@ TEST(DialogProgress, IsShownWhileTheOuterRunLasts) {
     EXPECT_EQ(window.bar->format(), QString()) << "nothing is left for the next run";
     EXPECT_FALSE(window.bar->isVisible());
     EXPECT_EQ(changes.count(), 2);
-}
-
-TEST(DialogProgress, TheGroundOfTheBarIsGreyWhateverTheColoursAround) {
-    const QPalette before = QApplication::palette();
-    for (const QColor& base : {QColor(Qt::white), QColor(0x20, 0x23, 0x28)}) {
-        QPalette palette = before;
-        palette.setColor(QPalette::Base, base);
-        QApplication::setPalette(palette);
-        Window window;
-        window.bar->resize(300, 24);
-        const DialogProgress::Run run(window.progress);
-        window.progress.SetRange(100);
-        const QImage picture = window.bar->grab().toImage();
-        EXPECT_EQ(picture.pixelColor(200, 12), QColor(0xc8, 0xc8, 0xc8)) << base.name().toStdString();
-    }
-    QApplication::setPalette(before);
 }
 
 TEST(DialogProgress, ShowsRangesBeyondAnIntAndTextsLiterally) {

@@ -99,10 +99,6 @@ class Shell : public ::testing::Test, protected testing::ScriptedServices {
             L".URL");
     }
 
-    void AllOn() {
-        params.showRasterTab = params.showFeatureTab = params.showDemTab = true;
-        params.showPhotoTab = params.showCloudTab = true;
-    }
     std::unique_ptr<AddFilesDlg> Make() { return std::make_unique<AddFilesDlg>(params, services, pages); }
     std::unique_ptr<AddFilesDlg> Open() {
         auto dialog = Make();

@@ -6,6 +6,7 @@
 #include "support/FilePickers.h"
 #include "support/HelpViewer.h"
 #include "support/HostObjects.h"
+#include "support/LDataError.h"
 #include "support/ProgressIf.h"
 #include "support/UserPrompts.h"
 
@@ -45,8 +46,10 @@ class ScriptedPickers final : public FilePickers {
     std::deque<std::optional<std::wstring>> folders;
     std::vector<OpenFilesRequest> asked;
     std::vector<std::wstring> folderTitles;
+    std::wstring failure;  ///< thrown by both unless empty
 
     PickedFiles PickFiles(const OpenFilesRequest& request) override {
+        ThrowFailure();
         asked.push_back(request);
         if (files.empty()) {
             return {};
@@ -56,6 +59,7 @@ class ScriptedPickers final : public FilePickers {
         return picked;
     }
     std::optional<std::wstring> PickFolder(const std::wstring& title) override {
+        ThrowFailure();
         folderTitles.push_back(title);
         if (folders.empty()) {
             return std::nullopt;
@@ -63,6 +67,13 @@ class ScriptedPickers final : public FilePickers {
         auto picked = folders.front();
         folders.pop_front();
         return picked;
+    }
+
+  private:
+    void ThrowFailure() const {
+        if (!failure.empty()) {
+            throw LDataError(failure);
+        }
     }
 };
 

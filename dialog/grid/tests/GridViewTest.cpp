@@ -2,17 +2,15 @@
 
 #include <gmock/gmock.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
-#include <QLabel>
-#include <QMenu>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
 
-#include "dialog/grid/GridColours.h"
 #include "dialog/grid/GridFooter.h"
 #include "dialog/grid/tests/SampleModel.h"
 #include "support/QtText.h"
@@ -41,7 +39,7 @@ class GridViewTest : public ::testing::Test {
         for (int i = 0; i < count; ++i) {
             records.push_back({L"f" + std::to_wstring(i), static_cast<double>(count - i)});
         }
-        model_.Add(records);
+        model_.Append(records);
         Settle();
     }
     static void ClickHeader(QTableView* table, int column) {
@@ -59,7 +57,7 @@ class GridViewTest : public ::testing::Test {
 };
 
 TEST_F(GridViewTest, HeaderClicksGoUpDownAndBack) {
-    model_.Add({{L"b", 3.0}, {L"c", 1.0}, {L"a", 2.0}});
+    model_.Append({{L"b", 3.0}, {L"c", 1.0}, {L"a", 2.0}});
     Settle();
     const auto indicator = [](QTableView* table) {
         return table->horizontalHeader()->sortIndicatorSection();
@@ -87,8 +85,6 @@ TEST_F(GridViewTest, FrozenColumnsStayWhileTheOthersScroll) {
     QTableView* table = view_.Table();
     const QRect place = frozen->geometry();
     EXPECT_EQ(frozen->width(), view_.ColumnWidth(kFlag) + view_.ColumnWidth(kName));
-    EXPECT_FALSE(table->isColumnHidden(kSize));
-    EXPECT_TRUE(table->isColumnHidden(kName));
     const QRect name = view_.Footer()->CellRect(kName);
     const QRect modified = view_.Footer()->CellRect(kModified);
     EXPECT_EQ(view_.Footer()->CellRect(kSize).left(), table->x() - view_.Footer()->x());
@@ -96,39 +92,13 @@ TEST_F(GridViewTest, FrozenColumnsStayWhileTheOthersScroll) {
     table->horizontalScrollBar()->setValue(37);
     table->verticalScrollBar()->setValue(133);
     EXPECT_EQ(frozen->geometry(), place);
-    EXPECT_EQ(frozen->horizontalScrollBar()->value(), 0);
     EXPECT_EQ(view_.Footer()->CellRect(kName), name);
     EXPECT_EQ(view_.Footer()->CellRect(kModified).left(), modified.left() - 37);
     EXPECT_EQ(frozen->rowViewportPosition(9), table->rowViewportPosition(9));
     frozen->verticalScrollBar()->setValue(12);
     EXPECT_EQ(table->verticalScrollBar()->value(), 12);
-    EXPECT_EQ(frozen->viewport()->y(), table->viewport()->y());
     table->verticalScrollBar()->setValue(table->verticalScrollBar()->maximum());
     EXPECT_EQ(frozen->rowViewportPosition(49), table->rowViewportPosition(49));
-}
-
-TEST_F(GridViewTest, CaptionsBeginWhereTheirCellsTextsDo) {
-    const auto firstInk = [](QWidget* widget, const QRect& room) {
-        const QImage picture = widget->grab(room).toImage();
-        for (int x = 0; x < picture.width(); ++x) {
-            for (int y = 0; y < picture.height(); ++y) {
-                if (picture.pixelColor(x, y).lightness() < 100) {
-                    return x;
-                }
-            }
-        }
-        return -1;
-    };
-    model_.AddNames({Text(text::kGridCopyWithoutHeaders)});
-    Settle();
-    QTableView* table = view_.FrozenTable();
-    QHeaderView* header = table->horizontalHeader();
-    // Without the lines between the sections.
-    const int left = header->sectionViewportPosition(kName) + 1;
-    const int width = header->sectionSize(kName) - 4;
-    const int caption = firstInk(header->viewport(), QRect(left, 3, width, header->height() - 6));
-    EXPECT_GT(caption, 0);
-    EXPECT_EQ(caption, firstInk(table->viewport(), QRect(left, 1, width, table->rowHeight(0) - 2)));
 }
 
 TEST_F(GridViewTest, SelectionSpansThePanesAndStaysWithItsRecords) {
@@ -152,6 +122,13 @@ TEST_F(GridViewTest, SelectionSpansThePanesAndStaysWithItsRecords) {
     model_.Remove({0, 1, 3});
     model_.sort(-1);
     EXPECT_THAT(view_.SelectedRows(), ElementsAre(0, 1, 3));
+    AddMany(500);
+    std::vector<std::size_t> odd;
+    for (std::size_t record = 11; record < 500; record += 2) {
+        odd.push_back(record);
+    }
+    model_.Remove(odd);
+    EXPECT_THAT(view_.SelectedRows(), ElementsAre(0, 1, 3)) << "many scattered rows went";
     view_.SelectRows({1, 2, 5});
     EXPECT_THAT(view_.SelectedRows(), ElementsAre(1, 2, 5));
     model_.Clear();
@@ -164,7 +141,7 @@ TEST_F(GridViewTest, KeysWorkOnRows) {
     Settle();
     QTableView* table = view_.Table();
     table->setFocus();
-    QTest::keyClicks(table, "al");
+    QTest::keyClicks(table, "AL");
     EXPECT_EQ(view_.CurrentRow(), 1);
     QTest::keyClicks(table, "ps");
     EXPECT_EQ(view_.CurrentRow(), 2);
@@ -187,7 +164,7 @@ TEST_F(GridViewTest, KeysWorkOnRows) {
 }
 
 TEST_F(GridViewTest, CopiesWhatIsShownOfTheSelectedRows) {
-    model_.Add({{L"a", 1.0}, {L"b", 2.0}, {L"c", 3.0, {}, false}});
+    model_.Append({{L"a", 1.0}, {L"b", 2.0}, {L"c", 3.0, {}, false}});
     view_.ShowDetailColumns(false);
     Settle();
     view_.SelectRows({0, 2});
@@ -206,27 +183,6 @@ TEST_F(GridViewTest, CopiesWhatIsShownOfTheSelectedRows) {
     view_.ClearSelection();
     view_.CopySelection();
     EXPECT_EQ(QApplication::clipboard()->text(), QString("kept"));
-    EXPECT_FALSE(view_.findChild<QAction*>("copy")->isEnabled());
-    EXPECT_EQ(view_.ContextMenu()->actions().size(), 6);
-}
-
-TEST_F(GridViewTest, DetailColumnsComeAndGo) {
-    const auto shown = [this] {
-        std::vector<int> columns;
-        for (int column = 0; column < model_.columnCount(); ++column) {
-            if (view_.IsColumnShown(column)) {
-                columns.push_back(column);
-            }
-        }
-        return columns;
-    };
-    EXPECT_THAT(shown(), ElementsAre(kFlag, kName, kSize, kModified, kSummary, kMore, kRest));
-    view_.ShowDetailColumns(false);
-    EXPECT_FALSE(view_.DetailColumnsShown());
-    EXPECT_THAT(shown(), ElementsAre(kFlag, kName, kSize, kSummary));
-    view_.ShowDetailColumns(true);
-    EXPECT_THAT(shown(), ElementsAre(kFlag, kName, kSize, kModified, kSummary, kMore, kRest));
-    EXPECT_EQ(view_.ColumnWidth(kMore), 200);
 }
 
 TEST_F(GridViewTest, FittingKeepsTheLimits) {
@@ -244,48 +200,11 @@ TEST_F(GridViewTest, FittingKeepsTheLimits) {
     EXPECT_EQ(view_.ColumnWidth(kSummary), 400) << "the user may go beyond";
     view_.Table()->setColumnWidth(kModified, 40);
     EXPECT_EQ(view_.ColumnWidth(kModified), 130) << "but not below the least width";
-    model_.Add({{L"b", 1e17}});
+    model_.Append({{L"b", 1e17}});
     view_.FitColumn(kSize);
     const QString sum = ToQString(*model_.FooterText(kSize));
     EXPECT_GE(view_.ColumnWidth(kSize), view_.fontMetrics().horizontalAdvance(sum));
     EXPECT_LE(view_.FrozenTable()->width(), view_.width() * 6 / 10) << "room is left to scroll in";
-}
-
-TEST_F(GridViewTest, MessageShowsOnlyWhileThereAreNoRows) {
-    EXPECT_EQ(view_.ShownMessage(), QString());
-    view_.SetEmptyText("Drop files here");
-    EXPECT_EQ(view_.ShownMessage(), QString("Drop files here"));
-    AddMany(1);
-    EXPECT_EQ(view_.ShownMessage(), QString());
-    model_.Clear();
-    EXPECT_EQ(view_.ShownMessage(), QString("Drop files here"));
-    view_.SetModel(nullptr);
-    EXPECT_EQ(view_.ShownMessage(), QString("Drop files here"));
-    view_.SetModel(&model_);
-    AddMany(3);
-    EXPECT_EQ(view_.ShownMessage(), QString());
-}
-
-TEST_F(GridViewTest, FooterIsOutOfReach) {
-    AddMany(3);
-    view_.SelectRows({1});
-    EXPECT_EQ(view_.Footer()->focusPolicy(), Qt::NoFocus);
-    QTest::mouseClick(view_.Footer(), Qt::LeftButton, {}, QPoint(30, 5));
-    QTest::mouseDClick(view_.Footer(), Qt::LeftButton, {}, QPoint(30, 5));
-    EXPECT_THAT(view_.SelectedRows(), ElementsAre(1));
-
-    const FooterColours light = FooterColoursFor(QPalette(Qt::white));
-    EXPECT_EQ(light.text, QColor(0, 0, 255));
-    EXPECT_EQ(light.ground, QColor(240, 240, 255));
-    const QImage picture = view_.Footer()->grab().toImage();
-    EXPECT_EQ(picture.pixelColor(picture.width() - 3, picture.height() - 3), light.ground);
-    QPalette dark;
-    dark.setColor(QPalette::Base, QColor(30, 30, 30));
-    dark.setColor(QPalette::Text, Qt::white);
-    const FooterColours night = FooterColoursFor(dark);
-    EXPECT_LT(night.ground.lightness(), 80);
-    EXPECT_GT(night.text.lightness(), 180);
-    EXPECT_GT(night.text.blue(), night.text.red());
 }
 
 // What is asked of the model depends on what is in sight, not on how many rows there are.

@@ -85,16 +85,6 @@ class FileAdding : public ::testing::Test {
     std::atomic<bool> seen_ = false;
 };
 
-TEST_F(FileAdding, KeepsTheOrderAndBoundsTheBatches) {
-    const auto paths = Files(1234);
-    const AddingSummary summary = Add({paths, {}, 0});
-    EXPECT_EQ(Paths(), paths);
-    EXPECT_EQ(summary.added, 1234U);
-    EXPECT_FALSE(summary.stopped);
-    EXPECT_THAT(batchSizes, ::testing::Each(::testing::Le(100U)));
-    EXPECT_EQ(progress.total, 1234U);
-}
-
 TEST_F(FileAdding, ASlowFileKeepsItsPlaceWhileOthersAreRead) {
     description.confirmText = {};
     std::promise<void> thirdRead;
@@ -125,6 +115,8 @@ TEST_F(FileAdding, TellsOfEveryFileWhetherListedOrNot) {
     }
     EXPECT_EQ(progress.texts, texts);
     EXPECT_EQ(progress.positions, positions);
+    EXPECT_EQ(progress.total, 250U);
+    EXPECT_THAT(prompts.shown, IsEmpty()) << "a page without a question asks none";
 }
 
 TEST_F(FileAdding, SkipsWhatIsListedInAnyLetterCaseOrAsABuddy) {
@@ -145,20 +137,18 @@ TEST_F(FileAdding, SkipsWhatIsListedInAnyLetterCaseOrAsABuddy) {
 }
 
 TEST_F(FileAdding, AsksOnceWhenTheGridReachesTenRows) {
-    struct Case {
+    const struct {
         std::size_t rowsBefore;
         int files;
         PromptAnswer answer;
-        std::size_t questions;
-        std::size_t added;
-    };
-    const Case cases[] = {
+        std::size_t questions, added;
+    } cases[] = {
         {0, 9, PromptAnswer::No, 0, 9},    {0, 10, PromptAnswer::No, 1, 10},
         {0, 50, PromptAnswer::No, 1, 10},  {0, 50, PromptAnswer::Yes, 1, 50},
         {7, 20, PromptAnswer::No, 1, 3},   {7, 20, PromptAnswer::Cancel, 1, 3},
         {10, 20, PromptAnswer::No, 0, 20},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         rows.clear();
         prompts.shown.clear();
         prompts.answers = {c.answer};
@@ -168,12 +158,6 @@ TEST_F(FileAdding, AsksOnceWhenTheGridReachesTenRows) {
         EXPECT_EQ(summary.added, c.added);
         EXPECT_EQ(summary.stopped, c.questions == 1 && c.answer != PromptAnswer::Yes);
     }
-}
-
-TEST_F(FileAdding, IsNeverAskedWithoutAQuestion) {
-    description.confirmText = {};
-    Add({Files(30), {}, 0});
-    EXPECT_THAT(prompts.shown, IsEmpty());
 }
 
 TEST_F(FileAdding, EscapeKeepsWhatWasReadAndReadsNoMore) {
@@ -200,19 +184,6 @@ TEST_F(FileAdding, EscapeKeepsWhatWasReadAndReadsNoMore) {
     EXPECT_LT(summary.added, 1000U);
     EXPECT_EQ(static_cast<int>(rows.size()), read) << "what was read is listed";
     EXPECT_EQ(summary.abandonedPath, L"");
-}
-
-TEST_F(FileAdding, AFileThatThrowsGetsARowWithTheMessage) {
-    inspect = [](const std::wstring& path) -> Row {
-        if (path == L"/data/1.las") {
-            throw std::runtime_error("not a LAS file");
-        }
-        return {path, L"ok"};
-    };
-    EXPECT_EQ(Add({Files(3), {}, 0}).added, 3U);
-    ASSERT_THAT(rows, SizeIs(3));
-    EXPECT_EQ(rows[1].note, L"not a LAS file");
-    EXPECT_EQ(rows[2].note, L"ok");
 }
 
 // The late record must be freed although nobody is there any more to take it.
@@ -300,9 +271,15 @@ class BatchReading : public FileAdding {
     std::vector<std::vector<std::wstring>> calls;
 };
 
-TEST_F(BatchReading, KeepsTheOrderAndReadsEachFileOnce) {
-    const auto paths = Files(1000);
-    EXPECT_EQ(AddInBatches({paths, {}, 0}).added, 1000U);
+TEST_F(BatchReading, KeepsTheOrderAndReadsEachFileOnceButThoseThatAreListed) {
+    auto paths = Files(1003);
+    const AddingSummary summary =
+        AddInBatches({paths, {PathKey(paths[0]), PathKey(paths[500]), PathKey(paths[1002])}, 3});
+    EXPECT_EQ(summary.added, 1000U);
+    EXPECT_EQ(summary.skipped, 3U);
+    paths.pop_back();
+    paths.erase(paths.begin() + 500);
+    paths.erase(paths.begin());
     EXPECT_EQ(Paths(), paths);
     std::size_t read = 0;
     for (const auto& call : calls) {
@@ -312,14 +289,6 @@ TEST_F(BatchReading, KeepsTheOrderAndReadsEachFileOnce) {
     EXPECT_EQ(read, 1000U);
     EXPECT_LT(calls.size(), 500U) << "several in a call";
     EXPECT_THAT(batchSizes, ::testing::Each(::testing::Le(100U)));
-}
-
-TEST_F(BatchReading, LeavesOutWhatIsListedOrComesTwice) {
-    const AddingSummary summary = AddInBatches(
-        {{L"/d/a", L"/d/b", L"/d/A", L"/d/listed", L"/d/c", L"/d/b"}, {PathKey(L"/d/LISTED")}, 1});
-    EXPECT_THAT(Paths(), ElementsAre(L"/d/a", L"/d/b", L"/d/c"));
-    EXPECT_EQ(summary.skipped, 3U);
-    EXPECT_EQ(AddInBatches({{L"/d/listed"}, {PathKey(L"/d/listed")}, 1}).skipped, 1U) << "no call at all";
 }
 
 TEST_F(BatchReading, EveryFileOfACallThatThrowsHasFailed) {
@@ -338,27 +307,6 @@ TEST_F(BatchReading, EveryFileOfACallThatThrowsHasFailed) {
             EXPECT_EQ(std::ranges::find(rows, path, &Row::path)->note, threw ? L"connection lost" : L"ok");
         }
     }
-}
-
-TEST_F(BatchReading, EscapeListsTheCallsThatWereRead) {
-    std::atomic<bool> isRead = false;
-    std::atomic<bool> isStopped = false;
-    read = [&](std::span<const std::wstring> paths) {
-        isRead = true;
-        while (!isStopped) {  // the call in hand is finished after the key was seen
-            std::this_thread::yield();
-        }
-        return ReadAll(paths);
-    };
-    progress.stopWhen = [&] { return isStopped = isRead.load(); };
-    const AddingSummary summary = AddInBatches({Files(1000), {}, 0});
-    EXPECT_TRUE(summary.stopped);
-    std::size_t begun = 0;
-    for (const auto& call : calls) {
-        begun += call.size();
-    }
-    EXPECT_EQ(rows.size(), begun);
-    EXPECT_LT(begun, 1000U);
 }
 
 }  // namespace

@@ -1,16 +1,55 @@
-#include <gmock/gmock.h>
+#include "dialog/page/FolderScan.h"
 
-#include "dialog/page/tests/ScanFixture.h"
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "support/Files.h"
 #include "support/Format.h"
 #include "support/NaturalOrder.h"
 #include "support/Text.h"
 #include "support/testing/Scripted.h"
+#include "support/testing/TemporaryFolder.h"
+
+#ifndef _WIN32
+#include <unistd.h>
+#endif
 
 namespace orvex {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+
+/// A folder with files at three depths.
+class Scanning : public ::testing::Test {
+  protected:
+    Scanning() {
+        for (const wchar_t* name :
+             {L"b10.las", L"b2.LAS", L"a.laz", L"notes.txt", L"sub/c.las", L"sub/deep/d.las"}) {
+            folder.Write(name, "x");
+        }
+    }
+    std::vector<std::wstring> Names(const ScanResult& result) const {
+        std::vector<std::wstring> names;
+        const std::wstring top = folder.Name(L"");
+        for (const std::wstring& path : result.files) {
+            names.push_back(path.starts_with(top) ? path.substr(top.size()) : path);
+        }
+        return names;
+    }
+    /// The name of a file in the subfolder, relative to the top, with the system's separators.
+    static std::wstring Sub(const std::wstring& name) {
+        return FromPath(ToPath(L"sub/" + name).make_preferred());
+    }
+    ScanResult Scan(bool recursive, std::vector<std::wstring> extensions = {L".LAS"}) const {
+        return ScanPaths({{FromPath(folder.Path())}, std::move(extensions), recursive}, {});
+    }
+    testing::TemporaryFolder folder;
+};
 
 TEST(NaturalOrder, IsHowAPersonLists) {
     const std::wstring ordered[] = {L"",
@@ -72,7 +111,6 @@ TEST(ScanMessages, TellTheWorstOfWhatWasFound) {
         {{files, {}, 0, false}, {}, {}},
         {{{}, {}, 2, true}, {}, {}},
         {{files, {}, 2, false}, FormatText(Text(text::kOthersLeftOut), {2}), PromptIcon::Information},
-        {{{}, {}, 0, false}, Text(text::kFolderEmpty), PromptIcon::Error},
         {{files, {L"/secret"}, 2, true}, Text(text::kFoldersNotSearched) + L"\n\n/secret", PromptIcon::Error},
     };
     for (const auto& c : cases) {
@@ -85,6 +123,54 @@ TEST(ScanMessages, TellTheWorstOfWhatWasFound) {
         }
     }
 }
+
+#ifdef _WIN32
+
+TEST_F(Scanning, GivesNativeNamesHoweverTheFolderIsWritten) {
+    std::wstring top = FromPath(folder.Path());
+    std::ranges::replace(top, L'\\', L'/');
+    const ScanResult result = ScanPaths({{top + L"/"}, {L".LAS"}, true}, {});
+    EXPECT_THAT(Names(result), ElementsAre(L"b2.LAS", L"b10.las", L"sub\\c.las", L"sub\\deep\\d.las"));
+}
+
+TEST_F(Scanning, FindsFilesWhosePathsAreLongerThanWindowsOnceAllowed) {
+    std::wstring deep = folder.Name(L"sub");
+    while (deep.size() < 400) {
+        deep += L"\\" + std::wstring(50, L'x');
+    }
+    ASSERT_EQ(CreateFolders(deep), 0);
+    const std::wstring file = deep + L"\\long.las";
+    std::ofstream(ToPath(file)) << "x";
+    const ScanResult result = Scan(true);
+    EXPECT_THAT(result.files, ::testing::Contains(file));
+    EXPECT_THAT(result.unreadable, IsEmpty());
+    EXPECT_EQ(result.files.size(), 5U);
+}
+
+#else
+
+TEST_F(Scanning, ListsAFolderOnceHoweverItIsLinked) {
+    std::filesystem::create_directory_symlink(folder.Path(), folder.Path() / "sub" / "up");
+    std::filesystem::create_directory_symlink(folder.Path() / "sub" / "deep", folder.Path() / "again");
+    std::filesystem::create_symlink(folder.Path() / "nowhere", folder.Path() / "dangling.las");
+    const ScanResult result = Scan(true);
+    EXPECT_EQ(result.files.size(), 4U);
+    EXPECT_THAT(result.unreadable, IsEmpty());
+}
+
+TEST_F(Scanning, ReportsFoldersThatCannotBeRead) {
+    std::filesystem::permissions(folder.Path() / "sub", std::filesystem::perms::none);
+    // Root reads everything, so it steps down for the scan.
+    const bool root = ::geteuid() == 0;
+    ASSERT_TRUE(!root || ::seteuid(65534) == 0);
+    const ScanResult result = Scan(true);
+    ASSERT_TRUE(!root || ::seteuid(0) == 0);
+    std::filesystem::permissions(folder.Path() / "sub", std::filesystem::perms::owner_all);
+    EXPECT_THAT(result.unreadable, ElementsAre(folder.Name(L"sub")));
+    EXPECT_THAT(Names(result), ElementsAre(L"b2.LAS", L"b10.las"));
+}
+
+#endif
 
 }  // namespace
 }  // namespace orvex

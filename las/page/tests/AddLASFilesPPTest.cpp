@@ -59,20 +59,6 @@ TEST_F(LasPage, ALazFileAndItsLasFileAreOneFile) {
     EXPECT_THAT(Names(), ElementsAre(L"a.laz"));
 }
 
-TEST_F(LasPage, TheTenthRowAsksOnceWhetherToGoOn) {
-    prompts.answers = {PromptAnswer::No};
-    const auto paths = ManyLas(12);
-    page->AddPaths(paths);
-    ASSERT_THAT(prompts.shown, SizeIs(1));
-    EXPECT_EQ(prompts.shown[0].text, FormatText(Text(text::kLasManyFilesQuestion), {12}));
-    EXPECT_EQ(prompts.shown[0].caption, Text(text::kLasManyFilesCaption));
-    EXPECT_EQ(Shown("layer"), std::vector<std::wstring>(10, L"LAS Layer_1"))
-        << "what was added has its layer";
-    page->AddPaths(paths);
-    EXPECT_THAT(Rows(), SizeIs(12));
-    EXPECT_THAT(prompts.shown, SizeIs(1));
-}
-
 TEST_F(LasPage, LayersFollowRowsAndOptions) {
     const std::wstring a = Las(L"a.las");
     given.existingLasLayers = {{L"Survey", FromUtf8(InspectLasFile(a).crs->sourceWkt)}};
@@ -139,13 +125,6 @@ TEST_F(LasPage, CompanionFilesAreNeededWhileAFileHasNone) {
     EXPECT_TRUE(page->NeedsCompanionFiles());
 }
 
-TEST_F(LasPage, ARefusedThinningStoresNothing) {
-    Check(260);
-    Find<QLineEdit>(267)->setText("1");
-    EXPECT_FALSE(Press("ok"));
-    EXPECT_EQ(options.Get<std::int32_t>(opt2AddLASOpenSetting, 9), 0);
-}
-
 TEST_F(LasPage, AStoreThatCannotBeOpenedIsSilent) {
     registry.denyOpen.insert(RegistryRoot::CurrentUser);
     Open();
@@ -174,8 +153,9 @@ TEST_F(LasPage, ReadWriteOpensTheLasFileOfALazFile) {
 
 TEST_F(LasPage, FilesThatCannotBeOpenedAreNamedInOneMessageThatIsCut) {
     auto paths = ManyLas(12);
-    prompts.answers = {PromptAnswer::Yes};
     page->AddPaths(paths);
+    ASSERT_THAT(prompts.shown, SizeIs(1));
+    EXPECT_EQ(prompts.shown[0].text, FormatText(Text(text::kLasManyFilesQuestion), {12}));
     prompts.shown.clear();
     for (const std::wstring& path : paths) {
         std::filesystem::remove(ToPath(path));
@@ -212,15 +192,6 @@ TEST_F(LasPage, TheDetailsTellEverythingOfAFileAndTheTotalsOfSeveral) {
     const std::wstring mixed = ToWide(Details("detailsOverview"));
     EXPECT_THAT(mixed, HasSubstr(Text(text::kTotalsUnreadableFiles))) << "one cannot be read";
     EXPECT_THAT(mixed, Not(HasSubstr(Text(text::kLasMinX)))) << "extents of different systems do not add up";
-}
-
-TEST_F(LasPage, TheLoadFlagIsAPictureAndTheStateExplainsItself) {
-    page->AddPaths({Las(L"a.las"), folder.Write(L"bad.las", "no LAS file")});
-    const QModelIndex flag = Model().index(1, ColumnNamed("loadFlag"));
-    EXPECT_EQ(flag.data(GridModel::kIconRole).toInt(), 6);
-    EXPECT_TRUE(flag.data().toString().isEmpty());
-    EXPECT_EQ(ToWide(flag.data(Qt::ToolTipRole).toString()), FindingsText(Rows()[1]));
-    EXPECT_EQ(Model().index(0, ColumnNamed("fileName")).data(GridModel::kIconRole).toInt(), -1);
 }
 
 }  // namespace

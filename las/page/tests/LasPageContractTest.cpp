@@ -15,6 +15,40 @@ std::wstring WriteLas(const testing::TemporaryFolder& folder, const std::wstring
         testing::LasBuilder(12, 1).AddPoints(9).ProjectedEpsg(static_cast<std::uint16_t>(epsg)).Build());
 }
 
+std::vector<testing::OptionCase> LasOptions() {
+    using P = AddFilesParams;
+    return {
+        {L"optAddLASOpenSetting", "\1\0\0\0"s, 260, "on", &P::lasOpenSetting, L"1"},
+        {L"optAddLASLoadSetting", "\1\0\0\0"s, 263, "on", &P::lasLoadSetting, L"1"},
+        {L"optAddLASAppend", "\0"s, 280, "off", &P::lasAppend, L"0"},
+        {L"", {}, 281, "on", &P::lasIgnoreIncompatibleCrs, L"1"},
+        {L"", {}, 283, "on", &P::lasLoadCorruptFiles, L"1"},
+        {L"optAddLASThinning", "\x63\0\0\0"s, 267, "99", &P::lasThinning, L"99"},
+        {L"optConvertExistingQVRToOrvexLAS", "\1"s, 284, "on", &P::convertExistingQvr, L"1"},
+        {L"optPyramidType", "\0\0\0\0"s, 270, "on", &P::lasPyramidType, L"0"},
+        {L"optPyramidType", "\2\0\0\0"s, 269, "on", &P::lasPyramidType, L"2"},
+        {L"optOrvexLasBackupOption", "\0\0\0\0"s, 376, "on", &P::orvexLasBackupOption, L"0"},
+        {L"optOrvexLasBackupOption", "\2\0\0\0"s, 378, "on", &P::orvexLasBackupOption, L"2"},
+        {L"optReCreateOrvexLASOption", "\1"s, 417, "on", &P::reCreateOrvexLas, L"1"},
+    };
+}
+
+std::vector<testing::OptionCase> ReplacedLasOptions() {
+    using P = AddFilesParams;
+    return {
+        {L"optAddLASOpenSetting", {}, 259, "on", &P::lasOpenSetting, L"0"},
+        {L"optAddLASAppend", {}, 280, "on", &P::lasAppend, L"1"},
+        {L"optAddLASThinning", {}, 267, "16", &P::lasThinning, L"16"},
+        {L"optAddLASThinning", "\x88\x13\0\0"s, 267, "256", &P::lasThinning, L"256"},
+        {L"optAddLASThinning", "\xfd\xff\xff\xff"s, 267, "2", &P::lasThinning, L"2"},
+        {L"optPyramidType", "\7\0\0\0"s, 268, "on", &P::lasPyramidType, L"1"},
+        {L"optAddLASPyramid", {}, 268, "on", &P::lasPyramidType, L"1"},
+        // The older on/off value decides while no type is stored.
+        {L"optAddLASPyramid", "\0"s, 270, "on", &P::lasPyramidType, L"0"},
+        {L"optOrvexLasBackupOption", "\xff\xff\xff\xff"s, 377, "on", &P::orvexLasBackupOption, L"1"},
+    };
+}
+
 PageContract LasContract() {
     using P = AddFilesParams;
     PageContract page{};
@@ -28,32 +62,6 @@ PageContract LasContract() {
     page.detailColumns = 248;
     page.refresh = 249;
     page.help = 250;
-    page.captions = {{247, text::kLasSelectedFiles},
-                     {252, text::kAddFolder},
-                     {253, text::kAddFiles},
-                     {254, text::kRemove},
-                     {255, text::kClear},
-                     {258, text::kOpenSetting},
-                     {259, text::kOpenReadOnly},
-                     {260, text::kOpenReadWrite},
-                     {261, text::kLoadSetting},
-                     {262, text::kLoadFiles},
-                     {263, text::kLoadFootprintsOnly},
-                     {264, text::kPyramidSettings},
-                     {266, text::kThinning},
-                     {268, text::kPyramidOrvexLas},
-                     {269, text::kPyramidQvr},
-                     {270, text::kPyramidNone},
-                     {280, text::kAppendToCompatibleLayers},
-                     {281, text::kIgnoreIncompatibleCrs},
-                     {282, text::kOptions},
-                     {283, text::kLoadCorruptFiles},
-                     {284, text::kConvertQvr},
-                     {375, text::kOriginalLasFiles},
-                     {376, text::kOriginalsOverwrite},
-                     {377, text::kOriginalsBackup},
-                     {378, text::kOriginalsBackupCompress},
-                     {417, text::kRecreateOrvexLas}};
     page.tabOrder =
         "c253 c252 c254 c255 c248 c249 c250 detailsTabs c259 c260 c262 c263 c280 c281 c283 c267 c268 c269 "
         "c270 c284 c417 c376 c377 c378";
@@ -62,7 +70,6 @@ PageContract LasContract() {
     page.overview = "detailsOverview";
     page.nothingSelected = text::kLasDetailsNoSelection;
     page.paneState = L"AddLASFilesDetails";
-    page.filters = {{L"LAS Files (*.las)", L"*.las"}, {L"LAZ Files (*.laz)", L"*.laz"}};
     page.tooManyFiles = text::kLasTooManySelected;
     page.pickFailed = text::kPickerOutOfMemory;
     page.folderQuestion = text::kLasSubfoldersQuestion;
@@ -82,37 +89,8 @@ PageContract LasContract() {
     page.detailColumnsOn = {L"optAddLASDetailCols", "\1"s, 0, {}};
     page.files = &P::lasFiles;
     page.detailsPerFile = 1;
-    page.options = {
-        {L"optAddLASOpenSetting", "\0\0\0\0"s, 259, "on", &P::lasOpenSetting, L"0"},
-        {L"optAddLASOpenSetting", "\1\0\0\0"s, 260, "on", &P::lasOpenSetting, L"1"},
-        {L"optAddLASLoadSetting", "\0\0\0\0"s, 262, "on", &P::lasLoadSetting, L"0"},
-        {L"optAddLASLoadSetting", "\1\0\0\0"s, 263, "on", &P::lasLoadSetting, L"1"},
-        {L"optAddLASAppend", "\0"s, 280, "off", &P::lasAppend, L"0"},
-        {L"optAddLASAppend", "\1"s, 280, "on", &P::lasAppend, L"1"},
-        {L"", {}, 281, "on", &P::lasIgnoreIncompatibleCrs, L"1"},
-        {L"", {}, 283, "on", &P::lasLoadCorruptFiles, L"1"},
-        {L"optAddLASThinning", "\x63\0\0\0"s, 267, "99", &P::lasThinning, L"99"},
-        {L"optConvertExistingQVRToOrvexLAS", "\1"s, 284, "on", &P::convertExistingQvr, L"1"},
-        {L"optPyramidType", "\0\0\0\0"s, 270, "on", &P::lasPyramidType, L"0"},
-        {L"optPyramidType", "\1\0\0\0"s, 268, "on", &P::lasPyramidType, L"1"},
-        {L"optPyramidType", "\2\0\0\0"s, 269, "on", &P::lasPyramidType, L"2"},
-        {L"optOrvexLasBackupOption", "\0\0\0\0"s, 376, "on", &P::orvexLasBackupOption, L"0"},
-        {L"optOrvexLasBackupOption", "\1\0\0\0"s, 377, "on", &P::orvexLasBackupOption, L"1"},
-        {L"optOrvexLasBackupOption", "\2\0\0\0"s, 378, "on", &P::orvexLasBackupOption, L"2"},
-        {L"optReCreateOrvexLASOption", "\1"s, 417, "on", &P::reCreateOrvexLas, L"1"},
-    };
-    page.replaced = {
-        {L"optAddLASOpenSetting", {}, 259, "on", &P::lasOpenSetting, L"0"},
-        {L"optAddLASAppend", {}, 280, "on", &P::lasAppend, L"1"},
-        {L"optAddLASThinning", {}, 267, "16", &P::lasThinning, L"16"},
-        {L"optAddLASThinning", "\x88\x13\0\0"s, 267, "256", &P::lasThinning, L"256"},
-        {L"optAddLASThinning", "\xfd\xff\xff\xff"s, 267, "2", &P::lasThinning, L"2"},
-        {L"optPyramidType", "\7\0\0\0"s, 268, "on", &P::lasPyramidType, L"1"},
-        {L"optAddLASPyramid", {}, 268, "on", &P::lasPyramidType, L"1"},
-        // The older on/off value decides while no type is stored.
-        {L"optAddLASPyramid", "\0"s, 270, "on", &P::lasPyramidType, L"0"},
-        {L"optOrvexLasBackupOption", "\xff\xff\xff\xff"s, 377, "on", &P::orvexLasBackupOption, L"1"},
-    };
+    page.options = LasOptions();
+    page.replaced = ReplacedLasOptions();
     page.thinning = 267;
     page.thinningMember = &P::lasThinning;
     page.thinningTexts = {{"2", 2},      {"16", 16},          {" 8", 8},           {"+4", 4},

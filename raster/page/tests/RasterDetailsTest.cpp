@@ -72,34 +72,21 @@ TEST(RasterDetails, FieldsOfEachKindOfFile) {
     RasterRow brief = testing::DescribedRaster(L"/a.tif", {});
     brief.file->properties.hasDetails = false;
     ExpectFields(dem, {{text::kExtentX, L"500000.000 \u2013 500300.000"},
-                       {text::kFileType, L"GeoTIFF"},
-                       {text::kSizeMegabytes, L"2.34"},
                        {text::kRasterTotalSizeMegabytes, L"3.00"},
                        {text::kRasterOtherFiles, L"dem.tfw\ndem.tif.aux.xml"},
-                       {text::kLayerName, L"DEM LAS Layer_1"},
                        {text::kGpsTimeType, L"-"},
-                       {text::kImageSize, L"600 x 400"},
-                       {text::kRasterDataType, L"Float32"},
                        {text::kRasterNoDataValue, L"-9999, NaN"},
                        {text::kRasterMinimum, L"-3"},
                        {text::kRasterMaximum, L"1e+06"},
-                       {text::kPixelSizeXy, L"0.50000000 x 0.25000000"},
-                       {text::kUnits, L"Meters"},
                        {text::kRasterUpperLeftCorner, L"-"},
                        {text::kRasterRotation, L"None"},
                        {text::kRasterPixelStandsFor, L"Its center point"},
                        {text::kRasterCompression, L"DEFLATE"},
-                       {text::kRasterBlockSize, L"256 x 256"},
-                       {text::kBigTiff, L"False"},
                        {text::kRasterUncompressedMegabytes, L"1.92"},
                        {text::kRasterRpc, L"-"}});
     ExpectFields(turned, {{text::kRasterRotation, L"90.000000\u00b0"},
                           {text::kRasterUpperLeftCorner, L"0.000 / 0.000"}});
-    ExpectFields(brief, {{text::kRasterNoDataValue, L"-"},
-                         {text::kRasterCompression, L"-"},
-                         {text::kRasterRotation, L"-"},
-                         {text::kRasterUpperLeftCorner, L"-"},
-                         {text::kRasterDataType, L"-"}});
+    ExpectFields(brief, {{text::kRasterNoDataValue, L"-"}, {text::kRasterCompression, L"-"}});
     EXPECT_EQ(Value(dem, text::kGpsTimeType, RasterUse::Dem), L"Standard GPS Time") << "an image has none";
     EXPECT_THAT(RasterCrsFields(brief), IsEmpty());
     EXPECT_THAT(BandTable(brief.Properties()).rows, IsEmpty());
@@ -128,8 +115,6 @@ TEST(RasterDetails, ManyDifferentValuesAreCut) {
         properties.bandDetails.push_back(FloatBand(i));
     }
     EXPECT_EQ(DistinctNodata(properties), L"0, 1, 2, 3, 4, 5, 6, 7, ...");
-    EXPECT_EQ(DistinctBlocks(properties), L"256 x 256");
-    EXPECT_EQ(LowestMinimum(properties), L"");
 }
 
 /// The pane's first tab for these rows as lines: captions and values in turn.

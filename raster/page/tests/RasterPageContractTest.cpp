@@ -2,7 +2,7 @@
 #include "dialog/testing/PageContract.h"
 #include "raster/page/AddDEMFilesPP.h"
 #include "raster/page/AddRasterFilesPP.h"
-#include "raster/page/tests/RasterPageFixture.h"
+#include "raster/testing/GeoTiff.h"
 
 namespace orvex {
 namespace {
@@ -29,25 +29,13 @@ PageContract SharedContract(int first) {
     page.grid = first + 9;
     page.nothingSelected = text::kDetailsNoSelection;
     page.startsInInitialFolder = true;
-    page.filters = {{L"All Image Files",
-                     L"*.tif;*.tiff;*.jpg;*.jpeg;*.rgb;*.png;*.sid;*.gif;*.bmp;*.jp2;*.jp2k;*.flt;*.ecw;"
-                     L"*.img"},
-                    {L"TIF Files (*.tif)", L"*.tif"},
-                    {L"JPEG Files (*.jpg)", L"*.jpg"},
-                    {L"PNG Files (*.png)", L"*.png"},
-                    {L"GIF Files (*.gif)", L"*.gif"},
-                    {L"BMP Files (*.bmp)", L"*.bmp"},
-                    {L"MrSID Files (*.sid)", L"*.sid"},
-                    {L"JP2000 Files (*.jp2)", L"*.jp2"},
-                    {L"ECW Files (*.ecw)", L"*.ecw"},
-                    {L"IMG Files (*.img)", L"*.img"},
-                    {L"All Files (*.*)", L"*.*"}};
     page.nothingFound = text::kRasterFolderEmpty;
     page.nothingFoundIcon = PromptIcon::Error;
     page.ignored = text::kOthersLeftOut;
     page.reading = text::kRasterReadingProgress;
     page.writeGood = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
-        return testing::WriteTif(folder, name + L".tif");
+        std::filesystem::create_directories(ToPath(folder.Name(name)).parent_path());
+        return testing::GeoTiff().Write(folder, name + L".tif");
     };
     page.writeBad = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
         return folder.Write(name + L".tif", "no raster");
@@ -63,14 +51,6 @@ PageContract RasterContract() {
     PageContract page = SharedContract(430);
     page.name = "Raster";
     page.make = testing::MakePage<AddRasterFilesPP>;
-    page.captions = {{430, text::kRasterSelectedFiles},
-                     {431, text::kAddFiles},
-                     {432, text::kAddFolder},
-                     {433, text::kRemove},
-                     {434, text::kClear},
-                     {440, text::kOptions},
-                     {441, text::kAppendToCompatibleLayers},
-                     {442, text::kRasterBuildPyramids}};
     page.tabOrder = "c431 c432 c433 c434 c435 c436 c437 c438 detailsTabs c441 c442";
     page.helpTopic = HelpTopic::RasterFiles;
     page.emptyText = text::kRasterEmptyGrid;
@@ -87,9 +67,7 @@ PageContract RasterContract() {
     page.detailsPerFile = 1;
     page.options = {
         {L"optAddRasterAppend", "\0"s, 441, "off", &P::rasterAppend, L"0"},
-        {L"optAddRasterAppend", "\1"s, 441, "on", &P::rasterAppend, L"1"},
         {L"optAddRasterPyramid", "\0"s, 442, "off", &P::rasterPyramid, L"0"},
-        {L"optAddRasterPyramid", "\1"s, 442, "on", &P::rasterPyramid, L"1"},
     };
     page.replaced = {
         {L"optAddRasterAppend", {}, 441, "on", &P::rasterAppend, L"1"},
@@ -98,59 +76,25 @@ PageContract RasterContract() {
     return page;
 }
 
-PageContract DemContract() {
+std::vector<testing::OptionCase> DemOptions() {
     using P = AddFilesParams;
-    PageContract page = SharedContract(450);
-    page.name = "Dem";
-    page.make = testing::MakePage<AddDEMFilesPP>;
-    page.captions = {{450, text::kDemSelectedFiles},
-                     {451, text::kAddFiles},
-                     {452, text::kAddFolder},
-                     {453, text::kRemove},
-                     {454, text::kClear},
-                     {460, text::kOpenSetting},
-                     {461, text::kOpenReadOnly},
-                     {462, text::kOpenReadWrite},
-                     {463, text::kOptions},
-                     {464, text::kDemAppendToLayers},
-                     {465, text::kDemIgnoreCrs},
-                     {466, text::kDemBuildPyramids},
-                     {467, text::kDemConversionGroup},
-                     {468, text::kDemOutputFolder},
-                     {470, text::kDemBrowse},
-                     {471, text::kInsertProjectPath},
-                     {472, text::kDemLasVersion},
-                     {474, L"PDRF:"},
-                     {476, text::kThinning}};
-    page.tabOrder =
-        "c451 c452 c453 c454 c455 c456 c457 c458 detailsTabs c461 c462 c464 c465 c466 c469 c470 c471 c473 "
-        "c475 c477";
-    page.helpTopic = HelpTopic::DemFiles;
-    page.emptyText = text::kDemEmptyGrid;
-    page.overview = "demOverview";
-    page.paneState = L"AddDEMFilesDetails";
-    page.pickTitle = text::kDemPickerTitle;
-    page.tooManyFiles = text::kDemTooManySelected;
-    page.folderQuestion = text::kDemSubfoldersQuestion;
-    page.onlyWhenNamed = L".asc";
-    page.detailColumnsOn = {L"DEMShowAdvCols", Int16(-1), 0, {}};
-    page.files = &P::demFiles;
-    page.options = {
+    return {
         {L"DEMAppendToLayers", Int16(0), 464, "off", &P::demAppend, L"0"},
         {L"DEMAppendToLayers", Int16(-1), 464, "on", &P::demAppend, L"1"},
         {L"DEMIgnoreCRS", Int16(0), 465, "off", &P::demIgnoreCrs, L"0"},
-        {L"DEMIgnoreCRS", Int16(-1), 465, "on", &P::demIgnoreCrs, L"1"},
         {L"DEMAutoPyramid", Int16(0), 466, "off", &P::demPyramid, L"0"},
-        {L"DEMAutoPyramid", Int16(-1), 466, "on", &P::demPyramid, L"1"},
         {L"DEMOpenReadWriteSetting", Int16(0), 461, "on", &P::demOpenReadWrite, L"0"},
-        {L"DEMOpenReadWriteSetting", Int16(-1), 462, "on", &P::demOpenReadWrite, L"1"},
         {L"DEMLASFolder", SettingValue(L"<ORVEX_PROJECT_PATH>\\Out"s), 469, "<ORVEX_PROJECT_PATH>\\Out",
          &P::demLasFolder, L"<ORVEX_PROJECT_PATH>\\Out"},
         {L"DEMThinningFactor", Int16(99), 477, "99", &P::demThinning, L"99"},
         {L"", {}, 473, "1.2", &P::demLasVersion, L"3"},
         {L"", {}, 475, "8", &P::demPointFormat, L"8"},
     };
-    page.replaced = {
+}
+
+std::vector<testing::OptionCase> ReplacedDemOptions() {
+    using P = AddFilesParams;
+    return {
         {L"DEMAppendToLayers", {}, 464, "on", &P::demAppend, L"1"},
         {L"DEMAppendToLayers", SettingValue(std::int32_t{-1}), 464, "off", &P::demAppend, L"0"},
         {L"DEMIgnoreCRS", {}, 465, "on", &P::demIgnoreCrs, L"1"},
@@ -175,6 +119,28 @@ PageContract DemContract() {
         {L"DEMLASVersion", Int16(3), 473, "1.4", &P::demLasVersion, L"5"},
         {L"DEMPointFormat", Int16(3), 475, "0", &P::demPointFormat, L"0"},
     };
+}
+
+PageContract DemContract() {
+    using P = AddFilesParams;
+    PageContract page = SharedContract(450);
+    page.name = "Dem";
+    page.make = testing::MakePage<AddDEMFilesPP>;
+    page.tabOrder =
+        "c451 c452 c453 c454 c455 c456 c457 c458 detailsTabs c461 c462 c464 c465 c466 c469 c470 c471 c473 "
+        "c475 c477";
+    page.helpTopic = HelpTopic::DemFiles;
+    page.emptyText = text::kDemEmptyGrid;
+    page.overview = "demOverview";
+    page.paneState = L"AddDEMFilesDetails";
+    page.pickTitle = text::kDemPickerTitle;
+    page.tooManyFiles = text::kDemTooManySelected;
+    page.folderQuestion = text::kDemSubfoldersQuestion;
+    page.onlyWhenNamed = L".asc";
+    page.detailColumnsOn = {L"DEMShowAdvCols", Int16(-1), 0, {}};
+    page.files = &P::demFiles;
+    page.options = DemOptions();
+    page.replaced = ReplacedDemOptions();
     page.thinning = 477;
     page.thinningMember = &P::demThinning;
     page.thinningTexts = {{"2", 2},     {"16", 16},         {"256", 256}, {"257", 256}, {"1000", 256},
