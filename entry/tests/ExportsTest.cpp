@@ -15,25 +15,12 @@
 
 #include "orvexcommon/HostInterfaces.h"
 #include "settings/RegistryKey.h"
+#include "settings/testing/FakeHostObjects.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
-
-class Application final : public OrvexApplication {
-  public:
-    std::int32_t GetProjectFolder(std::wstring&) override { return kHostOk; }
-    std::int32_t GetOptionItem(std::int32_t, SettingValue&) override { return kHostOk; }
-};
-
-class NoSettings final : public OrvexSystemSettings {
-  public:
-    std::int32_t Get(const std::wstring&, const std::wstring&, SettingValue&) override { return kHostOk; }
-    std::int32_t Set(const std::wstring&, const std::wstring&, const SettingValue&) override {
-        return kHostOk;
-    }
-};
 
 class Exports : public ::testing::Test {
   protected:
@@ -44,18 +31,18 @@ class Exports : public ::testing::Test {
     }
     Exports() {
         qputenv("ORVEX_LOG", QByteArray::fromStdString((Folder().Path() / "log").string()));
-        RegisterHostClass(kApplicationClass, [] { return std::make_unique<Application>(); });
-        RegisterHostClass(kSystemSettingsClass, [] { return std::make_unique<NoSettings>(); });
+        std::int32_t result = kHostOk;
+        RegisterHostClass(kApplicationClass, [=, this]() mutable { return host.CreateApplication(result); });
+        RegisterHostClass(kSystemSettingsClass,
+                          [=, this]() mutable { return host.CreateSystemSettings(result); });
     }
     ~Exports() override {
         RegisterHostClass(kApplicationClass, {});
         RegisterHostClass(kSystemSettingsClass, {});
     }
     // Clicks in the modal windows that come, one after the other.
-    void Click(std::initializer_list<const char*> names) {
-        for (const char* name : names) {
-            clicks.emplace_back(name);
-        }
+    void Click(std::vector<std::string> names) {
+        clicks = std::move(names);
         timer.start(1);
         QObject::connect(&timer, &QTimer::timeout, &timer, [this] {
             QWidget* window = QApplication::activeModalWidget();
@@ -69,6 +56,7 @@ class Exports : public ::testing::Test {
             QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(8, button->height() / 2));
         });
     }
+    testing::FakeHostObjects host;
     testing::TemporaryFolder settingsFolder;
     PrivateSettings settings{settingsFolder.Path()};
     QTimer timer;
@@ -94,15 +82,28 @@ TEST_F(Exports, StopIsOnlyEverSet) {
     EXPECT_TRUE(clicks.empty());
 }
 
-TEST_F(Exports, TheDialogHasTheLasPageAndCancelLeavesTheRecordAlone) {
+TEST_F(Exports, TheDialogHasItsPagesAndCancelLeavesTheRecordAlone) {
     AddFilesParams params;
+    params.showRasterTab = params.showDemTab = true;
     params.showCloudTab = true;  // a kind that has no page yet has no tab
     params.lasThinning = 77;
     QTimer::singleShot(0, qApp, [] {
         QWidget* dialog = QApplication::activeModalWidget();
         ASSERT_NE(dialog, nullptr);
-        EXPECT_NE(dialog->findChild<QWidget*>(QStringLiteral("page363")), nullptr);
-        EXPECT_EQ(dialog->findChild<QTabBar*>()->count(), 1);
+        const struct {
+            const char *name, *className;
+            StringId caption;
+        } pages[] = {{"page363", "orvex::AddLASFilesPP", text::kLasTab},
+                     {"page385", "orvex::AddRasterFilesPP", text::kRasterTab},
+                     {"page403", "orvex::AddDEMFilesPP", text::kDemTab}};
+        const auto* tabs = dialog->findChild<QTabBar*>();
+        ASSERT_EQ(tabs->count(), 3);
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ(tabs->tabText(i).toStdWString(), Text(pages[i].caption));
+            const auto* page = dialog->findChild<QWidget*>(QLatin1String(pages[i].name));
+            ASSERT_NE(page, nullptr) << pages[i].name;
+            EXPECT_STREQ(page->metaObject()->className(), pages[i].className);
+        }
     });
     Click({"cancel"});
     EXPECT_FALSE(ShowAddFilesDialog(&params));

@@ -19,31 +19,18 @@ class FakeHostObjects final : public HostObjects {
     std::int32_t setResult = kHostOk;             ///< what Set returns; a failure stores nothing
 
     std::wstring projectFolder;                      ///< with a trailing separator, as hosts give it
-    std::map<std::int32_t, SettingValue> options;    ///< option items that are set
     std::int32_t createApplicationResult = kHostOk;  ///< another code: the application cannot be made
     std::int32_t projectFolderResult = kHostOk;      ///< what GetProjectFolder returns
-    std::int32_t optionResult = kHostOk;             ///< what GetOptionItem returns
 
     RasterInformationMaker rasterInformation;  ///< what RasterInformation gives; empty: the host has none
 
-    int settingsMade = 0;
-    int applicationsMade = 0;
-
     std::unique_ptr<OrvexSystemSettings> CreateSystemSettings(std::int32_t& result) override {
         result = createSettingsResult;
-        if (result != kHostOk) {
-            return nullptr;
-        }
-        ++settingsMade;
-        return std::make_unique<Settings>(*this);
+        return result == kHostOk ? std::make_unique<Settings>(*this) : nullptr;
     }
     std::unique_ptr<OrvexApplication> CreateApplication(std::int32_t& result) override {
         result = createApplicationResult;
-        if (result != kHostOk) {
-            return nullptr;
-        }
-        ++applicationsMade;
-        return std::make_unique<Application>(*this);
+        return result == kHostOk ? std::make_unique<Application>(*this) : nullptr;
     }
     RasterInformationMaker RasterInformation() override { return rasterInformation; }
 
@@ -81,13 +68,7 @@ class FakeHostObjects final : public HostObjects {
             }
             return host_.projectFolderResult;
         }
-        std::int32_t GetOptionItem(std::int32_t item, SettingValue& value) override {
-            const auto option = host_.options.find(item);
-            if (host_.optionResult == kHostOk && option != host_.options.end()) {
-                value = option->second;
-            }
-            return host_.optionResult;
-        }
+        std::int32_t GetOptionItem(std::int32_t, SettingValue&) override { return kHostOk; }
 
       private:
         FakeHostObjects& host_;

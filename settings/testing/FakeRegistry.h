@@ -17,76 +17,54 @@ class FakeRegistry final : public RegistryStore {
         std::vector<std::byte> data;
     };
 
-    std::set<RegistryRoot> denyOpen;   ///< roots whose base key cannot be opened at all
-    std::set<RegistryRoot> denyWrite;  ///< roots that can only be read
-    int openKeys = 0;                  ///< keys that are open now
+    std::set<RegistryRoot> denyOpen;  ///< roots whose base key cannot be opened
+    bool denySubkeys = false;         ///< no other key can be opened
 
     /// Puts a value into the store whatever the switches say; `subkey` empty: into the base key.
     void Put(RegistryRoot root, const std::wstring& subkey, const std::wstring& name, Value value) {
-        keys_[{root, ToUpper(subkey)}][ToUpper(name)] = std::move(value);
+        values_[{root, ToUpper(subkey + L"\\" + name)}] = std::move(value);
     }
     /// A stored value; null when there is none.
     const Value* Find(RegistryRoot root, const std::wstring& subkey, const std::wstring& name) const {
-        const auto key = keys_.find({root, ToUpper(subkey)});
-        if (key == keys_.end()) {
-            return nullptr;
-        }
-        const auto value = key->second.find(ToUpper(name));
-        return value == key->second.end() ? nullptr : &value->second;
+        const auto value = values_.find({root, ToUpper(subkey + L"\\" + name)});
+        return value == values_.end() ? nullptr : &value->second;
     }
 
     std::unique_ptr<RegistryKey> OpenBaseKey(RegistryRoot root) override {
-        return denyOpen.contains(root) ? nullptr : std::make_unique<Key>(*this, root, std::wstring());
+        return denyOpen.contains(root) ? nullptr : std::make_unique<Key>(*this, root, L"");
     }
 
   private:
     class Key final : public RegistryKey {
       public:
-        Key(FakeRegistry& registry, RegistryRoot root, std::wstring path)
-            : registry_(registry), root_(root), path_(std::move(path)) {
-            ++registry_.openKeys;
-        }
-        ~Key() override { --registry_.openKeys; }
-        Key(const Key&) = delete;
-        Key& operator=(const Key&) = delete;
+        Key(FakeRegistry& registry, RegistryRoot root, std::wstring subkey)
+            : registry_(registry), root_(root), subkey_(std::move(subkey)) {}
 
         RegistryStatus Query(const std::wstring& name, RegistryType type,
                              std::vector<std::byte>& data) const override {
-            const Value* value = registry_.Find(root_, path_, name);
-            if (value == nullptr) {
-                return RegistryStatus::NotFound;
-            }
-            if (value->type != type) {
-                return RegistryStatus::WrongType;
+            const Value* value = registry_.Find(root_, subkey_, name);
+            if (value == nullptr || value->type != type) {
+                return value == nullptr ? RegistryStatus::NotFound : RegistryStatus::WrongType;
             }
             data = value->data;
             return RegistryStatus::Ok;
         }
         RegistryStatus Set(const std::wstring& name, RegistryType type,
                            std::span<const std::byte> data) override {
-            if (registry_.denyWrite.contains(root_) || data.size() > kLongestRegistryValue) {
-                return RegistryStatus::NoAccess;
-            }
-            registry_.Put(root_, path_, name, {type, {data.begin(), data.end()}});
+            registry_.Put(root_, subkey_, name, {type, {data.begin(), data.end()}});
             return RegistryStatus::Ok;
         }
         std::unique_ptr<RegistryKey> OpenSubkey(const std::wstring& name) override {
-            const std::wstring path = path_.empty() ? name : path_ + L"\\" + name;
-            const bool exists = registry_.keys_.contains({root_, ToUpper(path)});
-            if (!exists && registry_.denyWrite.contains(root_)) {
-                return nullptr;
-            }
-            registry_.keys_[{root_, ToUpper(path)}];
-            return std::make_unique<Key>(registry_, root_, path);
+            return registry_.denySubkeys ? nullptr : std::make_unique<Key>(registry_, root_, name);
         }
 
       private:
         FakeRegistry& registry_;
         RegistryRoot root_;
-        std::wstring path_;
+        std::wstring subkey_;
     };
 
-    std::map<std::pair<RegistryRoot, std::wstring>, std::map<std::wstring, Value>> keys_;
+    std::map<std::pair<RegistryRoot, std::wstring>, Value> values_;
 };
 
 }  // namespace orvex::testing

@@ -1,43 +1,27 @@
 #pragma once
 #include <filesystem>
 #include <memory>
-
-#include "settings/RegistryKey.h"
+#include <string>
+#include <vector>
 
 namespace orvex::testing {
 
-/// Takes the right to write from a folder and the files in it until destroyed.
-class OrdinaryUser {
-  public:
-    explicit OrdinaryUser(const std::filesystem::path& folder);
-    ~OrdinaryUser();
-    OrdinaryUser(const OrdinaryUser&) = delete;
-    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+/// What was changed is as before once this is released.
+using Guard = std::shared_ptr<void>;
 
-  private:
-    struct System;
-    std::unique_ptr<System> system_;
-};
-
-/// The platform's own store over a place that nothing else uses, empty at first and removed in the end: two
+/// Gives the platform's store a place that nothing else uses, empty at first and removed in the end: two
 /// SQLite files, or a key of the registry. One at a time.
-class PlatformStore {
-  public:
-    PlatformStore();
-    ~PlatformStore();
-    PlatformStore(const PlatformStore&) = delete;
-    PlatformStore& operator=(const PlatformStore&) = delete;
+Guard UseEmptyStore();
+/// The machine's root of that store, to which something has been written, can only be read.
+Guard DenyMachineWrites();
+/// Nothing can be written to a folder and the files in it.
+Guard DenyWritesIn(const std::filesystem::path& folder);
 
-    RegistryStore& Store() { return *store_; }
-    /// What another process would find: a store anew over the same place.
-    void Reopen();
-    /// From now on the machine's root can only be read.
-    void DenyMachineWrites();
+using Words = std::vector<std::wstring>;
 
-  private:
-    struct System;
-    std::unique_ptr<System> system_;
-    std::unique_ptr<RegistryStore> store_;
-};
+/// Work of a child process; defined, and called by main, in the test program. Returns the exit code.
+int ChildMain(const Words& words);
+/// Runs a child process for each of `children` at the same time. Returns their exit codes, -1 if killed.
+std::vector<int> RunChildren(const std::vector<Words>& children);
 
 }  // namespace orvex::testing

@@ -1,33 +1,39 @@
 #include "settings/testing/PlatformStore.h"
 
-#include <sys/types.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
-#include <optional>
-
-#include "settings/RegistryKey.h"
 #include "support/testing/TemporaryFolder.h"
 #include "support/testing/TestSystem.h"
 
 namespace orvex::testing {
+namespace {
+
+struct EmptyStore {
+    TemporaryFolder folder;
+    Variable user{L"ORVEX_CONFIG_DIR", folder.Name(L"user")};
+    Variable machine{L"ORVEX_MACHINE_CONFIG_DIR", folder.Name(L"machine")};
+};
 
 /// The rights are in the mode. A process of root, whom rights do not bind, acts as "nobody" meanwhile.
-struct OrdinaryUser::System {
-    explicit System(std::filesystem::path path) : folder(std::move(path)), user(geteuid()) {
+class OrdinaryUser {
+  public:
+    explicit OrdinaryUser(std::filesystem::path folder) : folder_(std::move(folder)), user_(geteuid()) {
         Permit(false);
-        if (user == 0) {
-            isSwitched = seteuid(kNobody) == 0;
+        if (user_ == 0) {
+            isSwitched_ = seteuid(kNobody) == 0;
         }
     }
-    ~System() {
-        if (isSwitched && seteuid(user) != 0) {
+    ~OrdinaryUser() {
+        if (isSwitched_ && seteuid(user_) != 0) {
             _exit(1);  // the tests that follow would run as somebody else
         }
         Permit(true);
     }
-    System(const System&) = delete;
-    System& operator=(const System&) = delete;
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
 
+  private:
     static constexpr uid_t kNobody = 65534;
 
     void Permit(bool write) const {
@@ -35,38 +41,46 @@ struct OrdinaryUser::System {
         const perms read = perms::owner_read | perms::group_read | perms::others_read;
         const perms enter = perms::owner_exec | perms::group_exec | perms::others_exec;
         const perms extra = write ? perms::owner_write : perms::none;
-        for (const auto& file : std::filesystem::directory_iterator(folder)) {
+        for (const auto& file : std::filesystem::directory_iterator(folder_)) {
             std::filesystem::permissions(file, read | extra);
         }
-        std::filesystem::permissions(folder, read | enter | extra);
+        std::filesystem::permissions(folder_, read | enter | extra);
     }
 
-    std::filesystem::path folder;
-    uid_t user;
-    bool isSwitched = false;
+    std::filesystem::path folder_;
+    uid_t user_;
+    bool isSwitched_ = false;
 };
 
-OrdinaryUser::OrdinaryUser(const std::filesystem::path& folder) : system_(std::make_unique<System>(folder)) {}
-OrdinaryUser::~OrdinaryUser() = default;
+}  // namespace
 
-struct PlatformStore::System {
-    TemporaryFolder folder;
-    Variable user{L"ORVEX_CONFIG_DIR", folder.Name(L"user")};
-    Variable machine{L"ORVEX_MACHINE_CONFIG_DIR", folder.Name(L"machine")};
-    std::optional<OrdinaryUser> ordinaryUser;
-};
-
-PlatformStore::PlatformStore() : system_(std::make_unique<System>()) {
-    Reopen();
-}
-PlatformStore::~PlatformStore() = default;
-
-void PlatformStore::Reopen() {
-    store_ = MakeRegistryStore();
+Guard UseEmptyStore() {
+    return std::make_shared<EmptyStore>();
 }
 
-void PlatformStore::DenyMachineWrites() {
-    system_->ordinaryUser.emplace(system_->folder.Path() / "machine");
+Guard DenyMachineWrites() {
+    return DenyWritesIn(MachineConfigFolder());
+}
+
+Guard DenyWritesIn(const std::filesystem::path& folder) {
+    return std::make_shared<OrdinaryUser>(folder);
+}
+
+std::vector<int> RunChildren(const std::vector<Words>& children) {
+    std::vector<pid_t> ids;
+    for (const Words& words : children) {
+        ids.push_back(fork());
+        if (ids.back() == 0) {
+            _exit(ChildMain(words));
+        }
+    }
+    std::vector<int> codes;
+    for (const pid_t id : ids) {
+        int status = 0;
+        const bool hasEnded = id > 0 && waitpid(id, &status, 0) == id && WIFEXITED(status);
+        codes.push_back(hasEnded ? WEXITSTATUS(status) : -1);
+    }
+    return codes;
 }
 
 }  // namespace orvex::testing

@@ -1,7 +1,7 @@
 #pragma once
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <set>
 
 #include "settings/ValueFile.h"
 #include "support/Text.h"
@@ -18,26 +18,21 @@ inline bool Put(ValueFile& file, const std::wstring& name, const std::string& te
 inline std::string Get(ValueFile& file, const std::wstring& name) {
     ValueFile::Value value;
     const RegistryStatus status = file.Find(L"key", name, value);
-    if (status == RegistryStatus::Ok) {
-        return {reinterpret_cast<const char*>(value.data.data()), value.data.size()};
+    if (status != RegistryStatus::Ok) {
+        return status == RegistryStatus::NotFound ? "-" : "!";
     }
-    if (status == RegistryStatus::NotFound) {
-        return "-";
-    }
-    return "!";
+    return {reinterpret_cast<const char*>(value.data.data()), value.data.size()};
 }
 
 /// A file of values in a folder of its own.
 class ValueFileFixture : public ::testing::Test {
   protected:
-    /// The names in the folder that begin with `prefix`.
-    std::vector<std::string> NamesOf(const std::string& prefix) const {
-        std::vector<std::string> names;
+    using Names = std::set<std::string>;
+
+    Names NamesInFolder() const {
+        Names names;
         for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
-            const std::string name = entry.path().filename().string();
-            if (name.starts_with(prefix)) {
-                names.push_back(name);
-            }
+            names.insert(entry.path().filename().string());
         }
         return names;
     }

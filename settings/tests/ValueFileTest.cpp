@@ -1,24 +1,46 @@
 #include "settings/ValueFile.h"
 
+#include <cstdlib>
 #include <fstream>
+#include <thread>
 
 #include "settings/testing/PlatformStore.h"
 #include "settings/testing/ValueFileFixture.h"
+#include "support/Environment.h"
 
 namespace orvex {
 namespace {
 
+using Clock = std::chrono::steady_clock;
 using testing::Get;
 using testing::Put;
 namespace fs = std::filesystem;
 
-class ValueFileTest : public testing::ValueFileFixture {};
+constexpr auto kLongestLife = std::chrono::minutes(1);
+constexpr int kLockedAndGone = 7;
+
+class ValueFileTest : public testing::ValueFileFixture {
+  protected:
+    /// Runs processes that write at the same time; afterwards every value must be there.
+    void Write(int writers, int values) {
+        std::vector<testing::Words> children;
+        for (int writer = 0; writer < writers; ++writer) {
+            children.push_back({FromPath(path_), std::to_wstring(writer), std::to_wstring(values)});
+        }
+        EXPECT_EQ(testing::RunChildren(children), std::vector<int>(children.size(), 0));
+        for (const testing::Words& child : children) {
+            for (int i = 0; i < values; ++i) {
+                EXPECT_EQ(Get(file_, child[1] + L"-" + std::to_wstring(i)), std::to_string(i));
+            }
+        }
+    }
+};
 
 TEST_F(ValueFileTest, ReadingMakesNoFileAndWritingLeavesOnlyOne) {
     EXPECT_EQ(Get(file_, L"a"), "-");
-    EXPECT_TRUE(NamesOf("").empty());
+    EXPECT_TRUE(NamesInFolder().empty());
     EXPECT_TRUE(Put(file_, L"a", "1"));
-    EXPECT_EQ(NamesOf(""), std::vector<std::string>{"user.sqlite"});
+    EXPECT_EQ(NamesInFolder(), Names{"user.sqlite"});
 
     ValueFile deep(folder_.Path() / "new" / "folder" / "user.sqlite", ValueFileOwner::User);
     EXPECT_TRUE(Put(deep, L"a", "1"));
@@ -41,7 +63,7 @@ TEST_F(ValueFileTest, AnythingElseThanASoundFileMeansDefaultsAndAFreshStart) {
     std::ofstream(path_, std::ios::binary) << "";
     EXPECT_EQ(Get(file_, L"a"), "-") << "an empty file is an empty store";
     EXPECT_TRUE(Put(file_, L"a", "1"));
-    EXPECT_EQ(NamesOf("user.sqlite").size(), 1U);
+    EXPECT_EQ(NamesInFolder(), Names{"user.sqlite"});
     int kept = 0;
     for (const auto& c : cases) {
         for (const bool readFirst : {true, false}) {
@@ -62,10 +84,10 @@ TEST_F(ValueFileTest, AnythingElseThanASoundFileMeansDefaultsAndAFreshStart) {
 
 TEST_F(ValueFileTest, ADamagedFileThatCannotBeWrittenIsLeftAlone) {
     std::ofstream(path_, std::ios::binary) << "no database at all";
-    const testing::OrdinaryUser user(folder_.Path());
+    const testing::Guard denied = testing::DenyWritesIn(folder_.Path());
     EXPECT_EQ(Get(file_, L"a"), "!");
     EXPECT_FALSE(Put(file_, L"a", "1"));
-    EXPECT_EQ(NamesOf(""), std::vector<std::string>{"user.sqlite"});
+    EXPECT_EQ(NamesInFolder(), Names{"user.sqlite"});
 }
 
 TEST_F(ValueFileTest, ADamagedMachineFileIsLeftToItsManager) {
@@ -73,7 +95,7 @@ TEST_F(ValueFileTest, ADamagedMachineFileIsLeftToItsManager) {
     ValueFile file(path_, ValueFileOwner::Machine);
     EXPECT_EQ(Get(file, L"a"), "!");
     EXPECT_FALSE(Put(file, L"a", "1"));
-    EXPECT_EQ(NamesOf("").size(), 1U);
+    EXPECT_EQ(NamesInFolder(), Names{"user.sqlite"});
 }
 
 TEST_F(ValueFileTest, OtherThingsInTheFilesPlaceAreLeftAlone) {
@@ -94,7 +116,7 @@ TEST_F(ValueFileTest, OtherThingsInTheFilesPlaceAreLeftAlone) {
 TEST_F(ValueFileTest, WithoutRightsReadsWorkAndWritesAreRefused) {
     EXPECT_TRUE(Put(file_, L"a", "old"));
     {
-        const testing::OrdinaryUser user(folder_.Path());
+        const testing::Guard denied = testing::DenyWritesIn(folder_.Path());
         EXPECT_EQ(Get(file_, L"a"), "old");
         EXPECT_FALSE(Put(file_, L"a", "new"));
         ValueFile absent(folder_.Path() / "absent.sqlite", ValueFileOwner::User);
@@ -105,11 +127,77 @@ TEST_F(ValueFileTest, WithoutRightsReadsWorkAndWritesAreRefused) {
     EXPECT_TRUE(Put(file_, L"a", "new"));
 }
 
-TEST_F(ValueFileTest, ValuesAreBounded) {
-    EXPECT_FALSE(Put(file_, L"a", std::string(2U << 20, 'x')));
-    EXPECT_EQ(Get(file_, L"a"), "-");
-    EXPECT_TRUE(Put(file_, L"a", "small"));
+TEST_F(ValueFileTest, ALockedFileRefusesUntilItIsFree) {
+    EXPECT_TRUE(Put(file_, L"a", "1"));
+    {
+        SqliteConnection holder(path_, SqliteConnection::Mode::Existing,
+                                {Clock::now(), Clock::now() + kLongestLife});
+        ASSERT_EQ(holder.Execute("BEGIN EXCLUSIVE"), SQLITE_OK);
+        EXPECT_EQ(Get(file_, L"a"), "!");
+        EXPECT_FALSE(Put(file_, L"a", "2"));
+    }
+    EXPECT_EQ(Get(file_, L"a"), "1");
+    EXPECT_TRUE(Put(file_, L"a", "2"));
+}
+
+TEST_F(ValueFileTest, ProcessesThatWriteAtOnceLoseNothing) {
+    Write(2, 200);
+}
+
+TEST_F(ValueFileTest, ProcessesThatFindTheSameDamageKeepOneCopyAndAllNewValues) {
+    const std::string damaged(4096, 'd');
+    std::ofstream(path_, std::ios::binary) << damaged;
+    Write(6, 1);
+    EXPECT_EQ(NamesInFolder(), (Names{"user.sqlite", "user.sqlite.damaged-1"}));
+    EXPECT_TRUE(testing::ReadFile(folder_.Name(L"user.sqlite.damaged-1")) == damaged);
+}
+
+TEST_F(ValueFileTest, AFoldersLockIsOneUsersAndFreeAgainWhenThatDies) {
+    const auto isFree = [](const fs::path& folder) {
+        bool isHeld = false;
+        // Another thread: Windows gives a lock to its holder again.
+        std::thread([&] { isHeld = FolderLock(folder, Clock::now()).IsHeld(); }).join();
+        return isHeld;
+    };
+    ASSERT_EQ(testing::RunChildren({{FromPath(folder_.Path())}}), std::vector{kLockedAndGone});
+    // By another path to the same folder.
+    FolderLock lock(folder_.Path() / ".." / folder_.Path().filename(), Clock::now() + kLongestLife);
+    EXPECT_TRUE(lock.IsHeld());
+    EXPECT_EQ(folder_.Entries(), 0U) << "the lock leaves no file";
+    EXPECT_FALSE(isFree(folder_.Path()));
+    lock.Release();
+    EXPECT_TRUE(isFree(folder_.Path()));
+    EXPECT_FALSE(isFree(folder_.Path() / "absent"));
 }
 
 }  // namespace
+
+// FOLDER: ends with the folder's lock in its hands. FILE WRITER COUNT: writes values; a busy machine may
+// refuse one, which is then written again.
+int testing::ChildMain(const Words& words) {
+    if (words.size() == 1) {
+        const FolderLock lock(ToPath(words[0]), Clock::now());
+        std::_Exit(lock.IsHeld() ? kLockedAndGone : 1);
+    }
+    ValueFile file(ToPath(words[0]), ValueFileOwner::User);
+    const auto until = Clock::now() + kLongestLife;
+    for (int i = 0; i < std::stoi(words[2]); ++i) {
+        while (!Put(file, words[1] + L"-" + std::to_wstring(i), std::to_string(i))) {
+            if (Clock::now() > until) {
+                return 1;
+            }
+        }
+    }
+    return 0;
+}
+
 }  // namespace orvex
+
+int main(int argc, char** argv) {
+    const auto words = orvex::ProgramArguments(argc, argv);
+    if (!words.empty() && !words[0].starts_with(L"--")) {
+        return orvex::testing::ChildMain(words);
+    }
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

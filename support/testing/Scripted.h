@@ -12,6 +12,16 @@
 
 namespace orvex::testing {
 
+/// The next of a script, which loses it; `otherwise` when the script is over.
+template <typename T>
+T Next(std::deque<T>& script, T otherwise) {
+    if (!script.empty()) {
+        otherwise = std::move(script.front());
+        script.pop_front();
+    }
+    return otherwise;
+}
+
 /// Answers from `answers` in order; when they run out with the kindest answer (Ok, Yes).
 class ScriptedPrompts final : public UserPrompts {
   public:
@@ -22,21 +32,11 @@ class ScriptedPrompts final : public UserPrompts {
 
     PromptAnswer Show(const Prompt& prompt) override {
         shown.push_back(prompt);
-        if (answers.empty()) {
-            return prompt.buttons == PromptButtons::Ok ? PromptAnswer::Ok : PromptAnswer::Yes;
-        }
-        const PromptAnswer answer = answers.front();
-        answers.pop_front();
-        return answer;
+        return Next(answers, prompt.buttons == PromptButtons::Ok ? PromptAnswer::Ok : PromptAnswer::Yes);
     }
     TaskAnswer ShowTask(const TaskPrompt& prompt) override {
         tasksShown.push_back(prompt);
-        if (taskAnswers.empty()) {
-            return {PromptAnswer::Yes, false};
-        }
-        const TaskAnswer answer = taskAnswers.front();
-        taskAnswers.pop_front();
-        return answer;
+        return Next(taskAnswers, {PromptAnswer::Yes, false});
     }
 };
 
@@ -51,22 +51,12 @@ class ScriptedPickers final : public FilePickers {
     PickedFiles PickFiles(const OpenFilesRequest& request) override {
         ThrowFailure();
         asked.push_back(request);
-        if (files.empty()) {
-            return {};
-        }
-        PickedFiles picked = files.front();
-        files.pop_front();
-        return picked;
+        return Next(files, {});
     }
     std::optional<std::wstring> PickFolder(const std::wstring& title) override {
         ThrowFailure();
         folderTitles.push_back(title);
-        if (folders.empty()) {
-            return std::nullopt;
-        }
-        auto picked = folders.front();
-        folders.pop_front();
-        return picked;
+        return Next(folders, {});
     }
 
   private:

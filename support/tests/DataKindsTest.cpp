@@ -9,44 +9,16 @@ namespace orvex {
 namespace {
 
 using enum DataKind;
+using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::UnorderedElementsAreArray;
-
-std::vector<std::wstring> Shown(DataKind page) {
-    std::vector<std::wstring> filters;
-    for (const FileFilter& filter : PickerFilters(page)) {
-        filters.push_back(filter.caption + L"|" + filter.patterns);
-    }
-    return filters;
-}
-
-TEST(DataKinds, FiltersOfThePickers) {
-    EXPECT_THAT(Shown(Las), ElementsAre(L"LAS Files (*.las)|*.las", L"LAZ Files (*.laz)|*.laz"));
-    EXPECT_THAT(
-        Shown(Raster),
-        ElementsAre(L"All Image Files|*.tif;*.tiff;*.jpg;*.jpeg;*.rgb;*.png;*.sid;*.gif;*.bmp;*.jp2;*.jp2k;"
-                    L"*.flt;*.ecw;*.img",
-                    L"TIF Files (*.tif)|*.tif", L"JPEG Files (*.jpg)|*.jpg", L"PNG Files (*.png)|*.png",
-                    L"GIF Files (*.gif)|*.gif", L"BMP Files (*.bmp)|*.bmp", L"MrSID Files (*.sid)|*.sid",
-                    L"JP2000 Files (*.jp2)|*.jp2", L"ECW Files (*.ecw)|*.ecw", L"IMG Files (*.img)|*.img",
-                    L"All Files (*.*)|*.*"));
-    EXPECT_EQ(Shown(Dem), Shown(Raster));
-}
+using ::testing::Not;
 
 TEST(DataKinds, ExtensionsThatAPageTakes) {
-    std::vector<std::wstring> images{L".TIF", L".TIFF", L".JPG",  L".JPEG", L".RGB", L".PNG", L".GIF",
-                                     L".BMP", L".JP2",  L".JP2K", L".ECW",  L".IMG", L".FLT"};
     EXPECT_THAT(ScanExtensions(Las), ElementsAre(L".LAS", L".LAZ"));
-    EXPECT_THAT(ScanExtensions(Raster), UnorderedElementsAreArray(images));
-    EXPECT_THAT(ScanExtensions(Dem), UnorderedElementsAreArray(images));
-    EXPECT_THAT(NamedExtensions(Las), ElementsAre(L".LAS", L".LAZ"));
-    images.emplace_back(L".SID");
-    EXPECT_THAT(NamedExtensions(Raster), UnorderedElementsAreArray(images));
-    for (const wchar_t* elevation :
-         {L".ASC", L".BIL", L".DEM", L".DT0", L".DT1", L".DT2", L".GRD", L".HGT"}) {
-        images.emplace_back(elevation);
-    }
-    EXPECT_THAT(NamedExtensions(Dem), UnorderedElementsAreArray(images));
+    EXPECT_THAT(ScanExtensions(Raster), Not(Contains(L".SID"))) << "only by name";
+    EXPECT_THAT(NamedExtensions(Raster), Contains(L".SID"));
+    EXPECT_THAT(ScanExtensions(Dem), Not(Contains(L".ASC"))) << "only by name";
+    EXPECT_THAT(NamedExtensions(Dem), Contains(L".ASC"));
 }
 
 TEST(DataKinds, KindOfAName) {

@@ -57,6 +57,7 @@ TEST_F(Picking, GivesFullPathsInTheOrderChosen) {
 TEST_F(Picking, TellsCancelledAndTooManyApart) {
     EXPECT_EQ(Pick(nullptr).outcome, PickOutcome::Cancelled);
     const std::size_t needed = SelectionCharacters({folder.Name(L"a.las"), folder.Name(L"b.LAS")});
+    EXPECT_EQ(needed, FromPath(folder.Path()).size() + 13) << "with the separators";
     request.bufferCharacters = needed - 1;
     const PickedFiles tooMany = Pick("\"a.las\" \"b.LAS\"");
     EXPECT_EQ(tooMany.outcome, PickOutcome::BufferTooSmall);

@@ -68,22 +68,12 @@ TEST(UserPromptsQt, EnterAgreesToAQuestionButNotToWhatIsWarnedOf) {
     UserPromptsQt prompts;
     for (const auto& [icon, answer] : {std::pair(PromptIcon::Question, PromptAnswer::Yes),
                                        std::pair(PromptIcon::Warning, PromptAnswer::No)}) {
-        WhenShown([](QWidget* window) { QTest::keyClick(window, Qt::Key_Return); });
-        EXPECT_EQ(prompts.Show({L"Overwrite?", L"Caption", icon, PromptButtons::YesNo}), answer);
+        WhenShown([](QWidget* window) {
+            EXPECT_EQ(qobject_cast<QMessageBox*>(window)->textFormat(), Qt::PlainText);
+            QTest::keyClick(window, Qt::Key_Return);
+        });
+        EXPECT_EQ(prompts.Show({L"Overwrite <b>?", L"Caption", icon, PromptButtons::YesNo}), answer);
     }
-}
-
-TEST(UserPromptsQt, ShowsTextsLiterally) {
-    UserPromptsQt prompts;
-    WhenShown([](QWidget* window) {
-        auto* box = qobject_cast<QMessageBox*>(window);
-        ASSERT_NE(box, nullptr);
-        EXPECT_EQ(box->text(), QStringLiteral("<b>no markup</b>"));
-        EXPECT_EQ(box->textFormat(), Qt::PlainText);
-        EXPECT_EQ(box->icon(), QMessageBox::Warning);
-        Click(window, "ok");
-    });
-    prompts.Show({L"<b>no markup</b>", L"Caption", PromptIcon::Warning, PromptButtons::Ok});
 }
 
 TEST(UserPromptsQt, ATaskTellsItsCheckBoxWhateverTheAnswer) {
@@ -130,11 +120,6 @@ TEST(OpenFileText, FiltersAreZeroEndedPairs) {
         << "an empty text would end the list";
 }
 
-TEST(OpenFileText, ASelectionCountsItsFolderAndNamesWithOneSeparatorEach) {
-    EXPECT_EQ(SelectionCharacters({}), 0U);
-    EXPECT_EQ(SelectionCharacters({L"/data/a.las", L"/data/bc.las"}), 6U + 6U + 7U);
-}
-
 TEST(OpenFileText, SelectionsBecomeFullPaths) {
     struct Case {
         std::wstring buffer;
@@ -156,19 +141,8 @@ TEST(OpenFileText, SelectionsBecomeFullPaths) {
     }
 }
 
-TEST(OpenFileText, ErrorsAreToldApart) {
-    EXPECT_EQ(OutcomeOfOpenFileError(0), PickOutcome::Cancelled);
-    EXPECT_EQ(OutcomeOfOpenFileError(12291), PickOutcome::BufferTooSmall);
-    EXPECT_EQ(OutcomeOfOpenFileError(9), PickOutcome::OutOfMemory);
-    EXPECT_EQ(OutcomeOfOpenFileError(10), PickOutcome::OutOfMemory);
-    EXPECT_EQ(OutcomeOfOpenFileError(0x3002), PickOutcome::Failed);
-    EXPECT_EQ(OutcomeOfOpenFileError(0xFFFF), PickOutcome::Failed);
-}
-
 TEST(QtText, KeepsEveryTextWhateverItHolds) {
     const std::wstring texts[] = {
-        L"",
-        L"plain",
         std::wstring(L"nul\0inside", 10),
         L"\u00e4\u4e2d",
         FromUtf8("\xF0\x9F\x8C\x8D globe"),
@@ -182,15 +156,7 @@ TEST(QtText, KeepsEveryTextWhateverItHolds) {
     }
     const QString lone = QString(QChar(0xD83C)) + QStringLiteral("x") + QChar(0xDF0D);
     EXPECT_EQ(ToQString(ToWide(lone)), lone);
-}
-
-TEST(QtText, PairsBecomeOneCharacterWhereWideTextsAreUtf32) {
-    const QString globe = QString::fromUtf8("\xF0\x9F\x8C\x8D");
-    EXPECT_EQ(globe.size(), 2);
-    EXPECT_EQ(ToWide(globe).size(), sizeof(wchar_t) == 4 ? 1U : 2U);
-    if (sizeof(wchar_t) == 4) {
-        EXPECT_EQ(ToQString(std::wstring{static_cast<wchar_t>(0x110000)}), QString(QChar(0xFFFD)));
-    }
+    EXPECT_EQ(ToWide(QString::fromUtf8("\xF0\x9F\x8C\x8D")), L"\U0001F30D");
 }
 
 TEST(QtText, ATooltipShowsWhatLooksLikeMarkup) {

@@ -54,10 +54,5 @@ TEST(Format, DoesNotFollowACommaDecimalLocale) {
     std::setlocale(LC_ALL, before.c_str());
 }
 
-TEST(Format, NamesItsConversions) {
-    EXPECT_EQ(ConversionsOf(L"%d of %I64d: %-8.3s %%"), "dds");
-    EXPECT_EQ(ConversionsOf(L"nothing %"), "");
-}
-
 }  // namespace
 }  // namespace orvex

@@ -71,19 +71,9 @@ TEST(WindowsPaths, LongOnesGetThePrefixAndLoseItAgain) {
     // The calls count the terminating zero and, for folders, a short name inside.
     EXPECT_EQ(ToPath(LR"(C:\)" + std::wstring(244, L'n')).wstring().size(), 247U);
     EXPECT_EQ(ToPath(LR"(C:\)" + std::wstring(245, L'n')).wstring().size(), 252U);
+    EXPECT_EQ(ToPath(LR"(C:\)" + std::wstring(200, L'n'), 48).wstring().size(), 207U) << "room for a suffix";
     // A name that is short by itself is long from where the process is.
     EXPECT_TRUE(ToPath(kLong).wstring().starts_with(LR"(\\?\)"));
-}
-
-// Bytes that would read as a pair of surrogates come back as the bytes they were.
-TEST(WindowsText, NoBytesGrowTogether) {
-    for (const std::string bytes : {"\xED\xA0\x80\x80", "\xED\xA0\x80\xFF", "\xED\xA0\x80\xED\xB0\x80",
-                                    "\xED\xA0\x80\xED\xA0\x80\xBF"}) {
-        EXPECT_EQ(ToUtf8(FromUtf8(bytes)), bytes);
-    }
-    const std::wstring pair{static_cast<wchar_t>(0xD83D), static_cast<wchar_t>(0xDE00)};
-    EXPECT_EQ(FromUtf8(ToUtf8(pair)), pair);
-    EXPECT_EQ(ToUtf8(pair), "\xF0\x9F\x98\x80");
 }
 
 }  // namespace

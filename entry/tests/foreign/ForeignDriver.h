@@ -13,8 +13,6 @@ using DriverLeftFunction = std::size_t();
 /// True if there is a QCoreApplication.
 using DriverHasQtFunction = bool();
 /// Registers the reference host's class objects on this thread, with their settings in a folder and private
-/// options; null: removes both.
+/// options, and writes small LAS files "a.las" and "\u00fcber b.las" there; null: removes the objects.
 using DriverServeFunction = void(const wchar_t* folder);
-/// Writes a small LAS file.
-using DriverWriteLasFunction = bool(const wchar_t* path);
 }

@@ -52,16 +52,14 @@ ORVEX_DRIVER_API bool DriverHasQt() {
 
 ORVEX_DRIVER_API void DriverServe(const wchar_t* folder) {
     TheServed().reset();
-    if (folder != nullptr) {
-        TheServed() = std::make_unique<Served>(folder);
+    if (folder == nullptr) {
+        return;
     }
-}
-
-ORVEX_DRIVER_API bool DriverWriteLas(const wchar_t* path) {
+    TheServed() = std::make_unique<Served>(folder);
     orvex::SampleTile tile;
     tile.side = 20;
     tile.crs = orvex::SampleCrs::None;
-    std::ofstream file(std::filesystem::path(path), std::ios::binary);
-    file << orvex::MakeSampleLas(tile);
-    return file.good();
+    for (const wchar_t* name : {L"a.las", L"\u00fcber b.las"}) {
+        std::ofstream(std::filesystem::path(folder) / name, std::ios::binary) << orvex::MakeSampleLas(tile);
+    }
 }

@@ -5,12 +5,136 @@
 #include <shellscalingapi.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <set>
+#include <string>
 
-#include "entry/tests/foreign/ForeignHost_win.h"
+#include "entry/tests/foreign/ForeignDriver.h"
+#include "orvexcommon/Exports.h"
 #include "orvexcommon/LasFileInfo.h"
 
 namespace orvex::foreign {
+
+// Where the component and its libraries are.
+std::filesystem::path componentFolder;
+
 namespace {
+
+/// A library loaded from the component's folder, freed when this goes. With the altered search path its own
+/// company is looked for beside it, not beside this program.
+struct Library {
+    explicit Library(const wchar_t* file)
+        : module(LoadLibraryExW((componentFolder / file).make_preferred().c_str(), nullptr,
+                                LOAD_WITH_ALTERED_SEARCH_PATH)) {}
+    ~Library() { FreeLibrary(module); }
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+
+    /// Null when there is no such function.
+    template <typename Function>
+    Function* Get(const char* name) const {
+        return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+    }
+
+    HMODULE module;
+};
+
+/// The component's functions, found by the names that hosts bind to.
+struct Component {
+    Library library{L"OrvexCommon.dll"};
+    decltype(&ShowAddFilesDialog) show =
+        library.Get<decltype(ShowAddFilesDialog)>("?ShowAddFilesDialog@@YA_NPEAVAddFilesParams@@@Z");
+    decltype(&MessageRegardingAddingLidar) message = library.Get<decltype(MessageRegardingAddingLidar)>(
+        "?MessageRegardingAddingLidar@@YAXPEAUHWND__@@AEBV?$basic_string@_WU?$char_traits@_W@std@@V?$"
+        "allocator@_W@2@@std@@_N222222AEA_N@Z");
+    decltype(&GetAddingLidarChoice) choice =
+        library.Get<decltype(GetAddingLidarChoice)>("?GetAddingLidarChoice@@YA?AW4AddLidarChoice@@_N@Z");
+    HRESULT(STDAPICALLTYPE* canUnload)() = library.Get<HRESULT STDAPICALLTYPE()>("DllCanUnloadNow");
+};
+
+/// What works the dialog from inside.
+struct Driver {
+    Library library{L"foreign_driver.dll"};
+    DriverBeginFunction* begin = library.Get<DriverBeginFunction>("DriverBegin");
+    DriverLeftFunction* left = library.Get<DriverLeftFunction>("DriverLeft");
+    DriverHasQtFunction* hasQt = library.Get<DriverHasQtFunction>("DriverHasQt");
+    DriverServeFunction* serve = library.Get<DriverServeFunction>("DriverServe");
+};
+
+/// Dispatches what is in the thread's queue. The exit code when the loop is to end, else -1.
+int PumpMessages() {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
+        if (message.message == WM_QUIT) {
+            return static_cast<int>(message.wParam);
+        }
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+    return -1;
+}
+
+int paints = 0;
+
+LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM wide, LPARAM more) {
+    paints += message == WM_PAINT ? 1 : 0;
+    return DefWindowProcW(window, message, wide, more);
+}
+
+/// The host's main window, with a button that has the focus.
+struct MainWindow {
+    MainWindow() {
+        WNDCLASSW description{};
+        description.lpfnWndProc = OnMessage;
+        description.hInstance = GetModuleHandleW(nullptr);
+        description.lpszClassName = L"ForeignHostWindow";
+        RegisterClassW(&description);
+        window = CreateWindowExW(0, description.lpszClassName, L"A host without Qt",
+                                 WS_OVERLAPPEDWINDOW | WS_VISIBLE, 60, 60, 900, 600, nullptr, nullptr,
+                                 description.hInstance, nullptr);
+        button = CreateWindowExW(0, L"BUTTON", L"Add Files...", WS_CHILD | WS_VISIBLE | WS_TABSTOP, 20, 20,
+                                 120, 30, window, nullptr, description.hInstance, nullptr);
+        SetForegroundWindow(window);
+        SetFocus(button);
+        PumpMessages();
+    }
+    ~MainWindow() {
+        DestroyWindow(window);
+        PumpMessages();
+    }
+    MainWindow(const MainWindow&) = delete;
+    MainWindow& operator=(const MainWindow&) = delete;
+
+    HWND window;
+    HWND button;
+};
+
+BOOL CALLBACK TakeWindow(HWND window, LPARAM windows) {
+    reinterpret_cast<std::set<HWND>*>(windows)->insert(window);
+    return TRUE;
+}
+
+/// The windows of this thread, hidden and message-only ones as well.
+std::set<HWND> WindowsOfThread() {
+    std::set<HWND> windows;
+    EnumThreadWindows(GetCurrentThreadId(), TakeWindow, reinterpret_cast<LPARAM>(&windows));
+    HWND window = nullptr;
+    while ((window = FindWindowExW(HWND_MESSAGE, window, nullptr, nullptr)) != nullptr) {
+        if (GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId()) {
+            windows.insert(window);
+        }
+    }
+    return windows;
+}
+
+/// Number of visible top-level windows that a window owns.
+std::size_t VisibleOwned(HWND owner) {
+    std::set<HWND> owned = WindowsOfThread();
+    std::erase_if(owned, [owner](HWND window) {
+        return IsWindowVisible(window) == FALSE || GetWindow(window, GW_OWNER) != owner;
+    });
+    return owned.size();
+}
 
 // What a step of the driver sees while a dialog is open.
 struct Seen {
@@ -31,8 +155,7 @@ bool HasSystemWindows() {
 }
 
 bool OnStep() {
-    seen = {IsWindowEnabled(ownerNow) != FALSE, VisibleOwned(ownerNow).size(), canUnloadNow(),
-            seen.steps + 1};
+    seen = {IsWindowEnabled(ownerNow) != FALSE, VisibleOwned(ownerNow), canUnloadNow(), seen.steps + 1};
     return duringStep == nullptr || duringStep();
 }
 
@@ -47,7 +170,7 @@ class ForeignHost : public ::testing::Test {
         folder_ = std::filesystem::temp_directory_path() /
                   ("orvex-foreign-" + std::to_string(GetCurrentProcessId()));
         std::filesystem::create_directories(folder_);
-        ownerNow = window_.Handle();
+        ownerNow = window_.window;
         canUnloadNow = component_.canUnload;
         duringStep = nullptr;
         seen = {};
@@ -65,7 +188,7 @@ class ForeignHost : public ::testing::Test {
     void TellThatNothingCanBeAdded() {
         Begin("click ok");
         bool stop = false;
-        component_.message(window_.Button(), L"Caption", false, false, false, false, false, true, true, stop);
+        component_.message(window_.button, L"Caption", false, false, false, false, false, true, true, stop);
         EXPECT_TRUE(stop);
         EXPECT_EQ(driver_.left(), 0U);
     }
@@ -73,9 +196,7 @@ class ForeignHost : public ::testing::Test {
     // Result of the dialog with one file in it.
     bool AddOneFile() {
         driver_.serve(folder_.c_str());
-        const std::filesystem::path file = folder_ / "a.las";
-        EXPECT_TRUE(driver_.writeLas(file.c_str()));
-        Begin("drop " + Utf8(file) + "\nclick ok");
+        Begin("drop " + Utf8(folder_ / "a.las") + "\nclick ok");
         AddFilesParams params;
         const bool added = component_.show(&params);
         EXPECT_TRUE(params.lasFiles.empty());
@@ -86,17 +207,17 @@ class ForeignHost : public ::testing::Test {
     bool TellThreeThings() {
         Begin("click ok\nclick ok\nclick ok");
         bool stop = false;
-        component_.message(window_.Handle(), L"Caption", true, true, false, true, true, true, false, stop);
+        component_.message(window_.window, L"Caption", true, true, false, true, true, true, false, stop);
         return driver_.left() == 0;
     }
 
     void ExpectAllIsAsBefore() {
         EXPECT_FALSE(driver_.hasQt());
-        EXPECT_TRUE(IsWindowEnabled(window_.Handle()));
-        EXPECT_EQ(GetForegroundWindow(), window_.Handle());
-        EXPECT_EQ(GetActiveWindow(), window_.Handle());
-        EXPECT_EQ(GetFocus(), window_.Button());
-        EXPECT_EQ(VisibleOwned(window_.Handle()).size(), 0U);
+        EXPECT_TRUE(IsWindowEnabled(window_.window));
+        EXPECT_EQ(GetForegroundWindow(), window_.window);
+        EXPECT_EQ(GetActiveWindow(), window_.window);
+        EXPECT_EQ(GetFocus(), window_.button);
+        EXPECT_EQ(VisibleOwned(window_.window), 0U);
         EXPECT_EQ(PumpMessages(), -1);
     }
 
@@ -111,9 +232,8 @@ TEST(ForeignHostLoading, TheComponentComesAndGoesUntilItHasShownADialog) {
     for (int round = 0; round < 3; ++round) {
         {
             Component component;
-            ASSERT_TRUE(component.library) << GetLastError();
-            ASSERT_TRUE(component.show != nullptr && component.message != nullptr &&
-                        component.choice != nullptr);
+            ASSERT_TRUE(component.library.module) << GetLastError();
+            ASSERT_TRUE(component.show && component.message && component.choice);
             EXPECT_FALSE(component.show(nullptr));
         }
         EXPECT_EQ(GetModuleHandleW(L"OrvexCommon.dll"), nullptr) << round;
@@ -123,9 +243,6 @@ TEST(ForeignHostLoading, TheComponentComesAndGoesUntilItHasShownADialog) {
 TEST_F(ForeignHost, GetsTheRecordFromTheDialogAsOftenAsItAsks) {
     driver_.serve(folder_.c_str());
     const std::filesystem::path files[] = {folder_ / "a.las", folder_ / L"\u00fcber b.las"};
-    for (const auto& file : files) {
-        EXPECT_TRUE(driver_.writeLas(file.c_str()));
-    }
     for (int round = 0; round < 2; ++round) {
         Begin("drop " + Utf8(files[0]) + "|" + Utf8(files[1]) + "\nclick ok");
         AddFilesParams params;
@@ -188,19 +305,18 @@ TEST_F(ForeignHost, TheProcessIsAsItWas) {
 }
 
 TEST_F(ForeignHost, ItsWindowIsPaintedWhileTheDialogIsOpen) {
-    static int before = 0;
-    before = MainWindow::Paints();
+    paints = 0;
     duringStep = [] {
         InvalidateRect(ownerNow, nullptr, TRUE);
-        return MainWindow::Paints() > before;
+        return paints > 0;
     };
     TellThatNothingCanBeAdded();
 }
 
 TEST_F(ForeignHost, ADisabledOwnerStaysDisabled) {
-    EnableWindow(window_.Handle(), FALSE);
+    EnableWindow(window_.window, FALSE);
     TellThatNothingCanBeAdded();
-    EXPECT_FALSE(IsWindowEnabled(window_.Handle()));
+    EXPECT_FALSE(IsWindowEnabled(window_.window));
 }
 
 TEST_F(ForeignHost, QuittingEndsTheDialogsAndReachesTheHost) {
@@ -243,6 +359,6 @@ int main(int argc, char** argv) {
     if (argc != 2) {
         return 2;
     }
-    orvex::foreign::ComponentFolder() = std::filesystem::absolute(argv[1]);
+    orvex::foreign::componentFolder = std::filesystem::absolute(argv[1]);
     return RUN_ALL_TESTS();
 }

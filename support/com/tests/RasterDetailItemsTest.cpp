@@ -24,19 +24,6 @@ RasterProperties Read(Items items, std::int32_t bands = 0) {
     return properties;
 }
 
-TEST(RasterDetailItems, WithoutADriverNothingElseIsAsked) {
-    int asked = 0;
-    RasterProperties properties;
-    ReadRasterDetails(
-        [&](std::wstring_view, std::int32_t) {
-            ++asked;
-            return SettingValue(std::int32_t{1});
-        },
-        properties);
-    EXPECT_EQ(asked, 1);
-    EXPECT_FALSE(properties.hasDetails);
-}
-
 TEST(RasterDetailItems, NumbersOfEveryTypeAreTakenWhereTheyFit) {
     const struct {
         SettingValue value;
@@ -44,7 +31,6 @@ TEST(RasterDetailItems, NumbersOfEveryTypeAreTakenWhereTheyFit) {
         std::uint64_t bytes;
         bool rpc;
     } cases[] = {
-        {std::int16_t{5}, 5, 5, true},
         {std::int32_t{70000}, 70000, 70000, true},
         {70000.0, 70000, 70000, true},
         {1e12, 0, 1000000000000, true},
@@ -63,19 +49,6 @@ TEST(RasterDetailItems, NumbersOfEveryTypeAreTakenWhereTheyFit) {
         EXPECT_EQ(read.totalBytes, c.bytes) << name;
         EXPECT_EQ(read.hasRpc, c.rpc) << name;
     }
-}
-
-TEST(RasterDetailItems, OtherTypesAreNotStated) {
-    RasterProperties none;
-    none.bands = 1;
-    none.hasDetails = true;
-    none.driver = L"X";
-    none.bandDetails.resize(1);
-    EXPECT_TRUE(Read({{{L"Format", 0}, std::int32_t{5}},
-                      {{L"Nodata", 1}, L"-9999"},
-                      {{L"Scale", 1}, L"2"},
-                      {{L"Unit", 1}, 3.5}},
-                     1) == none);
 }
 
 TEST(RasterDetailItems, ATransformIsWholeOrNone) {
@@ -103,18 +76,18 @@ TEST(RasterDetailItems, OddQuestionsAreNotAnswered) {
     RasterProperties properties;
     properties.driver = L"GTiff";
     properties.sidecars = {L"a"};
-    EXPECT_EQ(RasterDetail(properties, L"Driver", 0), SettingValue()) << "no details, no driver";
     properties.hasDetails = true;
-    EXPECT_EQ(RasterDetail(properties, L"Driver", 0), SettingValue(L"GTiff"));
     EXPECT_EQ(RasterDetail(properties, L"Sidecar", 1), SettingValue(L"a"));
     const struct {
         const wchar_t* name;
         std::int32_t index;
-    } cases[] = {
-        {L"driver", 0},  {L"", 0},          {L"Driver", 1},
-        {L"Driver", -1}, {L"Sidecar", 0},   {L"Sidecar", 2},
-        {L"Bits", 1},    {L"Transform", 1}, {L"Sidecar", std::numeric_limits<std::int32_t>::min()},
-    };
+    } cases[] = {{L"", 0},
+                 {L"Driver", -1},
+                 {L"Sidecar", 0},
+                 {L"Sidecar", 2},
+                 {L"Bits", 1},
+                 {L"Transform", 1},
+                 {L"Sidecar", std::numeric_limits<std::int32_t>::min()}};
     for (const auto& c : cases) {
         EXPECT_EQ(RasterDetail(properties, c.name, c.index), SettingValue()) << c.name << c.index;
     }
