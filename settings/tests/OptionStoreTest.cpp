@@ -186,10 +186,8 @@ TEST_F(OptionStoreTest, AKeyThatCannotBeOpenedDeliversNothing) {
 
 TEST_F(OptionStoreTest, TypedAccessReadsWhatTypedAccessWrote) {
     EXPECT_TRUE(store_.Put(opt2PointDensity, 0.1));
-    EXPECT_TRUE(store_.Put(opt2ShowGeoWarning, false));
     EXPECT_TRUE(store_.Put(opt2ShowAddReadWriteDlg, char{2}));
     EXPECT_EQ(store_.Get(opt2PointDensity, 0.0), 0.1);
-    EXPECT_FALSE(store_.Get(opt2ShowGeoWarning, true));
     EXPECT_EQ(store_.Get(opt2ShowAddReadWriteDlg, char{0}), 2);
     EXPECT_TRUE(store_.Get(opt2ShowAddReadWriteDlg, false));
     EXPECT_FALSE(store_.Put(opt2PointDensity, std::int32_t{1}));

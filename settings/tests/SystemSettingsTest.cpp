@@ -59,19 +59,6 @@ TEST_F(SystemSettingsTest, NumbersComeFromEveryKindThatHoldsOne) {
     }
 }
 
-TEST_F(SystemSettingsTest, WritesTheKindsThatTravel) {
-    SystemSettings settings(host_);
-    settings.SetBool(L"DWGImportLines", true);
-    settings.SetBool(L"DWGImportText", false);
-    settings.SetText(L"DWGShpFolder", L"<ORVEX_PROJECT_PATH>/ä");
-    settings.SetInt16(L"DEMThinningFactor", 16);
-    EXPECT_EQ(Stored(L"DWGImportLines"), SettingValue(std::int16_t{-1}));
-    EXPECT_EQ(Stored(L"DWGImportText"), SettingValue(std::int16_t{0}));
-    EXPECT_EQ(Stored(L"DEMThinningFactor"), SettingValue(std::int16_t{16}));
-    EXPECT_EQ(settings.GetText(L"DWGShpFolder", L""), L"<ORVEX_PROJECT_PATH>/ä");
-    EXPECT_EQ(settings.GetText(L"DEMThinningFactor", L"none"), L"none");
-}
-
 TEST_F(SystemSettingsTest, FailuresGiveFallbacksAndKeepOldValues) {
     Stored(L"DEMThinningFactor") = std::int16_t{16};
     SystemSettings settings(host_);

@@ -82,14 +82,6 @@ TEST_F(ValueFileTest, AnythingElseThanASoundFileMeansDefaultsAndAFreshStart) {
     }
 }
 
-TEST_F(ValueFileTest, ADamagedFileThatCannotBeWrittenIsLeftAlone) {
-    std::ofstream(path_, std::ios::binary) << "no database at all";
-    const testing::Guard denied = testing::DenyWritesIn(folder_.Path());
-    EXPECT_EQ(Get(file_, L"a"), "!");
-    EXPECT_FALSE(Put(file_, L"a", "1"));
-    EXPECT_EQ(NamesInFolder(), Names{"user.sqlite"});
-}
-
 TEST_F(ValueFileTest, ADamagedMachineFileIsLeftToItsManager) {
     std::ofstream(path_, std::ios::binary) << "no database at all, and nobody's to replace";
     ValueFile file(path_, ValueFileOwner::Machine);
@@ -115,6 +107,7 @@ TEST_F(ValueFileTest, OtherThingsInTheFilesPlaceAreLeftAlone) {
 
 TEST_F(ValueFileTest, WithoutRightsReadsWorkAndWritesAreRefused) {
     EXPECT_TRUE(Put(file_, L"a", "old"));
+    folder_.Write(L"torn.sqlite", "no database at all");
     {
         const testing::Guard denied = testing::DenyWritesIn(folder_.Path());
         EXPECT_EQ(Get(file_, L"a"), "old");
@@ -122,6 +115,10 @@ TEST_F(ValueFileTest, WithoutRightsReadsWorkAndWritesAreRefused) {
         ValueFile absent(folder_.Path() / "absent.sqlite", ValueFileOwner::User);
         EXPECT_EQ(Get(absent, L"a"), "-");
         EXPECT_FALSE(Put(absent, L"a", "new"));
+        ValueFile torn(folder_.Path() / "torn.sqlite", ValueFileOwner::User);
+        EXPECT_EQ(Get(torn, L"a"), "!");
+        EXPECT_FALSE(Put(torn, L"a", "new"));
+        EXPECT_EQ(NamesInFolder(), (Names{"torn.sqlite", "user.sqlite"}));
     }
     EXPECT_EQ(Get(file_, L"a"), "old");
     EXPECT_TRUE(Put(file_, L"a", "new"));

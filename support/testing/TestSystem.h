@@ -37,7 +37,5 @@ std::uint64_t PeakMemory();
 
 /// Extends a file without using disk space for what is added; throws if the file system cannot.
 void GrowSparse(const std::wstring& path, std::uint64_t size);
-/// True if this user may not write read-only files; false for root, also under Wine.
-bool IsProtectionKept();
 
 }  // namespace orvex::testing

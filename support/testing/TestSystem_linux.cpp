@@ -1,7 +1,6 @@
 #include "support/testing/TestSystem.h"
 
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -41,10 +40,6 @@ std::uint64_t PeakMemory() {
 // The file systems here leave out what was never written.
 void GrowSparse(const std::wstring& path, std::uint64_t size) {
     std::filesystem::resize_file(ToPath(path), size);
-}
-
-bool IsProtectionKept() {
-    return geteuid() != 0;
 }
 
 }  // namespace orvex::testing

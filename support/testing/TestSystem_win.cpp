@@ -10,7 +10,6 @@
 
 #include "support/Handle_win.h"
 #include "support/Text.h"
-#include "support/testing/TemporaryFolder.h"
 
 namespace orvex::testing {
 namespace {
@@ -75,17 +74,6 @@ void GrowSparse(const std::wstring& path, std::uint64_t size) {
         SetEndOfFile(file.Get()) == FALSE) {
         throw std::runtime_error("GrowSparse: " + ToUtf8(path));
     }
-}
-
-// Wine leaves the protection to the system below it, which lets root write.
-bool IsProtectionKept() {
-    const TemporaryFolder folder;
-    const std::wstring file = folder.Write(L"protected", "x");
-    SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);
-    const bool isKept =
-        !Handle(CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-    SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
-    return isKept;
 }
 
 }  // namespace orvex::testing

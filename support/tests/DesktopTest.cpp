@@ -8,6 +8,7 @@
 #include <QTest>
 #include <QTextDocument>
 #include <QTimer>
+#include <variant>
 
 #include "support/DesktopQt.h"
 #include "support/OpenFileText.h"
@@ -34,45 +35,36 @@ void Click(QWidget* window, const char* button) {
     QTest::mouseClick(found, Qt::LeftButton);
 }
 
-TEST(UserPromptsQt, AnswersWithTheButtonPressedOrWhatClosingStandsFor) {
-    struct Case {
+TEST(UserPromptsQt, AnswersWithTheButtonPressedOrWhatAKeyStandsFor) {
+    const struct {
         PromptButtons buttons;
-        const char* press;  // null: Escape
+        PromptIcon icon;
+        std::variant<const char*, Qt::Key> press;
         PromptAnswer answer;
-    };
-    const Case cases[] = {
-        {PromptButtons::Ok, "ok", PromptAnswer::Ok},
-        {PromptButtons::Ok, nullptr, PromptAnswer::Ok},
-        {PromptButtons::YesNo, "yes", PromptAnswer::Yes},
-        {PromptButtons::YesNo, "no", PromptAnswer::No},
-        {PromptButtons::YesNo, nullptr, PromptAnswer::No},
-        {PromptButtons::YesNoCancel, "no", PromptAnswer::No},
-        {PromptButtons::YesNoCancel, "cancel", PromptAnswer::Cancel},
-        {PromptButtons::YesNoCancel, nullptr, PromptAnswer::Cancel},
+    } cases[] = {
+        {PromptButtons::Ok, PromptIcon::Warning, "ok", PromptAnswer::Ok},
+        {PromptButtons::Ok, PromptIcon::Warning, Qt::Key_Escape, PromptAnswer::Ok},
+        {PromptButtons::YesNo, PromptIcon::Question, "yes", PromptAnswer::Yes},
+        {PromptButtons::YesNo, PromptIcon::Question, "no", PromptAnswer::No},
+        {PromptButtons::YesNo, PromptIcon::Question, Qt::Key_Escape, PromptAnswer::No},
+        {PromptButtons::YesNo, PromptIcon::Question, Qt::Key_Return, PromptAnswer::Yes},
+        {PromptButtons::YesNo, PromptIcon::Warning, Qt::Key_Return, PromptAnswer::No},
+        {PromptButtons::YesNoCancel, PromptIcon::Question, "no", PromptAnswer::No},
+        {PromptButtons::YesNoCancel, PromptIcon::Question, "cancel", PromptAnswer::Cancel},
+        {PromptButtons::YesNoCancel, PromptIcon::Question, Qt::Key_Escape, PromptAnswer::Cancel},
     };
     UserPromptsQt prompts;
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
+        SCOPED_TRACE(&c - cases);
         WhenShown([&](QWidget* window) {
-            if (c.press == nullptr) {
-                QTest::keyClick(window, Qt::Key_Escape);
+            EXPECT_EQ(qobject_cast<QMessageBox*>(window)->textFormat(), Qt::PlainText);
+            if (const auto* key = std::get_if<Qt::Key>(&c.press)) {
+                QTest::keyClick(window, *key);
             } else {
-                Click(window, c.press);
+                Click(window, std::get<const char*>(c.press));
             }
         });
-        EXPECT_EQ(prompts.Show({L"Go on?", L"Caption", PromptIcon::Question, c.buttons}), c.answer)
-            << (c.press ? c.press : "Escape");
-    }
-}
-
-TEST(UserPromptsQt, EnterAgreesToAQuestionButNotToWhatIsWarnedOf) {
-    UserPromptsQt prompts;
-    for (const auto& [icon, answer] : {std::pair(PromptIcon::Question, PromptAnswer::Yes),
-                                       std::pair(PromptIcon::Warning, PromptAnswer::No)}) {
-        WhenShown([](QWidget* window) {
-            EXPECT_EQ(qobject_cast<QMessageBox*>(window)->textFormat(), Qt::PlainText);
-            QTest::keyClick(window, Qt::Key_Return);
-        });
-        EXPECT_EQ(prompts.Show({L"Overwrite <b>?", L"Caption", icon, PromptButtons::YesNo}), answer);
+        EXPECT_EQ(prompts.Show({L"Overwrite <b>?", L"Caption", c.icon, c.buttons}), c.answer);
     }
 }
 
@@ -118,6 +110,10 @@ TEST(OpenFileText, FiltersAreZeroEndedPairs) {
               L"LAS Files (*.las)\0*.las;*.laz\0All Files (*.*)\0*.*\0\0"s);
     EXPECT_EQ(OpenFileFilterText({{L"", L"*.a"}, {L"b", L""}, {L"c", L"*.c"}}), L"c\0*.c\0\0"s)
         << "an empty text would end the list";
+}
+
+TEST(OpenFileText, ASelectionCountsItsFolderAndNamesWithOneSeparatorEach) {
+    EXPECT_EQ(SelectionCharacters({L"/data/a.las", L"/data/bc.las"}), 6U + 6U + 7U);
 }
 
 TEST(OpenFileText, SelectionsBecomeFullPaths) {

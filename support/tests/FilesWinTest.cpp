@@ -10,19 +10,6 @@
 namespace orvex {
 namespace {
 
-TEST(Files, AHeldFileIsNotReplaced) {
-    const testing::TemporaryFolder folder;
-    const std::wstring from = folder.Write(L"from", "new");
-    const std::wstring to = folder.Write(L"to", "old");
-    {
-        MappedFile holder;
-        ASSERT_EQ(holder.Open(to, true), 0);
-        EXPECT_EQ(RenameFile(from, to), ERROR_SHARING_VIOLATION);
-    }
-    EXPECT_EQ(RenameFile(from, to), 0);
-    EXPECT_EQ(testing::ReadFile(to), "new");
-}
-
 TEST(Files, AreTheSameInAnyLetterCaseAndWithAnySeparator) {
     const testing::TemporaryFolder folder;
     const std::wstring file = folder.Write(L"sub\\Größe.las", "x");

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
-
 namespace orvex {
 namespace {
 
@@ -42,16 +40,6 @@ TEST(Format, CutsMissesAndIgnores) {
     EXPECT_EQ(FormatText(L"none", {1, 2}), L"none");
     EXPECT_EQ(FormatText(L"'%s'", {L"0123456789"}, 6), L"'0123");
     EXPECT_EQ(FormatText(L"%999999999d", {1}, 10), L"         ");
-}
-
-TEST(Format, DoesNotFollowACommaDecimalLocale) {
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    // The same locale has another name on each system, and may be missing.
-    for (const char* name : {"de_DE.UTF-8", "de-DE", "German_Germany.1252"}) {
-        std::setlocale(LC_ALL, name);
-        EXPECT_EQ(FormatText(L"%.2f", {0.25}), L"0.25");
-    }
-    std::setlocale(LC_ALL, before.c_str());
 }
 
 }  // namespace

@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
-
 #include "support/Format.h"
-#include "support/LDataError.h"
 
 namespace orvex {
 namespace {
@@ -74,19 +71,6 @@ TEST(Text, PathsComeApart) {
         EXPECT_EQ(FileNameOf(c.path), c.name);
         EXPECT_EQ(UpperExtensionOf(c.path), c.extension);
         EXPECT_EQ(WithExtension(c.path, L".las"), c.withLas);
-    }
-}
-
-TEST(LDataError, KeepsItsWideText) {
-    try {
-        throw LDataError(L"‘ä.las’ is no LAS file");
-    } catch (...) {
-        EXPECT_EQ(CurrentExceptionText(), L"‘ä.las’ is no LAS file");
-    }
-    try {
-        throw std::runtime_error("plain");
-    } catch (...) {
-        EXPECT_EQ(CurrentExceptionText(), L"plain");
     }
 }
 

@@ -13,20 +13,17 @@ TEST(WindowsPaths, ComeApart) {
     };
     for (const Case& c : {
              Case{LR"(C:\data\a.b\tile.laz)", LR"(C:\data\a.b)", L"tile.laz"},
-             Case{L"C:/data/tile.laz", L"C:/data", L"tile.laz"},
              Case{LR"(C:\data/tile)", LR"(C:\data)", L"tile"},
              Case{LR"(C:\tile.las)", LR"(C:\)", L"tile.las"},
              Case{LR"(C:\)", LR"(C:\)", L""},
              Case{L"C:tile.las", L"C:", L"tile.las"},
              Case{LR"(\tile.las)", LR"(\)", L"tile.las"},
              Case{LR"(\\server\share\tile.las)", LR"(\\server\share\)", L"tile.las"},
-             Case{LR"(\\server\share\d\tile.las)", LR"(\\server\share\d)", L"tile.las"},
              Case{L"//server/share/tile.las", L"//server/share/", L"tile.las"},
              Case{LR"(\\server\share)", LR"(\\server\share)", L""},
              Case{LR"(\\?\C:\tile.las)", LR"(\\?\C:\)", L"tile.las"},
              Case{LR"(\\?\UNC\server\share\tile.las)", LR"(\\?\UNC\server\share\)", L"tile.las"},
              Case{LR"(d\tile.las)", L"d", L"tile.las"},
-             Case{L"", L"", L""},
          }) {
         EXPECT_EQ(FolderOf(c.path), c.folder) << ToUtf8(c.path);
         EXPECT_EQ(FileNameOf(c.path), c.name) << ToUtf8(c.path);

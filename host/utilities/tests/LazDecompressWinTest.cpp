@@ -8,7 +8,6 @@
 #include "support/Text.h"
 #include "support/testing/Scripted.h"
 #include "support/testing/TemporaryFolder.h"
-#include "support/testing/TestSystem.h"
 
 namespace orvex {
 namespace {
@@ -51,15 +50,6 @@ TEST_F(ReplacingALasFile, NeedsAllItsReadersToBeDone) {
     RecordingProgress progress;
     std::wstring reason;
     EXPECT_TRUE(OrvexUtilities::LAZDecompress(laz_, las_, progress, reason)) << ToUtf8(reason);
-}
-
-TEST_F(ReplacingALasFile, NeedsTheRight) {
-    if (!testing::IsProtectionKept()) {
-        GTEST_SKIP() << "this user may write read-only files, as root may under Wine";
-    }
-    SetFileAttributesW(las_.c_str(), FILE_ATTRIBUTE_READONLY);
-    ExpectRefusal(ERROR_ACCESS_DENIED);
-    SetFileAttributesW(las_.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
 }  // namespace
