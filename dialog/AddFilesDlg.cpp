@@ -192,7 +192,8 @@ void AddFilesDlg::accept() {
             pages.begin(), pages.end(), [](const AddFilesPage* page) { return page->NeedsCompanionFiles(); });
         close = ConfirmCompanionOverwrite(params_, companions, services_.options, services_.prompts);
     });
-    if (close) {
+    // The host may have destroyed the owner, and the dialog with it, while a question was open.
+    if (close && isVisible()) {
         for (AddFilesPage* page : tabs_->Pages()) {
             page->HandOver();
         }
@@ -281,6 +282,11 @@ void AddFilesDlg::showEvent(QShowEvent* event) {
     if (!std::exchange(hasAddedInitialPaths_, true) && !params_.initialPaths.empty()) {
         QMetaObject::invokeMethod(this, &AddFilesDlg::AddInitialPaths, Qt::QueuedConnection);
     }
+}
+
+void AddFilesDlg::hideEvent(QHideEvent* event) {
+    QDialog::hideEvent(event);
+    progress_->Stop();
 }
 
 void AddFilesDlg::AddInitialPaths() {

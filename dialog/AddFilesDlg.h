@@ -8,6 +8,7 @@
 
 #include "dialog/DialogServices.h"
 #include "dialog/page/AddFilesPage.h"
+#include "support/DesktopQt.h"
 
 class QHBoxLayout;
 class QProgressBar;
@@ -57,6 +58,7 @@ class AddFilesDlg : public QDialog {
 
   protected:
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -73,6 +75,7 @@ class AddFilesDlg : public QDialog {
     std::int32_t AskHostApplication();
     AddFilesPage* PageFor(const std::wstring& path) const;
 
+    const ParentGuard guard_{*this};
     AddFilesParams& params_;
     const AddFilesParams before_;  ///< the record as the host gave it
     DialogServices& services_;

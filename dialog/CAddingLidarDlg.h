@@ -2,6 +2,7 @@
 #include <QDialog>
 
 #include "dialog/AddingLidar.h"
+#include "support/DesktopQt.h"
 
 class QButtonGroup;
 class QCheckBox;
@@ -25,6 +26,7 @@ class CAddingLidarDlg : public QDialog {
   private:
     void BuildChoices(bool readWriteAllowed);
 
+    const ParentGuard guard_{*this};
     QButtonGroup* choices_;
     QCheckBox* doNotAskAgain_;
     LidarAnswer answer_;

@@ -52,6 +52,9 @@ CallScope::CallScope(NativeWindow owner)
     if (quit_ != nullptr && quit_->HasQuit()) {
         end_.Begin();  // while Qt started
     }
+    if (parent_) {
+        QObject::connect(parent_, &QObject::destroyed, &end_, &ModalEnd::Begin);
+    }
     if (const NativeWindow window = parent_ ? 0 : FindNativeOwner(owner)) {
         owner_.emplace(window, [this] { end_.Begin(); });
     }

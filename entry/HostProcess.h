@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace orvex {
 
@@ -39,10 +40,14 @@ class QuitWatch {
     std::unique_ptr<Hook> hook_;
 };
 
-/// Value for Qt's "-platform" option that leaves the process as it is; empty: Qt decides. On Windows Qt would
-/// otherwise make the process DPI-aware, which shrinks the host's windows. Throws LDataError if there is no
-/// display, for which Qt would end the process.
-std::string QtPlatformOption();
+/// Platforms for Qt's "-platform" option in the order of preference, each a name, or a name, a colon and
+/// parameters; empty if there is no display. On Windows the parameters leave the process as it is: Qt would
+/// otherwise make it DPI-aware, which shrinks the host's windows.
+std::vector<std::string> QtPlatforms();
+
+/// Reason why windows cannot be shown on the display of a platform (a name of Qt's), for which Qt would end
+/// the process; empty if they can. May wait for a display that another machine has.
+std::wstring DisplayFault(const std::string& platform);
 
 /// Keeps this module loaded until the process ends, whoever unloads it: Qt cannot be taken out once started,
 /// and a worker that waits for a network drive may still be inside.

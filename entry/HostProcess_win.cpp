@@ -62,12 +62,16 @@ ProcessState::~ProcessState() {
     kept_->RestoreFocus();
 }
 
-std::string QtPlatformOption() {
+std::vector<std::string> QtPlatforms() {
     PROCESS_DPI_AWARENESS awareness = PROCESS_DPI_UNAWARE;
     if (FAILED(GetProcessDpiAwareness(nullptr, &awareness))) {
         awareness = PROCESS_DPI_UNAWARE;
     }
-    return "windows:dpiawareness=" + std::to_string(static_cast<int>(awareness));
+    return {"windows:dpiawareness=" + std::to_string(static_cast<int>(awareness))};
+}
+
+std::wstring DisplayFault(const std::string&) {
+    return {};  // every process has a window station
 }
 
 void KeepModuleLoaded() {

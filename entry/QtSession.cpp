@@ -2,6 +2,10 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QPluginLoader>
 #include <QThread>
 #include <mutex>
 #include <optional>
@@ -18,23 +22,74 @@
 namespace orvex {
 namespace {
 
-std::string PlatformOption() {
+QStringList CandidatePlatforms() {
     const auto wanted = EnvironmentVariable(L"ORVEX_QT_PLATFORM");
-    return wanted && !wanted->empty() ? ToUtf8(*wanted) : QtPlatformOption();
+    if (wanted && !wanted->empty()) {
+        return ToQString(*wanted).split(';');
+    }
+    QStringList names;
+    for (const std::string& platform : QtPlatforms()) {
+        names.append(QString::fromStdString(platform));
+    }
+    return names;
 }
 
-// Qt ends the process when it cannot load its platform plugin.
-void CheckPlatformPlugin(const std::string& option) {
-    const QString name = QString::fromStdString(option.substr(0, option.find(':')));
-    const QStringList files{'q' + name + ".*", "libq" + name + ".*"};
-    const QStringList folders = QCoreApplication::libraryPaths();
-    const bool found = std::any_of(folders.begin(), folders.end(), [&](const QString& folder) {
-        return !QDir(folder + "/platforms").entryList(files, QDir::Files).isEmpty();
-    });
-    if (!found) {
-        throw LDataError(L"Qt's platform plugin '" + ToWide(name) + L"' is not in " +
-                         ToWide(folders.join(QStringLiteral(", "))));
+/// The files in the folders in which Qt looks for platform plugins, in its order.
+QStringList PlatformPlugins() {
+    QStringList folders = QCoreApplication::libraryPaths();
+    if (const QString named = qEnvironmentVariable("QT_QPA_PLATFORM_PLUGIN_PATH"); !named.isEmpty()) {
+        folders.prepend(named);
     }
+    QStringList files;
+    for (const QString& folder : folders) {
+        for (const QDir& place : {QDir(folder + "/platforms"), QDir(folder)}) {
+            for (const QString& name : place.entryList({"*.so", "*.dll"}, QDir::Files)) {
+                files.append(place.filePath(name));
+            }
+        }
+    }
+    return files;
+}
+
+// A damaged file has no keys.
+bool IsPluginOf(const QPluginLoader& plugin, const QString& platform) {
+    const QString file = QFileInfo(plugin.fileName()).completeBaseName();
+    const QJsonValue keys = plugin.metaData().value(QLatin1String("MetaData")).toObject().value("Keys");
+    return keys.toArray().contains(platform) || file == 'q' + platform || file == "libq" + platform;
+}
+
+/// Reason why a platform's plugin cannot be loaded; empty if it can. It stays loaded.
+std::wstring PluginFault(const QString& platform) {
+    for (const QString& file : PlatformPlugins()) {
+        QPluginLoader plugin(file);
+        if (IsPluginOf(plugin, platform)) {
+            return plugin.load() ? std::wstring() : ToWide(plugin.errorString());
+        }
+    }
+    return L"its plugin is not in " + ToWide(QCoreApplication::libraryPaths().join(", "));
+}
+
+/// Value for Qt's "-platform" option: the platforms that can be used, of those that are to be. Qt ends the
+/// process when it can use none.
+std::string PlatformOption() {
+    QStringList usable;
+    std::wstring faults;
+    for (const QString& candidate : CandidatePlatforms()) {
+        const QString name = candidate.section(':', 0, 0).toLower();
+        std::wstring fault = PluginFault(name);
+        if (fault.empty()) {
+            fault = DisplayFault(name.toStdString());
+        }
+        if (fault.empty()) {
+            usable.append(candidate);
+        } else {
+            faults += (faults.empty() ? L"" : L"; ") + (L"Qt's platform '" + ToWide(name)) + L"': " + fault;
+        }
+    }
+    if (usable.isEmpty()) {
+        throw LDataError(faults.empty() ? L"there is no display" : faults);
+    }
+    return usable.join(';').toStdString();
 }
 
 // A host without Qt has no place for what Qt reports.
@@ -77,10 +132,7 @@ class QtSession::Application {
   private:
     void Start() {
         QCoreApplication::addLibraryPath(ToQString(FromPath(ModuleFolder() / "plugins")));
-        if (const std::string option = PlatformOption(); !option.empty()) {
-            CheckPlatformPlugin(option);
-            texts_.insert(texts_.end(), {"-platform", option});
-        }
+        texts_.insert(texts_.end(), {"-platform", PlatformOption()});
         for (std::string& text : texts_) {
             arguments_.push_back(text.data());
         }

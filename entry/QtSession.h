@@ -10,7 +10,8 @@ namespace orvex {
 class QtSession {
   public:
     /// Throws LDataError if windows cannot be shown on this thread: the host's application is a
-    /// QCoreApplication or belongs to another thread, or the platform plugin is missing.
+    /// QCoreApplication or belongs to another thread, or neither a platform plugin nor its display can be
+    /// used.
     QtSession();
     ~QtSession();
     QtSession(const QtSession&) = delete;

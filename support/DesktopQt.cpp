@@ -74,6 +74,7 @@ class Box {
     }
 
     QMessageBox box_;
+    const ParentGuard guard_{box_};
     QPushButton* last_ = nullptr;
     std::map<QAbstractButton*, PromptAnswer> answers_;
 };
@@ -83,6 +84,18 @@ class Box {
 QWidget* ActiveQtWindow() {
     QWidget* modal = QApplication::activeModalWidget();
     return modal != nullptr ? modal : QApplication::activeWindow();
+}
+
+// A widget tells of its end before it deletes its children.
+ParentGuard::ParentGuard(QDialog& dialog) {
+    if (const QWidget* parent = dialog.parentWidget()) {
+        connection_ = QObject::connect(parent, &QObject::destroyed, &dialog,
+                                       [&dialog] { dialog.setParent(nullptr, dialog.windowFlags()); });
+    }
+}
+
+ParentGuard::~ParentGuard() {
+    QObject::disconnect(connection_);
 }
 
 QWidget* UserPromptsQt::Parent() const {

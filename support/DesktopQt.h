@@ -1,5 +1,6 @@
 #pragma once
 // The parts of the desktop that Qt does on both platforms: message boxes, the HTML manual, the active window.
+#include <QDialog>
 #include <QPointer>
 #include <QUrl>
 #include <QWidget>
@@ -17,6 +18,21 @@ QWidget* ActiveQtWindow();
 /// True while a Ctrl key is held down, even if no window of this program has been told yet. Needs a
 /// QGuiApplication.
 bool IsControlKeyHeld();
+
+/// Keeps a modal dialog from being deleted with its parent, under the code that has it on the stack. When the
+/// host destroys the parent, the dialog is taken from it and hidden, which ends its exec as if it were
+/// cancelled.
+class ParentGuard {
+  public:
+    /// `dialog` outlives the guard.
+    explicit ParentGuard(QDialog& dialog);
+    ~ParentGuard();
+    ParentGuard(const ParentGuard&) = delete;
+    ParentGuard& operator=(const ParentGuard&) = delete;
+
+  private:
+    QMetaObject::Connection connection_;
+};
 
 /// Message boxes over the active window, or over a given one.
 class UserPromptsQt final : public UserPrompts {

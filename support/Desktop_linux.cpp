@@ -22,6 +22,7 @@ QString NameFilter(const FileFilter& filter) {
 
 PickedFiles Pick(const OpenFilesRequest& request) {
     QFileDialog dialog(ActiveQtWindow(), ToQString(request.title), ToQString(request.initialFolder));
+    const ParentGuard guard(dialog);
     dialog.setFileMode(QFileDialog::ExistingFiles);
     QStringList filters;
     for (const FileFilter& filter : request.filters) {

@@ -48,6 +48,13 @@ TEST_F(Shell, InitialTabSelectsATabOrNone) {
     }
 }
 
+TEST_F(Shell, ADialogThatIsHiddenReadsNoFurther) {
+    const auto dialog = Open();
+    const DialogProgress::Run run(*journal.progress);
+    dialog->hide();  // as when its owner is destroyed
+    EXPECT_TRUE(journal.progress->IsCancelled());
+}
+
 TEST_F(Shell, OkAsksThePagesOfTheSwitchesInOrderUntilOneRefuses) {
     using P = AddFilesParams;
     const struct {

@@ -11,6 +11,8 @@
 #include <QTabBar>
 #include <QTest>
 #include <QTimer>
+#include <functional>
+#include <memory>
 #include <thread>
 
 #include "orvexcommon/HostInterfaces.h"
@@ -98,6 +100,46 @@ TEST_F(Exports, TheDialogHasItsPagesAndCancelLeavesTheRecordAlone) {
     EXPECT_FALSE(ShowAddFilesDialog(&params));
     EXPECT_EQ(params.lasThinning, 77);
     EXPECT_TRUE(params.lasFiles.empty());
+}
+
+TEST_F(Exports, AHostThatDestroysTheOwnerCancelsWhateverIsOpen) {
+    using Call = std::function<bool(const QWidget& owner)>;
+    const Call choose = [](const QWidget&) { return GetAddingLidarChoice(true) == ADD_LIDAR_READ_ONLY; };
+    const Call tell = [](const QWidget& owner) {
+        bool stop = false;
+        MessageRegardingAddingLidar(reinterpret_cast<HWND>(owner.winId()), L"Caption", true, true, true, true,
+                                    true, true, true, stop);
+        return stop;
+    };
+    const testing::TemporaryFolder empty;
+    AddFilesParams params;
+    const Call add = [&](const QWidget&) { return !ShowAddFilesDialog(&params); };
+    const Call addNothing = [&](const QWidget&) {
+        params.initialPaths = {empty.Name({})};  // of which the user is told
+        return !ShowAddFilesDialog(&params);
+    };
+    struct Case {
+        const char* topmost;  ///< class of the window that is open when the owner goes
+        Call call;
+    };
+    for (const Case& c : {Case{"orvex::CAddingLidarDlg", choose}, Case{"QMessageBox", tell},
+                          Case{"orvex::AddFilesDlg", add}, Case{"QMessageBox", addNothing}}) {
+        auto owner = std::make_unique<QWidget>();
+        owner->show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(owner.get()));
+        QTimer destroying;
+        QObject::connect(&destroying, &QTimer::timeout, &destroying, [&] {
+            const QWidget* window = QApplication::activeModalWidget();
+            if (window != nullptr && window->isVisible() && window->inherits(c.topmost)) {
+                destroying.stop();
+                owner.reset();
+            }
+        });
+        destroying.start(0);
+        EXPECT_TRUE(c.call(*owner)) << c.topmost;
+        EXPECT_EQ(owner, nullptr) << c.topmost;
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << c.topmost;
+    }
 }
 
 TEST_F(Exports, WrongCallsDoNothing) {

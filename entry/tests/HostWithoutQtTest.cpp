@@ -71,8 +71,17 @@ bool IsRefused() {
 TEST(HostWithoutQt, WhatCannotBeShownIsRefused) {
     EXPECT_FALSE(ShowAddFilesDialog(nullptr));
     const QByteArray platform = qgetenv("ORVEX_QT_PLATFORM");
-    qputenv("ORVEX_QT_PLATFORM", "nowhere");
-    EXPECT_TRUE(IsRefused()) << "Qt would have ended the process";
+    const testing::TemporaryFolder plugins;
+    for (const wchar_t* name : {L"platforms/libqdamaged.so", L"platforms/qdamaged.dll"}) {
+        plugins.Write(name, "not a library");
+    }
+    QCoreApplication::addLibraryPath(QString::fromStdString(plugins.Path().string()));
+    for (const char* unusable : {"nowhere", "damaged", "nowhere;damaged"}) {
+        qputenv("ORVEX_QT_PLATFORM", unusable);
+        EXPECT_TRUE(IsRefused()) << unusable << ": Qt would have ended the process";
+    }
+    qputenv("ORVEX_QT_PLATFORM", "nowhere;damaged;" + platform);
+    EXPECT_TRUE(TellThatNothingCanBeAdded()) << "the one that can be used is";
     qputenv("ORVEX_QT_PLATFORM", platform);
     EXPECT_EQ(QCoreApplication::instance(), nullptr);
 
