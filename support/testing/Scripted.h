@@ -77,7 +77,7 @@ class RecordingHelpViewer final : public HelpViewer {
 };
 
 /// Stops when `stopAfter` positions have been told (never when negative).
-class RecordingProgress final : public Kst::ProgressIf {
+class RecordingProgress : public Kst::ProgressIf {
   public:
     std::uint64_t total = 0;
     std::uint64_t position = 0;

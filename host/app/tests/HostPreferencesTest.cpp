@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "host/app/HostArguments.h"
 #include "support/QtText.h"
 #include "support/testing/TemporaryFolder.h"
 
@@ -37,23 +36,6 @@ TEST(HostPreferences, ADamagedFileGivesTheDefaults) {
         const HostPreferences preferences(ToQString(folder.Write(L"host.json", content)));
         EXPECT_TRUE(preferences.RecentProjects().isEmpty());
         EXPECT_FALSE(preferences.dark);
-    }
-}
-
-TEST(HostArguments, AreReadOrRefused) {
-    const HostArguments parsed = ParseHostArguments({"--drive", "--pictures", "out", "a.las", "--scale", "2",
-                                                     "--dark", "--project", "p", "--", "-b.las"});
-    EXPECT_TRUE(parsed.error.isEmpty());
-    EXPECT_TRUE(parsed.drive && parsed.dark);
-    EXPECT_EQ(parsed.pictureFolder, "out");
-    EXPECT_EQ(parsed.projectFolder, "p");
-    EXPECT_EQ(parsed.paths, (QStringList{"a.las", "-b.las"}));
-    EXPECT_EQ(PictureSuffix(parsed), "-dark@2x");
-    EXPECT_EQ(PictureSuffix(HostArguments()), "");
-    for (const QStringList& bad :
-         {QStringList{"--what"}, QStringList{"--pictures"}, QStringList{"--scale", "0"},
-          QStringList{"--scale", "much"}, QStringList{"--scale"}}) {
-        EXPECT_FALSE(ParseHostArguments(bad).error.isEmpty()) << bad.join(' ').toStdString();
     }
 }
 

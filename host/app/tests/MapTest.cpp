@@ -2,15 +2,12 @@
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
-#include <QHelpEvent>
 #include <QSignalSpy>
 #include <QTest>
-#include <QToolTip>
 #include <QWheelEvent>
 #include <cmath>
 #include <limits>
 
-#include "host/app/HostText.h"
 #include "host/app/LayerTreeModel.h"
 #include "host/app/MapItems.h"
 #include "host/app/MapView.h"
@@ -26,19 +23,6 @@ LayerFile Square(double west, double south, double side) {
     file.min = {west, south, 0};
     file.max = {west + side, south + side, 10};
     return file;
-}
-
-TEST(Grid, StepsAreOneTwoOrFive) {
-    struct Case {
-        double pixelsPerUnit;
-        double step;
-        int decimals;
-    };
-    for (const Case& c : {Case{1, 100, 0}, Case{0.6, 200, 0}, Case{0.25, 500, 0}, Case{0.11, 1000, 0},
-                          Case{100, 1, 0}, Case{400, 0.5, 1}, Case{4000, 0.05, 2}}) {
-        EXPECT_NEAR(GridStep(c.pixelsPerUnit, 100), c.step, c.step * 1e-9) << c.pixelsPerUnit;
-        EXPECT_EQ(GridDecimals(c.step), c.decimals) << c.step;
-    }
 }
 
 TEST(Grid, LinesEndWhereNumbersRunOut) {
@@ -67,25 +51,6 @@ TEST(FootprintOf, LeavesOutExtentsThatAreNone) {
               QPolygonF({QPointF(10, 22), QPointF(14, 22), QPointF(14, 20), QPointF(10, 20)}));
     raster.raster.transform = {{0, nan, 0, 0, 0, 1}};
     EXPECT_TRUE(FootprintOf(LayerKind::Raster, raster).isEmpty());
-}
-
-TEST(LayerTreeModel, TellsOfRastersWhatTheyAre) {
-    Project project;
-    LayerFile placed = Square(0, 0, 1);
-    placed.raster = {640, 480, 3, L"GTiff", {{0, 0, 64, 48}}, std::nullopt};
-    LayerFile nowhere = placed;
-    nowhere.raster.extent.reset();
-    project.layers = {{L"r", "", {placed, nowhere}, LayerKind::Raster}};
-    LayerTreeModel model(project);
-    const QModelIndex layer = model.index(0, 0);
-    EXPECT_EQ(model.index(0, LayerTreeModel::kSize).data().toString(), "");
-    EXPECT_EQ(model.index(0, LayerTreeModel::kSize, layer).data().toString(), "640 x 480");
-    EXPECT_EQ(model.index(0, LayerTreeModel::kFormat, layer).data().toString(), "GTiff");
-    EXPECT_NE(model.index(1, LayerTreeModel::kFormat, layer).data().toString(), "GTiff");
-    EXPECT_TRUE(model.index(1, 0, layer)
-                    .data(Qt::ToolTipRole)
-                    .toString()
-                    .contains(HostText(text::kRasterWithoutPlaceTooltip)));
 }
 
 TEST(LayerTreeModel, HoldsTogetherThroughChanges) {
@@ -203,29 +168,6 @@ TEST_F(MapViewTest, DraggingMovesAndIsNoClick) {
     EXPECT_EQ(FileAt({330, 150}), 1);
 }
 
-TEST_F(MapViewTest, SelectedFilesAreHighlightedAndFitted) {
-    const QImage before = view_.grab().toImage();
-    view_.SetSelected({{0, 1}});
-    const QImage after = view_.grab().toImage();
-    EXPECT_EQ(after.pixelColor(120, 100), before.pixelColor(120, 100));
-    EXPECT_NE(after.pixelColor(280, 100), before.pixelColor(280, 100));
-    view_.FitSelected();
-    EXPECT_EQ(FileAt({200, 200}), 1);
-    EXPECT_EQ(FileAt({150, 200}), 1);
-}
-
-TEST_F(MapViewTest, TenThousandFilesAreShown) {
-    constexpr int kFiles = 10000;
-    std::vector<LayerFile> files;
-    files.reserve(kFiles);
-    for (int i = 0; i < kFiles; ++i) {
-        files.push_back(Square((i % 100) * 10.0, std::floor(i / 100.0) * 10.0, 10));
-    }
-    Show(files);
-    EXPECT_FALSE(view_.grab().isNull());
-    EXPECT_TRUE(HoveredAt({200, 150}).contains("tile.las"));
-}
-
 class MapThumbnailTest : public ::testing::Test {
   protected:
     MapThumbnailTest() { view_.resize(400, 400); }
@@ -272,7 +214,7 @@ TEST_F(MapThumbnailTest, PicturesLieWhereTheirRastersDo) {
     EXPECT_GT(ColourAt(130, 100).red() + ColourAt(130, 100).green(), 150);
 }
 
-TEST_F(MapThumbnailTest, RotatedCornersStayEmptyAndAProblemIsTold) {
+TEST_F(MapThumbnailTest, RotatedCornersStayEmpty) {
     const std::wstring path =
         testing::TestRaster(2, 2, GDT_Byte, {255, 255, 255, 255}).Save(folder_, L"a.tif");
     view_.setPalette(QPalette(Qt::black));
@@ -286,13 +228,6 @@ TEST_F(MapThumbnailTest, RotatedCornersStayEmptyAndAProblemIsTold) {
     EXPECT_EQ(clicked.count(), 0);
     QTest::mouseClick(view_.viewport(), Qt::LeftButton, {}, QPoint(200, 130));
     EXPECT_EQ(clicked.count(), 1);
-    const QPoint overBad(54, 353);
-    QHelpEvent help(QEvent::ToolTip, overBad, view_.viewport()->mapToGlobal(overBad));
-    QApplication::sendEvent(view_.viewport(), &help);
-    EXPECT_TRUE(QToolTip::text().contains("bad.tif")) << QToolTip::text().toStdString();
-    EXPECT_TRUE(QToolTip::text().contains(HostText(text::kOutlineReason, {L""}).trimmed()))
-        << QToolTip::text().toStdString();
-    QToolTip::hideText();
 }
 
 }  // namespace

@@ -116,22 +116,6 @@ TEST(ProjectFile, AFailedSaveLeavesTheOldFileAndNothingElse) {
     EXPECT_EQ(folder.Entries(), 1U);
 }
 
-TEST(Project, IsOpenedAtTheLayerWithMostToSee) {
-    EXPECT_FALSE(Project().MainLayer());
-    const auto rasters = [](const std::string& wkt, std::size_t placed, std::size_t others) {
-        Layer layer{L"Raster Layer_1", wkt, std::vector<LayerFile>(placed + others), LayerKind::Raster};
-        for (std::size_t i = 0; i < placed; ++i) {
-            layer.files[i].raster.extent = {0, 0, 1, 1};
-        }
-        return layer;
-    };
-    Project project;
-    project.layers = {rasters({}, 9, 0), rasters(kUtm, 1, 9), rasters(kUtm, 2, 0)};
-    EXPECT_EQ(project.MainLayer(), 2U) << "with a CRS, and more files that are drawn";
-    project.layers.push_back({L"LAS Layer_1", kUtm, std::vector<LayerFile>(3)});
-    EXPECT_EQ(project.MainLayer(), 3U);
-}
-
 TEST(Project, RemovesFilesAndTheLayersThatTheyLeaveEmpty) {
     Project project;
     project.layers = {{L"a", "", {File(L"/1"), File(L"/2"), File(L"/3")}},

@@ -8,6 +8,7 @@
 #include "host/dem/testing/DemSamples.h"
 #include "support/Files.h"
 #include "support/Text.h"
+#include "support/testing/Scripted.h"
 #include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
@@ -17,21 +18,11 @@ using testing::DemSample;
 using testing::TemporaryFolder;
 using testing::TestRaster;
 
-/// Remembers what it is told and stops at a position.
-class Steps final : public Kst::ProgressIf {
-  public:
+/// Stops at a position.
+struct Steps final : testing::RecordingProgress {
     std::uint64_t stopAt = UINT64_MAX;
-    std::uint64_t range = 0;
-    std::uint64_t last = 0;
-    std::vector<std::wstring> texts;
 
-    void SetRange(std::uint64_t total) override { range = total; }
-    void SetText(const std::wstring& text) override { texts.push_back(text); }
-    void SetPosition(std::uint64_t done) override {
-        EXPECT_GE(done, last);
-        last = done;
-    }
-    bool IsCancelled() override { return last >= stopAt; }
+    bool IsCancelled() override { return position >= stopAt; }
 };
 
 std::wstring Large(const TemporaryFolder& folder, const std::wstring& name, bool withPalette = false) {
@@ -89,9 +80,8 @@ TEST(Overviews, LieBesideTheRasterWhichStaysAsItWas) {
     EXPECT_THAT(FirstOverviewPixel(map), ::testing::AnyOf(10, 30))
         << "an average of colour numbers means nothing";
     EXPECT_EQ(folder.Entries(), 5U) << "three rasters and two files of levels";
-    EXPECT_EQ(steps.range, 3000U);
-
-    EXPECT_EQ(BuildOverviews({grey}, steps = {}).notNeeded, 1U);
+    EXPECT_EQ(steps.total, 3000U);
+    EXPECT_EQ(BuildOverviews({grey}, steps).notNeeded, 1U);
 }
 
 TEST(Overviews, OneFailureLeavesTheOthersAndLosesNothing) {
@@ -186,7 +176,7 @@ TEST_F(DemImportTest, FilesBecomeFilesOfTheirLayersAndAFailureIsNoEnd) {
     ASSERT_EQ(result.failures.size(), 1U);
     EXPECT_EQ(result.failures[0].path, bad.path);
     EXPECT_FALSE(result.failures[0].cause.empty());
-    EXPECT_EQ(progress_.range, 3000U);
+    EXPECT_EQ(progress_.total, 3000U);
     ASSERT_EQ(progress_.texts.size(), 3U);
     EXPECT_NE(progress_.texts[2].find(L"b.tif"), std::wstring::npos);
 }

@@ -22,18 +22,7 @@ constexpr const char* kDegrees =
     "GEOGCS[\"WGS 84\",DATUM[\"WGS_1984\",SPHEROID[\"WGS 84\",6378137,298.257223563]],"
     "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]]";
 
-/// Counts the details objects that are alive.
-struct Counted {
-    static inline int alive = 0;
-
-    Counted() { ++alive; }
-    ~Counted() { --alive; }
-    Counted(const Counted&) = delete;
-    Counted& operator=(const Counted&) = delete;
-};
-
 struct FakeLasFileInfo final : LasFileInfo {
-    Counted counted;
     std::wstring name;
     std::string wkt;
     std::array<double, 3> low{0, 0, 0};
@@ -53,14 +42,12 @@ struct FakeLasFileInfo final : LasFileInfo {
 };
 
 struct FakeRasterFileInfo final : RasterFileInfo {
-    Counted counted;
     std::wstring name;
     RasterProperties properties;
-    bool bigTiff = false;
 
     const std::wstring& FileName() const override { return name; }
     const RasterProperties& Properties() const override { return properties; }
-    bool IsBigTiff() const override { return bigTiff; }
+    bool IsBigTiff() const override { return false; }
 };
 
 /// A record that deletes its details.
@@ -130,9 +117,6 @@ TEST(RecordFiles, RastersGoToLayersOfTheirOwnKind) {
     Record record;
     RasterProperties& first = record.AddRaster(NativePath(L"/a"), L"2.tif", L"same name").properties;
     first.width = 40;
-    first.height = 30;
-    first.bands = 3;
-    first.driver = L"PNG";
     first.transform = {{1, 2, 3, 4, 5, 6}};
     record.AddRaster(NativePath(L"/a"), L"1.tif", L"same name");
     record.AddRaster(NativePath(L"/a"), L"there.tif", L"same name");
@@ -147,25 +131,12 @@ TEST(RecordFiles, RastersGoToLayersOfTheirOwnKind) {
     ASSERT_THAT(PathsOf(project.layers[1]),
                 ElementsAre(NativePath(L"/a/THERE.tif"), NativePath(L"/a/2.tif"), NativePath(L"/a/1.tif")))
         << "the order of the record";
-    EXPECT_EQ(project.layers[1].files[1].raster,
-              (RasterInfo{40, 30, 3, L"PNG", std::nullopt, {{1, 2, 3, 4, 5, 6}}}));
+    EXPECT_EQ(project.layers[1].files[1].raster.width, 40);
+    EXPECT_EQ(project.layers[1].files[1].raster.transform, first.transform);
     EXPECT_EQ(project.layers[2].kind, LayerKind::Raster);
     EXPECT_EQ(project.layers[2].wkt, kDegrees);
     EXPECT_EQ(project.LayersForDialog(LayerKind::Raster).size(), 2U);
     EXPECT_EQ(project.LayersForDialog(LayerKind::Las).size(), 1U);
-}
-
-TEST(RecordFiles, DetailsAreDeletedOnce) {
-    {
-        Record record;
-        record.AddFile(L"/a", L"1.las", L"x");
-        record.AddFile(L"/a", L"2.las", L"x");
-        record.AddRaster(L"/a", L"3.tif", L"y");
-        EXPECT_EQ(Counted::alive, 3);
-        DeleteDetails(record);
-        EXPECT_EQ(Counted::alive, 0);
-    }
-    EXPECT_EQ(Counted::alive, 0);
 }
 
 TEST(CheckLidar, ReportsEachFindingByItself) {
@@ -209,70 +180,9 @@ TEST(CheckLidar, ReportsEachFindingByItself) {
             c.finding == &LidarReport::alreadyThere || c.finding == &LidarReport::unreadable;
         EXPECT_EQ(found.skipped, isSkipped ? std::set{JoinPath(folder, c.name)} : std::set<std::wstring>());
     }
-}
-
-TEST(CheckLidar, ComparesWithTheCrsOfAnExistingLayer) {
-    const TemporaryFolder files;
-    files.Write(L"1.las", "content");
-    Project project;
-    project.layers = {{L"old", kUtm, {{L"/p.las", {}}}}};
     Record record;
-    record.AddFile(FromPath(files.Path()), L"1.las", L"old", kDegrees);
-    EXPECT_TRUE(CheckLidar(project, record).crsDiffers);
-}
-
-TEST(RecordText, TellsLasFilesLayersAndOptions) {
-    Record record;
-    record.AddFile(L"/data/a", L"2.las", L"old");
-    FakeLasFileInfo& compressed = record.AddFile(L"/data/a", L"1.laz", L"new");
-    compressed.name = NativePath(L"/data/a/1.las");
-    compressed.readOnly = false;
-    record.lasFiles[L"/data/b"] = {L"unknown.las"};
-    record.existingLasLayers = {{L"old", L""}};
-    record.lasThinning = 16;
-    record.lasPyramidType = 2;
-    const std::wstring text = RecordText(record);
-    std::size_t end = 0;
-    for (const wchar_t* part : {L"/data/a\n", L"  2.las  ", L"  1.laz  ", L"(1.las)\n", L"/data/b\n",
-                                L"  unknown.las\n", L"  new: ", L"  old: ", L": 16\n", L": QVR\n"}) {
-        const std::size_t found = text.find(part, end);
-        ASSERT_NE(found, std::wstring::npos) << ToUtf8(part) << " is not in its place:\n" << ToUtf8(text);
-        end = found;
-    }
-    EXPECT_EQ(text.find(L'#'), std::wstring::npos) << "a text is missing";
-}
-
-TEST(RecordText, TellsRastersAndElevationFiles) {
-    Record record;
-    FakeRasterFileInfo& placed = record.AddRaster(L"/r", L"b.tif", L"Raster Layer_1");
-    placed.properties.width = 4000;
-    placed.properties.height = 3000;
-    placed.properties.bands = 3;
-    placed.properties.driver = L"GTiff";
-    placed.properties.extent = {{0, 0, 1, 1}};
-    placed.bigTiff = true;
-    record.AddRaster(L"/r", L"a.png", L"").properties.driver = L"PNG";
-    record.rasterFiles[L"/r"].push_back(L"broken.tif");
-    record.demFiles = {{L"/d", {L"terrain.asc"}}};
-    record.demFileLayers = {{NativePath(L"/d/terrain.asc"), L"old"}};
-    record.existingLasLayers = {{L"old", L""}};
-    record.demLasVersion = 3;
-    record.demThinning = 12;
-    record.demLasFolder = L"<ORVEX_PROJECT_PATH>\\DEM Import";
-    record.demPyramid = true;
-    const std::wstring text = RecordText(record);
-    for (const std::wstring& part :
-         {std::wstring(L"  b.tif  GTiff (BigTIFF), 4000 x 3000"), std::wstring(L"  a.png  PNG, "),
-          std::wstring(L"  broken.tif\n"), std::wstring(L"Raster Layer_1"), std::wstring(L"  terrain.asc\n"),
-          std::wstring(L"  old: "), std::wstring(L": 1.2\n"), std::wstring(L": 12\n"),
-          std::wstring(L": <ORVEX_PROJECT_PATH>\\DEM Import\n"), Text(text::kRecordPyramidNotBuilt)}) {
-        EXPECT_NE(text.find(part), std::wstring::npos) << ToUtf8(part) << "\n" << ToUtf8(text);
-    }
-    EXPECT_EQ(text.find(L'#'), std::wstring::npos) << "a text is missing";
-}
-
-TEST(RecordText, SaysThatThereIsNothing) {
-    EXPECT_EQ(RecordText(AddFilesParams()), Text(text::kRecordEmpty) + L"\n");
+    record.AddFile(folder, L"1.las", L"old", kDegrees);
+    EXPECT_TRUE(CheckLidar(project, record).crsDiffers) << "than the CRS of its existing layer";
 }
 
 }  // namespace

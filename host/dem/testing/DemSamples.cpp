@@ -11,23 +11,14 @@
 namespace orvex::testing {
 namespace {
 
-bool WriteMask(GDALDataset& dataset, const DemSample& sample) {
+/// A mask inside the file that hides the first pixel.
+bool WriteMask(GDALDataset& dataset) {
     const CPLConfigOptionSetter inside("GDAL_TIFF_INTERNAL_MASK", "YES", false);
-    if (dataset.CreateMaskBand(GMF_PER_DATASET) != CE_None) {
-        return false;
-    }
-    GDALRasterBand* const mask = dataset.GetRasterBand(1)->GetMaskBand();
-    std::vector<GByte> line(static_cast<std::size_t>(sample.width));
-    for (int row = 0; row < sample.height; ++row) {
-        for (int column = 0; column < sample.width; ++column) {
-            line[static_cast<std::size_t>(column)] = sample.isMasked(column, row) ? 0 : 255;
-        }
-        if (mask->RasterIO(GF_Write, 0, row, sample.width, 1, line.data(), sample.width, 1, GDT_Byte, 0, 0,
-                           nullptr) != CE_None) {
-            return false;
-        }
-    }
-    return true;
+    GByte hidden = 0;
+    return dataset.CreateMaskBand(GMF_PER_DATASET) == CE_None &&
+           dataset.GetRasterBand(1)->GetMaskBand()->Fill(255) == CE_None &&
+           dataset.GetRasterBand(1)->GetMaskBand()->RasterIO(GF_Write, 0, 0, 1, 1, &hidden, 1, 1, GDT_Byte, 0,
+                                                             0) == CE_None;
 }
 
 void Describe(GDALDataset& dataset, const DemSample& sample) {
@@ -93,7 +84,7 @@ bool WriteDem(const std::wstring& path, const DemSample& sample) {
         return false;
     }
     Describe(*dataset, sample);
-    return (!sample.isMasked || WriteMask(*dataset, sample)) &&
+    return (!sample.hidesFirstPixel || WriteMask(*dataset)) &&
            (!sample.value || WriteValues(*dataset->GetRasterBand(1), sample));
 }
 

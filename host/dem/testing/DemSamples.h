@@ -22,8 +22,7 @@ struct DemSample {
     std::string unit;
     double scale = 1;
     double offset = 0;
-    /// Pixels hidden by the file's mask; no mask if empty.
-    std::function<bool(int column, int row)> isMasked;
+    bool hidesFirstPixel = false;  ///< by a mask in the file
     std::vector<std::pair<std::string, std::string>> creationOptions;
     std::vector<std::pair<std::string, std::string>> metadata;
 

@@ -24,7 +24,6 @@ class DemConversionTest : public DemFixture {
         const LasHeader& header = file.Header();
         EXPECT_EQ(header.Version(), 10 + versionMinor);
         EXPECT_EQ(header.PointFormat(), format);
-        EXPECT_EQ(header.HeaderSize(), versionMinor == 4 ? 375 : versionMinor == 3 ? 235 : 227);
         EXPECT_EQ(header.PointCount(), 35U);
         EXPECT_EQ(header.LegacyPointCount(), format < 6 ? 35U : 0U);
         EXPECT_EQ(header.PointsOfReturn(1), 35U);
@@ -33,11 +32,7 @@ class DemConversionTest : public DemFixture {
         EXPECT_EQ(header.HasStandardGpsTime(), hasTime && versionMinor >= 2);
         EXPECT_TRUE(!header.HasWktBit() || versionMinor == 4);
         EXPECT_TRUE(header.HasWktBit() || format < 6);
-        EXPECT_FALSE(header.SystemIdentifier().empty());
-        EXPECT_FALSE(header.GeneratingSoftware().empty());
         EXPECT_GE(header.CreationYear(), 2024);
-        EXPECT_GE(header.CreationDay(), 1);
-        EXPECT_LE(header.CreationDay(), 366);
     }
 };
 
@@ -94,6 +89,10 @@ TEST_F(DemConversionTest, EveryVersionAndFormatOpensWithoutFindings) {
                 const std::string bytes = testing::ReadFile(result.lasPath);
                 const std::size_t length = found.file->Header().PointRecordLength();
                 EXPECT_EQ(bytes.substr(bytes.size() - length + 12), RecordBehindPlace(minor, format, length));
+                if (minor == 0) {
+                    EXPECT_EQ(bytes.substr(bytes.size() - length * 35 - 2, 2), "\xCC\xDD");
+                    EXPECT_EQ(bytes.substr(227, 2), hasCrs ? "\xBB\xAA" : "\xCC\xDD");
+                }
                 if (hasCrs && crs.fitsGeoKeys) {
                     EXPECT_EQ(OrvexUtilities::GetCompatibilityGroup(result.wkt),
                               OrvexUtilities::GetCompatibilityGroup(testing::WktOfRaster(path)));
@@ -191,7 +190,7 @@ TEST_F(DemConversionTest, PixelsWithoutAHeightGiveNoPoint) {
     large.value = skipsFirst(4294967295.0);
     large.noData = 4294967295.0;
     DemSample masked;
-    masked.isMasked = [](int column, int row) { return column + row == 0; };
+    masked.hidesFirstPixel = true;
     DemSample scaled = whole;  // "no data" is said of the numbers that the file holds
     scaled.scale = 0.1;
     scaled.offset = 5;
@@ -275,8 +274,15 @@ TEST_F(DemConversionTest, ThinningKeepsOneOfNEvenly) {
     const std::wstring path = Write(sample);
     for (const unsigned n : {1U, 2U, 3U, 4U, 16U, 64U, 256U, 100000U}) {
         options_.thinning = n;
+        SCOPED_TRACE(n);
         const double expected = std::max(64.0 * 48 / n, 1.0);
-        EXPECT_NEAR(static_cast<double>(Convert(path).points), expected, expected * 0.15) << n;
+        const auto points = PointsOf(Convert(path).lasPath);
+        EXPECT_NEAR(static_cast<double>(points.size()), expected, expected * 0.15);
+        // At best points lie in equilateral triangles, 1.07 times the square root of n pixels apart.
+        for (std::size_t i = 1; i < points.size(); ++i) {
+            const double distance = std::hypot(points[i][0] - points[0][0], points[i][1] - points[0][1]);
+            ASSERT_GE(distance, 2 * 0.8 * std::sqrt(n));
+        }
     }
 }
 

@@ -1,52 +1,118 @@
-// Another host's raster-information class in a library, with each threading model that its registration may
-// name. A manifest registers it, as in programs without an installer: the registry stays untouched.
+// Another host's raster-information class, as the component calls it from its workers.
 #include <OrvexHost.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
+#include <atomic>
+#include <bit>
+#include <limits>
+#include <string>
 #include <thread>
 
 #include "support/HostObjects.h"
 #include "support/com/ComApartment_win.h"
-#include "support/com/ComPtr_win.h"
-#include "support/com/ModuleFile_win.h"
 
 namespace orvex::host {
 namespace {
 
-/// Manifest that names the class, active on the thread that made it.
-class ClassManifest {
+std::atomic<long> liveObjects = 0;
+
+/// Has the essentials only: no details, no failure reasons. The path chooses its answers: "plain", "odd",
+/// "bare" (a size and nothing else), "no size", "fails". The projection code is the id of the calling thread.
+class ForeignRaster final : public IOrvexRasterInformation {
   public:
-    explicit ClassManifest(const std::string& threadingModel) {
-        std::ofstream(file_) << R"(<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">)"
-                             << R"(<assemblyIdentity type="win32" name="RasterClass" version="1.0.0.0"/>)"
-                             << R"(<file name="raster_class_server.dll"><comClass )"
-                             << R"(clsid="{41A55615-706A-467A-9682-DCB2F9C98BC5}" threadingModel=")"
-                             << threadingModel << R"("/></file></assembly>)";
-        ACTCTXW description{};
-        description.cbSize = sizeof(description);
-        description.lpSource = file_.c_str();
-        context_ = CreateActCtxW(&description);
-        EXPECT_NE(context_, INVALID_HANDLE_VALUE) << GetLastError();
-        EXPECT_TRUE(ActivateActCtx(context_, &cookie_)) << GetLastError();
+    ForeignRaster() { ++liveObjects; }
+    virtual ~ForeignRaster() { --liveObjects; }
+    ForeignRaster(const ForeignRaster&) = delete;
+    ForeignRaster& operator=(const ForeignRaster&) = delete;
+
+    STDMETHODIMP QueryInterface(REFIID interfaceId, void** object) override {
+        const bool isKnown = IsEqualIID(interfaceId, __uuidof(IUnknown)) ||
+                             IsEqualIID(interfaceId, __uuidof(IDispatch)) ||
+                             IsEqualIID(interfaceId, __uuidof(IOrvexRasterInformation));
+        *object = isKnown ? static_cast<IOrvexRasterInformation*>(this) : nullptr;
+        references_ += isKnown ? 1 : 0;
+        return isKnown ? S_OK : E_NOINTERFACE;
     }
-    ~ClassManifest() {
-        DeactivateActCtx(0, cookie_);
-        ReleaseActCtx(context_);
-        std::error_code none;
-        std::filesystem::remove(file_, none);
+    STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
+    STDMETHODIMP_(ULONG) Release() override {
+        const ULONG left = --references_;
+        if (left == 0) {
+            delete this;
+        }
+        return left;
     }
-    ClassManifest(const ClassManifest&) = delete;
-    ClassManifest& operator=(const ClassManifest&) = delete;
+    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
+        return E_NOTIMPL;
+    }
+
+    STDMETHODIMP Open(BSTR path) override {
+        path_ = path;
+        return path_ == L"fails" ? E_ACCESSDENIED : S_OK;
+    }
+    STDMETHODIMP get_Width(long* pixels) override { return *pixels = path_ == L"no size" ? 0 : 300, S_OK; }
+    STDMETHODIMP get_Height(long* pixels) override { return *pixels = 200, S_OK; }
+    STDMETHODIMP get_PixelWidth(double* units) override { return Answer(units, 0.25, -0.25); }
+    STDMETHODIMP get_PixelHeight(double* units) override { return Answer(units, 0.5, kNaN); }
+    STDMETHODIMP get_LinearUnit(BSTR* name) override { return AnswerText(name, L"metre"); }
+    STDMETHODIMP get_Wkt(BSTR* text) override { return AnswerText(text, L"LOCAL_CS[\"\u00dc\"]"); }
+    STDMETHODIMP get_ProjectionCode(long* code) override {
+        const auto thread = static_cast<long>(GetCurrentThreadId());
+        return Answer(code, thread, thread);
+    }
+    STDMETHODIMP get_ColorModel(long* model) override { return Answer(model, 1L, 99L); }
+    STDMETHODIMP get_RasterKind(long* kind) override { return Answer(kind, 1L, -7L); }
+    STDMETHODIMP get_BandCount(long* count) override { return Answer(count, 3L, -1L); }
+    STDMETHODIMP get_BitsPerBand(long* bits) override { return Answer(bits, 8L, 8L); }
+    STDMETHODIMP get_OverviewCount(long* count) override { return Answer(count, 2L, 2L); }
+    STDMETHODIMP GetExtent(double* minX, double* minY, double* maxX, double* maxY) override {
+        Answer(minX, 1.0, 1.0);
+        Answer(minY, 2.0, kNaN);
+        Answer(maxX, 3.0, 3.0);
+        return Answer(maxY, 4.0, 4.0);
+    }
 
   private:
-    /// Beside the library: the system looks for it where the manifest is.
-    std::filesystem::path file_ =
-        std::filesystem::path(ModuleFile(reinterpret_cast<const void*>(&RegisterHostClass))).parent_path() /
-        ("raster-class-" + std::to_string(GetCurrentProcessId()) + ".manifest");
-    HANDLE context_ = INVALID_HANDLE_VALUE;
-    ULONG_PTR cookie_ = 0;
+    static constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+    template <typename Value>
+    HRESULT Answer(Value* target, Value plain, Value odd) const {
+        if (path_ == L"bare") {
+            return E_NOTIMPL;
+        }
+        *target = path_ == L"odd" ? odd : plain;
+        return S_OK;
+    }
+    HRESULT AnswerText(BSTR* target, const wchar_t* plain) const {
+        *target = path_ == L"plain" ? SysAllocString(plain) : nullptr;
+        return path_ == L"bare" ? E_NOTIMPL : S_OK;
+    }
+
+    std::wstring path_;
+    std::atomic<ULONG> references_ = 1;
+};
+
+/// Class object of ForeignRaster; a member of the test, so that its references do not count.
+class ForeignClass final : public IClassFactory {
+  public:
+    virtual ~ForeignClass() = default;
+    STDMETHODIMP QueryInterface(REFIID interfaceId, void** object) override {
+        const bool isKnown =
+            IsEqualIID(interfaceId, __uuidof(IUnknown)) || IsEqualIID(interfaceId, __uuidof(IClassFactory));
+        *object = isKnown ? static_cast<IClassFactory*>(this) : nullptr;
+        return isKnown ? S_OK : E_NOINTERFACE;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return 2; }
+    STDMETHODIMP_(ULONG) Release() override { return 1; }
+    STDMETHODIMP CreateInstance(IUnknown*, REFIID interfaceId, void** object) override {
+        auto* made = new ForeignRaster;
+        const HRESULT result = made->QueryInterface(interfaceId, object);
+        made->Release();
+        return result;
+    }
+    STDMETHODIMP LockServer(BOOL) override { return S_OK; }
 };
 
 class ForeignRasterTest : public ::testing::Test {
@@ -58,11 +124,17 @@ class ForeignRasterTest : public ::testing::Test {
         DWORD thread = 0;  ///< the worker's
     };
 
+    ForeignRasterTest() {
+        EXPECT_EQ(CoRegisterClassObject(std::bit_cast<CLSID>(kRasterInformationClass), &class_,
+                                        CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &token_),
+                  S_OK);
+    }
+    ~ForeignRasterTest() override { CoRevokeClassObject(token_); }
+
     /// Asks an object on a worker thread, as the component does.
-    Answer Describe(const std::wstring& path, const std::string& threadingModel) const {
+    Answer Describe(const std::wstring& path) const {
         Answer answer;
         std::thread([&] {
-            const ClassManifest manifest(threadingModel);
             answer.thread = GetCurrentThreadId();
             if (const auto object = maker_(answer.result)) {
                 answer.result = object->Describe(path, answer.properties, answer.reason);
@@ -71,10 +143,14 @@ class ForeignRasterTest : public ::testing::Test {
         return answer;
     }
 
+  private:
+    const ComApartment apartment_{COINIT_MULTITHREADED};
     const RasterInformationMaker maker_ = MakeHostObjects()->RasterInformation();
+    ForeignClass class_;
+    DWORD token_ = 0;
 };
 
-TEST_F(ForeignRasterTest, BothAndFreeAreCalledDirectlyAndOddAnswersAreUnderstood) {
+TEST_F(ForeignRasterTest, OddAnswersAreUnderstoodAndNoObjectIsLeft) {
     const std::array<double, 4> extent{1, 2, 3, 4};
     const struct {
         const wchar_t* path;
@@ -91,65 +167,16 @@ TEST_F(ForeignRasterTest, BothAndFreeAreCalledDirectlyAndOddAnswersAreUnderstood
         {L"no size", kHostFail, false, {}},
         {L"fails", static_cast<std::int32_t>(E_ACCESSDENIED), false, {}},
     };
-    for (const char* model : {"Both", "Free"}) {
-        for (const auto& c : cases) {
-            const Answer answer = Describe(c.path, model);
-            EXPECT_EQ(answer.result, c.result) << c.path;
-            EXPECT_EQ(answer.reason, L"") << c.path;
-            EXPECT_FALSE(answer.properties.hasDetails) << c.path;
-            RasterEssentials expected = c.read;
-            expected.projectionCode = c.isThreadGiven ? static_cast<std::int32_t>(answer.thread) : 0;
-            EXPECT_TRUE(static_cast<const RasterEssentials&>(answer.properties) == expected) << c.path;
-        }
+    for (const auto& c : cases) {
+        const Answer answer = Describe(c.path);
+        EXPECT_EQ(answer.result, c.result) << c.path;
+        EXPECT_EQ(answer.reason, L"") << c.path;
+        EXPECT_FALSE(answer.properties.hasDetails) << c.path;
+        RasterEssentials expected = c.read;
+        expected.projectionCode = c.isThreadGiven ? static_cast<std::int32_t>(answer.thread) : 0;
+        EXPECT_TRUE(static_cast<const RasterEssentials&>(answer.properties) == expected) << c.path;
     }
-    const HMODULE server = GetModuleHandleW(L"raster_class_server.dll");
-    ASSERT_NE(server, nullptr) << "stays loaded while the maker exists";
-    const auto canUnload = reinterpret_cast<HRESULT(STDAPICALLTYPE*)()>(
-        reinterpret_cast<void*>(GetProcAddress(server, "DllCanUnloadNow")));
-    EXPECT_EQ(canUnload(), S_OK) << "no object is left";
-}
-
-/// Registers the type library of the host's objects until destroyed.
-class RegisteredTypeLibrary {
-  public:
-    RegisteredTypeLibrary() {
-        const std::wstring file = ModuleFile(reinterpret_cast<const void*>(&RegisterHostClass));
-        EXPECT_EQ(LoadTypeLibEx(file.c_str(), REGKIND_NONE, library_.Receive()), S_OK);
-        std::wstring path = file;
-        result_ = RegisterTypeLib(library_.Get(), path.data(), nullptr);
-    }
-    ~RegisteredTypeLibrary() {
-        TLIBATTR* attributes = nullptr;
-        if (SUCCEEDED(library_->GetLibAttr(&attributes))) {
-            UnRegisterTypeLib(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum,
-                              attributes->lcid, attributes->syskind);
-            library_->ReleaseTLibAttr(attributes);
-        }
-    }
-    RegisteredTypeLibrary(const RegisteredTypeLibrary&) = delete;
-    RegisteredTypeLibrary& operator=(const RegisteredTypeLibrary&) = delete;
-
-    HRESULT Result() const { return result_; }
-
-  private:
-    ComPtr<ITypeLib> library_;
-    HRESULT result_ = E_FAIL;
-};
-
-TEST_F(ForeignRasterTest, ApartmentIsCalledOnItsOwnThreadThroughTheTypeLibrary) {
-    EXPECT_LT(Describe(L"plain", "Apartment").result, 0) << "not without it";
-    const RegisteredTypeLibrary library;
-    if (library.Result() == TYPE_E_REGISTRYACCESS) {
-        GTEST_SKIP() << "only an administrator registers a type library for the machine";
-    }
-    ASSERT_EQ(library.Result(), S_OK);
-    const Answer answer = Describe(L"plain", "Apartment");
-    EXPECT_EQ(answer.result, kHostOk);
-    EXPECT_EQ(answer.properties.width, 300);
-    EXPECT_EQ(answer.properties.pixelHeight, 0.5);
-    EXPECT_EQ(answer.properties.linearUnit, L"metre");
-    EXPECT_EQ(answer.properties.extent, (std::array<double, 4>{1, 2, 3, 4}));
-    EXPECT_NE(static_cast<DWORD>(answer.properties.projectionCode), answer.thread);
+    EXPECT_EQ(liveObjects, 0);
 }
 
 }  // namespace

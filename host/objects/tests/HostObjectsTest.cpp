@@ -101,16 +101,6 @@ TEST_F(HostObjectsTest, SettingsKeepTheirTypesFromRunToRun) {
     }
 }
 
-TEST_F(HostObjectsTest, DataOfNoSettingTypeCountsAsNotStored) {
-    const HostClasses classes(State());
-    ValueFile file(State().settingsFile, ValueFileOwner::User);
-    const std::byte three[3]{};
-    for (const std::int64_t type : {-1, 1, 2, 3, 99}) {
-        EXPECT_EQ(file.Store(L"AddFilesDlg", L"odd", type, three), RegistryStatus::Ok);
-        ExpectSetting(L"AddFilesDlg", L"odd", std::int16_t{7}, std::int16_t{7});
-    }
-}
-
 TEST_F(HostObjectsTest, AnUnusableSettingsFileIsAFailureThatTheComponentLivesWith) {
     std::filesystem::create_directory(State().settingsFile);
     const HostClasses classes(State());
@@ -123,7 +113,9 @@ TEST_F(HostObjectsTest, AnUnusableSettingsFileIsAFailureThatTheComponentLivesWit
 }
 
 TEST_F(HostObjectsTest, TheApplicationKnowsTheProjectAndItsOptions) {
-    const HostClasses classes(State());
+    bool isFailing = false;
+    const HostClasses classes(
+        {State().settingsFile, [&] { return isFailing ? throw std::runtime_error("no") : projectFolder_; }});
     const auto application = Application();
     const struct {
         const wchar_t *open, *given;
@@ -139,13 +131,9 @@ TEST_F(HostObjectsTest, TheApplicationKnowsTheProjectAndItsOptions) {
     EXPECT_TRUE(value == SettingValue(std::int16_t{-1}));
     EXPECT_EQ(application->GetOptionItem(1, value), kHostOk);
     EXPECT_TRUE(value == SettingValue(std::int16_t{-1})) << "an option that is not set changes nothing";
-}
-
-TEST_F(HostObjectsTest, AProjectFolderProviderThatThrowsIsAFailure) {
-    const HostClasses classes(
-        {State().settingsFile, []() -> std::wstring { throw std::runtime_error("no"); }});
+    isFailing = true;
     std::wstring folder = L"?";
-    EXPECT_EQ(Application()->GetProjectFolder(folder), kHostFail);
+    EXPECT_EQ(application->GetProjectFolder(folder), kHostFail);
     EXPECT_EQ(folder, L"?");
 }
 
@@ -160,26 +148,15 @@ TEST_F(HostObjectsTest, ARasterIsDescribedWithAllDetails) {
         return InspectRasterFile(path, RasterUse::Image, host_->RasterInformation()).Properties();
     };
     const RasterProperties withoutClass = inspect();
+    EXPECT_EQ(withoutClass.projectionCode, 32633);
+    ASSERT_EQ(withoutClass.bandDetails.size(), 3U);
+    EXPECT_EQ(withoutClass.bandDetails[0].nodata, -1);
     const HostClasses classes(State());
     RasterProperties described;
     std::wstring reason;
     EXPECT_EQ(Describe(path, described, reason), kHostOk) << ToUtf8(reason);
-    for (const RasterProperties& read : {withoutClass, described, inspect()}) {
-        EXPECT_EQ(read.width, 20);
-        EXPECT_EQ(read.height, 10);
-        EXPECT_EQ(read.pixelWidth, 0.5);
-        EXPECT_EQ(read.projectionCode, 32633);
-        EXPECT_EQ(read.linearUnit, L"metre");
-        EXPECT_EQ(read.extent, (std::array<double, 4>{500000, 5299995, 500010, 5300000}));
-        EXPECT_TRUE(read.hasDetails);
-        EXPECT_EQ(read.driver, L"GTiff");
-        EXPECT_EQ(read.compression, L"DEFLATE");
-        ASSERT_EQ(read.bandDetails.size(), 3U);
-        EXPECT_EQ(read.bandDetails[0].nodata, -1);
-        EXPECT_EQ(read.wkt, withoutClass.wkt);
-        EXPECT_EQ(read.transform, withoutClass.transform);
-        EXPECT_EQ(read.totalBytes, withoutClass.totalBytes);
-    }
+    EXPECT_TRUE(described == withoutClass);
+    EXPECT_TRUE(inspect() == withoutClass);
 }
 
 TEST_F(HostObjectsTest, AFileThatIsNoRasterIsRefusedWithTheReason) {

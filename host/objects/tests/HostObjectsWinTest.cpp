@@ -1,4 +1,4 @@
-// The host's settings objects through COM, with values and clients that the component does not have.
+// The host's objects through COM: apartments, and values and calls that the component does not have.
 #include <OrvexHost.h>
 #include <gtest/gtest.h>
 
@@ -11,7 +11,6 @@
 #include "support/HostObjects.h"
 #include "support/com/ComApartment_win.h"
 #include "support/com/ComPtr_win.h"
-#include "support/com/ModuleFile_win.h"
 #include "support/com/Variant_win.h"
 
 namespace orvex::host {
@@ -219,70 +218,119 @@ TEST_F(HostObjectsWinTest, ScriptsCallByName) {
     EXPECT_EQ(TextOf(value.Get().bstrVal), L"C:\\DEM");
 }
 
-ComPtr<ITypeInfo> TypeOf(const ComPtr<ITypeLib>& library, const wchar_t* id) {
-    GUID guid{};
-    ComPtr<ITypeInfo> type;
-    EXPECT_EQ(IIDFromString(id, &guid), S_OK);
-    EXPECT_EQ(library->GetTypeInfoOfGuid(guid, type.Receive()), S_OK) << id;
-    return type;
-}
+const CLSID kRasterClass = std::bit_cast<CLSID>(kRasterInformationClass);
 
-std::wstring DefaultInterfaceOf(const ComPtr<ITypeInfo>& ofClass) {
-    HREFTYPE reference = 0;
-    ComPtr<ITypeInfo> type;
-    TYPEATTR* attributes = nullptr;
-    EXPECT_EQ(ofClass->GetRefTypeOfImplType(0, &reference), S_OK);
-    EXPECT_EQ(ofClass->GetRefTypeInfo(reference, type.Receive()), S_OK);
-    EXPECT_EQ(type->GetTypeAttr(&attributes), S_OK);
-    wchar_t text[64] = {};
-    StringFromGUID2(attributes->guid, text, 64);
-    type->ReleaseTypeAttr(attributes);
-    return text;
-}
-
-/// Operations of a dual interface beyond IDispatch's seven, in the order of its function table.
-std::wstring OperationsOf(const ComPtr<ITypeInfo>& type) {
-    std::map<std::size_t, std::wstring> slots;
-    FUNCDESC* function = nullptr;
-    for (UINT i = 0; type->GetFuncDesc(i, &function) == S_OK; ++i) {
-        BString name;
-        UINT count = 0;
-        EXPECT_EQ(type->GetNames(function->memid, name.Receive(), 1, &count), S_OK);
-        slots[static_cast<std::size_t>(function->oVft) / sizeof(void*)] = TextOf(name.Get());
-        type->ReleaseFuncDesc(function);
-    }
-    std::wstring operations;
-    for (std::size_t slot = 7; slot < slots.size(); ++slot) {
-        operations += (slot == 7 ? L"" : L" ") + slots[slot];
-    }
-    return operations;
-}
-
-TEST_F(HostObjectsWinTest, TheFunctionTablesNeverChange) {
-    const struct {
-        const wchar_t* classId;  ///< whose default interface it is; null for none
-        const wchar_t* interfaceId;
-        const wchar_t* operations;
-    } cases[] = {
-        {L"{38E5B774-7F17-48A4-BB8A-CEEA8FE4F258}", L"{43BFF338-2E24-4C50-A907-5BC09C5DF52A}", L"Get Set"},
-        {L"{A59ECFF0-11E3-4339-B008-8FBD1D3B6420}", L"{38980663-5FC7-48BB-9A47-4CC46914C1C9}",
-         L"GetProjectFolder GetOptionItem"},
-        {L"{41A55615-706A-467A-9682-DCB2F9C98BC5}", L"{F2E2834F-A4F3-4669-A120-E769C4974D21}",
-         L"Open Width Height PixelWidth PixelHeight LinearUnit Wkt ProjectionCode ColorModel RasterKind "
-         L"BandCount BitsPerBand OverviewCount GetExtent"},
-        {nullptr, L"{37CAEEE9-175A-473E-A366-7C5B4F58D29E}", L"Detail"},
-        {L"{FAFBA4E0-3533-449F-8A15-D7B13B1A1591}", L"{87F5FD2E-9ED1-4E93-91BF-516E5E9BE0A6}",
-         L"Open ShapeCount ShapeType GetExtent FieldCount GetFieldInfo"},
-    };
-    ComPtr<ITypeLib> library;
-    const std::wstring module = ModuleFile(reinterpret_cast<const void*>(&RegisterHostClass));
-    ASSERT_EQ(LoadTypeLibEx(module.c_str(), REGKIND_NONE, library.Receive()), S_OK);
-    for (const auto& c : cases) {
-        if (c.classId != nullptr) {
-            EXPECT_EQ(DefaultInterfaceOf(TypeOf(library, c.classId)), c.interfaceId);
+class OneFile final : public OrvexRasterInformation {
+  public:
+    std::int32_t Describe(const std::wstring& path, RasterProperties& properties,
+                          std::wstring& reason) override {
+        if (path.empty()) {
+            reason = L"There is no path.";
+            return kHostFail;
         }
-        EXPECT_EQ(OperationsOf(TypeOf(library, c.interfaceId)), c.operations);
+        properties.width = 5;
+        properties.height = 6;
+        properties.hasDetails = true;
+        properties.driver = L"GTiff";
+        return kHostOk;
     }
+};
+
+void Offer() {
+    RegisterHostClass(kRasterInformationClass, [] { return std::make_unique<OneFile>(); });
+}
+void Withdraw() {
+    RegisterHostClass(kRasterInformationClass, nullptr);
+}
+
+template <typename Work>
+void OnThread(Work work) {
+    std::thread(std::move(work)).join();
+}
+
+/// What making an object on this thread gives, by way of the component.
+std::int32_t Make() {
+    std::int32_t result = 1;
+    const auto object = MakeHostObjects()->RasterInformation()(result);
+    EXPECT_EQ(object != nullptr, result == kHostOk);
+    return result;
+}
+
+/// Nobody keeps COM initialised for threads that are in no apartment.
+void ExpectNoMta() {
+    OnThread([] {
+        APTTYPE type{};
+        EXPECT_EQ(ApartmentOf(type), CO_E_NOTINITIALIZED);
+    });
+}
+
+TEST(RasterInformationWin, IsFoundInTheMultithreadedApartmentAndWhereItWasRegistered) {
+    for (const COINIT kind : {COINIT_APARTMENTTHREADED, COINIT_MULTITHREADED}) {
+        OnThread([kind] {
+            const ComApartment apartment(kind);
+            Offer();
+            EXPECT_EQ(Make(), kHostOk);
+            OnThread([] { EXPECT_EQ(Make(), kHostOk) << "a thread in no apartment"; });
+            OnThread([] {
+                const ComApartment mta(COINIT_MULTITHREADED);
+                EXPECT_EQ(Make(), kHostOk);
+                APTTYPE type{};
+                EXPECT_EQ(ApartmentOf(type), S_OK);
+                EXPECT_EQ(type, APTTYPE_MTA) << "stays in it";
+            });
+            OnThread([] {
+                const ComApartment sta;
+                EXPECT_EQ(Make(), kHostClassNotRegistered) << "an apartment of its own";
+            });
+            Withdraw();
+            EXPECT_EQ(Make(), kHostClassNotRegistered);
+            OnThread([] { EXPECT_EQ(Make(), kHostClassNotRegistered); });
+        });
+        ExpectNoMta();
+    }
+}
+
+TEST(RasterInformationWin, WhatHoldsTheMakerHoldsTheApartment) {
+    RasterInformationMaker maker = MakeHostObjects()->RasterInformation();
+    OnThread([] {
+        APTTYPE type{};
+        EXPECT_EQ(ApartmentOf(type), S_OK) << "so that a library is not loaded anew for every file";
+    });
+    maker = nullptr;
+    ExpectNoMta();
+}
+
+TEST(RasterInformationWin, EveryPropertyFailsUnlessAFileIsOpen) {
+    const ComApartment apartment;
+    Offer();
+    ComPtr<IOrvexRasterInformation> object;
+    ASSERT_EQ(CoCreateInstance(kRasterClass, nullptr, CLSCTX_ALL, __uuidof(IOrvexRasterInformation),
+                               object.ReceiveAny()),
+              S_OK);
+    ComPtr<IOrvexRasterDetails> details;
+    ASSERT_EQ(object->QueryInterface(__uuidof(IOrvexRasterDetails), details.ReceiveAny()), S_OK);
+    const BString name(L"Driver");
+    const auto expect = [&](HRESULT wanted) {
+        long width = 9;
+        double pixel = 9;
+        BString text;
+        Variant item;
+        EXPECT_EQ(object->get_Width(&width), wanted);
+        EXPECT_EQ(object->get_PixelWidth(&pixel), wanted);
+        EXPECT_EQ(object->get_Wkt(text.Receive()), wanted);
+        EXPECT_EQ(details->get_Detail(name.Get(), 0, item.InOut()), wanted);
+        EXPECT_EQ(item.Get().vt, wanted == S_OK ? VT_BSTR : VT_EMPTY);
+        EXPECT_EQ(width, wanted == S_OK ? 5 : 0);
+    };
+    expect(E_FAIL);
+    EXPECT_EQ(object->Open(BString(L"a").Get()), S_OK);
+    expect(S_OK);
+    double edge = 0;
+    EXPECT_EQ(object->GetExtent(&edge, &edge, &edge, &edge), E_FAIL) << "no georeference";
+    EXPECT_EQ(object->GetExtent(&edge, nullptr, &edge, &edge), E_POINTER);
+    EXPECT_EQ(object->Open(nullptr), E_FAIL);
+    expect(E_FAIL);
+    Withdraw();
 }
 
 }  // namespace

@@ -29,6 +29,16 @@ class StringLibrary : public testing::Test {
     LSMissingIdHandler previous_ = nullptr;
 };
 
+TEST(Language, FollowsTheLanguageOfALocaleName) {
+    for (const char* name : {"de", "DE", "de_DE", "de_DE.UTF-8", "de-AT", "de_CH@euro", "de.UTF-8"}) {
+        EXPECT_EQ(LanguageOf(name), Language::kGerman) << name;
+    }
+    for (const char* name :
+         {"", "C", "POSIX", "C.UTF-8", "en", "en_GB.UTF-8", "fr_DE", "den", "d", "nds_DE", "_de", "1de"}) {
+        EXPECT_EQ(LanguageOf(name), Language::kEnglish) << name;
+    }
+}
+
 TEST_F(StringLibrary, GivesEveryTextOfTheUsersLanguage) {
     for (const StringEntry& entry : ParseStringTable(EmbeddedTable(UserLanguage())).entries) {
         EXPECT_EQ(LSwchar(entry.id), FromUtf8(entry.text)) << entry.id;

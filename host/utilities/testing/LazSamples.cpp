@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
@@ -130,31 +129,6 @@ void WriteSample(const std::wstring& path, const LazSample& sample, bool compres
         writer.Check(laszip_write_point(writer.Get()));
     }
     writer.Check(laszip_close_writer(writer.Get()));
-}
-
-void AppendExtendedRecords(const std::wstring& path, const std::vector<TrailingRecord>& records) {
-    const std::uint64_t start = std::filesystem::file_size(ToPath(path));
-    std::ofstream file(ToPath(path), std::ios::binary | std::ios::app);
-    for (const TrailingRecord& record : records) {
-        std::string header(60, '\0');
-        header.replace(2, record.userId.size(), record.userId);
-        header.replace(18, 2, Bytes(record.recordId));
-        header.replace(20, 8, Bytes(std::uint64_t{record.data.size()}));
-        file << header << record.data;
-    }
-    file.close();
-    char minor = 0;
-    std::ifstream(ToPath(path), std::ios::binary).seekg(25).get(minor);
-    PatchFile(path, minor == 3 ? 227 : 235, Bytes(start));
-    if (minor != 3) {
-        PatchFile(path, 243, Bytes(static_cast<std::uint32_t>(records.size())));
-    }
-}
-
-void PatchFile(const std::wstring& path, std::uint64_t offset, const std::string& bytes) {
-    std::fstream file(ToPath(path), std::ios::binary | std::ios::in | std::ios::out);
-    file.seekp(static_cast<std::streamoff>(offset));
-    file << bytes;
 }
 
 }  // namespace orvex::testing

@@ -1,9 +1,6 @@
 #pragma once
 #include <cstdint>
 #include <string>
-#include <vector>
-
-#include "support/testing/Bytes.h"
 
 namespace orvex::testing {
 
@@ -18,18 +15,5 @@ struct LazSample {
 
 /// Writes the sample, compressed or not; the two hold the same points and records.
 void WriteSample(const std::wstring& path, const LazSample& sample, bool compress);
-
-struct TrailingRecord {
-    std::string userId;
-    std::uint16_t recordId = 0;
-    std::string data;
-};
-
-/// Appends extended records to a file and enters them in its header (LAS 1.4), or the first of them as the
-/// waveform record (LAS 1.3).
-void AppendExtendedRecords(const std::wstring& path, const std::vector<TrailingRecord>& records);
-
-/// Overwrites bytes of a file.
-void PatchFile(const std::wstring& path, std::uint64_t offset, const std::string& bytes);
 
 }  // namespace orvex::testing

@@ -76,22 +76,6 @@ TEST(CrsTexts, CodesOfAWkt) {
     }
 }
 
-TEST(CrsTexts, NamesAndPrettyTexts) {
-    EXPECT_EQ(OrvexUtilities::CrsGetCRSName(Wkt(25832, kEsri)), "ETRS89 / UTM zone 32N");
-    EXPECT_EQ(OrvexUtilities::CrsGetCRSName(Wkt(7415)), "Amersfoort / RD New + NAP height");
-    for (const std::string bad : {"", "garbage", "PROJCS["}) {
-        EXPECT_EQ(OrvexUtilities::CrsGetCRSName(bad), "");
-        EXPECT_EQ(OrvexUtilities::CrsGetPrettyWktFromWKT(bad, true), "");
-    }
-    EXPECT_THAT(OrvexUtilities::CrsGetPrettyWktFromWKT(Wkt(25832, kWkt2), true),
-                ::testing::StartsWith("PROJCS[\"ETRS89 / UTM zone 32N\",\n    GEOGCS["));
-    EXPECT_THAT(OrvexUtilities::CrsGetPrettyWktFromWKT(Wkt(25832), false), ::testing::StartsWith("PROJCRS["));
-    EXPECT_THAT(OrvexUtilities::CrsGetPrettyWktFromEPSG(25832), ::testing::StartsWith("PROJCS["));
-    for (const int unknown : {0, -1, 99999999}) {
-        EXPECT_EQ(OrvexUtilities::CrsGetPrettyWktFromEPSG(unknown), "");
-    }
-}
-
 TEST(CrsTexts, TheSameCrsIsOneGroupInEveryDialect) {
     for (const int code : {4326, 25832, 2994, 2903, 7415, 5554, 3857}) {
         const std::string group = Group(Wkt(code));
@@ -132,18 +116,6 @@ TEST(CrsTexts, DifferentCrsAreDifferentGroups) {
         EXPECT_TRUE(groups.insert(Group(wkt)).second) << wkt;
     }
     EXPECT_EQ(Group(""), Group(" \r\n"));
-}
-
-TEST(CrsTexts, CacheSizeTakesFractionsOnly) {
-    const GIntBig before = GDALGetCacheMax64();
-    for (const double bad : {0.0, -0.5, 1.01, std::nan("")}) {
-        EXPECT_FALSE(OrvexUtilities::SetGDALRasterCacheSize(bad)) << bad;
-        EXPECT_EQ(GDALGetCacheMax64(), before);
-    }
-    ASSERT_TRUE(OrvexUtilities::SetGDALRasterCacheSize(0.125));
-    EXPECT_NEAR(static_cast<double>(GDALGetCacheMax64()), static_cast<double>(CPLGetUsablePhysicalRAM()) / 8,
-                1);
-    GDALSetCacheMax64(before);
 }
 
 }  // namespace

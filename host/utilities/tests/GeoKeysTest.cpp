@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <random>
-#include <thread>
 #include <vector>
 
 #include "orvexcommon/OrvexUtilities.h"
@@ -59,11 +58,6 @@ TEST(GeoKeys, BecomeAWkt) {
          {10.5, 11.25, 0.9998},
          "My zone|",
          R"(PARAMETER["central_meridian",11.25])"},
-        {"name of a user-defined one",
-         {kProjected, {2048, 0, 1, 4326}, {3072, 0, 1, 32767}, {3073, 34737, 8, 0}, {3075, 0, 1, 1}},
-         {},
-         "My zone|",
-         R"(PROJCS["My zone")"},
         {"unused keys are left out",
          {kProjected, kUtm32, {0, 0, 0, 0}, {65535, 0, 1, 1}, {3073, 34737, 500, 0}},
          {},
@@ -130,26 +124,6 @@ TEST(GeoKeys, RandomRecordsDoNoHarm) {
                                           reason);
     }
     EXPECT_EQ(CPLStringList(VSIReadDir("/vsimem/")).size(), 0) << "files left in memory";
-}
-
-TEST(GeoKeys, SeveralThreadsAtOnce) {
-    std::vector<std::thread> threads;
-    std::vector<int> wrong(4, 0);
-    for (std::size_t t = 0; t < wrong.size(); ++t) {
-        threads.emplace_back([t, &wrong] {
-            for (int i = 0; i < 30; ++i) {
-                const auto code = static_cast<std::uint16_t>(25828 + (static_cast<int>(t) * 7 + i) % 10);
-                std::string reason;
-                const std::string wkt = OrvexUtilities::CrsWktFromGeoKeys(
-                    Directory({kProjected, {3072, 0, 1, code}}), "", "", reason);
-                wrong[t] += wkt.ends_with("\"" + std::to_string(code) + "\"]]") ? 0 : 1;
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_THAT(wrong, ::testing::Each(0));
 }
 
 }  // namespace

@@ -8,17 +8,16 @@
 #include "host/utilities/testing/LazSamples.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Text.h"
+#include "support/testing/Bytes.h"
 #include "support/testing/Scripted.h"
 #include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
 
-using testing::AppendExtendedRecords;
 using testing::At;
 using testing::Bytes;
 using testing::LazSample;
-using testing::PatchFile;
 using testing::ReadFile;
 using testing::RecordingProgress;
 using testing::TemporaryFolder;
@@ -43,6 +42,29 @@ std::string Decompressed(const std::wstring& laz) {
     const Attempt attempt = Decompress(laz, las);
     EXPECT_TRUE(attempt.isDone) << ToUtf8(attempt.reason);
     return ReadFile(las);
+}
+
+struct TrailingRecord {
+    std::string userId;
+    std::uint16_t recordId = 0;
+    std::string data;
+};
+
+/// Appends extended records to a file and enters them in its header (LAS 1.4), or the first of them as the
+/// waveform record (LAS 1.3).
+std::string WithExtendedRecords(std::string bytes, const std::vector<TrailingRecord>& records) {
+    const std::string start = Bytes(std::uint64_t{bytes.size()});
+    for (const TrailingRecord& record : records) {
+        std::string header(60, '\0');
+        header.replace(2, record.userId.size(), record.userId);
+        header.replace(18, 2, Bytes(record.recordId));
+        header.replace(20, 8, Bytes(std::uint64_t{record.data.size()}));
+        bytes += header + record.data;
+    }
+    if (bytes[25] == 3) {
+        return bytes.replace(227, 8, start);
+    }
+    return bytes.replace(235, 12, start + Bytes(static_cast<std::uint32_t>(records.size())));
 }
 
 /// Expects a decompression to fail with a reason that names the file, leaving nothing new in the folder.
@@ -110,10 +132,10 @@ TEST(LazDecompress, MovesExtendedRecordsBehindThePoints) {
     const TemporaryFolder folder;
     const std::wstring laz = folder.Name(L"a.laz");
     WriteSample(laz, {4, 6, 30, 100}, true);
-    AppendExtendedRecords(laz, {{"LASF_Projection", 2112, "WKT text"},
-                                {"copc", 1000, "where the chunks were"},
-                                {"other", 5, std::string(3 << 20, 'x')}});
-    const std::string las = Decompressed(laz);
+    const std::string las = Decompressed(folder.Write(
+        L"b.laz", WithExtendedRecords(ReadFile(laz), {{"LASF_Projection", 2112, "WKT text"},
+                                                      {"copc", 1000, "where the chunks were"},
+                                                      {"other", 5, std::string(3 << 20, 'x')}})));
     ASSERT_NE(las, "");
     const std::size_t start = At<std::uint32_t>(las, 96) + std::size_t{30} * 100;
     EXPECT_EQ(At<std::uint64_t>(las, 235), start);
@@ -132,10 +154,11 @@ TEST(LazDecompress, AnnouncesNoExtendedRecordsWhereNoneAreUsable) {
         std::uint64_t start;
         std::uint32_t count;
     } cases[] = {{0, 0}, {farAway, 1}, {1, 0xFFFFFFFF}, {375, 3}};
+    WriteSample(laz, {4, 6, 30, 10}, true);
     for (const auto& row : cases) {
-        WriteSample(laz, {4, 6, 30, 10}, true);
-        PatchFile(laz, 235, Bytes(row.start) + Bytes(row.count));
-        const std::string las = Decompressed(laz);
+        std::string bytes = ReadFile(laz);
+        bytes.replace(235, 12, Bytes(row.start, row.count));
+        const std::string las = Decompressed(folder.Write(L"b.laz", bytes));
         ASSERT_NE(las, "");
         EXPECT_EQ(At<std::uint64_t>(las, 235), 0U) << row.start;
         EXPECT_EQ(At<std::uint32_t>(las, 243), 0U) << row.start;
@@ -147,8 +170,8 @@ TEST(LazDecompress, MovesTheWaveformRecordOfOlderFiles) {
     const TemporaryFolder folder;
     const std::wstring laz = folder.Name(L"a.laz");
     WriteSample(laz, {3, 1, 28, 100}, true);
-    AppendExtendedRecords(laz, {{"LASF_Spec", 65535, "packets"}});
-    const std::string las = Decompressed(laz);
+    const std::string las = Decompressed(
+        folder.Write(L"b.laz", WithExtendedRecords(ReadFile(laz), {{"LASF_Spec", 65535, "packets"}})));
     ASSERT_NE(las, "");
     const std::size_t start = At<std::uint32_t>(las, 96) + std::size_t{28} * 100;
     EXPECT_EQ(At<std::uint64_t>(las, 227), start);
@@ -240,12 +263,8 @@ TEST(LazDecompress, PlacesThatCannotBeWrittenGiveAReason) {
     ExpectFailure(folder, laz, laz);
 }
 
-class ThrowingProgress final : public Kst::ProgressIf {
-  public:
-    void SetRange(std::uint64_t) override {}
-    void SetText(const std::wstring&) override {}
+struct ThrowingProgress final : RecordingProgress {
     void SetPosition(std::uint64_t) override { throw std::runtime_error("the window is gone"); }
-    bool IsCancelled() override { return false; }
 };
 
 TEST(LazDecompress, AnExceptionFromTheProgressLeavesNothing) {

@@ -1,4 +1,3 @@
-// Windows refuses to replace a file in use: the file stays and the user reads why.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -12,44 +11,33 @@
 namespace orvex {
 namespace {
 
-using testing::ReadFile;
-using testing::RecordingProgress;
-using testing::TemporaryFolder;
-using testing::WriteSample;
-
-class ReplacingALasFile : public ::testing::Test {
-  protected:
-    ReplacingALasFile() { WriteSample(laz_, {2, 1, 28, 100}, true); }
-
-    void ExpectRefusal(SystemError error) const {
-        RecordingProgress progress;
-        std::wstring reason;
-        EXPECT_FALSE(OrvexUtilities::LAZDecompress(laz_, las_, progress, reason));
-        EXPECT_NE(reason.find(las_), std::wstring::npos) << ToUtf8(reason);
-        EXPECT_NE(reason.find(SystemErrorText(error)), std::wstring::npos) << ToUtf8(reason);
-        EXPECT_EQ(folder_.Entries(), 2U);
-        EXPECT_EQ(ReadFile(las_), "older");
-    }
-
-    const TemporaryFolder folder_;
-    const std::wstring laz_ = folder_.Name(L"a.laz");
-    const std::wstring las_ = folder_.Write(L"a.las", "older");
-};
-
-TEST_F(ReplacingALasFile, NeedsAllItsReadersToBeDone) {
+// Windows refuses to replace a file in use: the file stays and the user reads why.
+TEST(LazDecompress, ALasFileIsReplacedWhenAllItsReadersAreDone) {
+    const testing::TemporaryFolder folder;
+    const std::wstring laz = folder.Name(L"a.laz");
+    const std::wstring las = folder.Write(L"a.las", "older");
+    testing::WriteSample(laz, {2, 1, 28, 100}, true);
+    testing::RecordingProgress progress;
+    std::wstring reason;
+    const auto expectRefusal = [&] {
+        EXPECT_FALSE(OrvexUtilities::LAZDecompress(laz, las, progress, reason));
+        EXPECT_NE(reason.find(las), std::wstring::npos) << ToUtf8(reason);
+        EXPECT_NE(reason.find(SystemErrorText(ERROR_SHARING_VIOLATION)), std::wstring::npos)
+            << ToUtf8(reason);
+        EXPECT_EQ(folder.Entries(), 2U);
+        EXPECT_EQ(testing::ReadFile(las), "older");
+    };
     MappedView view;
     {
         MappedFile file;
-        ASSERT_EQ(file.Open(las_, true), 0);
-        ExpectRefusal(ERROR_SHARING_VIOLATION);
+        ASSERT_EQ(file.Open(las, true), 0);
+        expectRefusal();
         ASSERT_EQ(file.CreateMapping(), 0);
         ASSERT_EQ(file.Map(0, 5, false, view), 0);
     }
-    ExpectRefusal(ERROR_SHARING_VIOLATION);  // by the view alone
+    expectRefusal();  // by the view alone
     view = MappedView();
-    RecordingProgress progress;
-    std::wstring reason;
-    EXPECT_TRUE(OrvexUtilities::LAZDecompress(laz_, las_, progress, reason)) << ToUtf8(reason);
+    EXPECT_TRUE(OrvexUtilities::LAZDecompress(laz, las, progress, reason)) << ToUtf8(reason);
 }
 
 }  // namespace
