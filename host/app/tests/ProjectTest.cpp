@@ -1,10 +1,13 @@
+// What the host keeps between its runs.
 #include "host/app/Project.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
+#include "host/app/HostPreferences.h"
 #include "host/app/ProjectFile.h"
+#include "host/app/SampleProject.h"
 #include "support/QtText.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
@@ -12,6 +15,7 @@
 namespace orvex {
 namespace {
 
+namespace fs = std::filesystem;
 using testing::TemporaryFolder;
 
 constexpr const char* kUtm = "a CRS";
@@ -125,6 +129,55 @@ TEST(Project, RemovesFilesAndTheLayersThatTheyLeaveEmpty) {
     ASSERT_EQ(project.layers.size(), 1U);
     ASSERT_EQ(project.layers[0].files.size(), 1U);
     EXPECT_EQ(project.layers[0].files[0].path, L"/2");
+}
+
+TEST(SampleProject, OfAnEarlierVersionGetsWhatItLacksAndLosesNothing) {
+    const TemporaryFolder folder;
+    folder.Write(L"Größe 日本/data/kept.las", "what was there");
+    folder.Write(L"Größe 日本/data/rasters.new/half.tif", "of an interrupted run");
+    const fs::path project = folder.Path() / ToPath(L"Größe 日本");
+    ASSERT_EQ(EnsureSampleProject(project), project);
+    const fs::path data = SampleData(project);
+    EXPECT_EQ(testing::ReadFile(FromPath(data / "kept.las")), "what was there");
+    EXPECT_FALSE(fs::exists(data / "wgs84.las")) << "mixed with what was there";
+    EXPECT_TRUE(fs::exists(data / "elevation" / "terrain.bil"));
+    EXPECT_FALSE(fs::exists(data / "rasters" / "half.tif"));
+    EXPECT_FALSE(fs::exists(data / "rasters.new"));
+
+    fs::remove(data / "elevation" / "terrain.bil");
+    EnsureSampleProject(project);
+    EXPECT_FALSE(fs::exists(data / "elevation" / "terrain.bil")) << "made twice";
+}
+
+TEST(HostPreferences, RemembersThroughItsFile) {
+    const TemporaryFolder folder;
+    const QString path = ToQString(folder.Name(L"sub/host.json"));
+    {
+        HostPreferences preferences(path);
+        preferences.dark = true;
+        preferences.windowGeometry = QByteArray("\x00\xFF\x10", 3);
+        for (int i = 0; i < 12; ++i) {
+            preferences.AddRecentProject(QString("/Projekt \u00E4 %1").arg(i));
+        }
+        preferences.AddRecentProject(QString("/Projekt \u00E4 5"));
+        preferences.RemoveRecentProject(QString("/Projekt \u00E4 9"));
+        preferences.Save();
+    }
+    const HostPreferences preferences(path);
+    EXPECT_TRUE(preferences.dark);
+    EXPECT_EQ(preferences.windowGeometry, QByteArray("\x00\xFF\x10", 3));
+    ASSERT_EQ(preferences.RecentProjects().size(), 9);
+    EXPECT_EQ(preferences.RecentProjects()[0], QString("/Projekt \u00E4 5"));
+    EXPECT_EQ(preferences.RecentProjects()[1], QString("/Projekt \u00E4 11"));
+}
+
+TEST(HostPreferences, ADamagedFileGivesTheDefaults) {
+    const TemporaryFolder folder;
+    for (const char* content : {"", "{\"recentProjects\": 7, \"windowGeometry\": []", "[1, 2]", "\xFF\xFE"}) {
+        const HostPreferences preferences(ToQString(folder.Write(L"host.json", content)));
+        EXPECT_TRUE(preferences.RecentProjects().isEmpty());
+        EXPECT_FALSE(preferences.dark);
+    }
 }
 
 }  // namespace

@@ -43,23 +43,17 @@ std::wstring Large(const TemporaryFolder& folder, const std::wstring& name, bool
     return raster.Save(folder, name);
 }
 
-std::vector<int> OverviewWidths(const std::wstring& path) {
+/// Widths of the overviews, and a pixel of the first.
+std::pair<std::vector<int>, int> OverviewsOf(const std::wstring& path) {
     const GDALDatasetUniquePtr dataset(GDALDataset::Open(ToUtf8(path).c_str()));
     GDALRasterBand* band = dataset->GetRasterBand(1);
-    std::vector<int> widths(static_cast<std::size_t>(band->GetOverviewCount()));
-    for (std::size_t i = 0; i < widths.size(); ++i) {
-        widths[i] = band->GetOverview(static_cast<int>(i))->GetXSize();
+    std::vector<int> widths;
+    for (int i = 0; i < band->GetOverviewCount(); ++i) {
+        widths.push_back(band->GetOverview(i)->GetXSize());
     }
-    return widths;
-}
-
-int FirstOverviewPixel(const std::wstring& path) {
-    const GDALDatasetUniquePtr dataset(GDALDataset::Open(ToUtf8(path).c_str()));
     std::uint8_t pixel = 0;
-    EXPECT_EQ(dataset->GetRasterBand(1)->GetOverview(0)->RasterIO(GF_Read, 5, 5, 1, 1, &pixel, 1, 1, GDT_Byte,
-                                                                  0, 0),
-              CE_None);
-    return pixel;
+    EXPECT_EQ(band->GetOverview(0)->RasterIO(GF_Read, 5, 5, 1, 1, &pixel, 1, 1, GDT_Byte, 0, 0), CE_None);
+    return {widths, pixel};
 }
 
 TEST(Overviews, LieBesideTheRasterWhichStaysAsItWas) {
@@ -75,9 +69,8 @@ TEST(Overviews, LieBesideTheRasterWhichStaysAsItWas) {
     EXPECT_EQ(result.notNeeded, 1U);
     EXPECT_TRUE(result.failures.empty());
     EXPECT_EQ(testing::ReadFile(grey), before);
-    EXPECT_EQ(OverviewWidths(grey), (std::vector<int>{1000, 500, 250}));
-    EXPECT_EQ(FirstOverviewPixel(grey), 20) << "averaged";
-    EXPECT_THAT(FirstOverviewPixel(map), ::testing::AnyOf(10, 30))
+    EXPECT_EQ(OverviewsOf(grey), std::pair(std::vector{1000, 500, 250}, 20)) << "averaged";
+    EXPECT_THAT(OverviewsOf(map).second, ::testing::AnyOf(10, 30))
         << "an average of colour numbers means nothing";
     EXPECT_EQ(folder.Entries(), 5U) << "three rasters and two files of levels";
     EXPECT_EQ(steps.total, 3000U);
@@ -177,8 +170,6 @@ TEST_F(DemImportTest, FilesBecomeFilesOfTheirLayersAndAFailureIsNoEnd) {
     EXPECT_EQ(result.failures[0].path, bad.path);
     EXPECT_FALSE(result.failures[0].cause.empty());
     EXPECT_EQ(progress_.total, 3000U);
-    ASSERT_EQ(progress_.texts.size(), 3U);
-    EXPECT_NE(progress_.texts[2].find(L"b.tif"), std::wstring::npos);
 }
 
 TEST_F(DemImportTest, StoppingInTheMiddleKeepsWhatIsComplete) {

@@ -5,7 +5,6 @@
 #include <gdal_priv.h>
 
 #include "host/dem/HostGdal.h"
-#include "support/SpatialReference.h"
 #include "support/Text.h"
 
 namespace orvex::testing {
@@ -63,12 +62,6 @@ bool WriteValues(GDALRasterBand& band, const DemSample& sample) {
 }
 
 }  // namespace
-
-std::string WktOfRaster(const std::wstring& path) {
-    const GDALDatasetUniquePtr dataset(GDALDataset::Open(ToUtf8(path).c_str(), GDAL_OF_RASTER));
-    const OGRSpatialReference* const crs = dataset ? dataset->GetSpatialRef() : nullptr;
-    return crs == nullptr ? "" : ExportWkt(*crs, "WKT2_2019");
-}
 
 bool WriteDem(const std::wstring& path, const DemSample& sample) {
     if (!SetUpGdal()) {

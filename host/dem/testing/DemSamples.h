@@ -35,7 +35,4 @@ struct DemSample {
 /// Writes a GeoTIFF row by row. False if GDAL refuses.
 bool WriteDem(const std::wstring& path, const DemSample& sample);
 
-/// CRS of a raster file as WKT; empty if none.
-std::string WktOfRaster(const std::wstring& path);
-
 }  // namespace orvex::testing

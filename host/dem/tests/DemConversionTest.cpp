@@ -1,12 +1,15 @@
 // The LAS files that come out: their headers, CRS and points, as the component's own reader sees them.
 #include "host/dem/DemConversion.h"
 
+#include <gdal_priv.h>
+
 #include <algorithm>
 #include <cmath>
 
 #include "host/dem/tests/DemFixture.h"
 #include "las/LasRow.h"
 #include "orvexcommon/OrvexUtilities.h"
+#include "support/SpatialReference.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -32,7 +35,6 @@ class DemConversionTest : public DemFixture {
         EXPECT_EQ(header.HasStandardGpsTime(), hasTime && versionMinor >= 2);
         EXPECT_TRUE(!header.HasWktBit() || versionMinor == 4);
         EXPECT_TRUE(header.HasWktBit() || format < 6);
-        EXPECT_GE(header.CreationYear(), 2024);
     }
 };
 
@@ -94,8 +96,10 @@ TEST_F(DemConversionTest, EveryVersionAndFormatOpensWithoutFindings) {
                     EXPECT_EQ(bytes.substr(227, 2), hasCrs ? "\xBB\xAA" : "\xCC\xDD");
                 }
                 if (hasCrs && crs.fitsGeoKeys) {
+                    const GDALDatasetUniquePtr raster(GDALDataset::Open(ToUtf8(path).c_str()));
+                    const std::string wkt = ExportWkt(*raster->GetSpatialRef(), "WKT2_2019");
                     EXPECT_EQ(OrvexUtilities::GetCompatibilityGroup(result.wkt),
-                              OrvexUtilities::GetCompatibilityGroup(testing::WktOfRaster(path)));
+                              OrvexUtilities::GetCompatibilityGroup(wkt));
                 }
             }
         }

@@ -64,12 +64,7 @@ TEST_F(HostObjectsTest, ExistWhileTheClassesDo) {
     }
     EXPECT_EQ(host_->CreateApplication(result), nullptr);
     EXPECT_EQ(result, kHostClassNotRegistered);
-    try {
-        const SystemSettings settings(*host_);
-        ADD_FAILURE() << "settings without a host";
-    } catch (const LDataError& error) {
-        EXPECT_EQ(error.Text(), L"Failed to create OrvexSystemSettings object");
-    }
+    EXPECT_THROW(const SystemSettings settings(*host_), LDataError);
 }
 
 TEST_F(HostObjectsTest, SettingsKeepTheirTypesFromRunToRun) {

@@ -4,7 +4,6 @@
 
 #include <bit>
 #include <map>
-#include <stdexcept>
 #include <thread>
 
 #include "orvexcommon/HostInterfaces.h"
@@ -46,12 +45,11 @@ class StoredSettings final : public OrvexSystemSettings {
 
 class HostObjectsWinTest : public ::testing::Test {
   protected:
-    HostObjectsWinTest() { Register(); }
-    ~HostObjectsWinTest() override { RegisterHostClass(kSystemSettingsClass, nullptr); }
-
-    void Register() {
+    HostObjectsWinTest() {
         RegisterHostClass(kSystemSettingsClass, [this] { return std::make_unique<StoredSettings>(store_); });
     }
+    ~HostObjectsWinTest() override { RegisterHostClass(kSystemSettingsClass, nullptr); }
+
     std::unique_ptr<OrvexSystemSettings> Settings(std::int32_t wanted = kHostOk) {
         std::int32_t result = kHostOk;
         auto settings = MakeHostObjects()->CreateSystemSettings(result);
@@ -183,17 +181,6 @@ TEST_F(HostObjectsWinTest, AThreadIsLeftInTheApartmentThatItWasIn) {
         EXPECT_EQ(ApartmentOf(type), S_OK);
         RegisterHostClass(kApplicationClass, nullptr);
         EXPECT_EQ(ApartmentOf(type), CO_E_NOTINITIALIZED);
-    }).join();
-    RegisterHostClass(kSystemSettingsClass, nullptr);
-    std::thread([this] {
-        ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
-        Register();
-        Settings();
-        RegisterHostClass(kSystemSettingsClass, nullptr);
-        APTTYPE type{};
-        EXPECT_EQ(ApartmentOf(type), S_OK);
-        EXPECT_EQ(type, APTTYPE_MTA);
-        CoUninitialize();
     }).join();
 }
 

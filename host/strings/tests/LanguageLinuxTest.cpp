@@ -14,7 +14,6 @@ TEST(Language, TakesTheFirstVariableThatSaysSomething) {
     };
     const Case cases[] = {
         {{}, ""},
-        {{{"LANG", "de_DE.UTF-8"}}, "de_DE.UTF-8"},
         {{{"LANG", "en_US"}, {"LC_MESSAGES", "de_DE"}}, "de_DE"},
         {{{"LANG", "en_US"}, {"LC_MESSAGES", "fr_FR"}, {"LC_ALL", "de_DE"}}, "de_DE"},
         {{{"LC_ALL", "de_DE"}, {"ORVEX_LANGUAGE", "en"}}, "en"},

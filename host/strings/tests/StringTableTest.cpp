@@ -15,7 +15,6 @@ TEST(StringTable, ReadsTextsAndResolvesEscapes) {
     EXPECT_TRUE(table.problems.empty());
     ASSERT_EQ(table.entries.size(), 3U);
     EXPECT_EQ(table.entries[0].id, 7U);
-    EXPECT_EQ(table.entries[0].name, "");
     EXPECT_EQ(table.entries[0].text, "First line\nsecond\tcell \\n");
     EXPECT_EQ(table.entries[1].id, 4294967295U);
     EXPECT_EQ(table.entries[1].name, "kLarger");

@@ -50,10 +50,7 @@ void FillHeader(laszip_header_struct& header, const LazSample& sample) {
     constexpr std::array<laszip_U16, 5> kSizes = {227, 227, 227, 235, 375};
     header.header_size = kSizes.at(sample.versionMinor);
     header.offset_to_point_data = header.header_size;
-    std::memcpy(header.system_identifier, "sample", 6);
     std::memcpy(header.generating_software, "maker of the sample", 19);
-    header.file_creation_day = 12;
-    header.file_creation_year = 2024;
     header.point_data_format = sample.pointFormat;
     header.point_data_record_length = sample.recordLength;
     if (sample.pointFormat >= 6) {

@@ -1,7 +1,5 @@
 #include <cpl_string.h>
-#include <gdal.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <ogr_spatialref.h>
 
 #include <array>

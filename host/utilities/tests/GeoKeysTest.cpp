@@ -1,7 +1,6 @@
 #include <cpl_string.h>
 #include <cpl_vsi.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <random>
