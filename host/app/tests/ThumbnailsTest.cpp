@@ -20,8 +20,6 @@ using testing::TemporaryFolder;
 using testing::TestRaster;
 using Pixel = std::array<int, 4>;
 
-constexpr Pixel kNothing = {0, 0, 0, 0};
-
 bool Never() {
     return false;
 }
@@ -35,10 +33,6 @@ Thumbnail ReadWhole(const std::wstring& path) {
     Thumbnail picture = ReadThumbnail(path, Never);
     EXPECT_EQ(picture.problem, "");
     return picture;
-}
-
-Pixel Grey(int shade) {
-    return {shade, shade, shade, 255};
 }
 
 class ThumbnailTest : public ::testing::Test {
@@ -79,7 +73,8 @@ TEST_F(ThumbnailTest, ValuesBecomeShadesByWhatTheirTypeMeans) {
         ASSERT_EQ(picture.image.width(), 2);
         for (int i = 0; i < 4; ++i) {
             const int shade = c.shades[static_cast<std::size_t>(i)];
-            EXPECT_EQ(PixelOf(picture, i % 2, i / 2), shade < 0 ? kNothing : Grey(shade)) << i;
+            EXPECT_EQ(PixelOf(picture, i % 2, i / 2), (shade < 0 ? Pixel() : Pixel{shade, shade, shade, 255}))
+                << i;
         }
     }
     EXPECT_EQ(folder_.Entries(), 1U) << "something was written beside the raster";
@@ -180,10 +175,6 @@ TEST_F(ThumbnailTest, CancellingLeavesNeitherPictureNorProblem) {
     EXPECT_EQ(asked, 4);
 }
 
-Thumbnail OnePixel() {
-    return {QImage(1, 1, QImage::Format_ARGB32_Premultiplied), {}};
-}
-
 TEST(Thumbnails, ReadsWhatIsWantedAndForgetsTheRest) {
     std::promise<void> started;
     Thumbnails thumbnails(
@@ -197,7 +188,7 @@ TEST(Thumbnails, ReadsWhatIsWantedAndForgetsTheRest) {
             if (path == L"throws") {
                 throw std::runtime_error("no such thing");
             }
-            return OnePixel();
+            return Thumbnail{QImage(1, 1, QImage::Format_ARGB32_Premultiplied), {}};
         });
     QSignalSpy changed(&thumbnails, &Thumbnails::Changed);
     thumbnails.Request({L"endless", L"a", L"throws"});

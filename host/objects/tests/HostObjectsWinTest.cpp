@@ -299,11 +299,9 @@ TEST(RasterInformationWin, EveryPropertyFailsUnlessAFileIsOpen) {
     const BString name(L"Driver");
     const auto expect = [&](HRESULT wanted) {
         long width = 9;
-        double pixel = 9;
         BString text;
         Variant item;
         EXPECT_EQ(object->get_Width(&width), wanted);
-        EXPECT_EQ(object->get_PixelWidth(&pixel), wanted);
         EXPECT_EQ(object->get_Wkt(text.Receive()), wanted);
         EXPECT_EQ(details->get_Detail(name.Get(), 0, item.InOut()), wanted);
         EXPECT_EQ(item.Get().vt, wanted == S_OK ? VT_BSTR : VT_EMPTY);
@@ -314,7 +312,6 @@ TEST(RasterInformationWin, EveryPropertyFailsUnlessAFileIsOpen) {
     expect(S_OK);
     double edge = 0;
     EXPECT_EQ(object->GetExtent(&edge, &edge, &edge, &edge), E_FAIL) << "no georeference";
-    EXPECT_EQ(object->GetExtent(&edge, nullptr, &edge, &edge), E_POINTER);
     EXPECT_EQ(object->Open(nullptr), E_FAIL);
     expect(E_FAIL);
     Withdraw();

@@ -43,11 +43,6 @@ class RasterInformationTest : public ::testing::Test {
                           [this] { return std::make_unique<ScriptedRaster>(properties_); });
     }
     static void Withdraw() { RegisterHostClass(kRasterInformationClass, nullptr); }
-    void ExpectMade(std::int32_t wanted) const {
-        std::int32_t result = 1;
-        EXPECT_EQ(maker_(result) != nullptr, wanted == kHostOk);
-        EXPECT_EQ(result, wanted);
-    }
     std::unique_ptr<OrvexRasterInformation> Object() const {
         std::int32_t result = kHostFail;
         auto object = maker_(result);
@@ -140,7 +135,9 @@ TEST_F(RasterInformationTest, AFactoryThatMakesNoSuchObjectIsAFailure) {
     };
     for (const HostObjectFactory& factory : factories) {
         RegisterHostClass(kRasterInformationClass, factory);
-        std::thread([this] { ExpectMade(kHostFail); }).join();
+        std::int32_t result = kHostOk;
+        std::thread([&] { EXPECT_EQ(maker_(result), nullptr); }).join();
+        EXPECT_EQ(result, kHostFail);
     }
 }
 

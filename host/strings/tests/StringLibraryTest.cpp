@@ -42,7 +42,6 @@ TEST(Language, FollowsTheLanguageOfALocaleName) {
 TEST_F(StringLibrary, GivesEveryTextOfTheUsersLanguage) {
     for (const StringEntry& entry : ParseStringTable(EmbeddedTable(UserLanguage())).entries) {
         EXPECT_EQ(LSwchar(entry.id), FromUtf8(entry.text)) << entry.id;
-        EXPECT_EQ(LSIDwchar(entry.id), FromUtf8(entry.text)) << entry.id;
     }
     EXPECT_TRUE(reported.empty());
 }

@@ -49,10 +49,5 @@ TEST(StringTable, SkipsAMalformedLineAndSaysWhy) {
     }
 }
 
-TEST(StringTable, AMissingTextComesFromTheFallback) {
-    const auto texts = MergeStringTables("1\teins\tuse\n3\tdrei\tuse\n", "1\tone\tuse\n2\ttwo\tuse\n");
-    EXPECT_EQ(texts, (std::unordered_map<unsigned, std::string>{{1, "eins"}, {2, "two"}, {3, "drei"}}));
-}
-
 }  // namespace
 }  // namespace orvex
