@@ -106,18 +106,6 @@ TEST_F(DemConversionTest, EveryVersionAndFormatOpensWithoutFindings) {
     }
 }
 
-TEST_F(DemConversionTest, AVersionRefusesTheFormatsOfLaterOnes) {
-    const std::wstring path = Write({});
-    const struct {
-        int minor, format;
-    } cases[] = {{0, 2}, {1, 3}, {2, 4}, {3, 6}, {4, 9}, {4, -1}, {5, 0}, {-1, 0}};
-    for (const auto& refused : cases) {
-        options_.versionMinor = refused.minor;
-        options_.pointFormat = refused.format;
-        EXPECT_FALSE(FailureOf(path).empty()) << refused.minor << " " << refused.format;
-    }
-}
-
 TEST_F(DemConversionTest, PointsLieAtPixelCentres) {
     const struct {
         const char* what;

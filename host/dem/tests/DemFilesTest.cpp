@@ -24,6 +24,13 @@ class DemFilesTest : public testing::DemFixture {
         });
         return names;
     }
+    /// Expects a failure that names the file and the cause, and no LAS file.
+    void ExpectFailure(const std::wstring& path, const std::wstring& cause) const {
+        const std::wstring text = FailureOf(path);
+        EXPECT_NE(text.find(FileNameOf(path)), std::wstring::npos) << ToUtf8(text);
+        EXPECT_NE(text.find(cause), std::wstring::npos) << ToUtf8(text);
+        EXPECT_TRUE(NamesIn(L"out").empty());
+    }
 };
 
 TEST_F(DemFilesTest, TakesTheNextFreeNameAndLeavesNothingBesideTheRaster) {
@@ -118,23 +125,29 @@ TEST_F(DemFilesTest, FailuresNameTheFileAndLeaveNothing) {
         {folder_.Name(L"in/missing.tif"), L"does not exist"},
     };
     for (const auto& failing : cases) {
-        const std::wstring text = FailureOf(failing.path);
-        EXPECT_NE(text.find(FileNameOf(failing.path)), std::wstring::npos) << ToUtf8(text);
-        EXPECT_NE(text.find(failing.cause), std::wstring::npos) << ToUtf8(text);
-        EXPECT_TRUE(NamesIn(L"out").empty());
+        ExpectFailure(failing.path, failing.cause);
     }
     options_.thinning = 16;  // the heights may be among those left out
-    EXPECT_NE(FailureOf(folder_.Name(L"in/noheights.tif")).find(L"a thinning of 16"), std::wstring::npos);
-    options_.thinning = 1;
+    ExpectFailure(folder_.Name(L"in/noheights.tif"), L"a thinning of 16");
+}
+
+TEST_F(DemFilesTest, WhatTheOptionsCannotTakeIsRefused) {
+    const std::pair<int, int> laterFormats[] = {{0, 2}, {1, 3},  {2, 4}, {3, 6},
+                                                {4, 9}, {4, -1}, {5, 0}, {-1, 0}};
+    for (const auto& [minor, format] : laterFormats) {
+        options_.versionMinor = minor;
+        options_.pointFormat = format;
+        EXPECT_FALSE(FailureOf(Write({})).empty()) << minor << " " << format;
+    }
     options_.versionMinor = 2;
+    options_.pointFormat = 0;
     // A raster of one value, described in a few bytes: more points than an old version can count.
-    const std::wstring text = FailureOf(folder_.Write(
-        L"in/large.vrt",
-        R"(<VRTDataset rasterXSize="70000" rasterYSize="70000"><GeoTransform>0,1,0,0,0,-1</GeoTransform>)"
-        R"(<VRTRasterBand dataType="Byte" band="1"/></VRTDataset>)"));
-    EXPECT_NE(text.find(L"4294967295"), std::wstring::npos) << ToUtf8(text);
-    EXPECT_NE(text.find(L"LAS 1.4"), std::wstring::npos) << ToUtf8(text);
-    EXPECT_TRUE(NamesIn(L"out").empty());
+    ExpectFailure(
+        folder_.Write(
+            L"large.vrt",
+            R"(<VRTDataset rasterXSize="70000" rasterYSize="70000"><GeoTransform>0,1,0,0,0,-1</GeoTransform>)"
+            R"(<VRTRasterBand dataType="Byte" band="1"/></VRTDataset>)"),
+        L"4294967295");
     folder_.Write(L"file", "in the way");
     options_.outputFolder = folder_.Name(L"file/out");
     EXPECT_NE(FailureOf(Write({})).find(L"out"), std::wstring::npos);
