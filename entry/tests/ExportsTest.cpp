@@ -99,7 +99,6 @@ TEST_F(Exports, TheDialogHasItsPagesAndCancelLeavesTheRecordAlone) {
     Click({"cancel"});
     EXPECT_FALSE(ShowAddFilesDialog(&params));
     EXPECT_EQ(params.lasThinning, 77);
-    EXPECT_TRUE(params.lasFiles.empty());
 }
 
 TEST_F(Exports, AHostThatDestroysTheOwnerCancelsWhateverIsOpen) {

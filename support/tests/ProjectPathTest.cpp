@@ -15,10 +15,8 @@ TEST(ProjectPath, TheTokenTakesThePlaceOfTheDriveAndStandsOnce) {
     } cases[] = {
         {L"C:\\Data\\DEM", L"<ORVEX_PROJECT_PATH>\\Data\\DEM"},
         {L"Exports", L"<ORVEX_PROJECT_PATH>Exports"},
-        {L"", L"<ORVEX_PROJECT_PATH>"},
         {L"/srv/dem", L"<ORVEX_PROJECT_PATH>/srv/dem"},
         {L"a:b:c", L"<ORVEX_PROJECT_PATH>b:c"},
-        {L"C:", L"<ORVEX_PROJECT_PATH>"},
         {L"<ORVEX_PROJECT_PATH>\\DEM Import", L"<ORVEX_PROJECT_PATH>\\DEM Import"},
         {L"D:\\x<ORVEX_PROJECT_PATH>", L"D:\\x<ORVEX_PROJECT_PATH>"},
     };
@@ -39,7 +37,6 @@ TEST(ProjectPath, ResolvesToOneSeparatorAtTheSeam) {
         {L"<ORVEX_PROJECT_PATH>Exports", L"/home/me/project", L"/home/me/project/Exports"},
         {L"<ORVEX_PROJECT_PATH>/\\a\\b/", L"/p/", L"/p/a/b/"},
         {L"<ORVEX_PROJECT_PATH>", L"/p", L"/p"},
-        {L"<ORVEX_PROJECT_PATH>a", L"/", L"/a"},
         {L"<ORVEX_PROJECT_PATH>\\", L"/", L"/"},
         {L"/elsewhere", L"", L"/elsewhere"},
     };

@@ -9,7 +9,6 @@ namespace orvex::rules {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 struct File {
     const wchar_t* name;
@@ -26,23 +25,6 @@ std::vector<std::string> Findings(std::initializer_list<File> files) {
         lines.push_back(violation.file + ":" + std::to_string(violation.line) + ": " + violation.what);
     }
     return lines;
-}
-
-TEST(Rules, ATreeThatKeepsThemIsClean) {
-    EXPECT_THAT(Findings({
-                    {L"las/LasFile.cpp",
-                     "#include \"las/LasFile.h\"\n#include <vector>\n// QSettings, LSwchar(1), _WIN32\n"},
-                    {L"las/LasFile.h", "#pragma once\n#include \"orvexcommon/Exports.h\"\n"},
-                    {L"las/page/AddLASFilesPP.h", "#include <QDialog>\n#include \"las/LasFile.h\"\n"},
-                    {L"include/orvexcommon/Exports.h", "#if defined(_WIN32)\n#endif\n"},
-                    {L"support/MappedFile_win.cpp", "#include <windows.h>\n"},
-                    {L"dialog/AddFilesDlg.cpp",
-                     "const char* text = \"QSettings _WIN32 LSwchar(\";\nint big = 1'000'000;\n"},
-                    {L"host/strings/StringLibrary.cpp", "const wchar_t* LSwchar(unsigned id);\n"},
-                    {L"build/dev/Moc.cpp", "QSettings all;\n"},
-                    {L".git/Config.cpp", "QSettings all;\n"},
-                }),
-                IsEmpty());
 }
 
 TEST(Rules, WhatBreaksThemIsFound) {
