@@ -76,7 +76,6 @@ TEST_F(Exports, TheLidarAnswerIsKeptBetweenCalls) {
 TEST_F(Exports, TheDialogHasItsPagesAndCancelLeavesTheRecordAlone) {
     AddFilesParams params;
     params.showRasterTab = params.showDemTab = true;
-    params.showCloudTab = true;  // a kind that has no page yet has no tab
     params.lasThinning = 77;
     QTimer::singleShot(0, qApp, [] {
         QWidget* dialog = QApplication::activeModalWidget();

@@ -1,6 +1,7 @@
 #include "settings/ValueFile.h"
 
 #include <fstream>
+#include <thread>
 
 #include "settings/testing/PlatformStore.h"
 #include "settings/testing/ValueFileFixture.h"
@@ -144,6 +145,21 @@ TEST_F(ValueFileTest, ProcessesThatFindTheSameDamageKeepOneCopyAndAllNewValues) 
     Write(6, 1);
     EXPECT_EQ(NamesInFolder(), (Names{"user.sqlite", "user.sqlite.damaged-1"}));
     EXPECT_TRUE(testing::ReadFile(folder_.Name(L"user.sqlite.damaged-1")) == damaged);
+}
+
+TEST_F(ValueFileTest, AFoldersLockIsOneUsers) {
+    FolderLock lock(folder_.Path(), Clock::now());
+    const auto isFree = [this] {
+        bool isHeld = false;
+        // By another path, and on another thread: Windows gives a lock to its holder again.
+        const fs::path path = folder_.Path() / ".." / folder_.Path().filename();
+        std::thread([&] { isHeld = FolderLock(path, Clock::now()).IsHeld(); }).join();
+        return isHeld;
+    };
+    EXPECT_TRUE(lock.IsHeld());
+    EXPECT_FALSE(isFree());
+    lock.Release();
+    EXPECT_TRUE(isFree());
 }
 
 }  // namespace
