@@ -73,24 +73,5 @@ TEST_F(LayerAssignment, AppendingTakesTheFirstCompatibleLayerOfTheProject) {
     EXPECT_FALSE(places[0].exists);
 }
 
-TEST_F(LayerAssignment, FilesWithoutACrsGoIntoALayerWithoutOne) {
-    const CrsPtr none = DescribeCrs({});
-    Add(none->compatibilityGroup, none->epsg);
-    EXPECT_THAT(Assign({{L"Local", L""}}, {}), ElementsAre(L"Local"));
-}
-
-TEST_F(LayerAssignment, IgnoringTheCrsPutsEverythingIntoOneLayer) {
-    const std::wstring wkt = Wkt(25832);
-    const CrsPtr crs = DescribeCrs(ToUtf8(wkt));
-    Add("other", 1);
-    Add(crs->compatibilityGroup, crs->epsg);
-    const Layers existing{{L"A", Wkt(28992)}, {L"B", wkt}};
-    EXPECT_THAT(Assign(existing, {.append = true, .ignoreCrs = true}), ElementsAre(L"B", L"B"));
-    EXPECT_THAT(Assign({{L"A", Wkt(28992)}}, {.append = true, .ignoreCrs = true}), ElementsAre(L"A", L"A"));
-    EXPECT_THAT(Assign(existing, {.append = false, .ignoreCrs = true}),
-                ElementsAre(L"LAS Layer_1", L"LAS Layer_1"));
-    EXPECT_THAT(Assign({}, {.append = true, .ignoreCrs = true}), ElementsAre(L"LAS Layer_1", L"LAS Layer_1"));
-}
-
 }  // namespace
 }  // namespace orvex
