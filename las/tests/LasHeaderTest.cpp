@@ -93,8 +93,6 @@ TEST(LasHeader, EndsAtItsStatedSize) {
         EXPECT_EQ(HeaderOf(bytes).EvlrCount(), c.evlrCount) << c.size;
         EXPECT_EQ(HeaderOf(bytes).PointCount(), c.points) << c.size;
     }
-    EXPECT_EQ(LasHeader().Version(), 0);
-    EXPECT_EQ(HeaderOf(LasBuilder().Build()).ProjectId(), "");
 }
 
 TEST(LasFormat, KnowsEachPointFormat) {
