@@ -2,8 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <iterator>
 #include <limits>
 
 #include "raster/RasterRow.h"
@@ -53,7 +51,6 @@ TiffBytes Placed(const std::vector<double>& scale, const std::vector<double>& ti
 std::vector<Hostile> ImpossibleSizes() {
     return {
         {"65535 x 65535 in a few bytes", Image(65535, 65535).Build(), true, "cut off"},
-        {"the same in strips of a row", Image(65535, 65535).Tag(278, 4, {1}).Build(), true, "cut off"},
         {"4 billion strips whose list is beyond the end",
          Image(1, kMost32 / 2)
              .Tag(278, 4, {1})
@@ -151,7 +148,6 @@ std::vector<Hostile> FilesThatAreNoRasters() {
     return {
         {"an empty file", "", false, "The file is empty."},
         {"a text", "This is not an image.\n", false, "cannot be read"},
-        {"zeros", std::string(5000, '\0'), false, "cannot be read"},
         {"a description of a server's images",
          "<GDAL_WMS><Service name=\"TMS\"><ServerUrl>http://127.0.0.1:9/</ServerUrl></Service></GDAL_WMS>",
          false, "cannot be read"},
@@ -165,19 +161,17 @@ TEST(HostileRasters, GiveAPlainReasonInBoundedMemory) {
     const TemporaryFolder folder;
     // The memory that the libraries take once does not count.
     InspectRasterFile(folder.Write(L"first.tif", Pixel().Build()), RasterUse::Image);
-    std::vector<Hostile> files;
     for (auto* group : {ImpossibleSizes, DirectoriesThatLeadNowhere, TagsThatClaimTooMuch,
                         SenselessGeoreferences, FilesThatAreNoRasters}) {
-        std::ranges::move(group(), std::back_inserter(files));
-    }
-    for (const Hostile& hostile : files) {
-        const std::wstring path = folder.Write(L"a.tif", hostile.bytes);
-        const std::uint64_t before = testing::PeakMemory();
-        const RasterRow row = InspectRasterFile(path, RasterUse::Image);
-        EXPECT_LT(testing::PeakMemory() - before, kMostMemory) << hostile.about;
-        EXPECT_EQ(row.loadable, hostile.loadable) << hostile.about;
-        EXPECT_THAT(ToUtf8(row.summary), HasSubstr(hostile.finding)) << hostile.about;
-        EXPECT_FALSE(row.findings.empty()) << hostile.about;
+        for (const Hostile& hostile : group()) {
+            const std::wstring path = folder.Write(L"a.tif", hostile.bytes);
+            const std::uint64_t before = testing::PeakMemory();
+            const RasterRow row = InspectRasterFile(path, RasterUse::Image);
+            EXPECT_LT(testing::PeakMemory() - before, kMostMemory) << hostile.about;
+            EXPECT_EQ(row.loadable, hostile.loadable) << hostile.about;
+            EXPECT_THAT(ToUtf8(row.summary), HasSubstr(hostile.finding)) << hostile.about;
+            EXPECT_FALSE(row.findings.empty()) << hostile.about;
+        }
     }
     EXPECT_EQ(folder.Entries(), 2U) << "nothing was written beside them";
 }

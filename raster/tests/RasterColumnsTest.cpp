@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <iterator>
+#include <tuple>
 
 #include "raster/testing/RasterRows.h"
 
@@ -109,26 +110,21 @@ TEST(RasterColumns, DegreesGapsAndRefusals) {
 }
 
 TEST(RasterColumns, CodesAreNamed) {
-    const struct {
-        std::int32_t code;
-        unsigned colorModel;
-        unsigned kind;
-        const wchar_t* projection;
-    } cases[] = {{-1, 13489, 13489, nullptr},    {0, 13621, 13624, nullptr},
-                 {1, 13620, 13622, L"EPSG:1"},   {2, 13619, 13619, L"EPSG:2"},
-                 {3, 13489, 13623, L"EPSG:3"},   {4, 13489, 13625, L"EPSG:4"},
-                 {5, 13489, 13489, L"EPSG:5"},   {32766, 13489, 13489, L"EPSG:32766"},
-                 {32767, 13489, 13489, nullptr}, {32768, 13489, 13489, L"EPSG:32768"}};
-    for (const auto& c : cases) {
-        const RasterRow row = testing::DescribedRaster(L"/a.tif", {});
-        row.file->properties.colorModel = c.code;
-        row.file->properties.rasterKind = c.code;
-        row.file->properties.projectionCode = c.code;
-        EXPECT_EQ(Shown(row, "colorModel"), Text({c.colorModel})) << c.code;
-        EXPECT_EQ(Shown(row, "photometric"), Text({c.kind})) << c.code;
-        EXPECT_EQ(Shown(row, "projectionCode"),
-                  c.projection != nullptr ? c.projection : Text(text::kProjectionCodeNone))
-            << c.code;
+    const RasterRow row = testing::DescribedRaster(L"/a.tif", {});
+    RasterProperties& properties = row.file->properties;
+    const std::tuple<std::int32_t, StringId, StringId, std::wstring> cases[] = {
+        {-1, text::kUnknown, text::kUnknown, Text(text::kProjectionCodeNone)},
+        {0, {13621}, {13624}, Text(text::kProjectionCodeNone)},
+        {1, {13620}, {13622}, L"EPSG:1"},
+        {2, {13619}, {13619}, L"EPSG:2"},
+        {3, text::kUnknown, {13623}, L"EPSG:3"},
+        {4, text::kUnknown, {13625}, L"EPSG:4"},
+        {32767, text::kUnknown, text::kUnknown, Text(text::kProjectionCodeNone)}};
+    for (const auto& [code, model, kind, projection] : cases) {
+        properties.colorModel = properties.rasterKind = properties.projectionCode = code;
+        EXPECT_EQ(Shown(row, "colorModel"), Text(model)) << code;
+        EXPECT_EQ(Shown(row, "photometric"), Text(kind)) << code;
+        EXPECT_EQ(Shown(row, "projectionCode"), projection) << code;
     }
 }
 

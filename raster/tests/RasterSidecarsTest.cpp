@@ -77,18 +77,6 @@ TEST(FolderListing, ATimeOfWholeSecondsIsTrustedLater) {
     EXPECT_TRUE(FolderListing::HasSettled(whole, whole - 1s)) << "a server's clock that is ahead";
 }
 
-TEST(FolderListing, KeepsTheFoldersUsedLast) {
-    const TemporaryFolder folders[3];
-    FolderListing listing(2, kAtOnce);
-    GdalListPtr first[3];
-    for (int i = 0; i < 3; ++i) {
-        first[i] = listing.Beside(folders[i].Write(L"a.tif", ""));
-    }
-    EXPECT_EQ(listing.Beside(folders[1].Name(L"a.tif")), first[1]);
-    EXPECT_EQ(listing.Beside(folders[2].Name(L"a.tif")), first[2]);
-    EXPECT_NE(listing.Beside(folders[0].Name(L"a.tif")), first[0]);
-}
-
 TEST(FolderListing, OfManyFilesOnlyTheSidecars) {
     const TemporaryFolder folder;
     for (std::size_t i = 0; i < FolderListing::kMostWhole; ++i) {
