@@ -164,21 +164,6 @@ TEST_F(Shell, ARunLocksWhatCouldStartAnother) {
     EXPECT_THAT(journal.lines, ElementsAre("act las"));
 }
 
-TEST_F(Shell, TheFocusComesBackAfterARun) {
-    const auto dialog = Open();
-    dialog->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
-    auto* act = dialog->findChild<QPushButton*>(QStringLiteral("act"));
-    act->setFocus();
-    {
-        const DialogProgress::Run run(*journal.progress);
-        act->setEnabled(false);
-        EXPECT_FALSE(act->hasFocus());
-    }
-    act->setEnabled(true);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return act->hasFocus(); }));
-}
-
 TEST_F(Shell, EveryWayOfClosingStopsARunThenReleasesThePagesAndASecondPressLosesNothing) {
     params.showPhotoTab = true;
     const auto ways = {+[](QDialog& d) { Press(d, "cancel"); }, +[](QDialog& d) { d.close(); },
@@ -274,7 +259,6 @@ TEST_F(Shell, InitialPathsGoToThePagesThatTakeThem) {
         std::vector<std::wstring> added;
         int shown;
     } cases[] = {
-        {0, {}, {}, {}, 0},
         {2, {L"/d/x.txt"}, {}, {}, 2},
         {0,
          {L"/d/a.tif", L"/d/b.las", L"/d/c.tif", L"/d/x.txt"},

@@ -78,20 +78,18 @@ TEST_F(LidarDecision, AStoredAnswerIsGivenWithoutAsking) {
 }
 
 TEST_F(LidarDecision, AnAnswerIsKeptOnlyWhenTicked) {
-    struct Case {
+    const struct {
         AddLidarChoice choice;
         bool keep;
         int stored;
         AddLidarChoice next;
-    };
-    const Case cases[] = {
-        {ADD_LIDAR_READ_ONLY, false, 0, ADD_LIDAR_NOT_AT_ALL},
+    } cases[] = {
         {ADD_LIDAR_READ_WRITE, false, 0, ADD_LIDAR_NOT_AT_ALL},
         {ADD_LIDAR_READ_ONLY, true, 1, ADD_LIDAR_READ_ONLY},
         {ADD_LIDAR_READ_WRITE, true, 2, ADD_LIDAR_READ_WRITE},
         {ADD_LIDAR_NOT_AT_ALL, true, 1, ADD_LIDAR_READ_ONLY},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         options.Put(opt2ShowAddReadWriteDlg, std::uint8_t{0});
         EXPECT_EQ(Decide(true, {c.choice, c.keep}), c.choice);
         EXPECT_EQ(Stored(), c.stored);

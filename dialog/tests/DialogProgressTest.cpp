@@ -8,7 +8,6 @@
 #include <QTest>
 
 #include "dialog/HandlerGuard.h"
-#include "support/LDataError.h"
 #include "support/Text.h"
 #include "support/testing/Scripted.h"
 
@@ -90,14 +89,12 @@ TEST(DialogProgress, EscapeInAnotherWindowIsThatWindows) {
 TEST(HandlerGuard, TellsNameAndCauseOfWhateverIsThrown) {
     testing::ScriptedPrompts prompts;
     EXPECT_TRUE(RunGuarded(prompts, L"OnNothing", [] {}));
-    EXPECT_FALSE(RunGuarded(prompts, L"OnAddFiles", [] { throw LDataError(L"disk gone"); }));
     EXPECT_FALSE(RunGuarded(prompts, L"EnableItems", [] { throw 7; }));
     Guarded(prompts, L"OnClear", [] { throw std::runtime_error("second"); })();
-    ASSERT_EQ(prompts.shown.size(), 3U);
-    EXPECT_EQ(prompts.shown[0].text, L"An exception occurred in OnAddFiles():\n\ndisk gone");
-    EXPECT_EQ(prompts.shown[1].text,
+    ASSERT_EQ(prompts.shown.size(), 2U);
+    EXPECT_EQ(prompts.shown[0].text,
               L"An exception occurred in EnableItems():\n\n" + Text(text::kUnknownError));
-    EXPECT_EQ(prompts.shown[2].text, L"An exception occurred in OnClear():\n\nsecond");
+    EXPECT_EQ(prompts.shown[1].text, L"An exception occurred in OnClear():\n\nsecond");
 }
 
 }  // namespace

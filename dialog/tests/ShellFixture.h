@@ -67,38 +67,31 @@ class FakePage : public AddFilesPage {
     AddFilesParams& params_;
 };
 
-inline PageDescription Describe(PageKind kind, StringId caption, int templateId, ImageIndex image,
-                                bool AddFilesParams::*pageSwitch, const char* name, const wchar_t* extension,
-                                Journal& journal) {
-    return {.kind = kind,
-            .caption = caption,
-            .insertFailure = L"insert failed",
-            .createFailure = L"create failed",
-            .templateId = templateId,
-            .image = image,
-            .pageSwitch = pageSwitch,
-            .create = [=, &journal](const PageContext& context) {
-                journal.progress = &context.progress;
-                return std::make_unique<FakePage>(name, extension, journal, *context.params);
-            }};
-}
-
 class Shell : public ::testing::Test, protected testing::ScriptedServices {
   protected:
     Shell() {
-        const auto add = [this](auto... arguments) { pages.push_back(Describe(arguments..., journal)); };
-        add(PageKind::Las, text::kLasTab, 363, ImageIndex(8), nullptr, "las", L".LAS");
-        add(PageKind::Raster, text::kRasterTab, 385, ImageIndex(9), &AddFilesParams::showRasterTab, "raster",
-            L".TIF");
-        add(PageKind::Feature, text::kFeatureTab, 390, ImageIndex(10), &AddFilesParams::showFeatureTab,
-            "feature", L".SHP");
-        add(PageKind::Dem, text::kDemTab, 403, ImageIndex(11), &AddFilesParams::showDemTab, "dem", L".DEM");
-        add(PageKind::Photo, text::kPhotoTab, 406, ImageIndex(12), &AddFilesParams::showPhotoTab, "photo",
-            L".JPG");
-        add(PageKind::CloudLas, text::kCloudTab, 410, ImageIndex(13), &AddFilesParams::showCloudTab, "cloud",
-            L".URL");
+        using P = AddFilesParams;
+        Describe(PageKind::Las, text::kLasTab, 363, nullptr, "las", L".LAS");
+        Describe(PageKind::Raster, text::kRasterTab, 385, &P::showRasterTab, "raster", L".TIF");
+        Describe(PageKind::Feature, text::kFeatureTab, 390, &P::showFeatureTab, "feature", L".SHP");
+        Describe(PageKind::Dem, text::kDemTab, 403, &P::showDemTab, "dem", L".DEM");
+        Describe(PageKind::Photo, text::kPhotoTab, 406, &P::showPhotoTab, "photo", L".JPG");
+        Describe(PageKind::CloudLas, text::kCloudTab, 410, &P::showCloudTab, "cloud", L".URL");
     }
-
+    void Describe(PageKind kind, StringId caption, int templateId, bool AddFilesParams::*pageSwitch,
+                  const char* name, const wchar_t* extension) {
+        pages.push_back({.kind = kind,
+                         .caption = caption,
+                         .insertFailure = L"insert failed",
+                         .createFailure = L"create failed",
+                         .templateId = templateId,
+                         .image = ImageIndex(8 + static_cast<int>(pages.size())),
+                         .pageSwitch = pageSwitch,
+                         .create = [=, this](const PageContext& context) {
+                             journal.progress = &context.progress;
+                             return std::make_unique<FakePage>(name, extension, journal, *context.params);
+                         }});
+    }
     std::unique_ptr<AddFilesDlg> Make() { return std::make_unique<AddFilesDlg>(params, services, pages); }
     std::unique_ptr<AddFilesDlg> Open() {
         auto dialog = Make();

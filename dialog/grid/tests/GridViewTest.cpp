@@ -205,30 +205,10 @@ TEST_F(GridViewTest, FittingKeepsTheLimits) {
     const QString sum = ToQString(*model_.FooterText(kSize));
     EXPECT_GE(view_.ColumnWidth(kSize), view_.fontMetrics().horizontalAdvance(sum));
     EXPECT_LE(view_.FrozenTable()->width(), view_.width() * 6 / 10) << "room is left to scroll in";
-}
-
-// What is asked of the model depends on what is in sight, not on how many rows there are.
-TEST_F(GridViewTest, ScrollingAsksOnlyForWhatComesIntoSight) {
     AddMany(100'000);
-    view_.Table()->repaint();
-    view_.FrozenTable()->repaint();
-    QScrollBar* bar = view_.Table()->verticalScrollBar();
-    model_.cellsAsked = 0;
-    const std::size_t before = view_.CellsPainted();
-    constexpr int kSteps = 50;
-    for (int step = 1; step <= kSteps; ++step) {
-        bar->setValue(static_cast<int>(static_cast<std::int64_t>(bar->maximum()) * step / kSteps));
-        Settle();
-    }
-    const int rowsInSight = view_.Table()->viewport()->height() / view_.Table()->rowHeight(0) + 2;
-    const auto perStep = static_cast<std::size_t>(rowsInSight * model_.columnCount());
-    EXPECT_GT(view_.CellsPainted(), before) << "the grid must be on a screen for this test to say anything";
-    EXPECT_LE(view_.CellsPainted() - before, kSteps * perStep);
-    EXPECT_LE(model_.cellsAsked, kSteps * perStep);
-
     model_.cellsAsked = 0;
     view_.FitColumns();
-    EXPECT_LE(model_.cellsAsked, 300U * 8U);
+    EXPECT_LE(model_.cellsAsked, 300U * 8U) << "whatever the number of rows";
 }
 
 }  // namespace

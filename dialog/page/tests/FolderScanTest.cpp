@@ -8,10 +8,8 @@
 #include <fstream>
 
 #include "support/Files.h"
-#include "support/Format.h"
 #include "support/NaturalOrder.h"
 #include "support/Text.h"
-#include "support/testing/Scripted.h"
 #include "support/testing/TemporaryFolder.h"
 
 #ifndef _WIN32
@@ -91,37 +89,14 @@ TEST_F(Scanning, StopsWhenAsked) {
     std::stop_source stop;
     stop.request_stop();
     EXPECT_TRUE(ScanPaths({{FromPath(folder.Path())}, {L".LAS"}, true}, stop.get_token()).stopped);
-
-    testing::RecordingProgress progress;
-    const ScanResult whole =
-        ScanPathsWithProgress({{FromPath(folder.Path())}, {L".LAS"}, true}, L"Searching", progress);
-    EXPECT_EQ(whole.files.size(), 4U);
-    EXPECT_FALSE(whole.stopped);
-    EXPECT_THAT(progress.texts, ElementsAre(L"Searching"));
 }
 
-TEST(ScanMessages, TellTheWorstOfWhatWasFound) {
-    const ScanTexts texts{.nothingFoundIcon = PromptIcon::Error};
-    const std::vector<std::wstring> files{L"a.las"};
-    const struct {
-        ScanResult found;
-        std::wstring text;  // empty: nothing is said
-        PromptIcon icon;
-    } cases[] = {
-        {{files, {}, 0, false}, {}, {}},
-        {{{}, {}, 2, true}, {}, {}},
-        {{files, {}, 2, false}, FormatText(Text(text::kOthersLeftOut), {2}), PromptIcon::Information},
-        {{files, {L"/secret"}, 2, true}, Text(text::kFoldersNotSearched) + L"\n\n/secret", PromptIcon::Error},
-    };
-    for (const auto& c : cases) {
-        const std::optional<Prompt> prompt = ScanPrompt(c.found, texts);
-        ASSERT_EQ(prompt.has_value(), !c.text.empty());
-        if (prompt.has_value()) {
-            EXPECT_EQ(prompt->text, c.text);
-            EXPECT_EQ(prompt->caption, Text(text::kAddFolderCaption));
-            EXPECT_EQ(prompt->icon, c.icon);
-        }
-    }
+TEST(ScanMessages, AStoppedSearchIsSilentButForFoldersThatCouldNotBeRead) {
+    EXPECT_FALSE(ScanPrompt({{}, {}, 2, true}, {}).has_value());
+    const std::optional<Prompt> prompt = ScanPrompt({{L"a.las"}, {L"/secret"}, 2, true}, {});
+    ASSERT_TRUE(prompt.has_value());
+    EXPECT_EQ(prompt->text, Text(text::kFoldersNotSearched) + L"\n\n/secret");
+    EXPECT_EQ(prompt->icon, PromptIcon::Error);
 }
 
 #ifdef _WIN32

@@ -9,12 +9,6 @@ using namespace std::string_literals;
 using testing::FilePage;
 using testing::PageContract;
 
-std::wstring WriteLas(const testing::TemporaryFolder& folder, const std::wstring& name, int epsg) {
-    return folder.Write(
-        name,
-        testing::LasBuilder(12, 1).AddPoints(9).ProjectedEpsg(static_cast<std::uint16_t>(epsg)).Build());
-}
-
 std::vector<testing::OptionCase> LasOptions() {
     using P = AddFilesParams;
     return {
@@ -62,9 +56,6 @@ PageContract LasContract() {
     page.detailColumns = 248;
     page.refresh = 249;
     page.help = 250;
-    page.tabOrder =
-        "c253 c252 c254 c255 c248 c249 c250 detailsTabs c259 c260 c262 c263 c280 c281 c283 c267 c268 c269 "
-        "c270 c284 c417 c376 c377 c378";
     page.helpTopic = HelpTopic::LasFiles;
     page.emptyText = text::kLasEmptyGrid;
     page.overview = "detailsOverview";
@@ -78,7 +69,8 @@ PageContract LasContract() {
     page.ignored = text::kLasOthersLeftOut;
     page.reading = text::kLasReadingProgress;
     page.writeGood = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
-        return WriteLas(folder, name + L".las", 25832);
+        return folder.Write(name + L".las",
+                            testing::LasBuilder(12, 1).AddPoints(9).ProjectedEpsg(25832).Build());
     };
     page.writeBad = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
         return folder.Write(name + L".las", "no LAS file");
@@ -100,7 +92,8 @@ PageContract LasContract() {
     return page;
 }
 
-INSTANTIATE_TEST_SUITE_P(LasPage, FilePage, ::testing::Values(LasContract()), testing::NameOfContract());
+INSTANTIATE_TEST_SUITE_P(LasPage, FilePage, ::testing::Values(LasContract()),
+                         ::testing::PrintToStringParamName());
 
 }  // namespace
 }  // namespace orvex

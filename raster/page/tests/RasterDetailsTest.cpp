@@ -17,6 +17,8 @@ namespace {
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::IsSupersetOf;
+using ::testing::Not;
 using ::testing::SizeIs;
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
@@ -148,12 +150,9 @@ TEST(RasterDetails, TotalsUniteExtentsOfOneCrsOnly) {
                     L"0.720", Text(text::kTotalsLayers), L"2", Text(text::kTotalsUnreadableFiles), L"1",
                     Text(text::kTotalsCrs), projected, Text(text::kMinX), L"500000.000", Text(text::kMinY),
                     L"5699000.000", Text(text::kMaxX), L"500900.000", Text(text::kMaxY), L"5700100.000"));
-    EXPECT_THAT(
-        Lines(rows, {0, 4, 5}),
-        ElementsAre(Text(text::kTotalsSelection), Text(text::kTotalsFiles), L"3", Text(text::kSizeMegabytes),
-                    L"7.02", Text(text::kRasterTotalSizeMegabytes), L"7.68", Text(text::kRasterMegapixels),
-                    L"0.720", Text(text::kTotalsLayers), L"3", Text(text::kTotalsCrs), projected,
-                    Text(text::kTotalsCrs), L"WGS 84", Text(text::kTotalsCrs), Text(text::kCellNone)));
+    EXPECT_THAT(Lines(rows, {0, 4, 5}),
+                IsSupersetOf({projected, std::wstring(L"WGS 84"), Text(text::kCellNone)}));
+    EXPECT_THAT(Lines(rows, {0, 4, 5}), Not(Contains(Text(text::kMinX))));
     EXPECT_THAT(Lines(rows, {3}), ElementsAre(L"\uFFFC", Text(text::kRasterCannotBeRead) + L" no"))
         << "an icon and the reason";
 }

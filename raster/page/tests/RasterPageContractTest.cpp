@@ -51,7 +51,6 @@ PageContract RasterContract() {
     PageContract page = SharedContract(430);
     page.name = "Raster";
     page.make = testing::MakePage<AddRasterFilesPP>;
-    page.tabOrder = "c431 c432 c433 c434 c435 c436 c437 c438 detailsTabs c441 c442";
     page.helpTopic = HelpTopic::RasterFiles;
     page.emptyText = text::kRasterEmptyGrid;
     page.overview = "rasterOverview";
@@ -126,9 +125,6 @@ PageContract DemContract() {
     PageContract page = SharedContract(450);
     page.name = "Dem";
     page.make = testing::MakePage<AddDEMFilesPP>;
-    page.tabOrder =
-        "c451 c452 c453 c454 c455 c456 c457 c458 detailsTabs c461 c462 c464 c465 c466 c469 c470 c471 c473 "
-        "c475 c477";
     page.helpTopic = HelpTopic::DemFiles;
     page.emptyText = text::kDemEmptyGrid;
     page.overview = "demOverview";
@@ -149,7 +145,7 @@ PageContract DemContract() {
 }
 
 INSTANTIATE_TEST_SUITE_P(RasterPages, FilePage, ::testing::Values(RasterContract(), DemContract()),
-                         testing::NameOfContract());
+                         ::testing::PrintToStringParamName());
 
 }  // namespace
 }  // namespace orvex
