@@ -23,8 +23,8 @@ class RunInputFilter;
 
 /// The tabbed dialog for adding data to the project. Its pages come from a table; it knows nothing of any one
 /// of them. The record is as the host gave it unless the dialog has ended with OK: pages write their results
-/// into it at each OK, and every other end takes them back. Child objects carry the names "tabs", "progress",
-/// "stop", "ok", "cancel" and "page<template id>".
+/// into it at each OK, and closing in any other way restores it. Child objects carry the names "tabs",
+/// "progress", "stop", "ok", "cancel" and "page<template id>".
 class AddFilesDlg : public QDialog {
     Q_OBJECT
 
@@ -34,26 +34,26 @@ class AddFilesDlg : public QDialog {
                 QWidget* parent = nullptr);
     ~AddFilesDlg() override;
 
-    /// Prepares the dialog for its first show. 0, or the result code of the host's application object when it
-    /// cannot be made or does not answer; the dialog must not be shown then.
+    /// Prepares the dialog for its first show. Returns 0, or the result code of the host's application object
+    /// if that cannot be created or fails; the dialog must not be shown then.
     std::int32_t Initialise();
 
-    /// Initialises and shows the dialog modally. True when it ended with OK and the record holds anything to
-    /// add; when it did not end with OK, every page has freed what it held. Tells the user when it cannot be
-    /// opened.
+    /// Initialises the dialog and runs it modally. True if it was closed with OK and the record holds
+    /// anything to add; if it was closed in any other way, every page has released its objects. Reports to
+    /// the user if it cannot be opened.
     bool Run();
 
-    /// Every page frees what it holds behind its rows; the record is as the host gave it again.
+    /// Makes every page release the objects of its rows, and restores the record as the host gave it.
     void ReleasePages();
 
     CTabCtrlEx& Tabs() { return *tabs_; }
 
   public slots:
-    /// OK: every page checks and stores in turn; the first that refuses keeps the dialog open.
+    /// OK: each page validates and stores in turn; the first that refuses keeps the dialog open.
     void accept() override;
-    /// Cancel. Stops a running operation instead, and does nothing in the moment after one was stopped.
+    /// Cancel. Stops a running operation instead, and is ignored for a moment after one was stopped.
     void reject() override;
-    /// Stores the shown tab and the window's placement; every way of closing comes here.
+    /// Stores the current tab and the window's placement; every way of closing ends here.
     void done(int result) override;
 
   protected:

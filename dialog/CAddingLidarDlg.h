@@ -17,7 +17,7 @@ class CAddingLidarDlg : public QDialog {
   public:
     explicit CAddingLidarDlg(bool readWriteAllowed, QWidget* parent = nullptr);
 
-    /// What was confirmed with OK, else the initial choice.
+    /// The answer confirmed with OK; otherwise the initial choice.
     LidarAnswer Answer() const { return answer_; }
 
   public slots:

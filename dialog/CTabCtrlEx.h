@@ -9,8 +9,8 @@
 
 namespace orvex {
 
-/// The tabs of the Add Files dialog: makes the pages from their descriptions, shows the page of the selected
-/// tab and its image. Tab indices are dense: a page that is switched off takes none.
+/// Tab control of the Add Files dialog: creates the pages from their descriptions and shows the page and the
+/// image of the selected tab. Tab indices are dense: pages that are switched off take none.
 class CTabCtrlEx : public QTabWidget {
     Q_OBJECT
 
@@ -19,20 +19,21 @@ class CTabCtrlEx : public QTabWidget {
     ~CTabCtrlEx() override;
 
     /// Adds the tabs of the pages that are switched on, in the order of the descriptions. A page that cannot
-    /// be made is told to the user and leaves an empty tab. `context` and what it refers to outlive the tabs.
+    /// be created is reported to the user and leaves an empty tab. `context` and what it refers to outlive
+    /// the tabs.
     void Build(std::span<const PageDescription> descriptions, const PageContext& context);
 
-    /// Selects a tab; an index that no tab has leaves none selected.
+    /// Selects a tab; an index out of range deselects all.
     void Select(int index);
-    /// The tab whose page is shown, -1 for none.
+    /// Index of the tab whose page is shown; -1 if none.
     int ShownIndex() const { return shown_; }
     PageKind KindOfTab(int index) const { return tabs_[static_cast<std::size_t>(index)].kind; }
 
-    /// The pages that exist, in the order of the tabs.
+    /// The pages that could be created, in the order of the tabs.
     std::vector<AddFilesPage*> Pages() const;
-    /// The page shown, null for none.
+    /// The page shown; null if none.
     AddFilesPage* CurrentPage() const;
-    /// The tab of a page, -1 for none.
+    /// Index of a page's tab; -1 if it has none.
     int TabOfPage(const AddFilesPage* page) const;
 
   private:
@@ -40,7 +41,7 @@ class CTabCtrlEx : public QTabWidget {
     struct Tab {
         PageKind kind;
         int image;
-        AddFilesPage* page;  ///< null: could not be made; owned by its parent widget
+        AddFilesPage* page;  ///< null if it could not be created; owned by its parent widget
     };
 
     void AddTab(const PageDescription& description, const PageContext& context);

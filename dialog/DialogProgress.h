@@ -8,9 +8,8 @@ class QProgressBar;
 
 namespace orvex {
 
-/// The dialog's progress bar as a ProgressIf: shown while a run lasts, pumps events, and is stopped by Escape
-/// (the Escape that stops a run does not close the dialog) or by its stop button. Used on the user-interface
-/// thread.
+/// The dialog's progress bar as a ProgressIf: visible during a run, pumps events, and can be cancelled with
+/// Escape (which then does not close the dialog) or the stop button. User-interface thread only.
 class DialogProgress final : public QObject, public Kst::ProgressIf {
     Q_OBJECT
 
@@ -19,7 +18,7 @@ class DialogProgress final : public QObject, public Kst::ProgressIf {
     explicit DialogProgress(QProgressBar* bar, QObject* parent = nullptr);
     ~DialogProgress() override;
 
-    /// A run from construction to destruction; runs do not nest (an inner one is part of the outer).
+    /// A run, from construction to destruction; a nested one is part of the outer one.
     class Run {
       public:
         explicit Run(DialogProgress& progress);
@@ -39,9 +38,9 @@ class DialogProgress final : public QObject, public Kst::ProgressIf {
     bool IsCancelled() override;
     bool IsRunning() const { return running_; }
 
-    /// Asks the run to stop, as Escape does; without effect when none is on.
+    /// Cancels the run, as Escape does; no effect if there is none.
     void Stop();
-    /// True while the last run was stopped so short a time ago that another Escape was meant for it too.
+    /// True shortly after a run was cancelled, when another Escape was meant for it too.
     bool WasStoppedJustNow() const;
 
   signals:

@@ -8,8 +8,8 @@ class HostObjects;
 class OptionStore;
 class UserPrompts;
 
-/// What the dialogs need from outside; made by the entry layer, faked by tests. Every member outlives the
-/// dialogs.
+/// External services of the dialogs, provided by the entry layer and faked in tests. Every member outlives
+/// the dialogs.
 struct DialogServices {
     UserPrompts& prompts;
     FilePickers& pickers;

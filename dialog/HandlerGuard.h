@@ -6,12 +6,12 @@ namespace orvex {
 
 class UserPrompts;
 
-/// Shows "An exception occurred in NAME():" with the cause of the exception that is being handled, and logs
-/// it. Call it inside a catch block; throws nothing.
+/// Logs the exception being handled and shows it as "An exception occurred in NAME():" with its cause. To be
+/// called in a catch block; never throws.
 void ShowHandlerException(UserPrompts& prompts, std::wstring_view name) noexcept;
 
-/// Runs a handler so that no exception leaves it: the user is told, the dialog stays open. True when it ended
-/// without one.
+/// Runs a handler and catches its exceptions: they are reported to the user, the dialog stays open. True if
+/// none was thrown.
 template <typename Handler>
 bool RunGuarded(UserPrompts& prompts, std::wstring_view name, Handler&& handler) noexcept {
     try {
@@ -23,8 +23,8 @@ bool RunGuarded(UserPrompts& prompts, std::wstring_view name, Handler&& handler)
     }
 }
 
-/// A handler to connect to a signal, guarded as RunGuarded does. `name` must be a literal (it is kept by
-/// view); `prompts` outlives the connection. The signal's arguments are not passed on.
+/// Returns a slot that runs `handler` under RunGuarded. `name` must be a literal (a view of it is kept);
+/// `prompts` outlives the connection. The signal's arguments are dropped.
 template <typename Handler>
 auto Guarded(UserPrompts& prompts, std::wstring_view name, Handler handler) {
     return [&prompts, name, handler = std::move(handler)]() mutable { RunGuarded(prompts, name, handler); };

@@ -5,9 +5,8 @@ class QWidget;
 
 namespace orvex {
 
-/// While a run lasts its loop handles events, so that the window lives; this filter keeps everything from a
-/// window's pages that could start something else in the middle of it. Looking (scrolling, moving in a grid,
-/// copying) stays possible.
+/// Event filter for a window's pages during a run, which pumps events to keep the window alive: blocks all
+/// input that could start another operation. Scrolling, moving in a grid and copying remain possible.
 class RunInputFilter final : public QObject {
   public:
     /// `area` holds the pages.

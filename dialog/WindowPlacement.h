@@ -6,11 +6,11 @@ namespace orvex {
 
 class OptionStore;
 
-/// Stores where a window is, under a name of its own.
+/// Stores a window's size and position under a name.
 void SaveWindowPlacement(const QWidget& window, const OptionStore& options, const wchar_t* name);
 
-/// Brings a window back to where it was stored, and onto a visible monitor whatever was stored. False when
-/// nothing usable is stored; the window is then left as it is.
+/// Restores a window's size and position, moving it onto a visible monitor if necessary. False if nothing
+/// usable is stored; the window is then left unchanged.
 bool RestoreWindowPlacement(QWidget& window, const OptionStore& options, const wchar_t* name);
 
 }  // namespace orvex

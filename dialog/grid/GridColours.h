@@ -4,10 +4,10 @@
 
 namespace orvex {
 
-/// Whether a palette is one with light text on a dark ground.
+/// True for a palette with light text on a dark background.
 bool IsDark(const QPalette& palette);
 
-/// A colour between two, `share` (0 to 1) of the way from the first to the second.
+/// Linear interpolation between two colours; `share` is 0 for the first, 1 for the second.
 QColor Mixed(const QColor& from, const QColor& to, double share);
 
 struct FooterColours {
@@ -15,10 +15,10 @@ struct FooterColours {
     QColor ground;
 };
 
-/// Blue on a very light blue; on a dark palette a light blue on the palette's ground tinted blue.
+/// Blue on a very light blue; for a dark palette, light blue on its background colour tinted blue.
 FooterColours FooterColoursFor(const QPalette& palette);
 
-/// The palette of a grid's tables: alternate rows and grid lines only just visible on the base colour.
+/// Palette of a grid's tables, with faint alternate rows and grid lines on the base colour.
 QPalette TablePalette(QPalette palette);
 
 }  // namespace orvex

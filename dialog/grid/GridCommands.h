@@ -8,15 +8,15 @@ class QWidget;
 
 namespace orvex {
 
-/// What the keyboard and the right mouse button do in a grid. Keys work while the grid or a part of it has
-/// the focus.
+/// Shortcuts and context menu of a grid. The shortcuts work while the grid or one of its children has the
+/// focus.
 class GridCommands : public QObject {
     Q_OBJECT
 
   public:
     explicit GridCommands(QWidget* grid);
 
-    /// What can be used: copying and removing need a selection, selecting needs rows.
+    /// Enables the commands: copying and removing need a selection, selecting needs rows.
     void Enable(bool hasRows, bool hasSelection);
     QMenu* Menu() const { return menu_; }
 

@@ -5,26 +5,26 @@
 
 namespace orvex {
 
-/// Draws the cells of a grid: icons by image index, texts on one line, no frame around a single cell (rows
-/// have the focus, not cells). Texts that are cut off show whole as a tooltip where the model has none.
+/// Draws the cells of a grid: icons by image index, texts on one line, no focus frame around single cells
+/// (rows have the focus). Elided texts show in full as a tooltip where the model has none.
 class GridDelegate : public QStyledItemDelegate {
     Q_OBJECT
 
   public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
-    /// Pixels between the edge of a cell and its text, on either side.
+    /// Horizontal padding of a cell's text, in pixels.
     static int TextMargin(const QStyle* style);
 
     void SetIcons(std::vector<QIcon> icons);
-    /// Null for an index without an image.
+    /// Null if the index has no image.
     QIcon IconAt(int image) const;
 
     QString displayText(const QVariant& value, const QLocale& locale) const override;
     bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override;
 
-    /// Cells drawn so far; tells how much a repaint costs.
+    /// Number of cells drawn so far, to measure repaints.
     std::size_t CellsPainted() const { return painted_; }
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;

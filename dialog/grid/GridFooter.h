@@ -6,7 +6,7 @@ namespace orvex {
 class GridModel;
 class GridTable;
 
-/// The row below a grid with its counts and sums. It only shows: no focus, no selection, no mouse.
+/// Row of counts and sums below a grid. Display only: takes no focus, selection or mouse input.
 class GridFooter : public QWidget {
     Q_OBJECT
 
@@ -14,7 +14,7 @@ class GridFooter : public QWidget {
     GridFooter(GridTable* frozen, GridTable* scrolling, QWidget* parent);
 
     void SetModel(const GridModel* model);
-    /// Where a column's cell is, in this widget's coordinates; the part outside the pane is cut off.
+    /// Rectangle of a column's cell in widget coordinates, clipped to its pane.
     QRect CellRect(int column) const;
 
   protected:

@@ -6,18 +6,18 @@ namespace orvex {
 class GridDelegate;
 class GridModel;
 
-/// The header of one pane of a grid: captions in line with the cells, icons of captionless columns, fixed
-/// sections, least widths.
+/// Header of one pane of a grid: captions aligned with the cells, icons for columns without a caption, fixed
+/// sections, minimum widths.
 class GridHeaderView : public QHeaderView {
     Q_OBJECT
 
   public:
-    /// `delegate` has the icons and must outlive the header.
+    /// `delegate` provides the icons and must outlive the header.
     GridHeaderView(const GridDelegate& delegate, QWidget* parent);
 
-    /// Column widths, limits and fixed columns as the model's table of columns says.
+    /// Applies widths, limits and fixed columns of the model's columns.
     void SetUp(const GridModel& model);
-    /// Shows the sort indicator over a column of this pane; -1 for none.
+    /// Shows the sort indicator on a column of this pane; -1 hides it.
     void ShowSort(int column, Qt::SortOrder order);
 
     QSize sizeHint() const override;

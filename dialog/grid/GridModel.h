@@ -12,9 +12,9 @@
 
 namespace orvex {
 
-/// The model under every grid: a table of columns, and records that a subclass keeps. Rows show records in
-/// the current sort order; cells are computed from the record when asked for, so that a row costs its record
-/// and one index.
+/// Model of every grid: a table of columns, and records stored by a subclass. Rows show the records in the
+/// current sort order; cells are computed from the record on demand, so that a row costs its record and one
+/// index.
 class GridModel : public QAbstractTableModel {
     Q_OBJECT
 
@@ -30,24 +30,24 @@ class GridModel : public QAbstractTableModel {
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
-    /// Stable, by typed value (texts without regard to case, with digits in them by value); column -1
-    /// restores the order of adding. Keys are computed once per call. Records added later are merged in.
+    /// Sorts stably by typed value (texts case-insensitively in natural order); column -1 restores the order
+    /// of adding. Keys are computed once per call. Records added later are merged in.
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
-    /// What the rows are sorted by; -1 when they are in the order of adding.
+    /// Sort column; -1 in the order of adding.
     int SortColumn() const { return sortColumn_; }
     Qt::SortOrder SortOrder() const { return sortOrder_; }
 
-    /// The record shown in a row and the row that shows a record.
+    /// Record shown in a row, and row that shows a record.
     std::size_t RecordOfRow(int row) const { return order_[static_cast<std::size_t>(row)]; }
-    /// -1 when there is no such record.
+    /// -1 if there is no such record.
     int RowOfRecord(std::size_t record) const;
-    /// The first row from `from` on, going round once, whose text in a column begins with `start` without
-    /// regard to case; -1 for none.
+    /// First row from `from` on, wrapping around, whose text in a column starts with `start`
+    /// (case-insensitive); -1 if none.
     int FindRow(int column, std::wstring_view start, int from) const;
 
-    /// The text of a cell as shown.
+    /// Text of a cell as shown.
     std::wstring CellText(std::size_t record, int column) const;
-    /// Footer cell: a count, a sum, or nothing. Brought up to date once per batch.
+    /// Footer cell: a count, a sum, or nullopt. Updated once per batch.
     std::optional<std::wstring> FooterText(int column) const;
 
   signals:
@@ -58,7 +58,7 @@ class GridModel : public QAbstractTableModel {
   protected:
     virtual std::size_t RecordCount() const = 0;
     virtual GridCell Cell(std::size_t record, int column) const = 0;
-    /// printf-like format of one number cell; the column's by default.
+    /// printf-like format of one numeric cell; the column's by default.
     virtual const wchar_t* NumberFormat(std::size_t record, int column) const;
     virtual int Icon(std::size_t record, int column) const;
     virtual std::wstring Tooltip(std::size_t record, int column) const;
@@ -70,7 +70,7 @@ class GridModel : public QAbstractTableModel {
     /// Removes records by index (ascending, unique); `remove` erases them from the subclass's storage,
     /// keeping the order. It must not throw.
     void RemoveRecords(const std::vector<std::size_t>& records, const std::function<void()>& remove);
-    /// Empties everything; `clear` empties the subclass's storage.
+    /// Removes all records; `clear` empties the subclass's storage.
     void ClearRecords(const std::function<void()>& clear);
     /// The cells of all records in these columns changed.
     void NotifyChanged(int firstColumn, int lastColumn);
@@ -95,9 +95,9 @@ class GridModel : public QAbstractTableModel {
     void EraseRows(RowRange range);
 
     const std::vector<GridColumn> columns_;
-    std::vector<std::uint32_t> order_;  ///< the record of each row
-    mutable std::vector<int> rows_;     ///< the row of each record; empty until asked for
-    std::size_t recordCount_ = 0;       ///< in the storage; more than rows only while rows are going
+    std::vector<std::uint32_t> order_;  ///< record of each row
+    mutable std::vector<int> rows_;     ///< row of each record; empty until needed
+    std::size_t recordCount_ = 0;       ///< in the storage; exceeds the rows only during removal
     int sortColumn_ = -1;
     Qt::SortOrder sortOrder_ = Qt::AscendingOrder;
     GridSortKeys keys_;         ///< of the sort column, by record; empty while unsorted

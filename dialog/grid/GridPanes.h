@@ -7,8 +7,8 @@ namespace orvex {
 
 class GridModel;
 
-/// The two tables of a grid, that of the frozen columns and the one that scrolls: which column is in which,
-/// and one vertical position, selection and sort indicator for both. The tables belong to their parent.
+/// The frozen and the scrolling table of a grid: distributes the columns among them and keeps their vertical
+/// position, selection and sort indicator in step. The tables are owned by their parent.
 class GridPanes {
   public:
     GridPanes(GridDelegate& delegate, QWidget* parent);
@@ -18,7 +18,7 @@ class GridPanes {
     std::vector<GridTable*> Both() const { return {frozen_, scrolling_}; }
     GridTable& PaneOf(int column) const;
 
-    /// Null takes the model away.
+    /// Null removes the model.
     void SetModel(GridModel* model);
     /// Shows the columns that are not hidden; only the basic ones unless `details`.
     void ShowColumns(bool details);

@@ -7,18 +7,18 @@
 
 namespace orvex {
 
-/// The keys of one column, by record: computed once, compared often. Numbers and dates come before texts;
-/// what has no value comes last in both directions.
+/// Sort keys of one column, by record: computed once, compared often. Numbers and dates sort before texts;
+/// empty cells and NaN sort last in both directions.
 class GridSortKeys {
   public:
     void Clear();
     void Reserve(std::size_t count);
     void Append(const GridCell& cell);
-    /// Takes out the keys of these records (ascending, unique); the others move up.
+    /// Removes the keys of these records (ascending, unique) and closes the gaps.
     void Remove(const std::vector<std::size_t>& records);
     std::size_t Size() const { return kinds_.size(); }
 
-    /// Whether record `a` comes before record `b`; false for equal ones.
+    /// True if record `a` sorts before record `b`; false if they are equal.
     bool Before(std::size_t a, std::size_t b, bool descending) const;
 
   private:
@@ -29,7 +29,7 @@ class GridSortKeys {
     std::vector<std::wstring> texts_;  ///< shorter than the others when the last records have none
 };
 
-/// Takes the elements at these positions (ascending, unique) out of a vector in one pass.
+/// Erases the elements at these positions (ascending, unique) in one pass.
 template <class T>
 void EraseAt(std::vector<T>& items, const std::vector<std::size_t>& positions) {
     std::size_t next = 0;

@@ -8,7 +8,7 @@ namespace orvex {
 class GridDelegate;
 class GridHeaderView;
 
-/// One pane of a grid. Rows are selected and have the focus as a whole; the arrow keys left and right scroll.
+/// One pane of a grid. Whole rows are selected and focused; the left and right arrow keys scroll.
 class GridTable : public QTableView {
     Q_OBJECT
 
@@ -21,10 +21,10 @@ class GridTable : public QTableView {
     /// The pane that has the keyboard; it also gets the mouse of the other one, so that a selection with
     /// Shift starts where the last click was, in whichever pane that was.
     void SetMain(GridTable* main) { main_ = main; }
-    /// The column that typing searches; asked for at each key.
+    /// Column searched by typing; queried at each key.
     void SetSearchColumn(std::function<int()> column) { searchColumn_ = std::move(column); }
     void SetRowHeight(int height);
-    /// Whether another pane stands at the left.
+    /// True if there is another pane to the left.
     void SetJoinsLeft(bool joins) { joinsLeft_ = joins; }
     /// Repaints one row; -1 does nothing.
     void UpdateRow(int row);

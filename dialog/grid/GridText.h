@@ -6,12 +6,12 @@
 
 namespace orvex {
 
-/// Rows as tab-separated text, one line a row, each ended by a line feed. Tabs and line breaks inside a cell
-/// become blanks, so that a spreadsheet reads the table back as it is.
+/// Rows as tab-separated text, one line per row, each terminated by a line feed. Tabs and line breaks inside
+/// a cell become blanks, so that a spreadsheet reads the table back unchanged.
 std::wstring TabSeparated(const GridModel& model, const std::vector<int>& rows,
                           const std::vector<int>& columns, bool withHeaders);
 
-/// A text for one line: each run of line breaks, tabs and blanks around them becomes one blank.
+/// A text as one line: each run of line breaks, tabs and adjoining blanks becomes one blank.
 std::wstring OnOneLine(std::wstring text);
 
 }  // namespace orvex

@@ -13,9 +13,9 @@ namespace orvex {
 
 class GridFooter;
 
-/// The grid that every page uses: a table with frozen columns at the left, a footer row, sorting by clicking
-/// a header (once ascending, twice descending, three times the order of adding), best fit, copying of the
-/// selected rows as tab-separated text (Ctrl+C), and a message in the middle while it is empty.
+/// Grid used by every page: a table with frozen columns at the left, a footer row, sorting by header clicks
+/// (ascending, descending, order of adding), best fit, copying of the selected rows as tab-separated text
+/// (Ctrl+C), and a centred message while it is empty.
 class GridView : public QFrame {
     Q_OBJECT
 
@@ -23,7 +23,7 @@ class GridView : public QFrame {
     explicit GridView(QWidget* parent = nullptr);
     ~GridView() override;
 
-    /// `model` must outlive the view; null takes it away.
+    /// `model` must outlive the view; null removes it.
     void SetModel(GridModel* model);
     /// Icons by image index, for the model's icon role.
     void SetIcons(std::vector<QIcon> icons);
@@ -32,37 +32,37 @@ class GridView : public QFrame {
     /// Shows or hides the columns that are not basic.
     void ShowDetailColumns(bool show);
     bool DetailColumnsShown() const;
-    /// Every visible column to its contents (of the rows in sight and a sample of the rest), within its
+    /// Fits every visible column to its contents (of the visible rows and a sample of the rest), within its
     /// limits. Columns that cannot be resized keep their width.
     void FitColumns();
     void FitColumn(int column);
     bool IsColumnShown(int column) const;
     int ColumnWidth(int column) const;
 
-    /// Height at which this many rows are in sight, with header, footer and scroll bar.
+    /// Height in pixels for this many visible rows, with header, footer and scroll bar.
     int HeightOfRows(int rows) const;
 
-    /// Rows selected, ascending.
+    /// Selected rows, ascending.
     std::vector<int> SelectedRows() const;
     void SelectRows(const std::vector<int>& rows);
     void ClearSelection();
     void SelectAll();
-    /// The row with the focus, -1 for none.
+    /// Focused row; -1 if none.
     int CurrentRow() const;
-    /// Puts the selected rows on the clipboard as tab-separated text of the visible columns.
+    /// Copies the visible columns of the selected rows to the clipboard as tab-separated text.
     void CopySelection(bool withHeaders = true) const;
-    /// The commands of the right mouse button.
+    /// Context menu of the rows.
     QMenu* ContextMenu() const;
 
-    /// The table that scrolls; tests click in it.
+    /// The scrolling table; exposed for tests.
     QTableView* Table() const;
-    /// The table of the columns that stay; hidden when there are none.
+    /// The table of the frozen columns; hidden if there are none.
     QTableView* FrozenTable() const;
-    /// The row of counts and sums.
+    /// The footer row.
     GridFooter* Footer() const;
-    /// The message shown while there are no rows; empty otherwise.
+    /// Message shown while there are no rows; otherwise empty.
     QString ShownMessage() const;
-    /// Cells drawn so far; tells what scrolling costs.
+    /// Number of cells drawn so far, to measure scrolling.
     std::size_t CellsPainted() const;
 
   signals:
