@@ -12,6 +12,7 @@
 
 #include "benchmarks/Bench.h"
 #include "dialog/grid/GridView.h"
+#include "support/DesktopQt.h"
 #include "support/NaturalOrder.h"
 
 namespace {
@@ -110,7 +111,8 @@ void MeasureSorting(FilesModel& model, bench::Figures& figures) {
 }
 
 void MeasureScrolling(FilesModel& model, bench::Figures& figures) {
-    GridView view;
+    UserPromptsQt prompts;
+    GridView view(prompts);
     view.SetModel(&model);
     view.resize(900, 500);
     view.show();

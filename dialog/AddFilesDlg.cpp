@@ -16,13 +16,13 @@
 #include "dialog/CTabCtrlEx.h"
 #include "dialog/CompanionWarning.h"
 #include "dialog/DialogProgress.h"
-#include "dialog/HandlerGuard.h"
 #include "dialog/Images.h"
 #include "dialog/RunInputFilter.h"
 #include "dialog/WindowPlacement.h"
 #include "settings/OptionStore.h"
 #include "support/DesktopQt.h"
 #include "support/Format.h"
+#include "support/HandlerGuard.h"
 #include "support/HostObjects.h"
 #include "support/QtText.h"
 #include "support/UserPrompts.h"
@@ -74,7 +74,7 @@ AddFilesDlg::~AddFilesDlg() {
 }
 
 void AddFilesDlg::BuildWindow() {
-    tabs_ = new CTabCtrlEx;
+    tabs_ = new CTabCtrlEx(services_.prompts);
     tabs_->setObjectName(QStringLiteral("tabs"));
     tabs_->tabBar()->setAccessibleName(ToQString(Text(text::kTabsAccessibleName)));
     auto* layout = new QVBoxLayout(this);
@@ -83,7 +83,9 @@ void AddFilesDlg::BuildWindow() {
 
     progress_ = new DialogProgress(bar_, this);
     inputFilter_ = new RunInputFilter(tabs_, this);
-    connect(progress_, &DialogProgress::RunningChanged, this, &AddFilesDlg::OnRunningChanged);
+    connect(
+        progress_, &DialogProgress::RunningChanged, this,
+        Guarded(services_.prompts, L"OnRunningChanged", [this](bool running) { OnRunningChanged(running); }));
     connect(stop_, &QToolButton::clicked, progress_, &DialogProgress::Stop);
     connect(ok_, &QPushButton::clicked, this, &AddFilesDlg::accept);
     connect(cancel_, &QPushButton::clicked, this, &AddFilesDlg::reject);
@@ -215,9 +217,11 @@ void AddFilesDlg::reject() {
 }
 
 void AddFilesDlg::done(int result) {
-    const auto tab = static_cast<std::int32_t>(tabs_->ShownIndex());
-    services_.options.Put(opt2AddFilesCurTabIndex, tab);
-    SaveWindowPlacement(*this, services_.options, kPlacementName);
+    RunGuarded(services_.prompts, L"OnDestroy", [this] {
+        const auto tab = static_cast<std::int32_t>(tabs_->ShownIndex());
+        services_.options.Put(opt2AddFilesCurTabIndex, tab);
+        SaveWindowPlacement(*this, services_.options, kPlacementName);
+    });
     QDialog::done(result);
 }
 

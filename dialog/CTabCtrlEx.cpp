@@ -4,6 +4,7 @@
 #include <QTabBar>
 
 #include "dialog/Images.h"
+#include "support/HandlerGuard.h"
 #include "support/LDataError.h"
 #include "support/Log.h"
 #include "support/QtText.h"
@@ -40,15 +41,16 @@ class CTabCtrlEx::Bar : public QTabBar {
     bool noneSelected_ = false;
 };
 
-CTabCtrlEx::CTabCtrlEx(QWidget* parent) : QTabWidget(parent), bar_(new Bar) {
+CTabCtrlEx::CTabCtrlEx(UserPrompts& prompts, QWidget* parent) : QTabWidget(parent), bar_(new Bar) {
     setTabBar(bar_);
-    connect(this, &QTabWidget::currentChanged, this, &CTabCtrlEx::OnSelectionChanged);
+    connect(this, &QTabWidget::currentChanged, this,
+            Guarded(prompts, L"OnSelectionChanged", [this](int index) { OnSelectionChanged(index); }));
     // With none selected the bar's own current tab can be clicked without a change.
-    connect(this, &QTabWidget::tabBarClicked, this, [this](int index) {
-        if (shown_ < 0 && index == currentIndex()) {
-            OnSelectionChanged(index);
-        }
-    });
+    connect(this, &QTabWidget::tabBarClicked, this, Guarded(prompts, L"OnTabClicked", [this](int index) {
+                if (shown_ < 0 && index == currentIndex()) {
+                    OnSelectionChanged(index);
+                }
+            }));
 }
 
 CTabCtrlEx::~CTabCtrlEx() = default;

@@ -15,7 +15,8 @@ class CTabCtrlEx : public QTabWidget {
     Q_OBJECT
 
   public:
-    explicit CTabCtrlEx(QWidget* parent = nullptr);
+    /// `prompts` tells of a handler that failed; it outlives the tabs.
+    explicit CTabCtrlEx(UserPrompts& prompts, QWidget* parent = nullptr);
     ~CTabCtrlEx() override;
 
     /// Adds the tabs of the pages that are switched on, in the order of the descriptions. A page that cannot

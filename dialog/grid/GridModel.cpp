@@ -7,6 +7,8 @@
 #include <numeric>
 
 #include "support/Format.h"
+#include "support/LDataError.h"
+#include "support/Log.h"
 #include "support/QtText.h"
 
 namespace orvex {
@@ -39,7 +41,17 @@ int GridModel::columnCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(columns_.size());
 }
 
+// Views ask while they paint, where an exception would leave them, and the dialog, in the middle of it.
 QVariant GridModel::data(const QModelIndex& index, int role) const {
+    try {
+        return RoleOf(index, role);
+    } catch (...) {
+        LogWarning(L"A cell cannot be shown: " + CurrentExceptionText());
+        return {};
+    }
+}
+
+QVariant GridModel::RoleOf(const QModelIndex& index, int role) const {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid)) {
         return {};
     }
@@ -185,9 +197,10 @@ std::optional<QColor> GridModel::TextColour(std::size_t, int) const {
 }
 
 void GridModel::sort(int column, Qt::SortOrder order) {
-    sortColumn_ = column >= 0 && column < columnCount() ? column : -1;
+    const int wanted = column >= 0 && column < columnCount() ? column : -1;
+    keys_ = KeysOf(wanted);
+    sortColumn_ = wanted;
     sortOrder_ = order;
-    RebuildKeys();
     Reorder([this] { SortAll(); });
     emit SortChanged(sortColumn_, sortOrder_);
 }
@@ -222,14 +235,29 @@ void GridModel::SortAll() {
     }
 }
 
-void GridModel::RebuildKeys() {
-    keys_.Clear();
-    if (sortColumn_ < 0) {
-        return;
+GridSortKeys GridModel::KeysOf(int column) const {
+    GridSortKeys keys;
+    if (column < 0) {
+        return keys;
     }
-    keys_.Reserve(order_.size());
+    keys.Reserve(order_.size());
     for (std::size_t record = 0; record < order_.size(); ++record) {
-        keys_.Append(Cell(record, sortColumn_));
+        keys.Append(Cell(record, column));
+    }
+    return keys;
+}
+
+void GridModel::AppendKeys(std::size_t firstRecord) {
+    try {
+        for (std::size_t record = firstRecord; sortColumn_ >= 0 && record < order_.size(); ++record) {
+            keys_.Append(Cell(record, sortColumn_));
+        }
+    } catch (...) {
+        // Keys of some rows only would be read beyond their end: the rows stay as they are, unsorted.
+        keys_.Clear();
+        sortColumn_ = -1;
+        emit SortChanged(sortColumn_, sortOrder_);
+        throw;
     }
 }
 
@@ -268,11 +296,9 @@ void GridModel::AppendRecords(std::size_t count, const std::function<void()>& ap
     Q_ASSERT(RecordCount() == recordCount_);
     endInsertRows();
 
+    AppendKeys(first);
     AddToSums(first, 0, columnCount() - 1);
     if (sortColumn_ >= 0) {
-        for (std::size_t record = first; record < order_.size(); ++record) {
-            keys_.Append(Cell(record, sortColumn_));
-        }
         Reorder([this, first] {
             const auto before = [this](auto a, auto b) { return Before(a, b); };
             const auto middle = order_.begin() + static_cast<std::ptrdiff_t>(first);
@@ -365,7 +391,7 @@ void GridModel::NotifyChanged(int firstColumn, int lastColumn) {
     RecomputeSums(firstColumn, lastColumn);
     emit dataChanged(index(0, firstColumn), index(rowCount() - 1, lastColumn));
     if (sortColumn_ >= firstColumn && sortColumn_ <= lastColumn) {
-        RebuildKeys();
+        keys_ = KeysOf(sortColumn_);
         // Ties included: equal records stand in the order of adding.
         const bool sorted = std::is_sorted(order_.begin(), order_.end(), [this](auto a, auto b) {
             return Before(a, b) || (a < b && !Before(b, a));

@@ -81,13 +81,17 @@ class GridModel : public QAbstractTableModel {
         int last;
     };
 
+    QVariant RoleOf(const QModelIndex& index, int role) const;
     QVariant DisplayValue(std::size_t record, int column, int role) const;
     QVariant Alignment(int column, bool header) const;
     /// Lets `change` alter order_ and tells the views, so that selections stay with their records.
     void Reorder(const std::function<void()>& change);
     bool Before(std::uint32_t a, std::uint32_t b) const;
     void SortAll();
-    void RebuildKeys();
+    /// By record; empty for column -1.
+    GridSortKeys KeysOf(int column) const;
+    /// The keys of records that were added at the end.
+    void AppendKeys(std::size_t firstRecord);
     void AddToSums(std::size_t firstRecord, int firstColumn, int lastColumn);
     void RecomputeSums(int firstColumn, int lastColumn);
     /// The rows of these records; when they are too scattered, after moving them to the end.

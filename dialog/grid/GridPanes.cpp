@@ -8,9 +8,9 @@
 
 namespace orvex {
 
-GridPanes::GridPanes(GridDelegate& delegate, QWidget* parent)
-    : frozen_(new GridTable(GridTable::Pane::Frozen, delegate, parent)),
-      scrolling_(new GridTable(GridTable::Pane::Scrolling, delegate, parent)) {
+GridPanes::GridPanes(GridDelegate& delegate, UserPrompts& prompts, QWidget* parent)
+    : frozen_(new GridTable(GridTable::Pane::Frozen, delegate, prompts, parent)),
+      scrolling_(new GridTable(GridTable::Pane::Scrolling, delegate, prompts, parent)) {
     frozen_->setObjectName("frozenTable");
     scrolling_->setObjectName("table");
     frozen_->setAccessibleName(ToQString(Text(text::kGridFixedColumnsAccessibleName)));

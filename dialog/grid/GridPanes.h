@@ -6,12 +6,13 @@
 namespace orvex {
 
 class GridModel;
+class UserPrompts;
 
 /// The frozen and the scrolling table of a grid: distributes the columns among them and keeps their vertical
 /// position, selection and sort indicator in step. The tables are owned by their parent.
 class GridPanes {
   public:
-    GridPanes(GridDelegate& delegate, QWidget* parent);
+    GridPanes(GridDelegate& delegate, UserPrompts& prompts, QWidget* parent);
 
     GridTable& Frozen() const { return *frozen_; }
     GridTable& Scrolling() const { return *scrolling_; }

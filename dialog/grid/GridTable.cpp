@@ -8,12 +8,13 @@
 #include "dialog/grid/GridDelegate.h"
 #include "dialog/grid/GridHeaderView.h"
 #include "dialog/grid/GridModel.h"
+#include "support/HandlerGuard.h"
 #include "support/QtText.h"
 
 namespace orvex {
 
-GridTable::GridTable(Pane pane, GridDelegate& delegate, QWidget* parent)
-    : QTableView(parent), pane_(pane), header_(new GridHeaderView(delegate, this)) {
+GridTable::GridTable(Pane pane, GridDelegate& delegate, UserPrompts& prompts, QWidget* parent)
+    : QTableView(parent), prompts_(prompts), pane_(pane), header_(new GridHeaderView(delegate, this)) {
     setHorizontalHeader(header_);
     header_->setSortIndicatorShown(true);  // a table hides it when it gets its header
     setItemDelegate(&delegate);
@@ -52,6 +53,10 @@ void GridTable::UpdateRow(int row) {
 }
 
 void GridTable::keyboardSearch(const QString& typed) {
+    RunGuarded(prompts_, L"OnSearch", [&] { Search(typed); });
+}
+
+void GridTable::Search(const QString& typed) {
     const auto* grid = qobject_cast<const GridModel*>(model());
     const int column = grid && searchColumn_ ? searchColumn_() : -1;
     if (column < 0 || typed.isEmpty()) {

@@ -7,6 +7,7 @@ namespace orvex {
 
 class GridDelegate;
 class GridHeaderView;
+class UserPrompts;
 
 /// One pane of a grid. Whole rows are selected and focused; the left and right arrow keys scroll.
 class GridTable : public QTableView {
@@ -15,7 +16,8 @@ class GridTable : public QTableView {
   public:
     enum class Pane { Frozen, Scrolling };
 
-    GridTable(Pane pane, GridDelegate& delegate, QWidget* parent);
+    /// `prompts` tells of a handler that failed; it outlives the table.
+    GridTable(Pane pane, GridDelegate& delegate, UserPrompts& prompts, QWidget* parent);
 
     GridHeaderView* Header() const { return header_; }
     /// The pane that has the keyboard; it also gets the mouse of the other one, so that a selection with
@@ -43,7 +45,9 @@ class GridTable : public QTableView {
 
   private:
     bool ForwardMouse(QEvent* event);
+    void Search(const QString& typed);
 
+    UserPrompts& prompts_;
     Pane pane_;
     bool joinsLeft_ = false;
     GridTable* main_ = this;

@@ -17,6 +17,7 @@
 #include "dialog/grid/GridPanes.h"
 #include "dialog/grid/GridSelection.h"
 #include "dialog/grid/GridText.h"
+#include "support/HandlerGuard.h"
 #include "support/QtText.h"
 
 namespace orvex {
@@ -35,8 +36,10 @@ QFrame* MakeSeam(QWidget* parent) {
 }  // namespace
 
 struct GridView::Parts {
-    explicit Parts(QWidget* grid) : delegate(new GridDelegate(grid)), panes(*delegate, grid) {}
+    Parts(QWidget* grid, UserPrompts& userPrompts)
+        : prompts(userPrompts), delegate(new GridDelegate(grid)), panes(*delegate, userPrompts, grid) {}
 
+    UserPrompts& prompts;
     GridModel* model = nullptr;
     bool details = true;
     GridDelegate* delegate;
@@ -50,7 +53,8 @@ struct GridView::Parts {
     GridCommands* commands = nullptr;
 };
 
-GridView::GridView(QWidget* parent) : QFrame(parent), parts_(std::make_unique<Parts>(this)) {
+GridView::GridView(UserPrompts& prompts, QWidget* parent)
+    : QFrame(parent), parts_(std::make_unique<Parts>(this, prompts)) {
     Parts& p = *parts_;
     setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     p.seam = MakeSeam(this);
@@ -100,37 +104,46 @@ void GridView::BuildLayout() {
 void GridView::BuildCommands() {
     Parts& p = *parts_;
     p.commands = new GridCommands(this);
-    connect(p.commands, &GridCommands::CopyRequested, this, &GridView::CopySelection);
-    connect(p.commands, &GridCommands::SelectAllRequested, this, &GridView::SelectAll);
-    connect(p.commands, &GridCommands::FitRequested, this, &GridView::FitColumns);
+    connect(p.commands, &GridCommands::CopyRequested, this,
+            Guarded(p.prompts, L"OnCopy", [this](bool withHeaders) { CopySelection(withHeaders); }));
+    connect(p.commands, &GridCommands::SelectAllRequested, this,
+            Guarded(p.prompts, L"OnSelectAll", [this] { SelectAll(); }));
+    connect(p.commands, &GridCommands::FitRequested, this,
+            Guarded(p.prompts, L"OnFitColumns", [this] { FitColumns(); }));
     connect(p.commands, &GridCommands::RemoveRequested, this, &GridView::RemoveRequested);
     for (GridTable* table : p.panes.Both()) {
-        connect(table, &QWidget::customContextMenuRequested, this, [this, table](const QPoint& at) {
-            ContextMenu()->popup(table->viewport()->mapToGlobal(at));
-        });
+        connect(table, &QWidget::customContextMenuRequested, this,
+                Guarded(p.prompts, L"OnContextMenu", [this, table](const QPoint& at) {
+                    ContextMenu()->popup(table->viewport()->mapToGlobal(at));
+                }));
     }
 }
 
 void GridView::JoinScrolling() {
     Parts& p = *parts_;
     QScrollBar* inner = p.table->horizontalScrollBar();
-    connect(inner, &QScrollBar::rangeChanged, this, [this, inner](int least, int most) {
-        parts_->bar->setPageStep(inner->pageStep());
-        parts_->bar->setSingleStep(inner->singleStep());
-        parts_->bar->setRange(least, most);
-        parts_->bar->setVisible(most > least);
-    });
+    connect(inner, &QScrollBar::rangeChanged, this,
+            Guarded(p.prompts, L"OnScrollRange", [this, inner](int least, int most) {
+                parts_->bar->setPageStep(inner->pageStep());
+                parts_->bar->setSingleStep(inner->singleStep());
+                parts_->bar->setRange(least, most);
+                parts_->bar->setVisible(most > least);
+            }));
     connect(inner, &QScrollBar::valueChanged, p.bar, &QScrollBar::setValue);
     connect(p.bar, &QScrollBar::valueChanged, inner, &QScrollBar::setValue);
     connect(inner, &QScrollBar::valueChanged, p.footer, qOverload<>(&QWidget::update));
     p.bar->hide();
 
     for (GridTable* table : p.panes.Both()) {
-        connect(table->Header(), &QHeaderView::sectionClicked, this, &GridView::CycleSort);
-        connect(table->Header(), &QHeaderView::sectionHandleDoubleClicked, this, &GridView::FitColumn);
+        connect(table->Header(), &QHeaderView::sectionClicked, this,
+                Guarded(p.prompts, L"OnSort", [this](int column) { CycleSort(column); }));
+        connect(table->Header(), &QHeaderView::sectionHandleDoubleClicked, this,
+                Guarded(p.prompts, L"OnFitColumn", [this](int column) { FitColumn(column); }));
     }
-    connect(p.frozen->Header(), &QHeaderView::sectionResized, this, [this] { ArrangePanes(); });
-    connect(p.table, &GridTable::FocusChanged, this, [this] { parts_->panes.UpdateRow(CurrentRow()); });
+    connect(p.frozen->Header(), &QHeaderView::sectionResized, this,
+            Guarded(p.prompts, L"ArrangePanes", [this] { ArrangePanes(); }));
+    connect(p.table, &GridTable::FocusChanged, this,
+            Guarded(p.prompts, L"OnFocus", [this] { parts_->panes.UpdateRow(CurrentRow()); }));
 }
 
 void GridView::SetModel(GridModel* model) {
@@ -143,12 +156,13 @@ void GridView::SetModel(GridModel* model) {
     p.footer->SetModel(model);
     if (model) {
         ConnectSelection();
-        connect(model, &GridModel::RecordsChanged, this, [this] {
-            ArrangeMessage();
-            EnableCommands();
-        });
+        connect(model, &GridModel::RecordsChanged, this, Guarded(p.prompts, L"OnRecords", [this] {
+                    ArrangeMessage();
+                    EnableCommands();
+                }));
         connect(model, &GridModel::SortChanged, this,
-                [this](int column, Qt::SortOrder order) { parts_->panes.ShowSort(column, order); });
+                Guarded(p.prompts, L"OnSortChanged",
+                        [this](int column, Qt::SortOrder order) { parts_->panes.ShowSort(column, order); }));
         p.panes.ShowColumns(p.details);
         for (const int column : p.panes.ShownColumns()) {
             if (model->Columns()[static_cast<std::size_t>(column)].width == 0) {
@@ -164,15 +178,18 @@ void GridView::SetModel(GridModel* model) {
 void GridView::ConnectSelection() {
     const QItemSelectionModel* selection = parts_->table->selectionModel();
     connect(selection, &QItemSelectionModel::selectionChanged, this, &GridView::SelectionChanged);
-    connect(selection, &QItemSelectionModel::selectionChanged, this, &GridView::EnableCommands);
-    connect(selection, &QItemSelectionModel::currentChanged, this,
-            [this](const QModelIndex& current, const QModelIndex& previous) {
-                parts_->panes.UpdateRow(previous.row());
-                parts_->panes.UpdateRow(current.row());
-                if (current.row() != previous.row()) {
-                    emit CurrentRowChanged(current.row());
-                }
-            });
+    UserPrompts& prompts = parts_->prompts;
+    connect(selection, &QItemSelectionModel::selectionChanged, this,
+            Guarded(prompts, L"EnableCommands", [this] { EnableCommands(); }));
+    connect(
+        selection, &QItemSelectionModel::currentChanged, this,
+        Guarded(prompts, L"OnCurrentRow", [this](const QModelIndex& current, const QModelIndex& previous) {
+            parts_->panes.UpdateRow(previous.row());
+            parts_->panes.UpdateRow(current.row());
+            if (current.row() != previous.row()) {
+                emit CurrentRowChanged(current.row());
+            }
+        }));
 }
 
 void GridView::SetIcons(std::vector<QIcon> icons) {
@@ -372,15 +389,19 @@ void GridView::changeEvent(QEvent* event) {
     QFrame::changeEvent(event);
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange ||
         event->type() == QEvent::StyleChange) {
-        ArrangeRows();
-        ArrangeMessage();
+        RunGuarded(parts_->prompts, L"ArrangeRows", [this] {
+            ArrangeRows();
+            ArrangeMessage();
+        });
     }
 }
 
 void GridView::resizeEvent(QResizeEvent* event) {
     QFrame::resizeEvent(event);
-    ArrangePanes();
-    ArrangeMessage();
+    RunGuarded(parts_->prompts, L"ArrangePanes", [this] {
+        ArrangePanes();
+        ArrangeMessage();
+    });
 }
 
 }  // namespace orvex

@@ -12,6 +12,7 @@ class QTableView;
 namespace orvex {
 
 class GridFooter;
+class UserPrompts;
 
 /// Grid used by every page: a table with frozen columns at the left, a footer row, sorting by header clicks
 /// (ascending, descending, order of adding), best fit, copying of the selected rows as tab-separated text
@@ -20,7 +21,8 @@ class GridView : public QFrame {
     Q_OBJECT
 
   public:
-    explicit GridView(QWidget* parent = nullptr);
+    /// `prompts` tells of a handler that failed; it outlives the view.
+    explicit GridView(UserPrompts& prompts, QWidget* parent = nullptr);
     ~GridView() override;
 
     /// `model` must outlive the view; null removes it.

@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "dialog/DialogProgress.h"
-#include "dialog/HandlerGuard.h"
 #include "dialog/grid/GridView.h"
 #include "support/Files.h"
+#include "support/HandlerGuard.h"
 #include "support/QtText.h"
 
 namespace orvex {

@@ -14,7 +14,6 @@
 #include <utility>
 
 #include "dialog/DialogProgress.h"
-#include "dialog/HandlerGuard.h"
 #include "dialog/details/DetailsHtml.h"
 #include "dialog/grid/GridView.h"
 #include "dialog/page/ControlWidget.h"
@@ -23,6 +22,7 @@
 #include "dialog/page/OptionForm.h"
 #include "dialog/page/OptionsPanel.h"
 #include "settings/OptionStore.h"
+#include "support/HandlerGuard.h"
 
 namespace orvex {
 namespace {
@@ -60,10 +60,10 @@ ListPage::ListPage(const PageContext& context, const ListPageDescription& descri
       params_(*context.params),
       progress_(context.progress),
       description_(description),
-      grid_(new GridView),
+      grid_(new GridView(services_.prompts)),
       details_(new DetailsPanel(context.images, description_.detailsTabs)),
       splitter_(new QSplitter(Qt::Vertical)),
-      form_(new OptionForm(description_.options)),
+      form_(new OptionForm(description_.options, services_.prompts)),
       optionsPanel_(new OptionsPanel(form_)) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(8, 8, 8, 8);
@@ -174,15 +174,9 @@ void ListPage::MakeForm() {
         form_->Show(StoredOptions(services_.options, services_.hostObjects).Load(description_.options));
     });
     detailColumns_->setChecked(form_->Values().detailColumns);
-    connect(form_, &OptionForm::Changed, this, [this](bool changesLayers) {
-        RunGuarded(services_.prompts, L"OnOptions", [&] {
-            if (changesLayers) {
-                Update();
-            } else {
-                EnableItems();
-            }
-        });
-    });
+    connect(form_, &OptionForm::Changed, this,
+            Guarded(services_.prompts, L"OnOptions",
+                    [this](bool changesLayers) { changesLayers ? Update() : EnableItems(); }));
 }
 
 void ListPage::OnClick(int id, const wchar_t* handler, std::function<void()> press) {
@@ -203,12 +197,14 @@ void ListPage::ConnectGrid() {
 
 void ListPage::ConnectPane() {
     splitter_->installEventFilter(this);
-    connect(details_, &DetailsPanel::BodyShownChanged, this, &ListPage::ArrangePane);
-    connect(splitter_, &QSplitter::splitterMoved, this, [this] {
-        if (details_->IsBodyShown()) {
-            paneHeight_ = splitter_->sizes().last();
-        }
-    });
+    connect(details_, &DetailsPanel::BodyShownChanged, this,
+            Guarded(services_.prompts, L"ArrangePane", [this] { ArrangePane(); }));
+    connect(splitter_, &QSplitter::splitterMoved, this,
+            Guarded(services_.prompts, L"OnSplitterMoved", [this] {
+                if (details_->IsBodyShown()) {
+                    paneHeight_ = splitter_->sizes().last();
+                }
+            }));
 }
 
 // The pane is as high as the user left it; where there is no room for that, it yields before the grid does.
@@ -223,7 +219,7 @@ void ListPage::ArrangePane() {
 
 bool ListPage::eventFilter(QObject* watched, QEvent* event) {
     if (watched == splitter_ && event->type() == QEvent::Resize) {
-        ArrangePane();
+        RunGuarded(services_.prompts, L"ArrangePane", [this] { ArrangePane(); });
     }
     return AddFilesPage::eventFilter(watched, event);
 }

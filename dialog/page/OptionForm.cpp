@@ -10,9 +10,11 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
+#include <QScopedValueRollback>
 #include <algorithm>
 
 #include "dialog/page/ControlWidget.h"
+#include "support/HandlerGuard.h"
 
 namespace orvex {
 namespace {
@@ -65,8 +67,8 @@ bool IsEnabled(bool (*enabled)(const AddFilesParams&), const AddFilesParams& cho
 
 }  // namespace
 
-OptionForm::OptionForm(const OptionTable& table, QWidget* parent)
-    : QWidget(parent), table_(table), values_(DefaultOptions(table)) {
+OptionForm::OptionForm(const OptionTable& table, UserPrompts& prompts, QWidget* parent)
+    : QWidget(parent), table_(table), prompts_(prompts), values_(DefaultOptions(table)) {
     controls_.reserve(table.rows.size());  // connections refer to them
     auto* columns = new QHBoxLayout(this);
     columns->setContentsMargins(0, 0, 0, 0);
@@ -157,7 +159,7 @@ const OptionForm::Control& OptionForm::MakeWidgets(const OptionRow& row) {
 }
 
 QWidget* OptionForm::MakeWidget(const OptionRow& row, Control& control) {
-    const auto changed = [this, &control] { OnChanged(control); };
+    const auto changed = Guarded(prompts_, L"OnOptions", [this, &control] { OnChanged(control); });
     switch (row.control) {
         case OptionControl::CheckBox: {
             auto* box = MakeControl<QCheckBox>(row.id, row.caption, row.tooltip);
@@ -197,21 +199,21 @@ QWidget* OptionForm::MakeRadios(const OptionRow& row, Control& control) {
         control.radios->addButton(button, choice.value);
         layout->addWidget(button);
     }
-    connect(control.radios, &QButtonGroup::idToggled, this, [this, &control](int, bool isOn) {
-        if (isOn) {
-            OnChanged(control);
-        }
-    });
+    connect(control.radios, &QButtonGroup::idToggled, this,
+            Guarded(prompts_, L"OnOptions", [this, &control](int, bool isOn) {
+                if (isOn) {
+                    OnChanged(control);
+                }
+            }));
     return widget;
 }
 
 void OptionForm::Show(const OptionValues& values) {
     values_ = values;
-    isShowing_ = true;
+    const QScopedValueRollback<bool> showing(isShowing_, true);
     for (const Control& control : controls_) {
         ShowControl(control);
     }
-    isShowing_ = false;
 }
 
 void OptionForm::ShowControl(const Control& control) {
@@ -285,14 +287,13 @@ void OptionForm::OnChanged(const Control& control) {
 
 /// The first choice is chosen anew.
 void OptionForm::FillDependentLists(const Control& changed) {
-    isShowing_ = true;
+    const QScopedValueRollback<bool> showing(isShowing_, true);
     for (const Control& control : controls_) {
         if (&control != &changed && control.row->choicesFor != nullptr) {
             SetNumber(*control.row, ChoicesOf(*control.row, values_.record).front().value, values_);
             FillList(control);
         }
     }
-    isShowing_ = false;
 }
 
 bool OptionForm::ReadNumber(const OptionRow& row) {

@@ -11,13 +11,16 @@ class QLabel;
 
 namespace orvex {
 
+class UserPrompts;
+
 /// The groups of options below a grid, made from the page's table. Every control is named "c" and its id.
 class OptionForm final : public QWidget {
     Q_OBJECT
 
   public:
-    /// `table` and what it refers to outlive the form. Shows the values of a fresh machine.
-    explicit OptionForm(const OptionTable& table, QWidget* parent = nullptr);
+    /// `table` and what it refers to outlive the form, and so does `prompts`, which tells of a handler that
+    /// failed. Shows the values of a fresh machine.
+    OptionForm(const OptionTable& table, UserPrompts& prompts, QWidget* parent = nullptr);
 
     void Show(const OptionValues& values);
     /// The controls' values. Numbers are those shown last by Show or accepted by ReadNumber. The detail
@@ -57,6 +60,7 @@ class OptionForm final : public QWidget {
     void OnChanged(const Control& control);
 
     const OptionTable& table_;
+    UserPrompts& prompts_;
     OptionValues values_;
     std::vector<Control> controls_;
     std::map<const OptionGroup*, QGroupBox*> boxes_;

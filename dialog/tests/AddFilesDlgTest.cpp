@@ -48,6 +48,20 @@ TEST_F(Shell, InitialTabSelectsATabOrNone) {
     }
 }
 
+TEST_F(Shell, AFailureOfTheShellIsToldAndLosesNothing) {
+    params.showRasterTab = true;
+    const auto dialog = Open();
+    journal.throwWhenEnabled = "raster";
+    EXPECT_NO_THROW(dialog->Tabs().setCurrentIndex(1));
+    ASSERT_THAT(prompts.shown, SizeIs(1));
+    EXPECT_EQ(prompts.shown[0].text, L"An exception occurred in OnSelectionChanged():\n\nno memory");
+    EXPECT_TRUE(dialog->isVisible());
+    registry.throws = true;
+    EXPECT_NO_THROW(dialog->done(QDialog::Accepted));
+    EXPECT_TRUE(prompts.shown.back().text.starts_with(L"An exception occurred in OnDestroy()"));
+    EXPECT_EQ(dialog->result(), QDialog::Accepted) << "what was collected is the host's all the same";
+}
+
 TEST_F(Shell, ADialogThatIsHiddenReadsNoFurther) {
     const auto dialog = Open();
     const DialogProgress::Run run(*journal.progress);

@@ -7,7 +7,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include "dialog/HandlerGuard.h"
+#include "support/HandlerGuard.h"
 #include "support/Text.h"
 #include "support/testing/Scripted.h"
 

@@ -23,7 +23,8 @@ struct Journal {
     std::string handedOver;  // names of the pages
     /// What a page writes into the record.
     std::function<void(const std::string& name, AddFilesParams& params)> store = [](auto&, auto&) {};
-    std::string stopIn;  // the page whose reading is stopped by Escape
+    std::string throwWhenEnabled;  // the page that fails when it is selected
+    std::string stopIn;            // the page whose reading is stopped by Escape
     DialogProgress* progress = nullptr;
 };
 
@@ -57,6 +58,11 @@ class FakePage : public AddFilesPage {
     }
     bool Accepts(const std::wstring& path) const override {
         return UpperExtensionOf(path) == extension_ || path.ends_with(L"folder");
+    }
+    void changeEvent(QEvent* event) override {
+        if (event->type() == QEvent::EnabledChange && isEnabled() && journal_.throwWhenEnabled == name_) {
+            throw LDataError(L"no memory");
+        }
     }
     bool NeedsCompanionFiles() const override { return journal_.needCompanion == name_; }
 

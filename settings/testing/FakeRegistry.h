@@ -19,6 +19,7 @@ class FakeRegistry final : public RegistryStore {
 
     std::set<RegistryRoot> denyOpen;  ///< roots whose base key cannot be opened
     bool denySubkeys = false;         ///< no other key can be opened
+    bool throws = false;              ///< there is no memory for anything
 
     /// Puts a value into the store whatever the switches say; `subkey` empty: into the base key.
     void Put(RegistryRoot root, const std::wstring& subkey, const std::wstring& name, Value value) {
@@ -31,6 +32,9 @@ class FakeRegistry final : public RegistryStore {
     }
 
     std::unique_ptr<RegistryKey> OpenBaseKey(RegistryRoot root) override {
+        if (throws) {
+            throw std::bad_alloc();
+        }
         return denyOpen.contains(root) ? nullptr : std::make_unique<Key>(*this, root, L"");
     }
 

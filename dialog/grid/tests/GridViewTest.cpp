@@ -10,10 +10,12 @@
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
+#include <functional>
 
 #include "dialog/grid/GridFooter.h"
 #include "dialog/grid/tests/SampleModel.h"
 #include "support/QtText.h"
+#include "support/testing/Scripted.h"
 
 namespace orvex::testing {
 namespace {
@@ -53,8 +55,59 @@ class GridViewTest : public ::testing::Test {
     }
 
     SampleModel model_;
-    GridView view_;
+    ScriptedPrompts prompts_;
+    GridView view_{prompts_};
 };
+
+TEST_F(GridViewTest, AFailureIsToldAndTheListStays) {
+    struct Case {
+        const wchar_t* handler;  ///< empty: a cell stays empty, without a word
+        std::function<void()> act;
+    };
+    const auto trigger = [&](const char* name) { view_.findChild<QAction*>(name)->trigger(); };
+    const QHeaderView* header = view_.Table()->horizontalHeader();
+    const Case cases[] = {
+        {L"OnCopy", [&] { trigger("copy"); }},
+        {L"OnCopy", [&] { trigger("copyRows"); }},
+        {L"OnFitColumns", [&] { trigger("fitColumns"); }},
+        {L"OnFitColumn",
+         [&] {
+             const int end = header->sectionViewportPosition(kSize) + header->sectionSize(kSize) - 1;
+             QTest::mouseMove(header->viewport(), QPoint(end, 4));
+             QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, QPoint(end, 4));
+         }},
+        {L"OnSort", [&] { ClickHeader(view_.Table(), kSize); }},
+        {L"OnSearch", [&] { view_.Table()->keyboardSearch("b"); }},
+        {L"", [&] { view_.grab(); }},
+        {L"", [&] { view_.resize(view_.width() + 20, view_.height()); }},
+    };
+    model_.Append({{L"b", 3.0}, {L"c", 1.0}, {L"a", 2.0}});
+    Settle();
+    view_.SelectAll();
+    for (const Case& c : cases) {
+        prompts_.shown.clear();
+        model_.fails = true;
+        EXPECT_NO_THROW(c.act()) << ToUtf8(c.handler);
+        Settle();
+        model_.fails = false;
+        ASSERT_EQ(prompts_.shown.empty(), *c.handler == 0) << ToUtf8(c.handler);
+        if (*c.handler != 0) {
+            EXPECT_TRUE(prompts_.shown[0].text.starts_with(L"An exception occurred in " +
+                                                           std::wstring(c.handler) + L"()"));
+        }
+        EXPECT_THAT(model_.Names(), ElementsAre(L"b", L"c", L"a"));
+    }
+    ClickHeader(view_.Table(), kSize);
+    EXPECT_THAT(model_.Names(), ElementsAre(L"c", L"a", L"b")) << "it goes on afterwards";
+    model_.fails = true;
+    EXPECT_THROW(model_.Append({{L"d", 0.0}}), std::bad_alloc);
+    model_.fails = false;
+    model_.Append({{L"e", 5.0}});
+    EXPECT_THAT(model_.Names(), ElementsAre(L"c", L"a", L"b", L"d", L"e"));
+    EXPECT_EQ(model_.SortColumn(), -1);
+    ClickHeader(view_.Table(), kSize);
+    EXPECT_THAT(model_.Names(), ElementsAre(L"d", L"c", L"a", L"b", L"e"));
+}
 
 TEST_F(GridViewTest, HeaderClicksGoUpDownAndBack) {
     model_.Append({{L"b", 3.0}, {L"c", 1.0}, {L"a", 2.0}});

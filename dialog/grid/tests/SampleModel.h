@@ -1,5 +1,6 @@
 #pragma once
 #include <limits>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -90,10 +91,14 @@ class SampleModel : public ListModel<SampleRecord> {
     }
 
     mutable std::size_t cellsAsked = 0;
+    bool fails = false;  ///< cells cannot be made
 
   protected:
     GridCell Cell(std::size_t record, int column) const override {
         ++cellsAsked;
+        if (fails) {
+            throw std::bad_alloc();
+        }
         return ListModel::Cell(record, column);
     }
 };

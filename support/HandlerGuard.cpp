@@ -1,4 +1,4 @@
-#include "dialog/HandlerGuard.h"
+#include "support/HandlerGuard.h"
 
 #include <string>
 

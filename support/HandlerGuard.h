@@ -1,5 +1,6 @@
 #pragma once
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace orvex {
@@ -23,11 +24,20 @@ bool RunGuarded(UserPrompts& prompts, std::wstring_view name, Handler&& handler)
     }
 }
 
-/// Returns a slot that runs `handler` under RunGuarded. `name` must be a literal (a view of it is kept);
-/// `prompts` outlives the connection. The signal's arguments are dropped.
+/// Returns a slot that runs `handler` under RunGuarded; every handler of the dialog is one. It gets the
+/// signal's arguments if it takes them. `name` must be a literal (a view of it is kept); `prompts` outlives
+/// the connection. Not for private signals (QTimer::timeout).
 template <typename Handler>
 auto Guarded(UserPrompts& prompts, std::wstring_view name, Handler handler) {
-    return [&prompts, name, handler = std::move(handler)]() mutable { RunGuarded(prompts, name, handler); };
+    return [&prompts, name, handler = std::move(handler)](const auto&... arguments) mutable {
+        RunGuarded(prompts, name, [&] {
+            if constexpr (std::is_invocable_v<Handler&, decltype(arguments)...>) {
+                handler(arguments...);
+            } else {
+                handler();
+            }
+        });
+    };
 }
 
 }  // namespace orvex
