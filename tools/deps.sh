@@ -24,6 +24,25 @@ as_root() {
     fi
 }
 
+# apt-get, without its progress. While another program holds one of apt's locks it waits, after saying so; apt-get itself
+# can wait for some of the locks only.
+apt_get() {
+    local errors told=
+    errors=$(mktemp)
+    until as_root env LC_ALL=C DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 "$@" >/dev/null 2>"$errors"; do
+        if ! grep -q 'Could not get lock' "$errors"; then
+            cat "$errors" >&2
+            rm -f "$errors"
+            return 1
+        fi
+        [ -n "$told" ] || echo "orvex: waiting for another program to finish with apt: $(grep -m 1 'Could not get lock' "$errors")" >&2
+        told=yes
+        sleep 2
+    done
+    cat "$errors" >&2
+    rm -f "$errors"
+}
+
 debian_keyring=/usr/share/keyrings/debian-archive-keyring.gpg
 
 machine_release() { . /etc/os-release && echo "${VERSION_CODENAME:-}"; }
@@ -61,7 +80,7 @@ offer_next_release_laszip() {
         "$next" "$next" >"$file"
     as_root install -m 644 "$file" /etc/apt/preferences.d/orvex-laszip
     rm -f "$file"
-    as_root apt-get update -qq
+    apt_get update
 }
 
 install_missing() {
@@ -69,10 +88,9 @@ install_missing() {
     mapfile -t packages < <(missing_packages "$1")
     if [ ${#packages[@]} -gt 0 ]; then
         echo "orvex: installing ${packages[*]}"
-        as_root apt-get update -qq
+        apt_get update
         case " ${packages[*]} " in *' liblaszip-dev '*) offer_next_release_laszip ;; esac
-        as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
-            -o Dpkg::Use-Pty=0 "${packages[@]}" >/dev/null
+        apt_get install -y --no-install-recommends "${packages[@]}"
     fi
 }
 
