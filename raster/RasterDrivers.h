@@ -5,9 +5,7 @@
 
 namespace orvex {
 
-/// Short names of the drivers that may open a listed file: raster drivers, without those that reach servers
-/// or databases, read the whole file before they know its size, or leave files beside it. Safe from any
-/// thread.
+/// Short names of the registered drivers that may open a listed file. Safe from any thread.
 GdalListPtr RasterDrivers();
 
 /// Explanation for a file that no driver recognises but whose extension is of a format that this build of

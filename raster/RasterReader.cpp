@@ -1,28 +1,31 @@
 #include "raster/RasterReader.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
-#include <string_view>
+#include <iterator>
+#include <system_error>
 #include <utility>
 
 #include "raster/GdalMetadata.h"
 #include "raster/Georeference.h"
+#include "raster/RasterAccess.h"
 #include "raster/RasterBands.h"
 #include "raster/RasterDrivers.h"
 #include "raster/RasterFindings.h"
 #include "raster/RasterSidecars.h"
 #include "raster/TiffStructure.h"
+#include "raster/VrtDocument.h"
 #include "support/Files.h"
+#include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
 
 namespace orvex {
 namespace {
 
-constexpr std::size_t kFoldersKept = 4;
 constexpr std::size_t kStartBytes = 4096;
-constexpr std::size_t kRootWithin = 1024;  ///< bytes in which GDAL looks for the root element of a VRT
 
 /// The first bytes of a regular file that is not empty.
 std::string ReadStart(const std::wstring& path) {
@@ -46,23 +49,11 @@ std::string ReadStart(const std::wstring& path) {
     return {bytes.data(), static_cast<std::size_t>(file.gcount())};
 }
 
-/// True if GDAL would take the file for a VRT of a subclass (such as a warped one), which opens the files it
-/// names as soon as it is opened. A plain mosaic does not.
-bool IsComputedVrt(std::string_view start) {
-    const std::size_t root = start.substr(0, kRootWithin).find("<VRTDataset");
-    if (root == std::string_view::npos) {
-        return false;
-    }
-    const std::size_t end = start.find('>', root);
-    const std::string_view tag = start.substr(root, end - root);
-    return tag.find("subClass") != std::string_view::npos || end == std::string_view::npos;
-}
-
-/// An absolute path that GDAL takes for a local file: "WMS:a" and "/vsicurl/a" mean more to it.
-std::string GdalName(const std::wstring& path) {
+/// An absolute path, which GDAL takes for a local file: "WMS:a" means more to it.
+std::wstring Absolute(const std::wstring& path) {
+    std::error_code ignored;
     const std::filesystem::path given = ToPath(path);
-    std::string name = ToUtf8(given.is_absolute() ? path : FromPath(std::filesystem::absolute(given)));
-    return name.starts_with("/vsi") ? "/." + name : name;
+    return given.is_absolute() ? path : FromPath(std::filesystem::absolute(given, ignored));
 }
 
 /// Metadata items with the time of acquisition. A TIFF's own time, that of its creation, comes last.
@@ -103,39 +94,94 @@ void ReadSize(GDALDatasetH dataset, RasterProperties& properties) {
     }
 }
 
+GdalDataset Open(const std::string& name, const GdalList& drivers) {
+    return GdalDataset(
+        GDALOpenEx(name.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, drivers.Get(), nullptr, nullptr));
+}
+
+/// The overview file that a dataset names in its metadata, wherever that lies; empty if none. GDAL opens it
+/// with any driver when it is asked for overviews.
+std::wstring NamedOverviews(GDALDatasetH dataset) {
+    return MetadataText(dataset, "OVERVIEW_FILE", "OVERVIEWS");
+}
+
+/// The same for the .aux files in which GDAL looks for overviews.
+std::wstring OverviewsNamedBeside(const std::wstring& path) {
+    const std::wstring stem = path.substr(0, path.size() - UpperExtensionOf(path).size());
+    std::wstring named;
+    for (const std::wstring& aux : {stem + L".aux", stem + L".AUX", path + L".aux", path + L".AUX"}) {
+        if (named.empty() && FileExists(aux)) {
+            const GdalErrorScope ignored;
+            const RasterAccess access(aux);
+            const GdalDataset dataset = Open(access.Name(), GdalList({"HFA"}));
+            named = dataset ? NamedOverviews(dataset.get()) : std::wstring();
+        }
+    }
+    return named;
+}
+
+/// Levels in an overview file, opened as a raster of its own; 0 if it cannot be read.
+int LevelsIn(const std::wstring& path, const char* driver) {
+    if (!FileExists(path)) {
+        return 0;
+    }
+    const GdalErrorScope ignored;
+    const RasterAccess access(path);
+    const GdalDataset dataset = Open(access.Name(), GdalList({driver}));
+    if (!dataset || GDALGetRasterCount(dataset.get()) < 1 || !NamedOverviews(dataset.get()).empty()) {
+        return 0;
+    }
+    return 1 + GDALGetOverviewCount(GDALGetRasterBand(dataset.get(), 1));
+}
+
+/// Counts the levels of the .ovr file, which GDAL does not see.
+void ReadOverviewFile(const std::wstring& path, RasterProperties& properties) {
+    // JPEG files of any size can be read at lower resolutions; levels in a file go before that.
+    const bool hasOwn = properties.overviews > 0 && properties.driver != L"JPEG";
+    const int levels = hasOwn ? 0 : LevelsIn(path + L".ovr", "GTiff");
+    if (levels > 0) {
+        properties.overviews = levels;
+        for (RasterBandProperties& band : properties.bandDetails) {
+            band.overviews = levels;
+        }
+    }
+}
+
+/// The text with the name in it; empty if there is no name.
+std::wstring Naming(StringId text, const std::wstring& name) {
+    return name.empty() ? name : FormatText(Text(text), {name});
+}
+
 RasterProperties Describe(GDALDatasetH dataset, const std::wstring& path) {
     RasterProperties properties;
     ReadSize(dataset, properties);
     ReadFormat(dataset, properties);
-    // Asking a VRT for more than it states opens the files that it names, wherever they are.
-    const bool isVrt = properties.driver == L"VRT";
-    ReadBands(dataset, isVrt, properties);
+    // Asking for overviews opens the files that a VRT, or the overview file that any raster, names.
+    const std::wstring inFile = NamedOverviews(dataset);
+    const std::wstring named = inFile.empty() ? OverviewsNamedBeside(path) : inFile;
+    const bool onlyStated = properties.driver == L"VRT" || !named.empty();
+    ReadBands(dataset, onlyStated, properties);
     ReadColors(dataset, path, properties);
     ReadGeoreference(dataset, properties);
-    const std::uint64_t fileSize = FileSizeOf(path).value_or(0);
-    properties.totalBytes = fileSize;
-    if (!isVrt) {
+    properties.totalBytes = FileSizeOf(path).value_or(0);
+    if (!onlyStated) {
+        std::wstring fault = CheckTiffBlocks(dataset, properties.totalBytes);
+        if (!fault.empty()) {
+            properties.warnings.insert(properties.warnings.begin(), std::move(fault));
+        }
+        ReadOverviewFile(path, properties);
         ReadSidecars(dataset, path, properties);
     }
-    if (std::wstring fault = CheckTiffBlocks(dataset, fileSize); !fault.empty()) {
-        properties.warnings.insert(properties.warnings.begin(), std::move(fault));
+    if (!named.empty()) {
+        properties.warnings.push_back(Naming(text::kRasterOverviewsElsewhere, named));
     }
     properties.hasDetails = true;
     return properties;
 }
 
-}  // namespace
-
-GdalDataset OpenRaster(const std::wstring& path, const GdalErrorScope& errors) {
-    // Never destroyed: a worker may still ask while the process ends.
-    static auto* const folders = new FolderListing(kFoldersKept);
-    if (IsComputedVrt(ReadStart(path))) {
-        throw LDataError(Text(text::kRasterIsVrt));
-    }
-    const GdalListPtr drivers = RasterDrivers();
-    const GdalListPtr siblings = folders->Beside(path);
-    GdalDataset dataset(GDALOpenEx(GdalName(path).c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, drivers->Get(),
-                                   nullptr, siblings ? siblings->Get() : nullptr));
+/// Opens the file under the name, which may be its name in a RasterAccess.
+GdalDataset Open(const std::wstring& path, const std::string& name, const GdalErrorScope& errors) {
+    GdalDataset dataset = Open(name, *RasterDrivers());
     if (!dataset) {
         const std::wstring reason = PlainReason(errors.Messages());
         throw LDataError(reason.empty() ? MissingDriverReason(path) : reason);
@@ -143,18 +189,47 @@ GdalDataset OpenRaster(const std::wstring& path, const GdalErrorScope& errors) {
     return dataset;
 }
 
+RasterProperties Read(const std::wstring& path, const RasterAccess& access, const GdalErrorScope& errors) {
+    const VrtSources sources = CheckVrt(path, ReadStart(path));
+    const GdalDataset dataset = Open(path, access.Name(), errors);
+    RasterProperties properties = Describe(dataset.get(), path);
+    std::vector<std::wstring> texts{access.Refusal(), Naming(text::kRasterPixelsElsewhere, sources.distant),
+                                    Naming(text::kRasterReferencedFileMissing, sources.missing)};
+    std::ranges::move(PlainMessages(errors.Messages()), std::back_inserter(texts));
+    std::ranges::copy_if(texts, std::back_inserter(properties.warnings),
+                         [](const std::wstring& text) { return !text.empty(); });
+    return properties;
+}
+
+}  // namespace
+
+GdalDataset OpenRaster(const std::wstring& path, const GdalErrorScope& errors) {
+    const std::wstring file = Absolute(path);
+    const std::wstring distant = CheckVrt(file, ReadStart(file)).distant;
+    const std::string name = ToUtf8(file);
+    GdalDataset dataset = Open(path, name.starts_with("/vsi") ? "/." + name : name, errors);
+    for (const std::wstring& elsewhere :
+         {Naming(text::kRasterPixelsElsewhere, distant),
+          Naming(text::kRasterOverviewsElsewhere, NamedOverviews(dataset.get()))}) {
+        if (!elsewhere.empty()) {
+            throw LDataError(elsewhere);
+        }
+    }
+    return dataset;
+}
+
 RasterProperties ReadRasterProperties(const std::wstring& path) {
     const GdalErrorScope errors;
-    const NoNetwork noNetwork;
-    // The TIFF driver ignores the list of siblings and lists the folder of each file anew, unless it holds
-    // more files than this; then it looks for each possible sidecar by name.
-    const GdalOption fewListed("GDAL_READDIR_LIMIT_ON_OPEN", "64");
-    const GdalDataset dataset = OpenRaster(path, errors);
-    RasterProperties properties = Describe(dataset.get(), path);
-    for (std::wstring& text : PlainMessages(errors.Messages())) {
-        properties.warnings.push_back(std::move(text));
+    const RasterAccess access(Absolute(path));
+    try {
+        return Read(Absolute(path), access, errors);
+    } catch (const LDataError&) {
+        // What GDAL reports then follows from it.
+        if (!access.Refusal().empty()) {
+            throw LDataError(access.Refusal());
+        }
+        throw;
     }
-    return properties;
 }
 
 }  // namespace orvex

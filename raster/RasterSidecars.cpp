@@ -6,6 +6,7 @@
 #include <iterator>
 #include <utility>
 
+#include "raster/RasterAccess.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -21,13 +22,22 @@ std::wstring Stem(const std::wstring& path) {
     return ToUpper(name.substr(0, name.rfind(L'.')));
 }
 
-GdalListPtr ToGdal(std::vector<std::wstring>::const_iterator begin,
-                   std::vector<std::wstring>::const_iterator end) {
-    std::vector<std::string> names;
-    std::transform(begin, end, std::back_inserter(names),
-                   [](const std::wstring& name) { return ToUtf8(name); });
-    return std::make_shared<const GdalList>(std::move(names));
+/// True if a file belongs to the raster whose stem its name begins with: "tile1.tfw" and "tile1_rpc.txt" to
+/// "tile1.tif", but not "tile1_2.tif", nor "tile10.tfw". `key`: its upper-cased name.
+bool BelongsTo(const std::wstring& key, std::size_t stem) {
+    constexpr std::wstring_view kMetadata[] = {L".TXT", L".XML", L".RPC", L".RPB", L".IMD"};
+    const bool isMetadata = std::ranges::find(kMetadata, UpperExtensionOf(key)) != std::end(kMetadata);
+    return key.size() > stem &&
+           (key[stem] == L'.' || ((key[stem] == L'_' || key[stem] == L'-') && isMetadata));
 }
+
+GdalListPtr ToGdal(const std::vector<std::wstring>& names) {
+    std::vector<std::string> texts;
+    std::ranges::transform(names, std::back_inserter(texts), ToUtf8);
+    return std::make_shared<const GdalList>(std::move(texts));
+}
+
+constexpr std::wstring_view kCoverage = L".ADF";
 
 // More than any format needs; a file can name any number of others.
 constexpr std::size_t kMostSidecars = 256;
@@ -56,7 +66,7 @@ FolderListing::FolderPtr FolderListing::List(const std::wstring& path, FileTime 
         }
     }
     if (isWhole) {
-        folder->whole = ToGdal(folder->names.begin(), folder->names.end());
+        folder->whole = ToGdal(folder->names);
     }
     return folder;
 }
@@ -102,24 +112,32 @@ GdalListPtr FolderListing::Beside(const std::wstring& path) {
     }
     const std::wstring stem = Stem(path);
     const auto isBefore = [&](const std::wstring& key) { return key.substr(0, stem.size()) < stem; };
-    const auto isWithin = [&](const std::wstring& key) { return key.starts_with(stem); };
-    const auto begin = std::ranges::partition_point(folder->keys, isBefore);
-    const auto end = std::partition_point(begin, folder->keys.end(), isWithin);
-    const auto first = folder->names.begin() + (begin - folder->keys.begin());
-    const auto most = std::min<std::ptrdiff_t>(end - begin, kMostWhole);
-    return ToGdal(first, first + most);
+    // The files of a coverage have names of their own.
+    const bool isCoverage = UpperExtensionOf(path) == kCoverage;
+    auto key = isCoverage ? folder->keys.begin() : std::ranges::partition_point(folder->keys, isBefore);
+    std::vector<std::wstring> names;
+    for (; key != folder->keys.end() && (isCoverage || key->starts_with(stem)); ++key) {
+        if (isCoverage ? UpperExtensionOf(*key) == kCoverage : BelongsTo(*key, stem.size())) {
+            names.push_back(folder->names[key - folder->keys.begin()]);
+        }
+    }
+    return ToGdal(names);
 }
 
 void ReadSidecars(GDALDatasetH dataset, const std::wstring& path, RasterProperties& properties) {
     const CPLStringList files(GDALGetFileList(dataset));
-    // The list holds the file itself under the name it was opened with, a full path.
-    const std::wstring keys[] = {PathKey(path), PathKey(FromUtf8(GDALGetDescription(dataset)))};
+    std::vector<std::wstring> names;
     for (int i = 0; i < files.size(); ++i) {
-        std::wstring sidecar = NativePath(FromUtf8(files[i]));
+        names.push_back(NativePath(FromUtf8(RasterAccess::PathOf(files[i]))));
+    }
+    // GDAL does not see these.
+    for (const wchar_t* const extension : {L".ovr", L".msk"}) {
+        names.push_back(path + extension);
+    }
+    for (std::wstring& sidecar : names) {
         // Files inside archives, and files removed meanwhile, have no size.
         const auto size = FileSizeOf(sidecar);
-        const bool isItself = std::ranges::find(keys, PathKey(sidecar)) != std::end(keys);
-        if (!size || isItself || properties.sidecars.size() >= kMostSidecars) {
+        if (!size || PathKey(sidecar) == PathKey(path) || properties.sidecars.size() >= kMostSidecars) {
             continue;
         }
         properties.totalBytes += *size;

@@ -16,7 +16,7 @@
 namespace orvex {
 
 /// Fills the other files that belong to a raster, and adds their sizes to `totalBytes`. `path`: the file
-/// itself.
+/// itself, absolute; the dataset was opened through RasterAccess.
 void ReadSidecars(GDALDatasetH dataset, const std::wstring& path, RasterProperties& properties);
 
 /// Cached listings of folders, so that opening all rasters of a folder lists it once. A folder that has
@@ -32,9 +32,9 @@ class FolderListing {
     explicit FolderListing(std::size_t folders, std::chrono::milliseconds settling = kStep)
         : capacity_(folders), settling_(settling) {}
 
-    /// Names (UTF-8) of the files beside `path`, itself included, as siblings for GDALOpenEx. In a folder of
-    /// more than kMostWhole files only those that begin like the file, as its sidecars do. Null if the folder
-    /// cannot be listed or holds more than kMostListed files.
+    /// Names (UTF-8) of the files beside `path`, itself included. In a folder of more than kMostWhole files
+    /// only those that may belong to it, however many. Null if the folder cannot be listed or holds more than
+    /// kMostListed files.
     GdalListPtr Beside(const std::wstring& path);
 
     /// True if another change of a folder last changed at `modified` would give it a different time.

@@ -157,6 +157,104 @@ std::vector<Hostile> FilesThatAreNoRasters() {
     };
 }
 
+std::string BigEndian(std::uint64_t number, unsigned bytes) {
+    std::string text;
+    for (unsigned i = bytes; i-- > 0;) {
+        text += static_cast<char>(number >> (8 * i));
+    }
+    return text;
+}
+
+/// A JPEG 2000 codestream of one-pixel tiles, without their data.
+std::string Codestream(unsigned components, unsigned tilesX, unsigned tilesY) {
+    std::string size = BigEndian(0, 2);
+    for (const unsigned number : {tilesX, tilesY, 0U, 0U, 1U, 1U, 0U, 0U}) {
+        size += BigEndian(number, 4);
+    }
+    size += BigEndian(components, 2);
+    for (unsigned i = 0; i < components; ++i) {
+        size += "\x07\x01\x01";
+    }
+    return "\xff\x4f\xff\x51" + BigEndian(size.size() + 2, 2) + size +
+           "\xff\x52\0\x0c\0\0\0\x01\0\0\x04\x04\0\x01\xff\x5c\0\x04\x40\x48"
+           "\xff\x90\0\x0a\0\0\0\0\0\0\0\x01\xff\x93\0\0\0\xff\xd9"s;
+}
+
+/// The codestream in its container, behind a box of `padding` bytes.
+std::string Jp2(const std::string& codestream, unsigned components, unsigned tilesX, unsigned tilesY,
+                std::size_t padding) {
+    const auto box = [](const std::string& type, const std::string& content) {
+        return BigEndian(content.size() + 8, 4) + type + content;
+    };
+    return box("jP  ", "\r\n\x87\n") + box("ftyp", "jp2 \0\0\0\0jp2 "s) +
+           box("jp2h", box("ihdr", BigEndian(tilesY, 4) + BigEndian(tilesX, 4) + BigEndian(components, 2) +
+                                       "\x07\x07\0\0"s) +
+                           box("colr", "\x01\0\0"s + BigEndian(17, 4))) +
+           box("free", std::string(padding, '\0')) + box("jp2c", codestream);
+}
+
+TEST(HostileRasters, DecodersTakeNoMoreThanTheirShare) {
+    const TemporaryFolder folder;
+    InspectRasterFile(folder.Write(L"first.tif", Pixel().Build()), RasterUse::Image);
+    constexpr struct {
+        unsigned components;
+        unsigned tilesX;
+        unsigned tilesY;
+    } kImages[] = {{1, 1000, 1000}, {16384, 8, 8}, {3, 65535, 1}};
+    for (const auto& image : kImages) {
+        const std::string bytes = Codestream(image.components, image.tilesX, image.tilesY);
+        // Behind paddings with which the markers lie in one read, and across two of a megabyte.
+        for (const std::size_t padding :
+             {0U, 1048576U - 0x59U, 1048576U - 0x5AU, 1048576U - 0x5BU, 1048576U - 0x58U}) {
+            const std::wstring path =
+                folder.Write(L"a.jp2", Jp2(bytes, image.components, image.tilesX, image.tilesY, padding));
+            const std::uint64_t before = testing::PeakMemory();
+            const RasterRow row = InspectRasterFile(path, RasterUse::Image);
+            EXPECT_LT(testing::PeakMemory() - before, kMostMemory) << image.tilesX << ' ' << padding;
+            EXPECT_THAT(ToUtf8(row.summary), HasSubstr("more tiles or strips")) << padding;
+        }
+    }
+    const std::wstring few = folder.Write(L"b.jp2", Jp2(Codestream(3, 10, 10), 3, 10, 10, 0));
+    EXPECT_TRUE(InspectRasterFile(few, RasterUse::Image).loadable);
+}
+
+TEST(HostileRasters, LongTagsAndSidecarsAreNotReadWhole) {
+    constexpr std::uint64_t kGigabyte = 1024 * kMegabyte;
+    const TemporaryFolder folder;
+    const std::wstring path = folder.Write(L"a.tif", Pixel().Build());
+    InspectRasterFile(path, RasterUse::Image);
+    const auto check = [](const std::wstring& file, bool loadable, const char* about) {
+        const std::uint64_t before = testing::PeakMemory();
+        const RasterRow row = InspectRasterFile(file, RasterUse::Image);
+        EXPECT_LT(testing::PeakMemory() - before, kMostMemory) << about;
+        EXPECT_EQ(row.loadable, loadable) << about;
+        EXPECT_THAT(ToUtf8(FindingsText(row)), HasSubstr("Too much of it")) << about;
+    };
+    for (const unsigned tag : {270U, 42112U, 700U}) {
+        const std::wstring tagged = folder.Write(
+            L"b.tif",
+            TiffBytes(TiffBytes::Format::Big).Image(1, 1, 8, 1).Claim(tag, 2, kGigabyte, 4096).Build());
+        testing::GrowSparse(tagged, kGigabyte + 8192);
+        check(tagged, true, "a long tag");
+    }
+    for (const wchar_t* const sidecar : {L"a.tif.aux.xml", L"a.tfw", L"a.prj"}) {
+        const std::wstring name = folder.Write(sidecar, "<PAMDataset>");
+        testing::GrowSparse(name, kGigabyte);
+        const std::uint64_t before = testing::PeakMemory();
+        InspectRasterFile(path, RasterUse::Image);
+        EXPECT_LT(testing::PeakMemory() - before, kMostMemory) << ToUtf8(name);
+    }
+    const std::wstring vrt = folder.Write(L"c.tif", "<VRTDataset>");
+    testing::GrowSparse(vrt, kGigabyte);
+    check(vrt, false, "a document");
+    std::string nested;
+    for (int i = 0; i < 1'000'000; ++i) {
+        nested += "<a>";
+    }
+    const std::wstring deep = folder.Write(L"d.tif", "<VRTDataset>" + nested);
+    EXPECT_FALSE(InspectRasterFile(deep, RasterUse::Image).loadable);
+}
+
 TEST(HostileRasters, GiveAPlainReasonInBoundedMemory) {
     const TemporaryFolder folder;
     // The memory that the libraries take once does not count.

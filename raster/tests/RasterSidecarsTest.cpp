@@ -14,10 +14,7 @@
 namespace orvex {
 namespace {
 
-using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::IsSupersetOf;
-using ::testing::Not;
 using ::testing::SizeIs;
 using testing::TemporaryFolder;
 using ::testing::UnorderedElementsAre;
@@ -79,19 +76,45 @@ TEST(FolderListing, ATimeOfWholeSecondsIsTrustedLater) {
 
 TEST(FolderListing, OfManyFilesOnlyTheSidecars) {
     const TemporaryFolder folder;
-    for (std::size_t i = 0; i < FolderListing::kMostWhole; ++i) {
-        folder.Write(L"tile" + std::to_wstring(i) + L".tif", "");
+    for (std::size_t i = 0; i < 2 * FolderListing::kMostWhole; ++i) {
+        // Before and behind the sidecars, and all named like the raster.
+        folder.Write(L"tile7" + std::to_wstring(i) + L".tif", "");
+        folder.Write(L"tile7-" + std::to_wstring(i) + L".tif", "");
+        folder.Write(L"tile7_" + std::to_wstring(i) + L".tfw", "");
+        folder.Write(L"w" + std::to_wstring(i) + L".adf", "");
     }
-    for (const wchar_t* name : {L"tile7.tfw", L"TILE7.TIF.AUX.XML", L"tile7_rpc.txt", L"tile.tif", L"til"}) {
+    for (const wchar_t* name :
+         {L"tile7.tif", L"tile7.tfw", L"TILE7.TIF.AUX.XML", L"tile7_rpc.txt", L"tile.tif"}) {
         folder.Write(name, "");
     }
     FolderListing listing(1);
-    const auto names = Names(listing.Beside(folder.Name(L"tile7.tif")));
-    EXPECT_THAT(names, IsSupersetOf({"tile7.tif", "tile7.tfw", "TILE7.TIF.AUX.XML", "tile7_rpc.txt"}));
-    for (const char* name : {"tile8.tif", "tile.tif", "til"}) {
-        EXPECT_THAT(names, Not(Contains(name)));
-    }
+    EXPECT_THAT(Names(listing.Beside(folder.Name(L"tile7.tif"))),
+                UnorderedElementsAre("tile7.tif", "tile7.tfw", "TILE7.TIF.AUX.XML", "tile7_rpc.txt"));
+    EXPECT_THAT(Names(listing.Beside(folder.Name(L"w1.adf"))), SizeIs(2 * FolderListing::kMostWhole))
+        << "the files of a coverage";
     EXPECT_EQ(listing.Beside(folder.Name(L"absent/a.tif")), nullptr);
+}
+
+TEST(RasterSidecars, AreFoundAmongManyFilesNamedAlike) {
+    const TemporaryFolder folder;
+    for (int i = 0; i < 200; ++i) {
+        folder.Write(L"tile7" + std::to_wstring(i) + L".prj", "");
+        folder.Write(L"tile7-" + std::to_wstring(i) + L".wld", "");
+    }
+    for (const char* const name : {"tile7.bmp", "tile7.tif"}) {
+        const std::wstring path = folder.Name(FromUtf8(name));
+        GDALDriverH memory = GDALGetDriverByName("MEM");
+        const GdalDataset image(GDALCreate(memory, "", 1, 1, 1, GDT_Byte, nullptr));
+        GDALDriverH driver = GDALGetDriverByName(path.ends_with(L"bmp") ? "BMP" : "GTiff");
+        GdalDataset(
+            GDALCreateCopy(driver, ToUtf8(path).c_str(), image.get(), FALSE, nullptr, nullptr, nullptr))
+            .reset();
+        folder.Write(L"tile7.wld", "2\n0\n0\n-2\n1\n9\n");
+        folder.Write(FileNameOf(path) + L".aux.xml", "<PAMDataset><SRS>EPSG:32633</SRS></PAMDataset>");
+        const RasterProperties properties = ReadRasterProperties(path);
+        EXPECT_EQ(properties.pixelWidth, 2) << name;
+        EXPECT_EQ(properties.projectionCode, 32633) << name;
+    }
 }
 
 }  // namespace
