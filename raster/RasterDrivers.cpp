@@ -2,9 +2,8 @@
 
 #include <gdal.h>
 
-#include <algorithm>
-#include <iterator>
 #include <mutex>
+#include <string>
 #include <string_view>
 
 #include "support/Format.h"
@@ -16,71 +15,18 @@ namespace {
 /// Drivers that open a listed file. Each reads the file and what lies beside it under names derived from its
 /// own, in bounded time; none asks a server or a database, or opens a file because of a name inside another.
 /// What a VRT names is checked before.
-constexpr std::string_view kDrivers[] = {"AAIGrid",
-                                         "ACE2",
-                                         "AIG",
-                                         "BIGGIF",
-                                         "BMP",
-                                         "BSB",
-                                         "BT",
-                                         "BYN",
-                                         "CTable2",
-                                         "DOQ1",
-                                         "DTED",
-                                         "ECW",
-                                         "EHdr",
-                                         "ENVI",
-                                         "GenBin",
-                                         "GIF",
-                                         "GRASSASCIIGrid",
-                                         "GS7BG",
-                                         "GSAG",
-                                         "GSBG",
-                                         "GTiff",
-                                         "GTX",
-                                         "GXF",
-                                         "HF2",
-                                         "HFA",
-                                         "ISG",
-                                         "JP2ECW",
-                                         "JP2KAK",
-                                         "JP2Lura",
-                                         "JP2MrSID",
-                                         "JP2OpenJPEG",
-                                         "JPEG",
-                                         "KRO",
-                                         "LAN",
-                                         "LCP",
-                                         "Leveller",
-                                         "MrSID",
-                                         "NGSGEOID",
-                                         "NITF",
-                                         "NTv2",
-                                         "NWT_GRC",
-                                         "NWT_GRD",
-                                         "PCRaster",
-                                         "PNG",
-                                         "PNM",
-                                         "RMF",
-                                         "ROI_PAC",
-                                         "RRASTER",
-                                         "RST",
-                                         "SAGA",
-                                         "SDTS",
-                                         "SGI",
-                                         "SIGDEM",
-                                         "SRTMHGT",
-                                         "Terragen",
-                                         "TGA",
-                                         "USGSDEM",
-                                         "VRT",
-                                         "WEBP",
-                                         "ZMap"};
+constexpr std::string_view kDrivers =
+    " AAIGrid ACE2 AIG BIGGIF BMP BSB BT BYN CTable2 DOQ1 DTED ECW EHdr ENVI GenBin GIF"
+    " GRASSASCIIGrid GS7BG GSAG GSBG GTiff GTX GXF HF2 HFA ISG JP2ECW JP2KAK JP2Lura"
+    " JP2MrSID JP2OpenJPEG JPEG KRO LAN LCP Leveller MrSID NGSGEOID NITF NTv2 NWT_GRC"
+    " NWT_GRD PCRaster PNG PNM RMF ROI_PAC RRASTER RST SAGA SDTS SGI SIGDEM SRTMHGT"
+    " Terragen TGA USGSDEM VRT WEBP ZMap"
+    " ";
 
 bool MayOpen(GDALDriverH driver) {
+    const std::string name = std::string(" ") + GDALGetDriverShortName(driver) + " ";
     return GDALGetMetadataItem(driver, GDAL_DCAP_OPEN, nullptr) != nullptr &&
-           std::ranges::find(kDrivers, std::string_view(GDALGetDriverShortName(driver))) !=
-               std::ranges::end(kDrivers);
+           kDrivers.find(name) != std::string_view::npos;
 }
 
 /// An extension of a format and a driver that reads it; a format can have several rows.
@@ -95,7 +41,7 @@ constexpr FormatDriver kFormatDrivers[] = {
     {L"DTED", L".DT1", "DTED"},
     {L"DTED", L".DT2", "DTED"},
     {L"ECW", L".ECW", "ECW"},
-    {L"GenBin", "GIF", L".GIF", "GIF"},
+    {L"GIF", L".GIF", "GIF"},
     {L"GRD", L".GRD", "GSAG"},
     {L"GRD", L".GRD", "GSBG"},
     {L"GRD", L".GRD", "GS7BG"},
