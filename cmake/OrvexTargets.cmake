@@ -94,6 +94,31 @@ endfunction()
 # The test programs that are worth running under the thread sanitizer.
 add_custom_target(orvex_thread_tests)
 
+# orvex_screen(VARIABLE WIDTHxHEIGHT) sets VARIABLE to the environment of tests that see a screen of this size in pixels;
+# Qt's own offscreen screen is of 800x800.
+function(orvex_screen variable size)
+    string(REPLACE x ";" sides ${size})
+    list(GET sides 0 width)
+    list(GET sides 1 height)
+    set(file "${CMAKE_BINARY_DIR}/tests/screen-${size}.json")
+    file(CONFIGURE OUTPUT "${file}" CONTENT [[{"screens": [{"name": "offscreen", "x": 0, "y": 0, "width": @width@,
+"height": @height@, "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]}]] @ONLY)
+    # A drive's colon would end the parameter.
+    file(RELATIVE_PATH file "${CMAKE_CURRENT_BINARY_DIR}" "${file}")
+    set(${variable} "QT_QPA_PLATFORM=offscreen:configfile=${file}" PARENT_SCOPE)
+endfunction()
+
+# orvex_screen_tests(TARGET FILTER) runs some of a test program's tests on the screens that users have as well.
+function(orvex_screen_tests target filter)
+    foreach(screen 1024x600@1 1366x768@1.25 1366x768@1.5 3840x2160@2)
+        string(REGEX REPLACE "@.*" "" size ${screen})
+        string(REGEX REPLACE ".*@" "" scale ${screen})
+        orvex_screen(environment ${size})
+        add_test(NAME ${target}_${screen} COMMAND ${target} --gtest_filter=${filter})
+        set_tests_properties(${target}_${screen} PROPERTIES ENVIRONMENT "${environment};QT_SCALE_FACTOR=${scale}")
+    endforeach()
+endfunction()
+
 # orvex_test(TARGET [QT] [THREADS] SOURCES source... LIBS library...): a GoogleTest program, which is one CTest. QT: its
 # main() makes a QApplication. THREADS: what it tests uses several threads; it gets the CTest label "threads".
 function(orvex_test target)
@@ -110,7 +135,8 @@ function(orvex_test target)
         set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
     endif()
     add_test(NAME ${target} COMMAND ${target})
-    set_tests_properties(${target} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+    orvex_screen(screen 1920x1080)
+    set_tests_properties(${target} PROPERTIES ENVIRONMENT "${screen}")
     if(ARG_THREADS)
         set_tests_properties(${target} PROPERTIES LABELS threads)
         add_dependencies(orvex_thread_tests ${target})

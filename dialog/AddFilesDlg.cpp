@@ -128,6 +128,7 @@ std::int32_t AddFilesDlg::Initialise() {
     }
     setWindowIcon(ApplicationIcon());
     resize(kDefaultSize);
+    FitOntoScreen(*this);
     tabs_->Select(params_.initialTab);
     // Ctrl held while the dialog opens brings back its first size and place.
     if (!IsControlKeyHeld()) {

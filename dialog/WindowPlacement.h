@@ -9,8 +9,8 @@ class OptionStore;
 /// Stores a window's size and position under a name.
 void SaveWindowPlacement(const QWidget& window, const OptionStore& options, const wchar_t* name);
 
-/// Restores a window's size and position, moving it onto a visible monitor if necessary. False if nothing
-/// usable is stored; the window is then left unchanged.
+/// Restores a window's size and position as far as they fit the screen. False if nothing usable is stored;
+/// the window is then left unchanged.
 bool RestoreWindowPlacement(QWidget& window, const OptionStore& options, const wchar_t* name);
 
 }  // namespace orvex

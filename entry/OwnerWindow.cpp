@@ -92,9 +92,15 @@ void OwnerWindow::Centre(QWidget& dialog) const {
         return;
     }
     const QPoint centre = FromSystemPixels(frame->center());
+    const QScreen* screen = QGuiApplication::screenAt(centre);
+    if (screen != nullptr) {
+        // It was made for the size of another screen, maybe.
+        const QSize borders = dialog.frameSize() - dialog.size();
+        dialog.resize(dialog.size().boundedTo(screen->availableSize() - borders));
+    }
     QRect place(QPoint(), dialog.frameSize());
     place.moveCenter(centre);
-    if (const QScreen* screen = QGuiApplication::screenAt(centre)) {
+    if (screen != nullptr) {
         const QRect room = screen->availableGeometry();
         const QSize spare = (room.size() - place.size()).expandedTo(QSize(0, 0));
         place.moveLeft(std::clamp(place.left(), room.left(), room.left() + spare.width()));

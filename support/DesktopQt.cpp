@@ -6,6 +6,8 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
+#include <algorithm>
 #include <map>
 
 #include "support/Files.h"
@@ -29,6 +31,15 @@ QMessageBox::Icon IconOf(PromptIcon icon) {
             return QMessageBox::Critical;
     }
     return QMessageBox::NoIcon;
+}
+
+// What a title bar and borders take, which nobody knows before a window is shown.
+constexpr QMargins kFrame{8, 32, 8, 8};
+
+/// The screen that a window is on, or will be shown on.
+const QScreen& ScreenOf(const QWidget& window) {
+    const QScreen* screen = QGuiApplication::screenAt(window.geometry().center());
+    return window.testAttribute(Qt::WA_Moved) && screen != nullptr ? *screen : *window.screen();
 }
 
 // A message box whose buttons speak the string library's language, not the toolkit's.
@@ -80,6 +91,23 @@ class Box {
 };
 
 }  // namespace
+
+void FitOntoScreen(QWidget& window) {
+    const QRect room = ScreenOf(window).availableGeometry().marginsRemoved(kFrame);
+    window.setMinimumSize(window.minimumSize().boundedTo(room.size()));
+    if ((window.windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen)) != 0) {
+        return;
+    }
+    window.resize(window.size().boundedTo(room.size()));
+    if (window.testAttribute(Qt::WA_Moved)) {
+        QRect place = window.geometry();
+        place.moveRight(std::min(place.right(), room.right()));
+        place.moveBottom(std::min(place.bottom(), room.bottom()));
+        place.moveLeft(std::max(place.left(), room.left()));
+        place.moveTop(std::max(place.top(), room.top()));
+        window.setGeometry(place);
+    }
+}
 
 QWidget* ActiveQtWindow() {
     QWidget* modal = QApplication::activeModalWidget();

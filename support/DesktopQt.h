@@ -15,6 +15,10 @@ namespace orvex {
 /// Parent for a dialog opened now: the modal window, else the active one; null if there is none.
 QWidget* ActiveQtWindow();
 
+/// Bounds a window, and the least size that it can be given, to the available part of its screen, the title
+/// bar included. One that has been placed is moved there as well, a minimised or maximised one is left alone.
+void FitOntoScreen(QWidget& window);
+
 /// True while a Ctrl key is held down, even if no window of this program has been told yet. Needs a
 /// QGuiApplication.
 bool IsControlKeyHeld();

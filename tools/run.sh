@@ -8,7 +8,7 @@ if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] && [[ ${QT_QPA_PLATFORM:-} != offsc
     exec "$root/build/dev/bin/orvex-host" "$@"
 fi
 mkdir -p "$root/build/pictures"
-# Qt's default offscreen screen is smaller than the dialog.
+# Qt's own offscreen screen is smaller than the dialog at double scale.
 export QT_QPA_PLATFORM="offscreen:configfile=$root/tools/offscreen-screen.json"
 drive() {
     "$root/build/dev/bin/orvex-host" --drive --pictures "$root/build/pictures" "$@" 2> >(grep -v -e XDG_RUNTIME_DIR -e propagateSizeHints >&2)

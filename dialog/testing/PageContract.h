@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QTableView>
 #include <QTextEdit>
 #include <QWhatsThis>
@@ -17,6 +18,7 @@
 #include <variant>
 
 #include "dialog/CTabCtrlEx.h"
+#include "dialog/page/OptionsPanel.h"
 #include "dialog/testing/PageFixture.h"
 #include "support/Format.h"
 
@@ -176,6 +178,38 @@ TEST_P(FilePage, EveryControlHasItsTextAndNoneIsCutOff) {
     for (const auto* label : page->findChildren<QLabel*>(QRegularExpression("^c[0-9]+$"))) {
         EXPECT_FALSE(label->text().isEmpty()) << label->objectName().toStdString();
         EXPECT_GE(label->width(), label->minimumSizeHint().width()) << label->objectName().toStdString();
+    }
+}
+
+TEST_P(FilePage, EverythingIsWithinReachOnAnyScreen) {
+    const auto isWhole = [](const QWidget& widget) {
+        return widget.visibleRegion().boundingRect().size() == widget.size();
+    };
+    const auto check = [&](const char* when) {
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(dialog->screen()->availableGeometry().contains(dialog->frameGeometry())) << when;
+        for (const char* name : {"ok", "cancel"}) {
+            EXPECT_TRUE(isWhole(*dialog->findChild<QPushButton*>(QLatin1String(name)))) << when << name;
+        }
+        EXPECT_GE(Grid().height(), Grid().HeightOfRows(3)) << when;
+        auto* options = page->findChild<OptionsPanel*>();
+        for (const OptionCase& option : GetParam().options) {
+            auto* control = option.control == 0 ? nullptr : Find(option.control);
+            if (control != nullptr && options->isAncestorOf(control)) {
+                options->ensureWidgetVisible(control, 0, 0);
+                EXPECT_TRUE(isWhole(*control)) << when << option.control;
+            }
+        }
+    };
+    check("first ");
+    const std::pair<QPoint, QSize> elsewhere[] = {
+        {{2000, 1500}, {1600, 1200}}, {{-300, -300}, {900, 500}}, {{0, 0}, {5000, 3000}}};
+    for (const auto& [place, size] : elsewhere) {
+        dialog->move(place);
+        dialog->resize(size);
+        dialog->done(QDialog::Rejected);
+        Open();
+        check("restored ");
     }
 }
 

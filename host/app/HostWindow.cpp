@@ -71,6 +71,7 @@ HostWindow::HostWindow(HostPreferences& preferences, QWidget* parent)
     BuildViews();
     BuildActions();
     restoreGeometry(preferences_.windowGeometry);
+    FitOntoScreen(*this);
     restoreState(preferences_.windowState);
     ProjectChanged();
 }
