@@ -5,6 +5,7 @@
 
 #include <mutex>
 
+#include "crs/GdalAccess.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Environment.h"
 #include "support/Files.h"
@@ -35,6 +36,7 @@ bool SetUp(const std::filesystem::path& folder) {
     PreferProjData(folder / "proj");
     OrvexUtilities::SetGDALRasterCacheSize(kCacheFraction);
     GDALAllRegister();
+    GdalAccess::Install();
     return true;
 }
 

@@ -8,9 +8,9 @@
 #include <system_error>
 #include <utility>
 
+#include "crs/GdalAccess.h"
 #include "raster/GdalMetadata.h"
 #include "raster/Georeference.h"
-#include "raster/RasterAccess.h"
 #include "raster/RasterBands.h"
 #include "raster/RasterDrivers.h"
 #include "raster/RasterFindings.h"
@@ -112,7 +112,7 @@ std::wstring OverviewsNamedBeside(const std::wstring& path) {
     for (const std::wstring& aux : {stem + L".aux", stem + L".AUX", path + L".aux", path + L".AUX"}) {
         if (named.empty() && FileExists(aux)) {
             const GdalErrorScope ignored;
-            const RasterAccess access(aux);
+            const GdalAccess access(aux);
             const GdalDataset dataset = Open(access.Name(), GdalList({"HFA"}));
             named = dataset ? NamedOverviews(dataset.get()) : std::wstring();
         }
@@ -126,7 +126,7 @@ int LevelsIn(const std::wstring& path, const char* driver) {
         return 0;
     }
     const GdalErrorScope ignored;
-    const RasterAccess access(path);
+    const GdalAccess access(path);
     const GdalDataset dataset = Open(access.Name(), GdalList({driver}));
     if (!dataset || GDALGetRasterCount(dataset.get()) < 1 || !NamedOverviews(dataset.get()).empty()) {
         return 0;
@@ -179,7 +179,7 @@ RasterProperties Describe(GDALDatasetH dataset, const std::wstring& path) {
     return properties;
 }
 
-/// Opens the file under the name, which may be its name in a RasterAccess.
+/// Opens the file under the name, which may be its name in a GdalAccess.
 GdalDataset Open(const std::wstring& path, const std::string& name, const GdalErrorScope& errors) {
     GdalDataset dataset = Open(name, *RasterDrivers());
     if (!dataset) {
@@ -189,7 +189,7 @@ GdalDataset Open(const std::wstring& path, const std::string& name, const GdalEr
     return dataset;
 }
 
-RasterProperties Read(const std::wstring& path, const RasterAccess& access, const GdalErrorScope& errors) {
+RasterProperties Read(const std::wstring& path, const GdalAccess& access, const GdalErrorScope& errors) {
     const VrtSources sources = CheckVrt(path, ReadStart(path));
     const GdalDataset dataset = Open(path, access.Name(), errors);
     RasterProperties properties = Describe(dataset.get(), path);
@@ -220,7 +220,7 @@ GdalDataset OpenRaster(const std::wstring& path, const GdalErrorScope& errors) {
 
 RasterProperties ReadRasterProperties(const std::wstring& path) {
     const GdalErrorScope errors;
-    const RasterAccess access(Absolute(path));
+    const GdalAccess access(Absolute(path));
     try {
         return Read(Absolute(path), access, errors);
     } catch (const LDataError&) {

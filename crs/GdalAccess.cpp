@@ -1,4 +1,4 @@
-#include "raster/RasterAccess.h"
+#include "crs/GdalAccess.h"
 
 #include <cpl_string.h>
 #include <cpl_vsi.h>
@@ -14,22 +14,22 @@
 #include <string_view>
 #include <vector>
 
-#include "raster/RasterSidecars.h"
+#include "crs/FolderListing.h"
 #include "support/Files.h"
 #include "support/Text.h"
 
 namespace orvex {
 
-struct RasterAccess::State {
+struct GdalAccess::State {
     std::wstring path;
-    RasterLimits limits;
+    InspectionLimits limits;
     std::uint64_t left;
     std::wstring refusal{};
 };
 
 namespace {
 
-using State = RasterAccess::State;
+using State = GdalAccess::State;
 using Bytes = std::span<const unsigned char>;
 
 constexpr std::size_t kFoldersKept = 4;
@@ -208,7 +208,7 @@ void* Open(void*, const char* name, const char* access) {
                 }
                 return nullptr;
             }
-            const RasterLimits& limits = current->limits;
+            const InspectionLimits& limits = current->limits;
             return new OpenFile(file, FileSizeOf(path).value_or(0), *current,
                                 isMain ? limits.read : limits.sidecar);
         },
@@ -268,25 +268,29 @@ const std::string& Prefix() {
 
 }  // namespace
 
-RasterAccess::RasterAccess(const std::wstring& path, const RasterLimits& limits)
+void GdalAccess::Install() {
+    Prefix();
+}
+
+GdalAccess::GdalAccess(const std::wstring& path, const InspectionLimits& limits)
     : state_(new State{NativePath(path), limits, limits.read}),
       name_(Prefix() + ToUtf8(path)),
       outer_(current) {
     current = state_.get();
 }
 
-RasterAccess::~RasterAccess() {
+GdalAccess::~GdalAccess() {
     current = outer_;
 }
 
-std::string RasterAccess::PathOf(std::string text) {
+std::string GdalAccess::PathOf(std::string text) {
     for (std::size_t at = text.find(Prefix()); at != std::string::npos; at = text.find(Prefix(), at)) {
         text.erase(at, Prefix().size());
     }
     return text;
 }
 
-std::wstring RasterAccess::Refusal() const {
+std::wstring GdalAccess::Refusal() const {
     return state_->refusal;
 }
 
