@@ -144,6 +144,17 @@ std::string WktOf(const OGRSpatialReference& crs) {
     return wkt.empty() ? ExportWkt(crs, "WKT2_2019") : wkt;
 }
 
+/// True if `found` is the same CRS, whatever its name: keys bring the name of PROJ's database for a CRS
+/// without one.
+bool IsSameCrs(const OGRSpatialReference& crs, const std::string& wkt, const std::string& found) {
+    if (OrvexUtilities::GetCompatibilityGroup(wkt) == OrvexUtilities::GetCompatibilityGroup(found)) {
+        return true;
+    }
+    OGRSpatialReference read;
+    constexpr const char* kOptions[] = {"IGNORE_DATA_AXIS_TO_SRS_AXIS_MAPPING=YES", nullptr};
+    return read.importFromWkt(found.c_str()) == OGRERR_NONE && read.IsSame(&crs, kOptions) != 0;
+}
+
 std::optional<DemCrsRecords> WithGeoKeys(const OGRSpatialReference& crs, const std::string& wkt,
                                          int minorVersion) {
     const auto keys = EncodeGeoKeys(crs);
@@ -154,8 +165,7 @@ std::optional<DemCrsRecords> WithGeoKeys(const OGRSpatialReference& crs, const s
     std::string reason;
     result.wkt = OrvexUtilities::CrsWktFromGeoKeys(keys->directory, keys->doubles, keys->text, reason);
     // Keys say no more than the parts that they have numbers for.
-    if (result.wkt.empty() ||
-        OrvexUtilities::GetCompatibilityGroup(result.wkt) != OrvexUtilities::GetCompatibilityGroup(wkt)) {
+    if (result.wkt.empty() || !IsSameCrs(crs, wkt, result.wkt)) {
         return std::nullopt;
     }
     const auto add = [&](std::uint16_t id, std::string_view description, const std::string& data) {

@@ -6,6 +6,7 @@
 
 #include "host/dem/DemCrs.h"
 #include "host/dem/DemRaster.h"
+#include "host/dem/HostGdal.h"
 #include "host/dem/LasWriter.h"
 #include "support/testing/Bytes.h"
 
@@ -84,6 +85,26 @@ TEST(TiffTags, AreReadOnlyWhereTheyLieInside) {
     EXPECT_EQ(find(tiff(26, 4, 3), 34736), std::nullopt);
     EXPECT_EQ(find("MM"), std::nullopt);
     EXPECT_EQ(find(tiff(26, 4, 3).substr(0, 15)), std::nullopt);
+}
+
+// Rasters such as those of the USGS state a CRS by its numbers alone.
+TEST(DemCrsRecords, KeysAreWrittenForACrsWithoutAName) {
+    SetUpGdal();
+    const struct {
+        const char* crs;
+        bool fitsGeoKeys;
+    } cases[] = {{"+proj=utm +zone=11 +datum=NAD27", true},
+                 {"+proj=laea +lat_0=40 +lon_0=10 +R=6371000", true},
+                 {"+proj=utm +zone=11 +datum=NAD27 +vunits=us-ft", false},
+                 {"+proj=ob_tran +o_proj=longlat +o_lon_p=0 +o_lat_p=30 +lon_0=10", false}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.crs);
+        OGRSpatialReference crs;
+        ASSERT_EQ(crs.SetFromUserInput(c.crs), OGRERR_NONE);
+        const DemCrsRecords result = MakeCrsRecords(crs, 2, 1, L"a.dem");
+        EXPECT_EQ(!result.records.empty(), c.fitsGeoKeys);
+        EXPECT_EQ(result.warnings.empty(), c.fitsGeoKeys);
+    }
 }
 
 }  // namespace
