@@ -5,6 +5,7 @@
 #include <cmath>
 #include <optional>
 
+#include "support/DataKinds.h"
 #include "support/Format.h"
 
 namespace orvex {
@@ -109,6 +110,10 @@ std::wstring PixelSizes(const RasterProperties& properties) {
                : std::wstring();
 }
 
+std::wstring ShownName(const RasterRow& row) {
+    return FileNameOf(IsNamedByFolder(row.path) ? FolderOf(row.path) : row.path);
+}
+
 std::wstring PathText(const RasterRow& row) {
     return row.path;
 }
@@ -180,7 +185,7 @@ constexpr PageColumn kColumns[] = {
     {{Hidden(TextColumn("path", text::kPath, 200)), [](const RasterRow& row) { return GridCell(row.path); }}},
     {{Hidden(TextColumn("details", text::kRasterDetailsColumn, 200)), Address}},
     {{WithFooter(Frozen(Basic(TextColumn("fileName", text::kFileName, 200))), FooterKind::Count),
-      [](const RasterRow& row) { return GridCell(FileNameOf(row.path)); },
+      [](const RasterRow& row) { return GridCell(ShownName(row)); },
       {.tooltip = PathText}}},
     {{TextColumn("folder", text::kFolder, 300),
       [](const RasterRow& row) { return GridCell(FolderOf(row.path)); },

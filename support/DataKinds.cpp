@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "support/Files.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -24,6 +25,9 @@ struct FileType {
     int filterRank = 0;                 ///< among the picker's filters of one extension; 0: has none
     std::wstring_view filterName = {};  ///< "TIF" for the filter "TIF Files (*.tif)"
 };
+
+/// The one file in the folder of an ArcInfo coverage that stands for it.
+constexpr std::wstring_view kCoverageFile = L"hdr.adf";
 
 // In the order in which the filter of all image files names them.
 constexpr FileType kFileTypes[] = {
@@ -52,7 +56,7 @@ constexpr FileType kFileTypes[] = {
     {L".dt2", Dem, kNamed | kRecognised},
     {L".grd", Dem, kNamed | kRecognised},
     {L".hgt", Dem, kNamed | kRecognised},
-    {L"hdr.adf", Dem, kRecognised},  // the one file in a coverage's folder that stands for it
+    {kCoverageFile, Dem, kNamed | kRecognised},
 };
 
 /// The kind whose filters a page's picker shows.
@@ -103,6 +107,29 @@ std::vector<std::wstring> ScanExtensions(DataKind page) {
 
 std::vector<std::wstring> NamedExtensions(DataKind page) {
     return Extensions(page, kNamed);
+}
+
+bool IsNamedByFolder(std::wstring_view path) {
+    return EqualNoCase(FileNameOf(path), kCoverageFile);
+}
+
+std::wstring StandInFor(const std::wstring& path) {
+    if (FolderExists(path)) {
+        const std::wstring folder = FileNameOf(path).empty() ? FolderOf(path) : path;
+        for (const std::wstring& name : {std::wstring(kCoverageFile), ToUpper(kCoverageFile)}) {
+            if (std::wstring file = NativePath(folder + L"/" + name); FileExists(file)) {
+                return file;
+            }
+        }
+    }
+    return path;
+}
+
+bool HasExtension(const std::wstring& path, const std::vector<std::wstring>& extensions) {
+    const auto isListed = [&](const std::wstring& text) {
+        return std::ranges::find(extensions, text) != extensions.end();
+    };
+    return isListed(UpperExtensionOf(path)) || isListed(ToUpper(FileNameOf(path)));
 }
 
 std::optional<DataKind> DataKindOf(std::wstring_view path) {

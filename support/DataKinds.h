@@ -18,8 +18,19 @@ std::vector<FileFilter> PickerFilters(DataKind page);
 /// Extensions that a page takes when it searches a folder; upper-cased, with their dot.
 std::vector<std::wstring> ScanExtensions(DataKind page);
 
-/// Extensions that a page takes of files given by name, such as picked or dropped ones; in the same form.
+/// Extensions that a page takes of files given by name, such as picked or dropped ones; in the same form. A
+/// whole file name ("HDR.ADF") stands for itself.
 std::vector<std::wstring> NamedExtensions(DataKind page);
+
+/// True for the file that stands for a folder of files, which together are one raster and go by the folder's
+/// name: "hdr.adf" of an ArcInfo coverage.
+bool IsNamedByFolder(std::wstring_view path);
+
+/// The file that stands for a folder, with its path; any other path as it is.
+std::wstring StandInFor(const std::wstring& path);
+
+/// True if a file has one of the extensions or names.
+bool HasExtension(const std::wstring& path, const std::vector<std::wstring>& extensions);
 
 /// Kind of a file that is recognised by its name alone, in any letter case; nullopt for other names.
 std::optional<DataKind> DataKindOf(std::wstring_view path);

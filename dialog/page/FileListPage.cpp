@@ -9,6 +9,7 @@
 
 #include "dialog/DialogProgress.h"
 #include "dialog/grid/GridView.h"
+#include "support/DataKinds.h"
 #include "support/Files.h"
 #include "support/HandlerGuard.h"
 #include "support/QtText.h"
@@ -154,7 +155,11 @@ void FileListPage::OnRefresh() {
 }
 
 bool FileListPage::Accepts(const std::wstring& path) const {
-    return HasExtension(path, description_.extensions) || FolderExists(path);
+    if (HasExtension(path, description_.extensions)) {
+        return true;
+    }
+    const std::wstring file = StandInFor(path);
+    return file == path ? FolderExists(path) : HasExtension(file, description_.extensions);
 }
 
 void FileListPage::dragEnterEvent(QDragEnterEvent* event) {

@@ -9,6 +9,7 @@
 
 #include "dialog/page/BackgroundRun.h"
 #include "dialog/page/PromptLines.h"
+#include "support/DataKinds.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/NaturalOrder.h"
@@ -24,10 +25,12 @@ class Scan {
 
     ScanResult Run() {
         for (const std::wstring& path : request_.paths) {
-            if (FolderExists(path)) {
+            const std::wstring file = StandInFor(path);
+            const bool isListed = HasExtension(file, request_.extensions);
+            if (FolderExists(path) && !(isListed && file != path)) {
                 AddTree(path);
-            } else if (HasExtension(path, request_.extensions)) {
-                result_.files.push_back(path);
+            } else if (isListed) {
+                result_.files.push_back(file);
             } else {
                 ++result_.ignored;
             }
@@ -80,10 +83,6 @@ class Scan {
 };
 
 }  // namespace
-
-bool HasExtension(const std::wstring& path, const std::vector<std::wstring>& extensions) {
-    return std::find(extensions.begin(), extensions.end(), UpperExtensionOf(path)) != extensions.end();
-}
 
 ScanResult ScanPaths(const ScanRequest& request, const std::stop_token& stop) {
     return Scan(request, stop).Run();

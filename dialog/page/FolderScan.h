@@ -17,7 +17,7 @@ namespace orvex {
 
 struct ScanRequest {
     std::vector<std::wstring> paths;       ///< folders and files
-    std::vector<std::wstring> extensions;  ///< upper-cased, with their dot: ".LAS"
+    std::vector<std::wstring> extensions;  ///< upper-cased, with their dot: ".LAS"; or names: "HDR.ADF"
     bool recursive = true;                 ///< subfolders too
     /// Of the files that folders are searched for, where they are others than those of `extensions`, which
     /// then hold for files that are named only; empty: the same.
@@ -52,8 +52,5 @@ struct ScanTexts {
 /// The message after a search: folders that could not be read, files of another kind among those named, or
 /// nothing found. Nullopt when all is as expected.
 std::optional<Prompt> ScanPrompt(const ScanResult& found, const ScanTexts& texts);
-
-/// True if a path has one of the extensions.
-bool HasExtension(const std::wstring& path, const std::vector<std::wstring>& extensions);
 
 }  // namespace orvex

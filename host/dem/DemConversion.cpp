@@ -12,6 +12,7 @@
 #include "host/dem/DemEncoder.h"
 #include "host/dem/DemRaster.h"
 #include "host/dem/LasWriter.h"
+#include "support/DataKinds.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
@@ -283,7 +284,9 @@ void DemConverter::Complete(LasPointWriter& writer) {
 }
 
 std::wstring DemConverter::Target(int number) const {
-    const std::wstring name = WithExtension(FileNameOf(raster_.Path()), L"");
+    const std::wstring& path = raster_.Path();
+    const std::wstring name =
+        IsNamedByFolder(path) ? FileNameOf(FolderOf(path)) : WithExtension(FileNameOf(path), L"");
     const std::wstring suffix = number > 1 ? L" (" + std::to_wstring(number) + L")" : L"";
     // Joined as paths, long names would lose their folder on Windows.
     return NativePath(options_.outputFolder + L"/" + name + suffix + L".las");

@@ -19,6 +19,7 @@ TEST(DataKinds, ExtensionsThatAPageTakes) {
     EXPECT_THAT(NamedExtensions(Raster), Contains(L".SID"));
     EXPECT_THAT(ScanExtensions(Dem), Not(Contains(L".ASC"))) << "only by name";
     EXPECT_THAT(NamedExtensions(Dem), Contains(L".ASC"));
+    EXPECT_THAT(NamedExtensions(Dem), Contains(L"HDR.ADF"));
 }
 
 TEST(DataKinds, KindOfAName) {

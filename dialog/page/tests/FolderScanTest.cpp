@@ -85,6 +85,16 @@ TEST_F(Scanning, TakesNamedFilesInTheOrderGivenAndCountsOthers) {
     EXPECT_EQ(result.ignored, 1U);
 }
 
+TEST_F(Scanning, AFolderIsTheFileThatStandsForIt) {
+    const std::wstring hill = folder.Write(L"hill/hdr.adf", "x");
+    folder.Write(L"hill/a.las", "x");
+    for (const std::wstring& named : {hill, FolderOf(hill)}) {
+        EXPECT_THAT(ScanPaths({{named}, {L".TIF", L"HDR.ADF"}, true}, {}).files, ElementsAre(hill));
+    }
+    EXPECT_THAT(ScanPaths({{FolderOf(hill)}, {L".LAS"}, true}, {}).files,
+                ElementsAre(folder.Name(L"hill/a.las")));
+}
+
 TEST_F(Scanning, StopsWhenAsked) {
     std::stop_source stop;
     stop.request_stop();

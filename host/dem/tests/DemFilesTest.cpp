@@ -34,6 +34,9 @@ class DemFilesTest : public testing::DemFixture {
 };
 
 TEST_F(DemFilesTest, TakesTheNextFreeNameAndLeavesNothingBesideTheRaster) {
+    folder_.Write(L"in/hill.v1/hdr.adf", "");
+    EXPECT_EQ(FileNameOf(Convert(Write({}, L"in/hill.v1/hdr.adf")).lasPath), L"hill.v1.las")
+        << "its folder's name";
     const std::wstring path = Write({}, L"in/hügel.v2.tif");
     folder_.Write(L"out/hügel.v2.las", "another's");
     EXPECT_EQ(FileNameOf(Convert(path).lasPath), L"hügel.v2 (2).las");
@@ -41,8 +44,8 @@ TEST_F(DemFilesTest, TakesTheNextFreeNameAndLeavesNothingBesideTheRaster) {
     options_.outputFolder += L"/";
     EXPECT_EQ(Convert(path).lasPath, folder_.Name(L"out/hügel.v2 (4).las"));
     EXPECT_EQ(testing::ReadFile(folder_.Name(L"out/hügel.v2.las")), "another's");
-    EXPECT_THAT(NamesIn(L"in"), ::testing::UnorderedElementsAre(L".keep", L"hügel.v2.tif"));
-    EXPECT_EQ(NamesIn(L"out").size(), 4U);
+    EXPECT_THAT(NamesIn(L"in"), ::testing::UnorderedElementsAre(L".keep", L"hill.v1", L"hügel.v2.tif"));
+    EXPECT_EQ(NamesIn(L"out").size(), 5U);
 }
 
 TEST_F(DemFilesTest, ConversionsAtTheSameTimeDoNotMeet) {

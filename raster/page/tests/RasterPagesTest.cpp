@@ -183,6 +183,15 @@ TEST_F(DemPage, ARefusedThinningIsNotSavedButTheOptionsBeforeItAre) {
     EXPECT_THAT(params.demExtraValues, ElementsAre(0, 0, 0, 0, 0));
 }
 
+TEST_F(DemPage, ACoverageThatIsDroppedIsOneRowUnderItsFoldersName) {
+    const std::wstring file = folder.Write(L"hill/hdr.adf", "damaged");
+    for (const std::wstring& dropped : {FolderOf(file), file}) {
+        testing::DropOn(*dialog, {dropped});
+    }
+    EXPECT_THAT(Names(), ElementsAre(L"hill"));
+    EXPECT_THAT(prompts.shown, IsEmpty());
+}
+
 TEST_F(DemPage, WithoutRowsNothingIsSaved) {
     given.demThinning = 7;
     Open();
