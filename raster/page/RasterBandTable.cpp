@@ -16,13 +16,18 @@ std::wstring ValueText(double value) {
     if (std::isnan(value)) {
         return L"NaN";
     }
+    constexpr double kLeastPlain = 1e-5;
+    constexpr double kMostPlain = 1e15;
+    const double size = std::abs(value);
+    const bool isPlain = size == 0 || (size >= kLeastPlain && size < kMostPlain);
+    const auto format = isPlain ? std::chars_format::fixed : std::chars_format::scientific;
     // The fewest digits that give the value back, in the precision that it has.
     std::array<char, 32> digits{};
     const auto asFloat = static_cast<float>(value);
     const std::to_chars_result end =
         std::isfinite(asFloat) && static_cast<double>(asFloat) == value
-            ? std::to_chars(digits.data(), digits.data() + digits.size(), asFloat)
-            : std::to_chars(digits.data(), digits.data() + digits.size(), value);
+            ? std::to_chars(digits.data(), digits.data() + digits.size(), asFloat, format)
+            : std::to_chars(digits.data(), digits.data() + digits.size(), value, format);
     return {digits.data(), end.ptr};
 }
 

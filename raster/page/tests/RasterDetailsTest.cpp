@@ -79,7 +79,7 @@ TEST(RasterDetails, FieldsOfEachKindOfFile) {
                        {text::kGpsTimeType, L"-"},
                        {text::kRasterNoDataValue, L"-9999, NaN"},
                        {text::kRasterMinimum, L"-3"},
-                       {text::kRasterMaximum, L"1e+06"},
+                       {text::kRasterMaximum, L"1000000"},
                        {text::kRasterUpperLeftCorner, L"-"},
                        {text::kRasterRotation, L"None"},
                        {text::kRasterPixelStandsFor, L"Its center point"},
@@ -105,14 +105,17 @@ TEST(RasterDetails, ColumnsInWhichEveryBandIsEmptyAreLeftOut) {
                                             text::kRasterMinimum, text::kRasterMaximum, text::kRasterScale,
                                             text::kRasterBlockSize, text::kOverviews));
     ASSERT_THAT(table.rows, SizeIs(2));
-    EXPECT_THAT(table.rows[0], ElementsAre(L"1", L"Float32", L"32", L"Gray", L"-9999", L"12.5", L"1e+06", L"",
-                                           L"256 x 256", L"0"));
+    EXPECT_THAT(table.rows[0], ElementsAre(L"1", L"Float32", L"32", L"Gray", L"-9999", L"12.5", L"1000000",
+                                           L"", L"256 x 256", L"0"));
     EXPECT_THAT(table.rows[1], Contains(L"0.1")) << "with the digits that single precision has";
     EXPECT_EQ(UnlistedBands(row.Properties()), 298U);
 }
 
-TEST(RasterDetails, ManyDifferentValuesAreCut) {
+TEST(RasterDetails, ValuesAreWrittenPlainlyAndMayBeCut) {
     RasterProperties properties;
+    properties.bandDetails = {FloatBand(1000000), FloatBand(-3.4028234663852886e38), FloatBand(0.00005)};
+    EXPECT_EQ(DistinctNodata(properties), L"1000000, -3.4028235e+38, 0.00005");
+    properties.bandDetails.clear();
     for (int i = 0; i < 20; ++i) {
         properties.bandDetails.push_back(FloatBand(i));
     }
