@@ -77,6 +77,23 @@ build_openjpeg() {
     cmake_library geo source -DBUILD_CODEC=OFF -DBUILD_STATIC_LIBS=OFF
 }
 
+build_zstd() {
+    unpack libzstd
+    cmake_library geo source/build/cmake -DZSTD_BUILD_PROGRAMS=OFF -DZSTD_BUILD_TESTS=OFF -DZSTD_BUILD_STATIC=OFF \
+        -DZSTD_MULTITHREAD_SUPPORT=OFF
+}
+
+# GDAL needs the codec alone; the libraries beside it would only be shipped.
+build_webp() {
+    local options=() program
+    unpack libwebp
+    for program in ANIM_UTILS CWEBP DWEBP GIF2WEBP IMG2WEBP VWEBP WEBPINFO WEBPMUX EXTRAS; do
+        options+=("-DWEBP_BUILD_$program=OFF")
+    done
+    cmake_library geo source -DBUILD_SHARED_LIBS=ON "${options[@]}"
+    rm -f "$made"/geo/{bin,lib}/libwebp{decoder,demux,mux}.dll*
+}
+
 build_laszip() {
     unpack laszip "$next"
     cmake_library geo source
@@ -93,16 +110,15 @@ build_proj() {
         -DBUILD_TESTING=OFF -DEXE_SQLITE3=/usr/bin/sqlite3
 }
 
-# Two of the data files that are installed are not free enough for Debian's tarball; they may be empty.
+# All raster drivers that need nothing else (of the vector drivers, AVC is what AIGRID needs). Two of the data files that
+# are installed are not free enough for Debian's tarball; they may be empty. HDF5 and ODBC would be the build machine's.
 build_gdal() {
     local options=() driver
     unpack gdal
     touch source/data/{cubewerx_extra,ecw_cs}.wkt
-    for driver in HFA RAW GIF PNG JPEG BMP AAIGRID USGSDEM SRTMHGT JP2OPENJPEG; do
-        options+=("-DGDAL_ENABLE_DRIVER_$driver=ON")
-    done
-    for driver in SHAPE DXF DGN S57 CAD KML GEOJSON; do options+=("-DOGR_ENABLE_DRIVER_$driver=ON"); done
-    cmake_library geo source -DGDAL_USE_INTERNAL_LIBS=ON -DGDAL_BUILD_OPTIONAL_DRIVERS=OFF \
+    for driver in SHAPE DXF DGN S57 CAD KML GEOJSON AVC; do options+=("-DOGR_ENABLE_DRIVER_$driver=ON"); done
+    cmake_library geo source -DGDAL_USE_INTERNAL_LIBS=ON -DGDAL_USE_ZSTD=ON -DGDAL_USE_WEBP=ON -DGDAL_USE_HDF5=OFF \
+        -DGDAL_USE_ODBC=OFF -DGDAL_BUILD_OPTIONAL_DRIVERS=ON \
         -DOGR_BUILD_OPTIONAL_DRIVERS=OFF -DBUILD_APPS=OFF -DBUILD_TESTING=OFF -DBUILD_PYTHON_BINDINGS=OFF \
         -DBUILD_JAVA_BINDINGS=OFF -DBUILD_CSHARP_BINDINGS=OFF "${options[@]}"
 }
@@ -147,14 +163,16 @@ build_sysroot() {
     mkdir -p "$work"/{logs,done}
     write_toolchain
     trap report_failure EXIT
-    run_step sqlite SQLite '1 of 8'
-    run_step expat Expat '2 of 8'
-    run_step openjpeg OpenJPEG '3 of 8'
-    run_step laszip LASzip '4 of 8'
-    run_step exiv2 Exiv2 '5 of 8'
-    run_step proj PROJ '6 of 8'
-    run_step gdal GDAL '7 of 8'
-    run_step qt Qt '8 of 8'
+    run_step sqlite SQLite '1 of 10'
+    run_step expat Expat '2 of 10'
+    run_step openjpeg OpenJPEG '3 of 10'
+    run_step zstd zstd '4 of 10'
+    run_step webp WebP '5 of 10'
+    run_step laszip LASzip '6 of 10'
+    run_step exiv2 Exiv2 '7 of 10'
+    run_step proj PROJ '8 of 10'
+    run_step gdal GDAL '9 of 10'
+    run_step qt Qt '10 of 10'
 }
 
 build_sysroot
