@@ -28,7 +28,7 @@ class RasterFile final : public RasterFileInfo {
 /// are computed from it when asked for.
 struct RasterRow {
     std::wstring path;
-    bool loadable = false;  ///< described: only such files are passed on
+    bool loadable = false;  ///< described
     bool threw = false;     ///< an unexpected exception ended the reading; what was known by then is here
     std::wstring summary;   ///< one line: the reason when not loadable, else the worst finding or "OK"
     std::vector<Finding> findings;     ///< everything that is odd about the file, worst first

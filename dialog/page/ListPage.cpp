@@ -120,7 +120,8 @@ std::vector<ListPage::PageButton> ListPage::Buttons() {
          [this] { OnDetailColumns(); }},
         {page.selectAll, ButtonImage::AllRows, Usable::WithRows, L"OnSelectAll",
          [this] { grid_->SelectAll(); }},
-        {page.help, ButtonImage::Help, Usable::Always, L"OnContextHelp", [this] { OnContextHelp(); }},
+        {page.help, ButtonImage::Help, Usable::Always, L"OnContextHelp",
+         [this] { description_.helpExplainsControls ? QWhatsThis::enterWhatsThisMode() : OnHelp(); }},
     };
 }
 
@@ -281,10 +282,6 @@ void ListPage::FitColumns() {
     if (description_.fitsColumns) {
         grid_->FitColumns();
     }
-}
-
-void ListPage::OnContextHelp() {
-    QWhatsThis::enterWhatsThisMode();
 }
 
 void ListPage::OnHelp() {

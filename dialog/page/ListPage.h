@@ -41,6 +41,7 @@ struct ListPageDescription {
     Button selectAll = {0, {}, text::kSelectAllTooltip};
     Button help = {0, {}, text::kHelpTooltip};
     HelpTopic helpTopic = HelpTopic::LasFiles;
+    bool helpExplainsControls = false;  ///< the help button starts What's This mode; else it opens the topic
 
     bool fitsColumns = true;             ///< columns follow what is added; else they keep their widths
     const char* splitterName = "";       ///< object name of the splitter between grid and details
@@ -133,7 +134,6 @@ class ListPage : public AddFilesPage {
     void OnClear();
     void OnDetailColumns();
     void OnHelp();
-    void OnContextHelp();
     void ArrangePane();
     void RestorePane();
     void SavePane() const;

@@ -64,6 +64,7 @@ class AddFilesParams {
     // Raster input and results.
     /// Input: the same as existingLasLayers, for rasters.
     std::map<std::wstring, std::wstring> existingRasterLayers;
+    /// Every listed file; one that could not be described has neither details nor a layer.
     FilesByFolder rasterFiles;
     /// Full path to the file's details, owned by the host.
     std::map<std::wstring, orvex::RasterFileInfo*> rasterFileDetails;
@@ -81,6 +82,7 @@ class AddFilesParams {
     bool featureRequireCrs = false;
 
     // DEM results.
+    /// Every listed file; one that could not be described has no layer.
     FilesByFolder demFiles;
     bool demOpenReadWrite = false;
     bool demAppend = false;

@@ -167,6 +167,7 @@ FileListPageDescription Describe() {
     page.refresh.id = 249;
     page.help.id = 250;
     page.helpTopic = HelpTopic::LasFiles;
+    page.helpExplainsControls = true;
     page.splitterName = "lasSplitter";
     page.paneStateName = L"AddLASFilesDetails";
     page.detailsTabs = {{"detailsOverview", text::kDetailsOverviewTab, Html},

@@ -222,10 +222,7 @@ bool AddDEMFilesPP::Store() {
     WriteOptions();
     AddFilesParams& record = Params();
     record.demExtraValues = {};
-    ForEachDescribed([&record](const RasterRow& row) {
-        record.demFiles[FolderOf(row.path)].push_back(FileNameOf(row.path));
-        record.demFileLayers[row.path] = row.place.layer;
-    });
+    StoreFiles(record.demFiles, record.demFileLayers);
     return true;
 }
 

@@ -89,11 +89,13 @@ bool AddRasterFilesPP::Store() {
         return false;
     }
     WriteOptions();
-    ForEachDescribed([&record = Params()](const RasterRow& row) {
-        record.rasterFiles[FolderOf(row.path)].push_back(FileNameOf(row.path));
-        record.rasterFileDetails[row.path] = row.file.get();
-        record.rasterFileLayers[row.path] = row.place.layer;
-    });
+    AddFilesParams& record = Params();
+    StoreFiles(record.rasterFiles, record.rasterFileLayers);
+    for (const RasterRow& row : Model().Rows()) {
+        if (row.IsDescribed()) {
+            record.rasterFileDetails[row.path] = row.file.get();
+        }
+    }
     return true;
 }
 

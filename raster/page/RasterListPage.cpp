@@ -66,10 +66,12 @@ void RasterListPage::RowsRead(std::size_t first) {
     }
 }
 
-void RasterListPage::ForEachDescribed(const std::function<void(const RasterRow& row)>& write) const {
+void RasterListPage::StoreFiles(FilesByFolder& files, std::map<std::wstring, std::wstring>& layers) const {
     for (const std::size_t index : ShownRecords()) {
-        if (Model().Rows()[index].IsDescribed()) {
-            write(Model().Rows()[index]);
+        const RasterRow& row = Model().Rows()[index];
+        files[FolderOf(row.path)].push_back(FileNameOf(row.path));
+        if (row.IsDescribed()) {
+            layers[row.path] = row.place.layer;
         }
     }
 }

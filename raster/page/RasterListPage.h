@@ -21,8 +21,9 @@ class RasterListPage : public TypedFileListPage<RasterRow> {
     bool RereadRows() override;
     void RowsRead(std::size_t first) override;
 
-    /// Calls `write` for each described row, in the order that the grid shows them.
-    void ForEachDescribed(const std::function<void(const RasterRow& row)>& write) const;
+    /// Writes every row's file into the record, in the order that the grid shows them, and the layers of
+    /// those that could be described.
+    void StoreFiles(FilesByFolder& files, std::map<std::wstring, std::wstring>& layers) const;
 
   private:
     const RasterUse use_;

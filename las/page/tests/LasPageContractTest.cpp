@@ -57,6 +57,7 @@ PageContract LasContract() {
     page.refresh = 249;
     page.help = 250;
     page.helpTopic = HelpTopic::LasFiles;
+    page.helpExplainsControls = true;
     page.emptyText = text::kLasEmptyGrid;
     page.overview = "detailsOverview";
     page.nothingSelected = text::kLasDetailsNoSelection;

@@ -43,6 +43,7 @@ PageContract SharedContract(int first) {
     page.extension = L".tif";
     page.otherKind = L".las";
     page.detailColumn = "folder";
+    page.passesBadFiles = true;
     return page;
 }
 
