@@ -24,6 +24,7 @@ class HostPreferences {
     QByteArray windowGeometry;
     QByteArray windowState;
     bool dark = false;
+    bool writesBesideData = true;  ///< of this process only: pyramids may be built beside rasters
 
     /// Through a temporary name, renamed when complete.
     void Save() const;

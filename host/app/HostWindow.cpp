@@ -131,7 +131,8 @@ bool HostWindow::AddFiles(const QStringList& paths) {
 void HostWindow::TakeRecord(const AddFilesParams& record) {
     record_->setPlainText(ToQString(RecordText(record)));
     RememberFolder(record);
-    const IntakeResult result = RecordIntake(project_, folder_, this).Take(record);
+    const IntakeResult result =
+        RecordIntake(project_, folder_, preferences_.writesBesideData, this).Take(record);
     counts_ = {CountFiles(record.lasFiles), CountFiles(record.rasterFiles), CountFiles(record.demFiles),
                result.dems.files};
     statusBar()->showMessage(result.status, 8000);

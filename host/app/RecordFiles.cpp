@@ -185,7 +185,7 @@ std::wstring LasFacts(Record record, const std::wstring& path) {
 std::wstring RasterFacts(Record record, const std::wstring& path) {
     const RasterFileInfo* const details = DetailsOf(record.rasterFileDetails, path);
     if (details == nullptr) {
-        return {};
+        return Text(text::kRecordNotDescribed);
     }
     const RasterProperties& raster = details->Properties();
     std::wstring facts = raster.driver.empty()
@@ -196,6 +196,11 @@ std::wstring RasterFacts(Record record, const std::wstring& path) {
     return hasPlace ? facts : facts + L", " + Text(text::kRecordRasterWithoutPlace);
 }
 
+/// The dialog assigns the files that it could describe to layers.
+std::wstring DemFacts(Record record, const std::wstring& path) {
+    return record.demFileLayers.contains(path) ? std::wstring() : Text(text::kRecordNotDescribed);
+}
+
 /// Where a record holds the files of one kind, and what its text says of them.
 struct RecordKind {
     FilesByFolder AddFilesParams::*files;
@@ -203,7 +208,7 @@ struct RecordKind {
     TextMap AddFilesParams::*existingLayers;
     StringId defaultLayer;  ///< of files that the dialog assigned to none
     StringId heading;
-    std::wstring (*factsOf)(Record record, const std::wstring& path);  ///< null for none
+    std::wstring (*factsOf)(Record record, const std::wstring& path);
     std::span<const RecordOption> options;
 };
 
@@ -226,7 +231,7 @@ constexpr RecordKind kDems = {&AddFilesParams::demFiles,
                               &AddFilesParams::existingLasLayers,
                               text::kDefaultDemLayer,
                               text::kRecordDemFiles,
-                              nullptr,
+                              DemFacts,
                               kDemOptions};
 
 /// Files in the order of the grid, with the layers that the dialog assigned them to.
@@ -250,8 +255,7 @@ std::wstring FilesText(Record record, const RecordKind& kind) {
     for (const auto& [folder, names] : record.*kind.files) {
         text += folder + L"\n";
         for (const std::wstring& name : names) {
-            const std::wstring facts =
-                kind.factsOf == nullptr ? L"" : kind.factsOf(record, JoinPath(folder, name));
+            const std::wstring facts = kind.factsOf(record, JoinPath(folder, name));
             text += L"  " + name + (facts.empty() ? facts : L"  " + facts) + L"\n";
         }
         files += names.size();
@@ -305,15 +309,25 @@ std::vector<NewFile> LasFilesOf(const AddFilesParams& record, const std::set<std
 std::vector<NewFile> RasterFilesOf(const AddFilesParams& record) {
     std::vector<NewFile> files;
     for (const auto& [path, layer] : FilesOf(record, kRasters)) {
-        NewFile& added = files.emplace_back();
-        added.layer = layer;
-        added.file.path = path;
         if (const RasterFileInfo* details = DetailsOf(record.rasterFileDetails, path)) {
+            NewFile& added = files.emplace_back();
+            added.layer = layer;
+            added.file.path = path;
             added.wkt = details->Properties().wkt;
             added.file.raster = Describe(details->Properties());
         }
     }
     return files;
+}
+
+std::vector<std::wstring> UndescribedRastersOf(const AddFilesParams& record) {
+    std::vector<std::wstring> paths;
+    for (const AssignedFile& file : FilesOf(record, kRasters)) {
+        if (!record.rasterFileDetails.contains(file.path)) {
+            paths.push_back(file.path);
+        }
+    }
+    return paths;
 }
 
 std::vector<AssignedFile> DemFilesOf(const AddFilesParams& record) {

@@ -16,8 +16,10 @@ std::wstring JoinPath(const std::wstring& folder, const std::wstring& name);
 /// LAS files in the order of the record, with the layers that the dialog assigned them to, except those whose
 /// full path is in `skipped`. A file without details has only its path.
 std::vector<NewFile> LasFilesOf(const AddFilesParams& record, const std::set<std::wstring>& skipped);
-/// The same for the rasters.
+/// The same for the rasters that have details.
 std::vector<NewFile> RasterFilesOf(const AddFilesParams& record);
+/// Full paths of the rasters that the dialog could not describe.
+std::vector<std::wstring> UndescribedRastersOf(const AddFilesParams& record);
 /// Elevation rasters and the layers of their LAS files, in the order of the record.
 std::vector<AssignedFile> DemFilesOf(const AddFilesParams& record);
 

@@ -8,6 +8,7 @@
 #include "host/app/RasterJobs.h"
 #include "host/app/RecordFiles.h"
 #include "host/app/WorkDialog.h"
+#include "host/dem/HostGdal.h"
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/Exports.h"
 #include "orvexcommon/LasFileInfo.h"
@@ -56,10 +57,20 @@ DemConversionOptions OptionsOf(const AddFilesParams& record, std::wstring folder
     return options;
 }
 
+std::wstring ReasonForLeavingOut(const std::wstring& path) {
+    SetUpGdal();
+    std::wstring cause;
+    OpenRasterFile(path, cause);
+    return cause.empty() ? Text(text::kRasterDamagedOrUnsupported) : cause;
+}
+
 }  // namespace
 
-RecordIntake::RecordIntake(Project& project, QString projectFolder, QWidget* window)
-    : project_(project), projectFolder_(std::move(projectFolder)), window_(window) {}
+RecordIntake::RecordIntake(Project& project, QString projectFolder, bool writesBesideData, QWidget* window)
+    : project_(project),
+      projectFolder_(std::move(projectFolder)),
+      writesBesideData_(writesBesideData),
+      window_(window) {}
 
 IntakeResult RecordIntake::Take(const AddFilesParams& record) {
     IntakeResult result;
@@ -109,9 +120,14 @@ bool RecordIntake::MayAddLas(const AddFilesParams& record) {
 
 AddedFiles RecordIntake::TakeRasters(const AddFilesParams& record) {
     const std::vector<NewFile> rasters = RasterFilesOf(record);
-    if (record.rasterPyramid && !rasters.empty()) {
+    if (record.rasterPyramid && writesBesideData_ && !rasters.empty()) {
         BuildPyramids(rasters);
     }
+    std::vector<FileFailure> leftOut;
+    for (const std::wstring& path : UndescribedRastersOf(record)) {
+        leftOut.push_back({path, ReasonForLeavingOut(path)});
+    }
+    Tell(Text(text::kRastersLeftOut), leftOut, text::kAddFilesTitle);
     return project_.Take(LayerKind::Raster, rasters);
 }
 

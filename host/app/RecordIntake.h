@@ -25,8 +25,9 @@ struct IntakeResult {
 /// failures on the way.
 class RecordIntake {
   public:
-    /// `projectFolder` replaces the project token in folder names. `window` is the parent of the messages.
-    RecordIntake(Project& project, QString projectFolder, QWidget* window);
+    /// `projectFolder` replaces the project token in folder names. `writesBesideData`: pyramids may be built,
+    /// which lie beside their rasters. `window` is the parent of the messages.
+    RecordIntake(Project& project, QString projectFolder, bool writesBesideData, QWidget* window);
 
     IntakeResult Take(const AddFilesParams& record);
 
@@ -41,6 +42,7 @@ class RecordIntake {
 
     Project& project_;
     QString projectFolder_;
+    const bool writesBesideData_;
     QWidget* window_;
     bool stopped_ = false;  ///< the user stopped a conversion
 };

@@ -154,6 +154,7 @@ int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
         arguments.paths.isEmpty() ? SampleFiles(SampleProjectFolder()) : arguments.paths;
     HostPreferences preferences{QString()};
     preferences.dark = arguments.dark;
+    preferences.writesBesideData = arguments.paths.isEmpty();  // what is given is the user's
     HostWindow window(preferences);
     const host::HostClasses classes = MakeHostClasses(window);
     window.OpenProject(arguments.projectFolder.isEmpty() ? folder.filePath("project")

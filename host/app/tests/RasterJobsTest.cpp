@@ -2,10 +2,16 @@
 
 #include <gmock/gmock.h>
 
+#include <QApplication>
+#include <QMessageBox>
+#include <QTimer>
 #include <algorithm>
 
+#include "host/app/RecordIntake.h"
 #include "host/app/tests/TestRasters.h"
 #include "host/dem/testing/DemSamples.h"
+#include "orvexcommon/AddFilesParams.h"
+#include "orvexcommon/RasterFileInfo.h"
 #include "support/Files.h"
 #include "support/Text.h"
 #include "support/testing/Scripted.h"
@@ -123,6 +129,41 @@ TEST(Overviews, WhateverTheCoordinateSystemIs) {
     const auto result = BuildOverviews({raster.Save(folder, L"points.tif")}, steps);
     EXPECT_EQ(result.built, 1U);
     EXPECT_TRUE(result.failures.empty()) << ToUtf8(result.failures.front().cause);
+}
+
+TEST(RecordIntake, LeavesOutUndescribedRastersAndWritesBesideDataOnlyWhereItMay) {
+    struct Details final : RasterFileInfo {
+        std::wstring path;
+        RasterProperties properties;
+        const std::wstring& FileName() const override { return path; }
+        const RasterProperties& Properties() const override { return properties; }
+        bool IsBigTiff() const override { return false; }
+    };
+    const TemporaryFolder folder;
+    Details details;
+    details.path = Large(folder, L"a.tif");
+    folder.Write(L"bad.tif", "no raster");
+    AddFilesParams record;
+    record.rasterFiles[FolderOf(details.path)] = {L"a.tif", L"bad.tif"};
+    record.rasterFileDetails[details.path] = &details;
+    record.rasterPyramid = true;
+    QString told;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &timer, [&told] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            told += box->text();
+            box->accept();
+        }
+    });
+    timer.start(5);
+    QWidget window;
+    for (const bool mayWrite : {false, true}) {
+        Project project;
+        told.clear();
+        EXPECT_EQ(RecordIntake(project, {}, mayWrite, &window).Take(record).rasters.files, 1U);
+        EXPECT_EQ(folder.Entries(), mayWrite ? 3U : 2U);
+        EXPECT_TRUE(told.contains("bad.tif")) << told.toStdString();
+    }
 }
 
 class DemImportTest : public ::testing::Test {

@@ -121,6 +121,8 @@ TEST(RecordFiles, RastersGoToLayersOfTheirOwnKind) {
     record.AddRaster(NativePath(L"/a"), L"1.tif", L"same name");
     record.AddRaster(NativePath(L"/a"), L"there.tif", L"same name");
     record.AddRaster(NativePath(L"/b"), L"3.tif", L"Raster Layer_2").properties.wkt = kDegrees;
+    record.rasterFiles[NativePath(L"/b")].push_back(L"undescribed.tif");
+    EXPECT_THAT(UndescribedRastersOf(record), ElementsAre(NativePath(L"/b/undescribed.tif")));
     const AddedFiles added = project.Take(LayerKind::Raster, RasterFilesOf(record));
     EXPECT_EQ(added.files, 3U);
     EXPECT_EQ(added.alreadyThere, 1U);
