@@ -17,6 +17,7 @@
 #include "dialog/CompanionWarning.h"
 #include "dialog/DialogProgress.h"
 #include "dialog/Images.h"
+#include "dialog/RecordResults.h"
 #include "dialog/RunInputFilter.h"
 #include "dialog/WindowPlacement.h"
 #include "settings/OptionStore.h"
@@ -42,13 +43,6 @@ std::vector<std::wstring> LocalPaths(const QMimeData& data) {
         }
     }
     return paths;
-}
-
-// The lists that a host acts on.
-bool HasResults(const AddFilesParams& record) {
-    return !record.lasFiles.empty() || !record.rasterFiles.empty() || !record.featureFiles.empty() ||
-           !record.demFiles.empty() || !record.photoFiles.empty() || !record.presignedUrlLayers.empty() ||
-           !record.cloudLasLayers.empty();
 }
 
 }  // namespace
@@ -160,7 +154,7 @@ bool AddFilesDlg::Run() {
         ReleasePages();
         return false;
     }
-    return HasResults(params_);
+    return hasResults_;
 }
 
 void AddFilesDlg::ReleasePages() {
@@ -174,8 +168,10 @@ void AddFilesDlg::RestoreRecord() noexcept {
     RunGuarded(services_.prompts, L"RestoreRecord", [this] { params_ = before_; });
 }
 
+// Pages see no earlier results, so that what they write is this dialog's.
 bool AddFilesDlg::StorePages() {
     params_ = before_;
+    ClearResults(params_);
     const std::vector<AddFilesPage*> pages = tabs_->Pages();
     return std::all_of(pages.begin(), pages.end(),
                        [](AddFilesPage* page) { return page->ValidateAndStore(); });
@@ -194,6 +190,8 @@ void AddFilesDlg::accept() {
         const bool companions = std::any_of(
             pages.begin(), pages.end(), [](const AddFilesPage* page) { return page->NeedsCompanionFiles(); });
         close = ConfirmCompanionOverwrite(params_, companions, services_.options, services_.prompts);
+        hasResults_ = HasResults(params_);
+        AddEarlierResults(before_, params_);
     });
     // The host may have destroyed the owner, and the dialog with it, while a question was open.
     if (close && isVisible()) {
@@ -219,7 +217,8 @@ void AddFilesDlg::reject() {
 
 void AddFilesDlg::done(int result) {
     RunGuarded(services_.prompts, L"OnDestroy", [this] {
-        const auto tab = static_cast<std::int32_t>(tabs_->ShownIndex());
+        // None shown would be none again where the host gives it back.
+        const auto tab = static_cast<std::int32_t>(std::max(tabs_->ShownIndex(), 0));
         services_.options.Put(opt2AddFilesCurTabIndex, tab);
         SaveWindowPlacement(*this, services_.options, kPlacementName);
     });

@@ -38,7 +38,7 @@ class AddFilesDlg : public QDialog {
     /// if that cannot be created or fails; the dialog must not be shown then.
     std::int32_t Initialise();
 
-    /// Initialises the dialog and runs it modally. True if it was closed with OK and the record holds
+    /// Initialises the dialog and runs it modally. True if it was closed with OK and pages have written
     /// anything to add; if it was closed in any other way, every page has released its objects. Reports to
     /// the user if it cannot be opened.
     bool Run();
@@ -89,6 +89,7 @@ class AddFilesDlg : public QDialog {
     RunInputFilter* inputFilter_;
     QPointer<QWidget> focusBeforeRun_;
     bool hasAddedInitialPaths_ = false;
+    bool hasResults_ = false;  ///< pages have written some at the last OK
 };
 
 }  // namespace orvex

@@ -30,7 +30,7 @@ AddLidarChoice DecideAddingLidar(const OptionStore& options, bool readWriteAllow
     return answer.choice;
 }
 
-bool ShowLidarMessages(const LidarFindings& findings, const std::wstring& caption, UserPrompts& prompts) {
+void ShowLidarMessages(const LidarFindings& findings, const std::wstring& caption, UserPrompts& prompts) {
     const auto show = [&](StringId text, PromptIcon icon) {
         prompts.Show({Text(text), caption, icon, PromptButtons::Ok});
     };
@@ -42,9 +42,9 @@ bool ShowLidarMessages(const LidarFindings& findings, const std::wstring& captio
     if (findings.d) {
         show(text::kLidarDamagedFiles, PromptIcon::Warning);
     }
-    if (findings.f && findings.g) {
+    if (IsNothingToAdd(findings)) {
         show(text::kLidarNothingToAdd, PromptIcon::Warning);
-        return true;
+        return;
     }
     if (findings.e && findings.f) {
         show(text::kLidarAlreadyInProject, PromptIcon::Warning);
@@ -52,7 +52,6 @@ bool ShowLidarMessages(const LidarFindings& findings, const std::wstring& captio
     if (findings.e && findings.g) {
         show(text::kLidarCannotOpen, PromptIcon::Warning);
     }
-    return false;
 }
 
 }  // namespace orvex

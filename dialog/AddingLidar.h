@@ -32,7 +32,12 @@ struct LidarFindings {
     bool g = false;  ///< files can no longer be opened
 };
 
-/// Shows the messages for the findings. True if nothing may be added.
-bool ShowLidarMessages(const LidarFindings& findings, const std::wstring& caption, UserPrompts& prompts);
+/// True if every file is in the project already or can no longer be opened.
+inline bool IsNothingToAdd(const LidarFindings& findings) {
+    return findings.f && findings.g;
+}
+
+/// Shows the messages for the findings.
+void ShowLidarMessages(const LidarFindings& findings, const std::wstring& caption, UserPrompts& prompts);
 
 }  // namespace orvex

@@ -69,12 +69,15 @@ bool ShowAddFilesDialog(AddFilesParams* params) {
 
 void MessageRegardingAddingLidar(HWND owner, const std::wstring& caption, bool a, bool b, bool c, bool d,
                                  bool e, bool f, bool g, bool& stop) {
-    const bool mustStop = Exported(L"MessageRegardingAddingLidar", false, [&] {
+    const orvex::LidarFindings findings{a, b, c, d, e, f, g};
+    Exported(L"MessageRegardingAddingLidar", false, [&] {
         const orvex::CallScope scope(reinterpret_cast<orvex::NativeWindow>(owner));
         orvex::ComponentParts parts(scope.Parent());
-        return orvex::ShowLidarMessages({a, b, c, d, e, f, g}, caption, parts.Services().prompts);
+        orvex::ShowLidarMessages(findings, caption, parts.Services().prompts);
+        return true;
     });
-    stop = stop || mustStop;
+    // Whether or not the user could be told.
+    stop = stop || IsNothingToAdd(findings);
 }
 
 AddLidarChoice GetAddingLidarChoice(bool readWriteAllowed) {

@@ -17,7 +17,7 @@ std::filesystem::path PathIn(const wchar_t* variable) {
 
 std::filesystem::path HomeFolder() {
     std::filesystem::path home = PathIn(L"HOME");
-    if (home.empty()) {
+    if (!home.is_absolute()) {
         const passwd* user = getpwuid(geteuid());
         home = user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "";
     }
@@ -53,18 +53,19 @@ std::filesystem::path ModuleFolder() {
     return file.parent_path();
 }
 
+// The base directory rules say that paths that are not absolute are to be ignored.
 std::filesystem::path UserCacheFolder() {
-    if (const auto cache = EnvironmentVariable(L"XDG_CACHE_HOME")) {
-        return ToPath(*cache) / "orvex";
+    if (const auto base = PathIn(L"XDG_CACHE_HOME"); base.is_absolute()) {
+        return base / "orvex";
     }
-    return ToPath(EnvironmentVariable(L"HOME").value_or(L"/tmp")) / ".cache" / "orvex";
+    const std::filesystem::path home = HomeFolder();
+    return (home.empty() ? "/tmp" : home) / ".cache" / "orvex";
 }
 
 std::filesystem::path UserConfigFolder() {
     if (auto folder = PathIn(L"ORVEX_CONFIG_DIR"); !folder.empty()) {
         return folder;
     }
-    // The base directory rules say that a relative path there is to be ignored.
     if (const auto base = PathIn(L"XDG_CONFIG_HOME"); base.is_absolute()) {
         return base / "orvex";
     }

@@ -103,7 +103,7 @@ std::filesystem::path ModuleFolder() {
 
 std::filesystem::path UserCacheFolder() {
     const auto local = EnvironmentVariable(L"LOCALAPPDATA");
-    return (local ? ToPath(*local) : std::filesystem::temp_directory_path()) / kFolderName;
+    return (local && !local->empty() ? ToPath(*local) : std::filesystem::temp_directory_path()) / kFolderName;
 }
 
 std::filesystem::path UserConfigFolder() {

@@ -15,7 +15,7 @@ namespace {
 
 std::filesystem::path LogFile() {
     const auto named = EnvironmentVariable(L"ORVEX_LOG");
-    return ToPath(named ? *named : FromPath(UserCacheFolder() / "orvex.log"));
+    return ToPath(named && !named->empty() ? *named : FromPath(UserCacheFolder() / "orvex.log"));
 }
 
 std::shared_ptr<spdlog::logger> MakeLogger() {

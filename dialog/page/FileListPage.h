@@ -80,6 +80,15 @@ class FileListPage : public ListPage {
     const FileListPageDescription& description_;
 };
 
+/// Gives up a row's detail object if it is the one in the host's record.
+template <typename Details, typename Row>
+void ReleaseIfIn(const Details& details, Row& row) {
+    const auto found = details.find(row.path);
+    if (found != details.end() && found->second == row.file.get()) {
+        static_cast<void>(row.file.release());
+    }
+}
+
 /// A file page with rows of one type: movable, with the `path` of its file and a one-line `summary`.
 template <typename RowType>
 class TypedFileListPage : public FileListPage {

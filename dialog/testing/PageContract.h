@@ -512,6 +512,24 @@ TEST_P(FilePage, OkGivesTheFilesByFolderInTheOrderShownAndTheirDetails) {
     EXPECT_EQ(Close(), 4 * GetParam().detailsPerFile) << "the host's, when the dialog is gone";
 }
 
+TEST_P(FilePage, WhatTheRecordHeldBeforeStaysAndIsListedOnce) {
+    const std::wstring a = Good(L"a");
+    (given.*GetParam().files)[FolderOf(a)] = {NameOf(L"a")};
+    // Of objects that the host has deleted.
+    given.lasFileDetails[a] = reinterpret_cast<LasFileInfo*>(8);
+    given.rasterFileDetails[a] = reinterpret_cast<RasterFileInfo*>(8);
+    Open();
+    Pick({Good(L"b"), a});
+    ASSERT_TRUE(Press("ok"));
+    EXPECT_THAT(Files(), ::testing::ElementsAre(
+                             std::pair(FolderOf(a), std::vector<std::wstring>{NameOf(L"a"), NameOf(L"b")})));
+    EXPECT_EQ(params.lasFileDetails.at(a), given.lasFileDetails.at(a));
+    EXPECT_EQ(params.rasterFileDetails.at(a), given.rasterFileDetails.at(a));
+    params.lasFileDetails.erase(a);
+    params.rasterFileDetails.erase(a);
+    EXPECT_EQ(Close(), GetParam().detailsPerFile);
+}
+
 TEST_P(FilePage, TheRecordIsTheHostsUntilTheDialogEndsWithOk) {
     using enum ScriptedPage::AtOk;
     (given.*GetParam().files)[L"/host"] = {L"own"};

@@ -35,6 +35,9 @@ TEST_F(Shell, InitialTabSelectsATabOrNone) {
         params.initialTab = initial;
         const auto dialog = Open();
         EXPECT_EQ(dialog->Tabs().ShownIndex(), shown) << initial;
+        dialog->done(QDialog::Rejected);
+        EXPECT_EQ(StoredTab(), std::max(shown, 0)) << "none would be none for ever";
+        dialog->show();
         const auto* las = dialog->findChild<QWidget*>(QStringLiteral("page363"));
         const auto* cloud = dialog->findChild<QWidget*>(QStringLiteral("page410"));
         EXPECT_EQ(las->isVisible(), shown == 0) << initial;
@@ -204,8 +207,8 @@ TEST_F(Shell, OnlyOkChangesTheRecord) {
     params.showRasterTab = true;
     params.lasFiles[L"/host"] = {L"own.las"};
     const FilesByFolder own = params.lasFiles;
-    journal.store = [](const std::string&, AddFilesParams& record) {
-        record.lasFiles[L"/d"].push_back(L"a.las");
+    journal.store = [](const std::string& name, AddFilesParams& record) {
+        record.lasFiles[L"/d"].push_back(FromUtf8(name));
         record.lasThinning = 5;
     };
     const auto isOwn = [&] { return params.lasFiles == own && params.lasThinning == 0; };
@@ -233,7 +236,7 @@ TEST_F(Shell, OnlyOkChangesTheRecord) {
     Press(*dialog, "ok");
     journal.refuse = "";
     Press(*dialog, "ok");
-    EXPECT_THAT(params.lasFiles[L"/d"], ElementsAre(L"a.las", L"a.las")) << "one of each page";
+    EXPECT_THAT(params.lasFiles[L"/d"], ElementsAre(L"las", L"raster")) << "one of each page";
     EXPECT_EQ(journal.handedOver, "las raster ");
 }
 
@@ -261,6 +264,14 @@ TEST_F(Shell, RunIsTrueForOkWithAListThatAHostActsOn) {
         const auto dialog = Make();
         QTimer::singleShot(0, dialog.get(), [&] { Press(*dialog, c.press); });
         EXPECT_EQ(dialog->Run(), c.result) << c.name << ", " << c.press;
+    }
+    for (const auto& c : cases) {
+        params = {};
+        c.fill(params);
+        const auto dialog = Make();
+        journal.store = [](auto&, auto&) {};
+        QTimer::singleShot(0, dialog.get(), [&] { Press(*dialog, "ok"); });
+        EXPECT_FALSE(dialog->Run()) << c.name << " of an earlier call";
     }
 }
 

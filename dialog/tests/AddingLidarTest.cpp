@@ -38,10 +38,9 @@ TEST(LidarMessages, FollowFromTheFindings) {
     for (const Case& c : cases) {
         const auto has = [&](char flag) { return std::string(c.flags).find(flag) != std::string::npos; };
         testing::ScriptedPrompts prompts;
-        EXPECT_EQ(ShowLidarMessages({has('a'), has('b'), has('c'), has('d'), has('e'), has('f'), has('g')},
-                                    L"Caption", prompts),
-                  c.stop)
-            << c.flags;
+        const LidarFindings findings{has('a'), has('b'), has('c'), has('d'), has('e'), has('f'), has('g')};
+        ShowLidarMessages(findings, L"Caption", prompts);
+        EXPECT_EQ(IsNothingToAdd(findings), c.stop) << c.flags;
         ASSERT_EQ(prompts.shown.size(), c.texts.size()) << c.flags;
         for (std::size_t i = 0; i < c.texts.size(); ++i) {
             EXPECT_EQ(prompts.shown[i].text, Text(c.texts[i])) << c.flags;

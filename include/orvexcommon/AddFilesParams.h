@@ -28,10 +28,14 @@ using FilesByFolder = std::map<std::wstring, std::vector<std::wstring>>;
 /// Inputs are set by the host before the call; results are written only if the dialog ends with OK. The host
 /// creates, owns and destroys the record, and after OK owns and deletes the objects in lasFileDetails and
 /// rasterFileDetails.
+///
+/// Pass a fresh record to each call. Results of an earlier call are neither touched nor counted as those of
+/// the next: lists are appended to, a file that is in them already is not listed again and keeps its details,
+/// which the host must therefore not have deleted.
 class AddFilesParams {
   public:
     // Inputs.
-    /// Provides the signed-in cloud account; may be null. Owned by the host.
+    /// Not used yet; may be null. Owned by the host.
     orvex::OrvexApplication* hostApplication = nullptr;
     /// Index of the initial tab among those that exist.
     std::int32_t initialTab = 0;

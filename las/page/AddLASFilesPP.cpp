@@ -283,9 +283,9 @@ void AddLASFilesPP::WriteFiles() const {
 }
 
 void AddLASFilesPP::HandOver() noexcept {
-    EditModel().Change([](std::vector<LasRow>& rows) {
+    EditModel().Change([this](std::vector<LasRow>& rows) {
         for (LasRow& row : rows) {
-            static_cast<void>(row.file.release());
+            ReleaseIfIn(Params().lasFileDetails, row);
         }
     });
 }

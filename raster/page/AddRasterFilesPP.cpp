@@ -100,9 +100,9 @@ bool AddRasterFilesPP::Store() {
 }
 
 void AddRasterFilesPP::HandOver() noexcept {
-    EditModel().Change([](std::vector<RasterRow>& rows) {
+    EditModel().Change([this](std::vector<RasterRow>& rows) {
         for (RasterRow& row : rows) {
-            static_cast<void>(row.file.release());
+            ReleaseIfIn(Params().rasterFileDetails, row);
         }
     });
 }

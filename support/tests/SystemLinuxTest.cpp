@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "support/Environment.h"
 #include "support/MappedFile.h"
@@ -33,6 +35,29 @@ TEST(Environment, NamesTheSettingsFolders) {
     EXPECT_EQ(MachineConfigFolder(), "/etc/orvex");
     const Variable moved(L"ORVEX_MACHINE_CONFIG_DIR", L"/elsewhere");
     EXPECT_EQ(MachineConfigFolder(), "/elsewhere");
+}
+
+TEST(Environment, TheCacheFolderIsNeverTheCurrentOne) {
+    const struct {
+        Setting xdg, home;
+        const char* expected;  ///< null: the home folder that the system knows
+    } cases[] = {
+        {L"/xdg", L"/home/me", "/xdg/orvex"},
+        {std::nullopt, L"/home/me", "/home/me/.cache/orvex"},
+        {L"", L"/home/me", "/home/me/.cache/orvex"},
+        {L"relative", L"/home/me", "/home/me/.cache/orvex"},
+        {L"", L"", nullptr},
+        {std::nullopt, std::nullopt, nullptr},
+        {L"", L"relative", nullptr},
+    };
+    const passwd* user = getpwuid(geteuid());
+    for (const auto& c : cases) {
+        const Variable xdg(L"XDG_CACHE_HOME", c.xdg);
+        const Variable home(L"HOME", c.home);
+        EXPECT_EQ(UserCacheFolder(), c.expected != nullptr
+                                         ? std::filesystem::path(c.expected)
+                                         : std::filesystem::path(user->pw_dir) / ".cache/orvex");
+    }
 }
 
 TEST(MappedFile, NamesTheSystemsReason) {

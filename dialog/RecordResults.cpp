@@ -1,0 +1,75 @@
+#include "dialog/RecordResults.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "orvexcommon/AddFilesParams.h"
+
+namespace orvex {
+namespace {
+
+using Texts = std::map<std::wstring, std::wstring>;
+
+constexpr FilesByFolder AddFilesParams::*kFileLists[] = {
+    &AddFilesParams::lasFiles, &AddFilesParams::rasterFiles, &AddFilesParams::demFiles};
+constexpr Texts AddFilesParams::*kTexts[] = {
+    &AddFilesParams::featureFiles,         &AddFilesParams::presignedUrlLayers,
+    &AddFilesParams::cloudLasLayers,       &AddFilesParams::cloudLasLayerValues2,
+    &AddFilesParams::cloudLasLayerValues3, &AddFilesParams::lasFileLayers,
+    &AddFilesParams::rasterFileLayers,     &AddFilesParams::demFileLayers};
+
+void AppendNew(std::vector<std::wstring> added, std::vector<std::wstring>& names) {
+    for (std::wstring& name : added) {
+        if (std::ranges::find(names, name) == names.end()) {
+            names.push_back(std::move(name));
+        }
+    }
+}
+
+/// `added` becomes the earlier elements and those of its own whose key is new.
+template <typename Map>
+void PutBehind(Map earlier, Map& added) {
+    earlier.merge(added);
+    added = std::move(earlier);
+}
+
+}  // namespace
+
+void ClearResults(AddFilesParams& record) {
+    for (const auto member : kFileLists) {
+        (record.*member).clear();
+    }
+    for (const auto member : kTexts) {
+        (record.*member).clear();
+    }
+    record.lasFileDetails.clear();
+    record.rasterFileDetails.clear();
+    record.photoFiles.clear();
+}
+
+bool HasResults(const AddFilesParams& record) {
+    return !record.lasFiles.empty() || !record.rasterFiles.empty() || !record.featureFiles.empty() ||
+           !record.demFiles.empty() || !record.photoFiles.empty() || !record.presignedUrlLayers.empty() ||
+           !record.cloudLasLayers.empty();
+}
+
+void AddEarlierResults(const AddFilesParams& earlier, AddFilesParams& record) {
+    for (const auto member : kFileLists) {
+        FilesByFolder files = earlier.*member;
+        for (auto& [folder, names] : record.*member) {
+            AppendNew(std::move(names), files[folder]);
+        }
+        record.*member = std::move(files);
+    }
+    for (const auto member : kTexts) {
+        // What the user has chosen now counts.
+        (record.*member).insert((earlier.*member).begin(), (earlier.*member).end());
+    }
+    PutBehind(earlier.lasFileDetails, record.lasFileDetails);
+    PutBehind(earlier.rasterFileDetails, record.rasterFileDetails);
+    std::vector<std::wstring> photos = earlier.photoFiles;
+    AppendNew(std::move(record.photoFiles), photos);
+    record.photoFiles = std::move(photos);
+}
+
+}  // namespace orvex
