@@ -3,19 +3,25 @@
 #include <cpl_conv.h>
 #include <ogr_spatialref.h>
 
-#include "crs/CrsCache.h"
+#include <algorithm>
+
 #include "crs/GdalSetup.h"
+#include "crs/TextCache.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/GdalErrorScope.h"
 #include "support/LDataError.h"
 #include "support/Log.h"
+#include "support/SpatialReference.h"
 #include "support/Text.h"
 
 namespace orvex {
 namespace {
 
 constexpr std::size_t kDescriptionsKept = 512;
-constexpr char kWktFormatOption[] = "OSR_WKT_FORMAT";
+// Texts of so many bytes; their descriptions take some ten times as much.
+constexpr std::size_t kTextKept = std::size_t{4} << 20U;
+// The longest WKTs of the EPSG database have some ten thousand characters.
+constexpr std::size_t kLongestWkt = std::size_t{1} << 20U;
 constexpr char kDefaultWkt[] =
     R"wkt(COMPD_CS["WGS 84 + EGM96 height (Meters)",GEOGCS["WGS 84",DATUM["WGS_1984",SPHEROID["WGS 84",6378137,298.257223563,AUTHORITY["EPSG","7030"]],AUTHORITY["EPSG","6326"]],PRIMEM["Greenwich",0,AUTHORITY["EPSG","8901"]],UNIT["degree",0.0174532925199433,AUTHORITY["EPSG","9122"]],AXIS["Latitude",NORTH],AXIS["Longitude",EAST],AUTHORITY["EPSG","4326"]],VERT_CS["EGM96 height (Meters)",VERT_DATUM["EGM96 geoid",2005,AUTHORITY["EPSG","5171"]],UNIT["metre",1,AUTHORITY["EPSG","9001"]],AXIS["Gravity-related height",UP],AUTHORITY["EPSG","5773"]]])wkt";
 static_assert(sizeof(kDefaultWkt) - 1 == 534);
@@ -31,26 +37,18 @@ std::wstring UnitText(const char* name) {
     return unit.empty() || EqualNoCase(unit, L"unknown") ? L"Unknown" : unit;
 }
 
-std::string ExportPretty(const OGRSpatialReference& crs) {
-    char* text = nullptr;
-    crs.exportToPrettyWkt(&text, FALSE);
-    std::string pretty = text == nullptr ? "" : text;
-    CPLFree(text);
-    return pretty;
+/// WKT1 where the CRS can be expressed in it, else WKT2.
+std::string PrettyWkt(const OGRSpatialReference& crs) {
+    const std::string pretty = ExportWkt(crs, "WKT1_GDAL", true);
+    return pretty.empty() ? ExportWkt(crs, "WKT2_2019", true) : pretty;
 }
 
-/// WKT1 where the CRS can be expressed in it, else WKT2. Changes an option of the whole process, which is
-/// left at "WKT1"; CrsCache runs one description at a time.
-std::string PrettyWkt(const OGRSpatialReference& crs) {
-    // Set for each description, so that its text does not depend on those before it.
-    CPLSetConfigOption(kWktFormatOption, "WKT1");
-    std::string pretty = ExportPretty(crs);
-    if (pretty.empty()) {
-        CPLSetConfigOption(kWktFormatOption, "WKT2");
-        pretty = ExportPretty(crs);
-        CPLSetConfigOption(kWktFormatOption, "WKT1");
-    }
-    return pretty;
+/// The first line of what GDAL reports first; the lines behind it repeat the text.
+std::wstring ProblemText(const GdalErrorScope& errors) {
+    constexpr std::size_t kLongest = 200;
+    const std::string first = errors.Messages().empty() ? std::string() : errors.Messages().front();
+    const std::wstring text = FromUtf8(first.substr(0, std::min(first.find('\n'), kLongest)));
+    return text.empty() ? Text(text::kWktNotUnderstood) : text;
 }
 
 std::wstring WithCrLf(const std::string& text) {
@@ -83,10 +81,13 @@ void Fill(CrsDescription& description) {
     const GdalErrorScope errors;
     OGRSpatialReference crs;
     crs.Clear();
-    crs.importFromWkt(description.sourceWkt.c_str());
-    if (IsAccepted(crs.Validate())) {
+    const bool isTooLong = description.sourceWkt.size() > kLongestWkt;
+    const bool isRead = !isTooLong && crs.importFromWkt(description.sourceWkt.c_str()) == OGRERR_NONE;
+    if (isRead && IsAccepted(crs.Validate())) {
         description.isGeographic = crs.IsGeographic() != 0;
         description.name = FromUtf8(OrvexUtilities::CrsGetCRSName(description.sourceWkt));
+    } else {
+        description.problem = isTooLong ? Text(text::kWktTooLong) : ProblemText(errors);
     }
     const char* unit = nullptr;
     crs.GetLinearUnits(&unit);
@@ -102,11 +103,11 @@ CrsPtr Describe(const std::string& wkt) {
     auto description = std::make_shared<CrsDescription>();
     description->sourceWkt = wkt;
     if (!wkt.empty()) {
-        EnsureGdal();  // the group is looked up in PROJ's database, which lies beside the component
-    }
-    description->compatibilityGroup = OrvexUtilities::GetCompatibilityGroup(wkt);
-    if (!wkt.empty()) {
+        EnsureGdal();  // codes are looked up in PROJ's database, which lies beside the component
         Fill(*description);
+    }
+    if (wkt.empty() || description->epsg != 0 || !description->problem.empty()) {
+        description->Identify();  // nothing has to be searched for
     }
     return description;
 }
@@ -120,7 +121,6 @@ CrsPtr MakeDefaultCrs() {
     description->linearUnits = L"Meters";
     description->angularUnits = L"Degrees";
     description->prettyWkt = WithCrLf(OrvexUtilities::CrsGetPrettyWktFromWKT(kDefaultWkt, true));
-    description->compatibilityGroup = OrvexUtilities::GetCompatibilityGroup(kDefaultWkt);
     OGRSpatialReference crs;
     crs.importFromWkt(kDefaultWkt);
     AddCodes(crs, *description);
@@ -129,9 +129,22 @@ CrsPtr MakeDefaultCrs() {
 
 }  // namespace
 
+const CrsIdentity& LazyCrsIdentity::Get(const std::string& wkt) const {
+    std::call_once(once_, [&] {
+        identity_.group = OrvexUtilities::GetCompatibilityGroup(wkt, identity_.epsg);
+        isKnown_ = true;
+    });
+    return identity_;
+}
+
+long CrsDescription::Epsg() const {
+    const CrsIdentity* const known = identity.Known();
+    return epsg != 0 || known == nullptr ? epsg : known->epsg;
+}
+
 CrsPtr DescribeCrs(const std::string& wkt) {
     // Never destroyed: a worker may still ask while the process ends.
-    static auto* const cache = new CrsCache(kDescriptionsKept, Describe);
+    static auto* const cache = new TextCache<CrsPtr>(kDescriptionsKept, kTextKept, Describe);
     static const CrsPtr none = std::make_shared<CrsDescription>();
     try {
         return cache->Get(wkt);

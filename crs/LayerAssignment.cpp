@@ -43,7 +43,9 @@ using LayersByKey = std::unordered_map<std::string, Layer>;
 LayersByKey ExistingByKey(const std::map<std::wstring, std::wstring>& existing) {
     LayersByKey layers;
     for (const auto& [name, wkt] : existing) {
-        layers.try_emplace(LayerKeyOf(*DescribeCrs(ToUtf8(wkt))), Layer{name, true});
+        const CrsPtr crs = DescribeCrs(ToUtf8(wkt));
+        crs->Identify();
+        layers.try_emplace(LayerKeyOf(*crs), Layer{name, true});
     }
     return layers;
 }
@@ -68,7 +70,20 @@ Layer SharedLayer(std::span<const CrsPtr> files, const std::map<std::wstring, st
 }  // namespace
 
 std::string LayerKeyOf(const CrsDescription& crs) {
-    return crs.compatibilityGroup + '\n' + std::to_string(crs.epsg);
+    const CrsIdentity* const identity = crs.identity.Known();
+    return identity == nullptr ? "not identified: " + crs.sourceWkt : identity->group;
+}
+
+std::vector<std::function<void()>> IdentificationWork(std::vector<CrsPtr> files,
+                                                      const std::map<std::wstring, std::wstring>& existing) {
+    std::vector<std::function<void()>> work;
+    for (CrsPtr& crs : files) {
+        work.emplace_back([crs = std::move(crs)] { crs->Identify(); });
+    }
+    for (const auto& [name, wkt] : existing) {
+        work.emplace_back([text = ToUtf8(wkt)] { DescribeCrs(text)->Identify(); });
+    }
+    return work;
 }
 
 std::vector<LayerPlace> PlaceInLayers(std::span<const CrsPtr> files,

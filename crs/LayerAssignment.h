@@ -1,5 +1,6 @@
 #pragma once
 // Assignment of a page's files to layers of the project.
+#include <functional>
 #include <map>
 #include <span>
 #include <string>
@@ -21,8 +22,14 @@ struct LayerPlace {
     unsigned group = 0;   ///< files with the same number can share a layer; 0: none
 };
 
-/// Key that files in one layer have in common: the compatibility group and the EPSG code of their CRS.
+/// Key that files in one layer have in common: the compatibility group of their CRS; its text while the
+/// identity of the CRS is not known.
 std::string LayerKeyOf(const CrsDescription& crs);
+
+/// What finds the identities that PlaceInLayers needs: of these CRSs and of the project's layers. One call
+/// each, safe from any thread.
+std::vector<std::function<void()>> IdentificationWork(std::vector<CrsPtr> files,
+                                                      const std::map<std::wstring, std::wstring>& existing);
 
 /// Assigns a layer to every file, in one pass and in their order. `files`: the CRS of each, null for one that
 /// cannot be loaded. `existing`: the project's layers, name to WKT. Files with one key form a group, numbered

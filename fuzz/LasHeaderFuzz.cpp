@@ -1,4 +1,4 @@
-// Reads arbitrary bytes as a LAS file, in both modes.
+// Lists arbitrary bytes as a LAS file and reads them in both modes.
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -14,6 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::filesystem::remove(folder.Path() / "input.las");
     const std::wstring path =
         folder.Write(L"input.las", std::string(reinterpret_cast<const char*>(data), size));
+    orvex::testing::RowText(path);
     for (const bool readOnly : {true, false}) {
         orvex::testing::ReadAllOfLas(path, readOnly);
     }

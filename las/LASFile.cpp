@@ -50,7 +50,7 @@ std::unique_ptr<LASFile> LASFile::Open(const std::wstring& fileName, bool readOn
     }
     las->ReadRecords(file);
     las->Register();
-    las->companionStatus_ = FindCompanionStatus(fileName, las->vlrs_, las->evlrs_);
+    las->companionStatus_ = FindCompanionStatus(fileName, las->GetVLRs(), las->evlrs_);
     if (!skipPointMapping) {
         las->points_ = LasPointViews::Create(std::move(file), las->header_, readOnly);
     }
@@ -107,7 +107,7 @@ void LASFile::MapHeader(const MappedFile& file) {
 void LASFile::ReadRecords(const MappedFile& file) {
     SystemError error = 0;
     try {
-        error = LoadVlrArea(file);
+        error = LoadVlrs(file);
     } catch (const std::bad_alloc&) {
         ThrowOpenError(Text(text::kVlrReadFailed), fileName_);
     }
@@ -115,36 +115,36 @@ void LASFile::ReadRecords(const MappedFile& file) {
         ThrowOpenError(Text(text::kVlrReadFailed), fileName_, error);
     }
     ShareHeaderMapping();
-    vlrs_ = WalkVlrs(vlrArea_.Bytes(), header_);
     ReadExtraBytes();
     if (header_.VersionCode() == las::kLas14) {
         evlrs_ = ReadEvlrs(file, header_.EvlrStart(), header_.EvlrCount(), !readOnly_);
     }
 }
 
-// The file from its first byte up to its points: mapped if the file may be written or the area is large, else
-// copied.
-SystemError LASFile::LoadVlrArea(const MappedFile& file) {
-    const std::uint64_t length = std::min<std::uint64_t>(header_.OffsetToPoints(), fileSize_);
-    if (length == 0) {
-        return 0;
+// A file that may be written has its VLR area mapped: the file from its first byte up to its points.
+SystemError LASFile::LoadVlrs(const MappedFile& file) {
+    if (readOnly_) {
+        return ReadVlrs(file, header_, vlrs_);
     }
-    return readOnly_ && length <= kLargestCopy ? vlrArea_.Copy(file, 0, static_cast<std::size_t>(length))
-                                               : vlrArea_.Map(file, 0, length, !readOnly_);
+    const std::uint64_t length = std::min<std::uint64_t>(header_.OffsetToPoints(), fileSize_);
+    FileBytes area;
+    const SystemError error = length == 0 ? 0 : area.Map(file, 0, length, true);
+    vlrs_ = ListVlrs(std::move(area), header_);
+    return error;
 }
 
 // The mapped VLR area starts with the header. A process can have some 65,000 mappings, and a list tens of
 // thousands of files: the header's own mapping is given up.
 void LASFile::ShareHeaderMapping() {
-    if (!readOnly_ && vlrArea_.Bytes().size() >= las::kHeaderSize14) {
-        header_ = LasHeader(vlrArea_.Bytes().first(las::kHeaderSize14));
+    if (!readOnly_ && vlrs_.bytes.Bytes().size() >= las::kHeaderSize14) {
+        header_ = LasHeader(vlrs_.bytes.Bytes().first(las::kHeaderSize14));
         headerView_ = {};
     }
 }
 
 // Programs write this record under user ids of their own as well, so only its record id counts.
 void LASFile::ReadExtraBytes() {
-    for (const VlrView& vlr : vlrs_) {
+    for (const VlrView& vlr : GetVLRs()) {
         if (vlr.RecordId() != las::kExtraBytesRecordId) {
             continue;
         }
@@ -170,11 +170,11 @@ std::string LASFile::CrsWkt() const {
 }
 
 bool LASFile::HasProjectionRecords() const {
-    return HasProjectionIn(vlrs_) || HasProjectionIn(evlrs_);
+    return HasProjectionIn(GetVLRs()) || HasProjectionIn(evlrs_);
 }
 
 std::optional<std::span<const std::byte>> LASFile::FindProjectionRecord(std::uint16_t recordId) const {
-    const auto data = FindProjectionIn(vlrs_, recordId);
+    const auto data = FindProjectionIn(GetVLRs(), recordId);
     return data ? data : FindProjectionIn(evlrs_, recordId);
 }
 

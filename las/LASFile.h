@@ -37,6 +37,8 @@ class LASFile final : public LasFileInfo {
     std::array<double, 3> Maximum() const override { return header_.Maximum(); }
     std::string CrsWkt() const override;
     int GetCompanionStatus() const override { return static_cast<int>(companionStatus_); }
+    bool IsDamaged() const override { return isDamaged_; }
+    void SetDamaged(bool isDamaged) { isDamaged_ = isDamaged; }
     std::uint16_t RegisteredId() const override { return registeredId_; }
 
     /// A las::VersionCode.
@@ -45,7 +47,7 @@ class LASFile final : public LasFileInfo {
     std::uint64_t FileSize() const { return fileSize_; }
 
     /// Records in file order; valid as long as the file.
-    const std::vector<VlrView>& GetVLRs() const { return vlrs_; }
+    const std::vector<VlrView>& GetVLRs() const { return vlrs_.records; }
     const std::vector<EvlrEntry>& GetEVLRs() const { return evlrs_; }
 
     bool HasProjectionRecords() const;
@@ -69,7 +71,7 @@ class LASFile final : public LasFileInfo {
     void CopyHeader(const MappedFile& file);
     void MapHeader(const MappedFile& file);
     void ReadRecords(const MappedFile& file);
-    SystemError LoadVlrArea(const MappedFile& file);
+    SystemError LoadVlrs(const MappedFile& file);
     void ShareHeaderMapping();
     void ReadExtraBytes();
     void Register();
@@ -79,14 +81,14 @@ class LASFile final : public LasFileInfo {
     const std::wstring* recordedName_ = nullptr;  // the registry's copy
     bool readOnly_;
     bool hasRangeIncidencePhotoIndex_ = false;
+    bool isDamaged_ = false;  // set by who has examined the file
     std::uint16_t registeredId_ = 0;
     CompanionStatus companionStatus_ = CompanionStatus::None;
     std::uint64_t fileSize_ = 0;
     std::unique_ptr<std::byte[]> headerCopy_;
     MappedView headerView_;
     LasHeader header_;
-    FileBytes vlrArea_;
-    std::vector<VlrView> vlrs_;
+    VlrList vlrs_;
     std::vector<EvlrEntry> evlrs_;
     ExtraBytes extraBytes_;
     std::unique_ptr<LasPointViews> points_;

@@ -1,7 +1,6 @@
 #include "las/LasColumns.h"
 
 #include <bit>
-#include <chrono>
 #include <cmath>
 
 #include "las/LasText.h"
@@ -76,7 +75,7 @@ std::wstring Version(const LASFile& file) {
 }
 
 std::wstring Epsg(const CrsDescription& crs) {
-    return crs.epsg == 0 ? std::wstring() : FormatText(L"EPSG:%d", {crs.epsg});
+    return crs.Epsg() == 0 ? std::wstring() : FormatText(L"EPSG:%d", {crs.Epsg()});
 }
 
 std::wstring Units(const CrsDescription& crs) {
@@ -131,31 +130,40 @@ std::wstring ExtraBytesNames(const LASFile& file) {
 }
 
 std::wstring Created(const LASFile& file) {
-    using namespace std::chrono;
-    const int year = file.Header().CreationYear();
-    const int day = file.Header().CreationDay();
-    if (year == 0) {
-        return {};
+    const LasHeader& header = file.Header();
+    if (header.IsCreationDateImpossible()) {
+        return FormatText(Text(text::kLasStoredDate), {header.CreationDay(), header.CreationYear()});
     }
-    if (day < 1 || day > 366) {
-        return std::to_wstring(year);
+    if (const auto date = header.CreationDate()) {
+        return FormatText(L"%04d-%02u-%02u",
+                          {static_cast<int>(date->year()), static_cast<unsigned>(date->month()),
+                           static_cast<unsigned>(date->day())});
     }
-    const year_month_day date{sys_days{std::chrono::year(year) / January / 1} + days(day - 1)};
-    return FormatText(L"%04d-%02u-%02u", {static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
-                                          static_cast<unsigned>(date.day())});
+    return header.CreationYear() == 0 ? std::wstring() : std::to_wstring(header.CreationYear());
+}
+
+std::wstring ExtraBytesTooltip(const LasRow& row) {
+    std::wstring text;
+    if (row.file != nullptr) {
+        for (const ExtraBytesAttribute& attribute : row.file->GetExtraBytes().Attributes()) {
+            text += (text.empty() ? L"" : L"\n") +
+                    FormatText(Text(text::kLasExtraBytesPlace),
+                               {attribute.name, attribute.size, attribute.pointOffset});
+        }
+    }
+    return text;
 }
 
 std::wstring GlobalEncoding(const LASFile& file) {
     return FormatText(L"0x%04X", {file.Header().GlobalEncoding()});
 }
 
-std::wstring CrsSource(const LASFile& file) {
-    const bool hasWkt = file.FindWKT().has_value();
-    const bool hasGeoKeys = file.FindGeoKeyDirectory().has_value();
-    if (hasWkt && (file.Header().HasWktBit() || !hasGeoKeys)) {
-        return Text(text::kCrsSourceWkt);
+GridCell CrsSource(const LasRow& row) {
+    if (row.file == nullptr) {
+        return {};
     }
-    return Text(hasGeoKeys ? text::kCrsSourceGeoKeys : text::kCellNone);
+    constexpr StringId kNames[] = {text::kCellNone, text::kCrsSourceWkt, text::kCrsSourceGeoKeys};
+    return Text(kNames[static_cast<int>(row.crsSource)]);
 }
 
 std::wstring Waveform(const LASFile& file) {
@@ -310,7 +318,8 @@ constexpr Column<LasRow> kColumns[] = {
       .caption = text::kLasExtraBytes,
       .tooltip = text::kLasExtraBytesTooltip,
       .maximumWidth = 300},
-     OfFile<ExtraBytesNames>},
+     OfFile<ExtraBytesNames>,
+     {.tooltip = ExtraBytesTooltip}},
     {{.name = "systemId", .caption = text::kLasSystemId}, OfFile<HeaderText<&LasHeader::SystemIdentifier>>},
     {{.name = "software", .caption = text::kLasGeneratingSoftware},
      OfFile<HeaderText<&LasHeader::GeneratingSoftware>>},
@@ -324,8 +333,7 @@ constexpr Column<LasRow> kColumns[] = {
      OfFile<[](const LASFile& file) { return std::to_wstring(file.GetVLRs().size()); }>},
     {{.name = "evlrCount", .caption = text::kLasEvlrs},
      OfFile<[](const LASFile& file) { return std::to_wstring(file.GetEVLRs().size()); }>},
-    {{.name = "crsSource", .caption = text::kLasCrsSource, .tooltip = text::kLasCrsSourceTooltip},
-     OfFile<CrsSource>},
+    {{.name = "crsSource", .caption = text::kLasCrsSource, .tooltip = text::kLasCrsSourceTooltip}, CrsSource},
     {{.name = "waveform", .caption = text::kLasWaveform}, OfFile<Waveform>},
     {{.name = "pointsByReturn", .caption = text::kLasPointsByReturn, .maximumWidth = 300},
      OfFile<PointsByReturn>},

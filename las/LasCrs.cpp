@@ -1,76 +1,98 @@
 #include "las/LasCrs.h"
 
 #include <algorithm>
-#include <map>
-#include <mutex>
-#include <tuple>
-#include <utility>
 
+#include "crs/CrsDescription.h"
 #include "crs/GdalSetup.h"
+#include "crs/TextCache.h"
 #include "las/LASFile.h"
 #include "orvexcommon/OrvexUtilities.h"
+#include "support/Format.h"
+#include "support/Text.h"
 
 namespace orvex {
 namespace {
 
-constexpr std::size_t kMostCached = 256;
+constexpr std::size_t kConversionsKept = 256;
+constexpr std::size_t kBytesKept = std::size_t{4} << 20U;
 
-std::string BytesOf(const LASFile& file, std::uint16_t recordId) {
+std::string BytesOf(const LASFile& file, std::uint16_t recordId, std::size_t most) {
     const auto data = file.FindProjectionRecord(recordId);
-    return data ? std::string(reinterpret_cast<const char*>(data->data()), data->size()) : std::string();
+    return data ? std::string(reinterpret_cast<const char*>(data->data()), std::min(data->size(), most))
+                : std::string();
 }
 
 // The text ends at its first zero byte; some writers pad it with blanks or line breaks.
 std::string WktRecord(const LASFile& file) {
-    std::string text = BytesOf(file, las::kWktRecordId);
+    std::string text = BytesOf(file, las::kWktRecordId, kMostRecordData);
     text.resize(std::min(text.find('\0'), text.size()));
     text.erase(text.find_last_not_of(" \t\r\n") + 1);
     return text;
 }
 
-// The tiles of a folder share a few CRSs, and a conversion takes far longer than reading a header.
-LasCrs ConvertGeoKeys(const std::string& directory, const std::string& doubles, const std::string& text) {
-    static std::mutex lock;
-    static std::map<std::tuple<std::string, std::string, std::string>, LasCrs> cache;
-    auto key = std::make_tuple(directory, doubles, text);
-    {
-        const std::lock_guard guard(lock);
-        if (const auto known = cache.find(key); known != cache.end()) {
-            return known->second;
-        }
+LasCrs FromWkt(const LASFile& file) {
+    std::string wkt = WktRecord(file);
+    if (wkt.empty()) {
+        return {};
     }
+    const std::wstring problem = DescribeCrs(wkt)->problem;
+    if (problem.empty()) {
+        return {std::move(wkt), LasCrsSource::Wkt, {}, {}};
+    }
+    return {{}, LasCrsSource::None, FormatText(Text(text::kWktUnreadable), {problem}), std::move(wkt)};
+}
+
+// The payloads of the three records behind each other, each with its length before it.
+std::string Joined(const std::array<std::string, 3>& payloads) {
+    std::string joined;
+    for (const std::string& payload : payloads) {
+        joined += std::to_string(payload.size()) + ' ' + payload;
+    }
+    return joined;
+}
+
+std::array<std::string, 3> Separated(const std::string& joined) {
+    std::array<std::string, 3> payloads;
+    std::size_t start = 0;
+    for (std::string& payload : payloads) {
+        std::size_t digits = 0;
+        const std::size_t length = std::stoul(joined.substr(start), &digits);
+        payload = joined.substr(start + digits + 1, length);
+        start += digits + 1 + length;
+    }
+    return payloads;
+}
+
+LasCrs ConvertGeoKeys(const std::string& joined) {
     EnsureGdal();
+    const auto [directory, doubles, text] = Separated(joined);
     std::string reason;
-    LasCrs crs{OrvexUtilities::CrsWktFromGeoKeys(directory, doubles, text, reason), false};
-    crs.isDamaged = crs.wkt.empty() && !reason.empty();
-    const std::lock_guard guard(lock);
-    if (cache.size() >= kMostCached) {
-        cache.clear();
-    }
-    cache.emplace(std::move(key), crs);
-    return crs;
+    std::string wkt = OrvexUtilities::CrsWktFromGeoKeys(directory, doubles, text, reason);
+    const auto source = wkt.empty() ? LasCrsSource::None : LasCrsSource::GeoKeys;
+    return {std::move(wkt), source, FromUtf8(reason), {}};
 }
 
 LasCrs FromGeoKeys(const LASFile& file) {
-    const std::string directory = BytesOf(file, las::kGeoKeyDirectoryRecordId);
-    if (directory.empty()) {
-        return {};
-    }
-    return ConvertGeoKeys(directory, BytesOf(file, las::kGeoDoublesRecordId),
-                          BytesOf(file, las::kGeoTextRecordId));
+    // The tiles of a folder share a few CRSs, and a conversion takes far longer than reading a header. Never
+    // destroyed: a worker may still ask while the process ends.
+    static auto* const cache = new TextCache<LasCrs>(kConversionsKept, kBytesKept, ConvertGeoKeys);
+    const std::array<std::string, 3> payloads{BytesOf(file, las::kGeoKeyDirectoryRecordId, las::kMostVlrData),
+                                              BytesOf(file, las::kGeoDoublesRecordId, las::kMostVlrData),
+                                              BytesOf(file, las::kGeoTextRecordId, las::kMostVlrData)};
+    return payloads.front().empty() ? LasCrs() : cache->Get(Joined(payloads));
 }
 
 }  // namespace
 
 LasCrs ReadLasCrs(const LASFile& file) {
     const bool isWktFirst = file.Header().HasWktBit() || !file.FindGeoKeyDirectory();
-    const auto fromWkt = [&file] { return LasCrs{WktRecord(file), false}; };
-    LasCrs crs = isWktFirst ? fromWkt() : FromGeoKeys(file);
+    LasCrs crs = isWktFirst ? FromWkt(file) : FromGeoKeys(file);
     if (!crs.wkt.empty()) {
         return crs;
     }
-    LasCrs other = isWktFirst ? FromGeoKeys(file) : fromWkt();
-    other.isDamaged = other.wkt.empty() && (other.isDamaged || crs.isDamaged);
+    LasCrs other = isWktFirst ? FromGeoKeys(file) : FromWkt(file);
+    other.problem = crs.problem + (crs.problem.empty() || other.problem.empty() ? L"" : L" ") + other.problem;
+    other.unreadableWkt += crs.unreadableWkt;
     return other;
 }
 

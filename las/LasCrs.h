@@ -5,15 +5,19 @@ namespace orvex {
 
 class LASFile;
 
+enum class LasCrsSource { None, Wkt, GeoKeys };
+
 /// CRS from the projection records of a file.
 struct LasCrs {
-    std::string wkt;         ///< UTF-8; empty if there is no CRS or none that can be read
-    bool isDamaged = false;  ///< the file has CRS records, but they cannot be read
+    std::string wkt;                           ///< UTF-8; empty if there is no CRS or none that can be read
+    LasCrsSource source = LasCrsSource::None;  ///< of `wkt`
+    std::wstring problem;  ///< why records cannot be read, in a sentence; empty if none had to be passed over
+    std::string unreadableWkt;  ///< text of a WKT record that cannot be read
 };
 
 /// Reads the CRS of a file: from the WKT record if the header's WKT bit is set or there are no GeoKeys, else
-/// from the GeoKeys; if that gives none, from the other. Sets up GDAL if there are GeoKeys. Safe from any
-/// thread; equal GeoKeys are converted once.
+/// from the GeoKeys; if that gives none, from the other. Sets up GDAL. Safe from any thread; equal records
+/// are converted once.
 LasCrs ReadLasCrs(const LASFile& file);
 
 }  // namespace orvex

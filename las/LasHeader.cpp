@@ -95,6 +95,23 @@ std::uint16_t LasHeader::CreationYear() const {
     return Read<std::uint16_t>(at::kCreationYear);
 }
 
+std::optional<std::chrono::year_month_day> LasHeader::CreationDate() const {
+    using namespace std::chrono;
+    if (CreationDay() == 0 || IsCreationDateImpossible()) {
+        return std::nullopt;
+    }
+    return sys_days(year(CreationYear()) / January / 1) + days(CreationDay() - 1);
+}
+
+bool LasHeader::IsCreationDateImpossible() const {
+    constexpr int kFirstYear = 1970;
+    constexpr int kLastYear = 9999;
+    const int year = CreationYear();
+    const int daysOfYear = std::chrono::year(year).is_leap() ? 366 : 365;
+    const bool isSet = year != 0 || CreationDay() != 0;
+    return isSet && (year < kFirstYear || year > kLastYear || CreationDay() > daysOfYear);
+}
+
 std::uint16_t LasHeader::HeaderSize() const {
     return Read<std::uint16_t>(at::kHeaderSize);
 }

@@ -1,8 +1,10 @@
 #pragma once
 // The public header block of a LAS file.
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -44,6 +46,10 @@ class LasHeader {
     /// Day of the year, 1 to 366; 0 when not set.
     std::uint16_t CreationDay() const;
     std::uint16_t CreationYear() const;
+    /// Creation date; nullopt if none is set or the stored one is impossible.
+    std::optional<std::chrono::year_month_day> CreationDate() const;
+    /// True for a day that its year does not have, and for years in which no such file was made.
+    bool IsCreationDateImpossible() const;
 
     /// Bytes as stated in the header; the first VLR follows.
     std::uint16_t HeaderSize() const;

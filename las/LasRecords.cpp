@@ -92,7 +92,10 @@ class EvlrReader {
             ThrowDataError();
         }
         const std::uint64_t length = std::min(entry.RecordLength(), BytesFrom(position));
-        const bool isCopied = length == 0 || (!mapData_ && length <= kLargestCopy - copied_);
+        if (!mapData_ && length > kMostRecordData - copied_) {
+            return;
+        }
+        const bool isCopied = length == 0 || !mapData_;
         FileBytes data;
         const SystemError error = isCopied ? data.Copy(file_, position, static_cast<std::size_t>(length))
                                            : data.Map(file_, position, length, false);
@@ -119,6 +122,106 @@ class EvlrReader {
     std::uint64_t copied_ = 0;  // bytes of data in private memory
 };
 
+/// Calls `visit` with the offset of each VLR; it returns the stated length of the record's data. Ends early
+/// where it returns nullopt.
+template <typename Visit>
+void WalkVlrs(const LasHeader& header, std::uint64_t end, Visit visit) {
+    if (header.HeaderSize() < las::kLegacyHeaderSize) {
+        return;
+    }
+    std::uint64_t start = header.HeaderSize();
+    for (std::size_t left = std::min<std::size_t>(header.VlrCount(), kMostRecords);
+         left > 0 && start <= end && end - start >= VlrView::kHeaderSize; --left) {
+        const std::optional<std::uint64_t> length = visit(start);
+        if (!length) {
+            return;
+        }
+        start += VlrView::kHeaderSize + *length;
+    }
+}
+
+std::uint64_t DataLength(std::span<const std::byte> vlr) {
+    return ByteReader(vlr).Read<std::uint16_t>(at::kLength);
+}
+
+/// Reads VLRs one by one through a window, and keeps of each what a list needs.
+class VlrReader {
+  public:
+    explicit VlrReader(const MappedFile& file) : file_(file) {}
+
+    SystemError Read(const LasHeader& header, VlrList& list) {
+        std::uint64_t end = 0;
+        if (const SystemError error = file_.Size(end)) {
+            return error;
+        }
+        end = std::min<std::uint64_t>(end, header.OffsetToPoints());
+        WalkVlrs(header, end, [&](std::uint64_t start) { return Keep(start, end); });
+        // The views are made once the bytes stay where they are.
+        kept_.shrink_to_fit();
+        list.bytes = FileBytes(std::move(kept_));
+        list.records.reserve(places_.size());
+        for (const Place& place : places_) {
+            list.records.emplace_back(list.bytes.Bytes().subspan(place.keptAt, place.length),
+                                      place.fileOffset, place.isTruncated);
+        }
+        return error_;
+    }
+
+  private:
+    struct Place {
+        std::size_t keptAt;
+        std::size_t length;
+        std::uint64_t fileOffset;
+        bool isTruncated;
+    };
+
+    /// The length of the data of the record at `start`; nullopt if the file ends before.
+    std::optional<std::uint64_t> Keep(std::uint64_t start, std::uint64_t end) {
+        const std::span<const std::byte> header = Window(start, VlrView::kHeaderSize);
+        if (header.size() < VlrView::kHeaderSize) {
+            return std::nullopt;
+        }
+        const std::uint64_t length = DataLength(header);
+        const std::uint64_t present = std::min(length, end - start - VlrView::kHeaderSize);
+        const bool isKept = IsOfUse(VlrView(header, start, true)) && present <= kMostRecordData - data_;
+        const std::span<const std::byte> record =
+            isKept ? Window(start, VlrView::kHeaderSize + present) : header;
+        if (record.size() < VlrView::kHeaderSize) {
+            return std::nullopt;
+        }
+        places_.push_back({kept_.size(), record.size(), start, present < length});
+        kept_.insert(kept_.end(), record.begin(), record.end());
+        data_ += record.size() - VlrView::kHeaderSize;
+        return length;
+    }
+
+    static bool IsOfUse(const VlrView& vlr) {
+        return vlr.RecordLength() <= kLongestDump || vlr.UserId() == las::kProjectionUserId ||
+               vlr.RecordId() == las::kExtraBytesRecordId;
+    }
+
+    /// The bytes from an offset; fewer at the end of the file or on an error. Valid until the next call.
+    std::span<const std::byte> Window(std::uint64_t offset, std::uint64_t length) {
+        if (offset < windowStart_ || offset + length > windowStart_ + window_.size()) {
+            constexpr std::uint64_t kWindow = 8192;
+            window_.resize(std::max(kWindow, length));
+            windowStart_ = offset;
+            std::size_t read = 0;
+            error_ = file_.ReadAt(offset, window_, read);
+            window_.resize(error_ == 0 ? read : 0);
+        }
+        return ByteReader(window_).Bytes(offset - windowStart_, length);
+    }
+
+    const MappedFile& file_;
+    SystemError error_ = 0;
+    std::uint64_t windowStart_ = 0;
+    std::vector<std::byte> window_;
+    std::vector<std::byte> kept_;
+    std::uint64_t data_ = 0;  // bytes of data in kept_
+    std::vector<Place> places_;
+};
+
 std::uint8_t SizeOf(std::uint8_t dataType, std::uint8_t options) {
     if (dataType >= kDataTypeSizes.size()) {
         throw LDataError(FormatText(L"GetExtraByteOffsets: '%i' is not a valid extra bytes data_type value.",
@@ -130,8 +233,11 @@ std::uint8_t SizeOf(std::uint8_t dataType, std::uint8_t options) {
 }  // namespace
 
 SystemError FileBytes::Copy(const MappedFile& file, std::uint64_t offset, std::size_t length) {
-    copy_ = std::make_unique_for_overwrite<std::byte[]>(length);
-    return length == 0 ? 0 : file.ReadAt(offset, {copy_.get(), length}, copyLength_);
+    copy_.resize(length);
+    std::size_t read = 0;
+    const SystemError error = length == 0 ? 0 : file.ReadAt(offset, copy_, read);
+    copy_.resize(read);
+    return error;
 }
 
 SystemError FileBytes::Map(const MappedFile& file, std::uint64_t offset, std::uint64_t length,
@@ -140,12 +246,11 @@ SystemError FileBytes::Map(const MappedFile& file, std::uint64_t offset, std::ui
 }
 
 std::span<const std::byte> FileBytes::Bytes() const {
-    return view_ ? std::span<const std::byte>(view_.Bytes())
-                 : std::span<const std::byte>(copy_.get(), copyLength_);
+    return view_ ? std::span<const std::byte>(view_.Bytes()) : std::span<const std::byte>(copy_);
 }
 
-VlrView::VlrView(std::span<const std::byte> record, std::uint64_t fileOffset)
-    : record_(record), fileOffset_(fileOffset) {
+VlrView::VlrView(std::span<const std::byte> record, std::uint64_t fileOffset, bool isTruncated)
+    : record_(record), fileOffset_(fileOffset), isTruncated_(isTruncated) {
     record_ = ByteReader(record).Bytes(0, kHeaderSize + RecordLength());
 }
 
@@ -201,20 +306,21 @@ bool EvlrEntry::Is(std::string_view userId, std::uint16_t recordId) const {
     return RecordId() == recordId && UserId() == userId;
 }
 
-std::vector<VlrView> WalkVlrs(std::span<const std::byte> area, const LasHeader& header) {
-    std::vector<VlrView> records;
-    if (header.HeaderSize() < las::kLegacyHeaderSize) {
-        return records;
-    }
-    const std::size_t most = std::min<std::size_t>(header.VlrCount(), kMostRecords);
-    const ByteReader reader(area);
-    std::uint64_t start = header.HeaderSize();
-    while (records.size() < most && reader.Contains(start, VlrView::kHeaderSize)) {
-        records.emplace_back(reader.Bytes(start, area.size()), start);
-        start += VlrView::kHeaderSize + records.back().RecordLength();
-    }
-    records.shrink_to_fit();
-    return records;
+SystemError ReadVlrs(const MappedFile& file, const LasHeader& header, VlrList& list) {
+    return VlrReader(file).Read(header, list);
+}
+
+VlrList ListVlrs(FileBytes area, const LasHeader& header) {
+    VlrList list{std::move(area), {}};
+    const std::span<const std::byte> bytes = list.bytes.Bytes();
+    WalkVlrs(header, bytes.size(), [&](std::uint64_t start) {
+        const std::span<const std::byte> record = bytes.subspan(start);
+        const std::uint64_t length = DataLength(record);
+        list.records.emplace_back(record, start, length > record.size() - VlrView::kHeaderSize);
+        return length;
+    });
+    list.records.shrink_to_fit();
+    return list;
 }
 
 std::vector<EvlrEntry> ReadEvlrs(const MappedFile& file, std::uint64_t start, std::uint32_t count,
@@ -233,16 +339,24 @@ std::vector<EvlrEntry> ReadEvlrs(const MappedFile& file, std::uint64_t start, st
 
 void ExtraBytes::Add(std::span<const std::byte> descriptors, std::size_t mostAttributes) {
     const ByteReader reader(descriptors);
-    const std::size_t count = std::min(descriptors.size() / kDescriptorSize, mostAttributes);
+    const std::size_t count = std::min(
+        {descriptors.size() / kDescriptorSize, mostAttributes, kMostAttributes - attributes_.size()});
     std::uint64_t offset = 0;
     for (std::size_t i = 0; i < count; ++i) {
         const std::uint64_t start = i * kDescriptorSize;
         const auto dataType = reader.Read<std::uint8_t>(start + kDataTypeAt);
         const std::uint8_t size = SizeOf(dataType, reader.Read<std::uint8_t>(start + kOptionsAt));
-        attributes_.push_back(
-            {FromUtf8(reader.FixedText(start + kNameAt, kNameLength)), offset, size, dataType});
+        attributes_.push_back({FromUtf8(reader.FixedText(start + kNameAt, kNameLength)), offset,
+                               pointEnd_ + offset, size, dataType});
         offset += size;
     }
+    pointEnd_ += offset;
+}
+
+bool ExtraBytes::IsSpread() const {
+    return std::ranges::any_of(attributes_, [](const ExtraBytesAttribute& attribute) {
+        return attribute.offset != attribute.pointOffset;
+    });
 }
 
 const ExtraBytesAttribute* ExtraBytes::Find(const std::wstring& name) const {

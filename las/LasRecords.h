@@ -18,34 +18,40 @@ namespace orvex {
 
 /// Most records of one kind that are listed. Files have a handful; a file of zeros would otherwise turn into
 /// as many empty records as its size allows.
-inline constexpr std::size_t kMostRecords = 1U << 18U;
-/// Most bytes of one file that are copied into private memory; larger areas are mapped.
-inline constexpr std::uint64_t kLargestCopy = std::uint64_t{64} << 20U;
+inline constexpr std::size_t kMostRecords = 1U << 16U;
+/// Most bytes of record data of one kind (VLRs, EVLRs) that a file opened read-only keeps. A list holds
+/// thousands of files, and a CRS takes a few thousand bytes.
+inline constexpr std::uint64_t kMostRecordData = std::uint64_t{1} << 20U;
+/// Most bytes of a record's data that are shown byte by byte.
+inline constexpr std::uint64_t kLongestDump = 256;
 
 /// Part of a file in memory, as a private copy or a mapped view. Move-only; the file may be closed.
 class FileBytes {
   public:
+    FileBytes() = default;
+    explicit FileBytes(std::vector<std::byte> copy) : copy_(std::move(copy)) {}
+
     /// Copies up to `length` bytes; fewer if the file ends before.
     SystemError Copy(const MappedFile& file, std::uint64_t offset, std::size_t length);
     /// Maps bytes that lie inside the file.
     SystemError Map(const MappedFile& file, std::uint64_t offset, std::uint64_t length, bool writable);
 
+    /// Stay where they are when the object is moved.
     std::span<const std::byte> Bytes() const;
-    bool IsMapped() const { return static_cast<bool>(view_); }
 
   private:
-    std::unique_ptr<std::byte[]> copy_;
-    std::size_t copyLength_ = 0;
+    std::vector<std::byte> copy_;
     MappedView view_;
 };
 
-/// View of a VLR inside the VLR area, which outlives it.
+/// View of a VLR inside the bytes of a VlrList.
 class VlrView {
   public:
     static constexpr std::size_t kHeaderSize = las::kVlrHeaderSize;
 
-    /// `record` starts with a whole record header; missing data is missing from Data().
-    VlrView(std::span<const std::byte> record, std::uint64_t fileOffset);
+    /// `record` starts with a whole record header; missing data is missing from Data(). `isTruncated`: the
+    /// data runs past the end of the VLR area.
+    VlrView(std::span<const std::byte> record, std::uint64_t fileOffset, bool isTruncated);
 
     std::uint16_t Reserved() const;
     std::string UserId() const;
@@ -54,9 +60,11 @@ class VlrView {
     std::uint64_t RecordLength() const;
     std::string Description() const;
 
-    /// Data, truncated at the end of the VLR area.
+    /// Data, truncated at the end of the VLR area; empty if it was skipped.
     std::span<const std::byte> Data() const { return record_.subspan(kHeaderSize); }
-    bool IsTruncated() const { return Data().size() < RecordLength(); }
+    /// False if the data was skipped.
+    bool HasData() const { return isTruncated_ || Data().size() == RecordLength(); }
+    bool IsTruncated() const { return isTruncated_; }
     bool Is(std::string_view userId, std::uint16_t recordId) const;
     /// Offset of the record header in the file.
     std::uint64_t FileOffset() const { return fileOffset_; }
@@ -64,6 +72,13 @@ class VlrView {
   private:
     std::span<const std::byte> record_;
     std::uint64_t fileOffset_ = 0;
+    bool isTruncated_ = false;
+};
+
+/// The VLRs of a file and the bytes that they view.
+struct VlrList {
+    FileBytes bytes;
+    std::vector<VlrView> records;
 };
 
 /// An EVLR: its header, and its data if that was read. Move-only.
@@ -101,23 +116,26 @@ class EvlrEntry {
     std::optional<FileBytes> data_;
 };
 
-/// Lists the VLRs of an area that holds a file from its first byte up to its points. Ends after the number of
-/// records stated in the header, at a record header that would not fit, or at kMostRecords. Empty if the
-/// stated header size is below that of the smallest header.
-std::vector<VlrView> WalkVlrs(std::span<const std::byte> area, const LasHeader& header);
+/// Reads the VLRs between the header and the points. Ends after the number of records stated in the header,
+/// at a record header that would not fit, or at kMostRecords. Empty if the stated header size is below that
+/// of the smallest header. Keeps the data of short records and of those that the reader decodes (CRS, extra
+/// bytes), up to kMostRecordData.
+SystemError ReadVlrs(const MappedFile& file, const LasHeader& header, VlrList& list);
+/// The same for an area in memory that holds the file from its first byte up to its points; all data is kept.
+VlrList ListVlrs(FileBytes area, const LasHeader& header);
 
 /// Reads up to kMostRecords EVLRs from an offset; none if `start` or `count` is 0. Only the data of
 /// "LASF_Projection" and "Kst" records is kept. With `mapData` it is mapped and truncated at the end of the
-/// file; otherwise it is copied (mapped if large) and a truncated record is an error. Throws LDataError if a
-/// record cannot be read, also if `count` leads past the end of the file.
+/// file; otherwise up to kMostRecordData of it is copied and a truncated record is an error. Throws
+/// LDataError if a record cannot be read, also if `count` leads past the end of the file.
 std::vector<EvlrEntry> ReadEvlrs(const MappedFile& file, std::uint64_t start, std::uint32_t count,
                                  bool mapData);
 
-/// One extra bytes attribute. Offset and size are bytes; the offset counts from the first extra byte of a
-/// point record.
+/// One extra bytes attribute. Offsets and size are bytes.
 struct ExtraBytesAttribute {
     std::wstring name;
-    std::uint64_t offset = 0;
+    std::uint64_t offset = 0;       ///< from the first attribute of its record
+    std::uint64_t pointOffset = 0;  ///< from the first extra byte of a point record
     std::uint8_t size = 0;
     std::uint8_t dataType = 0;
 };
@@ -131,16 +149,21 @@ class ExtraBytes {
     /// No point record has room for more attributes.
     static constexpr std::size_t kMostAttributes = 65535;
 
-    /// Adds the attributes of a record's data, the first at offset 0; at most `mostAttributes`. A partial
-    /// descriptor at the end is ignored. Throws LDataError for data types above 10.
+    /// Adds the attributes of a record's data, the first at offset 0; at most `mostAttributes`, and no more
+    /// than kMostAttributes in all. A partial descriptor at the end is ignored. Throws LDataError for data
+    /// types above 10.
     void Add(std::span<const std::byte> descriptors, std::size_t mostAttributes = kMostAttributes);
 
     const std::vector<ExtraBytesAttribute>& Attributes() const { return attributes_; }
+    /// True if the attributes come from several records, so that an offset in a record is not that in a
+    /// point.
+    bool IsSpread() const;
     /// First attribute of a name; null if there is none.
     const ExtraBytesAttribute* Find(const std::wstring& name) const;
 
   private:
     std::vector<ExtraBytesAttribute> attributes_;
+    std::uint64_t pointEnd_ = 0;  // of the attributes in a point record
 };
 
 }  // namespace orvex

@@ -1,9 +1,10 @@
 #include "las/LasRow.h"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
-#include "las/LasCrs.h"
+#include "orvexcommon/OrvexUtilities.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
@@ -18,19 +19,44 @@ std::int64_t ModifiedMs(const std::wstring& path) {
     return time ? std::chrono::floor<std::chrono::milliseconds>(*time).time_since_epoch().count() : 0;
 }
 
+bool Has(const LasRow& row, LasFindingCode code) {
+    return std::ranges::find(row.findings, code, &LasFinding::code) != row.findings.end();
+}
+
+std::wstring CrsProblemText(const LasCrs& crs) {
+    switch (crs.source) {
+        case LasCrsSource::Wkt:
+            return crs.problem + L" " + Text(text::kCrsFromWktInstead);
+        case LasCrsSource::GeoKeys:
+            return crs.problem + L" " + Text(text::kCrsFromKeysInstead);
+        default:
+            return Text(text::kCrsUnreadable) + L" " + crs.problem;
+    }
+}
+
 void DescribeFileCrs(LasRow& row) {
     const LASFile& file = *row.file;
     if (!file.HasProjectionRecords()) {
         return;
     }
     const LasCrs crs = ReadLasCrs(file);
-    row.crs = DescribeCrs(crs.wkt);
-    if (crs.isDamaged || (!crs.wkt.empty() && row.crs->name.empty())) {
+    row.crs = DescribeCrs(crs.wkt.empty() ? crs.unreadableWkt : crs.wkt);
+    row.crsSource = crs.source;
+    if (!crs.problem.empty()) {
         row.findings.push_back({LasFindingCode::CrsUnreadable, FindingSeverity::Warning, las::at::kVlrCount,
-                                Text(text::kCrsUnreadable)});
-    } else if (crs.wkt.empty()) {
+                                CrsProblemText(crs)});
+    } else if (crs.wkt.empty() && !Has(row, LasFindingCode::RecordTooLarge)) {
         row.findings.push_back(
             {LasFindingCode::NoCrs, FindingSeverity::Note, las::at::kVlrCount, Text(text::kFileWithoutCrs)});
+    }
+}
+
+// What decompression would trip over. It starts from the header, so that this has to be sound.
+void CheckCompression(LasRow& row) {
+    std::wstring reason;
+    if (row.file->Header().IsCompressed() && !HasErrors(row) && !OrvexUtilities::LAZCheck(row.path, reason)) {
+        row.findings.push_back({LasFindingCode::CompressionDamaged, FindingSeverity::Error,
+                                row.file->Header().OffsetToPoints(), std::move(reason)});
     }
 }
 
@@ -54,6 +80,7 @@ void Inspect(LasRow& row) {
     }
     row.fileSize = row.file->FileSize();
     row.findings = ValidateLas(*row.file);
+    CheckCompression(row);
     DescribeFileCrs(row);
     SortFindings(row.findings);
     const bool isOdd = !row.findings.empty() && row.findings.front().severity > FindingSeverity::Note;
@@ -91,9 +118,22 @@ LoadFlag LoadFlagOf(const LasRow& row) {
     return LoadFlagFor(row.file != nullptr, row.findings);
 }
 
+bool HasErrors(const LasRow& row) {
+    return std::ranges::any_of(
+        row.findings, [](const LasFinding& finding) { return finding.severity == FindingSeverity::Error; });
+}
+
+std::wstring LoadConditionText() {
+    return FormatText(Text(text::kLasLoadedOnlyIfChecked), {Text(text::kLoadCorruptFiles)});
+}
+
 std::wstring FindingsText(const LasRow& row) {
     const bool isFailure = row.findings.empty() && row.file == nullptr;
-    return isFailure ? row.summary : FindingLines(row.findings);
+    if (isFailure) {
+        return row.summary;
+    }
+    const bool isConditional = row.file != nullptr && HasErrors(row);
+    return FindingLines(row.findings) + (isConditional ? L"\n" + LoadConditionText() : L"");
 }
 
 }  // namespace orvex

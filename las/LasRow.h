@@ -7,6 +7,7 @@
 #include "crs/CrsDescription.h"
 #include "crs/LayerAssignment.h"
 #include "las/LASFile.h"
+#include "las/LasCrs.h"
 #include "las/LasValidate.h"
 #include "support/Finding.h"
 
@@ -20,10 +21,11 @@ struct LasRow {
     std::wstring summary;  ///< one line: the reason when not loadable, else the worst finding or "OK"
     std::vector<LasFinding> findings;  ///< everything that is odd about the file, worst first
     std::unique_ptr<LASFile> file;     ///< null when not loadable, and once it belongs to the host
-    CrsPtr crs;                        ///< never null
-    std::uint64_t fileSize = 0;        ///< bytes; 0 when unknown
-    std::int64_t modifiedMs = 0;       ///< milliseconds since 1970-01-01 UTC; 0 when unknown
-    LayerPlace place;                  ///< among the layers of the project; set by the page
+    CrsPtr crs;  ///< never null; of the WKT that cannot be read, if there is nothing else
+    LasCrsSource crsSource = LasCrsSource::None;
+    std::uint64_t fileSize = 0;   ///< bytes; 0 when unknown
+    std::int64_t modifiedMs = 0;  ///< milliseconds since 1970-01-01 UTC; 0 when unknown
+    LayerPlace place;             ///< among the layers of the project; set by the page
 };
 
 /// Opens and reads one file; never throws. Safe from any thread; nothing is written.
@@ -34,7 +36,14 @@ LasRow UnreadLasFile(const std::wstring& path, const std::wstring& message);
 
 LoadFlag LoadFlagOf(const LasRow& row);
 
-/// All findings, one a line; the reason for a file that is not loadable, empty when all is well.
+/// True if a finding says that the file is damaged, so that its points cannot all be read.
+bool HasErrors(const LasRow& row);
+
+/// A sentence saying when a file with errors is loaded.
+std::wstring LoadConditionText();
+
+/// All findings, one a line; the reason for a file that is not loadable, empty when all is well. Says when a
+/// file with errors is loaded.
 std::wstring FindingsText(const LasRow& row);
 
 }  // namespace orvex

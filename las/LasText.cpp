@@ -16,7 +16,6 @@ constexpr std::array<std::wstring_view, 5> kCaptions{L"Reserved", L"User ID", L"
                                                      L"Record Length After Header", L"Description"};
 constexpr std::size_t kCaptionWidth = std::ranges::max(kCaptions, {}, &std::wstring_view::size).size();
 
-constexpr std::uint64_t kLongestDump = 256;
 constexpr std::size_t kBytesPerLine = 8;
 constexpr std::size_t kMostLines = 50;
 

@@ -43,6 +43,7 @@ class Validator {
                 {file_.FileName()});
         }
         CheckVersion();
+        CheckCreationDate();
         CheckLayout();
         CheckPointFormat();
         CheckScale();
@@ -72,6 +73,13 @@ class Validator {
         } else if (file_.GetVersionCode() == las::kLas20) {
             Add(LasFindingCode::UnknownVersion, FindingSeverity::Warning, at::kVersionMajor,
                 text::kLasVersion20, {});
+        }
+    }
+
+    void CheckCreationDate() {
+        if (header_.IsCreationDateImpossible()) {
+            Add(LasFindingCode::DateImpossible, FindingSeverity::Note, at::kCreationDay,
+                text::kLasDateImpossible, {header_.CreationDay(), header_.CreationYear()});
         }
     }
 
@@ -197,7 +205,15 @@ class Validator {
         const auto& vlrs = file_.GetVLRs();
         if (vlrs.size() < header_.VlrCount()) {
             Add(LasFindingCode::VlrCountTooHigh, FindingSeverity::Warning, at::kVlrCount,
-                text::kLasVlrCountMismatch, {header_.VlrCount(), vlrs.size()});
+                vlrs.size() == kMostRecords ? text::kLasVlrsNotListed : text::kLasVlrCountMismatch,
+                {header_.VlrCount(), vlrs.size()});
+        }
+        AddTooLarge(vlrs, [](const VlrView& vlr) {
+            return vlr.UserId() == las::kProjectionUserId || vlr.RecordId() == las::kExtraBytesRecordId;
+        });
+        if (file_.GetExtraBytes().IsSpread()) {
+            Add(LasFindingCode::ExtraBytesSpread, FindingSeverity::Warning, at::kVlrCount,
+                text::kLasExtraBytesSpread, {});
         }
         if (!vlrs.empty() && vlrs.back().IsTruncated()) {
             AddTruncated(LasFindingCode::VlrTruncated, text::kLasVlrOverrun, vlrs);
@@ -208,10 +224,25 @@ class Validator {
         const auto& evlrs = file_.GetEVLRs();
         if (file_.GetVersionCode() == las::kLas14 && evlrs.size() < header_.EvlrCount()) {
             Add(LasFindingCode::EvlrCountTooHigh, FindingSeverity::Warning, at::kEvlrCount,
-                text::kLasEvlrCountMismatch, {header_.EvlrCount(), evlrs.size()});
+                evlrs.size() == kMostRecords ? text::kLasEvlrsNotListed : text::kLasEvlrCountMismatch,
+                {header_.EvlrCount(), evlrs.size()});
         }
+        AddTooLarge(evlrs, [](const EvlrEntry& evlr) { return evlr.UserId() == las::kProjectionUserId; });
         if (!evlrs.empty() && evlrs.back().IsTruncated()) {
             AddTruncated(LasFindingCode::EvlrTruncated, text::kLasEvlrOverrun, evlrs);
+        }
+    }
+
+    // The first one stands for all.
+    template <typename Records, typename Decoded>
+    void AddTooLarge(const Records& records, Decoded isDecoded) {
+        const auto found = std::ranges::find_if(
+            records, [&](const auto& record) { return !record.HasData() && isDecoded(record); });
+        if (found != records.end()) {
+            Add(LasFindingCode::RecordTooLarge, FindingSeverity::Warning, found->FileOffset(),
+                text::kLasRecordTooLarge,
+                {FromUtf8(found->UserId()), found->RecordId(),
+                 static_cast<double>(found->RecordLength()) * 1e-6});
         }
     }
 

@@ -32,6 +32,10 @@ enum class LasFindingCode {
     NoCrs,
     CrsUnreadable,
     SignatureMissing,
+    RecordTooLarge,
+    CompressionDamaged,
+    ExtraBytesSpread,
+    DateImpossible,
 };
 
 /// One defect or oddity of a file.

@@ -7,8 +7,8 @@
 namespace orvex {
 
 /// Exports a CRS in one of GDAL's formats ("WKT1_GDAL", "WKT2_2019", ...); empty if the format cannot express
-/// it. The format is explicit because its default is an option of the whole process. Call it inside a
-/// GdalErrorScope.
+/// it. The format is explicit because its default is an option of the whole process. Datum ensembles are
+/// written as datums. Call it inside a GdalErrorScope.
 std::string ExportWkt(const OGRSpatialReference& crs, const char* format, bool multiLine = false);
 
 /// Puts `folder` in front of the folders where PROJ looks for its database and grids, for the whole process.

@@ -6,19 +6,22 @@
 
 #include <atomic>
 #include <future>
+#include <regex>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <tuple>
 #include <vector>
 
-#include "crs/CrsCache.h"
+#include "crs/TextCache.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Text.h"
 
 namespace orvex {
 namespace {
 
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 std::string Wkt(int code) {
@@ -43,6 +46,7 @@ TEST(CrsDescription, Table) {
         const wchar_t* vertical;
         const char* prettyStart;
     };
+    CPLSetConfigOption("OSR_WKT_FORMAT", "the host's own");
     ::testing::internal::CaptureStderr();
     for (const Case& row : {
              Case{"", L"", false, L"", L"", 0, L"", ""},
@@ -79,46 +83,89 @@ TEST(CrsDescription, Table) {
              end = pretty.find('\n', end + 1)) {
             EXPECT_EQ(pretty[end - 1], '\r') << start;
         }
+        EXPECT_EQ(crs->identity.Known() != nullptr, row.epsg != 0 || row.name[0] == L'\0') << start;
+        EXPECT_EQ(crs->problem.empty(), row.wkt.empty() || row.name[0] != L'\0') << start;
         EXPECT_EQ(DescribeCrs(row.wkt), crs) << "from the cache: " << start;
     }
-    EXPECT_STREQ(CPLGetConfigOption("OSR_WKT_FORMAT", "unset"), "WKT1") << "it stays set";
+    EXPECT_STREQ(CPLGetConfigOption("OSR_WKT_FORMAT", "unset"), "the host's own");
+    CPLSetConfigOption("OSR_WKT_FORMAT", nullptr);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
 
-using ::testing::ElementsAre;
-
-CrsPtr Described(const std::string& wkt) {
-    auto description = std::make_shared<CrsDescription>();
-    description->sourceWkt = wkt;
-    return description;
+// A datum with several realizations comes as one datum or as an ensemble, depending on what PROJ has read
+// before.
+TEST(CrsDescription, WritesADatumTheSameWhicheverWayItComes) {
+    const auto wgs84 = [](const std::string& datum) {
+        return "GEOGCRS[\"Lidar \"\"MEMBER[\",\n" + datum +
+               R"(,PRIMEM["Greenwich",0],CS[ellipsoidal,3],AXIS["lat",north,ANGLEUNIT["degree",0.0174532925199433]],)"
+               R"(AXIS["lon",east,ANGLEUNIT["degree",0.0174532925199433]],AXIS["h",up,LENGTHUNIT["metre",1]]])";
+    };
+    const std::string ellipsoid = R"(ELLIPSOID["WGS 84",6378137,298.257223563])";
+    const CrsPtr datum = DescribeCrs(wgs84(R"(DATUM["World Geodetic System 1984",)" + ellipsoid + "]"));
+    const CrsPtr ensemble = DescribeCrs(wgs84(R"wkt(ENSEMBLE["World Geodetic System 1984 ensemble",)wkt"
+                                              R"wkt(MEMBER["World Geodetic System 1984 (G730)"],)wkt"
+                                              R"wkt(MEMBER["World Geodetic System 1984 (G2139)"],)wkt" +
+                                              ellipsoid + ",ENSEMBLEACCURACY[2.0]]"));
+    EXPECT_EQ(datum->name, L"Lidar \"MEMBER[");
+    EXPECT_THAT(ToUtf8(datum->prettyWkt),
+                HasSubstr("DATUM[\"World Geodetic System 1984\",\r\n        ELLIPSOID["));
+    EXPECT_EQ(datum->prettyWkt, ensemble->prettyWkt);
+    EXPECT_EQ(datum->Identify().group, ensemble->Identify().group);
 }
 
-TEST(CrsCache, KeepsTheLatestUsedAndNoFailure) {
-    std::vector<std::string> described;
-    CrsCache cache(3, [&](const std::string& wkt) {
-        described.push_back(wkt);
-        return described.size() == 1 ? throw std::runtime_error("no memory") : Described(wkt);
+/// A CRS of the EPSG database in the text of a maker that leaves the codes out.
+TEST(CrsDescription, FindsTheCodeThatATextLeavesOut) {
+    const CrsPtr crs =
+        DescribeCrs(std::regex_replace(Wkt(25832), std::regex(R"(,\s*AUTHORITY\["EPSG","\d+"\])"), ""));
+    EXPECT_EQ(crs->Epsg(), 0);
+    EXPECT_EQ(crs->identity.Known(), nullptr) << "searching takes long";
+    EXPECT_EQ(crs->Identify().epsg, 25832);
+    EXPECT_EQ(crs->Epsg(), 25832);
+    EXPECT_EQ(crs->Identify().group, DescribeCrs(Wkt(25832))->Identify().group);
+}
+
+TEST(TextCache, KeepsTheLatestUsedAndNoFailure) {
+    std::vector<std::string> made;
+    TextCache<std::string> cache(3, 1000, [&](const std::string& text) {
+        made.push_back(text);
+        return made.size() == 1 ? throw std::runtime_error("no memory") : text + "!";
     });
     EXPECT_THROW(cache.Get("a"), std::runtime_error);
-    const CrsPtr a = cache.Get("a");
+    EXPECT_EQ(cache.Get("a"), "a!");
     cache.Get("b");
     cache.Get("c");
-    EXPECT_EQ(cache.Get("a"), a);
+    cache.Get("a");
     cache.Get("d");  // drops b, the one not used for longest
-    EXPECT_EQ(cache.Get("a"), a);
+    cache.Get("a");
     cache.Get("c");
-    EXPECT_EQ(cache.Get("b")->sourceWkt, "b");
-    EXPECT_THAT(described, ElementsAre("a", "a", "b", "c", "d", "b"));
+    EXPECT_EQ(cache.Get("b"), "b!");
+    EXPECT_THAT(made, ElementsAre("a", "a", "b", "c", "d", "b"));
 }
 
-TEST(CrsCache, ThreadsThatAskAtOnceGetOneDescription) {
+TEST(TextCache, KeepsNoMoreBytesOfTextThanItMay) {
+    int made = 0;
+    TextCache<int> cache(100, 10, [&](const std::string&) { return ++made; });
+    const std::string four(4, 'a');
+    const std::string five(5, 'b');
+    const std::string eleven(11, 'c');
+    EXPECT_EQ(cache.Get(four), 1);
+    EXPECT_EQ(cache.Get(five), 2);
+    EXPECT_EQ(cache.Get(eleven), 3);
+    EXPECT_EQ(cache.Get(eleven), 4) << "too long to keep";
+    EXPECT_EQ(cache.Get(four), 1) << "and drops nothing";
+    EXPECT_EQ(cache.Get("two"), 5);
+    EXPECT_EQ(cache.Get(four), 1);
+    EXPECT_EQ(cache.Get(five), 6);
+}
+
+TEST(TextCache, ThreadsThatAskAtOnceGetOneValue) {
     std::atomic<int> running{0}, overlaps{0}, calls{0}, wrong{0};
-    CrsCache cache(100, [&](const std::string& wkt) {
+    TextCache<std::string> cache(100, 1000, [&](const std::string& text) {
         overlaps += running++ > 0 ? 1 : 0;
         ++calls;
         std::this_thread::yield();
         --running;
-        return Described(wkt);
+        return text;
     });
     constexpr int kThreads = 4;
     std::vector<std::future<void>> threads;
@@ -126,8 +173,8 @@ TEST(CrsCache, ThreadsThatAskAtOnceGetOneDescription) {
     for (int t = 0; t < kThreads; ++t) {
         threads.push_back(std::async(std::launch::async, [&] {
             for (int i = 0; i < 2000; ++i) {
-                const std::string wkt = std::to_string(i % 50);
-                wrong += cache.Get(wkt)->sourceWkt == wkt ? 0 : 1;
+                const std::string text = std::to_string(i % 50);
+                wrong += cache.Get(text) == text ? 0 : 1;
             }
         }));
     }

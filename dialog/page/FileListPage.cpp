@@ -9,6 +9,7 @@
 
 #include "dialog/DialogProgress.h"
 #include "dialog/grid/GridView.h"
+#include "dialog/page/BackgroundRun.h"
 #include "support/DataKinds.h"
 #include "support/Files.h"
 #include "support/HandlerGuard.h"
@@ -127,11 +128,28 @@ void FileListPage::AddFiles(std::vector<std::wstring> paths) {
         FilesAdded(wasEmpty);
         throw;
     }
+    DoLateWork();
     FilesAdded(wasEmpty);
     if (!summary.abandonedPath.empty()) {
         ShowMessage(Text(text::kLasFileNotAnswering) + L"\n\n" + summary.abandonedPath,
                     description_.pickCaption, PromptIcon::Warning);
     }
+}
+
+void FileListPage::DoLateWork() {
+    const std::vector<std::function<void()>> work = LateWork();
+    if (work.empty()) {
+        return;
+    }
+    Progress().SetText(Text(text::kIdentifyingCrs));
+    Progress().SetRange(0);
+    RunInBackground(
+        [work](const std::stop_token& stop) {
+            for (auto step = work.begin(); step != work.end() && !stop.stop_requested(); ++step) {
+                (*step)();
+            }
+        },
+        Progress(), [] { return PollResult::GoOn; });
 }
 
 void FileListPage::FilesAdded(bool wasEmpty) {
@@ -148,7 +166,9 @@ void FileListPage::FilesAdded(bool wasEmpty) {
 
 void FileListPage::OnRefresh() {
     const DialogProgress::Run run(Progress());
-    if (RereadRows()) {
+    const bool isNew = RereadRows();
+    DoLateWork();
+    if (isNew) {
         FitColumns();  // what is new may need a wider column
     }
     Update();

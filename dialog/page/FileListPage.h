@@ -64,6 +64,10 @@ class FileListPage : public ListPage {
     /// something new to say. Within a run.
     virtual bool RereadRows() = 0;
     virtual std::size_t RowCount() const = 0;
+    /// What rows that are shown already still wait for: searches that would delay them. Called on a worker
+    /// thread, one after the other, when files have been read; Escape stops after the current one. Each must
+    /// own what it touches and be safe to call beside the page.
+    virtual std::vector<std::function<void()>> LateWork() const { return {}; }
 
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -75,6 +79,7 @@ class FileListPage : public ListPage {
     void AddFound(std::vector<std::wstring> paths, bool recursive);
     void AddFiles(std::vector<std::wstring> paths);
     void FilesAdded(bool wasEmpty);
+    void DoLateWork();
     void ShowPickFailure(const FixedText& text) const;
 
     const FileListPageDescription& description_;

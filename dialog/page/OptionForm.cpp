@@ -318,6 +318,11 @@ void OptionForm::Enable(bool busy) {
     for (const Control& control : controls_) {
         const bool usable = !busy && IsEnabled(control.row->enabled, values_.record);
         control.widget->setEnabled(usable);
+        if (control.radios != nullptr) {
+            for (const OptionChoice& choice : control.row->choices) {
+                control.radios->button(choice.value)->setEnabled(IsEnabled(choice.enabled, values_.record));
+            }
+        }
         if (control.caption != nullptr) {
             control.caption->setEnabled(usable);
         }

@@ -48,6 +48,8 @@ struct OptionChoice {
     FixedText caption = {};
     StringId tooltip = {};
     int id = 0;  ///< of its radio button
+    /// Of its radio button; null: usable whenever the option is.
+    bool (*enabled)(const AddFilesParams& chosen) = nullptr;
 };
 
 enum class OptionControl {

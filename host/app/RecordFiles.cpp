@@ -362,11 +362,16 @@ LidarReport CheckLidar(const Project& project, const AddFilesParams& record) {
             findings.damaged = true;
             continue;
         }
+        if (details->IsDamaged() && !record.lasLoadCorruptFiles) {
+            findings.leftOut.insert(path);
+            findings.skipped.insert(path);
+            continue;
+        }
         const std::string wkt = details->CrsWkt();
         findings.appending = findings.appending || record.existingLasLayers.contains(layer);
         findings.crsMissing = findings.crsMissing || wkt.empty();
         findings.crsDiffers = findings.crsDiffers || !groups.Fits(layer, wkt);
-        findings.damaged = findings.damaged || !HasExtent(*details);
+        findings.damaged = findings.damaged || details->IsDamaged() || !HasExtent(*details);
     }
     return findings;
 }

@@ -31,11 +31,12 @@ struct LidarReport {
     bool appending = false;     ///< a: a file goes to a layer that the project already has
     bool crsDiffers = false;    ///< b: a file's CRS differs from its layer's, or from the rest of a new layer
     bool crsMissing = false;    ///< c: a file has no CRS
-    bool damaged = false;       ///< d: a file has no details, or its header no extent
+    bool damaged = false;       ///< d: a file has errors, no details, or no extent in its header
     bool tellSkipped = false;   ///< e: the user is to be told of skipped files
     bool alreadyThere = false;  ///< f: the project already has a file
     bool unreadable = false;    ///< g: a file can no longer be opened
-    std::set<std::wstring> skipped;  ///< full paths of the files of f and g
+    std::set<std::wstring> leftOut;  ///< full paths of files with errors that are not to be loaded
+    std::set<std::wstring> skipped;  ///< full paths of the files of f and g, and of those left out
 };
 
 /// Compares the record with the project and looks at each file.

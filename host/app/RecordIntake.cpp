@@ -13,6 +13,7 @@
 #include "orvexcommon/Exports.h"
 #include "orvexcommon/LasFileInfo.h"
 #include "support/DesktopQt.h"
+#include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/ProjectPath.h"
 
@@ -98,6 +99,7 @@ QString RecordIntake::StatusOf(const IntakeResult& result) const {
 
 AddedFiles RecordIntake::TakeLas(const AddFilesParams& record) {
     const LidarReport found = CheckLidar(project_, record);
+    TellLeftOut(found);
     bool stop = false;
     MessageRegardingAddingLidar(reinterpret_cast<HWND>(window_->winId()), Text(text::kHostName),
                                 found.appending, found.crsDiffers, found.crsMissing, found.damaged,
@@ -106,6 +108,15 @@ AddedFiles RecordIntake::TakeLas(const AddFilesParams& record) {
         return {};
     }
     return project_.Take(LayerKind::Las, LasFilesOf(record, found.skipped));
+}
+
+/// Names the files with errors that are not loaded.
+void RecordIntake::TellLeftOut(const LidarReport& found) {
+    std::vector<FileFailure> files;
+    for (const std::wstring& path : found.leftOut) {
+        files.push_back({path, path});
+    }
+    Tell(FormatText(Text(text::kDamagedLeftOut), {Text(text::kLoadCorruptFiles)}), files, text::kHostName);
 }
 
 /// Asks the user again before files are opened read-write, as they can then be changed.

@@ -11,6 +11,8 @@ class QWidget;
 
 namespace orvex {
 
+struct LidarReport;
+
 /// Outcome of adding a record's files to the project.
 struct IntakeResult {
     AddedFiles las;
@@ -34,6 +36,7 @@ class RecordIntake {
   private:
     AddedFiles TakeLas(const AddFilesParams& record);
     AddedFiles TakeRasters(const AddFilesParams& record);
+    void TellLeftOut(const LidarReport& found);
     QString StatusOf(const IntakeResult& result) const;
     bool MayAddLas(const AddFilesParams& record);
     void BuildPyramids(const std::vector<NewFile>& rasters);

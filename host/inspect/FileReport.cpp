@@ -27,6 +27,7 @@ void InspectLas(FileReport& report) {
     LasRow inspection = InspectLasFile(report.path);
     ReportCommon(inspection, report);
     if (inspection.file) {
+        inspection.crs->Identify();
         report.crs = inspection.crs;
         report.las = std::move(inspection);
     }

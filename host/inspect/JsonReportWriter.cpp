@@ -101,7 +101,7 @@ Json CrsJson(const CrsDescription& crs) {
         {"isGeographic", crs.isGeographic},
         {"linearUnits", JsonText(crs.linearUnits)},
         {"angularUnits", JsonText(crs.angularUnits)},
-        {"epsg", crs.epsg},
+        {"epsg", crs.Epsg()},
         {"prettyWkt", JsonText(crs.prettyWkt)},
     };
 }
@@ -122,7 +122,7 @@ Json ExtraBytesJson(const ExtraBytes& extraBytes) {
     return JsonList(extraBytes.Attributes(), [](const ExtraBytesAttribute& attribute) -> Json {
         return {
             {"name", JsonText(attribute.name)},
-            {"offset", attribute.offset},
+            {"offset", attribute.pointOffset},
             {"size", attribute.size},
         };
     });

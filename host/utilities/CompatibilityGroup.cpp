@@ -3,6 +3,7 @@
 
 #include <cctype>
 #include <charconv>
+#include <functional>
 #include <set>
 #include <string_view>
 
@@ -86,7 +87,23 @@ std::string NormalizedWkt(const OGRSpatialReference& crs, bool nameIsIdentity) {
     return text;
 }
 
-std::string HorizontalText(const OGRSpatialReference& crs);
+/// The code that a CRS without a vertical part has or can be given ("EPSG:25832"); empty when there is none.
+std::string CodeText(const OGRSpatialReference& crs) {
+    std::string code = AuthorityText(crs.GetAuthorityName(nullptr), crs.GetAuthorityCode(nullptr));
+    return code.empty() && (crs.IsGeographic() || crs.IsProjected()) ? FindCode(crs) : code;
+}
+
+/// The EPSG code in such a text; 0 when it is empty or another authority's.
+long EpsgCodeOf(std::string_view text) {
+    constexpr std::string_view kEpsg = "EPSG:";
+    long code = 0;
+    if (text.starts_with(kEpsg)) {
+        std::from_chars(text.data() + kEpsg.size(), text.data() + text.size(), code);
+    }
+    return code;
+}
+
+std::string HorizontalText(const OGRSpatialReference& crs, std::string identity);
 
 /// Method, parameters in an order of their own, and the geographic CRS below.
 std::string ProjectionText(const OGRSpatialReference& crs) {
@@ -107,17 +124,14 @@ std::string ProjectionText(const OGRSpatialReference& crs) {
     for (const std::string& parameter : parameters) {
         text += " " + parameter;
     }
-    return text + " on " + HorizontalText(GeographicPart(crs));
+    const OGRSpatialReference base = GeographicPart(crs);
+    return text + " on " + HorizontalText(base, CodeText(base));
 }
 
-/// A CRS without a vertical part: its code where it has one or can be given one, else its definition.
-std::string HorizontalText(const OGRSpatialReference& crs) {
+/// A CRS without a vertical part: its code, else its definition.
+std::string HorizontalText(const OGRSpatialReference& crs, std::string identity) {
     if (crs.IsEmpty()) {
         return "none";
-    }
-    std::string identity = AuthorityText(crs.GetAuthorityName(nullptr), crs.GetAuthorityCode(nullptr));
-    if (identity.empty() && (crs.IsGeographic() || crs.IsProjected())) {
-        identity = FindCode(crs);
     }
     if (identity.empty()) {
         identity = crs.IsProjected() ? ProjectionText(crs) : NormalizedWkt(crs, crs.IsLocal() != 0);
@@ -155,6 +169,12 @@ std::string VerticalText(const OGRSpatialReference& crs) {
 }  // namespace
 
 std::string OrvexUtilities::GetCompatibilityGroup(const std::string& wkt) {
+    long code = 0;
+    return GetCompatibilityGroup(wkt, code);
+}
+
+std::string OrvexUtilities::GetCompatibilityGroup(const std::string& wkt, long& code) {
+    code = 0;
     const std::string_view text(wkt.c_str());
     if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {
         return "no CRS";
@@ -162,12 +182,15 @@ std::string OrvexUtilities::GetCompatibilityGroup(const std::string& wkt) {
     const GdalErrorScope errors;
     OGRSpatialReference crs;
     if (!ImportWkt(wkt, crs)) {
-        // Files with the same unreadable text were made alike.
-        return "unreadable " + std::string(text);
+        // Files with the same unreadable text were made alike; the text may be long.
+        return "unreadable " + std::to_string(text.size()) + " " +
+               std::to_string(std::hash<std::string_view>()(text));
     }
     crs = WithCodedParts(crs);
     OGRSpatialReference horizontal = HorizontalPart(crs);
     // A shift to WGS 84 that one writer adds does not make another CRS.
     horizontal.StripTOWGS84IfKnownDatum();
-    return HorizontalText(horizontal) + ", vertical " + VerticalText(crs);
+    const std::string identity = CodeText(horizontal);
+    code = EpsgCodeOf(identity);
+    return HorizontalText(horizontal, identity) + ", vertical " + VerticalText(crs);
 }

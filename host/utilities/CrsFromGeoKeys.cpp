@@ -12,7 +12,7 @@
 #include "host/utilities/GeoKeys.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/GdalErrorScope.h"
-#include "support/LDataError.h"
+#include "support/LasFormat.h"
 #include "support/SpatialReference.h"
 #include "support/Text.h"
 
@@ -67,6 +67,17 @@ bool SaysNothing(const OGRSpatialReference& crs) {
            (vertical == nullptr || EpsgCode(crs, vertical->GetValue()) == 0);
 }
 
+/// True for keys that give a CRS by its code or as one of their own.
+bool NamesCrs(const GeoKeys& keys) {
+    for (std::size_t i = 4; i + 4 <= keys.directory.size(); i += 4) {
+        if (keys.directory[i] == las::geo_key::kGeographicType ||
+            keys.directory[i] == las::geo_key::kProjectedType) {
+            return true;
+        }
+    }
+    return false;
+}
+
 /// The WKT of the file's CRS; empty when it has none.
 std::string WktOfTiff(const std::string& path) {
     // GDAL leaves the vertical part out for this version of the keys unless told otherwise.
@@ -97,12 +108,11 @@ std::string OrvexUtilities::CrsWktFromGeoKeys(const std::string& directory, cons
         const MemoryFile file(tiff);
         wkt = WktOfTiff(file.Path());
     }
-    if (wkt.empty() && findings.empty()) {
-        findings = Text(text::kGeoKeysNameNoCrs);
+    if (wkt.empty() && findings.empty() && NamesCrs(keys)) {
+        findings = Text(text::kGeoKeysNameUnknownCrs);
     }
-    if (wkt.empty()) {
-        reason = ToUtf8(findings);
-        reason += (reason.empty() || errors.Messages().empty() ? "" : " ") + errors.Text();
+    if (wkt.empty() && !findings.empty()) {
+        reason = ToUtf8(findings) + (errors.Messages().empty() ? "" : " ") + errors.Text();
     }
     return wkt;
 }

@@ -2,8 +2,10 @@
 #include <chrono>
 #include <optional>
 
+#include "host/utilities/LazLayout.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Files.h"
+#include "support/LDataError.h"
 #include "support/Text.h"
 
 using namespace orvex;
@@ -68,4 +70,14 @@ bool OrvexUtilities::IsLAZNewer(const std::wstring& lazPath) {
 
 bool OrvexUtilities::LAZEnabledLASFileExists(const std::wstring& lazPath) {
     return IsLAZFile(lazPath) && FileExists(GetLAZBuddyPath(lazPath));
+}
+
+bool OrvexUtilities::LAZCheck(const std::wstring& path, std::wstring& reason) {
+    reason.clear();
+    try {
+        RequireUsableCodecRecord(path, ReadLazLayout(path));
+    } catch (...) {
+        reason = CurrentExceptionText();
+    }
+    return reason.empty();
 }

@@ -73,7 +73,9 @@ LazLayout ReadLazLayout(const std::wstring& path) {
     layout.recordLength = header.Read<std::uint16_t>(las::at::kPointRecordLength);
     layout.hasPoints = header.Read<std::uint32_t>(las::at::kLegacyPointCount) != 0 ||
                        (layout.versionMinor >= 4 && header.Read<std::uint64_t>(las::at::kPointCount) != 0);
-    if (!IsKnownPoint(header.Read<std::uint8_t>(las::at::kPointFormat), layout.recordLength)) {
+    const auto format = header.Read<std::uint8_t>(las::at::kPointFormat);
+    layout.isCompressed = (format & las::kCompressionBits) != 0;
+    if (!IsKnownPoint(format, layout.recordLength)) {
         throw LDataError(FormatText(Text(text::kLazHeaderDamaged), {path}));
     }
     const bool internalWaveform =
@@ -126,6 +128,8 @@ constexpr std::uint64_t kItemsOffset = 34;
 constexpr std::uint64_t kItemSize = 6;
 // Compressors: 1 one stream of points, 2 chunks, 3 chunks in layers.
 constexpr std::uint16_t kFirstCompressor = 1, kFirstChunkedCompressor = 2, kLastCompressor = 3;
+// Records that are looked through for the codec's own, which writers put among the first.
+constexpr std::uint32_t kMostRecords = 1U << 16U;
 constexpr std::uint32_t kVaryingChunks = std::numeric_limits<std::uint32_t>::max();
 
 /// Bytes of an item by its kind; 0 for kinds whose size is free (extra bytes) or that are not used in files.
@@ -147,15 +151,20 @@ std::vector<std::byte> ReadPart(const MappedFile& file, std::uint64_t offset, st
 }
 
 /// The payload of the codec's record among the records between header and points.
-std::optional<ByteReader> FindCodecRecord(const ByteReader& records, std::uint32_t count) {
-    std::uint64_t offset = 0;
-    for (; count > 0 && records.Contains(offset, las::kVlrHeaderSize); --count) {
-        const auto length = records.Read<std::uint16_t>(offset + las::record_at::kLength);
-        if (records.FixedText(offset + las::record_at::kUserId, las::kUserIdLength) == las::kCodecUserId &&
-            records.Read<std::uint16_t>(offset + las::record_at::kRecordId) == las::kCodecRecordId) {
-            return ByteReader(records.Bytes(offset + las::kVlrHeaderSize, length));
+std::optional<std::vector<std::byte>> ReadCodecRecord(const MappedFile& file, const LazLayout& layout) {
+    std::uint64_t offset = layout.headerSize;
+    for (std::uint32_t left = std::min(layout.recordCount, kMostRecords);
+         left > 0 && offset + las::kVlrHeaderSize <= layout.offsetToPoints; --left) {
+        const std::vector<std::byte> bytes = ReadPart(file, offset, las::kVlrHeaderSize);
+        const ByteReader header(bytes);
+        const auto length = header.Read<std::uint16_t>(las::record_at::kLength);
+        offset += las::kVlrHeaderSize;
+        if (header.FixedText(las::record_at::kUserId, las::kUserIdLength) == las::kCodecUserId &&
+            header.Read<std::uint16_t>(las::record_at::kRecordId) == las::kCodecRecordId) {
+            const std::uint64_t present = std::min<std::uint64_t>(length, layout.offsetToPoints - offset);
+            return ReadPart(file, offset, present);
         }
-        offset += las::kVlrHeaderSize + length;
+        offset += length;
     }
     return std::nullopt;
 }
@@ -215,18 +224,20 @@ void RequireUsableCodecRecord(const std::wstring& path, const LazLayout& layout)
     if (const SystemError error = file.Open(path, true); error != 0) {
         throw LDataError(FormatText(Text(text::kLazCannotRead), {path, SystemErrorText(error)}));
     }
-    const std::vector<std::byte> bytes =
-        ReadPart(file, layout.headerSize, layout.offsetToPoints - layout.headerSize);
-    const std::optional<ByteReader> record = FindCodecRecord(ByteReader(bytes), layout.recordCount);
-    if (!record) {
-        return;
-    }
-    const auto compressor = record->Read<std::uint16_t>(0);
-    if (compressor < kFirstCompressor || compressor > kLastCompressor ||
-        !AreItemsRight(*record, layout.recordLength)) {
+    const std::optional<std::vector<std::byte>> bytes = ReadCodecRecord(file, layout);
+    if (!bytes && layout.isCompressed) {
         Fail(text::kLazCodecRecordDamaged, path);
     }
-    const bool varies = record->Read<std::uint32_t>(12) == kVaryingChunks;
+    if (!bytes) {
+        return;
+    }
+    const ByteReader record(*bytes);
+    const auto compressor = record.Read<std::uint16_t>(0);
+    if (compressor < kFirstCompressor || compressor > kLastCompressor ||
+        !AreItemsRight(record, layout.recordLength)) {
+        Fail(text::kLazCodecRecordDamaged, path);
+    }
+    const bool varies = record.Read<std::uint32_t>(12) == kVaryingChunks;
     if (compressor >= kFirstChunkedCompressor && layout.hasPoints &&
         !IsChunkTableThere(file, layout, varies)) {
         Fail(text::kLazChunkTableMissing, path);

@@ -14,6 +14,7 @@ struct LazLayout {
     std::uint32_t offsetToPoints = 0;
     std::uint16_t recordLength = 0;  ///< of a point
     bool hasPoints = false;
+    bool isCompressed = false;
     std::uint32_t recordCount = 0;          ///< VLRs as stated in the header
     std::uint64_t waveformStart = 0;        ///< waveform record inside the file (LAS 1.3 on); 0 for none
     std::uint64_t extendedStart = 0;        ///< first EVLR (LAS 1.4); 0 for none
@@ -36,8 +37,8 @@ LazLayout ReadLazLayout(const std::wstring& path);
 std::vector<ExtendedRecord> ReadExtendedRecords(const std::wstring& path, const LazLayout& layout);
 
 /// Checks what the codec trusts blindly: its own record ("laszip encoded", 22204), which lists the items of a
-/// point, and the table of chunks. Throws LDataError if they cannot be right. A file without the record is
-/// not compressed and passes.
+/// point, and the table of chunks. Throws LDataError if they cannot be right, or the record of a compressed
+/// file is missing.
 void RequireUsableCodecRecord(const std::wstring& path, const LazLayout& layout);
 
 }  // namespace orvex

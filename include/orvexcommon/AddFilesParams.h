@@ -55,11 +55,12 @@ class AddFilesParams {
     bool showCloudTab = false;
 
     // LAS load options.
-    bool lasOpenSetting = false;            ///< true: open read-write
-    bool lasLoadSetting = false;            ///< true: load footprints only
-    bool lasAppend = false;                 ///< append the files to compatible layers
-    std::uint16_t lasThinning = 0;          ///< 2 to 256
-    std::int32_t lasPyramidType = 0;        ///< kPyramidNone and the like
+    bool lasOpenSetting = false;    ///< true: open read-write
+    bool lasLoadSetting = false;    ///< true: load footprints only
+    bool lasAppend = false;         ///< append the files to compatible layers
+    std::uint16_t lasThinning = 0;  ///< 2 to 256
+    /// kPyramidNone and the like, as chosen; kPyramidOrvexLas cannot be built into files opened read-only.
+    std::int32_t lasPyramidType = 0;
     bool convertExistingQvr = false;        ///< ".qvr" companions become OrvexLAS companions
     std::int32_t orvexLasBackupOption = 0;  ///< kOverwriteOriginals and the like
     bool orvexLasOverwritePending = false;  ///< existing companions will be overwritten without a backup
@@ -109,6 +110,7 @@ class AddFilesParams {
 
     // LAS options without a stored setting, for hosts that honour them.
     bool lasIgnoreIncompatibleCrs = false;
+    /// Load files whose details say that they are damaged, as far as possible; else they are to be left out.
     bool lasLoadCorruptFiles = false;
     /// Full path of a file in lasFiles to the layer it was assigned to (an existing one when appending, else
     /// a new name).

@@ -27,6 +27,9 @@ class LasFileInfo {
     virtual std::string CrsWkt() const = 0;
     /// 0 none, 2 ".qvr" beside the file, 3 index record in the file, 6 extended record 157.
     virtual int GetCompanionStatus() const = 0;
+    /// True if the dialog found an error: the header disagrees with the file's contents, so that the points
+    /// cannot all be read. Such a file is to be loaded only with AddFilesParams::lasLoadCorruptFiles.
+    virtual bool IsDamaged() const = 0;
     /// Id of the file in the process-wide registry.
     virtual std::uint16_t RegisteredId() const = 0;
 };

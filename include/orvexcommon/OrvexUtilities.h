@@ -35,6 +35,10 @@ class ORVEXUTILITIES_API OrvexUtilities {
     static bool IsLAZNewer(const std::wstring& lazPath);
     /// True if the LAS buddy of the LAZ file exists as a file.
     static bool LAZEnabledLASFileExists(const std::wstring& lazPath);
+    /// Checks, without reading points, what the decompression of a file starts from: the compression record
+    /// and the table of chunks. False with a reason in plain words if they are damaged or missing, as in a
+    /// truncated file, or if the file cannot be read. True for a file whose points are not compressed.
+    static bool LAZCheck(const std::wstring& path, std::wstring& reason);
     /// Decompresses a LAZ file to `lasPath`, under a temporary name beside it until it is complete; the new
     /// file gets the LAZ file's time stamp. Points, header and records are preserved, except for what only
     /// describes the compression (the codec's own record, the octree of a COPC file); extended records follow
@@ -45,9 +49,11 @@ class ORVEXUTILITIES_API OrvexUtilities {
                               Kst::ProgressIf& progress, std::wstring& reason);
     /// Key that is equal for two LAS files exactly if they fit into one layer: same horizontal and vertical
     /// CRS and same units, whatever the dialect of WKT and the name of a CRS without a code. `wkt` may be
-    /// empty
-    /// ("no CRS" is a group of its own). For comparison only.
+    /// empty ("no CRS" is a group of its own). For comparison only. A CRS without a code is searched for in
+    /// PROJ's database, which can take a tenth of a second.
     static std::string GetCompatibilityGroup(const std::string& wkt);
+    /// The same; `code` is the EPSG code of the horizontal CRS, stated or found, 0 for none.
+    static std::string GetCompatibilityGroup(const std::string& wkt, long& code);
 
     // Coordinate reference systems.
 
@@ -68,7 +74,7 @@ class ORVEXUTILITIES_API OrvexUtilities {
     static bool SetGDALRasterCacheSize(double fraction);
     /// WKT (WKT1, else WKT2) from the GeoTIFF keys of a LAS file: the payloads of the records 34735
     /// (directory), 34736 (doubles, may be empty) and 34737 (text, may be empty), little-endian. Empty if
-    /// they contain no CRS; `reason` then names what is wrong, if anything.
+    /// they contain no CRS; `reason` then says in sentences what is wrong, and is empty if nothing is.
     static std::string CrsWktFromGeoKeys(const std::string& directory, const std::string& doubles,
                                          const std::string& text, std::string& reason);
 };

@@ -20,14 +20,18 @@ constexpr int kPyramidGroup = 264;
 constexpr int kOptionsGroup = 282;
 constexpr int kOriginalsGroup = 375;
 
-// Pyramids are built only into files that are loaded read-write; conversion, re-creation and the treatment of
-// the originals mean something only for OrvexLAS.
-bool BuildsPyramids(const AddFilesParams& chosen) {
-    return chosen.lasOpenSetting && !chosen.lasLoadSetting;
+// Pyramids are built only for points that are loaded; those inside the LAS files only where these may be
+// written. Conversion, re-creation and the treatment of the originals mean something only for OrvexLAS.
+bool LoadsPoints(const AddFilesParams& chosen) {
+    return !chosen.lasLoadSetting;
+}
+
+bool MayWritePoints(const AddFilesParams& chosen) {
+    return LoadsPoints(chosen) && chosen.lasOpenSetting;
 }
 
 bool BuildsOrvexLas(const AddFilesParams& chosen) {
-    return BuildsPyramids(chosen) && chosen.lasPyramidType == kPyramidOrvexLas;
+    return MayWritePoints(chosen) && chosen.lasPyramidType == kPyramidOrvexLas;
 }
 
 // The older on/off item decides as long as no type is stored.
@@ -52,7 +56,7 @@ constexpr OptionChoice kOpenModes[] = {{0, text::kOpenReadOnly, text::kLasReadOn
 constexpr OptionChoice kLoadModes[] = {{0, text::kLoadFiles, text::kLoadFilesTooltip, 262},
                                        {1, text::kLoadFootprintsOnly, text::kLoadFootprintsTooltip, 263}};
 constexpr OptionChoice kPyramidTypes[] = {
-    {kPyramidOrvexLas, text::kPyramidOrvexLas, text::kPyramidOrvexLasTooltip, 268},
+    {kPyramidOrvexLas, text::kPyramidOrvexLas, text::kPyramidOrvexLasTooltip, 268, MayWritePoints},
     {kPyramidQvr, text::kPyramidQvr, text::kPyramidQvrTooltip, 269},
     {kPyramidNone, text::kPyramidNone, text::kPyramidNoneTooltip, 270}};
 constexpr OptionChoice kBackups[] = {
@@ -132,7 +136,7 @@ constexpr OptionRow kRows[] = {
      .storedFallback = StoredPyramidType,
      .choices = kPyramidTypes,
      .choicesBeside = true,
-     .enabled = BuildsPyramids},
+     .enabled = LoadsPoints},
     {.control = OptionControl::Radios,
      .group = kOriginalsGroup,
      .member = &AddFilesParams::orvexLasBackupOption,
@@ -223,6 +227,10 @@ void AddLASFilesPP::RowsChanged() {
     });
 }
 
+std::vector<std::function<void()>> AddLASFilesPP::LateWork() const {
+    return IdentificationWork(UnidentifiedCrss(Model().Rows()), Params().existingLasLayers);
+}
+
 DetailsContent AddLASFilesPP::Details(std::span<const std::size_t> records) const {
     return LasDetailsContent(Model().Rows(), records, DetailsPane().CaptionColour());
 }
@@ -276,6 +284,7 @@ void AddLASFilesPP::WriteFiles() const {
         if (row.file != nullptr) {
             // The file that was chosen; the details name the one that is open.
             record.lasFiles[FolderOf(row.path)].push_back(FileNameOf(row.path));
+            row.file->SetDamaged(HasErrors(row));
             record.lasFileDetails[row.path] = row.file.get();
             record.lasFileLayers[row.path] = row.place.layer;
         }

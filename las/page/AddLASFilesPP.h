@@ -16,6 +16,7 @@ class AddLASFilesPP final : public TypedFileListPage<LasRow> {
 
   protected:
     void RowsChanged() override;
+    std::vector<std::function<void()>> LateWork() const override;
     DetailsContent Details(std::span<const std::size_t> records) const override;
     bool Store() override;
 

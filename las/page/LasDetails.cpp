@@ -48,7 +48,7 @@ struct LasTotals {
     std::uint64_t bytes = 0;
     std::uint64_t points = 0;
     std::size_t layers = 0;
-    std::vector<std::wstring> crsNames;  ///< each once, in order of the rows; "" for files without a CRS
+    std::vector<std::wstring> crsNames;  ///< of each group, in order of the rows; "" for files without a CRS
     bool isGeographic = false;
     /// Minimum X, Y, Z and maximum X, Y, Z over all files; none when their CRS differ or no extent is finite.
     std::optional<std::array<double, 6>> extent;
@@ -135,9 +135,6 @@ std::vector<DetailSection> LasOverview(const LasRow& row) {
 std::vector<DetailField> LasCrsFields(const LasRow& row) {
     const CrsDescription& crs = *row.crs;
     std::vector<DetailField> fields;
-    if (crs.sourceWkt.empty()) {
-        return fields;
-    }
     AddField(fields, text::kDetailsCrsName, crs.name);
     AddField(fields, text::kLasEpsg, LasCellText(row, "epsg"));
     AddField(fields, text::kDetailsCrsKind,
@@ -165,7 +162,7 @@ std::wstring LasRecordsText(const LasRow& row) {
 LasTotals TotalsOf(std::span<const LasRow> rows, std::span<const std::size_t> records) {
     LasTotals totals;
     std::set<std::wstring> layers;
-    std::set<std::wstring> crsNames;
+    std::set<std::string> groups;  // different CRSs may have one name
     for (const std::size_t record : records) {
         const LasRow& row = rows[record];
         ++totals.files;
@@ -177,7 +174,7 @@ LasTotals TotalsOf(std::span<const LasRow> rows, std::span<const std::size_t> re
         }
         totals.points += row.file->GetPointCount();
         layers.insert(row.place.layer);
-        if (crsNames.insert(row.crs->name).second) {
+        if (groups.insert(LayerKeyOf(*row.crs)).second) {
             totals.crsNames.push_back(row.crs->name);
         }
         totals.isGeographic = row.crs->isGeographic;
@@ -216,16 +213,32 @@ DetailSection TotalsSection(const LasTotals& totals) {
 }
 
 QString OverviewHtml(const LasRow& row, const QString& captionColour) {
-    const std::vector<Finding> findings(row.findings.begin(), row.findings.end());
+    std::vector<Finding> findings(row.findings.begin(), row.findings.end());
+    if (row.file != nullptr && HasErrors(row)) {
+        findings.push_back({FindingSeverity::Note, LoadConditionText()});
+    }
     const std::wstring failure = row.file == nullptr ? row.summary : std::wstring();
     return FindingsHtml(findings, failure, Text(text::kLasDetailsConsistent)) +
            SectionsHtml(LasOverview(row), captionColour);
 }
 
+/// The text of a WKT record that cannot be read; empty if there is none.
+QString UnreadableWktHtml(const LasRow& row) {
+    constexpr std::size_t kLongest = 20000;
+    const std::string wkt = row.file == nullptr ? std::string() : ReadLasCrs(*row.file).unreadableWkt;
+    return wkt.empty() ? QString()
+                       : TextHtml(Text(text::kDetailsUnreadableWkt)) +
+                             PreformattedHtml(FromUtf8(wkt.substr(0, kLongest)));
+}
+
 QString CrsHtml(const LasRow& row, const QString& captionColour) {
-    const std::vector<DetailField> fields = LasCrsFields(row);
-    return fields.empty() ? TextHtml(Text(text::kDetailsNoCrs))
-                          : FieldsHtml(fields, captionColour) + PreformattedHtml(row.crs->prettyWkt);
+    if (row.crsSource == LasCrsSource::None) {
+        const auto found = std::ranges::find(row.findings, LasFindingCode::CrsUnreadable, &LasFinding::code);
+        return TextHtml(found == row.findings.end() ? Text(text::kDetailsNoCrs) : found->text) +
+               UnreadableWktHtml(row);
+    }
+    return FieldsHtml(LasCrsFields(row), captionColour) + PreformattedHtml(row.crs->prettyWkt) +
+           UnreadableWktHtml(row);
 }
 
 }  // namespace

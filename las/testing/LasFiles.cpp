@@ -1,6 +1,8 @@
 #include "las/testing/LasFiles.h"
 
+#include "las/LasColumns.h"
 #include "las/LasPointViews.h"
+#include "las/LasRow.h"
 #include "las/LasText.h"
 #include "las/LasValidate.h"
 #include "support/LDataError.h"
@@ -37,6 +39,18 @@ std::wstring FailureToOpen(const std::wstring& path, bool readOnly) {
     }
 }
 
+std::wstring RowText(const std::wstring& path) {
+    const LasRow row = InspectLasFile(path);
+    row.crs->Identify();
+    std::wstring text = FindingsText(row) + L"\n";
+    for (const Column<LasRow>& column : LasColumns()) {
+        // An address is another one each time.
+        const bool isStable = column.name != std::string_view("details");
+        text += isStable ? CellText(column, row) + L"\n" : L"";
+    }
+    return text + row.crs->prettyWkt + L"\n";
+}
+
 std::wstring ReadAllOfLas(const std::wstring& path, bool readOnly) {
     try {
         const auto file = LASFile::Open(path, readOnly, false);
@@ -48,7 +62,7 @@ std::wstring ReadAllOfLas(const std::wstring& path, bool readOnly) {
             text += attribute.name + L" at " + std::to_wstring(attribute.offset) + L"\n";
         }
         text += std::to_wstring(file->GetPointCount()) + L" points, companion " +
-                std::to_wstring(file->GetCompanionStatus()) + L"\n";
+                std::to_wstring(file->GetCompanionStatus()) + L"\n" + RowText(path);
         return text + LastPointText(file->Points());
     } catch (const LDataError& error) {
         return error.Text();

@@ -22,8 +22,12 @@ class LasFolder : public TemporaryFolder {
 /// Text of the failure to open a file; empty if it opens.
 std::wstring FailureToOpen(const std::wstring& path, bool readOnly = true);
 
-/// Opens a file with its points and reads all there is to it, in one text: records, findings, attributes and
-/// last point. Gives the text of the failure for a file that cannot be opened; other exceptions pass.
+/// All that the page shows of a file: its findings, its cells and its CRS.
+std::wstring RowText(const std::wstring& path);
+
+/// Opens a file with its points and reads all there is to it, in one text: records, findings, attributes, its
+/// row and its last point. Gives the text of the failure for a file that cannot be opened; other exceptions
+/// pass.
 std::wstring ReadAllOfLas(const std::wstring& path, bool readOnly);
 
 /// A LAS 1.4 file with a record of every kind.

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <filesystem>
 
+#include "las/LasRow.h"
 #include "las/LasValidate.h"
 #include "las/testing/LasFiles.h"
 #include "support/testing/TemporaryFolder.h"
@@ -14,6 +15,7 @@ namespace {
 
 using testing::LasBuilder;
 using testing::RichLas;
+using testing::RowText;
 
 class HostileFiles : public ::testing::Test {
   protected:
@@ -85,7 +87,47 @@ TEST_F(HostileFiles, LiesInAHugeSparseFileAreBounded) {
         EXPECT_FALSE(ValidateLas(*file).empty());
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
     }
+    EXPECT_NE(RowText(path).find(L"only the first 65536 are listed"), std::wstring::npos);
     EXPECT_LT(testing::PeakMemory(), std::uint64_t{600} << 20U);
+}
+
+// Sparse files with records of CRS data that no file needs: each is listed with what can be read, the rest is
+// said in words, and a list of them keeps little.
+TEST_F(HostileFiles, HugeCrsRecordsCostNothing) {
+    constexpr std::uint64_t kHuge = std::uint64_t{6} << 30U;
+    const LasBuilder keys = LasBuilder(14, 6).AddPoints(1).ProjectedEpsg(25832);
+    const std::size_t headers = keys.Build().size();
+    std::vector<LasRow> rows;
+    for (int i = 0; i < 40; ++i) {
+        const bool isWkt = i % 2 == 0;
+        LasBuilder builder = keys;
+        builder.AddEvlr("LASF_Projection", isWkt ? 2112 : 34737, "").Lie<std::uint64_t>(headers + 20, kHuge);
+        const std::wstring path =
+            folder_.Write(builder.EncodingBits(isWkt ? 16 : 0), std::to_wstring(i) + L".las");
+        testing::GrowSparse(path, headers + 60 + kHuge);
+        LasRow& row = rows.emplace_back(InspectLasFile(path));
+        ASSERT_TRUE(row.loadable);
+        EXPECT_EQ(row.crs->epsg, 25832) << i;
+        EXPECT_EQ(FindingsText(row),
+                  L"The record LASF_Projection " + std::to_wstring(isWkt ? 2112 : 34737) +
+                      L" is too large to be read: it holds 6442.5 MB, and a file may bring 1 "
+                      L"MB of such data.");
+    }
+    EXPECT_LT(testing::PeakMemory(), std::uint64_t{600} << 20U);
+}
+
+TEST_F(HostileFiles, ARowKeepsNoVlrArea) {
+    const auto before = testing::PeakMemory();
+    std::vector<LasRow> rows;
+    for (int i = 0; i < 30; ++i) {
+        const std::wstring path =
+            folder_.Write(LasBuilder(14, 6).Lie<std::uint32_t>(96, 60U << 20U).AddVlr("x", 1, "0123456789"),
+                          std::to_wstring(i) + L".las");
+        testing::GrowSparse(path, 60U << 20U);
+        rows.push_back(InspectLasFile(path));
+        EXPECT_EQ(rows.back().file->GetVLRs().size(), 1U);
+    }
+    EXPECT_LT(testing::PeakMemory(), before + (std::uint64_t{100} << 20U));
 }
 
 }  // namespace

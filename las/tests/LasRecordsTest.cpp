@@ -17,22 +17,32 @@ std::span<const std::byte> BytesOf(const std::string& text) {
     return std::as_bytes(std::span(text));
 }
 
-/// The record ids of the VLRs that a walk finds in the bytes up to the points.
-std::vector<int> Walk(const std::string& bytes) {
-    const LasHeader header(BytesOf(bytes));
-    const std::size_t end = std::min<std::size_t>(bytes.size(), header.OffsetToPoints());
+std::vector<int> IdsOf(const VlrList& list) {
     std::vector<int> ids;
-    for (const VlrView& vlr : WalkVlrs(BytesOf(bytes).first(end), header)) {
+    for (const VlrView& vlr : list.records) {
         ids.push_back(vlr.RecordId());
     }
     return ids;
+}
+
+/// The VLRs of a file, read one by one.
+VlrList ReadVlrsOf(const std::wstring& path) {
+    MappedFile file;
+    EXPECT_EQ(file.Open(path, true), 0);
+    std::string header(375, '\0');
+    std::size_t read = 0;
+    EXPECT_EQ(file.ReadAt(0, std::as_writable_bytes(std::span(header)), read), 0);
+    VlrList list;
+    EXPECT_EQ(ReadVlrs(file, LasHeader(BytesOf(header)), list), 0);
+    return list;
 }
 
 LasBuilder ThreeRecords() {
     return LasBuilder().AddVlr("a", 1, "12345").AddVlr("b", 2, "").AddVlr("c", 3, "123").AddPoints(4);
 }
 
-TEST(WalkVlrs, StopsAtTheCountTheAreaOrTheHeader) {
+TEST(Vlrs, StopAtTheCountTheAreaOrTheHeader) {
+    const testing::TemporaryFolder folder;
     constexpr std::size_t kSecond = 227 + 54 + 5;
     constexpr std::size_t kEnd = kSecond + 54 + 54 + 3;
     const struct {
@@ -54,8 +64,49 @@ TEST(WalkVlrs, StopsAtTheCountTheAreaOrTheHeader) {
         {"shortened area", ThreeRecords().Cut(kSecond + 54), {1, 2}},
     };
     for (const auto& expected : cases) {
-        EXPECT_EQ(Walk(expected.builder.Build()), expected.ids) << expected.what;
+        const std::string bytes = expected.builder.Build();
+        EXPECT_EQ(IdsOf(ReadVlrsOf(folder.Write(L"a.las", bytes))), expected.ids) << expected.what;
+        const LasHeader header(BytesOf(bytes));
+        const auto area = BytesOf(bytes).first(std::min<std::size_t>(bytes.size(), header.OffsetToPoints()));
+        EXPECT_EQ(IdsOf(ListVlrs(FileBytes({area.begin(), area.end()}), header)), expected.ids)
+            << expected.what << ", in memory";
     }
+}
+
+// A list of files keeps what it shows, whatever the files hold.
+TEST(Vlrs, KeepShortDataAndWhatIsDecoded) {
+    const testing::TemporaryFolder folder;
+    const auto holds = [&](LasBuilder builder) {
+        std::string text;
+        const VlrList list = ReadVlrsOf(folder.Write(L"a.las", builder.Build()));
+        for (const VlrView& vlr : list.records) {
+            const auto data = vlr.Data();
+            text += vlr.HasData() ? "kept " : "left ";
+            text += vlr.IsTruncated() ? "cut " : "";
+            text += std::to_string(data.size());
+            text += data.empty() ? "" : std::string(" ") + static_cast<char>(data.back());
+            text += "\n";
+        }
+        EXPECT_LE(list.bytes.Bytes().size(), kMostRecordData + list.records.size() * VlrView::kHeaderSize);
+        return text;
+    };
+    const std::string large(60000, 'x');
+    EXPECT_EQ(holds(LasBuilder()
+                        .AddVlr("any", 1, large)
+                        .AddVlr("any", 2, large.substr(0, 255) + "y")
+                        .AddVlr("LASF_Projection", 2112, large + "z")
+                        .AddVlr("any", 4, large.substr(0, 300) + "e")
+                        .AddVlr("any", 5, "")),
+              "left 0\nkept 256 y\nkept 60001 z\nkept 301 e\nkept 0\n");
+    EXPECT_EQ(holds(LasBuilder().AddVlr("LASF_Projection", 1, "wkt").Lie<std::uint16_t>(227 + 20, 65535)),
+              "kept cut 3 t\n");
+    LasBuilder many;
+    std::string expected;
+    for (int i = 0; i < 20; ++i) {
+        many.AddVlr("LASF_Projection", 2112, large + "z");
+        expected += i < 17 ? "kept 60001 z\n" : "left 0\n";
+    }
+    EXPECT_EQ(holds(many), expected);
 }
 
 /// A record header and its data; `length` is what the header states.
@@ -127,23 +178,25 @@ TEST_F(Evlrs, SayWhatIsWrong) {
     }
 }
 
-TEST_F(Evlrs, AreMappedWhereAskedForOrTooLargeToCopy) {
+TEST_F(Evlrs, AreMappedWhereAskedForElseCopiedUpToALimit) {
     constexpr std::uint64_t kLarge = std::uint64_t{3} << 30U;
     const struct {
         std::uint64_t length;
         std::string data;
         std::uint64_t fileSize;
+        bool isMapped;
         std::uint64_t held;
-    } cases[] = {{4, "123", 0, 3},
-                 {~std::uint64_t{0}, "123", 0, 3},
-                 {9, "", 0, 0},
-                 {kLarge, "123", 2 * kLarge, kLarge}};
+    } cases[] = {{4, "123", 0, true, 3},
+                 {~std::uint64_t{0}, "123", 0, true, 3},
+                 {9, "", 0, true, 0},
+                 {kLarge, "123", 2 * kLarge, true, kLarge},
+                 {kMostRecordData, "123", kLarge, false, kMostRecordData},
+                 {kMostRecordData + 1, "123", kLarge, false, 0}};
     for (const auto& c : cases) {
-        const bool fits = c.held == c.length;
-        ASSERT_EQ(Read(Evlr("", 0, "") + Evlr("Kst", c.length, c.data), 60, 1, !fits, c.fileSize), L"1");
+        ASSERT_EQ(Read(Evlr("", 0, "") + Evlr("Kst", c.length, c.data), 60, 1, c.isMapped, c.fileSize), L"1");
         EXPECT_EQ(entries_[0].RecordLength(), c.length);
-        EXPECT_EQ(entries_[0].IsTruncated(), !fits);
-        EXPECT_TRUE(entries_[0].HasData());
+        EXPECT_EQ(entries_[0].IsTruncated(), c.fileSize == 0);
+        EXPECT_EQ(entries_[0].HasData(), c.isMapped || c.held > 0);
         ASSERT_EQ(entries_[0].Data().size(), c.held);
         EXPECT_TRUE(c.held == 0 || entries_[0].Data()[2] == std::byte{'3'});
     }
@@ -172,6 +225,21 @@ TEST(ExtraBytes, AddsUpTheSizesOfTheDataTypes) {
     }
     EXPECT_EQ(extraBytes.Attributes().back().size, 8);
     EXPECT_EQ(extraBytes.Find(L"attribute"), nullptr);
+}
+
+// The lookup starts anew in each record; the points do not.
+TEST(ExtraBytes, OfSeveralRecordsFollowEachOtherInThePoints) {
+    ExtraBytes extraBytes;
+    extraBytes.Add(BytesOf(Descriptor(9, 0, "a") + Descriptor(1, 0, "b")));
+    EXPECT_FALSE(extraBytes.IsSpread());
+    extraBytes.Add(BytesOf(Descriptor(3, 0, "c")));
+    extraBytes.Add(BytesOf(Descriptor(2, 0, "d")));
+    EXPECT_TRUE(extraBytes.IsSpread());
+    std::string offsets;
+    for (const ExtraBytesAttribute& attribute : extraBytes.Attributes()) {
+        offsets += std::to_string(attribute.offset) + "/" + std::to_string(attribute.pointOffset) + " ";
+    }
+    EXPECT_EQ(offsets, "0/0 4/4 0/5 0/7 ");
 }
 
 TEST(ExtraBytes, CountsWholeDescriptorsUpToTheLimit) {

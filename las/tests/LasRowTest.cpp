@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "host/utilities/testing/LazSamples.h"
 #include "las/LasColumns.h"
 #include "las/testing/LasBuilder.h"
 #include "support/Environment.h"
@@ -24,6 +25,8 @@ constexpr const char* kWgs84 =
     R"(GEOGCS["WGS 84",DATUM["WGS_1984",SPHEROID["WGS 84",6378137,298.257223563]],PRIMEM["Greenwich",0],)"
     R"(UNIT["degree",0.0174532925199433],AUTHORITY["EPSG","4326"]])";
 
+constexpr const wchar_t* kNoCrs = L"The file carries no coordinate reference system.";
+
 class LasRowTest : public ::testing::Test {
   protected:
     LasRow Inspect(const LasBuilder& builder) const {
@@ -32,45 +35,63 @@ class LasRowTest : public ::testing::Test {
     static bool IsEmptyCell(const LasRow& row, const char* column) {
         return std::holds_alternative<std::monostate>(ColumnNamed(LasColumns(), column).cell(row));
     }
-    static bool Has(const LasRow& row, LasFindingCode code) {
-        return std::ranges::any_of(row.findings, [code](const auto& f) { return f.code == code; });
-    }
 
     const testing::TemporaryFolder folder_;
 };
 
-TEST_F(LasRowTest, ChoosesTheCrsByTheWktBit) {
-    const LasBuilder keys = LasBuilder(14, 6).AddPoints(2).ProjectedEpsg(25832);
+TEST_F(LasRowTest, ChoosesTheCrsByTheWktBitAndSaysWhenItCannot) {
+    constexpr const wchar_t* kUtm = L"ETRS89 / UTM zone 32N";
+    using enum LasCrsSource;
+    const LasBuilder plain = LasBuilder(14, 6).AddPoints(2);
+    const LasBuilder keys = LasBuilder(plain).ProjectedEpsg(25832);
+    const LasBuilder badKeys = LasBuilder(plain).GeoKeys({1, 1, 0, 65535});
+    const auto noBit = [](LasBuilder builder) { return builder.Lie<std::uint16_t>(6, 0); };
     const struct {
         const char* what;
         LasBuilder builder;
         const wchar_t* name;
-        bool isUnreadable;
+        LasCrsSource source;
+        const wchar_t* finding;  ///< start and end, with "..." between them
     } cases[] = {
-        {"keys", keys, L"ETRS89 / UTM zone 32N", false},
-        {"keys and WKT, no bit", LasBuilder(keys).Wkt(kWgs84).Lie<std::uint16_t>(6, 0),
-         L"ETRS89 / UTM zone 32N", false},
-        {"keys and WKT, bit", LasBuilder(keys).Wkt(kWgs84), L"WGS 84", false},
-        {"WKT, no bit", LasBuilder(14, 6).AddPoints(2).Wkt(kWgs84).Lie<std::uint16_t>(6, 0), L"WGS 84",
-         false},
-        {"WKT in an EVLR", LasBuilder(keys).Wkt(kWgs84, true), L"WGS 84", false},
-        {"padded WKT", LasBuilder(14, 6).AddPoints(2).Wkt(std::string(kWgs84) + " \r\n"), L"WGS 84", false},
-        {"bit but no WKT", LasBuilder(keys).EncodingBits(16), L"ETRS89 / UTM zone 32N", false},
-        {"empty WKT", LasBuilder(keys).Wkt(""), L"ETRS89 / UTM zone 32N", false},
-        {"empty keys", LasBuilder(14, 6).AddPoints(2).GeoKeys({}).Wkt(kWgs84).Lie<std::uint16_t>(6, 0),
-         L"WGS 84", false},
-        {"garbage WKT", LasBuilder(14, 6).AddPoints(2).Wkt("no WKT at all"), L"", true},
-        {"keys that promise more", LasBuilder(14, 6).AddPoints(2).GeoKeys({1, 1, 0, 65535}), L"", true},
-        {"nothing but an empty WKT", LasBuilder(14, 6).AddPoints(2).Wkt(""), L"", false},
-        {"none", LasBuilder(14, 6).AddPoints(2), L"", false},
+        {"keys", keys, kUtm, GeoKeys, L""},
+        {"keys and WKT, no bit", noBit(LasBuilder(keys).Wkt(kWgs84)), kUtm, GeoKeys, L""},
+        {"keys and WKT, bit", LasBuilder(keys).Wkt(kWgs84), L"WGS 84", Wkt, L""},
+        {"WKT, no bit", noBit(LasBuilder(plain).Wkt(kWgs84)), L"WGS 84", Wkt, L""},
+        {"WKT in an EVLR", LasBuilder(keys).Wkt(kWgs84, true), L"WGS 84", Wkt, L""},
+        {"padded WKT", LasBuilder(plain).Wkt(std::string(kWgs84) + " \r\n"), L"WGS 84", Wkt, L""},
+        {"bit but no WKT", LasBuilder(keys).EncodingBits(16), kUtm, GeoKeys, L""},
+        {"empty WKT", LasBuilder(keys).Wkt(""), kUtm, GeoKeys, L""},
+        {"empty keys", noBit(LasBuilder(plain).GeoKeys({}).Wkt(kWgs84)), L"WGS 84", Wkt, L""},
+        {"garbage WKT", LasBuilder(plain).Wkt("no WKT at all"), L"", None,
+         L"The coordinate reference system of the file cannot be read. The WKT record cannot be read: ..."},
+        {"garbage WKT, good keys", LasBuilder(keys).Wkt("PROJCS[\"cut"), kUtm, GeoKeys,
+         L"The WKT record cannot be read: ... is taken from the GeoTIFF keys."},
+        {"bad keys, good WKT", noBit(LasBuilder(badKeys).Wkt(kWgs84)), L"WGS 84", Wkt,
+         L"The GeoTIFF key directory announces 65535 keys but holds 0. ... is taken from the WKT record."},
+        {"keys that promise more", badKeys, L"", None,
+         L"The coordinate reference system of the file cannot be read. The GeoTIFF key directory announces "
+         L"65535 keys but holds 0."},
+        {"an unknown code", LasBuilder(plain).ProjectedEpsg(60000), L"", None,
+         L"The coordinate reference system of the file cannot be read. The GeoTIFF keys name ..."},
+        {"keys without entries", LasBuilder(plain).GeoKeys({1, 1, 0, 0}), L"", None, kNoCrs},
+        {"units only", LasBuilder(plain).GeoKeys({1, 1, 0, 2, 3076, 0, 1, 9001, 4099, 0, 1, 9001}), L"", None,
+         kNoCrs},
+        {"nothing but an empty WKT", LasBuilder(plain).Wkt(""), L"", None, kNoCrs},
+        {"none", plain, L"", None, kNoCrs},
     };
     for (const auto& expected : cases) {
         const LasRow found = Inspect(expected.builder);
         ASSERT_TRUE(found.loadable) << expected.what;
         EXPECT_EQ(found.crs->name, expected.name) << expected.what;
-        EXPECT_EQ(Has(found, LasFindingCode::CrsUnreadable), expected.isUnreadable) << expected.what;
-        EXPECT_EQ(Has(found, LasFindingCode::NoCrs), found.crs->name.empty() && !expected.isUnreadable)
-            << expected.what;
+        EXPECT_EQ(found.crsSource, expected.source) << expected.what;
+        const std::wstring finding = expected.finding;
+        const std::size_t dots = std::min(finding.find(L"..."), finding.size());
+        EXPECT_TRUE(FindingsText(found).starts_with(finding.substr(0, dots)))
+            << expected.what << ": " << ToUtf8(FindingsText(found));
+        EXPECT_TRUE(FindingsText(found).ends_with(finding.substr(std::min(dots + 3, finding.size()))))
+            << expected.what << ": " << ToUtf8(FindingsText(found));
+        EXPECT_EQ(FindingsText(found).empty(), finding.empty()) << expected.what;
+        EXPECT_EQ(found.file->CrsWkt().empty(), expected.source == None) << expected.what;
     }
 }
 
@@ -107,6 +128,28 @@ TEST_F(LasRowTest, SaysWhyAFileCannotBeLoaded) {
         EXPECT_EQ(found.file, nullptr);
         ASSERT_NE(found.crs, nullptr);
     }
+}
+
+// Compressed points cannot be counted by the file's size; the table of chunks is at its end.
+TEST_F(LasRowTest, FindsTruncatedCompressedFiles) {
+    const std::wstring path = folder_.Name(L"tile.laz");
+    for (const testing::LazSample& sample :
+         {testing::LazSample{.versionMinor = 2, .pointFormat = 1, .recordLength = 28, .points = 5000},
+          testing::LazSample{.versionMinor = 4, .pointFormat = 6, .recordLength = 30, .points = 5000}}) {
+        testing::WriteSample(path, sample, true);
+        EXPECT_FALSE(HasErrors(InspectLasFile(path)));
+        const auto size = std::filesystem::file_size(ToPath(path));
+        for (const std::uintmax_t length : {size / 2, size - 30}) {
+            testing::WriteSample(path, sample, true);
+            std::filesystem::resize_file(ToPath(path), length);
+            const LasRow row = InspectLasFile(path);
+            EXPECT_TRUE(row.loadable);
+            EXPECT_TRUE(HasErrors(row)) << length << " of " << size;
+            EXPECT_NE(row.summary.find(L"is not complete"), std::wstring::npos) << ToUtf8(row.summary);
+        }
+    }
+    const LasRow noCodec = Inspect(LasBuilder(12, 1).AddPoints(5).MarkCompressed());
+    EXPECT_NE(noCodec.summary.find(L"compression record"), std::wstring::npos) << ToUtf8(noCodec.summary);
 }
 
 TEST_F(LasRowTest, WorksFromManyThreads) {
@@ -239,13 +282,32 @@ TEST_F(LasRowTest, NumbersThatAreNoneAreLeftOut) {
     EXPECT_TRUE(IsEmptyCell(row, "density"));
 }
 
+TEST_F(LasRowTest, ExtraBytesTellTheirPlaceInThePoints) {
+    const auto descriptor = [](const std::string& name) {
+        return std::string(2, '\0') + '\3' + '\0' + name + std::string(188 - name.size(), '\0');
+    };
+    const LasRow row = Inspect(LasBuilder(12, 1)
+                                   .AddPoints(1)
+                                   .AddVlr("LASF_Spec", 4, descriptor("a"))
+                                   .AddVlr("LASF_Spec", 4, descriptor("b")));
+    EXPECT_EQ(Shown(row, "extraBytes"), L"a, b");
+    EXPECT_EQ(ColumnNamed(LasColumns(), "extraBytes").look.tooltip(row),
+              L"a: 2 bytes at offset 0\nb: 2 bytes at offset 2");
+}
+
 TEST_F(LasRowTest, DatesAreCheckedBeforeTheyAreComputed) {
     const struct {
         std::uint16_t day;
         std::uint16_t year;
         const wchar_t* expected;
-    } cases[] = {{1, 2023, L"2023-01-01"}, {365, 2023, L"2023-12-31"}, {366, 2024, L"2024-12-31"},
-                 {0, 2023, L"2023"},       {400, 2023, L"2023"},       {5, 0, L""}};
+    } cases[] = {{1, 2023, L"2023-01-01"},
+                 {365, 2023, L"2023-12-31"},
+                 {366, 2024, L"2024-12-31"},
+                 {0, 2023, L"2023"},
+                 {0, 0, L""},
+                 {366, 2023, L"day 366 of 2023"},
+                 {5, 0, L"day 5 of 0"},
+                 {12, 40000, L"day 12 of 40000"}};
     for (const auto& c : cases) {
         EXPECT_EQ(Shown(Inspect(LasBuilder(12, 0).AddPoints(1).CreationDate(c.day, c.year)), "created"),
                   c.expected);

@@ -60,6 +60,7 @@ TEST_F(LasValidateTest, FindsWhatIsOdd) {
     constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
     constexpr double kInfinite = std::numeric_limits<double>::infinity();
     const std::size_t size = Good().Build().size();
+    const std::string descriptor = std::string(2, '\0') + '\1' + std::string(189, '\0');
     const struct {
         const char* what;
         LasBuilder builder;
@@ -96,6 +97,16 @@ TEST_F(LasValidateTest, FindsWhatIsOdd) {
          Good(14).AddEvlr("a", 1, "abc").Append("").Cut(Good(14).Build().size() + 61),
          {Code::EvlrTruncated}},
         {"no points", LasBuilder(12, 1).ProjectedEpsg(4326), {Code::NoPoints}},
+        {"day 366 of a common year", Good().CreationDate(366, 2023), {Code::DateImpossible}},
+        {"day 366 of a leap year", Good().CreationDate(366, 2024), {}},
+        {"year 40000", Good().CreationDate(12, 40000), {Code::DateImpossible}},
+        {"a day without a year", Good().CreationDate(12, 0), {Code::DateImpossible}},
+        {"years since 1900", Good().CreationDate(12, 107), {Code::DateImpossible}},
+        {"no date", Good().CreationDate(0, 0), {}},
+        {"extra bytes in two records",
+         Good().AddVlr("LASF_Spec", 4, descriptor).AddVlr("LASF_Spec", 4, descriptor),
+         {Code::ExtraBytesSpread}},
+        {"extra bytes in one record", Good().AddVlr("LASF_Spec", 4, descriptor + descriptor), {}},
         {"no CRS", LasBuilder(12, 1).AddPoints(1), {Code::NoCrs}},
         {"header size 0",
          Good().Lie<std::uint16_t>(94, 0),

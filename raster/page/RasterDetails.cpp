@@ -25,7 +25,7 @@ struct RasterTotals {
     std::uint64_t totalBytes = 0;  ///< with their sidecars
     double pixels = 0;
     std::size_t layers = 0;
-    std::vector<std::wstring> crsNames;  ///< each once, in order of the rows; "" for files without a CRS
+    std::vector<std::wstring> crsNames;  ///< of each group, in order of the rows; "" for files without a CRS
     bool isGeographic = false;
     /// Minimum X, minimum Y, maximum X, maximum Y over all files; none when their CRS differ or none has one.
     std::optional<std::array<double, 4>> extent;
@@ -57,7 +57,7 @@ std::wstring Count(std::size_t number) {
 RasterTotals RasterTotalsOf(std::span<const RasterRow> rows, std::span<const std::size_t> records) {
     RasterTotals totals;
     std::set<std::wstring> layers;
-    std::set<std::wstring> crsNames;
+    std::set<std::string> groups;  // different CRSs may have one name
     for (const std::size_t record : records) {
         const RasterRow& row = rows[record];
         ++totals.files;
@@ -71,7 +71,7 @@ RasterTotals RasterTotalsOf(std::span<const RasterRow> rows, std::span<const std
         }
         totals.pixels += static_cast<double>(row.Properties().width) * row.Properties().height;
         layers.insert(row.place.layer);
-        if (crsNames.insert(row.crs->name).second) {
+        if (groups.insert(LayerKeyOf(*row.crs)).second) {
             totals.crsNames.push_back(row.crs->name);
         }
         totals.isGeographic = row.crs->isGeographic;

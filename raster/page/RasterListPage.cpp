@@ -66,6 +66,12 @@ void RasterListPage::RowsRead(std::size_t first) {
     }
 }
 
+std::vector<std::function<void()>> RasterListPage::LateWork() const {
+    const bool isDem = use_ == RasterUse::Dem;
+    return IdentificationWork(UnidentifiedCrss(Model().Rows()),
+                              isDem ? Params().existingLasLayers : Params().existingRasterLayers);
+}
+
 void RasterListPage::StoreFiles(FilesByFolder& files, std::map<std::wstring, std::wstring>& layers) const {
     for (const std::size_t index : ShownRecords()) {
         const RasterRow& row = Model().Rows()[index];

@@ -20,6 +20,7 @@ class RasterListPage : public TypedFileListPage<RasterRow> {
     AddingSummary AddRows(AddingRequest request, const std::function<void()>& appended) override;
     bool RereadRows() override;
     void RowsRead(std::size_t first) override;
+    std::vector<std::function<void()>> LateWork() const override;
 
     /// Writes every row's file into the record, in the order that the grid shows them, and the layers of
     /// those that could be described.

@@ -28,6 +28,7 @@ struct FakeLasFileInfo final : LasFileInfo {
     std::array<double, 3> low{0, 0, 0};
     std::array<double, 3> high{10, 20, 30};
     bool readOnly = true;
+    bool damaged = false;
 
     const std::wstring& FileName() const override { return name; }
     int Version() const override { return 14; }
@@ -38,6 +39,7 @@ struct FakeLasFileInfo final : LasFileInfo {
     std::array<double, 3> Maximum() const override { return high; }
     std::string CrsWkt() const override { return wkt; }
     int GetCompanionStatus() const override { return 0; }
+    bool IsDamaged() const override { return damaged; }
     std::uint16_t RegisteredId() const override { return 1; }
 };
 
@@ -139,6 +141,25 @@ TEST(RecordFiles, RastersGoToLayersOfTheirOwnKind) {
     EXPECT_EQ(project.layers[2].wkt, kDegrees);
     EXPECT_EQ(project.LayersForDialog(LayerKind::Raster).size(), 2U);
     EXPECT_EQ(project.LayersForDialog(LayerKind::Las).size(), 1U);
+}
+
+TEST(CheckLidar, FilesWithErrorsAreLeftOutUnlessTheBoxIsChecked) {
+    const TemporaryFolder files;
+    Record record;
+    for (const wchar_t* name : {L"good.las", L"cut.las"}) {
+        files.Write(name, "content");
+        record.AddFile(FromPath(files.Path()), name, L"new").damaged = name[0] == L'c';
+    }
+    const std::set<std::wstring> damaged{JoinPath(FromPath(files.Path()), L"cut.las")};
+    const LidarReport careful = CheckLidar(Project(), record);
+    EXPECT_EQ(careful.leftOut, damaged);
+    EXPECT_EQ(careful.skipped, damaged);
+    EXPECT_FALSE(careful.damaged);
+    EXPECT_EQ(LasFilesOf(record, careful.skipped).size(), 1U);
+    record.lasLoadCorruptFiles = true;
+    const LidarReport bold = CheckLidar(Project(), record);
+    EXPECT_TRUE(bold.leftOut.empty() && bold.skipped.empty());
+    EXPECT_TRUE(bold.damaged) << "the question before adding says so";
 }
 
 TEST(CheckLidar, ReportsEachFindingByItself) {

@@ -59,7 +59,14 @@ const CrsCase kCrsCases[] = {
     {"compound", "EPSG:25832+5783", true},
     {"local", R"(LOCAL_CS["Site grid",LOCAL_DATUM["Site",0],UNIT["metre",1],AXIS["X",EAST],AXIS["Y",NORTH]])",
      true},
-    {"geographic with heights", "EPSG:4979", false},
+    {"geographic with heights", "EPSG:4979", true},
+    {"geographic and derived",
+     R"wkt(GEOGCRS["turned",BASEGEOGCRS["WGS 84",DATUM["World Geodetic System 1984",)wkt"
+     R"wkt(ELLIPSOID["WGS 84",6378137,298.257223563]]],DERIVINGCONVERSION["Turned pole",)wkt"
+     R"wkt(METHOD["Turned pole of our own"],PARAMETER["Latitude of the pole",39.25,)wkt"
+     R"wkt(ANGLEUNIT["degree",0.0174532925199433]]],CS[ellipsoidal,2],AXIS["latitude",north],)wkt"
+     R"wkt(AXIS["longitude",east],ANGLEUNIT["degree",0.0174532925199433]])wkt",
+     false},
     {"none", "", true},
 };
 

@@ -73,16 +73,14 @@ TEST(GeoKeys, BecomeAWkt) {
     }
 }
 
-TEST(GeoKeys, ThatNameNoCrsGiveNothingAndSayWhy) {
+TEST(GeoKeys, ThatCannotBeUsedGiveNothingAndSayWhy) {
     const struct {
         const char* what;
         std::string directory;
     } cases[] = {
         {"nothing", ""},
         {"three bytes", "abc"},
-        {"header only", Directory({})},
         {"announces keys that are not there", Directory({}, 65535)},
-        {"units only", Directory({{1025, 0, 1, 2}, {3076, 0, 1, 9001}, {4099, 0, 1, 9001}})},
         {"an unknown code", Directory({kProjected, {3072, 0, 1, 31}})},
         {"numbers beyond their record", Directory({{2057, 34736, 3, 65535}})},
         {"text beyond its record", Directory({{1026, 34737, 65535, 65535}})},
@@ -97,6 +95,15 @@ TEST(GeoKeys, ThatNameNoCrsGiveNothingAndSayWhy) {
                   "")
             << row.what;
         EXPECT_NE(reason, "") << row.what;
+    }
+}
+
+TEST(GeoKeys, ThatNameNoCrsAreNotDamaged) {
+    for (const std::string& directory :
+         {Directory({}), Directory({{1025, 0, 1, 2}, {3076, 0, 1, 9001}, {4099, 0, 1, 9001}})}) {
+        std::string reason;
+        EXPECT_EQ(OrvexUtilities::CrsWktFromGeoKeys(directory, "", "", reason), "");
+        EXPECT_EQ(reason, "");
     }
 }
 

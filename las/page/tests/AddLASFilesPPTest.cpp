@@ -6,10 +6,12 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTextEdit>
+#include <regex>
 
 #include "dialog/testing/PageFixture.h"
 #include "host/utilities/testing/LazSamples.h"
 #include "las/testing/LasBuilder.h"
+#include "orvexcommon/OrvexUtilities.h"
 #include "support/Format.h"
 
 namespace orvex {
@@ -73,19 +75,21 @@ TEST_F(LasPage, OpenModeAndPyramidTypeDecideWhatCanBeChosen) {
         int open;
         int load;
         int type;
-        bool pyramids;
+        bool inside;  ///< pyramids in the LAS files
+        bool beside;  ///< or beside them
         bool orvexLas;
     } cases[] = {
-        {259, 262, 268, false, false}, {259, 263, 268, false, false}, {260, 263, 268, false, false},
-        {260, 262, 268, true, true},   {260, 262, 269, true, false},  {260, 262, 270, true, false},
+        {259, 262, 268, false, true, false},  {259, 262, 269, false, true, false},
+        {259, 263, 268, false, false, false}, {260, 263, 268, false, false, false},
+        {260, 262, 268, true, true, true},    {260, 262, 269, true, true, false},
+        {260, 262, 270, true, true, false},
     };
     for (const auto& c : cases) {
         for (const int id : {c.open, c.load, c.type}) {
             Find<QAbstractButton>(id)->setChecked(true);
         }
-        for (const int id : {268, 269, 270}) {
-            EXPECT_EQ(Enabled(id), c.pyramids) << id;
-        }
+        EXPECT_EQ(Enabled(268), c.inside);
+        EXPECT_TRUE(Enabled(269) == c.beside && Enabled(270) == c.beside);
         for (const int id : {284, 375, 376, 377, 378, 417}) {
             EXPECT_EQ(Enabled(id), c.orvexLas) << id;
         }
@@ -93,6 +97,57 @@ TEST_F(LasPage, OpenModeAndPyramidTypeDecideWhatCanBeChosen) {
             EXPECT_TRUE(Enabled(id)) << id;
         }
     }
+}
+
+// Makers write the same CRS with and without its codes.
+TEST_F(LasPage, TheCodeOfACrsIsFoundAfterItsRowIsShown) {
+    const std::string coded = OrvexUtilities::CrsGetPrettyWktFromEPSG(25832);
+    const std::string plain = std::regex_replace(coded, std::regex(R"(,\s*AUTHORITY\["EPSG","\d+"\])"), "");
+    for (const auto& [name, wkt] : {std::pair(L"coded.las", coded), std::pair(L"plain.las", plain)}) {
+        folder.Write(name, testing::LasBuilder(14, 6).AddPoints(2).Wkt(wkt).Build());
+    }
+    page->AddPaths({folder.Name(L"coded.las"), folder.Name(L"plain.las")});
+    EXPECT_THAT(Shown("epsg"), ElementsAre(L"EPSG:25832", L"EPSG:25832"));
+    EXPECT_THAT(Shown("layer"), ElementsAre(L"LAS Layer_1", L"LAS Layer_1"));
+}
+
+TEST_F(LasPage, CrssThatShareANameAreNotAddedUp) {
+    for (const wchar_t* unit : {L"1", L"0.3048"}) {
+        const std::string wkt = "LOCAL_CS[\"Site grid\",UNIT[\"unit\"," + ToUtf8(unit) + "]]";
+        page->AddPaths({folder.Write(std::wstring(unit) + L".las",
+                                     testing::LasBuilder(14, 6).AddPoints(2).Wkt(wkt).Build())});
+    }
+    Grid().SelectRows({0, 1});
+    const std::wstring totals = ToWide(Details("detailsOverview"));
+    EXPECT_THAT(totals, HasSubstr(L"Site grid"));
+    EXPECT_THAT(totals, Not(HasSubstr(Text(text::kLasMinX))));
+}
+
+TEST_F(LasPage, AWktThatCannotBeReadIsShownAsItIs) {
+    page->AddPaths({folder.Write(
+        L"a.las",
+        testing::LasBuilder(14, 6).AddPoints(2).ProjectedEpsg(25832).Wkt("PROJCS[\"<cut>").Build())});
+    const std::wstring shown = ToWide(Details("detailsCrs"));
+    EXPECT_THAT(shown, HasSubstr(L"ETRS89 / UTM zone 32N"));
+    EXPECT_THAT(shown, HasSubstr(Text(text::kCrsSourceGeoKeys)));
+    EXPECT_THAT(shown, HasSubstr(Text(text::kDetailsUnreadableWkt)));
+    EXPECT_THAT(shown, HasSubstr(L"PROJCS[\"<cut>"));
+}
+
+TEST_F(LasPage, FilesWithErrorsAreMarkedForTheHost) {
+    const std::wstring good = Las(L"good.las");
+    const std::wstring cut = Las(L"cut.las");
+    std::filesystem::resize_file(ToPath(cut), std::filesystem::file_size(ToPath(cut)) - 1);
+    page->AddPaths({good, cut});
+    const std::wstring condition = LoadConditionText();
+    EXPECT_THAT(FindingsText(Rows()[1]), HasSubstr(condition));
+    EXPECT_THAT(FindingsText(Rows()[0]), Not(HasSubstr(condition)));
+    Grid().SelectRows({1});
+    EXPECT_THAT(ToWide(Details("detailsOverview")), HasSubstr(condition));
+    Check(260);  // opens the files anew
+    ASSERT_TRUE(Press("ok"));
+    EXPECT_FALSE(params.lasFileDetails.at(good)->IsDamaged());
+    EXPECT_TRUE(params.lasFileDetails.at(cut)->IsDamaged());
 }
 
 TEST_F(LasPage, OverwritingIsPendingOnlyForAConversionWithoutBackup) {
