@@ -3,6 +3,7 @@
 #include <QDragEnterEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMimeData>
 #include <QProgressBar>
 #include <QPushButton>
@@ -80,6 +81,11 @@ void AddFilesDlg::BuildWindow() {
     connect(
         progress_, &DialogProgress::RunningChanged, this,
         Guarded(services_.prompts, L"OnRunningChanged", [this](bool running) { OnRunningChanged(running); }));
+    connect(progress_, &DialogProgress::OutcomeChanged, this,
+            Guarded(services_.prompts, L"OnOutcomeChanged", [this](const QString& text) {
+                outcome_->setText(text);
+                outcome_->setVisible(!text.isEmpty());
+            }));
     connect(stop_, &QToolButton::clicked, progress_, &DialogProgress::Stop);
     connect(ok_, &QPushButton::clicked, this, &AddFilesDlg::accept);
     connect(cancel_, &QPushButton::clicked, this, &AddFilesDlg::reject);
@@ -103,8 +109,15 @@ QHBoxLayout* AddFilesDlg::BuildBottomRow() {
     cancel_ = new QPushButton;
     cancel_->setObjectName(QStringLiteral("cancel"));
 
+    outcome_ = new QLabel;
+    outcome_->setObjectName(QStringLiteral("outcome"));
+    outcome_->setTextFormat(Qt::PlainText);
+    outcome_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    outcome_->hide();
+
     auto* row = new QHBoxLayout;
     row->addWidget(bar_, 1);
+    row->addWidget(outcome_, 1);
     row->addWidget(stop_);
     row->addStretch(0);
     row->addWidget(ok_);
@@ -341,9 +354,19 @@ void AddFilesDlg::dropEvent(QDropEvent* event) {
         }
         if (page != nullptr) {
             event->acceptProposedAction();
-            AddPathsTo(*page, paths);
+            AddDropped(*page, paths);
         }
     });
+}
+
+// The program that files are dragged from waits until the event has been handled.
+void AddFilesDlg::AddDropped(AddFilesPage& page, std::vector<std::wstring> paths) {
+    QMetaObject::invokeMethod(
+        this,
+        [this, &page, paths = std::move(paths)] {
+            RunGuarded(services_.prompts, L"OnDropFiles", [&] { AddPathsTo(page, paths); });
+        },
+        Qt::QueuedConnection);
 }
 
 }  // namespace orvex

@@ -11,6 +11,7 @@
 #include "support/DesktopQt.h"
 
 class QHBoxLayout;
+class QLabel;
 class QProgressBar;
 class QPushButton;
 class QToolButton;
@@ -71,6 +72,7 @@ class AddFilesDlg : public QDialog {
     bool StorePages();
     void RestoreRecord() noexcept;
     void AddInitialPaths();
+    void AddDropped(AddFilesPage& page, std::vector<std::wstring> paths);
     void AddPathsTo(AddFilesPage& page, const std::vector<std::wstring>& paths);
     std::int32_t AskHostApplication();
     AddFilesPage* PageFor(const std::wstring& path) const;
@@ -82,6 +84,7 @@ class AddFilesDlg : public QDialog {
     std::vector<QIcon> images_;
     CTabCtrlEx* tabs_;
     QProgressBar* bar_;
+    QLabel* outcome_;
     QToolButton* stop_;
     QPushButton* ok_;
     QPushButton* cancel_;

@@ -57,6 +57,7 @@ void DialogProgress::Begin() {
     running_ = true;
     cancelled_ = false;
     sincePump_.start();
+    SetOutcome({});
     SetRange(0);
     SetText({});
     bar_->show();
@@ -91,6 +92,10 @@ void DialogProgress::SetPosition(std::uint64_t done) {
         const double share = static_cast<double>(std::min(done, total_)) / static_cast<double>(total_);
         bar_->setValue(static_cast<int>(share * kSteps));
     }
+}
+
+void DialogProgress::SetOutcome(const std::wstring& text) {
+    emit OutcomeChanged(ToQString(text));
 }
 
 bool DialogProgress::IsCancelled() {

@@ -37,6 +37,8 @@ class DialogProgress final : public QObject, public Kst::ProgressIf {
     /// Pumps events, at most every few milliseconds.
     bool IsCancelled() override;
     bool IsRunning() const { return running_; }
+    /// The line that ends a run: shown in place of the bar until the next one begins.
+    void SetOutcome(const std::wstring& text);
 
     /// Cancels the run, as Escape does; no effect if there is none.
     void Stop();
@@ -45,6 +47,7 @@ class DialogProgress final : public QObject, public Kst::ProgressIf {
 
   signals:
     void RunningChanged(bool running);
+    void OutcomeChanged(const QString& text);
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -5,12 +5,14 @@
 #include <condition_variable>
 #include <deque>
 #include <exception>
+#include <iterator>
 #include <mutex>
 #include <optional>
 #include <system_error>
 #include <thread>
 
 #include "dialog/page/BackgroundRun.h"
+#include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/ProgressIf.h"
@@ -36,13 +38,19 @@ constexpr std::size_t kBatchLimit = 100;
 constexpr auto kBatchEvery = std::chrono::milliseconds(30);
 constexpr std::size_t kProgressTextLimit = 256;
 
+// Letters' case does not tell files apart, except two that are there, on a system where it does.
+bool IsOneFile(const std::pair<std::wstring, std::wstring>& namesakes) {
+    const auto& [a, b] = namesakes;
+    return KindOf(a) == FileKind::Missing || KindOf(b) == FileKind::Missing || IsSameFile(a, b);
+}
+
 // What the threads of a run own; it may outlive the run. Results are taken in the order of the paths; null:
 // listed already.
 class Reading {
   public:
     Reading(AddingRequest request, std::function<std::wstring(const std::wstring&)> buddy, const Steps& steps)
         : paths_(std::move(request.paths)),
-          keys_(std::move(request.listedKeys)),
+          listed_(std::move(request.listed)),
           buddy_(std::move(buddy)),
           inspect_(steps.inspect),
           pathsAtOnce_(steps.pathsAtOnce) {}
@@ -84,6 +92,11 @@ class Reading {
 
   private:
     using Slot = std::optional<InspectedPtr>;
+    using Namesakes = std::pair<std::wstring, std::wstring>;  ///< paths with one key
+    struct Claimed {
+        std::size_t place;
+        std::vector<Namesakes> namesakes;
+    };
 
     void Begin(const std::stop_token& stop) {
         const std::lock_guard guard(lock_);
@@ -118,11 +131,14 @@ class Reading {
     void Read(std::size_t reader, const std::stop_token& stop) {
         try {
             while (true) {
-                const std::vector<std::size_t> places = Claim(reader, stop);
-                if (places.empty()) {
+                std::vector<Claimed> claimed = Claim(reader, stop);
+                if (claimed.empty()) {
                     return;
                 }
-                Put(places, inspect_(PathsAt(places)));
+                const std::vector<std::size_t> places = SkipListed(claimed);
+                if (!places.empty()) {
+                    Put(places, inspect_(PathsAt(places)));
+                }
             }
         } catch (...) {
             Close();
@@ -133,11 +149,11 @@ class Reading {
 
     // The next files to be read in one call, when there is room for what is found and work for so many
     // readers; none when there is nothing left to do.
-    std::vector<std::size_t> Claim(std::size_t reader, const std::stop_token& stop) {
+    std::vector<Claimed> Claim(std::size_t reader, const std::stop_token& stop) {
         std::unique_lock guard(lock_);
         const auto hasEnded = [&] { return closed_ || next_ == paths_.size(); };
         const auto hasRoom = [&] { return reader < wanted_ && slots_.size() < kQueueLimit; };
-        std::vector<std::size_t> places;
+        std::vector<Claimed> places;
         while (places.empty()) {
             changed_.wait(guard, stop, [&] { return hasEnded() || hasRoom(); });
             if (hasEnded() || stop.stop_requested()) {
@@ -154,15 +170,44 @@ class Reading {
     }
 
     // With the lock held.
-    void ClaimNext(std::vector<std::size_t>& places) {
+    void ClaimNext(std::vector<Claimed>& places) {
+        const std::wstring& path = paths_[next_];
+        std::vector<Namesakes> namesakes = NamesakesOf(path);
+        const std::wstring buddy = buddy_ ? buddy_(path) : std::wstring();
+        if (!buddy.empty()) {
+            std::ranges::move(NamesakesOf(buddy), std::back_inserter(namesakes));
+        }
         const std::size_t place = next_++;
-        if (IsListed(paths_[place])) {
+        if (std::ranges::any_of(namesakes, [](const Namesakes& both) { return both.first == both.second; })) {
             slots_.emplace_back(std::in_place, nullptr);
             return;
         }
-        keys_.insert(PathKey(paths_[place]));
+        listed_.emplace(PathKey(path), path);
         slots_.emplace_back();
-        places.push_back(place);
+        places.push_back({place, std::move(namesakes)});
+    }
+
+    // The path, with each path that is listed under the same key.
+    std::vector<Namesakes> NamesakesOf(const std::wstring& path) const {
+        std::vector<Namesakes> found;
+        const auto [first, last] = listed_.equal_range(PathKey(path));
+        std::transform(first, last, std::back_inserter(found), [&](const auto& entry) {
+            return Namesakes{path, entry.second};
+        });
+        return found;
+    }
+
+    // Those that are to be read. Without the lock: files are looked at, on a drive that may not answer.
+    std::vector<std::size_t> SkipListed(const std::vector<Claimed>& claimed) {
+        std::vector<std::size_t> places;
+        for (const Claimed& claim : claimed) {
+            if (std::ranges::any_of(claim.namesakes, IsOneFile)) {
+                Put({&claim.place, 1}, {});
+            } else {
+                places.push_back(claim.place);
+            }
+        }
+        return places;
     }
 
     std::vector<std::wstring> PathsAt(const std::vector<std::size_t>& places) const {
@@ -174,23 +219,17 @@ class Reading {
         return paths;
     }
 
-    void Put(const std::vector<std::size_t>& places, std::vector<InspectedPtr> results) {
+    // `results`: none for files that are listed already.
+    void Put(std::span<const std::size_t> places, std::vector<InspectedPtr> results) {
+        results.resize(places.size());
         const std::lock_guard guard(lock_);
         for (std::size_t i = 0; i < places.size() && !closed_; ++i) {
             slots_[places[i] + slots_.size() - next_] = std::move(results[i]);
         }
     }
 
-    bool IsListed(const std::wstring& path) const {
-        if (keys_.contains(PathKey(path))) {
-            return true;
-        }
-        const std::wstring other = buddy_ ? buddy_(path) : std::wstring();
-        return !other.empty() && keys_.contains(PathKey(other));
-    }
-
     const std::vector<std::wstring> paths_;
-    std::unordered_set<std::wstring> keys_;
+    std::unordered_multimap<std::wstring, std::wstring> listed_;  ///< paths by key, those being read too
     const std::function<std::wstring(const std::wstring&)> buddy_;
     const std::function<std::vector<InspectedPtr>(std::span<const std::wstring>)> inspect_;
     const std::size_t pathsAtOnce_;

@@ -6,7 +6,7 @@
 #include <memory>
 #include <span>
 #include <string>
-#include <unordered_set>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -33,9 +33,9 @@ struct AddingDescription {
 
 /// What is to be added to what.
 struct AddingRequest {
-    std::vector<std::wstring> paths;              ///< full paths, added in this order
-    std::unordered_set<std::wstring> listedKeys;  ///< PathKey of every path in the grid
-    std::size_t rowsBefore = 0;                   ///< rows in the grid
+    std::vector<std::wstring> paths;                             ///< full paths, added in this order
+    std::unordered_multimap<std::wstring, std::wstring> listed;  ///< the paths in the grid by their PathKey
+    std::size_t rowsBefore = 0;                                  ///< rows in the grid
 };
 
 struct AddingSummary {

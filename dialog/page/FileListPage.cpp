@@ -12,6 +12,7 @@
 #include "dialog/page/BackgroundRun.h"
 #include "support/DataKinds.h"
 #include "support/Files.h"
+#include "support/Format.h"
 #include "support/HandlerGuard.h"
 #include "support/QtText.h"
 
@@ -130,6 +131,7 @@ void FileListPage::AddFiles(std::vector<std::wstring> paths) {
     }
     DoLateWork();
     FilesAdded(wasEmpty);
+    Progress().SetOutcome(FormatText(Text(text::kFilesAdded), {summary.added, summary.skipped}));
     if (!summary.abandonedPath.empty()) {
         ShowMessage(Text(text::kLasFileNotAnswering) + L"\n\n" + summary.abandonedPath,
                     description_.pickCaption, PromptIcon::Warning);
@@ -194,7 +196,11 @@ void FileListPage::dragEnterEvent(QDragEnterEvent* event) {
 
 void FileListPage::dropEvent(QDropEvent* event) {
     event->acceptProposedAction();
-    RunGuarded(Services().prompts, L"OnDropFiles", [&] { AddPaths(PathsOf(*event->mimeData())); });
+    RunGuarded(Services().prompts, L"OnDropFiles", [&] {
+        // The program that they are dragged from waits until the event has been handled.
+        QMetaObject::invokeMethod(
+            this, [this, paths = PathsOf(*event->mimeData())] { AddPaths(paths); }, Qt::QueuedConnection);
+    });
 }
 
 }  // namespace orvex

@@ -119,7 +119,7 @@ class TypedFileListPage : public FileListPage {
     AddingRequest RequestFor(std::vector<std::wstring> paths) const override {
         AddingRequest request{std::move(paths), {}, model_->Count()};
         for (const Row& row : model_->Rows()) {
-            request.listedKeys.insert(PathKey(row.path));
+            request.listed.emplace(PathKey(row.path), row.path);
         }
         return request;
     }

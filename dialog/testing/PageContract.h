@@ -315,12 +315,16 @@ TEST_P(FilePage, DroppedFilesAreAddedByTheirExtension) {
     EXPECT_FALSE(page->Accepts(other));
     Good(L"in/b");
     const std::wstring a = Good(L"a");
-    Drop({a, other, FolderOf(a) + L"/A" + ToUpper(GetParam().extension), folder.Name(L"in")});
+    DropOn(*page, {a, other, FolderOf(a) + L"/A" + ToUpper(GetParam().extension), folder.Name(L"in")},
+           [this] { EXPECT_EQ(Model().rowCount(), 0); });
     EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"a"), NameOf(L"b")));
     ASSERT_THAT(prompts.shown, ::testing::SizeIs(1));
     EXPECT_EQ(prompts.shown[0].text, FormatText(Text(GetParam().ignored), {1}));
     Drop({a});
     EXPECT_EQ(Model().rowCount(), 2) << "a file is listed once";
+    const auto* outcome = dialog->findChild<QLabel*>(QStringLiteral("outcome"));
+    EXPECT_TRUE(outcome->isVisible());
+    EXPECT_EQ(ToWide(outcome->text()), FormatText(Text(text::kFilesAdded), {0, 1}));
 }
 
 TEST_P(FilePage, ProgressIsShownAndEscapeKeepsWhatWasAdded) {

@@ -3,6 +3,7 @@
 #include <QDropEvent>
 #include <QMimeData>
 #include <QUrl>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,8 +16,10 @@
 
 namespace orvex::testing {
 
-/// Drags files over a window and drops them there.
-inline void DropOn(QWidget& window, const std::vector<std::wstring>& paths) {
+/// Drags files over a window and drops them there. `released` is called when the program that they come from
+/// need not wait any longer.
+inline void DropOn(
+    QWidget& window, const std::vector<std::wstring>& paths, const std::function<void()>& released = [] {}) {
     QMimeData data;
     QList<QUrl> urls;
     for (const std::wstring& path : paths) {
@@ -27,6 +30,8 @@ inline void DropOn(QWidget& window, const std::vector<std::wstring>& paths) {
     QApplication::sendEvent(&window, &enter);
     QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&window, &drop);
+    released();
+    QCoreApplication::sendPostedEvents(&window, QEvent::MetaCall);
 }
 
 /// What the dialog and its pages ask for, answered by scripts and kept in memory; a base of test fixtures.

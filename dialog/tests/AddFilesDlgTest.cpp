@@ -320,7 +320,8 @@ TEST_F(Shell, EscapeEndsTheAddingOfAllInitialPaths) {
 TEST_F(Shell, DropsGoToTheShownPageOrTheFirstThatKnowsTheFiles) {
     params.showRasterTab = true;
     const auto dialog = Open();
-    testing::DropOn(*dialog, {L"/data/a b.las", L"/data/x.txt"});
+    testing::DropOn(*dialog, {L"/data/a b.las", L"/data/x.txt"},
+                    [this] { EXPECT_THAT(journal.added, IsEmpty()); });
     EXPECT_THAT(journal.added, ElementsAre(NativePath(L"/data/a b.las"), NativePath(L"/data/x.txt")));
     EXPECT_EQ(dialog->Tabs().ShownIndex(), 0);
     testing::DropOn(*dialog, {L"/data/image.tif"});

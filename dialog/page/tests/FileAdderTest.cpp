@@ -9,9 +9,11 @@
 #include <stdexcept>
 #include <thread>
 
+#include "support/Files.h"
 #include "support/Format.h"
 #include "support/ProgressIf.h"
 #include "support/testing/Scripted.h"
+#include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
@@ -109,12 +111,27 @@ TEST_F(FileAdding, SkipsWhatIsListedInAnyLetterCaseOrAsABuddy) {
     };
     const AddingSummary summary = Add(
         {{L"/d/a.las", L"/D/OLD.las", L"/d/A.LAS", L"/d/a.laz", L"/d/listed.laz", L"/d/b.laz", L"/d/b.las"},
-         {PathKey(L"/d/old.las"), PathKey(L"/d/LISTED.las")},
+         {{PathKey(L"/d/old.las"), L"/d/old.las"}, {PathKey(L"/d/LISTED.las"), L"/d/LISTED.las"}},
          2});
     EXPECT_THAT(Paths(), ElementsAre(L"/d/a.las", L"/d/b.laz"));
     EXPECT_EQ(summary.skipped, 5U);
     EXPECT_EQ(summary.offered, 7U);
     EXPECT_THAT(prompts.shown, IsEmpty());
+}
+
+TEST_F(FileAdding, TellsFilesApartThatDifferInTheCaseOfTheirNames) {
+    const testing::TemporaryFolder folder;
+    const std::wstring lower = folder.Write(L"tile.las", "a");
+    const std::wstring upper = folder.Write(L"Tile.las", "b");
+    const std::wstring linked = folder.Name(L"TILE.las");
+    const std::wstring missing = folder.Name(L"TILE.LAS");
+    const bool areTwo = !IsSameFile(lower, upper);  // not on Windows
+    std::error_code error;
+    std::filesystem::create_hard_link(ToPath(lower), ToPath(linked), error);
+    const AddingSummary summary = Add({{upper, linked, missing, upper}, {{PathKey(lower), lower}}, 1});
+    EXPECT_THAT(Paths(), SizeIs(areTwo ? 1U : 0U));
+    EXPECT_EQ(summary.skipped, areTwo ? 3U : 4U);
+    EXPECT_TRUE(!areTwo || Paths()[0] == upper);
 }
 
 TEST_F(FileAdding, AsksOnceWhenTheGridReachesTenRows) {
@@ -248,8 +265,11 @@ class BatchReading : public FileAdding {
 
 TEST_F(BatchReading, KeepsTheOrderAndReadsEachFileOnceButThoseThatAreListed) {
     auto paths = Files(1003);
-    const AddingSummary summary =
-        AddInBatches({paths, {PathKey(paths[0]), PathKey(paths[500]), PathKey(paths[1002])}, 3});
+    const AddingSummary summary = AddInBatches({paths,
+                                                {{PathKey(paths[0]), paths[0]},
+                                                 {PathKey(paths[500]), paths[500]},
+                                                 {PathKey(paths[1002]), paths[1002]}},
+                                                3});
     EXPECT_EQ(summary.added, 1000U);
     EXPECT_EQ(summary.skipped, 3U);
     EXPECT_EQ(progress.total, 1003U);
