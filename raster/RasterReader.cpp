@@ -33,9 +33,11 @@ std::string ReadStart(const std::wstring& path) {
     if (kind == FileKind::Folder) {
         throw LDataError(Text(text::kRasterIsFolder));
     }
-    if (kind != FileKind::File) {
-        throw LDataError(
-            Text(kind == FileKind::Missing ? text::kRasterFileMissing : text::kRasterNotRegularFile));
+    if (kind == FileKind::Missing) {
+        throw LDataError(Text(text::kRasterFileMissing));
+    }
+    if (kind == FileKind::Other) {
+        throw LDataError(Text(text::kRasterNotRegularFile));
     }
     std::ifstream file(ToPath(path), std::ios::binary);
     std::array<char, kStartBytes> bytes{};

@@ -8,6 +8,7 @@
 #include <optional>
 #include <ratio>
 #include <string>
+#include <utility>
 
 namespace orvex {
 
@@ -25,10 +26,11 @@ void ForgetStreamError();
 
 /// Kind of what a path names; links are followed.
 enum class FileKind {
-    Missing,  ///< nothing, a broken link, or no permission to look
+    Missing,  ///< nothing, or a broken link
     File,     ///< a regular file
     Folder,
-    Other,  ///< a pipe, a device ...
+    Other,     ///< a pipe, a device ...
+    NoAccess,  ///< unknown: no permission to look, or links in a circle
 };
 FileKind KindOf(const std::wstring& path);
 inline bool FileExists(const std::wstring& path) {
@@ -64,6 +66,30 @@ SystemError RenameToFreeName(const std::wstring& from, const std::wstring& to, b
 SystemError RemoveFile(const std::wstring& path);
 /// Creates a folder and its missing parents.
 SystemError CreateFolders(const std::wstring& path);
+
+/// A file that this process has made and others can tell from one that a killed process has left: it stays
+/// locked until this object is destroyed or the process ends in any way. Move-only.
+class OwnedFile {
+  public:
+    OwnedFile() = default;
+    OwnedFile(OwnedFile&& other) noexcept : handle_(std::exchange(other.handle_, kNone)) {}
+    OwnedFile& operator=(OwnedFile other) noexcept {
+        std::swap(handle_, other.handle_);
+        return *this;
+    }
+    ~OwnedFile();
+
+    /// Makes an empty file; it may be opened for writing, renamed and removed meanwhile. An error if the name
+    /// is taken.
+    SystemError Create(const std::wstring& path);
+    /// Removes a file that no process owns. Where the file system has no locks, nothing is removed.
+    static void RemoveIfAbandoned(const std::wstring& path);
+
+  private:
+    static constexpr std::intptr_t kNone = -1;
+
+    std::intptr_t handle_ = kNone;
+};
 
 /// Bytes that this user may still write to the folder's volume; nullopt if unknown.
 std::optional<std::uint64_t> FreeSpaceIn(const std::wstring& folder);

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <limits>
 #include <system_error>
 
 #include "support/Files.h"
@@ -18,6 +19,7 @@ namespace fs = std::filesystem;
 FileKind KindOfType(fs::file_type type) {
     switch (type) {
         case fs::file_type::none:
+            return FileKind::NoAccess;
         case fs::file_type::not_found:
             return FileKind::Missing;
         case fs::file_type::regular:
@@ -51,7 +53,8 @@ void ForgetStreamError() {
 
 FileKind KindOf(const std::wstring& path) {
     std::error_code error;
-    return KindOfType(fs::status(ToPath(path), error).type());
+    const FileKind kind = KindOfType(fs::status(ToPath(path), error).type());
+    return error == std::errc::filename_too_long ? FileKind::Missing : kind;
 }
 
 bool CanCreateFilesIn(const std::filesystem::path& folder) {
@@ -125,6 +128,51 @@ SystemError RenameToFreeName(const std::wstring& from, const std::wstring& to, b
 SystemError RemoveFile(const std::wstring& path) {
     std::error_code error;
     return fs::remove(ToPath(path), error) || error ? error.value() : ENOENT;
+}
+
+namespace {
+
+/// Locks a byte far behind any data for one descriptor, so that no writer is in the way.
+SystemError LockOwner(int descriptor) {
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = std::numeric_limits<off_t>::max() - 1;
+    lock.l_len = 1;
+    return fcntl(descriptor, F_OFD_SETLK, &lock) == 0 ? 0 : errno;
+}
+
+}  // namespace
+
+OwnedFile::~OwnedFile() {
+    if (handle_ != kNone) {
+        close(static_cast<int>(handle_));
+    }
+}
+
+SystemError OwnedFile::Create(const std::wstring& path) {
+    const int descriptor = open(ToUtf8(path).c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (descriptor < 0) {
+        return errno;
+    }
+    handle_ = descriptor;
+    const SystemError error = LockOwner(descriptor);
+    // Another process may have found the file before it was locked, and removed it.
+    struct stat status {};
+    const bool isGone = fstat(descriptor, &status) == 0 && status.st_nlink == 0;
+    return error == EAGAIN || error == EACCES || isGone ? EAGAIN : 0;
+}
+
+void OwnedFile::RemoveIfAbandoned(const std::wstring& path) {
+    const std::string name = ToUtf8(path);
+    const int descriptor = open(name.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0) {
+        return;
+    }
+    if (LockOwner(descriptor) == 0) {
+        unlink(name.c_str());
+    }
+    close(descriptor);
 }
 
 SystemError CreateFolders(const std::wstring& path) {

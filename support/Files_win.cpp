@@ -137,7 +137,17 @@ void ForgetStreamError() {
 
 FileKind KindOf(const std::wstring& path) {
     const auto facts = FactsOf(path);
-    return facts ? KindOfAttributes(facts->dwFileAttributes) : FileKind::Missing;
+    if (facts) {
+        return KindOfAttributes(facts->dwFileAttributes);
+    }
+    switch (GetLastError()) {
+        case ERROR_ACCESS_DENIED:
+        case ERROR_SHARING_VIOLATION:
+        case ERROR_CANT_RESOLVE_FILENAME:
+            return FileKind::NoAccess;
+        default:
+            return FileKind::Missing;
+    }
 }
 
 bool CanCreateFilesIn(const std::filesystem::path& folder) {
@@ -219,6 +229,28 @@ SystemError RemoveFile(const std::wstring& path) {
     const bool isFolder =
         attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     return Result(isFolder ? RemoveDirectoryW(native.c_str()) : DeleteFileW(native.c_str()));
+}
+
+// Whoever has the file open owns it: a file that is open is not opened a second time without sharing.
+OwnedFile::~OwnedFile() {
+    if (handle_ != kNone) {
+        CloseHandle(reinterpret_cast<HANDLE>(handle_));
+    }
+}
+
+SystemError OwnedFile::Create(const std::wstring& path) {
+    Handle file(CreateFileW(ToPath(path).c_str(), GENERIC_READ, kShareAll, nullptr, CREATE_NEW,
+                            FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) {
+        return static_cast<SystemError>(GetLastError());
+    }
+    handle_ = reinterpret_cast<std::intptr_t>(file.Release());
+    return 0;
+}
+
+void OwnedFile::RemoveIfAbandoned(const std::wstring& path) {
+    const Handle file(CreateFileW(ToPath(path).c_str(), DELETE, 0, nullptr, OPEN_EXISTING,
+                                  FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
 }
 
 SystemError CreateFolders(const std::wstring& path) {

@@ -1,5 +1,7 @@
 #include "support/Text.h"
 
+#include <algorithm>
+
 namespace orvex {
 namespace {
 
@@ -190,6 +192,16 @@ std::string ValidUtf8(std::string_view bytes) {
 
 bool EqualNoCase(std::wstring_view a, std::wstring_view b) {
     return a.size() == b.size() && ToUpper(a) == ToUpper(b);
+}
+
+std::wstring WithoutControls(std::wstring text, std::wstring_view kept) {
+    std::ranges::replace_if(
+        text,
+        [kept](wchar_t c) {
+            return (c < L' ' || (c >= 0x7F && c < 0xA0)) && kept.find(c) == std::wstring_view::npos;
+        },
+        L' ');
+    return text;
 }
 
 std::wstring FileNameOf(std::wstring_view path) {

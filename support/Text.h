@@ -46,6 +46,10 @@ std::wstring ToUpper(std::wstring_view text);
 /// Case-insensitive equality.
 bool EqualNoCase(std::wstring_view a, std::wstring_view b);
 
+/// The text with blanks for its control characters except `kept`: the name of a file must not drive a
+/// terminal.
+std::wstring WithoutControls(std::wstring text, std::wstring_view kept = {});
+
 /// Last component of a path.
 std::wstring FileNameOf(std::wstring_view path);
 /// The path without its last component and without a trailing separator (a root keeps its own: "/", "C:\",

@@ -19,6 +19,7 @@
 #include "host/app/SampleProject.h"
 #include "host/objects/HostClasses.h"
 #include "support/Environment.h"
+#include "support/Format.h"
 #include "support/LDataError.h"
 
 namespace orvex {
@@ -32,6 +33,11 @@ QString SampleProjectFolder() {
     const QString folder =
         QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + "/orvex/sample-project";
     return ToQString(FromPath(EnsureSampleProject(ToPath(ToWide(folder)))));
+}
+
+std::wstring SampleProjectFailure() {
+    return FormatText(Text(text::kSampleProjectFailed),
+                      {ToWide(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation))});
 }
 
 /// Every file of a sample project that the dialog takes.
@@ -127,10 +133,7 @@ int RunInteractive(int& argc, char** argv, const HostArguments& arguments) {
     const host::HostClasses classes = MakeHostClasses(window);
     window.show();
     if (start.project.isEmpty()) {
-        QMessageBox::warning(
-            &window, HostText(text::kHostName),
-            HostText(text::kSampleProjectFailed,
-                     {ToWide(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation))}));
+        QMessageBox::warning(&window, HostText(text::kHostName), ToQString(SampleProjectFailure()));
     } else {
         window.OpenProject(start.project);
     }
@@ -145,6 +148,10 @@ int RunInteractive(int& argc, char** argv, const HostArguments& arguments) {
 /// the user's changes), prints the record and leaves pictures. 0 when the record holds files.
 int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     const QTemporaryDir folder;
+    if (!folder.isValid()) {
+        throw LDataError(FormatText(Text(text::kTemporaryFolderFailed),
+                                    {ToWide(QDir::tempPath()), ToWide(folder.errorString())}));
+    }
     const PrivateSettings settings(ToPath(ToWide(folder.filePath("settings"))));
     Watchdog watchdog(kPatience);
     const auto application = MakeApplication(argc, argv, arguments, folder.path());
@@ -152,16 +159,21 @@ int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     watchdog.WaitingFor("the sample project");
     const QStringList paths =
         arguments.paths.isEmpty() ? SampleFiles(SampleProjectFolder()) : arguments.paths;
+    if (paths.isEmpty()) {
+        throw LDataError(SampleProjectFailure());
+    }
     HostPreferences preferences{QString()};
     preferences.dark = arguments.dark;
     preferences.writesBesideData = arguments.paths.isEmpty();  // what is given is the user's
     HostWindow window(preferences);
     const host::HostClasses classes = MakeHostClasses(window);
-    window.OpenProject(arguments.projectFolder.isEmpty() ? folder.filePath("project")
-                                                         : arguments.projectFolder);
-    window.show();
     DialogDriver driver({arguments.pictureFolder, PictureSuffix(arguments)}, std::cout, watchdog);
-    driver.Start();
+    driver.Start();  // from now on messages are answered, and printed with their reason
+    if (!window.OpenProject(arguments.projectFolder.isEmpty() ? folder.filePath("project")
+                                                              : arguments.projectFolder)) {
+        return 1;
+    }
+    window.show();
     window.AddFiles(paths);
     std::cout << window.LastRecord().toStdString() << std::flush;
     watchdog.WaitingFor("the picture of the host");
@@ -189,7 +201,8 @@ bool Exist(const QStringList& paths) {
     for (const QString& path : paths) {
         std::error_code error;
         if (!std::filesystem::exists(ToPath(ToWide(path)), error)) {
-            std::cerr << HostText(text::kPathDoesNotExist, {ToWide(path)}).toStdString() << '\n';
+            std::cerr << HostText(text::kPathDoesNotExist, {WithoutControls(ToWide(path))}).toStdString()
+                      << '\n';
             all = false;
         }
     }

@@ -68,7 +68,7 @@ class CsvReportWriter final : public ReportWriter {
 
   private:
     void Field(std::string_view text) {
-        out_ << (first_ ? "" : ",") << CsvField(ValidUtf8(text));
+        out_ << (first_ ? "" : ",") << CsvField(ValidUtf8(ToUtf8(WithoutControls(FromUtf8(text), L"\n"))));
         first_ = false;
     }
     void EndLine() {

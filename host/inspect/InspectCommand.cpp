@@ -29,6 +29,11 @@ struct Options {
     std::wstring error;
 };
 
+/// A text about a path or an argument, as one line.
+std::wstring PathLine(StringId text, const std::wstring& path, const std::wstring& reason = {}) {
+    return WithoutControls(FormatText(Text(text), {path, reason}));
+}
+
 /// Number of jobs, 1 to kMostJobs; nullopt for any other text.
 std::optional<unsigned> ParseJobs(const std::wstring& text) {
     unsigned jobs = 0;
@@ -70,7 +75,7 @@ void ParseOption(const std::vector<std::wstring>& arguments, std::size_t& i, Opt
         options.kind = FindReportKind(*name);
         options.error = options.kind != nullptr ? L"" : Text(text::kInspectAsValues);
     } else {
-        options.error = FormatText(Text(text::kInspectUnknownOption), {argument});
+        options.error = PathLine(text::kInspectUnknownOption, argument);
     }
 }
 
@@ -92,10 +97,11 @@ Options ParseArguments(const std::vector<std::wstring>& arguments) {
     return options;
 }
 
-/// Files to read, and paths that do not exist or cannot be looked at.
+/// Files to read, and lines for the user about paths that do not exist, cannot be read or hold nothing.
 struct InputPaths {
     std::vector<std::wstring> files;
-    std::vector<std::wstring> missing;
+    std::vector<std::wstring> failures;
+    std::vector<std::wstring> remarks;
 };
 
 bool IsSearched(const std::wstring& path, const Options& options) {
@@ -103,24 +109,40 @@ bool IsSearched(const std::wstring& path, const Options& options) {
 }
 
 /// Files below a folder in natural order of their full paths. Links to folders are not followed (they can
-/// form cycles); a subfolder that cannot be read is skipped.
-std::vector<std::wstring> SearchFolder(const std::wstring& top, const Options& options) {
+/// form cycles). What cannot be read is added to the failures.
+void SearchFolder(const std::wstring& top, const Options& options, InputPaths& inputs) {
+    const std::size_t failuresBefore = inputs.failures.size();
     std::vector<std::wstring> found;
     std::vector<std::wstring> waiting{top};
     while (!waiting.empty()) {
         const std::wstring folder = std::move(waiting.back());
         waiting.pop_back();
-        ListFolder(folder, [&](FolderEntry entry) {
-            if (entry.kind == FileKind::Folder && !entry.isLink) {
+        std::wstring hidden;  // of a folder whose names may be read, but not what they stand for
+        SystemError error = ListFolder(folder, [&](FolderEntry entry) {
+            if (entry.isLink && entry.kind != FileKind::File) {
+                return true;
+            }
+            if (entry.kind == FileKind::NoAccess) {
+                hidden = std::move(entry.path);
+            } else if (entry.kind == FileKind::Folder) {
                 waiting.push_back(std::move(entry.path));
             } else if (entry.kind == FileKind::File && IsSearched(entry.path, options)) {
                 found.push_back(std::move(entry.path));
             }
             return true;
         });
+        if (error == 0 && !hidden.empty()) {
+            error = ListFolder(hidden, [](const FolderEntry&) { return false; });
+        }
+        if (error != 0) {
+            inputs.failures.push_back(PathLine(text::kInspectUnreadable, folder, SystemErrorText(error)));
+        }
+    }
+    if (found.empty() && inputs.failures.size() == failuresBefore) {
+        inputs.remarks.push_back(PathLine(text::kInspectNothingFound, top));
     }
     SortNaturally(found);
-    return found;
+    std::ranges::move(found, std::back_inserter(inputs.files));
 }
 
 InputPaths CollectInputPaths(const Options& options) {
@@ -128,10 +150,12 @@ InputPaths CollectInputPaths(const Options& options) {
     for (const std::wstring& text : options.paths) {
         const std::wstring path = NativePath(text);
         const FileKind kind = KindOf(path);
-        if (kind == FileKind::Folder) {
-            std::ranges::move(SearchFolder(path, options), std::back_inserter(inputs.files));
+        if (kind == FileKind::Missing) {
+            inputs.failures.push_back(PathLine(text::kPathDoesNotExist, path));
+        } else if (kind == FileKind::Folder || kind == FileKind::NoAccess) {
+            SearchFolder(path, options, inputs);
         } else {
-            (kind == FileKind::Missing ? inputs.missing : inputs.files).push_back(path);
+            inputs.files.push_back(path);
         }
     }
     return inputs;
@@ -209,8 +233,10 @@ int RunInspectCommand(const std::vector<std::wstring>& arguments, const InspectS
     }
     const InputPaths inputs = CollectInputPaths(options);
     const bool complete = WriteReports(inputs.files, options, streams);
-    for (const std::wstring& path : inputs.missing) {
-        WriteLine(streams.err, FormatText(Text(text::kPathDoesNotExist), {path}));
+    for (const auto* lines : {&inputs.failures, &inputs.remarks}) {
+        for (const std::wstring& line : *lines) {
+            WriteLine(streams.err, line);
+        }
     }
     if (!complete && streams.stop()) {
         return kInspectStopped;
@@ -219,7 +245,7 @@ int RunInspectCommand(const std::vector<std::wstring>& arguments, const InspectS
         WriteLine(streams.err, Text(text::kInspectWriteFailed));
         return kInspectFailed;
     }
-    return inputs.missing.empty() ? kInspectOk : kInspectPathMissing;
+    return inputs.failures.empty() ? kInspectOk : kInspectPathMissing;
 }
 
 }  // namespace orvex

@@ -18,7 +18,7 @@ struct InspectStreams {
 
 /// Exit codes of the command.
 inline constexpr int kInspectOk = 0;
-inline constexpr int kInspectPathMissing = 1;
+inline constexpr int kInspectPathMissing = 1;  ///< of a path, or of a folder below one; or it cannot be read
 inline constexpr int kInspectUsage = 2;
 inline constexpr int kInspectFailed = 3;  ///< the output could not be written, or something unforeseen
 inline constexpr int kInspectStopped = 130;

@@ -13,13 +13,6 @@ namespace {
 
 constexpr std::size_t kWidestCell = 60;  ///< characters; the last column is as wide as it is
 
-/// One line: control characters would break the table, or drive the terminal.
-std::wstring OneLine(std::wstring text) {
-    std::replace_if(
-        text.begin(), text.end(), [](wchar_t c) { return c < L' ' || (c >= 0x7F && c < 0xA0); }, L' ');
-    return text;
-}
-
 // The table is for people: it prints some of the pages' columns, between the file and what is wrong with it.
 constexpr const char* kPageColumns[] = {"fileType",   "imageSize", "bands",      "bitsPerBand", "pixelSizes",
                                         "linearUnit", "version",   "compressed", "pointFormat", "points",
@@ -69,7 +62,7 @@ class TableReportWriter final : public ReportWriter {
     void Write(const FileReport& report) override {
         Row row;
         for (std::size_t column = 0; column < kColumnCount; ++column) {
-            row[column] = Fitted(OneLine(Value(column, report)), column);
+            row[column] = Fitted(WithoutControls(Value(column, report)), column);
         }
         rows_.push_back(std::move(row));
     }

@@ -70,6 +70,10 @@ TEST(MappedFile, NamesTheSystemsReason) {
     EXPECT_NE(file.Open(pipe, true), 0) << "does not wait for a writer either";
     EXPECT_FALSE(file.IsOpen());
     EXPECT_FALSE(SystemErrorText(ENOENT).empty());
+
+    std::filesystem::create_symlink("circle", folder.Path() / "circle");
+    EXPECT_EQ(KindOf(folder.Name(L"circle")), FileKind::NoAccess);
+    EXPECT_EQ(KindOf(pipe), FileKind::Other);
 }
 
 }  // namespace

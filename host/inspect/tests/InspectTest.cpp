@@ -2,11 +2,15 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <nlohmann/json.hpp>
+#include <numeric>
 #include <regex>
 #include <sstream>
+#include <system_error>
 
 #include "host/inspect/InspectCommand.h"
+#include "host/inspect/OrderedJobs.h"
 #include "host/inspect/ReportWriter.h"
 #include "las/testing/LasBuilder.h"
 #include "raster/testing/GeoTiff.h"
@@ -164,6 +168,53 @@ TEST(InspectCommand, RefusesUnknownArgumentsAndReportsMissingPaths) {
     EXPECT_EQ(Json::parse(missing.out).size(), 1U) << "the others are printed";
 }
 
+TEST(InspectCommand, ReportsWhatItCannotReadAndFoldersWithoutFiles) {
+    const TemporaryFolder folder;
+    folder.Write(L"empty/notes.txt", "no LAS");
+    const Outcome empty = Inspect({folder.Name(L"empty")});
+    EXPECT_EQ(empty.code, kInspectOk);
+    EXPECT_THAT(empty.err, HasSubstr("empty' holds no file"));
+
+    EXPECT_THAT(Inspect({L"bell\a.las"}).err, HasSubstr("'bell .las' does not exist"));
+    std::error_code refused;  // on Windows by a right that few users have
+    std::filesystem::create_symlink("circle", folder.Path() / "circle", refused);
+    if (!refused) {
+        const Outcome circle = Inspect({folder.Name(L"circle")});
+        EXPECT_EQ(circle.code, kInspectPathMissing);
+        EXPECT_THAT(circle.err, HasSubstr("circle' cannot be read: "));
+    }
+}
+
+TEST(OrderedJobs, EndsWithTheThreadsThatCanBeStarted) {
+    constexpr std::size_t kItems = 100;  // more than may wait
+    for (const std::size_t threads : {0U, 1U, 3U}) {
+        std::size_t started = 0;
+        OrderedJobs<std::size_t> jobs(
+            kItems, 4, [](std::size_t i) { return i; },
+            [&](std::function<void()> run) {
+                if (started++ == threads) {
+                    throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+                }
+                return std::jthread(std::move(run));
+            });
+        std::vector<std::size_t> taken;
+        EXPECT_TRUE(jobs.Run(
+            [&](std::size_t, std::size_t&& result) {
+                taken.push_back(result);
+                return true;
+            },
+            [] { return false; }));
+        std::vector<std::size_t> all(kItems);
+        std::iota(all.begin(), all.end(), std::size_t{0});
+        EXPECT_EQ(taken, all);
+
+        OrderedJobs<std::size_t> failing(kItems, 4, [](std::size_t i) { return i; });
+        EXPECT_THROW(failing.Run([](std::size_t, std::size_t&&) -> bool { throw std::bad_alloc(); },
+                                 [] { return false; }),
+                     std::bad_alloc);
+    }
+}
+
 TEST(InspectCommand, ReadsAFileAsTheKindOfItsNameOrOfTheOption) {
     const TemporaryFolder folder;
     const std::wstring image = GeoTiff().Write(folder, L"a.tif");
@@ -225,13 +276,13 @@ TEST(InspectCommand, StopsWithACompleteDocumentAndReportsAFullDrive) {
 TEST(InspectCsv, PrintsTheColumnsOfThePages) {
     const TemporaryFolder folder;
     FileReport report = InspectFile(folder.Write(L"a.las", LasBuilder().AddPoints(3).Build()));
-    report.path = L"a, \"b\".las";
+    report.path = L"a, \"b\"\x1b.las";
     std::ostringstream out;
     const auto writer = MakeReportWriter(ReportFormat::Csv, out);
     writer->Write(report);
     writer->Finish();
     EXPECT_THAT(out.str(), StartsWith("path,kind,loadable,summary,findings,"));
-    EXPECT_THAT(out.str(), HasSubstr("\r\n\"a, \"\"b\"\".las\",las,true,"));
+    EXPECT_THAT(out.str(), HasSubstr("\r\n\"a, \"\"b\"\" .las\",las,true,"));
 
     const std::string raster = Inspect({L"--csv", Heights(-9999).Write(folder, L"a.tif")}).out;
     EXPECT_THAT(raster, HasSubstr(",500000,5299995,,500010,5300000,,"));
