@@ -5,10 +5,12 @@
 
 namespace orvex {
 
-/// Name for writing a file beside its target; the file is removed unless it is committed.
+/// File that is written beside its target and removed unless it is committed. Files of this kind that killed
+/// processes have left in the folder are removed, with what has been made under their names and a further
+/// extension.
 class TemporaryFile {
   public:
-    /// Chooses the name; creates nothing.
+    /// Makes an empty file, unless the folder refuses; who writes it then learns why.
     explicit TemporaryFile(const std::wstring& target);
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile&) = delete;
@@ -22,8 +24,11 @@ class TemporaryFile {
     SystemError CommitTo(const std::wstring& freeName, bool& taken);
 
   private:
+    SystemError Committed(SystemError error);
+
     std::wstring target_;
     std::wstring path_;
+    OwnedFile file_;
     bool committed_ = false;
 };
 

@@ -1,12 +1,12 @@
 #include "host/app/RasterJobs.h"
 
 #include <algorithm>
-#include <random>
 
 #include "host/dem/HostGdal.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
+#include "support/TemporaryFile.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -63,7 +63,7 @@ std::vector<int> LevelsFor(GDALDataset& raster) {
     return levels;
 }
 
-/// A file that is removed at the end, unless it has been renamed until then.
+/// A file that is removed at the end, unless it has been renamed by then.
 class Scratch {
   public:
     explicit Scratch(std::wstring path) : path_(std::move(path)) {}
@@ -76,12 +76,6 @@ class Scratch {
   private:
     std::wstring path_;
 };
-
-/// A name beside the raster that no other file has; the file of levels is made under it and "ovr".
-std::wstring TemporaryName(const std::wstring& path) {
-    std::random_device random;
-    return FolderOf(path) + L"/.orvex-" + std::to_wstring(random()) + L".vrt";
-}
 
 [[noreturn]] void Fail(const std::wstring& reason) {
     throw LDataError(reason.empty() ? Text(text::kPyramidsUnreadable) : reason);
@@ -145,7 +139,7 @@ Built BuildOne(const std::wstring& path, PartProgress& progress) {
     if (KindOf(target) != FileKind::Missing) {
         throw LDataError(TakenText(target));
     }
-    const Scratch standIn(TemporaryName(path));
+    const TemporaryFile standIn(path);
     const Scratch levels(standIn.Path() + L".ovr");
     if (!BuildLevels(*raster, standIn.Path(), progress)) {
         return Built::Stopped;

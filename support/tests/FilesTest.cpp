@@ -3,9 +3,11 @@
 #include <gmock/gmock.h>
 
 #include <fstream>
+#include <set>
 
 #include "support/ByteReader.h"
 #include "support/MappedFile.h"
+#include "support/TemporaryFile.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 #include "support/testing/TestSystem.h"
@@ -127,6 +129,35 @@ TEST(Files, AFolderIsListedUntilTheVisitorHasEnough) {
     EXPECT_EQ(ListFolder(FromPath(folder.Path()), [&](const FolderEntry&) { return ++visits == 5; }), 0);
     EXPECT_EQ(visits, 1);
     EXPECT_NE(ListFolder(folder.Name(L"ü.las"), collect), 0);
+}
+
+TEST(TemporaryFile, RemovesWhatKilledProcessesLeft) {
+    const TemporaryFolder folder;
+    const TemporaryFile running(folder.Name(L"a.las"));
+    const std::wstring levels = FileNameOf(running.Path()) + L".ovr";
+    for (const std::wstring& name :
+         {std::wstring(L".orvex-1.tmp"), std::wstring(L".orvex-1.tmp.ovr"), std::wstring(L".orvex-2.tmp.ovr"),
+          std::wstring(L".orvex-notes.tmp"), std::wstring(L"a.tmp"), levels}) {
+        folder.Write(name, "bytes");
+    }
+    // A folder is searched once under each of its names.
+    const std::wstring again = folder.Name(L"../" + FileNameOf(FromPath(folder.Path())));
+    TemporaryFile next(again + L"/b.las");
+    const std::wstring nextName = FileNameOf(next.Path());
+    const auto names = [&] {
+        std::set<std::wstring> found;
+        ListFolder(FromPath(folder.Path()), [&](const FolderEntry& entry) {
+            found.insert(FileNameOf(entry.path));
+            return true;
+        });
+        return found;
+    };
+    EXPECT_THAT(names(), UnorderedElementsAre(L".orvex-notes.tmp", L"a.tmp", levels,
+                                              FileNameOf(running.Path()), nextName));
+    std::ofstream(ToPath(next.Path()), std::ios::binary | std::ios::trunc) << "whole";
+    EXPECT_EQ(next.Commit(), 0);
+    EXPECT_EQ(testing::ReadFile(folder.Name(L"b.las")), "whole");
+    EXPECT_FALSE(names().contains(nextName));
 }
 
 TEST(MappedFile, ReadsAndMapsBeyondFourGigabytes) {
