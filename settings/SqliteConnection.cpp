@@ -47,6 +47,20 @@ std::filesystem::path FreeNameFor(const std::filesystem::path& file) {
     return {};
 }
 
+/// Renames a file that has no journal; null if that fails.
+std::filesystem::path Rename(const std::filesystem::path& file) {
+    std::filesystem::path name = FreeNameFor(file);
+    bool taken = false;
+    for (const char* journal : {"-journal", "-wal"}) {
+        std::filesystem::path beside = file;
+        taken = taken || !IsFreeName(beside += journal);
+    }
+    if (taken || name.empty() || RenameToFreeName(FromPath(file), FromPath(name), taken) != 0) {
+        return {};
+    }
+    return name;
+}
+
 /// Makes SQLite treat a file as empty, whatever is in it.
 void TreatAsEmpty(const SqliteConnection& connection) {
     if (connection.OpenResult() == SQLITE_OK) {
@@ -160,6 +174,31 @@ bool IsCorruptDatabase(const std::filesystem::path& file, const SqliteLimits& li
     return IsCorruption(result) || (result == SQLITE_ROW && check.Text(0) != "ok");
 }
 
+bool IsForeign(const SqliteConnection& connection, const char* query) {
+    SqliteStatement any(connection, "SELECT 1 FROM sqlite_master LIMIT 1");
+    return (SqliteStatement(connection, query).Result() & 0xFF) == SQLITE_ERROR && any.Step() == SQLITE_ROW;
+}
+
+std::filesystem::path SetAsideForeignFile(const std::filesystem::path& file, const char* query,
+                                          const SqliteLimits& limits) {
+    const FolderLock lock(file.parent_path(), limits.waitUntil);
+    if (!lock.IsHeld()) {
+        throw LDataError(FromPath(file) + L": its folder stays locked");
+    }
+    const StoreFileKind kind = KindOfStoreFile(file, limits.waitUntil);
+    const bool isStill = kind == StoreFileKind::Other ||
+                         (kind == StoreFileKind::Regular &&
+                          IsForeign(SqliteConnection(file, SqliteConnection::Mode::Existing, limits), query));
+    if (!isStill) {
+        return {};
+    }
+    std::filesystem::path name = Rename(file);
+    if (name.empty()) {
+        throw LDataError(FromPath(file) + L": it cannot be renamed");
+    }
+    return name;
+}
+
 std::filesystem::path ResetCorruptDatabase(const std::filesystem::path& file, const SqliteLimits& limits) {
     // Writers queue at this lock too, so none begins between the copy and the emptying.
     const FolderLock lock(file.parent_path(), limits.waitUntil);
@@ -168,6 +207,11 @@ std::filesystem::path ResetCorruptDatabase(const std::filesystem::path& file, co
     }
     if (!IsCorruptDatabase(file, limits)) {
         return {};
+    }
+    if (FileSizeOf(FromPath(file)).value_or(0) > kLargestCopy) {
+        if (std::filesystem::path renamed = Rename(file); !renamed.empty()) {
+            return renamed;
+        }
     }
     std::filesystem::path copy = FreeNameFor(file);
     // The copy is made while no connection is open: on Linux, closing any descriptor of a file drops the

@@ -79,6 +79,9 @@ class SqliteStatement {
     int result_ = SQLITE_OK;
 };
 
+/// True if the database has tables, but not those of the query: it is another program's.
+bool IsForeign(const SqliteConnection& connection, const char* query);
+
 /// True for SQLite's results that mean a corrupt file.
 bool IsCorruption(int result);
 
@@ -87,8 +90,16 @@ bool IsCorruptDatabase(const std::filesystem::path& file, const SqliteLimits& li
 
 /// Copies a corrupt SQLite file to "NAME.damaged-1" (or the next free number) and empties it under SQLite's
 /// own locks. It is not renamed: a process that still has it open would take the journal of the new file for
-/// the renamed one's, and play it back. Returns the copy; an empty path if another process has reset the file
-/// meanwhile. Throws LDataError if it cannot be reset: no rights, no space, too large or no time.
+/// the renamed one's, and play it back. Only one that is too large for a copy is renamed, if it has no
+/// journal. Returns the copy; an empty path if another process has reset the file meanwhile. Throws
+/// LDataError if it cannot be reset: no rights, no space or no time.
 std::filesystem::path ResetCorruptDatabase(const std::filesystem::path& file, const SqliteLimits& limits);
+
+/// Renames what is no store of this program, as ResetCorruptDatabase names its copies: a folder, a link that
+/// leads nowhere, or a database that IsForeign. Returns the new name; an empty path if another process has
+/// done it meanwhile. Throws LDataError if it cannot be renamed, or has a journal that belongs to its present
+/// name.
+std::filesystem::path SetAsideForeignFile(const std::filesystem::path& file, const char* query,
+                                          const SqliteLimits& limits);
 
 }  // namespace orvex

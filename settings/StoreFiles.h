@@ -13,7 +13,7 @@ namespace orvex {
 enum class StoreFileKind {
     Nothing,   ///< no such name
     Regular,   ///< a readable regular file
-    Other,     ///< a folder, a pipe, a device
+    Other,     ///< a folder, a pipe, a device, links in a circle
     NoAccess,  ///< unknown, or not readable
     Busy,      ///< another program has the file open exclusively (Windows)
 };

@@ -26,7 +26,8 @@ StoreFileKind KindOfStoreFile(const fs::path& file, std::chrono::steady_clock::t
         case fs::file_type::regular:
             return StoreFileKind::Regular;
         case fs::file_type::none:
-            return StoreFileKind::NoAccess;
+            return error == std::errc::too_many_symbolic_link_levels ? StoreFileKind::Other
+                                                                     : StoreFileKind::NoAccess;
         default:
             return StoreFileKind::Other;
     }

@@ -107,6 +107,9 @@ StoreFileKind KindOfStoreFile(const fs::path& file, Clock::time_point until) {
             return KindOf(handle.Get());
         }
         const DWORD error = GetLastError();
+        if (error == ERROR_CANT_RESOLVE_FILENAME) {
+            return StoreFileKind::Other;
+        }
         if (error != ERROR_SHARING_VIOLATION) {
             return IsNotThere(error) ? StoreFileKind::Nothing : StoreFileKind::NoAccess;
         }

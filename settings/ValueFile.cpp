@@ -17,6 +17,7 @@ constexpr auto kLongestWork = std::chrono::milliseconds(700);
 // After a wait in vain the next calls do not wait, so that a dialog that reads twenty options is held up
 // once.
 constexpr auto kPauseAfterWait = std::chrono::seconds(3);
+constexpr auto kLastWait = std::chrono::seconds(5);
 constexpr int kAttempts = 3;
 // SQLite and the copies append to the name, so the prefix for long names comes earlier.
 constexpr std::size_t kRoomForSuffixes = 48;
@@ -44,9 +45,20 @@ bool RanOutOfTime(int result) {
     return Primary(result) == SQLITE_BUSY || Primary(result) == SQLITE_INTERRUPT;
 }
 
-/// SQLite's result for a file of a kind that cannot be used.
+/// Of a file that is none of this program's stores; no result of SQLite's.
+constexpr int kForeign = SQLITE_FORMAT;
+constexpr const char* kForeignText = "its tables are another program's";
+
+/// SQLite's result, or kForeign, for a file of a kind that cannot be used.
 int ResultFor(StoreFileKind kind) {
-    return kind == StoreFileKind::Busy ? SQLITE_BUSY : SQLITE_CANTOPEN;
+    switch (kind) {
+        case StoreFileKind::Busy:
+            return SQLITE_BUSY;
+        case StoreFileKind::Other:
+            return kForeign;
+        default:
+            return SQLITE_CANTOPEN;
+    }
 }
 
 }  // namespace
@@ -56,11 +68,30 @@ ValueFile::ValueFile(const std::filesystem::path& file, ValueFileOwner owner)
       folder_(file_.has_parent_path() ? file_.parent_path() : std::filesystem::path(".")),
       owner_(owner) {}
 
+bool ValueFile::IsBefore::operator()(const Place& a, const Place& b) const {
+    const int keys = sqlite3_stricmp(a.first.c_str(), b.first.c_str());
+    return keys != 0 ? keys < 0 : sqlite3_stricmp(a.second.c_str(), b.second.c_str()) < 0;
+}
+
+ValueFile::~ValueFile() {
+    if (!waiting_.empty()) {
+        const auto until = Clock::now() + kLastWait;
+        WriteWaiting({until, until});
+    }
+}
+
 RegistryStatus ValueFile::Find(std::wstring_view key, std::wstring_view name, Value& value) {
-    const std::string keyText = ToUtf8(key);
-    const std::string nameText = ToUtf8(name);
+    if (!waiting_.empty()) {
+        WriteWaiting(Limits());
+    }
+    const Place place(ToUtf8(key), ToUtf8(name));
+    if (const auto kept = waiting_.find(place); kept != waiting_.end()) {
+        value = kept->second;
+        return RegistryStatus::Ok;
+    }
     const int result =
-        Try([&](const SqliteLimits& limits) { return TryFind(limits, keyText, nameText, value); }, "read");
+        Try([&](const SqliteLimits& limits) { return TryFind(limits, place.first, place.second, value); },
+            "read", Limits());
     return result == SQLITE_ROW    ? RegistryStatus::Ok
            : result == SQLITE_DONE ? RegistryStatus::NotFound
                                    : RegistryStatus::NoAccess;
@@ -68,23 +99,36 @@ RegistryStatus ValueFile::Find(std::wstring_view key, std::wstring_view name, Va
 
 RegistryStatus ValueFile::Store(std::wstring_view key, std::wstring_view name, std::int64_t type,
                                 std::span<const std::byte> data) {
-    const std::string keyText = ToUtf8(key);
-    const std::string nameText = ToUtf8(name);
-    const int result =
-        Try([&](const SqliteLimits& limits) { return TryStore(limits, keyText, nameText, type, data); },
-            "written");
-    return result == SQLITE_OK ? RegistryStatus::Ok : RegistryStatus::NoAccess;
+    const auto place =
+        waiting_.insert_or_assign({ToUtf8(key), ToUtf8(name)}, Value{type, {data.begin(), data.end()}}).first;
+    const int result = WriteWaiting(Limits());
+    if (result == SQLITE_OK) {
+        return RegistryStatus::Ok;
+    }
+    if (owner_ == ValueFileOwner::User && !file_.empty() && (RanOutOfTime(result) || result == kForeign)) {
+        return RegistryStatus::Ok;
+    }
+    waiting_.erase(place);
+    return RegistryStatus::NoAccess;
 }
 
-int ValueFile::Try(const Attempt& attempt, const char* doing) {
+int ValueFile::WriteWaiting(const SqliteLimits& limits) {
+    const int result =
+        Try([&](const SqliteLimits& within) { return TryStore(within, waiting_); }, "written", limits);
+    if (result == SQLITE_OK) {
+        waiting_.clear();
+    }
+    return result;
+}
+
+int ValueFile::Try(const Attempt& attempt, const char* doing, const SqliteLimits& limits) {
     if (file_.empty()) {
         return SQLITE_CANTOPEN;
     }
-    const SqliteLimits limits = Limits();
     int result = SQLITE_CANTOPEN;
     for (int i = 0; i < kAttempts; ++i) {
         result = attempt(limits);
-        if (!IsCorruption(result) || !Reset(limits)) {
+        if (!Repair(result, limits)) {
             break;
         }
     }
@@ -116,14 +160,17 @@ int ValueFile::TryFind(const SqliteLimits& limits, std::string_view key, std::st
         return result;
     }
     failure_ = connection.ErrorText();
+    if (result == SQLITE_ERROR && IsForeign(connection, kFind)) {
+        failure_ = kForeignText;
+        return kForeign;
+    }
     const bool isEmpty = result == SQLITE_ERROR && !connection.HasTable(kTable);
     const bool hasGone = Primary(result) == SQLITE_CANTOPEN &&
                          KindOfStoreFile(file_, limits.waitUntil) == StoreFileKind::Nothing;
     return isEmpty || hasGone ? SQLITE_DONE : result;
 }
 
-int ValueFile::TryStore(const SqliteLimits& limits, std::string_view key, std::string_view name,
-                        std::int64_t type, std::span<const std::byte> data) {
+int ValueFile::TryStore(const SqliteLimits& limits, const Values& values) {
     const StoreFileKind before = KindOfStoreFile(file_, limits.waitUntil);
     if (before == StoreFileKind::Nothing) {
         MakeStoreFolder(folder_, Readers());
@@ -139,8 +186,8 @@ int ValueFile::TryStore(const SqliteLimits& limits, std::string_view key, std::s
     // writers line up here first, and a writer that has begun lets the next one to the head of the line.
     FolderLock turn(folder_, limits.waitUntil);
     SqliteConnection connection(file_, SqliteConnection::Mode::Create, limits);
-    const int result = RunStore(connection, turn, key, name, type, data);
-    failure_ = connection.ErrorText();
+    const int result = RunStore(connection, turn, values);
+    failure_ = result == kForeign ? kForeignText : connection.ErrorText();
     if (result != SQLITE_OK) {
         return result;
     }
@@ -150,23 +197,32 @@ int ValueFile::TryStore(const SqliteLimits& limits, std::string_view key, std::s
     return SQLITE_OK;
 }
 
-int ValueFile::RunStore(SqliteConnection& connection, FolderLock& turn, std::string_view key,
-                        std::string_view name, std::int64_t type, std::span<const std::byte> data) {
+int ValueFile::RunStore(SqliteConnection& connection, FolderLock& turn, const Values& values) {
     // "BEGIN IMMEDIATE" waits for other writers here, before anything is read, so none is overtaken. With
     // "NORMAL" a power failure cannot cost more than the newest values, and a write waits for fewer flushes.
-    for (const char* sql : {"PRAGMA synchronous = NORMAL", "BEGIN IMMEDIATE", kCreateTable}) {
+    for (const char* sql : {"PRAGMA synchronous = NORMAL", "BEGIN IMMEDIATE"}) {
         if (const int result = connection.Execute(sql); result != SQLITE_OK) {
             return result;
         }
     }
+    if (IsForeign(connection, kFind)) {
+        return kForeign;
+    }
+    if (const int result = connection.Execute(kCreateTable); result != SQLITE_OK) {
+        return result;
+    }
     turn.Release();
-    SqliteStatement store(connection, kStore);
-    store.BindText(1, key);
-    store.BindText(2, name);
-    store.BindInteger(3, type);
-    store.BindBlob(4, data);
-    const int result = store.Step();
-    return result == SQLITE_DONE ? connection.Execute("COMMIT") : result;
+    for (const auto& [place, value] : values) {
+        SqliteStatement store(connection, kStore);
+        store.BindText(1, place.first);
+        store.BindText(2, place.second);
+        store.BindInteger(3, value.type);
+        store.BindBlob(4, value.data);
+        if (const int result = store.Step(); result != SQLITE_DONE) {
+            return result;
+        }
+    }
+    return connection.Execute("COMMIT");
 }
 
 bool ValueFile::IsUsable(StoreFileKind kind) {
@@ -189,19 +245,22 @@ StoreReaders ValueFile::Readers() const {
     return owner_ == ValueFileOwner::User ? StoreReaders::OwnerOnly : StoreReaders::Everybody;
 }
 
-bool ValueFile::Reset(const SqliteLimits& limits) {
-    if (owner_ != ValueFileOwner::User) {
+/// True if another attempt may succeed.
+bool ValueFile::Repair(int result, const SqliteLimits& limits) {
+    if (owner_ != ValueFileOwner::User || !(IsCorruption(result) || result == kForeign)) {
         return false;
     }
     try {
-        const std::filesystem::path copy = ResetCorruptDatabase(file_, limits);
-        if (!copy.empty()) {
-            Warn("is damaged (" + failure_ + "); it starts afresh, a copy is kept as " +
-                 ToUtf8(FromPath(copy.filename())));
+        const bool isForeign = result == kForeign;
+        const std::filesystem::path kept =
+            isForeign ? SetAsideForeignFile(file_, kFind, limits) : ResetCorruptDatabase(file_, limits);
+        if (!kept.empty()) {
+            Warn((isForeign ? "is no store of this program (" : "is damaged (") + failure_ +
+                 "); it starts afresh, what was there is kept as " + ToUtf8(FromPath(kept.filename())));
         }
         return true;
     } catch (const LDataError&) {
-        return false;  // the caller logs the damage itself
+        return false;  // the caller logs the failure itself
     }
 }
 

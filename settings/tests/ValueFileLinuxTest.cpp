@@ -21,11 +21,14 @@ TEST_F(ValueFileLinuxTest, AUsersNewFolderIsKeptFromOthers) {
     EXPECT_EQ(rights & (fs::perms::group_all | fs::perms::others_all), fs::perms::none);
 }
 
-TEST_F(ValueFileLinuxTest, APipeInTheFilesPlaceIsLeftAlone) {
+TEST_F(ValueFileLinuxTest, APipeOrACircleOfLinksInTheFilesPlaceIsSetAside) {
     ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
-    EXPECT_EQ(Get(file_, L"a"), "!");
-    EXPECT_FALSE(Put(file_, L"a", "1"));
-    EXPECT_TRUE(fs::is_fifo(path_));
+    EXPECT_EQ(Get(file_, L"a"), "-");
+    EXPECT_TRUE(fs::is_fifo(path_.string() + ".damaged-1"));
+    fs::create_symlink(path_.filename(), path_);
+    EXPECT_TRUE(Put(file_, L"a", "1"));
+    EXPECT_TRUE(fs::is_symlink(path_.string() + ".damaged-2"));
+    EXPECT_EQ(Get(file_, L"a"), "1");
 }
 
 TEST_F(ValueFileLinuxTest, AFullDiskKeepsTheOldValue) {
@@ -53,10 +56,10 @@ TEST_F(ValueFileLinuxTest, OptionsAreInOneFilePerRootInTheConfigFolder) {
 TEST_F(ValueFileLinuxTest, OptionsOfAnUnreadableStoreAreTheDefaults) {
     const testing::Variable own(L"ORVEX_CONFIG_DIR", FromPath(folder_.Path()));
     fs::create_directory(path_);
+    fs::create_directory(path_.string() + "-journal");
     const auto registry = MakeRegistryStore();
     const OptionStore options(*registry);
     EXPECT_EQ(options.Get(opt2AddLASThinning, std::int32_t{1}), 16);
-    EXPECT_FALSE(options.Put(opt2AddLASThinning, std::int32_t{4}));
     EXPECT_EQ(options.ReadPlacement(L"AddFilesDlgA"), std::nullopt);
 }
 

@@ -52,16 +52,17 @@ TEST_F(ValueFileWinTest, ItsNameMayBeLongAndInAnyScript) {
     EXPECT_TRUE(FileExists(name + L".damaged-1"));
 }
 
-TEST_F(ValueFileWinTest, AFileThatAnotherProgramKeepsToItselfIsRefusedUntilItIsFree) {
+TEST_F(ValueFileWinTest, AFileThatAnotherProgramKeepsToItselfGetsItsValuesWhenItIsFree) {
     EXPECT_TRUE(Put(file_, L"a", "1"));
     {
         const Handle kept(CreateFileW(path_.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
         ASSERT_TRUE(kept);
         EXPECT_EQ(Get(file_, L"a"), "!");
-        EXPECT_FALSE(Put(file_, L"a", "2"));
+        EXPECT_TRUE(Put(file_, L"a", "2"));
     }
-    EXPECT_EQ(Get(file_, L"a"), "1");
-    EXPECT_TRUE(Put(file_, L"a", "2"));
+    EXPECT_EQ(Get(file_, L"b"), "-");
+    ValueFile other(path_, ValueFileOwner::User);
+    EXPECT_EQ(Get(other, L"a"), "2");
 }
 
 TEST_F(ValueFileWinTest, ALockWhoseThreadDiedIsTakenOver) {
