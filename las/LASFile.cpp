@@ -43,11 +43,7 @@ LASFile::~LASFile() = default;
 std::unique_ptr<LASFile> LASFile::Open(const std::wstring& fileName, bool readOnly, bool skipPointMapping) {
     std::unique_ptr<LASFile> las(new LASFile(fileName, readOnly));
     MappedFile file = las->OpenFile();
-    if (readOnly) {
-        las->CopyHeader(file);
-    } else {
-        las->MapHeader(file);
-    }
+    las->CopyHeader(file);
     las->ReadRecords(file);
     las->Register();
     las->companionStatus_ = FindCompanionStatus(fileName, las->GetVLRs(), las->evlrs_);
@@ -61,8 +57,12 @@ MappedFile LASFile::OpenFile() {
     MappedFile file;
     if (const SystemError error = file.Open(fileName_, readOnly_)) {
         // Checked only now: of thousands of files nearly all exist.
-        if (!FileExists(fileName_)) {
+        const FileKind kind = KindOf(fileName_);
+        if (kind == FileKind::Missing) {
             ThrowOpenError(L"'%s' file does not exist. Cannot open.", fileName_);
+        }
+        if (kind == FileKind::Folder || kind == FileKind::Other) {
+            ThrowOpenError(Text(text::kLasNotRegularFile), fileName_);
         }
         ThrowOpenError(L"CreateFile failed on '%s'. GetLastError: %i.", fileName_, error);
     }
@@ -76,7 +76,8 @@ MappedFile LASFile::OpenFile() {
     return file;
 }
 
-// Fields that a truncated file lacks stay zero.
+// Fields that a truncated file lacks stay zero. Of one that is opened for writing, the whole header counts or
+// the legacy one.
 void LASFile::CopyHeader(const MappedFile& file) {
     headerCopy_ = std::make_unique<std::byte[]>(las::kHeaderSize14);
     const std::span<std::byte> block(headerCopy_.get(), las::kHeaderSize14);
@@ -87,58 +88,26 @@ void LASFile::CopyHeader(const MappedFile& file) {
     if (read < las::kLegacyHeaderSize) {
         ThrowOpenError(L"ReadHeaderBlock failed on '%s'.", fileName_);
     }
-    if (read < las::kHeaderSize13) {
+    if (read < (readOnly_ ? las::kHeaderSize13 : las::kHeaderSize14)) {
         // Half an offset is none.
         std::ranges::fill(block.subspan(las::kLegacyHeaderSize), std::byte{0});
     }
     header_ = LasHeader(block);
 }
 
-void LASFile::MapHeader(const MappedFile& file) {
-    for (const std::size_t length : {las::kHeaderSize14, las::kLegacyHeaderSize}) {
-        if (file.Map(0, length, true, headerView_) == 0) {
-            header_ = LasHeader(headerView_.Bytes());
-            return;
-        }
-    }
-    ThrowOpenError(L"ReadHeaderBlock failed on '%s'.", fileName_);
-}
-
 void LASFile::ReadRecords(const MappedFile& file) {
     SystemError error = 0;
     try {
-        error = LoadVlrs(file);
+        error = ReadVlrs(file, header_, vlrs_);
     } catch (const std::bad_alloc&) {
         ThrowOpenError(Text(text::kVlrReadFailed), fileName_);
     }
     if (error != 0) {
         ThrowOpenError(Text(text::kVlrReadFailed), fileName_, error);
     }
-    ShareHeaderMapping();
     ReadExtraBytes();
     if (header_.VersionCode() == las::kLas14) {
         evlrs_ = ReadEvlrs(file, header_.EvlrStart(), header_.EvlrCount(), !readOnly_);
-    }
-}
-
-// A file that may be written has its VLR area mapped: the file from its first byte up to its points.
-SystemError LASFile::LoadVlrs(const MappedFile& file) {
-    if (readOnly_) {
-        return ReadVlrs(file, header_, vlrs_);
-    }
-    const std::uint64_t length = std::min<std::uint64_t>(header_.OffsetToPoints(), fileSize_);
-    FileBytes area;
-    const SystemError error = length == 0 ? 0 : area.Map(file, 0, length, true);
-    vlrs_ = ListVlrs(std::move(area), header_);
-    return error;
-}
-
-// The mapped VLR area starts with the header. A process can have some 65,000 mappings, and a list tens of
-// thousands of files: the header's own mapping is given up.
-void LASFile::ShareHeaderMapping() {
-    if (!readOnly_ && vlrs_.bytes.Bytes().size() >= las::kHeaderSize14) {
-        header_ = LasHeader(vlrs_.bytes.Bytes().first(las::kHeaderSize14));
-        headerView_ = {};
     }
 }
 

@@ -19,8 +19,9 @@ namespace orvex {
 
 class LasPointViews;
 
-/// Open LAS file. The members of LasFileInfo are described there. A file opened read-only without its point
-/// data keeps no descriptor.
+/// Open LAS file. The members of LasFileInfo are described there. Header and records are copies, so that
+/// nothing that happens to the file later can harm the process; without its point data an object keeps
+/// neither descriptor nor mapping.
 class LASFile final : public LasFileInfo {
   public:
     /// Opens a file; `skipPointMapping` leaves the point data unmapped, as for a list of files. Throws
@@ -69,10 +70,7 @@ class LASFile final : public LasFileInfo {
     LASFile(const std::wstring& fileName, bool readOnly);
     MappedFile OpenFile();
     void CopyHeader(const MappedFile& file);
-    void MapHeader(const MappedFile& file);
     void ReadRecords(const MappedFile& file);
-    SystemError LoadVlrs(const MappedFile& file);
-    void ShareHeaderMapping();
     void ReadExtraBytes();
     void Register();
 
@@ -86,7 +84,6 @@ class LASFile final : public LasFileInfo {
     CompanionStatus companionStatus_ = CompanionStatus::None;
     std::uint64_t fileSize_ = 0;
     std::unique_ptr<std::byte[]> headerCopy_;
-    MappedView headerView_;
     LasHeader header_;
     VlrList vlrs_;
     std::vector<EvlrEntry> evlrs_;

@@ -39,7 +39,7 @@ constexpr std::array<std::uint8_t, 11> kDataTypeSizes{0, 1, 1, 2, 2, 4, 4, 8, 8,
 
 class EvlrReader {
   public:
-    EvlrReader(const MappedFile& file, bool mapData) : file_(file), mapData_(mapData) {}
+    EvlrReader(const MappedFile& file, bool truncates) : file_(file), truncates_(truncates) {}
 
     std::vector<EvlrEntry> Read(std::uint64_t start, std::uint32_t count) {
         if (file_.Size(fileSize_) != 0) {
@@ -88,21 +88,19 @@ class EvlrReader {
     }
 
     void ReadData(EvlrEntry& entry, std::uint64_t position) {
-        if (entry.IsTruncated() && !mapData_) {
+        if (entry.IsTruncated() && !truncates_) {
             ThrowDataError();
         }
         const std::uint64_t length = std::min(entry.RecordLength(), BytesFrom(position));
-        if (!mapData_ && length > kMostRecordData - copied_) {
+        if (length > kMostRecordData - copied_) {
             return;
         }
-        const bool isCopied = length == 0 || !mapData_;
-        FileBytes data;
-        const SystemError error = isCopied ? data.Copy(file_, position, static_cast<std::size_t>(length))
-                                           : data.Map(file_, position, length, false);
-        if (error != 0 || data.Bytes().size() < length) {
+        std::vector<std::byte> data(static_cast<std::size_t>(length));
+        std::size_t read = 0;
+        if (file_.ReadAt(position, data, read) != 0 || read < length) {
             ThrowDataError();
         }
-        copied_ += isCopied ? length : 0;
+        copied_ += length;
         entry.SetData(std::move(data));
     }
 
@@ -117,7 +115,7 @@ class EvlrReader {
     }
 
     const MappedFile& file_;
-    bool mapData_;
+    bool truncates_;
     std::uint64_t fileSize_ = 0;
     std::uint64_t copied_ = 0;  // bytes of data in private memory
 };
@@ -158,11 +156,12 @@ class VlrReader {
         WalkVlrs(header, end, [&](std::uint64_t start) { return Keep(start, end); });
         // The views are made once the bytes stay where they are.
         kept_.shrink_to_fit();
-        list.bytes = FileBytes(std::move(kept_));
+        list.bytes = std::move(kept_);
         list.records.reserve(places_.size());
         for (const Place& place : places_) {
-            list.records.emplace_back(list.bytes.Bytes().subspan(place.keptAt, place.length),
-                                      place.fileOffset, place.isTruncated);
+            list.records.emplace_back(
+                std::span<const std::byte>(list.bytes).subspan(place.keptAt, place.length), place.fileOffset,
+                place.isTruncated);
         }
         return error_;
     }
@@ -232,23 +231,6 @@ std::uint8_t SizeOf(std::uint8_t dataType, std::uint8_t options) {
 
 }  // namespace
 
-SystemError FileBytes::Copy(const MappedFile& file, std::uint64_t offset, std::size_t length) {
-    copy_.resize(length);
-    std::size_t read = 0;
-    const SystemError error = length == 0 ? 0 : file.ReadAt(offset, copy_, read);
-    copy_.resize(read);
-    return error;
-}
-
-SystemError FileBytes::Map(const MappedFile& file, std::uint64_t offset, std::uint64_t length,
-                           bool writable) {
-    return file.Map(offset, length, writable, view_);
-}
-
-std::span<const std::byte> FileBytes::Bytes() const {
-    return view_ ? std::span<const std::byte>(view_.Bytes()) : std::span<const std::byte>(copy_);
-}
-
 VlrView::VlrView(std::span<const std::byte> record, std::uint64_t fileOffset, bool isTruncated)
     : record_(record), fileOffset_(fileOffset), isTruncated_(isTruncated) {
     record_ = ByteReader(record).Bytes(0, kHeaderSize + RecordLength());
@@ -299,7 +281,7 @@ std::string EvlrEntry::Description() const {
 }
 
 std::span<const std::byte> EvlrEntry::Data() const {
-    return data_ ? data_->Bytes() : std::span<const std::byte>();
+    return data_ ? std::span<const std::byte>(*data_) : std::span<const std::byte>();
 }
 
 bool EvlrEntry::Is(std::string_view userId, std::uint16_t recordId) const {
@@ -310,26 +292,13 @@ SystemError ReadVlrs(const MappedFile& file, const LasHeader& header, VlrList& l
     return VlrReader(file).Read(header, list);
 }
 
-VlrList ListVlrs(FileBytes area, const LasHeader& header) {
-    VlrList list{std::move(area), {}};
-    const std::span<const std::byte> bytes = list.bytes.Bytes();
-    WalkVlrs(header, bytes.size(), [&](std::uint64_t start) {
-        const std::span<const std::byte> record = bytes.subspan(start);
-        const std::uint64_t length = DataLength(record);
-        list.records.emplace_back(record, start, length > record.size() - VlrView::kHeaderSize);
-        return length;
-    });
-    list.records.shrink_to_fit();
-    return list;
-}
-
 std::vector<EvlrEntry> ReadEvlrs(const MappedFile& file, std::uint64_t start, std::uint32_t count,
-                                 bool mapData) {
+                                 bool truncates) {
     if (start == 0 || count == 0) {
         return {};
     }
     try {
-        return EvlrReader(file, mapData).Read(start, count);
+        return EvlrReader(file, truncates).Read(start, count);
     } catch (const LDataError&) {
         throw;
     } catch (const std::exception&) {

@@ -19,30 +19,11 @@ namespace orvex {
 /// Most records of one kind that are listed. Files have a handful; a file of zeros would otherwise turn into
 /// as many empty records as its size allows.
 inline constexpr std::size_t kMostRecords = 1U << 16U;
-/// Most bytes of record data of one kind (VLRs, EVLRs) that a file opened read-only keeps. A list holds
-/// thousands of files, and a CRS takes a few thousand bytes.
+/// Most bytes of record data of one kind (VLRs, EVLRs) that are kept of a file. A list holds thousands of
+/// files, and a CRS takes a few thousand bytes.
 inline constexpr std::uint64_t kMostRecordData = std::uint64_t{1} << 20U;
 /// Most bytes of a record's data that are shown byte by byte.
 inline constexpr std::uint64_t kLongestDump = 256;
-
-/// Part of a file in memory, as a private copy or a mapped view. Move-only; the file may be closed.
-class FileBytes {
-  public:
-    FileBytes() = default;
-    explicit FileBytes(std::vector<std::byte> copy) : copy_(std::move(copy)) {}
-
-    /// Copies up to `length` bytes; fewer if the file ends before.
-    SystemError Copy(const MappedFile& file, std::uint64_t offset, std::size_t length);
-    /// Maps bytes that lie inside the file.
-    SystemError Map(const MappedFile& file, std::uint64_t offset, std::uint64_t length, bool writable);
-
-    /// Stay where they are when the object is moved.
-    std::span<const std::byte> Bytes() const;
-
-  private:
-    std::vector<std::byte> copy_;
-    MappedView view_;
-};
 
 /// View of a VLR inside the bytes of a VlrList.
 class VlrView {
@@ -75,13 +56,17 @@ class VlrView {
     bool isTruncated_ = false;
 };
 
-/// The VLRs of a file and the bytes that they view.
+/// The VLRs of a file and the bytes that they view. Move-only.
 struct VlrList {
-    FileBytes bytes;
+    VlrList() = default;
+    VlrList(VlrList&&) = default;
+    VlrList& operator=(VlrList&&) = default;
+
+    std::vector<std::byte> bytes;
     std::vector<VlrView> records;
 };
 
-/// An EVLR: its header, and its data if that was read. Move-only.
+/// An EVLR: its header, and its data if that was read.
 class EvlrEntry {
   public:
     static constexpr std::size_t kHeaderSize = las::kEvlrHeaderSize;
@@ -91,7 +76,7 @@ class EvlrEntry {
     EvlrEntry(const HeaderBytes& header, std::uint64_t fileOffset, bool isTruncated)
         : header_(header), isTruncated_(isTruncated), fileOffset_(fileOffset) {}
 
-    void SetData(FileBytes data) { data_ = std::move(data); }
+    void SetData(std::vector<std::byte> data) { data_ = std::move(data); }
 
     std::uint16_t Reserved() const;
     std::string UserId() const;
@@ -113,7 +98,7 @@ class EvlrEntry {
     HeaderBytes header_;
     bool isTruncated_ = false;
     std::uint64_t fileOffset_ = 0;
-    std::optional<FileBytes> data_;
+    std::optional<std::vector<std::byte>> data_;
 };
 
 /// Reads the VLRs between the header and the points. Ends after the number of records stated in the header,
@@ -121,15 +106,13 @@ class EvlrEntry {
 /// of the smallest header. Keeps the data of short records and of those that the reader decodes (CRS, extra
 /// bytes), up to kMostRecordData.
 SystemError ReadVlrs(const MappedFile& file, const LasHeader& header, VlrList& list);
-/// The same for an area in memory that holds the file from its first byte up to its points; all data is kept.
-VlrList ListVlrs(FileBytes area, const LasHeader& header);
 
 /// Reads up to kMostRecords EVLRs from an offset; none if `start` or `count` is 0. Only the data of
-/// "LASF_Projection" and "Kst" records is kept. With `mapData` it is mapped and truncated at the end of the
-/// file; otherwise up to kMostRecordData of it is copied and a truncated record is an error. Throws
-/// LDataError if a record cannot be read, also if `count` leads past the end of the file.
+/// "LASF_Projection" and "Kst" records is kept, up to kMostRecordData. With `truncates` it ends at the end of
+/// the file; otherwise a truncated record is an error. Throws LDataError if a record cannot be read, also if
+/// `count` leads past the end of the file.
 std::vector<EvlrEntry> ReadEvlrs(const MappedFile& file, std::uint64_t start, std::uint32_t count,
-                                 bool mapData);
+                                 bool truncates);
 
 /// One extra bytes attribute. Offsets and size are bytes.
 struct ExtraBytesAttribute {

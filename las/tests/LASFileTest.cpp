@@ -108,7 +108,7 @@ TEST_F(LASFileTest, ReadsEvlrsOfLas14Only) {
 }
 
 // The system limits a process's descriptors and mappings; a list may have tens of thousands of files.
-TEST_F(LASFileTest, HoldsOneMappingIfOpenedReadWriteElseNothing) {
+TEST_F(LASFileTest, HoldsNothingButThePointsAskedFor) {
     const std::wstring path =
         folder_.Write(LasBuilder(14, 6).AddPoints(50).ProjectedEpsg(25832).AddEvlr("Kst", 1, "data"));
     const std::size_t before = testing::OpenHandles();
@@ -123,9 +123,20 @@ TEST_F(LASFileTest, HoldsOneMappingIfOpenedReadWriteElseNothing) {
     ASSERT_NE(mapped->Points(), nullptr);
     EXPECT_EQ(mapped->Points()->PointCount(), 50U);
     EXPECT_GT(testing::OpenHandles(), before) << "a file, and a mapping where that is a thing of its own";
-    const std::wstring bare = folder_.Write(LasBuilder(14, 6).AddPoints(3), L"b.las");
-    const auto readWrite = LASFile::Open(bare, false, true);
-    EXPECT_EQ(testing::MappingsOf(bare), 1U);
+}
+
+// A mapped file that shrinks ends the process that looks at the missing part.
+TEST_F(LASFileTest, TellsWhatItReadWhenTheFileHasShrunk) {
+    for (const bool readOnly : {true, false}) {
+        const std::wstring path =
+            folder_.Write(LasBuilder(14, 6).AddPoints(3).Wkt("text").AddEvlr("Kst", 9, "behind"));
+        const auto file = LASFile::Open(path, readOnly, true);
+        EXPECT_EQ(testing::MappingsOf(path), 0U);
+        std::filesystem::resize_file(ToPath(path), 0);
+        EXPECT_EQ(file->Header().VersionMinor(), 4);
+        EXPECT_EQ(file->FindWKT().value()[0], std::byte{'t'});
+        EXPECT_EQ(file->GetEVLRs().at(0).Data()[0], std::byte{'b'});
+    }
 }
 
 // Older Windows programs are limited to paths of 260 characters.

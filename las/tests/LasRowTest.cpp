@@ -116,7 +116,7 @@ TEST_F(LasRowTest, SaysWhyAFileCannotBeLoaded) {
         std::wstring summary;
     } cases[] = {
         {L"", L"'' file does not exist. Cannot open."},
-        {folder, L"'" + folder + L"' file does not exist. Cannot open."},
+        {folder, L"'" + folder + L"' is not a regular file."},
         {folder_.Write(L"text.las", std::string(300, 't')),
          L"'" + folder_.Name(L"text.las") + L"' is not a LAS file: it does not begin with \"LASF\"."},
     };
