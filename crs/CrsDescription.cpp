@@ -6,13 +6,13 @@
 #include <algorithm>
 
 #include "crs/GdalSetup.h"
-#include "crs/TextCache.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/GdalErrorScope.h"
 #include "support/LDataError.h"
 #include "support/Log.h"
 #include "support/SpatialReference.h"
 #include "support/Text.h"
+#include "support/TextCache.h"
 
 namespace orvex {
 namespace {
@@ -144,10 +144,10 @@ long CrsDescription::Epsg() const {
 
 CrsPtr DescribeCrs(const std::string& wkt) {
     // Never destroyed: a worker may still ask while the process ends.
-    static auto* const cache = new TextCache<CrsPtr>(kDescriptionsKept, kTextKept, Describe);
+    static auto* const cache = new TextCache<CrsPtr>(kDescriptionsKept, kTextKept);
     static const CrsPtr none = std::make_shared<CrsDescription>();
     try {
-        return cache->Get(wkt);
+        return cache->Get(wkt, [&wkt] { return Describe(wkt); });
     } catch (...) {
         LogWarning(L"A CRS could not be described: " + CurrentExceptionText());
         return none;

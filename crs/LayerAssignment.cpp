@@ -89,6 +89,9 @@ std::vector<std::function<void()>> IdentificationWork(std::vector<CrsPtr> files,
 std::vector<LayerPlace> PlaceInLayers(std::span<const CrsPtr> files,
                                       const std::map<std::wstring, std::wstring>& existing,
                                       const LayerRules& rules, const std::wstring& prefix) {
+    if (files.empty()) {
+        return {};  // as when the dialog opens, which is not to wait for the project's CRSs to be identified
+    }
     NewLayerNames names(prefix, existing);
     const LayersByKey existingByKey = rules.append ? ExistingByKey(existing) : LayersByKey{};
     const Layer shared = rules.ignoreCrs ? SharedLayer(files, existing, existingByKey, names) : Layer{};

@@ -4,11 +4,11 @@
 
 #include "crs/CrsDescription.h"
 #include "crs/GdalSetup.h"
-#include "crs/TextCache.h"
 #include "las/LASFile.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Format.h"
 #include "support/Text.h"
+#include "support/TextCache.h"
 
 namespace orvex {
 namespace {
@@ -51,23 +51,10 @@ std::string Joined(const std::array<std::string, 3>& payloads) {
     return joined;
 }
 
-std::array<std::string, 3> Separated(const std::string& joined) {
-    std::array<std::string, 3> payloads;
-    std::size_t start = 0;
-    for (std::string& payload : payloads) {
-        std::size_t digits = 0;
-        const std::size_t length = std::stoul(joined.substr(start), &digits);
-        payload = joined.substr(start + digits + 1, length);
-        start += digits + 1 + length;
-    }
-    return payloads;
-}
-
-LasCrs ConvertGeoKeys(const std::string& joined) {
+LasCrs ConvertGeoKeys(const std::array<std::string, 3>& payloads) {
     EnsureGdal();
-    const auto [directory, doubles, text] = Separated(joined);
     std::string reason;
-    std::string wkt = OrvexUtilities::CrsWktFromGeoKeys(directory, doubles, text, reason);
+    std::string wkt = OrvexUtilities::CrsWktFromGeoKeys(payloads[0], payloads[1], payloads[2], reason);
     const auto source = wkt.empty() ? LasCrsSource::None : LasCrsSource::GeoKeys;
     return {std::move(wkt), source, FromUtf8(reason), {}};
 }
@@ -75,11 +62,14 @@ LasCrs ConvertGeoKeys(const std::string& joined) {
 LasCrs FromGeoKeys(const LASFile& file) {
     // The tiles of a folder share a few CRSs, and a conversion takes far longer than reading a header. Never
     // destroyed: a worker may still ask while the process ends.
-    static auto* const cache = new TextCache<LasCrs>(kConversionsKept, kBytesKept, ConvertGeoKeys);
+    static auto* const cache = new TextCache<LasCrs>(kConversionsKept, kBytesKept);
     const std::array<std::string, 3> payloads{BytesOf(file, las::kGeoKeyDirectoryRecordId, las::kMostVlrData),
                                               BytesOf(file, las::kGeoDoublesRecordId, las::kMostVlrData),
                                               BytesOf(file, las::kGeoTextRecordId, las::kMostVlrData)};
-    return payloads.front().empty() ? LasCrs() : cache->Get(Joined(payloads));
+    if (payloads.front().empty()) {
+        return {};
+    }
+    return cache->Get(Joined(payloads), [&payloads] { return ConvertGeoKeys(payloads); });
 }
 
 }  // namespace

@@ -4,23 +4,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <future>
 #include <regex>
-#include <stdexcept>
 #include <string>
-#include <thread>
 #include <tuple>
-#include <vector>
 
-#include "crs/TextCache.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Text.h"
 
 namespace orvex {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
@@ -122,66 +115,6 @@ TEST(CrsDescription, FindsTheCodeThatATextLeavesOut) {
     EXPECT_EQ(crs->Identify().epsg, 25832);
     EXPECT_EQ(crs->Epsg(), 25832);
     EXPECT_EQ(crs->Identify().group, DescribeCrs(Wkt(25832))->Identify().group);
-}
-
-TEST(TextCache, KeepsTheLatestUsedAndNoFailure) {
-    std::vector<std::string> made;
-    TextCache<std::string> cache(3, 1000, [&](const std::string& text) {
-        made.push_back(text);
-        return made.size() == 1 ? throw std::runtime_error("no memory") : text + "!";
-    });
-    EXPECT_THROW(cache.Get("a"), std::runtime_error);
-    EXPECT_EQ(cache.Get("a"), "a!");
-    cache.Get("b");
-    cache.Get("c");
-    cache.Get("a");
-    cache.Get("d");  // drops b, the one not used for longest
-    cache.Get("a");
-    cache.Get("c");
-    EXPECT_EQ(cache.Get("b"), "b!");
-    EXPECT_THAT(made, ElementsAre("a", "a", "b", "c", "d", "b"));
-}
-
-TEST(TextCache, KeepsNoMoreBytesOfTextThanItMay) {
-    int made = 0;
-    TextCache<int> cache(100, 10, [&](const std::string&) { return ++made; });
-    const std::string four(4, 'a');
-    const std::string five(5, 'b');
-    const std::string eleven(11, 'c');
-    EXPECT_EQ(cache.Get(four), 1);
-    EXPECT_EQ(cache.Get(five), 2);
-    EXPECT_EQ(cache.Get(eleven), 3);
-    EXPECT_EQ(cache.Get(eleven), 4) << "too long to keep";
-    EXPECT_EQ(cache.Get(four), 1) << "and drops nothing";
-    EXPECT_EQ(cache.Get("two"), 5);
-    EXPECT_EQ(cache.Get(four), 1);
-    EXPECT_EQ(cache.Get(five), 6);
-}
-
-TEST(TextCache, ThreadsThatAskAtOnceGetOneValue) {
-    std::atomic<int> running{0}, overlaps{0}, calls{0}, wrong{0};
-    TextCache<std::string> cache(100, 1000, [&](const std::string& text) {
-        overlaps += running++ > 0 ? 1 : 0;
-        ++calls;
-        std::this_thread::yield();
-        --running;
-        return text;
-    });
-    constexpr int kThreads = 4;
-    std::vector<std::future<void>> threads;
-    threads.reserve(kThreads);
-    for (int t = 0; t < kThreads; ++t) {
-        threads.push_back(std::async(std::launch::async, [&] {
-            for (int i = 0; i < 2000; ++i) {
-                const std::string text = std::to_string(i % 50);
-                wrong += cache.Get(text) == text ? 0 : 1;
-            }
-        }));
-    }
-    threads.clear();
-    EXPECT_EQ(wrong, 0);
-    EXPECT_EQ(overlaps, 0);
-    EXPECT_EQ(calls, 50);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/GdalErrorScope.h"
 #include "support/SpatialReference.h"
+#include "support/TextCache.h"
 
 using namespace orvex;
 
@@ -40,11 +41,8 @@ bool CanBeFound(const OGRSpatialReference& crs) {
     return !name.empty() && name != "unnamed" && name != "unknown" && crs.GetTOWGS84(shift, 7) != OGRERR_NONE;
 }
 
-/// The code of the same CRS in PROJ's database, for a CRS that comes without one; empty when there is none.
-std::string FindCode(const OGRSpatialReference& crs) {
-    if (!CanBeFound(crs)) {
-        return {};
-    }
+/// The code of the same CRS in PROJ's database; empty when there is none.
+std::string SearchCode(const OGRSpatialReference& crs) {
     int count = 0;
     int* confidences = nullptr;
     OGRSpatialReferenceH* matches = crs.FindMatches(nullptr, &count, &confidences);
@@ -57,6 +55,17 @@ std::string FindCode(const OGRSpatialReference& crs) {
     OSRFreeSRSArray(matches);
     CPLFree(confidences);
     return code;
+}
+
+/// The same for a CRS that comes without a code. The search takes a tenth of a second, and is made once for
+/// each CRS.
+std::string FindCode(const OGRSpatialReference& crs) {
+    constexpr std::size_t kCodesKept = 512;
+    constexpr std::size_t kTextKept = std::size_t{4} << 20U;
+    // Never destroyed: a thread may still ask while the process ends.
+    static auto* const cache = new TextCache<std::string>(kCodesKept, kTextKept);
+    return CanBeFound(crs) ? cache->Get(ExportWkt(crs, "WKT2_2019"), [&crs] { return SearchCode(crs); })
+                           : std::string();
 }
 
 /// A WKT with its numbers rounded (those outside of quotes) and, unless it is the CRS's identity, without the

@@ -1,6 +1,5 @@
 #pragma once
 #include <cstddef>
-#include <functional>
 #include <list>
 #include <mutex>
 #include <string>
@@ -15,15 +14,14 @@ namespace orvex {
 template <typename Value>
 class TextCache {
   public:
-    using Make = std::function<Value(const std::string& text)>;
+    /// Keeps up to `mostEntries`, whose texts take up to `mostBytes` together.
+    TextCache(std::size_t mostEntries, std::size_t mostBytes)
+        : mostEntries_(mostEntries), mostBytes_(mostBytes) {}
 
-    /// Keeps up to `mostEntries`, whose texts take up to `mostBytes` together. `make` never runs on two
-    /// threads at once.
-    TextCache(std::size_t mostEntries, std::size_t mostBytes, Make make)
-        : mostEntries_(mostEntries), mostBytes_(mostBytes), make_(std::move(make)) {}
-
-    /// Throws what `make` throws; it is then called again the next time.
-    Value Get(const std::string& text) {
+    /// The value that `make` returns for the text; it never runs on two threads at once. Throws what `make`
+    /// throws; it is then called again the next time.
+    template <typename Make>
+    Value Get(const std::string& text, const Make& make) {
         Value value;
         if (Find(text, value)) {
             return value;
@@ -31,7 +29,7 @@ class TextCache {
         const std::lock_guard making(making_);
         // Another thread may have made it while this one waited.
         if (!Find(text, value)) {
-            value = make_(text);
+            value = make();
             Insert(text, value);
         }
         return value;
@@ -69,7 +67,6 @@ class TextCache {
 
     const std::size_t mostEntries_;
     const std::size_t mostBytes_;
-    const Make make_;
     std::mutex making_;
     std::mutex lock_;  ///< guards what follows; never held while making
     Entries latest_;   ///< most recently used first
