@@ -64,7 +64,8 @@ bool OwnerWindow::eventFilter(QObject* watched, QEvent* event) {
 
 void OwnerWindow::OnShow(QWidget& dialog) {
     QWindow* window = dialog.windowHandle();
-    owner_.Own(window->winId());
+    const NativeWindow handle = window->winId();
+    owner_.Own(handle);
     owner_.Disable();
     shown_.push_back(window);
     connect(window, &QWindow::visibleChanged, this, [this, window](bool visible) {
@@ -72,7 +73,10 @@ void OwnerWindow::OnShow(QWidget& dialog) {
             OnHidden(window);
         }
     });
-    connect(window, &QObject::destroyed, this, [this, window] { OnHidden(window); });
+    connect(window, &QObject::destroyed, this, [this, window, handle] {
+        OnHidden(window);
+        owner_.Disown(handle);
+    });
 }
 
 // The window is hidden after this; the system then activates its owner, if that can be used.
@@ -80,7 +84,7 @@ void OwnerWindow::OnHidden(QWindow* window) {
     if (std::erase(shown_, window) == 0) {
         return;
     }
-    disconnect(window, nullptr, this, nullptr);
+    disconnect(window, &QWindow::visibleChanged, this, nullptr);
     if (shown_.empty()) {
         owner_.Enable();
     }

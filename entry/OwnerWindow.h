@@ -25,7 +25,8 @@ NativeWindow FindNativeOwner(NativeWindow wanted);
 /// owner; everything else works.
 class NativeOwner {
   public:
-    /// `onGone` is called when the window is about to be destroyed, on the destroying thread.
+    /// `onGone` is called when the window is about to be destroyed, on the destroying thread; it must not
+    /// call this object.
     NativeOwner(NativeWindow window, std::function<void()> onGone);
     /// Enables the window again.
     ~NativeOwner();
@@ -41,7 +42,7 @@ class NativeOwner {
     /// Makes this window the owner of a dialog that is about to be shown: the dialog stays above it, is
     /// minimised with it and has no taskbar entry.
     void Own(NativeWindow dialog);
-    /// Removes a hidden dialog.
+    /// Forgets a dialog that has been destroyed.
     void Disown(NativeWindow dialog);
 
   private:

@@ -5,7 +5,8 @@
 #include <QAbstractEventDispatcher>
 #include <QAbstractNativeEventFilter>
 #include <QGuiApplication>
-#include <atomic>
+#include <algorithm>
+#include <mutex>
 #include <vector>
 
 #include "entry/ThreadHook_win.h"
@@ -58,15 +59,15 @@ NativeWindow FindNativeOwner(NativeWindow wanted) {
 // comes after that and before the window appears.
 struct NativeOwner::Watch : QAbstractNativeEventFilter {
     Watch(HWND owner, std::function<void()> gone)
-        : window(owner),
-          onGone(std::move(gone)),
-          before(current.exchange(this)),
-          destruction(WH_CBT, OnWindowEvent, ThreadOf(owner)) {
+        : window(owner), onGone(std::move(gone)), destruction(WH_CBT, OnWindowEvent, ThreadOf(owner)) {
         QAbstractEventDispatcher::instance()->installNativeEventFilter(this);
+        const std::lock_guard guard(lock);
+        watches.push_back(this);
     }
     ~Watch() override {
         QAbstractEventDispatcher::instance()->removeNativeEventFilter(this);
-        current = before;
+        const std::lock_guard guard(lock);
+        std::erase(watches, this);
     }
 
     bool nativeEventFilter(const QByteArray&, void* message, qintptr*) override {
@@ -77,32 +78,56 @@ struct NativeOwner::Watch : QAbstractNativeEventFilter {
         return false;
     }
 
-    bool Has(HWND dialog) const { return std::find(dialogs.begin(), dialogs.end(), dialog) != dialogs.end(); }
+    bool Has(HWND dialog) const {
+        const std::lock_guard guard(lock);
+        return std::find(dialogs.begin(), dialogs.end(), dialog) != dialogs.end();
+    }
+    void Add(HWND dialog) {
+        const std::lock_guard guard(lock);
+        dialogs.push_back(dialog);
+    }
+    void Remove(HWND dialog) {
+        const std::lock_guard guard(lock);
+        std::erase(dialogs, dialog);
+    }
 
-    // Windows destroys what a window owns together with it, and so behind Qt's back.
+    // Tells those who wait for a window, and returns the dialogs that it owns.
+    static std::vector<HWND> TakeDialogsOf(HWND owner) {
+        std::vector<HWND> owned;
+        const std::lock_guard guard(lock);
+        for (Watch* watch : watches) {
+            if (watch->window == owner) {
+                owned.insert(owned.end(), watch->dialogs.begin(), watch->dialogs.end());
+                watch->dialogs.clear();
+                watch->onGone();
+            }
+        }
+        return owned;
+    }
+
+    // Windows destroys what a window owns together with it, and so behind Qt's back. The owners are changed
+    // without the lock, which the dialogs' thread may be waiting for.
     static LRESULT CALLBACK OnWindowEvent(int code, WPARAM parameter, LPARAM more) {
-        Watch* watch = current;
-        if (code == HCBT_DESTROYWND && watch != nullptr &&
-            reinterpret_cast<HWND>(parameter) == watch->window) {
-            for (HWND dialog : watch->dialogs) {
+        if (code == HCBT_DESTROYWND) {
+            for (HWND dialog : TakeDialogsOf(reinterpret_cast<HWND>(parameter))) {
                 SetOwner(dialog, nullptr);
             }
-            watch->dialogs.clear();
-            watch->onGone();
         }
         return CallNextHookEx(nullptr, code, parameter, more);
     }
 
     HWND window;
-    std::function<void()> onGone;
+    std::function<void()> onGone;  ///< called with the lock held
     std::vector<HWND> dialogs;
     bool disabled = false;
-    Watch* before;
     ThreadHook destruction;
-    static std::atomic<Watch*> current;  // the window may be another thread's
+    // The window may be another thread's.
+    static std::mutex lock;  ///< of `watches` and of every watch's `dialogs`
+    static std::vector<Watch*> watches;
 };
 
-std::atomic<NativeOwner::Watch*> NativeOwner::Watch::current = nullptr;
+std::mutex NativeOwner::Watch::lock;
+std::vector<NativeOwner::Watch*> NativeOwner::Watch::watches;
 
 NativeOwner::NativeOwner(NativeWindow window, std::function<void()> onGone)
     : watch_(std::make_unique<Watch>(Handle(window), std::move(onGone))) {}
@@ -139,12 +164,12 @@ void NativeOwner::Enable() {
 
 void NativeOwner::Own(NativeWindow dialog) {
     if (QGuiApplication::platformName() == QLatin1String("windows") && !watch_->Has(Handle(dialog))) {
-        watch_->dialogs.push_back(Handle(dialog));
+        watch_->Add(Handle(dialog));
     }
 }
 
 void NativeOwner::Disown(NativeWindow dialog) {
-    std::erase(watch_->dialogs, Handle(dialog));
+    watch_->Remove(Handle(dialog));
 }
 
 }  // namespace orvex
