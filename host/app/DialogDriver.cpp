@@ -12,6 +12,9 @@
 #include <cstdlib>
 #include <iostream>
 
+#include "support/QtText.h"
+#include "support/Text.h"
+
 namespace orvex {
 
 namespace {
@@ -31,7 +34,7 @@ constexpr TabName kTabNames[] = {{"page363", "las"}, {"page385", "raster"}, {"pa
 QString TextOf(QWidget* window) {
     const auto* box = qobject_cast<QMessageBox*>(window);
     const QString text = box == nullptr ? QString() : box->text() + ' ' + box->informativeText();
-    return (window->windowTitle() + ": " + text).simplified();
+    return ToQString(WithoutControls(ToWide((window->windowTitle() + ": " + text).simplified())));
 }
 
 /// The grid of the tab that is shown; null while it has no rows.

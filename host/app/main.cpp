@@ -175,7 +175,7 @@ int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     }
     window.show();
     window.AddFiles(paths);
-    std::cout << window.LastRecord().toStdString() << std::flush;
+    std::cout << ToUtf8(WithoutControls(ToWide(window.LastRecord()), L"\n")) << std::flush;
     watchdog.WaitingFor("the picture of the host");
     WaitForThumbnails(window);
     driver.TakePicture(&window, "host");

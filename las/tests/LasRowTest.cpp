@@ -10,7 +10,6 @@
 #include "host/utilities/testing/LazSamples.h"
 #include "las/LasColumns.h"
 #include "las/testing/LasBuilder.h"
-#include "support/Environment.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 
@@ -168,30 +167,6 @@ TEST_F(LasRowTest, WorksFromManyThreads) {
             }
         });
     }
-}
-
-/// Every LAS and LAZ file below the folder that ORVEX_SAMPLE_DATA names. One that fails says why; those in a
-/// folder "broken" may fail for any reason, others for their old extra-bytes types only.
-TEST(LasSamples, AreRead) {
-    const auto root = EnvironmentVariable(L"ORVEX_SAMPLE_DATA");
-    if (!root) {
-        GTEST_SKIP() << "ORVEX_SAMPLE_DATA names no folder of sample files";
-    }
-    int count = 0;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(ToPath(*root))) {
-        const std::wstring path = FromPath(entry.path());
-        const std::wstring extension = UpperExtensionOf(path);
-        if (extension != L".LAS" && extension != L".LAZ") {
-            continue;
-        }
-        ++count;
-        const LasRow found = InspectLasFile(path);
-        EXPECT_FALSE(found.summary.empty()) << entry.path();
-        const bool hasOldType = found.summary.starts_with(L"GetExtraByteOffsets: ");
-        EXPECT_TRUE(found.loadable || hasOldType || entry.path().parent_path().filename() == "broken")
-            << entry.path();
-    }
-    EXPECT_GT(count, 0);
 }
 
 std::wstring Shown(const LasRow& row, const char* column) {
