@@ -129,9 +129,8 @@ TEST_F(FileAdding, TellsFilesApartThatDifferInTheCaseOfTheirNames) {
     std::error_code error;
     std::filesystem::create_hard_link(ToPath(lower), ToPath(linked), error);
     const AddingSummary summary = Add({{upper, linked, missing, upper}, {{PathKey(lower), lower}}, 1});
-    EXPECT_THAT(Paths(), SizeIs(areTwo ? 1U : 0U));
+    EXPECT_EQ(Paths(), areTwo ? std::vector{upper} : std::vector<std::wstring>());
     EXPECT_EQ(summary.skipped, areTwo ? 3U : 4U);
-    EXPECT_TRUE(!areTwo || Paths()[0] == upper);
 }
 
 TEST_F(FileAdding, AsksOnceWhenTheGridReachesTenRows) {
