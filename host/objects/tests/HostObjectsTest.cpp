@@ -97,14 +97,16 @@ TEST_F(HostObjectsTest, SettingsKeepTheirTypesFromRunToRun) {
 }
 
 TEST_F(HostObjectsTest, AnUnusableSettingsFileIsAFailureThatTheComponentLivesWith) {
-    std::filesystem::create_directory(State().settingsFile);
+    const std::filesystem::path file = State().settingsFile;
+    std::filesystem::create_directory(file);
+    std::filesystem::create_directory(file.native() + std::filesystem::path("-journal").native());
     const HostClasses classes(State());
     SettingValue value = std::int16_t{7};
     EXPECT_EQ(Settings()->Get(L"AddFilesDlg", L"key", value), kHostFail);
-    EXPECT_EQ(Settings()->Set(L"AddFilesDlg", L"key", value), kHostFail);
     SystemSettings settings(*host_);
-    settings.SetBool(L"DEMAutoPyramid", false);
     EXPECT_TRUE(settings.GetBool(L"DEMAutoPyramid", true));
+    settings.SetBool(L"DEMAutoPyramid", false);
+    EXPECT_FALSE(settings.GetBool(L"DEMAutoPyramid", true)) << "kept in memory";
 }
 
 TEST_F(HostObjectsTest, TheApplicationKnowsTheProjectAndItsOptions) {
