@@ -63,7 +63,9 @@ class Scan {
     }
 
     void AddFolder(const std::wstring& folder, std::vector<std::wstring>& waiting) {
+        bool isHidden = false;  // its names may be read, but not what they stand for
         const SystemError error = ListFolder(folder, [&](FolderEntry entry) {
+            isHidden = isHidden || (entry.kind == FileKind::NoAccess && !entry.isLink);
             if (entry.kind == FileKind::Folder && request_.recursive) {
                 waiting.push_back(std::move(entry.path));
             } else if (entry.kind == FileKind::File && HasExtension(entry.path, FolderExtensions())) {
@@ -71,7 +73,7 @@ class Scan {
             }
             return !Stopped();
         });
-        if (error != 0) {
+        if (error != 0 || isHidden) {
             result_.unreadable.push_back(folder);
         }
     }

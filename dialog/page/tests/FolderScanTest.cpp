@@ -144,15 +144,19 @@ TEST_F(Scanning, ListsAFolderOnceHoweverItIsLinked) {
 }
 
 TEST_F(Scanning, ReportsFoldersThatCannotBeRead) {
-    std::filesystem::permissions(folder.Path() / "sub", std::filesystem::perms::none);
-    // Root reads everything, so it steps down for the scan.
-    const bool root = ::geteuid() == 0;
-    ASSERT_TRUE(!root || ::seteuid(65534) == 0);
-    const ScanResult result = Scan(true);
-    ASSERT_TRUE(!root || ::seteuid(0) == 0);
-    std::filesystem::permissions(folder.Path() / "sub", std::filesystem::perms::owner_all);
-    EXPECT_THAT(result.unreadable, ElementsAre(folder.Name(L"sub")));
-    EXPECT_THAT(Names(result), ElementsAre(L"b2.LAS", L"b10.las"));
+    using std::filesystem::perms;
+    const perms namesOnly = perms::owner_read | perms::group_read | perms::others_read;
+    for (const perms allowed : {perms::none, namesOnly}) {
+        std::filesystem::permissions(folder.Path() / "sub", allowed);
+        // Root reads everything, so it steps down for the scan.
+        const bool root = ::geteuid() == 0;
+        ASSERT_TRUE(!root || ::seteuid(65534) == 0);
+        const ScanResult result = Scan(true);
+        ASSERT_TRUE(!root || ::seteuid(0) == 0);
+        std::filesystem::permissions(folder.Path() / "sub", perms::owner_all);
+        EXPECT_THAT(result.unreadable, ElementsAre(folder.Name(L"sub")));
+        EXPECT_THAT(Names(result), ElementsAre(L"b2.LAS", L"b10.las"));
+    }
 }
 
 #endif
