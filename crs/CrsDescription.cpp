@@ -124,6 +124,7 @@ CrsPtr MakeDefaultCrs() {
     OGRSpatialReference crs;
     crs.importFromWkt(kDefaultWkt);
     AddCodes(crs, *description);
+    description->Identify();
     return description;
 }
 
