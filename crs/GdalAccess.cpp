@@ -61,11 +61,64 @@ double CodestreamMemory(Bytes header) {
     return isHeader ? tiles(4, 20, 28) * tiles(8, 24, 32) * (kPerTile + components * kPerComponent) : 0;
 }
 
+double LittleEndian32(Bytes bytes, std::size_t at) {
+    return bytes[at] + 256.0 * bytes[at + 1] + 65536.0 * bytes[at + 2] + 16777216.0 * bytes[at + 3];
+}
+
+std::string_view TextOf(Bytes bytes, std::size_t at, std::size_t length) {
+    return std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()).substr(at, length);
+}
+
+/// Bytes of a BMP image with run-length encoding, which is decoded as a whole when the file is opened; 0 for
+/// any other. `start`: of the file.
+double RunLengthMemory(Bytes start) {
+    constexpr std::size_t kHeader = 34;
+    constexpr double kRunLength8 = 1;
+    constexpr double kRunLength4 = 2;
+    constexpr double kHalfRange = 2147483648.0;
+    if (start.size() < kHeader || TextOf(start, 0, 2) != "BM") {
+        return 0;
+    }
+    const double height = LittleEndian32(start, 22);  // negative when the first line is on top
+    const double compression = LittleEndian32(start, 30);
+    return compression == kRunLength8 || compression == kRunLength4
+               ? LittleEndian32(start, 18) * std::min(height, 2 * kHalfRange - height)
+               : 0;
+}
+
+/// Bytes of a compressed text of a PNG file, which is inflated when the file is opened; 0 for other chunks.
+/// `header`: of a chunk, read by itself.
+double InflatedText(Bytes header) {
+    constexpr double kMostInflation = 1032;
+    constexpr double kMostOfChunk = 8e6;  // a limit of the library
+    const std::string_view type = header.size() == 8 ? TextOf(header, 4, 4) : "";
+    if (type != "zTXt" && type != "iTXt") {
+        return 0;
+    }
+    const double length = header[0] * 16777216.0 + header[1] * 65536.0 + header[2] * 256.0 + header[3];
+    return std::min(length * kMostInflation, kMostOfChunk);
+}
+
+/// Times that a word stands in bytes, in any letter case. `word`: in lower case.
+std::size_t CountWord(Bytes bytes, std::string_view word) {
+    std::size_t count = 0;
+    const auto isLetter = [](unsigned char byte, char letter) {
+        return static_cast<char>(byte | 0x20U) == letter;
+    };
+    for (auto at = bytes.begin();; ++at, ++count) {
+        at = std::search(at, bytes.end(), word.begin(), word.end(), isLetter);
+        if (at == bytes.end()) {
+            return count;
+        }
+    }
+}
+
 /// A file that GDAL has opened.
 class OpenFile {
   public:
-    OpenFile(VSILFILE* file, std::uint64_t size, State& state, std::uint64_t most)
-        : file_(file), size_(size), state_(state), left_(most) {}
+    /// `isHeader`: of an ENVI or EHdr raster.
+    OpenFile(VSILFILE* file, std::uint64_t size, State& state, std::uint64_t most, bool isHeader)
+        : file_(file), size_(size), state_(state), left_(most), isHeader_(isHeader) {}
     ~OpenFile() { VSIFCloseL(file_); }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
@@ -83,7 +136,10 @@ class OpenFile {
         state_.left -= bytes;
         const std::size_t read = VSIFReadL(buffer, size, count, file_);
         const Bytes got(static_cast<const unsigned char*>(buffer), read * size);
-        return CanBeDecoded(got, at) ? read : Refuse(text::kRasterTooManyBlocks);
+        if (!CanBeDecoded(got, at)) {
+            return Refuse(text::kRasterTooManyBlocks);
+        }
+        return CanBeUnpacked(got, at) && CanBeNamed(got) ? read : Refuse(text::kRasterTooMuchToRead);
     }
 
   private:
@@ -108,16 +164,37 @@ class OpenFile {
         return CodestreamsFit(seam, seamAt) && CodestreamsFit(bytes, at);
     }
 
+    double MostForDecoder() const {
+        return static_cast<double>(std::max(
+            state_.limits.decoder, std::min(size_ / kDecoderShare, kMostShares * state_.limits.decoder)));
+    }
+
+    /// False if parts that are unpacked when the file is opened take more memory than allowed.
+    bool CanBeUnpacked(Bytes bytes, vsi_l_offset at) {
+        if (at >= unpackedTo_) {
+            unpackedTo_ = at + 1;
+            unpacked_ += at == 0 ? RunLengthMemory(bytes) : InflatedText(bytes);
+        }
+        return unpacked_ <= MostForDecoder();
+    }
+
+    /// False if there are too many of the names that GDAL compares with all before them: metadata domains,
+    /// and keys of headers. Twenty thousand of them take seconds.
+    bool CanBeNamed(Bytes bytes) {
+        constexpr std::size_t kMostNames = 1000;
+        names_ +=
+            isHeader_ ? static_cast<std::size_t>(std::ranges::count(bytes, '=')) : CountWord(bytes, "domain");
+        return names_ <= kMostNames;
+    }
+
     bool CodestreamsFit(Bytes bytes, vsi_l_offset at) const {
-        const std::uint64_t most = std::max(
-            state_.limits.decoder, std::min(size_ / kDecoderShare, kMostShares * state_.limits.decoder));
         for (auto found = bytes.begin();; ++found) {
             found = std::search(found, bytes.end(), kCodestream.begin(), kCodestream.end());
             if (found == bytes.end()) {
                 return true;
             }
             const vsi_l_offset header = at + (found - bytes.begin()) + kCodestream.size();
-            if (CodestreamMemory(Peek(header)) > static_cast<double>(most)) {
+            if (CodestreamMemory(Peek(header)) > MostForDecoder()) {
                 return false;
             }
         }
@@ -140,6 +217,10 @@ class OpenFile {
     const std::uint64_t size_;
     State& state_;
     std::uint64_t left_;
+    const bool isHeader_;
+    double unpacked_ = 0;          ///< bytes
+    vsi_l_offset unpackedTo_ = 0;  ///< what begins before has been counted
+    std::size_t names_ = 0;
     std::vector<unsigned char> seam_;
     vsi_l_offset seamEnd_ = 0;
 };
@@ -210,7 +291,7 @@ void* Open(void*, const char* name, const char* access) {
             }
             const InspectionLimits& limits = current->limits;
             return new OpenFile(file, FileSizeOf(path).value_or(0), *current,
-                                isMain ? limits.read : limits.sidecar);
+                                isMain ? limits.read : limits.sidecar, UpperExtensionOf(path) == L".HDR");
         },
         nullptr);
 }

@@ -61,9 +61,9 @@ constexpr FormatDriver kFormatDrivers[] = {
 
 }  // namespace
 
-GdalListPtr RasterDrivers() {
+RasterDriverLists RasterDrivers() {
     static std::mutex lock;
-    static GdalListPtr drivers;
+    static RasterDriverLists drivers;
     static int registered = -1;
     const std::lock_guard guard(lock);
     // The host may register drivers of its own at any time.
@@ -74,7 +74,9 @@ GdalListPtr RasterDrivers() {
                 names.emplace_back(GDALGetDriverShortName(driver));
             }
         }
-        drivers = std::make_shared<const GdalList>(std::move(names));
+        drivers.reading = std::make_shared<const GdalList>(names);
+        std::erase(names, "GIF");
+        drivers.describing = std::make_shared<const GdalList>(std::move(names));
         registered = count;
     }
     return drivers;

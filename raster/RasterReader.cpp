@@ -182,8 +182,9 @@ RasterProperties Describe(GDALDatasetH dataset, const std::wstring& path) {
 }
 
 /// Opens the file under the name, which may be its name in a GdalAccess.
-GdalDataset Open(const std::wstring& path, const std::string& name, const GdalErrorScope& errors) {
-    GdalDataset dataset = Open(name, *RasterDrivers());
+GdalDataset Open(const std::wstring& path, const std::string& name, const GdalList& drivers,
+                 const GdalErrorScope& errors) {
+    GdalDataset dataset = Open(name, drivers);
     if (!dataset) {
         const std::wstring reason = PlainReason(errors.Messages());
         throw LDataError(reason.empty() ? MissingDriverReason(path) : reason);
@@ -193,7 +194,7 @@ GdalDataset Open(const std::wstring& path, const std::string& name, const GdalEr
 
 RasterProperties Read(const std::wstring& path, const GdalAccess& access, const GdalErrorScope& errors) {
     const VrtSources sources = CheckVrt(path, ReadStart(path));
-    const GdalDataset dataset = Open(path, access.Name(), errors);
+    const GdalDataset dataset = Open(path, access.Name(), *RasterDrivers().describing, errors);
     RasterProperties properties = Describe(dataset.get(), path);
     std::vector<std::wstring> texts{access.Refusal(), Naming(text::kRasterPixelsElsewhere, sources.distant),
                                     Naming(text::kRasterReferencedFileMissing, sources.missing)};
@@ -207,9 +208,12 @@ RasterProperties Read(const std::wstring& path, const GdalAccess& access, const 
 
 GdalDataset OpenRaster(const std::wstring& path, const GdalErrorScope& errors) {
     const std::wstring file = Absolute(path);
+    // What is refused within the limits is not opened without them.
+    ReadRasterProperties(file);
     const std::wstring distant = CheckVrt(file, ReadStart(file)).distant;
     const std::string name = ToUtf8(file);
-    GdalDataset dataset = Open(path, name.starts_with("/vsi") ? "/." + name : name, errors);
+    GdalDataset dataset =
+        Open(path, name.starts_with("/vsi") ? "/." + name : name, *RasterDrivers().reading, errors);
     for (const std::wstring& elsewhere :
          {Naming(text::kRasterPixelsElsewhere, distant),
           Naming(text::kRasterOverviewsElsewhere, NamedOverviews(dataset.get()))}) {

@@ -1,12 +1,16 @@
 // Rasters that claim more than they hold: each gives a row with a plain reason, in bounded time and memory.
+#include <cpl_conv.h>
+#include <cpl_vsi.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
 
 #include "raster/RasterRow.h"
 #include "raster/testing/TiffBytes.h"
 #include "support/Text.h"
+#include "support/testing/Bytes.h"
 #include "support/testing/TemporaryFolder.h"
 #include "support/testing/TestSystem.h"
 
@@ -216,6 +220,139 @@ TEST(HostileRasters, DecodersTakeNoMoreThanTheirShare) {
     }
     const std::wstring few = folder.Write(L"b.jp2", Jp2(Codestream(3, 10, 10), 3, 10, 10, 0));
     EXPECT_TRUE(InspectRasterFile(few, RasterUse::Image).loadable);
+}
+
+/// A GIF file of frames in one colour. Each run of codes gives 254 * 255 / 2 pixels.
+std::string Gif(unsigned side, unsigned frames) {
+    constexpr unsigned kClear = 256;
+    constexpr unsigned kLast = 510;  // codes stay at nine bits
+    constexpr unsigned kPixelsOfRun = 254 * 255 / 2;
+    std::string codes;
+    std::uint32_t bits = 0;
+    unsigned count = 0;
+    const auto put = [&](std::uint32_t code) {
+        bits |= code << count;
+        for (count += 9; count >= 8; count -= 8, bits >>= 8U) {
+            codes += static_cast<char>(bits & 0xFFU);
+        }
+    };
+    for (unsigned pixels = 0; pixels < side * side; pixels += kPixelsOfRun) {
+        put(kClear);
+        put(0);
+        for (unsigned code = kClear + 2; code <= kLast; ++code) {
+            put(code);
+        }
+    }
+    const std::string size =
+        testing::Bytes(static_cast<std::uint16_t>(side), static_cast<std::uint16_t>(side));
+    std::string frame = "," + std::string(4, '\0') + size + "\0\x08"s;
+    for (std::size_t at = 0; at < codes.size(); at += 255) {
+        const std::string block = codes.substr(at, 255);
+        frame += static_cast<char>(block.size()) + block;
+    }
+    frame += '\0';
+    std::string gif = "GIF89a" + size + "\xF7\0\0"s + std::string(768, '\0');
+    for (unsigned i = 0; i < frames; ++i) {
+        gif += frame;
+    }
+    return gif + ";";
+}
+
+std::string PngChunk(const std::string& type, const std::string& data) {
+    std::uint32_t check = 0xFFFFFFFF;
+    for (const char letter : type + data) {
+        check ^= static_cast<unsigned char>(letter);
+        for (int bit = 0; bit < 8; ++bit) {
+            check = (check >> 1U) ^ ((check & 1U) != 0 ? 0xEDB88320U : 0);
+        }
+    }
+    return BigEndian(data.size(), 4) + type + data + BigEndian(~check, 4);
+}
+
+std::string Deflated(const std::string& text) {
+    std::size_t size = 0;
+    const std::unique_ptr<void, decltype(&VSIFree)> bytes(
+        CPLZLibDeflate(text.data(), text.size(), -1, nullptr, 0, &size), VSIFree);
+    return {static_cast<const char*>(bytes.get()), size};
+}
+
+/// A pixel with as many texts of 7.9 MB.
+std::string Png(unsigned texts) {
+    const std::string text = PngChunk("zTXt", "a\0\0"s + Deflated(std::string(7'900'000, ' ')));
+    std::string png =
+        "\x89PNG\r\n\x1a\n" + PngChunk("IHDR", BigEndian(1, 4) + BigEndian(1, 4) + "\x08\0\0\0\0"s);
+    for (unsigned i = 0; i < texts; ++i) {
+        png += text;
+    }
+    return png + PngChunk("IDAT", Deflated("\0\0"s)) + PngChunk("IEND", "");
+}
+
+/// A run-length encoded image with all of its pixels. `side`: a multiple of 20.
+std::string Bmp(std::uint32_t side) {
+    std::string runs;
+    for (std::uint32_t row = 0; row < side; ++row) {
+        for (std::uint32_t pixels = 0; pixels < side; pixels += 20) {
+            runs += "\x14\0"s;
+        }
+        runs += "\0\0"s;
+    }
+    runs += "\0\1"s;
+    const std::uint32_t none = 0;
+    const auto size = static_cast<std::uint32_t>(1078 + runs.size());
+    return "BM" +
+           testing::Bytes(size, none, std::uint32_t{1078}, std::uint32_t{40}, side, side, std::uint16_t{1}) +
+           testing::Bytes(std::uint16_t{8}, std::uint32_t{1}, none, none, none, std::uint32_t{256}, none) +
+           std::string(1024, '\0') + runs;
+}
+
+/// `count` texts with a number in each.
+std::string Numbered(const char* before, const char* after, int count = 20000) {
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        text += before + std::to_string(i) + after;
+    }
+    return text;
+}
+
+TEST(HostileRasters, WhatIsUnpackedAtOpeningTakesNoMoreThanItsShare) {
+    const TemporaryFolder folder;
+    const std::string tiff = Pixel().Build();
+    const std::string envi =
+        "ENVI\nsamples = 1\nlines = 1\nbands = 1\ndata type = 1\ninterleave = bsq\nbyte order = 0\n";
+    const std::string band = "<VRTRasterBand dataType=\"Byte\" band=\"1\"/></VRTDataset>";
+    const std::string domains = Numbered("<Metadata domain=\"", "\"/>");
+    const struct {
+        std::wstring name;
+        std::string bytes;
+        bool loadable;
+        const char* finding;
+        std::wstring sidecar = {};
+        std::string sidecarBytes = {};
+    } files[] = {
+        {L"few.png", Png(2), true, "no georeference"},
+        {L"many.png", Png(40), false, "Too much of it"},
+        {L"frames.gif", Gif(10000, 3), true, "no georeference"},
+        {L"runs.bmp", Bmp(12000), false, "Too much of it"},
+        {L"few.bmp", Bmp(20), true, "no georeference"},
+        {L"domains.vrt", "<VRTDataset rasterXSize=\"1\" rasterYSize=\"1\">" + domains + band, false,
+         "Too much of it"},
+        {L"domains.tif", tiff, true, "Too much of it", L"domains.tif.aux.xml",
+         "<PAMDataset>" + domains + "</PAMDataset>"},
+        {L"keys.img", "xx", true, "Too much of it", L"keys.hdr", envi + Numbered("key", " = 1\n")},
+        {L"few.img", "xx", true, "no georeference", L"few.hdr", envi + Numbered("key", " = 1\n", 200)},
+    };
+    InspectRasterFile(folder.Write(L"first.tif", tiff), RasterUse::Image);
+    for (const auto& file : files) {
+        const std::wstring path = folder.Write(file.name, file.bytes);
+        if (!file.sidecar.empty()) {
+            folder.Write(file.sidecar, file.sidecarBytes);
+        }
+        const std::uint64_t before = testing::PeakMemory();
+        const RasterRow row = InspectRasterFile(path, RasterUse::Image);
+        EXPECT_LT(testing::PeakMemory() - before, kMostMemory) << ToUtf8(file.name);
+        EXPECT_EQ(row.loadable, file.loadable) << ToUtf8(file.name);
+        EXPECT_THAT(ToUtf8(FindingsText(row)), HasSubstr(file.finding)) << ToUtf8(file.name);
+    }
 }
 
 TEST(HostileRasters, LongTagsAndSidecarsAreNotReadWhole) {
