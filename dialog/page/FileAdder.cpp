@@ -10,6 +10,7 @@
 #include <optional>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include "dialog/page/BackgroundRun.h"
 #include "support/Files.h"
@@ -29,10 +30,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 constexpr std::size_t kMostReaders = 4;
-// Files read between two polls: after fewer one more is read at the same time, after more one less. On a slow
-// drive reading is what is waited for; elsewhere threads are in each other's way.
-constexpr std::size_t kFewReady = 16;
-constexpr std::size_t kManyReady = 64;
+// Time for one file from which another thread is worth it: a LAS file on a local drive takes half of it, a
+// raster several times as much.
+constexpr auto kWorthAReader = std::chrono::microseconds(100);
 constexpr std::size_t kQueueLimit = 256;  // files read ahead of the grid
 constexpr std::size_t kBatchLimit = 100;
 constexpr auto kBatchEvery = std::chrono::milliseconds(30);
@@ -67,8 +67,8 @@ class Reading {
         }
     }
 
-    // Those that are read, up to the first that is not. To be called regularly: how many they are decides how
-    // many files are read at once.
+    // Those that are read, up to the first that is not. To be called regularly: how many files are read at
+    // once is decided anew each time.
     std::vector<InspectedPtr> TakeReady() {
         std::vector<InspectedPtr> ready;
         const std::lock_guard guard(lock_);
@@ -76,7 +76,7 @@ class Reading {
             ready.push_back(*std::move(slots_.front()));
             slots_.pop_front();
         }
-        Adapt(ready.size());
+        Adapt();
         changed_.notify_all();
         return ready;
     }
@@ -111,12 +111,8 @@ class Reading {
     }
 
     // With the lock held.
-    void Adapt(std::size_t ready) {
-        if (ready > kManyReady) {
-            wanted_ = std::max<std::size_t>(wanted_ - 1, 1);
-        } else if (ready < kFewReady) {
-            wanted_ = std::min(wanted_ + 1, kMostReaders);
-        }
+    void Adapt() {
+        wanted_ = NextReaders(wanted_, std::exchange(read_, 0), std::exchange(spent_, {}));
         const bool isReading = stop_ && !closed_ && next_ < paths_.size();
         if (!isReading || others_.size() + 1 >= wanted_) {
             return;
@@ -137,7 +133,9 @@ class Reading {
                 }
                 const std::vector<std::size_t> places = SkipListed(claimed);
                 if (!places.empty()) {
-                    Put(places, inspect_(PathsAt(places)));
+                    const Clock::time_point start = Clock::now();
+                    std::vector<InspectedPtr> results = inspect_(PathsAt(places));
+                    Put(places, std::move(results), Clock::now() - start);
                 }
             }
         } catch (...) {
@@ -219,10 +217,13 @@ class Reading {
         return paths;
     }
 
-    // `results`: none for files that are listed already.
-    void Put(std::span<const std::size_t> places, std::vector<InspectedPtr> results) {
-        results.resize(places.size());
+    // `results`: none for files that are listed already. `spent`: on reading them.
+    void Put(std::span<const std::size_t> places, std::vector<InspectedPtr> results,
+             Clock::duration spent = {}) {
         const std::lock_guard guard(lock_);
+        read_ += results.size();
+        spent_ += spent;
+        results.resize(places.size());
         for (std::size_t i = 0; i < places.size() && !closed_; ++i) {
             slots_[places[i] + slots_.size() - next_] = std::move(results[i]);
         }
@@ -241,6 +242,8 @@ class Reading {
     std::optional<std::stop_token> stop_;  ///< while it runs
     std::vector<std::jthread> others_;     ///< the readers beside the thread that runs, which is number 0
     std::size_t wanted_ = 1;               ///< so many of the readers take files; the others wait
+    std::size_t read_ = 0;                 ///< files since the last poll
+    Clock::duration spent_{};              ///< on them, by all readers
     std::exception_ptr failure_;
 };
 
@@ -340,6 +343,11 @@ class Delivery {
 };
 
 }  // namespace
+
+std::size_t NextReaders(std::size_t readers, std::size_t files, std::chrono::nanoseconds spent) {
+    const bool isWorthOneMore = spent >= kWorthAReader * files;
+    return isWorthOneMore ? std::min(readers + 1, kMostReaders) : std::max<std::size_t>(readers - 1, 1);
+}
 
 AddingSummary Run(const AddingDescription& description, AddingRequest request, const Steps& steps,
                   UserPrompts& prompts, Kst::ProgressIf& progress) {

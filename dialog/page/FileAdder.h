@@ -1,6 +1,7 @@
 #pragma once
 // Adding files to a page's grid: duplicate check, inspection on worker threads, progress, Escape, and the
 // question whether to go on.
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -61,6 +62,11 @@ struct Steps {
     std::function<void(std::vector<InspectedPtr> batch)> deliver;  ///< on this thread
 };
 
+/// How many threads read files from now on, 1 to 4: one more while reading costs so much that the threads are
+/// not in each other's way, else one less. `files`: read by all of them since the last call, in `spent`
+/// together; none while a drive is awaited.
+std::size_t NextReaders(std::size_t readers, std::size_t files, std::chrono::nanoseconds spent);
+
 AddingSummary Run(const AddingDescription& description, AddingRequest request, const Steps& steps,
                   UserPrompts& prompts, Kst::ProgressIf& progress);
 
@@ -73,8 +79,8 @@ std::wstring InspectionFailureText();
 template <typename Record>
 class FileReader {
   public:
-    /// Reads one file. Runs on worker threads, on several at a time when the drive is slow, which may outlive
-    /// the page (a network drive that never answers): it must own whatever it touches.
+    /// Reads one file. Runs on worker threads, on several at a time when reading takes long, which may
+    /// outlive the page (a network drive that never answers): it must own whatever it touches.
     using Inspect = std::function<Record(const std::wstring& path)>;
     /// Reads several files in one call; returns as many records, in the order of the paths.
     using InspectSeveral = std::function<std::vector<Record>(std::span<const std::wstring> paths)>;

@@ -102,6 +102,25 @@ TEST_F(FileAdding, ASlowFileKeepsItsPlaceWhileOthersAreRead) {
     EXPECT_EQ(Paths(), paths);
 }
 
+TEST(FileReaders, AreAsManyAsTheTimeForAFileIsWorth) {
+    const struct {
+        const char* what;
+        std::size_t readers, files;
+        std::chrono::microseconds spent;
+        std::size_t next;
+    } cases[] = {
+        {"a drive that is awaited", 1, 0, std::chrono::microseconds(0), 2},
+        {"four are the most", 4, 0, std::chrono::microseconds(0), 4},
+        {"LAS files", 1, 100, std::chrono::microseconds(4000), 1},
+        {"LAS files after a start that took long", 4, 100, std::chrono::microseconds(4000), 3},
+        {"rasters", 1, 25, std::chrono::microseconds(4000), 2},
+        {"rasters, after the window was busy", 3, 600, std::chrono::microseconds(90000), 4},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(adding::NextReaders(c.readers, c.files, c.spent), c.next) << c.what;
+    }
+}
+
 TEST_F(FileAdding, SkipsWhatIsListedInAnyLetterCaseOrAsABuddy) {
     description.buddy = [](const std::wstring& path) {
         const std::wstring extension = UpperExtensionOf(path);
