@@ -60,21 +60,34 @@ std::wstring WithCrLf(const std::string& text) {
     return FromUtf8(lines);
 }
 
-std::wstring VerticalName(const OGRSpatialReference& crs) {
-    for (const char* node : {"VERT_CS", "VERTCRS"}) {
-        if (const char* name = crs.GetAttrValue(node); name != nullptr) {
-            return FromUtf8(name);
-        }
-    }
-    return {};
+/// The name that the CRS states; that of the code where it states none.
+std::wstring VerticalName(const char* stated, long epsg) {
+    const std::wstring name = FromUtf8(stated);
+    OGRSpatialReference known;
+    const bool isNamed = !name.empty() && !EqualNoCase(name, L"unknown") && !EqualNoCase(name, L"unnamed");
+    return isNamed || epsg == 0 || known.importFromEPSG(static_cast<int>(epsg)) != OGRERR_NONE
+               ? name
+               : FromUtf8(known.GetName());
 }
 
-/// Fills the EPSG code and the name of the vertical part.
+void AddVerticalPart(const OGRSpatialReference& crs, CrsDescription& description) {
+    for (const char* node : {"VERT_CS", "VERTCRS"}) {
+        if (const char* name = crs.GetAttrValue(node); name != nullptr) {
+            description.verticalName = VerticalName(name, description.verticalEpsg);
+            const char* unit = nullptr;
+            crs.GetTargetLinearUnits(node, &unit);
+            description.verticalUnits = UnitText(unit);
+            return;
+        }
+    }
+}
+
+/// Fills the EPSG codes and the vertical part.
 void AddCodes(const OGRSpatialReference& crs, CrsDescription& description) {
-    description.verticalName = VerticalName(crs);
-    long others[5] = {};
-    OrvexUtilities::CrsGetEPSGFromWKT(description.sourceWkt, description.epsg, others[0], others[1],
-                                      others[2], others[3], others[4]);
+    long others[4] = {};
+    OrvexUtilities::CrsGetEPSGFromWKT(description.sourceWkt, description.epsg, others[0],
+                                      description.verticalEpsg, others[1], others[2], others[3]);
+    AddVerticalPart(crs, description);
 }
 
 void Fill(CrsDescription& description) {
@@ -97,6 +110,7 @@ void Fill(CrsDescription& description) {
     description.angularUnits = UnitText(unit);
     description.prettyWkt = WithCrLf(PrettyWkt(crs));
     AddCodes(crs, description);
+    description.area = FindAreaOfUse(crs, description.epsg);
 }
 
 CrsPtr Describe(const std::string& wkt) {

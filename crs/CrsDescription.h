@@ -3,8 +3,11 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "crs/AreaOfUse.h"
 
 namespace orvex {
 
@@ -39,8 +42,11 @@ struct CrsDescription {
     std::wstring angularUnits;  ///< the same for the angular unit
     std::wstring prettyWkt;     ///< multi-line, lines end in "\r\n"
     long epsg = 0;  ///< EPSG code of the CRS or of its horizontal part as the WKT gives it; 0 for none
-    std::wstring verticalName;  ///< name of the vertical part; empty for none
-    LazyCrsIdentity identity;   ///< known at once when there is no WKT or it gives a code
+    std::wstring verticalName;      ///< name of the vertical part; empty for none
+    std::wstring verticalUnits;     ///< name of its unit; "Unknown" when not stated, empty without that part
+    long verticalEpsg = 0;          ///< EPSG code of the vertical part; 0 for none
+    std::optional<AreaOfUse> area;  ///< nullopt if unknown
+    LazyCrsIdentity identity;       ///< known at once when there is no WKT or it gives a code
 
     const CrsIdentity& Identify() const { return identity.Get(sourceWkt); }
     /// The stated code, else the one found; 0 for none or while the identity is not known.

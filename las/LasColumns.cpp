@@ -99,7 +99,7 @@ std::wstring Companion(const LASFile& file) {
 }
 
 std::wstring Compressed(const LASFile& file) {
-    return YesNo(file.Header().IsCompressed());
+    return IsCopc(file) ? Text(text::kCompressedCopc) : YesNo(file.Header().IsCompressed());
 }
 
 std::wstring Returns(const LASFile& file) {
@@ -148,7 +148,7 @@ std::wstring ExtraBytesTooltip(const LasRow& row) {
         for (const ExtraBytesAttribute& attribute : row.file->GetExtraBytes().Attributes()) {
             text += (text.empty() ? L"" : L"\n") +
                     FormatText(Text(text::kLasExtraBytesPlace),
-                               {attribute.name, attribute.size, attribute.pointOffset});
+                               {attribute.name, FromUtf8(ExtraBytesType(attribute)), attribute.pointOffset});
         }
     }
     return text;
@@ -167,13 +167,10 @@ GridCell CrsSource(const LasRow& row) {
 }
 
 std::wstring Waveform(const LASFile& file) {
-    constexpr unsigned kInternal = 0x2;
-    constexpr unsigned kExternal = 0x4;
-    const unsigned encoding = file.Header().GlobalEncoding();
-    if ((encoding & kInternal) != 0) {
+    if (file.Header().HasInternalWaveform()) {
         return Text(text::kWaveformInternal);
     }
-    return Text((encoding & kExternal) != 0 ? text::kWaveformExternal : text::kCellNone);
+    return Text(file.Header().HasExternalWaveform() ? text::kWaveformExternal : text::kCellNone);
 }
 
 std::wstring Attributes(const LASFile& file) {
@@ -326,7 +323,9 @@ constexpr Column<LasRow> kColumns[] = {
     {{.name = "created", .caption = text::kLasCreated}, OfFile<Created>},
     {{.name = "sourceId", .caption = text::kLasFileSourceId}, CountOf<&LasHeader::FileSourceId>},
     {{.name = "projectId", .caption = text::kLasProjectId}, OfFile<HeaderText<&LasHeader::ProjectId>>},
-    {{.name = "globalEncoding", .caption = text::kLasGlobalEncoding}, OfFile<GlobalEncoding>},
+    {{.name = "globalEncoding", .caption = text::kLasGlobalEncoding},
+     OfFile<GlobalEncoding>,
+     {.tooltip = [](const LasRow& row) { return row.file ? LasEncodingText(*row.file) : std::wstring(); }}},
     {{.name = "headerSize", .caption = text::kLasHeaderSize}, CountOf<&LasHeader::HeaderSize>},
     {{.name = "offsetToPoints", .caption = text::kLasOffsetToPoints}, CountOf<&LasHeader::OffsetToPoints>},
     {{.name = "vlrCount", .caption = text::kLasVlrs},

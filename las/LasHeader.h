@@ -30,6 +30,7 @@ class LasHeader {
     /// True if the CRS is in the WKT record, not in the GeoKeys.
     bool HasWktBit() const { return (GlobalEncoding() & las::encoding::kWkt) != 0; }
     bool HasInternalWaveform() const { return (GlobalEncoding() & las::encoding::kInternalWaveform) != 0; }
+    bool HasExternalWaveform() const { return (GlobalEncoding() & las::encoding::kExternalWaveform) != 0; }
     /// Project id as 8-4-4-4-12 upper-case hexadecimal digits; empty if it is all zeros.
     std::string ProjectId() const;
 

@@ -19,8 +19,8 @@ std::int64_t ModifiedMs(const std::wstring& path) {
     return time ? std::chrono::floor<std::chrono::milliseconds>(*time).time_since_epoch().count() : 0;
 }
 
-bool Has(const LasRow& row, LasFindingCode code) {
-    return std::ranges::find(row.findings, code, &LasFinding::code) != row.findings.end();
+bool Has(const LasRow& row, const FindingKind& kind) {
+    return std::ranges::find(row.findings, kind.code, &LasFinding::code) != row.findings.end();
 }
 
 std::wstring CrsProblemText(const LasCrs& crs) {
@@ -43,11 +43,47 @@ void DescribeFileCrs(LasRow& row) {
     row.crs = DescribeCrs(crs.wkt.empty() ? crs.unreadableWkt : crs.wkt);
     row.crsSource = crs.source;
     if (!crs.problem.empty()) {
-        row.findings.push_back({LasFindingCode::CrsUnreadable, FindingSeverity::Warning, las::at::kVlrCount,
-                                CrsProblemText(crs)});
-    } else if (crs.wkt.empty() && !Has(row, LasFindingCode::RecordTooLarge)) {
         row.findings.push_back(
-            {LasFindingCode::NoCrs, FindingSeverity::Note, las::at::kVlrCount, Text(text::kFileWithoutCrs)});
+            {FindingInWords(las_finding::kCrsUnreadable, CrsProblemText(crs)), las::at::kVlrCount});
+    } else if (crs.wkt.empty() && !Has(row, las_finding::kRecordTooLarge)) {
+        row.findings.push_back({MakeFinding(las_finding::kNoCrs), las::at::kVlrCount});
+    }
+}
+
+StringId TextOf(Misplacement cause) {
+    switch (cause) {
+        case Misplacement::Degrees:
+            return text::kExtentInDegrees;
+        case Misplacement::NotDegrees:
+            return text::kExtentNotInDegrees;
+        case Misplacement::AxesSwapped:
+            return text::kExtentAxesSwapped;
+        case Misplacement::Feet:
+            return text::kExtentInFeet;
+        case Misplacement::Metres:
+            return text::kExtentInMetres;
+        case Misplacement::OtherZone:
+            return text::kExtentOfOtherZone;
+        default:
+            return {};
+    }
+}
+
+/// Compares the header's extent with the area of use of the CRS. Extents that are no numbers or inverted are
+/// findings of their own; one of zeros was not filled in.
+void CheckExtentAgainstCrs(LasRow& row) {
+    const auto low = row.file->Minimum();
+    const auto high = row.file->Maximum();
+    const GroundBox extent{low[0], low[1], high[0], high[1]};
+    const bool isFilled = std::ranges::any_of(extent, [](double number) { return number != 0; });
+    if (!row.crs->area || !isFilled || row.file->GetPointCount() == 0 || !(low[0] <= high[0]) ||
+        !(low[1] <= high[1])) {
+        return;
+    }
+    const Misplacement cause = FindMisplacement(*row.crs->area, extent);
+    if (cause != Misplacement::None) {
+        const std::wstring guess = cause == Misplacement::Unexplained ? std::wstring() : Text(TextOf(cause));
+        row.findings.push_back({MakeFinding(las_finding::kExtentOutsideCrs, {guess}), las::at::kMaximum});
     }
 }
 
@@ -55,8 +91,8 @@ void DescribeFileCrs(LasRow& row) {
 void CheckCompression(LasRow& row) {
     std::wstring reason;
     if (row.file->Header().IsCompressed() && !HasErrors(row) && !OrvexUtilities::LAZCheck(row.path, reason)) {
-        row.findings.push_back({LasFindingCode::CompressionDamaged, FindingSeverity::Error,
-                                row.file->Header().OffsetToPoints(), std::move(reason)});
+        row.findings.push_back({FindingInWords(las_finding::kCompressionDamaged, std::move(reason)),
+                                row.file->Header().OffsetToPoints()});
     }
 }
 
@@ -66,8 +102,9 @@ void RefuseWithoutSignature(LasRow& row) {
         return;
     }
     row.loadable = false;
-    row.summary = FormatText(Text(text::kNotLas), {row.path});
-    row.findings = {{LasFindingCode::SignatureMissing, FindingSeverity::Error, 0, row.summary}};
+    row.findings.clear();
+    row.findings.push_back({MakeFinding(las_finding::kSignatureMissing, {row.path}), 0});
+    row.summary = row.findings.front().text;
     row.file.reset();
 }
 
@@ -82,6 +119,7 @@ void Inspect(LasRow& row) {
     row.findings = ValidateLas(*row.file);
     CheckCompression(row);
     DescribeFileCrs(row);
+    CheckExtentAgainstCrs(row);
     SortFindings(row.findings);
     const bool isOdd = !row.findings.empty() && row.findings.front().severity > FindingSeverity::Note;
     row.summary = isOdd ? row.findings.front().text : Text(text::kInspectionOk);

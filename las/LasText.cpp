@@ -95,4 +95,43 @@ std::wstring LasGpsTimeText(const LASFile& file) {
     return file.Header().HasStandardGpsTime() ? L"Standard GPS Time" : L"GPS-Week-Seconds";
 }
 
+std::wstring LasEncodingText(const LASFile& file) {
+    constexpr std::pair<std::uint16_t, StringId> kBits[] = {
+        {las::encoding::kStandardGpsTime, text::kEncodingStandardGps},
+        {las::encoding::kInternalWaveform, text::kEncodingInternalWaveform},
+        {las::encoding::kExternalWaveform, text::kEncodingExternalWaveform},
+        {las::encoding::kSyntheticReturns, text::kEncodingSynthetic},
+        {las::encoding::kWkt, text::kEncodingWkt},
+    };
+    std::wstring text;
+    for (const auto& [bit, name] : kBits) {
+        if ((file.Header().GlobalEncoding() & bit) != 0) {
+            text += (text.empty() ? L"" : L", ") + Text(name);
+        }
+    }
+    return text;
+}
+
+std::string ExtraBytesType(const ExtraBytesAttribute& attribute) {
+    constexpr std::array kTypes{"",      "uint8",  "int8",  "uint16", "int16", "uint32",
+                                "int32", "uint64", "int64", "float",  "double"};
+    return attribute.dataType == 0 || attribute.dataType >= kTypes.size()
+               ? std::to_string(attribute.size) + " bytes"
+               : kTypes[attribute.dataType];
+}
+
+std::wstring LasExtraBytesText(const LASFile& file) {
+    std::wstring text;
+    for (const ExtraBytesAttribute& attribute : file.GetExtraBytes().Attributes()) {
+        text += (text.empty() ? L"" : L", ") + attribute.name + L" (" + FromUtf8(ExtraBytesType(attribute)) +
+                L")";
+    }
+    return text;
+}
+
+bool IsCopc(const LASFile& file) {
+    const auto& vlrs = file.GetVLRs();
+    return !vlrs.empty() && vlrs.front().Is(las::kCopcUserId, las::kCopcInfoRecordId);
+}
+
 }  // namespace orvex

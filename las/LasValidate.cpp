@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <functional>
+#include <limits>
 #include <optional>
 
 #include "las/LASFile.h"
+#include "support/Files.h"
 #include "support/Format.h"
 #include "support/LasFormat.h"
 #include "support/Text.h"
@@ -39,77 +42,99 @@ class Validator {
 
     std::vector<LasFinding> Run() {
         if (!header_.HasSignature()) {
-            Add(LasFindingCode::SignatureMissing, FindingSeverity::Error, 0, text::kNotLas,
-                {file_.FileName()});
+            Add(las_finding::kSignatureMissing, 0, {file_.FileName()});
         }
         CheckVersion();
-        CheckCreationDate();
         CheckLayout();
         CheckPointFormat();
+        CheckExtraBytes();
         CheckScale();
         CheckExtent();
+        CheckCreationDate();
         CheckPointCount();
+        CheckReturns();
+        CheckWaveform();
         CheckVlrs();
         CheckEvlrs();
         if (!file_.HasProjectionRecords()) {
-            Add(LasFindingCode::NoCrs, FindingSeverity::Note, at::kVlrCount, text::kFileWithoutCrs, {});
+            Add(las_finding::kNoCrs, at::kVlrCount);
         }
         SortFindings(findings_);
         return std::move(findings_);
     }
 
   private:
-    void Add(LasFindingCode code, FindingSeverity severity, std::uint64_t offset, StringId text,
-             std::initializer_list<FormatArg> arguments) {
-        findings_.push_back({code, severity, offset, FormatText(Text(text), arguments)});
+    void Add(const FindingKind& kind, std::uint64_t offset, std::initializer_list<FormatArg> arguments = {}) {
+        findings_.push_back({MakeFinding(kind, arguments), offset});
     }
 
     void CheckVersion() {
         if (file_.GetVersionCode() < 0) {
-            Add(LasFindingCode::UnknownVersion, FindingSeverity::Error, at::kVersionMajor,
-                text::kLasVersionUnknown,
+            Add(las_finding::kVersionUnknown, at::kVersionMajor,
                 {static_cast<unsigned>(header_.VersionMajor()),
                  static_cast<unsigned>(header_.VersionMinor())});
         } else if (file_.GetVersionCode() == las::kLas20) {
-            Add(LasFindingCode::UnknownVersion, FindingSeverity::Warning, at::kVersionMajor,
-                text::kLasVersion20, {});
-        }
-    }
-
-    void CheckCreationDate() {
-        if (header_.IsCreationDateImpossible()) {
-            Add(LasFindingCode::DateImpossible, FindingSeverity::Note, at::kCreationDay,
-                text::kLasDateImpossible, {header_.CreationDay(), header_.CreationYear()});
+            Add(las_finding::kVersion20, at::kVersionMajor);
         }
     }
 
     void CheckLayout() {
         const std::uint16_t smallest = SmallestHeaderSize(file_.GetVersionCode());
         if (header_.HeaderSize() < smallest) {
-            Add(LasFindingCode::HeaderSizeOdd,
-                header_.HeaderSize() < las::kLegacyHeaderSize ? FindingSeverity::Error
-                                                              : FindingSeverity::Warning,
-                at::kHeaderSize, text::kLasHeaderSizeTooSmall, {header_.HeaderSize(), smallest});
+            Add(header_.HeaderSize() < las::kLegacyHeaderSize ? las_finding::kHeaderTooShort
+                                                              : las_finding::kHeaderShortForVersion,
+                at::kHeaderSize, {header_.HeaderSize(), smallest});
         }
         if (header_.OffsetToPoints() < std::max(header_.HeaderSize(), las::kLegacyHeaderSize)) {
-            Add(LasFindingCode::OffsetInsideHeader, FindingSeverity::Error, at::kOffsetToPoints,
-                text::kLasPointsInsideHeader, {header_.OffsetToPoints(), header_.HeaderSize()});
+            Add(las_finding::kPointsInsideHeader, at::kOffsetToPoints,
+                {header_.OffsetToPoints(), header_.HeaderSize()});
         }
         if (header_.OffsetToPoints() > file_.FileSize()) {
-            Add(LasFindingCode::OffsetBeyondEnd, FindingSeverity::Error, at::kOffsetToPoints,
-                text::kLasPointsBeyondEnd, {header_.OffsetToPoints(), file_.FileSize()});
+            Add(las_finding::kPointsBeyondEnd, at::kOffsetToPoints,
+                {header_.OffsetToPoints(), file_.FileSize()});
         }
     }
 
     void CheckPointFormat() {
         const las::PointFormatFacts* facts = las::FindPointFormat(header_.PointFormat());
         if (facts == nullptr) {
-            Add(LasFindingCode::UnknownPointFormat, FindingSeverity::Error, at::kPointFormat,
-                text::kLasPointFormatUnknown, {header_.PointFormat()});
+            Add(las_finding::kPointFormatUnknown, at::kPointFormat, {header_.PointFormat()});
         } else if (header_.PointRecordLength() < facts->minimumLength) {
-            Add(LasFindingCode::RecordLengthTooShort, FindingSeverity::Error, at::kPointRecordLength,
-                text::kLasRecordLengthTooSmall,
+            Add(las_finding::kRecordTooShort, at::kPointRecordLength,
                 {header_.PointFormat(), facts->minimumLength, header_.PointRecordLength()});
+        }
+        const las::VersionFacts* const version = las::FindVersion(file_.GetVersionCode());
+        if (facts != nullptr && version != nullptr && header_.PointFormat() > version->lastPointFormat) {
+            Add(las_finding::kFormatOfLaterVersion, at::kPointFormat, {header_.PointFormat(), version->name});
+        }
+        if (file_.GetVersionCode() == las::kLas14 && facts != nullptr && !header_.HasWktBit() &&
+            header_.PointFormat() >= las::kFirstExtendedFormat) {
+            Add(las_finding::kWktBitMissing, at::kGlobalEncoding, {header_.PointFormat()});
+        }
+    }
+
+    // Records of other makers with the same id are decoded as descriptors too, but explain nothing.
+    bool HasForeignDescriptors() const {
+        return std::ranges::any_of(file_.GetVLRs(), [](const VlrView& vlr) {
+            return vlr.RecordId() == las::kExtraBytesRecordId && vlr.UserId() != las::kSpecUserId;
+        });
+    }
+
+    void CheckExtraBytes() {
+        const las::PointFormatFacts* facts = las::FindPointFormat(header_.PointFormat());
+        if (facts == nullptr || header_.PointRecordLength() < facts->minimumLength ||
+            HasForeignDescriptors()) {
+            return;
+        }
+        const std::size_t bytes = header_.PointRecordLength() - facts->minimumLength;
+        std::size_t described = 0;
+        for (const ExtraBytesAttribute& attribute : file_.GetExtraBytes().Attributes()) {
+            described += attribute.size;
+        }
+        if (described < bytes) {
+            Add(las_finding::kExtraBytesUnexplained, at::kPointRecordLength, {bytes - described});
+        } else if (described > bytes) {
+            Add(las_finding::kExtraBytesBeyondRecord, at::kPointRecordLength, {described, bytes});
         }
     }
 
@@ -118,13 +143,12 @@ class Validator {
         const auto offset = header_.Offset();
         const auto zero = AxesWhere([&](std::size_t axis) { return scale[axis] == 0; });
         if (!zero.empty()) {
-            Add(LasFindingCode::ScaleZero, FindingSeverity::Warning, at::kScale, text::kLasScaleZero, {zero});
+            Add(las_finding::kScaleZero, at::kScale, {zero});
         }
         const auto notFinite = AxesWhere(
             [&](std::size_t axis) { return !std::isfinite(scale[axis]) || !std::isfinite(offset[axis]); });
         if (!notFinite.empty()) {
-            Add(LasFindingCode::ScaleNotFinite, FindingSeverity::Error, at::kScale, text::kLasScaleNotFinite,
-                {notFinite});
+            Add(las_finding::kScaleNotFinite, at::kScale, {notFinite});
         }
     }
 
@@ -138,13 +162,39 @@ class Validator {
         const auto notFinite = AxesWhere(
             [&](std::size_t axis) { return !std::isfinite(low[axis]) || !std::isfinite(high[axis]); });
         if (!notFinite.empty()) {
-            Add(LasFindingCode::ExtentNotFinite, FindingSeverity::Warning, at::kMaximum,
-                text::kLasExtentNotFinite, {notFinite});
+            Add(las_finding::kExtentNotFinite, at::kMaximum, {notFinite});
         }
         const auto inverted = AxesWhere([&](std::size_t axis) { return low[axis] > high[axis]; });
         if (!inverted.empty()) {
-            Add(LasFindingCode::ExtentInverted, FindingSeverity::Warning, at::kMaximum,
-                text::kLasExtentInverted, {inverted});
+            Add(las_finding::kExtentInverted, at::kMaximum, {inverted});
+        }
+        const auto beyond = AxesWhere([&](std::size_t axis) {
+            return !CanBeStored(low[axis], axis) || !CanBeStored(high[axis], axis);
+        });
+        if (!beyond.empty()) {
+            Add(las_finding::kExtentBeyondScale, at::kMaximum, {beyond});
+        }
+    }
+
+    // True if a coordinate is a 32-bit number of steps, give or take one for rounding; also where the header
+    // is no number, which is a finding of its own.
+    bool CanBeStored(double coordinate, std::size_t axis) const {
+        constexpr double kMostSteps = 2147483649.0;
+        const double steps = (coordinate - header_.Offset()[axis]) / header_.Scale()[axis];
+        return !std::isfinite(steps) || std::abs(steps) <= kMostSteps;
+    }
+
+    // A day of grace for time zones.
+    void CheckCreationDate() {
+        using namespace std::chrono;
+        const sys_days tomorrow = floor<days>(system_clock::now()) + days(1);
+        const auto date = header_.CreationDate();
+        if (header_.IsCreationDateImpossible()) {
+            Add(las_finding::kDateImpossible, at::kCreationDay,
+                {header_.CreationDay(), header_.CreationYear()});
+        } else if (date && sys_days(*date) > tomorrow) {
+            Add(las_finding::kCreatedInFuture, at::kCreationDay,
+                {header_.CreationDay(), header_.CreationYear()});
         }
     }
 
@@ -169,12 +219,10 @@ class Validator {
         const std::uint64_t count = header_.PointCount();
         const bool is14 = file_.GetVersionCode() == las::kLas14;
         if (count == 0) {
-            Add(LasFindingCode::NoPoints, FindingSeverity::Warning,
-                is14 ? at::kPointCount : at::kLegacyPointCount, text::kLasNoPoints, {});
+            Add(las_finding::kNoPoints, is14 ? at::kPointCount : at::kLegacyPointCount);
         }
         if (is14 && header_.LegacyPointCount() != 0 && header_.LegacyPointCount() != count) {
-            Add(LasFindingCode::CountMismatch, FindingSeverity::Warning, at::kLegacyPointCount,
-                text::kLasPointCountsDiffer, {count, header_.LegacyPointCount()});
+            Add(las_finding::kLegacyCount, at::kLegacyPointCount, {count, header_.LegacyPointCount()});
         }
         // The size of compressed points does not follow from their count.
         if (header_.PointRecordLength() != 0 && !header_.IsCompressed() &&
@@ -186,50 +234,102 @@ class Validator {
     void CheckPointsAgainstSize(std::uint64_t count, std::uint64_t bytes) {
         const std::uint64_t held = bytes / header_.PointRecordLength();
         if (held < count) {
-            Add(LasFindingCode::PointsTruncated, FindingSeverity::Error, header_.OffsetToPoints(),
-                count - held == 1 ? text::kLasTruncatedPoint : text::kLasTruncatedPoints,
-                {count - held, count, held});
+            Add(count - held == 1 ? las_finding::kPointTruncated : las_finding::kPointsTruncated,
+                header_.OffsetToPoints(), {count - held, count, held});
             return;
         }
         const std::uint64_t end = header_.OffsetToPoints() + count * header_.PointRecordLength();
         if (held > count) {
-            Add(LasFindingCode::CountMismatch, FindingSeverity::Warning, end, text::kLasPointCountTooLarge,
-                {count, held});
+            Add(las_finding::kPointCountTooSmall, end, {count, held});
         } else if (bytes % header_.PointRecordLength() != 0) {
-            Add(LasFindingCode::BytesAfterPoints, FindingSeverity::Note, end, text::kLasBytesAfterPoints,
-                {bytes % header_.PointRecordLength()});
+            Add(las_finding::kBytesAfterPoints, end, {bytes % header_.PointRecordLength()});
+        }
+    }
+
+    // Counts that are all 0 were not filled in. Those of the first five returns may leave out later ones.
+    void CheckReturns() {
+        std::uint64_t sum = 0;
+        for (int number = 1; number <= header_.ReturnCount(); ++number) {
+            constexpr auto kMost = std::numeric_limits<std::uint64_t>::max();
+            sum += std::min(header_.PointsOfReturn(number), kMost - sum);
+        }
+        const std::uint64_t count = header_.PointCount();
+        const bool mayHaveMore =
+            sum < count && header_.ReturnCount() == 5 && header_.PointsOfReturn(header_.ReturnCount()) > 0;
+        if (sum != 0 && sum != count && !mayHaveMore) {
+            Add(las_finding::kReturns,
+                file_.GetVersionCode() == las::kLas14 ? at::kPointsByReturn : at::kLegacyPointsByReturn,
+                {sum, count});
+        }
+    }
+
+    // Older versions leave the bits unused, and their header ends before the start.
+    void CheckWaveform() {
+        if (file_.GetVersionCode() < las::kLas13) {
+            return;
+        }
+        const bool isExternal = header_.HasExternalWaveform();
+        if (isExternal && header_.HasInternalWaveform()) {
+            Add(las_finding::kWaveformBothBits, at::kGlobalEncoding);
+        } else if (isExternal && !HasWaveformFile()) {
+            Add(las_finding::kWaveformFileMissing, at::kGlobalEncoding,
+                {FileNameOf(WithExtension(file_.FileName(), L".wdp"))});
+        } else if (!isExternal && header_.WaveformStart() != 0 &&
+                   header_.WaveformStart() >= file_.FileSize()) {
+            Add(las_finding::kWaveformBeyondEnd, at::kWaveformStart,
+                {header_.WaveformStart(), file_.FileSize()});
+        }
+    }
+
+    // The packets are in a file of their own, which can be compressed like the points.
+    bool HasWaveformFile() const {
+        constexpr std::array kExtensions{L".wdp", L".WDP", L".wdz", L".WDZ"};
+        return std::ranges::any_of(kExtensions, [this](const wchar_t* extension) {
+            return FileExists(WithExtension(file_.FileName(), extension));
+        });
+    }
+
+    // Where compressed points end is not in the header.
+    void CheckEvlrStart() {
+        std::uint64_t end = std::max<std::uint64_t>(header_.OffsetToPoints(), header_.HeaderSize());
+        if (!header_.IsCompressed() && header_.PointRecordLength() != 0 && end < file_.FileSize()) {
+            const std::uint64_t room = (file_.FileSize() - end) / header_.PointRecordLength();
+            end += std::min(header_.PointCount(), room) * header_.PointRecordLength();
+        }
+        if (header_.EvlrStart() < end) {
+            Add(las_finding::kEvlrsInsideData, at::kEvlrStart, {header_.EvlrStart(), end});
         }
     }
 
     void CheckVlrs() {
         const auto& vlrs = file_.GetVLRs();
         if (vlrs.size() < header_.VlrCount()) {
-            Add(LasFindingCode::VlrCountTooHigh, FindingSeverity::Warning, at::kVlrCount,
-                vlrs.size() == kMostRecords ? text::kLasVlrsNotListed : text::kLasVlrCountMismatch,
-                {header_.VlrCount(), vlrs.size()});
+            Add(vlrs.size() == kMostRecords ? las_finding::kVlrsNotListed : las_finding::kVlrCount,
+                at::kVlrCount, {header_.VlrCount(), vlrs.size()});
         }
         AddTooLarge(vlrs, [](const VlrView& vlr) {
             return vlr.UserId() == las::kProjectionUserId || vlr.RecordId() == las::kExtraBytesRecordId;
         });
         if (file_.GetExtraBytes().IsSpread()) {
-            Add(LasFindingCode::ExtraBytesSpread, FindingSeverity::Warning, at::kVlrCount,
-                text::kLasExtraBytesSpread, {});
+            Add(las_finding::kExtraBytesSpread, at::kVlrCount);
         }
         if (!vlrs.empty() && vlrs.back().IsTruncated()) {
-            AddTruncated(LasFindingCode::VlrTruncated, text::kLasVlrOverrun, vlrs);
+            AddTruncated(las_finding::kVlrTruncated, vlrs);
         }
     }
 
     void CheckEvlrs() {
         const auto& evlrs = file_.GetEVLRs();
+        if (!evlrs.empty()) {
+            CheckEvlrStart();
+        }
         if (file_.GetVersionCode() == las::kLas14 && evlrs.size() < header_.EvlrCount()) {
-            Add(LasFindingCode::EvlrCountTooHigh, FindingSeverity::Warning, at::kEvlrCount,
-                evlrs.size() == kMostRecords ? text::kLasEvlrsNotListed : text::kLasEvlrCountMismatch,
-                {header_.EvlrCount(), evlrs.size()});
+            Add(evlrs.size() == kMostRecords ? las_finding::kEvlrsNotListed : las_finding::kEvlrCount,
+                at::kEvlrCount, {header_.EvlrCount(), evlrs.size()});
         }
         AddTooLarge(evlrs, [](const EvlrEntry& evlr) { return evlr.UserId() == las::kProjectionUserId; });
         if (!evlrs.empty() && evlrs.back().IsTruncated()) {
-            AddTruncated(LasFindingCode::EvlrTruncated, text::kLasEvlrOverrun, evlrs);
+            AddTruncated(las_finding::kEvlrTruncated, evlrs);
         }
     }
 
@@ -239,8 +339,7 @@ class Validator {
         const auto found = std::ranges::find_if(
             records, [&](const auto& record) { return !record.HasData() && isDecoded(record); });
         if (found != records.end()) {
-            Add(LasFindingCode::RecordTooLarge, FindingSeverity::Warning, found->FileOffset(),
-                text::kLasRecordTooLarge,
+            Add(las_finding::kRecordTooLarge, found->FileOffset(),
                 {FromUtf8(found->UserId()), found->RecordId(),
                  static_cast<double>(found->RecordLength()) * 1e-6});
         }
@@ -248,10 +347,9 @@ class Validator {
 
     // Only the last record of a list can be truncated.
     template <typename Records>
-    void AddTruncated(LasFindingCode code, StringId text, const Records& records) {
+    void AddTruncated(const FindingKind& kind, const Records& records) {
         const auto& last = records.back();
-        Add(code, FindingSeverity::Warning, last.FileOffset(), text,
-            {records.size(), FromUtf8(last.UserId()), last.RecordId()});
+        Add(kind, last.FileOffset(), {records.size(), FromUtf8(last.UserId()), last.RecordId()});
     }
 
     const LASFile& file_;

@@ -14,6 +14,19 @@ namespace {
 using enum FindingSeverity;
 using Findings = std::vector<Finding>;
 
+constexpr FindingKind kNoCrs{"no-crs", Note, text::kFileWithoutCrs};
+constexpr FindingKind kCrsUnreadable{"crs-unreadable", Warning, text::kCrsUnreadable};
+constexpr FindingKind kRotated{"rotated", Note, text::kRasterRotated};
+constexpr FindingKind kControlPointsOnly{"control-points-only", Warning, text::kRasterControlPointsOnly};
+constexpr FindingKind kRpcOnly{"rpc-only", Warning, text::kRasterRpcOnly};
+constexpr FindingKind kNoGeoreference{"no-georeference", Warning, text::kRasterNoGeoreference};
+constexpr FindingKind kNoOverviews{"no-overviews", Note, text::kRasterNoOverviews};
+constexpr FindingKind kSeveralBands{"dem-several-bands", Warning, text::kDemSeveralBands};
+constexpr FindingKind kColors{"dem-colors", Warning, text::kDemColors};
+constexpr FindingKind kComplexNumbers{"dem-complex-numbers", Error, text::kDemComplexNumbers};
+constexpr FindingKind kNoNoDataValue{"dem-no-nodata-value", Note, text::kDemNoNoDataValue};
+constexpr FindingKind kNoVerticalCrs{"dem-no-vertical-crs", Note, text::kDemNoVerticalCrs};
+
 // 8192 x 8192. Larger images are slow to draw as a whole without overviews.
 constexpr std::int64_t kManyPixels = std::int64_t{1} << 26U;
 
@@ -23,9 +36,9 @@ const RasterBandProperties* FirstBand(const RasterProperties& properties) {
 
 void CheckCrs(const RasterProperties& properties, const CrsDescription& crs, Findings& findings) {
     if (properties.wkt.empty()) {
-        findings.push_back({Note, Text(text::kFileWithoutCrs)});
+        findings.push_back(MakeFinding(kNoCrs));
     } else if (crs.name.empty()) {
-        findings.push_back({Warning, Text(text::kCrsUnreadable)});
+        findings.push_back(MakeFinding(kCrsUnreadable));
     }
 }
 
@@ -33,44 +46,42 @@ void CheckGeoreference(const RasterProperties& properties, Findings& findings) {
     if (properties.extent) {
         const auto& t = properties.transform;
         if (t && ((*t)[2] != 0 || (*t)[4] != 0)) {
-            findings.push_back({Note, Text(text::kRasterRotated)});
+            findings.push_back(MakeFinding(kRotated));
         }
     } else if (properties.controlPoints > 0) {
-        findings.push_back(
-            {Warning, FormatText(Text(text::kRasterControlPointsOnly), {properties.controlPoints})});
+        findings.push_back(MakeFinding(kControlPointsOnly, {properties.controlPoints}));
     } else if (properties.hasRpc) {
-        findings.push_back({Warning, Text(text::kRasterRpcOnly)});
+        findings.push_back(MakeFinding(kRpcOnly));
     } else if (!(properties.pixelWidth > 0)) {
-        findings.push_back({Warning, Text(text::kRasterNoGeoreference)});
+        findings.push_back(MakeFinding(kNoGeoreference));
     }
 }
 
 void CheckImage(const RasterProperties& properties, Findings& findings) {
     if (properties.overviews == 0 && std::int64_t{properties.width} * properties.height >= kManyPixels) {
-        findings.push_back(
-            {Note, FormatText(Text(text::kRasterNoOverviews), {properties.width, properties.height})});
+        findings.push_back(MakeFinding(kNoOverviews, {properties.width, properties.height}));
     }
 }
 
 void CheckDem(const RasterProperties& properties, const CrsDescription& crs, Findings& findings) {
     if (properties.bands > 1) {
-        findings.push_back({Warning, FormatText(Text(text::kDemSeveralBands), {properties.bands})});
+        findings.push_back(MakeFinding(kSeveralBands, {properties.bands}));
     }
     constexpr std::int32_t kColorModel = 2;
     constexpr std::int32_t kPaletteKind = 3;
     if (properties.colorModel == kColorModel || properties.rasterKind == kPaletteKind) {
-        findings.push_back({Warning, Text(text::kDemColors)});
+        findings.push_back(MakeFinding(kColors));
     }
     if (const RasterBandProperties* band = FirstBand(properties)) {
         if (band->dataType.starts_with(L"C")) {
-            findings.push_back({Error, Text(text::kDemComplexNumbers)});
+            findings.push_back(MakeFinding(kComplexNumbers));
         }
         if (band->dataType.starts_with(L"Float") && !band->nodata) {
-            findings.push_back({Note, Text(text::kDemNoNoDataValue)});
+            findings.push_back(MakeFinding(kNoNoDataValue));
         }
     }
     if (!properties.wkt.empty() && crs.verticalName.empty()) {
-        findings.push_back({Note, Text(text::kDemNoVerticalCrs)});
+        findings.push_back(MakeFinding(kNoVerticalCrs));
     }
 }
 
@@ -186,7 +197,7 @@ std::vector<Finding> ValidateRaster(const RasterProperties& properties, const Cr
                                     RasterUse use) {
     Findings findings;
     for (const std::wstring& text : properties.warnings) {
-        findings.push_back({Warning, text});
+        findings.push_back({Warning, text, "reader-message"});
     }
     CheckGeoreference(properties, findings);
     CheckCrs(properties, crs, findings);

@@ -80,7 +80,7 @@ void Refuse(RasterRow& row, const std::wstring& reason) {
     row.crs = DescribeCrs({});
     row.summary = Text(text::kRasterCannotBeRead) + L" " +
                   (reason.empty() ? Text(text::kRasterDamagedOrUnsupported) : reason);
-    row.findings = {{FindingSeverity::Error, row.summary}};
+    row.findings = {{FindingSeverity::Error, row.summary, "unreadable"}};
 }
 
 /// After an exception that says nothing about the file. What was found out before it stays.
@@ -91,7 +91,7 @@ void NoteException(RasterRow& row, const std::wstring& message) {
         return;
     }
     row.summary = Text(text::kRasterPropertiesFailed) + L": " + message;
-    row.findings = {{FindingSeverity::Warning, row.summary}};
+    row.findings = {{FindingSeverity::Warning, row.summary, "properties-unreadable"}};
 }
 
 }  // namespace

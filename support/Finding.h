@@ -1,17 +1,38 @@
 #pragma once
+#include <initializer_list>
 #include <string>
+#include <utility>
 
+#include "support/Format.h"
 #include "support/ImageIndex.h"
+#include "support/Text.h"
 
 namespace orvex {
 
 enum class FindingSeverity { Note, Warning, Error };
 
+/// A row in a table of findings.
+struct FindingKind {
+    const char* code;  ///< for scripts: lower-case words joined by hyphens, never changed
+    FindingSeverity severity;
+    StringId text;  ///< a sentence, with conversions as FormatText takes them
+};
+
 /// One finding of a file's validation.
 struct Finding {
     FindingSeverity severity;
-    std::wstring text;  ///< a sentence in plain words
+    std::wstring text;      ///< a sentence in plain words
+    const char* code = "";  ///< that of its FindingKind
 };
+
+inline Finding MakeFinding(const FindingKind& kind, std::initializer_list<FormatArg> arguments = {}) {
+    return {kind.severity, FormatText(Text(kind.text), arguments), kind.code};
+}
+
+/// A finding that has a text of its own instead of that of its kind.
+inline Finding FindingInWords(const FindingKind& kind, std::wstring text) {
+    return {kind.severity, std::move(text), kind.code};
+}
 
 /// State of a row, worst last.
 enum class LoadFlag { Good, Findings, NotLoadable };

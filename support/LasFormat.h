@@ -55,6 +55,7 @@ inline constexpr std::uint16_t kHeaderSize14 = 375;
 namespace encoding {
 inline constexpr std::uint16_t kStandardGpsTime = 0x01;
 inline constexpr std::uint16_t kInternalWaveform = 0x02;
+inline constexpr std::uint16_t kExternalWaveform = 0x04;
 inline constexpr std::uint16_t kSyntheticReturns = 0x08;
 inline constexpr std::uint16_t kWkt = 0x10;
 }  // namespace encoding
@@ -70,15 +71,16 @@ struct VersionFacts {
     VersionCode code;
     const wchar_t* name;
     std::uint16_t headerSize;
+    int lastPointFormat;
     int lastDemFormat;  ///< largest point format that elevation rasters are converted to
 };
 
 inline constexpr std::array<VersionFacts, 5> kVersions{{
-    {0, kLas10, L"1.0", kLegacyHeaderSize, 1},
-    {1, kLas11, L"1.1", kLegacyHeaderSize, 1},
-    {2, kLas12, L"1.2", kLegacyHeaderSize, 3},
-    {3, kLas13, L"1.3", kHeaderSize13, 5},
-    {4, kLas14, L"1.4", kHeaderSize14, 8},
+    {0, kLas10, L"1.0", kLegacyHeaderSize, 1, 1},
+    {1, kLas11, L"1.1", kLegacyHeaderSize, 1, 1},
+    {2, kLas12, L"1.2", kLegacyHeaderSize, 3, 3},
+    {3, kLas13, L"1.3", kHeaderSize13, 5, 5},
+    {4, kLas14, L"1.4", kHeaderSize14, 10, 8},
 }};
 
 /// Facts of a version; null for a code that is not LAS 1.0 to 1.4.
@@ -176,6 +178,7 @@ inline constexpr std::uint16_t kWaveformRecordId = 65535;
 inline constexpr std::string_view kCodecUserId = "laszip encoded";
 inline constexpr std::uint16_t kCodecRecordId = 22204;
 inline constexpr std::string_view kCopcUserId = "copc";
+inline constexpr std::uint16_t kCopcInfoRecordId = 1;
 
 /// GeoKeys and their values.
 namespace geo_key {

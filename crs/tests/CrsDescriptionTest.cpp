@@ -80,6 +80,9 @@ TEST(CrsDescription, Table) {
         EXPECT_EQ(crs->problem.empty(), row.wkt.empty() || row.name[0] != L'\0') << start;
         EXPECT_EQ(DescribeCrs(row.wkt), crs) << "from the cache: " << start;
     }
+    EXPECT_EQ(DescribeCrs(Wkt(7415))->verticalEpsg, 5709);
+    EXPECT_EQ(DescribeCrs(Wkt(7415))->verticalUnits, L"metre");
+    EXPECT_EQ(DescribeCrs(Wkt(25832))->verticalUnits, L"");
     EXPECT_STREQ(CPLGetConfigOption("OSR_WKT_FORMAT", "unset"), "the host's own");
     CPLSetConfigOption("OSR_WKT_FORMAT", nullptr);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");

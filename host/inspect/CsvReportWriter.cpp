@@ -9,11 +9,7 @@ namespace orvex {
 namespace {
 
 std::string Findings(const FileReport& report) {
-    std::wstring findings;
-    for (const std::wstring& finding : report.findings) {
-        findings += (findings.empty() ? L"" : L"\n") + finding;
-    }
-    return ToUtf8(findings);
+    return ToUtf8(FindingLines(report.findings));
 }
 
 /// What every file has, before the columns of the pages.

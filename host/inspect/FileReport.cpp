@@ -18,9 +18,7 @@ template <typename Inspection>
 void ReportCommon(const Inspection& inspection, FileReport& report) {
     report.loadable = inspection.loadable;
     report.summary = inspection.summary;
-    for (const auto& finding : inspection.findings) {
-        report.findings.push_back(finding.text);
-    }
+    report.findings.assign(inspection.findings.begin(), inspection.findings.end());
 }
 
 void InspectLas(FileReport& report) {

@@ -19,7 +19,7 @@ struct FileReport {
     std::string kind;  ///< name of a ReportKind, or "unknown" when no reader takes the file
     bool loadable = false;
     std::wstring summary;
-    std::vector<std::wstring> findings;
+    std::vector<Finding> findings;     ///< worst first
     CrsPtr crs;                        ///< null when the file could not be opened
     std::optional<LasRow> las;         ///< of an opened LAS or LAZ file: its `file` is not null
     std::optional<RasterRow> raster;   ///< of an opened raster

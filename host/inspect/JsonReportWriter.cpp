@@ -1,9 +1,11 @@
 #include <fmt/format.h>
 
+#include <array>
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "host/inspect/ReportColumns.h"
 #include "host/inspect/ReportWriter.h"
 #include "las/LasText.h"
 #include "support/Text.h"
@@ -102,6 +104,9 @@ Json CrsJson(const CrsDescription& crs) {
         {"linearUnits", JsonText(crs.linearUnits)},
         {"angularUnits", JsonText(crs.angularUnits)},
         {"epsg", crs.Epsg()},
+        {"verticalName", JsonText(crs.verticalName)},
+        {"verticalUnits", JsonText(crs.verticalUnits)},
+        {"verticalEpsg", crs.verticalEpsg},
         {"prettyWkt", JsonText(crs.prettyWkt)},
     };
 }
@@ -122,10 +127,20 @@ Json ExtraBytesJson(const ExtraBytes& extraBytes) {
     return JsonList(extraBytes.Attributes(), [](const ExtraBytesAttribute& attribute) -> Json {
         return {
             {"name", JsonText(attribute.name)},
+            {"type", ExtraBytesType(attribute)},
             {"offset", attribute.pointOffset},
             {"size", attribute.size},
         };
     });
+}
+
+/// Number of points of the first return, the second ...
+Json PointsByReturnJson(const LasHeader& header) {
+    Json counts = Json::array();
+    for (int number = 1; number <= header.ReturnCount(); ++number) {
+        counts.push_back(header.PointsOfReturn(number));
+    }
+    return counts;
 }
 
 Json LasJson(const LASFile& file) {
@@ -135,21 +150,26 @@ Json LasJson(const LASFile& file) {
         {"versionCode", file.GetVersionCode()},
         {"pointFormat", file.PointFormat()},
         {"compressed", header.IsCompressed()},
+        {"copc", IsCopc(file)},
         {"headerSize", header.HeaderSize()},
         {"offsetToPoints", header.OffsetToPoints()},
         {"pointRecordLength", header.PointRecordLength()},
         {"pointCount", file.GetPointCount()},
+        {"legacyPointCount", header.LegacyPointCount()},
+        {"pointsByReturn", PointsByReturnJson(header)},
         {"scale", header.Scale()},
         {"offset", header.Offset()},
         {"min", file.Minimum()},
         {"max", file.Maximum()},
         {"globalEncoding", header.GlobalEncoding()},
+        {"globalEncodingBits", JsonText(LasEncodingText(file))},
         {"gpsTime", JsonText(LasGpsTimeText(file))},
         {"vlrs", RecordsJson(file.GetVLRs())},
         {"evlrs", RecordsJson(file.GetEVLRs())},
         {"extraBytes", ExtraBytesJson(file.GetExtraBytes())},
         {"companionStatus", file.GetCompanionStatus()},
         {"vlrText", JsonText(LasVlrText(file))},
+        {"evlrText", JsonText(LasEvlrText(file))},
     };
 }
 
@@ -202,13 +222,44 @@ Json RasterJson(const RasterRow& raster) {
     };
 }
 
+Json CellJson(const GridCell& cell) {
+    if (const auto* text = std::get_if<std::wstring>(&cell)) {
+        return JsonText(*text);
+    }
+    const auto* number = std::get_if<double>(&cell);
+    return number == nullptr ? Json() : Json(*number);
+}
+
+/// The file's cells under the names of their columns; null for a file that could not be opened.
+Json CellsJson(const FileReport& report) {
+    Json cells;
+    for (const ReportColumn& column : ReportColumns()) {
+        if (const std::optional<GridCell> cell = column.Cell(report)) {
+            cells[column.Look().name] = CellJson(*cell);
+        }
+    }
+    return cells;
+}
+
+Json FindingsJson(const std::vector<Finding>& findings) {
+    constexpr std::array kSeverities{"note", "warning", "error"};
+    return JsonList(findings, [&](const Finding& finding) -> Json {
+        return {
+            {"code", finding.code},
+            {"severity", kSeverities.at(static_cast<std::size_t>(finding.severity))},
+            {"text", JsonText(finding.text)},
+        };
+    });
+}
+
 Json ReportJson(const FileReport& report) {
     return {
         {"path", JsonText(report.path)},
         {"kind", report.kind},
         {"loadable", report.loadable},
         {"summary", JsonText(report.summary)},
-        {"findings", JsonTexts(report.findings)},
+        {"findings", FindingsJson(report.findings)},
+        {"columns", CellsJson(report)},
         {"crs", report.crs ? CrsJson(*report.crs) : Json()},
         {"las", report.las ? LasJson(*report.las->file) : Json()},
         {"raster", report.raster ? RasterJson(*report.raster) : Json()},

@@ -39,28 +39,33 @@ std::vector<ReportColumn> AllColumns() {
     return all;
 }
 
-/// Calls `use` with the page's column of a name and the file's row; nothing when the page has none.
-template <typename Use>
-std::wstring WithCell(const FileReport& report, std::string_view name, const Use& use) {
-    const auto find = [&](auto columns, const auto& row) -> std::wstring {
+/// Calls `use` with the page's column of a name and the file's row; empty when the page has none.
+template <typename Result, typename Use>
+Result WithCell(const FileReport& report, std::string_view name, const Use& use) {
+    const auto find = [&](auto columns, const auto& row) -> Result {
         const auto found = std::ranges::find(columns, name, [](const GridColumn& c) { return c.name; });
-        return found == columns.end() ? std::wstring() : use(*found, row);
+        return found == columns.end() ? Result() : use(*found, row);
     };
     if (report.las) {
         return find(LasColumns(), *report.las);
     }
-    return report.raster ? find(RasterColumns(report.use), *report.raster) : std::wstring();
+    return report.raster ? find(RasterColumns(report.use), *report.raster) : Result();
 }
 
 }  // namespace
 
+std::optional<GridCell> ReportColumn::Cell(const FileReport& report) const {
+    return WithCell<std::optional<GridCell>>(
+        report, look_->name, [](const auto& column, const auto& row) { return column.cell(row); });
+}
+
 std::wstring ReportColumn::Text(const FileReport& report) const {
-    return WithCell(report, look_->name,
-                    [](const auto& column, const auto& row) { return CellText(column, row); });
+    return WithCell<std::wstring>(report, look_->name,
+                                  [](const auto& column, const auto& row) { return CellText(column, row); });
 }
 
 std::wstring ReportColumn::ExactText(const FileReport& report) const {
-    return WithCell(report, look_->name, [](const auto& column, const auto& row) {
+    return WithCell<std::wstring>(report, look_->name, [](const auto& column, const auto& row) {
         const GridCell cell = column.cell(row);
         const auto* number = std::get_if<double>(&cell);
         if (number == nullptr) {

@@ -1,4 +1,5 @@
 #pragma once
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -8,7 +9,7 @@
 
 namespace orvex {
 
-/// A column of the pages' grids, as the table and the CSV output print it. Columns of one name on several
+/// A column of the pages' grids, as inspect prints it. Columns of one name on several
 /// pages are one.
 class ReportColumn {
   public:
@@ -16,6 +17,8 @@ class ReportColumn {
 
     /// Caption, alignment and name.
     const GridColumn& Look() const { return *look_; }
+    /// The cell; nullopt for a file whose page has no such column.
+    std::optional<GridCell> Cell(const FileReport& report) const;
     /// Text of the cell as the grid shows it; empty for a file whose page has no such column.
     std::wstring Text(const FileReport& report) const;
     /// The same, but numbers with all their digits.

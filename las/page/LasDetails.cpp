@@ -108,6 +108,25 @@ DetailSection ExtentSection(const LasRow& row) {
     return section;
 }
 
+/// What the pane has room for beyond the text of a cell.
+std::wstring WithMore(const LasRow& row, std::string_view column, std::wstring value) {
+    if (column == "layer" && row.place.exists) {
+        value += L" " + Text(text::kLayerExistsSuffix);
+    } else if (column == "extraBytes" && row.file != nullptr) {
+        value = LasExtraBytesText(*row.file);
+    } else if (column == "globalEncoding" && row.file != nullptr) {
+        const std::wstring flags = LasEncodingText(*row.file);
+        value += flags.empty() ? L"" : L" (" + flags + L")";
+    }
+    return value;
+}
+
+/// True if the file has a count for older programs beside that of LAS 1.4.
+bool HasLegacyCount(const LasRow& row) {
+    return row.file != nullptr && row.file->GetVersionCode() == las::kLas14 &&
+           row.file->Header().LegacyPointCount() != 0;
+}
+
 std::vector<DetailSection> LasOverview(const LasRow& row) {
     std::vector<DetailSection> sections;
     for (const SectionColumns& section : Sections()) {
@@ -115,10 +134,11 @@ std::vector<DetailSection> LasOverview(const LasRow& row) {
         for (const char* name : section.columns) {
             const Column<LasRow>& column = ColumnNamed(LasColumns(), name);
             std::wstring value = CellText(column, row);
-            if (name == std::string_view("layer") && row.place.exists) {
-                value += L" " + Text(text::kLayerExistsSuffix);
+            AddField(shown.fields, column.caption, WithMore(row, name, std::move(value)));
+            if (name == std::string_view("points") && HasLegacyCount(row)) {
+                AddField(shown.fields, text::kLasLegacyPoints,
+                         std::to_wstring(row.file->Header().LegacyPointCount()));
             }
-            AddField(shown.fields, column.caption, std::move(value));
         }
         if (!shown.fields.empty()) {
             sections.push_back(std::move(shown));
@@ -141,7 +161,10 @@ std::vector<DetailField> LasCrsFields(const LasRow& row) {
              Text(crs.isGeographic ? text::kCrsGeographic : text::kCrsProjectedOrLocal));
     AddField(fields, text::kDetailsLinearUnit, crs.linearUnits);
     AddField(fields, text::kDetailsAngularUnit, crs.angularUnits);
-    AddField(fields, text::kVerticalCrs, crs.verticalName);
+    AddField(fields, text::kVerticalCrs,
+             crs.verticalEpsg == 0 ? crs.verticalName
+                                   : FormatText(L"%s (EPSG:%d)", {crs.verticalName, crs.verticalEpsg}));
+    AddField(fields, text::kDetailsVerticalUnit, crs.verticalUnits);
     AddField(fields, text::kLasCrsSource, LasCellText(row, "crsSource"));
     return fields;
 }
@@ -233,7 +256,8 @@ QString UnreadableWktHtml(const LasRow& row) {
 
 QString CrsHtml(const LasRow& row, const QString& captionColour) {
     if (row.crsSource == LasCrsSource::None) {
-        const auto found = std::ranges::find(row.findings, LasFindingCode::CrsUnreadable, &LasFinding::code);
+        const auto found =
+            std::ranges::find(row.findings, las_finding::kCrsUnreadable.code, &LasFinding::code);
         return TextHtml(found == row.findings.end() ? Text(text::kDetailsNoCrs) : found->text) +
                UnreadableWktHtml(row);
     }

@@ -34,6 +34,9 @@ class LasRowTest : public ::testing::Test {
     static bool IsEmptyCell(const LasRow& row, const char* column) {
         return std::holds_alternative<std::monostate>(ColumnNamed(LasColumns(), column).cell(row));
     }
+    static bool Has(const LasRow& row, std::string_view code) {
+        return std::ranges::any_of(row.findings, [code](const auto& f) { return f.code == code; });
+    }
 
     const testing::TemporaryFolder folder_;
 };
@@ -41,7 +44,7 @@ class LasRowTest : public ::testing::Test {
 TEST_F(LasRowTest, ChoosesTheCrsByTheWktBitAndSaysWhenItCannot) {
     constexpr const wchar_t* kUtm = L"ETRS89 / UTM zone 32N";
     using enum LasCrsSource;
-    const LasBuilder plain = LasBuilder(14, 6).AddPoints(2);
+    const LasBuilder plain = LasBuilder(14, 1).AddPoint(0, 0, 0);
     const LasBuilder keys = LasBuilder(plain).ProjectedEpsg(25832);
     const LasBuilder badKeys = LasBuilder(plain).GeoKeys({1, 1, 0, 65535});
     const auto noBit = [](LasBuilder builder) { return builder.Lie<std::uint16_t>(6, 0); };
@@ -94,16 +97,54 @@ TEST_F(LasRowTest, ChoosesTheCrsByTheWktBitAndSaysWhenItCannot) {
     }
 }
 
+TEST_F(LasRowTest, FindsAnExtentOutsideTheAreaOfItsCrsAndGuessesWhy) {
+    const StringId none{};
+    const struct {
+        std::uint16_t epsg;
+        bool isGeographic;
+        double x, y;
+        bool isOutside;
+        StringId guess;
+    } cases[] = {
+        {25832, false, 500'000, 5'400'000, false, none},
+        {25832, false, 920'000, 5'700'000, false, none},  // the east of a country that uses one zone
+        {25833, false, -75'000, 6'500'000, false, none},  // the west of another
+        {25832, false, 1'000, 2'000, true, none},
+        {25832, false, 5'400'000, 500'000, true, text::kExtentAxesSwapped},
+        {25832, false, 9, 50, true, text::kExtentInDegrees},
+        {32632, false, 9, 50, true, text::kExtentInDegrees},
+        {25832, false, 1'640'420, 17'716'535, true, text::kExtentInFeet},
+        {25832, false, 32'500'000, 5'400'000, true, text::kExtentOfOtherZone},
+        {31467, false, 4'400'000, 5'400'000, true, text::kExtentOfOtherZone},
+        {2249, false, 230'000, 900'000, true, text::kExtentInMetres},
+        {4326, true, 350, 51, false, none},
+        {4326, true, 500'000, 5'400'000, true, text::kExtentNotInDegrees},
+        {4269, true, -83, 39, false, none},  // an area across the 180th meridian
+        {4269, true, 39, -83, true, text::kExtentAxesSwapped},
+    };
+    for (const auto& c : cases) {
+        const LasBuilder file = LasBuilder(12, 1).Scale(1, 1, 1).AddPoints(4, c.x, c.y);
+        const LasRow row =
+            Inspect(c.isGeographic ? LasBuilder(file).GeoKeys({1, 1, 0, 2, 1024, 0, 1, 2, 2048, 0, 1, c.epsg})
+                                   : LasBuilder(file).ProjectedEpsg(c.epsg));
+        EXPECT_EQ(Has(row, "extent-outside-crs"), c.isOutside) << c.epsg << ' ' << c.x << ' ' << c.y;
+        if (c.guess != none) {
+            EXPECT_THAT(row.summary, HasSubstr(Text(c.guess))) << c.epsg << ' ' << c.x;
+        }
+    }
+}
+
 TEST_F(LasRowTest, PutsTheWorstFindingIntoTheSummary) {
-    const LasRow odd = Inspect(LasBuilder(12, 1).AddPoints(5).Lie(131, 0.0).Lie<std::uint32_t>(107, 9));
+    const LasRow odd = Inspect(
+        LasBuilder(12, 1).AddPoints(5).Lie(131, 0.0).Lie<std::uint32_t>(107, 9).Lie<std::uint32_t>(111, 0));
     EXPECT_TRUE(odd.loadable);
     EXPECT_EQ(odd.summary,
               L"The file is truncated by 4 points: its header counts 9 points, the file holds 5.");
     EXPECT_EQ(LoadFlagImage(LoadFlagOf(odd)), 5);
     EXPECT_EQ(odd.findings.size(), 3U);
     EXPECT_THAT(FindingsText(odd), HasSubstr(odd.findings[2].text)) << "all of them";
-    EXPECT_EQ(odd.findings[1].code, LasFindingCode::ScaleZero);
-    EXPECT_EQ(odd.findings[2].code, LasFindingCode::NoCrs);
+    EXPECT_STREQ(odd.findings[1].code, "scale-zero");
+    EXPECT_STREQ(odd.findings[2].code, "no-crs");
     // A note alone is nothing to worry about.
     EXPECT_EQ(Inspect(LasBuilder(12, 1).AddPoints(5)).summary, L"OK");
 }
@@ -228,6 +269,10 @@ TEST_F(LasRowTest, EveryKindOfFactOfAHeaderIsShown) {
     for (const auto& [column, text] : expected) {
         EXPECT_EQ(Shown(row, column), text) << column;
     }
+    EXPECT_EQ(ColumnNamed(LasColumns(), "globalEncoding").look.tooltip(row),
+              Text(text::kEncodingStandardGps));
+    const LasRow copc = Inspect(LasBuilder(14, 6).AddPoints(1).AddVlr("copc", 1, "info").MarkCompressed());
+    EXPECT_EQ(Shown(copc, "compressed"), Text(text::kCompressedCopc));
     const std::wstring address = std::to_wstring(reinterpret_cast<std::uintptr_t>(row.file.get()));
     EXPECT_EQ(Shown(row, "details"), address);
 }
@@ -267,7 +312,7 @@ TEST_F(LasRowTest, ExtraBytesTellTheirPlaceInThePoints) {
                                    .AddVlr("LASF_Spec", 4, descriptor("b")));
     EXPECT_EQ(Shown(row, "extraBytes"), L"a, b");
     EXPECT_EQ(ColumnNamed(LasColumns(), "extraBytes").look.tooltip(row),
-              L"a: 2 bytes at offset 0\nb: 2 bytes at offset 2");
+              L"a: uint16 at offset 0\nb: uint16 at offset 2");
 }
 
 TEST_F(LasRowTest, DatesAreCheckedBeforeTheyAreComputed) {

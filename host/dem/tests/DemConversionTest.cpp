@@ -77,6 +77,8 @@ TEST_F(DemConversionTest, EveryVersionAndFormatOpensWithoutFindings) {
         sample.crs = crs.crs;
         if (std::string(crs.what).starts_with("geographic")) {
             sample.transform = {{7, 1e-4, 0, 51, 0, -1e-4}};
+        } else if (crs.what == std::string("feet")) {
+            sample.transform = {{1'000'000, 2, 0, 200'000, 0, -2}};
         }
         const std::wstring path = Write(sample);
         for (int minor = 0; minor <= 4; ++minor) {

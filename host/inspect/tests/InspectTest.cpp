@@ -109,7 +109,18 @@ TEST(InspectJson, HasTheFactsOfALasFileUnderTheirKeys) {
          {"/las/max/0", nullptr},
          {"/las/evlrs/0", {{"userId", "vendor"}, {"recordId", 8}, {"length", 4}, {"description", "behind"}}},
          {"/las/evlrs/1/userId", "\xEF\xBF\xBD\xEF\xBF\xBD"},
-         {"/las/extraBytes/1", {{"name", "Width"}, {"offset", 2}, {"size", 4}}}});
+         {"/findings/0/code", "extent-not-finite"},
+         {"/findings/0/severity", "warning"},
+         {"/columns/systemId", "TEST"},
+         {"/columns/created", "2024-01-01"},
+         {"/columns/size", static_cast<double>(bytes.size()) * 1e-6},
+         {"/columns/pointsByReturn", "1: 4"},
+         {"/columns/maximumX", nullptr},
+         {"/las/pointsByReturn/0", 4},
+         {"/las/legacyPointCount", 0},
+         {"/las/copc", false},
+         {"/las/extraBytes/1", {{"name", "Width"}, {"type", "uint32"}, {"offset", 2}, {"size", 4}}}});
+    EXPECT_THAT(object["las"]["evlrText"].get<std::string>(), HasSubstr("= behind"));
     EXPECT_THAT(object["las"]["vlrText"].get<std::string>(), HasSubstr("31 32 33 34 35 36 37 38"));
 }
 
@@ -134,7 +145,8 @@ TEST(InspectJson, HasTheFactsOfARasterAndNullsForWhatIsNotThere) {
                                {"/raster/nodata", nullptr},
                                {"/raster/transform", nullptr},
                                {"/raster/pixelSize", {0, 0}}});
-    ExpectMembers(objects[1], {{"/raster/nodata", "nan"}});
+    ExpectMembers(objects[1], {{"/raster/nodata", "nan"}, {"/columns/bands", 1}});
+    ExpectMembers(objects, {{"/0/findings/0/code", "no-georeference"}, {"/2/findings/0/code", "unreadable"}});
     for (const std::size_t unreadable : {2U, 3U, 4U}) {
         ExpectMembers(objects[unreadable],
                       {{"/loadable", false}, {"/crs", nullptr}, {"/las", nullptr}, {"/raster", nullptr}});
