@@ -39,5 +39,18 @@ TEST(RasterDrivers, AMissingOneIsNamedByTheFilesExtension) {
     EXPECT_EQ(MissingDriverReason(path), L"");
 }
 
+TEST(RasterDrivers, EverySystemReadsWhatNeedsNoLicence) {
+    ASSERT_TRUE(EnsureGdal());
+    for (const char* name : {"AIG", "BIGGIF", "DTED", "GS7BG", "GSAG", "GSBG", "JP2OpenJPEG", "NITF",
+                             "NWT_GRD", "SDTS", "SGI", "USGSDEM", "WEBP"}) {
+        EXPECT_NE(GDALGetDriverByName(name), nullptr) << name;
+    }
+    const char* const codecs =
+        GDALGetMetadataItem(GDALGetDriverByName("GTiff"), GDAL_DMD_CREATIONOPTIONLIST, nullptr);
+    for (const char* codec : {"JPEG", "WEBP", "ZSTD"}) {
+        EXPECT_THAT(codecs, HasSubstr(codec));
+    }
+}
+
 }  // namespace
 }  // namespace orvex
