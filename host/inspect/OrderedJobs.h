@@ -25,7 +25,7 @@ class OrderedJobs {
 
     OrderedJobs(
         std::size_t count, unsigned jobs, std::function<Result(std::size_t)> work,
-        StartThread start = [](std::function<void()> run) { return std::jthread(std::move(run)); })
+        StartThread start = [](const std::function<void()>& run) { return std::jthread(run); })
         : count_(count),
           jobs_(std::max(1U, jobs)),
           work_(std::move(work)),

@@ -20,7 +20,6 @@
 namespace orvex {
 namespace {
 
-using ::testing::ElementsAre;
 using testing::GeoTiff;
 using ::testing::HasSubstr;
 using testing::LasBuilder;
@@ -203,11 +202,11 @@ TEST(OrderedJobs, EndsWithTheThreadsThatCanBeStarted) {
         std::size_t started = 0;
         OrderedJobs<std::size_t> jobs(
             kItems, 4, [](std::size_t i) { return i; },
-            [&](std::function<void()> run) {
+            [&](const std::function<void()>& run) {
                 if (started++ == threads) {
                     throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
                 }
-                return std::jthread(std::move(run));
+                return std::jthread(run);
             });
         std::vector<std::size_t> taken;
         EXPECT_TRUE(jobs.Run(
