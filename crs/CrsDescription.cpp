@@ -37,10 +37,14 @@ std::wstring UnitText(const char* name) {
     return unit.empty() || EqualNoCase(unit, L"unknown") ? L"Unknown" : unit;
 }
 
-/// WKT1 where the CRS can be expressed in it, else WKT2.
+/// WKT1 where the CRS can be expressed in it, else WKT2; hosts then find the process's format at "WKT1".
 std::string PrettyWkt(const OGRSpatialReference& crs) {
-    const std::string pretty = ExportWkt(crs, "WKT1_GDAL", true);
-    return pretty.empty() ? ExportWkt(crs, "WKT2_2019", true) : pretty;
+    std::string pretty = ExportWkt(crs, "WKT1_GDAL", true);
+    if (pretty.empty()) {
+        pretty = ExportWkt(crs, "WKT2_2019", true);
+        CPLSetConfigOption("OSR_WKT_FORMAT", "WKT1");
+    }
+    return pretty;
 }
 
 /// The first line of what GDAL reports first; the lines behind it repeat the text.

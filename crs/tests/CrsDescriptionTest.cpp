@@ -40,6 +40,8 @@ TEST(CrsDescription, Table) {
         const char* prettyStart;
     };
     CPLSetConfigOption("OSR_WKT_FORMAT", "the host's own");
+    DescribeCrs(Wkt(31467));
+    EXPECT_STREQ(CPLGetConfigOption("OSR_WKT_FORMAT", "unset"), "the host's own");
     ::testing::internal::CaptureStderr();
     for (const Case& row : {
              Case{"", L"", false, L"", L"", 0, L"", ""},
@@ -83,7 +85,7 @@ TEST(CrsDescription, Table) {
     EXPECT_EQ(DescribeCrs(Wkt(7415))->verticalEpsg, 5709);
     EXPECT_EQ(DescribeCrs(Wkt(7415))->verticalUnits, L"metre");
     EXPECT_EQ(DescribeCrs(Wkt(25832))->verticalUnits, L"");
-    EXPECT_STREQ(CPLGetConfigOption("OSR_WKT_FORMAT", "unset"), "the host's own");
+    EXPECT_STREQ(CPLGetConfigOption("OSR_WKT_FORMAT", "unset"), "WKT1") << "after one that needs WKT2";
     CPLSetConfigOption("OSR_WKT_FORMAT", nullptr);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
