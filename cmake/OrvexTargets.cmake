@@ -105,7 +105,9 @@ function(orvex_screen variable size)
 "height": @height@, "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]}]] @ONLY)
     # A drive's colon would end the parameter.
     file(RELATIVE_PATH file "${CMAKE_CURRENT_BINARY_DIR}" "${file}")
-    set(${variable} "QT_QPA_PLATFORM=offscreen:configfile=${file}" PARENT_SCOPE)
+    # Wine keeps Qt's variables from programs; the tests' main() sets them from its own.
+    set(platform offscreen:configfile=${file})
+    set(${variable} "QT_QPA_PLATFORM=${platform};ORVEX_TEST_PLATFORM=${platform}" PARENT_SCOPE)
 endfunction()
 
 # orvex_screen_tests(TARGET FILTER) runs some of a test program's tests on the screens that users have as well.
@@ -115,7 +117,7 @@ function(orvex_screen_tests target filter)
         string(REGEX REPLACE ".*@" "" scale ${screen})
         orvex_screen(environment ${size})
         add_test(NAME ${target}_${screen} COMMAND ${target} --gtest_filter=${filter})
-        set_tests_properties(${target}_${screen} PROPERTIES ENVIRONMENT "${environment};QT_SCALE_FACTOR=${scale}")
+        set_tests_properties(${target}_${screen} PROPERTIES ENVIRONMENT "${environment};ORVEX_TEST_SCALE=${scale}")
     endforeach()
 endfunction()
 

@@ -227,6 +227,8 @@ GdalDataset OpenRaster(const std::wstring& path, const GdalErrorScope& errors) {
 RasterProperties ReadRasterProperties(const std::wstring& path) {
     const GdalErrorScope errors;
     const GdalAccess access(Absolute(path));
+    // GDAL passes some CRSs on as text; a process may be set to a format that loses heights.
+    const GdalOption format("OSR_WKT_FORMAT", "WKT2_2019");
     try {
         return Read(Absolute(path), access, errors);
     } catch (const LDataError&) {

@@ -119,6 +119,8 @@ struct GeoKeyPayloads {
 /// The GeoTIFF keys that GDAL writes for a CRS, which may state only a part of it; nullopt when it writes
 /// none.
 std::optional<GeoKeyPayloads> EncodeGeoKeys(const OGRSpatialReference& crs) {
+    // GDAL passes the CRS on as text; a process may be set to one that loses heights.
+    const CPLConfigOptionSetter format("OSR_WKT_FORMAT", "WKT2_2019", false);
     const MemoryFolder folder;
     const std::string path = folder.Name("keys.tif");
     if (!WriteTiff(path, crs)) {

@@ -82,6 +82,8 @@ bool NamesCrs(const GeoKeys& keys) {
 std::string WktOfTiff(const std::string& path) {
     // GDAL leaves the vertical part out for this version of the keys unless told otherwise.
     const CPLConfigOptionSetter compound("GTIFF_REPORT_COMPD_CS", "YES", false);
+    // GDAL passes the CRS on as text; a process may be set to one that loses heights.
+    const CPLConfigOptionSetter format("OSR_WKT_FORMAT", "WKT2_2019", false);
     const char* const drivers[] = {"GTiff", nullptr};
     const GDALDatasetUniquePtr dataset(
         GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_INTERNAL, drivers, nullptr, nullptr));

@@ -24,8 +24,8 @@ using namespace std::string_literals;
 
 constexpr std::uint64_t kMost32 = 0xFFFFFFFF;
 constexpr std::uint64_t kMegabyte = std::uint64_t{1024} * 1024;
-#ifdef __SANITIZE_THREAD__
-constexpr std::uint64_t kMostMemory = 400 * kMegabyte;  // it keeps books of all memory
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+constexpr std::uint64_t kMostMemory = 400 * kMegabyte;  // they keep books of all memory
 #else
 constexpr std::uint64_t kMostMemory = 100 * kMegabyte;
 #endif

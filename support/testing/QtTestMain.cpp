@@ -4,8 +4,10 @@
 #include <QApplication>
 
 int main(int argc, char** argv) {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QByteArray platform = qgetenv("ORVEX_TEST_PLATFORM");
+    qputenv("QT_QPA_PLATFORM", platform.isEmpty() ? "offscreen" : platform);
+    if (const QByteArray scale = qgetenv("ORVEX_TEST_SCALE"); !scale.isEmpty()) {
+        qputenv("QT_SCALE_FACTOR", scale);
     }
     QApplication application(argc, argv);
     testing::InitGoogleMock(&argc, argv);
