@@ -108,11 +108,16 @@ GdalListPtr FolderListing::Beside(const std::wstring& path) {
     const auto isBefore = [&](const std::wstring& key) { return key.substr(0, stem.size()) < stem; };
     // The files of a coverage have names of their own.
     const bool isCoverage = UpperExtensionOf(path) == kCoverage;
-    auto key = isCoverage ? folder->keys.begin() : std::ranges::partition_point(folder->keys, isBefore);
+    const auto first =
+        isCoverage ? folder->keys.begin() : std::ranges::partition_point(folder->keys, isBefore);
     std::vector<std::wstring> names;
-    for (; key != folder->keys.end() && (isCoverage || key->starts_with(stem)); ++key) {
-        if (isCoverage ? UpperExtensionOf(*key) == kCoverage : BelongsTo(*key, stem.size())) {
-            names.push_back(folder->names[key - folder->keys.begin()]);
+    for (auto i = static_cast<std::size_t>(first - folder->keys.begin()); i < folder->keys.size(); ++i) {
+        const std::wstring& key = folder->keys[i];
+        if (!isCoverage && !key.starts_with(stem)) {
+            break;
+        }
+        if (isCoverage ? UpperExtensionOf(key) == kCoverage : BelongsTo(key, stem.size())) {
+            names.push_back(folder->names[i]);
         }
     }
     return ToGdal(names);

@@ -193,7 +193,8 @@ class OpenFile {
             if (found == bytes.end()) {
                 return true;
             }
-            const vsi_l_offset header = at + (found - bytes.begin()) + kCodestream.size();
+            const vsi_l_offset header =
+                at + static_cast<std::size_t>(found - bytes.begin()) + kCodestream.size();
             if (CodestreamMemory(Peek(header)) > MostForDecoder()) {
                 return false;
             }

@@ -77,6 +77,7 @@ std::string LayerKeyOf(const CrsDescription& crs) {
 std::vector<std::function<void()>> IdentificationWork(std::vector<CrsPtr> files,
                                                       const std::map<std::wstring, std::wstring>& existing) {
     std::vector<std::function<void()>> work;
+    work.reserve(files.size() + existing.size());
     for (CrsPtr& crs : files) {
         work.emplace_back([crs = std::move(crs)] { crs->Identify(); });
     }

@@ -29,14 +29,13 @@ bool RunGuarded(UserPrompts& prompts, std::wstring_view name, Handler&& handler)
 /// the connection. Not for private signals (QTimer::timeout).
 template <typename Handler>
 auto Guarded(UserPrompts& prompts, std::wstring_view name, Handler handler) {
-    return [&prompts, name, handler = std::move(handler)](const auto&... arguments) mutable {
-        RunGuarded(prompts, name, [&] {
-            if constexpr (std::is_invocable_v<Handler&, decltype(arguments)...>) {
-                handler(arguments...);
-            } else {
-                handler();
-            }
-        });
+    return [&prompts, name,
+            handler = std::move(handler)]<typename... Arguments>(const Arguments&... arguments) mutable {
+        if constexpr (std::is_invocable_v<Handler&, const Arguments&...>) {
+            RunGuarded(prompts, name, [&] { handler(arguments...); });
+        } else {
+            RunGuarded(prompts, name, handler);
+        }
     };
 }
 
