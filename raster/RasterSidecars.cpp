@@ -19,13 +19,11 @@ constexpr std::size_t kMostSidecars = 256;
 
 void ReadSidecars(GDALDatasetH dataset, const std::wstring& path, RasterProperties& properties) {
     const CPLStringList files(GDALGetFileList(dataset));
-    std::vector<std::wstring> names;
+    // GDAL does not see these two.
+    std::vector<std::wstring> names{path + L".ovr", path + L".msk"};
+    names.reserve(names.size() + static_cast<std::size_t>(files.size()));
     for (int i = 0; i < files.size(); ++i) {
         names.push_back(NativePath(FromUtf8(GdalAccess::PathOf(files[i]))));
-    }
-    // GDAL does not see these.
-    for (const wchar_t* const extension : {L".ovr", L".msk"}) {
-        names.push_back(path + extension);
     }
     for (std::wstring& sidecar : names) {
         // Files inside archives, and files removed meanwhile, have no size.

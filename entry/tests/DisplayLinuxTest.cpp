@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <QByteArray>
+#include <QString>
 #include <cstring>
 #include <map>
 

@@ -72,7 +72,7 @@ TEST(Vlrs, StopAtTheCountTheAreaOrTheHeader) {
 // A list of files keeps what it shows, whatever the files hold.
 TEST(Vlrs, KeepShortDataAndWhatIsDecoded) {
     const testing::TemporaryFolder folder;
-    const auto holds = [&](LasBuilder builder) {
+    const auto holds = [&](const LasBuilder& builder) {
         std::string text;
         const VlrList list = ReadVlrsOf(folder.Write(L"a.las", builder.Build()));
         for (const VlrView& vlr : list.records) {

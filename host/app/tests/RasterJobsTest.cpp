@@ -54,6 +54,7 @@ std::pair<std::vector<int>, int> OverviewsOf(const std::wstring& path) {
     const GDALDatasetUniquePtr dataset(GDALDataset::Open(ToUtf8(path).c_str()));
     GDALRasterBand* band = dataset->GetRasterBand(1);
     std::vector<int> widths;
+    widths.reserve(static_cast<std::size_t>(band->GetOverviewCount()));
     for (int i = 0; i < band->GetOverviewCount(); ++i) {
         widths.push_back(band->GetOverview(i)->GetXSize());
     }

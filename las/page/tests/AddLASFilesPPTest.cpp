@@ -190,9 +190,9 @@ TEST_F(LasPage, ReadWriteOpensTheLasFileOfALazFile) {
 }
 
 TEST_F(LasPage, FilesThatCannotBeOpenedAreNamedInOneMessageThatIsCut) {
-    std::vector<std::wstring> paths;
-    for (int i = 0; i < 12; ++i) {
-        paths.push_back(Las(L"tile" + std::to_wstring(i) + L".las"));
+    std::vector<std::wstring> paths(12);
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        paths[i] = Las(L"tile" + std::to_wstring(i) + L".las");
     }
     page->AddPaths(paths);
     ASSERT_THAT(prompts.shown, SizeIs(1));
