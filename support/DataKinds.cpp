@@ -117,7 +117,7 @@ std::wstring StandInFor(const std::wstring& path) {
     if (FolderExists(path)) {
         const std::wstring folder = FileNameOf(path).empty() ? FolderOf(path) : path;
         for (const std::wstring& name : {std::wstring(kCoverageFile), ToUpper(kCoverageFile)}) {
-            if (std::wstring file = NativePath(folder + L"/" + name); FileExists(file)) {
+            if (std::wstring file = FromPath(ToPath(folder) / ToPath(name)); FileExists(file)) {
                 return file;
             }
         }

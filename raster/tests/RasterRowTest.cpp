@@ -20,7 +20,6 @@ namespace orvex {
 namespace {
 
 using testing::GeoTiff;
-using ::testing::IsEmpty;
 using testing::TemporaryFolder;
 
 std::vector<std::wstring> Texts(const RasterRow& row) {

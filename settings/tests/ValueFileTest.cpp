@@ -25,6 +25,7 @@ class ValueFileTest : public testing::ValueFileFixture {
     /// Runs processes that write at the same time; afterwards every value must be there.
     void Write(int writers, int values) {
         std::vector<testing::Words> children;
+        children.reserve(static_cast<std::size_t>(writers));
         for (int writer = 0; writer < writers; ++writer) {
             children.push_back({FromPath(path_), std::to_wstring(writer), std::to_wstring(values)});
         }
