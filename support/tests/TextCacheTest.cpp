@@ -60,7 +60,7 @@ TEST(TextCache, ThreadsThatAskAtOnceGetOneValue) {
     for (int t = 0; t < kThreads; ++t) {
         threads.push_back(std::async(std::launch::async, [&] {
             for (int i = 0; i < 2000; ++i) {
-                const std::string text = std::to_string(i % 50);
+                std::string text = std::to_string(i % 50);
                 const std::string value = cache.Get(text, [&] {
                     overlaps += running++ > 0 ? 1 : 0;
                     ++calls;
