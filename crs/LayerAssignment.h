@@ -18,8 +18,9 @@ struct LayerRules {
 /// The layer of one file. Empty for a file that cannot be loaded.
 struct LayerPlace {
     std::wstring layer;
-    bool exists = false;  ///< an existing layer of the project
-    unsigned group = 0;   ///< files with the same number can share a layer; 0: none
+    bool exists = false;     ///< an existing layer of the project
+    unsigned group = 0;      ///< files with the same number can share a layer; 0: none
+    bool inProject = false;  ///< the project has the file already; set by the page
 };
 
 /// Key that files in one layer have in common: the compatibility group of their CRS; its text while the

@@ -1,6 +1,8 @@
 #include "dialog/RecordResults.h"
 
 #include <algorithm>
+#include <iterator>
+#include <unordered_set>
 #include <utility>
 
 #include "orvexcommon/AddFilesParams.h"
@@ -19,11 +21,9 @@ constexpr Texts AddFilesParams::*kTexts[] = {
     &AddFilesParams::rasterFileLayers,     &AddFilesParams::demFileLayers};
 
 void AppendNew(std::vector<std::wstring> added, std::vector<std::wstring>& names) {
-    for (std::wstring& name : added) {
-        if (std::ranges::find(names, name) == names.end()) {
-            names.push_back(std::move(name));
-        }
-    }
+    std::unordered_set<std::wstring> known(names.begin(), names.end());
+    std::ranges::copy_if(added, std::back_inserter(names),
+                         [&](const std::wstring& name) { return known.insert(name).second; });
 }
 
 /// `added` becomes the earlier elements and those of its own whose key is new.

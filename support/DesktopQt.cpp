@@ -45,18 +45,20 @@ const QScreen& ScreenOf(const QWidget& window) {
 // A message box whose buttons speak the string library's language, not the toolkit's.
 class Box {
   public:
-    Box(QWidget* parent, const std::wstring& caption, PromptIcon icon, PromptButtons buttons) : box_(parent) {
+    Box(QWidget* parent, const std::wstring& caption, PromptIcon icon, PromptButtons buttons,
+        const std::wstring& yes = {}, const std::wstring& no = {})
+        : box_(parent) {
         box_.setWindowTitle(caption.empty() ? QGuiApplication::applicationDisplayName() : ToQString(caption));
         box_.setIcon(IconOf(icon));
         box_.setTextFormat(Qt::PlainText);
         if (buttons == PromptButtons::Ok) {
-            Add(PromptAnswer::Ok, QMessageBox::AcceptRole, text::kOk, "ok");
+            Add(PromptAnswer::Ok, QMessageBox::AcceptRole, Text(text::kOk), "ok");
             return;
         }
-        Add(PromptAnswer::Yes, QMessageBox::YesRole, text::kYes, "yes");
-        Add(PromptAnswer::No, QMessageBox::NoRole, text::kNo, "no");
+        Add(PromptAnswer::Yes, QMessageBox::YesRole, yes.empty() ? Text(text::kYes) : yes, "yes");
+        Add(PromptAnswer::No, QMessageBox::NoRole, no.empty() ? Text(text::kNo) : no, "no");
         if (buttons == PromptButtons::YesNoCancel) {
-            Add(PromptAnswer::Cancel, QMessageBox::RejectRole, text::kCancel, "cancel");
+            Add(PromptAnswer::Cancel, QMessageBox::RejectRole, Text(text::kCancel), "cancel");
         }
         // Enter must not agree to what is warned of.
         if (icon == PromptIcon::Warning) {
@@ -75,8 +77,8 @@ class Box {
     }
 
   private:
-    void Add(PromptAnswer answer, QMessageBox::ButtonRole role, StringId text, const char* name) {
-        last_ = box_.addButton(ToQString(Text(text)), role);
+    void Add(PromptAnswer answer, QMessageBox::ButtonRole role, const std::wstring& text, const char* name) {
+        last_ = box_.addButton(ToQString(text), role);
         last_->setObjectName(QLatin1String(name));
         answers_[last_] = answer;
         if (box_.defaultButton() == nullptr) {
@@ -134,7 +136,7 @@ QWidget* UserPromptsQt::Parent() const {
 }
 
 PromptAnswer UserPromptsQt::Show(const Prompt& prompt) {
-    Box box(Parent(), prompt.caption, prompt.icon, prompt.buttons);
+    Box box(Parent(), prompt.caption, prompt.icon, prompt.buttons, prompt.yesText, prompt.noText);
     box.Window().setText(ToQString(prompt.text));
     return box.Ask();
 }

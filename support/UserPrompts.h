@@ -15,6 +15,8 @@ struct Prompt {
     std::wstring caption;
     PromptIcon icon = PromptIcon::None;
     PromptButtons buttons = PromptButtons::Ok;
+    std::wstring yesText = {};  ///< on the Yes button; empty: the system's word
+    std::wstring noText = {};   ///< on the No button
 };
 
 /// A message with a main instruction, details and a check box.

@@ -127,4 +127,9 @@ class AddFilesParams {
     /// Input: files and folders that are added when the dialog opens, each to the page that takes it: the one
     /// shown first, else the first that lists such files.
     std::vector<std::wstring> initialPaths;
+
+    /// Input: full paths of the files that the project's LAS layers and raster layers have already. They are
+    /// marked when they are listed; the host still gets them, and decides.
+    std::vector<std::wstring> existingLasFiles;
+    std::vector<std::wstring> existingRasterFiles;
 };

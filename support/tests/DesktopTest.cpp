@@ -66,6 +66,12 @@ TEST(UserPromptsQt, AnswersWithTheButtonPressedOrWhatAKeyStandsFor) {
         });
         EXPECT_EQ(prompts.Show({L"Overwrite <b>?", L"Caption", c.icon, c.buttons}), c.answer);
     }
+    WhenShown([](QWidget* window) {
+        EXPECT_EQ(window->findChild<QPushButton*>("yes")->text(), "Discard");
+        Click(window, "no");
+    });
+    EXPECT_EQ(prompts.Show({L"?", L"", PromptIcon::Warning, PromptButtons::YesNo, L"Discard", L"Keep"}),
+              PromptAnswer::No);
 }
 
 TEST(UserPromptsQt, ATaskTellsItsCheckBoxWhateverTheAnswer) {
