@@ -35,7 +35,7 @@ struct GridColumn {
     int minimumWidth = 0;  ///< 0: none
     int maximumWidth = 0;  ///< 0: none; applies to fitting, not to the user's dragging
     FooterKind footer = FooterKind::None;
-    StringId footerFormat = text::kFilesFooter;  ///< of a count, with one %d; 0: the number alone
+    StringId footerFormat = text::kFilesFooter;  ///< of a count, with one %s; 0: the number alone
     int headerIcon = -1;                         ///< index in the dialog's image list; -1: none
 };
 

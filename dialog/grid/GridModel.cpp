@@ -4,7 +4,6 @@
 #include <QLocale>
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 
 #include "support/Format.h"
 #include "support/LDataError.h"
@@ -13,9 +12,6 @@
 
 namespace orvex {
 namespace {
-
-// Removing many scattered rows one range at a time costs the views a pass over all rows each.
-constexpr std::size_t kMostSeparateRanges = 32;
 
 std::wstring DateText(std::int64_t time, const wchar_t* format) {
     const QDateTime local = QDateTime::fromMSecsSinceEpoch(time);
@@ -34,7 +30,7 @@ GridModel::GridModel(std::vector<GridColumn> columns, QObject* parent)
     : QAbstractTableModel(parent), columns_(std::move(columns)), sums_(columns_.size(), 0.0) {}
 
 int GridModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(order_.size());
+    return parent.isValid() ? 0 : static_cast<int>(shown_.size());
 }
 
 int GridModel::columnCount(const QModelIndex& parent) const {
@@ -142,28 +138,23 @@ std::wstring GridModel::CellText(std::size_t record, int column) const {
     return FormatCell(cell, NumberFormat(record, column));
 }
 
+std::wstring GridModel::CountText() const {
+    const std::wstring shown = std::to_wstring(shown_.size());
+    return keeps_ ? FormatText(Text(text::kFooterShownOf), {shown, std::to_wstring(recordCount_)}) : shown;
+}
+
 std::optional<std::wstring> GridModel::FooterText(int column) const {
     const GridColumn& description = columns_[static_cast<std::size_t>(column)];
     switch (description.footer) {
         case FooterKind::Count:
-            return FormatText(description.footerFormat.value ? Text(description.footerFormat) : L"%d",
-                              {order_.size()});
+            return FormatText(description.footerFormat.value ? Text(description.footerFormat) : L"%s",
+                              {CountText()});
         case FooterKind::Sum:
             return FormatText(description.format, {sums_[static_cast<std::size_t>(column)]});
         case FooterKind::None:
             break;
     }
     return std::nullopt;
-}
-
-int GridModel::RowOfRecord(std::size_t record) const {
-    if (rows_.empty()) {
-        rows_.resize(recordCount_, -1);
-        for (std::size_t row = 0; row < order_.size(); ++row) {
-            rows_[order_[row]] = static_cast<int>(row);
-        }
-    }
-    return record < rows_.size() ? rows_[record] : -1;
 }
 
 int GridModel::FindRow(int column, std::wstring_view start, int from) const {
@@ -194,213 +185,6 @@ std::wstring GridModel::Tooltip(std::size_t, int) const {
 
 std::optional<QColor> GridModel::TextColour(std::size_t, int) const {
     return std::nullopt;
-}
-
-void GridModel::sort(int column, Qt::SortOrder order) {
-    const int wanted = column >= 0 && column < columnCount() ? column : -1;
-    keys_ = KeysOf(wanted);
-    sortColumn_ = wanted;
-    sortOrder_ = order;
-    Reorder([this] { SortAll(); });
-    emit SortChanged(sortColumn_, sortOrder_);
-}
-
-void GridModel::Reorder(const std::function<void()>& change) {
-    emit layoutAboutToBeChanged({}, VerticalSortHint);
-    const QModelIndexList before = persistentIndexList();
-    std::vector<std::uint32_t> records;
-    records.reserve(static_cast<std::size_t>(before.size()));
-    for (const QModelIndex& index : before) {
-        records.push_back(order_[static_cast<std::size_t>(index.row())]);
-    }
-    change();
-    rows_.clear();
-    QModelIndexList after;
-    after.reserve(before.size());
-    for (qsizetype i = 0; i < before.size(); ++i) {
-        after.push_back(index(RowOfRecord(records[static_cast<std::size_t>(i)]), before[i].column()));
-    }
-    changePersistentIndexList(before, after);
-    emit layoutChanged({}, VerticalSortHint);
-}
-
-bool GridModel::Before(std::uint32_t a, std::uint32_t b) const {
-    return keys_.Before(a, b, sortOrder_ == Qt::DescendingOrder);
-}
-
-void GridModel::SortAll() {
-    std::iota(order_.begin(), order_.end(), 0U);
-    if (sortColumn_ >= 0) {
-        std::stable_sort(order_.begin(), order_.end(), [this](auto a, auto b) { return Before(a, b); });
-    }
-}
-
-GridSortKeys GridModel::KeysOf(int column) const {
-    GridSortKeys keys;
-    if (column < 0) {
-        return keys;
-    }
-    keys.Reserve(order_.size());
-    for (std::size_t record = 0; record < order_.size(); ++record) {
-        keys.Append(Cell(record, column));
-    }
-    return keys;
-}
-
-void GridModel::AppendKeys(std::size_t firstRecord) {
-    try {
-        for (std::size_t record = firstRecord; sortColumn_ >= 0 && record < order_.size(); ++record) {
-            keys_.Append(Cell(record, sortColumn_));
-        }
-    } catch (...) {
-        // Keys of some rows only would be read beyond their end: the rows stay as they are, unsorted.
-        keys_.Clear();
-        sortColumn_ = -1;
-        emit SortChanged(sortColumn_, sortOrder_);
-        throw;
-    }
-}
-
-void GridModel::AddToSums(std::size_t firstRecord, int firstColumn, int lastColumn) {
-    for (int column = firstColumn; column <= lastColumn; ++column) {
-        const auto at = static_cast<std::size_t>(column);
-        if (columns_[at].footer != FooterKind::Sum) {
-            continue;
-        }
-        for (std::size_t record = firstRecord; record < order_.size(); ++record) {
-            const GridCell cell = Cell(record, column);
-            const auto* number = std::get_if<double>(&cell);
-            sums_[at] += number && std::isfinite(*number) ? *number : 0.0;
-        }
-    }
-}
-
-// Adding up anew rather than taking away keeps a sum free of rounding that was left behind.
-void GridModel::RecomputeSums(int firstColumn, int lastColumn) {
-    std::fill(sums_.begin() + firstColumn, sums_.begin() + lastColumn + 1, 0.0);
-    AddToSums(0, firstColumn, lastColumn);
-}
-
-void GridModel::AppendRecords(std::size_t count, const std::function<void()>& append) {
-    if (count == 0) {
-        return;
-    }
-    const std::size_t first = order_.size();
-    beginInsertRows({}, static_cast<int>(first), static_cast<int>(first + count - 1));
-    append();
-    order_.resize(first + count);
-    std::iota(order_.begin() + static_cast<std::ptrdiff_t>(first), order_.end(),
-              static_cast<std::uint32_t>(first));
-    rows_.clear();
-    recordCount_ = order_.size();
-    Q_ASSERT(RecordCount() == recordCount_);
-    endInsertRows();
-
-    AppendKeys(first);
-    AddToSums(first, 0, columnCount() - 1);
-    if (sortColumn_ >= 0) {
-        Reorder([this, first] {
-            const auto before = [this](auto a, auto b) { return Before(a, b); };
-            const auto middle = order_.begin() + static_cast<std::ptrdiff_t>(first);
-            std::stable_sort(middle, order_.end(), before);
-            std::inplace_merge(order_.begin(), middle, order_.end(), before);
-        });
-    }
-    emit RecordsChanged();
-}
-
-void GridModel::EraseRows(RowRange range) {
-    order_.erase(order_.begin() + range.first, order_.begin() + range.last + 1);
-    rows_.clear();
-}
-
-std::vector<GridModel::RowRange> GridModel::RangesToRemove(const std::vector<std::size_t>& records) {
-    std::vector<int> rows;
-    rows.reserve(records.size());
-    std::transform(records.begin(), records.end(), std::back_inserter(rows),
-                   [this](std::size_t record) { return RowOfRecord(record); });
-    std::sort(rows.begin(), rows.end());
-    std::vector<RowRange> ranges;
-    for (const int row : rows) {
-        if (!ranges.empty() && ranges.back().last + 1 == row) {
-            ranges.back().last = row;
-        } else {
-            ranges.push_back({row, row});
-        }
-    }
-    if (ranges.size() <= kMostSeparateRanges) {
-        return ranges;
-    }
-    Reorder([this, &records] {
-        std::stable_partition(order_.begin(), order_.end(), [&records](std::uint32_t record) {
-            return !std::binary_search(records.begin(), records.end(), record);
-        });
-    });
-    return {{rowCount() - static_cast<int>(records.size()), rowCount() - 1}};
-}
-
-void GridModel::RemoveRecords(const std::vector<std::size_t>& records, const std::function<void()>& remove) {
-    if (records.empty()) {
-        return;
-    }
-    // The records stay in the storage, under their numbers, until the last range goes: whoever listens to
-    // rows on their way out can still read the others.
-    std::vector<RowRange> ranges = RangesToRemove(records);
-    for (; ranges.size() > 1; ranges.pop_back()) {
-        beginRemoveRows({}, ranges.back().first, ranges.back().last);
-        EraseRows(ranges.back());
-        endRemoveRows();
-    }
-    beginRemoveRows({}, ranges.front().first, ranges.front().last);
-    EraseRows(ranges.front());
-    remove();
-    for (std::uint32_t& record : order_) {
-        const auto gone = std::lower_bound(records.begin(), records.end(), record) - records.begin();
-        record -= static_cast<std::uint32_t>(gone);
-    }
-    if (sortColumn_ >= 0) {
-        keys_.Remove(records);
-    }
-    recordCount_ = order_.size();
-    Q_ASSERT(RecordCount() == recordCount_);
-    RecomputeSums(0, columnCount() - 1);
-    endRemoveRows();
-    emit RecordsChanged();
-}
-
-void GridModel::ClearRecords(const std::function<void()>& clear) {
-    if (order_.empty()) {
-        clear();
-        return;
-    }
-    beginRemoveRows({}, 0, rowCount() - 1);
-    clear();
-    order_.clear();
-    rows_.clear();
-    recordCount_ = 0;
-    keys_.Clear();
-    std::fill(sums_.begin(), sums_.end(), 0.0);
-    endRemoveRows();
-    emit RecordsChanged();
-}
-
-void GridModel::NotifyChanged(int firstColumn, int lastColumn) {
-    if (order_.empty()) {
-        return;
-    }
-    RecomputeSums(firstColumn, lastColumn);
-    emit dataChanged(index(0, firstColumn), index(rowCount() - 1, lastColumn));
-    if (sortColumn_ >= firstColumn && sortColumn_ <= lastColumn) {
-        keys_ = KeysOf(sortColumn_);
-        // Ties included: equal records stand in the order of adding.
-        const bool sorted = std::is_sorted(order_.begin(), order_.end(), [this](auto a, auto b) {
-            return Before(a, b) || (a < b && !Before(b, a));
-        });
-        if (!sorted) {
-            Reorder([this] { SortAll(); });
-        }
-    }
-    emit RecordsChanged();
 }
 
 }  // namespace orvex

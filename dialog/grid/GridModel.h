@@ -12,9 +12,9 @@
 
 namespace orvex {
 
-/// Model of every grid: a table of columns, and records stored by a subclass. Rows show the records in the
-/// current sort order; cells are computed from the record on demand, so that a row costs its record and one
-/// index.
+/// Model of every grid: a table of columns, and records stored by a subclass. Rows show the records that the
+/// filter keeps, in the current sort order; cells are computed from the record on demand, so that a row costs
+/// its record and two indices.
 class GridModel : public QAbstractTableModel {
     Q_OBJECT
 
@@ -37,9 +37,17 @@ class GridModel : public QAbstractTableModel {
     int SortColumn() const { return sortColumn_; }
     Qt::SortOrder SortOrder() const { return sortOrder_; }
 
+    /// Shows only the records for which `keeps` is true; empty: all. Called again for records that are new or
+    /// changed. Selection and current row stay with their records where these are still shown. What `keeps`
+    /// throws here is thrown on, and nothing has changed; a record for which it throws later is shown.
+    void SetFilter(std::function<bool(std::size_t record)> keeps);
+    bool IsFiltered() const { return static_cast<bool>(keeps_); }
+    /// All records in the sort order, also those that the filter hides.
+    std::vector<std::size_t> RecordsInOrder() const;
+
     /// Record shown in a row, and row that shows a record.
-    std::size_t RecordOfRow(int row) const { return order_[static_cast<std::size_t>(row)]; }
-    /// -1 if there is no such record.
+    std::size_t RecordOfRow(int row) const { return shown_[static_cast<std::size_t>(row)]; }
+    /// -1 if there is no such record, or it is hidden.
     int RowOfRecord(std::size_t record) const;
     /// First row from `from` on, wrapping around, whose text in a column starts with `start`
     /// (case-insensitive); -1 if none.
@@ -47,13 +55,16 @@ class GridModel : public QAbstractTableModel {
 
     /// Text of a cell as shown.
     std::wstring CellText(std::size_t record, int column) const;
-    /// Footer cell: a count, a sum, or nullopt. Updated once per batch.
+    /// Footer cell of the shown records: a count, a sum, or nullopt. Updated once per batch.
     std::optional<std::wstring> FooterText(int column) const;
 
   signals:
     /// After rows were added, removed or changed; once per batch.
     void RecordsChanged();
     void SortChanged(int column, Qt::SortOrder order);
+    /// Around SetFilter.
+    void FilterAboutToChange();
+    void FilterChanged();
 
   protected:
     virtual std::size_t RecordCount() const = 0;
@@ -72,6 +83,10 @@ class GridModel : public QAbstractTableModel {
     void RemoveRecords(const std::vector<std::size_t>& records, const std::function<void()>& remove);
     /// Removes all records; `clear` empties the subclass's storage.
     void ClearRecords(const std::function<void()>& clear);
+    /// Gives records other places in the order of adding: `newIndexOfRecord` is a permutation, and
+    /// `permuteStorage` moves the subclass's records accordingly. It must not throw.
+    void ReorderRecords(const std::vector<std::size_t>& newIndexOfRecord,
+                        const std::function<void()>& permuteStorage);
     /// The cells of all records in these columns changed.
     void NotifyChanged(int firstColumn, int lastColumn);
 
@@ -84,24 +99,40 @@ class GridModel : public QAbstractTableModel {
     QVariant RoleOf(const QModelIndex& index, int role) const;
     QVariant DisplayValue(std::size_t record, int column, int role) const;
     QVariant Alignment(int column, bool header) const;
-    /// Lets `change` alter order_ and tells the views, so that selections stay with their records.
-    void Reorder(const std::function<void()>& change);
+    /// "12", or "12 of 3000" while filtered.
+    std::wstring CountText() const;
+    /// Lets `change` alter the order of the rows (not their number) and tells the views, so that selections
+    /// stay with their records; `newIndexOf` if these get other indices.
+    void Reorder(const std::function<void()>& change, const std::vector<std::size_t>& newIndexOf = {});
     bool Before(std::uint32_t a, std::uint32_t b) const;
     void SortAll();
+    /// Puts the kept records into the sort order.
+    void ShowInOrder();
+    bool IsKept(std::size_t record) const { return kept_.empty() || kept_[record] != 0; }
+    /// Applies the filter to records from one on, without showing or hiding any.
+    void FilterFrom(std::size_t firstRecord);
+    /// Removes the rows of records that the filter hides and adds those that it shows.
+    void ShowKept();
+    void AddRows(const std::vector<std::uint32_t>& records);
     /// By record; empty for column -1.
     GridSortKeys KeysOf(int column) const;
     /// The keys of records that were added at the end.
     void AppendKeys(std::size_t firstRecord);
     void AddToSums(std::size_t firstRecord, int firstColumn, int lastColumn);
     void RecomputeSums(int firstColumn, int lastColumn);
-    /// The rows of these records; when they are too scattered, after moving them to the end.
-    std::vector<RowRange> RangesToRemove(const std::vector<std::size_t>& records);
+    /// The rows of records that go; when they are too scattered, after moving them to the end.
+    std::vector<RowRange> RangesOf(const std::function<bool(std::uint32_t record)>& goes);
     void EraseRows(RowRange range);
+    /// After these have left the storage.
+    void ForgetRecords(const std::vector<std::size_t>& records);
 
     const std::vector<GridColumn> columns_;
-    std::vector<std::uint32_t> order_;  ///< record of each row
-    mutable std::vector<int> rows_;     ///< row of each record; empty until needed
-    std::size_t recordCount_ = 0;       ///< in the storage; exceeds the rows only during removal
+    std::vector<std::uint32_t> order_;               ///< all records in the sort order
+    std::vector<std::uint32_t> shown_;               ///< record of each row
+    mutable std::vector<int> rows_;                  ///< row of each record, -1 if hidden; empty until needed
+    std::size_t recordCount_ = 0;                    ///< in the storage
+    std::function<bool(std::size_t record)> keeps_;  ///< empty: no filter
+    std::vector<std::uint8_t> kept_;                 ///< by record; empty: no filter
     int sortColumn_ = -1;
     Qt::SortOrder sortOrder_ = Qt::AscendingOrder;
     GridSortKeys keys_;         ///< of the sort column, by record; empty while unsorted

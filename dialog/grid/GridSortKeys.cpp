@@ -42,6 +42,13 @@ void GridSortKeys::Remove(const std::vector<std::size_t>& records) {
     EraseAt(texts_, records);
 }
 
+void GridSortKeys::Permute(const std::vector<std::size_t>& newIndexOf) {
+    texts_.resize(kinds_.size());
+    orvex::Permute(kinds_, newIndexOf);
+    orvex::Permute(numbers_, newIndexOf);
+    orvex::Permute(texts_, newIndexOf);
+}
+
 bool GridSortKeys::Before(std::size_t a, std::size_t b, bool descending) const {
     if (kinds_[a] == Kind::Nothing || kinds_[b] == Kind::Nothing) {
         return kinds_[a] < kinds_[b];

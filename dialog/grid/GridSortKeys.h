@@ -16,6 +16,8 @@ class GridSortKeys {
     void Append(const GridCell& cell);
     /// Removes the keys of these records (ascending, unique) and closes the gaps.
     void Remove(const std::vector<std::size_t>& records);
+    /// The key of record `r` becomes that of record `newIndexOf[r]`.
+    void Permute(const std::vector<std::size_t>& newIndexOf);
     std::size_t Size() const { return kinds_.size(); }
 
     /// True if record `a` sorts before record `b`; false if they are equal.
@@ -45,6 +47,16 @@ void EraseAt(std::vector<T>& items, const std::vector<std::size_t>& positions) {
         ++kept;
     }
     items.resize(kept);
+}
+
+/// Moves the element at each position `i` to `newIndexOf[i]`, a permutation. An empty list stays empty.
+template <class T>
+void Permute(std::vector<T>& items, const std::vector<std::size_t>& newIndexOf) {
+    std::vector<T> moved(items.size());
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        moved[newIndexOf[i]] = std::move(items[i]);
+    }
+    items = std::move(moved);
 }
 
 }  // namespace orvex

@@ -42,6 +42,7 @@ struct GridView::Parts {
     UserPrompts& prompts;
     GridModel* model = nullptr;
     bool details = true;
+    std::optional<std::size_t> currentRecord;  ///< while a filter changes
     GridDelegate* delegate;
     GridPanes panes;
     GridTable* frozen = &panes.Frozen();
@@ -163,6 +164,7 @@ void GridView::SetModel(GridModel* model) {
         connect(model, &GridModel::SortChanged, this,
                 Guarded(p.prompts, L"OnSortChanged",
                         [this](int column, Qt::SortOrder order) { parts_->panes.ShowSort(column, order); }));
+        ConnectFilter();
         p.panes.ShowColumns(p.details);
         for (const int column : p.panes.ShownColumns()) {
             if (model->Columns()[static_cast<std::size_t>(column)].width == 0) {
@@ -190,6 +192,27 @@ void GridView::ConnectSelection() {
                 emit CurrentRowChanged(current.row());
             }
         }));
+}
+
+// What a filter finds begins at the top, unless the current row is among it.
+void GridView::ConnectFilter() {
+    Parts& p = *parts_;
+    connect(p.model, &GridModel::FilterAboutToChange, this,
+            Guarded(p.prompts, L"OnFilter", [this] { parts_->currentRecord = CurrentRecord(); }));
+    connect(p.model, &GridModel::FilterChanged, this, Guarded(p.prompts, L"OnFilter", [this] {
+                GridTable& table = *parts_->table;
+                if (parts_->currentRecord == CurrentRecord() && CurrentRow() >= 0) {
+                    table.scrollTo(table.currentIndex());
+                } else {
+                    table.selectionModel()->clearCurrentIndex();
+                    table.scrollToTop();
+                }
+            }));
+}
+
+std::optional<std::size_t> GridView::CurrentRecord() const {
+    const int row = CurrentRow();
+    return row < 0 ? std::nullopt : std::optional(parts_->model->RecordOfRow(row));
 }
 
 void GridView::SetIcons(std::vector<QIcon> icons) {

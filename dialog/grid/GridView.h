@@ -2,6 +2,7 @@
 #include <QFrame>
 #include <QIcon>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "dialog/grid/GridModel.h"
@@ -83,6 +84,8 @@ class GridView : public QFrame {
     void BuildCommands();
     void JoinScrolling();
     void ConnectSelection();
+    void ConnectFilter();
+    std::optional<std::size_t> CurrentRecord() const;
     void EnableCommands();
     void CycleSort(int column);
     void ArrangePanes();

@@ -53,6 +53,17 @@ class ListModel : public ListRows {
         ClearRecords([this] { rows_.clear(); });
     }
 
+    /// Gives rows other places in the order of adding: row `r` becomes row `newIndexOf[r]`, a permutation.
+    void Permute(const std::vector<std::size_t>& newIndexOf) {
+        std::vector<Row> moved(rows_.size());
+        ReorderRecords(newIndexOf, [&] {
+            for (std::size_t i = 0; i < rows_.size(); ++i) {
+                moved[newIndexOf[i]] = std::move(rows_[i]);
+            }
+            rows_.swap(moved);
+        });
+    }
+
     /// Changes rows without adding or removing any; tells the views even when `change` throws.
     void Change(const std::function<void(std::vector<Row>&)>& change) {
         struct Notifier {

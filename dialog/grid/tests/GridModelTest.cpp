@@ -4,10 +4,12 @@
 
 #include <QAbstractItemModelTester>
 #include <algorithm>
+#include <functional>
 #include <random>
 #include <stdexcept>
 
 #include "dialog/grid/tests/SampleModel.h"
+#include "support/Format.h"
 #include "support/QtText.h"
 
 namespace orvex::testing {
@@ -164,6 +166,93 @@ TEST(GridModelTest, FooterFollowsEachBatchOnce) {
     EXPECT_EQ(footer(), L"0 / 0.00");
     EXPECT_EQ(announced, 5);
     EXPECT_FALSE(model.FooterText(kSummary).has_value());
+}
+
+// Whatever happens while a filter is on, the rows are those of a sorted model that the filter keeps.
+TEST(GridModelTest, TheFilterHoldsThroughEveryChange) {
+    SampleModel model;
+    SampleModel whole;
+    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    std::mt19937 random(11);
+    std::wstring wanted;
+    const auto both = [&](const std::function<void(SampleModel&)>& act) { act(model), act(whole); };
+    const auto filter = [&](const std::wstring& part) {
+        wanted = part;
+        model.SetFilter(part.empty() ? std::function<bool(std::size_t)>() : [&](std::size_t record) {
+            return model.Rows()[record].name.find(wanted) != std::wstring::npos;
+        });
+    };
+    const auto expectFiltered = [&](const char* when) {
+        SCOPED_TRACE(when);
+        Names names = whole.Names();
+        std::erase_if(names, [&](const std::wstring& name) { return name.find(wanted) == name.npos; });
+        EXPECT_THAT(model.Names(), ElementsAreArray(names));
+        EXPECT_THAT(model.RecordsInOrder(), ElementsAreArray(whole.RecordsInOrder()));
+        const std::wstring count = std::to_wstring(names.size());
+        EXPECT_EQ(model.FooterText(kName),
+                  wanted.empty() ? count : count + L" of " + std::to_wstring(whole.Count()));
+        EXPECT_EQ(model.FooterText(kSize), FormatText(L"%.2f", {static_cast<double>(names.size())}));
+        for (std::size_t record = 0; record < model.Count(); ++record) {
+            const int row = model.RowOfRecord(record);
+            EXPECT_TRUE(row < 0 || model.RecordOfRow(row) == record);
+        }
+    };
+    const auto add = [&](std::size_t count) {
+        Names names;
+        for (std::size_t i = 0; i < count; ++i) {
+            names.push_back((random() % 2 ? L"File" : L"tile") + std::to_wstring(random() % 60));
+        }
+        both([&](SampleModel& m) { m.AddNames(names); });
+    };
+    filter(L"3");
+    expectFiltered("empty");
+    add(200);
+    expectFiltered("added");
+    both([](SampleModel& m) { m.sort(kName, kDown); });
+    expectFiltered("sorted");
+    add(30);
+    expectFiltered("added while sorted");
+    filter(L"tile");
+    expectFiltered("many scattered rows hidden and shown");
+    std::vector<std::size_t> gone;
+    for (std::size_t record = 1; record < 220; record += 3) {
+        gone.push_back(record);
+    }
+    both([&](SampleModel& m) { m.Remove(gone); });
+    expectFiltered("shown and hidden records removed");
+    both([](SampleModel& m) { m.Replace(3, {L"tile0", 1.0}), m.Replace(4, {L"other", 1.0}); });
+    expectFiltered("records come and go as they change");
+    filter(L"no such name");
+    expectFiltered("nothing left");
+    both([](SampleModel& m) { m.Remove({0, 2, 4}); });
+    expectFiltered("hidden records removed");
+    filter(L"");
+    expectFiltered("no filter");
+    filter(L"9");
+    both([](SampleModel& m) { m.Clear(); });
+    expectFiltered("cleared");
+    add(20);
+    expectFiltered("added again");
+    EXPECT_THROW(model.SetFilter([](std::size_t) -> bool { throw std::runtime_error("stop"); }),
+                 std::runtime_error);
+    expectFiltered("a filter that cannot be applied changes nothing");
+}
+
+TEST(GridModelTest, RecordsGetOtherPlacesInTheOrderOfAdding) {
+    SampleModel model;
+    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    model.AddNames({L"b", L"c", L"a", L"B"});
+    const QPersistentModelIndex c = model.index(1, kName);
+    model.sort(kName, kUp);
+    model.SetFilter([&](std::size_t record) { return model.Rows()[record].name != L"a"; });
+    model.Permute({3, 1, 2, 0});  // b and B change places
+    EXPECT_THAT(model.Names(), ElementsAre(L"B", L"b", L"c")) << "equal names in the order of adding";
+    EXPECT_EQ(c.row(), 2);
+    model.Permute({0, 3, 1, 2});
+    model.SetFilter({});
+    model.sort(-1);
+    EXPECT_THAT(model.Names(), ElementsAre(L"B", L"a", L"b", L"c"));
+    EXPECT_EQ(c.row(), 3);
 }
 
 TEST(ListModelTest, CellsLookAsTheColumnAndTheRowSay) {

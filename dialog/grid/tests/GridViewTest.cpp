@@ -189,6 +189,33 @@ TEST_F(GridViewTest, SelectionSpansThePanesAndStaysWithItsRecords) {
     EXPECT_EQ(view_.CurrentRow(), -1);
 }
 
+TEST_F(GridViewTest, SelectionAndCurrentRowStayWithTheRecordsThatAFilterShows) {
+    AddMany(1000);
+    const auto keep = [this](std::size_t step) {
+        model_.SetFilter([step](std::size_t record) { return record % step == 0; });
+        Settle();
+    };
+    view_.SelectAll();
+    keep(2);
+    EXPECT_EQ(view_.SelectedRows().size(), 500U);
+    model_.SetFilter({});
+    EXPECT_EQ(view_.SelectedRows().size(), 500U) << "hidden rows are not selected when they come back";
+    ClickRow(view_.Table(), 4);
+    ClickRow(view_.Table(), 6, Qt::ControlModifier);
+    keep(3);
+    EXPECT_THAT(view_.SelectedRows(), ElementsAre(2));
+    EXPECT_EQ(view_.CurrentRow(), 2);
+    view_.Table()->verticalScrollBar()->setValue(2000);
+    model_.SetFilter({});
+    EXPECT_THAT(view_.SelectedRows(), ElementsAre(6));
+    EXPECT_EQ(view_.CurrentRow(), 6);
+    EXPECT_GE(view_.Table()->rowViewportPosition(6), 0) << "the current row is in sight";
+    view_.Table()->verticalScrollBar()->setValue(2000);
+    keep(4);
+    EXPECT_EQ(view_.CurrentRow(), -1) << "its record is hidden";
+    EXPECT_EQ(view_.Table()->verticalScrollBar()->value(), 0) << "what was found begins at the top";
+}
+
 TEST_F(GridViewTest, KeysWorkOnRows) {
     model_.AddNames({L"beta", L"alpha", L"alps", L"gamma"});
     Settle();
