@@ -121,8 +121,7 @@ void Inspect(LasRow& row) {
     DescribeFileCrs(row);
     CheckExtentAgainstCrs(row);
     SortFindings(row.findings);
-    const bool isOdd = !row.findings.empty() && row.findings.front().severity > FindingSeverity::Note;
-    row.summary = isOdd ? row.findings.front().text : Text(text::kInspectionOk);
+    row.summary = SummaryOf(row.findings);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <functional>
 #include <limits>
 #include <optional>
+#include <tuple>
 
 #include "las/LASFile.h"
 #include "support/Files.h"
@@ -364,9 +365,12 @@ std::vector<LasFinding> ValidateLas(const LASFile& file) {
 }
 
 void SortFindings(std::vector<LasFinding>& findings) {
-    std::ranges::stable_sort(findings, [](const LasFinding& a, const LasFinding& b) {
-        return a.severity != b.severity ? a.severity > b.severity : a.offset < b.offset;
-    });
+    // The first one is the row's summary, and of the notes the missing CRS matters most.
+    const auto rank = [](const LasFinding& finding) {
+        return std::tuple(-static_cast<int>(finding.severity), finding.code != las_finding::kNoCrs.code,
+                          finding.offset);
+    };
+    std::ranges::stable_sort(findings, {}, rank);
 }
 
 }  // namespace orvex

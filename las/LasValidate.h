@@ -72,7 +72,7 @@ struct LasFinding : Finding {
 /// Findings about a file's header and records, worst first, then by offset. Does not try to read the CRS.
 std::vector<LasFinding> ValidateLas(const LASFile& file);
 
-/// Sorts findings into that order.
+/// Sorts findings into that order; among the notes a missing CRS comes first.
 void SortFindings(std::vector<LasFinding>& findings);
 
 }  // namespace orvex

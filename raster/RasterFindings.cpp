@@ -199,8 +199,8 @@ std::vector<Finding> ValidateRaster(const RasterProperties& properties, const Cr
     for (const std::wstring& text : properties.warnings) {
         findings.push_back({Warning, text, "reader-message"});
     }
-    CheckGeoreference(properties, findings);
     CheckCrs(properties, crs, findings);
+    CheckGeoreference(properties, findings);
     if (use == RasterUse::Dem) {
         CheckDem(properties, crs, findings);
     } else {

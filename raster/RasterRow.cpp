@@ -68,8 +68,7 @@ void Inspect(RasterRow& row, RasterUse use, const RasterInformationMaker& maker)
     std::wstring reason;
     Is_BigTIFF(row.path, row.file->bigTiff, reason);
     row.findings = ValidateRaster(row.Properties(), *row.crs, use);
-    const bool isOdd = !row.findings.empty() && row.findings.front().severity > FindingSeverity::Note;
-    row.summary = isOdd ? row.findings.front().text : Text(text::kInspectionOk);
+    row.summary = SummaryOf(row.findings);
 }
 
 /// The row of a file that cannot be described: what is wrong with it, and nothing else.

@@ -34,12 +34,12 @@ inline Finding FindingInWords(const FindingKind& kind, std::wstring text) {
     return {kind.severity, std::move(text), kind.code};
 }
 
-/// State of a row, worst last.
-enum class LoadFlag { Good, Findings, NotLoadable };
+/// State of a row, worst last. Noted: nothing but notes is known of the file.
+enum class LoadFlag { Good, Noted, Findings, NotLoadable };
 
 /// Image of a state, in the dialog's list.
 inline int LoadFlagImage(LoadFlag flag) {
-    constexpr ImageIndex kImages[] = {kImageLoadable, kImageWarning, kImageNotLoadable};
+    constexpr ImageIndex kImages[] = {kImageLoadable, kImageInformation, kImageWarning, kImageNotLoadable};
     return kImages[static_cast<int>(flag)];
 }
 
@@ -49,19 +49,22 @@ inline double LoadFlagNumber(LoadFlag flag) {
     return static_cast<double>(LoadFlag::NotLoadable) - static_cast<double>(flag);
 }
 
-/// State of a file with these findings (a range of Finding, or of types derived from it). Notes leave a file
-/// good.
+/// State of a file with these findings (of Finding, or of a type derived from it), worst first.
 template <typename Findings>
 LoadFlag LoadFlagFor(bool loadable, const Findings& findings) {
     if (!loadable) {
         return LoadFlag::NotLoadable;
     }
-    for (const Finding& finding : findings) {
-        if (finding.severity != FindingSeverity::Note) {
-            return LoadFlag::Findings;
-        }
+    if (findings.empty()) {
+        return LoadFlag::Good;
     }
-    return LoadFlag::Good;
+    return findings.front().severity == FindingSeverity::Note ? LoadFlag::Noted : LoadFlag::Findings;
+}
+
+/// One line for a file that could be read: the first of its findings, or "OK".
+template <typename Findings>
+std::wstring SummaryOf(const Findings& findings) {
+    return findings.empty() ? Text(text::kInspectionOk) : findings.front().text;
 }
 
 /// All findings, one a line.

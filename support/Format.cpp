@@ -28,7 +28,7 @@ int ReadNumber(std::wstring_view format, std::size_t& at) {
 
 // Reads what follows a '%' at `at` and moves behind it.
 Conversion ReadConversion(std::wstring_view format, std::size_t& at) {
-    constexpr std::wstring_view kFlags = L"-+ 0#";
+    constexpr std::wstring_view kFlags = L"-+ 0#'";
     Conversion result;
     while (at < format.size() && kFlags.find(format[at]) != std::wstring_view::npos) {
         result.flags.push_back(static_cast<char>(format[at++]));
@@ -78,22 +78,42 @@ std::string NumberSpec(const Conversion& conversion, char letter) {
     return spec + letter + '}';
 }
 
+// A separator between each three digits before the decimal point.
+std::wstring Grouped(std::wstring number) {
+    const std::wstring separator = Text(text::kDigitSeparator);
+    const std::size_t first = number.find_first_of(L"0123456789");
+    std::size_t at = std::min(number.find(L'.'), number.size());
+    while (at > first && at - first > 3) {
+        at -= 3;
+        number.insert(at, separator);
+    }
+    return number;
+}
+
+template <typename Number>
+std::wstring WriteNumber(const Conversion& conversion, char letter, Number number) {
+    const bool isGrouped =
+        conversion.flags.find('\'') != std::string::npos && (letter == 'd' || letter == 'f');
+    Conversion written = conversion;
+    written.width = isGrouped ? 0 : conversion.width;
+    std::wstring text = Widen(fmt::format(fmt::runtime(NumberSpec(written, letter)), number));
+    return isGrouped ? Pad(Grouped(std::move(text)), conversion) : text;
+}
+
 template <typename Number>
 std::wstring WriteInteger(const Conversion& conversion, Number number) {
     switch (conversion.letter) {
         case 'x':
         case 'X':
-            return Widen(fmt::format(fmt::runtime(NumberSpec(conversion, conversion.letter)),
-                                     static_cast<std::uint64_t>(number)));
+            return WriteNumber(conversion, conversion.letter, static_cast<std::uint64_t>(number));
         case 'c':
             return Pad(std::wstring(1, static_cast<wchar_t>(number)), conversion);
         case 'f':
         case 'e':
         case 'g':
-            return Widen(fmt::format(fmt::runtime(NumberSpec(conversion, conversion.letter)),
-                                     static_cast<double>(number)));
+            return WriteNumber(conversion, conversion.letter, static_cast<double>(number));
         default:
-            return Widen(fmt::format(fmt::runtime(NumberSpec(conversion, 'd')), number));
+            return WriteNumber(conversion, 'd', number);
     }
 }
 
@@ -103,7 +123,7 @@ std::wstring WriteDouble(const Conversion& conversion, double number) {
     if (adjusted.precision < 0) {
         adjusted.precision = letter == 'f' && conversion.letter != 'f' ? 0 : 6;
     }
-    return Widen(fmt::format(fmt::runtime(NumberSpec(adjusted, letter)), number));
+    return WriteNumber(adjusted, letter, number);
 }
 
 std::wstring WriteText(const Conversion& conversion, std::wstring_view text) {
@@ -164,6 +184,10 @@ std::string ConversionsOf(std::wstring_view format) {
         }
     }
     return letters;
+}
+
+std::wstring GroupedNumber(std::uint64_t number) {
+    return FormatText(L"%'u", {number});
 }
 
 std::wstring UtcTimeText(std::int64_t milliseconds) {

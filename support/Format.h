@@ -26,14 +26,17 @@ class FormatArg {
 };
 
 /// Applies a format with the conversions %s %d %i %u %x %X %f %e %g %c %%, flags, width and precision; length
-/// modifiers (l, ll, I64, h, z) are accepted and ignored. A conversion without an argument writes nothing;
-/// surplus arguments are ignored. The result is truncated to `limit` - 1 characters, as in a buffer of that
-/// size.
+/// modifiers (l, ll, I64, h, z) are accepted and ignored. The flag ' groups the digits of %d %i %u %f
+/// ("3,000"). A conversion without an argument writes nothing; surplus arguments are ignored. The result is
+/// truncated to `limit` - 1 characters, as in a buffer of that size.
 std::wstring FormatText(std::wstring_view format, std::initializer_list<FormatArg> arguments,
                         std::size_t limit = 32768);
 
 /// Conversions of a format in order, one letter each ("sd" for "%s of %d"; "%%" gives none).
 std::string ConversionsOf(std::wstring_view format);
+
+/// "3,000": a number as texts for people show it, with the string library's digit separator.
+std::wstring GroupedNumber(std::uint64_t number);
 
 /// "2024-05-17 09:30": a time in milliseconds since 1970-01-01 UTC, to the minute, in UTC.
 std::wstring UtcTimeText(std::int64_t milliseconds);

@@ -1,6 +1,5 @@
 #pragma once
 // Texts of the host for Qt.
-#include <QLocale>
 #include <QString>
 #include <initializer_list>
 
@@ -18,11 +17,6 @@ inline QString HostText(StringId id) {
 /// A format of the string library, filled in.
 inline QString HostText(StringId id, std::initializer_list<FormatArg> arguments) {
     return ToQString(FormatText(Text(id), arguments));
-}
-
-/// A number with the thousands separators of the user's language.
-inline QString GroupedNumber(std::uint64_t number) {
-    return QLocale().toString(static_cast<qulonglong>(number));
 }
 
 }  // namespace orvex

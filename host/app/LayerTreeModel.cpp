@@ -20,7 +20,7 @@ std::uint64_t PointsOf(const Layer& layer) {
 /// Points, or pixels; of a raster that could not be read nothing is known.
 QString SizeOf(LayerKind kind, const LayerFile& file) {
     if (kind == LayerKind::Las) {
-        return GroupedNumber(file.points);
+        return ToQString(GroupedNumber(file.points));
     }
     return file.raster.width == 0 ? QString()
                                   : HostText(text::kTreeRasterSize, {file.raster.width, file.raster.height});
@@ -124,7 +124,7 @@ QVariant LayerTreeModel::LayerData(const Layer& layer, std::size_t index, int co
         case kName:
             return ToQString(layer.name);
         case kSize:
-            return layer.kind == LayerKind::Las ? GroupedNumber(PointsOf(layer)) : QString();
+            return layer.kind == LayerKind::Las ? ToQString(GroupedNumber(PointsOf(layer))) : QString();
         default:
             return HostText(text::kTreeLayerFiles, {layer.files.size()});
     }

@@ -351,7 +351,7 @@ QString MapView::Describe(const FootprintItem& item) const {
     const LayerFile& file = FileOf(item);
     const QString name = ToQString(file.path) + '\n' + ToQString(layer.name) + '\n';
     if (layer.kind == LayerKind::Las) {
-        return name + HostText(text::kFootprintPointsTooltip, {ToWide(GroupedNumber(file.points))});
+        return name + HostText(text::kFootprintPointsTooltip, {GroupedNumber(file.points)});
     }
     const Thumbnail* thumbnail = thumbnails_.Find(file.path);
     const QString problem = thumbnail == nullptr ? QString() : thumbnail->problem;

@@ -145,8 +145,14 @@ TEST_F(LasRowTest, PutsTheWorstFindingIntoTheSummary) {
     EXPECT_THAT(FindingsText(odd), HasSubstr(odd.findings[2].text)) << "all of them";
     EXPECT_STREQ(odd.findings[1].code, "scale-zero");
     EXPECT_STREQ(odd.findings[2].code, "no-crs");
-    // A note alone is nothing to worry about.
-    EXPECT_EQ(Inspect(LasBuilder(12, 1).AddPoints(5)).summary, L"OK");
+    // Notes have an icon of their own; a missing CRS comes before what else is noted.
+    const LasRow noted = Inspect(LasBuilder(14, 6).AddPoints(5).EncodingBits(0));
+    EXPECT_EQ(noted.findings.size(), 2U);
+    EXPECT_EQ(noted.summary, kNoCrs);
+    EXPECT_EQ(LoadFlagImage(LoadFlagOf(noted)), 4);
+    const LasRow good = Inspect(LasBuilder(12, 1).AddPoints(5, 500'000, 5'400'000).ProjectedEpsg(25832));
+    EXPECT_EQ(good.summary, L"OK");
+    EXPECT_EQ(LoadFlagImage(LoadFlagOf(good)), 3);
 }
 
 TEST_F(LasRowTest, SaysWhyAFileCannotBeLoaded) {

@@ -189,13 +189,16 @@ TEST(RasterRow, OdditiesOfImagesAndDems) {
         RasterUse use;
         GeoTiff tiff;
         std::vector<std::wstring> findings;
-        FindingSeverity worst = Note;  ///< notes alone leave the summary at "OK"
+        FindingSeverity worst = Note;
     } cases[] = {
         {RasterUse::Image,
          {.crs = "", .transform = {}},
          {Text(text::kRasterNoGeoreference), Text(text::kFileWithoutCrs)},
          Warning},
         {RasterUse::Image, {.transform = {{0, 1, 1, 0, 1, -1}}}, {Text(text::kRasterRotated)}},
+        {RasterUse::Image,
+         {.crs = "", .transform = {{0, 1, 1, 0, 1, -1}}},
+         {Text(text::kFileWithoutCrs), Text(text::kRasterRotated)}},
         {RasterUse::Image,
          {.width = 8192, .height = 8192, .options = {"SPARSE_OK=TRUE"}},
          {FormatText(Text(text::kRasterNoOverviews), {8192, 8192})}},
@@ -218,7 +221,11 @@ TEST(RasterRow, OdditiesOfImagesAndDems) {
         const RasterRow row = InspectRasterFile(c.tiff.Write(folder, L"a.tif"), c.use);
         EXPECT_TRUE(row.loadable);
         EXPECT_EQ(Texts(row), c.findings);
-        EXPECT_EQ(row.summary, c.worst == Note ? Text(text::kInspectionOk) : c.findings.front());
+        EXPECT_EQ(row.summary, c.findings.empty() ? L"OK" : c.findings.front());
+        const LoadFlag flag = c.findings.empty() ? LoadFlag::Good
+                              : c.worst == Note  ? LoadFlag::Noted
+                                                 : LoadFlag::Findings;
+        EXPECT_EQ(LoadFlagOf(row), flag);
         EXPECT_EQ(row.findings.empty() ? Note : row.findings.front().severity, c.worst);
     }
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace orvex {
 namespace {
 
@@ -27,6 +29,15 @@ TEST(Format, WritesWhatPrintfWouldInTheCLocale) {
         {L"%d", 12.0, L"12"},
         {L"%g", 0.001, L"0.001"},
         {L"ends with %", 1, L"ends with "},
+        {L"%'u files", 999, L"999 files"},
+        {L"%'u files", 3000, L"3,000 files"},
+        {L"%'d", -1'234'567, L"-1,234,567"},
+        {L"%'d", -123, L"-123"},
+        {L"%'8u|", 3000U, L"   3,000|"},
+        {L"%'u", UINT64_MAX, L"18,446,744,073,709,551,615"},
+        {L"%'.2f", 1234567.891, L"1,234,567.89"},
+        {L"%'.0f", 1e20, L"100,000,000,000,000,000,000"},
+        {L"%'.2f", std::numeric_limits<double>::infinity(), L"inf"},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(FormatText(c.format, {c.argument}), c.wanted);
