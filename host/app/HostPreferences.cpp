@@ -6,9 +6,10 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <utility>
+
+#include "host/app/ProjectFile.h"
 
 namespace orvex {
 
@@ -66,11 +67,7 @@ void HostPreferences::Save() const {
                            {"windowState", QString::fromLatin1(windowState.toBase64())},
                            {"dark", dark}};
     QDir().mkpath(QFileInfo(path_).path());
-    QSaveFile file(path_);
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(QJsonDocument(json).toJson());
-        file.commit();
-    }
+    (void)WriteWholeFile(path_, QJsonDocument(json).toJson());
 }
 
 }  // namespace orvex

@@ -5,6 +5,7 @@
 
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/NaturalOrder.h"
+#include "support/PathSet.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -75,19 +76,24 @@ std::map<std::wstring, std::wstring> Project::LayersForDialog(LayerKind kind) co
     return byName;
 }
 
-AddedFiles Project::Take(LayerKind kind, const std::vector<NewFile>& files) {
-    std::set<std::wstring> known;
+std::vector<std::wstring> Project::PathsOf(LayerKind kind) const {
+    std::vector<std::wstring> paths;
     for (const Layer& layer : layers) {
-        for (const LayerFile& file : layer.files) {
-            if (layer.kind == kind) {
-                known.insert(PathKey(file.path));
-            }
+        if (layer.kind == kind) {
+            std::ranges::transform(layer.files, std::back_inserter(paths), &LayerFile::path);
         }
     }
+    return paths;
+}
+
+AddedFiles Project::Take(LayerKind kind, const std::vector<NewFile>& files) {
+    PathSet known;
+    for (const std::wstring& path : PathsOf(kind)) {
+        known.Insert(path);
+    }
     std::vector<NewFile> fresh;
-    std::ranges::copy_if(files, std::back_inserter(fresh), [&known](const NewFile& file) {
-        return known.insert(PathKey(file.file.path)).second;
-    });
+    std::ranges::copy_if(files, std::back_inserter(fresh),
+                         [&known](const NewFile& file) { return known.Insert(file.file.path); });
     AddedFiles added{fresh.size(), MakeMissingLayers(layers, kind, fresh), files.size() - fresh.size(), 0};
     std::map<std::wstring, std::size_t> placeOfLayer;
     for (std::size_t i = 0; i < layers.size(); ++i) {

@@ -103,6 +103,8 @@ struct Project {
     std::optional<std::size_t> MainLayer() const;
     /// Layer name to WKT, as the Add Files dialog wants to know the layers that files can be appended to.
     std::map<std::wstring, std::wstring> LayersForDialog(LayerKind kind) const;
+    /// Full paths of the files that the layers of a kind have.
+    std::vector<std::wstring> PathsOf(LayerKind kind) const;
 
     /// Takes files into layers of one kind, in their order. Layers that are missing are made, by name and
     /// number; a file that the kind's layers have already is left out.

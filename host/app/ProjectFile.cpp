@@ -5,11 +5,11 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <cmath>
 #include <limits>
 
 #include "host/app/HostText.h"
+#include "support/TemporaryFile.h"
 
 namespace orvex {
 
@@ -151,6 +151,17 @@ LidarAccess AccessFromName(const QString& name) {
 
 }  // namespace
 
+std::wstring WriteWholeFile(const QString& path, const QByteArray& bytes) {
+    TemporaryFile temporary(ToWide(path));
+    QFile file(ToQString(temporary.Path()));
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush()) {
+        return ToWide(file.errorString());
+    }
+    file.close();
+    const SystemError error = temporary.Commit();
+    return error == 0 ? std::wstring() : SystemErrorText(error);
+}
+
 bool IsProjectFolder(const QString& folder) {
     return QFile::exists(FilePath(folder));
 }
@@ -192,13 +203,11 @@ bool SaveProject(const QString& folder, const Project& project, QString& problem
                            {"lidarAccess", kAccessNames[static_cast<int>(project.lidarAccess)]},
                            {"layers", layers}};
     QDir().mkpath(folder);
-    QSaveFile file(FilePath(folder));
-    const QByteArray bytes = QJsonDocument(json).toJson();
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-        problem = HostText(text::kProjectSaveFailed, {ToWide(file.fileName()), ToWide(file.errorString())});
-        return false;
+    const std::wstring reason = WriteWholeFile(FilePath(folder), QJsonDocument(json).toJson());
+    if (!reason.empty()) {
+        problem = HostText(text::kProjectSaveFailed, {ToWide(FilePath(folder)), reason});
     }
-    return true;
+    return reason.empty();
 }
 
 }  // namespace orvex

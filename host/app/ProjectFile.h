@@ -17,6 +17,10 @@ std::optional<Project> LoadProject(const QString& folder, QString& problem);
 /// old file. Makes the folder when it is missing. False with the reason in `problem`.
 bool SaveProject(const QString& folder, const Project& project, QString& problem);
 
+/// Writes a file under a temporary name and renames it; what a killed process has left of that is removed by
+/// the next call. Returns the reason of a failure, which leaves the old file; else an empty text.
+std::wstring WriteWholeFile(const QString& path, const QByteArray& bytes);
+
 /// True when the folder holds a project.
 bool IsProjectFolder(const QString& folder);
 

@@ -11,6 +11,7 @@
 #include "orvexcommon/RasterFileInfo.h"
 #include "support/Format.h"
 #include "support/NaturalOrder.h"
+#include "support/PathSet.h"
 #include "support/QtText.h"
 #include "support/Text.h"
 
@@ -51,17 +52,12 @@ RasterInfo Describe(const RasterProperties& properties) {
             properties.driver, properties.extent, properties.transform};
 }
 
-std::set<std::wstring> KeysOf(const Project& project) {
-    std::set<std::wstring> keys;
-    for (const Layer& layer : project.layers) {
-        if (layer.kind != LayerKind::Las) {
-            continue;
-        }
-        for (const LayerFile& file : layer.files) {
-            keys.insert(PathKey(file.path));
-        }
+PathSet LasFilesIn(const Project& project) {
+    PathSet files;
+    for (const std::wstring& path : project.PathsOf(LayerKind::Las)) {
+        files.Insert(path);
     }
-    return keys;
+    return files;
 }
 
 bool HasExtent(const LasFileInfo& file) {
@@ -348,10 +344,10 @@ void DeleteDetails(AddFilesParams& record) {
 LidarReport CheckLidar(const Project& project, const AddFilesParams& record) {
     LidarReport findings;
     findings.tellSkipped = true;
-    const std::set<std::wstring> known = KeysOf(project);
+    const PathSet known = LasFilesIn(project);
     LayerGroups groups(project);
     for (const auto& [path, layer] : FilesOf(record, kLas)) {
-        const bool isKnown = known.contains(PathKey(path));
+        const bool isKnown = known.Contains(path);
         if (isKnown || !QFileInfo(ToQString(path)).isReadable()) {
             (isKnown ? findings.alreadyThere : findings.unreadable) = true;
             findings.skipped.insert(path);

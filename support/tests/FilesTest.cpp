@@ -7,6 +7,7 @@
 
 #include "support/ByteReader.h"
 #include "support/MappedFile.h"
+#include "support/PathSet.h"
 #include "support/TemporaryFile.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
@@ -129,6 +130,23 @@ TEST(Files, AFolderIsListedUntilTheVisitorHasEnough) {
     EXPECT_EQ(ListFolder(FromPath(folder.Path()), [&](const FolderEntry&) { return ++visits == 5; }), 0);
     EXPECT_EQ(visits, 1);
     EXPECT_NE(ListFolder(folder.Name(L"ü.las"), collect), 0);
+}
+
+TEST(PathSet, LettersTellFilesApartOnlyWhereBothAreThere) {
+    const TemporaryFolder folder;
+    const std::wstring lower = folder.Write(L"tile.las", "a");
+    const std::wstring upper = folder.Name(L"TILE.las");
+    PathSet set;
+    EXPECT_TRUE(set.Insert(lower));
+    EXPECT_FALSE(set.Insert(lower));
+    EXPECT_TRUE(set.Contains(upper)) << "one file, or one of which nothing is there";
+    EXPECT_FALSE(set.Contains(folder.Name(L"tile2.las")));
+    // A second file of the name on a system that tells case apart; elsewhere the first one again.
+    folder.Write(L"TILE.las", "b");
+    EXPECT_EQ(set.Contains(upper), IsSameFile(lower, upper));
+    EXPECT_EQ(set.Insert(upper), !IsSameFile(lower, upper));
+    EXPECT_TRUE(set.Contains(lower));
+    EXPECT_TRUE(set.Contains(upper));
 }
 
 TEST(TemporaryFile, RemovesWhatKilledProcessesLeft) {
