@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "dialog/grid/GridModel.h"
+#include "dialog/page/RowTraits.h"
 
 namespace orvex {
 
@@ -15,6 +16,8 @@ class ListRows : public GridModel {
     using GridModel::GridModel;
 
     virtual std::size_t Count() const = 0;
+    /// Of rows that are not those of files: nothing.
+    virtual RowTraits Traits(std::size_t record) const = 0;
     /// Removes records by index, in any order, and frees what they hold.
     virtual void Remove(std::vector<std::size_t> records) = 0;
     virtual void Clear() = 0;
@@ -30,6 +33,14 @@ class ListModel : public ListRows {
 
     const std::vector<Row>& Rows() const { return rows_; }
     std::size_t Count() const override { return rows_.size(); }
+
+    RowTraits Traits([[maybe_unused]] std::size_t record) const override {
+        if constexpr (FileRow<Row>) {
+            return TraitsOf(rows_[record]);
+        } else {
+            return {};
+        }
+    }
 
     void Append(std::vector<Row> batch) {
         AppendRecords(batch.size(), [&] { std::ranges::move(batch, std::back_inserter(rows_)); });

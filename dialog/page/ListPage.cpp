@@ -18,9 +18,11 @@
 #include "dialog/grid/GridView.h"
 #include "dialog/page/ControlWidget.h"
 #include "dialog/page/ListModel.h"
+#include "dialog/page/ListStatus.h"
 #include "dialog/page/Mnemonics.h"
 #include "dialog/page/OptionForm.h"
 #include "dialog/page/OptionsPanel.h"
+#include "dialog/page/RowFinder.h"
 #include "settings/OptionStore.h"
 #include "support/HandlerGuard.h"
 
@@ -62,6 +64,7 @@ ListPage::ListPage(const PageContext& context, const ListPageDescription& descri
       description_(description),
       grid_(new GridView(services_.prompts)),
       details_(new DetailsPanel(context.images, description_.detailsTabs)),
+      finder_(new RowFinder(*grid_, services_.prompts, context.images)),
       splitter_(new QSplitter(Qt::Vertical)),
       form_(new OptionForm(description_.options, services_.prompts)),
       optionsPanel_(new OptionsPanel(form_)) {
@@ -82,6 +85,7 @@ void ListPage::Start(ListRows& rows) {
     MakeGrid();
     layout()->addWidget(optionsPanel_);
     RunGuarded(services_.prompts, L"InitializeColumns", [this] { grid_->SetModel(rows_); });
+    finder_->Start(rows);
     AssignMnemonics(*this);
     MakeForm();
     OnDetailColumns();
@@ -107,6 +111,7 @@ void ListPage::Detach() {
     grid_->disconnect(this);
     details_->disconnect(this);
     splitter_->removeEventFilter(this);
+    finder_->Detach();
     grid_->SetModel(nullptr);
     rows_ = nullptr;
 }
@@ -163,7 +168,13 @@ void ListPage::MakeGrid() {
     grid_->SetEmptyText(ToQString(Text(description_.emptyText)));
     splitter_->setObjectName(QString::fromLatin1(description_.splitterName));
     splitter_->setChildrenCollapsible(false);
-    splitter_->addWidget(grid_);
+    auto* list = new QWidget;
+    auto* lines = new QVBoxLayout(list);
+    lines->setContentsMargins(0, 0, 0, 0);
+    lines->setSpacing(2);
+    lines->addWidget(grid_, 1);
+    lines->addWidget(finder_->Status());
+    splitter_->addWidget(list);
     splitter_->addWidget(details_);
     splitter_->setStretchFactor(0, 1);
     splitter_->setStretchFactor(1, 0);
@@ -193,6 +204,8 @@ void ListPage::ConnectGrid() {
     connect(grid_, &GridView::SelectionChanged, this, enable);
     connect(grid_, &GridView::SelectionChanged, this, details);
     connect(grid_, &GridView::RemoveRequested, this, Guarded(prompts, L"OnRemove", [this] { OnRemove(); }));
+    connect(finder_, &RowFinder::RemoveRequested, this,
+            Guarded(prompts, L"OnRemove", [this](const auto& records) { RemoveRecords(records); }));
     connect(details_, &DetailsPanel::PaletteChanged, this, details);
 }
 
@@ -253,10 +266,14 @@ void ListPage::Update() {
 }
 
 void ListPage::OnRemove() {
+    RemoveRecords(SelectedRecords());
+}
+
+void ListPage::RemoveRecords(std::vector<std::size_t> records) {
     if (progress_.IsRunning()) {
         return;
     }
-    rows_->Remove(SelectedRecords());
+    rows_->Remove(std::move(records));
     grid_->ClearSelection();
     Update();
 }
@@ -290,20 +307,24 @@ void ListPage::OnHelp() {
     }
 }
 
-std::vector<std::size_t> ListPage::ShownRecords() const {
-    std::vector<std::size_t> records;
-    for (int row = 0; row < rows_->rowCount(); ++row) {
-        records.push_back(rows_->RecordOfRow(row));
-    }
-    return records;
-}
-
 std::vector<std::size_t> ListPage::SelectedRecords() const {
     std::vector<std::size_t> records;
     for (const int row : grid_->SelectedRows()) {
         records.push_back(rows_->RecordOfRow(row));
     }
     return records;
+}
+
+void ListPage::SelectRecords(std::span<const std::size_t> records) {
+    finder_->Select(records);
+}
+
+std::size_t ListPage::HiddenCount() const {
+    return finder_->HiddenCount();
+}
+
+ListStatus& ListPage::Status() const {
+    return *finder_->Status();
 }
 
 void ListPage::ShowDetails() {

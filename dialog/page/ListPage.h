@@ -19,8 +19,10 @@ namespace orvex {
 
 class GridView;
 class ListRows;
+class ListStatus;
 class OptionForm;
 class OptionsPanel;
+class RowFinder;
 
 /// What differs between pages that show a list. Ids are those of controls: a widget is named "c" and its id;
 /// a button with id 0 is not there. Texts that are the same on all pages have their values here already.
@@ -63,6 +65,11 @@ class ListPage : public AddFilesPage {
     bool ValidateAndStore() override;
     void Release() override;
 
+    /// Selects rows by record and scrolls to the first. The filter goes when it hides one of them.
+    void SelectRecords(std::span<const std::size_t> records);
+    /// Number of rows that a filter hides. They count all the same.
+    std::size_t HiddenCount() const;
+
   protected:
     enum class Usable { Always, WhenIdle, WithRows, WithSelection };
     /// One button above the grid.
@@ -88,10 +95,10 @@ class ListPage : public AddFilesPage {
     GridView& Grid() const { return *grid_; }
     const DetailsPanel& DetailsPane() const { return *details_; }
     OptionForm& Form() const { return *form_; }
+    ListStatus& Status() const;
     /// The options as the controls show them.
     const AddFilesParams& Chosen() const;
-    /// Record indices in the order that the grid shows them: of all rows, and of those selected.
-    std::vector<std::size_t> ShownRecords() const;
+    /// Record indices of the selected rows, in the order of the grid.
     std::vector<std::size_t> SelectedRecords() const;
     void ShowMessage(std::wstring text, StringId caption, PromptIcon icon) const;
     void OnClick(int id, const wchar_t* handler, std::function<void()> press);
@@ -131,6 +138,7 @@ class ListPage : public AddFilesPage {
     void ConnectPane();
 
     void OnRemove();
+    void RemoveRecords(std::vector<std::size_t> records);
     void OnClear();
     void OnDetailColumns();
     void OnHelp();
@@ -149,6 +157,7 @@ class ListPage : public AddFilesPage {
     std::vector<PageButton> buttons_;
     GridView* grid_;
     DetailsPanel* details_;
+    RowFinder* finder_;
     QSplitter* splitter_;
     OptionForm* form_;
     OptionsPanel* optionsPanel_;

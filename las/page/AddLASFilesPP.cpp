@@ -279,7 +279,7 @@ bool AddLASFilesPP::Reopen() {
 /// The rows in the order that the grid shows them. Those without a readable file are left out.
 void AddLASFilesPP::WriteFiles() const {
     AddFilesParams& record = Params();
-    for (const std::size_t index : ShownRecords()) {
+    for (const std::size_t index : Model().RecordsInOrder()) {
         const LasRow& row = Model().Rows()[index];
         if (row.file != nullptr) {
             // The file that was chosen; the details name the one that is open.

@@ -73,7 +73,7 @@ std::vector<std::function<void()>> RasterListPage::LateWork() const {
 }
 
 void RasterListPage::StoreFiles(FilesByFolder& files, std::map<std::wstring, std::wstring>& layers) const {
-    for (const std::size_t index : ShownRecords()) {
+    for (const std::size_t index : Model().RecordsInOrder()) {
         const RasterRow& row = Model().Rows()[index];
         files[FolderOf(row.path)].push_back(FileNameOf(row.path));
         if (row.IsDescribed()) {

@@ -1,0 +1,49 @@
+#pragma once
+#include <QIcon>
+#include <QWidget>
+#include <vector>
+
+#include "dialog/page/RowProperties.h"
+#include "support/Text.h"
+
+class QLabel;
+class QToolButton;
+
+namespace orvex {
+
+/// The line below a list: how many of all rows have something that the user should know. A count selects its
+/// rows when it is pressed; counts of 0 are not shown. The number of rows is in the grid's footer.
+class ListStatus : public QWidget {
+    Q_OBJECT
+
+  public:
+    /// `images` by ImageIndex.
+    explicit ListStatus(const std::vector<QIcon>& images, QWidget* parent = nullptr);
+
+    void ShowCounts(const RowProperties& rows);
+    /// Says that reading ended after `read` of `of` files, and offers to continue.
+    void SetStopped(std::size_t read, std::size_t of);
+    void ClearStopped();
+
+  signals:
+    void SelectRequested(RowProperty property);
+    void RemoveRequested(RowProperty property);
+    void ContinueRequested();
+
+  private:
+    struct Count {
+        RowProperty property;
+        StringId text;
+        QToolButton* button;
+    };
+
+    QToolButton* AddButton(const char* name, StringId text, StringId tooltip, const QIcon& icon = {});
+    void AddCount(RowProperty property, const char* name, StringId text, const QIcon& icon = {});
+
+    QLabel* stopped_;
+    QToolButton* continue_;
+    std::vector<Count> counts_;
+    QToolButton* removeThose_;
+};
+
+}  // namespace orvex
