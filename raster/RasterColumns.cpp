@@ -140,6 +140,11 @@ constexpr GridColumn NumberColumn(const char* name, StringId caption, const wcha
             .align = kRight};
 }
 
+constexpr GridColumn CalledCrs(GridColumn column) {
+    column.alsoKnownAs = "crs";
+    return column;
+}
+
 constexpr GridColumn Basic(GridColumn column) {
     column.basic = true;
     return column;
@@ -212,7 +217,8 @@ constexpr PageColumn kColumns[] = {
     {{WithTooltip(TextColumn("colorModel", text::kColorModel, 200), text::kColorModelTooltip),
       OfProperties<ColorModel>}},
     {{TextColumn("photometric", text::kPhotometricInterpretation, 200), OfProperties<Photometric>}},
-    {{WithTooltip(TextColumn("projectionCode", text::kProjectionCode, 300), text::kProjectionCodeTooltip),
+    {{WithTooltip(CalledCrs(TextColumn("projectionCode", text::kProjectionCode, 300)),
+                  text::kProjectionCodeTooltip),
       OfProperties<ProjectionCode>}},
     {{WithTooltip(NumberColumn("overviews", text::kOverviews, kCount), text::kOverviewsTooltip),
       CountOf<&RasterProperties::overviews>}},
@@ -232,7 +238,7 @@ constexpr PageColumn kColumns[] = {
     {{WithTooltip(NumberColumn("maximumY", text::kMaxY, kCoordinate), text::kMaxYTooltip),
       ExtentOf<3>,
       {.format = CoordinateFormat}}},
-    {{Basic(TextColumn("crsName", text::kCrsName, 200)),
+    {{Basic(CalledCrs(TextColumn("crsName", text::kCrsName, 200))),
       OfCrs<[](const CrsDescription& crs) { return crs.name; }>}},
     {{Basic(TextColumn("linearUnit", text::kLinearUnit, 200)),
       OfFile<[](const RasterRow& row) { return row.unit; }>}},

@@ -20,9 +20,10 @@ enum class FooterKind { None, Count, Sum };
 
 /// Appearance of a column, whatever the type of the rows.
 struct GridColumn {
-    const char* name;       ///< stable name for details, tests and exports
-    StringId caption = {};  ///< 0: no caption
-    int width = 0;          ///< pixels at 100 %; 0: fitted to its contents
+    const char* name;              ///< stable name for details, tests and exports
+    const char* alsoKnownAs = "";  ///< a name that users type in a filter, maybe that of several columns
+    StringId caption = {};         ///< 0: no caption
+    int width = 0;                 ///< pixels at 100 %; 0: fitted to its contents
     CellKind kind = CellKind::Text;
     /// Of numbers, printf-like; of dates, a QDateTime format (empty: the locale's short one).
     const wchar_t* format = L"";
@@ -34,10 +35,17 @@ struct GridColumn {
     bool resizable = true;
     int minimumWidth = 0;  ///< 0: none
     int maximumWidth = 0;  ///< 0: none; applies to fitting, not to the user's dragging
+    /// Gets the width that the other columns leave free; fitted as a message is long, when its row arrives.
+    bool takesSpare = false;
     FooterKind footer = FooterKind::None;
     StringId footerFormat = text::kFilesFooter;  ///< of a count, with one %s; 0: the number alone
     int headerIcon = -1;                         ///< index in the dialog's image list; -1: none
 };
+
+/// True for a column that users can ask for: one that can be shown, and the path.
+constexpr bool IsOffered(const GridColumn& column) {
+    return !column.hidden || std::string_view(column.name) == "path";
+}
 
 /// A cell's value: empty, a text, a number (sorted by value), or milliseconds since 1970-01-01 UTC for dates.
 /// Empty cells, empty texts and NaN sort last in both directions.

@@ -27,7 +27,10 @@ bool IsText(const GridColumn& column, HeaderAlign align) {
 }  // namespace
 
 GridModel::GridModel(std::vector<GridColumn> columns, QObject* parent)
-    : QAbstractTableModel(parent), columns_(std::move(columns)), sums_(columns_.size(), 0.0) {}
+    : QAbstractTableModel(parent),
+      columns_(std::move(columns)),
+      sums_(columns_.size(), 0.0),
+      searchTexts_(columns_.size()) {}
 
 int GridModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(shown_.size());
@@ -155,6 +158,31 @@ std::optional<std::wstring> GridModel::FooterText(int column) const {
             break;
     }
     return std::nullopt;
+}
+
+std::size_t GridModel::ReadSearchText(int column, std::size_t most) const {
+    GridSearchText& texts = searchTexts_[static_cast<std::size_t>(column)];
+    const std::size_t end = std::min(recordCount_, texts.Size() + std::min(most, recordCount_));
+    const std::size_t first = texts.Size();
+    for (std::size_t record = first; record < end; ++record) {
+        texts.Append(CellText(record, column));
+    }
+    return end - first;
+}
+
+const GridSearchText& GridModel::SearchText(int column) const {
+    ReadSearchText(column, recordCount_);
+    return searchTexts_[static_cast<std::size_t>(column)];
+}
+
+bool GridModel::PrepareSearch(const std::vector<int>& columns, std::size_t most) const {
+    for (const int column : columns) {
+        most -= ReadSearchText(column, most);
+        if (most == 0) {
+            return true;
+        }
+    }
+    return false;
 }
 
 int GridModel::FindRow(int column, std::wstring_view start, int from) const {

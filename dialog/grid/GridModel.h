@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "dialog/grid/GridSearchText.h"
 #include "dialog/grid/GridSortKeys.h"
 #include "support/Column.h"
 
@@ -53,8 +54,18 @@ class GridModel : public QAbstractTableModel {
     /// (case-insensitive); -1 if none.
     int FindRow(int column, std::wstring_view start, int from) const;
 
+    /// Number of records, shown or not.
+    std::size_t Records() const { return recordCount_; }
+    /// Grows with every change of the records; at least 1.
+    std::uint64_t Revision() const { return revision_; }
+    GridCell Value(std::size_t record, int column) const { return Cell(record, column); }
     /// Text of a cell as shown.
     std::wstring CellText(std::size_t record, int column) const;
+    /// The column's texts for searching, read as far as they are not yet known.
+    const GridSearchText& SearchText(int column) const;
+    /// Reads up to `most` cells of these columns ahead, so that the first search need not. True when there
+    /// are more: call it again in idle time.
+    bool PrepareSearch(const std::vector<int>& columns, std::size_t most = 4000) const;
     /// Footer cell of the shown records: a count, a sum, or nullopt. Updated once per batch.
     std::optional<std::wstring> FooterText(int column) const;
 
@@ -123,6 +134,8 @@ class GridModel : public QAbstractTableModel {
     /// The rows of records that go; when they are too scattered, after moving them to the end.
     std::vector<RowRange> RangesOf(const std::function<bool(std::uint32_t record)>& goes);
     void EraseRows(RowRange range);
+    /// Reads on in a column's texts, at most `most`; returns how many.
+    std::size_t ReadSearchText(int column, std::size_t most) const;
     /// After these have left the storage.
     void ForgetRecords(const std::vector<std::size_t>& records);
 
@@ -137,6 +150,8 @@ class GridModel : public QAbstractTableModel {
     Qt::SortOrder sortOrder_ = Qt::AscendingOrder;
     GridSortKeys keys_;         ///< of the sort column, by record; empty while unsorted
     std::vector<double> sums_;  ///< by column
+    std::uint64_t revision_ = 1;
+    mutable std::vector<GridSearchText> searchTexts_;  ///< by column, each as far as read
 };
 
 }  // namespace orvex

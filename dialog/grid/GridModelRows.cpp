@@ -194,6 +194,7 @@ void GridModel::AppendRecords(std::size_t count, const std::function<void()>& ap
     append();
     recordCount_ = order_.size();
     Q_ASSERT(RecordCount() == recordCount_);
+    ++revision_;
     rows_.clear();
     FilterFrom(first);
     std::vector<std::uint32_t> added;
@@ -282,6 +283,10 @@ void GridModel::ForgetRecords(const std::vector<std::size_t>& records) {
         keys_.Remove(records);
     }
     EraseAt(kept_, records);
+    for (GridSearchText& texts : searchTexts_) {
+        texts.Remove(records);
+    }
+    ++revision_;
     recordCount_ = order_.size();
     rows_.clear();
     Q_ASSERT(RecordCount() == recordCount_);
@@ -303,6 +308,8 @@ void GridModel::ClearRecords(const std::function<void()>& clear) {
     rows_.clear();
     recordCount_ = 0;
     keys_.Clear();
+    searchTexts_.assign(columns_.size(), {});
+    ++revision_;
     std::fill(sums_.begin(), sums_.end(), 0.0);
     if (hasRows) {
         endRemoveRows();
@@ -314,6 +321,7 @@ void GridModel::ReorderRecords(const std::vector<std::size_t>& newIndexOfRecord,
                                const std::function<void()>& permuteStorage) {
     GridSortKeys keys = keys_;
     std::vector<std::uint8_t> kept = kept_;
+    std::vector<GridSearchText> texts(columns_.size());  // not kept: this is rare
     keys.Permute(newIndexOfRecord);
     Permute(kept, newIndexOfRecord);
     Reorder(
@@ -321,6 +329,8 @@ void GridModel::ReorderRecords(const std::vector<std::size_t>& newIndexOfRecord,
             permuteStorage();
             keys_ = std::move(keys);
             kept_ = std::move(kept);
+            searchTexts_ = std::move(texts);
+            ++revision_;
             SortAll();
         },
         newIndexOfRecord);
@@ -331,6 +341,8 @@ void GridModel::NotifyChanged(int firstColumn, int lastColumn) {
     if (recordCount_ == 0) {
         return;
     }
+    ++revision_;
+    std::fill(searchTexts_.begin() + firstColumn, searchTexts_.begin() + lastColumn + 1, GridSearchText());
     FilterFrom(0);
     ShowKept();
     if (!shown_.empty()) {

@@ -252,6 +252,10 @@ bool GridView::IsColumnShown(int column) const {
     return parts_->panes.IsShown(column);
 }
 
+std::vector<int> GridView::ShownColumns() const {
+    return parts_->model ? parts_->panes.ShownColumns() : std::vector<int>();
+}
+
 int GridView::ColumnWidth(int column) const {
     return IsColumnShown(column) ? parts_->panes.PaneOf(column).columnWidth(column) : 0;
 }

@@ -40,6 +40,8 @@ class GridView : public QFrame {
     void FitColumns();
     void FitColumn(int column);
     bool IsColumnShown(int column) const;
+    /// From left to right.
+    std::vector<int> ShownColumns() const;
     int ColumnWidth(int column) const;
 
     /// Height in pixels for this many visible rows, with header, footer and scroll bar.

@@ -13,6 +13,7 @@ struct SampleRecord {
     GridCell size;
     GridCell modified = {};
     bool good = true;
+    std::wstring crs = {};
 };
 
 inline constexpr Column<SampleRecord> kSampleColumns[] = {
@@ -59,8 +60,8 @@ inline constexpr Column<SampleRecord> kSampleColumns[] = {
       .basic = true,
       .maximumWidth = 240},
      [](const SampleRecord& r) { return GridCell(L"Summary of " + r.name + L"\nsecond line\tof it"); }},
-    {{.name = "more", .caption = text::kGridTotalsAccessibleName, .width = 400},
-     [](const SampleRecord&) { return GridCell(); }},
+    {{.name = "more", .alsoKnownAs = "crs", .caption = text::kGridTotalsAccessibleName, .width = 400},
+     [](const SampleRecord& r) { return GridCell(r.crs); }},
 };
 enum SampleColumn { kFlag, kPath, kName, kSize, kModified, kSummary, kMore };
 
