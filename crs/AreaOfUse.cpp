@@ -11,9 +11,6 @@ namespace orvex {
 namespace {
 
 constexpr double kFullCircle = 360;
-// In grads, the largest of the units.
-constexpr double kMostLongitude = 400;
-constexpr double kMostLatitude = 100;
 constexpr double kZoneStep = 1e6;  // metres between the false eastings of numbered zones
 
 bool ReadDegrees(const OGRSpatialReference& crs, GroundBox& box) {

@@ -6,6 +6,11 @@ class OGRSpatialReference;
 
 namespace orvex {
 
+/// Largest numbers of a geographic CRS, to either side of zero: in grads, the largest of the units.
+/// Longitudes may count from 0.
+inline constexpr double kMostLongitude = 400;
+inline constexpr double kMostLatitude = 100;
+
 /// West, south, east, north.
 using GroundBox = std::array<double, 4>;
 

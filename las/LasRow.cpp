@@ -1,9 +1,12 @@
 #include "las/LasRow.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <optional>
 #include <utility>
 
+#include "crs/ExtentFindings.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Files.h"
 #include "support/Format.h"
@@ -50,40 +53,14 @@ void DescribeFileCrs(LasRow& row) {
     }
 }
 
-StringId TextOf(Misplacement cause) {
-    switch (cause) {
-        case Misplacement::Degrees:
-            return text::kExtentInDegrees;
-        case Misplacement::NotDegrees:
-            return text::kExtentNotInDegrees;
-        case Misplacement::AxesSwapped:
-            return text::kExtentAxesSwapped;
-        case Misplacement::Feet:
-            return text::kExtentInFeet;
-        case Misplacement::Metres:
-            return text::kExtentInMetres;
-        case Misplacement::OtherZone:
-            return text::kExtentOfOtherZone;
-        default:
-            return {};
-    }
-}
-
-/// Compares the header's extent with the area of use of the CRS. Extents that are no numbers or inverted are
-/// findings of their own; one of zeros was not filled in.
-void CheckExtentAgainstCrs(LasRow& row) {
-    const auto low = row.file->Minimum();
-    const auto high = row.file->Maximum();
-    const GroundBox extent{low[0], low[1], high[0], high[1]};
-    const bool isFilled = std::ranges::any_of(extent, [](double number) { return number != 0; });
-    if (!row.crs->area || !isFilled || row.file->GetPointCount() == 0 || !(low[0] <= high[0]) ||
-        !(low[1] <= high[1])) {
-        return;
-    }
-    const Misplacement cause = FindMisplacement(*row.crs->area, extent);
-    if (cause != Misplacement::None) {
-        const std::wstring guess = cause == Misplacement::Unexplained ? std::wstring() : Text(TextOf(cause));
-        row.findings.push_back({MakeFinding(las_finding::kExtentOutsideCrs, {guess}), las::at::kMaximum});
+/// The extent of a file without points can be anything.
+void CheckExtent(LasRow& row) {
+    const std::array<double, 3> low = row.file->Minimum();
+    const std::array<double, 3> high = row.file->Maximum();
+    std::optional<Finding> finding =
+        row.file->GetPointCount() == 0 ? std::nullopt : CheckExtent(*row.crs, low, high);
+    if (finding) {
+        row.findings.push_back({*std::move(finding), las::at::kMaximum});
     }
 }
 
@@ -119,7 +96,7 @@ void Inspect(LasRow& row) {
     row.findings = ValidateLas(*row.file);
     CheckCompression(row);
     DescribeFileCrs(row);
-    CheckExtentAgainstCrs(row);
+    CheckExtent(row);
     SortFindings(row.findings);
     row.summary = SummaryOf(row.findings);
 }

@@ -4,11 +4,11 @@
 #include <array>
 #include <chrono>
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <optional>
 #include <tuple>
 
+#include "crs/ExtentFindings.h"
 #include "las/LASFile.h"
 #include "support/Files.h"
 #include "support/Format.h"
@@ -19,18 +19,6 @@ namespace orvex {
 namespace {
 
 namespace at = las::at;
-
-// Axes for which a condition holds, as in "X, Z".
-std::wstring AxesWhere(const std::function<bool(std::size_t axis)>& holds) {
-    constexpr std::array<const wchar_t*, 3> kNames{L"X", L"Y", L"Z"};
-    std::wstring axes;
-    for (std::size_t axis = 0; axis < kNames.size(); ++axis) {
-        if (holds(axis)) {
-            axes.append(axes.empty() ? L"" : L", ").append(kNames[axis]);
-        }
-    }
-    return axes;
-}
 
 std::uint16_t SmallestHeaderSize(int versionCode) {
     const las::VersionFacts* const version = las::FindVersion(versionCode);
@@ -142,12 +130,12 @@ class Validator {
     void CheckScale() {
         const auto scale = header_.Scale();
         const auto offset = header_.Offset();
-        const auto zero = AxesWhere([&](std::size_t axis) { return scale[axis] == 0; });
+        const auto zero = AxesWhere(3, [&](std::size_t axis) { return scale[axis] == 0; });
         if (!zero.empty()) {
             Add(las_finding::kScaleZero, at::kScale, {zero});
         }
         const auto notFinite = AxesWhere(
-            [&](std::size_t axis) { return !std::isfinite(scale[axis]) || !std::isfinite(offset[axis]); });
+            3, [&](std::size_t axis) { return !std::isfinite(scale[axis]) || !std::isfinite(offset[axis]); });
         if (!notFinite.empty()) {
             Add(las_finding::kScaleNotFinite, at::kScale, {notFinite});
         }
@@ -161,15 +149,15 @@ class Validator {
         const auto low = header_.Minimum();
         const auto high = header_.Maximum();
         const auto notFinite = AxesWhere(
-            [&](std::size_t axis) { return !std::isfinite(low[axis]) || !std::isfinite(high[axis]); });
+            3, [&](std::size_t axis) { return !std::isfinite(low[axis]) || !std::isfinite(high[axis]); });
         if (!notFinite.empty()) {
             Add(las_finding::kExtentNotFinite, at::kMaximum, {notFinite});
         }
-        const auto inverted = AxesWhere([&](std::size_t axis) { return low[axis] > high[axis]; });
+        const auto inverted = AxesWhere(3, [&](std::size_t axis) { return low[axis] > high[axis]; });
         if (!inverted.empty()) {
             Add(las_finding::kExtentInverted, at::kMaximum, {inverted});
         }
-        const auto beyond = AxesWhere([&](std::size_t axis) {
+        const auto beyond = AxesWhere(3, [&](std::size_t axis) {
             return !CanBeStored(low[axis], axis) || !CanBeStored(high[axis], axis);
         });
         if (!beyond.empty()) {

@@ -42,7 +42,6 @@ inline constexpr FindingKind kScaleNotFinite{"scale-not-finite", Error, text::kL
 inline constexpr FindingKind kExtentNotFinite{"extent-not-finite", Warning, text::kLasExtentNotFinite};
 inline constexpr FindingKind kExtentInverted{"extent-inverted", Warning, text::kLasExtentInverted};
 inline constexpr FindingKind kExtentBeyondScale{"extent-beyond-scale", Warning, text::kLasExtentBeyondScale};
-inline constexpr FindingKind kExtentOutsideCrs{"extent-outside-crs", Warning, text::kExtentOutsideCrs};
 inline constexpr FindingKind kCreatedInFuture{"created-in-future", Note, text::kLasCreatedInFuture};
 inline constexpr FindingKind kWaveformFileMissing{"waveform-file-missing", Warning,
                                                   text::kLasWaveformFileMissing};

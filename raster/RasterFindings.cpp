@@ -3,8 +3,12 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <string_view>
+#include <utility>
 
+#include "crs/ExtentFindings.h"
 #include "support/Format.h"
 #include "support/Text.h"
 
@@ -54,6 +58,15 @@ void CheckGeoreference(const RasterProperties& properties, Findings& findings) {
         findings.push_back(MakeFinding(kRpcOnly));
     } else if (!(properties.pixelWidth > 0)) {
         findings.push_back(MakeFinding(kNoGeoreference));
+    }
+}
+
+void CheckPlace(const RasterProperties& properties, const CrsDescription& crs, Findings& findings) {
+    if (properties.extent) {
+        const std::span<const double, 4> extent(*properties.extent);
+        if (std::optional<Finding> finding = CheckExtent(crs, extent.first<2>(), extent.last<2>())) {
+            findings.push_back(*std::move(finding));
+        }
     }
 }
 
@@ -201,6 +214,7 @@ std::vector<Finding> ValidateRaster(const RasterProperties& properties, const Cr
     }
     CheckCrs(properties, crs, findings);
     CheckGeoreference(properties, findings);
+    CheckPlace(properties, crs, findings);
     if (use == RasterUse::Dem) {
         CheckDem(properties, crs, findings);
     } else {

@@ -134,6 +134,14 @@ TEST_F(LasRowTest, FindsAnExtentOutsideTheAreaOfItsCrsAndGuessesWhy) {
     }
 }
 
+TEST_F(LasRowTest, CoordinatesThatNoPlaceHasAreAWarningWithoutACrsToo) {
+    const LasRow row = Inspect(LasBuilder(12, 1).Scale(1, 1, 1).AddPoints(4, -235'434'519, 5'400'000));
+    EXPECT_STREQ(row.findings.front().code, "extent-impossible");
+    EXPECT_EQ(LoadFlagOf(row), LoadFlag::Findings);
+    const LasRow empty = Inspect(LasBuilder(12, 1).Lie(187, -1e300));
+    EXPECT_FALSE(Has(empty, "extent-impossible")) << "no points, no place";
+}
+
 TEST_F(LasRowTest, PutsTheWorstFindingIntoTheSummary) {
     const LasRow odd = Inspect(
         LasBuilder(12, 1).AddPoints(5).Lie(131, 0.0).Lie<std::uint32_t>(107, 9).Lie<std::uint32_t>(111, 0));

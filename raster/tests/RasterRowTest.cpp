@@ -185,6 +185,9 @@ TEST(RasterRow, OdditiesOfImagesAndDems) {
     const GeoTiff heights{.type = GDT_Float32, .crs = "EPSG:32633+5773", .change = [](GDALDatasetH dataset) {
                               GDALSetRasterNoDataValue(GDALGetRasterBand(dataset, 1), -9999);
                           }};
+    const auto outside = [](StringId guess) {
+        return FormatText(Text(text::kExtentOutsideCrs), {Text(guess)});
+    };
     const struct {
         RasterUse use;
         GeoTiff tiff;
@@ -195,10 +198,18 @@ TEST(RasterRow, OdditiesOfImagesAndDems) {
          {.crs = "", .transform = {}},
          {Text(text::kRasterNoGeoreference), Text(text::kFileWithoutCrs)},
          Warning},
-        {RasterUse::Image, {.transform = {{0, 1, 1, 0, 1, -1}}}, {Text(text::kRasterRotated)}},
+        {RasterUse::Image, {.transform = {{500000, 1, 1, 5300000, 1, -1}}}, {Text(text::kRasterRotated)}},
         {RasterUse::Image,
          {.crs = "", .transform = {{0, 1, 1, 0, 1, -1}}},
          {Text(text::kFileWithoutCrs), Text(text::kRasterRotated)}},
+        {RasterUse::Image,
+         {.transform = {{13, 0.1, 0, 51, 0, -0.1}}},
+         {outside(text::kExtentInDegrees)},
+         Warning},
+        {RasterUse::Dem,
+         {.type = GDT_Int16, .crs = "", .transform = {{-235'434'519, 1, 0, 51, 0, -1}}},
+         {FormatText(Text(text::kExtentImpossible), {L"X"}), Text(text::kFileWithoutCrs)},
+         Warning},
         {RasterUse::Image,
          {.width = 8192, .height = 8192, .options = {"SPARSE_OK=TRUE"}},
          {FormatText(Text(text::kRasterNoOverviews), {8192, 8192})}},
