@@ -3,7 +3,9 @@
 #include <QFontMetrics>
 #include <algorithm>
 
+#include "dialog/grid/GridDelegate.h"
 #include "dialog/grid/GridModel.h"
+#include "dialog/grid/GridTable.h"
 #include "dialog/grid/GridText.h"
 #include "support/QtText.h"
 
@@ -19,13 +21,22 @@ int TextWidth(const std::wstring& text, const QFontMetrics& font) {
 
 }  // namespace
 
+CellRoom RoomOf(const GridTable& pane) {
+    const int margin = GridDelegate::TextMargin(pane.style());
+    return {.margins = 2 * margin + 2, .icon = pane.iconSize().width() + 2 * margin};
+}
+
+int CellWidth(const std::wstring& text, const QFontMetrics& font, const CellRoom& room) {
+    return TextWidth(text, font) + room.margins;
+}
+
 int FittedWidth(const GridModel& model, int column, const std::vector<int>& rows, int headerWidth,
                 const QFontMetrics& font, const CellRoom& room) {
     const GridColumn& description = model.Columns()[static_cast<std::size_t>(column)];
     const int widest = description.maximumWidth > 0 ? description.maximumWidth : kWidest;
     int width = headerWidth;
     if (const auto footer = model.FooterText(column)) {
-        width = std::max(width, TextWidth(*footer, font) + room.margins);
+        width = std::max(width, CellWidth(*footer, font, room));
     }
     for (const int row : rows) {
         if (width >= widest) {
@@ -36,7 +47,7 @@ int FittedWidth(const GridModel& model, int column, const std::vector<int>& rows
         const std::wstring text = description.kind == CellKind::Flag
                                       ? std::wstring()
                                       : model.CellText(model.RecordOfRow(row), column);
-        width = std::max(width, TextWidth(text, font) + room.margins + (hasIcon ? room.icon : 0));
+        width = std::max(width, CellWidth(text, font, room) + (hasIcon ? room.icon : 0));
     }
     return std::max(std::min(width, widest), description.minimumWidth);
 }

@@ -142,8 +142,8 @@ std::wstring GridModel::CellText(std::size_t record, int column) const {
 }
 
 std::wstring GridModel::CountText() const {
-    const std::wstring shown = std::to_wstring(shown_.size());
-    return keeps_ ? FormatText(Text(text::kFooterShownOf), {shown, std::to_wstring(recordCount_)}) : shown;
+    const std::wstring shown = GroupedNumber(shown_.size());
+    return keeps_ ? FormatText(Text(text::kFooterShownOf), {shown, GroupedNumber(recordCount_)}) : shown;
 }
 
 std::optional<std::wstring> GridModel::FooterText(int column) const {

@@ -51,13 +51,12 @@ void GridPanes::SetModel(GridModel* model) {
     }
 }
 
-void GridPanes::ShowColumns(bool details) {
+void GridPanes::ShowColumns(const std::vector<bool>& shown) {
     const auto columns = model_->Columns();
     for (int i = 0; i < static_cast<int>(columns.size()); ++i) {
-        const GridColumn& column = columns[static_cast<std::size_t>(i)];
-        const bool shown = !column.hidden && (column.basic || details);
-        frozen_->setColumnHidden(i, !shown || !column.frozen);
-        scrolling_->setColumnHidden(i, !shown || column.frozen);
+        const auto at = static_cast<std::size_t>(i);
+        frozen_->setColumnHidden(i, !shown[at] || !columns[at].frozen);
+        scrolling_->setColumnHidden(i, !shown[at] || columns[at].frozen);
     }
     ShowSort(model_->SortColumn(), model_->SortOrder());
 }

@@ -21,8 +21,8 @@ class GridPanes {
 
     /// Null removes the model.
     void SetModel(GridModel* model);
-    /// Shows the columns that are not hidden; only the basic ones unless `details`.
-    void ShowColumns(bool details);
+    /// By column.
+    void ShowColumns(const std::vector<bool>& shown);
     /// From left to right.
     std::vector<int> ShownColumns() const;
     bool IsShown(int column) const;

@@ -1,9 +1,11 @@
 #include "dialog/grid/GridTable.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QWheelEvent>
 
 #include "dialog/grid/GridDelegate.h"
 #include "dialog/grid/GridHeaderView.h"
@@ -154,6 +156,36 @@ void GridTable::focusInEvent(QFocusEvent* event) {
 void GridTable::focusOutEvent(QFocusEvent* event) {
     QTableView::focusOutEvent(event);
     emit FocusChanged();
+}
+
+void GridTable::keyPressEvent(QKeyEvent* event) {
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isReturn && (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier) {
+        event->accept();  // else the dialog would take it for OK
+        emit Activated();
+    } else if (isReturn) {
+        event->ignore();
+    } else {
+        QTableView::keyPressEvent(event);
+    }
+}
+
+// With Shift the wheel scrolls sideways, in both panes.
+void GridTable::wheelEvent(QWheelEvent* event) {
+    if (!(event->modifiers() & Qt::ShiftModifier) || event->angleDelta().x() != 0) {
+        QTableView::wheelEvent(event);
+        return;
+    }
+    QWheelEvent sideways(event->position(), event->globalPosition(), event->pixelDelta().transposed(),
+                         event->angleDelta().transposed(), event->buttons(),
+                         event->modifiers() & ~Qt::ShiftModifier, event->phase(), event->inverted());
+    QCoreApplication::sendEvent(main_->horizontalScrollBar(), &sideways);
+    event->accept();
+}
+
+void GridTable::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    emit Resized();
 }
 
 }  // namespace orvex

@@ -39,9 +39,14 @@ class GridTable : public QTableView {
     void paintEvent(QPaintEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   signals:
     void FocusChanged();
+    void Activated();  ///< Return or Enter
+    void Resized();
 
   private:
     bool ForwardMouse(QEvent* event);

@@ -1,5 +1,6 @@
 #include "dialog/grid/GridView.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QGridLayout>
@@ -9,9 +10,9 @@
 #include <algorithm>
 
 #include "dialog/grid/GridColours.h"
+#include "dialog/grid/GridColumnLayout.h"
 #include "dialog/grid/GridCommands.h"
 #include "dialog/grid/GridDelegate.h"
-#include "dialog/grid/GridFit.h"
 #include "dialog/grid/GridFooter.h"
 #include "dialog/grid/GridHeaderView.h"
 #include "dialog/grid/GridPanes.h"
@@ -23,7 +24,6 @@
 namespace orvex {
 namespace {
 
-constexpr int kFitSample = 200;  // rows measured beside those in sight
 constexpr double kFrozenShare = 0.6;
 
 QFrame* MakeSeam(QWidget* parent) {
@@ -41,10 +41,10 @@ struct GridView::Parts {
 
     UserPrompts& prompts;
     GridModel* model = nullptr;
-    bool details = true;
     std::optional<std::size_t> currentRecord;  ///< while a filter changes
     GridDelegate* delegate;
     GridPanes panes;
+    GridColumnLayout columns{panes};
     GridTable* frozen = &panes.Frozen();
     GridTable* table = &panes.Scrolling();
     QFrame* seam = nullptr;
@@ -52,6 +52,7 @@ struct GridView::Parts {
     QScrollBar* bar = nullptr;
     QLabel* message = nullptr;
     GridCommands* commands = nullptr;
+    QMenu* headerMenu = nullptr;
 };
 
 GridView::GridView(UserPrompts& prompts, QWidget* parent)
@@ -110,7 +111,7 @@ void GridView::BuildCommands() {
     connect(p.commands, &GridCommands::SelectAllRequested, this,
             Guarded(p.prompts, L"OnSelectAll", [this] { SelectAll(); }));
     connect(p.commands, &GridCommands::FitRequested, this,
-            Guarded(p.prompts, L"OnFitColumns", [this] { FitColumns(); }));
+            Guarded(p.prompts, L"OnFitColumns", [this] { RefitColumns(); }));
     connect(p.commands, &GridCommands::RemoveRequested, this, &GridView::RemoveRequested);
     for (GridTable* table : p.panes.Both()) {
         connect(table, &QWidget::customContextMenuRequested, this,
@@ -135,7 +136,26 @@ void GridView::JoinScrolling() {
     connect(inner, &QScrollBar::valueChanged, p.footer, qOverload<>(&QWidget::update));
     p.bar->hide();
 
+    ConnectColumns();
+    connect(p.table, &GridTable::FocusChanged, this,
+            Guarded(p.prompts, L"OnFocus", [this] { parts_->panes.UpdateRow(CurrentRow()); }));
+    connect(p.table, &GridTable::Activated, this, &GridView::ActivateRequested);
+    connect(p.table, &GridTable::doubleClicked, this, &GridView::ActivateRequested);
+}
+
+void GridView::ConnectColumns() {
+    Parts& p = *parts_;
+    p.headerMenu = new QMenu(this);
     for (GridTable* table : p.panes.Both()) {
+        GridHeaderView* header = table->Header();
+        header->setContextMenuPolicy(Qt::CustomContextMenu);
+        connect(header, &QWidget::customContextMenuRequested, this,
+                Guarded(p.prompts, L"OnHeaderMenu", [this, header](const QPoint& at) {
+                    HeaderMenu()->popup(header->viewport()->mapToGlobal(at));
+                }));
+        connect(header, &QHeaderView::sectionResized, this,
+                Guarded(p.prompts, L"OnColumnWidth",
+                        [this](int column, int, int width) { parts_->columns.WidthChanged(column, width); }));
         connect(table->Header(), &QHeaderView::sectionClicked, this,
                 Guarded(p.prompts, L"OnSort", [this](int column) { CycleSort(column); }));
         connect(table->Header(), &QHeaderView::sectionHandleDoubleClicked, this,
@@ -143,8 +163,8 @@ void GridView::JoinScrolling() {
     }
     connect(p.frozen->Header(), &QHeaderView::sectionResized, this,
             Guarded(p.prompts, L"ArrangePanes", [this] { ArrangePanes(); }));
-    connect(p.table, &GridTable::FocusChanged, this,
-            Guarded(p.prompts, L"OnFocus", [this] { parts_->panes.UpdateRow(CurrentRow()); }));
+    connect(p.table, &GridTable::Resized, this,
+            Guarded(p.prompts, L"OnResized", [this] { parts_->columns.ShareSpare(); }));
 }
 
 void GridView::SetModel(GridModel* model) {
@@ -153,24 +173,21 @@ void GridView::SetModel(GridModel* model) {
         disconnect(p.model, nullptr, this, nullptr);
     }
     p.model = model;
-    p.panes.SetModel(model);
+    p.columns.SetModel(model);
     p.footer->SetModel(model);
     if (model) {
         ConnectSelection();
         connect(model, &GridModel::RecordsChanged, this, Guarded(p.prompts, L"OnRecords", [this] {
+                    parts_->columns.MeasureMessages();
                     ArrangeMessage();
                     EnableCommands();
                 }));
+        connect(model, &GridModel::dataChanged, this,
+                Guarded(p.prompts, L"OnDataChanged", [this] { parts_->columns.ForgetMessages(); }));
         connect(model, &GridModel::SortChanged, this,
                 Guarded(p.prompts, L"OnSortChanged",
                         [this](int column, Qt::SortOrder order) { parts_->panes.ShowSort(column, order); }));
         ConnectFilter();
-        p.panes.ShowColumns(p.details);
-        for (const int column : p.panes.ShownColumns()) {
-            if (model->Columns()[static_cast<std::size_t>(column)].width == 0) {
-                FitColumn(column);
-            }
-        }
     }
     ArrangePanes();
     ArrangeMessage();
@@ -237,15 +254,12 @@ void GridView::CycleSort(int column) {
 }
 
 void GridView::ShowDetailColumns(bool show) {
-    parts_->details = show;
-    if (parts_->model) {
-        parts_->panes.ShowColumns(show);
-        ArrangePanes();
-    }
+    parts_->columns.ShowDetails(show);
+    ArrangePanes();
 }
 
 bool GridView::DetailColumnsShown() const {
-    return parts_->details;
+    return parts_->columns.DetailsShown();
 }
 
 bool GridView::IsColumnShown(int column) const {
@@ -260,30 +274,74 @@ int GridView::ColumnWidth(int column) const {
     return IsColumnShown(column) ? parts_->panes.PaneOf(column).columnWidth(column) : 0;
 }
 
-std::vector<int> GridView::SampleRows() const {
-    const GridTable& table = *parts_->table;
-    const int count = parts_->model->rowCount();
-    const int first = table.rowAt(0);
-    const int last = table.rowAt(table.viewport()->height() - 1);
-    return SpreadRows(count, first, last < 0 ? first + kFitSample : last, kFitSample);
-}
-
 void GridView::FitColumns() {
-    for (const int column : parts_->panes.ShownColumns()) {
-        FitColumn(column);
-    }
+    parts_->columns.Fit();
 }
 
 void GridView::FitColumn(int column) {
-    if (!IsColumnShown(column) || !parts_->model->Columns()[static_cast<std::size_t>(column)].resizable) {
-        return;
+    parts_->columns.Fit(column);
+    parts_->columns.ShareSpare();
+}
+
+void GridView::RefitColumns() {
+    parts_->columns.Refit();
+}
+
+void GridView::ResetColumns() {
+    parts_->columns.Reset();
+    ArrangePanes();
+}
+
+void GridView::ShowColumn(int column, bool show) {
+    parts_->columns.Show(column, show);
+    ArrangePanes();
+}
+
+std::string GridView::SaveState() const {
+    return parts_->columns.State();
+}
+
+void GridView::RestoreState(const std::string& state) {
+    if (parts_->model) {
+        parts_->columns.Restore(state);
+        ArrangePanes();
     }
-    GridTable& pane = parts_->panes.PaneOf(column);
-    const int margin = GridDelegate::TextMargin(pane.style());
-    const CellRoom room{.margins = 2 * margin + 2, .icon = pane.iconSize().width() + 2 * margin};
-    pane.setColumnWidth(
-        column, FittedWidth(*parts_->model, column, SampleRows(), pane.Header()->sectionSizeHint(column),
-                            pane.fontMetrics(), room));
+}
+
+QMenu* GridView::HeaderMenu() const {
+    parts_->headerMenu->clear();
+    if (parts_->model) {
+        FillHeaderMenu();
+    }
+    return parts_->headerMenu;
+}
+
+void GridView::FillHeaderMenu() const {
+    Parts& p = *parts_;
+    GridView* view = const_cast<GridView*>(this);
+    for (int i = 0; i < p.model->columnCount(); ++i) {
+        const GridColumn& column = p.model->Columns()[static_cast<std::size_t>(i)];
+        if (column.hidden || column.frozen) {
+            continue;
+        }
+        QString caption = ToQString(Text(column.caption));
+        QAction* action = p.headerMenu->addAction(caption.replace(QLatin1Char('&'), QStringLiteral("&&")));
+        action->setObjectName(QString::fromLatin1(column.name));
+        action->setCheckable(true);
+        action->setChecked(IsColumnShown(i));
+        action->setEnabled(p.columns.CanHide(i));
+        connect(action, &QAction::toggled, view,
+                Guarded(p.prompts, L"OnShowColumn", [view, i](bool show) { view->ShowColumn(i, show); }));
+    }
+    p.headerMenu->addSeparator();
+    const auto add = [&](StringId text, const char* name, const wchar_t* handler, void (GridView::*act)()) {
+        QAction* action = p.headerMenu->addAction(ToQString(Text(text)));
+        action->setObjectName(QString::fromLatin1(name));
+        connect(action, &QAction::triggered, view,
+                Guarded(p.prompts, handler, [view, act] { (view->*act)(); }));
+    };
+    add(text::kGridFitColumns, "fit", L"OnFitColumns", &GridView::RefitColumns);
+    add(text::kGridResetColumns, "reset", L"OnResetColumns", &GridView::ResetColumns);
 }
 
 std::vector<int> GridView::SelectedRows() const {
@@ -304,6 +362,23 @@ void GridView::ClearSelection() {
 
 void GridView::SelectAll() {
     parts_->table->selectAll();
+}
+
+void GridView::RemoveSelection(const std::function<void(const std::vector<std::size_t>&)>& remove) {
+    const std::vector<int> rows = SelectedRows();
+    std::vector<std::size_t> records;
+    for (const int row : rows) {
+        records.push_back(parts_->model->RecordOfRow(row));
+    }
+    // The first row after the last selected one; the last row before, where there is none.
+    const QPersistentModelIndex next = parts_->model->index(rows.empty() ? -1 : rows.back() + 1, 0);
+    remove(records);
+    const int row = next.isValid() ? next.row() : parts_->model->rowCount() - 1;
+    if (!rows.empty() && row >= 0) {
+        const QModelIndex index = parts_->model->index(row, std::max(parts_->table->columnAt(0), 0));
+        parts_->table->selectionModel()->setCurrentIndex(
+            index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    }
 }
 
 int GridView::CurrentRow() const {

@@ -1,8 +1,10 @@
 #pragma once
 #include <QFrame>
 #include <QIcon>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "dialog/grid/GridModel.h"
@@ -36,9 +38,22 @@ class GridView : public QFrame {
     void ShowDetailColumns(bool show);
     bool DetailColumnsShown() const;
     /// Fits every visible column to its contents (of the visible rows and a sample of the rest), within its
-    /// limits. Columns that cannot be resized keep their width.
+    /// limits. Columns that cannot be resized, or whose width the user has set, keep their width; without
+    /// rows columns have the width that is given.
     void FitColumns();
     void FitColumn(int column);
+    /// Fits all visible columns and forgets the widths that the user has set.
+    void RefitColumns();
+    /// Widths and shown columns as they were at first.
+    void ResetColumns();
+    /// Shows or hides a column for the user: stays so, whatever the detail columns are.
+    void ShowColumn(int column, bool show);
+    /// The user's choices (widths, columns shown or hidden) and the sort order, by column name.
+    std::string SaveState() const;
+    /// A state that is damaged or of other columns changes nothing.
+    void RestoreState(const std::string& state);
+    /// Context menu of the header, made anew: the columns, fit, reset.
+    QMenu* HeaderMenu() const;
     bool IsColumnShown(int column) const;
     /// From left to right.
     std::vector<int> ShownColumns() const;
@@ -52,6 +67,9 @@ class GridView : public QFrame {
     void SelectRows(const std::vector<int>& rows);
     void ClearSelection();
     void SelectAll();
+    /// Lets `remove` remove the selected records. Then the row that followed them is selected and current; at
+    /// the end, the one before.
+    void RemoveSelection(const std::function<void(const std::vector<std::size_t>& records)>& remove);
     /// Focused row; -1 if none.
     int CurrentRow() const;
     /// Copies the visible columns of the selected rows to the clipboard as tab-separated text.
@@ -73,7 +91,8 @@ class GridView : public QFrame {
   signals:
     void SelectionChanged();
     void CurrentRowChanged(int row);
-    void RemoveRequested();  ///< the Delete key, while rows are selected
+    void RemoveRequested();    ///< the Delete key, while rows are selected
+    void ActivateRequested();  ///< Return, Enter or a double click on a row
 
   protected:
     void changeEvent(QEvent* event) override;
@@ -93,7 +112,8 @@ class GridView : public QFrame {
     void ArrangePanes();
     void ArrangeRows();
     void ArrangeMessage();
-    std::vector<int> SampleRows() const;
+    void ConnectColumns();
+    void FillHeaderMenu() const;
     int SearchColumn() const;
 
     std::unique_ptr<Parts> parts_;

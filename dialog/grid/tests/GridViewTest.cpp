@@ -6,10 +6,12 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
+#include <QMenu>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
+#include <QWheelEvent>
 #include <functional>
 
 #include "dialog/grid/GridFooter.h"
@@ -269,15 +271,17 @@ TEST_F(GridViewTest, FittingKeepsTheLimits) {
     model_.AddNames({L"a", L"a name so long that its column must become wider than it was"});
     view_.Table()->setColumnWidth(kSize, 500);
     view_.FitColumns();
+    EXPECT_EQ(view_.ColumnWidth(kSize), 500) << "the user has set it";
+    view_.findChild<QAction*>("fitColumns")->trigger();
     EXPECT_EQ(view_.ColumnWidth(kFlag), 20) << "cannot be resized";
     EXPECT_EQ(view_.ColumnWidth(kPath), 0) << "hidden";
     EXPECT_GT(view_.ColumnWidth(kName), 300);
     EXPECT_LT(view_.ColumnWidth(kSize), 300) << "narrowed";
     EXPECT_GE(view_.ColumnWidth(kModified), 130) << "least width";
-    EXPECT_EQ(view_.ColumnWidth(kSummary), 240) << "widest fit";
+    EXPECT_EQ(view_.ColumnWidth(kSummary), 400) << "widest fit";
 
-    view_.Table()->setColumnWidth(kSummary, 400);
-    EXPECT_EQ(view_.ColumnWidth(kSummary), 400) << "the user may go beyond";
+    view_.Table()->setColumnWidth(kSummary, 500);
+    EXPECT_EQ(view_.ColumnWidth(kSummary), 500) << "the user may go beyond";
     view_.Table()->setColumnWidth(kModified, 40);
     EXPECT_EQ(view_.ColumnWidth(kModified), 130) << "but not below the least width";
     model_.Append({{L"b", 1e17}});
@@ -289,6 +293,147 @@ TEST_F(GridViewTest, FittingKeepsTheLimits) {
     model_.cellsAsked = 0;
     view_.FitColumns();
     EXPECT_LE(model_.cellsAsked, 300U * 8U) << "whatever the number of rows";
+}
+
+TEST_F(GridViewTest, AMessageIsNotCutOffBecauseOtherRowsWereMeasured) {
+    view_.ShowDetailColumns(false);
+    model_.AddNames({L"a"});
+    view_.FitColumns();
+    const auto room = [this](const std::wstring& name) {
+        return view_.fontMetrics().horizontalAdvance(
+            ToQString(L"Summary of " + name + L" second line of it"));
+    };
+    AddMany(1000);
+    view_.FitColumns();
+    const std::wstring long_ = L"ten more x";
+    ASSERT_LT(view_.ColumnWidth(kSummary), room(long_));
+    model_.AddNames({long_});
+    EXPECT_GT(view_.ColumnWidth(kSummary), room(long_)) << "it arrived later, out of sight";
+    view_.FitColumns();
+    EXPECT_GT(view_.ColumnWidth(kSummary), room(long_)) << "it is none of the rows that are measured";
+    model_.SetFilter([](std::size_t record) { return record == 0; });
+    model_.Replace(500, {std::wstring(100, L'W'), 1.0});
+    EXPECT_EQ(view_.ColumnWidth(kSummary), 400) << "it was read again; the widest";
+
+    view_.resize(1000, 240);
+    Settle();
+    const QTableView* table = view_.Table();
+    EXPECT_EQ(table->horizontalHeader()->length(), table->viewport()->width()) << "it has the spare width";
+    view_.ShowDetailColumns(true);
+    view_.resize(500, 240);
+    Settle();
+    EXPECT_EQ(view_.ColumnWidth(kSummary), 400);
+    view_.Table()->setColumnWidth(kSummary, 70);
+    view_.resize(1800, 240);
+    view_.ShowDetailColumns(false);
+    Settle();
+    EXPECT_EQ(view_.ColumnWidth(kSummary), 70) << "unless the user has set another";
+}
+
+TEST_F(GridViewTest, ColumnsAreTheUsersChoice) {
+    AddMany(3);
+    const auto press = [this](const char* name) {
+        const QMenu* menu = view_.HeaderMenu();
+        for (QAction* action : menu->actions()) {
+            if (action->objectName() == name && action->isEnabled()) {
+                action->trigger();
+                return true;
+            }
+        }
+        return false;
+    };
+    EXPECT_FALSE(press("path")) << "never shown";
+    EXPECT_FALSE(press("name")) << "frozen";
+    EXPECT_TRUE(press("more"));
+    EXPECT_TRUE(press("size"));
+    EXPECT_THAT(view_.ShownColumns(), ElementsAre(kFlag, kName, kModified, kSummary));
+    view_.ShowDetailColumns(false);
+    EXPECT_THAT(view_.ShownColumns(), ElementsAre(kFlag, kName, kSummary));
+    EXPECT_TRUE(press("modified"));
+    EXPECT_TRUE(press("more"));
+    view_.ShowDetailColumns(true);
+    EXPECT_THAT(view_.ShownColumns(), ElementsAre(kFlag, kName, kModified, kSummary, kMore));
+    view_.Table()->setColumnWidth(kModified, 333);
+    view_.FrozenTable()->setColumnWidth(kName, 77);
+    model_.sort(kName, Qt::DescendingOrder);
+    const std::string state = view_.SaveState();
+
+    GridView other(prompts_);
+    other.SetModel(&model_);
+    const std::string first = other.SaveState();
+    for (const char* damaged :
+         {"", "columns", "columns 2\n", "columns 1\nwidth name", "columns 1\nwidth name 1e3\n",
+          "columns 1\nwidth name -5\n", "columns 1\nshown size no\nwidth length 40\n",
+          "columns 1\nshown path yes\n", "columns 1\nshown size\n", "columns 1\nsort size\n",
+          "columns 1\nshown size no no\n", "columns 1\nwidth name 99999999999\n"}) {
+        other.RestoreState(damaged);
+        EXPECT_EQ(other.SaveState(), first) << damaged;
+    }
+    model_.sort(-1);
+    other.RestoreState(state);
+    EXPECT_EQ(other.SaveState(), state);
+    EXPECT_THAT(other.ShownColumns(), ElementsAre(kFlag, kName, kModified, kSummary, kMore));
+    EXPECT_EQ(other.ColumnWidth(kModified), 333);
+    EXPECT_EQ(other.ColumnWidth(kName), 77);
+    EXPECT_EQ(model_.SortColumn(), kName);
+    EXPECT_EQ(model_.SortOrder(), Qt::DescendingOrder);
+
+    EXPECT_TRUE(press("fit"));
+    EXPECT_NE(view_.ColumnWidth(kModified), 333);
+    EXPECT_TRUE(press("reset"));
+    EXPECT_THAT(view_.ShownColumns(), ElementsAre(kFlag, kName, kSize, kModified, kSummary, kMore));
+    EXPECT_EQ(prompts_.shown.size(), 0U);
+}
+
+TEST_F(GridViewTest, WhatFollowsARemovedRowIsSelected) {
+    struct Case {
+        std::vector<int> rows;
+        std::wstring next;  ///< empty: nothing is left
+    };
+    const Case cases[] = {{{1}, L"c"}, {{0, 2}, L"d"}, {{3}, L"c"}, {{2, 3}, L"b"}, {{0, 1, 2, 3}, L""}};
+    for (const Case& c : cases) {
+        model_.Clear();
+        model_.AddNames({L"d", L"b", L"a", L"c"});
+        model_.sort(kName);
+        view_.SelectRows(c.rows);
+        view_.RemoveSelection([this](const auto& records) { model_.Remove(records); });
+        const std::vector<int> selected = view_.SelectedRows();
+        ASSERT_EQ(selected.size(), c.next.empty() ? 0U : 1U);
+        EXPECT_EQ(view_.CurrentRow(), c.next.empty() ? -1 : selected[0]);
+        EXPECT_TRUE(c.next.empty() || model_.Names()[static_cast<std::size_t>(selected[0])] == c.next);
+    }
+}
+
+TEST_F(GridViewTest, ReturnAndADoubleClickActivateARow) {
+    AddMany(3);
+    QSignalSpy activated(&view_, &GridView::ActivateRequested);
+    QTableView* table = view_.Table();
+    table->setFocus();
+    ClickRow(table, 1);
+    const std::pair<int, Qt::KeyboardModifiers> keys[] = {
+        {Qt::Key_Return, {}}, {Qt::Key_Enter, Qt::KeypadModifier}, {Qt::Key_Return, Qt::ControlModifier}};
+    for (const auto& [key, modifiers] : keys) {
+        QKeyEvent press(QEvent::KeyPress, key, modifiers);
+        QCoreApplication::sendEvent(table, &press);
+        EXPECT_EQ(press.isAccepted(), modifiers != Qt::ControlModifier);
+    }
+    EXPECT_EQ(activated.count(), 2);
+    ClickRow(view_.FrozenTable(), 2);
+    QTest::mouseDClick(view_.FrozenTable()->viewport(), Qt::LeftButton, {},
+                       QPoint(4, table->rowViewportPosition(2) + 4));
+    EXPECT_EQ(activated.count(), 3);
+}
+
+TEST_F(GridViewTest, TheWheelWithShiftScrollsSideways) {
+    AddMany(50);
+    for (const QTableView* pane : {view_.FrozenTable(), view_.Table()}) {
+        view_.Table()->horizontalScrollBar()->setValue(0);
+        QWheelEvent wheel({5, 5}, pane->viewport()->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, {},
+                          Qt::ShiftModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(pane->viewport(), &wheel);
+        EXPECT_GT(view_.Table()->horizontalScrollBar()->value(), 0);
+        EXPECT_EQ(view_.Table()->verticalScrollBar()->value(), 0);
+    }
 }
 
 }  // namespace
