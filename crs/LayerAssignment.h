@@ -4,6 +4,7 @@
 #include <map>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "crs/CrsDescription.h"
@@ -20,7 +21,7 @@ struct LayerPlace {
     std::wstring layer;
     bool exists = false;     ///< an existing layer of the project
     unsigned group = 0;      ///< files with the same number can share a layer; 0: none
-    bool inProject = false;  ///< the project has the file already; set by the page
+    bool inProject = false;  ///< the project has the file already; set when the page reads the file
 };
 
 /// Key that files in one layer have in common: the compatibility group of their CRS; its text while the
@@ -41,5 +42,14 @@ std::vector<std::function<void()>> IdentificationWork(std::vector<CrsPtr> files,
 std::vector<LayerPlace> PlaceInLayers(std::span<const CrsPtr> files,
                                       const std::map<std::wstring, std::wstring>& existing,
                                       const LayerRules& rules, const std::wstring& prefix);
+
+/// Gives rows (each with a `place`) their new places, in their order. That the project has a file stays.
+template <typename Rows>
+void TakePlaces(Rows& rows, std::vector<LayerPlace> places) {
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        places[i].inProject = rows[i].place.inProject;
+        rows[i].place = std::move(places[i]);
+    }
+}
 
 }  // namespace orvex

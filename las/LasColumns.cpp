@@ -291,7 +291,7 @@ constexpr Column<LasRow> kColumns[] = {
      [](const LasRow& row) { return GridCell(row.place.layer); }},
     {{.name = "epsg", .alsoKnownAs = "crs", .caption = text::kLasEpsg, .basic = true}, OfCrs<Epsg>},
     {{.name = "state", .caption = text::kLasState, .basic = true, .maximumWidth = 1000},
-     [](const LasRow& row) { return GridCell(row.summary); },
+     [](const LasRow& row) { return GridCell(StateText(row)); },
      {.tooltip = FindingsText}},
     {{.name = "crsName", .alsoKnownAs = "crs", .caption = text::kLasCrs, .basic = true, .maximumWidth = 400},
      OfCrs<[](const CrsDescription& crs) { return crs.name; }>},

@@ -129,7 +129,7 @@ LasRow InspectLasFile(const std::wstring& path) {
 }
 
 LoadFlag LoadFlagOf(const LasRow& row) {
-    return LoadFlagFor(row.file != nullptr, row.findings);
+    return LoadFlagFor(row.file != nullptr, row.findings, row.place.inProject);
 }
 
 bool HasErrors(const LasRow& row) {
@@ -147,7 +147,7 @@ std::wstring FindingsText(const LasRow& row) {
         return row.summary;
     }
     const bool isConditional = row.file != nullptr && HasErrors(row);
-    return FindingLines(row.findings) + (isConditional ? L"\n" + LoadConditionText() : L"");
+    return StateLines(row) + (isConditional ? L"\n" + LoadConditionText() : L"");
 }
 
 }  // namespace orvex

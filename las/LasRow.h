@@ -42,8 +42,8 @@ bool HasErrors(const LasRow& row);
 /// A sentence saying when a file with errors is loaded.
 std::wstring LoadConditionText();
 
-/// All findings, one a line; the reason for a file that is not loadable, empty when all is well. Says when a
-/// file with errors is loaded.
+/// All findings, one a line; the reason for a file that is not loadable, empty when all is well. Says that
+/// the project has the file, and when a file with errors is loaded.
 std::wstring FindingsText(const LasRow& row);
 
 }  // namespace orvex

@@ -202,7 +202,7 @@ constexpr PageColumn kColumns[] = {
     {{WithTooltip(Basic(TextColumn("layer", text::kLayerName, 200)), text::kLayerTooltip),
       [](const RasterRow& row) { return GridCell(row.place.layer); }}},
     {{Basic(TextColumn("summary", text::kSummary, 300)),
-      [](const RasterRow& row) { return GridCell(row.summary); },
+      [](const RasterRow& row) { return GridCell(StateText(row)); },
       {.tooltip = FindingsText}}},
     {{TextColumn("fileType", text::kFileType, 200), OfFile<FileType>}},
     {{WithTooltip(TextColumn("bigTiff", text::kBigTiff, 200), text::kBigTiffTooltip), OfFile<BigTiff>},

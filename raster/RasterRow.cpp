@@ -119,11 +119,11 @@ RasterRow UnreadRasterFile(const std::wstring& path, const std::wstring& message
 }
 
 LoadFlag LoadFlagOf(const RasterRow& row) {
-    return LoadFlagFor(row.IsDescribed(), row.findings);
+    return LoadFlagFor(row.IsDescribed(), row.findings, row.place.inProject);
 }
 
 std::wstring FindingsText(const RasterRow& row) {
-    return FindingLines(row.findings);
+    return StateLines(row);
 }
 
 void AssignLayers(std::vector<RasterRow>& rows, const std::map<std::wstring, std::wstring>& existing,
@@ -134,10 +134,7 @@ void AssignLayers(std::vector<RasterRow>& rows, const std::map<std::wstring, std
     for (const RasterRow& row : rows) {
         files.push_back(!row.IsDescribed() ? nullptr : ignoreCrs ? none : row.crs);
     }
-    std::vector<LayerPlace> places = PlaceInLayers(files, existing, rules, prefix);
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        rows[i].place = std::move(places[i]);
-    }
+    TakePlaces(rows, PlaceInLayers(files, existing, rules, prefix));
 }
 
 }  // namespace orvex

@@ -54,7 +54,7 @@ RasterRow UnreadRasterFile(const std::wstring& path, const std::wstring& message
 
 LoadFlag LoadFlagOf(const RasterRow& row);
 
-/// All findings, one a line; empty when all is well.
+/// All findings, one a line, and whether the project has the file; empty when all is well.
 std::wstring FindingsText(const RasterRow& row);
 
 /// Gives every row its place among the layers of the project; rows that could not be described get none.

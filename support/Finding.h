@@ -34,12 +34,14 @@ inline Finding FindingInWords(const FindingKind& kind, std::wstring text) {
     return {kind.severity, std::move(text), kind.code};
 }
 
-/// State of a row, worst last. Noted: nothing but notes is known of the file.
-enum class LoadFlag { Good, Noted, Findings, NotLoadable };
+/// State of a row, worst last. Noted: nothing but notes is known of the file. InProject: nor anything but
+/// notes, and the project has the file already.
+enum class LoadFlag { Good, Noted, InProject, Findings, NotLoadable };
 
 /// Image of a state, in the dialog's list.
 inline int LoadFlagImage(LoadFlag flag) {
-    constexpr ImageIndex kImages[] = {kImageLoadable, kImageInformation, kImageWarning, kImageNotLoadable};
+    constexpr ImageIndex kImages[] = {kImageLoadable, kImageInformation, kImageLink, kImageWarning,
+                                      kImageNotLoadable};
     return kImages[static_cast<int>(flag)];
 }
 
@@ -51,14 +53,17 @@ inline double LoadFlagNumber(LoadFlag flag) {
 
 /// State of a file with these findings (of Finding, or of a type derived from it), worst first.
 template <typename Findings>
-LoadFlag LoadFlagFor(bool loadable, const Findings& findings) {
+LoadFlag LoadFlagFor(bool loadable, const Findings& findings, bool inProject) {
     if (!loadable) {
         return LoadFlag::NotLoadable;
     }
-    if (findings.empty()) {
-        return LoadFlag::Good;
+    if (!findings.empty() && findings.front().severity > FindingSeverity::Note) {
+        return LoadFlag::Findings;
     }
-    return findings.front().severity == FindingSeverity::Note ? LoadFlag::Noted : LoadFlag::Findings;
+    if (inProject) {
+        return LoadFlag::InProject;
+    }
+    return findings.empty() ? LoadFlag::Good : LoadFlag::Noted;
 }
 
 /// One line for a file that could be read: the first of its findings, or "OK".
@@ -75,6 +80,29 @@ std::wstring FindingLines(const Findings& findings) {
         text += (text.empty() ? L"" : L"\n") + finding.text;
     }
     return text;
+}
+
+/// The state of a row (with `summary`, `findings` and `place`) in words: first what its icon shows.
+template <typename Row>
+std::wstring StateText(const Row& row) {
+    if (!row.place.inProject) {
+        return row.summary;
+    }
+    const std::wstring inProject = Text(text::kFileInProject);
+    if (LoadFlagOf(row) != LoadFlag::InProject) {
+        return row.summary + L" " + inProject;
+    }
+    return row.findings.empty() ? inProject : inProject + L" " + row.summary;
+}
+
+/// Everything that is known of a row, one a line.
+template <typename Row>
+std::wstring StateLines(const Row& row) {
+    const std::wstring findings = FindingLines(row.findings);
+    if (!row.place.inProject) {
+        return findings;
+    }
+    return findings + (findings.empty() ? L"" : L"\n") + Text(text::kFileInProject);
 }
 
 }  // namespace orvex

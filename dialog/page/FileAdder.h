@@ -1,6 +1,7 @@
 #pragma once
 // Adding files to a page's grid: duplicate check, inspection on worker threads, progress, Escape, and the
 // question whether to go on.
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <functional>
@@ -28,7 +29,7 @@ struct AddingDescription {
     StringId confirmCaption = {};    ///< of that question
     std::size_t confirmAtRows = 10;  ///< the question comes when the grid reaches exactly this many rows
     /// A second path under which a file may be listed already (the LAS file of a LAZ file and the reverse);
-    /// empty text or no function: none. Called on worker threads, one call at a time.
+    /// empty text or no function: none. Called on worker threads.
     std::function<std::wstring(const std::wstring& path)> buddy;
 };
 
@@ -100,6 +101,17 @@ class FileReader {
     /// `pathsAtOnce`: the most that one call is given. When a call throws, each of its files has failed.
     FileReader(InspectSeveral inspect, std::size_t pathsAtOnce, Failed failed)
         : inspect_(std::move(inspect)), pathsAtOnce_(pathsAtOnce), failed_(std::move(failed)) {}
+
+    /// Has each file that is read from now on pass a further step, as `Inspect`; not those whose inspection
+    /// threw.
+    void AddStep(std::function<void(Record& record)> step) {
+        inspect_ = [inspect = std::move(inspect_),
+                    step = std::move(step)](std::span<const std::wstring> paths) {
+            std::vector<Record> records = inspect(paths);
+            std::ranges::for_each(records, step);
+            return records;
+        };
+    }
 
     /// Returns when all files are read or the run was stopped. The caller opens the DialogProgress::Run and
     /// keeps its controls disabled meanwhile: events are handled. An exception of `deliver` ends the run and

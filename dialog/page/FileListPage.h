@@ -1,6 +1,7 @@
 #pragma once
 #include <functional>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "dialog/page/FolderScan.h"
 #include "dialog/page/ListModel.h"
 #include "dialog/page/ListPage.h"
+#include "dialog/page/ProjectFiles.h"
 #include "support/FilePickers.h"
 
 namespace orvex {
@@ -39,6 +41,8 @@ struct FileListPageDescription : ListPageDescription {
     std::vector<std::wstring> folderExtensions;
 
     AddingDescription adding;
+    /// The files that the project has already, of the kind that the page adds; null: the page marks none.
+    std::vector<std::wstring> AddFilesParams::*existingFiles = nullptr;
     StringId refreshProgress = text::kRefreshProgress;  ///< as AddingDescription::progressText
 };
 
@@ -108,7 +112,11 @@ class TypedFileListPage : public FileListPage {
                       std::span<const Column<Row>> columns, FileReader<Row> reader, QWidget* parent)
         : FileListPage(context, description, parent),
           model_(new ListModel<Row>(columns, this)),
-          reader_(std::move(reader)) {}
+          reader_(std::move(reader)) {
+        if constexpr (FileRow<Row>) {
+            MarkExisting();
+        }
+    }
 
     ListModel<Row>& EditModel() { return *model_; }
     /// Rows from `first` on have been appended, or read again.
@@ -159,6 +167,15 @@ class TypedFileListPage : public FileListPage {
     }
 
   private:
+    /// The files are compared where they are read: a drive that does not answer holds up nothing else.
+    void MarkExisting() {
+        if (const auto member = Description().existingFiles;
+            member != nullptr && !(Params().*member).empty()) {
+            const auto files = std::make_shared<ProjectFiles>(Params().*member, Description().adding.buddy);
+            reader_.AddStep([files](Row& row) { row.place.inProject = files->Has(row.path); });
+        }
+    }
+
     ListModel<Row>* model_;
     FileReader<Row> reader_;
 };

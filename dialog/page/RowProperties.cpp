@@ -76,7 +76,7 @@ RowProperties::RowProperties(const ListRows& rows) : bits_(rows.Count()) {
     crs.reserve(bits_.size());
     for (std::size_t record = 0; record < bits_.size(); ++record) {
         const RowTraits traits = rows.Traits(record);
-        Set(record, RowProperty::Findings, traits.flag != LoadFlag::Good);
+        Set(record, RowProperty::Findings, traits.flag == LoadFlag::NotLoadable || !traits.findings.empty());
         Set(record, RowProperty::Errors, traits.hasErrors);
         Set(record, RowProperty::Warnings, traits.flag == LoadFlag::Findings && !traits.hasErrors);
         Set(record, RowProperty::WithoutCrs, traits.lacksCrs);

@@ -18,6 +18,7 @@
 #include <variant>
 
 #include "dialog/CTabCtrlEx.h"
+#include "dialog/page/ListModel.h"
 #include "dialog/page/OptionsPanel.h"
 #include "dialog/testing/PageFixture.h"
 #include "support/Format.h"
@@ -76,6 +77,8 @@ struct PageContract {
     const char* detailColumn;    ///< a column that is shown with the detail columns only
     OptionCase detailColumnsOn;  ///< `control` and `shown` are not used
     FilesByFolder AddFilesParams::*files;
+    /// The project's files that the page marks; null: none.
+    std::vector<std::wstring> AddFilesParams::*existingFiles = nullptr;
     std::size_t detailsPerFile;  ///< 1 where the host gets an object for each file, else 0
     bool passesBadFiles;         ///< to the host, those of `writeBad`
 
@@ -356,6 +359,43 @@ TEST_P(FilePage, ProgressIsShownAndEscapeKeepsWhatWasAdded) {
     EXPECT_FALSE(Shown("layer").back().empty()) << "what was added has its layer";
     EXPECT_TRUE(dialog->isVisible());
     EXPECT_TRUE(Enabled(GetParam().addFiles)) << "the page is usable again";
+}
+
+TEST_P(FilePage, FilesThatTheProjectHasAreMarkedFromTheStart) {
+    const std::wstring a = Good(L"a");
+    const std::wstring b = Good(L"b");
+    const std::wstring bad = GetParam().writeBad(folder, L"bad");
+    const std::vector<std::wstring> existing{ToUpper(a), bad, folder.Name(L"gone")};
+    given.existingLasFiles = given.existingRasterFiles = {L"/elsewhere"};
+    if (GetParam().existingFiles != nullptr) {
+        given.*GetParam().existingFiles = existing;
+    }
+    Open();
+    const auto marked = [this] {
+        auto& rows = dynamic_cast<ListRows&>(Model());
+        std::vector<std::wstring> names;
+        for (std::size_t record = 0; record < rows.Count(); ++record) {
+            const RowTraits traits = rows.Traits(record);
+            if (traits.inProject) {
+                names.push_back(FileNameOf(traits.path));
+            }
+        }
+        return names;
+    };
+    std::vector<std::wstring> whenListed;
+    const auto listening = QObject::connect(&Model(), &GridModel::RecordsChanged,
+                                            [&] { whenListed = whenListed.empty() ? marked() : whenListed; });
+    Pick({a, b, bad});
+    QObject::disconnect(listening);
+    std::vector<std::wstring> expected;
+    if (GetParam().existingFiles != nullptr) {
+        expected = {FileNameOf(a), FileNameOf(bad)};
+        EXPECT_FALSE(whenListed.empty()) << "not only when all are read";
+    }
+    EXPECT_EQ(marked(), expected);
+    Click(GetParam().refresh);
+    EXPECT_EQ(marked(), expected);
+    EXPECT_EQ(Shown("layer").size(), 3U) << "another layer leaves the mark";
 }
 
 TEST_P(FilePage, RefreshReadsTheFilesAgain) {

@@ -189,6 +189,7 @@ FileListPageDescription Describe() {
                    .confirmText = text::kLasManyFilesQuestion,
                    .confirmCaption = text::kLasManyFilesCaption,
                    .buddy = OrvexUtilities::GetLAZBuddyPath};
+    page.existingFiles = &AddFilesParams::existingLasFiles;
     return page;
 }
 
@@ -219,11 +220,7 @@ void AddLASFilesPP::RowsChanged() {
         for (const LasRow& row : rows) {
             files.push_back(row.loadable ? row.crs : nullptr);
         }
-        std::vector<LayerPlace> places =
-            PlaceInLayers(files, Params().existingLasLayers, rules, L"LAS Layer_");
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            rows[i].place = std::move(places[i]);
-        }
+        TakePlaces(rows, PlaceInLayers(files, Params().existingLasLayers, rules, L"LAS Layer_"));
     });
 }
 

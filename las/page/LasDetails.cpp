@@ -240,6 +240,9 @@ QString OverviewHtml(const LasRow& row, const QString& captionColour) {
     if (row.file != nullptr && HasErrors(row)) {
         findings.push_back({FindingSeverity::Note, LoadConditionText()});
     }
+    if (row.place.inProject) {
+        findings.push_back({FindingSeverity::Note, Text(text::kFileInProject)});
+    }
     const std::wstring failure = row.file == nullptr ? row.summary : std::wstring();
     return FindingsHtml(findings, failure, Text(text::kLasDetailsConsistent)) +
            SectionsHtml(LasOverview(row), captionColour);

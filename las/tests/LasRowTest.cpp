@@ -10,6 +10,7 @@
 #include "host/utilities/testing/LazSamples.h"
 #include "las/LasColumns.h"
 #include "las/testing/LasBuilder.h"
+#include "support/Format.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 
@@ -25,6 +26,10 @@ constexpr const char* kWgs84 =
     R"(UNIT["degree",0.0174532925199433],AUTHORITY["EPSG","4326"]])";
 
 constexpr const wchar_t* kNoCrs = L"The file carries no coordinate reference system.";
+
+std::wstring Shown(const LasRow& row, const char* column) {
+    return CellText(ColumnNamed(LasColumns(), column), row);
+}
 
 class LasRowTest : public ::testing::Test {
   protected:
@@ -163,6 +168,29 @@ TEST_F(LasRowTest, PutsTheWorstFindingIntoTheSummary) {
     EXPECT_EQ(LoadFlagImage(LoadFlagOf(good)), 3);
 }
 
+TEST_F(LasRowTest, AFileThatTheProjectHasSaysSoBehindWhatIsWorse) {
+    const LasBuilder good = LasBuilder(12, 1).AddPoints(5, 500'000, 5'400'000).ProjectedEpsg(25832);
+    const LasBuilder odd = LasBuilder(good).Lie(131, 0.0);
+    const std::wstring has = Text(text::kFileInProject);
+    const std::wstring zero = FormatText(Text(text::kLasScaleZero), {L"X"});
+    const struct {
+        LasBuilder file;
+        int image;
+        std::wstring state, tooltip;
+    } cases[] = {
+        {good, 2, has, has},
+        {LasBuilder(12, 1).AddPoints(5), 2, has + L" " + kNoCrs, kNoCrs + (L"\n" + has)},
+        {odd, 5, zero + L" " + has, zero + L"\n" + has},
+    };
+    for (const auto& c : cases) {
+        LasRow row = Inspect(c.file);
+        row.place.inProject = true;
+        EXPECT_EQ(Shown(row, "state"), c.state);
+        EXPECT_EQ(FindingsText(row), c.tooltip);
+        EXPECT_EQ(ColumnNamed(LasColumns(), "loadFlag").look.icon(row), c.image);
+    }
+}
+
 TEST_F(LasRowTest, SaysWhyAFileCannotBeLoaded) {
     const std::wstring folder = FromPath(folder_.Path());
     const struct {
@@ -222,10 +250,6 @@ TEST_F(LasRowTest, WorksFromManyThreads) {
             }
         });
     }
-}
-
-std::wstring Shown(const LasRow& row, const char* column) {
-    return CellText(ColumnNamed(LasColumns(), column), row);
 }
 
 TEST_F(LasRowTest, EveryKindOfFactOfAHeaderIsShown) {

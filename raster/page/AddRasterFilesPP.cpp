@@ -56,6 +56,7 @@ FileListPageDescription Describe() {
                         {"rasterCrs", text::kDetailsCrsTab, Html},
                         {"rasterBands", text::kRasterBandsTab, Html}};
     page.options = {kGroups, kRows};
+    page.existingFiles = &AddFilesParams::existingRasterFiles;
     page.pickTitle = text::kRasterPickerTitle;
     page.tooManyFiles =
         L"There are too many selected files for the allocated buffer. Select fewer files, then "

@@ -112,6 +112,9 @@ DetailSection RasterTotalsSection(const RasterTotals& totals) {
 QString OverviewHtml(const RasterRow& row, RasterUse use, const QString& captionColour) {
     const std::wstring failure = row.IsDescribed() ? std::wstring() : row.summary;
     std::vector<Finding> findings = row.findings;
+    if (row.place.inProject) {
+        findings.push_back({FindingSeverity::Note, Text(text::kFileInProject)});
+    }
     std::erase_if(findings,
                   [&](const Finding& finding) { return failure.find(finding.text) != std::wstring::npos; });
     return FindingsHtml(findings, failure, Text(text::kDetailsNothingOdd)) +

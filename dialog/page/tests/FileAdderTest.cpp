@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "dialog/page/ProjectFiles.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/ProgressIf.h"
@@ -313,6 +314,21 @@ TEST_F(BatchReading, EveryFileOfACallThatThrowsHasFailed) {
             EXPECT_EQ(std::ranges::find(rows, path, &Row::path)->note, threw ? L"connection lost" : L"ok");
         }
     }
+}
+
+TEST(ProjectFiles, KnowAFileByItsPathAndItsBuddys) {
+    const auto buddy = [](const std::wstring& path) {
+        return path.ends_with(L".laz") ? WithExtension(path, L".las") : std::wstring();
+    };
+    ProjectFiles files({L"/d/a.las", L"/d/b.laz", L"/d/a.las"}, buddy);
+    for (const wchar_t* known : {L"/d/a.las", L"/D/A.las", L"/d/b.laz", L"/d/a.laz"}) {
+        EXPECT_TRUE(files.Has(known)) << ToUtf8(known);
+    }
+    for (const wchar_t* other : {L"/d/b.las", L"/a.las", L""}) {
+        EXPECT_FALSE(files.Has(other)) << ToUtf8(other);
+    }
+    ProjectFiles rasters({L"/d/a.tif"}, {});
+    EXPECT_TRUE(rasters.Has(L"/d/a.tif"));
 }
 
 }  // namespace

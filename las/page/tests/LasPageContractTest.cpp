@@ -81,6 +81,7 @@ PageContract LasContract() {
     page.detailColumn = "software";
     page.detailColumnsOn = {L"optAddLASDetailCols", "\1"s, 0, {}};
     page.files = &P::lasFiles;
+    page.existingFiles = &P::existingLasFiles;
     page.detailsPerFile = 1;
     page.options = LasOptions();
     page.replaced = ReplacedLasOptions();

@@ -64,6 +64,7 @@ PageContract RasterContract() {
     page.onlyWhenNamed = L".sid";
     page.detailColumnsOn = {L"optAddRasterDetailCols", "\1"s, 0, {}};
     page.files = &P::rasterFiles;
+    page.existingFiles = &P::existingRasterFiles;
     page.detailsPerFile = 1;
     page.options = {
         {L"optAddRasterAppend", "\0"s, 441, "off", &P::rasterAppend, L"0"},
