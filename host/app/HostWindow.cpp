@@ -6,7 +6,6 @@
 #include <QDragEnterEvent>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QItemSelectionModel>
 #include <QLabel>
 #include <QMessageBox>
 #include <QMimeData>
@@ -15,10 +14,11 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QTreeView>
+#include <QUndoStack>
 #include <algorithm>
-#include <set>
 
 #include "host/app/Application.h"
+#include "host/app/FileReport.h"
 #include "host/app/HostText.h"
 #include "host/app/LayerTreeModel.h"
 #include "host/app/MapView.h"
@@ -52,14 +52,6 @@ struct OwnedRecord : AddFilesParams {
     OwnedRecord(const OwnedRecord&) = delete;
     OwnedRecord& operator=(const OwnedRecord&) = delete;
 };
-
-std::size_t CountFiles(const FilesByFolder& files) {
-    std::size_t count = 0;
-    for (const auto& [folder, names] : files) {
-        count += names.size();
-    }
-    return count;
-}
 
 }  // namespace
 
@@ -98,6 +90,8 @@ bool HostWindow::OpenProject(const QString& folder) {
         return false;
     }
     folder_ = full;
+    undo_->clear();
+    collapsed_.clear();
     project_ = std::move(*opened);
     record_->clear();
     preferences_.AddRecentProject(full);
@@ -131,19 +125,23 @@ bool HostWindow::AddFiles(const QStringList& paths) {
 }
 
 void HostWindow::TakeRecord(const AddFilesParams& record) {
-    record_->setPlainText(ToQString(RecordText(record)));
     RememberFolder(record);
+    Project changed = project_;
     const IntakeResult result =
-        RecordIntake(project_, folder_, preferences_.writesBesideData, this).Take(record);
+        RecordIntake(changed, folder_, preferences_.writesBesideData, this).Take(record);
     counts_ = {CountFiles(record.lasFiles), CountFiles(record.rasterFiles), CountFiles(record.demFiles),
-               result.dems.files};
-    statusBar()->showMessage(result.status, 8000);
-    if (!result.mainLayer) {
-        return;
+               result.convertedDems};
+    record_->setPlainText(result.status + '\n' + result.report + '\n' + ToQString(RecordText(record)));
+    if (result.mainLayer) {
+        Change(std::move(changed), text::kChangeAdd);
+        crsChoice_->setCurrentIndex(CrsIndexOf(project_.layers[*result.mainLayer].wkt));
+        SelectFiles(result.places);
+        map_->FitSelected();
     }
-    ProjectChanged();
-    SaveNow();
-    ShowLayer(result.mainLayer);
+    statusBar()->showMessage(result.status, 8000);
+    if (!result.report.isEmpty()) {
+        ShowFileReport(this, HostText(text::kAddFilesTitle), result.status, result.report);
+    }
 }
 
 /// Switches the map to the CRS of a layer and fits all of it.
@@ -167,9 +165,12 @@ void HostWindow::RememberFolder(const AddFilesParams& record) {
 }
 
 void HostWindow::AskLidarAccess() {
+    // The command is there to change the answer, also one that is remembered.
+    host::ForgetLidarAnswer();
     const AddLidarChoice choice = GetAddingLidarChoice(QFileInfo(folder_).isWritable());
-    project_.lidarAccess = static_cast<LidarAccess>(choice);
-    SaveNow();
+    Project changed = project_;
+    changed.lidarAccess = static_cast<LidarAccess>(choice);
+    Change(std::move(changed), text::kChangeLidarAccess);
     constexpr StringId kAnswers[] = {text::kStatusLidarReadOnly, text::kStatusLidarReadWrite,
                                      text::kStatusLidarNotAdded};
     statusBar()->showMessage(HostText(kAnswers[choice]), 8000);
@@ -209,52 +210,6 @@ void HostWindow::ChooseProject() {
     OpenProject(folder);
 }
 
-void HostWindow::RemoveSelected() {
-    std::set<std::pair<std::size_t, std::size_t>> files;
-    std::set<std::size_t> layers;
-    for (const QModelIndex& index : tree_->selectionModel()->selectedRows()) {
-        if (LayerTreeModel::IsLayer(index)) {
-            layers.insert(LayerTreeModel::LayerOf(index));
-        } else {
-            files.emplace(LayerTreeModel::LayerOf(index), LayerTreeModel::FileOf(index));
-        }
-    }
-    if (files.empty() && layers.empty()) {
-        return;
-    }
-    project_.Remove(files, layers);
-    ProjectChanged();
-    SaveNow();
-}
-
-void HostWindow::SelectionChanged() {
-    std::set<std::pair<std::size_t, std::size_t>> files;
-    std::optional<std::size_t> layer;
-    for (const QModelIndex& index : tree_->selectionModel()->selectedRows()) {
-        layer = LayerTreeModel::LayerOf(index);
-        if (!LayerTreeModel::IsLayer(index)) {
-            files.emplace(*layer, LayerTreeModel::FileOf(index));
-            continue;
-        }
-        for (std::size_t file = 0; file < project_.layers[*layer].files.size(); ++file) {
-            files.emplace(*layer, file);
-        }
-    }
-    if (layer) {
-        const int crs = CrsIndexOf(project_.layers[*layer].wkt);
-        if (crs != crsChoice_->currentIndex()) {
-            crsChoice_->setCurrentIndex(crs);
-        }
-    }
-    map_->SetSelected(files);
-}
-
-void HostWindow::SelectFile(std::size_t layer, std::size_t file) {
-    const QModelIndex index = layers_->IndexOf(layer, file);
-    tree_->setCurrentIndex(index);
-    tree_->scrollTo(index);
-}
-
 /// Index of the choice whose CRS is compatible with a WKT's, however each is worded; -1 for none.
 int HostWindow::CrsIndexOf(const std::string& wkt) {
     for (int i = 0; i < crsChoice_->count(); ++i) {
@@ -281,16 +236,31 @@ void HostWindow::FillCrsChoice() {
     crsChoice_->setCurrentIndex(std::max(0, CrsIndexOf(shown)));
 }
 
+/// The map keeps its place as long as it shows the same coordinate system.
 void HostWindow::ShowChosenCrs() {
-    map_->ShowCrs(crsChoice_->currentData().toByteArray().toStdString());
+    const std::string wkt = crsChoice_->currentData().toByteArray().toStdString();
+    if (crsGroups_.Of(wkt) == crsGroups_.Of(map_->Crs())) {
+        map_->Reload();
+    } else {
+        map_->ShowCrs(wkt);
+    }
+}
+
+void HostWindow::ReloadTree() {
+    layers_->Reload();
+    tree_->expandAll();
+    for (std::size_t layer = 0; layer < project_.layers.size(); ++layer) {
+        if (collapsed_.contains({project_.layers[layer].kind, project_.layers[layer].name})) {
+            tree_->collapse(layers_->index(static_cast<int>(layer), 0));
+        }
+    }
 }
 
 void HostWindow::ProjectChanged() {
-    layers_->Reload();
-    tree_->expandAll();
+    ReloadTree();
     FillCrsChoice();
     ShowChosenCrs();
-    map_->SetSelected({});
+    SelectionChanged();
     const QString name = folder_.isEmpty() ? QString() : QDir(folder_).dirName();
     setWindowTitle(name.isEmpty() ? HostText(text::kHostName)
                                   : name + " \u2013 " + HostText(text::kHostName));

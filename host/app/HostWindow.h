@@ -1,11 +1,16 @@
 #pragma once
+#include <QList>
 #include <QMainWindow>
 #include <QStringList>
 #include <memory>
 #include <optional>
+#include <set>
+#include <string>
+#include <utility>
 
 #include "host/app/HostPreferences.h"
 #include "host/app/Project.h"
+#include "support/Text.h"
 
 class AddFilesParams;
 class QComboBox;
@@ -13,6 +18,7 @@ class QLabel;
 class QMenu;
 class QPlainTextEdit;
 class QTreeView;
+class QUndoStack;
 
 namespace orvex {
 
@@ -40,6 +46,8 @@ class HostWindow final : public QMainWindow {
     /// Runs the Add Files dialog, which adds these files and folders when it opens, and adds its result to
     /// the project. True when the record held files.
     bool AddFiles(const QStringList& paths = {});
+    /// Adds the files of a record to the project, shows and selects them, and reports those left out.
+    void TakeRecord(const AddFilesParams& record);
     /// Asks for the access to LiDAR data and stores the answer in the project.
     void AskLidarAccess();
 
@@ -64,15 +72,22 @@ class HostWindow final : public QMainWindow {
     void FillRecentMenu();
     void NewProject();
     void ChooseProject();
+    void Change(Project changed, StringId name);
     void RemoveSelected();
+    FilePlaces SelectedFiles() const;
     void SelectionChanged();
+    void SelectFiles(const FilePlaces& files);
     void SelectFile(std::size_t layer, std::size_t file);
+    void ShowFileMenu(const QPoint& place);
+    void CopyPaths();
+    void ShowInFolder();
     void FillCrsChoice();
     void ShowChosenCrs();
     void ProjectChanged();
     bool SaveNow();
     bool SaveBeforeClosing();
-    void TakeRecord(const AddFilesParams& record);
+    void BuildFileActions(QMenu* edit);
+    void ReloadTree();
     void ShowLayer(const std::optional<std::size_t>& layer);
     void RememberFolder(const AddFilesParams& record);
     int CrsIndexOf(const std::string& wkt);
@@ -91,6 +106,9 @@ class HostWindow final : public QMainWindow {
     QPlainTextEdit* record_ = nullptr;
     QLabel* position_ = nullptr;
     QLabel* totals_ = nullptr;
+    QUndoStack* undo_ = nullptr;
+    QList<QAction*> fileActions_;                             ///< on the selected files
+    std::set<std::pair<LayerKind, std::wstring>> collapsed_;  ///< layers that the user has folded
     QMenu* recentMenu_ = nullptr;
     QMenu* viewMenu_ = nullptr;
 };

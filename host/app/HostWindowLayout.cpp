@@ -15,6 +15,7 @@
 #include <QToolBar>
 #include <QToolButton>
 #include <QTreeView>
+#include <QUndoStack>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -31,6 +32,8 @@ static void InitHostResources() {
 namespace orvex {
 
 namespace {
+
+constexpr int kMostUndone = 20;  ///< changes; each holds the project of before
 
 QIcon HostIcon(const char* name) {
     static const bool loaded = (InitHostResources(), true);
@@ -64,8 +67,19 @@ void HostWindow::BuildViews() {
     tree_->header()->setSectionResizeMode(LayerTreeModel::kName, QHeaderView::Stretch);
     tree_->header()->setSectionResizeMode(LayerTreeModel::kSize, QHeaderView::ResizeToContents);
     tree_->header()->setSectionResizeMode(LayerTreeModel::kFormat, QHeaderView::ResizeToContents);
+    tree_->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(tree_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &HostWindow::SelectionChanged);
+    connect(tree_, &QTreeView::customContextMenuRequested, this,
+            [this](const QPoint& place) { ShowFileMenu(tree_->viewport()->mapToGlobal(place)); });
+    const auto nameOf = [this](const QModelIndex& index) {
+        const Layer& layer = project_.layers[LayerTreeModel::LayerOf(index)];
+        return std::pair(layer.kind, layer.name);
+    };
+    connect(tree_, &QTreeView::collapsed, this,
+            [this, nameOf](const QModelIndex& index) { collapsed_.insert(nameOf(index)); });
+    connect(tree_, &QTreeView::expanded, this,
+            [this, nameOf](const QModelIndex& index) { collapsed_.erase(nameOf(index)); });
 
     record_ = new QPlainTextEdit;
     record_->setObjectName("record");
@@ -121,12 +135,21 @@ QWidget* HostWindow::MakeMapPane() {
     connect(crsChoice_, &QComboBox::currentIndexChanged, this, &HostWindow::ShowChosenCrs);
     connect(fit, &QToolButton::clicked, map_, &MapView::FitAll);
     connect(map_, &MapView::FileClicked, this, &HostWindow::SelectFile);
+    connect(map_, &MapView::GroundClicked, this, [this] { tree_->clearSelection(); });
+    connect(map_, &MapView::MenuRequested, this,
+            [this](std::size_t layer, std::size_t file, const QPoint& place) {
+                if (!SelectedFiles().contains({layer, file})) {
+                    SelectFile(layer, file);
+                }
+                ShowFileMenu(place);
+            });
     connect(map_, &MapView::Hovered, this, [this](const QString& text) { position_->setText(text); });
     return pane;
 }
 
 void HostWindow::BuildActions() {
     auto* project = menuBar()->addMenu(HostText(text::kMenuProject));
+    auto* edit = menuBar()->addMenu(HostText(text::kMenuEdit));
     auto* data = menuBar()->addMenu(HostText(text::kMenuData));
     menuBar()->addMenu(viewMenu_);
     auto* help = menuBar()->addMenu(HostText(text::kMenuHelp));
@@ -151,25 +174,48 @@ void HostWindow::BuildActions() {
     QAction* add = data->addAction(HostIcon("add-files"), HostText(text::kCommandAddFiles),
                                    QKeySequence("Insert"), this, [this] { AddFiles(); });
     add->setObjectName("addFiles");
-    QAction* remove = data->addAction(HostIcon("remove"), HostText(text::kCommandRemoveFromProject),
-                                      QKeySequence::Delete, this, &HostWindow::RemoveSelected);
     data->addSeparator();
     QAction* lidar = data->addAction(HostIcon("las"), HostText(text::kCommandLidarAccess), this,
                                      &HostWindow::AskLidarAccess);
     lidar->setObjectName("lidarAccess");
 
+    BuildFileActions(edit);
     viewMenu_->addSeparator();
     viewMenu_->addAction(HostIcon("fit"), HostText(text::kFitAll), QKeySequence("Ctrl+0"), map_,
                          &MapView::FitAll);
-    viewMenu_->addAction(HostText(text::kCommandFitSelection), QKeySequence("Ctrl+1"), map_,
-                         &MapView::FitSelected);
+    viewMenu_->addAction(fileActions_.first());
     QAction* dark = viewMenu_->addAction(HostText(text::kCommandDarkAppearance));
     dark->setCheckable(true);
     dark->setChecked(preferences_.dark);
     connect(dark, &QAction::toggled, this, &HostWindow::SetDark);
     help->addAction(HostIcon("help"), HostText(text::kCommandAbout), this, &HostWindow::ShowAbout);
 
-    tools->addActions({open, add, remove, lidar});
+    tools->addActions({open, add, fileActions_.last(), lidar});
+}
+
+/// The commands of the selected files: fitting first, removing last.
+void HostWindow::BuildFileActions(QMenu* edit) {
+    undo_ = new QUndoStack(this);
+    undo_->setUndoLimit(kMostUndone);
+    const std::pair<QAction*, QKeySequence::StandardKey> changes[] = {
+        {undo_->createUndoAction(this, HostText(text::kCommandUndo)), QKeySequence::Undo},
+        {undo_->createRedoAction(this, HostText(text::kCommandRedo)), QKeySequence::Redo}};
+    for (const auto& [action, key] : changes) {
+        action->setShortcuts(key);
+        edit->addAction(action);
+    }
+    edit->addSeparator();
+    auto* fit = new QAction(HostText(text::kCommandFitSelection), this);
+    fit->setShortcut(QKeySequence("Ctrl+1"));
+    connect(fit, &QAction::triggered, map_, &MapView::FitSelected);
+    QAction* show =
+        edit->addAction(HostText(text::kCommandShowFileInFolder), this, &HostWindow::ShowInFolder);
+    QAction* copy = edit->addAction(HostText(text::kCommandCopyPath), QKeySequence("Ctrl+Shift+C"), this,
+                                    &HostWindow::CopyPaths);
+    QAction* remove = edit->addAction(HostIcon("remove"), HostText(text::kCommandRemoveFromProject),
+                                      QKeySequence::Delete, this, &HostWindow::RemoveSelected);
+    remove->setObjectName("remove");
+    fileActions_ = {fit, show, copy, remove};
 }
 
 void HostWindow::FillRecentMenu() {

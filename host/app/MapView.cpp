@@ -1,5 +1,6 @@
 #include "host/app/MapView.h"
 
+#include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -108,7 +109,9 @@ void MapView::FitAll() {
 }
 
 void MapView::FitSelected() {
-    if (scene_.selectedItems().empty()) {
+    // Fitted as all are, the map follows the size of the window.
+    const auto selected = static_cast<std::size_t>(scene_.selectedItems().size());
+    if (selected == 0 || selected == footprints_.size()) {
         FitAll();
         return;
     }
@@ -268,6 +271,14 @@ void MapView::mouseReleaseEvent(QMouseEvent* event) {
     }
     if (const FootprintItem* item = FootprintAt(event->position())) {
         emit FileClicked(item->Layer(), item->File());
+    } else {
+        emit GroundClicked();
+    }
+}
+
+void MapView::contextMenuEvent(QContextMenuEvent* event) {
+    if (const FootprintItem* item = FootprintAt(event->pos())) {
+        emit MenuRequested(item->Layer(), item->File(), event->globalPos());
     }
 }
 

@@ -22,6 +22,8 @@ class MapView final : public QGraphicsView {
     /// `project` must outlive the view.
     explicit MapView(const Project& project, QWidget* parent = nullptr);
 
+    /// WKT of the CRS that is shown.
+    const std::string& Crs() const { return wkt_; }
     /// Shows the layers whose CRS is that of `wkt` and fits them in.
     void ShowCrs(const std::string& wkt);
     /// Takes what is shown from the project again; nothing is selected then.
@@ -40,6 +42,10 @@ class MapView final : public QGraphicsView {
   signals:
     /// The user clicked a file.
     void FileClicked(std::size_t layer, std::size_t file);
+    /// The user clicked where no file lies.
+    void GroundClicked();
+    /// The user asked for the menu of a file; place on the screen.
+    void MenuRequested(std::size_t layer, std::size_t file, const QPoint& place);
     /// What lies under the cursor, as one line; empty when the cursor has left.
     void Hovered(const QString& text);
 
@@ -50,6 +56,7 @@ class MapView final : public QGraphicsView {
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;

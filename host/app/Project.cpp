@@ -12,8 +12,8 @@ namespace orvex {
 
 namespace {
 
-/// Adds the layers that the files go to and the project lacks, by name and number; returns how many.
-std::size_t MakeMissingLayers(std::vector<Layer>& layers, LayerKind kind, const std::vector<NewFile>& files) {
+/// Adds the layers that the files go to and the project lacks, by name and number.
+void MakeMissingLayers(std::vector<Layer>& layers, LayerKind kind, const std::vector<NewFile>& files) {
     std::map<std::wstring, std::string, decltype(&NaturalLess)> wktOfLayer(&NaturalLess);
     for (const NewFile& file : files) {
         const auto isMeant = [&](const Layer& layer) {
@@ -26,7 +26,6 @@ std::size_t MakeMissingLayers(std::vector<Layer>& layers, LayerKind kind, const 
     for (const auto& [name, wkt] : wktOfLayer) {
         layers.push_back({name, wkt, {}, kind});
     }
-    return wktOfLayer.size();
 }
 
 /// Of `layers`, the one that got the most files; one with a CRS before one without.
@@ -91,10 +90,16 @@ AddedFiles Project::Take(LayerKind kind, const std::vector<NewFile>& files) {
     for (const std::wstring& path : PathsOf(kind)) {
         known.Insert(path);
     }
+    AddedFiles added;
     std::vector<NewFile> fresh;
-    std::ranges::copy_if(files, std::back_inserter(fresh),
-                         [&known](const NewFile& file) { return known.Insert(file.file.path); });
-    AddedFiles added{fresh.size(), MakeMissingLayers(layers, kind, fresh), files.size() - fresh.size(), 0};
+    for (const NewFile& file : files) {
+        if (known.Insert(file.file.path)) {
+            fresh.push_back(file);
+        } else {
+            added.others.push_back(file.file.path);
+        }
+    }
+    MakeMissingLayers(layers, kind, fresh);
     std::map<std::wstring, std::size_t> placeOfLayer;
     for (std::size_t i = 0; i < layers.size(); ++i) {
         if (layers[i].kind == kind) {
@@ -104,6 +109,7 @@ AddedFiles Project::Take(LayerKind kind, const std::vector<NewFile>& files) {
     std::vector<std::size_t> addedTo(layers.size());
     for (NewFile& file : fresh) {
         const std::size_t place = placeOfLayer.at(file.layer);
+        added.places.emplace(place, layers[place].files.size());
         layers[place].files.push_back(std::move(file.file));
         ++addedTo[place];
     }
@@ -122,13 +128,9 @@ std::optional<std::size_t> Project::MainLayer() const {
     return layers.empty() ? std::nullopt : std::optional(LayerOfMost(layers, placed));
 }
 
-void Project::Remove(const std::set<std::pair<std::size_t, std::size_t>>& files,
-                     const std::set<std::size_t>& wholeLayers) {
+void Project::Remove(const FilePlaces& files) {
     std::vector<Layer> kept;
     for (std::size_t layer = 0; layer < layers.size(); ++layer) {
-        if (wholeLayers.contains(layer)) {
-            continue;
-        }
         Layer rest{layers[layer].name, layers[layer].wkt, {}, layers[layer].kind};
         for (std::size_t file = 0; file < layers[layer].files.size(); ++file) {
             if (!files.contains({layer, file})) {

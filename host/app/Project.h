@@ -59,6 +59,9 @@ struct Layer {
     friend bool operator==(const Layer&, const Layer&) = default;
 };
 
+/// Files of a project: layer and place in it.
+using FilePlaces = std::set<std::pair<std::size_t, std::size_t>>;
+
 /// A file and the layer of its kind that it goes to.
 struct AssignedFile {
     std::wstring path;
@@ -74,9 +77,8 @@ struct NewFile {
 
 /// What became of files that were to be taken in.
 struct AddedFiles {
-    std::size_t files = 0;         ///< taken into the project
-    std::size_t newLayers = 0;     ///< made for them
-    std::size_t alreadyThere = 0;  ///< left out, because a layer of the kind has them
+    FilePlaces places;                 ///< of the files taken
+    std::vector<std::wstring> others;  ///< left out, because a layer of the kind has them
     /// Place of the layer that got the most of them; one with a CRS before one without.
     std::size_t mainLayer = 0;
 };
@@ -109,9 +111,8 @@ struct Project {
     /// Takes files into layers of one kind, in their order. Layers that are missing are made, by name and
     /// number; a file that the kind's layers have already is left out.
     AddedFiles Take(LayerKind kind, const std::vector<NewFile>& files);
-    /// Takes files (layer and place in it) and whole layers away; a layer goes with its last file.
-    void Remove(const std::set<std::pair<std::size_t, std::size_t>>& files,
-                const std::set<std::size_t>& wholeLayers);
+    /// Takes files away; a layer goes with its last file.
+    void Remove(const FilePlaces& files);
 
     friend bool operator==(const Project&, const Project&) = default;
 };

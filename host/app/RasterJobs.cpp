@@ -1,6 +1,7 @@
 #include "host/app/RasterJobs.h"
 
 #include <algorithm>
+#include <map>
 
 #include "host/dem/HostGdal.h"
 #include "support/Files.h"
@@ -155,20 +156,18 @@ Built BuildOne(const std::wstring& path, PartProgress& progress) {
 }  // namespace
 
 std::wstring FailureText(const std::wstring& heading, const std::vector<FileFailure>& failures) {
-    constexpr std::size_t kMostShown = 12;
-    std::wstring text = heading + L"\n";
-    const std::size_t shown = std::min(failures.size(), kMostShown);
-    for (std::size_t i = 0; i < shown; ++i) {
-        const auto& [path, cause] = failures[i];
-        text += L"\n";
+    std::map<std::wstring, std::vector<std::wstring>> filesOfCause;
+    for (const auto& [path, cause] : failures) {
         // Some causes are whole sentences about the file.
-        if (cause.find(path) == std::wstring::npos) {
-            text.append(path).append(L"\n    ");
-        }
-        text += cause;
+        const bool namesFile = cause.find(path) != std::wstring::npos;
+        filesOfCause[cause].insert(filesOfCause[cause].end(), namesFile ? 0 : 1, path);
     }
-    if (shown < failures.size()) {
-        text += L"\n" + FormatText(Text(text::kMoreItems), {failures.size() - shown});
+    std::wstring text = heading + L"\n";
+    for (const auto& [cause, files] : filesOfCause) {
+        text += L"  " + cause + L"\n";
+        for (const std::wstring& path : files) {
+            text += L"    " + path + L"\n";
+        }
     }
     return text;
 }

@@ -17,8 +17,7 @@ struct FileFailure {
     std::wstring cause;  ///< plain words
 };
 
-/// One message for many files: the heading, then each file with its cause (the cause alone where it names the
-/// file by itself); of a long list the first ones and how many more there are.
+/// The heading, below it each cause with its files; lines end in "\n".
 std::wstring FailureText(const std::wstring& heading, const std::vector<FileFailure>& failures);
 
 /// What became of rasters that were to get overviews.

@@ -25,6 +25,14 @@ std::wstring JoinPath(const std::wstring& folder, const std::wstring& name) {
     return NativePath(separated ? folder + name : folder + L'/' + name);
 }
 
+std::size_t CountFiles(const std::map<std::wstring, std::vector<std::wstring>>& files) {
+    std::size_t count = 0;
+    for (const auto& [folder, names] : files) {
+        count += names.size();
+    }
+    return count;
+}
+
 namespace {
 
 /// The details of a file; null when it has none.
@@ -246,7 +254,6 @@ std::vector<AssignedFile> FilesOf(Record record, const RecordKind& kind) {
 }
 
 std::wstring FilesText(Record record, const RecordKind& kind) {
-    std::size_t files = 0;
     std::wstring text;
     for (const auto& [folder, names] : record.*kind.files) {
         text += folder + L"\n";
@@ -254,9 +261,9 @@ std::wstring FilesText(Record record, const RecordKind& kind) {
             const std::wstring facts = kind.factsOf(record, JoinPath(folder, name));
             text += L"  " + name + (facts.empty() ? facts : L"  " + facts) + L"\n";
         }
-        files += names.size();
     }
-    return FormatText(Text(kind.heading), {files, (record.*kind.files).size()}) + L"\n" + text;
+    return FormatText(Text(kind.heading), {CountFiles(record.*kind.files), (record.*kind.files).size()}) +
+           L"\n" + text;
 }
 
 std::wstring LayersText(Record record, const RecordKind& kind) {
@@ -285,10 +292,10 @@ std::wstring OptionsText(Record record, const RecordKind& kind) {
 
 }  // namespace
 
-std::vector<NewFile> LasFilesOf(const AddFilesParams& record, const std::set<std::wstring>& skipped) {
+std::vector<NewFile> LasFilesOf(const AddFilesParams& record, const LeftOutFiles& leftOut) {
     std::vector<NewFile> files;
     for (const auto& [path, layer] : FilesOf(record, kLas)) {
-        if (skipped.contains(path)) {
+        if (leftOut.contains(path)) {
             continue;
         }
         const LasFileInfo* details = DetailsOf(record.lasFileDetails, path);
@@ -343,14 +350,18 @@ void DeleteDetails(AddFilesParams& record) {
 
 LidarReport CheckLidar(const Project& project, const AddFilesParams& record) {
     LidarReport findings;
-    findings.tellSkipped = true;
     const PathSet known = LasFilesIn(project);
     LayerGroups groups(project);
-    for (const auto& [path, layer] : FilesOf(record, kLas)) {
-        const bool isKnown = known.Contains(path);
-        if (isKnown || !QFileInfo(ToQString(path)).isReadable()) {
-            (isKnown ? findings.alreadyThere : findings.unreadable) = true;
-            findings.skipped.insert(path);
+    const std::vector<AssignedFile> files = FilesOf(record, kLas);
+    for (const auto& [path, layer] : files) {
+        if (known.Contains(path)) {
+            findings.alreadyThere = true;
+            findings.leftOut[path] = Text(text::kLeftOutInProject);
+            continue;
+        }
+        if (!QFileInfo(ToQString(path)).isReadable()) {
+            findings.unreadable = true;
+            findings.leftOut[path] = Text(text::kLeftOutUnreadable);
             continue;
         }
         const LasFileInfo* const details = DetailsOf(record.lasFileDetails, path);
@@ -359,8 +370,7 @@ LidarReport CheckLidar(const Project& project, const AddFilesParams& record) {
             continue;
         }
         if (details->IsDamaged() && !record.lasLoadCorruptFiles) {
-            findings.leftOut.insert(path);
-            findings.skipped.insert(path);
+            findings.leftOut[path] = FormatText(Text(text::kLeftOutErrors), {Text(text::kLoadCorruptFiles)});
             continue;
         }
         const std::string wkt = details->CrsWkt();
@@ -369,6 +379,7 @@ LidarReport CheckLidar(const Project& project, const AddFilesParams& record) {
         findings.crsDiffers = findings.crsDiffers || !groups.Fits(layer, wkt);
         findings.damaged = findings.damaged || details->IsDamaged() || !HasExtent(*details);
     }
+    findings.nothingLeft = findings.leftOut.size() == files.size();
     return findings;
 }
 

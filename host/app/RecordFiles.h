@@ -1,6 +1,6 @@
 #pragma once
 // Files of a record in the project's terms, findings about them, and the record as text.
-#include <set>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -13,9 +13,15 @@ namespace orvex {
 /// Full path of a file in a folder.
 std::wstring JoinPath(const std::wstring& folder, const std::wstring& name);
 
-/// LAS files in the order of the record, with the layers that the dialog assigned them to, except those whose
-/// full path is in `skipped`. A file without details has only its path.
-std::vector<NewFile> LasFilesOf(const AddFilesParams& record, const std::set<std::wstring>& skipped);
+/// Number of files in lists of a record.
+std::size_t CountFiles(const std::map<std::wstring, std::vector<std::wstring>>& files);
+
+/// Full paths of files, each with the reason why it is not added.
+using LeftOutFiles = std::map<std::wstring, std::wstring>;
+
+/// LAS files in the order of the record, with the layers that the dialog assigned them to, except `leftOut`.
+/// A file without details has only its path.
+std::vector<NewFile> LasFilesOf(const AddFilesParams& record, const LeftOutFiles& leftOut);
 /// The same for the rasters that have details.
 std::vector<NewFile> RasterFilesOf(const AddFilesParams& record);
 /// Full paths of the rasters that the dialog could not describe.
@@ -26,17 +32,16 @@ std::vector<AssignedFile> DemFilesOf(const AddFilesParams& record);
 /// Deletes the details objects of a record, which belong to the host once the dialog has ended with OK.
 void DeleteDetails(AddFilesParams& record);
 
-/// Findings about the LiDAR files of a record: the flags a to g of MessageRegardingAddingLidar.
+/// Findings about the LiDAR files of a record: flags of MessageRegardingAddingLidar.
 struct LidarReport {
     bool appending = false;     ///< a: a file goes to a layer that the project already has
     bool crsDiffers = false;    ///< b: a file's CRS differs from its layer's, or from the rest of a new layer
     bool crsMissing = false;    ///< c: a file has no CRS
     bool damaged = false;       ///< d: a file has errors, no details, or no extent in its header
-    bool tellSkipped = false;   ///< e: the user is to be told of skipped files
-    bool alreadyThere = false;  ///< f: the project already has a file
-    bool unreadable = false;    ///< g: a file can no longer be opened
-    std::set<std::wstring> leftOut;  ///< full paths of files with errors that are not to be loaded
-    std::set<std::wstring> skipped;  ///< full paths of the files of f and g, and of those left out
+    bool alreadyThere = false;  ///< f, if no file is left to be added: the project already has a file
+    bool unreadable = false;    ///< g, likewise: a file can no longer be opened
+    bool nothingLeft = false;   ///< every file is left out
+    LeftOutFiles leftOut;       ///< files of f and g, and those with errors that are not to be loaded
 };
 
 /// Compares the record with the project and looks at each file.

@@ -3,16 +3,19 @@
 #include <QFileInfo>
 #include <QWidget>
 #include <algorithm>
+#include <iterator>
+#include <set>
+#include <utility>
 
 #include "host/app/HostText.h"
 #include "host/app/RasterJobs.h"
 #include "host/app/RecordFiles.h"
 #include "host/app/WorkDialog.h"
 #include "host/dem/HostGdal.h"
+#include "host/objects/HostClasses.h"
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/Exports.h"
 #include "orvexcommon/LasFileInfo.h"
-#include "support/DesktopQt.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/ProjectPath.h"
@@ -26,20 +29,6 @@ bool CanWriteAll(const AddFilesParams& record) {
     return std::ranges::all_of(record.lasFileDetails, [](const auto& entry) {
         return QFileInfo(ToQString(entry.second->FileName())).isWritable();
     });
-}
-
-/// Index of the layer that got the most files, of any kind; nullopt if none got any. New layers are appended,
-/// so indexes of earlier ones stay valid.
-std::optional<std::size_t> MainLayer(const IntakeResult& result) {
-    std::optional<std::size_t> main;
-    std::size_t most = 0;
-    for (const AddedFiles& part : {result.las, result.rasters, result.dems}) {
-        if (part.files > most) {
-            most = part.files;
-            main = part.mainLayer;
-        }
-    }
-    return main;
 }
 
 /// Output folder of converted files. A relative folder without the project token is in the project, too.
@@ -74,72 +63,97 @@ RecordIntake::RecordIntake(Project& project, QString projectFolder, bool writesB
       window_(window) {}
 
 IntakeResult RecordIntake::Take(const AddFilesParams& record) {
-    IntakeResult result;
-    result.las = TakeLas(record);
-    result.rasters = TakeRasters(record);
-    result.dems = TakeDems(record);
-    result.mainLayer = MainLayer(result);
-    result.status = StatusOf(result);
-    return result;
+    TakeLas(record);
+    TakeRasters(record);
+    TakeDems(record);
+    result_.status =
+        Status(CountFiles(record.lasFiles) + CountFiles(record.rasterFiles) + CountFiles(record.demFiles));
+    const std::wstring others = std::exchange(report_, {});
+    Report(text::kLeftOutHeading, leftOut_);
+    result_.report = ToQString(report_ + others);
+    return result_;
 }
 
-QString RecordIntake::StatusOf(const IntakeResult& result) const {
-    const auto sum = [&result](std::size_t AddedFiles::*count) {
-        return result.las.*count + result.rasters.*count + result.dems.*count;
-    };
-    QString status =
-        sum(&AddedFiles::files) == 0
-            ? HostText(text::kStatusNothingAdded)
-            : HostText(text::kStatusFilesAdded, {sum(&AddedFiles::files), sum(&AddedFiles::newLayers)});
-    if (const std::size_t known = sum(&AddedFiles::alreadyThere); known > 0) {
-        status += ' ' + HostText(text::kStatusAlreadyInProject, {known});
+QString RecordIntake::Status(std::size_t chosen) const {
+    const std::size_t count = result_.places.size();
+    std::set<std::size_t> layers;
+    std::ranges::transform(result_.places, std::inserter(layers, layers.end()), &FilePlaces::key_type::first);
+    const std::wstring number =
+        count == chosen ? GroupedNumber(count) : FormatText(Text(text::kAddedOf), {count, chosen});
+    QString status = layers.empty() ? HostText(text::kStatusNothingAdded)
+                     : layers.size() == 1
+                         ? HostText(text::kAddedToLayer, {number, project_.layers[*layers.begin()].name})
+                         : HostText(text::kAddedToLayers, {number, layers.size()});
+    if (!leftOut_.empty()) {
+        status += ' ' + HostText(text::kFilesLeftOut, {leftOut_.size()});
     }
-    return stopped_ ? status + ' ' + HostText(text::kStatusConversionStopped) : status;
+    return status + remarks_;
 }
 
-AddedFiles RecordIntake::TakeLas(const AddFilesParams& record) {
+/// Index of the layer that got the most files, of any kind, is kept: new layers are appended, so that indexes
+/// of earlier ones stay valid.
+void RecordIntake::Keep(const AddedFiles& added) {
+    result_.places.insert(added.places.begin(), added.places.end());
+    for (const std::wstring& path : added.others) {
+        leftOut_.push_back({path, Text(text::kLeftOutInProject)});
+    }
+    if (added.places.size() > mostInLayers_) {
+        mostInLayers_ = added.places.size();
+        result_.mainLayer = added.mainLayer;
+    }
+}
+
+void RecordIntake::TakeLas(const AddFilesParams& record) {
     const LidarReport found = CheckLidar(project_, record);
-    TellLeftOut(found);
+    for (const auto& [path, cause] : found.leftOut) {
+        leftOut_.push_back({path, cause});
+    }
+    // Files that are left out are reported by name.
     bool stop = false;
     MessageRegardingAddingLidar(reinterpret_cast<HWND>(window_->winId()), Text(text::kHostName),
-                                found.appending, found.crsDiffers, found.crsMissing, found.damaged,
-                                found.tellSkipped, found.alreadyThere, found.unreadable, stop);
-    if (stop || !MayAddLas(record)) {
-        return {};
+                                found.appending, found.crsDiffers, found.crsMissing, found.damaged, false,
+                                found.nothingLeft && found.alreadyThere,
+                                found.nothingLeft && found.unreadable, stop);
+    if (stop || found.nothingLeft) {
+        return;
     }
-    return project_.Take(LayerKind::Las, LasFilesOf(record, found.skipped));
+    const LidarAccess access = LasAccess(record);
+    if (access == LidarAccess::NotAtAll) {
+        remarks_ += ' ' + HostText(text::kStatusLidarNotAdded);
+        return;
+    }
+    std::vector<NewFile> files = LasFilesOf(record, found.leftOut);
+    for (NewFile& file : files) {
+        file.file.readOnly = file.file.readOnly || access == LidarAccess::ReadOnly;
+    }
+    Keep(project_.Take(LayerKind::Las, files));
 }
 
-/// Names the files with errors that are not loaded.
-void RecordIntake::TellLeftOut(const LidarReport& found) {
-    std::vector<FileFailure> files;
-    for (const std::wstring& path : found.leftOut) {
-        files.push_back({path, path});
+/// How LAS files are opened. The dialog has asked that; the LiDAR question comes only where its answer can
+/// still be another one: a file cannot be written, or an answer is remembered, which then holds.
+LidarAccess RecordIntake::LasAccess(const AddFilesParams& record) {
+    if (!record.lasOpenSetting) {
+        return LidarAccess::ReadOnly;
     }
-    Tell(FormatText(Text(text::kDamagedLeftOut), {Text(text::kLoadCorruptFiles)}), files, text::kHostName);
+    const bool canWrite = CanWriteAll(record);
+    const bool isSettled = canWrite && !host::IsLidarAnswerRemembered();
+    project_.lidarAccess =
+        isSettled ? LidarAccess::ReadWrite : static_cast<LidarAccess>(GetAddingLidarChoice(canWrite));
+    if (project_.lidarAccess == LidarAccess::ReadOnly) {
+        remarks_ += ' ' + HostText(text::kStatusLidarReadOnly);
+    }
+    return project_.lidarAccess;
 }
 
-/// Asks the user again before files are opened read-write, as they can then be changed.
-bool RecordIntake::MayAddLas(const AddFilesParams& record) {
-    if (!record.lasOpenSetting || record.lasFiles.empty()) {
-        return true;
-    }
-    const AddLidarChoice choice = GetAddingLidarChoice(CanWriteAll(record));
-    project_.lidarAccess = static_cast<LidarAccess>(choice);
-    return choice != ADD_LIDAR_NOT_AT_ALL;
-}
-
-AddedFiles RecordIntake::TakeRasters(const AddFilesParams& record) {
+void RecordIntake::TakeRasters(const AddFilesParams& record) {
     const std::vector<NewFile> rasters = RasterFilesOf(record);
     if (record.rasterPyramid && writesBesideData_ && !rasters.empty()) {
         BuildPyramids(rasters);
     }
-    std::vector<FileFailure> leftOut;
     for (const std::wstring& path : UndescribedRastersOf(record)) {
-        leftOut.push_back({path, ReasonForLeavingOut(path)});
+        leftOut_.push_back({path, ReasonForLeavingOut(path)});
     }
-    Tell(Text(text::kRastersLeftOut), leftOut, text::kAddFilesTitle);
-    return project_.Take(LayerKind::Raster, rasters);
+    Keep(project_.Take(LayerKind::Raster, rasters));
 }
 
 void RecordIntake::BuildPyramids(const std::vector<NewFile>& rasters) {
@@ -151,39 +165,42 @@ void RecordIntake::BuildPyramids(const std::vector<NewFile>& rasters) {
         window_, HostText(text::kBuildingPyramidsTitle),
         [paths, result](Kst::ProgressIf& progress) { *result = BuildOverviews(paths, progress); });
     if (end == WorkEnd::Finished) {
-        Tell(Text(text::kPyramidsFailed), result->failures, text::kBuildingPyramidsTitle);
+        Report(text::kPyramidsFailed, result->failures);
     }
 }
 
-AddedFiles RecordIntake::TakeDems(const AddFilesParams& record) {
+void RecordIntake::TakeDems(const AddFilesParams& record) {
     if (record.demFiles.empty()) {
-        return {};
+        return;
     }
     std::wstring folder;
     try {
         folder = DemFolder(record, ToWidePath(projectFolder_));
     } catch (const LDataError& error) {
-        Tell(Text(text::kDemConversionFailed), {{record.demLasFolder, error.Text()}},
-             text::kDemConversionTitle);
-        return {};
+        for (const AssignedFile& dem : DemFilesOf(record)) {
+            leftOut_.push_back({dem.path, error.Text()});
+        }
+        return;
     }
     const auto import =
         std::make_shared<DemImport>(DemFilesOf(record), OptionsOf(record, folder), !record.demOpenReadWrite);
     const WorkEnd end = WorkDialog::Run(window_, HostText(text::kDemConversionTitle),
                                         [import](Kst::ProgressIf& progress) { import->Run(progress); });
     const DemImportResult result = import->Result();
-    stopped_ = result.stopped || end == WorkEnd::Abandoned;
-    Tell(Text(text::kDemConversionFailed), result.failures, text::kDemConversionTitle);
-    Tell(Text(text::kDemConversionWarnings), result.warnings, text::kDemConversionTitle);
-    return project_.Take(LayerKind::Las, result.files);
+    if (result.stopped || end == WorkEnd::Abandoned) {
+        remarks_ += ' ' + HostText(text::kStatusConversionStopped);
+    }
+    leftOut_.insert(leftOut_.end(), result.failures.begin(), result.failures.end());
+    Report(text::kDemConversionWarnings, result.warnings);
+    const AddedFiles added = project_.Take(LayerKind::Las, result.files);
+    result_.convertedDems = added.places.size();
+    Keep(added);
 }
 
-/// Shows one message for all files of a run; none for an empty list.
-void RecordIntake::Tell(const std::wstring& heading, const std::vector<FileFailure>& failures,
-                        StringId caption) {
-    if (!failures.empty()) {
-        UserPromptsQt(window_).Show(
-            {FailureText(heading, failures), Text(caption), PromptIcon::Warning, PromptButtons::Ok});
+/// Adds files with what is the matter to the report.
+void RecordIntake::Report(StringId heading, const std::vector<FileFailure>& files) {
+    if (!files.empty()) {
+        report_ += FailureText(Text(heading), files);
     }
 }
 

@@ -11,43 +11,45 @@ class QWidget;
 
 namespace orvex {
 
-struct LidarReport;
-
 /// Outcome of adding a record's files to the project.
 struct IntakeResult {
-    AddedFiles las;
-    AddedFiles rasters;
-    AddedFiles dems;  ///< the LAS files that elevation rasters were converted to
+    FilePlaces places;  ///< of the files that were added
     /// Index of the layer to show; nullopt when nothing was added.
     std::optional<std::size_t> mainLayer;
-    QString status;  ///< one line for the user
+    std::size_t convertedDems = 0;  ///< LAS files that elevation rasters were converted to
+    QString status;                 ///< one line: files, layers, files left out
+    QString report;                 ///< names and reasons, for files that were left out or lack something
 };
 
-/// Adds the files of the Add Files dialog's record to the project; asks the user, shows progress and reports
-/// failures on the way.
+/// Adds the files of the Add Files dialog's record to the project; asks the user and shows progress on the
+/// way. For one record.
 class RecordIntake {
   public:
     /// `projectFolder` replaces the project token in folder names. `writesBesideData`: pyramids may be built,
-    /// which lie beside their rasters. `window` is the parent of the messages.
+    /// which lie beside their rasters. `window` is the parent of questions and progress.
     RecordIntake(Project& project, QString projectFolder, bool writesBesideData, QWidget* window);
 
     IntakeResult Take(const AddFilesParams& record);
 
   private:
-    AddedFiles TakeLas(const AddFilesParams& record);
-    AddedFiles TakeRasters(const AddFilesParams& record);
-    void TellLeftOut(const LidarReport& found);
-    QString StatusOf(const IntakeResult& result) const;
-    bool MayAddLas(const AddFilesParams& record);
+    void TakeLas(const AddFilesParams& record);
+    void TakeRasters(const AddFilesParams& record);
+    void TakeDems(const AddFilesParams& record);
+    LidarAccess LasAccess(const AddFilesParams& record);
     void BuildPyramids(const std::vector<NewFile>& rasters);
-    AddedFiles TakeDems(const AddFilesParams& record);
-    void Tell(const std::wstring& heading, const std::vector<FileFailure>& failures, StringId caption);
+    void Keep(const AddedFiles& added);
+    void Report(StringId heading, const std::vector<FileFailure>& files);
+    QString Status(std::size_t chosen) const;
 
     Project& project_;
     QString projectFolder_;
     const bool writesBesideData_;
     QWidget* window_;
-    bool stopped_ = false;  ///< the user stopped a conversion
+    IntakeResult result_;
+    std::size_t mostInLayers_ = 0;      ///< files that one kind of data brought
+    std::vector<FileFailure> leftOut_;  ///< files of the record that are not added
+    std::wstring report_;
+    QString remarks_;  ///< for the status
 };
 
 }  // namespace orvex

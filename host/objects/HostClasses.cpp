@@ -160,6 +160,16 @@ std::int32_t LastAddFilesTab() {
     return OptionStore(*registry).Get(opt2AddFilesCurTabIndex, std::int32_t{0});
 }
 
+bool IsLidarAnswerRemembered() {
+    const std::unique_ptr<RegistryStore> registry = MakeRegistryStore();
+    return OptionStore(*registry).Get(opt2ShowAddReadWriteDlg, std::uint8_t{0}) != 0;
+}
+
+void ForgetLidarAnswer() {
+    const std::unique_ptr<RegistryStore> registry = MakeRegistryStore();
+    OptionStore(*registry).Put(opt2ShowAddReadWriteDlg, std::uint8_t{0});
+}
+
 HostClasses::HostClasses(HostData data)
     : settings_(kSystemSettingsClass, SettingsIn(data.settingsFile)),
       application_(kApplicationClass,

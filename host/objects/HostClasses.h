@@ -28,6 +28,11 @@ std::filesystem::path DefaultSettingsFile();
 /// The tab that the Add Files dialog showed last, which it keeps among its options.
 std::int32_t LastAddFilesTab();
 
+/// True if the user has asked not to be asked the LiDAR question again.
+bool IsLidarAnswerRemembered();
+/// Has the LiDAR question asked again.
+void ForgetLidarAnswer();
+
 /// Registers the settings, application and raster-information objects of this host with the object library,
 /// until destroyed. On Windows, destroy it on the thread that made it.
 class HostClasses {

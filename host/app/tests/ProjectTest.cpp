@@ -125,7 +125,7 @@ TEST(Project, RemovesFilesAndTheLayersThatTheyLeaveEmpty) {
     project.layers = {{L"a", "", {File(L"/1"), File(L"/2"), File(L"/3")}},
                       {L"b", "", {File(L"/4")}},
                       {L"c", "", {File(L"/5")}}};
-    project.Remove({{0, 0}, {0, 2}, {1, 0}}, {2});
+    project.Remove({{0, 0}, {0, 2}, {1, 0}, {2, 0}});
     ASSERT_EQ(project.layers.size(), 1U);
     ASSERT_EQ(project.layers[0].files.size(), 1U);
     EXPECT_EQ(project.layers[0].files[0].path, L"/2");

@@ -12,6 +12,7 @@ namespace orvex {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::Key;
 using testing::TemporaryFolder;
 
 constexpr const char* kUtm =
@@ -95,9 +96,8 @@ TEST(RecordFiles, LasFilesGoToTheLayersTheyWereAssignedTo) {
     record.AddFile(NativePath(L"/b"), L"skipped.las", L"LAS Layer_2");
     record.lasLoadSetting = true;
     const AddedFiles added =
-        project.Take(LayerKind::Las, LasFilesOf(record, {NativePath(L"/b/skipped.las")}));
-    EXPECT_EQ(added.files, 3U);
-    EXPECT_EQ(added.newLayers, 1U);
+        project.Take(LayerKind::Las, LasFilesOf(record, {{NativePath(L"/b/skipped.las"), L"why"}}));
+    EXPECT_EQ(added.places, (FilePlaces{{0, 1}, {1, 0}, {1, 1}}));
     EXPECT_EQ(added.mainLayer, 1U);
     ASSERT_EQ(project.layers.size(), 2U);
     EXPECT_EQ(project.layers[0].files.size(), 2U);
@@ -126,9 +126,8 @@ TEST(RecordFiles, RastersGoToLayersOfTheirOwnKind) {
     record.rasterFiles[NativePath(L"/b")].push_back(L"undescribed.tif");
     EXPECT_THAT(UndescribedRastersOf(record), ElementsAre(NativePath(L"/b/undescribed.tif")));
     const AddedFiles added = project.Take(LayerKind::Raster, RasterFilesOf(record));
-    EXPECT_EQ(added.files, 3U);
-    EXPECT_EQ(added.alreadyThere, 1U);
-    EXPECT_EQ(added.newLayers, 1U);
+    EXPECT_EQ(added.places, (FilePlaces{{1, 1}, {1, 2}, {2, 0}}));
+    EXPECT_THAT(added.others, ElementsAre(NativePath(L"/a/there.tif")));
     EXPECT_EQ(added.mainLayer, 1U);
     ASSERT_EQ(project.layers.size(), 3U);
     EXPECT_EQ(project.layers[0].files.size(), 1U);
@@ -150,15 +149,14 @@ TEST(CheckLidar, FilesWithErrorsAreLeftOutUnlessTheBoxIsChecked) {
         files.Write(name, "content");
         record.AddFile(FromPath(files.Path()), name, L"new").damaged = name[0] == L'c';
     }
-    const std::set<std::wstring> damaged{JoinPath(FromPath(files.Path()), L"cut.las")};
     const LidarReport careful = CheckLidar(Project(), record);
-    EXPECT_EQ(careful.leftOut, damaged);
-    EXPECT_EQ(careful.skipped, damaged);
+    EXPECT_THAT(careful.leftOut, ElementsAre(Key(JoinPath(FromPath(files.Path()), L"cut.las"))));
     EXPECT_FALSE(careful.damaged);
-    EXPECT_EQ(LasFilesOf(record, careful.skipped).size(), 1U);
+    EXPECT_FALSE(careful.nothingLeft);
+    EXPECT_EQ(LasFilesOf(record, careful.leftOut).size(), 1U);
     record.lasLoadCorruptFiles = true;
     const LidarReport bold = CheckLidar(Project(), record);
-    EXPECT_TRUE(bold.leftOut.empty() && bold.skipped.empty());
+    EXPECT_TRUE(bold.leftOut.empty());
     EXPECT_TRUE(bold.damaged) << "the question before adding says so";
 }
 
@@ -198,10 +196,10 @@ TEST(CheckLidar, ReportsEachFindingByItself) {
               &LidarReport::damaged, &LidarReport::alreadyThere, &LidarReport::unreadable}) {
             EXPECT_EQ(found.*finding, finding == c.finding);
         }
-        EXPECT_TRUE(found.tellSkipped);
         const bool isSkipped =
             c.finding == &LidarReport::alreadyThere || c.finding == &LidarReport::unreadable;
-        EXPECT_EQ(found.skipped, isSkipped ? std::set{JoinPath(folder, c.name)} : std::set<std::wstring>());
+        EXPECT_EQ(found.leftOut.contains(JoinPath(folder, c.name)), isSkipped);
+        EXPECT_EQ(found.leftOut.size(), isSkipped ? 1U : 0U);
     }
     Record record;
     record.AddFile(folder, L"1.las", L"old", kDegrees);

@@ -1,0 +1,147 @@
+// What the host's window does with layers and files: selecting, changing and undoing.
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QDesktopServices>
+#include <QItemSelectionModel>
+#include <QMenu>
+#include <QStatusBar>
+#include <QTreeView>
+#include <QUndoCommand>
+#include <QUndoStack>
+#include <QUrl>
+#include <functional>
+#include <utility>
+
+#include "host/app/HostText.h"
+#include "host/app/HostWindow.h"
+#include "host/app/LayerTreeModel.h"
+#include "host/app/MapView.h"
+
+namespace orvex {
+
+namespace {
+
+/// A change of the project: holds the state that is not the current one.
+class ProjectChange final : public QUndoCommand {
+  public:
+    /// `shown` is called after each exchange of the states.
+    ProjectChange(Project& project, Project changed, const QString& name, std::function<void()> shown)
+        : QUndoCommand(name), project_(project), other_(std::move(changed)), shown_(std::move(shown)) {}
+
+    void undo() override { Exchange(); }
+    void redo() override { Exchange(); }
+
+  private:
+    void Exchange() {
+        std::swap(project_, other_);
+        shown_();
+    }
+
+    Project& project_;
+    Project other_;
+    std::function<void()> shown_;
+};
+
+}  // namespace
+
+void HostWindow::Change(Project changed, StringId name) {
+    undo_->push(new ProjectChange(project_, std::move(changed), HostText(name), [this] {
+        ProjectChanged();
+        SaveNow();
+    }));
+}
+
+void HostWindow::RemoveSelected() {
+    const FilePlaces files = SelectedFiles();
+    if (files.empty()) {
+        return;
+    }
+    Project changed = project_;
+    changed.Remove(files);
+    Change(std::move(changed), text::kChangeRemove);
+    statusBar()->showMessage(HostText(text::kStatusRemoved, {files.size()}), 8000);
+}
+
+/// Files of the selected rows; a layer stands for all of its files.
+FilePlaces HostWindow::SelectedFiles() const {
+    FilePlaces files;
+    for (const QModelIndex& index : tree_->selectionModel()->selectedRows()) {
+        const std::size_t layer = LayerTreeModel::LayerOf(index);
+        if (!LayerTreeModel::IsLayer(index)) {
+            files.emplace(layer, LayerTreeModel::FileOf(index));
+            continue;
+        }
+        for (std::size_t file = 0; file < project_.layers[layer].files.size(); ++file) {
+            files.emplace(layer, file);
+        }
+    }
+    return files;
+}
+
+/// The map changes to the coordinate system of a selected file, unless one of them has that of now.
+void HostWindow::SelectionChanged() {
+    const FilePlaces files = SelectedFiles();
+    std::set<int> selected;
+    for (const auto& [layer, file] : files) {
+        selected.insert(CrsIndexOf(project_.layers[layer].wkt));
+    }
+    if (!selected.empty() && !selected.contains(crsChoice_->currentIndex())) {
+        crsChoice_->setCurrentIndex(*selected.begin());
+    }
+    map_->SetSelected(files);
+    for (QAction* action : fileActions_) {
+        action->setEnabled(!files.empty());
+    }
+}
+
+/// Selects files in the tree and on the map.
+void HostWindow::SelectFiles(const FilePlaces& files) {
+    QItemSelection rows;
+    for (const auto& [layer, file] : files) {
+        const QModelIndex index = layers_->IndexOf(layer, file);
+        rows.select(index, index);
+    }
+    tree_->selectionModel()->select(rows, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    if (!files.empty()) {
+        const auto& [layer, file] = *files.begin();
+        tree_->selectionModel()->setCurrentIndex(layers_->IndexOf(layer, file),
+                                                 QItemSelectionModel::NoUpdate);
+        tree_->scrollTo(layers_->index(static_cast<int>(layer), 0), QTreeView::PositionAtTop);
+    }
+}
+
+void HostWindow::SelectFile(std::size_t layer, std::size_t file) {
+    const QModelIndex index = layers_->IndexOf(layer, file);
+    tree_->setCurrentIndex(index);
+    tree_->scrollTo(index);
+}
+
+void HostWindow::ShowFileMenu(const QPoint& place) {
+    if (SelectedFiles().empty()) {
+        return;
+    }
+    QMenu menu;
+    menu.setObjectName("fileMenu");
+    menu.addActions(fileActions_);
+    menu.exec(place);
+}
+
+void HostWindow::CopyPaths() {
+    QStringList paths;
+    for (const auto& [layer, file] : SelectedFiles()) {
+        paths.append(ToQString(NativePath(project_.layers[layer].files[file].path)));
+    }
+    QApplication::clipboard()->setText(paths.join('\n'));
+}
+
+void HostWindow::ShowInFolder() {
+    const FilePlaces files = SelectedFiles();
+    if (!files.empty()) {
+        const auto& [layer, file] = *files.begin();
+        const std::wstring folder = FolderOf(project_.layers[layer].files[file].path);
+        QDesktopServices::openUrl(QUrl::fromLocalFile(ToQString(folder)));
+    }
+}
+
+}  // namespace orvex
