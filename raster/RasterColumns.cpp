@@ -128,7 +128,7 @@ constexpr const wchar_t* kCoordinate = L"%.3f";
 constexpr auto kRight = HeaderAlign::Right;
 
 constexpr GridColumn TextColumn(const char* name, StringId caption, int width) {
-    return {.name = name, .caption = caption, .width = width};
+    return {.name = name, .caption = caption, .width = width, .maximumWidth = width};
 }
 
 constexpr GridColumn NumberColumn(const char* name, StringId caption, const wchar_t* format) {
@@ -137,11 +137,17 @@ constexpr GridColumn NumberColumn(const char* name, StringId caption, const wcha
             .width = 200,
             .kind = CellKind::Number,
             .format = format,
-            .align = kRight};
+            .align = kRight,
+            .maximumWidth = 200};
 }
 
 constexpr GridColumn CalledCrs(GridColumn column) {
     column.alsoKnownAs = "crs";
+    return column;
+}
+
+constexpr GridColumn WithSpare(GridColumn column) {
+    column.takesSpare = true;
     return column;
 }
 
@@ -186,7 +192,8 @@ constexpr PageColumn kColumns[] = {
        .resizable = false},
       Flag,
       {.tooltip = FindingsText,
-       .icon = [](const RasterRow& row) { return LoadFlagImage(LoadFlagOf(row)); }}}},
+       .icon = [](const RasterRow& row) { return LoadFlagImage(LoadFlagOf(row)); },
+       .words = [](const RasterRow& row) { return LoadFlagText(LoadFlagOf(row)); }}}},
     {{Hidden(TextColumn("path", text::kPath, 200)), [](const RasterRow& row) { return GridCell(row.path); }}},
     {{Hidden(TextColumn("details", text::kRasterDetailsColumn, 200)), Address}},
     {{WithFooter(Frozen(Basic(TextColumn("fileName", text::kFileName, 200))), FooterKind::Count),
@@ -201,7 +208,7 @@ constexpr PageColumn kColumns[] = {
     {{WithTooltip(TextColumn("modified", text::kModified, 300), text::kModifiedUtcTooltip), Modified}},
     {{WithTooltip(Basic(TextColumn("layer", text::kLayerName, 200)), text::kLayerTooltip),
       [](const RasterRow& row) { return GridCell(row.place.layer); }}},
-    {{Basic(TextColumn("summary", text::kSummary, 300)),
+    {{WithSpare(Basic(TextColumn("summary", text::kSummary, 300))),
       [](const RasterRow& row) { return GridCell(StateText(row)); },
       {.tooltip = FindingsText}}},
     {{TextColumn("fileType", text::kFileType, 200), OfFile<FileType>}},

@@ -42,9 +42,14 @@ struct GridColumn {
     int headerIcon = -1;                         ///< index in the dialog's image list; -1: none
 };
 
+/// True for the column of the files' full paths, which may be hidden.
+constexpr bool IsPath(const GridColumn& column) {
+    return std::string_view(column.name) == "path";
+}
+
 /// True for a column that users can ask for: one that can be shown, and the path.
 constexpr bool IsOffered(const GridColumn& column) {
-    return !column.hidden || std::string_view(column.name) == "path";
+    return !column.hidden || IsPath(column);
 }
 
 /// A cell's value: empty, a text, a number (sorted by value), or milliseconds since 1970-01-01 UTC for dates.
@@ -57,6 +62,8 @@ struct CellLook {
     std::wstring (*tooltip)(const Row& row) = nullptr;   ///< null: the cell's own text
     const wchar_t* (*format)(const Row& row) = nullptr;  ///< printf-like, of numbers; may return null
     int (*icon)(const Row& row) = nullptr;               ///< index in the dialog's image list; null: none
+    /// A flag in words, for copying, searching and screen readers; null: "true" or "false".
+    std::wstring (*words)(const Row& row) = nullptr;
 };
 
 /// One column of a table of rows. The functions are called on the user-interface thread.

@@ -45,6 +45,13 @@ inline int LoadFlagImage(LoadFlag flag) {
     return kImages[static_cast<int>(flag)];
 }
 
+/// A state in a word.
+inline std::wstring LoadFlagText(LoadFlag flag) {
+    constexpr StringId kTexts[] = {text::kInspectionOk, text::kStatusNote, text::kStatusInProject,
+                                   text::kStatusWarning, text::kStatusError};
+    return Text(kTexts[static_cast<int>(flag)]);
+}
+
 /// The number in a load-flag cell: 0 for a file that cannot be loaded, so that it reads as a flag; sorting
 /// ascending puts the worst first.
 inline double LoadFlagNumber(LoadFlag flag) {

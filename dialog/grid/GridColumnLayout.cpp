@@ -79,6 +79,10 @@ void GridColumnLayout::ShowDetails(bool show) {
     }
 }
 
+bool GridColumnLayout::IsShown(int column) const {
+    return panes_.IsShown(column);
+}
+
 bool GridColumnLayout::CanHide(int column) const {
     return !ColumnAt(column).hidden && !ColumnAt(column).frozen &&
            (!panes_.IsShown(column) || panes_.ShownColumns().size() > 1);

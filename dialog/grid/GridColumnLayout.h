@@ -28,6 +28,7 @@ class GridColumnLayout {
 
     void ShowDetails(bool show);
     bool DetailsShown() const { return details_; }
+    bool IsShown(int column) const;
     bool CanHide(int column) const;
     /// The user's own choice.
     void Show(int column, bool show);

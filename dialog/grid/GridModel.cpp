@@ -116,7 +116,8 @@ QVariant GridModel::headerData(int section, Qt::Orientation orientation, int rol
         case Qt::DisplayRole:
             return ToQString(Text(column.caption));
         case Qt::AccessibleTextRole:
-            return ToQString(Text(column.caption.value ? column.caption : column.tooltip));
+            return ToQString(column.caption.value || !column.tooltip.value ? Heading(section)
+                                                                           : Text(column.tooltip));
         case Qt::ToolTipRole:
             return ToQString(Text(column.tooltip));
         case Qt::TextAlignmentRole:
@@ -130,13 +131,12 @@ QVariant GridModel::headerData(int section, Qt::Orientation orientation, int rol
 
 std::wstring GridModel::CellText(std::size_t record, int column) const {
     const GridColumn& description = columns_[static_cast<std::size_t>(column)];
+    if (description.kind == CellKind::Flag) {
+        return FlagText(record, column);
+    }
     const GridCell cell = Cell(record, column);
     if (const auto* time = std::get_if<std::int64_t>(&cell)) {
         return DateText(*time, description.format);
-    }
-    const auto* number = std::get_if<double>(&cell);
-    if (number != nullptr && description.kind == CellKind::Flag) {
-        return *number != 0 ? L"true" : L"false";
     }
     return FormatCell(cell, NumberFormat(record, column));
 }
@@ -201,6 +201,18 @@ int GridModel::FindRow(int column, std::wstring_view start, int from) const {
 const wchar_t* GridModel::NumberFormat(std::size_t, int column) const {
     const wchar_t* format = columns_[static_cast<std::size_t>(column)].format;
     return *format ? format : L"%g";
+}
+
+std::wstring GridModel::FlagText(std::size_t record, int column) const {
+    const GridCell cell = Cell(record, column);
+    const auto* number = std::get_if<double>(&cell);
+    return number == nullptr ? FormatCell(cell, L"") : (*number != 0 ? L"true" : L"false");
+}
+
+std::wstring GridModel::Heading(int column) const {
+    const GridColumn& description = columns_[static_cast<std::size_t>(column)];
+    const bool isFlag = description.kind == CellKind::Flag && description.caption.value == 0;
+    return Text(isFlag ? text::kGridStatusHeading : description.caption);
 }
 
 int GridModel::Icon(std::size_t, int) const {

@@ -61,6 +61,8 @@ class GridModel : public QAbstractTableModel {
     GridCell Value(std::size_t record, int column) const { return Cell(record, column); }
     /// Text of a cell as shown.
     std::wstring CellText(std::size_t record, int column) const;
+    /// Caption of a column, or words for one that shows an icon only.
+    std::wstring Heading(int column) const;
     /// The column's texts for searching, read as far as they are not yet known.
     const GridSearchText& SearchText(int column) const;
     /// Reads up to `most` cells of these columns ahead, so that the first search need not. True when there
@@ -82,6 +84,8 @@ class GridModel : public QAbstractTableModel {
     virtual GridCell Cell(std::size_t record, int column) const = 0;
     /// printf-like format of one numeric cell; the column's by default.
     virtual const wchar_t* NumberFormat(std::size_t record, int column) const;
+    /// A flag in words.
+    virtual std::wstring FlagText(std::size_t record, int column) const;
     virtual int Icon(std::size_t record, int column) const;
     virtual std::wstring Tooltip(std::size_t record, int column) const;
     virtual std::optional<QColor> TextColour(std::size_t record, int column) const;
@@ -99,7 +103,7 @@ class GridModel : public QAbstractTableModel {
     void ReorderRecords(const std::vector<std::size_t>& newIndexOfRecord,
                         const std::function<void()>& permuteStorage);
     /// The cells of all records in these columns changed.
-    void NotifyChanged(int firstColumn, int lastColumn);
+    void NotifyChanged(const std::vector<int>& columns);
 
   private:
     struct RowRange {
@@ -117,6 +121,8 @@ class GridModel : public QAbstractTableModel {
     void Reorder(const std::function<void()>& change, const std::vector<std::size_t>& newIndexOf = {});
     bool Before(std::uint32_t a, std::uint32_t b) const;
     void SortAll();
+    /// The cells of the sort column changed.
+    void SortAgain();
     /// Puts the kept records into the sort order.
     void ShowInOrder();
     bool IsKept(std::size_t record) const { return kept_.empty() || kept_[record] != 0; }
@@ -129,8 +135,9 @@ class GridModel : public QAbstractTableModel {
     GridSortKeys KeysOf(int column) const;
     /// The keys of records that were added at the end.
     void AppendKeys(std::size_t firstRecord);
-    void AddToSums(std::size_t firstRecord, int firstColumn, int lastColumn);
-    void RecomputeSums(int firstColumn, int lastColumn);
+    void AddToSum(int column, std::size_t firstRecord);
+    void AddToSums(std::size_t firstRecord);
+    void RecomputeSums();
     /// The rows of records that go; when they are too scattered, after moving them to the end.
     std::vector<RowRange> RangesOf(const std::function<bool(std::uint32_t record)>& goes);
     void EraseRows(RowRange range);

@@ -102,16 +102,11 @@ void GridModel::AppendKeys(std::size_t firstRecord) {
     }
 }
 
-void GridModel::AddToSums(std::size_t firstRecord, int firstColumn, int lastColumn) {
-    for (int column = firstColumn; column <= lastColumn; ++column) {
-        const auto at = static_cast<std::size_t>(column);
-        if (columns_[at].footer != FooterKind::Sum) {
-            continue;
-        }
-        for (std::size_t record = firstRecord; record < recordCount_; ++record) {
-            if (!IsKept(record)) {
-                continue;
-            }
+void GridModel::AddToSum(int column, std::size_t firstRecord) {
+    const auto at = static_cast<std::size_t>(column);
+    for (std::size_t record = firstRecord; columns_[at].footer == FooterKind::Sum && record < recordCount_;
+         ++record) {
+        if (IsKept(record)) {
             const GridCell cell = Cell(record, column);
             const auto* number = std::get_if<double>(&cell);
             sums_[at] += number && std::isfinite(*number) ? *number : 0.0;
@@ -119,10 +114,16 @@ void GridModel::AddToSums(std::size_t firstRecord, int firstColumn, int lastColu
     }
 }
 
+void GridModel::AddToSums(std::size_t firstRecord) {
+    for (int column = 0; column < columnCount(); ++column) {
+        AddToSum(column, firstRecord);
+    }
+}
+
 // Adding up anew rather than taking away keeps a sum free of rounding that was left behind.
-void GridModel::RecomputeSums(int firstColumn, int lastColumn) {
-    std::fill(sums_.begin() + firstColumn, sums_.begin() + lastColumn + 1, 0.0);
-    AddToSums(0, firstColumn, lastColumn);
+void GridModel::RecomputeSums() {
+    std::fill(sums_.begin(), sums_.end(), 0.0);
+    AddToSums(0);
 }
 
 void GridModel::SetFilter(std::function<bool(std::size_t record)> keeps) {
@@ -134,7 +135,7 @@ void GridModel::SetFilter(std::function<bool(std::size_t record)> keeps) {
     keeps_ = std::move(keeps);
     kept_ = std::move(kept);
     ShowKept();
-    RecomputeSums(0, columnCount() - 1);
+    RecomputeSums();
     emit FilterChanged();
     emit RecordsChanged();
 }
@@ -203,7 +204,7 @@ void GridModel::AppendRecords(std::size_t count, const std::function<void()>& ap
     AddRows(added);
 
     AppendKeys(first);
-    AddToSums(first, 0, columnCount() - 1);
+    AddToSums(first);
     if (sortColumn_ >= 0) {
         Reorder([this, first] {
             const auto before = [this](auto a, auto b) { return Before(a, b); };
@@ -262,7 +263,7 @@ void GridModel::RemoveRecords(const std::vector<std::size_t>& records, const std
     }
     remove();
     ForgetRecords(records);
-    RecomputeSums(0, columnCount() - 1);
+    RecomputeSums();
     if (!ranges.empty()) {
         endRemoveRows();
     }
@@ -337,29 +338,43 @@ void GridModel::ReorderRecords(const std::vector<std::size_t>& newIndexOfRecord,
     emit RecordsChanged();
 }
 
-void GridModel::NotifyChanged(int firstColumn, int lastColumn) {
+void GridModel::NotifyChanged(const std::vector<int>& columns) {
     if (recordCount_ == 0) {
         return;
     }
     ++revision_;
-    std::fill(searchTexts_.begin() + firstColumn, searchTexts_.begin() + lastColumn + 1, GridSearchText());
+    for (const int column : columns) {
+        searchTexts_[static_cast<std::size_t>(column)] = {};
+        sums_[static_cast<std::size_t>(column)] = 0;
+    }
     FilterFrom(0);
     ShowKept();
-    if (!shown_.empty()) {
-        emit dataChanged(index(0, firstColumn), index(rowCount() - 1, lastColumn));
-    }
-    if (sortColumn_ >= firstColumn && sortColumn_ <= lastColumn) {
-        keys_ = KeysOf(sortColumn_);
-        // Ties included: equal records stand in the order of adding.
-        const bool sorted = std::is_sorted(order_.begin(), order_.end(), [this](auto a, auto b) {
-            return Before(a, b) || (a < b && !Before(b, a));
-        });
-        if (!sorted) {
-            Reorder([this] { SortAll(); });
+    for (const int column : columns) {
+        if (!shown_.empty()) {
+            emit dataChanged(index(0, column), index(rowCount() - 1, column));
+        }
+        if (column == sortColumn_) {
+            SortAgain();
+        }
+        if (!keeps_) {
+            AddToSum(column, 0);
         }
     }
-    RecomputeSums(keeps_ ? 0 : firstColumn, keeps_ ? columnCount() - 1 : lastColumn);
+    if (keeps_) {  // other records may be shown
+        RecomputeSums();
+    }
     emit RecordsChanged();
+}
+
+void GridModel::SortAgain() {
+    keys_ = KeysOf(sortColumn_);
+    // Ties included: equal records stand in the order of adding.
+    const bool sorted = std::is_sorted(order_.begin(), order_.end(), [this](auto a, auto b) {
+        return Before(a, b) || (a < b && !Before(b, a));
+    });
+    if (!sorted) {
+        Reorder([this] { SortAll(); });
+    }
 }
 
 }  // namespace orvex

@@ -24,9 +24,7 @@ std::wstring TabSeparated(const GridModel& model, const std::vector<int>& rows,
                           const std::vector<int>& columns, bool withHeaders) {
     std::wstring out;
     if (withHeaders) {
-        AppendLine(out, columns, [&model](int column) {
-            return Text(model.Columns()[static_cast<std::size_t>(column)].caption);
-        });
+        AppendLine(out, columns, [&model](int column) { return model.Heading(column); });
     }
     for (const int row : rows) {
         const std::size_t record = model.RecordOfRow(row);

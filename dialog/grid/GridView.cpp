@@ -1,8 +1,4 @@
-#include "dialog/grid/GridView.h"
-
-#include <QAction>
 #include <QApplication>
-#include <QClipboard>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMenu>
@@ -10,14 +6,11 @@
 #include <algorithm>
 
 #include "dialog/grid/GridColours.h"
-#include "dialog/grid/GridColumnLayout.h"
 #include "dialog/grid/GridCommands.h"
-#include "dialog/grid/GridDelegate.h"
 #include "dialog/grid/GridFooter.h"
+#include "dialog/grid/GridHeaderMenu.h"
 #include "dialog/grid/GridHeaderView.h"
-#include "dialog/grid/GridPanes.h"
-#include "dialog/grid/GridSelection.h"
-#include "dialog/grid/GridText.h"
+#include "dialog/grid/GridViewParts.h"
 #include "support/HandlerGuard.h"
 #include "support/QtText.h"
 
@@ -34,26 +27,6 @@ QFrame* MakeSeam(QWidget* parent) {
 }
 
 }  // namespace
-
-struct GridView::Parts {
-    Parts(QWidget* grid, UserPrompts& userPrompts)
-        : prompts(userPrompts), delegate(new GridDelegate(grid)), panes(*delegate, userPrompts, grid) {}
-
-    UserPrompts& prompts;
-    GridModel* model = nullptr;
-    std::optional<std::size_t> currentRecord;  ///< while a filter changes
-    GridDelegate* delegate;
-    GridPanes panes;
-    GridColumnLayout columns{panes};
-    GridTable* frozen = &panes.Frozen();
-    GridTable* table = &panes.Scrolling();
-    QFrame* seam = nullptr;
-    GridFooter* footer = nullptr;
-    QScrollBar* bar = nullptr;
-    QLabel* message = nullptr;
-    GridCommands* commands = nullptr;
-    QMenu* headerMenu = nullptr;
-};
 
 GridView::GridView(UserPrompts& prompts, QWidget* parent)
     : QFrame(parent), parts_(std::make_unique<Parts>(this, prompts)) {
@@ -145,7 +118,7 @@ void GridView::JoinScrolling() {
 
 void GridView::ConnectColumns() {
     Parts& p = *parts_;
-    p.headerMenu = new QMenu(this);
+    p.headerMenu = new GridHeaderMenu(p.columns, p.prompts, this);
     for (GridTable* table : p.panes.Both()) {
         GridHeaderView* header = table->Header();
         header->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -211,27 +184,6 @@ void GridView::ConnectSelection() {
         }));
 }
 
-// What a filter finds begins at the top, unless the current row is among it.
-void GridView::ConnectFilter() {
-    Parts& p = *parts_;
-    connect(p.model, &GridModel::FilterAboutToChange, this,
-            Guarded(p.prompts, L"OnFilter", [this] { parts_->currentRecord = CurrentRecord(); }));
-    connect(p.model, &GridModel::FilterChanged, this, Guarded(p.prompts, L"OnFilter", [this] {
-                GridTable& table = *parts_->table;
-                if (parts_->currentRecord == CurrentRecord() && CurrentRow() >= 0) {
-                    table.scrollTo(table.currentIndex());
-                } else {
-                    table.selectionModel()->clearCurrentIndex();
-                    table.scrollToTop();
-                }
-            }));
-}
-
-std::optional<std::size_t> GridView::CurrentRecord() const {
-    const int row = CurrentRow();
-    return row < 0 ? std::nullopt : std::optional(parts_->model->RecordOfRow(row));
-}
-
 void GridView::SetIcons(std::vector<QIcon> icons) {
     parts_->delegate->SetIcons(std::move(icons));
     update();
@@ -287,16 +239,6 @@ void GridView::RefitColumns() {
     parts_->columns.Refit();
 }
 
-void GridView::ResetColumns() {
-    parts_->columns.Reset();
-    ArrangePanes();
-}
-
-void GridView::ShowColumn(int column, bool show) {
-    parts_->columns.Show(column, show);
-    ArrangePanes();
-}
-
 std::string GridView::SaveState() const {
     return parts_->columns.State();
 }
@@ -309,88 +251,8 @@ void GridView::RestoreState(const std::string& state) {
 }
 
 QMenu* GridView::HeaderMenu() const {
-    parts_->headerMenu->clear();
-    if (parts_->model) {
-        FillHeaderMenu();
-    }
+    parts_->headerMenu->Fill(parts_->model);
     return parts_->headerMenu;
-}
-
-void GridView::FillHeaderMenu() const {
-    Parts& p = *parts_;
-    GridView* view = const_cast<GridView*>(this);
-    for (int i = 0; i < p.model->columnCount(); ++i) {
-        const GridColumn& column = p.model->Columns()[static_cast<std::size_t>(i)];
-        if (column.hidden || column.frozen) {
-            continue;
-        }
-        QString caption = ToQString(Text(column.caption));
-        QAction* action = p.headerMenu->addAction(caption.replace(QLatin1Char('&'), QStringLiteral("&&")));
-        action->setObjectName(QString::fromLatin1(column.name));
-        action->setCheckable(true);
-        action->setChecked(IsColumnShown(i));
-        action->setEnabled(p.columns.CanHide(i));
-        connect(action, &QAction::toggled, view,
-                Guarded(p.prompts, L"OnShowColumn", [view, i](bool show) { view->ShowColumn(i, show); }));
-    }
-    p.headerMenu->addSeparator();
-    const auto add = [&](StringId text, const char* name, const wchar_t* handler, void (GridView::*act)()) {
-        QAction* action = p.headerMenu->addAction(ToQString(Text(text)));
-        action->setObjectName(QString::fromLatin1(name));
-        connect(action, &QAction::triggered, view,
-                Guarded(p.prompts, handler, [view, act] { (view->*act)(); }));
-    };
-    add(text::kGridFitColumns, "fit", L"OnFitColumns", &GridView::RefitColumns);
-    add(text::kGridResetColumns, "reset", L"OnResetColumns", &GridView::ResetColumns);
-}
-
-std::vector<int> GridView::SelectedRows() const {
-    const QItemSelectionModel* selection = parts_->table->selectionModel();
-    return selection ? RowsOf(selection->selection()) : std::vector<int>();
-}
-
-void GridView::SelectRows(const std::vector<int>& rows) {
-    if (parts_->model) {
-        parts_->table->selectionModel()->select(SelectionOf(*parts_->model, rows),
-                                                QItemSelectionModel::ClearAndSelect);
-    }
-}
-
-void GridView::ClearSelection() {
-    parts_->table->clearSelection();
-}
-
-void GridView::SelectAll() {
-    parts_->table->selectAll();
-}
-
-void GridView::RemoveSelection(const std::function<void(const std::vector<std::size_t>&)>& remove) {
-    const std::vector<int> rows = SelectedRows();
-    std::vector<std::size_t> records;
-    for (const int row : rows) {
-        records.push_back(parts_->model->RecordOfRow(row));
-    }
-    // The first row after the last selected one; the last row before, where there is none.
-    const QPersistentModelIndex next = parts_->model->index(rows.empty() ? -1 : rows.back() + 1, 0);
-    remove(records);
-    const int row = next.isValid() ? next.row() : parts_->model->rowCount() - 1;
-    if (!rows.empty() && row >= 0) {
-        const QModelIndex index = parts_->model->index(row, std::max(parts_->table->columnAt(0), 0));
-        parts_->table->selectionModel()->setCurrentIndex(
-            index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    }
-}
-
-int GridView::CurrentRow() const {
-    return parts_->table->currentIndex().row();
-}
-
-void GridView::CopySelection(bool withHeaders) const {
-    const std::vector<int> rows = SelectedRows();
-    if (!rows.empty()) {
-        QApplication::clipboard()->setText(
-            ToQString(TabSeparated(*parts_->model, rows, parts_->panes.ShownColumns(), withHeaders)));
-    }
 }
 
 QMenu* GridView::ContextMenu() const {
@@ -400,23 +262,6 @@ QMenu* GridView::ContextMenu() const {
 void GridView::EnableCommands() {
     const bool hasRows = parts_->model && parts_->model->rowCount() > 0;
     parts_->commands->Enable(hasRows, hasRows && parts_->table->selectionModel()->hasSelection());
-}
-
-int GridView::SearchColumn() const {
-    if (!parts_->model) {
-        return -1;
-    }
-    const int sorted = parts_->model->SortColumn();
-    const auto columns = parts_->model->Columns();
-    const auto isText = [columns](int column) {
-        return columns[static_cast<std::size_t>(column)].kind == CellKind::Text;
-    };
-    if (sorted >= 0 && IsColumnShown(sorted) && isText(sorted)) {
-        return sorted;
-    }
-    const std::vector<int> shown = parts_->panes.ShownColumns();
-    const auto first = std::find_if(shown.begin(), shown.end(), isText);
-    return first == shown.end() ? -1 : *first;
 }
 
 QTableView* GridView::Table() const {

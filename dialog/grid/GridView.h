@@ -44,10 +44,6 @@ class GridView : public QFrame {
     void FitColumn(int column);
     /// Fits all visible columns and forgets the widths that the user has set.
     void RefitColumns();
-    /// Widths and shown columns as they were at first.
-    void ResetColumns();
-    /// Shows or hides a column for the user: stays so, whatever the detail columns are.
-    void ShowColumn(int column, bool show);
     /// The user's choices (widths, columns shown or hidden) and the sort order, by column name.
     std::string SaveState() const;
     /// A state that is damaged or of other columns changes nothing.
@@ -113,7 +109,6 @@ class GridView : public QFrame {
     void ArrangeRows();
     void ArrangeMessage();
     void ConnectColumns();
-    void FillHeaderMenu() const;
     int SearchColumn() const;
 
     std::unique_ptr<Parts> parts_;

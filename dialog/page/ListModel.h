@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <functional>
 #include <span>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -75,13 +76,16 @@ class ListModel : public ListRows {
         });
     }
 
-    /// Changes rows without adding or removing any; tells the views even when `change` throws.
-    void Change(const std::function<void(std::vector<Row>&)>& change) {
+    /// Changes rows without adding or removing any; tells the views even when `change` throws. `columns`: the
+    /// names of those that show what changed; empty: all.
+    void Change(const std::function<void(std::vector<Row>&)>& change,
+                std::span<const std::string_view> columns = {}) {
         struct Notifier {
             ListModel& model;
-            ~Notifier() { model.NotifyChanged(0, static_cast<int>(model.cells_.size()) - 1); }
+            std::vector<int> columns;
+            ~Notifier() { model.NotifyChanged(columns); }
         };
-        const Notifier notifier{*this};
+        const Notifier notifier{*this, ColumnsNamed(columns)};
         change(rows_);
     }
 
@@ -98,12 +102,27 @@ class ListModel : public ListRows {
         return At(column).look.icon == nullptr ? -1 : At(column).look.icon(rows_[record]);
     }
 
+    std::wstring FlagText(std::size_t record, int column) const override {
+        const auto words = At(column).look.words;
+        return words == nullptr ? GridModel::FlagText(record, column) : words(rows_[record]);
+    }
+
     std::wstring Tooltip(std::size_t record, int column) const override {
         const auto tooltip = At(column).look.tooltip;
         return tooltip == nullptr ? CellText(record, column) : tooltip(rows_[record]);
     }
 
   private:
+    std::vector<int> ColumnsNamed(std::span<const std::string_view> names) const {
+        std::vector<int> columns;
+        for (std::size_t i = 0; i < cells_.size(); ++i) {
+            if (names.empty() || std::ranges::find(names, cells_[i].name) != names.end()) {
+                columns.push_back(static_cast<int>(i));
+            }
+        }
+        return columns;
+    }
+
     const Column<Row>& At(int column) const { return cells_[static_cast<std::size_t>(column)]; }
 
     std::span<const Column<Row>> cells_;

@@ -266,7 +266,7 @@ void ListPage::Update() {
 }
 
 void ListPage::OnRemove() {
-    RemoveRecords(SelectedRecords());
+    grid_->RemoveSelection([this](const std::vector<std::size_t>& records) { RemoveRecords(records); });
 }
 
 void ListPage::RemoveRecords(std::vector<std::size_t> records) {
@@ -296,9 +296,7 @@ void ListPage::OnDetailColumns() {
 }
 
 void ListPage::FitColumns() {
-    if (description_.fitsColumns) {
-        grid_->FitColumns();
-    }
+    grid_->FitColumns();
 }
 
 void ListPage::OnHelp() {

@@ -45,7 +45,6 @@ struct ListPageDescription {
     HelpTopic helpTopic = HelpTopic::LasFiles;
     bool helpExplainsControls = false;  ///< the help button starts What's This mode; else it opens the topic
 
-    bool fitsColumns = true;             ///< columns follow what is added; else they keep their widths
     const char* splitterName = "";       ///< object name of the splitter between grid and details
     const wchar_t* paneStateName = L"";  ///< under which the details pane's state is stored
     std::vector<DetailsTab> detailsTabs;

@@ -22,7 +22,6 @@ FileReader<RasterRow> MakeReader(RasterUse use, RasterInformationMaker maker) {
 
 FileListPageDescription DescribeRasters() {
     FileListPageDescription page;
-    page.fitsColumns = false;  // their widths are given
     page.startsInInitialFolder = true;
     page.filters = PickerFilters(DataKind::Raster);
     page.extensions = NamedExtensions(DataKind::Raster);

@@ -253,10 +253,12 @@ TEST_F(GridViewTest, CopiesWhatIsShownOfTheSelectedRows) {
     view_.Table()->setFocus();
     QTest::keyClick(view_.Table(), Qt::Key_C, Qt::ControlModifier);
     const std::wstring rows =
-        L"true\ta\t1.00\tSummary of a second line of it\n"
-        L"false\tc\t3.00\tSummary of c second line of it\n";
-    const std::wstring headers = L"\t" + Text(text::kGridCopyWithoutHeaders) + L"\t" +
-                                 Text(text::kGridSelectAll) + L"\t" + Text(text::kGridAccessibleName) + L"\n";
+        L"OK\ta\t1.00\tSummary of a second line of it\t/data/a\n"
+        L"Error\tc\t3.00\tSummary of c second line of it\t/data/c\n";
+    const std::wstring headers = Text(text::kGridStatusHeading) + L"\t" +
+                                 Text(text::kGridCopyWithoutHeaders) + L"\t" + Text(text::kGridSelectAll) +
+                                 L"\t" + Text(text::kGridAccessibleName) + L"\t" + Text(text::kGridCopy) +
+                                 L"\n";
     EXPECT_EQ(ToWide(QApplication::clipboard()->text()), headers + rows);
     view_.findChild<QAction*>("copyRows")->trigger();
     EXPECT_EQ(ToWide(QApplication::clipboard()->text()), rows);
