@@ -1,5 +1,6 @@
 #include "dialog/page/ListPage.h"
 
+#include <QKeySequence>
 #include <QLabel>
 #include <QPushButton>
 #include <QResizeEvent>
@@ -10,18 +11,19 @@
 #include <QVBoxLayout>
 #include <QWhatsThis>
 #include <algorithm>
-#include <charconv>
 #include <utility>
 
 #include "dialog/DialogProgress.h"
 #include "dialog/details/DetailsHtml.h"
 #include "dialog/grid/GridView.h"
 #include "dialog/page/ControlWidget.h"
+#include "dialog/page/FilterLine.h"
 #include "dialog/page/ListModel.h"
 #include "dialog/page/ListStatus.h"
 #include "dialog/page/Mnemonics.h"
 #include "dialog/page/OptionForm.h"
 #include "dialog/page/OptionsPanel.h"
+#include "dialog/page/PaneState.h"
 #include "dialog/page/RowFinder.h"
 #include "settings/OptionStore.h"
 #include "support/HandlerGuard.h"
@@ -29,30 +31,9 @@
 namespace orvex {
 namespace {
 
-constexpr int kUsualPaneHeight = 250;
-constexpr int kMostPaneHeight = 10000;
 // Rows that the grid shows at least where the details pane is unfolded.
 constexpr int kRowsBesidePane = 5;
-
-/// How a details pane was left, as "f 250": folded or open, and its height in pixels.
-struct PaneState {
-    bool folded = false;
-    int height = kUsualPaneHeight;
-};
-
-/// A state that is missing or damaged is that of a fresh machine.
-PaneState ParsePaneState(const std::string& bytes) {
-    if (bytes.size() < 3 || bytes[1] != ' ') {
-        return {};
-    }
-    int height = 0;
-    const char* end = bytes.data() + bytes.size();
-    const auto [stop, error] = std::from_chars(bytes.data() + 2, end, height);
-    if (error != std::errc() || stop != end || height < 0 || height > kMostPaneHeight) {
-        return {};
-    }
-    return {bytes[0] == 'f', height > 0 ? height : kUsualPaneHeight};
-}
+constexpr int kLineSpacing = 3;  // between the grid and the lines above and below it
 
 }  // namespace
 
@@ -85,21 +66,27 @@ void ListPage::Start(ListRows& rows) {
     MakeGrid();
     layout()->addWidget(optionsPanel_);
     RunGuarded(services_.prompts, L"InitializeColumns", [this] { grid_->SetModel(rows_); });
-    finder_->Start(rows);
+    finder_->Start(rows, ToQString(Text(description_.emptyText)));
     AssignMnemonics(*this);
     MakeForm();
     OnDetailColumns();
     for (const PageButton& button : buttons_) {
         OnClick(button.texts.id, button.handler, button.press);
     }
-    auto* help = new QShortcut(QKeySequence(Qt::Key_F1), this);
-    help->setContext(Qt::WindowShortcut);  // OK has the focus mostly; a page that is hidden hears nothing
-    connect(help, &QShortcut::activated, this, Guarded(services_.prompts, L"OnHelp", [this] { OnHelp(); }));
+    AddShortcut(Qt::Key_F1, L"OnHelp", [this] { OnHelp(); });
+    AddShortcut(QKeySequence::Find, L"OnFind", [this] { finder_->Line()->Edit(); });
     ConnectGrid();
     ConnectPane();
     RestorePane();
     ShowDetails();
     EnableItems();
+}
+
+// OK has the focus mostly; a page that is hidden hears nothing.
+void ListPage::AddShortcut(const QKeySequence& key, const wchar_t* handler, std::function<void()> press) {
+    auto* shortcut = new QShortcut(key, this);
+    shortcut->setContext(Qt::WindowShortcut);
+    connect(shortcut, &QShortcut::activated, this, Guarded(services_.prompts, handler, std::move(press)));
 }
 
 void ListPage::Detach() {
@@ -165,13 +152,13 @@ QPushButton* ListPage::MakeDetailColumnsButton() {
 void ListPage::MakeGrid() {
     grid_->setObjectName(ControlName(description_.gridId));
     grid_->setMinimumHeight(90);
-    grid_->SetEmptyText(ToQString(Text(description_.emptyText)));
     splitter_->setObjectName(QString::fromLatin1(description_.splitterName));
     splitter_->setChildrenCollapsible(false);
     auto* list = new QWidget;
     auto* lines = new QVBoxLayout(list);
     lines->setContentsMargins(0, 0, 0, 0);
-    lines->setSpacing(2);
+    lines->setSpacing(kLineSpacing);
+    lines->addWidget(finder_->Line());
     lines->addWidget(grid_, 1);
     lines->addWidget(finder_->Status());
     splitter_->addWidget(list);
@@ -221,10 +208,15 @@ void ListPage::ConnectPane() {
             }));
 }
 
-// The pane is as high as the user left it; where there is no room for that, it yields before the grid does.
+// The pane is as high as the user left it; where there is no room for that, it yields before the filter line
+// does, and that before the grid.
 void ListPage::ArrangePane() {
-    const int room = splitter_->height() - splitter_->handleWidth() - grid_->HeightOfRows(kRowsBesidePane);
+    const int all = splitter_->height() - splitter_->handleWidth();
+    const int list = grid_->HeightOfRows(kRowsBesidePane) + finder_->Status()->height() + kLineSpacing;
+    const int filter = finder_->Line()->sizeHint().height() + kLineSpacing;
+    const int room = all - list - filter;
     details_->SetCrowded(room < details_->LeastHeight());
+    finder_->Line()->SetCrowded(room < details_->TitleHeight());
     const bool shown = details_->IsBodyShown();
     const int height = shown ? std::min(paneHeight_, room) : details_->TitleHeight();
     details_->setMaximumHeight(shown ? QWIDGETSIZE_MAX : height);
@@ -252,7 +244,7 @@ void ListPage::RestorePane() {
 
 void ListPage::SavePane() const {
     services_.options.WritePlacement(description_.paneStateName,
-                                     (details_->IsFolded() ? "f " : "o ") + std::to_string(paneHeight_));
+                                     PaneStateText({details_->IsFolded(), paneHeight_}));
 }
 
 void ListPage::ShowMessage(std::wstring text, StringId caption, PromptIcon icon) const {

@@ -12,6 +12,7 @@
 #include "support/UserPrompts.h"
 
 class QHBoxLayout;
+class QKeySequence;
 class QPushButton;
 class QSplitter;
 
@@ -129,6 +130,7 @@ class ListPage : public AddFilesPage {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    void AddShortcut(const QKeySequence& key, const wchar_t* handler, std::function<void()> press);
     void MakeButtonRow();
     QPushButton* MakeDetailColumnsButton();
     void MakeGrid();

@@ -72,13 +72,13 @@ void ListStatus::AddCount(RowProperty property, const char* name, StringId text,
     connect(button, &QToolButton::clicked, this, [this, property] { emit SelectRequested(property); });
 }
 
-void ListStatus::ShowCounts(const RowProperties& rows) {
+void ListStatus::ShowCounts(const PropertyCounts& rows) {
     for (const Count& one : counts_) {
-        const std::size_t number = rows.Count(one.property);
+        const std::size_t number = rows.Of(one.property);
         one.button->setText(ToQString(FormatText(Text(one.text), {number})));
         one.button->setVisible(number > 0);
     }
-    removeThose_->setVisible(rows.Count(RowProperty::InProject) > 0);
+    removeThose_->setVisible(rows.Of(RowProperty::InProject) > 0);
 }
 
 void ListStatus::SetStopped(std::size_t read, std::size_t of) {

@@ -20,7 +20,7 @@ class ListStatus : public QWidget {
     /// `images` by ImageIndex.
     explicit ListStatus(const std::vector<QIcon>& images, QWidget* parent = nullptr);
 
-    void ShowCounts(const RowProperties& rows);
+    void ShowCounts(const PropertyCounts& rows);
     /// Says that reading ended after `read` of `of` files, and offers to continue.
     void SetStopped(std::size_t read, std::size_t of);
     void ClearStopped();

@@ -1,5 +1,7 @@
 #pragma once
 #include <QObject>
+#include <QString>
+#include <QTimer>
 #include <span>
 #include <vector>
 
@@ -9,6 +11,7 @@ class QIcon;
 
 namespace orvex {
 
+class FilterLine;
 class GridView;
 class ListStatus;
 class UserPrompts;
@@ -21,14 +24,13 @@ class RowFinder : public QObject {
     /// `grid` and `prompts` outlive the finder; `images` by ImageIndex.
     RowFinder(GridView& grid, UserPrompts& prompts, const std::vector<QIcon>& images);
 
+    FilterLine* Line() const { return line_; }
     ListStatus* Status() const { return status_; }
 
-    /// `rows` outlives the finder, or Detach is called before it ends.
-    void Start(ListRows& rows);
+    /// `rows` outlives the finder, or Detach is called before it ends. `emptyText`: of the grid without rows.
+    void Start(ListRows& rows, const QString& emptyText);
     void Detach();
 
-    /// Brings the counts up to date.
-    void Update();
     /// Selects rows by record and scrolls to the first. The filter goes when it hides one of them.
     void Select(std::span<const std::size_t> records);
     /// Number of rows that the filter hides.
@@ -38,12 +40,23 @@ class RowFinder : public QObject {
     void RemoveRequested(const std::vector<std::size_t>& records);
 
   private:
-    void ClearFilter();
+    void ConnectLine();
+    void ConnectStatus();
+    void OnRecords();
+    void Count();
+    void Filter();
+    void GoToList();
+    bool IsLong() const;
 
     GridView& grid_;
     UserPrompts& prompts_;
+    FilterLine* line_;
     ListStatus* status_;
     ListRows* rows_ = nullptr;
+    QString emptyText_;
+    std::string mostFrequentCrs_;
+    QTimer countLater_;
+    QTimer filterLater_;
 };
 
 }  // namespace orvex

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <map>
 #include <string>
-#include <unordered_map>
 
 #include "crs/LayerAssignment.h"
 #include "dialog/page/ListModel.h"
@@ -12,37 +11,8 @@
 namespace orvex {
 namespace {
 
-constexpr int kNoCrs = -1;
-
-/// Numbers CRSs so that compatible ones have one number. Rows share their descriptions, so that few keys are
-/// made.
-class CrsNumbers {
-  public:
-    int Of(const CrsPtr& crs) {
-        if (crs == nullptr || crs->sourceWkt.empty()) {
-            return kNoCrs;
-        }
-        const auto [entry, isNew] = byCrs_.try_emplace(crs.get(), 0);
-        if (isNew) {
-            entry->second =
-                byKey_.try_emplace(LayerKeyOf(*crs), static_cast<int>(byKey_.size())).first->second;
-        }
-        return entry->second;
-    }
-
-  private:
-    std::unordered_map<const CrsDescription*, int> byCrs_;
-    std::map<std::string, int> byKey_;
-};
-
-/// The number that most have; the first of several, kNoCrs when none has any.
-int MostFrequent(const std::vector<int>& numbers) {
-    std::map<int, std::size_t> counts;
-    for (const int number : numbers) {
-        counts[number] += number == kNoCrs ? 0 : 1;
-    }
-    const auto most = std::ranges::max_element(counts, {}, [](const auto& entry) { return entry.second; });
-    return most == counts.end() || most->second == 0 ? kNoCrs : most->first;
+bool HasCrs(const RowTraits& row) {
+    return row.crs != nullptr && !row.crs->sourceWkt.empty();
 }
 
 std::wstring KeyOf(const RowTraits& traits, Likeness likeness) {
@@ -70,49 +40,53 @@ std::vector<std::size_t> RecordsThat(const ListRows& rows, Test test) {
 
 }  // namespace
 
-RowProperties::RowProperties(const ListRows& rows) : bits_(rows.Count()) {
-    CrsNumbers numbers;
-    std::vector<int> crs;
-    crs.reserve(bits_.size());
-    for (std::size_t record = 0; record < bits_.size(); ++record) {
-        const RowTraits traits = rows.Traits(record);
-        Set(record, RowProperty::Findings, traits.flag == LoadFlag::NotLoadable || !traits.findings.empty());
-        Set(record, RowProperty::Errors, traits.hasErrors);
-        Set(record, RowProperty::Warnings, traits.flag == LoadFlag::Findings && !traits.hasErrors);
-        Set(record, RowProperty::WithoutCrs, traits.lacksCrs);
-        Set(record, RowProperty::InProject, traits.inProject);
-        crs.push_back(numbers.Of(traits.crs));
-    }
-    SetOtherCrs(crs);
-}
-
-void RowProperties::SetOtherCrs(const std::vector<int>& crsOfRecords) {
-    const int most = MostFrequent(crsOfRecords);
-    for (std::size_t record = 0; record < crsOfRecords.size(); ++record) {
-        const int crs = crsOfRecords[record];
-        Set(record, RowProperty::OtherCrs, crs != kNoCrs && crs != most);
-    }
-}
-
-void RowProperties::Set(std::size_t record, RowProperty property, bool value) {
-    if (value) {
-        bits_[record] |= static_cast<std::uint8_t>(1U << static_cast<unsigned>(property));
-        ++counts_[static_cast<std::size_t>(property)];
-    }
-}
-
-bool RowProperties::Has(std::size_t record, RowProperty property) const {
-    return record < bits_.size() && (bits_[record] >> static_cast<unsigned>(property) & 1U) != 0;
-}
-
-std::vector<std::size_t> RowProperties::Records(RowProperty property) const {
-    std::vector<std::size_t> records;
-    for (std::size_t record = 0; record < bits_.size(); ++record) {
-        if (Has(record, property)) {
-            records.push_back(record);
+// Rows share the descriptions of their CRSs, so that few keys are made.
+std::string MostFrequentCrs(const ListRows& rows) {
+    std::map<CrsPtr, std::size_t> byCrs;
+    for (std::size_t record = 0; record < rows.Count(); ++record) {
+        if (const RowTraits row = rows.Traits(record); HasCrs(row)) {
+            ++byCrs[row.crs];
         }
     }
-    return records;
+    std::map<std::string, std::size_t> byKey;
+    for (const auto& [crs, count] : byCrs) {
+        byKey[LayerKeyOf(*crs)] += count;
+    }
+    const auto most = std::ranges::max_element(byKey, {}, [](const auto& entry) { return entry.second; });
+    return most == byKey.end() ? std::string() : most->first;
+}
+
+bool HasProperty(const RowTraits& row, RowProperty property, const std::string& mostFrequentCrs) {
+    switch (property) {
+        case RowProperty::Findings:
+            return row.flag == LoadFlag::NotLoadable || !row.findings.empty();
+        case RowProperty::Warnings:
+            return row.flag == LoadFlag::Findings && !row.hasErrors;
+        case RowProperty::Errors:
+            return row.hasErrors;
+        case RowProperty::WithoutCrs:
+            return row.lacksCrs;
+        case RowProperty::OtherCrs:
+            return HasCrs(row) && LayerKeyOf(*row.crs) != mostFrequentCrs;
+        case RowProperty::InProject:
+            break;
+    }
+    return row.inProject;
+}
+
+std::vector<std::size_t> RecordsWith(const ListRows& rows, RowProperty property) {
+    const std::string most = MostFrequentCrs(rows);
+    return RecordsThat(rows, [&](const RowTraits& row) { return HasProperty(row, property, most); });
+}
+
+PropertyCounts::PropertyCounts(const ListRows& rows) {
+    const std::string most = MostFrequentCrs(rows);
+    for (std::size_t record = 0; record < rows.Count(); ++record) {
+        const RowTraits row = rows.Traits(record);
+        for (std::size_t property = 0; property < counts_.size(); ++property) {
+            counts_[property] += HasProperty(row, static_cast<RowProperty>(property), most) ? 1 : 0;
+        }
+    }
 }
 
 std::vector<std::size_t> RecordsLike(const ListRows& rows, std::size_t record, Likeness likeness) {

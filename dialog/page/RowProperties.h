@@ -1,11 +1,12 @@
 #pragma once
 #include <array>
-#include <cstdint>
+#include <string>
 #include <vector>
 
 namespace orvex {
 
 class ListRows;
+struct RowTraits;
 
 /// Properties by which rows are counted, filtered and selected.
 enum class RowProperty {
@@ -18,22 +19,23 @@ enum class RowProperty {
 };
 inline constexpr int kRowProperties = 6;
 
-/// The properties of a list's rows at one time, by record.
-class RowProperties {
-  public:
-    RowProperties() = default;
-    explicit RowProperties(const ListRows& rows);
+/// Key (as of LayerKeyOf) of the CRS that most rows have; empty if none has any.
+std::string MostFrequentCrs(const ListRows& rows);
 
-    bool Has(std::size_t record, RowProperty property) const;
-    std::size_t Count(RowProperty property) const { return counts_[static_cast<std::size_t>(property)]; }
-    /// In the order of adding.
-    std::vector<std::size_t> Records(RowProperty property) const;
+/// True if a row has a property. `mostFrequentCrs`: of the list.
+bool HasProperty(const RowTraits& row, RowProperty property, const std::string& mostFrequentCrs);
+
+/// The records with a property, in the order of adding.
+std::vector<std::size_t> RecordsWith(const ListRows& rows, RowProperty property);
+
+/// How many rows have each property.
+class PropertyCounts {
+  public:
+    explicit PropertyCounts(const ListRows& rows);
+
+    std::size_t Of(RowProperty property) const { return counts_[static_cast<std::size_t>(property)]; }
 
   private:
-    void Set(std::size_t record, RowProperty property, bool value);
-    void SetOtherCrs(const std::vector<int>& crsOfRecords);
-
-    std::vector<std::uint8_t> bits_;
     std::array<std::size_t, kRowProperties> counts_{};
 };
 

@@ -7,11 +7,13 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QProgressBar>
 #include <QRegularExpression>
 #include <QScreen>
 #include <QTableView>
 #include <QTextEdit>
+#include <QToolButton>
 #include <QWhatsThis>
 #include <algorithm>
 #include <optional>
@@ -436,6 +438,81 @@ TEST_P(FilePage, RowsAreSelectedRemovedAndClearedAndTheDetailsFollow) {
     EXPECT_EQ(Model().rowCount(), 0);
     page->Release();
     page->Release();
+}
+
+TEST_P(FilePage, AFilterHidesRowsThatOkAddsAllTheSame) {
+    const std::wstring a = Good(L"a");
+    Pick({a, GetParam().writeBad(folder, L"tile1"), Good(L"b")});
+    dialog->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+    auto* words = Find<QLineEdit>("filterWords");
+    const auto* problem = Find<QLabel>("filterProblem");
+    const auto type = [&](const QString& text) {
+        QTest::keyClick(dialog.get(), Qt::Key_F, Qt::ControlModifier);
+        EXPECT_TRUE(words->hasFocus());
+        QTest::keyClicks(words, text);
+    };
+    const auto isInTable = [this] { return Grid().Table()->hasFocus() && dialog->isVisible(); };
+    type("TILE");
+    EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"tile1")));
+    Pick({Good(L"tile2"), Good(L"c")});
+    EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"tile1"), NameOf(L"tile2")));
+    Click(GetParam().refresh);
+    EXPECT_THAT(Names(), ::testing::SizeIs(2));
+    type("nowhere > 3");
+    EXPECT_THAT(Names(), ::testing::SizeIs(5)) << "what is not understood hides nothing";
+    EXPECT_FALSE(problem->text().isEmpty());
+    type("size < 0");
+    EXPECT_TRUE(problem->text().isEmpty());
+    EXPECT_EQ(ToWide(Grid().ShownMessage()), Text(text::kFilterNothing));
+    QTest::keyClick(words, Qt::Key_Escape);
+    EXPECT_TRUE(isInTable());
+    EXPECT_THAT(Names(), ::testing::SizeIs(5));
+    for (const auto key : {Qt::Key_Return, Qt::Key_Down}) {
+        type("tile2");
+        QTest::keyClick(words, key);
+        EXPECT_TRUE(isInTable());
+        EXPECT_THAT(Grid().SelectedRows(), ::testing::ElementsAre(0));
+    }
+    ASSERT_TRUE(Press("ok"));
+    EXPECT_THAT(Files().at(FolderOf(a)), ::testing::SizeIs(GetParam().passesBadFiles ? 5 : 4));
+}
+
+TEST_P(FilePage, AListThatIsEmptiedForgetsItsFilter) {
+    Pick({Good(L"a")});
+    auto* words = Find<QLineEdit>("filterWords");
+    words->setText("nothing of this");
+    EXPECT_EQ(Model().rowCount(), 0);
+    Click(GetParam().clear);
+    EXPECT_EQ(ToWide(Grid().ShownMessage()), GetParam().emptyText.Get());
+    EXPECT_FALSE(words->isEnabled());
+    Pick({Good(L"b")});
+    EXPECT_EQ(Model().rowCount(), 1);
+}
+
+TEST_P(FilePage, RowsWithSomethingToKnowAreCountedShownAndSelected) {
+    const auto* errors = Find<QToolButton>("statusErrors");
+    const auto choose = [this](const char* name) {
+        auto* menu = Find<QToolButton>("filterShow")->menu();
+        emit menu->aboutToShow();
+        auto* action = menu->findChild<QAction*>(QLatin1String(name));
+        action->trigger();
+        return ToWide(action->text());
+    };
+    Pick({Good(L"a"), Good(L"sub/b")});
+    EXPECT_FALSE(errors->isVisible()) << "nothing to count";
+    Pick({GetParam().writeBad(folder, L"bad1"), Good(L"c"), GetParam().writeBad(folder, L"bad2")});
+    EXPECT_EQ(ToWide(errors->text()), FormatText(Text(text::kListErrors), {2}));
+    Find<QLineEdit>("filterWords")->setText("sub");
+    Click("statusErrors");
+    EXPECT_THAT(Grid().SelectedRows(), ::testing::ElementsAre(2, 4)) << "the filter yields";
+    EXPECT_EQ(choose("errors"), Text(text::kFilterErrors) + L"\t2");
+    EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"bad1"), NameOf(L"bad2")));
+    Find<QLineEdit>("filterWords")->setText("bad2");
+    EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"bad2"))) << "both hold";
+    Find<QLineEdit>("filterWords")->clear();
+    EXPECT_EQ(choose("all"), Text(text::kFilterAll) + L"\t5");
+    EXPECT_THAT(Names(), ::testing::SizeIs(5));
 }
 
 TEST_P(FilePage, TheDetailsPaneIsAsItWasLeft) {
