@@ -65,6 +65,7 @@ bool GridModel::Before(std::uint32_t a, std::uint32_t b) const {
 void GridModel::SortAll() {
     std::iota(order_.begin(), order_.end(), 0U);
     if (sortColumn_ >= 0) {
+        keys_.Prepare();
         std::stable_sort(order_.begin(), order_.end(), [this](auto a, auto b) { return Before(a, b); });
     }
     ShowInOrder();

@@ -18,6 +18,8 @@ class GridSortKeys {
     void Remove(const std::vector<std::size_t>& records);
     /// The key of record `r` becomes that of record `newIndexOf[r]`.
     void Permute(const std::vector<std::size_t>& newIndexOf);
+    /// Makes comparing fast until the keys change: worth it before sorting all.
+    void Prepare();
     std::size_t Size() const { return kinds_.size(); }
 
     /// True if record `a` sorts before record `b`; false if they are equal.
@@ -29,6 +31,9 @@ class GridSortKeys {
     std::vector<Kind> kinds_;
     std::vector<double> numbers_;
     std::vector<std::wstring> texts_;  ///< shorter than the others when the last records have none
+    /// What follows the beginning that all texts share, as a number that compares alike; equal ones say
+    /// nothing. Empty unless prepared.
+    std::vector<std::uint64_t> starts_;
 };
 
 /// Erases the elements at these positions (ascending, unique) in one pass.

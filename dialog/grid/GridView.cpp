@@ -136,8 +136,10 @@ void GridView::ConnectColumns() {
     }
     connect(p.frozen->Header(), &QHeaderView::sectionResized, this,
             Guarded(p.prompts, L"ArrangePanes", [this] { ArrangePanes(); }));
-    connect(p.table, &GridTable::Resized, this,
-            Guarded(p.prompts, L"OnResized", [this] { parts_->columns.ShareSpare(); }));
+    connect(p.table, &GridTable::Resized, this, Guarded(p.prompts, L"OnResized", [this] {
+                parts_->columns.ShareSpare();
+                ArrangeMessage();
+            }));
 }
 
 void GridView::SetModel(GridModel* model) {
@@ -326,7 +328,7 @@ void GridView::ArrangeMessage() {
     const bool empty = !p.model || p.model->rowCount() == 0;
     p.message->setVisible(empty && !p.message->text().isEmpty());
     const int top = contentsRect().top() + p.table->Header()->sizeHint().height();
-    const int bottom = p.footer->isHidden() ? contentsRect().bottom() : p.footer->y();
+    const int bottom = p.table->geometry().bottom() + 1;
     const QRect room(contentsRect().left(), top, contentsRect().width(), std::max(bottom - top, 0));
     p.message->setGeometry(room);
     p.message->raise();

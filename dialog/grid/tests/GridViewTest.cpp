@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
+#include <QLabel>
 #include <QMenu>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -330,6 +331,19 @@ TEST_F(GridViewTest, AMessageIsNotCutOffBecauseOtherRowsWereMeasured) {
     view_.ShowDetailColumns(false);
     Settle();
     EXPECT_EQ(view_.ColumnWidth(kSummary), 70) << "unless the user has set another";
+}
+
+TEST_F(GridViewTest, TheMessageCoversTheWholeEmptyTable) {
+    view_.SetEmptyText("Nothing");
+    const auto* message = view_.findChild<QLabel*>();
+    for (const int width : {2000, 20, 2000}) {  // with and without a scroll bar
+        for (const int column : {kSize, kModified, kSummary, kMore}) {
+            view_.Table()->setColumnWidth(column, width);
+        }
+        Settle();
+        Settle();  // the scroll bar has come or gone
+        EXPECT_EQ(message->geometry().bottom() + 1, view_.Footer()->y()) << width;
+    }
 }
 
 TEST_F(GridViewTest, ColumnsAreTheUsersChoice) {
