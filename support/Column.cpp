@@ -1,5 +1,7 @@
 #include "support/Column.h"
 
+#include <fmt/format.h>
+
 #include <cmath>
 
 #include "support/Format.h"
@@ -12,6 +14,14 @@ std::wstring FormatCell(const GridCell& cell, const wchar_t* format) {
     }
     const auto* number = std::get_if<double>(&cell);
     return number == nullptr || std::isnan(*number) ? std::wstring() : FormatText(format, {*number});
+}
+
+std::wstring ExactCell(const GridCell& cell, const wchar_t* format) {
+    const auto* number = std::get_if<double>(&cell);
+    if (number == nullptr) {
+        return FormatCell(cell, format);
+    }
+    return std::isfinite(*number) ? FromUtf8(fmt::format("{}", *number)) : std::wstring();
 }
 
 }  // namespace orvex

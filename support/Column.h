@@ -76,6 +76,9 @@ struct Column : GridColumn {
 /// Text of a text or number cell as the grid shows it; empty for other cells, NaN and hidden flags.
 std::wstring FormatCell(const GridCell& cell, const wchar_t* format);
 
+/// The same, but of a number all its digits; empty for infinities.
+std::wstring ExactCell(const GridCell& cell, const wchar_t* format);
+
 template <typename Row>
 const wchar_t* NumberFormat(const Column<Row>& column, const Row& row) {
     const wchar_t* format = column.look.format == nullptr ? nullptr : column.look.format(row);
@@ -85,6 +88,11 @@ const wchar_t* NumberFormat(const Column<Row>& column, const Row& row) {
 template <typename Row>
 std::wstring CellText(const Column<Row>& column, const Row& row) {
     return FormatCell(column.cell(row), NumberFormat(column, row));
+}
+
+template <typename Row>
+std::wstring ExactText(const Column<Row>& column, const Row& row) {
+    return ExactCell(column.cell(row), NumberFormat(column, row));
 }
 
 /// The column of a name. Throws std::logic_error when the table has none.

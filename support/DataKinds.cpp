@@ -76,6 +76,11 @@ std::vector<std::wstring> Extensions(DataKind page, Use use) {
 
 }  // namespace
 
+const char* DataKindName(DataKind kind) {
+    constexpr const char* kNames[] = {"las", "raster", "dem"};
+    return kNames[static_cast<int>(kind)];
+}
+
 std::vector<FileFilter> PickerFilters(DataKind page) {
     FileFilter all{L"All Image Files", {}};
     std::map<int, FileFilter> ranked;

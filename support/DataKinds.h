@@ -12,6 +12,9 @@ namespace orvex {
 /// A kind of data: that of a page, or of the files listed there. A DEM page lists rasters too.
 enum class DataKind { Las, Raster, Dem };
 
+/// Name of a kind in reports and exports: "las".
+const char* DataKindName(DataKind kind);
+
 /// Filters of the picker on a kind's page, in the order shown.
 std::vector<FileFilter> PickerFilters(DataKind page);
 

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QDesktopServices>
+#include <QFileDialog>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -93,6 +94,20 @@ class Box {
 };
 
 }  // namespace
+
+std::optional<std::wstring> PickSaveFileQt(const SaveFileRequest& request) {
+    const QString caption = ToQString(request.filter.caption);
+    QFileDialog dialog(ActiveQtWindow(), ToQString(request.title));
+    const ParentGuard guard(dialog);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setNameFilter(QStringLiteral("%1 (%2)").arg(caption, ToQString(request.filter.patterns)));
+    dialog.setDefaultSuffix(ToQString(request.suffix));
+    dialog.selectFile(ToQString(request.path));
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+        return std::nullopt;
+    }
+    return ToWidePath(dialog.selectedFiles().front());
+}
 
 void FitOntoScreen(QWidget& window) {
     const QRect room = ScreenOf(window).availableGeometry().marginsRemoved(kFrame);

@@ -6,7 +6,10 @@
 #include <QWidget>
 #include <filesystem>
 #include <functional>
+#include <optional>
+#include <string>
 
+#include "support/FilePickers.h"
 #include "support/HelpViewer.h"
 #include "support/UserPrompts.h"
 
@@ -18,6 +21,9 @@ QWidget* ActiveQtWindow();
 /// Bounds a window, and the least size that it can be given, to the available part of its screen, the title
 /// bar included. One that has been placed is moved there as well, a minimised or maximised one is left alone.
 void FitOntoScreen(QWidget& window);
+
+/// FilePickers::PickSaveFile with Qt's dialog, which is the system's where it has one.
+std::optional<std::wstring> PickSaveFileQt(const SaveFileRequest& request);
 
 /// True while a Ctrl key is held down, even if no window of this program has been told yet. Needs a
 /// QGuiApplication.

@@ -1,10 +1,13 @@
+#include <QDesktopServices>
 #include <QFileDialog>
 #include <QGuiApplication>
+#include <QUrl>
 
 #include "support/DesktopQt.h"
 #include "support/FilePickers.h"
 #include "support/OpenFileText.h"
 #include "support/QtText.h"
+#include "support/Text.h"
 
 namespace orvex {
 namespace {
@@ -50,6 +53,12 @@ class FilePickersQt final : public FilePickers {
     std::optional<std::wstring> PickFolder(const std::wstring& title) override {
         const QString folder = QFileDialog::getExistingDirectory(ActiveQtWindow(), ToQString(title));
         return folder.isEmpty() ? std::nullopt : std::optional(ToWidePath(folder));
+    }
+    std::optional<std::wstring> PickSaveFile(const SaveFileRequest& request) override {
+        return PickSaveFileQt(request);
+    }
+    bool ShowInFolder(const std::wstring& path) override {
+        return QDesktopServices::openUrl(QUrl::fromLocalFile(ToQString(FolderOf(path))));
     }
 };
 

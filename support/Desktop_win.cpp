@@ -151,6 +151,19 @@ class SystemPickers final : public FilePickers {
         std::wstring folder = chosen ? PathOf(chosen.get()) : std::wstring();
         return folder.empty() ? std::nullopt : std::optional(std::move(folder));
     }
+
+    std::optional<std::wstring> PickSaveFile(const SaveFileRequest& request) override {
+        return PickSaveFileQt(request);
+    }
+
+    bool ShowInFolder(const std::wstring& path) override {
+        const OleApartment apartment;
+        TaskMemory<ITEMIDLIST> item(ILCreateFromPathW(path.c_str()));
+        if (!item) {  // the file has gone
+            item.reset(ILCreateFromPathW(FolderOf(path).c_str()));
+        }
+        return apartment && item && SUCCEEDED(SHOpenFolderAndSelectItems(item.get(), 0, nullptr, 0));
+    }
 };
 
 using HtmlHelpFunction = decltype(&HtmlHelpW);

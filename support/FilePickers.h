@@ -28,6 +28,13 @@ struct PickedFiles {
     std::vector<std::wstring> paths;  ///< full paths in the order chosen; empty unless Picked
 };
 
+struct SaveFileRequest {
+    std::wstring title;
+    std::wstring path;  ///< proposed
+    FileFilter filter;
+    std::wstring suffix;  ///< that a typed name without one gets: "csv"
+};
+
 /// File and folder dialogs of the system over the application's active window, or scripted answers in tests.
 class FilePickers {
   public:
@@ -36,6 +43,11 @@ class FilePickers {
     virtual PickedFiles PickFiles(const OpenFilesRequest& request) = 0;
     /// Picks a folder; nullopt if the user cancelled.
     virtual std::optional<std::wstring> PickFolder(const std::wstring& title) = 0;
+    /// Picks the file to write; the user has agreed to replace an existing one. Nullopt if cancelled.
+    virtual std::optional<std::wstring> PickSaveFile(const SaveFileRequest& request) = 0;
+    /// Opens the file manager on a file's folder, with the file selected where the system can. False if it
+    /// does not open.
+    virtual bool ShowInFolder(const std::wstring& path) = 0;
 };
 
 std::unique_ptr<FilePickers> MakeFilePickers();

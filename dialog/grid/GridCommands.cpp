@@ -23,15 +23,20 @@ GridCommands::GridCommands(QWidget* grid)
       copyRows_(Add("copyRows", ShownText(text::kGridCopyWithoutHeaders), {})),
       selectAll_(Add("selectAll", ShownText(text::kGridSelectAll), QKeySequence::SelectAll)),
       fit_(Add("fitColumns", ShownText(text::kGridFitColumns), {})),
-      remove_(Add("remove", {}, QKeySequence::Delete)) {
+      remove_(Add("remove", ShownText(text::kRemove), QKeySequence::Delete)) {
     connect(copy_, &QAction::triggered, this, [this] { emit CopyRequested(true); });
     connect(copyRows_, &QAction::triggered, this, [this] { emit CopyRequested(false); });
     connect(selectAll_, &QAction::triggered, this, &GridCommands::SelectAllRequested);
     connect(fit_, &QAction::triggered, this, &GridCommands::FitRequested);
     connect(remove_, &QAction::triggered, this, &GridCommands::RemoveRequested);
-    menu_->addActions({copy_, copyRows_});
+    menu_->addAction(remove_);
     menu_->addSeparator();
-    menu_->addAction(selectAll_);
+    menu_->addActions({copy_, copyRows_});
+    // What a page adds to the menu goes in front of this, and behind what is selected.
+    menu_->addSeparator()->setObjectName(QStringLiteral("endOfCopying"));
+    QMenu* select = menu_->addMenu(ShownText(text::kGridSelect));
+    select->setObjectName(QStringLiteral("select"));
+    select->addAction(selectAll_);
     menu_->addSeparator();
     menu_->addAction(fit_);
     Enable(false, false);

@@ -1,6 +1,7 @@
 #pragma once
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -8,6 +9,7 @@
 
 #include "dialog/grid/GridModel.h"
 #include "dialog/page/RowTraits.h"
+#include "support/FileTableCsv.h"
 
 namespace orvex {
 
@@ -19,6 +21,11 @@ class ListRows : public GridModel {
     virtual std::size_t Count() const = 0;
     /// Of rows that are not those of files: nothing.
     virtual RowTraits Traits(std::size_t record) const = 0;
+    /// Everything that is odd about a file, worst first.
+    virtual std::vector<Finding> Findings(std::size_t record) const = 0;
+    /// Writes records as a table of files, in the order given; `kind`: of their data.
+    virtual void WriteCsv(std::ostream& out, std::span<const std::size_t> records,
+                          const char* kind) const = 0;
     /// Removes records by index, in any order, and frees what they hold.
     virtual void Remove(std::vector<std::size_t> records) = 0;
     virtual void Clear() = 0;
@@ -40,6 +47,22 @@ class ListModel : public ListRows {
             return TraitsOf(rows_[record]);
         } else {
             return {};
+        }
+    }
+
+    std::vector<Finding> Findings([[maybe_unused]] std::size_t record) const override {
+        if constexpr (FileRow<Row>) {
+            const auto& findings = rows_[record].findings;
+            return {findings.begin(), findings.end()};
+        } else {
+            return {};
+        }
+    }
+
+    void WriteCsv([[maybe_unused]] std::ostream& out, [[maybe_unused]] std::span<const std::size_t> records,
+                  [[maybe_unused]] const char* kind) const override {
+        if constexpr (FileRow<Row>) {
+            WriteFileTable(out, records, kind);
         }
     }
 
@@ -124,6 +147,22 @@ class ListModel : public ListRows {
     }
 
     const Column<Row>& At(int column) const { return cells_[static_cast<std::size_t>(column)]; }
+
+    void WriteFileTable(std::ostream& out, std::span<const std::size_t> records, const char* kind) const {
+        std::vector<Column<Row>> columns;
+        std::ranges::copy_if(cells_, std::back_inserter(columns), IsInFileTable);
+        std::vector<std::string_view> names;
+        std::ranges::transform(columns, std::back_inserter(names), &Column<Row>::name);
+        FileTableCsv table(out, names);
+        for (const std::size_t record : records) {
+            const Row& row = rows_[record];
+            table.BeginFile({row.path, kind, row.loadable, row.summary, FindingLines(row.findings)});
+            for (const Column<Row>& column : columns) {
+                table.Cell(ExactText(column, row));
+            }
+            table.EndFile();
+        }
+    }
 
     std::span<const Column<Row>> cells_;
     std::vector<Row> rows_;

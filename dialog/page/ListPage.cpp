@@ -25,6 +25,7 @@
 #include "dialog/page/OptionsPanel.h"
 #include "dialog/page/PaneState.h"
 #include "dialog/page/RowFinder.h"
+#include "dialog/page/RowMenu.h"
 #include "settings/OptionStore.h"
 #include "support/HandlerGuard.h"
 
@@ -46,6 +47,7 @@ ListPage::ListPage(const PageContext& context, const ListPageDescription& descri
       grid_(new GridView(services_.prompts)),
       details_(new DetailsPanel(context.images, description_.detailsTabs)),
       finder_(new RowFinder(*grid_, services_.prompts, context.images)),
+      rowMenu_(new RowMenu(*grid_, *finder_, services_, progress_)),
       splitter_(new QSplitter(Qt::Vertical)),
       form_(new OptionForm(description_.options, services_.prompts)),
       optionsPanel_(new OptionsPanel(form_)) {
@@ -67,6 +69,7 @@ void ListPage::Start(ListRows& rows) {
     layout()->addWidget(optionsPanel_);
     RunGuarded(services_.prompts, L"InitializeColumns", [this] { grid_->SetModel(rows_); });
     finder_->Start(rows, ToQString(Text(description_.emptyText)));
+    rowMenu_->Start(rows, description_.kind);
     AssignMnemonics(*this);
     MakeForm();
     OnDetailColumns();
@@ -78,6 +81,7 @@ void ListPage::Start(ListRows& rows) {
     ConnectGrid();
     ConnectPane();
     RestorePane();
+    RestoreColumns();
     ShowDetails();
     EnableItems();
 }
@@ -94,6 +98,7 @@ void ListPage::Detach() {
         return;
     }
     SavePane();
+    SaveColumns();
     progress_.disconnect(this);
     grid_->disconnect(this);
     details_->disconnect(this);
@@ -245,6 +250,18 @@ void ListPage::RestorePane() {
 void ListPage::SavePane() const {
     services_.options.WritePlacement(description_.paneStateName,
                                      PaneStateText({details_->IsFolded(), paneHeight_}));
+}
+
+void ListPage::RestoreColumns() {
+    if (const auto state = services_.options.ReadPlacement(description_.columnStateName)) {
+        RunGuarded(services_.prompts, L"RestoreColumns", [&] { grid_->RestoreState(*state); });
+    }
+}
+
+void ListPage::SaveColumns() const {
+    RunGuarded(services_.prompts, L"SaveColumns", [this] {
+        services_.options.WritePlacement(description_.columnStateName, grid_->SaveState());
+    });
 }
 
 void ListPage::ShowMessage(std::wstring text, StringId caption, PromptIcon icon) const {

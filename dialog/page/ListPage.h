@@ -24,6 +24,7 @@ class ListStatus;
 class OptionForm;
 class OptionsPanel;
 class RowFinder;
+class RowMenu;
 
 /// What differs between pages that show a list. Ids are those of controls: a widget is named "c" and its id;
 /// a button with id 0 is not there. Texts that are the same on all pages have their values here already.
@@ -46,8 +47,10 @@ struct ListPageDescription {
     HelpTopic helpTopic = HelpTopic::LasFiles;
     bool helpExplainsControls = false;  ///< the help button starts What's This mode; else it opens the topic
 
-    const char* splitterName = "";       ///< object name of the splitter between grid and details
-    const wchar_t* paneStateName = L"";  ///< under which the details pane's state is stored
+    const char* splitterName = "";         ///< object name of the splitter between grid and details
+    const wchar_t* paneStateName = L"";    ///< under which the details pane's state is stored
+    const wchar_t* columnStateName = L"";  ///< the same of the columns' widths and order
+    const char* kind = "";                 ///< of the data, in exported lists
     std::vector<DetailsTab> detailsTabs;
     StringId nothingSelected = text::kDetailsNoSelection;  ///< in the first tab
 
@@ -146,6 +149,8 @@ class ListPage : public AddFilesPage {
     void ArrangePane();
     void RestorePane();
     void SavePane() const;
+    void RestoreColumns();
+    void SaveColumns() const;
     bool ReadNumber(const OptionRow& row);
     bool CanUse(Usable usable) const;
 
@@ -159,6 +164,7 @@ class ListPage : public AddFilesPage {
     GridView* grid_;
     DetailsPanel* details_;
     RowFinder* finder_;
+    RowMenu* rowMenu_;
     QSplitter* splitter_;
     OptionForm* form_;
     OptionsPanel* optionsPanel_;

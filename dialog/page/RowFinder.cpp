@@ -24,7 +24,11 @@ constexpr int kPauseMs = 150;
 }  // namespace
 
 RowFinder::RowFinder(GridView& grid, UserPrompts& prompts, const std::vector<QIcon>& images)
-    : grid_(grid), prompts_(prompts), line_(new FilterLine(images)), status_(new ListStatus(images)) {
+    : QObject(&grid),
+      grid_(grid),
+      prompts_(prompts),
+      line_(new FilterLine(images)),
+      status_(new ListStatus(images)) {
     for (QTimer* timer : {&countLater_, &filterLater_}) {
         timer->setSingleShot(true);
         timer->setInterval(kPauseMs);

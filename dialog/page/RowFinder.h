@@ -21,7 +21,7 @@ class RowFinder : public QObject {
     Q_OBJECT
 
   public:
-    /// `grid` and `prompts` outlive the finder; `images` by ImageIndex.
+    /// The finder is a child of the grid; `prompts` outlive it. `images` by ImageIndex.
     RowFinder(GridView& grid, UserPrompts& prompts, const std::vector<QIcon>& images);
 
     FilterLine* Line() const { return line_; }

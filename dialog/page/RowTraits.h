@@ -29,6 +29,8 @@ concept FileRow = requires(const Row& row) {
     row.crs->sourceWkt;
     row.place.inProject;
     row.path;
+    row.loadable;
+    row.summary;
 };
 
 template <FileRow Row>

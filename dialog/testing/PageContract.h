@@ -4,6 +4,7 @@
 // description are written out there, not taken from the page.
 #include <gmock/gmock.h>
 
+#include <QClipboard>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -16,6 +17,7 @@
 #include <QToolButton>
 #include <QWhatsThis>
 #include <algorithm>
+#include <fstream>
 #include <optional>
 #include <variant>
 
@@ -513,6 +515,116 @@ TEST_P(FilePage, RowsWithSomethingToKnowAreCountedShownAndSelected) {
     Find<QLineEdit>("filterWords")->clear();
     EXPECT_EQ(choose("all"), Text(text::kFilterAll) + L"\t5");
     EXPECT_THAT(Names(), ::testing::SizeIs(5));
+}
+
+TEST_P(FilePage, FilesThatTheProjectHasAreRemovedTogether) {
+    if (GetParam().existingFiles == nullptr) {
+        GTEST_SKIP() << "the project has no files of this page";
+    }
+    const std::wstring a = Good(L"a");
+    const std::wstring c = Good(L"c");
+    given.*GetParam().existingFiles = {a, c};
+    Open();
+    Pick({a, Good(L"b"), c});
+    EXPECT_EQ(ToWide(Find<QToolButton>("statusInProject")->text()),
+              FormatText(Text(text::kListInProject), {2}));
+    Find<QLineEdit>("filterWords")->setText(ToQString(NameOf(L"b")));
+    Click("statusRemoveThose");
+    EXPECT_FALSE(Find("statusRemoveThose")->isVisible());
+    Find<QLineEdit>("filterWords")->clear();
+    EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"b"))) << "hidden ones too";
+}
+
+TEST_P(FilePage, TheContextMenuFindsRowsByWhatTheyHaveInCommon) {
+    Pick({Good(L"a"), Good(L"sub/b"), GetParam().writeBad(folder, L"bad"), Good(L"c")});
+    QMenu* menu = Grid().ContextMenu();
+    const auto selectedAfter = [&](const char* action) {
+        emit menu->aboutToShow();
+        auto* found = menu->findChild<QAction*>(QLatin1String(action));
+        found = found == nullptr ? page->findChild<QAction*>(QLatin1String(action)) : found;
+        EXPECT_TRUE(found->isEnabled()) << action;
+        found->trigger();
+        return Grid().SelectedRows();
+    };
+    using ::testing::ElementsAre;
+    Grid().Table()->setCurrentIndex(Model().index(0, 0));
+    EXPECT_THAT(selectedAfter("sameFolder"), ElementsAre(0, 2, 3));
+    EXPECT_THAT(selectedAfter("invert"), ElementsAre(1));
+    Grid().Table()->setCurrentIndex(Model().index(3, 0));
+    EXPECT_THAT(selectedAfter("sameCrs"), ElementsAre(0, 1, 3));
+    EXPECT_THAT(selectedAfter("sameLayer"), ElementsAre(0, 1, 3));
+    auto& rows = dynamic_cast<ListRows&>(Model());
+    for (std::size_t record = 0; record < rows.Count(); ++record) {
+        for (const Finding& finding : rows.Findings(record)) {
+            Grid().Table()->setCurrentIndex(Model().index(static_cast<int>(record), 0));
+            EXPECT_THAT(selectedAfter(finding.code), ::testing::Contains(static_cast<int>(record)));
+        }
+    }
+}
+
+TEST_P(FilePage, PathsAreCopiedAndFoldersShown) {
+    const std::wstring a = Good(L"a");
+    const std::wstring b = Good(L"gone/b");
+    Pick({a, b});
+    dialog->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+    Grid().SelectAll();
+    Grid().Table()->setFocus();
+    QTest::keyClick(Grid().Table(), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(ToWide(QGuiApplication::clipboard()->text()), a + L"\n" + b);
+    auto* show = page->findChild<QAction*>("showInFolder");
+    Grid().Table()->setCurrentIndex(Model().index(0, 0));
+    show->trigger();
+    EXPECT_THAT(pickers.shownInFolder, ::testing::ElementsAre(a));
+    EXPECT_THAT(prompts.shown, ::testing::IsEmpty());
+    pickers.canShowFolders = false;
+    show->trigger();
+    std::filesystem::remove_all(ToPath(FolderOf(b)));
+    Grid().Table()->setCurrentIndex(Model().index(1, 0));
+    show->trigger();
+    ASSERT_THAT(prompts.shown, ::testing::SizeIs(2));
+    EXPECT_EQ(prompts.shown[0].text, FormatText(Text(text::kListFolderNotShown), {FolderOf(a)}));
+    EXPECT_EQ(prompts.shown[1].text, FormatText(Text(text::kListFolderGone), {FolderOf(b)}));
+}
+
+TEST_P(FilePage, TheRowsShownAreExportedAsATable) {
+    const std::wstring a = Good(L"a, \"the first\"");
+    const std::wstring bad = GetParam().writeBad(folder, L"abad");
+    Pick({Good(L"hidden"), a, bad});
+    Grid().Table()->model()->sort(ColumnNamed("fileName"), Qt::DescendingOrder);
+    Find<QLineEdit>("filterWords")->setText("-hidden");
+    auto* save = page->findChild<QAction*>("exportList");
+    save->trigger();
+    EXPECT_THAT(pickers.saveAsked, ::testing::SizeIs(1)) << "cancelled";
+    const std::wstring target = folder.Name(L"list.csv");
+    pickers.saveFiles = {target, folder.Name(L"nowhere/list.csv")};
+    save->trigger();
+    std::ifstream file(ToPath(target), std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    const std::string first = text.substr(0, text.find("\r\n"));
+    EXPECT_THAT(first, ::testing::StartsWith("path,kind,loadable,summary,findings,"));
+    EXPECT_THAT(first, ::testing::AllOf(::testing::HasSubstr(",fileName,"),
+                                        ::testing::Not(::testing::HasSubstr(",state,"))));
+    const auto at = [&](const std::wstring& part) { return text.find(ToUtf8(part)); };
+    EXPECT_LT(at(L"\n" + bad + L","), at(L"a, \"\"the first\"\"")) << "in the order of the grid, quoted";
+    EXPECT_EQ(at(L"hidden"), std::string::npos);
+    EXPECT_THAT(prompts.shown, ::testing::IsEmpty());
+    save->trigger();
+    ASSERT_THAT(prompts.shown, ::testing::SizeIs(1));
+    EXPECT_THAT(prompts.shown[0].text, ::testing::HasSubstr(folder.Name(L"nowhere/list.csv")));
+}
+
+TEST_P(FilePage, ColumnsAreAsTheyWereLeft) {
+    const int column = ColumnNamed("fileName");
+    auto* table = Grid().IsColumnShown(column) && Grid().FrozenTable()->isColumnHidden(column)
+                      ? Grid().Table()
+                      : Grid().FrozenTable();
+    table->setColumnWidth(column, 177);
+    Model().sort(column, Qt::DescendingOrder);
+    ASSERT_TRUE(Press("cancel"));
+    Open();
+    EXPECT_EQ(Grid().ColumnWidth(column), 177);
+    EXPECT_EQ(Model().SortColumn(), column);
 }
 
 TEST_P(FilePage, TheDetailsPaneIsAsItWasLeft) {

@@ -1,79 +1,37 @@
-#include <ostream>
+#include <vector>
 
 #include "host/inspect/ReportColumns.h"
 #include "host/inspect/ReportWriter.h"
-#include "support/Text.h"
+#include "support/FileTableCsv.h"
 
 namespace orvex {
-
 namespace {
 
-std::string Findings(const FileReport& report) {
-    return ToUtf8(FindingLines(report.findings));
-}
-
-/// What every file has, before the columns of the pages.
-struct FileColumn {
-    const char* name;
-    std::string (*text)(const FileReport& report);
-};
-
-constexpr FileColumn kFileColumns[] = {
-    {"path", [](const FileReport& report) { return ToUtf8(report.path); }},
-    {"kind", [](const FileReport& report) { return report.kind; }},
-    {"loadable", [](const FileReport& report) { return std::string(report.loadable ? "true" : "false"); }},
-    {"summary", [](const FileReport& report) { return ToUtf8(report.summary); }},
-    {"findings", Findings},
-};
-
-/// RFC 4180: quoted when it holds a separator, a quote or a line end; quotes are doubled.
-std::string CsvField(std::string_view text) {
-    if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
-        return std::string(text);
+std::vector<std::string_view> ColumnNames() {
+    std::vector<std::string_view> names;
+    for (const ReportColumn& column : ReportColumns()) {
+        names.emplace_back(column.Look().name);
     }
-    std::string quoted = "\"";
-    for (const char c : text) {
-        quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
-    }
-    return quoted + '"';
+    return names;
 }
 
 class CsvReportWriter final : public ReportWriter {
   public:
-    explicit CsvReportWriter(std::ostream& out) : out_(out) {
-        for (const FileColumn& column : kFileColumns) {
-            Field(column.name);
-        }
-        for (const ReportColumn& column : ReportColumns()) {
-            Field(column.Look().name);
-        }
-        EndLine();
-    }
+    explicit CsvReportWriter(std::ostream& out) : table_(out, ColumnNames()) {}
 
     void Write(const FileReport& report) override {
-        for (const FileColumn& column : kFileColumns) {
-            Field(column.text(report));
-        }
+        table_.BeginFile(
+            {report.path, report.kind, report.loadable, report.summary, FindingLines(report.findings)});
         for (const ReportColumn& column : ReportColumns()) {
-            Field(ToUtf8(column.ExactText(report)));
+            table_.Cell(column.ExactText(report));
         }
-        EndLine();
+        table_.EndFile();
     }
 
     void Finish() override {}
 
   private:
-    void Field(std::string_view text) {
-        out_ << (first_ ? "" : ",") << CsvField(ValidUtf8(ToUtf8(WithoutControls(FromUtf8(text), L"\n"))));
-        first_ = false;
-    }
-    void EndLine() {
-        out_ << "\r\n";
-        first_ = true;
-    }
-
-    std::ostream& out_;
-    bool first_ = true;
+    FileTableCsv table_;
 };
 
 }  // namespace

@@ -1,23 +1,15 @@
 #include "host/inspect/ReportColumns.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
-#include <cmath>
 #include <stdexcept>
 #include <vector>
 
 #include "las/LasColumns.h"
 #include "raster/RasterColumns.h"
+#include "support/FileTableCsv.h"
 
 namespace orvex {
 namespace {
-
-// Every report states these itself, and flags are icons.
-bool IsLeftOut(const GridColumn& column) {
-    const std::string_view name = column.name;
-    return column.hidden || column.kind == CellKind::Flag || name == "state" || name == "summary";
-}
 
 template <typename Row>
 void AddColumns(std::span<const Column<Row>> columns, std::vector<ReportColumn>& all) {
@@ -25,7 +17,7 @@ void AddColumns(std::span<const Column<Row>> columns, std::vector<ReportColumn>&
         const bool isKnown = std::ranges::any_of(all, [&](const ReportColumn& known) {
             return std::string_view(known.Look().name) == column.name;
         });
-        if (!isKnown && !IsLeftOut(column)) {
+        if (!isKnown && IsInFileTable(column)) {
             all.emplace_back(column);
         }
     }
@@ -66,12 +58,7 @@ std::wstring ReportColumn::Text(const FileReport& report) const {
 
 std::wstring ReportColumn::ExactText(const FileReport& report) const {
     return WithCell<std::wstring>(report, look_->name, [](const auto& column, const auto& row) {
-        const GridCell cell = column.cell(row);
-        const auto* number = std::get_if<double>(&cell);
-        if (number == nullptr) {
-            return CellText(column, row);
-        }
-        return std::isfinite(*number) ? FromUtf8(fmt::format("{}", *number)) : std::wstring();
+        return orvex::ExactText(column, row);
     });
 }
 

@@ -174,6 +174,8 @@ FileListPageDescription Describe() {
     page.helpExplainsControls = true;
     page.splitterName = "lasSplitter";
     page.paneStateName = L"AddLASFilesDetails";
+    page.columnStateName = L"AddLASFilesColumns";
+    page.kind = DataKindName(DataKind::Las);
     page.detailsTabs = {{"detailsOverview", text::kDetailsOverviewTab, Html},
                         {"detailsCrs", text::kDetailsCrsTab, Html},
                         {"detailsRecords", text::kDetailsRecordsTab, PlainText}};

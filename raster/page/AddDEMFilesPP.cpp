@@ -162,6 +162,8 @@ FileListPageDescription Describe() {
     page.helpTopic = HelpTopic::DemFiles;
     page.splitterName = "demSplitter";
     page.paneStateName = L"AddDEMFilesDetails";
+    page.columnStateName = L"AddDEMFilesColumns";
+    page.kind = DataKindName(DataKind::Dem);
     page.detailsTabs = {{"demOverview", text::kDetailsOverviewTab, Html},
                         {"demCrs", text::kDetailsCrsTab, Html},
                         {"demBands", text::kRasterBandsTab, Html}};

@@ -1,6 +1,7 @@
 #include "raster/page/AddRasterFilesPP.h"
 
 #include "dialog/page/OptionForm.h"
+#include "support/DataKinds.h"
 
 namespace orvex {
 namespace {
@@ -52,6 +53,8 @@ FileListPageDescription Describe() {
     page.helpTopic = HelpTopic::RasterFiles;
     page.splitterName = "rasterSplitter";
     page.paneStateName = L"AddRasterFilesDetails";
+    page.columnStateName = L"AddRasterFilesColumns";
+    page.kind = DataKindName(DataKind::Raster);
     page.detailsTabs = {{"rasterOverview", text::kDetailsOverviewTab, Html},
                         {"rasterCrs", text::kDetailsCrsTab, Html},
                         {"rasterBands", text::kRasterBandsTab, Html}};

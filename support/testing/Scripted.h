@@ -46,7 +46,11 @@ class ScriptedPickers final : public FilePickers {
     std::deque<std::optional<std::wstring>> folders;
     std::vector<OpenFilesRequest> asked;
     std::vector<std::wstring> folderTitles;
-    std::wstring failure;  ///< thrown by both unless empty
+    std::deque<std::wstring> saveFiles;
+    std::vector<SaveFileRequest> saveAsked;
+    std::vector<std::wstring> shownInFolder;
+    bool canShowFolders = true;
+    std::wstring failure;  ///< thrown by the first two unless empty
 
     PickedFiles PickFiles(const OpenFilesRequest& request) override {
         ThrowFailure();
@@ -57,6 +61,14 @@ class ScriptedPickers final : public FilePickers {
         ThrowFailure();
         folderTitles.push_back(title);
         return Next(folders, {});
+    }
+    std::optional<std::wstring> PickSaveFile(const SaveFileRequest& request) override {
+        saveAsked.push_back(request);
+        return saveFiles.empty() ? std::nullopt : std::optional(Next(saveFiles, {}));
+    }
+    bool ShowInFolder(const std::wstring& path) override {
+        shownInFolder.push_back(path);
+        return canShowFolders;
     }
 
   private:
