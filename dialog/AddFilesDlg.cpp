@@ -7,20 +7,24 @@
 #include <QMimeData>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QShortcut>
 #include <QTabBar>
 #include <QToolButton>
-#include <QUrl>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <optional>
+#include <set>
 #include <utility>
 
 #include "dialog/CTabCtrlEx.h"
 #include "dialog/CompanionWarning.h"
 #include "dialog/DialogProgress.h"
+#include "dialog/FileDistribution.h"
 #include "dialog/Images.h"
 #include "dialog/RecordResults.h"
 #include "dialog/RunInputFilter.h"
 #include "dialog/WindowPlacement.h"
+#include "dialog/page/Mnemonics.h"
 #include "settings/OptionStore.h"
 #include "support/DesktopQt.h"
 #include "support/Format.h"
@@ -36,16 +40,6 @@ constexpr QSize kMinimumSize{800, 400};
 constexpr QSize kDefaultSize{1024, 768};
 constexpr const wchar_t* kPlacementName = L"AddFilesDlgA";
 
-std::vector<std::wstring> LocalPaths(const QMimeData& data) {
-    std::vector<std::wstring> paths;
-    for (const QUrl& url : data.urls()) {
-        if (url.isLocalFile()) {
-            paths.push_back(ToWidePath(url.toLocalFile()));
-        }
-    }
-    return paths;
-}
-
 }  // namespace
 
 AddFilesDlg::AddFilesDlg(AddFilesParams& params, DialogServices& services,
@@ -58,7 +52,8 @@ AddFilesDlg::AddFilesDlg(AddFilesParams& params, DialogServices& services,
       images_(MakeImageList()) {
     setObjectName(QStringLiteral("AddFilesDlg"));
     BuildWindow();
-    tabs_->Build(pages, PageContext{services_, &params_, *progress_, images_});
+    files_ = std::make_unique<FileDistribution>(*tabs_, *progress_, services_.prompts);
+    tabs_->Build(pages, PageContext{services_, &params_, *progress_, images_, files_.get()});
     tabs_->Select(0);
 }
 
@@ -88,7 +83,12 @@ void AddFilesDlg::BuildWindow() {
             }));
     connect(stop_, &QToolButton::clicked, progress_, &DialogProgress::Stop);
     connect(ok_, &QPushButton::clicked, this, &AddFilesDlg::accept);
-    connect(cancel_, &QPushButton::clicked, this, &AddFilesDlg::reject);
+    connect(cancel_, &QPushButton::clicked, this, &AddFilesDlg::Cancel);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        // A shortcut, because a button that has the focus would take the key for a click.
+        auto* shortcut = new QShortcut(QKeySequence(Qt::CTRL | key), this);
+        connect(shortcut, &QShortcut::activated, this, &AddFilesDlg::accept);
+    }
     setAcceptDrops(true);
 }
 
@@ -130,6 +130,8 @@ std::int32_t AddFilesDlg::Initialise() {
     setMinimumSize(kMinimumSize);
     ok_->setText(ToQString(Text(text::kOk)));
     cancel_->setText(ToQString(Text(text::kCancel)));
+    AssignAllMnemonics();
+    ArrangeTabOrder();
     if (const std::int32_t result = AskHostApplication(); result < 0) {
         return result;
     }
@@ -142,6 +144,19 @@ std::int32_t AddFilesDlg::Initialise() {
         RestoreWindowPlacement(*this, services_.options, kPlacementName);
     }
     return kHostOk;
+}
+
+void AddFilesDlg::AssignAllMnemonics() {
+    std::set<QChar> used;
+    for (QPushButton* button : {ok_, cancel_}) {
+        button->setText(WithMnemonic(WithoutMnemonic(button->text()), used));
+    }
+    tabs_->AssignMnemonicsBeside(std::move(used));
+}
+
+/// Tabs come before what they show. In the order of creation they would come last.
+void AddFilesDlg::ArrangeTabOrder() {
+    setTabOrder(cancel_, tabs_->tabBar());
 }
 
 // The pages depend on the application object; without it the dialog would fail later and less clearly.
@@ -196,7 +211,7 @@ void AddFilesDlg::accept() {
     }
     bool close = false;
     RunGuarded(services_.prompts, L"OnOK", [&] {
-        if (!StorePages()) {
+        if (!MayAdd() || !StorePages()) {
             return;
         }
         const std::vector<AddFilesPage*> pages = tabs_->Pages();
@@ -215,7 +230,42 @@ void AddFilesDlg::accept() {
     }
 }
 
+/// Asks when something is odd, before pages change anything.
+bool AddFilesDlg::MayAdd() {
+    std::vector<PageReview> reviews;
+    for (AddFilesPage* page : tabs_->Pages()) {
+        reviews.push_back({tabs_->CaptionOf(page), page->Review()});
+    }
+    const std::optional<ReportPrompt> prompt = ReviewPrompt(reviews);
+    if (!prompt || services_.prompts.ShowReport(*prompt) == PromptAnswer::Yes) {
+        return true;
+    }
+    SelectOddRows(reviews);
+    return false;
+}
+
+/// On all pages; the first of them is shown, unless the one that is has some too.
+void AddFilesDlg::SelectOddRows(const std::vector<PageReview>& reviews) {
+    const std::vector<AddFilesPage*> pages = tabs_->Pages();
+    AddFilesPage* shown = nullptr;
+    for (std::size_t i = 0; i < pages.size(); ++i) {
+        if (const std::set<std::size_t> odd = OddRecords(reviews[i].review); !odd.empty()) {
+            pages[i]->SelectRecords(std::vector(odd.begin(), odd.end()));
+            shown = shown == nullptr || pages[i] == tabs_->CurrentPage() ? pages[i] : shown;
+        }
+    }
+    if (shown != nullptr) {
+        tabs_->Select(tabs_->TabOfPage(shown));
+    }
+}
+
 void AddFilesDlg::reject() {
+    if (progress_->IsRunning() || MayDiscard()) {
+        Cancel();
+    }
+}
+
+void AddFilesDlg::Cancel() {
     if (progress_->IsRunning()) {
         progress_->Stop();
         return;
@@ -226,6 +276,20 @@ void AddFilesDlg::reject() {
     }
     ReleasePages();
     QDialog::reject();
+}
+
+/// True as well when the window has gone while the question was open.
+bool AddFilesDlg::MayDiscard() {
+    const std::vector<AddFilesPage*> pages = tabs_->Pages();
+    if (progress_->WasStoppedJustNow() ||
+        std::ranges::none_of(pages, [](const AddFilesPage* page) { return page->HasRows(); })) {
+        return true;
+    }
+    Prompt prompt{Text(text::kDiscardQuestion), Text(text::kAddFilesTitle), PromptIcon::Warning,
+                  PromptButtons::YesNo};
+    prompt.yesText = Text(text::kDiscard);
+    prompt.noText = Text(text::kKeep);
+    return services_.prompts.Show(prompt) == PromptAnswer::Yes;
 }
 
 void AddFilesDlg::done(int result) {
@@ -261,9 +325,9 @@ void AddFilesDlg::RestoreFocus() {
     }
 }
 
-// A key held down must not stop a run and then close the dialog.
+// A key held down must not stop a run and then close the dialog, nor one that comes as the run ends.
 void AddFilesDlg::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape && event->isAutoRepeat()) {
+    if (event->key() == Qt::Key_Escape && (event->isAutoRepeat() || progress_->EndedJustNow())) {
         event->accept();
         return;
     }
@@ -276,22 +340,6 @@ void AddFilesDlg::keyPressEvent(QKeyEvent* event) {
         return;
     }
     QDialog::keyPressEvent(event);
-}
-
-/// The page that is shown, when it takes the file or folder, else the first that does; null for none.
-AddFilesPage* AddFilesDlg::PageFor(const std::wstring& path) const {
-    std::vector<AddFilesPage*> pages = tabs_->Pages();
-    if (AddFilesPage* current = tabs_->CurrentPage()) {
-        pages.insert(pages.begin(), current);
-    }
-    const auto found =
-        std::ranges::find_if(pages, [&](const AddFilesPage* page) { return page->Accepts(path); });
-    return found == pages.end() ? nullptr : *found;
-}
-
-void AddFilesDlg::AddPathsTo(AddFilesPage& page, const std::vector<std::wstring>& paths) {
-    tabs_->Select(tabs_->TabOfPage(&page));
-    page.AddPaths(paths);
 }
 
 void AddFilesDlg::showEvent(QShowEvent* event) {
@@ -307,52 +355,26 @@ void AddFilesDlg::hideEvent(QHideEvent* event) {
 }
 
 void AddFilesDlg::AddInitialPaths() {
-    RunGuarded(services_.prompts, L"AddInitialPaths", [this] {
-        std::vector<std::pair<AddFilesPage*, std::vector<std::wstring>>> shares;  // in the order of the paths
-        for (const std::wstring& path : before_.initialPaths) {
-            AddFilesPage* page = PageFor(path);
-            const auto share = std::ranges::find(shares, page, [](const auto& entry) { return entry.first; });
-            if (page != nullptr && share == shares.end()) {
-                shares.push_back({page, {path}});
-            } else if (page != nullptr) {
-                share->second.push_back(path);
-            }
-        }
-        for (const auto& [page, paths] : shares) {
-            AddPathsTo(*page, paths);
-            if (progress_->WasStoppedJustNow()) {
-                break;  // Escape is meant for all of them
-            }
-        }
-        if (!shares.empty()) {
-            tabs_->Select(tabs_->TabOfPage(shares.front().first));
-        }
-    });
+    RunGuarded(services_.prompts, L"AddInitialPaths", [this] { files_->AddEach(before_.initialPaths); });
 }
 
 void AddFilesDlg::dragEnterEvent(QDragEnterEvent* event) {
     RunGuarded(services_.prompts, L"OnDragEnter", [&] {
         const std::vector<std::wstring> paths = LocalPaths(*event->mimeData());
-        if (std::ranges::any_of(paths, [this](const auto& path) { return PageFor(path) != nullptr; })) {
+        if (files_->PageForAny(paths) != nullptr) {
             event->acceptProposedAction();
         }
     });
 }
 
-// The page that is shown takes all if it takes any; else the first page that knows one of the files does.
+// One page takes all, and offers the others what it does not list.
 void AddFilesDlg::dropEvent(QDropEvent* event) {
     if (progress_->IsRunning()) {
         return;
     }
     RunGuarded(services_.prompts, L"OnDropFiles", [&] {
         const std::vector<std::wstring> paths = LocalPaths(*event->mimeData());
-        AddFilesPage* page = nullptr;
-        for (const std::wstring& path : paths) {
-            AddFilesPage* taker = PageFor(path);
-            const bool isFirst = page == nullptr || (taker != nullptr && taker == tabs_->CurrentPage());
-            page = isFirst ? taker : page;
-        }
-        if (page != nullptr) {
+        if (AddFilesPage* page = files_->PageForAny(paths)) {
             event->acceptProposedAction();
             AddDropped(*page, paths);
         }
@@ -364,7 +386,7 @@ void AddFilesDlg::AddDropped(AddFilesPage& page, std::vector<std::wstring> paths
     QMetaObject::invokeMethod(
         this,
         [this, &page, paths = std::move(paths)] {
-            RunGuarded(services_.prompts, L"OnDropFiles", [&] { AddPathsTo(page, paths); });
+            RunGuarded(services_.prompts, L"OnDropFiles", [&] { files_->AddTo(page, paths); });
         },
         Qt::QueuedConnection);
 }

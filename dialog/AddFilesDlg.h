@@ -3,10 +3,12 @@
 #include <QIcon>
 #include <QPointer>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
 #include "dialog/DialogServices.h"
+#include "dialog/ReviewPrompt.h"
 #include "dialog/page/AddFilesPage.h"
 #include "support/DesktopQt.h"
 
@@ -20,6 +22,7 @@ namespace orvex {
 
 class CTabCtrlEx;
 class DialogProgress;
+class FileDistribution;
 class RunInputFilter;
 
 /// The tabbed dialog for adding data to the project. Its pages come from a table; it knows nothing of any one
@@ -52,8 +55,11 @@ class AddFilesDlg : public QDialog {
   public slots:
     /// OK: each page validates and stores in turn; the first that refuses keeps the dialog open.
     void accept() override;
-    /// Cancel. Stops a running operation instead, and is ignored for a moment after one was stopped.
+    /// Escape and the window's close button: Cancel, but asks before a list is discarded.
     void reject() override;
+    /// The Cancel button. Stops a running operation instead, and is ignored for a moment after one was
+    /// stopped.
+    void Cancel();
     /// Stores the current tab and the window's placement; every way of closing ends here.
     void done(int result) override;
 
@@ -73,9 +79,12 @@ class AddFilesDlg : public QDialog {
     void RestoreRecord() noexcept;
     void AddInitialPaths();
     void AddDropped(AddFilesPage& page, std::vector<std::wstring> paths);
-    void AddPathsTo(AddFilesPage& page, const std::vector<std::wstring>& paths);
+    bool MayDiscard();
+    bool MayAdd();
+    void SelectOddRows(const std::vector<PageReview>& reviews);
+    void ArrangeTabOrder();
+    void AssignAllMnemonics();
     std::int32_t AskHostApplication();
-    AddFilesPage* PageFor(const std::wstring& path) const;
 
     const ParentGuard guard_{*this};
     AddFilesParams& params_;
@@ -90,6 +99,7 @@ class AddFilesDlg : public QDialog {
     QPushButton* cancel_;
     DialogProgress* progress_;
     RunInputFilter* inputFilter_;
+    std::unique_ptr<FileDistribution> files_;
     QPointer<QWidget> focusBeforeRun_;
     bool hasAddedInitialPaths_ = false;
     bool hasResults_ = false;  ///< pages have written some at the last OK

@@ -4,6 +4,7 @@
 #include <QTabBar>
 
 #include "dialog/Images.h"
+#include "dialog/page/Mnemonics.h"
 #include "support/HandlerGuard.h"
 #include "support/LDataError.h"
 #include "support/Log.h"
@@ -142,6 +143,19 @@ std::vector<AddFilesPage*> CTabCtrlEx::Pages() const {
 
 AddFilesPage* CTabCtrlEx::CurrentPage() const {
     return shown_ < 0 ? nullptr : tabs_[static_cast<std::size_t>(shown_)].page;
+}
+
+void CTabCtrlEx::AssignMnemonicsBeside(std::set<QChar> used) {
+    for (int tab = 0; tab < count(); ++tab) {
+        setTabText(tab, WithMnemonic(WithoutMnemonic(tabText(tab)), used));
+    }
+    for (AddFilesPage* page : Pages()) {
+        AssignMnemonics(*page, used);
+    }
+}
+
+std::wstring CTabCtrlEx::CaptionOf(const AddFilesPage* page) const {
+    return ToWide(WithoutMnemonic(tabText(TabOfPage(page))));
 }
 
 int CTabCtrlEx::TabOfPage(const AddFilesPage* page) const {

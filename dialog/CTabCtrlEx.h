@@ -2,6 +2,7 @@
 #include <QIcon>
 #include <QTabWidget>
 #include <memory>
+#include <set>
 #include <span>
 #include <vector>
 
@@ -34,6 +35,11 @@ class CTabCtrlEx : public QTabWidget {
     std::vector<AddFilesPage*> Pages() const;
     /// The page shown; null if none.
     AddFilesPage* CurrentPage() const;
+    /// Gives tabs and controls letters that differ from `used` and among what can be seen at once: the tabs
+    /// and one page.
+    void AssignMnemonicsBeside(std::set<QChar> used);
+    /// Caption of a page's tab, without a mnemonic.
+    std::wstring CaptionOf(const AddFilesPage* page) const;
     /// Index of a page's tab; -1 if it has none.
     int TabOfPage(const AddFilesPage* page) const;
 

@@ -12,7 +12,7 @@ namespace orvex {
 namespace {
 
 constexpr qint64 kPumpMs = 4;
-constexpr qint64 kSecondEscapeMs = 800;
+constexpr qint64 kLateEscapeMs = 800;
 constexpr QColor kGround{0xc8, 0xc8, 0xc8};
 constexpr int kSteps = 10000;  // resolution of the bar: a range of files or bytes may not fit an int
 
@@ -68,9 +68,7 @@ void DialogProgress::Begin() {
 void DialogProgress::End() {
     qApp->removeEventFilter(this);
     running_ = false;
-    if (cancelled_) {
-        sinceStopped_.start();
-    }
+    sinceEnd_.start();
     SetText({});
     bar_->hide();
     emit RunningChanged(false);
@@ -112,8 +110,8 @@ void DialogProgress::Stop() {
     }
 }
 
-bool DialogProgress::WasStoppedJustNow() const {
-    return sinceStopped_.isValid() && sinceStopped_.elapsed() < kSecondEscapeMs;
+bool DialogProgress::EndedJustNow() const {
+    return !running_ && sinceEnd_.isValid() && sinceEnd_.elapsed() < kLateEscapeMs;
 }
 
 bool DialogProgress::IsOfMyWindow(const QObject* watched) const {

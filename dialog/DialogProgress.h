@@ -42,8 +42,10 @@ class DialogProgress final : public QObject, public Kst::ProgressIf {
 
     /// Cancels the run, as Escape does; no effect if there is none.
     void Stop();
-    /// True shortly after a run was cancelled, when another Escape was meant for it too.
-    bool WasStoppedJustNow() const;
+    /// True shortly after a run has ended by itself or was cancelled, when an Escape was meant for it.
+    bool EndedJustNow() const;
+    /// True shortly after a run was cancelled, when another press was meant for it too.
+    bool WasStoppedJustNow() const { return cancelled_ && EndedJustNow(); }
 
   signals:
     void RunningChanged(bool running);
@@ -62,7 +64,7 @@ class DialogProgress final : public QObject, public Kst::ProgressIf {
     bool cancelled_ = false;
     std::uint64_t total_ = 0;
     QElapsedTimer sincePump_;
-    QElapsedTimer sinceStopped_;
+    QElapsedTimer sinceEnd_;
 };
 
 }  // namespace orvex

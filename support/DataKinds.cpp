@@ -99,7 +99,9 @@ std::vector<FileFilter> PickerFilters(DataKind page) {
     for (auto& [rank, filter] : ranked) {
         filters.push_back(std::move(filter));
     }
-    if (page != Las) {
+    if (page == Las) {
+        filters.push_back({L"LAS and LAZ Files (*.las, *.laz)", all.patterns});
+    } else {
         filters.insert(filters.begin(), std::move(all));
         filters.push_back({L"All Files (*.*)", L"*.*"});
     }

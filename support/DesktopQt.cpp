@@ -13,6 +13,7 @@
 
 #include "support/Files.h"
 #include "support/QtText.h"
+#include "support/ReportBox.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -173,6 +174,12 @@ TaskAnswer UserPromptsQt::ShowTask(const TaskPrompt& prompt) {
     }
     const PromptAnswer answer = box.Ask();
     return {answer, check != nullptr && check->isChecked()};
+}
+
+PromptAnswer UserPromptsQt::ShowReport(const ReportPrompt& prompt) {
+    ReportBox box(prompt, Parent());
+    const ParentGuard guard(box);
+    return box.exec() == QDialog::Accepted ? PromptAnswer::Yes : PromptAnswer::No;
 }
 
 HelpViewerQt::HelpViewerQt(std::filesystem::path folder, Open open)

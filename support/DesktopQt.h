@@ -52,6 +52,7 @@ class UserPromptsQt final : public UserPrompts {
 
     PromptAnswer Show(const Prompt& prompt) override;
     TaskAnswer ShowTask(const TaskPrompt& prompt) override;
+    PromptAnswer ShowReport(const ReportPrompt& prompt) override;
 
   private:
     QWidget* Parent() const;

@@ -50,8 +50,10 @@ class FilePickersQt final : public FilePickers {
     PickedFiles PickFiles(const OpenFilesRequest& request) override {
         return GuardedPick([&] { return Pick(request); });
     }
-    std::optional<std::wstring> PickFolder(const std::wstring& title) override {
-        const QString folder = QFileDialog::getExistingDirectory(ActiveQtWindow(), ToQString(title));
+    std::optional<std::wstring> PickFolder(const std::wstring& title,
+                                           const std::wstring& initialFolder) override {
+        const QString folder =
+            QFileDialog::getExistingDirectory(ActiveQtWindow(), ToQString(title), ToQString(initialFolder));
         return folder.isEmpty() ? std::nullopt : std::optional(ToWidePath(folder));
     }
     std::optional<std::wstring> PickSaveFile(const SaveFileRequest& request) override {

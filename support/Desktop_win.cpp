@@ -91,11 +91,13 @@ LPARAM AsParameter(const std::wstring& text) {
     return reinterpret_cast<LPARAM>(text.c_str());
 }
 
-/// The browser opens on the current folder and shows the path of what is selected.
-int CALLBACK OnFolderBrowser(HWND browser, UINT message, LPARAM parameter, LPARAM) noexcept {
+/// The browser opens on its initial folder and shows the path of what is selected. `data`: that folder, a
+/// std::wstring.
+int CALLBACK OnFolderBrowser(HWND browser, UINT message, LPARAM parameter, LPARAM data) noexcept {
     try {
         if (message == BFFM_INITIALIZED) {
-            SendMessageW(browser, BFFM_SETSELECTIONW, TRUE, AsParameter(CurrentFolder()));
+            SendMessageW(browser, BFFM_SETSELECTIONW, TRUE,
+                         AsParameter(*reinterpret_cast<const std::wstring*>(data)));
         } else if (message == BFFM_SELCHANGED) {
             const std::wstring path = PathOf(reinterpret_cast<const ITEMIDLIST*>(parameter));
             SendMessageW(browser, BFFM_SETSTATUSTEXTW, 0, AsParameter(path));
@@ -139,14 +141,17 @@ class SystemPickers final : public FilePickers {
         return GuardedPick([&] { return Pick(request); });
     }
 
-    std::optional<std::wstring> PickFolder(const std::wstring& title) override {
+    std::optional<std::wstring> PickFolder(const std::wstring& title,
+                                           const std::wstring& initialFolder) override {
         const OleApartment apartment;
+        const std::wstring first = initialFolder.empty() ? CurrentFolder() : initialFolder;
         BROWSEINFOW browser{};
         browser.hwndOwner = ActiveNativeWindow();
         browser.lpszTitle = title.c_str();
         // The new style needs a single-threaded apartment; without one the old style still serves.
         browser.ulFlags = apartment ? kFolderFlags : kFolderFlags & ~static_cast<UINT>(BIF_NEWDIALOGSTYLE);
         browser.lpfn = OnFolderBrowser;
+        browser.lParam = reinterpret_cast<LPARAM>(&first);
         const TaskMemory<ITEMIDLIST> chosen(SHBrowseForFolderW(&browser));
         std::wstring folder = chosen ? PathOf(chosen.get()) : std::wstring();
         return folder.empty() ? std::nullopt : std::optional(std::move(folder));

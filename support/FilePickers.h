@@ -41,8 +41,10 @@ class FilePickers {
     virtual ~FilePickers() = default;
     /// Picks one or more files. A typed name may not exist: Windows' dialog only checks its folder.
     virtual PickedFiles PickFiles(const OpenFilesRequest& request) = 0;
-    /// Picks a folder; nullopt if the user cancelled.
-    virtual std::optional<std::wstring> PickFolder(const std::wstring& title) = 0;
+    /// Picks a folder, beginning in `initialFolder` (empty: the process's current one); nullopt if the user
+    /// cancelled.
+    virtual std::optional<std::wstring> PickFolder(const std::wstring& title,
+                                                   const std::wstring& initialFolder) = 0;
     /// Picks the file to write; the user has agreed to replace an existing one. Nullopt if cancelled.
     virtual std::optional<std::wstring> PickSaveFile(const SaveFileRequest& request) = 0;
     /// Opens the file manager on a file's folder, with the file selected where the system can. False if it

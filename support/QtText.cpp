@@ -1,7 +1,9 @@
 #include "support/QtText.h"
 
 #include <QDir>
+#include <QMimeData>
 #include <QTextDocument>
+#include <QUrl>
 
 namespace orvex {
 
@@ -46,6 +48,16 @@ QString TooltipText(const QString& text) {
 
 std::wstring ToWidePath(const QString& path) {
     return ToWide(QDir::toNativeSeparators(path));
+}
+
+std::vector<std::wstring> LocalPaths(const QMimeData& data) {
+    std::vector<std::wstring> paths;
+    for (const QUrl& url : data.urls()) {
+        if (url.isLocalFile()) {
+            paths.push_back(ToWidePath(url.toLocalFile()));
+        }
+    }
+    return paths;
 }
 
 }  // namespace orvex

@@ -3,6 +3,9 @@
 #include <QString>
 #include <string>
 #include <string_view>
+#include <vector>
+
+class QMimeData;
 
 namespace orvex {
 
@@ -18,5 +21,8 @@ QString TooltipText(const QString& text);
 
 /// Path from Qt ("/" everywhere) with the system's own separators.
 std::wstring ToWidePath(const QString& path);
+
+/// Paths of the files and folders of this computer that are dragged.
+std::vector<std::wstring> LocalPaths(const QMimeData& data);
 
 }  // namespace orvex

@@ -34,12 +34,27 @@ struct TaskAnswer {
     bool verificationChecked = false;
 };
 
+/// A question over lists of what it is about. Answered with Yes or No; closing the window is No.
+struct ReportPrompt {
+    struct Section {
+        std::wstring heading;
+        std::vector<std::wstring> lines;
+    };
+
+    std::wstring caption;
+    std::wstring summary;
+    std::vector<Section> sections;
+    std::wstring yesText;
+    std::wstring noText;
+};
+
 /// Messages and questions to the user: modal windows, or scripted answers in tests.
 class UserPrompts {
   public:
     virtual ~UserPrompts() = default;
     virtual PromptAnswer Show(const Prompt& prompt) = 0;
     virtual TaskAnswer ShowTask(const TaskPrompt& prompt) = 0;
+    virtual PromptAnswer ShowReport(const ReportPrompt& prompt) = 0;
 };
 
 }  // namespace orvex

@@ -110,6 +110,13 @@ void DetailsPanel::SetFolded(bool folded) {
     ShowBody();
 }
 
+void DetailsPanel::Open() {
+    SetFolded(false);
+    if (QWidget* view = IsBodyShown() ? tabs_->currentWidget() : nullptr) {
+        view->setFocus();
+    }
+}
+
 void DetailsPanel::SetCrowded(bool crowded) {
     crowded_ = crowded;
     ShowBody();

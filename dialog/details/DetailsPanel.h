@@ -47,6 +47,8 @@ class DetailsPanel final : public QWidget {
     /// What the user chose; a crowded pane shows only its title all the same.
     bool IsFolded() const { return folded_; }
     void SetFolded(bool folded);
+    /// Unfolds the pane and gives its text the focus.
+    void Open();
     /// The window has no room for the pane.
     void SetCrowded(bool crowded);
     bool IsBodyShown() const { return !folded_ && !crowded_; }

@@ -3,17 +3,31 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "dialog/DialogServices.h"
+#include "dialog/page/AddingReview.h"
 #include "dialog/page/FixedText.h"
 #include "orvexcommon/AddFilesParams.h"
 #include "support/ImageIndex.h"
 
 namespace orvex {
 
+class AddFilesPage;
 class DialogProgress;
+
+/// Takes the files that a page has found and does not list itself.
+class FileOffers {
+  public:
+    virtual ~FileOffers() = default;
+    /// Those of `files` that a page of the dialog lists; the others stay in `files`.
+    virtual std::vector<std::wstring> TakeListed(std::vector<std::wstring>& files) const = 0;
+    /// Asks the user whether they are to be added to their pages, and adds them. `finder` is shown
+    /// afterwards.
+    virtual void Offer(AddFilesPage& finder, const std::vector<std::wstring>& files) = 0;
+};
 
 /// What the dialog gives each page when it makes it.
 struct PageContext {
@@ -21,6 +35,7 @@ struct PageContext {
     AddFilesParams* params;            ///< never null; only read and written by a page whose switch is on
     DialogProgress& progress;          ///< the shared bar
     const std::vector<QIcon>& images;  ///< the dialog's image list
+    FileOffers* offers = nullptr;      ///< null: files of other pages are left out
 };
 
 /// One page of the Add Files dialog.
@@ -42,6 +57,12 @@ class AddFilesPage : public QWidget {
     virtual void AddPaths(const std::vector<std::wstring>& paths) = 0;
     /// True if a file or folder of this path could be one of this page's.
     virtual bool Accepts(const std::wstring& path) const = 0;
+    /// True if the user has collected anything that closing the dialog would discard.
+    virtual bool HasRows() const { return false; }
+    /// What is odd about the files, before ValidateAndStore.
+    virtual AddingReview Review() const { return {}; }
+    /// Selects rows by record, as a review names them, and scrolls to the first.
+    virtual void SelectRecords(std::span<const std::size_t> /*records*/) {}
     /// True if files on the page will need companion files built (LAS page).
     virtual bool NeedsCompanionFiles() const { return false; }
 };

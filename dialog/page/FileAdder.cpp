@@ -250,12 +250,13 @@ class Reading {
 // The side of the run that lives on the user-interface thread.
 class Delivery {
   public:
+    /// `rowsToAsk`: rows that are still missing when the question comes; nullopt: it does not.
     Delivery(const AddingDescription& description, const Steps& steps, std::shared_ptr<Reading> reading,
-             std::size_t rowsBefore, UserPrompts& prompts, Kst::ProgressIf& progress)
+             std::optional<std::size_t> rowsToAsk, UserPrompts& prompts, Kst::ProgressIf& progress)
         : description_(description),
           steps_(steps),
           reading_(std::move(reading)),
-          rowsBefore_(rowsBefore),
+          rowsToAsk_(rowsToAsk),
           prompts_(prompts),
           progress_(progress) {
         summary_.offered = reading_->Paths().size();
@@ -298,15 +299,14 @@ class Delivery {
             if (end == RunEnd::Abandoned && !refused && looked_ < summary_.offered) {
                 summary_.abandonedPath = reading_->Paths()[looked_];
             }
+            const auto& paths = reading_->Paths();
+            summary_.unread.assign(paths.begin() + static_cast<std::ptrdiff_t>(looked_), paths.end());
         }
         return std::move(summary_);
     }
 
   private:
-    bool MustAsk() const {
-        return description_.confirmText.value != 0 &&
-               rowsBefore_ + summary_.added + batch_.size() == description_.confirmAtRows;
-    }
+    bool MustAsk() const { return summary_.added + batch_.size() == rowsToAsk_; }
 
     bool MayGoOn() {
         const std::wstring text =
@@ -333,7 +333,7 @@ class Delivery {
     const AddingDescription& description_;
     const Steps& steps_;
     std::shared_ptr<Reading> reading_;
-    std::size_t rowsBefore_;
+    std::optional<std::size_t> rowsToAsk_;
     UserPrompts& prompts_;
     Kst::ProgressIf& progress_;
     AddingSummary summary_;
@@ -354,9 +354,12 @@ AddingSummary Run(const AddingDescription& description, AddingRequest request, c
     if (request.paths.empty()) {
         return {};
     }
-    const std::size_t rowsBefore = request.rowsBefore;
+    const bool asks = request.asksAtMany && description.confirmText.value != 0 &&
+                      request.rowsBefore < description.confirmAtRows;
+    const auto rowsToAsk =
+        asks ? std::optional(description.confirmAtRows - request.rowsBefore) : std::nullopt;
     const auto reading = std::make_shared<Reading>(std::move(request), description.buddy, steps);
-    Delivery delivery(description, steps, reading, rowsBefore, prompts, progress);
+    Delivery delivery(description, steps, reading, rowsToAsk, prompts, progress);
     const RunEnd end = RunInBackground([reading](const std::stop_token& stop) { reading->Run(stop); },
                                        progress, [&delivery] { return delivery.Poll(); });
     return delivery.Finish(end);

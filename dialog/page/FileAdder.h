@@ -38,14 +38,16 @@ struct AddingRequest {
     std::vector<std::wstring> paths;                             ///< full paths, added in this order
     std::unordered_multimap<std::wstring, std::wstring> listed;  ///< the paths in the grid by their PathKey
     std::size_t rowsBefore = 0;                                  ///< rows in the grid
+    bool asksAtMany = true;  ///< the question of AddingDescription; false for files agreed to before
 };
 
 struct AddingSummary {
-    std::size_t offered = 0;     ///< paths asked for
-    std::size_t added = 0;       ///< records delivered
-    std::size_t skipped = 0;     ///< listed already, under their own path or their buddy's
-    bool stopped = false;        ///< by Escape or by the answer to the question; the rest was not looked at
-    std::wstring abandonedPath;  ///< the file that did not answer when the run was stopped; empty: none
+    std::size_t offered = 0;  ///< paths asked for
+    std::size_t added = 0;    ///< records delivered
+    std::size_t skipped = 0;  ///< listed already, under their own path or their buddy's
+    bool stopped = false;     ///< by Escape or by the answer to the question; the rest was not looked at
+    std::vector<std::wstring> unread;  ///< that rest, in its order
+    std::wstring abandonedPath;        ///< the file that did not answer when the run was stopped; empty: none
 };
 
 namespace adding {

@@ -3,36 +3,29 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QUrl>
 #include <algorithm>
 #include <utility>
 
 #include "dialog/DialogProgress.h"
 #include "dialog/grid/GridView.h"
 #include "dialog/page/BackgroundRun.h"
+#include "dialog/page/ListStatus.h"
 #include "support/DataKinds.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/HandlerGuard.h"
+#include "support/NaturalOrder.h"
 #include "support/QtText.h"
 
 namespace orvex {
-namespace {
-
-std::vector<std::wstring> PathsOf(const QMimeData& data) {
-    std::vector<std::wstring> paths;
-    for (const QUrl& url : data.urls()) {
-        paths.push_back(ToWidePath(url.toLocalFile()));
-    }
-    return paths;
-}
-
-}  // namespace
 
 FileListPage::FileListPage(const PageContext& context, const FileListPageDescription& description,
                            QWidget* parent)
-    : ListPage(context, description, parent), description_(description) {
+    : ListPage(context, description, parent), description_(description), offers_(context.offers) {
     setAcceptDrops(true);
+    MakeHistoryActions();
+    connect(&Status(), &ListStatus::ContinueRequested, this,
+            Guarded(Services().prompts, L"OnContinue", [this] { ContinueReading(); }));
 }
 
 std::vector<ListPage::PageButton> FileListPage::Buttons() {
@@ -53,11 +46,12 @@ void FileListPage::OnAddFiles() {
     constexpr std::size_t kLongestTitle = 255;
     OpenFilesRequest request;
     request.title = Text(description_.pickTitle).substr(0, kLongestTitle);
-    request.initialFolder = description_.startsInInitialFolder ? Params().initialFolder : std::wstring();
+    request.initialFolder = FirstFolder();
     request.filters = description_.filters;
     const PickedFiles picked = Services().pickers.PickFiles(request);
     switch (picked.outcome) {
         case PickOutcome::Picked:
+            RememberFolder(picked.paths.empty() ? std::wstring() : FolderOf(picked.paths.front()));
             AddFiles(picked.paths);
             break;
         case PickOutcome::Cancelled:
@@ -81,10 +75,13 @@ void FileListPage::ShowPickFailure(const FixedText& text) const {
 }
 
 void FileListPage::OnAddFolder() {
-    const auto folder = Services().pickers.PickFolder(Text(description_.folderTitle));
+    // Where the host says where files are picked, folders are picked from the process's current one.
+    const auto folder = Services().pickers.PickFolder(
+        Text(description_.folderTitle), description_.startsInInitialFolder ? std::wstring() : FirstFolder());
     if (!folder.has_value()) {
         return;
     }
+    RememberFolder(*folder);
     const PromptAnswer answer =
         Services().prompts.Show({description_.folderQuestion.Get(), Text(description_.folderCaption),
                                  PromptIcon::Question, PromptButtons::YesNoCancel});
@@ -99,22 +96,104 @@ void FileListPage::AddPaths(const std::vector<std::wstring>& paths) {
     }
 }
 
-void FileListPage::AddFound(std::vector<std::wstring> paths, bool recursive) {
-    ScanRequest request{std::move(paths), description_.extensions, recursive, description_.folderExtensions};
-    ScanResult found;
-    {
-        const DialogProgress::Run run(Progress());
-        found = ScanPathsWithProgress(std::move(request), Text(description_.scanProgress), Progress());
+/// Of the next picker: the last one's on this page. The host's comes before that of an earlier dialog.
+std::wstring FileListPage::FirstFolder() const {
+    if (!pickedFolder_.empty()) {
+        return pickedFolder_;
     }
-    if (const std::optional<Prompt> prompt = ScanPrompt(found, description_.scanTexts)) {
+    if (description_.startsInInitialFolder && !Params().initialFolder.empty()) {
+        return Params().initialFolder;
+    }
+    return FromUtf8(Services().options.ReadPlacement(description_.folderName).value_or(std::string()));
+}
+
+void FileListPage::RememberFolder(const std::wstring& folder) {
+    if (!folder.empty()) {
+        pickedFolder_ = folder;
+        Services().options.WritePlacement(description_.folderName, ToUtf8(folder));
+    }
+}
+
+void FileListPage::AddFound(std::vector<std::wstring> paths, bool recursive) {
+    ScanResult found =
+        Search({std::move(paths), description_.extensions, recursive, description_.folderExtensions});
+    std::vector<std::wstring> others;
+    if (offers_ != nullptr && !found.stopped) {
+        others = offers_->TakeListed(found.ignored);
+        std::ranges::move(offers_->TakeListed(found.others), std::back_inserter(others));
+        SortNaturally(others);
+        others.erase(std::unique(others.begin(), others.end()), others.end());
+    }
+    if (const std::optional<Prompt> prompt = ScanPrompt(found, description_.scanTexts, !others.empty())) {
         Services().prompts.Show(*prompt);
     }
     if (!found.stopped && !found.files.empty()) {
         AddFiles(std::move(found.files));
     }
+    if (!others.empty() && unread_.empty()) {
+        offers_->Offer(*this, others);
+    }
+}
+
+ScanResult FileListPage::Search(ScanRequest request) {
+    const DialogProgress::Run run(Progress());
+    return ScanPathsWithProgress(std::move(request), Text(description_.scanProgress), Progress());
 }
 
 void FileListPage::AddFiles(std::vector<std::wstring> paths) {
+    const AddingSummary summary = ReadNew(RequestFor(std::move(paths)));
+    KeepUnread(summary.offered, summary.unread);
+    TellOutcome(summary);
+}
+
+void FileListPage::ContinueReading() {
+    if (!Progress().IsRunning()) {
+        AddingRequest request = RequestFor(std::exchange(unread_, {}));
+        request.asksAtMany = false;
+        const AddingSummary summary = ReadNew(std::move(request));
+        KeepUnread(0, summary.unread);
+        TellOutcome(summary);
+    }
+}
+
+/// How many files were found, and what became of them.
+void FileListPage::TellOutcome(const AddingSummary& summary) {
+    std::wstring text = FormatText(Text(text::kFilesFound), {summary.offered}) +
+                        FormatText(Text(text::kOfThemAdded), {summary.added});
+    const std::pair<StringId, std::size_t> parts[] = {{text::kOfThemListed, summary.skipped},
+                                                      {text::kOfThemUnread, summary.unread.size()}};
+    for (const auto& [part, count] : parts) {
+        text += count == 0 ? std::wstring() : FormatText(Text(part), {count});
+    }
+    Progress().SetOutcome(text);
+    if (!summary.abandonedPath.empty()) {
+        ShowMessage(Text(text::kLasFileNotAnswering) + L"\n\n" + summary.abandonedPath,
+                    description_.pickCaption, PromptIcon::Warning);
+    }
+}
+
+void FileListPage::KeepUnread(std::size_t asked, const std::vector<std::wstring>& unread) {
+    askedFor_ += unread.empty() ? 0 : asked;
+    unread_.insert(unread_.end(), unread.begin(), unread.end());
+    if (unread_.empty()) {
+        askedFor_ = 0;
+        Status().ClearStopped();
+    } else {
+        Status().SetStopped(askedFor_ - unread_.size(), askedFor_);
+    }
+}
+
+AddingSummary FileListPage::ReadNew(AddingRequest request) {
+    struct Recorder {
+        FileListPage& page;
+        const std::size_t first = page.RowCount();
+        ~Recorder() { page.RecordAdded(first); }
+    };
+    const Recorder recorder{*this};
+    return ReadFiles(std::move(request));
+}
+
+AddingSummary FileListPage::ReadFiles(AddingRequest request) {
     const bool wasEmpty = RowCount() == 0;
     const DialogProgress::Run run(Progress());
     const auto appended = [this, isFirst = wasEmpty]() mutable {
@@ -124,18 +203,14 @@ void FileListPage::AddFiles(std::vector<std::wstring> paths) {
     };
     AddingSummary summary;
     try {
-        summary = AddRows(RequestFor(std::move(paths)), appended);
+        summary = AddRows(std::move(request), appended);
     } catch (...) {
         FilesAdded(wasEmpty);
         throw;
     }
     DoLateWork();
     FilesAdded(wasEmpty);
-    Progress().SetOutcome(FormatText(Text(text::kFilesAdded), {summary.added, summary.skipped}));
-    if (!summary.abandonedPath.empty()) {
-        ShowMessage(Text(text::kLasFileNotAnswering) + L"\n\n" + summary.abandonedPath,
-                    description_.pickCaption, PromptIcon::Warning);
-    }
+    return summary;
 }
 
 void FileListPage::DoLateWork() {
@@ -166,6 +241,10 @@ void FileListPage::FilesAdded(bool wasEmpty) {
     EnableItems();
 }
 
+AddingReview FileListPage::Review() const {
+    return ReviewOf(Rows(), {description_.passesUnreadable, DamagedNote(), unread_});
+}
+
 void FileListPage::OnRefresh() {
     const DialogProgress::Run run(Progress());
     const bool isNew = RereadRows();
@@ -186,7 +265,7 @@ bool FileListPage::Accepts(const std::wstring& path) const {
 
 void FileListPage::dragEnterEvent(QDragEnterEvent* event) {
     RunGuarded(Services().prompts, L"OnDragEnter", [&] {
-        const bool any = std::ranges::any_of(PathsOf(*event->mimeData()),
+        const bool any = std::ranges::any_of(LocalPaths(*event->mimeData()),
                                              [this](const std::wstring& path) { return Accepts(path); });
         if (any && !Progress().IsRunning()) {
             event->acceptProposedAction();
@@ -199,7 +278,7 @@ void FileListPage::dropEvent(QDropEvent* event) {
     RunGuarded(Services().prompts, L"OnDropFiles", [&] {
         // The program that they are dragged from waits until the event has been handled.
         QMetaObject::invokeMethod(
-            this, [this, paths = PathsOf(*event->mimeData())] { AddPaths(paths); }, Qt::QueuedConnection);
+            this, [this, paths = LocalPaths(*event->mimeData())] { AddPaths(paths); }, Qt::QueuedConnection);
     });
 }
 

@@ -1,4 +1,5 @@
 #pragma once
+#include <QKeySequence>
 #include <functional>
 #include <iterator>
 #include <memory>
@@ -9,10 +10,13 @@
 #include "dialog/DialogProgress.h"
 #include "dialog/page/FileAdder.h"
 #include "dialog/page/FolderScan.h"
+#include "dialog/page/ListHistory.h"
 #include "dialog/page/ListModel.h"
 #include "dialog/page/ListPage.h"
 #include "dialog/page/ProjectFiles.h"
 #include "support/FilePickers.h"
+
+class QAction;
 
 namespace orvex {
 
@@ -23,7 +27,8 @@ struct FileListPageDescription : ListPageDescription {
     Button refresh = {0, {}, text::kRefreshTooltip};
 
     StringId pickTitle = {};             ///< 0: the system's own
-    bool startsInInitialFolder = false;  ///< the picker opens where the record says
+    bool startsInInitialFolder = false;  ///< the first picker opens where the record says
+    const wchar_t* folderName = L"";     ///< under which the folder of the last picker is stored
     std::vector<FileFilter> filters;
     FixedText tooManyFiles = text::kLasTooManySelected;  ///< the names do not fit the picker's buffer
     FixedText noMemory = text::kPickerOutOfMemory;       ///< for that buffer
@@ -40,19 +45,24 @@ struct FileListPageDescription : ListPageDescription {
     /// Of files that a folder is searched for; empty: the same.
     std::vector<std::wstring> folderExtensions;
 
+    bool passesUnreadable = true;  ///< the host gets files that cannot be loaded too
+
     AddingDescription adding;
     /// The files that the project has already, of the kind that the page adds; null: the page marks none.
     std::vector<std::wstring> AddFilesParams::*existingFiles = nullptr;
     StringId refreshProgress = text::kRefreshProgress;  ///< as AddingDescription::progressText
 };
 
-/// A page that lists files: picking, searching folders, dropping, reading them with progress.
+/// A page that lists files: picking, searching folders, dropping, reading them with progress, undoing and
+/// redoing what changed the list.
 class FileListPage : public ListPage {
     Q_OBJECT
 
   public:
     void AddPaths(const std::vector<std::wstring>& paths) override;
     bool Accepts(const std::wstring& path) const override;
+    void Release() override;
+    AddingReview Review() const override;
 
   protected:
     FileListPage(const PageContext& context, const FileListPageDescription& description, QWidget* parent);
@@ -68,10 +78,20 @@ class FileListPage : public ListPage {
     /// something new to say. Within a run.
     virtual bool RereadRows() = 0;
     virtual std::size_t RowCount() const = 0;
+    virtual const ListRows& Rows() const = 0;
+    virtual const std::wstring& PathOf(std::size_t record) const = 0;
+    /// Record `r` becomes record `newIndexOf[r]`.
+    virtual void MoveRows(const std::vector<std::size_t>& newIndexOf) = 0;
+    virtual void RemoveRows(std::vector<std::size_t> records) = 0;
     /// What rows that are shown already still wait for: searches that would delay them. Called on a worker
     /// thread, one after the other, when files have been read; Escape stops after the current one. Each must
     /// own what it touches and be safe to call beside the page.
     virtual std::vector<std::function<void()>> LateWork() const { return {}; }
+    /// What becomes of files with errors, as a sentence; empty: they are added like others.
+    virtual std::wstring DamagedNote() const { return {}; }
+
+    void BeforeRemoval(std::span<const std::size_t> records) override;
+    void Cleared() override;
 
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -80,13 +100,42 @@ class FileListPage : public ListPage {
     void OnAddFiles();
     void OnAddFolder();
     void OnRefresh();
-    void AddFound(std::vector<std::wstring> paths, bool recursive);
-    void AddFiles(std::vector<std::wstring> paths);
-    void FilesAdded(bool wasEmpty);
-    void DoLateWork();
+    std::wstring FirstFolder() const;
+    void RememberFolder(const std::wstring& folder);
     void ShowPickFailure(const FixedText& text) const;
 
+    void AddFound(std::vector<std::wstring> paths, bool recursive);
+    ScanResult Search(ScanRequest request);
+    void AddFiles(std::vector<std::wstring> paths);
+    void ContinueReading();
+    void TellOutcome(const AddingSummary& summary);
+    /// Reads files and appends their rows, as a change of its own or as part of one.
+    AddingSummary ReadNew(AddingRequest request);
+    AddingSummary ReadFiles(AddingRequest request);
+    void RecordAdded(std::size_t first);
+    void FilesAdded(bool wasEmpty);
+    void DoLateWork();
+    void KeepUnread(std::size_t asked, const std::vector<std::wstring>& unread);
+
+    void MakeHistoryActions();
+    QAction* AddHistoryAction(StringId caption, const QList<QKeySequence>& keys);
+    void OnUndo();
+    void OnRedo();
+    void Record(ListChange::Kind kind, std::span<const std::size_t> records);
+    /// Makes a change of the list, or reverses it, and tells of it.
+    void Apply(const ListChange& change, bool adds, StringId outcome);
+    void EnableHistory();
+    void Restore(const ListChange& change);
+    void TakeOut(const ListChange& change);
+
     const FileListPageDescription& description_;
+    FileOffers* offers_;
+    std::wstring pickedFolder_;  ///< in this dialog; empty: none yet
+    ListHistory history_;
+    QAction* undo_ = nullptr;
+    QAction* redo_ = nullptr;
+    std::vector<std::wstring> unread_;  ///< that runs which were stopped have not looked at
+    std::size_t askedFor_ = 0;          ///< files of those runs, read or not
 };
 
 /// Gives up a row's detail object if it is the one in the host's record.
@@ -123,6 +172,10 @@ class TypedFileListPage : public FileListPage {
     virtual void RowsRead(std::size_t /*first*/) {}
 
     std::size_t RowCount() const override { return model_->Count(); }
+    const ListRows& Rows() const override { return *model_; }
+    const std::wstring& PathOf(std::size_t record) const override { return model_->Rows()[record].path; }
+    void MoveRows(const std::vector<std::size_t>& newIndexOf) override { model_->Permute(newIndexOf); }
+    void RemoveRows(std::vector<std::size_t> records) override { model_->Remove(std::move(records)); }
 
     AddingRequest RequestFor(std::vector<std::wstring> paths) const override {
         AddingRequest request{std::move(paths), {}, model_->Count()};

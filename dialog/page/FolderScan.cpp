@@ -32,7 +32,7 @@ class Scan {
             } else if (isListed) {
                 result_.files.push_back(file);
             } else {
-                ++result_.ignored;
+                result_.ignored.push_back(path);
             }
             if (Stopped()) {
                 break;
@@ -50,6 +50,7 @@ class Scan {
 
     void AddTree(const std::wstring& top) {
         const std::size_t first = result_.files.size();
+        const std::size_t firstOther = result_.others.size();
         std::vector<std::wstring> waiting{top};
         while (!waiting.empty() && !Stopped()) {
             const std::wstring folder = std::move(waiting.back());
@@ -60,6 +61,7 @@ class Scan {
             }
         }
         SortNaturally(std::span(result_.files).subspan(first));
+        SortNaturally(std::span(result_.others).subspan(firstOther));
     }
 
     void AddFolder(const std::wstring& folder, std::vector<std::wstring>& waiting) {
@@ -68,13 +70,21 @@ class Scan {
             isHidden = isHidden || (entry.kind == FileKind::NoAccess && !entry.isLink);
             if (entry.kind == FileKind::Folder && request_.recursive) {
                 waiting.push_back(std::move(entry.path));
-            } else if (entry.kind == FileKind::File && HasExtension(entry.path, FolderExtensions())) {
-                result_.files.push_back(std::move(entry.path));
+            } else if (entry.kind == FileKind::File) {
+                AddFile(std::move(entry.path));
             }
             return !Stopped();
         });
         if (error != 0 || isHidden) {
             result_.unreadable.push_back(folder);
+        }
+    }
+
+    void AddFile(std::wstring path) {
+        if (HasExtension(path, FolderExtensions())) {
+            result_.files.push_back(std::move(path));
+        } else if (!HasExtension(path, request_.extensions) && DataKindOf(path).has_value()) {
+            result_.others.push_back(std::move(path));
         }
     }
 
@@ -114,15 +124,16 @@ ScanResult ScanPathsWithProgress(ScanRequest request, const std::wstring& progre
     return result;
 }
 
-std::optional<Prompt> ScanPrompt(const ScanResult& found, const ScanTexts& texts) {
+std::optional<Prompt> ScanPrompt(const ScanResult& found, const ScanTexts& texts, bool isOffering) {
     Prompt prompt{{}, Text(texts.caption), PromptIcon::Information, PromptButtons::Ok};
     if (!found.unreadable.empty()) {
         prompt.icon = PromptIcon::Error;
         prompt.text = Text(text::kFoldersNotSearched) + L"\n" +
                       PromptLines(found.unreadable, [](const std::wstring& path) { return path; });
-    } else if (!found.stopped && found.ignored > 0) {
-        prompt.text = FormatText(Text(texts.ignored), {found.ignored});
-    } else if (!found.stopped && found.files.empty()) {
+    } else if (!found.stopped && !found.ignored.empty()) {
+        prompt.text = FormatText(Text(texts.ignored), {found.ignored.size()});
+        prompt.caption = Text(text::kFilesLeftOutCaption);
+    } else if (!found.stopped && found.files.empty() && !isOffering) {
         prompt.text = Text(texts.nothingFound);
         prompt.icon = texts.nothingFoundIcon;
     } else {

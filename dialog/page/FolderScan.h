@@ -26,10 +26,11 @@ struct ScanRequest {
 
 struct ScanResult {
     /// Full paths. Files that were named come in the order given; those of a folder in natural order.
-    std::vector<std::wstring> files;
-    std::vector<std::wstring> unreadable;  ///< folders that could not be listed, or not to their end
-    std::size_t ignored = 0;               ///< files that were named but have another extension
-    bool stopped = false;                  ///< the user stopped it; `files` is what was found until then
+    std::vector<std::wstring> files = {};
+    std::vector<std::wstring> unreadable = {};  ///< folders that could not be listed, or not to their end
+    std::vector<std::wstring> ignored = {};     ///< files that were named but have another extension
+    std::vector<std::wstring> others = {};  ///< in folders: files of another kind that the component reads
+    bool stopped = false;                   ///< the user stopped it; `files` is what was found until then
 };
 
 /// Searches on the thread that calls. Links to folders are followed, each folder is listed once however it is
@@ -50,7 +51,7 @@ struct ScanTexts {
 };
 
 /// The message after a search: folders that could not be read, files of another kind among those named, or
-/// nothing found. Nullopt when all is as expected.
-std::optional<Prompt> ScanPrompt(const ScanResult& found, const ScanTexts& texts);
+/// nothing found, unless files are offered to other pages. Nullopt when all is as expected.
+std::optional<Prompt> ScanPrompt(const ScanResult& found, const ScanTexts& texts, bool isOffering = false);
 
 }  // namespace orvex

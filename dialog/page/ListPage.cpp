@@ -20,7 +20,6 @@
 #include "dialog/page/FilterLine.h"
 #include "dialog/page/ListModel.h"
 #include "dialog/page/ListStatus.h"
-#include "dialog/page/Mnemonics.h"
 #include "dialog/page/OptionForm.h"
 #include "dialog/page/OptionsPanel.h"
 #include "dialog/page/PaneState.h"
@@ -70,7 +69,6 @@ void ListPage::Start(ListRows& rows) {
     RunGuarded(services_.prompts, L"InitializeColumns", [this] { grid_->SetModel(rows_); });
     finder_->Start(rows, ToQString(Text(description_.emptyText)));
     rowMenu_->Start(rows, description_.kind);
-    AssignMnemonics(*this);
     MakeForm();
     OnDetailColumns();
     for (const PageButton& button : buttons_) {
@@ -198,6 +196,7 @@ void ListPage::ConnectGrid() {
     connect(grid_, &GridView::RemoveRequested, this, Guarded(prompts, L"OnRemove", [this] { OnRemove(); }));
     connect(finder_, &RowFinder::RemoveRequested, this,
             Guarded(prompts, L"OnRemove", [this](const auto& records) { RemoveRecords(records); }));
+    connect(grid_, &GridView::ActivateRequested, details_, &DetailsPanel::Open);
     connect(details_, &DetailsPanel::PaletteChanged, this, details);
 }
 
@@ -282,18 +281,29 @@ void ListPage::RemoveRecords(std::vector<std::size_t> records) {
     if (progress_.IsRunning()) {
         return;
     }
+    BeforeRemoval(records);
     rows_->Remove(std::move(records));
     grid_->ClearSelection();
     Update();
 }
 
 void ListPage::OnClear() {
+    BeforeRemoval(rows_->RecordsInOrder());
+    RemoveAll();
+}
+
+void ListPage::RemoveAll() {
     rows_->Clear();
+    Cleared();
     Update();
 }
 
 void ListPage::Release() {
-    RunGuarded(services_.prompts, L"Release", [this] { OnClear(); });
+    RunGuarded(services_.prompts, L"Release", [this] { RemoveAll(); });
+}
+
+bool ListPage::HasRows() const {
+    return rows_ != nullptr && rows_->Count() > 0;
 }
 
 void ListPage::OnDetailColumns() {

@@ -67,9 +67,10 @@ class ListPage : public AddFilesPage {
 
     bool ValidateAndStore() override;
     void Release() override;
+    bool HasRows() const override;
 
     /// Selects rows by record and scrolls to the first. The filter goes when it hides one of them.
-    void SelectRecords(std::span<const std::size_t> records);
+    void SelectRecords(std::span<const std::size_t> records) override;
     /// Number of rows that a filter hides. They count all the same.
     std::size_t HiddenCount() const;
 
@@ -122,6 +123,10 @@ class ListPage : public AddFilesPage {
 
     /// The buttons above the grid, from left to right.
     virtual std::vector<PageButton> Buttons();
+    /// The user removes these, which are still there.
+    virtual void BeforeRemoval(std::span<const std::size_t> /*records*/) {}
+    /// All rows have been removed at once.
+    virtual void Cleared() {}
     /// Rows have been added, removed or read again: recompute what depends on all of them.
     virtual void RowsChanged() {}
     /// The details pane's content for these records; there is at least one.
@@ -144,6 +149,7 @@ class ListPage : public AddFilesPage {
     void OnRemove();
     void RemoveRecords(std::vector<std::size_t> records);
     void OnClear();
+    void RemoveAll();
     void OnDetailColumns();
     void OnHelp();
     void ArrangePane();

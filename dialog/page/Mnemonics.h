@@ -11,8 +11,13 @@ namespace orvex {
 /// letters that are taken.
 QString WithMnemonic(const QString& text, std::set<QChar>& used);
 
-/// Gives every button, and every label with a buddy, below `parent` a mnemonic, in the order of creation.
-/// Translated texts need no mnemonics of their own.
-void AssignMnemonics(QWidget& parent);
+/// The text without the marks of WithMnemonic; "&&" stays.
+QString WithoutMnemonic(const QString& text);
+
+/// Gives every button, every label with a buddy and every tab below `parent` a mnemonic, in the order of
+/// creation, radio buttons last, but none to what comes and goes and is hidden now; those that they have are
+/// given anew. Translated texts need no mnemonics of their own. `used`: the letters that are taken around
+/// `parent`.
+void AssignMnemonics(QWidget& parent, std::set<QChar> used = {});
 
 }  // namespace orvex

@@ -10,14 +10,17 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QProgressBar>
+#include <QRadioButton>
 #include <QRegularExpression>
 #include <QScreen>
+#include <QTabBar>
 #include <QTableView>
 #include <QTextEdit>
 #include <QToolButton>
 #include <QWhatsThis>
 #include <algorithm>
 #include <fstream>
+#include <map>
 #include <optional>
 #include <variant>
 
@@ -85,6 +88,7 @@ struct PageContract {
     std::vector<std::wstring> AddFilesParams::*existingFiles = nullptr;
     std::size_t detailsPerFile;  ///< 1 where the host gets an object for each file, else 0
     bool passesBadFiles;         ///< to the host, those of `writeBad`
+    bool asksAtTen = false;      ///< whether to go on, at the tenth row
 
     /// Each is stored when it is chosen on a fresh machine, and shown the next time; those that are not
     /// stored begin anew.
@@ -187,6 +191,35 @@ TEST_P(FilePage, EveryControlHasItsTextAndNoneIsCutOff) {
     for (const auto* label : page->findChildren<QLabel*>(QRegularExpression("^c[0-9]+$"))) {
         EXPECT_FALSE(label->text().isEmpty()) << label->objectName().toStdString();
         EXPECT_GE(label->width(), label->minimumSizeHint().width()) << label->objectName().toStdString();
+    }
+}
+
+TEST_P(FilePage, EveryTextHasALetterOfItsOwn) {
+    std::map<QString, std::vector<QString>> texts;  // by letter
+    const auto add = [&](const QString& text) {
+        texts[QKeySequence::mnemonic(text).toString()].push_back(text);
+    };
+    for (const auto* button : dialog->findChildren<QAbstractButton*>()) {
+        const bool hasWords = button->text().contains(QRegularExpression("[A-Za-z]"));
+        const bool mayHaveNone = qobject_cast<const QRadioButton*>(button) != nullptr &&
+                                 QKeySequence::mnemonic(button->text()).isEmpty();
+        if (hasWords && !mayHaveNone && button->isVisibleTo(dialog.get())) {
+            add(button->text());
+        }
+    }
+    for (const auto* label : page->findChildren<QLabel*>()) {
+        if (label->buddy() != nullptr && label->isVisibleTo(dialog.get())) {
+            add(label->text());
+        }
+    }
+    for (const auto* bar : dialog->findChildren<QTabBar*>()) {
+        for (int tab = 0; tab < bar->count() && !bar->tabText(tab).isEmpty(); ++tab) {
+            add(bar->tabText(tab));
+        }
+    }
+    for (const auto& [letter, sharing] : texts) {
+        EXPECT_NE(letter, QString()) << sharing.front().toStdString();
+        EXPECT_EQ(sharing.size(), 1U) << sharing.back().toStdString();
     }
 }
 
@@ -332,9 +365,95 @@ TEST_P(FilePage, DroppedFilesAreAddedByTheirExtension) {
     EXPECT_EQ(prompts.shown[0].text, FormatText(Text(GetParam().ignored), {1}));
     Drop({a});
     EXPECT_EQ(Model().rowCount(), 2) << "a file is listed once";
-    const auto* outcome = dialog->findChild<QLabel*>(QStringLiteral("outcome"));
-    EXPECT_TRUE(outcome->isVisible());
-    EXPECT_EQ(ToWide(outcome->text()), FormatText(Text(text::kFilesAdded), {0, 1}));
+    EXPECT_EQ(Outcome(), L"Files found: 1. Added: 0. Listed already: 1.");
+}
+
+TEST_P(FilePage, FilesForOtherTabsAreOfferedOnce) {
+    const std::wstring other = ToUpper(GetParam().otherKind);
+    lastPage.takes = other;
+    Open();
+    Good(L"in/a");
+    const std::wstring near = folder.Write(L"in/b" + other, "x");
+    folder.Write(L"in/deep/c" + other, "x");
+    folder.Write(L"in/d.txt", "x");
+    prompts.answers = {PromptAnswer::No};
+    page->AddPaths({folder.Name(L"in")});
+    EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"a")));
+    ASSERT_THAT(prompts.shown, ::testing::SizeIs(1));
+    EXPECT_THAT(prompts.shown[0].text, ::testing::HasSubstr(L": 2\n"));
+    EXPECT_EQ(prompts.shown[0].yesText, Text(text::kOtherFilesAdd));
+    EXPECT_THAT(lastPage.added, ::testing::IsEmpty());
+    Drop({folder.Name(L"in"), near});
+    EXPECT_THAT(lastPage.added, ::testing::UnorderedElementsAre(L"b" + other, L"c" + other));
+    EXPECT_EQ(dialog->Tabs().CurrentPage(), page);
+    folder.Write(L"alone/e" + other, "x");
+    page->AddPaths({folder.Name(L"alone")});
+    EXPECT_THAT(lastPage.added, ::testing::SizeIs(3));
+    EXPECT_THAT(prompts.shown, ::testing::SizeIs(3)) << "something was found, for whomever";
+}
+
+TEST_P(FilePage, PickersStartWhereTheLastOneEnded) {
+    const std::wstring a = Good(L"one/a");
+    Pick({a});
+    Click(GetParam().addFiles);
+    EXPECT_EQ(pickers.asked.back().initialFolder, FolderOf(a));
+    pickers.folders = {folder.Name(L"two")};
+    prompts.answers = {PromptAnswer::Cancel};
+    Click(GetParam().addFolder);
+    EXPECT_EQ(pickers.folderStarts.back(), GetParam().startsInInitialFolder ? L"" : FolderOf(a));
+    for (const wchar_t* given : {L"", L"/data"}) {
+        this->given.initialFolder = given;
+        Open();
+        Click(GetParam().addFiles);
+        const bool isGiven = GetParam().startsInInitialFolder && *given != 0;
+        EXPECT_EQ(pickers.asked.back().initialFolder, isGiven ? given : folder.Name(L"two"));
+    }
+}
+
+TEST_P(FilePage, EveryChangeOfTheListIsUndoneAndRedone) {
+    dialog->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+    const auto press = [this](Qt::KeyboardModifiers shift, Qt::Key key) {
+        QTest::keyClick(Grid().Table(), key, Qt::ControlModifier | shift);
+    };
+    Pick({Good(L"a"), Good(L"b"), Good(L"c"), Good(L"d")});
+    Model().sort(ColumnNamed("fileName"), Qt::DescendingOrder);
+    Grid().SelectRows({1, 2});
+    Click(GetParam().remove);
+    Model().sort(-1);
+    page->AddPaths({Good(L"e")});
+    Click(GetParam().clear);
+    const struct {
+        Qt::KeyboardModifiers shift;
+        Qt::Key key;
+        std::vector<std::wstring> listed;
+        std::wstring outcome;
+    } steps[] = {
+        {{}, Qt::Key_Z, {L"a", L"d", L"e"}, L"Undone: 3 files removed"},
+        {{}, Qt::Key_Z, {L"a", L"d"}, L"Undone: 1 file added"},
+        {{}, Qt::Key_Z, {L"a", L"b", L"c", L"d"}, L"Undone: 2 files removed"},
+        {{}, Qt::Key_Z, {}, L"Undone: 4 files added"},
+        {{}, Qt::Key_Z, {}, L"Undone: 4 files added"},
+        {{}, Qt::Key_Y, {L"a", L"b", L"c", L"d"}, L"Redone: 4 files added"},
+        {Qt::ShiftModifier, Qt::Key_Z, {L"a", L"d"}, L"Redone: 2 files removed"},
+        {{}, Qt::Key_Y, {L"a", L"d", L"e"}, L"Redone: 1 file added"},
+        {{}, Qt::Key_Z, {L"a", L"d"}, L"Undone: 1 file added"},
+    };
+    for (const auto& step : steps) {
+        press(step.shift, step.key);
+        std::vector<std::wstring> names;
+        std::ranges::transform(step.listed, std::back_inserter(names),
+                               [this](const std::wstring& name) { return NameOf(name); });
+        EXPECT_EQ(Names(), names) << ToUtf8(step.outcome);
+        EXPECT_EQ(Outcome(), step.outcome);
+    }
+    EXPECT_THAT(Shown("layer"), ::testing::Each(::testing::Not(L""))) << "what came back has its layer";
+    Pick({Good(L"f")});
+    press({}, Qt::Key_Y);
+    EXPECT_THAT(Names(), ::testing::SizeIs(3)) << "a new change ends what could be redone";
+    page->Release();
+    press({}, Qt::Key_Z);
+    EXPECT_THAT(Names(), ::testing::IsEmpty());
 }
 
 TEST_P(FilePage, ProgressIsShownAndEscapeKeepsWhatWasAdded) {
@@ -355,14 +474,32 @@ TEST_P(FilePage, ProgressIsShownAndEscapeKeepsWhatWasAdded) {
         paths.push_back(folder.Name(NameOf(L"tile" + std::to_wstring(i))));
         std::filesystem::copy_file(ToPath(first), ToPath(paths.back()));
     }
-    QObject::connect(&Model(), &GridModel::RecordsChanged,
-                     [this] { QTest::keyClick(dialog.get(), Qt::Key_Escape); });
+    const auto stopping = QObject::connect(&Model(), &GridModel::RecordsChanged,
+                                           [this] { QTest::keyClick(dialog.get(), Qt::Key_Escape); });
+    std::vector<std::wstring> sorted = paths;
     Pick(std::move(paths));
     EXPECT_GT(Model().rowCount(), 1);
     EXPECT_LT(Model().rowCount(), kMoreThanWait);
     EXPECT_FALSE(Shown("layer").back().empty()) << "what was added has its layer";
     EXPECT_TRUE(dialog->isVisible());
     EXPECT_TRUE(Enabled(GetParam().addFiles)) << "the page is usable again";
+
+    const auto unread = [this] { return Find("statusContinue")->isVisible(); };
+    EXPECT_TRUE(unread());
+    EXPECT_THAT(ToWide(Find<QLabel>("statusStopped")->text()), ::testing::HasSubstr(L" of 900"));
+    Click(GetParam().clear);
+    EXPECT_FALSE(unread()) << "cleared with the list";
+    Pick(sorted);
+    EXPECT_TRUE(unread());
+    Grid().SelectAll();
+    Click(GetParam().remove);
+    page->AddPaths({sorted.back()});
+    while (unread()) {  // each time stopped once more
+        Click("statusContinue");
+    }
+    EXPECT_EQ(Names().front(), NameOf(L"tile899")) << "skipped when its turn came";
+    EXPECT_EQ(Names().back(), NameOf(L"tile898"));
+    EXPECT_THAT(prompts.shown, ::testing::SizeIs(GetParam().asksAtTen ? 2 : 0)) << "once for each list";
 }
 
 TEST_P(FilePage, FilesThatTheProjectHasAreMarkedFromTheStart) {
@@ -647,6 +784,23 @@ TEST_P(FilePage, TheDetailsPaneIsAsItWasLeft) {
     }
 }
 
+TEST_P(FilePage, ReturnInTheTableOpensTheDetailsAndCtrlReturnIsOk) {
+    dialog->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+    Pick({Good(L"a")});
+    Click("detailsFold");
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        Grid().Table()->setFocus();
+        QTest::keyClick(Grid().Table(), key);
+        EXPECT_TRUE(dialog->isVisible());
+        EXPECT_TRUE(Find(GetParam().overview)->hasFocus());
+    }
+    Grid().Table()->setFocus();
+    QTest::keyClick(Grid().Table(), Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_THAT(Files(), ::testing::SizeIs(1));
+}
+
 TEST_P(FilePage, F1AndTheHelpButtonOpenTheTopicOrExplainControls) {
     dialog->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
@@ -735,6 +889,31 @@ TEST_P(FilePage, ThinningIsTakenOrRefused) {
     }
 }
 
+TEST_P(FilePage, OddFilesAreNamedBeforeTheyAreAddedAndGoBackSelectsThem) {
+    Pick({Good(L"a"), Good(L"b"), GetParam().writeBad(folder, L"bad")});
+    Model().SetFilter([](std::size_t record) { return record != 1; });
+    prompts.reportAnswers = {PromptAnswer::No};
+    EXPECT_FALSE(Press("ok"));
+    ASSERT_THAT(prompts.reportsShown, ::testing::SizeIs(1));
+    const auto& sections = prompts.reportsShown[0].sections;
+    const auto names = [&](StringId heading) {
+        const std::wstring wanted = FormatText(Text(heading), {1});
+        const auto found = std::ranges::find(sections, wanted, &ReportPrompt::Section::heading);
+        return found == sections.end() ? std::vector<std::wstring>() : found->lines;
+    };
+    using ::testing::ElementsAre;
+    using ::testing::HasSubstr;
+    EXPECT_THAT(names(GetParam().passesBadFiles ? text::kReviewUndescribed : text::kReviewUnreadable),
+                ElementsAre(HasSubstr(NameOf(L"bad") + L": ")));
+    EXPECT_THAT(names(text::kReviewHidden), ElementsAre(HasSubstr(NameOf(L"b"))));
+    EXPECT_EQ(prompts.reportsShown[0].yesText,
+              FormatText(Text(text::kReviewAddSeveral), {GetParam().passesBadFiles ? 3 : 2}));
+    EXPECT_THAT(Files(), ::testing::IsEmpty());
+    EXPECT_FALSE(Grid().SelectedRows().empty());
+    EXPECT_TRUE(Press("ok"));
+    EXPECT_THAT(Files().begin()->second, ::testing::SizeIs(GetParam().passesBadFiles ? 3 : 2));
+}
+
 TEST_P(FilePage, OkGivesTheFilesByFolderInTheOrderShownAndTheirDetails) {
     const std::wstring b = Good(L"b");
     const std::wstring sub = Good(L"sub/c");
@@ -774,7 +953,7 @@ TEST_P(FilePage, TheRecordIsTheHostsUntilTheDialogEndsWithOk) {
     Open();
     Pick({Good(L"a"), Good(L"b")});
     for (const auto atOk : {Refuse, Throw}) {
-        lastPage = atOk;
+        lastPage.atOk = atOk;
         EXPECT_FALSE(Press("ok"));
     }
     ASSERT_TRUE(Press("cancel"));
@@ -786,7 +965,7 @@ TEST_P(FilePage, TheRecordIsTheHostsUntilTheDialogEndsWithOk) {
     EXPECT_FALSE(Press("ok"));
     Grid().SelectRows({0});
     Click(GetParam().remove);
-    lastPage = Accept;
+    lastPage.atOk = Accept;
     ASSERT_TRUE(Press("ok"));
     EXPECT_EQ(Files().size(), 2U);
     EXPECT_THAT(Files().at(FolderOf(folder.Name(L"b"))), ::testing::ElementsAre(NameOf(L"b"))) << "once";

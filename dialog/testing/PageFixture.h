@@ -3,10 +3,13 @@
 
 #include <QAbstractButton>
 #include <QAbstractItemModelTester>
+#include <QLabel>
 #include <QPushButton>
 #include <QTest>
+#include <algorithm>
 #include <array>
 #include <filesystem>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -28,23 +31,32 @@ std::unique_ptr<AddFilesPage> MakePage(const PageContext& context) {
     return std::make_unique<Page>(context);
 }
 
-/// A page that does at OK what a test tells it.
+/// A page that does what a test tells it.
 class ScriptedPage final : public AddFilesPage {
   public:
     enum class AtOk { Accept, Refuse, Throw };
-    explicit ScriptedPage(const AtOk& atOk) : atOk_(atOk) {}
+    struct Script {
+        AtOk atOk = AtOk::Accept;
+        std::wstring takes;                    ///< an extension, in capitals
+        std::vector<std::wstring> added = {};  ///< names of the files that it was given
+    };
+    explicit ScriptedPage(Script& script) : script_(script) {}
     bool ValidateAndStore() override {
-        if (atOk_ == AtOk::Throw) {
+        if (script_.atOk == AtOk::Throw) {
             throw LDataError(L"no more");
         }
-        return atOk_ == AtOk::Accept;
+        return script_.atOk == AtOk::Accept;
     }
     void Release() override {}
-    void AddPaths(const std::vector<std::wstring>&) override {}
-    bool Accepts(const std::wstring&) const override { return false; }
+    void AddPaths(const std::vector<std::wstring>& paths) override {
+        std::ranges::transform(paths, std::back_inserter(script_.added), FileNameOf);
+    }
+    bool Accepts(const std::wstring& path) const override {
+        return !script_.takes.empty() && UpperExtensionOf(path) == script_.takes;
+    }
 
   private:
-    const AtOk& atOk_;
+    Script& script_;
 };
 
 /// A page with a list in the dialog, with everything around it scripted. A second tab holds a ScriptedPage,
@@ -130,12 +142,16 @@ class PageFixture : public ::testing::Test, protected ScriptedServices {
     }
     std::vector<std::wstring> Names() const { return Shown("fileName"); }
 
+    std::wstring Outcome() const {
+        return ToWide(dialog->findChild<QLabel*>(QStringLiteral("outcome"))->text());
+    }
+
     void Drop(const std::vector<std::wstring>& paths) const { DropOn(*page, paths); }
 
     TemporaryFolder folder;
     AddFilesParams given;   ///< the record with the host's inputs
     AddFilesParams params;  ///< the record of this dialog
-    ScriptedPage::AtOk lastPage = ScriptedPage::AtOk::Accept;
+    ScriptedPage::Script lastPage;
     std::unique_ptr<AddFilesDlg> dialog;
     AddFilesPage* page = nullptr;
 

@@ -203,6 +203,125 @@ TEST_F(Shell, EveryWayOfClosingStopsARunThenReleasesThePagesAndASecondPressLoses
     }
 }
 
+TEST_F(Shell, EscapeAndTheCloseButtonAskBeforeAListIsDiscarded) {
+    const auto escape = +[](QDialog& d) { QTest::keyClick(&d, Qt::Key_Escape); };
+    const auto close = +[](QDialog& d) { d.close(); };
+    const auto cancel = +[](QDialog& d) { Press(d, "cancel"); };
+    const struct {
+        const char* what;
+        void (*way)(QDialog&);
+        bool hasRows;
+        std::size_t questions;
+        PromptAnswer answer;
+        bool closes;
+    } cases[] = {
+        {"no rows", escape, false, 0, PromptAnswer::No, true},
+        {"no rows", close, false, 0, PromptAnswer::No, true},
+        {"cancel", cancel, true, 0, PromptAnswer::No, true},
+        {"keep", escape, true, 1, PromptAnswer::No, false},
+        {"keep", close, true, 1, PromptAnswer::No, false},
+        {"discard", escape, true, 1, PromptAnswer::Yes, true},
+        {"discard", close, true, 1, PromptAnswer::Yes, true},
+    };
+    for (const auto& c : cases) {
+        journal.lines.clear();
+        prompts.shown.clear();
+        journal.hasRows = c.hasRows;
+        prompts.answers = {c.answer};
+        const auto dialog = Open();
+        c.way(*dialog);
+        EXPECT_EQ(!dialog->isVisible(), c.closes) << c.what;
+        EXPECT_EQ(journal.lines.empty(), !c.closes) << c.what << ": pages keep what they hold";
+        ASSERT_THAT(prompts.shown, SizeIs(c.questions)) << c.what;
+        for (const Prompt& prompt : prompts.shown) {
+            EXPECT_EQ(prompt.icon, PromptIcon::Warning) << "No is the default then, and Escape";
+            EXPECT_EQ(prompt.noText, Text(text::kKeep));
+        }
+        prompts.answers.clear();
+    }
+}
+
+TEST_F(Shell, WhatIsOddIsToldBeforePagesChangeAnything) {
+    params.showRasterTab = params.showDemTab = true;
+    const AddingReview fine{.added = 3, .left = 0, .odd = {}};
+    const AddingReview odd{.added = 1200,
+                           .left = 2,
+                           .odd = {{L"Unreadable: 1", {L"/d/b.tif: empty"}, {4}},
+                                   {L"No CRS: 2", {L"/d/a.tif", L"/d/b.tif"}, {1, 4}}}};
+    journal.reviews = {{"las", fine}};
+    Press(*Open(), "ok");
+    EXPECT_THAT(prompts.reportsShown, IsEmpty());
+
+    journal.reviews = {{"las", fine}, {"raster", odd}};
+    prompts.reportAnswers = {PromptAnswer::No};
+    journal.lines.clear();
+    const auto dialog = Open();
+    Press(*dialog, "ok");
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_THAT(journal.lines, ElementsAre("select raster"));
+    EXPECT_THAT(journal.selected, ElementsAre(1U, 4U));
+    EXPECT_EQ(dialog->Tabs().ShownIndex(), 1);
+    ASSERT_THAT(prompts.reportsShown, SizeIs(1));
+    const ReportPrompt& report = prompts.reportsShown[0];
+    EXPECT_EQ(report.summary, L"Files that will be added: 1,203. Not added: 2.");
+    EXPECT_EQ(report.yesText, L"Add 1,203 Files");
+    ASSERT_THAT(report.sections, SizeIs(2));
+    EXPECT_EQ(report.sections[0].heading, Text(text::kRasterTab) + L": Unreadable: 1");
+    EXPECT_THAT(report.sections[1].lines, SizeIs(2));
+
+    Press(*dialog, "ok");
+    EXPECT_EQ(dialog->result(), QDialog::Accepted) << "after Add";
+    EXPECT_THAT(journal.lines, ElementsAre("select raster", "store las", "store raster", "store dem"));
+}
+
+TEST_F(Shell, AnEscapeThatComesAsTheRunEndsIsNone) {
+    journal.hasRows = true;
+    const auto dialog = Open();
+    { const DialogProgress::Run run(*journal.progress); }
+    QTest::keyClick(dialog.get(), Qt::Key_Escape);
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_THAT(prompts.shown, IsEmpty());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !journal.progress->EndedJustNow(); }));
+    QTest::keyClick(dialog.get(), Qt::Key_Escape);
+    EXPECT_THAT(prompts.shown, SizeIs(1));
+}
+
+TEST_F(Shell, CtrlReturnIsOkFromEverywhere) {
+    for (const char* focused : {"act", "cancel"}) {
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+            const auto dialog = Open();
+            dialog->activateWindow();
+            ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+            auto* widget = dialog->findChild<QWidget*>(QLatin1String(focused));
+            widget->setFocus();
+            QTest::keyClick(widget, key, Qt::ControlModifier);
+            EXPECT_EQ(dialog->result(), QDialog::Accepted) << focused;
+        }
+    }
+}
+
+TEST_F(Shell, TheTabsComeFirstInTheTabOrderAndLettersAreUniqueInSight) {
+    params.showRasterTab = params.showDemTab = true;
+    const auto dialog = Open();
+    dialog->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+    QTabBar* bar = dialog->Tabs().tabBar();
+    dialog->findChild<QWidget*>(QStringLiteral("cancel"))->setFocus();
+    QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(dialog->focusWidget(), bar);
+    QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(dialog->focusWidget()->objectName(), QStringLiteral("act"));
+    std::set<QString> letters;
+    for (const char* name : {"ok", "cancel", "act"}) {
+        letters.insert(dialog->findChild<QPushButton*>(QLatin1String(name))->shortcut().toString());
+    }
+    for (int tab = 0; tab < bar->count(); ++tab) {
+        letters.insert(QKeySequence::mnemonic(bar->tabText(tab)).toString());
+    }
+    EXPECT_THAT(letters, SizeIs(6));
+    EXPECT_FALSE(letters.contains(QString()));
+}
+
 TEST_F(Shell, OnlyOkChangesTheRecord) {
     params.showRasterTab = true;
     params.lasFiles[L"/host"] = {L"own.las"};

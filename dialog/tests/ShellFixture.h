@@ -20,6 +20,9 @@ struct Journal {
     std::string throwOnStore;   // the page whose validation throws
     std::string needCompanion;  // the page whose files need companion files
     std::vector<std::wstring> added;
+    bool hasRows = false;
+    std::map<std::string, AddingReview> reviews;  // by page
+    std::vector<std::size_t> selected;
     std::string handedOver;  // names of the pages
     /// What a page writes into the record.
     std::function<void(const std::string& name, AddFilesParams& params)> store = [](auto&, auto&) {};
@@ -63,6 +66,15 @@ class FakePage : public AddFilesPage {
         if (event->type() == QEvent::EnabledChange && isEnabled() && journal_.throwWhenEnabled == name_) {
             throw LDataError(L"no memory");
         }
+    }
+    bool HasRows() const override { return journal_.hasRows; }
+    AddingReview Review() const override {
+        const auto found = journal_.reviews.find(name_);
+        return found == journal_.reviews.end() ? AddingReview() : found->second;
+    }
+    void SelectRecords(std::span<const std::size_t> records) override {
+        journal_.lines.push_back("select " + name_);
+        journal_.selected.assign(records.begin(), records.end());
     }
     bool NeedsCompanionFiles() const override { return journal_.needCompanion == name_; }
 

@@ -7,6 +7,7 @@
 #include <QEvent>
 #include <QMessageBox>
 #include <QPixmap>
+#include <QPlainTextEdit>
 #include <QTabBar>
 #include <QTableView>
 #include <cstdlib>
@@ -33,7 +34,10 @@ constexpr TabName kTabNames[] = {{"page363", "las"}, {"page385", "raster"}, {"pa
 
 QString TextOf(QWidget* window) {
     const auto* box = qobject_cast<QMessageBox*>(window);
-    const QString text = box == nullptr ? QString() : box->text() + ' ' + box->informativeText();
+    QString text = box == nullptr ? QString() : box->text() + ' ' + box->informativeText();
+    if (const auto* lists = window->findChild<QPlainTextEdit*>("reportText")) {
+        text = lists->toPlainText();
+    }
     return ToQString(WithoutControls(ToWide((window->windowTitle() + ": " + text).simplified())));
 }
 

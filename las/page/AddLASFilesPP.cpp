@@ -176,6 +176,7 @@ FileListPageDescription Describe() {
     page.paneStateName = L"AddLASFilesDetails";
     page.columnStateName = L"AddLASFilesColumns";
     page.kind = DataKindName(DataKind::Las);
+    page.folderName = L"AddLASFilesFolder";
     page.detailsTabs = {{"detailsOverview", text::kDetailsOverviewTab, Html},
                         {"detailsCrs", text::kDetailsCrsTab, Html},
                         {"detailsRecords", text::kDetailsRecordsTab, PlainText}};
@@ -187,6 +188,7 @@ FileListPageDescription Describe() {
     page.scanTexts.ignored = text::kLasOthersLeftOut;
     page.scanTexts.nothingFound = text::kLasFolderEmpty;
     page.extensions = NamedExtensions(DataKind::Las);
+    page.passesUnreadable = false;
     page.adding = {.progressText = text::kLasReadingProgress,
                    .confirmText = text::kLasManyFilesQuestion,
                    .confirmCaption = text::kLasManyFilesCaption,
@@ -228,6 +230,12 @@ void AddLASFilesPP::RowsChanged() {
 
 std::vector<std::function<void()>> AddLASFilesPP::LateWork() const {
     return IdentificationWork(UnidentifiedCrss(Model().Rows()), Params().existingLasLayers);
+}
+
+std::wstring AddLASFilesPP::DamagedNote() const {
+    return Chosen().lasLoadCorruptFiles
+               ? std::wstring()
+               : FormatText(Text(text::kReviewDamagedNote), {Text(text::kLoadCorruptFiles)});
 }
 
 DetailsContent AddLASFilesPP::Details(std::span<const std::size_t> records) const {

@@ -17,6 +17,7 @@ class AddLASFilesPP final : public TypedFileListPage<LasRow> {
   protected:
     void RowsChanged() override;
     std::vector<std::function<void()>> LateWork() const override;
+    std::wstring DamagedNote() const override;
     DetailsContent Details(std::span<const std::size_t> records) const override;
     bool Store() override;
 

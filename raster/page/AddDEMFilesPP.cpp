@@ -164,6 +164,7 @@ FileListPageDescription Describe() {
     page.paneStateName = L"AddDEMFilesDetails";
     page.columnStateName = L"AddDEMFilesColumns";
     page.kind = DataKindName(DataKind::Dem);
+    page.folderName = L"AddDEMFilesFolder";
     page.detailsTabs = {{"demOverview", text::kDetailsOverviewTab, Html},
                         {"demCrs", text::kDetailsCrsTab, Html},
                         {"demBands", text::kRasterBandsTab, Html}};
@@ -200,7 +201,7 @@ void AddDEMFilesPP::RowsChanged() {
 
 void AddDEMFilesPP::OnBrowseFolder() {
     if (const std::optional<std::wstring> folder =
-            Services().pickers.PickFolder(Text(text::kDemOutputFolderTitle))) {
+            Services().pickers.PickFolder(Text(text::kDemOutputFolderTitle), {})) {
         Form().TypeText(kFolder, WithTrailingSeparator(*folder));
     }
 }

@@ -55,6 +55,7 @@ FileListPageDescription Describe() {
     page.paneStateName = L"AddRasterFilesDetails";
     page.columnStateName = L"AddRasterFilesColumns";
     page.kind = DataKindName(DataKind::Raster);
+    page.folderName = L"AddRasterFilesFolder";
     page.detailsTabs = {{"rasterOverview", text::kDetailsOverviewTab, Html},
                         {"rasterCrs", text::kDetailsCrsTab, Html},
                         {"rasterBands", text::kRasterBandsTab, Html}};

@@ -29,6 +29,8 @@ class ScriptedPrompts final : public UserPrompts {
     std::deque<TaskAnswer> taskAnswers;
     std::vector<Prompt> shown;
     std::vector<TaskPrompt> tasksShown;
+    std::deque<PromptAnswer> reportAnswers;
+    std::vector<ReportPrompt> reportsShown;
 
     PromptAnswer Show(const Prompt& prompt) override {
         shown.push_back(prompt);
@@ -38,6 +40,10 @@ class ScriptedPrompts final : public UserPrompts {
         tasksShown.push_back(prompt);
         return Next(taskAnswers, {PromptAnswer::Yes, false});
     }
+    PromptAnswer ShowReport(const ReportPrompt& prompt) override {
+        reportsShown.push_back(prompt);
+        return Next(reportAnswers, PromptAnswer::Yes);
+    }
 };
 
 class ScriptedPickers final : public FilePickers {
@@ -46,6 +52,7 @@ class ScriptedPickers final : public FilePickers {
     std::deque<std::optional<std::wstring>> folders;
     std::vector<OpenFilesRequest> asked;
     std::vector<std::wstring> folderTitles;
+    std::vector<std::wstring> folderStarts;  ///< where each browser begins
     std::deque<std::wstring> saveFiles;
     std::vector<SaveFileRequest> saveAsked;
     std::vector<std::wstring> shownInFolder;
@@ -57,9 +64,11 @@ class ScriptedPickers final : public FilePickers {
         asked.push_back(request);
         return Next(files, {});
     }
-    std::optional<std::wstring> PickFolder(const std::wstring& title) override {
+    std::optional<std::wstring> PickFolder(const std::wstring& title,
+                                           const std::wstring& initialFolder) override {
         ThrowFailure();
         folderTitles.push_back(title);
+        folderStarts.push_back(initialFolder);
         return Next(folders, {});
     }
     std::optional<std::wstring> PickSaveFile(const SaveFileRequest& request) override {

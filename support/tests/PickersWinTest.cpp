@@ -103,11 +103,11 @@ TEST(SystemDialogs, TheFolderBrowserOpensOnTheCurrentFolder) {
         // The browser goes to the folder step by step.
         const WhenOpen agreeing(
             [&](HWND dialog) { return SelectedFolder(dialog) == name && Press(dialog, IDOK); });
-        EXPECT_EQ(MakeFilePickers()->PickFolder(L"Folder"), FromPath(folder.Path()));
+        EXPECT_EQ(MakeFilePickers()->PickFolder(L"Folder", {}), FromPath(folder.Path()));
     }
     {
         const WhenOpen cancelling(Cancel);
-        EXPECT_EQ(MakeFilePickers()->PickFolder(L"Folder"), std::nullopt);
+        EXPECT_EQ(MakeFilePickers()->PickFolder(L"Folder", {}), std::nullopt);
     }
     std::filesystem::current_path(ToPath(before));
 }

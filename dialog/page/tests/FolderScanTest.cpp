@@ -82,7 +82,7 @@ TEST_F(Scanning, TakesNamedFilesInTheOrderGivenAndCountsOthers) {
          true},
         {});
     EXPECT_THAT(Names(result), ElementsAre(L"b10.las", Sub(L"c.las"), Sub(L"deep/d.las"), L"b2.LAS"));
-    EXPECT_EQ(result.ignored, 1U);
+    EXPECT_THAT(result.ignored, ::testing::SizeIs(1));
 }
 
 TEST_F(Scanning, AFolderIsTheFileThatStandsForIt) {
@@ -102,8 +102,9 @@ TEST_F(Scanning, StopsWhenAsked) {
 }
 
 TEST(ScanMessages, AStoppedSearchIsSilentButForFoldersThatCouldNotBeRead) {
-    EXPECT_FALSE(ScanPrompt({{}, {}, 2, true}, {}).has_value());
-    const std::optional<Prompt> prompt = ScanPrompt({{L"a.las"}, {L"/secret"}, 2, true}, {});
+    EXPECT_FALSE(ScanPrompt({.ignored = {L"a", L"b"}, .stopped = true}, {}).has_value());
+    const std::optional<Prompt> prompt = ScanPrompt(
+        {.files = {L"a.las"}, .unreadable = {L"/secret"}, .ignored = {L"a", L"b"}, .stopped = true}, {});
     ASSERT_TRUE(prompt.has_value());
     EXPECT_EQ(prompt->text, Text(text::kFoldersNotSearched) + L"\n\n/secret");
     EXPECT_EQ(prompt->icon, PromptIcon::Error);

@@ -176,10 +176,10 @@ TEST_F(LasPage, ReadWriteOpensTheLasFileOfALazFile) {
     const std::wstring laz = Laz(L"a.laz");
     page->AddPaths({laz});
     Check(260);
-    lastPage = testing::ScriptedPage::AtOk::Refuse;
+    lastPage.atOk = testing::ScriptedPage::AtOk::Refuse;
     EXPECT_FALSE(Press("ok"));
     const LASFile* opened = Rows()[0].file.get();
-    lastPage = testing::ScriptedPage::AtOk::Accept;
+    lastPage.atOk = testing::ScriptedPage::AtOk::Accept;
     ASSERT_TRUE(Press("ok"));
     EXPECT_THAT(params.lasFiles.begin()->second, ElementsAre(L"a.laz")) << "the file that was chosen";
     EXPECT_TRUE(params.lasFileLayers.contains(laz));

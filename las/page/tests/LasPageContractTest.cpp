@@ -78,6 +78,7 @@ PageContract LasContract() {
     };
     page.extension = L".las";
     page.otherKind = L".tif";
+    page.asksAtTen = true;
     page.detailColumn = "software";
     page.detailColumnsOn = {L"optAddLASDetailCols", "\1"s, 0, {}};
     page.files = &P::lasFiles;
