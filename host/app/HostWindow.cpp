@@ -248,6 +248,7 @@ void HostWindow::ShowChosenCrs() {
 
 void HostWindow::ReloadTree() {
     layers_->Reload();
+    const QSignalBlocker blocker(tree_);  // which would tell of layers that the user unfolds
     tree_->expandAll();
     for (std::size_t layer = 0; layer < project_.layers.size(); ++layer) {
         if (collapsed_.contains({project_.layers[layer].kind, project_.layers[layer].name})) {

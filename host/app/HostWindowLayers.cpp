@@ -11,6 +11,7 @@
 #include <QUndoStack>
 #include <QUrl>
 #include <functional>
+#include <iterator>
 #include <utility>
 
 #include "host/app/HostText.h"
@@ -98,9 +99,16 @@ void HostWindow::SelectionChanged() {
 /// Selects files in the tree and on the map.
 void HostWindow::SelectFiles(const FilePlaces& files) {
     QItemSelection rows;
-    for (const auto& [layer, file] : files) {
-        const QModelIndex index = layers_->IndexOf(layer, file);
-        rows.select(index, index);
+    for (auto first = files.begin(); first != files.end();) {
+        // One range for files that follow each other: thousands of ranges take seconds.
+        auto last = first;
+        auto next = std::next(first);
+        while (next != files.end() && *next == std::pair(last->first, last->second + 1)) {
+            last = next++;
+        }
+        rows.select(layers_->IndexOf(first->first, first->second),
+                    layers_->IndexOf(last->first, last->second));
+        first = next;
     }
     tree_->selectionModel()->select(rows, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     if (!files.empty()) {

@@ -197,13 +197,14 @@ void HostWindow::BuildActions() {
 void HostWindow::BuildFileActions(QMenu* edit) {
     undo_ = new QUndoStack(this);
     undo_->setUndoLimit(kMostUndone);
-    const std::pair<QAction*, QKeySequence::StandardKey> changes[] = {
-        {undo_->createUndoAction(this, HostText(text::kCommandUndo)), QKeySequence::Undo},
-        {undo_->createRedoAction(this, HostText(text::kCommandRedo)), QKeySequence::Redo}};
-    for (const auto& [action, key] : changes) {
-        action->setShortcuts(key);
-        edit->addAction(action);
-    }
+    QAction* undo = undo_->createUndoAction(this, HostText(text::kCommandUndo));
+    undo->setObjectName("undo");
+    undo->setShortcuts(QKeySequence::Undo);
+    QAction* redo = undo_->createRedoAction(this, HostText(text::kCommandRedo));
+    redo->setObjectName("redo");
+    // On both platforms both of the usual keys.
+    redo->setShortcuts({QKeySequence("Ctrl+Y"), QKeySequence("Ctrl+Shift+Z")});
+    edit->addActions({undo, redo});
     edit->addSeparator();
     auto* fit = new QAction(HostText(text::kCommandFitSelection), this);
     fit->setShortcut(QKeySequence("Ctrl+1"));
@@ -212,6 +213,7 @@ void HostWindow::BuildFileActions(QMenu* edit) {
         edit->addAction(HostText(text::kCommandShowFileInFolder), this, &HostWindow::ShowInFolder);
     QAction* copy = edit->addAction(HostText(text::kCommandCopyPath), QKeySequence("Ctrl+Shift+C"), this,
                                     &HostWindow::CopyPaths);
+    copy->setObjectName("copyPath");
     QAction* remove = edit->addAction(HostIcon("remove"), HostText(text::kCommandRemoveFromProject),
                                       QKeySequence::Delete, this, &HostWindow::RemoveSelected);
     remove->setObjectName("remove");

@@ -1,5 +1,6 @@
 #include "host/app/RasterJobs.h"
 
+#include <QFileInfo>
 #include <algorithm>
 #include <map>
 
@@ -7,6 +8,7 @@
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
+#include "support/QtText.h"
 #include "support/TemporaryFile.h"
 #include "support/Text.h"
 
@@ -123,6 +125,14 @@ std::wstring TakenText(const std::wstring& target) {
     return FormatText(Text(text::kPyramidsFileExists), {FileNameOf(target)});
 }
 
+/// Why a raster could not be described.
+std::wstring ReasonForRefusal(const std::wstring& path) {
+    SetUpGdal();
+    std::wstring cause;
+    OpenRasterFile(path, cause);
+    return cause.empty() ? Text(text::kRasterDamagedOrUnsupported) : cause;
+}
+
 enum class Built { Yes, NotNeeded, Stopped };
 
 Built BuildOne(const std::wstring& path, PartProgress& progress) {
@@ -170,6 +180,33 @@ std::wstring FailureText(const std::wstring& heading, const std::vector<FileFail
         }
     }
     return text;
+}
+
+CheckedFiles CheckFiles(const FilesToCheck& files, Kst::ProgressIf& progress) {
+    CheckedFiles checked;
+    progress.SetRange(files.read.size() + files.write.size() + files.refused.size());
+    std::uint64_t done = 0;
+    const auto each = [&](const std::vector<std::wstring>& paths, const auto& check) {
+        for (const std::wstring& path : paths) {
+            if (progress.IsCancelled()) {
+                return;
+            }
+            progress.SetText(FileNameOf(path));
+            check(path);
+            progress.SetPosition(++done);
+        }
+    };
+    each(files.read, [&](const std::wstring& path) {
+        if (!QFileInfo(ToQString(path)).isReadable()) {
+            checked.unreadable.insert(path);
+        }
+    });
+    each(files.write, [&](const std::wstring& path) {
+        checked.canWriteAll = checked.canWriteAll && QFileInfo(ToQString(path)).isWritable();
+    });
+    each(files.refused,
+         [&](const std::wstring& path) { checked.reasonOfRefused[path] = ReasonForRefusal(path); });
+    return checked;
 }
 
 OverviewResult BuildOverviews(const std::vector<std::wstring>& paths, Kst::ProgressIf& progress) {

@@ -1,7 +1,9 @@
 #pragma once
-// Long work on rasters and elevation models. Each run reports progress and collects failures: one file does
+// Long work on the files of a record. Each run reports progress and collects failures: one file does
 // not keep the others from being done.
+#include <map>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -19,6 +21,23 @@ struct FileFailure {
 
 /// The heading, below it each cause with its files; lines end in "\n".
 std::wstring FailureText(const std::wstring& heading, const std::vector<FileFailure>& failures);
+
+/// Files that are to be looked at on the disk before they are added.
+struct FilesToCheck {
+    std::vector<std::wstring> read;     ///< that are to be readable
+    std::vector<std::wstring> write;    ///< that are to be writable
+    std::vector<std::wstring> refused;  ///< rasters that could not be described
+};
+
+struct CheckedFiles {
+    std::set<std::wstring> unreadable;
+    bool canWriteAll = true;
+    std::map<std::wstring, std::wstring> reasonOfRefused;
+};
+
+/// Looks at files. What has not been looked at when it is stopped counts as readable and writable. From any
+/// thread.
+CheckedFiles CheckFiles(const FilesToCheck& files, Kst::ProgressIf& progress);
 
 /// What became of rasters that were to get overviews.
 struct OverviewResult {

@@ -1,6 +1,5 @@
 #include "host/app/RecordFiles.h"
 
-#include <QFileInfo>
 #include <cmath>
 #include <map>
 #include <span>
@@ -348,7 +347,8 @@ void DeleteDetails(AddFilesParams& record) {
     record.rasterFileDetails.clear();
 }
 
-LidarReport CheckLidar(const Project& project, const AddFilesParams& record) {
+LidarReport CheckLidar(const Project& project, const AddFilesParams& record,
+                       const std::set<std::wstring>& unreadable) {
     LidarReport findings;
     const PathSet known = LasFilesIn(project);
     LayerGroups groups(project);
@@ -359,7 +359,7 @@ LidarReport CheckLidar(const Project& project, const AddFilesParams& record) {
             findings.leftOut[path] = Text(text::kLeftOutInProject);
             continue;
         }
-        if (!QFileInfo(ToQString(path)).isReadable()) {
+        if (unreadable.contains(path)) {
             findings.unreadable = true;
             findings.leftOut[path] = Text(text::kLeftOutUnreadable);
             continue;

@@ -1,6 +1,7 @@
 #pragma once
 // Files of a record in the project's terms, findings about them, and the record as text.
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -44,8 +45,9 @@ struct LidarReport {
     LeftOutFiles leftOut;       ///< files of f and g, and those with errors that are not to be loaded
 };
 
-/// Compares the record with the project and looks at each file.
-LidarReport CheckLidar(const Project& project, const AddFilesParams& record);
+/// Compares the record with the project. `unreadable`: full paths of LAS files that can no longer be opened.
+LidarReport CheckLidar(const Project& project, const AddFilesParams& record,
+                       const std::set<std::wstring>& unreadable);
 
 /// The record as text for the user: files by folder with their properties, the layers they go to, and the
 /// options. Lines end in "\n".

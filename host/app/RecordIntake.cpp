@@ -1,6 +1,5 @@
 #include "host/app/RecordIntake.h"
 
-#include <QFileInfo>
 #include <QWidget>
 #include <algorithm>
 #include <iterator>
@@ -11,7 +10,6 @@
 #include "host/app/RasterJobs.h"
 #include "host/app/RecordFiles.h"
 #include "host/app/WorkDialog.h"
-#include "host/dem/HostGdal.h"
 #include "host/objects/HostClasses.h"
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/Exports.h"
@@ -23,13 +21,6 @@
 namespace orvex {
 
 namespace {
-
-/// True if every file can be written; of a LAZ file, the decompressed one.
-bool CanWriteAll(const AddFilesParams& record) {
-    return std::ranges::all_of(record.lasFileDetails, [](const auto& entry) {
-        return QFileInfo(ToQString(entry.second->FileName())).isWritable();
-    });
-}
 
 /// Output folder of converted files. A relative folder without the project token is in the project, too.
 std::wstring DemFolder(const AddFilesParams& record, const std::wstring& projectFolder) {
@@ -47,11 +38,21 @@ DemConversionOptions OptionsOf(const AddFilesParams& record, std::wstring folder
     return options;
 }
 
-std::wstring ReasonForLeavingOut(const std::wstring& path) {
-    SetUpGdal();
-    std::wstring cause;
-    OpenRasterFile(path, cause);
-    return cause.empty() ? Text(text::kRasterDamagedOrUnsupported) : cause;
+/// Of a LAZ file that is opened read-write, the decompressed one is to be writable.
+FilesToCheck FilesIn(const AddFilesParams& record) {
+    FilesToCheck files;
+    for (const auto& [folder, names] : record.lasFiles) {
+        for (const std::wstring& name : names) {
+            files.read.push_back(JoinPath(folder, name));
+        }
+    }
+    if (record.lasOpenSetting) {
+        for (const auto& [path, details] : record.lasFileDetails) {
+            files.write.push_back(details->FileName());
+        }
+    }
+    files.refused = UndescribedRastersOf(record);
+    return files;
 }
 
 }  // namespace
@@ -63,6 +64,7 @@ RecordIntake::RecordIntake(Project& project, QString projectFolder, bool writesB
       window_(window) {}
 
 IntakeResult RecordIntake::Take(const AddFilesParams& record) {
+    LookAtFiles(record);
     TakeLas(record);
     TakeRasters(record);
     TakeDems(record);
@@ -103,8 +105,20 @@ void RecordIntake::Keep(const AddedFiles& added) {
     }
 }
 
+/// On a thread, because drives can be slow; meanwhile the window is painted where the dialog was.
+void RecordIntake::LookAtFiles(const AddFilesParams& record) {
+    const auto found = std::make_shared<CheckedFiles>();
+    const WorkEnd end = WorkDialog::Run(window_, HostText(text::kCheckingFiles),
+                                        [files = FilesIn(record), found](Kst::ProgressIf& progress) {
+                                            *found = CheckFiles(files, progress);
+                                        });
+    if (end == WorkEnd::Finished) {
+        checked_ = *found;
+    }
+}
+
 void RecordIntake::TakeLas(const AddFilesParams& record) {
-    const LidarReport found = CheckLidar(project_, record);
+    const LidarReport found = CheckLidar(project_, record, checked_.unreadable);
     for (const auto& [path, cause] : found.leftOut) {
         leftOut_.push_back({path, cause});
     }
@@ -135,10 +149,9 @@ LidarAccess RecordIntake::LasAccess(const AddFilesParams& record) {
     if (!record.lasOpenSetting) {
         return LidarAccess::ReadOnly;
     }
-    const bool canWrite = CanWriteAll(record);
-    const bool isSettled = canWrite && !host::IsLidarAnswerRemembered();
-    project_.lidarAccess =
-        isSettled ? LidarAccess::ReadWrite : static_cast<LidarAccess>(GetAddingLidarChoice(canWrite));
+    const bool isSettled = checked_.canWriteAll && !host::IsLidarAnswerRemembered();
+    project_.lidarAccess = isSettled ? LidarAccess::ReadWrite
+                                     : static_cast<LidarAccess>(GetAddingLidarChoice(checked_.canWriteAll));
     if (project_.lidarAccess == LidarAccess::ReadOnly) {
         remarks_ += ' ' + HostText(text::kStatusLidarReadOnly);
     }
@@ -151,7 +164,8 @@ void RecordIntake::TakeRasters(const AddFilesParams& record) {
         BuildPyramids(rasters);
     }
     for (const std::wstring& path : UndescribedRastersOf(record)) {
-        leftOut_.push_back({path, ReasonForLeavingOut(path)});
+        const std::wstring& reason = checked_.reasonOfRefused[path];
+        leftOut_.push_back({path, reason.empty() ? Text(text::kRasterDamagedOrUnsupported) : reason});
     }
     Keep(project_.Take(LayerKind::Raster, rasters));
 }

@@ -32,6 +32,7 @@ class RecordIntake {
     IntakeResult Take(const AddFilesParams& record);
 
   private:
+    void LookAtFiles(const AddFilesParams& record);
     void TakeLas(const AddFilesParams& record);
     void TakeRasters(const AddFilesParams& record);
     void TakeDems(const AddFilesParams& record);
@@ -45,6 +46,7 @@ class RecordIntake {
     QString projectFolder_;
     const bool writesBesideData_;
     QWidget* window_;
+    CheckedFiles checked_;
     IntakeResult result_;
     std::size_t mostInLayers_ = 0;      ///< files that one kind of data brought
     std::vector<FileFailure> leftOut_;  ///< files of the record that are not added

@@ -1,6 +1,7 @@
 #include "host/app/WorkDialog.h"
 
 #include <QDialogButtonBox>
+#include <QEventLoop>
 #include <QFontMetrics>
 #include <QLabel>
 #include <QProgressBar>
@@ -8,6 +9,7 @@
 #include <QVBoxLayout>
 #include <exception>
 #include <mutex>
+#include <system_error>
 
 #include "host/app/HostText.h"
 
@@ -16,6 +18,7 @@ namespace orvex {
 namespace {
 
 constexpr int kPollMs = 30;
+constexpr int kPatienceWithoutDialogMs = 300;
 constexpr qint64 kPatienceMs = 8000;
 constexpr int kBarSteps = 1000;
 constexpr int kTextWidth = 440;
@@ -98,35 +101,55 @@ WorkDialog::WorkDialog(QWidget* parent, const QString& title, Work work)
     column->setSizeConstraint(QLayout::SetFixedSize);
     connect(buttons, &QDialogButtonBox::rejected, this, &WorkDialog::reject);
     connect(&timer_, &QTimer::timeout, this, &WorkDialog::Poll);
-    thread_ = std::thread([progress = progress_, work = std::move(work)]() mutable {
+    Start(std::move(work));
+    timer_.start(kPollMs);
+}
+
+void WorkDialog::Start(Work work) {
+    const auto run = [progress = progress_, work = std::make_shared<Work>(std::move(work))] {
         std::exception_ptr error;
         try {
-            work(*progress);
+            (*work)(*progress);
         } catch (...) {
             error = std::current_exception();
         }
-        work = nullptr;
+        *work = nullptr;
         progress->End(std::move(error));
-    });
-    timer_.start(kPollMs);
+    };
+    try {
+        thread_ = std::thread(run);
+    } catch (const std::system_error&) {
+        run();  // The system has no thread to spare; the window stands still meanwhile.
+    }
 }
 
 WorkDialog::~WorkDialog() {
     progress_->Stop();
     // A thread that has ended is waited for, so that none is left when the program ends.
-    if (!progress_->LeaveBehind(thread_)) {
+    if (thread_.joinable() && !progress_->LeaveBehind(thread_)) {
         thread_.join();
     }
 }
 
 WorkEnd WorkDialog::Run(QWidget* parent, const QString& title, Work work) {
     WorkDialog dialog(parent, title, std::move(work));
-    dialog.exec();
+    if (!dialog.EndsSoon()) {
+        dialog.exec();
+    }
     const Progress::State state = dialog.progress_->Now();
     if (state.error) {
         std::rethrow_exception(state.error);
     }
     return state.ended ? WorkEnd::Finished : WorkEnd::Abandoned;
+}
+
+/// Waits a moment for the work, during which other windows are painted.
+bool WorkDialog::EndsSoon() {
+    QEventLoop loop;
+    connect(this, &QDialog::finished, &loop, &QEventLoop::quit);
+    QTimer::singleShot(kPatienceWithoutDialogMs, &loop, &QEventLoop::quit);
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    return progress_->Now().ended;
 }
 
 void WorkDialog::reject() {

@@ -19,7 +19,7 @@ namespace orvex {
 enum class WorkEnd { Finished, Abandoned };
 
 /// Modal dialog that runs long work on a thread of its own, with a progress bar and a stop button. Escape
-/// stops, too.
+/// stops, too. Work that ends within a moment shows no dialog.
 class WorkDialog final : public QDialog {
     Q_OBJECT
 
@@ -38,6 +38,8 @@ class WorkDialog final : public QDialog {
     class Progress;
 
     WorkDialog(QWidget* parent, const QString& title, Work work);
+    void Start(Work work);
+    bool EndsSoon();
     void Poll();
 
     std::shared_ptr<Progress> progress_;

@@ -2,9 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "orvexcommon/AddFilesParams.h"
-#include "orvexcommon/LasFileInfo.h"
-#include "orvexcommon/RasterFileInfo.h"
+#include "host/app/tests/TestRecord.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 
@@ -12,71 +10,11 @@ namespace orvex {
 namespace {
 
 using ::testing::ElementsAre;
+using testing::kDegrees;
 using ::testing::Key;
+using testing::kUtm;
+using testing::Record;
 using testing::TemporaryFolder;
-
-constexpr const char* kUtm =
-    "PROJCS[\"UTM 32\",GEOGCS[\"E\",DATUM[\"E\",SPHEROID[\"G\",6378137,298.25]],"
-    "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]],"
-    "PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"central_meridian\",9],UNIT[\"metre\",1]]";
-constexpr const char* kDegrees =
-    "GEOGCS[\"WGS 84\",DATUM[\"WGS_1984\",SPHEROID[\"WGS 84\",6378137,298.257223563]],"
-    "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]]";
-
-struct FakeLasFileInfo final : LasFileInfo {
-    std::wstring name;
-    std::string wkt;
-    std::array<double, 3> low{0, 0, 0};
-    std::array<double, 3> high{10, 20, 30};
-    bool readOnly = true;
-    bool damaged = false;
-
-    const std::wstring& FileName() const override { return name; }
-    int Version() const override { return 14; }
-    int PointFormat() const override { return 6; }
-    std::uint64_t GetPointCount() const override { return 1000; }
-    bool IsReadOnly() const override { return readOnly; }
-    std::array<double, 3> Minimum() const override { return low; }
-    std::array<double, 3> Maximum() const override { return high; }
-    std::string CrsWkt() const override { return wkt; }
-    int GetCompanionStatus() const override { return 0; }
-    bool IsDamaged() const override { return damaged; }
-    std::uint16_t RegisteredId() const override { return 1; }
-};
-
-struct FakeRasterFileInfo final : RasterFileInfo {
-    std::wstring name;
-    RasterProperties properties;
-
-    const std::wstring& FileName() const override { return name; }
-    const RasterProperties& Properties() const override { return properties; }
-    bool IsBigTiff() const override { return false; }
-};
-
-/// A record that deletes its details.
-struct Record : AddFilesParams {
-    ~Record() { DeleteDetails(*this); }
-
-    FakeLasFileInfo& AddFile(const std::wstring& folder, const std::wstring& name, const std::wstring& layer,
-                             const std::string& wkt = kUtm) {
-        auto* info = new FakeLasFileInfo;
-        info->name = JoinPath(folder, name);
-        info->wkt = wkt;
-        lasFiles[folder].push_back(name);
-        lasFileDetails[info->name] = info;
-        lasFileLayers[info->name] = layer;
-        return *info;
-    }
-    FakeRasterFileInfo& AddRaster(const std::wstring& folder, const std::wstring& name,
-                                  const std::wstring& layer) {
-        auto* info = new FakeRasterFileInfo;
-        info->name = JoinPath(folder, name);
-        rasterFiles[folder].push_back(name);
-        rasterFileDetails[info->name] = info;
-        rasterFileLayers[info->name] = layer;
-        return *info;
-    }
-};
 
 std::vector<std::wstring> PathsOf(const Layer& layer) {
     std::vector<std::wstring> paths;
@@ -149,13 +87,13 @@ TEST(CheckLidar, FilesWithErrorsAreLeftOutUnlessTheBoxIsChecked) {
         files.Write(name, "content");
         record.AddFile(FromPath(files.Path()), name, L"new").damaged = name[0] == L'c';
     }
-    const LidarReport careful = CheckLidar(Project(), record);
+    const LidarReport careful = CheckLidar(Project(), record, {});
     EXPECT_THAT(careful.leftOut, ElementsAre(Key(JoinPath(FromPath(files.Path()), L"cut.las"))));
     EXPECT_FALSE(careful.damaged);
     EXPECT_FALSE(careful.nothingLeft);
     EXPECT_EQ(LasFilesOf(record, careful.leftOut).size(), 1U);
     record.lasLoadCorruptFiles = true;
-    const LidarReport bold = CheckLidar(Project(), record);
+    const LidarReport bold = CheckLidar(Project(), record, {});
     EXPECT_TRUE(bold.leftOut.empty());
     EXPECT_TRUE(bold.damaged) << "the question before adding says so";
 }
@@ -190,7 +128,7 @@ TEST(CheckLidar, ReportsEachFindingByItself) {
         record.existingLasLayers = project.LayersForDialog(LayerKind::Las);
         record.AddFile(folder, L"1.las", L"new");
         record.AddFile(folder, c.name, c.layer, c.wkt).low[0] = c.west;
-        const LidarReport found = CheckLidar(project, record);
+        const LidarReport found = CheckLidar(project, record, {JoinPath(folder, L"gone.las")});
         for (bool LidarReport::*finding :
              {&LidarReport::appending, &LidarReport::crsDiffers, &LidarReport::crsMissing,
               &LidarReport::damaged, &LidarReport::alreadyThere, &LidarReport::unreadable}) {
@@ -203,7 +141,8 @@ TEST(CheckLidar, ReportsEachFindingByItself) {
     }
     Record record;
     record.AddFile(folder, L"1.las", L"old", kDegrees);
-    EXPECT_TRUE(CheckLidar(project, record).crsDiffers) << "than the CRS of its existing layer";
+    EXPECT_TRUE(CheckLidar(project, record, {JoinPath(folder, L"gone.las")}).crsDiffers)
+        << "than the CRS of its existing layer";
 }
 
 }  // namespace
