@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -91,6 +92,32 @@ TEST(UserPromptsQt, ATaskTellsItsCheckBoxWhateverTheAnswer) {
         const TaskAnswer answer = prompts.ShowTask(task);
         EXPECT_EQ(answer.answer, PromptAnswer::No);
         EXPECT_EQ(answer.verificationChecked, tick);
+    }
+}
+
+TEST(UserPromptsQt, AReportIsReadCopiedAndAnswered) {
+    const ReportPrompt report{
+        .caption = L"Before",
+        .summary = L"Two of three.",
+        .sections = {{L"Unreadable: 1", {L"/d/<b>.las: empty"}}, {L"No CRS: 1", {L"/d/a.las"}}},
+        .yesText = L"Add 2 Files",
+        .noText = L"Go Back"};
+    const std::pair<std::function<void(QWidget*)>, PromptAnswer> cases[] = {
+        {[](QWidget* window) { Click(window, "yes"); }, PromptAnswer::Yes},
+        {[](QWidget* window) { Click(window, "no"); }, PromptAnswer::No},
+        {[](QWidget* window) { QTest::keyClick(window, Qt::Key_Escape); }, PromptAnswer::No},
+        {[](QWidget* window) { window->close(); }, PromptAnswer::No},
+    };
+    for (const auto& [act, answer] : cases) {
+        QGuiApplication::clipboard()->clear();
+        WhenShown([&act = act](QWidget* window) {
+            EXPECT_EQ(window->findChild<QPushButton*>("yes")->text(), "Add 2 Files");
+            Click(window, "copy");
+            act(window);
+        });
+        EXPECT_EQ(UserPromptsQt().ShowReport(report), answer);
+        EXPECT_EQ(QGuiApplication::clipboard()->text(),
+                  "Unreadable: 1\n    /d/<b>.las: empty\n\nNo CRS: 1\n    /d/a.las");
     }
 }
 
