@@ -83,7 +83,7 @@ void AddFilesDlg::BuildWindow() {
             }));
     connect(stop_, &QToolButton::clicked, progress_, &DialogProgress::Stop);
     connect(ok_, &QPushButton::clicked, this, &AddFilesDlg::accept);
-    connect(cancel_, &QPushButton::clicked, this, &AddFilesDlg::Cancel);
+    connect(cancel_, &QPushButton::clicked, this, &AddFilesDlg::reject);
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
         // A shortcut, because a button that has the focus would take the key for a click.
         auto* shortcut = new QShortcut(QKeySequence(Qt::CTRL | key), this);
@@ -259,13 +259,17 @@ void AddFilesDlg::SelectOddRows(const std::vector<PageReview>& reviews) {
     }
 }
 
-void AddFilesDlg::reject() {
-    if (progress_->IsRunning() || MayDiscard()) {
-        Cancel();
+void AddFilesDlg::closeEvent(QCloseEvent* event) {
+    bool close = false;
+    RunGuarded(services_.prompts, L"OnClose", [&] { close = progress_->IsRunning() || MayDiscard(); });
+    if (close) {
+        QDialog::closeEvent(event);
+    } else {
+        event->ignore();
     }
 }
 
-void AddFilesDlg::Cancel() {
+void AddFilesDlg::reject() {
     if (progress_->IsRunning()) {
         progress_->Stop();
         return;
@@ -327,8 +331,10 @@ void AddFilesDlg::RestoreFocus() {
 
 // A key held down must not stop a run and then close the dialog, nor one that comes as the run ends.
 void AddFilesDlg::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape && (event->isAutoRepeat() || progress_->EndedJustNow())) {
-        event->accept();
+    if (event->key() == Qt::Key_Escape) {
+        if (!event->isAutoRepeat() && !progress_->EndedJustNow()) {
+            close();
+        }
         return;
     }
     // The tab control takes Ctrl+Tab only while the focus is inside; here it is on a button below.

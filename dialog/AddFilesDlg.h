@@ -55,11 +55,9 @@ class AddFilesDlg : public QDialog {
   public slots:
     /// OK: each page validates and stores in turn; the first that refuses keeps the dialog open.
     void accept() override;
-    /// Escape and the window's close button: Cancel, but asks before a list is discarded.
+    /// The Cancel button, and a host that goes. Stops a running operation instead, and is ignored for a
+    /// moment after one was stopped. Escape and the window's close button ask first, see closeEvent.
     void reject() override;
-    /// The Cancel button. Stops a running operation instead, and is ignored for a moment after one was
-    /// stopped.
-    void Cancel();
     /// Stores the current tab and the window's placement; every way of closing ends here.
     void done(int result) override;
 
@@ -67,6 +65,8 @@ class AddFilesDlg : public QDialog {
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    /// Asks before a list is discarded.
+    void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 

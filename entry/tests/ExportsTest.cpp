@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTabBar>
+#include <QTableView>
 #include <QTest>
 #include <QTimer>
 #include <functional>
@@ -116,19 +117,28 @@ TEST_F(Exports, AHostThatDestroysTheOwnerCancelsWhateverIsOpen) {
         params.initialPaths = {empty.Name({})};  // of which the user is told
         return !ShowAddFilesDialog(&params);
     };
+    const testing::TemporaryFolder folder;
+    const Call addOne = [&](const QWidget&) {
+        params.initialPaths = {folder.Write(L"damaged.las", "LASF")};
+        return !ShowAddFilesDialog(&params);
+    };
     struct Case {
         const char* topmost;  ///< class of the window that is open when the owner goes
         Call call;
+        int rows = 0;  ///< in its list
     };
-    for (const Case& c : {Case{"orvex::CAddingLidarDlg", choose}, Case{"QMessageBox", tell},
-                          Case{"orvex::AddFilesDlg", add}, Case{"QMessageBox", addNothing}}) {
+    for (const Case& c :
+         {Case{"orvex::CAddingLidarDlg", choose}, Case{"QMessageBox", tell}, Case{"orvex::AddFilesDlg", add},
+          Case{"QMessageBox", addNothing}, Case{"orvex::AddFilesDlg", addOne, 1}}) {
         auto owner = std::make_unique<QWidget>();
         owner->show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(owner.get()));
         QTimer destroying;
         QObject::connect(&destroying, &QTimer::timeout, &destroying, [&] {
             const QWidget* window = QApplication::activeModalWidget();
-            if (window != nullptr && window->isVisible() && window->inherits(c.topmost)) {
+            const auto* list = window != nullptr ? window->findChild<QTableView*>() : nullptr;
+            const int rows = list != nullptr ? list->model()->rowCount() : 0;
+            if (window != nullptr && window->isVisible() && window->inherits(c.topmost) && rows == c.rows) {
                 destroying.stop();
                 owner.reset();
             }
