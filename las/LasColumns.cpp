@@ -111,14 +111,7 @@ std::wstring Returns(const LASFile& file) {
 }
 
 std::wstring PointsByReturn(const LASFile& file) {
-    std::wstring text;
-    for (int number = 1; number <= file.Header().ReturnCount(); ++number) {
-        const std::uint64_t points = file.Header().PointsOfReturn(number);
-        if (points > 0) {
-            text += FormatText(text.empty() ? L"%d: %u" : L", %d: %u", {number, points});
-        }
-    }
-    return text;
+    return LasPointsByReturnText(file, L"%u");
 }
 
 std::wstring ExtraBytesNames(const LASFile& file) {

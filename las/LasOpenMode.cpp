@@ -1,5 +1,6 @@
 #include "las/LasOpenMode.h"
 
+#include "las/LasFailure.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
@@ -21,7 +22,7 @@ class Reopener {
         try {
             return Open(row, result);
         } catch (...) {
-            result.failures.push_back({row.path, CurrentExceptionText()});
+            result.failures.push_back({row.path, PlainLasFailure(CurrentExceptionText())});
             return nullptr;
         }
     }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "crs/ExtentFindings.h"
+#include "las/LasFailure.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Files.h"
 #include "support/Format.h"
@@ -73,6 +74,17 @@ void CheckCompression(LasRow& row) {
     }
 }
 
+/// The row of a file that cannot be opened: what that means, and the message of the exception.
+void Refuse(LasRow& row, const std::wstring& message) {
+    row.loadable = false;
+    row.file.reset();
+    row.summary = PlainLasFailure(message);
+    row.findings = {{FindingInWords(las_finding::kUnreadable, row.summary)}};
+    if (row.summary != message) {
+        row.findings.push_back({MakeFinding(las_finding::kReaderMessage, {message})});
+    }
+}
+
 // Nothing of a file that does not even begin as a LAS file can be trusted.
 void RefuseWithoutSignature(LasRow& row) {
     if (row.file->Header().HasSignature()) {
@@ -106,21 +118,20 @@ void Inspect(LasRow& row) {
 LasRow UnreadLasFile(const std::wstring& path, const std::wstring& message) {
     LasRow row;
     row.path = path;
-    row.summary = message;
     row.crs = DescribeCrs({});
+    Refuse(row, message);
     return row;
 }
 
 LasRow InspectLasFile(const std::wstring& path) {
-    LasRow row = UnreadLasFile(path, {});
+    LasRow row;
+    row.path = path;
+    row.crs = DescribeCrs({});
     row.modifiedMs = ModifiedMs(path);
     try {
         Inspect(row);
     } catch (...) {
-        row.loadable = false;
-        row.file.reset();
-        row.findings.clear();
-        row.summary = CurrentExceptionText();
+        Refuse(row, CurrentExceptionText());
     }
     if (!row.loadable) {
         row.fileSize = FileSizeOf(path).value_or(0);
@@ -142,10 +153,6 @@ std::wstring LoadConditionText() {
 }
 
 std::wstring FindingsText(const LasRow& row) {
-    const bool isFailure = row.findings.empty() && row.file == nullptr;
-    if (isFailure) {
-        return row.summary;
-    }
     const bool isConditional = row.file != nullptr && HasErrors(row);
     return StateLines(row) + (isConditional ? L"\n" + LoadConditionText() : L"");
 }

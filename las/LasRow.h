@@ -18,7 +18,7 @@ namespace orvex {
 struct LasRow {
     std::wstring path;
     bool loadable = false;
-    std::wstring summary;  ///< one line: the reason when not loadable, else the worst finding or "OK"
+    std::wstring summary;  ///< one line: the reason when not loadable, else the first finding or "OK"
     std::vector<LasFinding> findings;  ///< everything that is odd about the file, worst first
     std::unique_ptr<LASFile> file;     ///< null when not loadable, and once it belongs to the host
     CrsPtr crs;  ///< never null; of the WKT that cannot be read, if there is nothing else

@@ -112,6 +112,18 @@ std::wstring LasEncodingText(const LASFile& file) {
     return text;
 }
 
+std::wstring LasPointsByReturnText(const LASFile& file, const wchar_t* format) {
+    std::wstring text;
+    for (int number = 1; number <= file.Header().ReturnCount(); ++number) {
+        const std::uint64_t points = file.Header().PointsOfReturn(number);
+        if (points > 0) {
+            text +=
+                FormatText(text.empty() ? L"%d: %s" : L", %d: %s", {number, FormatText(format, {points})});
+        }
+    }
+    return text;
+}
+
 std::string ExtraBytesType(const ExtraBytesAttribute& attribute) {
     constexpr std::array kTypes{"",      "uint8",  "int8",  "uint16", "int16", "uint32",
                                 "int32", "uint64", "int64", "float",  "double"};

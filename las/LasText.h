@@ -20,6 +20,10 @@ std::wstring LasEncodingText(const LASFile& file);
 /// Extra bytes attributes with their types ("amplitude (uint16), raw (3 bytes)").
 std::wstring LasExtraBytesText(const LASFile& file);
 
+/// Numbers of points by return ("1: 900, 2: 100"), without the returns that have none. `format`: of one
+/// number.
+std::wstring LasPointsByReturnText(const LASFile& file, const wchar_t* format);
+
 /// Type of an attribute as programmers write it: "uint16", "double", "3 bytes".
 std::string ExtraBytesType(const ExtraBytesAttribute& attribute);
 

@@ -12,6 +12,8 @@ class LASFile;
 /// loads, but something of it is lost or doubtful. Notes leave it good.
 namespace las_finding {
 using enum FindingSeverity;
+inline constexpr FindingKind kUnreadable{"unreadable", Error, StringId{}};  // the reason
+inline constexpr FindingKind kReaderMessage{"reader-message", Note, text::kReaderMessage};
 inline constexpr FindingKind kSignatureMissing{"signature-missing", Error, text::kNotLas};
 inline constexpr FindingKind kVersionUnknown{"version-unknown", Error, text::kLasVersionUnknown};
 inline constexpr FindingKind kVersion20{"version-2-0", Warning, text::kLasVersion20};

@@ -34,7 +34,7 @@ std::string ReadStart(const std::wstring& path) {
         throw LDataError(Text(text::kRasterIsFolder));
     }
     if (kind == FileKind::Missing) {
-        throw LDataError(Text(text::kRasterFileMissing));
+        throw LDataError(Text(text::kFileMissing));
     }
     if (kind == FileKind::Other) {
         throw LDataError(Text(text::kRasterNotRegularFile));
@@ -43,7 +43,7 @@ std::string ReadStart(const std::wstring& path) {
     std::array<char, kStartBytes> bytes{};
     file.read(bytes.data(), bytes.size());
     if (!file.is_open() || file.bad()) {
-        throw LDataError(Text(text::kRasterOpenRefused));
+        throw LDataError(Text(text::kFileOpenRefused));
     }
     if (file.gcount() == 0) {
         throw LDataError(Text(text::kRasterFileEmpty));

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <variant>
 
+#include "support/Format.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -93,6 +94,14 @@ std::wstring CellText(const Column<Row>& column, const Row& row) {
 template <typename Row>
 std::wstring ExactText(const Column<Row>& column, const Row& row) {
     return ExactCell(column.cell(row), NumberFormat(column, row));
+}
+
+/// The same where a number stands alone, as in a tooltip: quantities, which have a sum, with grouped digits.
+template <typename Row>
+std::wstring LooseCellText(const Column<Row>& column, const Row& row) {
+    const wchar_t* format = NumberFormat(column, row);
+    return FormatCell(column.cell(row),
+                      column.footer == FooterKind::Sum ? GroupedFormat(format).c_str() : format);
 }
 
 /// The column of a name. Throws std::logic_error when the table has none.

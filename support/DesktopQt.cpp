@@ -185,8 +185,12 @@ PromptAnswer UserPromptsQt::ShowReport(const ReportPrompt& prompt) {
 HelpViewerQt::HelpViewerQt(std::filesystem::path folder, Open open)
     : folder_(std::move(folder)), open_(open ? std::move(open) : Open(&QDesktopServices::openUrl)) {}
 
+std::wstring HelpViewerQt::ManualPath() const {
+    return FromPath(folder_ / "help" / "index.html");
+}
+
 bool HelpViewerQt::Show(HelpTopic topic) {
-    const std::wstring manual = FromPath(folder_ / "help" / "index.html");
+    const std::wstring manual = ManualPath();
     if (!FileExists(manual)) {
         return false;
     }

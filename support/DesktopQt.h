@@ -70,6 +70,7 @@ class HelpViewerQt final : public HelpViewer {
 
     /// Opens the topic's heading; its id in the manual is "topic-" and the topic's number.
     bool Show(HelpTopic topic) override;
+    std::wstring ManualPath() const override;
 
   private:
     std::filesystem::path folder_;

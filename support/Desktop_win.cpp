@@ -191,6 +191,7 @@ class CompiledHelpViewer final : public HelpViewer {
         : compiled_(FromPath(folder / "orvex.chm")), browser_(folder) {}
 
     bool Show(HelpTopic topic) override { return ShowCompiled(topic) || browser_.Show(topic); }
+    std::wstring ManualPath() const override { return browser_.ManualPath(); }
 
   private:
     bool ShowCompiled(HelpTopic topic) const {

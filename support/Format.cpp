@@ -186,6 +186,12 @@ std::string ConversionsOf(std::wstring_view format) {
     return letters;
 }
 
+std::wstring GroupedFormat(std::wstring_view format) {
+    std::wstring grouped(format);
+    const std::size_t at = grouped.find(L'%');
+    return at == std::wstring::npos ? grouped : grouped.insert(at + 1, 1, L'\'');
+}
+
 std::wstring GroupedNumber(std::uint64_t number) {
     return FormatText(L"%'u", {number});
 }

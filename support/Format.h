@@ -35,6 +35,9 @@ std::wstring FormatText(std::wstring_view format, std::initializer_list<FormatAr
 /// Conversions of a format in order, one letter each ("sd" for "%s of %d"; "%%" gives none).
 std::string ConversionsOf(std::wstring_view format);
 
+/// A format of one number ("%.2f") that groups its digits.
+std::wstring GroupedFormat(std::wstring_view format);
+
 /// "3,000": a number as texts for people show it, with the string library's digit separator.
 std::wstring GroupedNumber(std::uint64_t number);
 

@@ -1,6 +1,7 @@
 #pragma once
 #include <filesystem>
 #include <memory>
+#include <string>
 
 namespace orvex {
 
@@ -20,6 +21,8 @@ class HelpViewer {
   public:
     virtual ~HelpViewer() = default;
     virtual bool Show(HelpTopic topic) = 0;
+    /// Full path of the manual, for that message.
+    virtual std::wstring ManualPath() const = 0;
 };
 
 /// The system's help: `folder` contains the manual, "help/index.html" and on Windows also "orvex.chm".

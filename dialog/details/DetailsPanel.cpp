@@ -4,14 +4,22 @@
 #include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMimeData>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QTabWidget>
+#include <QTextBlock>
+#include <QTextCursor>
 #include <QTextDocument>
+#include <QTextDocumentFragment>
 #include <QTextEdit>
+#include <QTextTable>
 #include <QToolButton>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <memory>
+#include <utility>
 
 #include "support/QtText.h"
 
@@ -21,14 +29,88 @@ namespace {
 
 constexpr int kImageSize = 16;
 
+/// A view with a frame that is seen while it has the focus, as a field's is.
+template <typename Edit>
+class FocusedView : public Edit {
+  public:
+    FocusedView() {
+        this->setFrameStyle(static_cast<int>(QFrame::Box) | static_cast<int>(QFrame::Plain));
+        this->setLineWidth(1);
+    }
+
+  protected:
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::Paint) {
+            return Edit::event(event);
+        }
+        if (this->hasFocus()) {
+            QPainter painter(this);
+            painter.setPen(this->palette().color(QPalette::Highlight));
+            painter.drawRect(this->rect().adjusted(0, 0, -1, -1));
+        }
+        return true;
+    }
+    void focusInEvent(QFocusEvent* event) override {
+        Edit::focusInEvent(event);
+        this->update();
+    }
+    void focusOutEvent(QFocusEvent* event) override {
+        Edit::focusOutEvent(event);
+        this->update();
+    }
+};
+
+/// True for the start of a cell that stands beside another.
+bool IsBeside(const QTextBlock& block) {
+    const QTextCursor cursor(block);
+    const QTextTable* table = cursor.currentTable();
+    return table != nullptr && table->cellAt(cursor).column() > 0 &&
+           table->cellAt(cursor).firstCursorPosition().block() == block;
+}
+
+/// A fragment with each row of its tables on one line, tabs between the cells. Pictures and empty lines are
+/// left out.
+QString LinesOf(const QTextDocumentFragment& fragment) {
+    QTextDocument document;
+    QTextCursor(&document).insertFragment(fragment);
+    QString text;
+    bool isLineEnded = true;
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        if (IsBeside(block) && !isLineEnded) {
+            text += QLatin1Char('\t');
+        } else {
+            isLineEnded = true;
+        }
+        QString line = block.text();
+        line.remove(QChar::ObjectReplacementCharacter).replace(QChar::LineSeparator, QLatin1Char('\n'));
+        if (!line.isEmpty() && std::exchange(isLineEnded, false) && !text.isEmpty()) {
+            text += QLatin1Char('\n');
+        }
+        text += line;
+    }
+    return text;
+}
+
+/// Rich text whose tables are copied with a label and its value on one line.
+class HtmlView final : public FocusedView<QTextEdit> {
+  protected:
+    QMimeData* createMimeDataFromSelection() const override {
+        const QTextDocumentFragment fragment = textCursor().selection();
+        auto data = std::make_unique<QMimeData>();
+        data->setText(LinesOf(fragment));
+        data->setHtml(fragment.toHtml());
+        return data.release();
+    }
+};
+
 QTextEdit* MakeHtmlView() {
-    auto* view = new QTextEdit;
+    auto* view = new HtmlView;
     view->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     return view;
 }
 
 QPlainTextEdit* MakePlainView() {
-    auto* view = new QPlainTextEdit;
+    auto* view = new FocusedView<QPlainTextEdit>;
     view->setLineWrapMode(QPlainTextEdit::NoWrap);
     view->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     return view;
@@ -39,7 +121,6 @@ template <typename Edit>
 void SetUp(Edit& view, const char* name) {
     view.setObjectName(QString::fromLatin1(name));
     view.setReadOnly(true);
-    view.setFrameShape(QFrame::NoFrame);
     view.setTabChangesFocus(true);
     view.setMinimumHeight(0);
 }
@@ -83,8 +164,7 @@ void DetailsPanel::MakeTitle() {
     fold_->setObjectName(QStringLiteral("detailsFold"));
     fold_->setAutoRaise(true);
     fold_->setArrowType(Qt::DownArrow);
-    fold_->setToolTip(ToQString(Text(text::kDetailsFoldTooltip)));
-    fold_->setWhatsThis(fold_->toolTip());
+    fold_->setWhatsThis(ToQString(Text(text::kDetailsFoldTooltip)));
     fold_->setAccessibleName(ToQString(Text(text::kDetailsTitle)));
     title_ = new QLabel;
     title_->setObjectName(QStringLiteral("detailsTitle"));
@@ -124,6 +204,7 @@ void DetailsPanel::SetCrowded(bool crowded) {
 
 void DetailsPanel::ShowBody() {
     fold_->setEnabled(!crowded_);
+    fold_->setToolTip(ToQString(Text(crowded_ ? text::kDetailsNoRoomTooltip : text::kDetailsFoldTooltip)));
     fold_->setArrowType(IsBodyShown() ? Qt::DownArrow : Qt::RightArrow);
     if (tabs_->isHidden() == IsBodyShown()) {
         tabs_->setVisible(IsBodyShown());

@@ -153,7 +153,7 @@ std::optional<std::wstring> GridModel::FooterText(int column) const {
             return FormatText(description.footerFormat.value ? Text(description.footerFormat) : L"%s",
                               {CountText()});
         case FooterKind::Sum:
-            return FormatText(description.format, {sums_[static_cast<std::size_t>(column)]});
+            return FormatText(GroupedFormat(description.format), {sums_[static_cast<std::size_t>(column)]});
         case FooterKind::None:
             break;
     }

@@ -132,7 +132,7 @@ class ListModel : public ListRows {
 
     std::wstring Tooltip(std::size_t record, int column) const override {
         const auto tooltip = At(column).look.tooltip;
-        return tooltip == nullptr ? CellText(record, column) : tooltip(rows_[record]);
+        return tooltip == nullptr ? LooseCellText(At(column), rows_[record]) : tooltip(rows_[record]);
     }
 
   private:

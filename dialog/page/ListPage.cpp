@@ -320,7 +320,8 @@ void ListPage::FitColumns() {
 
 void ListPage::OnHelp() {
     if (!services_.help.Show(description_.helpTopic)) {
-        ShowMessage(Text(text::kHelpOpenFailed), text::kAddFilesTitle, PromptIcon::Warning);
+        ShowMessage(FormatText(Text(text::kHelpOpenFailed), {services_.help.ManualPath()}),
+                    text::kAddFilesTitle, PromptIcon::Warning);
     }
 }
 

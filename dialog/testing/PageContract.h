@@ -808,6 +808,10 @@ TEST_P(FilePage, F1AndTheHelpButtonOpenTheTopicOrExplainControls) {
     QTest::keyClick(Find(GetParam().addFiles), Qt::Key_F1);
     QTest::keyClick(ok, Qt::Key_F1);
     EXPECT_THAT(help.shown, ::testing::ElementsAre(GetParam().helpTopic, GetParam().helpTopic));
+    help.works = false;
+    QTest::keyClick(ok, Qt::Key_F1);
+    EXPECT_THAT(prompts.shown.back().text, ::testing::HasSubstr(help.ManualPath()));
+    help.works = true;
     help.shown.clear();
     Click(GetParam().help);
     EXPECT_EQ(QWhatsThis::inWhatsThisMode(), GetParam().helpExplainsControls);

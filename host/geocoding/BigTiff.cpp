@@ -27,12 +27,12 @@ Signature ReadSignature(const std::wstring& path) {
     std::ifstream file(ToPath(path), std::ios::binary);
     if (!file) {
         throw LDataError(
-            Text(KindOf(path) == FileKind::Missing ? text::kRasterFileMissing : text::kRasterOpenRefused));
+            Text(KindOf(path) == FileKind::Missing ? text::kFileMissing : text::kFileOpenRefused));
     }
     Signature signature{};
     file.read(signature.data(), static_cast<std::streamsize>(signature.size()));
     if (file.bad()) {
-        throw LDataError(Text(text::kRasterOpenRefused));
+        throw LDataError(Text(text::kFileOpenRefused));
     }
     return file.gcount() == static_cast<std::streamsize>(signature.size()) ? signature : Signature{};
 }

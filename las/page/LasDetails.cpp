@@ -114,6 +114,10 @@ std::wstring WithMore(const LasRow& row, std::string_view column, std::wstring v
         value += L" " + Text(text::kLayerExistsSuffix);
     } else if (column == "extraBytes" && row.file != nullptr) {
         value = LasExtraBytesText(*row.file);
+    } else if (column == "pointsByReturn" && row.file != nullptr) {
+        value = LasPointsByReturnText(*row.file, L"%'u");
+    } else if (column == "offsetToPoints" && row.file != nullptr) {
+        value = GroupedNumber(row.file->Header().OffsetToPoints());
     } else if (column == "globalEncoding" && row.file != nullptr) {
         const std::wstring flags = LasEncodingText(*row.file);
         value += flags.empty() ? L"" : L" (" + flags + L")";
@@ -133,11 +137,11 @@ std::vector<DetailSection> LasOverview(const LasRow& row) {
         DetailSection shown{section.title, {}};
         for (const char* name : section.columns) {
             const Column<LasRow>& column = ColumnNamed(LasColumns(), name);
-            std::wstring value = CellText(column, row);
+            std::wstring value = LooseCellText(column, row);
             AddField(shown.fields, column.caption, WithMore(row, name, std::move(value)));
             if (name == std::string_view("points") && HasLegacyCount(row)) {
                 AddField(shown.fields, text::kLasLegacyPoints,
-                         std::to_wstring(row.file->Header().LegacyPointCount()));
+                         GroupedNumber(row.file->Header().LegacyPointCount()));
             }
         }
         if (!shown.fields.empty()) {
@@ -211,14 +215,14 @@ LasTotals TotalsOf(std::span<const LasRow> rows, std::span<const std::size_t> re
 }
 
 DetailSection TotalsSection(const LasTotals& totals) {
-    const auto count = [](std::size_t number) { return number == 0 ? L"" : std::to_wstring(number); };
+    const auto count = [](std::size_t number) { return number == 0 ? L"" : GroupedNumber(number); };
     DetailSection section{text::kTotalsSelection, {}};
     auto& fields = section.fields;
-    AddField(fields, text::kTotalsFiles, std::to_wstring(totals.files));
+    AddField(fields, text::kTotalsFiles, GroupedNumber(totals.files));
     AddField(fields, text::kLasSizeMegabytes,
-             FormatText(L"%.2f", {static_cast<double>(totals.bytes) * 1e-6}));
-    AddField(fields, text::kLasPoints, std::to_wstring(totals.points));
-    AddField(fields, text::kTotalsLayers, std::to_wstring(totals.layers));
+             FormatText(L"%'.2f", {static_cast<double>(totals.bytes) * 1e-6}));
+    AddField(fields, text::kLasPoints, GroupedNumber(totals.points));
+    AddField(fields, text::kTotalsLayers, GroupedNumber(totals.layers));
     AddField(fields, text::kTotalsFilesWithFindings, count(totals.withFindings));
     AddField(fields, text::kTotalsUnreadableFiles, count(totals.notReadable));
     for (const std::wstring& name : totals.crsNames) {

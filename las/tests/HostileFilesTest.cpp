@@ -91,7 +91,7 @@ TEST_F(HostileFiles, LiesInAHugeSparseFileAreBounded) {
         EXPECT_EQ(file->GetEVLRs().size(), kMostRecords);
         EXPECT_FALSE(ValidateLas(*file).empty());
     }
-    EXPECT_NE(RowText(path).find(L"only the first 65536 are listed"), std::wstring::npos);
+    EXPECT_NE(RowText(path).find(L"only the first 65,536 are listed"), std::wstring::npos);
     EXPECT_LT(testing::PeakMemory(), kMostMemory);
 }
 

@@ -17,9 +17,11 @@
 namespace orvex {
 namespace {
 
+using ::testing::AnyOf;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using testing::LasBuilder;
+using ::testing::Not;
 
 constexpr const char* kWgs84 =
     R"(GEOGCS["WGS 84",DATUM["WGS_1984",SPHEROID["WGS 84",6378137,298.257223563]],PRIMEM["Greenwich",0],)"
@@ -193,12 +195,21 @@ TEST_F(LasRowTest, AFileThatTheProjectHasSaysSoBehindWhatIsWorse) {
 
 TEST_F(LasRowTest, SaysWhyAFileCannotBeLoaded) {
     const std::wstring folder = FromPath(folder_.Path());
+    const std::string cut = LasBuilder(14, 6).AddPoints(1).AddEvlr("a", 1, "").Build();
     const struct {
         std::wstring path;
         std::wstring summary;
+        std::wstring message = {};  ///< of the exception, where the summary has other words
     } cases[] = {
-        {L"", L"'' file does not exist. Cannot open."},
+        {L"", Text(text::kFileMissing), L"'' file does not exist. Cannot open."},
         {folder, L"'" + folder + L"' is not a regular file."},
+        {folder_.Write(L"short.las", "LASF"), Text(text::kLasHeaderCutOff),
+         L"ReadHeaderBlock failed on '" + folder_.Name(L"short.las") + L"'."},
+        {folder_.Write(L"types.las", LasBuilder(14, 6).AddExtraBytes("a", 31, 2).AddPoints(1).Build()),
+         Text(text::kLasExtraBytesTypeInvalid),
+         L"GetExtraByteOffsets: '31' is not a valid extra bytes data_type value."},
+        {folder_.Write(L"cut.las", cut.substr(0, cut.size() - 30)), Text(text::kLasEvlrsUnreadable),
+         L"Failed to read EVLR header section of LAS file into memory."},
         {folder_.Write(L"text.las", std::string(300, 't')),
          L"'" + folder_.Name(L"text.las") + L"' is not a LAS file: it does not begin with \"LASF\"."},
     };
@@ -209,6 +220,20 @@ TEST_F(LasRowTest, SaysWhyAFileCannotBeLoaded) {
         EXPECT_EQ(found.path, expected.path);
         EXPECT_EQ(found.file, nullptr);
         ASSERT_NE(found.crs, nullptr);
+        EXPECT_STREQ(found.findings.front().code,
+                     found.summary.find(L"LASF") == std::wstring::npos ? "unreadable" : "signature-missing");
+        EXPECT_EQ(FindingsText(found), expected.message.empty()
+                                           ? expected.summary
+                                           : expected.summary + L"\n" +
+                                                 FormatText(Text(text::kReaderMessage), {expected.message}));
+    }
+    // Where a disk or the system fails.
+    for (const wchar_t* message :
+         {L"Unable to read EVLRs. System Error", L"CreateFile failed on 'a'. GetLastError: 5.",
+          L"CreateFileMapping failed on 'a'. GetLastError: 8.", L"std::bad_alloc",
+          L"Setting file pointer failed when skipping record data for evlr."}) {
+        const std::wstring plain = UnreadLasFile(L"a", message).summary;
+        EXPECT_THAT(plain, Not(AnyOf(IsEmpty(), HasSubstr(message)))) << ToUtf8(message);
     }
 }
 

@@ -47,11 +47,11 @@ void Unite(std::optional<std::array<double, 4>>& box, const std::optional<std::a
 }
 
 std::wstring Megabytes(std::uint64_t bytes) {
-    return FormatText(L"%.2f", {static_cast<double>(bytes) * 1e-6});
+    return FormatText(L"%'.2f", {static_cast<double>(bytes) * 1e-6});
 }
 
 std::wstring Count(std::size_t number) {
-    return number == 0 ? std::wstring() : std::to_wstring(number);
+    return number == 0 ? std::wstring() : GroupedNumber(number);
 }
 
 RasterTotals RasterTotalsOf(std::span<const RasterRow> rows, std::span<const std::size_t> records) {
@@ -87,12 +87,12 @@ RasterTotals RasterTotalsOf(std::span<const RasterRow> rows, std::span<const std
 DetailSection RasterTotalsSection(const RasterTotals& totals) {
     DetailSection section{text::kTotalsSelection, {}};
     auto& fields = section.fields;
-    AddField(fields, text::kTotalsFiles, std::to_wstring(totals.files));
+    AddField(fields, text::kTotalsFiles, GroupedNumber(totals.files));
     AddField(fields, text::kSizeMegabytes, Megabytes(totals.bytes));
     if (totals.totalBytes > totals.bytes) {
         AddField(fields, text::kRasterTotalSizeMegabytes, Megabytes(totals.totalBytes));
     }
-    AddField(fields, text::kRasterMegapixels, FormatText(L"%.3f", {totals.pixels * 1e-6}));
+    AddField(fields, text::kRasterMegapixels, FormatText(L"%'.3f", {totals.pixels * 1e-6}));
     AddField(fields, text::kTotalsLayers, Count(totals.layers));
     AddField(fields, text::kTotalsFilesWithFindings, Count(totals.withFindings));
     AddField(fields, text::kTotalsUnreadableFiles, Count(totals.notReadable));

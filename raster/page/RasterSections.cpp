@@ -31,7 +31,7 @@ class Section {
     /// A cell of the grid, under the column's caption.
     Section& Add(const char* name, RasterUse page = RasterUse::Image) {
         const Column<RasterRow>& column = ColumnNamed(RasterColumns(page), name);
-        return Add(column.caption, CellText(column, row_));
+        return Add(column.caption, LooseCellText(column, row_));
     }
     /// Under the one before it.
     Section& Below() {
@@ -51,11 +51,11 @@ class Section {
 };
 
 std::wstring Megabytes(double bytes) {
-    return bytes > 0 ? FormatText(L"%.2f", {bytes * 1e-6}) : std::wstring();
+    return bytes > 0 ? FormatText(L"%'.2f", {bytes * 1e-6}) : std::wstring();
 }
 
 std::wstring Count(std::int64_t number) {
-    return number == 0 ? std::wstring() : std::to_wstring(number);
+    return number == 0 ? std::wstring() : GroupedNumber(static_cast<std::uint64_t>(number));
 }
 
 std::wstring LayerText(const RasterRow& row) {

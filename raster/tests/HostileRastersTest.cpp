@@ -77,7 +77,7 @@ std::vector<Hostile> ImpossibleSizes() {
         {"65535 bands, each a plane", Image(1, 1).Tag(277, 3, {65535}).Tag(284, 3, {2}).Build(), true,
          "cut off or damaged: where its image data lies"},
         {"65535 bands in pixels", Image(1, 1).Tag(277, 3, {65535}).Build(), true,
-         "reach to byte 65543, but the file has"},
+         "reach to byte 65,543, but the file has"},
     };
 }
 
@@ -104,14 +104,14 @@ std::vector<Hostile> TagsThatClaimTooMuch() {
         {"an unknown codec", Pixel().Tag(259, 3, {65000}).Build(), false,
          "compressed by a method that cannot be read here"},
         {"2^32 - 1 bits per sample", Pixel().Claim(258, 3, kMost32, 8).Build(), false,
-         "The entry 'BitsPerSample' of the file cannot be read."},
+         "The entry 'BitsPerSample' of the file is damaged"},
         {"a text of 4 GiB", Pixel().Claim(270, 2, kMost32, 8).Build(), true,
-         "The entry 'ImageDescription' of the file cannot be read."},
+         "The entry 'ImageDescription' of the file is damaged"},
         {"a palette beyond the end", Pixel().Tag(262, 3, {3}).Claim(320, 3, 768, 0x7FFFFF00).Build(), true,
-         "The entry 'ColorMap' of the file cannot be read."},
+         "The entry 'ColorMap' of the file is damaged"},
         {"strips of 4 GiB", Pixel().Tag(279, 4, {kMost32}).Build(), true, "sizes of its image data wrongly"},
         {"1000 million overviews in sub-directories", Pixel().Claim(330, 4, 1'000'000'000, 8).Build(), true,
-         "The entry 'SubIFD' of the file cannot be read."},
+         "The entry 'SubIFD' of the file is damaged"},
         {"data of 2^63 bytes",
          TiffBytes(TiffBytes::Format::Big).Image(1, 1, 8, 1).Tag(279, 16, {std::uint64_t{1} << 63U}).Build(),
          true, "sizes of its image data wrongly"},
@@ -120,7 +120,7 @@ std::vector<Hostile> TagsThatClaimTooMuch() {
              .Image(1, 1, 8, 1)
              .Tag(273, 16, {std::numeric_limits<std::uint64_t>::max()})
              .Build(),
-         true, "reach to byte 18446744073709551615, but"},
+         true, "reach to byte 18,446,744,073,709,551,615, but"},
     };
 }
 

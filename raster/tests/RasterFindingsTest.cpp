@@ -39,6 +39,14 @@ TEST(RasterFindings, MessagesOfGdalBecomePlain) {
          FormatText(Text(text::kRasterDatumNotWgs84), {L"WGS72"})},
         {"/a/b.tif: TIFF directory is missing required \"ImageLength\" field",
          FormatText(Text(text::kRasterTagUnreadable), {L"ImageLength"})},
+        {"Incompatible type for \"Compression\"",
+         FormatText(Text(text::kRasterTagUnreadable), {L"Compression"})},
+        {"libpng: IHDR: CRC error", Text(text::kRasterDamagedOrUnsupported)},
+        {"VSIFReadL(0x7f8a084f4c90,6*4) @ 71384 failed in HFAEntry()",
+         Text(text::kRasterDirectoryUnreadable)},
+        {"Unable to open /vsiorvex1//a/b.img, it has zero usable bands", Text(text::kRasterNoImage)},
+        {"Key GTCitationGeoKey is of type ASCII but GeoAsciiParams is missing or corrupted",
+         Text(text::kCrsUnreadable)},
         {"missing codec LZ99.", FormatText(Text(text::kRasterCompressionUnsupported), {L"LZ99"})},
     };
     for (const auto& [message, text] : cases) {

@@ -159,7 +159,7 @@ TEST(RasterRow, APathThatIsNoFileHasItsReason) {
          {folder.Name(L"absent.tif"), std::wstring(L"http://127.0.0.1:9/a.tif"),
           std::wstring(L"/vsicurl/http://127.0.0.1:9/a.tif"), std::wstring(L"WMS:http://127.0.0.1:9/"),
           std::wstring(L"<VRTDataset/>"), std::wstring()}) {
-        EXPECT_EQ(Inspect(path).summary, Refusal(Text(text::kRasterFileMissing))) << ToUtf8(path);
+        EXPECT_EQ(Inspect(path).summary, Refusal(Text(text::kFileMissing))) << ToUtf8(path);
     }
 }
 

@@ -91,10 +91,12 @@ class ScriptedPickers final : public FilePickers {
 class RecordingHelpViewer final : public HelpViewer {
   public:
     std::vector<HelpTopic> shown;
+    bool works = true;
     bool Show(HelpTopic topic) override {
         shown.push_back(topic);
-        return true;
+        return works;
     }
+    std::wstring ManualPath() const override { return L"/manual/index.html"; }
 };
 
 /// Stops when `stopAfter` positions have been told (never when negative).

@@ -170,7 +170,7 @@ TEST(GridModelTest, FooterFollowsEachBatchOnce) {
     model.Append({{L"a", 1.25}, {L"b", kNaN}, {L"c", {}}, {L"d", std::numeric_limits<double>::infinity()}});
     EXPECT_EQ(footer(), L"4 / 1.25");
     model.Append({{L"e", 1e15}, {L"f", 0.5}});
-    EXPECT_EQ(footer(), L"6 / 1000000000000001.75");
+    EXPECT_EQ(footer(), L"6 / 1,000,000,000,000,001.75");
     model.Remove({4});
     EXPECT_EQ(footer(), L"5 / 1.75");
     model.Replace(0, {L"a", 2.0});

@@ -115,10 +115,18 @@ TEST_F(LasPage, CrssThatShareANameAreNotAddedUp) {
     for (const wchar_t* unit : {L"1", L"0.3048"}) {
         const std::string wkt = "LOCAL_CS[\"Site grid\",UNIT[\"unit\"," + ToUtf8(unit) + "]]";
         page->AddPaths({folder.Write(std::wstring(unit) + L".las",
-                                     testing::LasBuilder(14, 6).AddPoints(2).Wkt(wkt).Build())});
+                                     testing::LasBuilder(14, 6).AddPoints(1500).Wkt(wkt).Build())});
     }
+    EXPECT_THAT(ToWide(Details("detailsOverview")), HasSubstr(L"1,500"));
     Grid().SelectRows({0, 1});
     const std::wstring totals = ToWide(Details("detailsOverview"));
+    EXPECT_THAT(totals, HasSubstr(L"3,000"));
+    EXPECT_THAT(Shown("points"), ElementsAre(L"1500", L"1500"))
+        << "digits are grouped outside the cells only";
+    const int points = ColumnNamed("points");
+    EXPECT_THAT(ToWide(Model().data(Model().index(0, points), Qt::ToolTipRole).toString()),
+                HasSubstr(L"1,500"));
+    EXPECT_EQ(Model().FooterText(points), L"3,000");
     EXPECT_THAT(totals, HasSubstr(L"Site grid"));
     EXPECT_THAT(totals, Not(HasSubstr(Text(text::kLasMinX))));
 }
@@ -206,7 +214,8 @@ TEST_F(LasPage, FilesThatCannotBeOpenedAreNamedInOneMessageThatIsCut) {
     ASSERT_THAT(prompts.shown, SizeIs(1));
     const std::wstring& text = prompts.shown[0].text;
     EXPECT_EQ(prompts.shown[0].caption, Text(text::kLasOpenModeCaption));
-    EXPECT_TRUE(text.starts_with(Text(text::kLasOpenModeFailed) + L"\n\n'" + paths[0] + L"'"))
+    EXPECT_TRUE(text.starts_with(Text(text::kLasOpenModeFailed) + L"\n\n" + paths[0] + L": " +
+                                 Text(text::kFileMissing)))
         << "its name once";
     EXPECT_TRUE(text.ends_with(L"\n" + FormatText(Text(text::kMoreItems), {2})));
     EXPECT_TRUE(Rows()[0].file->IsReadOnly()) << "all stay as they are";

@@ -63,7 +63,7 @@ RasterRow Dem(const std::wstring& layer = {}) {
     properties.pixelIs = L"Point";
     properties.transform = {{500000, 0.5, 0, 5700100, 0, -0.25}};
     properties.sidecars = {L"/d/dem.tfw", L"/d/dem.tif.aux.xml"};
-    properties.totalBytes = 3'000'000;
+    properties.totalBytes = 3'000'000'000;
     return row;
 }
 
@@ -74,7 +74,7 @@ TEST(RasterDetails, FieldsOfEachKindOfFile) {
     RasterRow brief = testing::DescribedRaster(L"/a.tif", {});
     brief.file->properties.hasDetails = false;
     ExpectFields(dem, {{text::kExtentX, L"500000.000 \u2013 500300.000"},
-                       {text::kRasterTotalSizeMegabytes, L"3.00"},
+                       {text::kRasterTotalSizeMegabytes, L"3,000.00"},
                        {text::kRasterOtherFiles, L"dem.tfw\ndem.tif.aux.xml"},
                        {text::kGpsTimeType, L"-"},
                        {text::kRasterNoDataValue, L"-9999, NaN"},
@@ -146,13 +146,13 @@ TEST(RasterDetails, TotalsUniteExtentsOfOneCrsOnly) {
     rows.push_back(testing::DescribedRaster(L"/e", testing::GeographicWkt(), L"C"));
     rows.push_back(testing::DescribedRaster(L"/f", {}, L"D"));
     const std::wstring projected = L"ETRS89 / UTM zone 32N";
-    EXPECT_THAT(
-        Lines(rows, {0, 1, 2, 3}),
-        ElementsAre(Text(text::kTotalsSelection), Text(text::kTotalsFiles), L"4", Text(text::kSizeMegabytes),
-                    L"7.02", Text(text::kRasterTotalSizeMegabytes), L"9.00", Text(text::kRasterMegapixels),
-                    L"0.720", Text(text::kTotalsLayers), L"2", Text(text::kTotalsUnreadableFiles), L"1",
-                    Text(text::kTotalsCrs), projected, Text(text::kMinX), L"500000.000", Text(text::kMinY),
-                    L"5699000.000", Text(text::kMaxX), L"500900.000", Text(text::kMaxY), L"5700100.000"));
+    EXPECT_THAT(Lines(rows, {0, 1, 2, 3}),
+                ElementsAre(Text(text::kTotalsSelection), Text(text::kTotalsFiles), L"4",
+                            Text(text::kSizeMegabytes), L"7.02", Text(text::kRasterTotalSizeMegabytes),
+                            L"9,000.00", Text(text::kRasterMegapixels), L"0.720", Text(text::kTotalsLayers),
+                            L"2", Text(text::kTotalsUnreadableFiles), L"1", Text(text::kTotalsCrs), projected,
+                            Text(text::kMinX), L"500000.000", Text(text::kMinY), L"5699000.000",
+                            Text(text::kMaxX), L"500900.000", Text(text::kMaxY), L"5700100.000"));
     EXPECT_THAT(Lines(rows, {0, 4, 5}),
                 IsSupersetOf({projected, std::wstring(L"WGS 84"), Text(text::kCellNone)}));
     EXPECT_THAT(Lines(rows, {0, 4, 5}), Not(Contains(Text(text::kMinX))));
