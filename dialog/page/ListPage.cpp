@@ -3,7 +3,6 @@
 #include <QKeySequence>
 #include <QLabel>
 #include <QPushButton>
-#include <QResizeEvent>
 #include <QShortcut>
 #include <QSplitter>
 #include <QTableView>
@@ -22,21 +21,12 @@
 #include "dialog/page/ListStatus.h"
 #include "dialog/page/OptionForm.h"
 #include "dialog/page/OptionsPanel.h"
-#include "dialog/page/PaneState.h"
 #include "dialog/page/RowFinder.h"
 #include "dialog/page/RowMenu.h"
 #include "settings/OptionStore.h"
 #include "support/HandlerGuard.h"
 
 namespace orvex {
-namespace {
-
-// Rows that the grid shows at least where the details pane is unfolded.
-constexpr int kRowsBesidePane = 5;
-constexpr int kLineSpacing = 3;  // between the grid and the lines above and below it
-
-}  // namespace
-
 ListPage::ListPage(const PageContext& context, const ListPageDescription& description, QWidget* parent)
     : AddFilesPage(parent),
       services_(context.services),
@@ -152,25 +142,6 @@ QPushButton* ListPage::MakeDetailColumnsButton() {
     return detailColumns_;
 }
 
-void ListPage::MakeGrid() {
-    grid_->setObjectName(ControlName(description_.gridId));
-    grid_->setMinimumHeight(90);
-    splitter_->setObjectName(QString::fromLatin1(description_.splitterName));
-    splitter_->setChildrenCollapsible(false);
-    auto* list = new QWidget;
-    auto* lines = new QVBoxLayout(list);
-    lines->setContentsMargins(0, 0, 0, 0);
-    lines->setSpacing(kLineSpacing);
-    lines->addWidget(finder_->Line());
-    lines->addWidget(grid_, 1);
-    lines->addWidget(finder_->Status());
-    splitter_->addWidget(list);
-    splitter_->addWidget(details_);
-    splitter_->setStretchFactor(0, 1);
-    splitter_->setStretchFactor(1, 0);
-    static_cast<QVBoxLayout*>(layout())->addWidget(splitter_, 1);
-}
-
 void ListPage::MakeForm() {
     RunGuarded(services_.prompts, L"ReadOptions", [this] {
         form_->Show(StoredOptions(services_.options, services_.hostObjects).Load(description_.options));
@@ -198,69 +169,6 @@ void ListPage::ConnectGrid() {
             Guarded(prompts, L"OnRemove", [this](const auto& records) { RemoveRecords(records); }));
     connect(grid_, &GridView::ActivateRequested, details_, &DetailsPanel::Open);
     connect(details_, &DetailsPanel::PaletteChanged, this, details);
-}
-
-void ListPage::ConnectPane() {
-    splitter_->installEventFilter(this);
-    connect(details_, &DetailsPanel::BodyShownChanged, this,
-            Guarded(services_.prompts, L"ArrangePane", [this] { ArrangePane(); }));
-    connect(splitter_, &QSplitter::splitterMoved, this,
-            Guarded(services_.prompts, L"OnSplitterMoved", [this] {
-                if (details_->IsBodyShown()) {
-                    paneHeight_ = splitter_->sizes().last();
-                }
-            }));
-}
-
-// The pane is as high as the user left it; where there is no room for that, it yields before the filter line
-// does, and that before the grid.
-void ListPage::ArrangePane() {
-    const int all = splitter_->height() - splitter_->handleWidth();
-    const int list = grid_->HeightOfRows(kRowsBesidePane) + finder_->Status()->height() + kLineSpacing;
-    const int filter = finder_->Line()->sizeHint().height() + kLineSpacing;
-    const int room = all - list - filter;
-    details_->SetCrowded(room < details_->LeastHeight());
-    finder_->Line()->SetCrowded(room < details_->TitleHeight());
-    const bool shown = details_->IsBodyShown();
-    const int height = shown ? std::min(paneHeight_, room) : details_->TitleHeight();
-    details_->setMaximumHeight(shown ? QWIDGETSIZE_MAX : height);
-    splitter_->setSizes({splitter_->height() - height, height});
-}
-
-bool ListPage::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == splitter_ && event->type() == QEvent::Resize) {
-        RunGuarded(services_.prompts, L"ArrangePane", [this] { ArrangePane(); });
-    }
-    return AddFilesPage::eventFilter(watched, event);
-}
-
-void ListPage::resizeEvent(QResizeEvent* event) {
-    AddFilesPage::resizeEvent(event);
-    optionsPanel_->SetMostHeight(height() * 2 / 5);
-}
-
-void ListPage::RestorePane() {
-    const PaneState state =
-        ParsePaneState(services_.options.ReadPlacement(description_.paneStateName).value_or(std::string()));
-    paneHeight_ = state.height;
-    details_->SetFolded(state.folded);
-}
-
-void ListPage::SavePane() const {
-    services_.options.WritePlacement(description_.paneStateName,
-                                     PaneStateText({details_->IsFolded(), paneHeight_}));
-}
-
-void ListPage::RestoreColumns() {
-    if (const auto state = services_.options.ReadPlacement(description_.columnStateName)) {
-        RunGuarded(services_.prompts, L"RestoreColumns", [&] { grid_->RestoreState(*state); });
-    }
-}
-
-void ListPage::SaveColumns() const {
-    RunGuarded(services_.prompts, L"SaveColumns", [this] {
-        services_.options.WritePlacement(description_.columnStateName, grid_->SaveState());
-    });
 }
 
 void ListPage::ShowMessage(std::wstring text, StringId caption, PromptIcon icon) const {
@@ -335,10 +243,6 @@ std::vector<std::size_t> ListPage::SelectedRecords() const {
 
 void ListPage::SelectRecords(std::span<const std::size_t> records) {
     finder_->Select(records);
-}
-
-std::size_t ListPage::HiddenCount() const {
-    return finder_->HiddenCount();
 }
 
 ListStatus& ListPage::Status() const {

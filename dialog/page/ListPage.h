@@ -71,8 +71,6 @@ class ListPage : public AddFilesPage {
 
     /// Selects rows by record and scrolls to the first. The filter goes when it hides one of them.
     void SelectRecords(std::span<const std::size_t> records) override;
-    /// Number of rows that a filter hides. They count all the same.
-    std::size_t HiddenCount() const;
 
   protected:
     enum class Usable { Always, WhenIdle, WithRows, WithSelection };

@@ -83,13 +83,24 @@ void ListStatus::ShowCounts(const PropertyCounts& rows) {
 
 void ListStatus::SetStopped(std::size_t read, std::size_t of) {
     stopped_->setText(ToQString(FormatText(Text(text::kListStopped), {read, of})));
-    stopped_->show();
-    continue_->show();
+    isStopped_ = true;
+    Arrange();
 }
 
 void ListStatus::ClearStopped() {
-    stopped_->hide();
-    continue_->hide();
+    isStopped_ = false;
+    Arrange();
+}
+
+void ListStatus::SetCrowded(bool crowded) {
+    crowded_ = crowded;
+    Arrange();
+}
+
+void ListStatus::Arrange() {
+    stopped_->setVisible(isStopped_);
+    continue_->setVisible(isStopped_);
+    setVisible(!crowded_ || isStopped_);
 }
 
 }  // namespace orvex

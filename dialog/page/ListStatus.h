@@ -24,6 +24,8 @@ class ListStatus : public QWidget {
     /// Says that reading ended after `read` of `of` files, and offers to continue.
     void SetStopped(std::size_t read, std::size_t of);
     void ClearStopped();
+    /// Where there is no room the line shows only what can be continued.
+    void SetCrowded(bool crowded);
 
   signals:
     void SelectRequested(RowProperty property);
@@ -40,10 +42,14 @@ class ListStatus : public QWidget {
     QToolButton* AddButton(const char* name, StringId text, StringId tooltip, const QIcon& icon = {});
     void AddCount(RowProperty property, const char* name, StringId text, const QIcon& icon = {});
 
+    void Arrange();
+
     QLabel* stopped_;
     QToolButton* continue_;
     std::vector<Count> counts_;
     QToolButton* removeThose_;
+    bool crowded_ = false;
+    bool isStopped_ = false;
 };
 
 }  // namespace orvex

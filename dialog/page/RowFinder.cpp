@@ -151,8 +151,4 @@ void RowFinder::Select(std::span<const std::size_t> records) {
     }
 }
 
-std::size_t RowFinder::HiddenCount() const {
-    return rows_->Count() - static_cast<std::size_t>(rows_->rowCount());
-}
-
 }  // namespace orvex

@@ -33,8 +33,6 @@ class RowFinder : public QObject {
 
     /// Selects rows by record and scrolls to the first. The filter goes when it hides one of them.
     void Select(std::span<const std::size_t> records);
-    /// Number of rows that the filter hides.
-    std::size_t HiddenCount() const;
 
   signals:
     void RemoveRequested(const std::vector<std::size_t>& records);

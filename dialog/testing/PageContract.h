@@ -617,6 +617,27 @@ TEST_P(FilePage, AFilterHidesRowsThatOkAddsAllTheSame) {
     EXPECT_THAT(Files().at(FolderOf(a)), ::testing::SizeIs(GetParam().passesBadFiles ? 5 : 4));
 }
 
+TEST_P(FilePage, TheLinesAroundTheListYieldToItWhereThereIsNoRoom) {
+    Pick({Good(L"a"), GetParam().writeBad(folder, L"bad")});
+    const auto* line = Find("filterLine");
+    const auto* status = Find("statusErrors")->parentWidget();
+    const auto isApart = [this](const QWidget* widget) {
+        return !widget->isVisible() || !widget->geometry().intersects(Grid().geometry());
+    };
+    dialog->resize(1024, 768);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(line->isVisible() && status->isVisible());
+    dialog->resize(800, 400);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(line->isVisible() || status->isVisible());
+    auto* words = Find<QLineEdit>("filterWords");
+    words->setText("bad");
+    dialog->resize(801, 401);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(line->isVisible()) << "while it hides rows";
+    EXPECT_TRUE(isApart(line) && isApart(status));
+}
+
 TEST_P(FilePage, AListThatIsEmptiedForgetsItsFilter) {
     Pick({Good(L"a")});
     auto* words = Find<QLineEdit>("filterWords");
