@@ -92,16 +92,24 @@ void ReportBox::ShowSections(const std::vector<ReportPrompt::Section>& sections)
 }
 
 QWidget* ReportBox::MakeButtons(const ReportPrompt& prompt) {
-    auto* buttons = new QDialogButtonBox;
-    QPushButton* copy = AddButton(*buttons, Text(text::kReviewCopy), QDialogButtonBox::ActionRole, "copy");
+    auto* copy = new QPushButton(ToQString(Text(text::kReviewCopy)));
+    copy->setObjectName(QStringLiteral("copy"));
     copy->setAutoDefault(false);
+    auto* buttons = new QDialogButtonBox;
     AddButton(*buttons, prompt.yesText, QDialogButtonBox::AcceptRole, "yes")->setDefault(true);
     AddButton(*buttons, prompt.noText, QDialogButtonBox::RejectRole, "no");
     connect(copy, &QPushButton::clicked, this,
             [this] { QGuiApplication::clipboard()->setText(text_->toPlainText()); });
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    return buttons;
+
+    auto* row = new QWidget;
+    auto* parts = new QHBoxLayout(row);
+    parts->setContentsMargins(0, 0, 0, 0);
+    parts->addWidget(copy);
+    parts->addStretch();
+    parts->addWidget(buttons);
+    return row;
 }
 
 }  // namespace orvex

@@ -127,11 +127,13 @@ void FileListPage::AddFound(std::vector<std::wstring> paths, bool recursive) {
     if (const std::optional<Prompt> prompt = ScanPrompt(found, description_.scanTexts, !others.empty())) {
         Services().prompts.Show(*prompt);
     }
+    outcome_.clear();
     if (!found.stopped && !found.files.empty()) {
         AddFiles(std::move(found.files));
     }
     if (!others.empty() && unread_.empty()) {
         offers_->Offer(*this, others);
+        Progress().SetOutcome(outcome_);  // of the page that is shown again
     }
 }
 
@@ -165,7 +167,8 @@ void FileListPage::TellOutcome(const AddingSummary& summary) {
     for (const auto& [part, count] : parts) {
         text += count == 0 ? std::wstring() : FormatText(Text(part), {count});
     }
-    Progress().SetOutcome(text);
+    outcome_ = std::move(text);
+    Progress().SetOutcome(outcome_);
     if (!summary.abandonedPath.empty()) {
         ShowMessage(Text(text::kLasFileNotAnswering) + L"\n\n" + summary.abandonedPath,
                     description_.pickCaption, PromptIcon::Warning);

@@ -130,6 +130,7 @@ class FileListPage : public ListPage {
 
     const FileListPageDescription& description_;
     FileOffers* offers_;
+    std::wstring outcome_;       ///< of the last adding
     std::wstring pickedFolder_;  ///< in this dialog; empty: none yet
     ListHistory history_;
     QAction* undo_ = nullptr;

@@ -386,6 +386,7 @@ TEST_P(FilePage, FilesForOtherTabsAreOfferedOnce) {
     Drop({folder.Name(L"in"), near});
     EXPECT_THAT(lastPage.added, ::testing::UnorderedElementsAre(L"b" + other, L"c" + other));
     EXPECT_EQ(dialog->Tabs().CurrentPage(), page);
+    EXPECT_THAT(Outcome(), ::testing::HasSubstr(L"found: 1")) << "of this page";
     folder.Write(L"alone/e" + other, "x");
     page->AddPaths({folder.Name(L"alone")});
     EXPECT_THAT(lastPage.added, ::testing::SizeIs(3));

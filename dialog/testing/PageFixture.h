@@ -40,7 +40,7 @@ class ScriptedPage final : public AddFilesPage {
         std::wstring takes;                    ///< an extension, in capitals
         std::vector<std::wstring> added = {};  ///< names of the files that it was given
     };
-    explicit ScriptedPage(Script& script) : script_(script) {}
+    ScriptedPage(Script& script, DialogProgress& progress) : script_(script), progress_(progress) {}
     bool ValidateAndStore() override {
         if (script_.atOk == AtOk::Throw) {
             throw LDataError(L"no more");
@@ -49,6 +49,7 @@ class ScriptedPage final : public AddFilesPage {
     }
     void Release() override {}
     void AddPaths(const std::vector<std::wstring>& paths) override {
+        const DialogProgress::Run run(progress_);
         std::ranges::transform(paths, std::back_inserter(script_.added), FileNameOf);
     }
     bool Accepts(const std::wstring& path) const override {
@@ -57,6 +58,7 @@ class ScriptedPage final : public AddFilesPage {
 
   private:
     Script& script_;
+    DialogProgress& progress_;
 };
 
 /// A page with a list in the dialog, with everything around it scripted. A second tab holds a ScriptedPage,
@@ -68,7 +70,9 @@ class PageFixture : public ::testing::Test, protected ScriptedServices {
     explicit PageFixture(Maker make) {
         pages_[0].templateId = 1;
         pages_[0].create = make;
-        pages_[1].create = [this](const PageContext&) { return std::make_unique<ScriptedPage>(lastPage); };
+        pages_[1].create = [this](const PageContext& context) {
+            return std::make_unique<ScriptedPage>(lastPage, context.progress);
+        };
         Open();
     }
     ~PageFixture() override { Close(); }
