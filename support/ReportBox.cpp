@@ -97,7 +97,9 @@ QWidget* ReportBox::MakeButtons(const ReportPrompt& prompt) {
     copy->setAutoDefault(false);
     auto* buttons = new QDialogButtonBox;
     AddButton(*buttons, prompt.yesText, QDialogButtonBox::AcceptRole, "yes")->setDefault(true);
-    AddButton(*buttons, prompt.noText, QDialogButtonBox::RejectRole, "no");
+    if (!prompt.noText.empty()) {
+        AddButton(*buttons, prompt.noText, QDialogButtonBox::RejectRole, "no");
+    }
     connect(copy, &QPushButton::clicked, this,
             [this] { QGuiApplication::clipboard()->setText(text_->toPlainText()); });
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);

@@ -45,7 +45,7 @@ struct ReportPrompt {
     std::wstring summary;
     std::vector<Section> sections;
     std::wstring yesText;
-    std::wstring noText;
+    std::wstring noText;  ///< empty: no such button, as in a message
 };
 
 /// Messages and questions to the user: modal windows, or scripted answers in tests.

@@ -18,7 +18,6 @@
 #include <algorithm>
 
 #include "host/app/Application.h"
-#include "host/app/FileReport.h"
 #include "host/app/HostText.h"
 #include "host/app/LayerTreeModel.h"
 #include "host/app/MapView.h"
@@ -52,6 +51,17 @@ struct OwnedRecord : AddFilesParams {
     OwnedRecord(const OwnedRecord&) = delete;
     OwnedRecord& operator=(const OwnedRecord&) = delete;
 };
+
+QString ReportText(const std::vector<ReportPrompt::Section>& sections) {
+    QString text;
+    for (const auto& [heading, lines] : sections) {
+        text += ToQString(heading) + '\n';
+        for (const std::wstring& line : lines) {
+            text += "  " + ToQString(line) + '\n';
+        }
+    }
+    return text;
+}
 
 }  // namespace
 
@@ -131,7 +141,8 @@ void HostWindow::TakeRecord(const AddFilesParams& record) {
         RecordIntake(changed, folder_, preferences_.writesBesideData, this).Take(record);
     counts_ = {CountFiles(record.lasFiles), CountFiles(record.rasterFiles), CountFiles(record.demFiles),
                result.convertedDems};
-    record_->setPlainText(result.status + '\n' + result.report + '\n' + ToQString(RecordText(record)));
+    record_->setPlainText(result.status + '\n' + ReportText(result.report) + '\n' +
+                          ToQString(RecordText(record)));
     if (result.mainLayer) {
         Change(std::move(changed), text::kChangeAdd);
         crsChoice_->setCurrentIndex(CrsIndexOf(project_.layers[*result.mainLayer].wkt));
@@ -139,8 +150,9 @@ void HostWindow::TakeRecord(const AddFilesParams& record) {
         map_->FitSelected();
     }
     statusBar()->showMessage(result.status, 8000);
-    if (!result.report.isEmpty()) {
-        ShowFileReport(this, HostText(text::kAddFilesTitle), result.status, result.report);
+    if (!result.news.empty()) {
+        UserPromptsQt(this).ShowReport(
+            {Text(text::kAddFilesTitle), ToWide(result.status), result.news, Text(text::kOk), {}});
     }
 }
 

@@ -2,14 +2,12 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
-#include <QDesktopServices>
 #include <QItemSelectionModel>
 #include <QMenu>
 #include <QStatusBar>
 #include <QTreeView>
 #include <QUndoCommand>
 #include <QUndoStack>
-#include <QUrl>
 #include <functional>
 #include <iterator>
 #include <utility>
@@ -18,6 +16,7 @@
 #include "host/app/HostWindow.h"
 #include "host/app/LayerTreeModel.h"
 #include "host/app/MapView.h"
+#include "support/FilePickers.h"
 
 namespace orvex {
 
@@ -147,8 +146,10 @@ void HostWindow::ShowInFolder() {
     const FilePlaces files = SelectedFiles();
     if (!files.empty()) {
         const auto& [layer, file] = *files.begin();
-        const std::wstring folder = FolderOf(project_.layers[layer].files[file].path);
-        QDesktopServices::openUrl(QUrl::fromLocalFile(ToQString(folder)));
+        const std::wstring& path = project_.layers[layer].files[file].path;
+        if (!MakeFilePickers()->ShowInFolder(path)) {
+            statusBar()->showMessage(HostText(text::kListFolderNotShown, {FolderOf(path)}), 8000);
+        }
     }
 }
 

@@ -165,21 +165,27 @@ Built BuildOne(const std::wstring& path, PartProgress& progress) {
 
 }  // namespace
 
-std::wstring FailureText(const std::wstring& heading, const std::vector<FileFailure>& failures) {
+std::vector<ReportPrompt::Section> SectionsOf(const std::vector<FileFailure>& failures) {
     std::map<std::wstring, std::vector<std::wstring>> filesOfCause;
+    for (const auto& [path, cause] : failures) {
+        filesOfCause[cause].push_back(path);
+    }
+    std::vector<ReportPrompt::Section> sections;
+    for (auto& [cause, files] : filesOfCause) {
+        sections.push_back(
+            {FormatText(Text(text::kFilesWithCause), {cause, files.size()}), std::move(files)});
+    }
+    return sections;
+}
+
+ReportPrompt::Section SectionOf(StringId heading, const std::vector<FileFailure>& failures) {
+    ReportPrompt::Section section{Text(heading), {}};
     for (const auto& [path, cause] : failures) {
         // Some causes are whole sentences about the file.
         const bool namesFile = cause.find(path) != std::wstring::npos;
-        filesOfCause[cause].insert(filesOfCause[cause].end(), namesFile ? 0 : 1, path);
+        section.lines.push_back(namesFile ? cause : path + L": " + cause);
     }
-    std::wstring text = heading + L"\n";
-    for (const auto& [cause, files] : filesOfCause) {
-        text += L"  " + cause + L"\n";
-        for (const std::wstring& path : files) {
-            text += L"    " + path + L"\n";
-        }
-    }
-    return text;
+    return section;
 }
 
 CheckedFiles CheckFiles(const FilesToCheck& files, Kst::ProgressIf& progress) {

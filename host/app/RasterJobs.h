@@ -10,6 +10,8 @@
 #include "host/app/Project.h"
 #include "host/dem/DemConversion.h"
 #include "support/ProgressIf.h"
+#include "support/Text.h"
+#include "support/UserPrompts.h"
 
 namespace orvex {
 
@@ -19,8 +21,10 @@ struct FileFailure {
     std::wstring cause;  ///< plain words
 };
 
-/// The heading, below it each cause with its files; lines end in "\n".
-std::wstring FailureText(const std::wstring& heading, const std::vector<FileFailure>& failures);
+/// A section for each cause: the number and the names of its files.
+std::vector<ReportPrompt::Section> SectionsOf(const std::vector<FileFailure>& failures);
+/// One section for all files, each with its cause.
+ReportPrompt::Section SectionOf(StringId heading, const std::vector<FileFailure>& failures);
 
 /// Files that are to be looked at on the disk before they are added.
 struct FilesToCheck {

@@ -1,6 +1,5 @@
 #include "host/app/RecordFiles.h"
 
-#include <cmath>
 #include <map>
 #include <span>
 
@@ -65,17 +64,6 @@ PathSet LasFilesIn(const Project& project) {
         files.Insert(path);
     }
     return files;
-}
-
-bool HasExtent(const LasFileInfo& file) {
-    const auto low = file.Minimum();
-    const auto high = file.Maximum();
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-        if (!std::isfinite(low[axis]) || !std::isfinite(high[axis]) || low[axis] > high[axis]) {
-            return false;
-        }
-    }
-    return true;
 }
 
 /// The compatibility group that each LAS layer has, or gets with its first file.
@@ -366,18 +354,14 @@ LidarReport CheckLidar(const Project& project, const AddFilesParams& record,
         }
         const LasFileInfo* const details = DetailsOf(record.lasFileDetails, path);
         if (details == nullptr) {
-            findings.damaged = true;
             continue;
         }
         if (details->IsDamaged() && !record.lasLoadCorruptFiles) {
             findings.leftOut[path] = FormatText(Text(text::kLeftOutErrors), {Text(text::kLoadCorruptFiles)});
             continue;
         }
-        const std::string wkt = details->CrsWkt();
         findings.appending = findings.appending || record.existingLasLayers.contains(layer);
-        findings.crsMissing = findings.crsMissing || wkt.empty();
-        findings.crsDiffers = findings.crsDiffers || !groups.Fits(layer, wkt);
-        findings.damaged = findings.damaged || details->IsDamaged() || !HasExtent(*details);
+        findings.crsDiffers = findings.crsDiffers || !groups.Fits(layer, details->CrsWkt());
     }
     findings.nothingLeft = findings.leftOut.size() == files.size();
     return findings;

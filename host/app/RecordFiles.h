@@ -33,12 +33,11 @@ std::vector<AssignedFile> DemFilesOf(const AddFilesParams& record);
 /// Deletes the details objects of a record, which belong to the host once the dialog has ended with OK.
 void DeleteDetails(AddFilesParams& record);
 
-/// Findings about the LiDAR files of a record: flags of MessageRegardingAddingLidar.
+/// Findings about the LiDAR files of a record: flags of MessageRegardingAddingLidar. The dialog tells of
+/// files without a CRS (c) and of damaged ones (d) before OK.
 struct LidarReport {
     bool appending = false;     ///< a: a file goes to a layer that the project already has
     bool crsDiffers = false;    ///< b: a file's CRS differs from its layer's, or from the rest of a new layer
-    bool crsMissing = false;    ///< c: a file has no CRS
-    bool damaged = false;       ///< d: a file has errors, no details, or no extent in its header
     bool alreadyThere = false;  ///< f, if no file is left to be added: the project already has a file
     bool unreadable = false;    ///< g, likewise: a file can no longer be opened
     bool nothingLeft = false;   ///< every file is left out

@@ -70,9 +70,7 @@ IntakeResult RecordIntake::Take(const AddFilesParams& record) {
     TakeDems(record);
     result_.status =
         Status(CountFiles(record.lasFiles) + CountFiles(record.rasterFiles) + CountFiles(record.demFiles));
-    const std::wstring others = std::exchange(report_, {});
-    Report(text::kLeftOutHeading, leftOut_);
-    result_.report = ToQString(report_ + others);
+    ReportLeftOut();
     return result_;
 }
 
@@ -86,8 +84,8 @@ QString RecordIntake::Status(std::size_t chosen) const {
                      : layers.size() == 1
                          ? HostText(text::kAddedToLayer, {number, project_.layers[*layers.begin()].name})
                          : HostText(text::kAddedToLayers, {number, layers.size()});
-    if (!leftOut_.empty()) {
-        status += ' ' + HostText(text::kFilesLeftOut, {leftOut_.size()});
+    if (const std::size_t leftOut = leftOut_.size() + toldLeftOut_.size(); leftOut > 0) {
+        status += ' ' + HostText(text::kFilesLeftOut, {leftOut});
     }
     return status + remarks_;
 }
@@ -97,7 +95,7 @@ QString RecordIntake::Status(std::size_t chosen) const {
 void RecordIntake::Keep(const AddedFiles& added) {
     result_.places.insert(added.places.begin(), added.places.end());
     for (const std::wstring& path : added.others) {
-        leftOut_.push_back({path, Text(text::kLeftOutInProject)});
+        toldLeftOut_.push_back({path, Text(text::kLeftOutInProject)});
     }
     if (added.places.size() > mostInLayers_) {
         mostInLayers_ = added.places.size();
@@ -120,12 +118,12 @@ void RecordIntake::LookAtFiles(const AddFilesParams& record) {
 void RecordIntake::TakeLas(const AddFilesParams& record) {
     const LidarReport found = CheckLidar(project_, record, checked_.unreadable);
     for (const auto& [path, cause] : found.leftOut) {
-        leftOut_.push_back({path, cause});
+        (checked_.unreadable.contains(path) ? leftOut_ : toldLeftOut_).push_back({path, cause});
     }
-    // Files that are left out are reported by name.
+    // Only what the dialog has not told by name before OK, and the report does not.
     bool stop = false;
     MessageRegardingAddingLidar(reinterpret_cast<HWND>(window_->winId()), Text(text::kHostName),
-                                found.appending, found.crsDiffers, found.crsMissing, found.damaged, false,
+                                found.appending, found.crsDiffers, false, false, false,
                                 found.nothingLeft && found.alreadyThere,
                                 found.nothingLeft && found.unreadable, stop);
     if (stop || found.nothingLeft) {
@@ -165,7 +163,7 @@ void RecordIntake::TakeRasters(const AddFilesParams& record) {
     }
     for (const std::wstring& path : UndescribedRastersOf(record)) {
         const std::wstring& reason = checked_.reasonOfRefused[path];
-        leftOut_.push_back({path, reason.empty() ? Text(text::kRasterDamagedOrUnsupported) : reason});
+        toldLeftOut_.push_back({path, reason.empty() ? Text(text::kRasterDamagedOrUnsupported) : reason});
     }
     Keep(project_.Take(LayerKind::Raster, rasters));
 }
@@ -211,11 +209,18 @@ void RecordIntake::TakeDems(const AddFilesParams& record) {
     Keep(added);
 }
 
-/// Adds files with what is the matter to the report.
+/// Adds files that are added all the same, with what is the matter.
 void RecordIntake::Report(StringId heading, const std::vector<FileFailure>& files) {
     if (!files.empty()) {
-        report_ += FailureText(Text(heading), files);
+        result_.news.push_back(SectionOf(heading, files));
     }
+}
+
+void RecordIntake::ReportLeftOut() {
+    const std::vector<ReportPrompt::Section> leftOut = SectionsOf(leftOut_);
+    result_.news.insert(result_.news.begin(), leftOut.begin(), leftOut.end());
+    result_.report = SectionsOf(toldLeftOut_);
+    result_.report.insert(result_.report.begin(), result_.news.begin(), result_.news.end());
 }
 
 }  // namespace orvex

@@ -18,7 +18,10 @@ struct IntakeResult {
     std::optional<std::size_t> mainLayer;
     std::size_t convertedDems = 0;  ///< LAS files that elevation rasters were converted to
     QString status;                 ///< one line: files, layers, files left out
-    QString report;                 ///< names and reasons, for files that were left out or lack something
+    /// Names and reasons, for files that were left out or lack something.
+    std::vector<ReportPrompt::Section> report;
+    /// Those of the report that the dialog could not tell before OK.
+    std::vector<ReportPrompt::Section> news;
 };
 
 /// Adds the files of the Add Files dialog's record to the project; asks the user and shows progress on the
@@ -40,6 +43,7 @@ class RecordIntake {
     void BuildPyramids(const std::vector<NewFile>& rasters);
     void Keep(const AddedFiles& added);
     void Report(StringId heading, const std::vector<FileFailure>& files);
+    void ReportLeftOut();
     QString Status(std::size_t chosen) const;
 
     Project& project_;
@@ -48,10 +52,10 @@ class RecordIntake {
     QWidget* window_;
     CheckedFiles checked_;
     IntakeResult result_;
-    std::size_t mostInLayers_ = 0;      ///< files that one kind of data brought
-    std::vector<FileFailure> leftOut_;  ///< files of the record that are not added
-    std::wstring report_;
-    QString remarks_;  ///< for the status
+    std::size_t mostInLayers_ = 0;          ///< files that one kind of data brought
+    std::vector<FileFailure> leftOut_;      ///< files of the record that are not added
+    std::vector<FileFailure> toldLeftOut_;  ///< further ones, of which the dialog has told
+    QString remarks_;                       ///< for the status
 };
 
 }  // namespace orvex

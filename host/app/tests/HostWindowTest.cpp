@@ -105,6 +105,9 @@ TEST_F(HostWindowTest, WhatIsAddedIsSelectedAndShown) {
     Action("copyPath").trigger();
     EXPECT_EQ(QApplication::clipboard()->text(),
               ToQString(folder_.Name(L"far.las") + L"\n" + folder_.Name(L"other.las")));
+    QTest::mouseClick(Map().viewport(), Qt::LeftButton, {}, QPoint(2, 2));
+    EXPECT_TRUE(SelectedRows().isEmpty()) << "a click beside the files";
+    EXPECT_FALSE(Action("copyPath").isEnabled());
 }
 
 TEST_F(HostWindowTest, EachChangeCanBeUndoneAndIsSaved) {
@@ -146,16 +149,18 @@ TEST_F(HostWindowTest, FilesThatAreLeftOutAreCountedAndNamed) {
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, &timer, [&told] {
         if (auto* report = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
-            told = report->findChild<QPlainTextEdit*>("files")->toPlainText();
+            told = report->findChild<QPlainTextEdit*>("reportText")->toPlainText();
             report->accept();
         }
     });
     timer.start(1);
     window_.TakeRecord(record);
-    for (const char* name : {"there.las", "gone.las", "cut.las"}) {
-        EXPECT_EQ(told.count(name), 1) << name;
+    EXPECT_EQ(told.count("gone.las"), 1);
+    for (const char* name : {"there.las", "cut.las", "good.las"}) {
+        EXPECT_FALSE(told.contains(name)) << "the dialog has told of " << name;
+        const QString outcome = window_.LastRecord().section("\n\n", 0, 0);
+        EXPECT_EQ(outcome.count(name), std::string_view(name) == "good.las" ? 0 : 1) << name;
     }
-    EXPECT_FALSE(told.contains("good.las"));
     EXPECT_TRUE(window_.LastRecord().startsWith(HostText(text::kAddedToLayer, {L"1 of 4", L"one"})))
         << window_.LastRecord().toStdString();
     EXPECT_EQ(window_.CurrentProject().FileCount(), 2U);

@@ -89,13 +89,11 @@ TEST(CheckLidar, FilesWithErrorsAreLeftOutUnlessTheBoxIsChecked) {
     }
     const LidarReport careful = CheckLidar(Project(), record, {});
     EXPECT_THAT(careful.leftOut, ElementsAre(Key(JoinPath(FromPath(files.Path()), L"cut.las"))));
-    EXPECT_FALSE(careful.damaged);
     EXPECT_FALSE(careful.nothingLeft);
     EXPECT_EQ(LasFilesOf(record, careful.leftOut).size(), 1U);
     record.lasLoadCorruptFiles = true;
     const LidarReport bold = CheckLidar(Project(), record, {});
     EXPECT_TRUE(bold.leftOut.empty());
-    EXPECT_TRUE(bold.damaged) << "the question before adding says so";
 }
 
 TEST(CheckLidar, ReportsEachFindingByItself) {
@@ -118,8 +116,6 @@ TEST(CheckLidar, ReportsEachFindingByItself) {
              Case{"files that fit", L"2.las", L"new", kUtm, 0, nullptr},
              Case{"appending", L"2.las", L"old", kUtm, 0, &LidarReport::appending},
              Case{"another CRS than its new layer", L"2.las", L"new", kDegrees, 0, &LidarReport::crsDiffers},
-             Case{"no CRS", L"2.las", L"newer", "", 0, &LidarReport::crsMissing},
-             Case{"no extent", L"2.las", L"new", kUtm, 11, &LidarReport::damaged},
              Case{"in the project", L"there.las", L"new", kUtm, 0, &LidarReport::alreadyThere},
              Case{"gone", L"gone.las", L"new", kUtm, 0, &LidarReport::unreadable},
          }) {
@@ -129,9 +125,8 @@ TEST(CheckLidar, ReportsEachFindingByItself) {
         record.AddFile(folder, L"1.las", L"new");
         record.AddFile(folder, c.name, c.layer, c.wkt).low[0] = c.west;
         const LidarReport found = CheckLidar(project, record, {JoinPath(folder, L"gone.las")});
-        for (bool LidarReport::*finding :
-             {&LidarReport::appending, &LidarReport::crsDiffers, &LidarReport::crsMissing,
-              &LidarReport::damaged, &LidarReport::alreadyThere, &LidarReport::unreadable}) {
+        for (bool LidarReport::*finding : {&LidarReport::appending, &LidarReport::crsDiffers,
+                                           &LidarReport::alreadyThere, &LidarReport::unreadable}) {
             EXPECT_EQ(found.*finding, finding == c.finding);
         }
         const bool isSkipped =
