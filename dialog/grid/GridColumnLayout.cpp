@@ -172,17 +172,18 @@ void GridColumnLayout::ShareSpare() {
         }
         const GridTable& pane = panes_.PaneOf(column);
         const int others = pane.Header()->length() - pane.columnWidth(column);
-        const int spare = std::min(pane.viewport()->width() - others, kWidestSpare);
-        SetWidth(column, std::max(spare, LeastWidth(column)));
+        const int room = pane.viewport()->width();
+        const int inSight = std::min(room - pane.Header()->sectionPosition(column), messages.width);
+        SetWidth(column,
+                 std::max(std::min(std::max(room - others, inSight), kWidestSpare), LeastWidth(column)));
     }
 }
 
 void GridColumnLayout::Measure(int column, Messages& messages) {
     const QFontMetrics font = panes_.PaneOf(column).fontMetrics();
     const CellRoom room = RoomOf(panes_.PaneOf(column));
-    const int most = ColumnAt(column).maximumWidth;
     for (std::size_t record = measured_; record < model_->Records(); ++record) {
-        if (most > 0 && messages.width >= most) {
+        if (messages.width >= kWidestSpare) {
             return;
         }
         if (messages.seen.size() == kMostRemembered) {

@@ -42,7 +42,8 @@ class GridColumnLayout {
     void Refit();
     /// Forgets all choices of the user but the sort order.
     void Reset();
-    /// Gives columns that take it the width that the others leave free in the viewport.
+    /// Gives columns that take it the width that the others leave free in the viewport; for a longer message,
+    /// all that is in sight beside the columns before them.
     void ShareSpare();
     /// Records have been added, removed or changed: messages that are new are measured.
     void MeasureMessages();

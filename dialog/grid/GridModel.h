@@ -38,9 +38,10 @@ class GridModel : public QAbstractTableModel {
     int SortColumn() const { return sortColumn_; }
     Qt::SortOrder SortOrder() const { return sortOrder_; }
 
-    /// Shows only the records for which `keeps` is true; empty: all. Called again for records that are new or
-    /// changed. Selection and current row stay with their records where these are still shown. What `keeps`
-    /// throws here is thrown on, and nothing has changed; a record for which it throws later is shown.
+    /// Shows only the records for which `keeps` is true; empty: all. It is called again for records that are
+    /// new or changed. Selection and current row stay with their records where these are still shown. What
+    /// `keeps` throws here is thrown on, and nothing has changed; a record for which it throws later is
+    /// shown.
     void SetFilter(std::function<bool(std::size_t record)> keeps);
     bool IsFiltered() const { return static_cast<bool>(keeps_); }
     /// All records in the sort order, also those that the filter hides.
@@ -102,7 +103,7 @@ class GridModel : public QAbstractTableModel {
     /// `permuteStorage` moves the subclass's records accordingly. It must not throw.
     void ReorderRecords(const std::vector<std::size_t>& newIndexOfRecord,
                         const std::function<void()>& permuteStorage);
-    /// The cells of all records in these columns changed.
+    /// The cells of all records in these columns (ascending) changed.
     void NotifyChanged(const std::vector<int>& columns);
 
   private:

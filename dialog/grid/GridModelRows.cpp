@@ -128,6 +128,9 @@ void GridModel::RecomputeSums() {
 }
 
 void GridModel::SetFilter(std::function<bool(std::size_t record)> keeps) {
+    if (!keeps && !keeps_) {
+        return;
+    }
     std::vector<std::uint8_t> kept(keeps ? recordCount_ : 0);
     for (std::size_t record = 0; record < kept.size(); ++record) {
         kept[record] = keeps(record) ? 1 : 0;
@@ -340,7 +343,7 @@ void GridModel::ReorderRecords(const std::vector<std::size_t>& newIndexOfRecord,
 }
 
 void GridModel::NotifyChanged(const std::vector<int>& columns) {
-    if (recordCount_ == 0) {
+    if (recordCount_ == 0 || columns.empty()) {
         return;
     }
     ++revision_;
@@ -350,10 +353,10 @@ void GridModel::NotifyChanged(const std::vector<int>& columns) {
     }
     FilterFrom(0);
     ShowKept();
+    if (!shown_.empty()) {
+        emit dataChanged(index(0, columns.front()), index(rowCount() - 1, columns.back()));
+    }
     for (const int column : columns) {
-        if (!shown_.empty()) {
-            emit dataChanged(index(0, column), index(rowCount() - 1, column));
-        }
         if (column == sortColumn_) {
             SortAgain();
         }

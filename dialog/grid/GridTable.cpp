@@ -162,7 +162,9 @@ void GridTable::keyPressEvent(QKeyEvent* event) {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (isReturn && (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier) {
         event->accept();  // else the dialog would take it for OK
-        emit Activated();
+        if (currentIndex().isValid()) {
+            emit Activated();
+        }
     } else if (isReturn) {
         event->ignore();
     } else {

@@ -185,6 +185,9 @@ bool FilterLine::eventFilter(QObject* watched, QEvent* event) {
         PressKey(static_cast<QKeyEvent*>(event)->key())) {
         return true;
     }
+    if (watched == words_ && event->type() == QEvent::FocusIn) {
+        emit EditingStarted();
+    }
     if (watched == words_ && event->type() == QEvent::FocusOut) {
         QMetaObject::invokeMethod(this, &FilterLine::Arrange, Qt::QueuedConnection);
     }

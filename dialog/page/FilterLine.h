@@ -41,6 +41,7 @@ class FilterLine : public QWidget {
 
   signals:
     void Changed();          ///< words or property
+    void EditingStarted();   ///< the words have the keyboard
     void MenuAboutToShow();  ///< wants counts
     void LeaveRequested();   ///< the user wants to go on in the list
 

@@ -33,6 +33,7 @@ RowFinder::RowFinder(GridView& grid, UserPrompts& prompts, const std::vector<QIc
         timer->setSingleShot(true);
         timer->setInterval(kPauseMs);
     }
+    readAhead_.setSingleShot(true);
 }
 
 void RowFinder::Start(ListRows& rows, const QString& emptyText) {
@@ -42,6 +43,12 @@ void RowFinder::Start(ListRows& rows, const QString& emptyText) {
             Guarded(prompts_, L"OnRecords", [this] { OnRecords(); }));
     connect(&countLater_, &QTimer::timeout, this, Guarded(prompts_, L"CountRows", [this] { Count(); }));
     connect(&filterLater_, &QTimer::timeout, this, Guarded(prompts_, L"FilterRows", [this] { Filter(); }));
+    connect(&readAhead_, &QTimer::timeout, this, Guarded(prompts_, L"ReadAhead", [this] {
+        if (rows_->PrepareSearch(grid_.ShownColumns())) {
+            readAhead_.start();
+        }
+    }));
+    connect(line_, &FilterLine::EditingStarted, &readAhead_, qOverload<>(&QTimer::start));
     ConnectLine();
     ConnectStatus();
     OnRecords();
@@ -79,6 +86,7 @@ void RowFinder::Detach() {
     status_->disconnect(this);
     countLater_.stop();
     filterLater_.stop();
+    readAhead_.stop();
     rows_ = nullptr;
 }
 
@@ -92,6 +100,9 @@ void RowFinder::OnRecords() {
         line_->Clear();  // files added later would be missed
     }
     line_->setEnabled(hasRows);
+    if (line_->IsInUse()) {
+        readAhead_.start();
+    }
     grid_.SetEmptyText(hasRows ? ToQString(Text(text::kFilterNothing)) : emptyText_);
     if (!IsLong()) {
         Count();

@@ -55,6 +55,8 @@ class RowFinder : public QObject {
     std::string mostFrequentCrs_;
     QTimer countLater_;
     QTimer filterLater_;
+    QTimer
+        readAhead_;  ///< reads the rows' texts in idle time, so that the first key is as fast as the others
 };
 
 }  // namespace orvex

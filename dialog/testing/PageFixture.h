@@ -16,6 +16,7 @@
 
 #include "dialog/AddFilesDlg.h"
 #include "dialog/DialogProgress.h"
+#include "dialog/grid/GridFilter.h"
 #include "dialog/grid/GridView.h"
 #include "dialog/page/ControlWidget.h"
 #include "dialog/testing/ScriptedServices.h"
@@ -148,6 +149,15 @@ class PageFixture : public ::testing::Test, protected ScriptedServices {
 
     std::wstring Outcome() const {
         return ToWide(dialog->findChild<QLabel*>(QStringLiteral("outcome"))->text());
+    }
+    /// The names of the rows that a filter finds.
+    std::vector<std::wstring> Found(std::wstring_view text) const {
+        const GridFilter filter(text, Model(), Grid().ShownColumns());
+        EXPECT_EQ(filter.Problem(), L"");
+        Model().SetFilter([&filter](std::size_t record) { return filter.Keeps(record); });
+        std::vector<std::wstring> names = Names();
+        Model().SetFilter({});
+        return names;
     }
 
     void Drop(const std::vector<std::wstring>& paths) const { DropOn(*page, paths); }

@@ -323,6 +323,10 @@ TEST_F(GridViewTest, AMessageIsNotCutOffBecauseOtherRowsWereMeasured) {
     const QTableView* table = view_.Table();
     EXPECT_EQ(table->horizontalHeader()->length(), table->viewport()->width()) << "it has the spare width";
     view_.ShowDetailColumns(true);
+    Settle();
+    EXPECT_EQ(view_.ColumnWidth(kSummary),
+              table->viewport()->width() - table->horizontalHeader()->sectionPosition(kSummary))
+        << "a long message has what is in sight, beyond its column's widest fit";
     view_.resize(500, 240);
     Settle();
     EXPECT_EQ(view_.ColumnWidth(kSummary), 400);

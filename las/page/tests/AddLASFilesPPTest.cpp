@@ -70,6 +70,14 @@ TEST_F(LasPage, LayersFollowRowsAndOptions) {
     EXPECT_EQ(params.lasFileLayers.at(a), L"LAS Layer_1");
 }
 
+TEST_F(LasPage, ConditionsFindFiles) {
+    page->AddPaths({Las(L"a.las"), Las(L"b.las", 28992, 2000)});
+    EXPECT_THAT(Found(L"points > 1e3"), ElementsAre(L"b.las"));
+    EXPECT_THAT(Found(L"crs = 25832"), ElementsAre(L"a.las"));
+    EXPECT_THAT(Found(L"size < 0.01"), ElementsAre(L"a.las"));
+    EXPECT_THAT(Found(L"size < 1 -crs=25832"), ElementsAre(L"b.las"));
+}
+
 TEST_F(LasPage, OpenModeAndPyramidTypeDecideWhatCanBeChosen) {
     const struct {
         int open;

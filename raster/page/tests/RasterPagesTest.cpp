@@ -4,6 +4,7 @@
 
 #include <QComboBox>
 #include <QLineEdit>
+#include <QTableView>
 #include <QTextEdit>
 #include <stdexcept>
 
@@ -55,6 +56,14 @@ TEST_F(RasterPage, FilesAreDescribedAndGetCompatibleLayersOfTheProject) {
     EXPECT_THAT(PaneText("rasterOverview"), HasSubstr("20 x 10"));
     EXPECT_THAT(PaneText("rasterCrs"), HasSubstr("25832"));
     EXPECT_THAT(PaneText("rasterBands"), HasSubstr("Byte"));
+    EXPECT_THAT(Found(L"crs = 25832"), ElementsAre(L"a.tif"));
+    EXPECT_THAT(Found(L"size < 1 width >= 20"), ElementsAre(L"a.tif", L"b.tif"));
+    const QTableView& table = *Grid().Table();
+    for (const char* name : {"size", "layer", "summary"}) {
+        const int column = ColumnNamed(name);
+        EXPECT_LE(table.columnViewportPosition(column) + table.columnWidth(column), table.viewport()->width())
+            << name;
+    }
     Check(441);
     EXPECT_THAT(Shown("layer"), ElementsAre(L"Raster Layer_1", L"Raster Layer_2", L""));
 }
