@@ -47,6 +47,7 @@ class ProjectChange final : public QUndoCommand {
 
 void HostWindow::Change(Project changed, StringId name) {
     undo_->push(new ProjectChange(project_, std::move(changed), HostText(name), [this] {
+        statusBar()->clearMessage();  // which would tell of the change before
         ProjectChanged();
         SaveNow();
     }));
