@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <string_view>
 #include <tuple>
 
 #include "crs/ExtentFindings.h"
@@ -355,8 +356,8 @@ std::vector<LasFinding> ValidateLas(const LASFile& file) {
 void SortFindings(std::vector<LasFinding>& findings) {
     // The first one is the row's summary, and of the notes the missing CRS matters most.
     const auto rank = [](const LasFinding& finding) {
-        return std::tuple(-static_cast<int>(finding.severity), finding.code != las_finding::kNoCrs.code,
-                          finding.offset);
+        return std::tuple(-static_cast<int>(finding.severity),
+                          std::string_view(finding.code) != las_finding::kNoCrs.code, finding.offset);
     };
     std::ranges::stable_sort(findings, {}, rank);
 }

@@ -1,5 +1,7 @@
 #include "dialog/grid/GridHeaderMenu.h"
 
+#include <utility>
+
 #include "dialog/grid/GridColumnLayout.h"
 #include "dialog/grid/GridModel.h"
 #include "support/HandlerGuard.h"
@@ -22,8 +24,8 @@ void GridHeaderMenu::Fill(const GridModel* model) {
         }
     }
     addSeparator();
-    AddCommand(text::kGridFitColumns, "fit", L"OnFitColumns", &GridColumnLayout::Refit);
-    AddCommand(text::kGridResetColumns, "reset", L"OnResetColumns", &GridColumnLayout::Reset);
+    AddCommand(text::kGridFitColumns, "fit", L"OnFitColumns", [this] { columns_.Refit(); });
+    AddCommand(text::kGridResetColumns, "reset", L"OnResetColumns", [this] { columns_.Reset(); });
 }
 
 void GridHeaderMenu::AddColumn(const GridModel& model, int column) {
@@ -38,11 +40,10 @@ void GridHeaderMenu::AddColumn(const GridModel& model, int column) {
 }
 
 void GridHeaderMenu::AddCommand(StringId text, const char* name, const wchar_t* handler,
-                                void (GridColumnLayout::*act)()) {
+                                std::function<void()> act) {
     QAction* action = addAction(ToQString(Text(text)));
     action->setObjectName(QString::fromLatin1(name));
-    connect(action, &QAction::triggered, this,
-            Guarded(prompts_, handler, [this, act] { (columns_.*act)(); }));
+    connect(action, &QAction::triggered, this, Guarded(prompts_, handler, std::move(act)));
 }
 
 }  // namespace orvex

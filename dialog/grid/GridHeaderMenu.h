@@ -1,5 +1,6 @@
 #pragma once
 #include <QMenu>
+#include <functional>
 
 #include "support/Text.h"
 
@@ -22,7 +23,7 @@ class GridHeaderMenu : public QMenu {
 
   private:
     void AddColumn(const GridModel& model, int column);
-    void AddCommand(StringId text, const char* name, const wchar_t* handler, void (GridColumnLayout::*act)());
+    void AddCommand(StringId text, const char* name, const wchar_t* handler, std::function<void()> act);
 
     GridColumnLayout& columns_;
     UserPrompts& prompts_;

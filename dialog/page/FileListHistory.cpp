@@ -23,6 +23,10 @@ void FileListPage::MakeHistoryActions() {
     connect(undo_, &QAction::triggered, this, Guarded(Services().prompts, L"OnUndo", [this] { OnUndo(); }));
     connect(redo_, &QAction::triggered, this, Guarded(Services().prompts, L"OnRedo", [this] { OnRedo(); }));
     connect(&Progress(), &DialogProgress::RunningChanged, this, &FileListPage::EnableHistory);
+    QMenu* const menu = Grid().ContextMenu();
+    QAction* const first = menu->actions().value(0);
+    menu->insertActions(first, {undo_, redo_});
+    menu->insertSeparator(first);
     EnableHistory();
 }
 
@@ -31,7 +35,6 @@ QAction* FileListPage::AddHistoryAction(StringId caption, const QList<QKeySequen
     action->setShortcuts(keys);
     action->setShortcutContext(Qt::WindowShortcut);  // an input field with the focus takes them before
     addAction(action);
-    Grid().ContextMenu()->addAction(action);
     return action;
 }
 

@@ -150,7 +150,7 @@ TEST_F(DemFilesTest, WhatTheOptionsCannotTakeIsRefused) {
             L"large.vrt",
             R"(<VRTDataset rasterXSize="70000" rasterYSize="70000"><GeoTransform>0,1,0,0,0,-1</GeoTransform>)"
             R"(<VRTRasterBand dataType="Byte" band="1"/></VRTDataset>)"),
-        L"4294967295");
+        L"4,294,967,295");
     folder_.Write(L"file", "in the way");
     options_.outputFolder = folder_.Name(L"file/out");
     EXPECT_NE(FailureOf(Write({})).find(L"out"), std::wstring::npos);
