@@ -141,17 +141,20 @@ std::wstring GridModel::CellText(std::size_t record, int column) const {
     return FormatCell(cell, NumberFormat(record, column));
 }
 
-std::wstring GridModel::CountText() const {
+// Both numbers have to fit a column of short names.
+std::wstring GridModel::CountText(const GridColumn& column) const {
     const std::wstring shown = GroupedNumber(shown_.size());
-    return keeps_ ? FormatText(Text(text::kFooterShownOf), {shown, GroupedNumber(recordCount_)}) : shown;
+    if (keeps_) {
+        return FormatText(Text(text::kFooterShownOf), {shown, GroupedNumber(recordCount_)});
+    }
+    return column.footerFormat.value != 0 ? FormatText(Text(column.footerFormat), {shown}) : shown;
 }
 
 std::optional<std::wstring> GridModel::FooterText(int column) const {
     const GridColumn& description = columns_[static_cast<std::size_t>(column)];
     switch (description.footer) {
         case FooterKind::Count:
-            return FormatText(description.footerFormat.value ? Text(description.footerFormat) : L"%s",
-                              {CountText()});
+            return CountText(description);
         case FooterKind::Sum:
             return FormatText(GroupedFormat(description.format), {sums_[static_cast<std::size_t>(column)]});
         case FooterKind::None:

@@ -116,7 +116,7 @@ class GridModel : public QAbstractTableModel {
     QVariant DisplayValue(std::size_t record, int column, int role) const;
     QVariant Alignment(int column, bool header) const;
     /// "12", or "12 of 3000" while filtered.
-    std::wstring CountText() const;
+    std::wstring CountText(const GridColumn& column) const;
     /// Lets `change` alter the order of the rows (not their number) and tells the views, so that selections
     /// stay with their records; `newIndexOf` if these get other indices.
     void Reorder(const std::function<void()>& change, const std::vector<std::size_t>& newIndexOf = {});
