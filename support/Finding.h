@@ -105,11 +105,11 @@ std::wstring StateText(const Row& row) {
 /// Everything that is known of a row, one a line.
 template <typename Row>
 std::wstring StateLines(const Row& row) {
-    const std::wstring findings = FindingLines(row.findings);
-    if (!row.place.inProject) {
-        return findings;
+    std::wstring lines = FindingLines(row.findings);
+    if (row.place.inProject) {
+        lines += (lines.empty() ? L"" : L"\n") + Text(text::kFileInProject);
     }
-    return findings + (findings.empty() ? L"" : L"\n") + Text(text::kFileInProject);
+    return lines;
 }
 
 }  // namespace orvex

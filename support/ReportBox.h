@@ -1,6 +1,7 @@
 #pragma once
 #include <QDialog>
 
+#include "support/DesktopQt.h"
 #include "support/UserPrompts.h"
 
 class QPlainTextEdit;
@@ -20,6 +21,7 @@ class ReportBox final : public QDialog {
     void ShowSections(const std::vector<ReportPrompt::Section>& sections);
     QWidget* MakeButtons(const ReportPrompt& prompt);
 
+    const ParentGuard guard_{*this};
     QPlainTextEdit* text_;
 };
 

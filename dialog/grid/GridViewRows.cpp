@@ -68,18 +68,22 @@ void GridView::SelectAll() {
 
 void GridView::RemoveSelection(const std::function<void(const std::vector<std::size_t>&)>& remove) {
     const std::vector<int> rows = SelectedRows();
+    if (rows.empty()) {
+        return;
+    }
     std::vector<std::size_t> records;
+    records.reserve(rows.size());
     for (const int row : rows) {
         records.push_back(parts_->model->RecordOfRow(row));
     }
-    const QPersistentModelIndex next = parts_->model->index(rows.empty() ? -1 : rows.back() + 1, 0);
-    const std::size_t before = parts_->model ? parts_->model->Records() : 0;
+    const QPersistentModelIndex next = parts_->model->index(rows.back() + 1, 0);
+    const std::size_t before = parts_->model->Records();
     remove(records);
     if (!parts_->model || parts_->model->Records() == before) {
         return;
     }
     const int row = next.isValid() ? next.row() : parts_->model->rowCount() - 1;
-    if (!rows.empty() && row >= 0) {
+    if (row >= 0) {
         const QModelIndex index = parts_->model->index(row, std::max(parts_->table->columnAt(0), 0));
         parts_->table->selectionModel()->setCurrentIndex(
             index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);

@@ -171,6 +171,7 @@ std::vector<ReportPrompt::Section> SectionsOf(const std::vector<FileFailure>& fa
         filesOfCause[cause].push_back(path);
     }
     std::vector<ReportPrompt::Section> sections;
+    sections.reserve(filesOfCause.size());
     for (auto& [cause, files] : filesOfCause) {
         sections.push_back(
             {FormatText(Text(text::kFilesWithCause), {cause, files.size()}), std::move(files)});
@@ -183,7 +184,7 @@ ReportPrompt::Section SectionOf(StringId heading, const std::vector<FileFailure>
     for (const auto& [path, cause] : failures) {
         // Some causes are whole sentences about the file.
         const bool namesFile = cause.find(path) != std::wstring::npos;
-        section.lines.push_back(namesFile ? cause : path + L": " + cause);
+        section.lines.push_back(namesFile ? cause : FormatText(L"%s: %s", {path, cause}));
     }
     return section;
 }

@@ -238,7 +238,7 @@ TEST_F(ForeignHost, GetsTheRecordFromTheDialogAsOftenAsItAsks) {
     driver_.serve(folder_.c_str());
     const std::filesystem::path files[] = {folder_ / "a.las", folder_ / L"\u00fcber b.las"};
     for (int round = 0; round < 2; ++round) {
-        Begin("drop " + Utf8(files[0]) + "|" + Utf8(files[1]) + "\nclick ok");
+        Begin("drop " + Utf8(files[0]) + "|" + Utf8(files[1]) + "\nclick ok\nclick yes");  // they have no CRS
         AddFilesParams params;
         EXPECT_TRUE(component_.show(&params)) << round;
         EXPECT_EQ(driver_.left(), 0U);
