@@ -107,7 +107,8 @@ template <typename Row>
 std::wstring StateLines(const Row& row) {
     std::wstring lines = FindingLines(row.findings);
     if (row.place.inProject) {
-        lines += (lines.empty() ? L"" : L"\n") + Text(text::kFileInProject);
+        lines += lines.empty() ? L"" : L"\n";
+        lines += Text(text::kFileInProject);
     }
     return lines;
 }
