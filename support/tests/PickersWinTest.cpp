@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <commctrl.h>
+#include <shlobj.h>
 #include <commdlg.h>
 #include <dlgs.h>
 
@@ -100,9 +101,16 @@ TEST(SystemDialogs, TheFolderBrowserOpensOnTheCurrentFolder) {
     std::filesystem::current_path(folder.Path());
     {
         const std::wstring name = FileNameOf(FromPath(folder.Path()));
-        // The browser goes to the folder step by step.
-        const WhenOpen agreeing(
-            [&](HWND dialog) { return SelectedFolder(dialog) == name && Press(dialog, IDOK); });
+        const std::wstring path = CurrentFolder();
+        int polls = 0;
+        // The browser goes to the folder step by step, and where folders come and go beside it Wine's may
+        // stop on the way.
+        const WhenOpen agreeing([&](HWND dialog) {
+            if (++polls % 200 == 0) {
+                SendMessageW(dialog, BFFM_SETSELECTIONW, TRUE, reinterpret_cast<LPARAM>(path.c_str()));
+            }
+            return SelectedFolder(dialog) == name && Press(dialog, IDOK);
+        });
         EXPECT_EQ(MakeFilePickers()->PickFolder(L"Folder", {}), FromPath(folder.Path()));
     }
     {
