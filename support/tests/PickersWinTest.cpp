@@ -3,9 +3,9 @@
 #include <windows.h>
 
 #include <commctrl.h>
-#include <shlobj.h>
 #include <commdlg.h>
 #include <dlgs.h>
+#include <shlobj.h>
 
 #include <QApplication>
 #include <QDialog>
