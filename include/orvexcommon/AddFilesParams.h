@@ -83,7 +83,9 @@ class AddFilesParams {
     bool featureImportText = false;
     std::wstring featureOutputFolder;  ///< resolved; empty if no CAD or KML file was chosen
     std::map<std::wstring, std::wstring> existingFeatureLayers;  ///< input
-    std::map<std::wstring, std::wstring> featureFiles;           ///< layer name to full path
+    /// Key of a loadable file to its full path: a shapefile's layer name, another file's name without its
+    /// extension; a key that is taken already, in any letter case, gets " (2)" and so on.
+    std::map<std::wstring, std::wstring> featureFiles;
     bool featureRequireCrs = false;
 
     // DEM results.
@@ -128,8 +130,15 @@ class AddFilesParams {
     /// shown first, else the first that lists such files.
     std::vector<std::wstring> initialPaths;
 
-    /// Input: full paths of the files that the project's LAS layers and raster layers have already. They are
-    /// marked when they are listed; the host still gets them, and decides.
+    /// Input: full paths of the files that the project's layers of each kind have already. They are marked
+    /// when they are listed; the host still gets them, and decides.
     std::vector<std::wstring> existingLasFiles;
     std::vector<std::wstring> existingRasterFiles;
+    std::vector<std::wstring> existingFeatureFiles;
+    std::vector<std::wstring> existingPhotoFiles;
+
+    /// Path of the existing photo layer that the photos go to, as the user typed it; empty: a new layer.
+    std::wstring photoLayer;
+    /// Photos that the layer holds already get new records in place of the old ones; else they are left out.
+    bool photoReplaceExisting = false;
 };
