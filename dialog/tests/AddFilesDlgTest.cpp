@@ -8,6 +8,7 @@
 #include <QTimer>
 
 #include "dialog/tests/ShellFixture.h"
+#include "support/Format.h"
 
 namespace orvex {
 namespace {
@@ -263,8 +264,9 @@ TEST_F(Shell, WhatIsOddIsToldBeforePagesChangeAnything) {
     EXPECT_EQ(dialog->Tabs().ShownIndex(), 1);
     ASSERT_THAT(prompts.reportsShown, SizeIs(1));
     const ReportPrompt& report = prompts.reportsShown[0];
-    EXPECT_EQ(report.summary, L"Files that will be added: 1,203. Not added: 2.");
-    EXPECT_EQ(report.yesText, L"Add 1,203 Files");
+    EXPECT_EQ(report.summary,
+              FormatText(Text(text::kReviewSummary), {1203}) + FormatText(Text(text::kReviewLeft), {2}));
+    EXPECT_EQ(report.yesText, FormatText(Text(text::kReviewAddSeveral), {1203}));
     ASSERT_THAT(report.sections, SizeIs(2));
     EXPECT_EQ(report.sections[0].heading, Text(text::kRasterTab) + L": Unreadable: 1");
     EXPECT_THAT(report.sections[1].lines, SizeIs(2));

@@ -26,8 +26,12 @@ Names Kept(const SampleModel& model, const GridFilter& filter) {
 struct FilterCase {
     const wchar_t* text;
     Names kept;
-    std::wstring problem = {};
+    std::wstring problem = {};  ///< its beginning, without the columns that it lists
 };
+
+std::wstring Problem(StringId id, const wchar_t* typed) {
+    return FormatText(Text(id), {typed});
+}
 
 TEST(GridFilterTest, KeepsWhatWasTyped) {
     SampleModel model;
@@ -70,13 +74,13 @@ TEST(GridFilterTest, KeepsWhatWasTyped) {
         {L"name > \"berlin 1\" name < \"berlin 10\"", {L"berlin 2"}},
         {L"modified < 2023", {L"Berlin 1"}},
         {L"path = /data/x", {L"x"}},
-        {L"width > 3", all, L"There is no column 'width'."},
-        {L"berlin width > 3", {L"Berlin 1", L"berlin 2"}, L"There is no column 'width'."},
-        {L"details = 3", all, L"There is no column 'details'."},
-        {L"m > 3", all, L"'m' can mean several columns: "},
-        {L"size >", all, L"A value is missing after 'size >'"},
-        {L"size > big", all, L"'big' is not a number"},
-        {L"> 3", all, L"A column's name is missing before '>'"},
+        {L"width > 3", all, Problem(text::kFilterNoColumn, L"width")},
+        {L"berlin width > 3", {L"Berlin 1", L"berlin 2"}, Problem(text::kFilterNoColumn, L"width")},
+        {L"details = 3", all, Problem(text::kFilterNoColumn, L"details")},
+        {L"m > 3", all, Problem(text::kFilterSeveralColumns, L"m")},
+        {L"size >", all, Problem(text::kFilterValueMissing, L"size >")},
+        {L"size > big", all, Problem(text::kFilterNoNumber, L"big")},
+        {L"> 3", all, Problem(text::kFilterNameMissing, L">")},
     };
     for (const FilterCase& c : cases) {
         SCOPED_TRACE(ToUtf8(c.text));

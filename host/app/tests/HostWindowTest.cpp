@@ -161,7 +161,8 @@ TEST_F(HostWindowTest, FilesThatAreLeftOutAreCountedAndNamed) {
         const QString outcome = window_.LastRecord().section("\n\n", 0, 0);
         EXPECT_EQ(outcome.count(name), std::string_view(name) == "good.las" ? 0 : 1) << name;
     }
-    EXPECT_TRUE(window_.LastRecord().startsWith(HostText(text::kAddedToLayer, {L"1 of 4", L"one"})))
+    const std::wstring oneOfFour = FormatText(Text(text::kAddedOf), {1, 4});
+    EXPECT_TRUE(window_.LastRecord().startsWith(HostText(text::kAddedToLayer, {oneOfFour, L"one"})))
         << window_.LastRecord().toStdString();
     EXPECT_EQ(window_.CurrentProject().FileCount(), 2U);
 }

@@ -5,6 +5,7 @@
 #include <QWidget>
 #include <algorithm>
 
+#include "host/app/HostText.h"
 #include "host/app/RecordIntake.h"
 #include "host/app/tests/TestRasters.h"
 #include "host/dem/testing/DemSamples.h"
@@ -155,7 +156,7 @@ TEST(RecordIntake, LeavesOutUndescribedRastersAndWritesBesideDataOnlyWhereItMay)
         ASSERT_EQ(result.report.size(), 1U);
         EXPECT_THAT(result.report[0].lines, ::testing::ElementsAre(folder.Name(L"bad.tif")));
         EXPECT_TRUE(result.news.empty()) << "the dialog has told";
-        EXPECT_TRUE(result.status.contains("1 of 2")) << result.status.toStdString();
+        EXPECT_TRUE(result.status.contains(HostText(text::kAddedOf, {1, 2}))) << result.status.toStdString();
     }
 }
 
