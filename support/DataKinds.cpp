@@ -15,7 +15,9 @@ enum Use : unsigned {
     kScanned = 1U,     ///< found by a page's search of a folder
     kNamed = 2U,       ///< taken when it is given by name
     kRecognised = 4U,  ///< its name alone tells the kind
+    kNamedPhoto = 8U,  ///< taken by name on the photo page too
     kUsual = kScanned | kNamed | kRecognised,
+    kImage = kUsual | kNamedPhoto,
 };
 
 struct FileType {
@@ -29,24 +31,30 @@ struct FileType {
 /// The one file in the folder of an ArcInfo coverage that stands for it.
 constexpr std::wstring_view kCoverageFile = L"hdr.adf";
 
-// In the order in which the filter of all image files names them.
+// In the order in which a page's filter of all its files names them.
 constexpr FileType kFileTypes[] = {
     {L".las", Las, kUsual, 1, L"LAS"},
     {L".laz", Las, kUsual, 2, L"LAZ"},
-    {L".tif", Raster, kUsual, 1, L"TIF"},
-    {L".tiff", Raster, kUsual},
-    {L".jpg", Raster, kUsual, 2, L"JPEG"},
-    {L".jpeg", Raster, kUsual},
+    {L".tif", Raster, kImage, 1, L"TIF"},
+    {L".tiff", Raster, kImage},
+    {L".jpg", Raster, kImage, 2, L"JPEG"},
+    {L".jpeg", Raster, kImage},
     {L".rgb", Raster, kUsual},
-    {L".png", Raster, kUsual, 3, L"PNG"},
-    {L".sid", Raster, kNamed, 6, L"MrSID"},  // such files are picked one by one
-    {L".gif", Raster, kUsual, 4, L"GIF"},
-    {L".bmp", Raster, kUsual, 5, L"BMP"},
-    {L".jp2", Raster, kUsual, 7, L"JP2000"},
-    {L".jp2k", Raster, kUsual},
-    {L".flt", Raster, kUsual},
-    {L".ecw", Raster, kUsual, 8, L"ECW"},
-    {L".img", Raster, kUsual, 9, L"IMG"},
+    {L".png", Raster, kImage, 3, L"PNG"},
+    {L".sid", Raster, kNamed | kNamedPhoto, 6, L"MrSID"},  // such files are picked one by one
+    {L".gif", Raster, kImage, 4, L"GIF"},
+    {L".bmp", Raster, kImage, 5, L"BMP"},
+    {L".jp2", Raster, kImage, 7, L"JP2000"},
+    {L".jp2k", Raster, kImage},
+    {L".flt", Raster, kImage},
+    {L".ecw", Raster, kImage, 8, L"ECW"},
+    {L".img", Raster, kImage, 9, L"IMG"},
+    {L".shp", Feature, kUsual, 1, L"Shapefile"},
+    {L".dwg", Feature, kUsual, 3, L"DWG"},
+    {L".dgn", Feature, kUsual, 2, L"DGN"},
+    {L".dxf", Feature, kUsual, 4, L"DXF"},
+    {L".kml", Feature, kUsual, 5, L"KML"},
+    {L".kmz", Feature, kUsual, 6, L"KMZ"},
     // Elevation formats that are no images.
     {L".asc", Dem, kNamed | kRecognised},
     {L".bil", Dem, kNamed | kRecognised},
@@ -61,7 +69,11 @@ constexpr FileType kFileTypes[] = {
 
 /// The kind whose filters a page's picker shows.
 DataKind FilterKind(DataKind page) {
-    return page == Dem ? Raster : page;
+    return page == Dem || page == Photo ? Raster : page;
+}
+
+const wchar_t* AllFilesName(DataKind page) {
+    return page == Feature ? L"All Feature Files" : L"All Image Files";
 }
 
 std::vector<std::wstring> Extensions(DataKind page, Use use) {
@@ -77,12 +89,12 @@ std::vector<std::wstring> Extensions(DataKind page, Use use) {
 }  // namespace
 
 const char* DataKindName(DataKind kind) {
-    constexpr const char* kNames[] = {"las", "raster", "dem"};
+    constexpr const char* kNames[] = {"las", "raster", "dem", "feature", "photo"};
     return kNames[static_cast<int>(kind)];
 }
 
 std::vector<FileFilter> PickerFilters(DataKind page) {
-    FileFilter all{L"All Image Files", {}};
+    FileFilter all{AllFilesName(page), {}};
     std::map<int, FileFilter> ranked;
     for (const FileType& type : kFileTypes) {
         if (type.kind != FilterKind(page)) {
@@ -113,7 +125,7 @@ std::vector<std::wstring> ScanExtensions(DataKind page) {
 }
 
 std::vector<std::wstring> NamedExtensions(DataKind page) {
-    return Extensions(page, kNamed);
+    return Extensions(page, page == Photo ? kNamedPhoto : kNamed);
 }
 
 bool IsNamedByFolder(std::wstring_view path) {
@@ -147,6 +159,10 @@ std::optional<DataKind> DataKindOf(std::wstring_view path) {
                EqualNoCase(type.name, type.name.starts_with(L'.') ? extension : name);
     });
     return found == std::ranges::end(kFileTypes) ? std::nullopt : std::optional(found->kind);
+}
+
+bool CanBeReadAs(DataKind found, DataKind asked) {
+    return found == asked || (FilterKind(found) == FilterKind(asked) && !(found == Dem && asked == Photo));
 }
 
 }  // namespace orvex

@@ -9,8 +9,9 @@
 
 namespace orvex {
 
-/// A kind of data: that of a page, or of the files listed there. A DEM page lists rasters too.
-enum class DataKind { Las, Raster, Dem };
+/// A kind of data: that of a page, or of the files listed there. A DEM page lists rasters too. The files of a
+/// photo page are images, which by their names count as rasters.
+enum class DataKind { Las, Raster, Dem, Feature, Photo };
 
 /// Name of a kind in reports and exports: "las".
 const char* DataKindName(DataKind kind);
@@ -35,7 +36,12 @@ std::wstring StandInFor(const std::wstring& path);
 /// True if a file has one of the extensions or names.
 bool HasExtension(const std::wstring& path, const std::vector<std::wstring>& extensions);
 
-/// Kind of a file that is recognised by its name alone, in any letter case; nullopt for other names.
+/// Kind of a file that is recognised by its name alone, in any letter case; nullopt for other names. Never
+/// Photo.
 std::optional<DataKind> DataKindOf(std::wstring_view path);
+
+/// True if a file that counts as `found` by its name can also be read as `asked`: an image as a photo, or as
+/// elevations.
+bool CanBeReadAs(DataKind found, DataKind asked);
 
 }  // namespace orvex

@@ -76,7 +76,7 @@ const ReportKind* ReportKindOf(std::wstring_view path) {
 
 bool ReportKind::IsSearched(std::wstring_view path) const {
     const std::optional<DataKind> found = DataKindOf(path);
-    return found && (*found == DataKind::Las) == (data == DataKind::Las);
+    return found && CanBeReadAs(*found, data);
 }
 
 FileReport InspectFile(const std::wstring& path, const ReportKind* kind) {
