@@ -10,6 +10,7 @@
 #include "support/Text.h"
 #include "support/com/ComApartment_win.h"
 #include "support/com/ComGuard_win.h"
+#include "support/com/ComProject_win.h"
 #include "support/com/RasterDetailItems.h"
 #include "support/com/Variant_win.h"
 
@@ -69,6 +70,9 @@ class ComApplication final : public OrvexApplication {
         return Guarded([&] {
             return Exchange(value, [&](VARIANT* variant) { return object_->GetOptionItem(item, variant); });
         });
+    }
+    std::unique_ptr<OrvexProject> GetProject(std::int32_t& result) override {
+        return MakeComProject(*object_.Get(), result);
     }
 
   private:

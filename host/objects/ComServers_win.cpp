@@ -2,9 +2,11 @@
 
 #include <OrvexHost.h>
 
+#include <optional>
 #include <string>
 
 #include "host/objects/DualObject_win.h"
+#include "host/objects/ProjectServer_win.h"
 #include "host/objects/RasterInformationServer_win.h"
 #include "support/com/ComGuard_win.h"
 #include "support/com/ModuleFile_win.h"
@@ -34,8 +36,14 @@ HRESULT ExchangeVariant(VARIANT* variant, Call call) {
 
 class ApplicationServer final : public DualObject<IOrvexApplication> {
   public:
+    /// Asked for its project once, since the interfaces of a COM object never change.
     explicit ApplicationServer(std::unique_ptr<OrvexApplication> application)
-        : application_(std::move(application)) {}
+        : application_(std::move(application)) {
+        std::int32_t result = kHostOk;
+        if (auto project = application_->GetProject(result)) {
+            project_.emplace(*this, std::move(project));
+        }
+    }
 
     HRESULT STDMETHODCALLTYPE GetProjectFolder(BSTR* folder) override {
         if (folder == nullptr) {
@@ -58,8 +66,15 @@ class ApplicationServer final : public DualObject<IOrvexApplication> {
         });
     }
 
+  protected:
+    void* OtherInterface(REFIID interfaceId) override {
+        const bool isAsked = project_ && IsEqualIID(interfaceId, __uuidof(IOrvexProject));
+        return isAsked ? static_cast<IOrvexProject*>(&*project_) : nullptr;
+    }
+
   private:
     std::unique_ptr<OrvexApplication> application_;
+    std::optional<ProjectPart> project_;
 };
 
 class SystemSettingsServer final : public DualObject<IOrvexSystemSettings> {

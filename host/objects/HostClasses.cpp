@@ -93,36 +93,66 @@ class HostSettings final : public OrvexSystemSettings {
     std::shared_ptr<ValueFile> file_;
 };
 
+/// kHostFail and a line in the log if `work` throws.
+template <typename Work>
+std::int32_t Logged(const wchar_t* failure, Work work) {
+    try {
+        work();
+        return kHostOk;
+    } catch (...) {
+        LogWarning(failure + CurrentExceptionText());
+        return kHostFail;
+    }
+}
+
+class HostProject final : public OrvexProject {
+  public:
+    HostProject(PhotoFolderProvider photoFolder, LayerOpener openLayer)
+        : photoFolder_(std::move(photoFolder)), openLayer_(std::move(openLayer)) {}
+
+    std::int32_t GetPhotoFolder(std::wstring& folder) override {
+        return Logged(L"host: no photo folder: ", [&] { folder = photoFolder_(); });
+    }
+    std::int32_t OpenLayer(const std::wstring& path, std::unique_ptr<OrvexLayer>& layer) override {
+        return Logged(L"host: no layer: ", [&] { layer = openLayer_(path); });
+    }
+
+  private:
+    PhotoFolderProvider photoFolder_;
+    LayerOpener openLayer_;
+};
+
 class HostApplication final : public OrvexApplication {
   public:
-    HostApplication(ProjectFolderProvider projectFolder, OptionItems options)
-        : projectFolder_(std::move(projectFolder)), options_(std::move(options)) {}
+    explicit HostApplication(HostData data) : data_(std::move(data)) {}
 
     /// kHostFail if the provider throws.
     std::int32_t GetProjectFolder(std::wstring& folder) override {
         constexpr auto kSeparator = static_cast<wchar_t>(std::filesystem::path::preferred_separator);
-        try {
-            std::wstring open = projectFolder_ ? projectFolder_() : std::wstring();
+        return Logged(L"host: no project folder: ", [&] {
+            std::wstring open = data_.projectFolder ? data_.projectFolder() : std::wstring();
             if (!open.empty() && open.back() != L'/' && open.back() != kSeparator) {
                 open += kSeparator;
             }
             folder = std::move(open);
-            return kHostOk;
-        } catch (...) {
-            LogWarning(L"host: no project folder: " + CurrentExceptionText());
-            return kHostFail;
-        }
+        });
     }
     std::int32_t GetOptionItem(std::int32_t item, SettingValue& value) override {
-        if (const auto option = options_.find(item); option != options_.end()) {
+        if (const auto option = data_.options.find(item); option != data_.options.end()) {
             value = option->second;
         }
         return kHostOk;
     }
+    std::unique_ptr<OrvexProject> GetProject(std::int32_t& result) override {
+        if (!data_.photoFolder || !data_.openLayer) {
+            return OrvexApplication::GetProject(result);
+        }
+        result = kHostOk;
+        return std::make_unique<HostProject>(data_.photoFolder, data_.openLayer);
+    }
 
   private:
-    ProjectFolderProvider projectFolder_;
-    OptionItems options_;
+    HostData data_;
 };
 
 /// Describes a file with all details, by GDAL. Safe on any thread.
@@ -173,9 +203,7 @@ void ForgetLidarAnswer() {
 HostClasses::HostClasses(HostData data)
     : settings_(kSystemSettingsClass, SettingsIn(data.settingsFile)),
       application_(kApplicationClass,
-                   [folder = std::move(data.projectFolder), options = std::move(data.options)] {
-                       return std::make_unique<HostApplication>(folder, options);
-                   }),
+                   [data = std::move(data)] { return std::make_unique<HostApplication>(data); }),
       rasterInformation_(kRasterInformationClass, [] { return std::make_unique<HostRasterInformation>(); }) {}
 
 }  // namespace orvex::host

@@ -11,6 +11,10 @@ namespace orvex::host {
 /// Returns the folder of the open project, with or without a trailing separator; empty if none is open.
 using ProjectFolderProvider = std::function<std::wstring()>;
 using OptionItems = std::map<std::int32_t, SettingValue>;
+/// Returns the folder that photo layers are written to; empty if there is none.
+using PhotoFolderProvider = std::function<std::wstring()>;
+/// Opens the layer that the user named. Throws if it cannot be read.
+using LayerOpener = std::function<std::unique_ptr<OrvexLayer>(const std::wstring& path)>;
 
 /// Option item: KML and KMZ files may be added.
 inline constexpr std::int32_t kAcceptKmlOption = 1019;
@@ -20,6 +24,8 @@ struct HostData {
     std::filesystem::path settingsFile;  ///< created by the first write; see DefaultSettingsFile
     ProjectFolderProvider projectFolder;
     OptionItems options{{kAcceptKmlOption, std::int16_t{-1}}};
+    PhotoFolderProvider photoFolder{};  ///< empty: the application object gives no project, as the next
+    LayerOpener openLayer{};
 };
 
 /// "host.sqlite" in the folder of the user's settings.

@@ -47,6 +47,7 @@ inline constexpr ClassId kRasterInformationClass{
 /// Result codes of host objects: 0 is success, negative values are failures (the HRESULT values of the same
 /// names).
 inline constexpr std::int32_t kHostOk = 0;
+inline constexpr std::int32_t kHostNotImplemented = static_cast<std::int32_t>(0x80004001);
 inline constexpr std::int32_t kHostFail = static_cast<std::int32_t>(0x80004005);
 inline constexpr std::int32_t kHostClassNotRegistered = static_cast<std::int32_t>(0x80040154);
 
@@ -69,6 +70,33 @@ class OrvexSystemSettings : public HostObject {
                              const SettingValue& value) = 0;
 };
 
+/// Geometry type codes of layers of points. Any other code is another geometry.
+inline constexpr std::int32_t kPointLayer = 0x10002;
+inline constexpr std::int32_t kPointZLayer = 0x10006;
+
+/// A layer that the host can open: its state when it was opened. Used on the thread that opened it.
+class OrvexLayer : public HostObject {
+  public:
+    /// True if the layer was made for photos, whatever its fields. Returns a result code, as the others do.
+    virtual std::int32_t IsPhotoLayer(bool& isPhotoLayer) = 0;
+    virtual std::int32_t GetGeometryType(std::int32_t& type) = 0;
+    /// True if the layer's records have a field of the name. Letter case is the host's business.
+    virtual std::int32_t HasField(const std::wstring& name, bool& hasField) = 0;
+    /// True if a record is of the photo with the full path.
+    virtual std::int32_t HasPhoto(const std::wstring& path, bool& hasPhoto) = 0;
+};
+
+/// The open project.
+class OrvexProject : public HostObject {
+  public:
+    /// Full path of the folder that photo layers are written to; empty if there is none. Returns a result
+    /// code.
+    virtual std::int32_t GetPhotoFolder(std::wstring& folder) = 0;
+    /// Opens a layer for reading. `path` is as the user typed it; a relative one is the host's business.
+    /// Returns a result code; a failure leaves `layer` unchanged.
+    virtual std::int32_t OpenLayer(const std::wstring& path, std::unique_ptr<OrvexLayer>& layer) = 0;
+};
+
 /// The host application object.
 class OrvexApplication : public HostObject {
   public:
@@ -77,6 +105,12 @@ class OrvexApplication : public HostObject {
     virtual std::int32_t GetProjectFolder(std::wstring& folder) = 0;
     /// Reads a numbered option of the host into `value` if it is set. Returns a result code.
     virtual std::int32_t GetOptionItem(std::int32_t item, SettingValue& value) = 0;
+    /// The open project. Null and a failure code if there is none to give: a host without photo layers need
+    /// not override this.
+    virtual std::unique_ptr<OrvexProject> GetProject(std::int32_t& result) {
+        result = kHostNotImplemented;
+        return nullptr;
+    }
 };
 
 /// Reads properties of raster files. Created on any thread, several at a time, and used on the thread that

@@ -1,12 +1,22 @@
 #pragma once
 // The host's objects in memory, for tests.
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 
 #include "support/HostObjects.h"
 
 namespace orvex::testing {
+
+/// A layer of a fake project.
+struct FakeLayer {
+    bool isPhotoLayer = true;
+    std::int32_t geometryType = kPointZLayer;
+    std::set<std::wstring> fields;  ///< as asked for
+    std::set<std::wstring> photos;  ///< full paths, as asked for
+    std::int32_t result = kHostOk;  ///< what every question to the layer returns
+};
 
 /// Answers from its members, which a test sets and reads at any time; every object made reads and writes
 /// them. Outlives the objects it makes.
@@ -21,6 +31,11 @@ class FakeHostObjects final : public HostObjects {
     std::wstring projectFolder;                      ///< with a trailing separator, as hosts give it
     std::int32_t createApplicationResult = kHostOk;  ///< another code: the application cannot be made
     std::int32_t projectFolderResult = kHostOk;      ///< what GetProjectFolder returns
+
+    std::int32_t projectResult = kHostOk;      ///< another code: the application gives no project
+    std::wstring photoFolder;                  ///< empty: none
+    std::int32_t photoFolderResult = kHostOk;  ///< what GetPhotoFolder returns
+    std::map<std::wstring, FakeLayer> layers;  ///< by path as given to OpenLayer, which fails for any other
 
     RasterInformationMaker rasterInformation;  ///< what RasterInformation gives; empty: the host has none
 
@@ -69,9 +84,63 @@ class FakeHostObjects final : public HostObjects {
             return host_.projectFolderResult;
         }
         std::int32_t GetOptionItem(std::int32_t, SettingValue&) override { return kHostOk; }
+        std::unique_ptr<OrvexProject> GetProject(std::int32_t& result) override {
+            result = host_.projectResult;
+            return result == kHostOk ? std::make_unique<Project>(host_) : nullptr;
+        }
 
       private:
         FakeHostObjects& host_;
+    };
+
+    class Project final : public OrvexProject {
+      public:
+        explicit Project(FakeHostObjects& host) : host_(host) {}
+
+        std::int32_t GetPhotoFolder(std::wstring& folder) override {
+            if (host_.photoFolderResult == kHostOk) {
+                folder = host_.photoFolder;
+            }
+            return host_.photoFolderResult;
+        }
+        std::int32_t OpenLayer(const std::wstring& path, std::unique_ptr<OrvexLayer>& layer) override {
+            const auto found = host_.layers.find(path);
+            if (found == host_.layers.end()) {
+                return kHostFail;
+            }
+            layer = std::make_unique<Layer>(found->second);
+            return kHostOk;
+        }
+
+      private:
+        FakeHostObjects& host_;
+    };
+
+    class Layer final : public OrvexLayer {
+      public:
+        explicit Layer(const FakeLayer& layer) : layer_(layer) {}
+
+        std::int32_t IsPhotoLayer(bool& isPhotoLayer) override {
+            return Answer(isPhotoLayer, layer_.isPhotoLayer);
+        }
+        std::int32_t GetGeometryType(std::int32_t& type) override {
+            return Answer(type, layer_.geometryType);
+        }
+        std::int32_t HasField(const std::wstring& name, bool& hasField) override {
+            return Answer(hasField, layer_.fields.contains(name));
+        }
+        std::int32_t HasPhoto(const std::wstring& path, bool& hasPhoto) override {
+            return Answer(hasPhoto, layer_.photos.contains(path));
+        }
+
+      private:
+        template <typename Value>
+        std::int32_t Answer(Value& target, Value value) const {
+            target = layer_.result == kHostOk ? value : target;
+            return layer_.result;
+        }
+
+        const FakeLayer& layer_;
     };
 };
 

@@ -3,12 +3,14 @@
 
 #include <stdexcept>
 #include <thread>
+#include <tuple>
 
 #include "host/objects/HostClasses.h"
 #include "raster/RasterRow.h"
 #include "raster/testing/GeoTiff.h"
 #include "settings/SystemSettings.h"
 #include "settings/ValueFile.h"
+#include "settings/testing/FakeHostObjects.h"
 #include "support/HostObjects.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
@@ -132,6 +134,64 @@ TEST_F(HostObjectsTest, TheApplicationKnowsTheProjectAndItsOptions) {
     std::wstring folder = L"?";
     EXPECT_EQ(application->GetProjectFolder(folder), kHostFail);
     EXPECT_EQ(folder, L"?");
+}
+
+// What a host's layer answers, and what reaches the component of it.
+TEST_F(HostObjectsTest, TheApplicationGivesTheProjectAndItsLayers) {
+    testing::FakeLayer layer;
+    layer.fields = {L"PhotoPath"};
+    layer.photos = {L"/photos/\u00dc\U0001F4F7.jpg"};
+    std::int32_t code = kHostOk;
+    std::int32_t result = kHostOk;
+    {
+        const HostClasses classes(State());
+        EXPECT_EQ(Application()->GetProject(result), nullptr);
+        EXPECT_EQ(result, kHostNotImplemented) << "a host without photo layers";
+    }
+    testing::FakeHostObjects fake;
+    HostData data = State();
+    data.photoFolder = [&] {
+        return code == kHostOk ? L"/projects/a/Fotos \u00fc" : throw LDataError(L"no");
+    };
+    data.openLayer = [&](const std::wstring& path) {
+        if (path != L"photos.shp") {
+            throw LDataError(L"no layer");
+        }
+        fake.layers[path] = layer;
+        std::unique_ptr<OrvexLayer> opened;
+        fake.CreateApplication(result)->GetProject(result)->OpenLayer(path, opened);
+        return opened;
+    };
+    const HostClasses classes(data);
+    const auto project = Application()->GetProject(result);  // outlives the application object
+    ASSERT_NE(project, nullptr);
+    std::wstring folder;
+    EXPECT_EQ(project->GetPhotoFolder(folder), kHostOk);
+    EXPECT_EQ(folder, L"/projects/a/Fotos \u00fc");
+    code = kHostFail;
+    EXPECT_EQ(project->GetPhotoFolder(folder), kHostFail);
+    EXPECT_EQ(folder, L"/projects/a/Fotos \u00fc") << "a failure changes nothing";
+
+    std::unique_ptr<OrvexLayer> opened;
+    EXPECT_EQ(project->OpenLayer(L"other.shp", opened), kHostFail);
+    EXPECT_EQ(opened, nullptr);
+    for (const std::int32_t answer : {kHostOk, kHostFail}) {
+        layer.result = answer;
+        ASSERT_EQ(project->OpenLayer(L"photos.shp", opened), kHostOk);
+        const bool isOk = answer == kHostOk;
+        bool isPhotoLayer = false;
+        bool hasField = false;
+        bool hasPhoto = false;
+        std::int32_t type = 0;
+        EXPECT_EQ(opened->IsPhotoLayer(isPhotoLayer), answer);
+        EXPECT_EQ(opened->GetGeometryType(type), answer);
+        EXPECT_EQ(opened->HasField(L"PhotoPath", hasField), answer);
+        EXPECT_EQ(opened->HasPhoto(*layer.photos.begin(), hasPhoto), answer);
+        EXPECT_EQ(std::tuple(isPhotoLayer, type, hasField, hasPhoto),
+                  std::tuple(isOk, isOk ? kPointZLayer : 0, isOk, isOk));
+        EXPECT_EQ(opened->HasField(L"TimeUTC", hasField), answer);
+        EXPECT_FALSE(hasField);
+    }
 }
 
 // Whether the host has the class or the component reads the file by itself, the row is the same.

@@ -205,6 +205,59 @@ TEST_F(HostObjectsWinTest, ScriptsCallByName) {
     EXPECT_EQ(TextOf(value.Get().bstrVal), L"C:\\DEM");
 }
 
+class AnyProject final : public OrvexProject {
+  public:
+    std::int32_t GetPhotoFolder(std::wstring& folder) override {
+        folder = L"C:\\photos";
+        return kHostOk;
+    }
+    std::int32_t OpenLayer(const std::wstring&, std::unique_ptr<OrvexLayer>&) override { return kHostOk; }
+};
+
+class AnyApplication final : public OrvexApplication {
+  public:
+    explicit AnyApplication(bool hasProject) : hasProject_(hasProject) {}
+    std::int32_t GetProjectFolder(std::wstring&) override { return kHostOk; }
+    std::int32_t GetOptionItem(std::int32_t, SettingValue&) override { return kHostOk; }
+    std::unique_ptr<OrvexProject> GetProject(std::int32_t& result) override {
+        return hasProject_ ? std::make_unique<AnyProject>() : OrvexApplication::GetProject(result);
+    }
+
+  private:
+    bool hasProject_;
+};
+
+// Hosts written before projects had an interface go on as they did.
+TEST_F(HostObjectsWinTest, TheProjectIsAFurtherInterfaceOfTheApplication) {
+    for (const bool hasProject : {true, false}) {
+        RegisterHostClass(kApplicationClass,
+                          [hasProject] { return std::make_unique<AnyApplication>(hasProject); });
+        ComPtr<IOrvexApplication> application;
+        ASSERT_EQ(CoCreateInstance(std::bit_cast<CLSID>(kApplicationClass), nullptr, CLSCTX_ALL,
+                                   __uuidof(IOrvexApplication), application.ReceiveAny()),
+                  S_OK);
+        ComPtr<IOrvexProject> project;
+        EXPECT_EQ(application->QueryInterface(__uuidof(IOrvexProject), project.ReceiveAny()),
+                  hasProject ? S_OK : E_NOINTERFACE);
+        if (!hasProject) {
+            continue;
+        }
+        ComPtr<IUnknown> whole;
+        ComPtr<IUnknown> wholeOfPart;
+        application->QueryInterface(__uuidof(IUnknown), whole.ReceiveAny());
+        project->QueryInterface(__uuidof(IUnknown), wholeOfPart.ReceiveAny());
+        EXPECT_EQ(whole.Get(), wholeOfPart.Get());
+        application = {};
+        BString folder;
+        EXPECT_EQ(project->GetPhotoFolder(folder.Receive()), S_OK);
+        EXPECT_EQ(TextOf(folder.Get()), L"C:\\photos");
+        ComPtr<IOrvexLayer> layer;
+        EXPECT_EQ(project->OpenLayer(nullptr, layer.Receive()), E_FAIL) << "no layer is a failure";
+        EXPECT_EQ(project->OpenLayer(nullptr, nullptr), E_POINTER);
+    }
+    RegisterHostClass(kApplicationClass, nullptr);
+}
+
 const CLSID kRasterClass = std::bit_cast<CLSID>(kRasterInformationClass);
 
 class OneFile final : public OrvexRasterInformation {
