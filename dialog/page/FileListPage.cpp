@@ -37,7 +37,7 @@ std::vector<ListPage::PageButton> FileListPage::Buttons() {
     };
     std::ranges::move(ListPage::Buttons(), std::back_inserter(buttons));
     buttons.insert(buttons.end() - 1, {description_.refresh, ButtonImage::Refresh, Usable::WithRows,
-                                       L"OnRefresh", [this] { OnRefresh(); }});
+                                       L"OnRefresh", [this] { ReadAgain(); }});
     return buttons;
 }
 
@@ -248,7 +248,7 @@ AddingReview FileListPage::Review() const {
     return ReviewOf(Rows(), {description_.passesUnreadable, DamagedNote(), unread_});
 }
 
-void FileListPage::OnRefresh() {
+void FileListPage::ReadAgain() {
     const DialogProgress::Run run(Progress());
     const bool isNew = RereadRows();
     DoLateWork();

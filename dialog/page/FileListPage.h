@@ -90,6 +90,9 @@ class FileListPage : public ListPage {
     /// What becomes of files with errors, as a sentence; empty: they are added like others.
     virtual std::wstring DamagedNote() const { return {}; }
 
+    /// Reads the files of all rows again, with progress.
+    void ReadAgain();
+
     void BeforeRemoval(std::span<const std::size_t> records) override;
     void Cleared() override;
 
@@ -99,7 +102,6 @@ class FileListPage : public ListPage {
   private:
     void OnAddFiles();
     void OnAddFolder();
-    void OnRefresh();
     std::wstring FirstFolder() const;
     void RememberFolder(const std::wstring& folder);
     void ShowPickFailure(const FixedText& text) const;

@@ -24,7 +24,9 @@
 #include "dialog/page/RowFinder.h"
 #include "dialog/page/RowMenu.h"
 #include "settings/OptionStore.h"
+#include "support/FilePickers.h"
 #include "support/HandlerGuard.h"
+#include "support/ProjectPath.h"
 
 namespace orvex {
 ListPage::ListPage(const PageContext& context, const ListPageDescription& description, QWidget* parent)
@@ -155,6 +157,26 @@ void ListPage::MakeForm() {
 void ListPage::OnClick(int id, const wchar_t* handler, std::function<void()> press) {
     connect(findChild<QAbstractButton*>(ControlName(id)), &QAbstractButton::clicked, this,
             Guarded(services_.prompts, handler, std::move(press)));
+}
+
+void ListPage::ConnectFolder(const FolderField& folder) {
+    OnClick(folder.browse, L"OnBrowseFolder", [this, folder] { OnBrowseFolder(folder); });
+    OnClick(folder.insertToken, L"OnInsertProjectPath", [this, folder] { OnInsertProjectPath(folder); });
+}
+
+void ListPage::OnBrowseFolder(const FolderField& folder) {
+    if (const std::optional<std::wstring> picked =
+            services_.pickers.PickFolder(Text(folder.browseTitle), {})) {
+        form_->TypeText(folder.field, WithTrailingSeparator(*picked));
+    }
+}
+
+void ListPage::OnInsertProjectPath(const FolderField& folder) {
+    try {
+        form_->TypeText(folder.field, InsertProjectPathToken(Chosen().*folder.folder));
+    } catch (...) {
+        ShowMessage(Text(text::kProjectPathInsertFailed), text::kProjectPathErrorCaption, PromptIcon::Error);
+    }
 }
 
 void ListPage::ConnectGrid() {
@@ -294,13 +316,15 @@ bool ListPage::ReadNumbers() {
                                [this](const OptionRow& row) { return ReadNumber(row); });
 }
 
-bool ListPage::SaveOptions() {
+bool ListPage::SaveOptions(const std::function<bool(const OptionRow& row)>& isSaved) {
     StoredOptions stored(services_.options, services_.hostObjects);
     for (const OptionRow& row : description_.options.rows) {
         if (!ReadNumber(row)) {
             return false;
         }
-        stored.Save(row, form_->Values());
+        if (!isSaved || isSaved(row)) {
+            stored.Save(row, form_->Values());
+        }
     }
     return true;
 }

@@ -57,6 +57,15 @@ struct ListPageDescription {
     OptionTable options;
 };
 
+/// The field of a folder and the buttons beside it, by control id.
+struct FolderField {
+    int field;
+    int browse;
+    int insertToken;  ///< puts the token of the project's folder at the head
+    StringId browseTitle;
+    std::wstring AddFilesParams::*folder;  ///< the field's option
+};
+
 /// What every page with a list shares: the row of buttons, the grid, the details pane that folds, the form of
 /// options, and what is enabled when.
 class ListPage : public AddFilesPage {
@@ -104,6 +113,7 @@ class ListPage : public AddFilesPage {
     std::vector<std::size_t> SelectedRecords() const;
     void ShowMessage(std::wstring text, StringId caption, PromptIcon icon) const;
     void OnClick(int id, const wchar_t* handler, std::function<void()> press);
+    void ConnectFolder(const FolderField& folder);
 
     /// Brings everything up to date after rows, or options on which they depend, have changed.
     void Update();
@@ -114,8 +124,8 @@ class ListPage : public AddFilesPage {
     /// Takes over the numbers that were typed. False when one is refused, after telling the user.
     bool ReadNumbers();
     /// Saves the options in the order of their table. Numbers are read on the way; false when one is refused,
-    /// after telling the user: those before it are saved.
-    bool SaveOptions();
+    /// after telling the user: those before it are saved. `isSaved`: of the rows that are; empty: all.
+    bool SaveOptions(const std::function<bool(const OptionRow& row)>& isSaved = {});
     /// Writes the options into the record.
     void WriteOptions() const;
 
@@ -150,6 +160,8 @@ class ListPage : public AddFilesPage {
     void RemoveAll();
     void OnDetailColumns();
     void OnHelp();
+    void OnBrowseFolder(const FolderField& folder);
+    void OnInsertProjectPath(const FolderField& folder);
     void ArrangePane();
     void RestorePane();
     void SavePane() const;

@@ -182,6 +182,8 @@ QWidget* OptionForm::MakeWidget(const OptionRow& row, Control& control) {
         }
         case OptionControl::Button:
             return MakeTextButton(row);
+        case OptionControl::Note:
+            return MakeControl<QLabel>(row.id, row.caption, row.tooltip);
         case OptionControl::DetailColumns:
             break;
     }
@@ -236,6 +238,7 @@ void OptionForm::ShowControl(const Control& control) {
             static_cast<QLineEdit*>(control.widget)->setCursorPosition(0);
             break;
         case OptionControl::Button:
+        case OptionControl::Note:
         case OptionControl::DetailColumns:
             break;
     }
@@ -269,6 +272,7 @@ void OptionForm::ReadControl(const Control& control) {
             break;
         case OptionControl::Number:
         case OptionControl::Button:
+        case OptionControl::Note:
         case OptionControl::DetailColumns:
             break;
     }
@@ -314,9 +318,14 @@ void OptionForm::TypeText(int id, const std::wstring& text) {
     field->setCursorPosition(0);
 }
 
+bool OptionForm::IsSwitchedOn(const OptionRow& row) const {
+    return row.enabledBy == 0 || findChild<QCheckBox*>(ControlName(row.enabledBy))->isChecked();
+}
+
 void OptionForm::Enable(bool busy) {
     for (const Control& control : controls_) {
-        const bool usable = !busy && IsEnabled(control.row->enabled, values_.record);
+        const bool usable =
+            !busy && IsEnabled(control.row->enabled, values_.record) && IsSwitchedOn(*control.row);
         control.widget->setEnabled(usable);
         if (control.radios != nullptr) {
             for (const OptionChoice& choice : control.row->choices) {

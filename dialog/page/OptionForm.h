@@ -58,6 +58,7 @@ class OptionForm final : public QWidget {
     void FillList(const Control& control);
     void FillDependentLists(const Control& changed);
     void OnChanged(const Control& control);
+    bool IsSwitchedOn(const OptionRow& row) const;
 
     const OptionTable& table_;
     UserPrompts& prompts_;

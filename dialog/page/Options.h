@@ -23,7 +23,8 @@ inline constexpr std::int32_t kDefaultThinning = 16;
 /// The choices of a page. The members that the options' rows name are used, the rest is not.
 struct OptionValues {
     AddFilesParams record;
-    bool detailColumns = false;  ///< the grid shows its detail columns
+    bool detailColumns = false;    ///< the grid shows its detail columns
+    bool toExistingLayer = false;  ///< the photos go to the layer that the record names
 };
 
 /// Member that holds an option's value, in the record unless the host need not know it.
@@ -59,6 +60,7 @@ enum class OptionControl {
     Number,        ///< an edit field for an integer
     Text,          ///< an edit field
     Button,        ///< no option of its own: belongs to the one before it
+    Note,          ///< no option of its own: words beside the one before it
     DetailColumns  ///< the page's own button for the detail columns
 };
 
@@ -86,6 +88,7 @@ struct OptionRow {
     StringId mask = {};          ///< input mask of a number; 0: digits
     /// Null: usable whenever no run is under way.
     bool (*enabled)(const AddFilesParams& chosen) = nullptr;
+    int enabledBy = 0;           ///< id of the check box that has to be on too; 0: none
     bool changesLayers = false;  ///< decides which layers the files go into
 };
 

@@ -2,12 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 
-#include "dialog/page/OptionForm.h"
 #include "support/DataKinds.h"
 #include "support/LasFormat.h"
-#include "support/ProjectPath.h"
 
 namespace orvex {
 namespace {
@@ -187,8 +184,8 @@ const FileListPageDescription& DemPage() {
 AddDEMFilesPP::AddDEMFilesPP(const PageContext& context, QWidget* parent)
     : RasterListPage(context, DemPage(), RasterUse::Dem, parent) {
     Start(EditModel());
-    OnClick(kBrowse, L"OnBrowseFolder", [this] { OnBrowseFolder(); });
-    OnClick(kInsertToken, L"OnInsertProjectPath", [this] { OnInsertProjectPath(); });
+    ConnectFolder(
+        {kFolder, kBrowse, kInsertToken, text::kDemOutputFolderTitle, &AddFilesParams::demLasFolder});
 }
 
 // The converted files are LAS files, so it is the LAS layers that they can be appended to.
@@ -197,21 +194,6 @@ void AddDEMFilesPP::RowsChanged() {
         AssignLayers(rows, Params().existingLasLayers, {.append = Chosen().demAppend}, Chosen().demIgnoreCrs,
                      L"DEM LAS Layer_");
     });
-}
-
-void AddDEMFilesPP::OnBrowseFolder() {
-    if (const std::optional<std::wstring> folder =
-            Services().pickers.PickFolder(Text(text::kDemOutputFolderTitle), {})) {
-        Form().TypeText(kFolder, WithTrailingSeparator(*folder));
-    }
-}
-
-void AddDEMFilesPP::OnInsertProjectPath() {
-    try {
-        Form().TypeText(kFolder, InsertProjectPathToken(Chosen().demLasFolder));
-    } catch (...) {
-        ShowMessage(Text(text::kProjectPathInsertFailed), text::kProjectPathErrorCaption, PromptIcon::Error);
-    }
 }
 
 /// Without rows nothing is saved, and the record stays as the host gave it.

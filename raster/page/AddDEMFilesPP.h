@@ -13,10 +13,6 @@ class AddDEMFilesPP final : public RasterListPage {
   protected:
     void RowsChanged() override;
     bool Store() override;
-
-  private:
-    void OnBrowseFolder();
-    void OnInsertProjectPath();
 };
 
 }  // namespace orvex

@@ -31,6 +31,7 @@ class FakeHostObjects final : public HostObjects {
     std::wstring projectFolder;                      ///< with a trailing separator, as hosts give it
     std::int32_t createApplicationResult = kHostOk;  ///< another code: the application cannot be made
     std::int32_t projectFolderResult = kHostOk;      ///< what GetProjectFolder returns
+    std::map<std::int32_t, SettingValue> optionItems;
 
     std::int32_t projectResult = kHostOk;      ///< another code: the application gives no project
     std::wstring photoFolder;                  ///< empty: none
@@ -83,7 +84,13 @@ class FakeHostObjects final : public HostObjects {
             }
             return host_.projectFolderResult;
         }
-        std::int32_t GetOptionItem(std::int32_t, SettingValue&) override { return kHostOk; }
+        std::int32_t GetOptionItem(std::int32_t item, SettingValue& value) override {
+            const auto stored = host_.optionItems.find(item);
+            if (stored != host_.optionItems.end()) {
+                value = stored->second;
+            }
+            return kHostOk;
+        }
         std::unique_ptr<OrvexProject> GetProject(std::int32_t& result) override {
             result = host_.projectResult;
             return result == kHostOk ? std::make_unique<Project>(host_) : nullptr;

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include "support/Files.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
+#include "support/testing/TemporaryFolder.h"
+#include "support/testing/TestSystem.h"
 
 namespace orvex {
 namespace {
@@ -42,6 +45,41 @@ TEST(ProjectPath, ResolvesToOneSeparatorAtTheSeam) {
     };
     for (const auto& c : cases) {
         EXPECT_EQ(ResolveProjectPath(c.text, c.folder), NativePath(c.wanted)) << ToUtf8(c.text);
+    }
+}
+
+TEST(ProjectPath, VariablesAreReplacedByTheirValues) {
+    const testing::Variable data(L"ORVEX_TEST_DATA", L"/srv/data");
+    const struct {
+        const wchar_t* text;
+        const wchar_t* wanted;
+    } cases[] = {
+        {L"%ORVEX_TEST_DATA%/dwg", L"/srv/data/dwg"},
+        {L"$ORVEX_TEST_DATA/dwg", L"/srv/data/dwg"},
+        {L"${ORVEX_TEST_DATA}2/dwg", L"/srv/data2/dwg"},
+        {L"<ORVEX_PROJECT_PATH>%ORVEX_TEST_DATA%", L"/p/srv/data"},
+        {L"/100%/of%them", L"/100%/of%them"},
+        {L"%ORVEX_TEST_NONE%$ORVEX_TEST_NONE${ORVEX_TEST_DATA",
+         L"%ORVEX_TEST_NONE%$ORVEX_TEST_NONE${ORVEX_TEST_DATA"},
+        {L"/a$", L"/a$"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(ResolveProjectPath(c.text, L"/p"), NativePath(c.wanted)) << ToUtf8(c.text);
+    }
+}
+
+TEST(ProjectPath, AFolderForFilesIsMadeOrRefused) {
+    const testing::TemporaryFolder folder;
+    const std::wstring project = folder.Name({});
+    const std::wstring made = MakeWritableFolder(L"<ORVEX_PROJECT_PATH>\\DWG Import\\deep", project);
+    EXPECT_EQ(made, NativePath(folder.Name(L"DWG Import/deep")));
+    EXPECT_TRUE(FolderExists(made));
+    EXPECT_EQ(MakeWritableFolder(made, {}), made) << "there already";
+    const std::wstring file = folder.Write(L"file", "x");
+    for (const std::wstring& text :
+         {std::wstring(), std::wstring(L"out"), std::wstring(L"<ORVEX_PROJECT_PATH>x"),
+          L"x" + std::wstring(kProjectPathToken), file, file + L"/below"}) {
+        EXPECT_EQ(MakeWritableFolder(text, {}), L"") << ToUtf8(text);
     }
 }
 
