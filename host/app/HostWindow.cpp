@@ -122,8 +122,10 @@ bool HostWindow::AddFiles(const QStringList& paths) {
     record.initialFolder = ToWidePath(preferences_.dataFolder.isEmpty() ? folder_ : preferences_.dataFolder);
     record.existingLasLayers = project_.LayersForDialog(LayerKind::Las);
     record.existingRasterLayers = project_.LayersForDialog(LayerKind::Raster);
+    record.existingFeatureLayers = project_.LayersForDialog(LayerKind::Feature);
     record.existingLasFiles = project_.PathsOf(LayerKind::Las);
     record.existingRasterFiles = project_.PathsOf(LayerKind::Raster);
+    record.existingFeatureFiles = project_.PathsOf(LayerKind::Feature);
     for (const QString& path : paths) {
         record.initialPaths.push_back(ToWidePath(QDir::current().absoluteFilePath(path)));
     }

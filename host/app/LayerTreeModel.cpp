@@ -12,23 +12,50 @@ namespace {
 /// The internal id of a layer; that of a file is its layer's place plus one.
 constexpr quintptr kLayerId = 0;
 
-std::uint64_t PointsOf(const Layer& layer) {
-    return std::accumulate(layer.files.begin(), layer.files.end(), std::uint64_t{0},
-                           [](std::uint64_t sum, const LayerFile& file) { return sum + file.points; });
+/// Points of a LAS file, features of a shapefile.
+std::uint64_t CountOf(LayerKind kind, const LayerFile& file) {
+    return kind == LayerKind::Las ? file.points : file.feature.count;
 }
 
-/// Points, or pixels; of a raster that could not be read nothing is known.
+std::uint64_t CountOf(const Layer& layer) {
+    return std::accumulate(
+        layer.files.begin(), layer.files.end(), std::uint64_t{0},
+        [&](std::uint64_t sum, const LayerFile& file) { return sum + CountOf(layer.kind, file); });
+}
+
+/// Points, features or pixels; of a raster that could not be read nothing is known.
 QString SizeOf(LayerKind kind, const LayerFile& file) {
-    if (kind == LayerKind::Las) {
-        return ToQString(GroupedNumber(file.points));
+    if (kind != LayerKind::Raster) {
+        return ToQString(GroupedNumber(CountOf(kind, file)));
     }
     return file.raster.width == 0 ? QString()
                                   : HostText(text::kTreeRasterSize, {file.raster.width, file.raster.height});
 }
 
+/// Plain name of a shapefile's geometry: measures and heights are not told apart.
+StringId GeometryName(std::int32_t shapeType) {
+    constexpr std::int32_t kWithHeights = 10;
+    constexpr std::int32_t kMultiPatch = 31;
+    switch (shapeType == kMultiPatch ? shapeType : shapeType % kWithHeights) {
+        case 1:
+        case 8:
+            return text::kTreePoints;
+        case 3:
+            return text::kTreeLines;
+        case 5:
+        case kMultiPatch:
+            return text::kTreePolygons;
+        default:
+            return text::kTreeNoGeometry;
+    }
+}
+
 QString FormatOf(LayerKind kind, const LayerFile& file) {
     if (kind == LayerKind::Las) {
         return HostText(text::kTreeLasFormat, {file.version / 10, file.version % 10, file.pointFormat});
+    }
+    if (kind != LayerKind::Raster) {
+        return HostText(GeometryName(file.feature.shapeType));
     }
     const QString format = ToQString(file.raster.driver);
     return file.raster.PixelToWorld()
@@ -124,7 +151,7 @@ QVariant LayerTreeModel::LayerData(const Layer& layer, std::size_t index, int co
         case kName:
             return ToQString(layer.name);
         case kSize:
-            return layer.kind == LayerKind::Las ? ToQString(GroupedNumber(PointsOf(layer))) : QString();
+            return layer.kind == LayerKind::Raster ? QString() : ToQString(GroupedNumber(CountOf(layer)));
         default:
             return HostText(text::kTreeLayerFiles, {layer.files.size()});
     }
@@ -157,7 +184,7 @@ QVariant LayerTreeModel::headerData(int section, Qt::Orientation orientation, in
         case kName:
             return HostText(text::kLayerTreeTitle);
         case kSize:
-            return HostText(text::kTreePointsPixels);
+            return HostText(text::kTreeSize);
         case kFormat:
             return HostText(text::kInspectFormat);
         default:

@@ -12,7 +12,7 @@ class LayerTreeModel final : public QAbstractItemModel {
     Q_OBJECT
 
   public:
-    /// kSize: points of LAS files, pixels of rasters.
+    /// kSize: points of LAS files, pixels of rasters, features of shapefiles.
     enum Column { kName, kSize, kFormat, kColumnCount };
 
     /// `project` must outlive the model.

@@ -32,6 +32,25 @@ bool IsRectangle(const QPolygonF& corners) {
     });
 }
 
+/// Corners of an extent (minX, minY, maxX, maxY); empty for an inverted one.
+QPolygonF Rectangle(const std::array<double, 4>& extent) {
+    const auto& [minX, minY, maxX, maxY] = extent;
+    return minX <= maxX && minY <= maxY ? QPolygonF({{minX, maxY}, {maxX, maxY}, {maxX, minY}, {minX, minY}})
+                                        : QPolygonF();
+}
+
+QPolygonF CornersOf(const RasterInfo& raster) {
+    const auto transform = raster.PixelToWorld();
+    if (!transform) {
+        return {};
+    }
+    const auto& t = *transform;
+    const QTransform toWorld(t[1], t[4], t[2], t[5], t[0], t[3]);
+    const double width = raster.width;
+    const double height = raster.height;
+    return toWorld.map(QPolygonF({{0, 0}, {width, 0}, {width, height}, {0, height}}));
+}
+
 /// Grid lines of what a view shows.
 struct Grid {
     std::vector<double> x;
@@ -56,18 +75,11 @@ QColor Tone(const QWidget& view, double share) {
 QPolygonF FootprintOf(LayerKind kind, const LayerFile& file) {
     QPolygonF corners;
     if (kind == LayerKind::Las) {
-        if (file.min[0] <= file.max[0] && file.min[1] <= file.max[1]) {
-            corners = {{file.min[0], file.max[1]},
-                       {file.max[0], file.max[1]},
-                       {file.max[0], file.min[1]},
-                       {file.min[0], file.min[1]}};
-        }
-    } else if (const auto transform = file.raster.PixelToWorld()) {
-        const auto& t = *transform;
-        const QTransform toWorld(t[1], t[4], t[2], t[5], t[0], t[3]);
-        const double width = file.raster.width;
-        const double height = file.raster.height;
-        corners = toWorld.map(QPolygonF({{0, 0}, {width, 0}, {width, height}, {0, height}}));
+        corners = Rectangle({file.min[0], file.min[1], file.max[0], file.max[1]});
+    } else if (kind == LayerKind::Raster) {
+        corners = CornersOf(file.raster);
+    } else if (file.feature.extent) {
+        corners = Rectangle(*file.feature.extent);
     }
     return std::ranges::all_of(corners, IsPlace) ? corners : QPolygonF();
 }

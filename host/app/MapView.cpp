@@ -364,6 +364,9 @@ QString MapView::Describe(const FootprintItem& item) const {
     if (layer.kind == LayerKind::Las) {
         return name + HostText(text::kFootprintPointsTooltip, {GroupedNumber(file.points)});
     }
+    if (layer.kind != LayerKind::Raster) {
+        return name + HostText(text::kFeatureCountTooltip, {GroupedNumber(file.feature.count)});
+    }
     const Thumbnail* thumbnail = thumbnails_.Find(file.path);
     const QString problem = thumbnail == nullptr ? QString() : thumbnail->problem;
     const QString size =

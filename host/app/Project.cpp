@@ -122,7 +122,7 @@ std::optional<std::size_t> Project::MainLayer() const {
     for (const Layer& layer : layers) {
         placed.push_back(
             static_cast<std::size_t>(std::ranges::count_if(layer.files, [&layer](const LayerFile& file) {
-                return layer.kind == LayerKind::Las || file.raster.extent.has_value();
+                return layer.kind == LayerKind::Las || file.raster.extent || file.feature.extent;
             })));
     }
     return layers.empty() ? std::nullopt : std::optional(LayerOfMost(layers, placed));

@@ -15,7 +15,7 @@ namespace orvex {
 enum class LidarAccess { ReadOnly, ReadWrite, NotAtAll };
 
 /// What the files of a layer are.
-enum class LayerKind { Las, Raster };
+enum class LayerKind { Las, Raster, Feature, Photo };
 
 /// What is known of a raster of the project.
 struct RasterInfo {
@@ -34,10 +34,21 @@ struct RasterInfo {
     friend bool operator==(const RasterInfo&, const RasterInfo&) = default;
 };
 
+/// What is known of a shapefile of the project.
+struct FeatureInfo {
+    std::int32_t shapeType = 0;  ///< code of the file's header: 1 for points, 3 for lines, 5 for polygons ...
+    std::uint64_t count = 0;     ///< features; photos of a photo layer
+    /// minX, minY, maxX, maxY in units of the layer's CRS; none without a place.
+    std::optional<std::array<double, 4>> extent;
+
+    friend bool operator==(const FeatureInfo&, const FeatureInfo&) = default;
+};
+
 /// One file of a layer: what the footprint view and the tree tell of it without opening it.
 struct LayerFile {
     std::wstring path;
-    RasterInfo raster;  ///< of a raster layer's files; the rest below describes those of a LAS layer
+    RasterInfo raster;      ///< of a raster layer's files
+    FeatureInfo feature{};  ///< of the shapefiles of a feature or photo layer; the rest is of LAS files
     std::uint64_t points = 0;
     std::array<double, 3> min{};  ///< in the units of the layer's CRS
     std::array<double, 3> max{};

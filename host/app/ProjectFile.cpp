@@ -5,8 +5,10 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <string>
 
 #include "host/app/HostText.h"
 #include "support/TemporaryFile.h"
@@ -15,12 +17,18 @@ namespace orvex {
 
 namespace {
 
-constexpr int kFormatVersion = 2;
-/// The least version that holds rasters. A project without any is written as version 1, which older programs
-/// read.
-constexpr int kVersionWithRasters = 2;
-constexpr const char* kLasKind = "las";
-constexpr const char* kRasterKind = "raster";
+constexpr int kFormatVersion = 3;
+/// A kind of layer in the file, and the least version that holds it: a project is written as the least
+/// version that holds all of its layers, which older programs read.
+struct KindInFile {
+    LayerKind kind;
+    const char* name;
+    int version;
+};
+constexpr KindInFile kKinds[] = {{LayerKind::Las, "las", 1},
+                                 {LayerKind::Raster, "raster", 2},
+                                 {LayerKind::Feature, "feature", 3},
+                                 {LayerKind::Photo, "photo", 3}};
 constexpr const char* kAccessNames[] = {"readOnly", "readWrite", "notAtAll"};
 
 QString FilePath(const QString& folder) {
@@ -116,13 +124,61 @@ LayerFile RasterFromJson(const QJsonObject& json) {
     return file;
 }
 
+QJsonObject FeatureToJson(const LayerFile& file) {
+    return {{"path", PathToJson(file.path)},
+            {"shapeType", file.feature.shapeType},
+            {"count", QString::number(file.feature.count)},
+            {"extent", ToJson(file.feature.extent)}};
+}
+
+LayerFile FeatureFromJson(const QJsonObject& json) {
+    LayerFile file;
+    file.path = PathFromJson(json["path"]);
+    file.feature = {json["shapeType"].toInt(), json["count"].toString().toULongLong(),
+                    OptionalFromJson<4>(json["extent"])};
+    return file;
+}
+
+const KindInFile& InFile(LayerKind kind) {
+    return *std::ranges::find(kKinds, kind, &KindInFile::kind);
+}
+
+/// LAS for a name that is none.
+LayerKind KindFromName(const std::string& name) {
+    const auto* const found =
+        std::ranges::find_if(kKinds, [&name](const KindInFile& kind) { return name == kind.name; });
+    return found == std::end(kKinds) ? LayerKind::Las : found->kind;
+}
+
+QJsonObject FileToJson(LayerKind kind, const LayerFile& file) {
+    switch (kind) {
+        case LayerKind::Las:
+            return LasToJson(file);
+        case LayerKind::Raster:
+            return RasterToJson(file);
+        default:
+            return FeatureToJson(file);
+    }
+}
+
+LayerFile FileFromJson(LayerKind kind, const QJsonObject& json) {
+    switch (kind) {
+        case LayerKind::Las:
+            return LasFromJson(json);
+        case LayerKind::Raster:
+            return RasterFromJson(json);
+        default:
+            return FeatureFromJson(json);
+    }
+}
+
 QJsonObject ToJson(const Layer& layer) {
     QJsonArray files;
     for (const LayerFile& file : layer.files) {
-        files.append(layer.kind == LayerKind::Raster ? RasterToJson(file) : LasToJson(file));
+        files.append(FileToJson(layer.kind, file));
     }
     return {{"name", ToQString(layer.name)},
-            {"kind", layer.kind == LayerKind::Raster ? kRasterKind : kLasKind},
+            {"kind", InFile(layer.kind).name},
             {"wkt", QString::fromStdString(layer.wkt)},
             {"files", files}};
 }
@@ -130,12 +186,11 @@ QJsonObject ToJson(const Layer& layer) {
 Layer LayerFromJson(const QJsonObject& json) {
     Layer layer;
     layer.name = ToWide(json["name"].toString());
-    layer.kind = json["kind"].toString() == kRasterKind ? LayerKind::Raster : LayerKind::Las;
+    layer.kind = KindFromName(json["kind"].toString().toStdString());
     layer.wkt = json["wkt"].toString().toStdString();
     const QJsonArray files = json["files"].toArray();
     for (const auto& file : files) {
-        layer.files.push_back(layer.kind == LayerKind::Raster ? RasterFromJson(file.toObject())
-                                                              : LasFromJson(file.toObject()));
+        layer.files.push_back(FileFromJson(layer.kind, file.toObject()));
     }
     return layer;
 }
@@ -193,13 +248,13 @@ std::optional<Project> LoadProject(const QString& folder, QString& problem) {
 
 bool SaveProject(const QString& folder, const Project& project, QString& problem) {
     QJsonArray layers;
-    bool hasRasters = false;
+    int version = 1;
     for (const Layer& layer : project.layers) {
         layers.append(ToJson(layer));
-        hasRasters = hasRasters || layer.kind == LayerKind::Raster;
+        version = std::max(version, InFile(layer.kind).version);
     }
     const QJsonObject json{{"format", "orvex-project"},
-                           {"version", hasRasters ? kVersionWithRasters : 1},
+                           {"version", version},
                            {"lidarAccess", kAccessNames[static_cast<int>(project.lidarAccess)]},
                            {"layers", layers}};
     QDir().mkpath(folder);

@@ -45,6 +45,15 @@ LayerFile Raster(const std::wstring& path) {
     return file;
 }
 
+LayerFile Shapefile(const std::wstring& path) {
+    LayerFile file;
+    file.path = path;
+    file.feature.shapeType = 15;
+    file.feature.count = 18446744073709551615U;
+    file.feature.extent = {{-1.5, 0.1, 1e9, 0.30000000000000004}};
+    return file;
+}
+
 TEST(ProjectFile, KeepsEverythingThroughSavingAndLoading) {
     const TemporaryFolder folder;
     Project project;
@@ -52,7 +61,9 @@ TEST(ProjectFile, KeepsEverythingThroughSavingAndLoading) {
     project.layers = {
         {L"Gel\u00E4nde \u00DF", kUtm, {File(L"/data/Gr\u00F6\u00DFe 100%.las"), File(L"/a/\xDCFF.las")}},
         {L"no CRS", "", {File(L"/x.las")}},
-        {L"no CRS", kUtm, {Raster(L"/r/100%.tif"), {L"/r/no place.png", {}}}, LayerKind::Raster}};
+        {L"no CRS", kUtm, {Raster(L"/r/100%.tif"), {L"/r/no place.png", {}}}, LayerKind::Raster},
+        {L"roads", kUtm, {Shapefile(L"/f/100%.shp"), {L"/f/empty.shp", {}}}, LayerKind::Feature},
+        {L"roads", "", {Shapefile(L"/p/photos.shp")}, LayerKind::Photo}};
     const QString where = ToQString(folder.Name(L"neues Projekt \u00FC"));
     QString problem;
     ASSERT_TRUE(SaveProject(where, project, problem)) << problem.toStdString();
@@ -82,8 +93,16 @@ TEST(ProjectFile, ProjectsOfBeforeThereWereRastersStayReadableBothWays) {
     EXPECT_EQ(loaded->layers[0].files[0].max[2], 6);
     // An older program still reads what holds nothing that it does not know.
     ASSERT_TRUE(SaveProject(where, *loaded, problem));
-    EXPECT_NE(testing::ReadFile(folder.Name(L"project.orvex.json")).find("\"version\": 1"),
-              std::string::npos);
+    const auto isVersion = [&](const char* version) {
+        return testing::ReadFile(folder.Name(L"project.orvex.json")).find(version) != std::string::npos;
+    };
+    EXPECT_TRUE(isVersion("\"version\": 1"));
+    // The least version that holds every kind of layer, in whatever order they are.
+    Project project;
+    project.layers = {{L"f", "", {Shapefile(L"/f.shp")}, LayerKind::Feature},
+                      {L"r", "", {Raster(L"/r.tif")}, LayerKind::Raster}};
+    ASSERT_TRUE(SaveProject(where, project, problem));
+    EXPECT_TRUE(isVersion("\"version\": 3"));
 }
 
 TEST(ProjectFile, RefusesWhatIsNoProject) {
