@@ -187,13 +187,16 @@ void FileListPage::KeepUnread(std::size_t asked, const std::vector<std::wstring>
 }
 
 AddingSummary FileListPage::ReadNew(AddingRequest request) {
-    struct Recorder {
-        FileListPage& page;
-        const std::size_t first = page.RowCount();
-        ~Recorder() { page.RecordAdded(first); }
-    };
-    const Recorder recorder{*this};
-    return ReadFiles(std::move(request));
+    const std::size_t first = RowCount();
+    AddingSummary summary;
+    try {
+        summary = ReadFiles(std::move(request));
+    } catch (...) {
+        RecordAdded(first);
+        throw;
+    }
+    RecordAdded(first);
+    return summary;
 }
 
 AddingSummary FileListPage::ReadFiles(AddingRequest request) {
@@ -208,10 +211,10 @@ AddingSummary FileListPage::ReadFiles(AddingRequest request) {
     try {
         summary = AddRows(std::move(request), appended);
     } catch (...) {
+        DoLateWork();
         FilesAdded(wasEmpty);
         throw;
     }
-    DoLateWork();
     FilesAdded(wasEmpty);
     return summary;
 }

@@ -103,13 +103,14 @@ class ListModel : public ListRows {
     /// names of those that show what changed; empty: all.
     void Change(const std::function<void(std::vector<Row>&)>& change,
                 std::span<const std::string_view> columns = {}) {
-        struct Notifier {
-            ListModel& model;
-            std::vector<int> columns;
-            ~Notifier() { model.NotifyChanged(columns); }
-        };
-        const Notifier notifier{*this, ColumnsNamed(columns)};
-        change(rows_);
+        const std::vector<int> changed = ColumnsNamed(columns);
+        try {
+            change(rows_);
+        } catch (...) {
+            NotifyChanged(changed);
+            throw;
+        }
+        NotifyChanged(changed);
     }
 
   protected:

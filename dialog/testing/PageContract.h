@@ -4,6 +4,7 @@
 // description are written out there, not taken from the page.
 #include <gmock/gmock.h>
 
+#include <QAction>
 #include <QClipboard>
 #include <QComboBox>
 #include <QLabel>
@@ -21,6 +22,7 @@
 #include <algorithm>
 #include <fstream>
 #include <map>
+#include <new>
 #include <optional>
 #include <variant>
 
@@ -465,6 +467,17 @@ TEST_P(FilePage, EveryChangeOfTheListIsUndoneAndRedone) {
     page->Release();
     press({}, Qt::Key_Z);
     EXPECT_THAT(Names(), ::testing::IsEmpty());
+}
+
+TEST_P(FilePage, AChangeThatCannotBeRecordedIsTold) {
+    const QList<QAction*> actions = page->actions();
+    const auto undo = std::ranges::find(actions, ToQString(Text(text::kUndo)), &QAction::text);
+    ASSERT_NE(undo, actions.end());
+    const auto failing = QObject::connect(*undo, &QAction::enabledChanged, [] { throw std::bad_alloc(); });
+    Pick({Good(L"a")});
+    QObject::disconnect(failing);
+    EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"a")));
+    EXPECT_THAT(prompts.shown, ::testing::SizeIs(1));
 }
 
 TEST_P(FilePage, ProgressIsShownAndEscapeKeepsWhatWasAdded) {
