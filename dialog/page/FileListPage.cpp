@@ -150,9 +150,10 @@ void FileListPage::AddFiles(std::vector<std::wstring> paths) {
 
 void FileListPage::ContinueReading() {
     if (!Progress().IsRunning()) {
-        AddingRequest request = RequestFor(std::exchange(unread_, {}));
+        AddingRequest request = RequestFor(unread_);
         request.asksAtMany = false;
         const AddingSummary summary = ReadNew(std::move(request));
+        unread_.clear();  // only now: a run that threw can be continued as well
         KeepUnread(0, summary.unread);
         TellOutcome(summary);
     }
