@@ -211,8 +211,8 @@ AddingSummary FileListPage::ReadFiles(AddingRequest request) {
     AddingSummary summary;
     try {
         summary = AddRows(std::move(request), appended);
-    } catch (...) {
         DoLateWork();
+    } catch (...) {
         FilesAdded(wasEmpty);
         throw;
     }

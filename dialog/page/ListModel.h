@@ -10,6 +10,7 @@
 #include "dialog/grid/GridModel.h"
 #include "dialog/page/RowTraits.h"
 #include "support/FileTableCsv.h"
+#include "support/ProgressIf.h"
 
 namespace orvex {
 
@@ -23,9 +24,10 @@ class ListRows : public GridModel {
     virtual RowTraits Traits(std::size_t record) const = 0;
     /// Everything that is odd about a file, worst first.
     virtual std::vector<Finding> Findings(std::size_t record) const = 0;
-    /// Writes records as a table of files, in the order given; `kind`: of their data.
-    virtual void WriteCsv(std::ostream& out, std::span<const std::size_t> records,
-                          const char* kind) const = 0;
+    /// Writes records as a table of files, in the order given, up to the first that `out` refuses; `kind`: of
+    /// their data. False if `progress` was cancelled before the end.
+    virtual bool WriteCsv(std::ostream& out, std::span<const std::size_t> records, const char* kind,
+                          Kst::ProgressIf& progress) const = 0;
     /// Removes records by index, in any order, and frees what they hold.
     virtual void Remove(std::vector<std::size_t> records) = 0;
     virtual void Clear() = 0;
@@ -59,10 +61,13 @@ class ListModel : public ListRows {
         }
     }
 
-    void WriteCsv([[maybe_unused]] std::ostream& out, [[maybe_unused]] std::span<const std::size_t> records,
-                  [[maybe_unused]] const char* kind) const override {
+    bool WriteCsv([[maybe_unused]] std::ostream& out, [[maybe_unused]] std::span<const std::size_t> records,
+                  [[maybe_unused]] const char* kind,
+                  [[maybe_unused]] Kst::ProgressIf& progress) const override {
         if constexpr (FileRow<Row>) {
-            WriteFileTable(out, records, kind);
+            return WriteFileTable(out, records, kind, progress);
+        } else {
+            return true;
         }
     }
 
@@ -149,20 +154,27 @@ class ListModel : public ListRows {
 
     const Column<Row>& At(int column) const { return cells_[static_cast<std::size_t>(column)]; }
 
-    void WriteFileTable(std::ostream& out, std::span<const std::size_t> records, const char* kind) const {
+    bool WriteFileTable(std::ostream& out, std::span<const std::size_t> records, const char* kind,
+                        Kst::ProgressIf& progress) const {
         std::vector<Column<Row>> columns;
         std::ranges::copy_if(cells_, std::back_inserter(columns), IsInFileTable);
         std::vector<std::string_view> names;
         std::ranges::transform(columns, std::back_inserter(names), &Column<Row>::name);
         FileTableCsv table(out, names);
-        for (const std::size_t record : records) {
-            const Row& row = rows_[record];
+        progress.SetRange(records.size());
+        // Handling events would hide why a file was refused.
+        for (std::size_t done = 0; done < records.size() && out; progress.SetPosition(++done)) {
+            if (progress.IsCancelled()) {
+                return false;
+            }
+            const Row& row = rows_[records[done]];
             table.BeginFile({row.path, kind, row.loadable, row.summary, FindingLines(row.findings)});
             for (const Column<Row>& column : columns) {
                 table.Cell(ExactText(column, row));
             }
             table.EndFile();
         }
+        return true;
     }
 
     std::span<const Column<Row>> cells_;

@@ -172,18 +172,26 @@ void RowMenu::ExportList() {
     if (!path) {
         return;
     }
-    if (const SystemError error = WriteList(*path, records); error == 0) {
+    const std::optional<SystemError> error = WriteList(*path, records);
+    if (!error) {
+        progress_.SetOutcome(Text(text::kListExportStopped));
+    } else if (*error == 0) {
         progress_.SetOutcome(FormatText(Text(text::kListExported), {records.size(), *path}));
     } else {
-        Warn(FormatText(Text(text::kListExportFailed), {*path, SystemErrorText(error)}));
+        Warn(FormatText(Text(text::kListExportFailed), {*path, SystemErrorText(*error)}));
     }
 }
 
-SystemError RowMenu::WriteList(const std::wstring& path, const std::vector<std::size_t>& records) const {
+std::optional<SystemError> RowMenu::WriteList(const std::wstring& path,
+                                              const std::vector<std::size_t>& records) {
+    const DialogProgress::Run run(progress_);
+    progress_.SetText(Text(text::kListExportProgress));
     TemporaryFile temporary(path);
     ForgetStreamError();
     std::ofstream out(ToPath(temporary.Path()), std::ios::binary);
-    rows_->WriteCsv(out, records, kind_);
+    if (!rows_->WriteCsv(out, records, kind_, progress_)) {
+        return std::nullopt;
+    }
     out.close();
     return out ? temporary.Commit() : LastStreamError();
 }

@@ -47,8 +47,8 @@ class RowMenu : public QObject {
     void CopyPaths() const;
     void ShowInFolder() const;
     void ExportList();
-    /// 0, or why the file could not be written.
-    SystemError WriteList(const std::wstring& path, const std::vector<std::size_t>& records) const;
+    /// 0, or why the file could not be written; nullopt if the user stopped, which leaves nothing behind.
+    std::optional<SystemError> WriteList(const std::wstring& path, const std::vector<std::size_t>& records);
     void Warn(std::wstring text) const;
     void Invert();
     void SelectLike(Likeness likeness);

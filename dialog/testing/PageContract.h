@@ -786,7 +786,7 @@ TEST_P(FilePage, TheRowsShownAreExportedAsATable) {
     save->trigger();
     EXPECT_THAT(pickers.saveAsked, ::testing::SizeIs(1)) << "cancelled";
     const std::wstring target = folder.Name(L"list.csv");
-    pickers.saveFiles = {target, folder.Name(L"nowhere/list.csv")};
+    pickers.saveFiles = {target, folder.Name(L"stopped.csv"), folder.Name(L"nowhere/list.csv")};
     save->trigger();
     std::ifstream file(ToPath(target), std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(file), {}};
@@ -798,6 +798,13 @@ TEST_P(FilePage, TheRowsShownAreExportedAsATable) {
     EXPECT_LT(at(L"\n" + bad + L","), at(L"\n\"" + a + L"\",")) << "in the order of the grid, quoted";
     EXPECT_EQ(at(L"hidden"), std::string::npos);
     EXPECT_THAT(prompts.shown, ::testing::IsEmpty());
+    const std::size_t entries = folder.Entries();
+    const auto stopping = QObject::connect(dialog->findChild<QProgressBar*>(QStringLiteral("progress")),
+                                           &QProgressBar::valueChanged, &Progress(), &DialogProgress::Stop);
+    save->trigger();
+    QObject::disconnect(stopping);
+    EXPECT_EQ(folder.Entries(), entries) << "nothing is left behind";
+    EXPECT_EQ(Outcome(), Text(text::kListExportStopped));
     save->trigger();
     ASSERT_THAT(prompts.shown, ::testing::SizeIs(1));
     EXPECT_THAT(prompts.shown[0].text, ::testing::HasSubstr(folder.Name(L"nowhere/list.csv")));
