@@ -5,6 +5,9 @@ find_package(SQLite3 REQUIRED)
 find_package(GDAL 3.6 CONFIG REQUIRED)
 find_package(PROJ REQUIRED)
 find_package(LASzip REQUIRED)
+# Exiv2's package file names Expat's target without finding it.
+find_package(EXPAT REQUIRED)
+find_package(exiv2 CONFIG REQUIRED)
 
 if(NOT WIN32)
     find_package(fmt REQUIRED)
@@ -31,6 +34,9 @@ add_library(spdlog::spdlog ALIAS orvex_spdlog_headers)
 # File names are UTF-16 here, so that a user's name with an umlaut makes no difference.
 target_compile_definitions(orvex_spdlog_headers INTERFACE SPDLOG_FMT_EXTERNAL SPDLOG_WCHAR_FILENAMES)
 target_link_libraries(orvex_spdlog_headers INTERFACE fmt::fmt)
+
+# Every target has this folder in its include path.
+file(CREATE_LINK "/usr/include/boost" "${headers}/boost" SYMBOLIC)
 
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)

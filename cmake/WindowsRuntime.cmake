@@ -8,7 +8,7 @@ foreach(module Core Gui Widgets)
 endforeach()
 file(GLOB runtime_libraries "${ORVEX_WINDOWS_PREFIX}/geo/bin/*.dll")
 # The prefix also holds what nothing here loads.
-list(FILTER runtime_libraries EXCLUDE REGEX "laszip_api|exiv2")
+list(FILTER runtime_libraries EXCLUDE REGEX "laszip_api")
 list(APPEND runtime_libraries ${qt_libraries})
 foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll zlib1.dll)
     execute_process(COMMAND "${CMAKE_CXX_COMPILER}" "-print-file-name=${name}" OUTPUT_VARIABLE library

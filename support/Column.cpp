@@ -12,6 +12,9 @@ std::wstring FormatCell(const GridCell& cell, const wchar_t* format) {
     if (const auto* text = std::get_if<std::wstring>(&cell)) {
         return *text;
     }
+    if (const auto* time = std::get_if<std::int64_t>(&cell)) {
+        return UtcTimeText(*time);
+    }
     const auto* number = std::get_if<double>(&cell);
     return number == nullptr || std::isnan(*number) ? std::wstring() : FormatText(format, {*number});
 }

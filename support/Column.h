@@ -3,6 +3,7 @@
 // Column<Row> describes a grid completely: each row holds what a column looks like and how its cells are
 // read.
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -65,6 +66,8 @@ struct CellLook {
     int (*icon)(const Row& row) = nullptr;               ///< index in the dialog's image list; null: none
     /// A flag in words, for copying, searching and screen readers; null: "true" or "false".
     std::wstring (*words)(const Row& row) = nullptr;
+    /// Text colour as 0xRRGGBB, meant for a white background; nullopt: the usual one.
+    std::optional<std::uint32_t> (*colour)(const Row& row) = nullptr;
 };
 
 /// One column of a table of rows. The functions are called on the user-interface thread.
@@ -74,7 +77,7 @@ struct Column : GridColumn {
     CellLook<Row> look = {};
 };
 
-/// Text of a text or number cell as the grid shows it; empty for other cells, NaN and hidden flags.
+/// Text of a text or number cell as the grid shows it; a date in UTC; empty for other cells and NaN.
 std::wstring FormatCell(const GridCell& cell, const wchar_t* format);
 
 /// The same, but of a number all its digits; empty for infinities.

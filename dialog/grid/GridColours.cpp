@@ -11,6 +11,12 @@ QColor Mixed(const QColor& from, const QColor& to, double share) {
     return {mix(from.red(), to.red()), mix(from.green(), to.green()), mix(from.blue(), to.blue())};
 }
 
+QColor ReadableOn(const QPalette& palette, const QColor& colour) {
+    const bool isDark =
+        palette.color(QPalette::Base).lightness() < palette.color(QPalette::WindowText).lightness();
+    return isDark ? Mixed(colour, Qt::white, 0.55) : colour;
+}
+
 FooterColours FooterColoursFor(const QPalette& palette) {
     const QColor blue(0, 0, 255);
     if (!IsDark(palette)) {

@@ -10,6 +10,9 @@ bool IsDark(const QPalette& palette);
 /// Linear interpolation between two colours; `share` is 0 for the first, 1 for the second.
 QColor Mixed(const QColor& from, const QColor& to, double share);
 
+/// A text colour chosen for a white background, lightened for a dark palette.
+QColor ReadableOn(const QPalette& palette, const QColor& colour);
+
 struct FooterColours {
     QColor text;
     QColor ground;

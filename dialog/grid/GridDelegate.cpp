@@ -62,6 +62,11 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
 void GridDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
     option->state &= ~QStyle::State_HasFocus;
+    // A cell's own colour is meant for a white background.
+    const QVariant colour = index.data(Qt::ForegroundRole);
+    if (colour.isValid()) {
+        option->palette.setColor(QPalette::Text, ReadableOn(option->palette, colour.value<QColor>()));
+    }
     const QIcon icon = IconAt(index.data(GridModel::kIconRole).toInt());
     if (icon.isNull()) {
         return;

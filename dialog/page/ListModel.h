@@ -141,6 +141,12 @@ class ListModel : public ListRows {
         return tooltip == nullptr ? LooseCellText(At(column), rows_[record]) : tooltip(rows_[record]);
     }
 
+    std::optional<QColor> TextColour(std::size_t record, int column) const override {
+        const auto colour = At(column).look.colour;
+        const auto value = colour == nullptr ? std::nullopt : colour(rows_[record]);
+        return value ? std::optional(QColor::fromRgb(QRgb{*value})) : std::nullopt;
+    }
+
   private:
     std::vector<int> ColumnsNamed(std::span<const std::string_view> names) const {
         std::vector<int> columns;

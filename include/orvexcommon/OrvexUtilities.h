@@ -1,7 +1,9 @@
 #pragma once
-// The host's layer-utilities library: file kinds, LAZ, coordinate reference systems.
+// The host's layer-utilities library: file kinds, LAZ, coordinate reference systems, metadata of photos.
+#include <boost/property_tree/ptree_fwd.hpp>
 #include <functional>
 #include <string>
+#include <vector>
 
 #if defined(_WIN32)
 #if defined(ORVEXUTILITIES_BUILD)
@@ -77,4 +79,27 @@ class ORVEXUTILITIES_API OrvexUtilities {
     /// they contain no CRS; `reason` then says in sentences what is wrong, and is empty if nothing is.
     static std::string CrsWktFromGeoKeys(const std::string& directory, const std::string& doubles,
                                          const std::string& text, std::string& reason);
+
+    // Photos. Only files are read, never the pixels; a path is no URL.
+
+    /// Reads the metadata of images, on all processors when there are many. `tree` becomes a tree whose child
+    /// "Images" has one child "Image" per path, in their order, with "SourceFile" (the path as given) and the
+    /// keys that the image has. Numbers have a decimal point and all their digits, whatever the locale:
+    ///   "ImageUniqueID", "PlatformID", "POSQuality", "ORIQuality": texts;
+    ///   "GPSLongitude", "GPSLatitude" (degrees), "GPSAltitude" (metres);
+    ///   "CameraYaw", "CameraPitch", "CameraRoll": degrees, as the file states them;
+    ///   "CameraGPSXYAccuracy", "CameraGPSZAccuracy" (metres), "CameraRollPitchAccuracy",
+    ///   "CameraYawAccuracy"; "CameraAdjGpsSec": GPS seconds minus 1e9; "CameraCalibrated": "TRUE" or another
+    ///   text; "ImageHeight", "ImageWidth": pixels; "CalibratedFocalLength", "CalibratedCX", "CalibratedCY",
+    ///   "CalibratedK1" to "CalibratedK3", "CalibratedP1", "CalibratedP2", "CalibratedDate": in the units of
+    ///   the camera's calibration; "GeographicWKT": CRS of the position; "CameraModel", "FileType",
+    ///   "Orientation" and, of the image as it is stored, "StoredWidth", "StoredHeight", "Bands",
+    ///   "BitsPerBand", "Photometric" (TIFF's code), "Overviews".
+    /// An image that cannot be read has "SourceFile" and "Error", a sentence. Returns false if none could be
+    /// read; `tree` then has their errors.
+    static bool GetExifTagPTreeForImages(const std::vector<std::wstring>& paths,
+                                         boost::property_tree::wptree& tree);
+    /// Returns the preview that a JPEG or TIFF photo carries, as the bytes of a JPEG file of at most 1 MiB;
+    /// empty if there is none or the file cannot be read. It is not decoded and can be damaged.
+    static std::string GetExifThumbnail(const std::wstring& path);
 };

@@ -1,0 +1,226 @@
+#include "photo/PhotoRow.h"
+
+#include <boost/property_tree/ptree.hpp>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "orvexcommon/Geocoding.h"
+#include "orvexcommon/OrvexUtilities.h"
+#include "photo/PhotoFindings.h"
+#include "support/DataKinds.h"
+#include "support/Files.h"
+#include "support/Format.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+using Tree = boost::property_tree::wptree;
+
+std::int64_t ModifiedMs(const std::wstring& path) {
+    const auto time = LastWriteTime(path);
+    return time ? std::chrono::floor<std::chrono::milliseconds>(*time).time_since_epoch().count() : 0;
+}
+
+void Take(const Tree& node, const wchar_t* key, std::wstring& value) {
+    if (const auto child = node.get_child_optional(key)) {
+        value = child->data();
+    }
+}
+
+/// A number as the tree holds it; the tree's own conversion follows the process's locale.
+template <typename Number>
+void Take(const Tree& node, const wchar_t* key, Number& value) {
+    const auto child = node.get_child_optional(key);
+    const std::string text = child ? ToUtf8(child->data()) : std::string();
+    Number number{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (!text.empty() && error == std::errc() && end == text.data() + text.size()) {
+        value = number;
+    }
+}
+
+PhotoMetadata MetadataOf(const Tree& node) {
+    PhotoMetadata data;
+    data.imageUniqueId = data.cameraCalibrated = data.calibratedDate = Text(text::kPhotoNotAvailable);
+    data.platformId = Text(text::kUnknown);
+    data.posQuality = data.oriQuality = L"NONE";
+    Take(node, L"ImageUniqueID", data.imageUniqueId);
+    Take(node, L"PlatformID", data.platformId);
+    Take(node, L"POSQuality", data.posQuality);
+    Take(node, L"ORIQuality", data.oriQuality);
+    Take(node, L"GPSLongitude", data.gpsLongitude);
+    Take(node, L"GPSLatitude", data.gpsLatitude);
+    Take(node, L"GPSAltitude", data.gpsAltitude);
+    Take(node, L"CameraYaw", data.cameraYaw);
+    Take(node, L"CameraPitch", data.cameraPitch);
+    Take(node, L"CameraRoll", data.cameraRoll);
+    Take(node, L"CameraGPSXYAccuracy", data.cameraGpsXyAccuracy);
+    Take(node, L"CameraGPSZAccuracy", data.cameraGpsZAccuracy);
+    Take(node, L"CameraRollPitchAccuracy", data.cameraRollPitchAccuracy);
+    Take(node, L"CameraYawAccuracy", data.cameraYawAccuracy);
+    Take(node, L"CameraAdjGpsSec", data.cameraAdjGpsSec);
+    Take(node, L"CameraCalibrated", data.cameraCalibrated);
+    Take(node, L"ImageHeight", data.imageHeight);
+    Take(node, L"ImageWidth", data.imageWidth);
+    Take(node, L"CalibratedFocalLength", data.calibratedFocalLength);
+    Take(node, L"CalibratedCX", data.calibratedCx);
+    Take(node, L"CalibratedCY", data.calibratedCy);
+    Take(node, L"CalibratedK1", data.calibratedK1);
+    Take(node, L"CalibratedK2", data.calibratedK2);
+    Take(node, L"CalibratedK3", data.calibratedK3);
+    Take(node, L"CalibratedP1", data.calibratedP1);
+    Take(node, L"CalibratedP2", data.calibratedP2);
+    Take(node, L"CalibratedDate", data.calibratedDate);
+    Take(node, L"GeographicWKT", data.geographicWkt);
+    return data;
+}
+
+std::wstring ColorModelText(std::uint32_t bands, std::uint32_t bits) {
+    if (bands == 0) {
+        return {};
+    }
+    return Text(bands >= 3 ? text::kColorRgb : bits == 1 ? text::kColorBlackAndWhite : text::kColorGrayscale);
+}
+
+/// TIFF's codes of PhotometricInterpretation.
+std::wstring PhotometricText(std::int32_t code) {
+    switch (code) {
+        case -1:
+            return {};
+        case 0:
+            return Text(text::kPhotometricWhiteIsZero);
+        case 1:
+            return Text(text::kPhotometricBlackIsZero);
+        case 2:
+            return Text(text::kColorRgb);
+        case 3:
+            return Text(text::kPhotometricPalette);
+        case 4:
+            return Text(text::kPhotometricTransparencyMask);
+        case 5:
+            return L"CMYK";
+        case 6:
+            return L"YCbCr";
+        case 8:
+            return L"CIE L*a*b*";
+        default:
+            return Text(text::kUnknown);
+    }
+}
+
+PhotoImage ImageOf(const Tree& node) {
+    PhotoImage image;
+    std::int32_t photometric = -1;
+    Take(node, L"CameraModel", image.cameraModel);
+    Take(node, L"FileType", image.fileType);
+    Take(node, L"StoredWidth", image.width);
+    Take(node, L"StoredHeight", image.height);
+    Take(node, L"Bands", image.bands);
+    Take(node, L"BitsPerBand", image.bitsPerBand);
+    Take(node, L"Overviews", image.overviews);
+    Take(node, L"Photometric", photometric);
+    image.colorModel = ColorModelText(image.bands, image.bitsPerBand);
+    image.photometric = PhotometricText(photometric);
+    return image;
+}
+
+std::wstring UtcOf(const PhotoMetadata& metadata) {
+    if (!(metadata.cameraAdjGpsSec > 0)) {
+        return {};
+    }
+    TimeConverter::Init();
+    return FromUtf8(TimeConverter::AdjGPSSecsToUTC(metadata.cameraAdjGpsSec, false));
+}
+
+void Read(PhotoRow& row) {
+    Tree tree;
+    OrvexUtilities::GetExifTagPTreeForImages({row.path}, tree);
+    const Tree& image = tree.get_child(L"Images").front().second;
+    if (const auto error = image.get_child_optional(L"Error")) {
+        throw LDataError(error->data());
+    }
+    row.metadata = MetadataOf(image);
+    row.statesPosition = image.count(L"GPSLongitude") != 0 && image.count(L"GPSLatitude") != 0;
+    row.image = ImageOf(image);
+    row.timeUtc = UtcOf(row.metadata);
+    row.crs = DescribeCrs(ToUtf8(row.metadata.geographicWkt));
+    row.loadable = true;
+    row.findings = ValidatePhoto(row);
+    const bool isTruePose = IsTruePose(row);
+    row.state = isTruePose ? PhotoState::TruePose : PhotoState::Read;
+    row.summary = isTruePose ? Text(text::kTruePosePhoto) : SummaryOf(row.findings);
+}
+
+/// The row of a photo that cannot be read: what is wrong with it, and nothing else.
+void Refuse(PhotoRow& row, const std::wstring& reason) {
+    row.loadable = false;
+    row.state = PhotoState::Failed;
+    row.metadata = {};
+    row.image = {};
+    row.timeUtc.clear();
+    row.crs = DescribeCrs({});
+    constexpr std::size_t kBuffer = 260;
+    row.summary = FormatText(Text(text::kPhotoMetadataItemFailed), {FileNameOf(row.path)}, kBuffer) + L"\n";
+    row.findings = {{FindingSeverity::Error, reason, "unreadable"}};
+}
+
+}  // namespace
+
+PhotoRow InspectPhoto(const std::wstring& path) {
+    PhotoRow row;
+    row.path = path;
+    row.crs = DescribeCrs({});
+    row.modifiedMs = ModifiedMs(path);
+    row.fileSize = FileSizeOf(path).value_or(0);
+    try {
+        Read(row);
+    } catch (const LDataError& error) {
+        Refuse(row, error.Text());
+    } catch (...) {
+        row.threw = true;
+        Refuse(row, CurrentExceptionText());
+    }
+    return row;
+}
+
+PhotoRow UnreadPhoto(const std::wstring& path, const std::wstring& message) {
+    PhotoRow row;
+    row.path = path;
+    row.threw = true;
+    Refuse(row, message);
+    return row;
+}
+
+LoadFlag LoadFlagOf(const PhotoRow& row) {
+    return LoadFlagFor(row.loadable, row.findings, row.place.inProject);
+}
+
+bool HasPosition(const PhotoRow& row) {
+    const double longitude = row.metadata.gpsLongitude;
+    const double latitude = row.metadata.gpsLatitude;
+    return (longitude != 0 || latitude != 0) && std::abs(longitude) <= 180 && std::abs(latitude) <= 90;
+}
+
+bool IsTruePose(const PhotoRow& row) {
+    return row.loadable && WhyNotTruePose(row).empty();
+}
+
+std::wstring FindingsText(const PhotoRow& row) {
+    return StateLines(row);
+}
+
+std::wstring PhotoStateDigit(PhotoState state) {
+    return std::to_wstring(static_cast<int>(state));
+}
+
+int PhotoStateImage(PhotoState state) {
+    constexpr ImageIndex kImages[] = {kImageLoadable, kImageWarning, kImageNotLoadable};
+    return kImages[static_cast<int>(state)];
+}
+
+}  // namespace orvex
