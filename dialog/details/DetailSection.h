@@ -19,6 +19,12 @@ struct DetailSection {
     bool isBelow = false;             ///< stands under the one before it, not beside it
 };
 
+/// A caption per column, and as many cells in each row.
+struct DetailTable {
+    std::vector<StringId> captions;
+    std::vector<std::vector<std::wstring>> rows;
+};
+
 /// Adds a field unless the file says nothing of it.
 inline void AddField(std::vector<DetailField>& fields, StringId caption, std::wstring value) {
     if (!value.empty()) {

@@ -1,5 +1,6 @@
 #include "dialog/details/DetailsHtml.h"
 
+#include "support/Format.h"
 #include "support/ImageIndex.h"
 #include "support/QtText.h"
 #include "support/Text.h"
@@ -32,7 +33,46 @@ int ImageOf(FindingSeverity severity) {
     return kImageInformation;
 }
 
+QString CellHtml(const std::wstring& text, const QString& style) {
+    return QStringLiteral("<td style=\"padding-right:16px;white-space:pre%1\">%2</td>")
+        .arg(style, Escaped(text));
+}
+
+std::vector<DetailField> CrsFields(const CrsDescription& crs) {
+    std::vector<DetailField> fields;
+    AddField(fields, text::kDetailsCrsName, crs.name);
+    const long epsg = crs.Epsg();
+    AddField(fields, text::kProjectionCode, epsg == 0 ? std::wstring() : std::to_wstring(epsg));
+    AddField(fields, text::kDetailsCrsKind,
+             Text(crs.isGeographic ? text::kCrsGeographic : text::kCrsProjectedOrLocal));
+    AddField(fields, text::kDetailsLinearUnit, crs.linearUnits);
+    AddField(fields, text::kDetailsAngularUnit, crs.angularUnits);
+    AddField(fields, text::kVerticalCrs, crs.verticalName);
+    return fields;
+}
+
 }  // namespace
+
+QString TableHtml(const DetailTable& table, std::size_t unlisted, const QString& captionColour) {
+    QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"1\"><tr>");
+    for (const StringId caption : table.captions) {
+        html += CellHtml(Text(caption), QStringLiteral(";color:") + captionColour);
+    }
+    for (const std::vector<std::wstring>& cells : table.rows) {
+        html += QStringLiteral("</tr><tr>");
+        for (const std::wstring& cell : cells) {
+            html += CellHtml(cell, {});
+        }
+    }
+    html += QStringLiteral("</tr></table>");
+    return unlisted == 0 ? html : html + TextHtml(FormatText(Text(text::kMoreItems), {unlisted}));
+}
+
+QString CrsHtml(const CrsDescription& crs, const QString& captionColour) {
+    return crs.sourceWkt.empty()
+               ? TextHtml(Text(text::kDetailsNoCrs))
+               : FieldsHtml(CrsFields(crs), captionColour) + PreformattedHtml(crs.prettyWkt);
+}
 
 QString FieldsHtml(std::span<const DetailField> fields, const QString& captionColour) {
     QString html = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"1\">");

@@ -3,6 +3,7 @@
 #include <span>
 #include <string>
 
+#include "crs/CrsDescription.h"
 #include "dialog/details/DetailSection.h"
 #include "support/Finding.h"
 
@@ -14,6 +15,12 @@ QString SectionsHtml(std::span<const DetailSection> sections, const QString& cap
 
 /// A two-column table of fields.
 QString FieldsHtml(std::span<const DetailField> fields, const QString& captionColour);
+
+/// A table with a heading. `unlisted`: how many rows there are beyond these.
+QString TableHtml(const DetailTable& table, std::size_t unlisted, const QString& captionColour);
+
+/// A coordinate reference system in full, or that there is none.
+QString CrsHtml(const CrsDescription& crs, const QString& captionColour);
 
 /// What is odd about a file, a line each, with the picture of its severity ("image:" and its index).
 /// `failure`: why the file cannot be loaded, which comes first; empty when it can. `allWell`: what is said

@@ -95,7 +95,7 @@ struct OptionRow {
 /// A box around options. `within`: id of the group that it stands in, at `line`.
 struct OptionGroup {
     int id;
-    StringId caption;
+    FixedText caption;
     int within = 0;
     int line = 0;
     bool isBelow = false;         ///< stands under the group before it, not beside it

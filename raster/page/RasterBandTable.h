@@ -3,16 +3,10 @@
 #include <string>
 #include <vector>
 
+#include "dialog/details/DetailSection.h"
 #include "orvexcommon/RasterProperties.h"
-#include "support/Text.h"
 
 namespace orvex {
-
-/// A caption per column, and as many cells in each row.
-struct DetailTable {
-    std::vector<StringId> captions;
-    std::vector<std::vector<std::wstring>> rows;
-};
 
 /// The bands that are described, one a row; columns in which every band is empty are left out.
 DetailTable BandTable(const RasterProperties& properties);

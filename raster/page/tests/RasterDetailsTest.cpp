@@ -150,7 +150,7 @@ TEST(RasterDetails, TotalsUniteExtentsOfOneCrsOnly) {
                 ElementsAre(Text(text::kTotalsSelection), Text(text::kTotalsFiles), L"4",
                             Text(text::kSizeMegabytes), L"7.02", Text(text::kRasterTotalSizeMegabytes),
                             L"9,000.00", Text(text::kRasterMegapixels), L"0.720", Text(text::kTotalsLayers),
-                            L"2", Text(text::kTotalsUnreadableFiles), L"1", Text(text::kTotalsCrs), projected,
+                            L"2", Text(text::kTotalsUnloadableFiles), L"1", Text(text::kTotalsCrs), projected,
                             Text(text::kMinX), L"500000.000", Text(text::kMinY), L"5699000.000",
                             Text(text::kMaxX), L"500900.000", Text(text::kMaxY), L"5700100.000"));
     EXPECT_THAT(Lines(rows, {0, 4, 5}),
