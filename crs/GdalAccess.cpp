@@ -12,6 +12,7 @@
 #include <new>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "crs/FolderListing.h"
@@ -24,6 +25,7 @@ struct GdalAccess::State {
     std::wstring path;
     InspectionLimits limits;
     std::uint64_t left;
+    ReadWatch watch;
     std::wstring refusal{};
 };
 
@@ -117,8 +119,13 @@ std::size_t CountWord(Bytes bytes, std::string_view word) {
 class OpenFile {
   public:
     /// `isHeader`: of an ENVI or EHdr raster.
-    OpenFile(VSILFILE* file, std::uint64_t size, State& state, std::uint64_t most, bool isHeader)
-        : file_(file), size_(size), state_(state), left_(most), isHeader_(isHeader) {}
+    OpenFile(VSILFILE* file, std::uint64_t size, State& state, bool isMain, bool isHeader)
+        : file_(file),
+          size_(size),
+          state_(state),
+          left_(isMain ? state.limits.read : state.limits.sidecar),
+          isWatched_(isMain && state.watch),
+          isHeader_(isHeader) {}
     ~OpenFile() { VSIFCloseL(file_); }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
@@ -130,21 +137,28 @@ class OpenFile {
         const vsi_l_offset at = VSIFTellL(file_);
         const std::uint64_t bytes = std::min<std::uint64_t>(size * count, size_ > at ? size_ - at : 0);
         if (bytes > std::min(left_, state_.left)) {
-            return Refuse(text::kRasterTooMuchToRead);
+            return Refuse(Text(text::kRasterTooMuchToRead));
         }
         left_ -= bytes;
         state_.left -= bytes;
         const std::size_t read = VSIFReadL(buffer, size, count, file_);
         const Bytes got(static_cast<const unsigned char*>(buffer), read * size);
-        if (!CanBeDecoded(got, at)) {
-            return Refuse(text::kRasterTooManyBlocks);
-        }
-        return CanBeUnpacked(got, at) && CanBeNamed(got) ? read : Refuse(text::kRasterTooMuchToRead);
+        const std::wstring reason =
+            isWatched_ ? state_.watch(at, std::as_bytes(got)) : RasterRefusal(got, at);
+        return reason.empty() ? read : Refuse(reason);
     }
 
   private:
-    std::size_t Refuse(StringId reason) {
-        state_.refusal = Text(reason);
+    /// Why a raster must not be read on from what was read of it; empty if it may.
+    std::wstring RasterRefusal(Bytes got, vsi_l_offset at) {
+        if (!CanBeDecoded(got, at)) {
+            return Text(text::kRasterTooManyBlocks);
+        }
+        return CanBeUnpacked(got, at) && CanBeNamed(got) ? L"" : Text(text::kRasterTooMuchToRead);
+    }
+
+    std::size_t Refuse(const std::wstring& reason) {
+        state_.refusal = reason;
         left_ = 0;
         return 0;
     }
@@ -218,6 +232,7 @@ class OpenFile {
     const std::uint64_t size_;
     State& state_;
     std::uint64_t left_;
+    const bool isWatched_;
     const bool isHeader_;
     double unpacked_ = 0;          ///< bytes
     vsi_l_offset unpackedTo_ = 0;  ///< what begins before has been counted
@@ -290,9 +305,8 @@ void* Open(void*, const char* name, const char* access) {
                 }
                 return nullptr;
             }
-            const InspectionLimits& limits = current->limits;
-            return new OpenFile(file, FileSizeOf(path).value_or(0), *current,
-                                isMain ? limits.read : limits.sidecar, UpperExtensionOf(path) == L".HDR");
+            return new OpenFile(file, FileSizeOf(path).value_or(0), *current, isMain,
+                                UpperExtensionOf(path) == L".HDR");
         },
         nullptr);
 }
@@ -354,8 +368,8 @@ void GdalAccess::Install() {
     Prefix();
 }
 
-GdalAccess::GdalAccess(const std::wstring& path, const InspectionLimits& limits)
-    : state_(new State{NativePath(path), limits, limits.read}),
+GdalAccess::GdalAccess(const std::wstring& path, const InspectionLimits& limits, ReadWatch watch)
+    : state_(new State{NativePath(path), limits, limits.read, std::move(watch)}),
       name_(Prefix() + ToUtf8(path)),
       outer_(current) {
     current = state_.get();

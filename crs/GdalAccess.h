@@ -1,6 +1,8 @@
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <span>
 #include <string>
 
 namespace orvex {
@@ -11,6 +13,10 @@ struct InspectionLimits {
     std::uint64_t sidecar = std::uint64_t{8} << 20U;   ///< bytes read of one sidecar
     std::uint64_t decoder = std::uint64_t{64} << 20U;  ///< bytes that a decoder takes before the first pixel
 };
+
+/// Is shown what GDAL has read of the file itself, before GDAL sees it; the same bytes come again when they
+/// are read again. Returns why reading has to end there, as a sentence; empty to go on.
+using ReadWatch = std::function<std::wstring(std::uint64_t offset, std::span<const std::byte> bytes)>;
 
 /// GDAL's view of the files while one of them is inspected: a virtual file system that shows the file and
 /// those beside it, and nothing but regular files. Servers, databases and pipes have no name in it, nothing
@@ -23,8 +29,8 @@ class GdalAccess {
     /// Adds the view to GDAL's file systems. GDAL takes no lock then: call it before other threads use GDAL.
     static void Install();
 
-    /// `path`: absolute.
-    explicit GdalAccess(const std::wstring& path, const InspectionLimits& limits = {});
+    /// `path`: absolute. A watch stands in for the checks of what rasters contain.
+    explicit GdalAccess(const std::wstring& path, const InspectionLimits& limits = {}, ReadWatch watch = {});
     ~GdalAccess();
     GdalAccess(const GdalAccess&) = delete;
     GdalAccess& operator=(const GdalAccess&) = delete;

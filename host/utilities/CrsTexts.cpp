@@ -2,6 +2,7 @@
 #include <cpl_conv.h>
 #include <gdal.h>
 
+#include "host/utilities/CadReader.h"
 #include "host/utilities/CrsReading.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/GdalErrorScope.h"
@@ -86,6 +87,7 @@ bool OrvexUtilities::SetGDALRasterCacheSize(double fraction) {
     if (memory <= 0) {
         return false;
     }
+    PrepareCadDrivers();
     GDALSetCacheMax64(static_cast<GIntBig>(static_cast<double>(memory) * fraction));
     return true;
 }

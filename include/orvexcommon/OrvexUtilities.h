@@ -1,7 +1,10 @@
 #pragma once
-// The host's layer-utilities library: file kinds, LAZ, coordinate reference systems, metadata of photos.
+// The host's layer-utilities library: file kinds, LAZ, CAD and KML files, coordinate reference systems, metadata
+// of photos.
 #include <boost/property_tree/ptree_fwd.hpp>
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -18,6 +21,17 @@
 namespace Kst {
 class ProgressIf;
 }
+
+/// Horizontal extent in the units of the data; minX > maxX if there is none.
+struct tagOrvexExtent {
+    double minX = 1;
+    double minY = 1;
+    double maxX = 0;
+    double maxY = 0;
+};
+
+/// Layer name to number of features.
+using OrvexLayerMap = std::map<std::wstring, std::uint32_t>;
 
 /// Static functions; safe to call from any thread unless a function says otherwise. WKT texts are UTF-8.
 class ORVEXUTILITIES_API OrvexUtilities {
@@ -57,6 +71,28 @@ class ORVEXUTILITIES_API OrvexUtilities {
     /// The same; `code` is the EPSG code of the horizontal CRS, stated or found, 0 for none.
     static std::string GetCompatibilityGroup(const std::string& wkt, long& code);
 
+    // CAD and KML files: number of features, extent and layers. On failure they return false, with no
+    // features, and `message` is the cause in a sentence; on success it says, one sentence a line, what was
+    // left out, and is empty if nothing was. Memory does not grow with the number of features. Nothing else
+    // is read than the file: no server is asked, no link followed, no archive unpacked to disk.
+
+    /// DWG 2000; other versions fail by name. Layers are those of the drawing.
+    static bool GetDWGInfo(const std::wstring& path, std::uint64_t& featureCount, tagOrvexExtent& extent,
+                           OrvexLayerMap& layers, std::wstring& message);
+    /// Text DXF of any version. Layers are those of the drawing; inserted blocks count with what they consist
+    /// of, as GDAL delivers it.
+    static bool GetDXFInfo(const std::wstring& path, std::uint64_t& featureCount, tagOrvexExtent& extent,
+                           OrvexLayerMap& layers, std::wstring& message);
+    /// DGN of version 7; version 8 fails by name. Layers are the levels ("Level 10").
+    static bool GetDGNInfo(const std::wstring& path, std::uint64_t& featureCount, tagOrvexExtent& extent,
+                           OrvexLayerMap& layers, std::wstring& message);
+    /// KML and KMZ. Layers are the documents and folders that hold features; the extent is in degrees.
+    static bool GetKMLInfo(const std::wstring& path, std::uint64_t& featureCount, tagOrvexExtent& extent,
+                           OrvexLayerMap& layers, std::wstring& message);
+    /// Name of a shape type as in a shapefile's header: 1 "Point", 3 "Polyline", 13 "PolylineZ", 0 "Null";
+    /// "Unknown" for other numbers.
+    static std::wstring OrvexGeometryToString(std::int32_t shapeType);
+
     // Coordinate reference systems.
 
     /// Display name of the CRS: its own name; empty if the WKT is unreadable.
@@ -72,7 +108,7 @@ class ORVEXUTILITIES_API OrvexUtilities {
     static bool CrsGetEPSGFromWKT(const std::string& wkt, long& code, long& horizontal, long& vertical,
                                   long& geographic, long& linearUnit, long& angularUnit);
     /// Sets GDAL's raster block cache to a fraction (above 0, at most 1) of physical memory. False if out of
-    /// range.
+    /// range. Also prepares what this library needs of GDAL: call it before other threads use GDAL.
     static bool SetGDALRasterCacheSize(double fraction);
     /// WKT (WKT1, else WKT2) from the GeoTIFF keys of a LAS file: the payloads of the records 34735
     /// (directory), 34736 (doubles, may be empty) and 34737 (text, may be empty), little-endian. Empty if
