@@ -1,5 +1,5 @@
 #pragma once
-// Bounded little-endian reads.
+// Bounded reads of little-endian and big-endian numbers.
 #include <bit>
 #include <concepts>
 #include <cstddef>
@@ -41,6 +41,18 @@ class ByteReader {
     template <typename T>
     T Read(std::uint64_t offset) const {
         return TryRead<T>(offset).value_or(T{});
+    }
+
+    /// The same of a big-endian number.
+    template <std::unsigned_integral T>
+    T ReadBig(std::uint64_t offset) const {
+        T value = 0;
+        if (Contains(offset, sizeof(T))) {
+            for (const std::byte byte : bytes_.subspan(offset, sizeof(T))) {
+                value = static_cast<T>((value << 8U) | std::to_integer<T>(byte));
+            }
+        }
+        return value;
     }
 
     /// Bytes from an offset, clipped to the view.

@@ -11,6 +11,9 @@ namespace orvex {
 /// what it needs, so a worker thread may use it after the dialog is closed.
 using RasterInformationMaker = std::function<std::unique_ptr<OrvexRasterInformation>(std::int32_t& result)>;
 
+/// The same for shapefile objects.
+using ShapefileMaker = std::function<std::unique_ptr<OrvexShapefile>(std::int32_t& result)>;
+
 /// Creates the host's objects. Null and a failure code if an object cannot be created.
 class HostObjects {
   public:
@@ -18,6 +21,7 @@ class HostObjects {
     virtual std::unique_ptr<OrvexSystemSettings> CreateSystemSettings(std::int32_t& result) = 0;
     virtual std::unique_ptr<OrvexApplication> CreateApplication(std::int32_t& result) = 0;
     virtual RasterInformationMaker RasterInformation() = 0;
+    virtual ShapefileMaker Shapefiles() = 0;
 };
 
 /// The host's objects by class id: in-process factories on Linux, COM on Windows.

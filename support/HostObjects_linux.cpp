@@ -28,6 +28,9 @@ class RegisteredHostObjects final : public HostObjects {
             return Create<OrvexRasterInformation>(kRasterInformationClass, result);
         };
     }
+    ShapefileMaker Shapefiles() override {
+        return [](std::int32_t& result) { return Create<OrvexShapefile>(kShapefileClass, result); };
+    }
 };
 
 }  // namespace

@@ -11,6 +11,8 @@
 #include "support/com/ComApartment_win.h"
 #include "support/com/ComGuard_win.h"
 #include "support/com/ComProject_win.h"
+#include "support/com/ComShapefile_win.h"
+#include "support/com/ErrorReason_win.h"
 #include "support/com/RasterDetailItems.h"
 #include "support/com/Variant_win.h"
 
@@ -165,20 +167,6 @@ void ReadOptionalDetails(Source& source, RasterProperties& properties) {
         properties);
 }
 
-// Description of a failure from the thread's error info; empty if there is none. Only objects that declare
-// error info for this interface are asked, since the thread may still hold that of another object.
-std::wstring ReasonOf(Source& source) {
-    ComPtr<ISupportErrorInfo> support;
-    ComPtr<IErrorInfo> error;
-    BString text;
-    if (FAILED(source.QueryInterface(__uuidof(ISupportErrorInfo), support.ReceiveAny())) ||
-        support->InterfaceSupportsErrorInfo(__uuidof(Source)) != S_OK ||
-        GetErrorInfo(0, error.Receive()) != S_OK || FAILED(error->GetDescription(text.Receive()))) {
-        return {};
-    }
-    return TextOf(text.Get());
-}
-
 class ComRasterObject final : public OrvexRasterInformation {
   public:
     explicit ComRasterObject(std::shared_ptr<const MtaUsage> usage)
@@ -240,6 +228,11 @@ class ComHostObjects final : public HostObjects {
         return orvex::Create<ComApplication>(result);
     }
     RasterInformationMaker RasterInformation() override { return ComRasterInformation(); }
+    ShapefileMaker Shapefiles() override {
+        return [usage = std::make_shared<const MtaUsage>()](std::int32_t& result) {
+            return MakeComShapefile(usage, result);
+        };
+    }
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "host/objects/DualObject_win.h"
 #include "host/objects/ProjectServer_win.h"
 #include "host/objects/RasterInformationServer_win.h"
+#include "host/objects/ShapefileServer_win.h"
 #include "support/com/ComGuard_win.h"
 #include "support/com/ModuleFile_win.h"
 #include "support/com/Variant_win.h"
@@ -132,6 +133,9 @@ ServerKind ServerKindOf(const ClassId& classId) {
     }
     if (classId == kRasterInformationClass) {
         return {.maker = &MakeServer<OrvexRasterInformation, RasterInformationServer>, .anyThread = true};
+    }
+    if (classId == kShapefileClass) {
+        return {.maker = &MakeServer<OrvexShapefile, ShapefileServer>, .anyThread = true};
     }
     return {};
 }

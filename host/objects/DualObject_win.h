@@ -105,4 +105,14 @@ class PartOf : public Base {
     IUnknown& whole_;
 };
 
+/// States that failures of an object's main interface leave their reasons in the thread's error info.
+template <typename Interface>
+class ErrorSupport final : public PartOf<ISupportErrorInfo> {
+  public:
+    using PartOf::PartOf;
+    HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID interfaceId) override {
+        return IsEqualIID(interfaceId, __uuidof(Interface)) ? S_OK : S_FALSE;
+    }
+};
+
 }  // namespace orvex::host

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "crs/GdalSetup.h"
+#include "feature/ShapefileReader.h"
 #include "raster/RasterReader.h"
 #include "settings/OptionStore.h"
 #include "settings/ValueFile.h"
@@ -172,6 +173,54 @@ class HostRasterInformation final : public OrvexRasterInformation {
     }
 };
 
+/// Reads headers only, when a file is opened. Safe on any thread.
+class HostShapefile final : public OrvexShapefile {
+  public:
+    std::int32_t Open(const std::wstring& path, std::wstring& reason) override {
+        content_.reset();
+        try {
+            content_ = ReadShapefile(path);
+            return kHostOk;
+        } catch (...) {
+            reason = CurrentExceptionText();
+            return kHostFail;
+        }
+    }
+    std::int32_t GetShapeCount(std::int32_t& count) override {
+        return Get(count, [&] { return static_cast<std::int32_t>(content_->shapeCount); });
+    }
+    std::int32_t GetShapeType(std::int32_t& type) override {
+        return Get(type, [&] { return content_->shapeType; });
+    }
+    std::int32_t GetExtent(std::array<double, 4>& extent) override {
+        return Get(extent, [&] { return content_->extent; });
+    }
+    std::int32_t GetFieldCount(std::int32_t& count) override {
+        return Get(count, [&] { return static_cast<std::int32_t>(content_->fields.size()); });
+    }
+    std::int32_t GetFieldInfo(std::int32_t index, std::wstring& name, std::int32_t& type) override {
+        if (!content_ || index < 0 || static_cast<std::size_t>(index) >= content_->fields.size()) {
+            return kHostFail;
+        }
+        const AttributeField& field = content_->fields[static_cast<std::size_t>(index)];
+        name = field.name;
+        type = static_cast<std::int32_t>(field.type);
+        return kHostOk;
+    }
+
+  private:
+    template <typename Value, typename Read>
+    std::int32_t Get(Value& value, Read read) const {
+        if (!content_) {
+            return kHostFail;
+        }
+        value = read();
+        return kHostOk;
+    }
+
+    std::optional<ShapefileContent> content_;
+};
+
 HostObjectFactory SettingsIn(const std::filesystem::path& path) {
     // Shared by all objects: the file remembers what it has logged and that waiting for access failed.
     const auto file = std::make_shared<ValueFile>(path, ValueFileOwner::User);
@@ -204,6 +253,7 @@ HostClasses::HostClasses(HostData data)
     : settings_(kSystemSettingsClass, SettingsIn(data.settingsFile)),
       application_(kApplicationClass,
                    [data = std::move(data)] { return std::make_unique<HostApplication>(data); }),
-      rasterInformation_(kRasterInformationClass, [] { return std::make_unique<HostRasterInformation>(); }) {}
+      rasterInformation_(kRasterInformationClass, [] { return std::make_unique<HostRasterInformation>(); }),
+      shapefile_(kShapefileClass, [] { return std::make_unique<HostShapefile>(); }) {}
 
 }  // namespace orvex::host

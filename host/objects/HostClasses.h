@@ -39,8 +39,8 @@ bool IsLidarAnswerRemembered();
 /// Has the LiDAR question asked again.
 void ForgetLidarAnswer();
 
-/// Registers the settings, application and raster-information objects of this host with the object library,
-/// until destroyed. On Windows, destroy it on the thread that made it.
+/// Registers the settings, application, raster-information and shapefile objects of this host with the object
+/// library, until destroyed. On Windows, destroy it on the thread that made it.
 class HostClasses {
   public:
     explicit HostClasses(HostData data);
@@ -65,6 +65,7 @@ class HostClasses {
     Registration settings_;
     Registration application_;
     Registration rasterInformation_;
+    Registration shapefile_;
 };
 
 }  // namespace orvex::host

@@ -2,6 +2,7 @@
 
 #include "support/Text.h"
 #include "support/com/ComGuard_win.h"
+#include "support/com/ErrorReason_win.h"
 #include "support/com/RasterDetailItems.h"
 #include "support/com/Variant_win.h"
 
@@ -17,21 +18,6 @@ HRESULT ReturnText(BSTR* target, bool open, std::wstring_view text) {
         *target = open ? BString(text).Detach() : nullptr;
         return open ? S_OK : E_FAIL;
     });
-}
-
-// Sets the reason as the error info of this thread, as far as possible: the failure is reported in any case.
-void SetReason(const std::wstring& reason) {
-    ComPtr<ICreateErrorInfo> error;
-    if (reason.empty() || FAILED(CreateErrorInfo(error.Receive()))) {
-        return;
-    }
-    std::wstring text = reason;
-    error->SetGUID(__uuidof(IOrvexRasterInformation));
-    error->SetDescription(text.data());
-    ComPtr<IErrorInfo> info;
-    if (SUCCEEDED(error->QueryInterface(__uuidof(IErrorInfo), info.ReceiveAny()))) {
-        SetErrorInfo(0, info.Get());
-    }
 }
 
 }  // namespace
@@ -53,7 +39,7 @@ HRESULT RasterInformationServer::Open(BSTR path) {
         std::wstring reason;
         const HRESULT result = information_->Describe(TextOf(path), properties, reason);
         if (FAILED(result)) {
-            SetReason(reason);
+            SetReason(__uuidof(IOrvexRasterInformation), reason);
             return result;
         }
         properties_ = std::move(properties);
@@ -144,10 +130,6 @@ HRESULT RasterInformationServer::Details::get_Detail(BSTR name, long index, VARI
         Variant(RasterDetail(server_.properties_, TextOf(name), index)).MoveTo(*value);
         return S_OK;
     });
-}
-
-HRESULT RasterInformationServer::ErrorSupport::InterfaceSupportsErrorInfo(REFIID interfaceId) {
-    return IsEqualIID(interfaceId, __uuidof(IOrvexRasterInformation)) ? S_OK : S_FALSE;
 }
 
 }  // namespace orvex::host

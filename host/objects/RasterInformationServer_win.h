@@ -41,11 +41,6 @@ class RasterInformationServer final : public DualObject<IOrvexRasterInformation>
       private:
         RasterInformationServer& server_;
     };
-    class ErrorSupport final : public PartOf<ISupportErrorInfo> {
-      public:
-        using PartOf::PartOf;
-        HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID interfaceId) override;
-    };
 
     HRESULT Number(long* target, std::int32_t RasterProperties::*member) const;
     HRESULT Number(double* target, double RasterProperties::*member) const;
@@ -54,7 +49,7 @@ class RasterInformationServer final : public DualObject<IOrvexRasterInformation>
     RasterProperties properties_;
     bool open_ = false;
     Details details_;
-    ErrorSupport errors_;
+    ErrorSupport<IOrvexRasterInformation> errors_;
 };
 
 }  // namespace orvex::host

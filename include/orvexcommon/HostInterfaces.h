@@ -4,6 +4,7 @@
 // Elsewhere the host registers a factory per class id in its object library (orvexobjects). That library also
 // works on Windows, where it registers the factories with COM; a host with COM classes of its own does not
 // need it.
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -43,6 +44,9 @@ inline constexpr ClassId kApplicationClass{
 /// {41A55615-706A-467A-9682-DCB2F9C98BC5}: the raster-information object.
 inline constexpr ClassId kRasterInformationClass{
     0x41A55615, 0x706A, 0x467A, {0x96, 0x82, 0xDC, 0xB2, 0xF9, 0xC9, 0x8B, 0xC5}};
+/// {FAFBA4E0-3533-449F-8A15-D7B13B1A1591}: the shapefile object.
+inline constexpr ClassId kShapefileClass{
+    0xFAFBA4E0, 0x3533, 0x449F, {0x8A, 0x15, 0xD7, 0xB1, 0x3B, 0x1A, 0x15, 0x91}};
 
 /// Result codes of host objects: 0 is success, negative values are failures (the HRESULT values of the same
 /// names).
@@ -125,19 +129,38 @@ class OrvexRasterInformation : public HostObject {
                                   std::wstring& reason) = 0;
 };
 
+/// Reads shapefiles, on the threads and under the terms of OrvexRasterInformation. Optional too. Everything
+/// but Open is about the file that was opened last and fails before that. Each function returns a result
+/// code; a failure leaves the results unchanged.
+class OrvexShapefile : public HostObject {
+  public:
+    /// Opens a shapefile for reading. On failure `reason` gives the cause in plain words if known.
+    virtual std::int32_t Open(const std::wstring& path, std::wstring& reason) = 0;
+    virtual std::int32_t GetShapeCount(std::int32_t& count) = 0;
+    /// Code of the file format: 0 null, 1 point, 3 polyline, 5 polygon, 8 multipoint, with 10 added for Z and
+    /// 20 for M, 31 multipatch.
+    virtual std::int32_t GetShapeType(std::int32_t& type) = 0;
+    /// Bounds of the shapes in units of the CRS: minimum X, minimum Y, maximum X, maximum Y.
+    virtual std::int32_t GetExtent(std::array<double, 4>& extent) = 0;
+    virtual std::int32_t GetFieldCount(std::int32_t& count) = 0;
+    /// Attribute field by its index from 0. Types: 0 double, 1 integer, 2 string, 3 date, 4 logical,
+    /// 5 invalid.
+    virtual std::int32_t GetFieldInfo(std::int32_t index, std::wstring& name, std::int32_t& type) = 0;
+};
+
 using HostObjectFactory = std::function<std::unique_ptr<HostObject>()>;
 
 }  // namespace orvex
 
 /// Registers the factory of a class; an empty factory removes the class. The latest registration counts. The
-/// factory of the raster-information class is called on any thread, several at a time, and may still be
-/// running when the class is removed.
+/// factories of the raster-information and the shapefile class are called on any thread, several at a time,
+/// and may still be running when the class is removed.
 ///
-/// On Windows the classes become class objects of the calling thread's COM apartment, and the
-/// raster-information class also one of the multithreaded apartment, where the component's threads find it:
-/// register on the thread that calls the component, and remove on the same thread, not from DllMain. While a
-/// class is registered, COM stays initialised on that thread, single-threaded unless the host has chosen
-/// otherwise. Throws std::system_error if COM refuses.
+/// On Windows the classes become class objects of the calling thread's COM apartment, and these two also
+/// class objects of the multithreaded apartment, where the component's threads find them: register on the
+/// thread that calls the component, and remove on the same thread, not from DllMain. While a class is
+/// registered, COM stays initialised on that thread, single-threaded unless the host has chosen otherwise.
+/// Throws std::system_error if COM refuses.
 ORVEXOBJECTS_API void RegisterHostClass(const orvex::ClassId& classId, orvex::HostObjectFactory factory);
 
 /// Creates an object of a class. Null and a failure code (kHostClassNotRegistered, kHostFail) if that fails;

@@ -39,6 +39,7 @@ class FakeHostObjects final : public HostObjects {
     std::map<std::wstring, FakeLayer> layers;  ///< by path as given to OpenLayer, which fails for any other
 
     RasterInformationMaker rasterInformation;  ///< what RasterInformation gives; empty: the host has none
+    ShapefileMaker shapefiles;                 ///< the same for Shapefiles
 
     std::unique_ptr<OrvexSystemSettings> CreateSystemSettings(std::int32_t& result) override {
         result = createSettingsResult;
@@ -49,6 +50,7 @@ class FakeHostObjects final : public HostObjects {
         return result == kHostOk ? std::make_unique<Application>(*this) : nullptr;
     }
     RasterInformationMaker RasterInformation() override { return rasterInformation; }
+    ShapefileMaker Shapefiles() override { return shapefiles; }
 
   private:
     class Settings final : public OrvexSystemSettings {
