@@ -87,12 +87,18 @@ GroundBox Widened(const AreaOfUse& area) {
     return box;
 }
 
+/// True if an extent in degrees lies outside an area, but inside it with latitudes before longitudes.
+bool IsSwappedInside(const AreaOfUse& area, const GroundBox& extent) {
+    return !Overlaps(area.ground, extent) && Holds(area.ground, extent[1], extent[0]) &&
+           Holds(area.ground, extent[3], extent[2]);
+}
+
 Misplacement CauseInDegrees(const AreaOfUse& area, double x, double y) {
-    if (std::abs(x) > kMostLongitude || std::abs(y) > kMostLatitude) {
-        return Misplacement::NotDegrees;
+    if (Holds(area.ground, y, x) || Holds(area.ground, y + kFullCircle, x)) {
+        return Misplacement::AxesSwapped;
     }
-    return Holds(area.ground, y, x) || Holds(area.ground, y + kFullCircle, x) ? Misplacement::AxesSwapped
-                                                                              : Misplacement::Unexplained;
+    return std::abs(x) > kMostLongitude || std::abs(y) > kMostLatitude ? Misplacement::NotDegrees
+                                                                       : Misplacement::Unexplained;
 }
 
 Misplacement CauseOnGround(const AreaOfUse& area, double x, double y) {
@@ -144,6 +150,10 @@ Misplacement FindMisplacement(const AreaOfUse& area, const GroundBox& extent) {
     const double y = (extent[1] + extent[3]) / 2;
     const bool isNear = Overlaps(Widened(area), extent);
     if (area.metresPerUnit == 0) {
+        // The margin of a large area, such as that of a continent, may well hold the swapped extent.
+        if (IsSwappedInside(area, extent)) {
+            return Misplacement::AxesSwapped;
+        }
         return isNear || Overlaps(Widened(area), Turned(extent, kFullCircle)) ||
                        Overlaps(Widened(area), Turned(extent, -kFullCircle))
                    ? Misplacement::None

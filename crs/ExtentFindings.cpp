@@ -50,8 +50,11 @@ bool IsPlace(const GroundBox& extent) {
 Misplacement CauseOf(const CrsDescription& crs, const GroundBox& extent) {
     const Misplacement cause =
         crs.area && IsPlace(extent) ? FindMisplacement(*crs.area, extent) : Misplacement::None;
-    const bool isPartlyBeyond = cause == Misplacement::None && crs.isGeographic && IsBeyondDegrees(extent);
-    return isPartlyBeyond ? Misplacement::NotDegrees : cause;
+    if (cause != Misplacement::None || !crs.isGeographic || !IsBeyondDegrees(extent)) {
+        return cause;
+    }
+    return IsBeyondDegrees({extent[1], extent[0], extent[3], extent[2]}) ? Misplacement::NotDegrees
+                                                                         : Misplacement::AxesSwapped;
 }
 
 }  // namespace
