@@ -42,10 +42,20 @@ void InspectRaster(FileReport& report) {
     }
 }
 
+void InspectPhotoFile(FileReport& report) {
+    PhotoRow inspection = InspectPhoto(report.path);
+    ReportCommon(inspection, report);
+    if (inspection.loadable) {
+        report.crs = inspection.crs;
+        report.photo = std::move(inspection);
+    }
+}
+
 constexpr ReportKind kKinds[] = {
     {"las", DataKind::Las, InspectLas},
     {"raster", DataKind::Raster, InspectRaster<RasterUse::Image>},
     {"dem", DataKind::Dem, InspectRaster<RasterUse::Dem>},
+    {"photo", DataKind::Photo, InspectPhotoFile},
 };
 
 template <typename Test>
@@ -95,6 +105,7 @@ FileReport InspectFile(const std::wstring& path, const ReportKind* kind) {
         report.summary = CurrentExceptionText();
         report.las.reset();
         report.raster.reset();
+        report.photo.reset();
     }
     return report;
 }

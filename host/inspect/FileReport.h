@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "las/LasRow.h"
+#include "photo/PhotoRow.h"
 #include "raster/RasterRow.h"
 #include "support/DataKinds.h"
 
@@ -23,6 +24,7 @@ struct FileReport {
     CrsPtr crs;                        ///< null when the file could not be opened
     std::optional<LasRow> las;         ///< of an opened LAS or LAZ file: its `file` is not null
     std::optional<RasterRow> raster;   ///< of an opened raster
+    std::optional<PhotoRow> photo;     ///< of a photo whose metadata was read
     RasterUse use = RasterUse::Image;  ///< page that a raster is listed for
 };
 

@@ -222,12 +222,49 @@ Json RasterJson(const RasterRow& raster) {
     };
 }
 
+/// The metadata under the library's keys.
+Json PhotoJson(const PhotoRow& photo) {
+    const PhotoMetadata& data = photo.metadata;
+    return {
+        {"ImageUniqueID", JsonText(data.imageUniqueId)},
+        {"PlatformID", JsonText(data.platformId)},
+        {"POSQuality", JsonText(data.posQuality)},
+        {"ORIQuality", JsonText(data.oriQuality)},
+        {"GPSLongitude", data.gpsLongitude},
+        {"GPSLatitude", data.gpsLatitude},
+        {"GPSAltitude", data.gpsAltitude},
+        {"CameraYaw", data.cameraYaw},
+        {"CameraPitch", data.cameraPitch},
+        {"CameraRoll", data.cameraRoll},
+        {"CameraGPSXYAccuracy", data.cameraGpsXyAccuracy},
+        {"CameraGPSZAccuracy", data.cameraGpsZAccuracy},
+        {"CameraRollPitchAccuracy", data.cameraRollPitchAccuracy},
+        {"CameraYawAccuracy", data.cameraYawAccuracy},
+        {"CameraAdjGpsSec", data.cameraAdjGpsSec},
+        {"CameraCalibrated", JsonText(data.cameraCalibrated)},
+        {"ImageHeight", data.imageHeight},
+        {"ImageWidth", data.imageWidth},
+        {"CalibratedFocalLength", data.calibratedFocalLength},
+        {"CalibratedCX", data.calibratedCx},
+        {"CalibratedCY", data.calibratedCy},
+        {"CalibratedK1", data.calibratedK1},
+        {"CalibratedK2", data.calibratedK2},
+        {"CalibratedK3", data.calibratedK3},
+        {"CalibratedP1", data.calibratedP1},
+        {"CalibratedP2", data.calibratedP2},
+        {"CalibratedDate", JsonText(data.calibratedDate)},
+        {"GeographicWKT", JsonText(data.geographicWkt)},
+        {"timeUtc", JsonText(photo.timeUtc)},
+        {"truePose", photo.state == PhotoState::TruePose},
+    };
+}
+
 Json CellJson(const GridCell& cell) {
-    if (const auto* text = std::get_if<std::wstring>(&cell)) {
-        return JsonText(*text);
+    if (const auto* number = std::get_if<double>(&cell)) {
+        return *number;
     }
-    const auto* number = std::get_if<double>(&cell);
-    return number == nullptr ? Json() : Json(*number);
+    const bool isEmpty = std::holds_alternative<std::monostate>(cell);
+    return isEmpty ? Json() : JsonText(FormatCell(cell, L""));
 }
 
 /// The file's cells under the names of their columns; null for a file that could not be opened.
@@ -263,6 +300,7 @@ Json ReportJson(const FileReport& report) {
         {"crs", report.crs ? CrsJson(*report.crs) : Json()},
         {"las", report.las ? LasJson(*report.las->file) : Json()},
         {"raster", report.raster ? RasterJson(*report.raster) : Json()},
+        {"photo", report.photo ? PhotoJson(*report.photo) : Json()},
     };
 }
 

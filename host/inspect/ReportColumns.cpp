@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "las/LasColumns.h"
+#include "photo/PhotoColumns.h"
 #include "raster/RasterColumns.h"
 #include "support/FileTableCsv.h"
 
@@ -28,6 +29,7 @@ std::vector<ReportColumn> AllColumns() {
     AddColumns(LasColumns(), all);
     AddColumns(RasterColumns(RasterUse::Image), all);
     AddColumns(RasterColumns(RasterUse::Dem), all);
+    AddColumns(PhotoColumns(), all);
     return all;
 }
 
@@ -40,6 +42,9 @@ Result WithCell(const FileReport& report, std::string_view name, const Use& use)
     };
     if (report.las) {
         return find(LasColumns(), *report.las);
+    }
+    if (report.photo) {
+        return find(PhotoColumns(), *report.photo);
     }
     return report.raster ? find(RasterColumns(report.use), *report.raster) : Result();
 }

@@ -14,7 +14,8 @@ namespace {
 constexpr std::size_t kWidestCell = 60;  ///< characters; the last column is as wide as it is
 
 // The table is for people: it prints some of the pages' columns, between the file and what is wrong with it.
-constexpr const char* kPageColumns[] = {"fileType",   "imageSize", "bands",      "bitsPerBand", "pixelSizes",
+constexpr const char* kPageColumns[] = {"timeUtc",    "longitude", "latitude",   "altitude",    "yaw",
+                                        "fileType",   "imageSize", "bands",      "bitsPerBand", "pixelSizes",
                                         "linearUnit", "version",   "compressed", "pointFormat", "points",
                                         "minimumX",   "minimumY",  "minimumZ",   "maximumX",    "maximumY",
                                         "maximumZ",   "crsName"};

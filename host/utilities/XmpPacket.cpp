@@ -159,6 +159,10 @@ class PacketReader {
 }  // namespace
 
 XmpProperties ReadXmpPacket(std::string_view packet) {
+    // Some programs put a name of their own before it ("xml:XMP="); a packet in UTF-16 has a byte order mark.
+    if (!packet.starts_with("\xFE\xFF") && !packet.starts_with("\xFF\xFE")) {
+        packet.remove_prefix(std::min(packet.find('<'), packet.size()));
+    }
     // Cameras pad packets with zero bytes.
     while (packet.ends_with('\0')) {
         packet.remove_suffix(1);

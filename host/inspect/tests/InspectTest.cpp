@@ -163,7 +163,7 @@ TEST(InspectCommand, RefusesUnknownArgumentsAndReportsMissingPaths) {
                                {L"--jobs=99999999999", good},
                                {good, L"--jobs"},
                                {good, L"--as"},
-                               {good, L"--as=photo"}};
+                               {good, L"--as=film"}};
     for (const Arguments& arguments : cases) {
         const Outcome outcome = Inspect(arguments);
         EXPECT_EQ(outcome.code, kInspectUsage);
