@@ -11,10 +11,9 @@ namespace orvex {
 
 /// A filter as users type it. Records are kept that meet every part:
 ///   - a word or a "quoted phrase" that stands in any shown column, whatever its case;
-///   - a condition `column = value`, with = != < <= > >=; the column by its name, its caption, what it is
-///   also
-///     known as, or an unambiguous beginning of these. Where both sides are numbers ("1e6", "1,000,000", a
-///     cell "EPSG:25832") they compare as such, otherwise as texts in natural order;
+///   - a condition `column = value`, with = != < <= > >=. The column is named by its name, its caption, its
+///     other name, or an unambiguous beginning of these. Two numbers ("1e6", "1,000,000", a cell
+///     "EPSG:25832") compare as such, anything else as texts in natural order;
 ///   - any of these with "-" before it excludes.
 /// A part that cannot be understood hides nothing and is told as a problem.
 class GridFilter {
