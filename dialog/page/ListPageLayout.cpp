@@ -2,6 +2,7 @@
 #include <QSplitter>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <initializer_list>
 
 #include "dialog/details/DetailsPanel.h"
 #include "dialog/grid/GridView.h"
@@ -21,9 +22,21 @@
 namespace orvex {
 namespace {
 
-// Rows that the grid shows at least where the details pane is unfolded.
+// Rows that the grid shows at least: where the details pane is unfolded, and where there is least room.
 constexpr int kRowsBesidePane = 5;
+constexpr int kLeastRows = 3;
 constexpr int kLineSpacing = 3;  // between the grid and the lines above and below it
+
+/// Height that a layout of lines needs for everything but some widgets of it.
+int HeightWithout(const QLayout& lines, std::initializer_list<const QWidget*> left) {
+    const QMargins margins = lines.contentsMargins();
+    int height = margins.top() + margins.bottom() + (lines.count() - 1) * lines.spacing();
+    for (int i = 0; i < lines.count(); ++i) {
+        const bool counts = std::ranges::find(left, lines.itemAt(i)->widget()) == left.end();
+        height += counts ? lines.itemAt(i)->sizeHint().height() : 0;
+    }
+    return height;
+}
 
 }  // namespace
 
@@ -84,7 +97,9 @@ bool ListPage::eventFilter(QObject* watched, QEvent* event) {
 
 void ListPage::resizeEvent(QResizeEvent* event) {
     AddFilesPage::resizeEvent(event);
-    optionsPanel_->SetMostHeight(height() * 2 / 5);
+    const int list = grid_->HeightOfRows(kLeastRows) + splitter_->handleWidth() + details_->TitleHeight();
+    const int room = height() - HeightWithout(*layout(), {splitter_, optionsPanel_}) - list;
+    optionsPanel_->SetMostHeight(std::clamp(room, 0, height() * 2 / 5));
 }
 
 void ListPage::RestorePane() {

@@ -661,6 +661,8 @@ TEST_P(FilePage, TheLinesAroundTheListYieldToItWhereThereIsNoRoom) {
     dialog->resize(800, 400);
     QCoreApplication::processEvents();
     EXPECT_FALSE(line->isVisible() || status->isVisible());
+    const auto* table = Grid().Table();
+    EXPECT_GE(table->viewport()->height(), 3 * table->rowHeight(0)) << "the options yield too";
     auto* words = Find<QLineEdit>("filterWords");
     words->setText("bad");
     dialog->resize(801, 401);
