@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QStyle>
 #include <QTextCursor>
+#include <QTextOption>
 #include <QVBoxLayout>
 
 #include "support/DesktopQt.h"
@@ -40,7 +41,8 @@ ReportBox::ReportBox(const ReportPrompt& prompt, QWidget* parent)
     text_->setObjectName(QStringLiteral("reportText"));
     text_->setReadOnly(true);
     text_->setTabChangesFocus(true);
-    text_->setLineWrapMode(QPlainTextEdit::NoWrap);
+    text_->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);  // paths have few blanks
+    text_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     // Read-only text takes the keyboard too: lines are scrolled, selected and copied with keys.
     text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     ShowSections(prompt.sections);

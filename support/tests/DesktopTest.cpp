@@ -5,7 +5,9 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTest>
 #include <QTextDocument>
 #include <QTimer>
@@ -96,10 +98,11 @@ TEST(UserPromptsQt, ATaskTellsItsCheckBoxWhateverTheAnswer) {
 }
 
 TEST(UserPromptsQt, AReportIsReadCopiedAndAnswered) {
+    const std::wstring why(300, L'y');
     const ReportPrompt report{
         .caption = L"Before",
         .summary = L"Two of three.",
-        .sections = {{L"Unreadable: 1", {L"/d/<b>.las: empty"}}, {L"No CRS: 1", {L"/d/a.las"}}},
+        .sections = {{L"Unreadable: 1", {L"/d/<b>.las: empty"}}, {L"No CRS" + why + L": 1", {L"/d/a.las"}}},
         .yesText = L"Add 2 Files",
         .noText = L"Go Back"};
     const std::pair<std::function<void(QWidget*)>, PromptAnswer> cases[] = {
@@ -112,12 +115,14 @@ TEST(UserPromptsQt, AReportIsReadCopiedAndAnswered) {
         QGuiApplication::clipboard()->clear();
         WhenShown([&act = act](QWidget* window) {
             EXPECT_EQ(window->findChild<QPushButton*>("yes")->text(), "Add 2 Files");
+            const auto* text = window->findChild<QPlainTextEdit*>("reportText");
+            EXPECT_EQ(text->horizontalScrollBar()->maximum(), 0) << "what is long is wrapped";
             Click(window, "copy");
             act(window);
         });
         EXPECT_EQ(UserPromptsQt().ShowReport(report), answer);
         EXPECT_EQ(QGuiApplication::clipboard()->text(),
-                  "Unreadable: 1\n    /d/<b>.las: empty\n\nNo CRS: 1\n    /d/a.las");
+                  "Unreadable: 1\n    /d/<b>.las: empty\n\nNo CRS" + ToQString(why) + ": 1\n    /d/a.las");
     }
 }
 
