@@ -39,7 +39,7 @@ bool LooksLikeDwg(std::string_view start) {
 }
 
 [[noreturn]] void RefuseKind(const wchar_t* kind) {
-    throw LDataError(FormatText(Text(text::kCadOtherContent), {kind}));
+    throw LDataError(FormatText(Text(text::kFeatureOtherContent), {kind}));
 }
 
 void RequireDwg(std::string_view start) {

@@ -20,16 +20,13 @@
 namespace orvex {
 namespace {
 
-// GDAL's own default; stated so that no setting of the process changes the counts.
-constexpr std::uint64_t kMostOfBlock = 10'000;
-
 /// Options of GDAL for the drawing that is read, whatever the process has set.
 class ReadingOptions {
   private:
     NoNetwork noNetwork_;
     GdalOption inline_{"DXF_INLINE_BLOCKS", "YES"};
     GdalOption merge_{"DXF_MERGE_BLOCK_GEOMETRIES", "YES"};
-    GdalOption block_{"DXF_FEATURE_LIMIT_PER_BLOCK", fmt::format("{}", kMostOfBlock).c_str()};
+    GdalOption block_{"DXF_FEATURE_LIMIT_PER_BLOCK", fmt::format("{}", DxfScanner::kMostOfBlock).c_str()};
     GdalOption headerOnly_{"DXF_HEADER_ONLY", "NO"};
     GdalOption unclosed_{"OGR_GEOMETRY_ACCEPT_UNCLOSED_RING", "YES"};
 };
@@ -187,7 +184,7 @@ FeatureInfo ReadDgn(const std::wstring& path) {
 
 }  // namespace
 
-void PrepareCadDrivers() {
+void PrepareGdalReading() {
     static const bool prepared = [] {
         RegisterOGRDXF();
         RegisterOGRDGN();
@@ -199,7 +196,7 @@ void PrepareCadDrivers() {
 }
 
 FeatureInfo ReadCad(const std::wstring& path, CadKind kind) {
-    PrepareCadDrivers();
+    PrepareGdalReading();
     RequireReadable(path, kind);
     switch (kind) {
         case CadKind::Dwg:

@@ -87,7 +87,7 @@ bool OrvexUtilities::SetGDALRasterCacheSize(double fraction) {
     if (memory <= 0) {
         return false;
     }
-    PrepareCadDrivers();
+    PrepareGdalReading();
     GDALSetCacheMax64(static_cast<GIntBig>(static_cast<double>(memory) * fraction));
     return true;
 }

@@ -198,10 +198,11 @@ void DxfScanner::FinishInBlocks() {
     if (item_.type == "ENDBLK") {
         Block& whole = blocks_[blockName_];
         whole.own += block_.own;
+        hasLargeBlock_ = hasLargeBlock_ || whole.own > kMostOfBlock;
         std::ranges::move(block_.inserts, std::back_inserter(whole.inserts));
         return;
     }
-    block_.own += 1;
+    block_.own += IsOneOf(item_.type, kParts) ? 0 : 1;
     if (const std::string* name = BlockOf(item_); name != nullptr) {
         block_.inserts.push_back({*name, item_.type == "INSERT" ? item_.columns * item_.rows : 1});
     }
@@ -249,8 +250,14 @@ std::vector<std::wstring> DxfScanner::LeftOut() const {
         kinds += (kinds.empty() ? L"" : L", ") + WithoutControls(FromUtf8(ValidUtf8(kind))) + L" (" +
                  GroupedNumber(count) + L")";
     }
-    return kinds.empty() ? std::vector<std::wstring>()
-                         : std::vector<std::wstring>{FormatText(Text(text::kCadLeftOut), {kinds})};
+    std::vector<std::wstring> sentences;
+    if (!kinds.empty()) {
+        sentences.push_back(FormatText(Text(text::kFeatureKindsLeftOut), {kinds}));
+    }
+    if (hasLargeBlock_) {
+        sentences.push_back(FormatText(Text(text::kDxfBlockPartly), {kMostOfBlock}));
+    }
+    return sentences;
 }
 
 void ScanDefinitions(const std::wstring& path, DxfScanner& scanner) {

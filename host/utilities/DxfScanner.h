@@ -14,6 +14,10 @@ namespace orvex {
 /// hundred thousand edges, definitions that fill the memory.
 class DxfScanner {
   public:
+    /// Objects of a block that GDAL reads: its own default, stated so that no setting of the process changes
+    /// the counts.
+    static constexpr int kMostOfBlock = 10'000;
+
     explicit DxfScanner(std::uint64_t fileSize);
 
     /// The bytes at Position(). Throws LDataError with the reason not to go on.
@@ -22,7 +26,7 @@ class DxfScanner {
     /// True from the section on that holds the objects.
     bool IsPastDefinitions() const { return isPastDefinitions_; }
 
-    /// A sentence that names the kinds of objects that GDAL leaves out; none if it leaves out none.
+    /// Sentences on what GDAL leaves out: kinds of objects, the rest of large blocks.
     std::vector<std::wstring> LeftOut() const;
 
   private:
@@ -75,6 +79,7 @@ class DxfScanner {
     Block block_;
     std::map<std::string, Block> blocks_;
     std::map<std::string, std::string> blockNames_;  ///< by handle
+    bool hasLargeBlock_ = false;
     double inserted_ = 0;
     std::map<std::string, std::uint64_t> leftOut_;
 };

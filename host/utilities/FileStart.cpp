@@ -9,23 +9,28 @@
 
 namespace orvex {
 
-std::string ReadStart(const std::wstring& path) {
+std::string ReadPart(const std::wstring& path, std::uint64_t offset, std::size_t length) {
     const FileKind kind = KindOf(path);
     if (kind == FileKind::Missing) {
         throw LDataError(Text(text::kFileMissing));
     }
     MappedFile file;
-    std::string start(kStartLength, '\0');
+    std::string bytes(length, '\0');
     std::size_t read = 0;
     // A pipe would make whoever opens it wait.
     if (kind != FileKind::File || file.Open(path, true) != 0 ||
-        file.ReadAt(0, std::as_writable_bytes(std::span(start)), read) != 0) {
+        file.ReadAt(offset, std::as_writable_bytes(std::span(bytes)), read) != 0) {
         throw LDataError(Text(text::kFileOpenRefused));
     }
-    if (read == 0) {
+    bytes.resize(read);
+    return bytes;
+}
+
+std::string ReadStart(const std::wstring& path) {
+    std::string start = ReadPart(path, 0, kStartLength);
+    if (start.empty()) {
         throw LDataError(Text(text::kRasterFileEmpty));
     }
-    start.resize(read);
     return start;
 }
 
