@@ -5,9 +5,7 @@
 
 #include <algorithm>
 #include <memory>
-#include <optional>
 #include <string_view>
-#include <vector>
 
 #include "crs/GdalAccess.h"
 #include "host/utilities/FileStart.h"
@@ -46,21 +44,27 @@ std::uint64_t LittleEndian(std::string_view bytes, std::size_t at, std::size_t l
     return value;
 }
 
-/// Throws if the end of the archive, which tells the number of its entries, is missing or tells too many.
-void RequireArchive(const std::wstring& path) {
+/// Table of contents of an archive.
+struct Table {
+    std::uint64_t offset = 0;
+    std::uint64_t length = 0;
+};
+
+/// Throws if the end of the archive, which tells where its table is, is missing or tells too many entries.
+Table FindTable(const std::wstring& path) {
     constexpr std::size_t kRecord = 22;
-    constexpr std::size_t kEntries = 10;
     constexpr std::uint64_t kMostOfEnd = kRecord + 65535;  // with a comment
     const std::uint64_t size = FileSizeOf(path).value_or(0);
-    const std::string end = ReadPart(path, size - std::min(size, kMostOfEnd),
-                                     static_cast<std::size_t>(std::min(size, kMostOfEnd)));
+    const std::uint64_t length = std::min(size, kMostOfEnd);
+    const std::string end = ReadPart(path, size - length, static_cast<std::size_t>(length));
     const std::size_t record = end.rfind("PK\5\6");
     if (record == std::string::npos || record + kRecord > end.size()) {
         throw LDataError(Text(text::kKmzIncomplete));
     }
-    if (LittleEndian(end, record + kEntries, 2) > kMostEntries) {
+    if (LittleEndian(end, record + 10, 2) > kMostEntries) {
         throw LDataError(FormatText(Text(text::kKmzTooManyEntries), {kMostEntries}));
     }
+    return {LittleEndian(end, record + 16, 4), LittleEndian(end, record + 12, 4)};
 }
 
 bool HasExtension(std::string_view name, const wchar_t* extension) {
@@ -95,19 +99,21 @@ Contents List(const std::string& archive) {
     return contents;
 }
 
-/// True if the entry is encrypted. `name`: of the entry, for GDAL.
-bool IsEncrypted(const std::wstring& path, const std::string& name) {
-    constexpr std::size_t kHeader = 30;
-    constexpr std::size_t kMostOfNames = 4096;
-    char** const metadata = VSIGetFileMetadata(name.c_str(), "ZIP", nullptr);
-    const char* const start = CSLFetchNameValue(metadata, "START_DATA_OFFSET");
-    const std::uint64_t data = start == nullptr ? 0 : std::strtoull(start, nullptr, 10);
-    CSLDestroy(metadata);
-    const std::uint64_t from = data - std::min<std::uint64_t>(data, kHeader + kMostOfNames);
-    const std::string bytes = ReadPart(path, from, static_cast<std::size_t>(data - from));
-    const std::size_t header = bytes.rfind("PK\3\4");
-    return header != std::string::npos && header + kHeader <= bytes.size() &&
-           (LittleEndian(bytes, header + 6, 2) & 1U) != 0;
+/// True if an entry is encrypted, which GDAL does not tell. `name`: of the entry.
+bool IsEncrypted(const std::wstring& path, const Table& table, std::string_view name) {
+    constexpr std::size_t kHeader = 46;
+    constexpr std::uint64_t kMostOfTable = std::uint64_t{4} << 20U;
+    const std::string bytes =
+        ReadPart(path, table.offset, static_cast<std::size_t>(std::min(table.length, kMostOfTable)));
+    std::size_t at = 0;
+    while (at + kHeader <= bytes.size() && bytes.compare(at, 4, "PK\1\2") == 0) {
+        const std::size_t length = LittleEndian(bytes, at + 28, 2);
+        if (bytes.compare(at + kHeader, length, name) == 0) {
+            return (LittleEndian(bytes, at + 8, 2) & 1U) != 0;
+        }
+        at += kHeader + length + LittleEndian(bytes, at + 30, 2) + LittleEndian(bytes, at + 32, 2);
+    }
+    return false;
 }
 
 ByteSource SourceOf(VSILFILE* file, std::uint64_t most) {
@@ -124,9 +130,6 @@ ByteSource SourceOf(VSILFILE* file, std::uint64_t most) {
 FeatureInfo ReadDocument(const std::wstring& path, const std::string& name, const std::string& fallbackName) {
     const GdalErrorScope errors;
     const VsiFile file(VSIFOpenL(name.c_str(), "rb"));
-    if (IsEncrypted(path, name)) {
-        throw LDataError(Text(text::kKmzEncrypted));
-    }
     if (!file) {
         throw LDataError(Text(text::kKmzDamaged));
     }
@@ -145,13 +148,16 @@ FeatureInfo ReadDocument(const std::wstring& path, const std::string& name, cons
 }  // namespace
 
 FeatureInfo ReadKmz(const std::wstring& path, const std::string& fallbackName) {
-    RequireArchive(path);
+    const Table table = FindTable(path);
     const GdalErrorScope ignored;
     InspectionLimits limits;
     limits.read = std::max(limits.read, 4 * FileSizeOf(path).value_or(0));
     const GdalAccess access(AbsolutePath(path), limits, [](auto, auto) { return std::wstring(); });
     const std::string archive = fmt::format("/vsizip/{{{}}}", access.Name());
     const Contents contents = List(archive);
+    if (IsEncrypted(path, table, contents.document)) {
+        throw LDataError(Text(text::kKmzEncrypted));
+    }
     FeatureInfo info = ReadDocument(path, archive + "/" + contents.document, fallbackName);
     if (contents.others != 0) {
         info.leftOut.push_back(FormatText(Text(text::kKmzOthers), {contents.others}));
