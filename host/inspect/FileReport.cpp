@@ -31,30 +31,35 @@ void InspectLas(FileReport& report) {
     }
 }
 
-template <RasterUse use>
-void InspectRaster(FileReport& report) {
-    RasterRow inspection = InspectRasterFile(report.path, use);
+/// Keeps what was read of a file that can be loaded.
+template <typename Row>
+void Keep(Row inspection, FileReport& report, std::optional<Row> FileReport::*kept) {
     ReportCommon(inspection, report);
     if (inspection.loadable) {
         report.crs = inspection.crs;
-        report.raster = std::move(inspection);
-        report.use = use;
+        report.*kept = std::move(inspection);
     }
 }
 
+template <RasterUse use>
+void InspectRaster(FileReport& report) {
+    Keep(InspectRasterFile(report.path, use), report, &FileReport::raster);
+    report.use = use;
+}
+
+void InspectFeature(FileReport& report) {
+    Keep(InspectFeatureFile(report.path), report, &FileReport::feature);
+}
+
 void InspectPhotoFile(FileReport& report) {
-    PhotoRow inspection = InspectPhoto(report.path);
-    ReportCommon(inspection, report);
-    if (inspection.loadable) {
-        report.crs = inspection.crs;
-        report.photo = std::move(inspection);
-    }
+    Keep(InspectPhoto(report.path), report, &FileReport::photo);
 }
 
 constexpr ReportKind kKinds[] = {
     {"las", DataKind::Las, InspectLas},
     {"raster", DataKind::Raster, InspectRaster<RasterUse::Image>},
     {"dem", DataKind::Dem, InspectRaster<RasterUse::Dem>},
+    {"feature", DataKind::Feature, InspectFeature},
     {"photo", DataKind::Photo, InspectPhotoFile},
 };
 
@@ -106,6 +111,7 @@ FileReport InspectFile(const std::wstring& path, const ReportKind* kind) {
         report.las.reset();
         report.raster.reset();
         report.photo.reset();
+        report.feature.reset();
     }
     return report;
 }

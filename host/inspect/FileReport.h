@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "feature/FeatureRow.h"
 #include "las/LasRow.h"
 #include "photo/PhotoRow.h"
 #include "raster/RasterRow.h"
@@ -20,12 +21,13 @@ struct FileReport {
     std::string kind;  ///< name of a ReportKind, or "unknown" when no reader takes the file
     bool loadable = false;
     std::wstring summary;
-    std::vector<Finding> findings;     ///< worst first
-    CrsPtr crs;                        ///< null when the file could not be opened
-    std::optional<LasRow> las;         ///< of an opened LAS or LAZ file: its `file` is not null
-    std::optional<RasterRow> raster;   ///< of an opened raster
-    std::optional<PhotoRow> photo;     ///< of a photo whose metadata was read
-    RasterUse use = RasterUse::Image;  ///< page that a raster is listed for
+    std::vector<Finding> findings;      ///< worst first
+    CrsPtr crs;                         ///< null when the file could not be opened
+    std::optional<LasRow> las;          ///< of an opened LAS or LAZ file: its `file` is not null
+    std::optional<RasterRow> raster;    ///< of an opened raster
+    std::optional<PhotoRow> photo;      ///< of a photo whose metadata was read
+    std::optional<FeatureRow> feature;  ///< of a feature file that could be read
+    RasterUse use = RasterUse::Image;   ///< page that a raster is listed for
 };
 
 /// Version of a LAS file as "1.4".

@@ -222,6 +222,23 @@ Json RasterJson(const RasterRow& raster) {
     };
 }
 
+Json FeatureJson(const FeatureRow& feature) {
+    return {
+        {"type", JsonText(std::wstring(FeatureKindName(feature.kind)))},
+        {"featureCount", feature.featureCount},
+        {"geometry", JsonText(feature.geometry)},
+        {"layers", JsonList(feature.layers,
+                            [](const FeatureLayer& layer) -> Json {
+                                return {{"name", JsonText(layer.name)}, {"count", layer.count}};
+                            })},
+        {"extent", OrNull(feature.extent)},
+        {"fields", JsonList(feature.fields,
+                            [](const FeatureField& field) -> Json {
+                                return {{"name", JsonText(field.name)}, {"type", JsonText(field.type)}};
+                            })},
+    };
+}
+
 /// The metadata under the library's keys.
 Json PhotoJson(const PhotoRow& photo) {
     const PhotoMetadata& data = photo.metadata;
@@ -300,6 +317,7 @@ Json ReportJson(const FileReport& report) {
         {"crs", report.crs ? CrsJson(*report.crs) : Json()},
         {"las", report.las ? LasJson(*report.las->file) : Json()},
         {"raster", report.raster ? RasterJson(*report.raster) : Json()},
+        {"feature", report.feature ? FeatureJson(*report.feature) : Json()},
         {"photo", report.photo ? PhotoJson(*report.photo) : Json()},
     };
 }

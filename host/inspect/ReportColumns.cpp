@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "feature/FeatureColumns.h"
 #include "las/LasColumns.h"
 #include "photo/PhotoColumns.h"
 #include "raster/RasterColumns.h"
@@ -29,6 +30,7 @@ std::vector<ReportColumn> AllColumns() {
     AddColumns(LasColumns(), all);
     AddColumns(RasterColumns(RasterUse::Image), all);
     AddColumns(RasterColumns(RasterUse::Dem), all);
+    AddColumns(FeatureColumns(), all);
     AddColumns(PhotoColumns(), all);
     return all;
 }
@@ -42,6 +44,9 @@ Result WithCell(const FileReport& report, std::string_view name, const Use& use)
     };
     if (report.las) {
         return find(LasColumns(), *report.las);
+    }
+    if (report.feature) {
+        return find(FeatureColumns(), *report.feature);
     }
     if (report.photo) {
         return find(PhotoColumns(), *report.photo);

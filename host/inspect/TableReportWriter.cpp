@@ -14,11 +14,11 @@ namespace {
 constexpr std::size_t kWidestCell = 60;  ///< characters; the last column is as wide as it is
 
 // The table is for people: it prints some of the pages' columns, between the file and what is wrong with it.
-constexpr const char* kPageColumns[] = {"timeUtc",    "longitude", "latitude",   "altitude",    "yaw",
-                                        "fileType",   "imageSize", "bands",      "bitsPerBand", "pixelSizes",
-                                        "linearUnit", "version",   "compressed", "pointFormat", "points",
-                                        "minimumX",   "minimumY",  "minimumZ",   "maximumX",    "maximumY",
-                                        "maximumZ",   "crsName"};
+constexpr const char* kPageColumns[] = {"timeUtc",     "longitude", "latitude",   "altitude",    "yaw",
+                                        "fileType",    "imageSize", "bands",      "bitsPerBand", "pixelSizes",
+                                        "geometry",    "features",  "linearUnit", "version",     "compressed",
+                                        "pointFormat", "points",    "minimumX",   "minimumY",    "minimumZ",
+                                        "maximumX",    "maximumY",  "maximumZ",   "crsName"};
 constexpr std::size_t kFile = 0;
 constexpr std::size_t kColumnCount = std::size(kPageColumns) + 2;
 constexpr std::size_t kSummary = kColumnCount - 1;

@@ -9,6 +9,7 @@
 #include <sstream>
 #include <system_error>
 
+#include "feature/testing/TestShapefile.h"
 #include "host/inspect/InspectCommand.h"
 #include "host/inspect/OrderedJobs.h"
 #include "host/inspect/ReportWriter.h"
@@ -26,6 +27,7 @@ using testing::LasBuilder;
 using ::testing::Not;
 using ::testing::StartsWith;
 using testing::TemporaryFolder;
+using testing::TestShapefile;
 using Json = nlohmann::ordered_json;
 using Arguments = std::vector<std::wstring>;
 
@@ -154,6 +156,36 @@ TEST(InspectJson, HasTheFactsOfARasterAndNullsForWhatIsNotThere) {
     ExpectMembers(objects, {{"/2/kind", "raster"}, {"/3/kind", "las"}, {"/4/kind", "unknown"}});
 }
 
+TEST(InspectJson, HasTheFactsOfAFeatureFile) {
+    const TemporaryFolder folder;
+    TestShapefile empty;
+    empty.points.clear();
+    folder.Write(L"b.PRJ", kWkt);
+    const Json objects = Objects({empty.Write(folder, L"a"), TestShapefile().Write(folder, L"b"),
+                                  folder.Write(L"c.shp", "no shapefile"), folder.Write(L"d.kmz", "no KMZ")});
+    ExpectMembers(objects[0], {{"/kind", "feature"},
+                               {"/loadable", true},
+                               {"/findings/0/code", "no-features"},
+                               {"/feature/featureCount", 0},
+                               {"/feature/extent", nullptr}});
+    ExpectMembers(objects[1], {{"/raster", nullptr},
+                               {"/crs/epsg", 4326},
+                               {"/feature/type", "SHP"},
+                               {"/feature/featureCount", 3},
+                               {"/feature/geometry", "Point"},
+                               {"/feature/layers", Json::array({{{"name", "b"}, {"count", 3}}})},
+                               {"/feature/extent", {7, 50, 9, 52}},
+                               {"/feature/fields/1", {{"name", "HEIGHT"}, {"type", "Double"}}},
+                               {"/feature/fields/2/type", "Integer"},
+                               {"/columns/features", 3},
+                               {"/columns/maximumY", 52}});
+    for (const std::size_t unreadable : {2U, 3U}) {
+        ExpectMembers(objects[unreadable],
+                      {{"/kind", "feature"}, {"/loadable", false}, {"/feature", nullptr}});
+        EXPECT_NE(objects[unreadable]["summary"], "");
+    }
+}
+
 TEST(InspectCommand, RefusesUnknownArgumentsAndReportsMissingPaths) {
     const TemporaryFolder folder;
     const std::wstring good = folder.Write(L"good.las", LasBuilder().Build());
@@ -234,14 +266,16 @@ TEST(InspectCommand, ReadsAFileAsTheKindOfItsNameOrOfTheOption) {
     folder.Write(L"b.prj", "");
     folder.Write(L"a.tif.aux.xml", "<PAMDataset/>");
     folder.Write(L"c.las", "LASF");
+    TestShapefile().Write(folder, L"d");
     const std::wstring all = FromPath(folder.Path());
     const struct {
         Arguments arguments;
         std::vector<std::string> kinds;
-    } cases[] = {{{all}, {"raster", "dem", "las"}},  // sidecars are no files of their own
+    } cases[] = {{{all}, {"raster", "dem", "las", "feature"}},  // sidecars are no files of their own
                  {{L"--as", L"dem", all}, {"dem", "dem"}},
                  {{L"--as=raster", grid, image}, {"raster", "raster"}},
-                 {{L"--as=las", all}, {"las"}}};
+                 {{L"--as=las", all}, {"las"}},
+                 {{L"--as=feature", all}, {"feature"}}};
     for (const auto& c : cases) {
         std::vector<std::string> kinds;
         for (const Json& object : Objects(c.arguments)) {
