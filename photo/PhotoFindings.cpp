@@ -72,9 +72,8 @@ void CheckPlace(const PhotoRow& row, Findings& findings) {
 }
 
 void CheckTime(const PhotoRow& row, Findings& findings) {
-    if (row.timeUtc.empty()) {
+    if (row.metadata.cameraAdjGpsSec == 0) {
         findings.push_back(MakeFinding(kNoTime));
-        return;
     }
     const std::wstring known = FromUtf8(TimeConverter::LeapSecondsKnownUntil());
     if (row.timeUtc.substr(0, known.size()) > known) {

@@ -39,7 +39,8 @@ void Take(const Tree& node, const wchar_t* key, Number& value) {
     const std::string text = child ? ToUtf8(child->data()) : std::string();
     Number number{};
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (!text.empty() && error == std::errc() && end == text.data() + text.size()) {
+    if (!text.empty() && error == std::errc() && end == text.data() + text.size() &&
+        std::isfinite(static_cast<double>(number))) {
         value = number;
     }
 }
