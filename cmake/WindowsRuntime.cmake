@@ -17,7 +17,8 @@ foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll zlib1.dll)
     list(APPEND runtime_libraries "${library}")
 endforeach()
 set(test_libraries "${ORVEX_WINDOWS_PREFIX}/qt/bin/Qt6Test.dll")
-set(runtime_plugins platforms/qwindows.dll platforms/qoffscreen.dll styles/qwindowsvistastyle.dll)
+set(runtime_plugins platforms/qwindows.dll platforms/qoffscreen.dll styles/qwindowsvistastyle.dll
+    imageformats/qjpeg.dll)
 
 set(copy_plugins)
 foreach(plugin IN LISTS runtime_plugins)
@@ -27,7 +28,8 @@ endforeach()
 
 add_custom_command(
     OUTPUT "${runtime_stamp}"
-    COMMAND ${CMAKE_COMMAND} -E make_directory "${runtime_root}/plugins/platforms" "${runtime_root}/plugins/styles"
+    COMMAND ${CMAKE_COMMAND} -E make_directory "${runtime_root}/plugins/imageformats" "${runtime_root}/plugins/platforms"
+            "${runtime_root}/plugins/styles"
     COMMAND ${CMAKE_COMMAND} -E copy ${runtime_libraries} ${test_libraries} "${runtime_root}"
     ${copy_plugins}
     COMMAND ${CMAKE_COMMAND} -E copy "${PROJECT_SOURCE_DIR}/windows/qt.conf" "${runtime_root}/qt.conf"

@@ -1,6 +1,7 @@
 #include "entry/PageTable.h"
 
 #include "las/page/AddLASFilesPP.h"
+#include "photo/page/AddPhotoFilesPP.h"
 #include "raster/page/AddDEMFilesPP.h"
 #include "raster/page/AddRasterFilesPP.h"
 
@@ -39,6 +40,14 @@ std::span<const PageDescription> AddFilesPages() {
          .image = kImageDem,
          .pageSwitch = &AddFilesParams::showDemTab,
          .create = Make<AddDEMFilesPP>},
+        {.kind = PageKind::Photo,
+         .caption = text::kPhotoTab,
+         .insertFailure = L"InsertItem Photo tab failed",
+         .createFailure = L"The Photo Dialog was not created",
+         .templateId = 406,
+         .image = kImagePhoto,
+         .pageSwitch = &AddFilesParams::showPhotoTab,
+         .create = Make<AddPhotoFilesPP>},
     };
     return pages;
 }

@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "orvexcommon/HostInterfaces.h"
 
@@ -23,6 +24,13 @@ class HostObjects {
     virtual RasterInformationMaker RasterInformation() = 0;
     virtual ShapefileMaker Shapefiles() = 0;
 };
+
+/// Folder of the open project; empty if there is none, or if the application object (may be null) does not
+/// know.
+inline std::wstring ProjectFolderOf(OrvexApplication* application) {
+    std::wstring folder;
+    return application != nullptr && application->GetProjectFolder(folder) >= 0 ? folder : std::wstring();
+}
 
 /// The host's objects by class id: in-process factories on Linux, COM on Windows.
 std::unique_ptr<HostObjects> MakeHostObjects();

@@ -24,6 +24,7 @@
 #include <map>
 #include <new>
 #include <optional>
+#include <ranges>
 #include <variant>
 
 #include "dialog/CTabCtrlEx.h"
@@ -51,6 +52,36 @@ struct OptionCase {
     RecordMember member = {};
     std::wstring written = {};  ///< bools: "0" or "1"
 };
+
+/// The member of the record that holds the files that the host gets: by folder, by key, or as a list.
+using FileMember =
+    std::variant<FilesByFolder AddFilesParams::*, std::map<std::wstring, std::wstring> AddFilesParams::*,
+                 std::vector<std::wstring> AddFilesParams::*>;
+
+/// The files of the record, whatever their member.
+inline FilesByFolder FilesIn(const AddFilesParams& record, const FileMember& member) {
+    FilesByFolder files;
+    const auto add = [&](const std::wstring& path) { files[FolderOf(path)].push_back(FileNameOf(path)); };
+    if (const auto* byFolder = std::get_if<0>(&member)) {
+        files = record.**byFolder;
+    } else if (const auto* byKey = std::get_if<1>(&member)) {
+        std::ranges::for_each(std::views::values(record.**byKey), add);
+    } else {
+        std::ranges::for_each(record.*std::get<2>(member), add);
+    }
+    return files;
+}
+
+/// Puts a file into the record as an earlier call would have.
+inline void PutFile(AddFilesParams& record, const FileMember& member, const std::wstring& path) {
+    if (const auto* byFolder = std::get_if<0>(&member)) {
+        (record.**byFolder)[FolderOf(path)].push_back(FileNameOf(path));
+    } else if (const auto* byKey = std::get_if<1>(&member)) {
+        (record.**byKey)[FromPath(ToPath(path).stem())] = path;
+    } else {
+        (record.*std::get<2>(member)).push_back(path);
+    }
+}
 
 /// What differs between pages.
 struct PageContract {
@@ -85,12 +116,17 @@ struct PageContract {
 
     const char* detailColumn;    ///< a column that is shown with the detail columns only
     OptionCase detailColumnsOn;  ///< `control` and `shown` are not used
-    FilesByFolder AddFilesParams::*files;
+    FileMember files;
     /// The project's files that the page marks; null: none.
     std::vector<std::wstring> AddFilesParams::*existingFiles = nullptr;
     std::size_t detailsPerFile;  ///< 1 where the host gets an object for each file, else 0
     bool passesBadFiles;         ///< to the host, those of `writeBad`
     bool asksAtTen = false;      ///< whether to go on, at the tenth row
+    bool sharesLayers = true;    ///< files go into common layers
+    bool showsPath = false;      ///< the column of full paths, with the detail columns
+    StringId folderTitle = text::kFolderTitle;
+    /// What the host must have so that OK is accepted; null: nothing.
+    void (*prepare)(ScriptedServices& services, const TemporaryFolder& folder) = nullptr;
 
     /// Each is stored when it is chosen on a fresh machine, and shown the next time; those that are not
     /// stored begin anew.
@@ -108,7 +144,11 @@ inline void PrintTo(const PageContract& contract, std::ostream* out) {
 
 class FilePage : public ::testing::WithParamInterface<PageContract>, public PageFixture {
   protected:
-    FilePage() : PageFixture(GetParam().make) {}
+    FilePage() : PageFixture(GetParam().make) {
+        if (GetParam().prepare != nullptr) {
+            GetParam().prepare(*this, folder);
+        }
+    }
 
     std::wstring Good(const std::wstring& name) const { return GetParam().writeGood(folder, name); }
     std::wstring NameOf(const std::wstring& name) const { return name + GetParam().extension; }
@@ -117,7 +157,8 @@ class FilePage : public ::testing::WithParamInterface<PageContract>, public Page
         Click(GetParam().addFiles);
     }
     bool Has(int id) const { return id != 0 && Enabled(id); }
-    const FilesByFolder& Files() const { return params.*GetParam().files; }
+    FilesByFolder Files() const { return FilesIn(params, GetParam().files); }
+    bool ShowsLayers() const { return ColumnNamed("layer") < std::ssize(Model().Columns()); }
 
     /// Text of a control, or "on" and "off".
     QString ShownBy(int id) const {
@@ -332,7 +373,7 @@ TEST_P(FilePage, AFolderIsSearchedAsTheAnswerSays) {
         prompts.answers = {answer};
         Click(GetParam().addFolder);
         EXPECT_THAT(Names(), ::testing::UnorderedElementsAreArray(names));
-        EXPECT_EQ(pickers.folderTitles.back(), Text(text::kFolderTitle));
+        EXPECT_EQ(pickers.folderTitles.back(), Text(GetParam().folderTitle));
         EXPECT_EQ(prompts.shown.back().text, GetParam().folderQuestion.Get());
         EXPECT_EQ(prompts.shown.back().caption, Text(text::kAddFolderCaption));
         EXPECT_EQ(prompts.shown.back().buttons, PromptButtons::YesNoCancel);
@@ -460,7 +501,9 @@ TEST_P(FilePage, EveryChangeOfTheListIsUndoneAndRedone) {
         EXPECT_EQ(Names(), names) << ToUtf8(outcome);
         EXPECT_EQ(Outcome(), outcome);
     }
-    EXPECT_THAT(Shown("layer"), ::testing::Each(::testing::Not(L""))) << "what came back has its layer";
+    if (ShowsLayers()) {
+        EXPECT_THAT(Shown("layer"), ::testing::Each(::testing::Not(L""))) << "what came back has its layer";
+    }
     Pick({Good(L"f")});
     press({}, Qt::Key_Y);
     EXPECT_THAT(Names(), ::testing::SizeIs(3)) << "a new change ends what could be redone";
@@ -504,7 +547,7 @@ TEST_P(FilePage, ProgressIsShownAndEscapeKeepsWhatWasAdded) {
     Pick(std::move(paths));
     EXPECT_GT(Model().rowCount(), 1);
     EXPECT_LT(Model().rowCount(), kMoreThanWait);
-    EXPECT_FALSE(Shown("layer").back().empty()) << "what was added has its layer";
+    EXPECT_FALSE(ShowsLayers() && Shown("layer").back().empty()) << "what was added has its layer";
     EXPECT_TRUE(dialog->isVisible());
     EXPECT_TRUE(Enabled(GetParam().addFiles)) << "the page is usable again";
 
@@ -567,7 +610,7 @@ TEST_P(FilePage, FilesThatTheProjectHasAreMarkedFromTheStart) {
     EXPECT_EQ(marked(), expected);
     Click(GetParam().refresh);
     EXPECT_EQ(marked(), expected);
-    EXPECT_EQ(Shown("layer").size(), 3U) << "another layer leaves the mark";
+    EXPECT_EQ(Model().rowCount(), 3) << "another layer leaves the mark";
 }
 
 TEST_P(FilePage, RefreshReadsTheFilesAgain) {
@@ -743,7 +786,9 @@ TEST_P(FilePage, TheContextMenuFindsRowsByWhatTheyHaveInCommon) {
     EXPECT_THAT(selectedAfter("invert"), ElementsAre(1));
     Grid().Table()->setCurrentIndex(Model().index(3, 0));
     EXPECT_THAT(selectedAfter("sameCrs"), ElementsAre(0, 1, 3));
-    EXPECT_THAT(selectedAfter("sameLayer"), ElementsAre(0, 1, 3));
+    if (GetParam().sharesLayers) {
+        EXPECT_THAT(selectedAfter("sameLayer"), ElementsAre(0, 1, 3));
+    }
     auto& rows = dynamic_cast<ListRows&>(Model());
     for (std::size_t record = 0; record < rows.Count(); ++record) {
         for (const Finding& finding : rows.Findings(record)) {
@@ -896,7 +941,7 @@ TEST_P(FilePage, DetailColumnsAreToggledAndRemembered) {
     Click(GetParam().detailColumns);
     EXPECT_EQ(toggle->text(), "<<");
     EXPECT_TRUE(Grid().IsColumnShown(column));
-    EXPECT_FALSE(Grid().IsColumnShown(ColumnNamed("path")));
+    EXPECT_EQ(Grid().IsColumnShown(ColumnNamed("path")), GetParam().showsPath);
     Pick({Good(L"a")});
     ASSERT_TRUE(Press("ok"));
     EXPECT_EQ(Stored(on), on.stored);
@@ -988,6 +1033,9 @@ TEST_P(FilePage, OkGivesTheFilesByFolderInTheOrderShownAndTheirDetails) {
     ASSERT_TRUE(Press("ok"));
     std::vector<std::wstring> names{NameOf(L"d"), NameOf(L"bad"), NameOf(L"b"), NameOf(L"a")};
     names.erase(names.begin() + 1, names.begin() + (GetParam().passesBadFiles ? 1 : 2));
+    if (std::holds_alternative<std::map<std::wstring, std::wstring> AddFilesParams::*>(GetParam().files)) {
+        std::ranges::sort(names);  // by key
+    }
     EXPECT_THAT(Files(), ::testing::ElementsAre(std::pair(FolderOf(b), names),
                                                 std::pair(FolderOf(sub), std::vector{NameOf(L"c")})));
     EXPECT_EQ(Close(), 4 * GetParam().detailsPerFile) << "the host's, when the dialog is gone";
@@ -995,7 +1043,7 @@ TEST_P(FilePage, OkGivesTheFilesByFolderInTheOrderShownAndTheirDetails) {
 
 TEST_P(FilePage, WhatTheRecordHeldBeforeStaysAndIsListedOnce) {
     const std::wstring a = Good(L"a");
-    (given.*GetParam().files)[FolderOf(a)] = {NameOf(L"a")};
+    PutFile(given, GetParam().files, a);
     // Of objects that the host has deleted.
     given.lasFileDetails[a] = reinterpret_cast<LasFileInfo*>(8);
     given.rasterFileDetails[a] = reinterpret_cast<RasterFileInfo*>(8);
@@ -1013,8 +1061,8 @@ TEST_P(FilePage, WhatTheRecordHeldBeforeStaysAndIsListedOnce) {
 
 TEST_P(FilePage, TheRecordIsTheHostsUntilTheDialogEndsWithOk) {
     using enum ScriptedPage::AtOk;
-    (given.*GetParam().files)[L"/host"] = {L"own"};
-    const FilesByFolder own = given.*GetParam().files;
+    PutFile(given, GetParam().files, L"/host/own");
+    const FilesByFolder own = FilesIn(given, GetParam().files);
     Open();
     Pick({Good(L"a"), Good(L"b")});
     for (const auto atOk : {Refuse, Throw}) {
