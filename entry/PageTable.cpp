@@ -1,5 +1,6 @@
 #include "entry/PageTable.h"
 
+#include "feature/page/AddFeatureFilesPP.h"
 #include "las/page/AddLASFilesPP.h"
 #include "photo/page/AddPhotoFilesPP.h"
 #include "raster/page/AddDEMFilesPP.h"
@@ -32,6 +33,14 @@ std::span<const PageDescription> AddFilesPages() {
          .image = kImageRaster,
          .pageSwitch = &AddFilesParams::showRasterTab,
          .create = Make<AddRasterFilesPP>},
+        {.kind = PageKind::Feature,
+         .caption = text::kFeatureTab,
+         .insertFailure = L"InsertItem Feature tab failed",
+         .createFailure = L"The Feature Dialog was not created",
+         .templateId = 390,
+         .image = kImageFeature,
+         .pageSwitch = &AddFilesParams::showFeatureTab,
+         .create = Make<AddFeatureFilesPP>},
         {.kind = PageKind::Dem,
          .caption = text::kDemTab,
          .insertFailure = L"InsertItem DEM tab failed",

@@ -17,8 +17,6 @@
 namespace orvex {
 namespace {
 
-using enum FeatureKind;
-
 constexpr int kCrsGroup = 490;
 constexpr int kRequireCrs = 491;
 constexpr int kImportGroup = 493;
@@ -200,10 +198,8 @@ DetailsContent AddFeatureFilesPP::Details(std::span<const std::size_t> records) 
     return FeatureDetailsContent(Model().Rows(), records, DetailsPane().CaptionColour());
 }
 
-bool AddFeatureFilesPP::HasAny(std::initializer_list<FeatureKind> kinds) const {
-    return std::ranges::any_of(
-        Model().Rows(), [&](FeatureKind kind) { return std::ranges::find(kinds, kind) != kinds.end(); },
-        &FeatureRow::kind);
+bool AddFeatureFilesPP::HasAny(bool (*test)(FeatureKind kind)) const {
+    return std::ranges::any_of(Model().Rows(), test, &FeatureRow::kind);
 }
 
 /// The host decides whether it takes KML and KMZ files.
@@ -232,13 +228,13 @@ std::wstring AddFeatureFilesPP::OutputFolder(OrvexApplication* application) cons
 bool AddFeatureFilesPP::Store() {
     std::int32_t result = kHostOk;
     const std::unique_ptr<OrvexApplication> application = Services().hostObjects.CreateApplication(result);
-    const bool converts = HasAny({Dwg, Dxf, Dgn, Kml, Kmz});
     SaveOptions([](const OptionRow& row) { return !IsImportOption(row); });
-    if (HasAny({Kml, Kmz}) && !AreKmlFilesAllowed(application.get())) {
+    const auto isKml = [](FeatureKind kind) { return kind == FeatureKind::Kml || kind == FeatureKind::Kmz; };
+    if (HasAny(isKml) && !AreKmlFilesAllowed(application.get())) {
         return false;
     }
     std::wstring folder;
-    if (converts) {
+    if (HasAny(IsConverted)) {
         folder = OutputFolder(application.get());
         SaveOptions([&](const OptionRow& row) {
             return IsImportOption(row) && (row.id != kFolder || !folder.empty());

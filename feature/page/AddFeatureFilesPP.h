@@ -19,7 +19,8 @@ class AddFeatureFilesPP final : public TypedFileListPage<FeatureRow> {
 
   private:
     void OnRequireCrs();
-    bool HasAny(std::initializer_list<FeatureKind> kinds) const;
+    /// True if the files of any row have a kind that passes.
+    bool HasAny(bool (*test)(FeatureKind kind)) const;
     bool AreKmlFilesAllowed(OrvexApplication* application) const;
     std::wstring OutputFolder(OrvexApplication* application) const;
 };

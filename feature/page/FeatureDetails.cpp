@@ -83,7 +83,7 @@ QString LayersHtml(const FeatureRow& row, const QString& captionColour) {
         captionColour);
 }
 
-QString FieldsHtml(const FeatureRow& row, const QString& captionColour) {
+QString AttributesHtml(const FeatureRow& row, const QString& captionColour) {
     return ListHtml(
         row.fields, {text::kFeatureField, text::kFeatureFieldType}, text::kFeatureNoFields,
         [](const FeatureField& field) {
@@ -118,7 +118,7 @@ DetailsContent FeatureDetailsContent(std::span<const FeatureRow> rows, std::span
         return {row.path,
                 {FileFindingsHtml(row) + SectionsHtml(FeatureSections(row), captionColour),
                  CrsHtml(*row.crs, captionColour), LayersHtml(row, captionColour),
-                 FieldsHtml(row, captionColour)}};
+                 AttributesHtml(row, captionColour)}};
     }
     const DetailSection section = FeatureTotals(rows, records);
     return {FormatText(Text(text::kDetailsFilesSelected), {records.size()}),
