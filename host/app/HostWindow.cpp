@@ -119,6 +119,7 @@ bool HostWindow::AddFiles(const QStringList& paths) {
     record.initialTab = host::LastAddFilesTab();
     record.showRasterTab = true;
     record.showDemTab = true;
+    record.showPhotoTab = true;
     record.initialFolder = ToWidePath(preferences_.dataFolder.isEmpty() ? folder_ : preferences_.dataFolder);
     record.existingLasLayers = project_.LayersForDialog(LayerKind::Las);
     record.existingRasterLayers = project_.LayersForDialog(LayerKind::Raster);
@@ -126,6 +127,7 @@ bool HostWindow::AddFiles(const QStringList& paths) {
     record.existingLasFiles = project_.PathsOf(LayerKind::Las);
     record.existingRasterFiles = project_.PathsOf(LayerKind::Raster);
     record.existingFeatureFiles = project_.PathsOf(LayerKind::Feature);
+    record.existingPhotoFiles = project_.PathsOf(LayerKind::Photo);
     for (const QString& path : paths) {
         record.initialPaths.push_back(ToWidePath(QDir::current().absoluteFilePath(path)));
     }
@@ -142,7 +144,7 @@ void HostWindow::TakeRecord(const AddFilesParams& record) {
     const IntakeResult result =
         RecordIntake(changed, folder_, preferences_.writesBesideData, this).Take(record);
     counts_ = {CountFiles(record.lasFiles), CountFiles(record.rasterFiles), CountFiles(record.demFiles),
-               result.convertedDems};
+               result.convertedDems, record.photoFiles.size()};
     record_->setPlainText(result.status + '\n' + ReportText(result.report) + '\n' +
                           ToQString(RecordText(record)));
     if (result.mainLayer) {
@@ -188,6 +190,22 @@ void HostWindow::AskLidarAccess() {
     constexpr StringId kAnswers[] = {text::kStatusLidarReadOnly, text::kStatusLidarReadWrite,
                                      text::kStatusLidarNotAdded};
     statusBar()->showMessage(HostText(kAnswers[choice]), 8000);
+}
+
+bool HostWindow::ShowKind(LayerKind kind) {
+    FilePlaces files;
+    for (std::size_t layer = 0; layer < project_.layers.size(); ++layer) {
+        for (std::size_t i = 0;
+             project_.layers[layer].kind == kind && i < project_.layers[layer].files.size(); ++i) {
+            files.emplace(layer, i);
+        }
+    }
+    if (!files.empty()) {
+        ShowLayer(files.begin()->first);
+        SelectFiles(files);
+        map_->FitSelected();
+    }
+    return !files.empty();
 }
 
 QString HostWindow::LastRecord() const {

@@ -31,6 +31,7 @@ struct RecordCounts {
     std::size_t rasters = 0;
     std::size_t dems = 0;
     std::size_t convertedDems = 0;
+    std::size_t photos = 0;
 };
 
 /// Main window of the reference host: a project's layers, their map and the text of the last record.
@@ -54,6 +55,8 @@ class HostWindow final : public QMainWindow {
     /// Folder of the open project; empty if none is open.
     const QString& ProjectFolder() const { return folder_; }
     const Project& CurrentProject() const { return project_; }
+    /// Selects and shows the layers of a kind; false if there are none.
+    bool ShowKind(LayerKind kind);
     /// True while thumbnails of the project's rasters are being read.
     bool IsLoading() const;
     /// Text of the last record.

@@ -25,6 +25,9 @@ std::uint64_t CountOf(const Layer& layer) {
 
 /// Points, features or pixels; of a raster that could not be read nothing is known.
 QString SizeOf(LayerKind kind, const LayerFile& file) {
+    if (kind == LayerKind::Photo) {
+        return {};
+    }
     if (kind != LayerKind::Raster) {
         return ToQString(GroupedNumber(CountOf(kind, file)));
     }
@@ -50,7 +53,18 @@ StringId GeometryName(std::int32_t shapeType) {
     }
 }
 
+/// When the photo was taken, or that it was taken nowhere.
+QString FormatOf(const PhotoInfo& photo) {
+    if (!photo.position) {
+        return HostText(text::kTreePhotoWithoutPosition);
+    }
+    return photo.timeUtc.empty() ? HostText(text::kTreePhoto) : ToQString(photo.timeUtc);
+}
+
 QString FormatOf(LayerKind kind, const LayerFile& file) {
+    if (kind == LayerKind::Photo) {
+        return FormatOf(file.photo);
+    }
     if (kind == LayerKind::Las) {
         return HostText(text::kTreeLasFormat, {file.version / 10, file.version % 10, file.pointFormat});
     }
@@ -151,7 +165,9 @@ QVariant LayerTreeModel::LayerData(const Layer& layer, std::size_t index, int co
         case kName:
             return ToQString(layer.name);
         case kSize:
-            return layer.kind == LayerKind::Raster ? QString() : ToQString(GroupedNumber(CountOf(layer)));
+            return layer.kind == LayerKind::Raster || layer.kind == LayerKind::Photo
+                       ? QString()
+                       : ToQString(GroupedNumber(CountOf(layer)));
         default:
             return HostText(text::kTreeLayerFiles, {layer.files.size()});
     }

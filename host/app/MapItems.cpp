@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "host/app/LayerTreeModel.h"
+#include "host/app/PhotoCard.h"
 
 namespace orvex {
 
@@ -16,6 +17,7 @@ namespace {
 constexpr double kFarthest = 1e12;
 constexpr double kGridPixels = 110;  ///< grid lines lie at least this far apart
 constexpr double kSmallest = 4;      ///< pixels; what is smaller is drawn this large
+constexpr double kSmallestPhoto = 10;
 
 enum Order { kThumbnailOrder, kGridOrder, kFootprintOrder };
 
@@ -78,6 +80,8 @@ QPolygonF FootprintOf(LayerKind kind, const LayerFile& file) {
         corners = Rectangle({file.min[0], file.min[1], file.max[0], file.max[1]});
     } else if (kind == LayerKind::Raster) {
         corners = CornersOf(file.raster);
+    } else if (file.photo.position) {
+        corners = {QPointF((*file.photo.position)[0], (*file.photo.position)[1])};
     } else if (file.feature.extent) {
         corners = Rectangle(*file.feature.extent);
     }
@@ -205,8 +209,9 @@ FootprintItem::FootprintItem(const QGraphicsView& view, std::size_t layer, std::
 
 QRectF FootprintItem::Pixels() const {
     QRectF pixels = view_.viewportTransform().mapRect(Extent());
-    const double widthMissing = std::max(0.0, kSmallest - pixels.width()) / 2;
-    const double heightMissing = std::max(0.0, kSmallest - pixels.height()) / 2;
+    const double smallest = kind_ == LayerKind::Photo ? kSmallestPhoto : kSmallest;
+    const double widthMissing = std::max(0.0, smallest - pixels.width()) / 2;
+    const double heightMissing = std::max(0.0, smallest - pixels.height()) / 2;
     return pixels.adjusted(-widthMissing, -heightMissing, widthMissing, heightMissing);
 }
 
@@ -228,6 +233,11 @@ void FootprintItem::SetLight(bool isLight) {
     update();
 }
 
+void FootprintItem::SetHeading(const std::optional<double>& heading) {
+    heading_ = heading;
+    update();
+}
+
 void FootprintItem::SetHovered(bool isHovered) {
     isHovered_ = isHovered;
     setZValue(isHovered ? kFootprintOrder + 1 : kFootprintOrder);
@@ -235,7 +245,9 @@ void FootprintItem::SetHovered(bool isHovered) {
 }
 
 QRectF FootprintItem::boundingRect() const {
-    const double slack = kSmallest / view_.transform().m11();
+    // With a pixel for the pen.
+    const double pixels = kind_ == LayerKind::Photo ? kPhotoMarkRadius + 1 : kSmallest;
+    const double slack = pixels / view_.transform().m11();
     return Extent().adjusted(-slack, -slack, slack, slack);
 }
 
@@ -265,6 +277,10 @@ void FootprintItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* opt
 }
 
 void FootprintItem::DrawOutline(QPainter& painter, const QWidget& view) const {
+    if (kind_ == LayerKind::Photo) {
+        DrawPhotoMark(painter, Pixels().center(), heading_);
+        return;
+    }
     // Far outside the view nothing is seen, and coordinates beyond what a painter takes would go wrong.
     const QRectF near = QRectF(view.rect()).adjusted(-10, -10, 10, 10);
     const QRectF pixels = Pixels();

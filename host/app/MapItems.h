@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QPolygonF>
 #include <array>
+#include <optional>
 #include <vector>
 
 #include "host/app/Project.h"
@@ -13,8 +14,9 @@ class QGraphicsView;
 
 namespace orvex {
 
-/// Corners of a file on the ground, in order around it; a raster's from its first pixel on. Empty when the
-/// file states no extent, an inverted one, or one that is not finite or beyond any coordinate system.
+/// Corners of a file on the ground, in order around it; a raster's from its first pixel on; the place of a
+/// photo. Empty when the file states no extent, an inverted one, or one that is not finite or beyond any
+/// coordinate system.
 QPolygonF FootprintOf(LayerKind kind, const LayerFile& file);
 
 /// Step of grid lines at least `minPixels` apart: 1, 2 or 5 times a power of ten.
@@ -74,6 +76,8 @@ class FootprintItem final : public QGraphicsItem {
     void SetHasThumbnail(bool hasThumbnail);
     /// On a map with rasters fills are lighter, so that thumbnails shine through.
     void SetLight(bool isLight);
+    /// Where a photo was taken to, in degrees clockwise from north.
+    void SetHeading(const std::optional<double>& heading);
     void SetHovered(bool isHovered);
 
     QRectF boundingRect() const override;
@@ -91,6 +95,7 @@ class FootprintItem final : public QGraphicsItem {
     bool hasThumbnail_ = false;
     bool isLight_ = false;
     bool isHovered_ = false;
+    std::optional<double> heading_;
 };
 
 }  // namespace orvex

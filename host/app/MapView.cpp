@@ -24,6 +24,7 @@ constexpr double kSmallestScale = 1e-9;  ///< pixels per unit
 constexpr double kLargestScale = 1e7;
 /// Units across the view for a place without extent.
 constexpr double kWidthAroundPoint = 100;
+constexpr double kDegreesAroundPhoto = 0.002;
 
 }  // namespace
 
@@ -43,6 +44,7 @@ MapView::MapView(const Project& project, QWidget* parent) : QGraphicsView(parent
     setScene(&scene_);
     LookAt({}, 1);
     connect(&thumbnails_, &Thumbnails::Changed, this, &MapView::UpdateThumbnails);
+    connect(&photoCard_, &PhotoCard::Changed, viewport(), qOverload<>(&QWidget::update));
 }
 
 void MapView::ShowCrs(const std::string& wkt) {
@@ -52,7 +54,7 @@ void MapView::ShowCrs(const std::string& wkt) {
 }
 
 void MapView::Reload() {
-    hovered_ = nullptr;
+    SetHovered(nullptr);
     footprints_.clear();
     thumbnailItems_.clear();
     scene_.clear();
@@ -84,6 +86,7 @@ void MapView::AddLayer(std::size_t layer) {
         const QPolygonF corners = FootprintOf(kind, files[file]);
         if (!corners.isEmpty()) {
             footprints_.push_back(new FootprintItem(*this, layer, file, kind, corners));
+            footprints_.back()->SetHeading(files[file].photo.heading);
             scene_.addItem(footprints_.back());
         }
     }
@@ -133,7 +136,10 @@ void MapView::Fit(const QRectF& world, double margin) {
     const double byWidth = world.width() > 0 ? width / world.width() : kLargestScale;
     const double byHeight = world.height() > 0 ? height / world.height() : kLargestScale;
     const bool isPoint = world.width() <= 0 && world.height() <= 0;
-    LookAt(world.center(), isPoint ? width / kWidthAroundPoint : std::min(byWidth, byHeight));
+    const bool hasPhotos =
+        std::ranges::any_of(footprints_, [this](const FootprintItem* item) { return IsPhoto(item); });
+    LookAt(world.center(), isPoint ? width / (hasPhotos ? kDegreesAroundPhoto : kWidthAroundPoint)
+                                   : std::min(byWidth, byHeight));
 }
 
 void MapView::LookAt(const QPointF& world, double pixelsPerUnit) {
@@ -176,6 +182,9 @@ void MapView::drawForeground(QPainter* painter, const QRectF&) {
     } else {
         DrawNames(*painter);
         GridItem::DrawLabels(*painter, *this);
+    }
+    if (IsPhoto(hovered_)) {
+        photoCard_.Draw(*painter, *viewport(), hovered_->Pixels().center());
     }
     if (hasFocus()) {
         painter->setPen(palette().color(QPalette::Highlight));
@@ -262,6 +271,7 @@ void MapView::SetHovered(FootprintItem* item) {
     if (hovered_ != nullptr) {
         hovered_->SetHovered(true);
     }
+    photoCard_.SetPhoto(IsPhoto(hovered_) ? &FileOf(*hovered_) : nullptr);
 }
 
 void MapView::mouseReleaseEvent(QMouseEvent* event) {
@@ -323,7 +333,7 @@ bool MapView::viewportEvent(QEvent* event) {
         return QGraphicsView::viewportEvent(event);
     }
     const auto* help = static_cast<QHelpEvent*>(event);
-    if (const FootprintItem* item = FootprintAt(help->pos())) {
+    if (const FootprintItem* item = FootprintAt(help->pos()); item != nullptr && !IsPhoto(item)) {
         QToolTip::showText(help->globalPos(), Describe(*item), this);
     } else {
         QToolTip::hideText();
@@ -357,12 +367,20 @@ const LayerFile& MapView::FileOf(const FootprintItem& item) const {
     return project_.layers[item.Layer()].files[item.File()];
 }
 
+/// False for null, too.
+bool MapView::IsPhoto(const FootprintItem* item) const {
+    return item != nullptr && project_.layers[item->Layer()].kind == LayerKind::Photo;
+}
+
 QString MapView::Describe(const FootprintItem& item) const {
     const Layer& layer = project_.layers[item.Layer()];
     const LayerFile& file = FileOf(item);
     const QString name = ToQString(file.path) + '\n' + ToQString(layer.name) + '\n';
     if (layer.kind == LayerKind::Las) {
         return name + HostText(text::kFootprintPointsTooltip, {GroupedNumber(file.points)});
+    }
+    if (layer.kind == LayerKind::Photo) {
+        return name + ToQString(file.photo.timeUtc);
     }
     if (layer.kind != LayerKind::Raster) {
         return name + HostText(text::kFeatureCountTooltip, {GroupedNumber(file.feature.count)});

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/app/PhotoCard.h"
 #include "host/app/Project.h"
 #include "host/app/Thumbnails.h"
 
@@ -35,7 +36,7 @@ class MapView final : public QGraphicsView {
     void SetSelected(const std::set<std::pair<std::size_t, std::size_t>>& files);
 
     /// True while thumbnails are being read.
-    bool IsLoading() const { return thumbnails_.IsLoading(); }
+    bool IsLoading() const { return thumbnails_.IsLoading() || photoCard_.IsLoading(); }
 
     QSize sizeHint() const override { return {640, 480}; }
 
@@ -77,12 +78,14 @@ class MapView final : public QGraphicsView {
     QPointF ToWorld(const QPointF& pixel) const;
     FootprintItem* FootprintAt(const QPointF& pixel) const;
     const LayerFile& FileOf(const FootprintItem& item) const;
+    bool IsPhoto(const FootprintItem* item) const;
     QString Describe(const FootprintItem& item) const;
 
     const Project& project_;
     std::string wkt_;
     CrsGroups groups_;
     Thumbnails thumbnails_;
+    PhotoCard photoCard_;
     QGraphicsScene scene_;
     std::vector<FootprintItem*> footprints_;  ///< owned by the scene, as the next
     std::vector<QGraphicsItem*> thumbnailItems_;

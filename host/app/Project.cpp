@@ -122,10 +122,28 @@ std::optional<std::size_t> Project::MainLayer() const {
     for (const Layer& layer : layers) {
         placed.push_back(
             static_cast<std::size_t>(std::ranges::count_if(layer.files, [&layer](const LayerFile& file) {
-                return layer.kind == LayerKind::Las || file.raster.extent || file.feature.extent;
+                return layer.kind == LayerKind::Las || file.raster.extent || file.feature.extent ||
+                       file.photo.position;
             })));
     }
     return layers.empty() ? std::nullopt : std::optional(LayerOfMost(layers, placed));
+}
+
+FilePlaces Project::Update(LayerKind kind, const std::vector<LayerFile>& files) {
+    PathMap<const LayerFile*> fileOfPath;
+    for (const LayerFile& file : files) {
+        fileOfPath.Insert(file.path, &file);
+    }
+    FilePlaces places;
+    for (std::size_t layer = 0; layer < layers.size(); ++layer) {
+        for (std::size_t i = 0; layers[layer].kind == kind && i < layers[layer].files.size(); ++i) {
+            if (const auto* const found = fileOfPath.Find(layers[layer].files[i].path)) {
+                layers[layer].files[i] = **found;
+                places.emplace(layer, i);
+            }
+        }
+    }
+    return places;
 }
 
 void Project::Remove(const FilePlaces& files) {

@@ -37,18 +37,29 @@ struct RasterInfo {
 /// What is known of a shapefile of the project.
 struct FeatureInfo {
     std::int32_t shapeType = 0;  ///< code of the file's header: 1 for points, 3 for lines, 5 for polygons ...
-    std::uint64_t count = 0;     ///< features; photos of a photo layer
+    std::uint64_t count = 0;     ///< features
     /// minX, minY, maxX, maxY in units of the layer's CRS; none without a place.
     std::optional<std::array<double, 4>> extent;
 
     friend bool operator==(const FeatureInfo&, const FeatureInfo&) = default;
 };
 
+/// What is known of a photo of the project.
+struct PhotoInfo {
+    /// Longitude, latitude (degrees, WGS 84) and altitude (metres); none without a position.
+    std::optional<std::array<double, 3>> position;
+    std::optional<double> heading;  ///< degrees, clockwise from north
+    std::wstring timeUtc;           ///< empty if unknown
+
+    friend bool operator==(const PhotoInfo&, const PhotoInfo&) = default;
+};
+
 /// One file of a layer: what the footprint view and the tree tell of it without opening it.
 struct LayerFile {
     std::wstring path;
     RasterInfo raster;      ///< of a raster layer's files
-    FeatureInfo feature{};  ///< of the shapefiles of a feature or photo layer; the rest is of LAS files
+    FeatureInfo feature{};  ///< of a feature layer's shapefiles
+    PhotoInfo photo{};      ///< of a photo layer's photos; the rest is of LAS files
     std::uint64_t points = 0;
     std::array<double, 3> min{};  ///< in the units of the layer's CRS
     std::array<double, 3> max{};
@@ -122,6 +133,8 @@ struct Project {
     /// Takes files into layers of one kind, in their order. Layers that are missing are made, by name and
     /// number; a file that the kind's layers have already is left out.
     AddedFiles Take(LayerKind kind, const std::vector<NewFile>& files);
+    /// Gives files of a kind that the project has already what is known of them now. Returns their places.
+    FilePlaces Update(LayerKind kind, const std::vector<LayerFile>& files);
     /// Takes files away; a layer goes with its last file.
     void Remove(const FilePlaces& files);
 

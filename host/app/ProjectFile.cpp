@@ -139,6 +139,24 @@ LayerFile FeatureFromJson(const QJsonObject& json) {
     return file;
 }
 
+QJsonObject PhotoToJson(const LayerFile& file) {
+    const PhotoInfo& photo = file.photo;
+    return {{"path", PathToJson(file.path)},
+            {"position", ToJson(photo.position)},
+            {"heading", photo.heading ? QJsonValue(*photo.heading) : QJsonValue()},
+            {"timeUtc", ToQString(photo.timeUtc)}};
+}
+
+LayerFile PhotoFromJson(const QJsonObject& json) {
+    LayerFile file;
+    file.path = PathFromJson(json["path"]);
+    const QJsonValue heading = json["heading"];
+    file.photo = {OptionalFromJson<3>(json["position"]),
+                  heading.isDouble() ? std::optional(heading.toDouble()) : std::nullopt,
+                  ToWide(json["timeUtc"].toString())};
+    return file;
+}
+
 const KindInFile& InFile(LayerKind kind) {
     return *std::ranges::find(kKinds, kind, &KindInFile::kind);
 }
@@ -156,6 +174,8 @@ QJsonObject FileToJson(LayerKind kind, const LayerFile& file) {
             return LasToJson(file);
         case LayerKind::Raster:
             return RasterToJson(file);
+        case LayerKind::Photo:
+            return PhotoToJson(file);
         default:
             return FeatureToJson(file);
     }
@@ -167,6 +187,8 @@ LayerFile FileFromJson(LayerKind kind, const QJsonObject& json) {
             return LasFromJson(json);
         case LayerKind::Raster:
             return RasterFromJson(json);
+        case LayerKind::Photo:
+            return PhotoFromJson(json);
         default:
             return FeatureFromJson(json);
     }

@@ -3,6 +3,7 @@
 #include <map>
 #include <span>
 
+#include "host/app/PhotoJobs.h"
 #include "host/dem/DemConversion.h"
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/LasFileInfo.h"
@@ -374,6 +375,9 @@ std::wstring RecordText(const AddFilesParams& record) {
             text += (text.empty() ? L"" : L"\n") + FilesText(record, kind) + L"\n" +
                     LayersText(record, kind) + L"\n" + OptionsText(record, kind);
         }
+    }
+    if (const std::wstring photos = PhotosText(record); !photos.empty()) {
+        text += (text.empty() ? L"" : L"\n") + photos;
     }
     return text.empty() ? Text(text::kRecordEmpty) + L"\n" : text;
 }

@@ -68,8 +68,9 @@ IntakeResult RecordIntake::Take(const AddFilesParams& record) {
     TakeLas(record);
     TakeRasters(record);
     TakeDems(record);
-    result_.status =
-        Status(CountFiles(record.lasFiles) + CountFiles(record.rasterFiles) + CountFiles(record.demFiles));
+    TakePhotos(record);
+    result_.status = Status(CountFiles(record.lasFiles) + CountFiles(record.rasterFiles) +
+                            CountFiles(record.demFiles) + record.photoFiles.size());
     ReportLeftOut();
     return result_;
 }
@@ -206,6 +207,50 @@ void RecordIntake::TakeDems(const AddFilesParams& record) {
     Report(text::kDemConversionWarnings, result.warnings);
     const AddedFiles added = project_.Take(LayerKind::Las, result.files);
     result_.convertedDems = added.places.size();
+    Keep(added);
+}
+
+void RecordIntake::TakePhotos(const AddFilesParams& record) {
+    if (record.photoFiles.empty()) {
+        return;
+    }
+    try {
+        const PhotoTarget target = PhotoTargetOf(record, ToWidePath(projectFolder_));
+        const auto import = std::make_shared<PhotoImport>();
+        const WorkEnd end = WorkDialog::Run(window_, HostText(text::kPhotoLayerTitle),
+                                            [=, paths = record.photoFiles](Kst::ProgressIf& progress) {
+                                                *import = ImportPhotos(paths, target, progress);
+                                            });
+        if (end == WorkEnd::Abandoned || import->layer.stopped) {
+            remarks_ += ' ' + HostText(text::kStatusPhotosStopped);
+            return;
+        }
+        TakeImport(*import, target.replace);
+    } catch (const LDataError& error) {
+        for (const std::wstring& path : record.photoFiles) {
+            leftOut_.push_back({path, error.Text()});
+        }
+    }
+}
+
+void RecordIntake::TakeImport(const PhotoImport& import, bool replaces) {
+    leftOut_.insert(leftOut_.end(), import.failures.begin(), import.failures.end());
+    const PhotoLayerResult& layer = import.layer;
+    if (!layer.path.empty()) {
+        remarks_ +=
+            ' ' + HostText(text::kPhotoLayerWritten, {FileNameOf(layer.path), layer.added, layer.replaced});
+    }
+    std::ranges::move(SectionsOf(layer.notWritten), std::back_inserter(result_.news));
+    Report(text::kPhotosShortened, layer.shortened);
+    AddedFiles added = project_.Take(LayerKind::Photo, import.files);
+    if (replaces) {
+        std::vector<LayerFile> files;
+        std::ranges::transform(import.files, std::back_inserter(files), &NewFile::file);
+        const FilePlaces known = project_.Update(LayerKind::Photo, files);
+        added.mainLayer = added.places.empty() && !known.empty() ? known.begin()->first : added.mainLayer;
+        added.places = known;  // the new ones, too
+        added.others.clear();
+    }
     Keep(added);
 }
 

@@ -3,6 +3,7 @@
 #include <optional>
 #include <vector>
 
+#include "host/app/PhotoJobs.h"
 #include "host/app/RasterJobs.h"
 #include "support/Text.h"
 
@@ -39,6 +40,8 @@ class RecordIntake {
     void TakeLas(const AddFilesParams& record);
     void TakeRasters(const AddFilesParams& record);
     void TakeDems(const AddFilesParams& record);
+    void TakePhotos(const AddFilesParams& record);
+    void TakeImport(const PhotoImport& import, bool replaces);
     LidarAccess LasAccess(const AddFilesParams& record);
     void BuildPyramids(const std::vector<NewFile>& rasters);
     void Keep(const AddedFiles& added);

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "host/app/SampleLasFile.h"
+#include "host/app/SamplePhotos.h"
 #include "host/app/SampleRasters.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/LDataError.h"
@@ -115,6 +116,9 @@ fs::path EnsureSampleProject(const fs::path& folder) {
                      [](const fs::path& part) { WriteSampleRasters(part, kWest, kSouth, kUtm32); });
         EnsureFolder(data / "elevation",
                      [](const fs::path& part) { WriteSampleElevation(part, kWest, kSouth, kUtm32); });
+        EnsureFolder(data / "photos", [&data](const fs::path& part) {
+            WriteSamplePhotos(part, data / "rasters" / "orthophoto.tif");
+        });
         return folder;
     } catch (const std::exception&) {
         return {};

@@ -2,7 +2,9 @@
 #include <QApplication>
 #include <QDir>
 #include <QDirIterator>
+#include <QGraphicsView>
 #include <QMessageBox>
+#include <QMouseEvent>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -16,6 +18,7 @@
 #include "host/app/HostText.h"
 #include "host/app/HostWindow.h"
 #include "host/app/ParentConsole.h"
+#include "host/app/PhotoJobs.h"
 #include "host/app/SampleProject.h"
 #include "host/objects/HostClasses.h"
 #include "support/Environment.h"
@@ -43,7 +46,7 @@ std::wstring SampleProjectFailure() {
 /// Every file of a sample project that the dialog takes.
 QStringList SampleFiles(const QString& project) {
     const QString data = ToQString(FromPath(SampleData(ToPath(ToWide(project)))));
-    QDirIterator files(data, {"*.las", "*.laz", "*.tif", "*.png", "*.bil", "*.asc"}, QDir::Files,
+    QDirIterator files(data, {"*.las", "*.laz", "*.tif", "*.png", "*.bil", "*.asc", "*.jpg"}, QDir::Files,
                        QDirIterator::Subdirectories);
     QStringList paths;
     while (files.hasNext()) {
@@ -78,8 +81,13 @@ Start ChooseStart(const HostArguments& arguments, const HostPreferences& prefere
 
 /// The objects that the component asks its host for; the project folder is that of the window.
 host::HostClasses MakeHostClasses(const HostWindow& window) {
-    return host::HostClasses(
-        {host::DefaultSettingsFile(), [&window] { return ToWide(window.ProjectFolder()); }});
+    const auto folder = [&window] { return ToWide(window.ProjectFolder()); };
+    host::HostData data{host::DefaultSettingsFile(), folder};
+    data.photoFolder = [folder] { return PhotoFolderOf(folder()); };
+    data.openLayer = [folder](const std::wstring& path) {
+        return OpenPhotoLayer(PhotoLayerPath(path, folder()));
+    };
+    return host::HostClasses(std::move(data));
 }
 
 /// A display that does not answer ends the process from inside the toolkit, with a crash; this ends it with a
@@ -102,10 +110,27 @@ void WaitForThumbnails(const HostWindow& window) {
     QCoreApplication::processEvents();
 }
 
+/// Puts the cursor on the first photo that has a place.
+void HoverPhoto(const HostWindow& window) {
+    QWidget* const map = window.findChild<QWidget*>("footprints");
+    const auto* const view = qobject_cast<QGraphicsView*>(map);
+    for (const Layer& layer : window.CurrentProject().layers) {
+        for (const LayerFile& file : layer.files) {
+            if (file.photo.position) {
+                const QPointF pixel(view->mapFromScene((*file.photo.position)[0], (*file.photo.position)[1]));
+                QMouseEvent move(QEvent::MouseMove, pixel, view->viewport()->mapToGlobal(pixel), Qt::NoButton,
+                                 Qt::NoButton, Qt::NoModifier);
+                QApplication::sendEvent(view->viewport(), &move);
+                return;
+            }
+        }
+    }
+}
+
 /// True if the record came back with files of every kind that is expected, and with any at all.
 bool Holds(const RecordCounts& counts, const std::set<QString>& expected) {
     const std::pair<const char*, std::size_t> kinds[] = {
-        {"las", counts.las}, {"raster", counts.rasters}, {"dem", counts.dems}};
+        {"las", counts.las}, {"raster", counts.rasters}, {"dem", counts.dems}, {"photo", counts.photos}};
     for (const auto& [name, count] : kinds) {
         if (expected.contains(name) && count == 0) {
             std::cerr << "orvex-host: no files of the tab '" << name << "' came back" << std::endl;
@@ -116,7 +141,7 @@ bool Holds(const RecordCounts& counts, const std::set<QString>& expected) {
         std::cerr << "orvex-host: no elevation file became a LAS file" << std::endl;
         return false;
     }
-    return counts.las + counts.rasters + counts.dems > 0;
+    return counts.las + counts.rasters + counts.dems + counts.photos > 0;
 }
 
 /// Opens the host's window and, where there is something to add, the dialog with it. Returns the exit code.
@@ -179,11 +204,17 @@ int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     watchdog.WaitingFor("the picture of the host");
     WaitForThumbnails(window);
     driver.TakePicture(&window, "host");
+    if (window.ShowKind(LayerKind::Photo)) {
+        HoverPhoto(window);
+        WaitForThumbnails(window);
+        driver.TakePicture(&window, "host-photos");
+    }
     watchdog.WaitingFor("the LiDAR question");
     window.AskLidarAccess();
     // The sample project has files of every kind.
-    const std::set<QString> expected =
-        arguments.paths.isEmpty() ? std::set<QString>{"las", "raster", "dem"} : driver.TabsWithFiles();
+    const std::set<QString> expected = arguments.paths.isEmpty()
+                                           ? std::set<QString>{"las", "raster", "dem", "photo"}
+                                           : driver.TabsWithFiles();
     return Holds(window.LastRecordCounts(), expected) ? 0 : 1;
 }
 

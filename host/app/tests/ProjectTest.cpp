@@ -54,6 +54,15 @@ LayerFile Shapefile(const std::wstring& path) {
     return file;
 }
 
+LayerFile Photo(const std::wstring& path) {
+    LayerFile file;
+    file.path = path;
+    file.photo.position = {{9.123456789012345, -48.1, 350.25}};
+    file.photo.heading = 359.5;
+    file.photo.timeUtc = L"2024-05-01 10:20:30";
+    return file;
+}
+
 TEST(ProjectFile, KeepsEverythingThroughSavingAndLoading) {
     const TemporaryFolder folder;
     Project project;
@@ -63,7 +72,7 @@ TEST(ProjectFile, KeepsEverythingThroughSavingAndLoading) {
         {L"no CRS", "", {File(L"/x.las")}},
         {L"no CRS", kUtm, {Raster(L"/r/100%.tif"), {L"/r/no place.png", {}}}, LayerKind::Raster},
         {L"roads", kUtm, {Shapefile(L"/f/100%.shp"), {L"/f/empty.shp", {}}}, LayerKind::Feature},
-        {L"roads", "", {Shapefile(L"/p/photos.shp")}, LayerKind::Photo}};
+        {L"roads", "", {Photo(L"/p/100%.jpg"), {L"/p/no place.jpg", {}}}, LayerKind::Photo}};
     const QString where = ToQString(folder.Name(L"neues Projekt \u00FC"));
     QString problem;
     ASSERT_TRUE(SaveProject(where, project, problem)) << problem.toStdString();
@@ -148,6 +157,18 @@ TEST(Project, RemovesFilesAndTheLayersThatTheyLeaveEmpty) {
     ASSERT_EQ(project.layers.size(), 1U);
     ASSERT_EQ(project.layers[0].files.size(), 1U);
     EXPECT_EQ(project.layers[0].files[0].path, L"/2");
+}
+
+TEST(Project, UpdatesTheFilesOfAKindThatItHas) {
+    Project project;
+    project.layers = {{L"a", "", {{L"/1.jpg", {}}, {L"/2.jpg", {}}}, LayerKind::Photo},
+                      {L"a", "", {{L"/2.jpg", {}}}, LayerKind::Raster},
+                      {L"b", "", {{L"/3.jpg", {}}}, LayerKind::Photo}};
+    EXPECT_EQ(project.Update(LayerKind::Photo, {Photo(L"/2.jpg"), Photo(L"/3.jpg"), Photo(L"/4.jpg")}),
+              (FilePlaces{{0, 1}, {2, 0}}));
+    EXPECT_EQ(project.layers[0].files[1], Photo(L"/2.jpg"));
+    EXPECT_EQ(project.layers[1].files[0], LayerFile({L"/2.jpg", {}}));
+    EXPECT_EQ(project.FileCount(), 4U);
 }
 
 TEST(SampleProject, OfAnEarlierVersionGetsWhatItLacksAndLosesNothing) {

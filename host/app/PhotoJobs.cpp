@@ -1,0 +1,170 @@
+#include "host/app/PhotoJobs.h"
+
+#include <algorithm>
+#include <boost/property_tree/ptree.hpp>
+#include <cmath>
+#include <iterator>
+#include <map>
+#include <utility>
+
+#include "host/app/RecordFiles.h"
+#include "orvexcommon/AddFilesParams.h"
+#include "orvexcommon/Geocoding.h"
+#include "orvexcommon/OrvexUtilities.h"
+#include "support/Files.h"
+#include "support/Format.h"
+#include "support/ProjectPath.h"
+#include "support/Text.h"
+
+namespace orvex {
+
+namespace {
+
+using boost::property_tree::wptree;
+
+/// Photos that are read at a time: enough for all processors, few enough to stop soon.
+constexpr std::size_t kAtATime = 64;
+constexpr int kWgs84 = 4326;
+
+/// Longitude and latitude; nullopt where they are missing, out of range, or both 0, as cameras write them
+/// before they know where they are.
+std::optional<std::array<double, 3>> PositionOf(const wptree& image) {
+    const auto longitude = image.get_optional<double>(L"GPSLongitude");
+    const auto latitude = image.get_optional<double>(L"GPSLatitude");
+    const double altitude = image.get(L"GPSAltitude", 0.0);
+    if (!longitude || !latitude || !(std::abs(*longitude) <= 180) || !(std::abs(*latitude) <= 90) ||
+        (*longitude == 0 && *latitude == 0)) {
+        return std::nullopt;
+    }
+    return std::array<double, 3>{*longitude, *latitude, std::isfinite(altitude) ? altitude : 0};
+}
+
+/// From 0 up to 360 degrees.
+std::optional<double> HeadingOf(const wptree& image) {
+    const auto yaw = image.get_optional<double>(L"CameraYaw");
+    if (!yaw || !std::isfinite(*yaw)) {
+        return std::nullopt;
+    }
+    const double turned = std::fmod(*yaw, 360);
+    return turned < 0 ? turned + 360 : turned;
+}
+
+PhotoRecord RecordOf(const wptree& image) {
+    PhotoRecord photo;
+    photo.path = image.get(L"SourceFile", std::wstring());
+    photo.position = PositionOf(image);
+    photo.heading = HeadingOf(image);
+    photo.camera = image.get(L"PlatformID", std::wstring());
+    const double tick = image.get(L"CameraAdjGpsSec", 0.0);
+    if (tick > 0 && std::isfinite(tick)) {
+        photo.masterTick = tick;
+        photo.timeUtc = FromUtf8(TimeConverter::AdjGPSSecsToUTC(tick, false));
+    }
+    return photo;
+}
+
+void ReadSome(const std::vector<std::wstring>& paths, ReadPhotos& read) {
+    wptree tree;
+    OrvexUtilities::GetExifTagPTreeForImages(paths, tree);
+    for (const auto& [name, image] : tree.get_child(L"Images")) {
+        if (const auto error = image.get_optional<std::wstring>(L"Error")) {
+            read.failures.push_back({image.get(L"SourceFile", std::wstring()), *error});
+        } else {
+            read.photos.push_back(RecordOf(image));
+        }
+    }
+}
+
+NewFile FileOf(const PhotoRecord& photo, const std::wstring& layer, const std::string& wkt) {
+    NewFile added{layer, wkt, {}};
+    added.file.path = photo.path;
+    added.file.photo = {photo.position, photo.heading, photo.timeUtc};
+    return added;
+}
+
+std::wstring OptionLine(StringId caption, const std::wstring& value) {
+    return L"  " + Text(caption) + L": " + value + L"\n";
+}
+
+}  // namespace
+
+std::wstring PhotoFolderOf(const std::wstring& projectFolder) {
+    return projectFolder.empty() ? projectFolder : JoinPath(projectFolder, L"Photos");
+}
+
+std::wstring PhotoLayerPath(const std::wstring& typed, const std::wstring& projectFolder) {
+    std::wstring path = ResolveProjectPath(typed, projectFolder);
+    if (!ToPath(path).is_absolute()) {
+        path = JoinPath(PhotoFolderOf(projectFolder), path);
+    }
+    return UpperExtensionOf(path) == L".SHP" ? path : path + L".shp";
+}
+
+ReadPhotos ReadPhotoMetadata(const std::vector<std::wstring>& paths, Kst::ProgressIf& progress) {
+    ReadPhotos read;
+    progress.SetRange(paths.size());
+    for (std::size_t first = 0; first < paths.size(); first += kAtATime) {
+        read.stopped = progress.IsCancelled();
+        if (read.stopped) {
+            break;
+        }
+        progress.SetText(FormatText(Text(text::kPhotoReadingProgress), {first + 1, paths.size()}));
+        const auto begin = paths.begin() + static_cast<std::ptrdiff_t>(first);
+        const std::size_t count = std::min(kAtATime, paths.size() - first);
+        ReadSome({begin, begin + static_cast<std::ptrdiff_t>(count)}, read);
+        progress.SetPosition(first + count);
+    }
+    return read;
+}
+
+PhotoImport ImportPhotos(const std::vector<std::wstring>& paths, const PhotoTarget& target,
+                         Kst::ProgressIf& progress) {
+    PhotoImport import;
+    const ReadPhotos read = ReadPhotoMetadata(paths, progress);
+    import.failures = read.failures;
+    import.layer.stopped = read.stopped || progress.IsCancelled();
+    if (import.layer.stopped) {
+        return import;
+    }
+    progress.SetText(FileNameOf(target.path));
+    import.layer = WritePhotoLayer(read.photos, target, progress);
+    const std::wstring& written = import.layer.path.empty() ? target.path : import.layer.path;
+    const std::wstring layer = WithExtension(FileNameOf(written), L"");
+    const std::string wkt = OrvexUtilities::CrsGetPrettyWktFromEPSG(kWgs84);
+    std::ranges::transform(read.photos, std::back_inserter(import.files),
+                           [&](const PhotoRecord& photo) { return FileOf(photo, layer, wkt); });
+    return import;
+}
+
+PhotoTarget PhotoTargetOf(const AddFilesParams& record, const std::wstring& projectFolder) {
+    PhotoTarget target;
+    target.path = PhotoLayerPath(
+        record.photoLayer.empty() ? Text(text::kDefaultPhotoLayer) : record.photoLayer, projectFolder);
+    target.append = !record.photoLayer.empty() && FileExists(target.path);
+    target.replace = record.photoReplaceExisting;
+    return target;
+}
+
+std::wstring PhotosText(const AddFilesParams& record) {
+    if (record.photoFiles.empty()) {
+        return {};
+    }
+    std::map<std::wstring, std::wstring> linesOfFolder;
+    for (const std::wstring& path : record.photoFiles) {
+        linesOfFolder[FolderOf(path)] += L"  " + FileNameOf(path) + L"\n";
+    }
+    std::wstring text = FormatText(Text(text::kRecordPhotoFiles), {record.photoFiles.size()}) + L"\n";
+    for (const auto& [folder, lines] : linesOfFolder) {
+        text += folder + L"\n" + lines;
+    }
+    const bool isNew = record.photoLayer.empty();
+    text += L"\n" + Text(text::kRecordOptions) + L"\n" +
+            OptionLine(text::kRecordPhotoLayer, isNew ? Text(text::kRecordPhotoLayerNew) : record.photoLayer);
+    if (!isNew) {
+        text += OptionLine(text::kRecordPhotoReplace,
+                           Text(record.photoReplaceExisting ? text::kRecordYes : text::kRecordNo));
+    }
+    return text;
+}
+
+}  // namespace orvex
