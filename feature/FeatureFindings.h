@@ -32,7 +32,7 @@ inline constexpr FindingKind kPartlyRead{"partly-read", Warning, {}};
 inline constexpr FindingKind kNoFeatures{"no-features", Warning, text::kFeatureNone};
 inline constexpr FindingKind kExtentInverted{"extent-inverted", Warning, text::kLasExtentInverted};
 inline constexpr FindingKind kExtentNotFinite{"extent-not-finite", Warning, text::kLasExtentNotFinite};
-inline constexpr FindingKind kNoCrs{"no-crs", Note, text::kFileWithoutCrs};
+inline constexpr FindingKind kNoCrs{"no-crs", Note, text::kFeatureNoPrj};
 inline constexpr FindingKind kCrsUnreadable{"crs-unreadable", Warning, text::kCrsUnreadable};
 inline constexpr FindingKind kPrjUnreadable{"prj-unreadable", Warning, text::kPrjUnreadable};
 // Of the page's rules.

@@ -110,7 +110,8 @@ class ShapeIndex {
     /// Compares some of its entries, from the first to the last, with the shapes they point to.
     IndexFit Compare(const RegularFile& shapes, const Header& header) const {
         constexpr std::uint64_t kSamples = 16;
-        const std::uint64_t room = std::max(header.bytes, shapes.Size()) - kHeaderBytes;
+        constexpr std::uint64_t kMostRoom = std::uint64_t{1} << 33U;  // that its offsets reach
+        const std::uint64_t room = std::min(std::max(header.bytes, shapes.Size()), kMostRoom) - kHeaderBytes;
         IndexFit fit{count_ > room / (kRecordHeaderBytes + kLeastContent), false};
         const std::uint64_t step = std::max<std::uint64_t>(count_ / kSamples, 1);
         for (std::uint64_t i = 0; i < count_ && !fit.contradicts; i += step) {

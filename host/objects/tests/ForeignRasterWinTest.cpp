@@ -1,53 +1,21 @@
 // Another host's raster-information class, as the component calls it from its workers.
-#include <OrvexHost.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <bit>
 #include <limits>
 #include <string>
 #include <thread>
 
+#include "host/objects/tests/ForeignObject.h"
 #include "support/HostObjects.h"
 #include "support/com/ComApartment_win.h"
 
 namespace orvex::host {
 namespace {
 
-std::atomic<long> liveObjects = 0;
-
 /// Has the essentials only: no details, no failure reasons. The path chooses its answers: "plain", "odd",
 /// "bare" (a size and nothing else), "no size", "fails". The projection code is the id of the calling thread.
-class ForeignRaster final : public IOrvexRasterInformation {
+class ForeignRaster final : public ForeignObject<IOrvexRasterInformation> {
   public:
-    ForeignRaster() { ++liveObjects; }
-    virtual ~ForeignRaster() { --liveObjects; }
-    ForeignRaster(const ForeignRaster&) = delete;
-    ForeignRaster& operator=(const ForeignRaster&) = delete;
-
-    STDMETHODIMP QueryInterface(REFIID interfaceId, void** object) override {
-        const bool isKnown = IsEqualIID(interfaceId, __uuidof(IUnknown)) ||
-                             IsEqualIID(interfaceId, __uuidof(IDispatch)) ||
-                             IsEqualIID(interfaceId, __uuidof(IOrvexRasterInformation));
-        *object = isKnown ? static_cast<IOrvexRasterInformation*>(this) : nullptr;
-        references_ += isKnown ? 1 : 0;
-        return isKnown ? S_OK : E_NOINTERFACE;
-    }
-    STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() override {
-        const ULONG left = --references_;
-        if (left == 0) {
-            delete this;
-        }
-        return left;
-    }
-    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
-    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
-        return E_NOTIMPL;
-    }
-
     STDMETHODIMP Open(BSTR path) override {
         path_ = path;
         return path_ == L"fails" ? E_ACCESSDENIED : S_OK;
@@ -91,28 +59,6 @@ class ForeignRaster final : public IOrvexRasterInformation {
     }
 
     std::wstring path_;
-    std::atomic<ULONG> references_ = 1;
-};
-
-/// Class object of ForeignRaster; a member of the test, so that its references do not count.
-class ForeignClass final : public IClassFactory {
-  public:
-    virtual ~ForeignClass() = default;
-    STDMETHODIMP QueryInterface(REFIID interfaceId, void** object) override {
-        const bool isKnown =
-            IsEqualIID(interfaceId, __uuidof(IUnknown)) || IsEqualIID(interfaceId, __uuidof(IClassFactory));
-        *object = isKnown ? static_cast<IClassFactory*>(this) : nullptr;
-        return isKnown ? S_OK : E_NOINTERFACE;
-    }
-    STDMETHODIMP_(ULONG) AddRef() override { return 2; }
-    STDMETHODIMP_(ULONG) Release() override { return 1; }
-    STDMETHODIMP CreateInstance(IUnknown*, REFIID interfaceId, void** object) override {
-        auto* made = new ForeignRaster;
-        const HRESULT result = made->QueryInterface(interfaceId, object);
-        made->Release();
-        return result;
-    }
-    STDMETHODIMP LockServer(BOOL) override { return S_OK; }
 };
 
 class ForeignRasterTest : public ::testing::Test {
@@ -123,13 +69,6 @@ class ForeignRasterTest : public ::testing::Test {
         std::wstring reason;
         DWORD thread = 0;  ///< the worker's
     };
-
-    ForeignRasterTest() {
-        EXPECT_EQ(CoRegisterClassObject(std::bit_cast<CLSID>(kRasterInformationClass), &class_,
-                                        CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &token_),
-                  S_OK);
-    }
-    ~ForeignRasterTest() override { CoRevokeClassObject(token_); }
 
     /// Asks an object on a worker thread, as the component does.
     Answer Describe(const std::wstring& path) const {
@@ -146,8 +85,7 @@ class ForeignRasterTest : public ::testing::Test {
   private:
     const ComApartment apartment_{COINIT_MULTITHREADED};
     const RasterInformationMaker maker_ = MakeHostObjects()->RasterInformation();
-    ForeignClass class_;
-    DWORD token_ = 0;
+    const ForeignClass<ForeignRaster> class_{kRasterInformationClass};
 };
 
 TEST_F(ForeignRasterTest, OddAnswersAreUnderstoodAndNoObjectIsLeft) {
@@ -176,7 +114,7 @@ TEST_F(ForeignRasterTest, OddAnswersAreUnderstoodAndNoObjectIsLeft) {
         expected.projectionCode = c.isThreadGiven ? static_cast<std::int32_t>(answer.thread) : 0;
         EXPECT_TRUE(static_cast<const RasterEssentials&>(answer.properties) == expected) << c.path;
     }
-    EXPECT_EQ(liveObjects, 0);
+    EXPECT_EQ(ForeignRaster::Live(), 0);
 }
 
 }  // namespace
