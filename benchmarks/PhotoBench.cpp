@@ -1,0 +1,131 @@
+// Reading the metadata of the photos of a folder, compared with the program exiftool in one call, and the
+// cost of a photo among many.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <limits>
+#include <string>
+
+#include "benchmarks/Bench.h"
+#include "benchmarks/Probe.h"
+#include "host/utilities/testing/PhotoSamples.h"
+#include "photo/PhotoRow.h"
+#include "photo/PhotoSeries.h"
+#include "support/Text.h"
+
+namespace orvex::bench {
+namespace {
+
+constexpr int kRounds = 5;
+constexpr std::size_t kPixelBytes = std::size_t{64} << 10U;
+constexpr std::size_t kFew = 100;
+constexpr std::size_t kCompared = 1000;  // the other program takes seconds for these
+
+/// A photo of a drone: EXIF with maker notes, XMP, and 64 KiB that stand for the picture.
+void WriteVariant(const std::filesystem::path& path, std::size_t variant) {
+    testing::ExifBytes exif;
+    exif.Position(8.5 + static_cast<double>(variant) * 1e-4, 47.25, 520)
+        .GpsTime("2019:07:14", 9, 21, {33, 1});
+    exif.Text(testing::ExifBytes::kImage, 0x10F, "Maker").Text(testing::ExifBytes::kImage, 0x110, "M1");
+    exif.Fractions(testing::ExifBytes::kExif, 0x920A, {{88, 10}});
+    exif.Bytes(testing::ExifBytes::kExif, 0x927C, std::string(20000, 'm'));
+    const std::string xmp = testing::XmpWith(
+        "http://www.dji.com/drone-dji/1.0/",
+        {{"AbsoluteAltitude", "+520.5"}, {"GimbalYawDegree", "-90.3"}, {"GimbalPitchDegree", "-89.9"}});
+    std::ofstream(path, std::ios::binary)
+        << testing::JpegWith(exif.Build(), xmp, 5472, 3648) << std::string(kPixelBytes, 'p');
+}
+
+std::vector<PhotoRow> Inspect(const std::vector<std::wstring>& paths) {
+    std::vector<PhotoRow> rows;
+    rows.reserve(paths.size());
+    std::ranges::transform(paths, std::back_inserter(rows), InspectPhoto);
+    ComparePhotos(rows);
+    return rows;
+}
+
+/// Milliseconds of the fastest of several rounds.
+double Fastest(const std::vector<std::wstring>& paths) {
+    double best = std::numeric_limits<double>::infinity();
+    for (int round = 0; round < kRounds; ++round) {
+        best = std::min(best, Milliseconds([&] { Inspect(paths); }));
+    }
+    return best;
+}
+
+/// One call for the whole folder; 0 when this machine has no such program.
+double ExiftoolMilliseconds(const std::filesystem::path& folder, const std::filesystem::path& output) {
+    const std::string redirection = " >\"" + output.string() + "\" 2>&1";
+    if (std::system(("exiftool -ver" + redirection).c_str()) != 0) {
+        return 0;
+    }
+    return Milliseconds([&] {
+        const std::string command = fmt::format("exiftool -fast2 -json -n -r \"{}\"", folder.string());
+        if (std::system((command + redirection).c_str()) != 0) {
+            std::cerr << "exiftool fails\n";
+        }
+    });
+}
+
+void Compare(const std::filesystem::path& folder, const std::vector<std::wstring>& paths,
+             const std::string& name, Figures& figures) {
+    const double ours = Fastest(paths);
+    figures.Add("photo_" + name + "_inspected", ours, "ms");
+    const std::filesystem::path output = std::filesystem::temp_directory_path() / "orvex-bench-exiftool.json";
+    if (const double theirs = ExiftoolMilliseconds(folder, output); theirs > 0) {
+        figures.Add("photo_" + name + "_exiftool", theirs, "ms");
+        figures.Add("photo_" + name + "_exiftool_ratio", ours / theirs, "ratio");
+    }
+    std::filesystem::remove(output);
+}
+
+void MeasureGrowth(std::size_t files, Figures& figures) {
+    const Corpus corpus(files, {".jpg", files, WriteVariant});
+    const std::vector<std::wstring>& paths = corpus.Paths();
+    const double few =
+        Fastest({paths.begin(), paths.begin() + static_cast<std::ptrdiff_t>(std::min(kFew, files))});
+    const std::uint64_t before = HeapInUse();
+    const std::vector<PhotoRow> rows = Inspect(paths);
+    const std::uint64_t after = HeapInUse();
+    const double many = Fastest(paths);
+    const double each = many / static_cast<double>(files);
+    figures.Add("photo_files", static_cast<double>(std::ranges::count_if(rows, &PhotoRow::loadable)),
+                "files");
+    figures.Add("photo_inspected", each * 1e3, "us/file");
+    figures.Add("photo_growth", each / (few / static_cast<double>(std::min(kFew, files))), "ratio");
+    figures.Add("photo_heap", static_cast<double>(after - before) / static_cast<double>(files), "bytes/file");
+}
+
+/// The files of a folder, which the user names.
+std::vector<std::wstring> FilesIn(const std::filesystem::path& folder) {
+    std::vector<std::wstring> paths;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        paths.push_back(FromPath(entry.path()));
+    }
+    return paths;
+}
+
+}  // namespace
+}  // namespace orvex::bench
+
+int main(int argc, char** argv) {
+    using namespace orvex::bench;
+    const auto options = ParseBenchOptions(argc, argv, 10000);
+    if (!options) {
+        return 2;
+    }
+    Figures figures;
+    {
+        const Corpus corpus(kCompared, {".jpg", kCompared, WriteVariant});
+        Compare(corpus.Folder(), corpus.Paths(), "list", figures);
+    }
+    // Real photos differ more than made ones.
+    if (const char* folder = std::getenv("ORVEX_BENCH_PHOTOS")) {
+        Compare(folder, FilesIn(folder), "folder", figures);
+    }
+    MeasureGrowth(options->files, figures);
+    return figures.Write(options->output) ? 0 : 1;
+}
