@@ -1,5 +1,6 @@
 #include "feature/FeatureColumns.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "support/ImageIndex.h"
@@ -54,9 +55,28 @@ bool IsKml(const FeatureRow& row) {
     return row.kind == FeatureKind::Kml || row.kind == FeatureKind::Kmz;
 }
 
-/// The layers of a KML file, which need not show anywhere else.
+/// The numbers of layers and features, then one line per layer with its number of features: of a KML file,
+/// whose layers are not named anywhere else in its row.
 std::wstring LayersTooltip(const FeatureRow& row) {
-    return IsKml(row) && row.isRead ? FeatureLayerDetails(row) : std::wstring();
+    constexpr std::size_t kMostLines = 50;  // what a screen holds
+    if (!IsKml(row) || !row.isRead) {
+        return {};
+    }
+    std::wstring text = row.summary + L"\n";
+    for (std::size_t i = 0; i < std::min(row.layers.size(), kMostLines); ++i) {
+        text += FormatText(L"%s (%u)\n", {row.layers[i].name, row.layers[i].count});
+    }
+    return row.layers.size() <= kMostLines
+               ? text
+               : text + FormatText(Text(text::kMoreItems), {row.layers.size() - kMostLines}) + L"\n";
+}
+
+std::wstring Attributes(const FeatureRow& row) {
+    std::wstring text;
+    for (const FeatureField& field : row.fields) {
+        text += FormatText(L"%s (%s),\n", {field.name, field.type});
+    }
+    return text;
 }
 
 std::wstring Findings(const FeatureRow& row) {
@@ -198,7 +218,7 @@ constexpr Column<FeatureRow> kColumns[] = {
     {NumberColumn("fieldCount", text::kFeatureFieldCount, kCount),
      OfRead<[](const FeatureRow& row) { return static_cast<double>(row.fieldCount); }>},
     {TextColumn("fields", text::kFeatureAttributes, 200),
-     [](const FeatureRow& row) { return GridCell(row.attributes); }},
+     [](const FeatureRow& row) { return GridCell(Attributes(row)); }},
 };
 
 }  // namespace

@@ -41,7 +41,6 @@ void AddField(FeatureRow& row, std::wstring name, std::int32_t type) {
     if (name.empty() || type < 0 || type >= static_cast<std::int32_t>(std::size(kTypeWords))) {
         return;
     }
-    row.attributes += FormatText(L"%s (%s),\n", {name, kTypeWords[type]});
     row.fields.push_back({std::move(name), kTypeWords[type]});
 }
 
@@ -304,14 +303,6 @@ std::wstring FeatureSummary(const FeatureRow& row) {
 std::wstring FeatureLayerName(const FeatureRow& row) {
     const std::wstring name = FileNameOf(row.path);
     return name.substr(0, name.size() - UpperExtensionOf(name).size());
-}
-
-std::wstring FeatureLayerDetails(const FeatureRow& row) {
-    std::wstring text = row.summary + L"\n";
-    for (const FeatureLayer& layer : row.layers) {
-        text += layer.name + L" (" + std::to_wstring(layer.count) + L")\n";
-    }
-    return text;
 }
 
 }  // namespace orvex

@@ -53,7 +53,6 @@ struct FeatureRow {
     std::vector<FeatureLayer> layers;  ///< in the order of their names; of a shapefile one with its name
     std::int32_t fieldCount = 0;       ///< of a shapefile as its reader counts them; else 0
     std::vector<FeatureField> fields;  ///< those of them that have a name and a known type
-    std::wstring attributes;           ///< one "name (type),\n" for each
     /// Minimum X, minimum Y, maximum X, maximum Y as the file states them, in units of the CRS; nullopt
     /// without features.
     std::optional<std::array<double, 4>> extent;
@@ -80,9 +79,6 @@ std::wstring FeatureSummary(const FeatureRow& row);
 
 /// File name without extension: the name of a shapefile's layer.
 std::wstring FeatureLayerName(const FeatureRow& row);
-
-/// The numbers of layers and features, then one line per layer with its number of features.
-std::wstring FeatureLayerDetails(const FeatureRow& row);
 
 /// What the page's options and the project ask of the files.
 struct FeatureRules {

@@ -74,6 +74,8 @@ TEST(FeatureColumns, ShowTheLayersOfAKmlFileAndItsDegrees) {
     EXPECT_EQ(Tooltip(row, "summary"), layers);
     row.findings = {{FindingSeverity::Warning, L"A link was not followed.", "partly-read"}};
     EXPECT_EQ(Tooltip(row, "summary"), layers + L"A link was not followed.");
+    row.layers.resize(1000, {L"Folder", 1});
+    EXPECT_LT(Tooltip(row, "features").size(), 1000U) << "what a screen holds";
     row.kind = FeatureKind::Dxf;
     EXPECT_EQ(Tooltip(row, "features"), L"");
     EXPECT_EQ(Tooltip(row, "summary"), L"A link was not followed.");
