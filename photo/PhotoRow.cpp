@@ -9,8 +9,8 @@
 
 #include "orvexcommon/Geocoding.h"
 #include "orvexcommon/OrvexUtilities.h"
+#include "photo/PhotoDriver.h"
 #include "photo/PhotoFindings.h"
-#include "support/DataKinds.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
@@ -125,6 +125,8 @@ PhotoImage ImageOf(const Tree& node) {
     Take(node, L"BitsPerBand", image.bitsPerBand);
     Take(node, L"Overviews", image.overviews);
     Take(node, L"Photometric", photometric);
+    Take(node, L"PixelWidth", image.pixelWidth);
+    Take(node, L"PixelHeight", image.pixelHeight);
     image.colorModel = ColorModelText(image.bands, image.bitsPerBand);
     image.photometric = PhotometricText(photometric);
     return image;
@@ -138,16 +140,28 @@ std::wstring UtcOf(const PhotoMetadata& metadata) {
     return FromUtf8(TimeConverter::AdjGPSSecsToUTC(metadata.cameraAdjGpsSec, false));
 }
 
-void Read(PhotoRow& row) {
+void ReadMetadata(PhotoRow& row) {
     Tree tree;
     OrvexUtilities::GetExifTagPTreeForImages({row.path}, tree);
-    const Tree& image = tree.get_child(L"Images").front().second;
-    if (const auto error = image.get_child_optional(L"Error")) {
-        throw LDataError(error->data());
+    const Tree& node = tree.get_child(L"Images").front().second;
+    row.metadata = MetadataOf(node);
+    row.statesPosition = node.count(L"GPSLongitude") != 0 && node.count(L"GPSLatitude") != 0;
+    row.image = ImageOf(node);
+    if (const auto error = node.get_child_optional(L"Error")) {
+        // It may be an image of a format that has no such metadata.
+        const std::optional<PhotoImage> image = ReadImageWithDriver(row.path);
+        if (!image) {
+            throw LDataError(error->data());
+        }
+        row.image = *image;
+        row.image.colorModel = ColorModelText(image->bands, image->bitsPerBand);
+        row.metadata.imageWidth = image->width;
+        row.metadata.imageHeight = image->height;
     }
-    row.metadata = MetadataOf(image);
-    row.statesPosition = image.count(L"GPSLongitude") != 0 && image.count(L"GPSLatitude") != 0;
-    row.image = ImageOf(image);
+}
+
+void Read(PhotoRow& row) {
+    ReadMetadata(row);
     row.timeUtc = UtcOf(row.metadata);
     row.crs = DescribeCrs(ToUtf8(row.metadata.geographicWkt));
     row.loadable = true;

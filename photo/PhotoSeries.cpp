@@ -28,8 +28,9 @@ constexpr FindingKind kTimeBackwards{"time-backwards", Warning, text::kPhotoTime
 constexpr FindingKind kFocalLengthDiffers{"focal-length-differs", Warning, text::kPhotoFocalLengthDiffers};
 constexpr FindingKind kSizeDiffers{"image-size-differs", Warning, text::kPhotoSizeDiffers};
 constexpr FindingKind kAltitudeJumps{"altitude-jumps", Warning, text::kPhotoAltitudeJumps};
-constexpr const FindingKind* kKinds[] = {&kSamePosition,       &kSameExposure, &kSameTime,     &kTimeBackwards,
-                                         &kFocalLengthDiffers, &kSizeDiffers,  &kAltitudeJumps};
+constexpr const FindingKind* kKinds[] = {&kSamePosition,  &kSameExposure,       &kSameTime,
+                                         &kTimeBackwards, &kFocalLengthDiffers, &kSizeDiffers,
+                                         &kAltitudeJumps};
 
 // A drone that climbs does so over several photos; a receiver that errs does it in one.
 constexpr double kJump = 50;
@@ -43,9 +44,8 @@ void Add(PhotoRow& row, const FindingKind& kind, std::initializer_list<FormatArg
 
 void RemoveOldFindings(PhotoRow& row) {
     std::erase_if(row.findings, [](const Finding& finding) {
-        return std::ranges::any_of(kKinds, [&](const FindingKind* kind) {
-            return std::string_view(kind->code) == finding.code;
-        });
+        return std::ranges::any_of(
+            kKinds, [&](const FindingKind* kind) { return std::string_view(kind->code) == finding.code; });
     });
 }
 
@@ -80,7 +80,7 @@ void ForEqual(Photos photos, KeyOf keyOf, Compare compare) {
 }
 
 template <typename Holds>
-Photos Those(const Photos& photos, Holds holds) {
+Photos Those(std::span<PhotoRow* const> photos, Holds holds) {
     Photos found;
     std::ranges::copy_if(photos, std::back_inserter(found), [&](const PhotoRow* row) { return holds(*row); });
     return found;
@@ -116,8 +116,8 @@ void FindTimesBackwards(std::span<PhotoRow* const> folder) {
     }
 }
 
-/// Calls `differs` with each photo whose value is another than that of most, and with that value. Photos without
-/// a value (a default one) do not count.
+/// Calls `differs` with each photo whose value is another than that of most, and with that value. Photos
+/// without a value (a default one) do not count.
 template <typename ValueOf, typename Differs>
 void ForOutliers(std::span<PhotoRow* const> folder, ValueOf valueOf, Differs differs) {
     using Value = decltype(valueOf(*folder.front()));
@@ -148,7 +148,8 @@ void FindOtherCameras(std::span<PhotoRow* const> folder) {
     // The longer side first: a photo that is stored upright comes from the same camera.
     const auto size = [](const PhotoRow& row) {
         const PhotoMetadata& data = row.metadata;
-        return std::pair(std::max(data.imageWidth, data.imageHeight), std::min(data.imageWidth, data.imageHeight));
+        return std::pair(std::max(data.imageWidth, data.imageHeight),
+                         std::min(data.imageWidth, data.imageHeight));
     };
     ForOutliers(folder, size, [&](PhotoRow& row, const auto& most) {
         Add(row, kSizeDiffers, {size(row).first, size(row).second, most.first, most.second});
@@ -156,8 +157,7 @@ void FindOtherCameras(std::span<PhotoRow* const> folder) {
 }
 
 void FindJumps(std::span<PhotoRow* const> folder) {
-    const Photos photos = Those({folder.begin(), folder.end()},
-                                [](const PhotoRow& row) { return row.metadata.gpsAltitude != 0; });
+    const Photos photos = Those(folder, [](const PhotoRow& row) { return row.metadata.gpsAltitude != 0; });
     for (std::size_t i = 1; i + 1 < photos.size(); ++i) {
         const double altitude = photos[i]->metadata.gpsAltitude;
         const double before = altitude - photos[i - 1]->metadata.gpsAltitude;
@@ -182,7 +182,8 @@ Photos InOrder(std::vector<PhotoRow>& rows, std::vector<std::wstring>& folders) 
             places.push_back({PathKey(FolderOf(row.path)), NaturalKey(FileNameOf(row.path)), &row});
         }
     }
-    std::ranges::stable_sort(places, {}, [](const Place& place) { return std::tie(place.folder, place.name); });
+    std::ranges::stable_sort(places, {},
+                             [](const Place& place) { return std::tie(place.folder, place.name); });
     Photos photos;
     for (Place& place : places) {
         photos.push_back(place.row);

@@ -299,6 +299,10 @@ void PutImage(Tree& node, const Photo& photo) {
     if (facts.photometric >= 0) {
         Put(node, "Photometric", facts.photometric);
     }
+    if (facts.pixelWidth > 0 && facts.pixelHeight > 0) {
+        Put(node, "PixelWidth", facts.pixelWidth);
+        Put(node, "PixelHeight", facts.pixelHeight);
+    }
 }
 
 void ReadImage(const std::wstring& path, Tree& node) {

@@ -1,6 +1,8 @@
 #include "host/utilities/TiffDirectories.h"
 
 #include <algorithm>
+#include <cmath>
+#include <iterator>
 #include <utility>
 
 namespace orvex {
@@ -24,6 +26,7 @@ enum : std::uint16_t {
     kThumbnailOffset = 0x0201,
     kThumbnailLength = 0x0202,
     kXmp = 0x02BC,
+    kPixelScale = 0x830E,
     kExifDirectory = 0x8769,
     kGpsDirectory = 0x8825,
     kFocalLength = 0x920A,
@@ -303,6 +306,22 @@ std::uint32_t Whole32(Reader& reader, const Directory& directory, std::uint16_t 
     return value > 0xFFFFFFFFU ? 0 : static_cast<std::uint32_t>(value);
 }
 
+/// Size of a pixel on the ground: two doubles, and a third for heights.
+void ReadPixelScale(Reader& reader, const Directory& directory, TiffFacts& facts) {
+    constexpr std::uint16_t kDouble = 12;
+    const Entry* entry = directory.Find(tag::kPixelScale);
+    if (entry == nullptr || entry->type != kDouble || entry->value.length < 2 * sizeof(double)) {
+        return;
+    }
+    const auto at = [&](std::uint64_t offset) {
+        const auto bits = reader.File().Number<std::uint64_t>(entry->value.offset + offset, reader.Order());
+        const double size = std::bit_cast<double>(bits.value_or(0));
+        return std::isfinite(size) && size > 0 ? size : 0;
+    };
+    facts.pixelWidth = at(0);
+    facts.pixelHeight = at(sizeof(double));
+}
+
 /// The further directories: a JPEG preview, and images that are the first one reduced.
 void ReadChain(Reader& reader, const Directory& first, TiffFacts& facts) {
     std::uint64_t next = first.next;
@@ -341,6 +360,7 @@ std::optional<TiffFacts> ReadTiffDirectories(PhotoBytes& file, FileRange range) 
     if (const Entry* xmp = first->Find(tag::kXmp)) {
         facts.xmp = xmp->value;
     }
+    ReadPixelScale(reader, *first, facts);
     ReadChain(reader, *first, facts);
     facts.exif = ExifCopy(reader).Write(*first, reader.Below(*first, tag::kExifDirectory),
                                         reader.Below(*first, tag::kGpsDirectory));

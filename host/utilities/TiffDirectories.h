@@ -14,8 +14,10 @@ struct TiffFacts {
     std::uint32_t bands = 0;
     std::int32_t photometric = -1;  ///< -1 if not stated
     std::uint32_t overviews = 0;    ///< reduced images in the chain of directories
-    FileRange xmp;                  ///< length 0 for none
-    FileRange thumbnail;            ///< of a JPEG stream; length 0 for none
+    double pixelWidth = 0;          ///< on the ground, of a georeferenced image; 0 if not stated
+    double pixelHeight = 0;
+    FileRange xmp;        ///< length 0 for none
+    FileRange thumbnail;  ///< of a JPEG stream; length 0 for none
     /// Position, time, lens and camera as a small TIFF structure of its own, for an EXIF decoder. It holds
     /// nothing else, above all no maker notes, and its entries are sound; empty if there are none.
     std::string exif;

@@ -1,6 +1,6 @@
 #pragma once
-// The host's layer-utilities library: file kinds, LAZ, CAD and KML files, coordinate reference systems, metadata
-// of photos.
+// The host's layer-utilities library: file kinds, LAZ, CAD and KML files, coordinate reference systems,
+// metadata of photos.
 #include <boost/property_tree/ptree_fwd.hpp>
 #include <cstdint>
 #include <functional>
@@ -130,7 +130,8 @@ class ORVEXUTILITIES_API OrvexUtilities {
     ///   "CalibratedK1" to "CalibratedK3", "CalibratedP1", "CalibratedP2", "CalibratedDate": in the units of
     ///   the camera's calibration; "GeographicWKT": CRS of the position; "CameraModel", "FileType",
     ///   "Orientation" and, of the image as it is stored, "StoredWidth", "StoredHeight", "Bands",
-    ///   "BitsPerBand", "Photometric" (TIFF's code), "Overviews".
+    ///   "BitsPerBand", "Photometric" (TIFF's code), "Overviews"; of a georeferenced TIFF file "PixelWidth"
+    ///   and "PixelHeight" on the ground.
     /// An image that cannot be read has "SourceFile" and "Error", a sentence. Returns false if none could be
     /// read; `tree` then has their errors.
     static bool GetExifTagPTreeForImages(const std::vector<std::wstring>& paths,
