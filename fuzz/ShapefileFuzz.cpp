@@ -54,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     std::size_t at = 2 * sizeof(std::uint16_t);
     const auto take = [&](std::size_t length) {
-        const std::string part = bytes.substr(std::min(at, size), length);
+        std::string part = bytes.substr(std::min(at, size), length);
         at += length;
         return part;
     };

@@ -172,6 +172,39 @@ TEST(FeatureRow, TheCrsBesideTheFileIsReadWhateverItsLetters) {
     }
 }
 
+TEST(FeatureRow, DrawingsAndKmlFilesAreReadByTheLibrary) {
+    const TemporaryFolder folder;
+    const std::string line = "0\nLINE\n8\nWalls\n10\n500000\n20\n5400000\n11\n500010\n21\n5400005\n";
+    const std::string left = "0\nXLINE\n8\nAxes\n10\n0\n20\n0\n11\n1\n21\n1\n";
+    const auto drawing = [](const std::string& entities) {
+        return "0\nSECTION\n2\nENTITIES\n" + entities + "0\nENDSEC\n0\nEOF\n";
+    };
+    folder.Write(L"plan.PRJ", OrvexUtilities::CrsGetPrettyWktFromEPSG(25832));
+    const FeatureRow plan = InspectFeatureFile(folder.Write(L"plan.dxf", drawing(line + left)));
+    EXPECT_TRUE(plan.loadable);
+    EXPECT_EQ(plan.geometry, Text(text::kFeatureVarious));
+    EXPECT_EQ(plan.summary, L"Layers: 1,   Features: 1");
+    EXPECT_EQ(plan.layers.at(0).name, L"Walls");
+    EXPECT_EQ(plan.extent, (std::array<double, 4>{500'000, 5'400'000, 500'010, 5'400'005}));
+    EXPECT_EQ(plan.crs->name, L"ETRS89 / UTM zone 32N");
+    EXPECT_EQ(CodesOf(plan), (Codes{"partly-read"})) << ToUtf8(FindingLines(plan.findings));
+
+    const FeatureRow none = InspectFeatureFile(folder.Write(L"none.dxf", "no drawing"));
+    EXPECT_FALSE(none.loadable);
+    EXPECT_EQ(FindingLines(none.findings), none.summary);
+    EXPECT_EQ(CodesOf(none), (Codes{"unreadable"}));
+
+    const std::string place = "<Placemark><Point><coordinates>7,50</coordinates></Point></Placemark>";
+    folder.Write(L"places.prj", OrvexUtilities::CrsGetPrettyWktFromEPSG(25832));
+    const FeatureRow places = InspectFeatureFile(folder.Write(
+        L"places.kml", "<kml xmlns=\"http://www.opengis.net/kml/2.2\"><Document><name>Places</name>" + place +
+                           "</Document></kml>"));
+    EXPECT_TRUE(places.loadable);
+    EXPECT_EQ(places.extent, (std::array<double, 4>{7, 50, 7, 50}));
+    EXPECT_EQ(places.crs, DescribeDefaultCrs()) << "whatever lies beside it";
+    EXPECT_EQ(CodesOf(places), Codes());
+}
+
 TEST(FeatureRow, ExtentsThatCannotBeAreFound) {
     const double infinity = std::numeric_limits<double>::infinity();
     const struct {

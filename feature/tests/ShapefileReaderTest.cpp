@@ -16,7 +16,6 @@ namespace {
 using testing::Bytes;
 using ::testing::ElementsAre;
 using testing::TemporaryFolder;
-using testing::TestField;
 using testing::TestShapefile;
 using Codes = std::vector<std::string>;
 
