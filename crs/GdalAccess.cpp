@@ -124,7 +124,7 @@ class OpenFile {
           size_(size),
           state_(state),
           left_(isMain ? state.limits.read : state.limits.sidecar),
-          isWatched_(isMain && state.watch),
+          isWatched_(isMain && state.watch.look),
           isHeader_(isHeader) {}
     ~OpenFile() { VSIFCloseL(file_); }
     OpenFile(const OpenFile&) = delete;
@@ -134,6 +134,17 @@ class OpenFile {
 
     /// Like fread.
     std::size_t Read(void* buffer, std::size_t size, std::size_t count) {
+        const std::size_t read = ReadFile(buffer, size, count);
+        const std::string& tail = state_.watch.tail;
+        if (!isWatched_ || size != 1 || read == count || hasTail_) {
+            return read;
+        }
+        hasTail_ = true;
+        return read + tail.copy(static_cast<char*>(buffer) + read, count - read);
+    }
+
+  private:
+    std::size_t ReadFile(void* buffer, std::size_t size, std::size_t count) {
         const vsi_l_offset at = VSIFTellL(file_);
         const std::uint64_t bytes = std::min<std::uint64_t>(size * count, size_ > at ? size_ - at : 0);
         if (bytes > std::min(left_, state_.left)) {
@@ -144,11 +155,10 @@ class OpenFile {
         const std::size_t read = VSIFReadL(buffer, size, count, file_);
         const Bytes got(static_cast<const unsigned char*>(buffer), read * size);
         const std::wstring reason =
-            isWatched_ ? state_.watch(at, std::as_bytes(got)) : RasterRefusal(got, at);
+            isWatched_ ? state_.watch.look(at, std::as_bytes(got)) : RasterRefusal(got, at);
         return reason.empty() ? read : Refuse(reason);
     }
 
-  private:
     /// Why a raster must not be read on from what was read of it; empty if it may.
     std::wstring RasterRefusal(Bytes got, vsi_l_offset at) {
         if (!CanBeDecoded(got, at)) {
@@ -158,7 +168,8 @@ class OpenFile {
     }
 
     std::size_t Refuse(const std::wstring& reason) {
-        state_.refusal = reason;
+        // What follows the first reason follows from it.
+        state_.refusal = state_.refusal.empty() ? reason : state_.refusal;
         left_ = 0;
         return 0;
     }
@@ -233,6 +244,7 @@ class OpenFile {
     State& state_;
     std::uint64_t left_;
     const bool isWatched_;
+    bool hasTail_ = false;  ///< given to GDAL
     const bool isHeader_;
     double unpacked_ = 0;          ///< bytes
     vsi_l_offset unpackedTo_ = 0;  ///< what begins before has been counted

@@ -14,9 +14,14 @@ struct InspectionLimits {
     std::uint64_t decoder = std::uint64_t{64} << 20U;  ///< bytes that a decoder takes before the first pixel
 };
 
-/// Is shown what GDAL has read of the file itself, before GDAL sees it; the same bytes come again when they
-/// are read again. Returns why reading has to end there, as a sentence; empty to go on.
-using ReadWatch = std::function<std::wstring(std::uint64_t offset, std::span<const std::byte> bytes)>;
+/// Follows what GDAL reads of the file itself.
+struct ReadWatch {
+    /// Is shown the bytes before GDAL sees them; the same ones come again when they are read again. Returns
+    /// why reading has to end before them, as a sentence; empty to go on.
+    std::function<std::wstring(std::uint64_t offset, std::span<const std::byte> bytes)> look;
+    /// Read once behind the last byte, for a driver that would wait for an end of line.
+    std::string tail{};
+};
 
 /// GDAL's view of the files while one of them is inspected: a virtual file system that shows the file and
 /// those beside it, and nothing but regular files. Servers, databases and pipes have no name in it, nothing

@@ -136,7 +136,7 @@ FeatureInfo ReadThrough(const std::wstring& path, CadKind kind, ReadWatch watch)
 /// A watch that feeds a scanner what it has not seen yet.
 template <typename Scanner>
 ReadWatch WatchWith(Scanner& scanner) {
-    return [&scanner](std::uint64_t offset, std::span<const std::byte> bytes) -> std::wstring {
+    return {[&scanner](std::uint64_t offset, std::span<const std::byte> bytes) -> std::wstring {
         const std::uint64_t seen = scanner.Position();
         if (offset > seen || offset + bytes.size() <= seen) {
             return {};
@@ -147,11 +147,11 @@ ReadWatch WatchWith(Scanner& scanner) {
         } catch (const LDataError& error) {
             return error.Text();
         }
-    };
+    }};
 }
 
 FeatureInfo ReadDwg(const std::wstring& path) {
-    FeatureInfo info = ReadThrough(path, CadKind::Dwg, [](auto, auto) { return std::wstring(); });
+    FeatureInfo info = ReadThrough(path, CadKind::Dwg, {[](auto, auto) { return std::wstring(); }});
     if (info.tally.Features() == 0) {
         throw LDataError(Text(text::kDwgNothingReadable));
     }
@@ -162,7 +162,15 @@ FeatureInfo ReadDwg(const std::wstring& path) {
 FeatureInfo ReadDxf(const std::wstring& path) {
     DxfScanner scanner(FileSizeOf(path).value_or(0));
     ScanDefinitions(path, scanner);
-    FeatureInfo info = ReadThrough(path, CadKind::Dxf, WatchWith(scanner));
+    ReadWatch watch = WatchWith(scanner);
+    // GDAL takes them for Latin-1.
+    std::optional<GdalOption> encoding;
+    if (scanner.IsUtf8()) {
+        encoding.emplace("DXF_ENCODING", "UTF-8");
+    }
+    // GDAL 3.6 reads on without end where a file ends within a line.
+    watch.tail = "\n";
+    FeatureInfo info = ReadThrough(path, CadKind::Dxf, std::move(watch));
     info.leftOut = scanner.LeftOut();
     if (info.tally.Features() == 0) {
         throw LDataError(info.leftOut.empty() ? Text(text::kCadNoObjects) : info.leftOut.front());

@@ -121,6 +121,10 @@ void DxfScanner::Pair(int code, std::string_view value) {
     if (definitions_ > kMostDefinitions || (!isPastDefinitions_ && position_ > kMostBytesOfDefinitions)) {
         throw LDataError(Text(text::kDxfTooManyDefinitions));
     }
+    if (code == 1 && variable_ == "$ACADVER") {
+        version_ = value;
+    }
+    variable_ = code == kVariable ? value.substr(0, kMostOfKind) : std::string_view();
     if (code == 0) {
         Begin(value);
     } else if (code != kComment) {

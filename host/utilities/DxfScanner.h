@@ -26,6 +26,9 @@ class DxfScanner {
     /// True from the section on that holds the objects.
     bool IsPastDefinitions() const { return isPastDefinitions_; }
 
+    /// True if the texts are UTF-8, as from the release 2007 on. Known once the definitions have been read.
+    bool IsUtf8() const { return version_ >= "AC1021" && version_.starts_with("AC1"); }
+
     /// Sentences on what GDAL leaves out: kinds of objects, the rest of large blocks.
     std::vector<std::wstring> LeftOut() const;
 
@@ -75,6 +78,8 @@ class DxfScanner {
     std::uint64_t itemBytes_ = 0;
     std::uint64_t edges_ = 0;
     std::uint64_t definitions_ = 0;
+    std::string variable_;  ///< of the header, whose value comes next
+    std::string version_;
     std::string blockName_;
     Block block_;
     std::map<std::string, Block> blocks_;

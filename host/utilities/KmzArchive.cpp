@@ -152,7 +152,7 @@ FeatureInfo ReadKmz(const std::wstring& path, const std::string& fallbackName) {
     const GdalErrorScope ignored;
     InspectionLimits limits;
     limits.read = std::max(limits.read, 4 * FileSizeOf(path).value_or(0));
-    const GdalAccess access(AbsolutePath(path), limits, [](auto, auto) { return std::wstring(); });
+    const GdalAccess access(AbsolutePath(path), limits, {[](auto, auto) { return std::wstring(); }});
     const std::string archive = fmt::format("/vsizip/{{{}}}", access.Name());
     const Contents contents = List(archive);
     if (IsEncrypted(path, table, contents.document)) {
