@@ -12,6 +12,9 @@ std::uint64_t ReadBarely(const std::string& path);
 /// Bytes of the heap in use by this program.
 std::uint64_t HeapInUse();
 
+/// Bytes of the most memory that this program has had resident so far.
+std::uint64_t PeakMemory();
+
 /// Copies a file by the system's own means: the command `cp`, on Windows CopyFile.
 bool CopyWithSystem(const std::wstring& from, const std::wstring& to);
 

@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <malloc.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -39,6 +40,13 @@ bool CopyWithSystem(const std::wstring& from, const std::wstring& to) {
     }
     int status = 0;
     return child > 0 && waitpid(child, &status, 0) == child && status == 0;
+}
+
+std::uint64_t PeakMemory() {
+    constexpr std::uint64_t kKilobyte = 1024;
+    struct rusage usage {};
+    getrusage(RUSAGE_SELF, &usage);
+    return static_cast<std::uint64_t>(usage.ru_maxrss) * kKilobyte;
 }
 
 std::uint64_t HeapInUse() {

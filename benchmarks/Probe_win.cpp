@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <psapi.h>
+
 #include <heapapi.h>
 
 #include <algorithm>
@@ -47,6 +49,12 @@ std::uint64_t ReadBarely(const std::string& path) {
 
 bool CopyWithSystem(const std::wstring& from, const std::wstring& to) {
     return CopyFileW(ToPath(from).c_str(), ToPath(to).c_str(), FALSE) != FALSE;
+}
+
+std::uint64_t PeakMemory() {
+    PROCESS_MEMORY_COUNTERS counters{};
+    K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters));
+    return counters.PeakWorkingSetSize;
 }
 
 std::uint64_t HeapInUse() {
