@@ -178,6 +178,10 @@ void HostWindow::RememberFolder(const AddFilesParams& record) {
             return;
         }
     }
+    if (!record.photoFiles.empty()) {
+        preferences_.dataFolder = ToQString(FolderOf(record.photoFiles.front()));
+        preferences_.Save();
+    }
 }
 
 void HostWindow::AskLidarAccess() {

@@ -9,6 +9,7 @@
 #include <QWidget>
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "host/app/HostText.h"
 #include "host/app/MapItems.h"
@@ -58,7 +59,7 @@ void DrawPhotoMark(QPainter& painter, const QPointF& place, const std::optional<
     painter.setRenderHint(QPainter::Antialiasing);
     if (heading) {
         constexpr double kHalfAngle = 0.42;  // radians
-        const double direction = *heading * M_PI / 180;
+        const double direction = *heading * std::numbers::pi / 180;
         const auto at = [&](double angle) {
             return place + kPhotoMarkRadius * QPointF(std::sin(angle), -std::cos(angle));
         };

@@ -1,13 +1,17 @@
 #include "host/app/PhotoJobs.h"
 
+#include <ogr_spatialref.h>
+
 #include <algorithm>
 #include <boost/property_tree/ptree.hpp>
 #include <cmath>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <utility>
 
 #include "host/app/RecordFiles.h"
+#include "host/dem/HostGdal.h"
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/Geocoding.h"
 #include "orvexcommon/OrvexUtilities.h"
@@ -26,16 +30,55 @@ using boost::property_tree::wptree;
 constexpr std::size_t kAtATime = 64;
 constexpr int kWgs84 = 4326;
 
+/// Turns positions on other datums into such on WGS 84. One that states no coordinate system, or one that
+/// nobody can read, is taken as it is.
+class ToWgs84 {
+  public:
+    ToWgs84() { wgs84_.SetWellKnownGeogCS("WGS84"); }
+
+    void Convert(const std::wstring& wkt, double& longitude, double& latitude) {
+        const auto [known, isNew] = fromWkt_.try_emplace(wkt);
+        if (isNew) {
+            known->second = Make(ToUtf8(wkt));
+        }
+        double x = longitude;
+        double y = latitude;
+        if (known->second != nullptr && known->second->Transform(1, &x, &y) != 0) {
+            longitude = x;
+            latitude = y;
+        }
+    }
+
+  private:
+    using Transformation = std::unique_ptr<OGRCoordinateTransformation>;
+
+    Transformation Make(const std::string& wkt) {
+        OGRSpatialReference crs;
+        crs.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+        wgs84_.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+        if (wkt.empty() || crs.importFromWkt(wkt.c_str()) != OGRERR_NONE || crs.IsGeographic() == 0 ||
+            crs.IsSameGeogCS(&wgs84_) != 0) {
+            return nullptr;
+        }
+        return Transformation(OGRCreateCoordinateTransformation(&crs, &wgs84_));
+    }
+
+    const GdalErrorScope errors_;
+    OGRSpatialReference wgs84_;
+    std::map<std::wstring, Transformation> fromWkt_;
+};
+
 /// Longitude and latitude; nullopt where they are missing, out of range, or both 0, as cameras write them
 /// before they know where they are.
-std::optional<std::array<double, 3>> PositionOf(const wptree& image) {
-    const auto longitude = image.get_optional<double>(L"GPSLongitude");
-    const auto latitude = image.get_optional<double>(L"GPSLatitude");
+std::optional<std::array<double, 3>> PositionOf(const wptree& image, ToWgs84& toWgs84) {
+    auto longitude = image.get_optional<double>(L"GPSLongitude");
+    auto latitude = image.get_optional<double>(L"GPSLatitude");
     const double altitude = image.get(L"GPSAltitude", 0.0);
     if (!longitude || !latitude || !(std::abs(*longitude) <= 180) || !(std::abs(*latitude) <= 90) ||
         (*longitude == 0 && *latitude == 0)) {
         return std::nullopt;
     }
+    toWgs84.Convert(image.get(L"GeographicWKT", std::wstring()), *longitude, *latitude);
     return std::array<double, 3>{*longitude, *latitude, std::isfinite(altitude) ? altitude : 0};
 }
 
@@ -49,10 +92,10 @@ std::optional<double> HeadingOf(const wptree& image) {
     return turned < 0 ? turned + 360 : turned;
 }
 
-PhotoRecord RecordOf(const wptree& image) {
+PhotoRecord RecordOf(const wptree& image, ToWgs84& toWgs84) {
     PhotoRecord photo;
     photo.path = image.get(L"SourceFile", std::wstring());
-    photo.position = PositionOf(image);
+    photo.position = PositionOf(image, toWgs84);
     photo.heading = HeadingOf(image);
     photo.camera = image.get(L"PlatformID", std::wstring());
     const double tick = image.get(L"CameraAdjGpsSec", 0.0);
@@ -63,14 +106,14 @@ PhotoRecord RecordOf(const wptree& image) {
     return photo;
 }
 
-void ReadSome(const std::vector<std::wstring>& paths, ReadPhotos& read) {
+void ReadSome(const std::vector<std::wstring>& paths, ToWgs84& toWgs84, ReadPhotos& read) {
     wptree tree;
     OrvexUtilities::GetExifTagPTreeForImages(paths, tree);
     for (const auto& [name, image] : tree.get_child(L"Images")) {
         if (const auto error = image.get_optional<std::wstring>(L"Error")) {
             read.failures.push_back({image.get(L"SourceFile", std::wstring()), *error});
         } else {
-            read.photos.push_back(RecordOf(image));
+            read.photos.push_back(RecordOf(image, toWgs84));
         }
     }
 }
@@ -101,6 +144,8 @@ std::wstring PhotoLayerPath(const std::wstring& typed, const std::wstring& proje
 }
 
 ReadPhotos ReadPhotoMetadata(const std::vector<std::wstring>& paths, Kst::ProgressIf& progress) {
+    SetUpGdal();
+    ToWgs84 toWgs84;
     ReadPhotos read;
     progress.SetRange(paths.size());
     for (std::size_t first = 0; first < paths.size(); first += kAtATime) {
@@ -111,7 +156,7 @@ ReadPhotos ReadPhotoMetadata(const std::vector<std::wstring>& paths, Kst::Progre
         progress.SetText(FormatText(Text(text::kPhotoReadingProgress), {first + 1, paths.size()}));
         const auto begin = paths.begin() + static_cast<std::ptrdiff_t>(first);
         const std::size_t count = std::min(kAtATime, paths.size() - first);
-        ReadSome({begin, begin + static_cast<std::ptrdiff_t>(count)}, read);
+        ReadSome({begin, begin + static_cast<std::ptrdiff_t>(count)}, toWgs84, read);
         progress.SetPosition(first + count);
     }
     return read;

@@ -352,12 +352,18 @@ class LayerAnswers final : public OrvexLayer {
     PathSet photos_;
 };
 
-void RequirePhotoLayer(const OldLayer& layer, const std::wstring& path) {
+/// Null for a new layer.
+std::unique_ptr<OldLayer> OpenOld(const PhotoTarget& target) {
+    if (!target.append) {
+        return nullptr;
+    }
+    auto old = std::make_unique<OldLayer>(target.path);
     for (const Field& field : kFields) {
-        if (!layer.HasField(field.name) || !layer.IsOfPoints()) {
-            Fail(path, Text(text::kPhotoLayerFieldsMissing));
+        if (!old->HasField(field.name) || !old->IsOfPoints()) {
+            Fail(target.path, Text(text::kPhotoLayerFieldsMissing));
         }
     }
+    return old;
 }
 
 }  // namespace
@@ -365,20 +371,15 @@ void RequirePhotoLayer(const OldLayer& layer, const std::wstring& path) {
 PhotoLayerResult WritePhotoLayer(const std::vector<PhotoRecord>& photos, const PhotoTarget& target,
                                  Kst::ProgressIf& progress) {
     SetUpGdal();
-    std::optional<OldLayer> old;
-    std::uint64_t records = photos.size();
-    if (target.append) {
-        old.emplace(target.path);
-        RequirePhotoLayer(*old, target.path);
-        records += static_cast<std::uint64_t>(std::max<GIntBig>(old->Layer().GetFeatureCount(), 0));
-    }
-    progress.SetRange(records);
+    std::unique_ptr<OldLayer> old = OpenOld(target);
+    const GIntBig records = old == nullptr ? 0 : old->Layer().GetFeatureCount();
+    progress.SetRange(photos.size() + static_cast<std::uint64_t>(std::max<GIntBig>(records, 0)));
     if (const SystemError error = CreateFolders(FolderOf(target.path)); error != 0) {
         Fail(target.path, SystemErrorText(error));
     }
     PhotoLayerResult result;
     NewShapefile file(target.append ? target.path : NewShapefile::FreeTarget(target.path));
-    LayerWriter writer(photos, target, old ? &*old : nullptr, progress);
+    LayerWriter writer(photos, target, old.get(), progress);
     result.stopped = !writer.Write(file.Path(), result);
     if (result.stopped || result.added + result.replaced == 0) {
         return result;

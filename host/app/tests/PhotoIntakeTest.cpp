@@ -21,6 +21,7 @@
 #include "host/app/SampleProject.h"
 #include "host/objects/HostClasses.h"
 #include "orvexcommon/AddFilesParams.h"
+#include "orvexcommon/OrvexUtilities.h"
 #include "support/Files.h"
 #include "support/QtText.h"
 #include "support/testing/Scripted.h"
@@ -71,6 +72,41 @@ TEST_F(PhotoMetadataTest, IsWhatTheLayerNeeds) {
     EXPECT_EQ(read.failures[0].path, bad);
     EXPECT_NE(read.failures[0].cause, L"");
     EXPECT_EQ(progress.position, 4U);
+}
+
+TEST_F(PhotoMetadataTest, PositionsOfOtherDatumsBecomeWgs84) {
+    std::string wkt = OrvexUtilities::CrsGetPrettyWktFromEPSG(4267);
+    for (std::size_t at = 0; (at = wkt.find('"', at)) != std::string::npos; at += 6) {
+        wkt.replace(at, 1, "&quot;");
+    }
+    const std::string xmp = std::string("http://ns.adobe.com/xap/1.0/\0", 29) +
+                            "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
+                            "xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"><rdf:Description "
+                            "xmlns:p=\"http://orvex.com/photo/1.0/\" p:GPSLongitude=\"-100\" "
+                            "p:GPSLatitude=\"40\" p:GeographicWKT=\"" +
+                            wkt + "\"/></rdf:RDF></x:xmpmeta>";
+    const std::size_t size = xmp.size() + 2;
+    const std::string header = {'\xFF', '\xE1', static_cast<char>(size >> 8U),
+                                static_cast<char>(size & 0xFFU)};
+    std::string photo = testing::ReadFile(Path(L"no position.jpg"));
+    photo.insert(2, header + xmp);
+    testing::RecordingProgress progress;
+    const ReadPhotos read = ReadPhotoMetadata({folder_.Write(L"nad27.jpg", photo)}, progress);
+    ASSERT_EQ(read.photos.size(), 1U);
+    ASSERT_TRUE(read.photos[0].position);
+    EXPECT_NEAR((*read.photos[0].position)[0], -100.00038, 0.0001) << "some 30 m to the west";
+}
+
+TEST_F(SamplePhotos, StoppingTheReadingWritesNothing) {
+    struct : testing::RecordingProgress {
+        bool IsCancelled() override { return position >= 64; }
+    } progress;
+    const PhotoImport import =
+        ImportPhotos(std::vector<std::wstring>(100, Placed(1)), {folder_.Name(L"a.shp")}, progress);
+    EXPECT_TRUE(import.layer.stopped);
+    EXPECT_EQ(progress.position, 64U);
+    EXPECT_TRUE(import.files.empty());
+    EXPECT_EQ(folder_.Entries(), 0U);
 }
 
 TEST_F(SamplePhotos, ALayerIsNamedInManyWays) {
