@@ -73,19 +73,19 @@ Thumbnail ReadPhotoPreview(const std::wstring& path, const std::function<bool()>
                            const ThumbnailLimits& limits) {
     const std::string bytes = OrvexUtilities::GetExifThumbnail(path);
     if (bytes.empty() || isCancelled()) {
-        return {{}, HostText(text::kPhotoNoPreview)};
+        return {{}, HostText(text::kPreviewNone)};
     }
     QByteArray data = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
     QBuffer buffer(&data);
     QImageReader reader(&buffer, "jpeg");
     const QSize size = reader.size();
     if (size.isEmpty() || size.width() > kLargestPreview || size.height() > kLargestPreview) {
-        return {{}, HostText(text::kPhotoNoPreview)};
+        return {{}, HostText(text::kPreviewNone)};
     }
     const int side = std::min(limits.longSide, kPreviewWidth);
     reader.setScaledSize(size.scaled(side, side, Qt::KeepAspectRatio).expandedTo({1, 1}));
     QImage image = reader.read();
-    return image.isNull() ? Thumbnail{{}, HostText(text::kPhotoNoPreview)}
+    return image.isNull() ? Thumbnail{{}, HostText(text::kPreviewNone)}
                           : Thumbnail{image.convertToFormat(QImage::Format_ARGB32_Premultiplied), {}};
 }
 

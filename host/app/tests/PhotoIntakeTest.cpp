@@ -272,7 +272,7 @@ TEST_F(SamplePhotos, APreviewIsTheOneInTheFile) {
     EXPECT_EQ(preview.image.size(), QSize(200, 150));
     const Thumbnail none = ReadPhotoPreview(folder_.Write(L"bad.jpg", "no photo"), never, {});
     EXPECT_TRUE(none.image.isNull());
-    EXPECT_EQ(none.problem, HostText(text::kPhotoNoPreview));
+    EXPECT_EQ(none.problem, HostText(text::kPreviewNone));
 }
 
 }  // namespace
