@@ -42,12 +42,12 @@ StringId GeometryName(std::int32_t shapeType) {
     switch (shapeType == kMultiPatch ? shapeType : shapeType % kWithHeights) {
         case 1:
         case 8:
-            return text::kTreePoints;
+            return text::kFeaturePoints;
         case 3:
-            return text::kTreeLines;
+            return text::kFeatureLines;
         case 5:
         case kMultiPatch:
-            return text::kTreePolygons;
+            return text::kFeaturePolygons;
         default:
             return text::kTreeNoGeometry;
     }
