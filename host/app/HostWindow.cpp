@@ -120,6 +120,7 @@ bool HostWindow::AddFiles(const QStringList& paths) {
     record.showRasterTab = true;
     record.showDemTab = true;
     record.showPhotoTab = true;
+    record.showFeatureTab = true;
     record.initialFolder = ToWidePath(preferences_.dataFolder.isEmpty() ? folder_ : preferences_.dataFolder);
     record.existingLasLayers = project_.LayersForDialog(LayerKind::Las);
     record.existingRasterLayers = project_.LayersForDialog(LayerKind::Raster);
@@ -144,7 +145,7 @@ void HostWindow::TakeRecord(const AddFilesParams& record) {
     const IntakeResult result =
         RecordIntake(changed, folder_, preferences_.writesBesideData, this).Take(record);
     counts_ = {CountFiles(record.lasFiles), CountFiles(record.rasterFiles), CountFiles(record.demFiles),
-               result.convertedDems, record.photoFiles.size()};
+               result.convertedDems,        record.photoFiles.size(),       record.featureFiles.size()};
     record_->setPlainText(result.status + '\n' + ReportText(result.report) + '\n' +
                           ToQString(RecordText(record)));
     if (result.mainLayer) {

@@ -32,6 +32,7 @@ struct RecordCounts {
     std::size_t dems = 0;
     std::size_t convertedDems = 0;
     std::size_t photos = 0;
+    std::size_t features = 0;
 };
 
 /// Main window of the reference host: a project's layers, their map and the text of the last record.

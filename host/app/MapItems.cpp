@@ -13,13 +13,9 @@ namespace orvex {
 
 namespace {
 
-/// Beyond any coordinate system; a damaged header that says so must not shrink all others to a dot.
-constexpr double kFarthest = 1e12;
 constexpr double kGridPixels = 110;  ///< grid lines lie at least this far apart
 constexpr double kSmallest = 4;      ///< pixels; what is smaller is drawn this large
 constexpr double kSmallestPhoto = 10;
-
-enum Order { kThumbnailOrder, kGridOrder, kFootprintOrder };
 
 bool IsPlace(const QPointF& point) {
     return std::abs(point.x()) <= kFarthest && std::abs(point.y()) <= kFarthest;  // NaN is none
@@ -251,17 +247,19 @@ QRectF FootprintItem::boundingRect() const {
     return Extent().adjusted(-slack, -slack, slack, slack);
 }
 
-/// LAS files are filled; rasters are their thumbnails.
+/// LAS files are filled; rasters are their thumbnails, shapefiles their shapes.
 void FootprintItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* view) {
     const QTransform toPixel = painter->worldTransform();
     painter->resetTransform();
     const QColor colour = LayerTreeModel::ColourOf(layer_);
     QColor fill = colour;
-    const bool isRaster = kind_ == LayerKind::Raster;
+    const bool isFilled = kind_ == LayerKind::Las;
     fill.setAlpha(isLight_ ? 25 : 60);
-    painter->setPen(QPen(colour, 1, isRaster && !hasThumbnail_ ? Qt::DashLine : Qt::SolidLine));
-    painter->setBrush(isRaster ? QBrush(Qt::NoBrush) : QBrush(fill));
-    DrawOutline(*painter, *view);
+    if (isFilled || kind_ == LayerKind::Raster || !hasThumbnail_) {
+        painter->setPen(QPen(colour, 1, isFilled || hasThumbnail_ ? Qt::SolidLine : Qt::DashLine));
+        painter->setBrush(isFilled ? QBrush(fill) : QBrush(Qt::NoBrush));
+        DrawOutline(*painter, *view);
+    }
     fill.setAlpha(hasThumbnail_ ? 50 : 120);
     painter->setBrush(fill);
     const QColor strong = Mixed(colour, view->palette().color(QPalette::Text), 0.4);

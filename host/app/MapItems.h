@@ -1,5 +1,6 @@
 #pragma once
-// What the map shows, from below: thumbnails, the coordinate grid, footprints. Scene coordinates are those of
+// What the map shows, from below: thumbnails, the coordinate grid, shapes of features (see FeatureItem),
+// footprints. Scene coordinates are those of
 // the coordinate system; the view turns y up.
 #include <QGraphicsItem>
 #include <QImage>
@@ -13,6 +14,12 @@
 class QGraphicsView;
 
 namespace orvex {
+
+/// Beyond any coordinate system; a damaged header that says so must not shrink all others to a dot.
+inline constexpr double kFarthest = 1e12;
+
+/// What lies over what, from below.
+enum MapOrder { kThumbnailOrder, kGridOrder, kFeatureOrder, kFootprintOrder };
 
 /// Corners of a file on the ground, in order around it; a raster's from its first pixel on; the place of a
 /// photo. Empty when the file states no extent, an inverted one, or one that is not finite or beyond any
@@ -72,7 +79,7 @@ class FootprintItem final : public QGraphicsItem {
     QRectF Pixels() const;
     /// True if the footprint, widened by `slack` on every side, contains a place.
     bool Contains(const QPointF& world, double slack) const;
-    /// A raster without a thumbnail has a dashed outline.
+    /// A raster without a thumbnail has a dashed outline, and so has a shapefile of which not all is drawn.
     void SetHasThumbnail(bool hasThumbnail);
     /// On a map with rasters fills are lighter, so that thumbnails shine through.
     void SetLight(bool isLight);

@@ -1,15 +1,12 @@
 #include "host/app/MapView.h"
 
-#include <QContextMenuEvent>
-#include <QHelpEvent>
-#include <QMouseEvent>
 #include <QPainter>
-#include <QToolTip>
-#include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
 
+#include "host/app/FeatureItem.h"
 #include "host/app/HostText.h"
+#include "host/app/LayerTreeModel.h"
 #include "host/app/MapItems.h"
 
 namespace orvex {
@@ -17,9 +14,7 @@ namespace orvex {
 namespace {
 
 constexpr double kMargin = 40;
-constexpr double kHitSlack = 3;  ///< pixels beside a footprint that still hit it
-constexpr double kZoomPerNotch = 1.25;
-constexpr double kPanPerKey = 60;
+constexpr double kHitSlack = 3;          ///< pixels beside a footprint that still hit it
 constexpr double kSmallestScale = 1e-9;  ///< pixels per unit
 constexpr double kLargestScale = 1e7;
 /// Units across the view for a place without extent.
@@ -45,6 +40,7 @@ MapView::MapView(const Project& project, QWidget* parent) : QGraphicsView(parent
     LookAt({}, 1);
     connect(&thumbnails_, &Thumbnails::Changed, this, &MapView::UpdateThumbnails);
     connect(&photoCard_, &PhotoCard::Changed, viewport(), qOverload<>(&QWidget::update));
+    connect(&shapes_, &Thumbnails::Changed, this, &MapView::UpdateShapes);
 }
 
 void MapView::ShowCrs(const std::string& wkt) {
@@ -57,8 +53,8 @@ void MapView::Reload() {
     SetHovered(nullptr);
     footprints_.clear();
     thumbnailItems_.clear();
+    shapeItems_.clear();
     scene_.clear();
-    std::vector<std::wstring> rasters;
     for (std::size_t layer = 0; layer < project_.layers.size(); ++layer) {
         if (groups_.Of(project_.layers[layer].wkt) == groups_.Of(wkt_)) {
             AddLayer(layer);
@@ -67,17 +63,26 @@ void MapView::Reload() {
     if (!footprints_.empty()) {
         scene_.addItem(new GridItem);
     }
-    for (const FootprintItem* item : footprints_) {
-        if (project_.layers[item->Layer()].kind == LayerKind::Raster) {
-            rasters.push_back(FileOf(*item).path);
-        }
-    }
+    const std::vector<std::wstring> rasters = PathsOf(LayerKind::Raster);
     for (FootprintItem* item : footprints_) {
         item->SetLight(!rasters.empty());
     }
     thumbnails_.Request(rasters);
     UpdateThumbnails();
+    shapes_.Request(PathsOf(LayerKind::Feature));
+    UpdateShapes();
     viewport()->update();
+}
+
+/// Full paths of the files of a kind that are shown.
+std::vector<std::wstring> MapView::PathsOf(LayerKind kind) const {
+    std::vector<std::wstring> paths;
+    for (const FootprintItem* item : footprints_) {
+        if (project_.layers[item->Layer()].kind == kind) {
+            paths.push_back(FileOf(*item).path);
+        }
+    }
+    return paths;
 }
 
 void MapView::AddLayer(std::size_t layer) {
@@ -96,6 +101,9 @@ void MapView::UpdateThumbnails() {
     qDeleteAll(thumbnailItems_);
     thumbnailItems_.clear();
     for (FootprintItem* item : footprints_) {
+        if (project_.layers[item->Layer()].kind != LayerKind::Raster) {
+            continue;
+        }
         const Thumbnail* thumbnail = thumbnails_.Find(FileOf(*item).path);
         const bool isThere = thumbnail != nullptr && !thumbnail->image.isNull();
         if (isThere) {
@@ -103,6 +111,19 @@ void MapView::UpdateThumbnails() {
             scene_.addItem(thumbnailItems_.back());
         }
         item->SetHasThumbnail(isThere);
+    }
+}
+
+void MapView::UpdateShapes() {
+    qDeleteAll(shapeItems_);
+    shapeItems_.clear();
+    for (FootprintItem* item : footprints_) {
+        const Thumbnail* read = shapes_.Find(FileOf(*item).path);
+        if (read != nullptr && read->shapes != nullptr) {
+            shapeItems_.push_back(new FeatureItem(read->shapes, LayerTreeModel::ColourOf(item->Layer())));
+            scene_.addItem(shapeItems_.back());
+            item->SetHasThumbnail(!read->shapes->isCut);
+        }
     }
 }
 
@@ -193,6 +214,14 @@ void MapView::drawForeground(QPainter* painter, const QRectF&) {
     painter->restore();
 }
 
+/// What is to be known of a file's shapes beside its name; else empty.
+QString MapView::SignOf(const FootprintItem& item) const {
+    const Thumbnail* read = shapes_.Find(FileOf(item).path);
+    return read != nullptr && read->shapes != nullptr && read->shapes->isCut
+               ? " (" + HostText(text::kFeaturesPartly) + ')'
+               : QString();
+}
+
 /// The name of each file inside its footprint, where there is room for it and no name yet.
 void MapView::DrawNames(QPainter& painter) const {
     const QFontMetrics metrics(font());
@@ -203,7 +232,7 @@ void MapView::DrawNames(QPainter& painter) const {
             pixels.width() < 8 * metrics.averageCharWidth()) {
             continue;
         }
-        const QString name = ToQString(FileNameOf(FileOf(*item).path));
+        const QString name = ToQString(FileNameOf(FileOf(*item).path)) + SignOf(*item);
         const QString text = metrics.elidedText(name, Qt::ElideMiddle, static_cast<int>(pixels.width()) - 8);
         QRectF place(QPointF(), QSizeF(metrics.horizontalAdvance(text), metrics.height()));
         place.moveCenter(pixels.center());
@@ -219,126 +248,6 @@ void MapView::resizeEvent(QResizeEvent* event) {
     if (fitWhenSized_) {
         FitAll();
     }
-}
-
-void MapView::wheelEvent(QWheelEvent* event) {
-    const double notches = event->angleDelta().y() / 120.0;
-    if (notches != 0 && !footprints_.empty()) {
-        ZoomAbout(event->position(), std::pow(kZoomPerNotch, notches));
-    }
-    event->accept();
-}
-
-void MapView::mousePressEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton || event->button() == Qt::MiddleButton) {
-        pressed_ = last_ = event->position();
-        isDragging_ = false;
-    }
-}
-
-void MapView::mouseMoveEvent(QMouseEvent* event) {
-    if ((event->buttons() & (Qt::LeftButton | Qt::MiddleButton)) == 0) {
-        Hover(event->position());
-        return;
-    }
-    if ((event->position() - pressed_).manhattanLength() > 4) {
-        isDragging_ = true;
-        viewport()->setCursor(Qt::ClosedHandCursor);
-    }
-    if (isDragging_) {
-        Pan(event->position() - last_);
-    }
-    last_ = event->position();
-}
-
-void MapView::Hover(const QPointF& pixel) {
-    SetHovered(FootprintAt(pixel));
-    const QPointF world = ToWorld(pixel);
-    const int decimals = GridDecimals(1 / PixelsPerUnit());
-    const QString position =
-        QString("%1  %2").arg(world.x(), 0, 'f', decimals).arg(world.y(), 0, 'f', decimals);
-    emit Hovered(hovered_ == nullptr ? position : position + "   " + Describe(*hovered_).section('\n', 0, 0));
-}
-
-void MapView::SetHovered(FootprintItem* item) {
-    if (item == hovered_) {
-        return;
-    }
-    if (hovered_ != nullptr) {
-        hovered_->SetHovered(false);
-    }
-    hovered_ = item;
-    if (hovered_ != nullptr) {
-        hovered_->SetHovered(true);
-    }
-    photoCard_.SetPhoto(IsPhoto(hovered_) ? &FileOf(*hovered_) : nullptr);
-}
-
-void MapView::mouseReleaseEvent(QMouseEvent* event) {
-    viewport()->unsetCursor();
-    if (isDragging_ || event->button() != Qt::LeftButton) {
-        return;
-    }
-    if (const FootprintItem* item = FootprintAt(event->position())) {
-        emit FileClicked(item->Layer(), item->File());
-    } else {
-        emit GroundClicked();
-    }
-}
-
-void MapView::contextMenuEvent(QContextMenuEvent* event) {
-    if (const FootprintItem* item = FootprintAt(event->pos())) {
-        emit MenuRequested(item->Layer(), item->File(), event->globalPos());
-    }
-}
-
-void MapView::keyPressEvent(QKeyEvent* event) {
-    const QPointF middle = QRectF(viewport()->rect()).center();
-    switch (event->key()) {
-        case Qt::Key_Plus:
-            return ZoomAbout(middle, kZoomPerNotch);
-        case Qt::Key_Minus:
-            return ZoomAbout(middle, 1 / kZoomPerNotch);
-        case Qt::Key_Left:
-            return Pan({kPanPerKey, 0});
-        case Qt::Key_Right:
-            return Pan({-kPanPerKey, 0});
-        case Qt::Key_Up:
-            return Pan({0, kPanPerKey});
-        case Qt::Key_Down:
-            return Pan({0, -kPanPerKey});
-        default:
-            // Past the classes between, which would scroll.
-            // NOLINTNEXTLINE(bugprone-parent-virtual-call)
-            QWidget::keyPressEvent(event);
-    }
-}
-
-void MapView::focusInEvent(QFocusEvent* event) {
-    QGraphicsView::focusInEvent(event);
-    viewport()->update();
-}
-
-void MapView::focusOutEvent(QFocusEvent* event) {
-    QGraphicsView::focusOutEvent(event);
-    viewport()->update();
-}
-
-bool MapView::viewportEvent(QEvent* event) {
-    if (event->type() == QEvent::Leave) {
-        SetHovered(nullptr);
-        emit Hovered({});
-    }
-    if (event->type() != QEvent::ToolTip) {
-        return QGraphicsView::viewportEvent(event);
-    }
-    const auto* help = static_cast<QHelpEvent*>(event);
-    if (const FootprintItem* item = FootprintAt(help->pos()); item != nullptr && !IsPhoto(item)) {
-        QToolTip::showText(help->globalPos(), Describe(*item), this);
-    } else {
-        QToolTip::hideText();
-    }
-    return true;
 }
 
 QPointF MapView::ToWorld(const QPointF& pixel) const {
@@ -382,13 +291,12 @@ QString MapView::Describe(const FootprintItem& item) const {
     if (layer.kind == LayerKind::Photo) {
         return name + ToQString(file.photo.timeUtc);
     }
-    if (layer.kind != LayerKind::Raster) {
-        return name + HostText(text::kFeatureCountTooltip, {GroupedNumber(file.feature.count)});
-    }
-    const Thumbnail* thumbnail = thumbnails_.Find(file.path);
+    const bool isRaster = layer.kind == LayerKind::Raster;
+    const Thumbnail* thumbnail = (isRaster ? thumbnails_ : shapes_).Find(file.path);
     const QString problem = thumbnail == nullptr ? QString() : thumbnail->problem;
     const QString size =
-        HostText(text::kRecordRaster, {file.raster.width, file.raster.height, file.raster.bands});
+        isRaster ? HostText(text::kRecordRaster, {file.raster.width, file.raster.height, file.raster.bands})
+                 : HostText(text::kFeatureCountTooltip, {GroupedNumber(file.feature.count)});
     return name + size + (problem.isEmpty() ? QString() : '\n' + problem);
 }
 

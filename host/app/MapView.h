@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/app/FeatureShapes.h"
 #include "host/app/PhotoCard.h"
 #include "host/app/Project.h"
 #include "host/app/Thumbnails.h"
@@ -14,7 +15,8 @@ namespace orvex {
 
 class FootprintItem;
 
-/// The map: footprints of the files of one coordinate system, and thumbnails of the rasters among them. The
+/// The map: footprints of the files of one coordinate system, thumbnails of the rasters and shapes of the
+/// shapefiles among them. The
 /// wheel zooms about the cursor, dragging pans, a click selects, hovering names the file.
 class MapView final : public QGraphicsView {
     Q_OBJECT
@@ -35,8 +37,10 @@ class MapView final : public QGraphicsView {
     /// Highlights files (layer and place in it) without emitting a signal.
     void SetSelected(const std::set<std::pair<std::size_t, std::size_t>>& files);
 
-    /// True while thumbnails are being read.
-    bool IsLoading() const { return thumbnails_.IsLoading() || photoCard_.IsLoading(); }
+    /// True while thumbnails and shapes are being read.
+    bool IsLoading() const {
+        return thumbnails_.IsLoading() || shapes_.IsLoading() || photoCard_.IsLoading();
+    }
 
     QSize sizeHint() const override { return {640, 480}; }
 
@@ -66,6 +70,8 @@ class MapView final : public QGraphicsView {
   private:
     void AddLayer(std::size_t layer);
     void UpdateThumbnails();
+    void UpdateShapes();
+    std::vector<std::wstring> PathsOf(LayerKind kind) const;
     QRectF ExtentOf(const std::function<bool(const FootprintItem&)>& isMeant) const;
     void LookAt(const QPointF& world, double pixelsPerUnit);
     void Fit(const QRectF& world, double margin);
@@ -74,6 +80,7 @@ class MapView final : public QGraphicsView {
     void Hover(const QPointF& pixel);
     void SetHovered(FootprintItem* item);
     void DrawNames(QPainter& painter) const;
+    QString SignOf(const FootprintItem& item) const;
     double PixelsPerUnit() const { return transform().m11(); }
     QPointF ToWorld(const QPointF& pixel) const;
     FootprintItem* FootprintAt(const QPointF& pixel) const;
@@ -85,10 +92,12 @@ class MapView final : public QGraphicsView {
     std::string wkt_;
     CrsGroups groups_;
     Thumbnails thumbnails_;
+    Thumbnails shapes_{nullptr, ReadShapes};  ///< of the shapefiles
     PhotoCard photoCard_;
     QGraphicsScene scene_;
     std::vector<FootprintItem*> footprints_;  ///< owned by the scene, as the next
     std::vector<QGraphicsItem*> thumbnailItems_;
+    std::vector<QGraphicsItem*> shapeItems_;
     FootprintItem* hovered_ = nullptr;
     QPointF centre_;            ///< scene coordinates at the middle of the view
     bool fitWhenSized_ = true;  ///< until the user zooms or pans, a new size fits again

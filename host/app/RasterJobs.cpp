@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <map>
 
+#include "host/app/PartProgress.h"
 #include "host/dem/HostGdal.h"
 #include "support/Files.h"
 #include "support/Format.h"
@@ -16,36 +17,7 @@ namespace orvex {
 
 namespace {
 
-constexpr std::uint64_t kStepsPerRaster = 1000;
 constexpr int kCoarsest = 256;  ///< pixels on the longer side of the coarsest overview
-
-/// The progress of one file as its part of all.
-class PartProgress final : public Kst::ProgressIf {
-  public:
-    PartProgress(Kst::ProgressIf& whole, std::size_t index)
-        : whole_(whole), before_(kStepsPerRaster * index) {
-        whole_.SetPosition(before_);
-    }
-
-    void SetRange(std::uint64_t total) override { total_ = total; }
-    void SetText(const std::wstring&) override {}  // which file it is says more
-    void SetPosition(std::uint64_t done) override {
-        SetShare(total_ == 0 ? 0 : static_cast<double>(done) / static_cast<double>(total_));
-    }
-    void SetShare(double share) {
-        const double steps = std::clamp(share, 0.0, 1.0) * static_cast<double>(kStepsPerRaster);
-        whole_.SetPosition(before_ + static_cast<std::uint64_t>(steps));
-    }
-    bool IsCancelled() override { return wasCancelled_ = wasCancelled_ || whole_.IsCancelled(); }
-    /// True if IsCancelled has said so.
-    bool WasCancelled() const { return wasCancelled_; }
-
-  private:
-    Kst::ProgressIf& whole_;
-    std::uint64_t before_;
-    std::uint64_t total_ = 0;
-    bool wasCancelled_ = false;
-};
 
 int CPL_STDCALL Report(double share, const char*, void* data) {
     PartProgress& progress = *static_cast<PartProgress*>(data);
@@ -219,7 +191,7 @@ CheckedFiles CheckFiles(const FilesToCheck& files, Kst::ProgressIf& progress) {
 OverviewResult BuildOverviews(const std::vector<std::wstring>& paths, Kst::ProgressIf& progress) {
     SetUpGdal();
     OverviewResult result;
-    progress.SetRange(kStepsPerRaster * paths.size());
+    progress.SetRange(kStepsPerFile * paths.size());
     for (std::size_t i = 0; i < paths.size() && !result.stopped; ++i) {
         progress.SetText(FileNameOf(paths[i]));
         PartProgress part(progress, i);
@@ -241,7 +213,7 @@ DemImport::DemImport(std::vector<AssignedFile> dems, DemConversionOptions option
 
 void DemImport::Run(Kst::ProgressIf& progress) {
     SetUpGdal();
-    progress.SetRange(kStepsPerRaster * dems_.size());
+    progress.SetRange(kStepsPerFile * dems_.size());
     for (std::size_t i = 0; i < dems_.size() && !Result().stopped; ++i) {
         progress.SetText(
             FormatText(Text(text::kDemConversionProgress), {i + 1, dems_.size(), FileNameOf(dems_[i].path)}));

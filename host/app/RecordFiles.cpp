@@ -4,6 +4,7 @@
 #include <span>
 
 #include "host/app/PhotoJobs.h"
+#include "host/app/RecordFeatures.h"
 #include "host/dem/DemConversion.h"
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/LasFileInfo.h"
@@ -375,6 +376,9 @@ std::wstring RecordText(const AddFilesParams& record) {
             text += (text.empty() ? L"" : L"\n") + FilesText(record, kind) + L"\n" +
                     LayersText(record, kind) + L"\n" + OptionsText(record, kind);
         }
+    }
+    if (!record.featureFiles.empty()) {
+        text += (text.empty() ? L"" : L"\n") + FeaturesText(record);
     }
     if (const std::wstring photos = PhotosText(record); !photos.empty()) {
         text += (text.empty() ? L"" : L"\n") + photos;

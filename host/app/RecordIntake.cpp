@@ -6,8 +6,10 @@
 #include <set>
 #include <utility>
 
+#include "host/app/FeatureJobs.h"
 #include "host/app/HostText.h"
 #include "host/app/RasterJobs.h"
+#include "host/app/RecordFeatures.h"
 #include "host/app/RecordFiles.h"
 #include "host/app/WorkDialog.h"
 #include "host/objects/HostClasses.h"
@@ -68,9 +70,10 @@ IntakeResult RecordIntake::Take(const AddFilesParams& record) {
     TakeLas(record);
     TakeRasters(record);
     TakeDems(record);
+    TakeFeatures(record);
     TakePhotos(record);
     result_.status = Status(CountFiles(record.lasFiles) + CountFiles(record.rasterFiles) +
-                            CountFiles(record.demFiles) + record.photoFiles.size());
+                            CountFiles(record.demFiles) + chosenFeatures_ + record.photoFiles.size());
     ReportLeftOut();
     return result_;
 }
@@ -254,6 +257,28 @@ void RecordIntake::TakeImport(const PhotoImport& import, bool replaces) {
     Keep(added);
 }
 
+/// A CAD or KML file counts as the shapefiles that it becomes.
+void RecordIntake::TakeFeatures(const AddFilesParams& record) {
+    if (record.featureFiles.empty()) {
+        return;
+    }
+    const VectorConversionOptions options{record.featureImportPoints, record.featureImportLines,
+                                          record.featureImportPolygons, record.featureImportText,
+                                          record.featureOutputFolder};
+    const auto import = std::make_shared<FeatureImport>(FeatureFilesOf(record, project_), options);
+    const WorkEnd end = WorkDialog::Run(window_, HostText(text::kVectorConversionTitle),
+                                        [import](Kst::ProgressIf& progress) { import->Run(progress); });
+    const FeatureImportResult result = import->Result();
+    if (result.stopped || end == WorkEnd::Abandoned) {
+        remarks_ += ' ' + HostText(text::kStatusConversionStopped);
+    }
+    chosenFeatures_ = result.files.size() + result.failures.size();
+    leftOut_.insert(leftOut_.end(), result.failures.begin(), result.failures.end());
+    notes_ = result.notes;
+    Report(text::kVectorRemarks, result.warnings);
+    Keep(project_.Take(LayerKind::Feature, result.files));
+}
+
 /// Adds files that are added all the same, with what is the matter.
 void RecordIntake::Report(StringId heading, const std::vector<FileFailure>& files) {
     if (!files.empty()) {
@@ -265,6 +290,9 @@ void RecordIntake::ReportLeftOut() {
     const std::vector<ReportPrompt::Section> leftOut = SectionsOf(leftOut_);
     result_.news.insert(result_.news.begin(), leftOut.begin(), leftOut.end());
     result_.report = SectionsOf(toldLeftOut_);
+    if (!notes_.empty()) {
+        result_.report.push_back(SectionOf(text::kVectorRemarks, notes_));
+    }
     result_.report.insert(result_.report.begin(), result_.news.begin(), result_.news.end());
 }
 

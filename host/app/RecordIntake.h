@@ -40,6 +40,7 @@ class RecordIntake {
     void TakeLas(const AddFilesParams& record);
     void TakeRasters(const AddFilesParams& record);
     void TakeDems(const AddFilesParams& record);
+    void TakeFeatures(const AddFilesParams& record);
     void TakePhotos(const AddFilesParams& record);
     void TakeImport(const PhotoImport& import, bool replaces);
     LidarAccess LasAccess(const AddFilesParams& record);
@@ -55,8 +56,10 @@ class RecordIntake {
     QWidget* window_;
     CheckedFiles checked_;
     IntakeResult result_;
+    std::size_t chosenFeatures_ = 0;        ///< shapefiles, and files that did not become any
     std::size_t mostInLayers_ = 0;          ///< files that one kind of data brought
     std::vector<FileFailure> leftOut_;      ///< files of the record that are not added
+    std::vector<FileFailure> notes_;        ///< about files that are added all the same, for the report only
     std::vector<FileFailure> toldLeftOut_;  ///< further ones, of which the dialog has told
     QString remarks_;                       ///< for the status
 };

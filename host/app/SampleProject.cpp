@@ -6,6 +6,7 @@
 #include "host/app/SampleLasFile.h"
 #include "host/app/SamplePhotos.h"
 #include "host/app/SampleRasters.h"
+#include "host/app/SampleVectors.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/LDataError.h"
 
@@ -116,6 +117,8 @@ fs::path EnsureSampleProject(const fs::path& folder) {
                      [](const fs::path& part) { WriteSampleRasters(part, kWest, kSouth, kUtm32); });
         EnsureFolder(data / "elevation",
                      [](const fs::path& part) { WriteSampleElevation(part, kWest, kSouth, kUtm32); });
+        EnsureFolder(data / "features",
+                     [](const fs::path& part) { WriteSampleVectors(part, kWest, kSouth, kUtm32); });
         EnsureFolder(data / "photos", [&data](const fs::path& part) {
             WriteSamplePhotos(part, data / "rasters" / "orthophoto.tif");
         });

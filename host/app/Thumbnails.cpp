@@ -33,6 +33,7 @@ struct Thumbnails::Link {
     std::mutex lock;
     Thumbnails* owner;  ///< null once it is gone
     std::atomic<int> longSide = kLargestSide;
+    std::atomic<std::size_t> vertices = 0;
 
     explicit Link(Thumbnails* thumbnails) : owner(thumbnails) {}
 };
@@ -68,6 +69,7 @@ void Thumbnails::Request(const std::vector<std::wstring>& paths) {
         return entry.second->isCancelled.load();
     });
     link_->longSide = LongSideFor(wanted.size());
+    link_->vertices = VerticesFor(wanted.size());
     for (const std::wstring& path : paths) {
         if (!jobs_.contains(path) && !thumbnails_.contains(path)) {
             Start(path);
@@ -84,6 +86,7 @@ void Thumbnails::Start(const std::wstring& path) {
         try {
             ThumbnailLimits limits;
             limits.longSide = link->longSide;
+            limits.vertices = link->vertices;
             const auto isCancelled = [&job] { return job->isCancelled.load(); };
             thumbnail = isCancelled() ? Thumbnail() : read(job->path, isCancelled, limits);
         } catch (...) {
@@ -113,6 +116,13 @@ const Thumbnail* Thumbnails::Find(const std::wstring& path) const {
 int Thumbnails::LongSideFor(std::size_t count) {
     const double side = std::sqrt(kMaxPixels / static_cast<double>(std::max<std::size_t>(count, 1)));
     return static_cast<int>(std::clamp<double>(side, kSmallestSide, kLargestSide));
+}
+
+std::size_t Thumbnails::VerticesFor(std::size_t count) {
+    constexpr std::size_t kMostOfAll = 400000;
+    constexpr std::size_t kMostOfOne = 100000;
+    constexpr std::size_t kLeastOfOne = 1000;
+    return std::clamp(kMostOfAll / std::max<std::size_t>(count, 1), kLeastOfOne, kMostOfOne);
 }
 
 }  // namespace orvex

@@ -13,15 +13,19 @@ class QThreadPool;
 
 namespace orvex {
 
-/// A small picture of a raster.
+struct FeatureShapes;
+
+/// What the map shows of a file: a small picture of a raster, or the shapes of a shapefile.
 struct Thumbnail {
     QImage image;     ///< Format_ARGB32_Premultiplied; null when there is none
-    QString problem;  ///< why there is no image, in the user's words; empty when there is one
+    QString problem;  ///< why there is nothing to show, in the user's words; empty when there is something
+    std::shared_ptr<const FeatureShapes> shapes{};  ///< of a shapefile; null when there are none
 };
 
 /// Limits on the work for one thumbnail.
 struct ThumbnailLimits {
     int longSide = 512;                     ///< pixels of the thumbnail
+    std::size_t vertices = 100000;          ///< of a shapefile
     double decodedBytes = 768 << 20;        ///< samples that have to be decoded for it
     double blockBytes = 256 << 20;          ///< one block, which is decoded as a whole
     std::chrono::milliseconds time{20000};  ///< for reading
@@ -34,7 +38,7 @@ struct ThumbnailLimits {
 Thumbnail ReadThumbnail(const std::wstring& path, const std::function<bool()>& isCancelled,
                         const ThumbnailLimits& limits = {});
 
-/// Thumbnails of the rasters on the map, read on worker threads.
+/// Thumbnails of the files on the map, read on worker threads.
 class Thumbnails final : public QObject {
     Q_OBJECT
 
@@ -57,6 +61,8 @@ class Thumbnails final : public QObject {
 
     /// Pixels on the long side of each thumbnail, so that `count` of them take at most 256 MB.
     static int LongSideFor(std::size_t count);
+    /// Vertices of each shapefile, so that `count` of them take at most some 400,000.
+    static std::size_t VerticesFor(std::size_t count);
 
   signals:
     /// A thumbnail, or the reason why there is none, has come in.

@@ -129,8 +129,11 @@ void HoverPhoto(const HostWindow& window) {
 
 /// True if the record came back with files of every kind that is expected, and with any at all.
 bool Holds(const RecordCounts& counts, const std::set<QString>& expected) {
-    const std::pair<const char*, std::size_t> kinds[] = {
-        {"las", counts.las}, {"raster", counts.rasters}, {"dem", counts.dems}, {"photo", counts.photos}};
+    const std::pair<const char*, std::size_t> kinds[] = {{"las", counts.las},
+                                                         {"raster", counts.rasters},
+                                                         {"dem", counts.dems},
+                                                         {"photo", counts.photos},
+                                                         {"feature", counts.features}};
     for (const auto& [name, count] : kinds) {
         if (expected.contains(name) && count == 0) {
             std::cerr << "orvex-host: no files of the tab '" << name << "' came back" << std::endl;
@@ -141,7 +144,7 @@ bool Holds(const RecordCounts& counts, const std::set<QString>& expected) {
         std::cerr << "orvex-host: no elevation file became a LAS file" << std::endl;
         return false;
     }
-    return counts.las + counts.rasters + counts.dems + counts.photos > 0;
+    return counts.las + counts.rasters + counts.dems + counts.photos + counts.features > 0;
 }
 
 /// Opens the host's window and, where there is something to add, the dialog with it. Returns the exit code.
