@@ -253,11 +253,12 @@ void FootprintItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* opt
     painter->resetTransform();
     const QColor colour = LayerTreeModel::ColourOf(layer_);
     QColor fill = colour;
-    const bool isFilled = kind_ == LayerKind::Las;
+    const bool isFeature = kind_ == LayerKind::Feature;
+    const bool isOutline = isFeature || kind_ == LayerKind::Raster;
     fill.setAlpha(isLight_ ? 25 : 60);
-    if (isFilled || kind_ == LayerKind::Raster || !hasThumbnail_) {
-        painter->setPen(QPen(colour, 1, isFilled || hasThumbnail_ ? Qt::SolidLine : Qt::DashLine));
-        painter->setBrush(isFilled ? QBrush(fill) : QBrush(Qt::NoBrush));
+    if (!isFeature || !hasThumbnail_) {
+        painter->setPen(QPen(colour, 1, isOutline && !hasThumbnail_ ? Qt::DashLine : Qt::SolidLine));
+        painter->setBrush(isOutline ? QBrush(Qt::NoBrush) : QBrush(fill));
         DrawOutline(*painter, *view);
     }
     fill.setAlpha(hasThumbnail_ ? 50 : 120);

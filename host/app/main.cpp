@@ -46,8 +46,9 @@ std::wstring SampleProjectFailure() {
 /// Every file of a sample project that the dialog takes.
 QStringList SampleFiles(const QString& project) {
     const QString data = ToQString(FromPath(SampleData(ToPath(ToWide(project)))));
-    QDirIterator files(data, {"*.las", "*.laz", "*.tif", "*.png", "*.bil", "*.asc", "*.jpg"}, QDir::Files,
-                       QDirIterator::Subdirectories);
+    QDirIterator files(
+        data, {"*.las", "*.laz", "*.tif", "*.png", "*.bil", "*.asc", "*.jpg", "*.shp", "*.dxf", "*.kml"},
+        QDir::Files, QDirIterator::Subdirectories);
     QStringList paths;
     while (files.hasNext()) {
         paths.append(files.next());
@@ -216,7 +217,7 @@ int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     window.AskLidarAccess();
     // The sample project has files of every kind.
     const std::set<QString> expected = arguments.paths.isEmpty()
-                                           ? std::set<QString>{"las", "raster", "dem", "photo"}
+                                           ? std::set<QString>{"las", "raster", "feature", "dem", "photo"}
                                            : driver.TabsWithFiles();
     return Holds(window.LastRecordCounts(), expected) ? 0 : 1;
 }

@@ -56,7 +56,7 @@ std::string KmlInArchive(const std::wstring& path) {
         }
     }
     if (found.empty()) {
-        Fail(path, Text(text::kVectorArchiveWithoutKml));
+        Fail(path, Text(text::kKmzWithoutKml));
     }
     return found;
 }

@@ -4,7 +4,8 @@
 #include <ogrsf_frmts.h>
 
 #include <algorithm>
-#include <functional>
+#include <filesystem>
+#include <iterator>
 
 #include "host/dem/HostGdal.h"
 #include "support/Files.h"
@@ -178,6 +179,29 @@ TEST_F(VectorConversionTest, ThePartsOfAKmlFileGoWhereTheyBelong) {
     EXPECT_TRUE(points[0].ends_with("POINT Z (9 48 300)")) << points[0];
     EXPECT_TRUE(points[2].ends_with("POINT Z (3 4 0)")) << points[2];
     EXPECT_NE(testing::ReadFile(Out(L"a_d_points.prj")).find("WGS_1984"), std::string::npos);
+}
+
+TEST_F(VectorConversionTest, AnArchiveIsReadInPlaceWhateverItsName) {
+    folder_.Write(L"in/.keep", "");
+    for (const wchar_t* name : {L"in/a.kmz", L"in/b.kml"}) {
+        const std::wstring path = folder_.Name(name);
+        const std::string archive = ToUtf8(folder_.Name(L"in/archive.zip"));
+        for (const char* entry : {"first.kml", "doc.kml"}) {
+            const std::string place = entry[0] == 'd' ? "7,8,9" : "1,2,3";
+            const std::string kml =
+                Kml("<Placemark><Point><coordinates>" + place + "</coordinates></Point></Placemark>");
+            VSILFILE* const file = VSIFOpenL(("/vsizip/" + archive + "/" + entry).c_str(), "wb");
+            ASSERT_NE(file, nullptr);
+            VSIFWriteL(kml.data(), 1, kml.size(), file);
+            VSIFCloseL(file);
+        }
+        ASSERT_EQ(RenameFile(folder_.Name(L"in/archive.zip"), path), 0);
+        const auto result = Convert(path);
+        ASSERT_TRUE(result);
+        ASSERT_EQ(result->shapefiles.size(), 1U);
+        EXPECT_TRUE(Rows(result->shapefiles[0].path)[0].ends_with("POINT Z (7 8 9)"));
+    }
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_.Path() / "in"), {}), 3);
 }
 
 TEST_F(VectorConversionTest, NothingIsReplaced) {
