@@ -36,14 +36,14 @@ Names Keys(const std::vector<FeatureRow>& rows) {
 
 TEST(FeatureRules, EveryLoadableFileGetsAKeyOfItsOwn) {
     std::vector<FeatureRow> rows;
-    for (const wchar_t* path : {L"/a/roads.dxf", L"/a/roads.shp", L"/b/ROADS.SHP", L"/b/roads (2).kml",
+    for (const wchar_t* path : {L"/a/roads.dxf", L"/a/roads.shp", L"/b/ROADS.SHP", L"/b/Roads (2).kml",
                                 L"/c/roads.v2.dwg", L"/c/unread.dgn", L"/d/roads (2).dgn"}) {
         rows.push_back(Row(path));
     }
     rows[5] = UnreadFeatureFile(rows[5].path, L"no");
     const std::map<std::wstring, std::wstring> none;
     ApplyFeatureRules(rows, {none, false});
-    const Names expected{L"roads",    L"roads (2)", L"ROADS (3)",    L"roads (2) (2)",
+    const Names expected{L"roads",    L"roads (2)", L"ROADS (3)",    L"Roads (2) (2)",
                          L"roads.v2", L"",          L"roads (2) (3)"};
     EXPECT_EQ(Keys(rows), expected);
     ApplyFeatureRules(rows, {none, false});

@@ -64,7 +64,7 @@ TEST(ShapefileReader, SidecarsThatLackOrContradictAreReportedAndNotTrusted) {
     other.type = 8;
     other.points.resize(5, {1, 1});
     const std::string cutShp = shp.substr(0, shp.size() - 5);
-    const std::string otherIndex = With(shx, 100 + 2 * 8 + 4, Bytes(std::uint32_t{0x0B000000}));
+    const std::string otherIndex = With(shx, 100 + 4, Bytes(std::uint32_t{0x0B000000}));
     const struct {
         const char* what;
         std::string shp, shx, dbf;  ///< empty: missing
