@@ -6,6 +6,8 @@
 #include <utility>
 
 #include "orvexcommon/AddFilesParams.h"
+#include "support/PathSet.h"
+#include "support/UniqueNames.h"
 
 namespace orvex {
 namespace {
@@ -15,10 +17,10 @@ using Texts = std::map<std::wstring, std::wstring>;
 constexpr FilesByFolder AddFilesParams::*kFileLists[] = {
     &AddFilesParams::lasFiles, &AddFilesParams::rasterFiles, &AddFilesParams::demFiles};
 constexpr Texts AddFilesParams::*kTexts[] = {
-    &AddFilesParams::featureFiles,         &AddFilesParams::presignedUrlLayers,
-    &AddFilesParams::cloudLasLayers,       &AddFilesParams::cloudLasLayerValues2,
-    &AddFilesParams::cloudLasLayerValues3, &AddFilesParams::lasFileLayers,
-    &AddFilesParams::rasterFileLayers,     &AddFilesParams::demFileLayers};
+    &AddFilesParams::presignedUrlLayers,   &AddFilesParams::cloudLasLayers,
+    &AddFilesParams::cloudLasLayerValues2, &AddFilesParams::cloudLasLayerValues3,
+    &AddFilesParams::lasFileLayers,        &AddFilesParams::rasterFileLayers,
+    &AddFilesParams::demFileLayers};
 
 void AppendNew(std::vector<std::wstring> added, std::vector<std::wstring>& names) {
     std::unordered_set<std::wstring> known(names.begin(), names.end());
@@ -33,6 +35,21 @@ void PutBehind(Map earlier, Map& added) {
     added = std::move(earlier);
 }
 
+/// The earlier files keep their keys.
+void AddEarlierFeatures(Texts earlier, Texts& added) {
+    UniqueNames keys;
+    PathSet files;
+    for (const auto& [key, path] : earlier) {
+        keys.Take(key);
+        files.Insert(path);
+    }
+    for (const auto& [key, path] : std::exchange(added, std::move(earlier))) {
+        if (!files.Contains(path)) {
+            added[keys.Take(key)] = path;
+        }
+    }
+}
+
 }  // namespace
 
 void ClearResults(AddFilesParams& record) {
@@ -42,6 +59,7 @@ void ClearResults(AddFilesParams& record) {
     for (const auto member : kTexts) {
         (record.*member).clear();
     }
+    record.featureFiles.clear();
     record.lasFileDetails.clear();
     record.rasterFileDetails.clear();
     record.photoFiles.clear();
@@ -65,6 +83,7 @@ void AddEarlierResults(const AddFilesParams& earlier, AddFilesParams& record) {
         // What the user has chosen now counts.
         (record.*member).insert((earlier.*member).begin(), (earlier.*member).end());
     }
+    AddEarlierFeatures(earlier.featureFiles, record.featureFiles);
     PutBehind(earlier.lasFileDetails, record.lasFileDetails);
     PutBehind(earlier.rasterFileDetails, record.rasterFileDetails);
     std::vector<std::wstring> photos = earlier.photoFiles;

@@ -1,32 +1,13 @@
 #include <algorithm>
 #include <string_view>
-#include <unordered_map>
-#include <unordered_set>
 
 #include "feature/FeatureFindings.h"
 #include "feature/FeatureRow.h"
 #include "support/Text.h"
+#include "support/UniqueNames.h"
 
 namespace orvex {
 namespace {
-
-/// Keys of the record's map, each given once.
-class FeatureKeys {
-  public:
-    std::wstring Take(const std::wstring& name) {
-        unsigned& number = numbers_[ToUpper(name)];
-        std::wstring key;
-        do {
-            ++number;
-            key = number == 1 ? name : name + L" (" + std::to_wstring(number) + L")";
-        } while (!taken_.insert(ToUpper(key)).second);
-        return key;
-    }
-
-  private:
-    std::unordered_map<std::wstring, unsigned> numbers_;  ///< the last that was tried for a name
-    std::unordered_set<std::wstring> taken_;
-};
 
 bool IsOfRules(const Finding& finding) {
     const std::string_view code = finding.code;
@@ -56,7 +37,7 @@ void ApplyRules(FeatureRow& row, const FeatureRules& rules) {
 }  // namespace
 
 void ApplyFeatureRules(std::vector<FeatureRow>& rows, const FeatureRules& rules) {
-    FeatureKeys keys;
+    UniqueNames keys;
     for (FeatureRow& row : rows) {
         if (row.isRead) {
             ApplyRules(row, rules);

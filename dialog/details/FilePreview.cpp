@@ -22,6 +22,9 @@ constexpr int kMostThreads = 3;
 
 /// The preview as an image in HTML; empty when it cannot be decoded.
 QString ImageHtml(const std::string& jpeg) {
+    if (!jpeg.starts_with("\xff\xd8\xff")) {  // the decoder would complain on the host's error output
+        return {};
+    }
     QByteArray bytes = QByteArray::fromStdString(jpeg);
     QBuffer buffer(&bytes);
     QImageReader reader(&buffer, "jpeg");

@@ -76,7 +76,7 @@ TEST_F(Exports, TheLidarAnswerIsKeptBetweenCalls) {
 
 TEST_F(Exports, TheDialogHasItsPagesAndCancelLeavesTheRecordAlone) {
     AddFilesParams params;
-    params.showRasterTab = params.showDemTab = true;
+    params.showRasterTab = params.showFeatureTab = params.showDemTab = params.showPhotoTab = true;
     params.lasThinning = 77;
     QTimer::singleShot(0, qApp, [] {
         QWidget* dialog = QApplication::activeModalWidget();
@@ -86,10 +86,12 @@ TEST_F(Exports, TheDialogHasItsPagesAndCancelLeavesTheRecordAlone) {
             StringId caption;
         } pages[] = {{"page363", "orvex::AddLASFilesPP", text::kLasTab},
                      {"page385", "orvex::AddRasterFilesPP", text::kRasterTab},
-                     {"page403", "orvex::AddDEMFilesPP", text::kDemTab}};
+                     {"page390", "orvex::AddFeatureFilesPP", text::kFeatureTab},
+                     {"page403", "orvex::AddDEMFilesPP", text::kDemTab},
+                     {"page406", "orvex::AddPhotoFilesPP", text::kPhotoTab}};
         const auto* tabs = dialog->findChild<QTabBar*>();
-        ASSERT_EQ(tabs->count(), 3);
-        for (int i = 0; i < 3; ++i) {
+        ASSERT_EQ(tabs->count(), 5);
+        for (int i = 0; i < 5; ++i) {
             EXPECT_EQ(tabs->tabText(i).remove(QLatin1Char('&')).toStdWString(), Text(pages[i].caption));
             const auto* page = dialog->findChild<QWidget*>(QLatin1String(pages[i].name));
             ASSERT_NE(page, nullptr) << pages[i].name;

@@ -37,7 +37,8 @@ PageContract PhotoContract() {
     page.ignored = text::kOthersLeftOut;
     page.reading = text::kPhotoReadingProgress;
     page.writeGood = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
-        return testing::WritePhoto(folder, name + L".jpg");
+        static int photos = 0;  // photos at one place would say so of each other
+        return testing::WritePhoto(folder, name + L".jpg", 8.5 + 0.001 * ++photos);
     };
     page.writeBad = [](const testing::TemporaryFolder& folder, const std::wstring& name) {
         return folder.Write(name + L".jpg", "no photo");
