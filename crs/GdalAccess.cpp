@@ -132,6 +132,12 @@ class OpenFile {
 
     VSILFILE* File() const { return file_; }
 
+    /// Like fseek.
+    int Seek(vsi_l_offset offset, int whence) {
+        hasTail_ = false;
+        return VSIFSeekL(file_, offset, whence);
+    }
+
     /// Like fread.
     std::size_t Read(void* buffer, std::size_t size, std::size_t count) {
         const std::size_t read = ReadFile(buffer, size, count);
@@ -244,7 +250,7 @@ class OpenFile {
     State& state_;
     std::uint64_t left_;
     const bool isWatched_;
-    bool hasTail_ = false;  ///< given to GDAL
+    bool hasTail_ = false;  ///< read since the last seek
     const bool isHeader_;
     double unpacked_ = 0;          ///< bytes
     vsi_l_offset unpackedTo_ = 0;  ///< what begins before has been counted
@@ -350,7 +356,7 @@ std::string Install() {
     calls->read_dir = ReadDir;
     calls->tell = [](void* handle) { return VSIFTellL(FileOf(handle).File()); };
     calls->seek = [](void* handle, vsi_l_offset offset, int whence) {
-        return VSIFSeekL(FileOf(handle).File(), offset, whence);
+        return FileOf(handle).Seek(offset, whence);
     };
     calls->read = [](void* handle, void* buffer, size_t size, size_t count) {
         return Guarded([&] { return FileOf(handle).Read(buffer, size, count); }, std::size_t{0});

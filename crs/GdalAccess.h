@@ -19,7 +19,7 @@ struct ReadWatch {
     /// Is shown the bytes before GDAL sees them; the same ones come again when they are read again. Returns
     /// why reading has to end before them, as a sentence; empty to go on.
     std::function<std::wstring(std::uint64_t offset, std::span<const std::byte> bytes)> look;
-    /// Read once behind the last byte, for a driver that would wait for an end of line.
+    /// Read behind the last byte, for a driver that would wait for an end of line.
     std::string tail{};
 };
 

@@ -189,13 +189,17 @@ TEST(CadInfo, SaysWhereADxfFileIsDamaged) {
     } cases[] = {
         {"no group code", kHeader + Section("ENTITIES", "LINE\r\n"), "15"},
         {"cut within an object", good.substr(0, good.find("LINE", good.size() / 2) + 10), "35"},
-        {"cut before the end mark", second.substr(0, second.size() - kEnd.size() - 16), "31"},
+        {"cut before the end mark", second.substr(0, second.size() - kEnd.size() - 16), "33"},
     };
     for (const auto& row : cases) {
         ExpectRefused(files.Dxf(row.file), FormatText(Text(text::kDxfDamaged), {FromUtf8(row.line)}),
                       row.what);
     }
     ExpectRefused(files.Dxf(Dxf("", "")), Text(text::kCadNoObjects), "no objects");
+    // GDAL 3.6 does not come back from some of them.
+    for (std::size_t length = kHeader.size(); length < second.rfind("ENDSEC"); ++length) {
+        EXPECT_FALSE(files.Dxf(second.substr(0, length)).isRead) << length;
+    }
 }
 
 TEST(CadInfo, NamesVersionsAndContentsThatCannotBeRead) {
