@@ -4,12 +4,15 @@
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QDir>
+#include <QDropEvent>
 #include <QEvent>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPixmap>
 #include <QPlainTextEdit>
 #include <QTabBar>
 #include <QTableView>
+#include <QUrl>
 #include <cstdlib>
 #include <iostream>
 
@@ -178,8 +181,10 @@ void DialogDriver::AddDialogSteps() {
 }
 
 void DialogDriver::AddTabSteps(int tab) {
-    AddWhenIdle("the tab " + QString::number(tab),
-                [this, tab] { dialog_->findChild<QTabBar*>()->setCurrentIndex(tab); });
+    AddWhenIdle("the tab " + QString::number(tab), [this, tab] {
+        dialog_->findChild<QTabBar*>()->setCurrentIndex(tab);
+        DropPhotos();
+    });
     AddWhenIdle("the files of the tab", [this] {
         TakeTabPicture();
         if (GridOf(dialog_) != nullptr) {
@@ -195,6 +200,21 @@ void DialogDriver::AddTabSteps(int tab) {
         }
     });
     AddWhenIdle("the details of a file", [this] { TakeTabPicture("-details"); });
+}
+
+void DialogDriver::DropPhotos() {
+    auto* const page = dialog_->findChild<QWidget*>("page406");
+    if (page == nullptr || !page->isVisible() || settings_.photos.isEmpty()) {
+        return;
+    }
+    QList<QUrl> urls;
+    for (const QString& path : settings_.photos) {
+        urls.append(QUrl::fromLocalFile(path));
+    }
+    QMimeData data;
+    data.setUrls(urls);
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(page, &drop);
 }
 
 /// The push button of a page whose caption shows which way the columns go.

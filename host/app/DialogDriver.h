@@ -1,6 +1,7 @@
 #pragma once
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 #include <chrono>
 #include <condition_variable>
@@ -58,6 +59,7 @@ class DialogDriver final : public QObject {
     struct Settings {
         QString pictureFolder;  ///< empty: no pictures
         QString pictureSuffix;  ///< behind each picture's name
+        QStringList photos;     ///< dropped on the photo page: by their names alone images are rasters
     };
 
     /// `out` gets a line for each message and for each picture that cannot be saved.
@@ -88,6 +90,7 @@ class DialogDriver final : public QObject {
     void AddDialogSteps();
     void AddTabSteps(int tab);
     void TakeTabPicture(const QString& suffix = {});
+    void DropPhotos();
     void ToggleDetailColumns();
     bool IsIdle();
     QString CurrentTabName() const;

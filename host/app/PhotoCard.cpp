@@ -4,6 +4,7 @@
 #include <QImageReader>
 #include <QPainter>
 #include <QPalette>
+#include <QPixmapCache>
 #include <QPolygonF>
 #include <QStringList>
 #include <QWidget>
@@ -22,8 +23,9 @@ namespace {
 constexpr std::size_t kKept = 64;
 constexpr int kPreviewWidth = 200;  ///< pixels; the same for the height
 constexpr int kPadding = 6;
-constexpr double kDistance = 18;  ///< pixels between a photo's place and its card
-constexpr double kDot = 4;        ///< pixels, the radius
+constexpr double kDistance = 18;      ///< pixels between a photo's place and its card
+constexpr double kDot = 4;            ///< pixels, the radius
+constexpr double kDirectionStep = 4;  ///< degrees between the directions that marks are painted in
 /// A preview is small, and a header that says otherwise is not believed.
 constexpr int kLargestPreview = 8192;
 
@@ -53,20 +55,48 @@ QRectF BesidePlace(const QSizeF& size, const QPointF& place, const QRectF& view)
     return card;
 }
 
+/// With the pen and the brush of `like`. `direction`: in steps; negative for none.
+QPixmap PaintMark(const QPainter& like, int direction) {
+    const double ratio = like.device()->devicePixelRatio();
+    const double half = kPhotoMarkRadius + 2;
+    QPixmap mark(QSizeF(2 * half * ratio, 2 * half * ratio).toSize());
+    mark.setDevicePixelRatio(ratio);
+    mark.fill(Qt::transparent);
+    QPainter painter(&mark);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(like.pen());
+    painter.setBrush(like.brush());
+    const QPointF place(half, half);
+    if (direction >= 0) {
+        constexpr double kHalfAngle = 0.42;  // radians
+        const double angle = direction * kDirectionStep * std::numbers::pi / 180;
+        const auto at = [&](double turned) {
+            return place + kPhotoMarkRadius * QPointF(std::sin(turned), -std::cos(turned));
+        };
+        painter.drawPolygon(QPolygonF({place, at(angle - kHalfAngle), at(angle + kHalfAngle)}));
+    }
+    painter.drawEllipse(place, kDot, kDot);
+    return mark;
+}
+
 }  // namespace
 
 void DrawPhotoMark(QPainter& painter, const QPointF& place, const std::optional<double>& heading) {
-    painter.setRenderHint(QPainter::Antialiasing);
-    if (heading) {
-        constexpr double kHalfAngle = 0.42;  // radians
-        const double direction = *heading * std::numbers::pi / 180;
-        const auto at = [&](double angle) {
-            return place + kPhotoMarkRadius * QPointF(std::sin(angle), -std::cos(angle));
-        };
-        painter.drawPolygon(QPolygonF({place, at(direction - kHalfAngle), at(direction + kHalfAngle)}));
+    // A mark is painted once for each direction and colour: ten thousand of them take long to smooth.
+    const int direction = heading ? static_cast<int>(std::lround(*heading / kDirectionStep)) : -1;
+    const QString key = QString("photo %1 %2 %3 %4 %5")
+                            .arg(direction)
+                            .arg(painter.pen().color().rgba())
+                            .arg(painter.pen().width())
+                            .arg(painter.brush().color().rgba())
+                            .arg(painter.device()->devicePixelRatio());
+    QPixmap mark;
+    if (!QPixmapCache::find(key, &mark)) {
+        mark = PaintMark(painter, direction);
+        QPixmapCache::insert(key, mark);
     }
-    painter.drawEllipse(place, kDot, kDot);
-    painter.setRenderHint(QPainter::Antialiasing, false);
+    const double half = mark.deviceIndependentSize().width() / 2;
+    painter.drawPixmap(place - QPointF(half, half), mark);
 }
 
 Thumbnail ReadPhotoPreview(const std::wstring& path, const std::function<bool()>& isCancelled,

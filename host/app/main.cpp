@@ -43,12 +43,15 @@ std::wstring SampleProjectFailure() {
                       {ToWide(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation))});
 }
 
-/// Every file of a sample project that the dialog takes.
-QStringList SampleFiles(const QString& project) {
+/// Files that the dialog sorts to its pages by their names.
+QStringList SampleNames() {
+    return {"*.las", "*.laz", "*.tif", "*.png", "*.bil", "*.asc", "*.shp", "*.dxf", "*.kml"};
+}
+
+/// Files of a sample project.
+QStringList SampleFiles(const QString& project, const QStringList& names) {
     const QString data = ToQString(FromPath(SampleData(ToPath(ToWide(project)))));
-    QDirIterator files(
-        data, {"*.las", "*.laz", "*.tif", "*.png", "*.bil", "*.asc", "*.jpg", "*.shp", "*.dxf", "*.kml"},
-        QDir::Files, QDirIterator::Subdirectories);
+    QDirIterator files(data, names, QDir::Files, QDirIterator::Subdirectories);
     QStringList paths;
     while (files.hasNext()) {
         paths.append(files.next());
@@ -74,7 +77,7 @@ Start ChooseStart(const HostArguments& arguments, const HostPreferences& prefere
     if (start.project.isEmpty()) {
         start.project = SampleProjectFolder();
         if (start.paths.isEmpty() && !start.project.isEmpty()) {
-            start.paths = SampleFiles(start.project);
+            start.paths = SampleFiles(start.project, SampleNames());
         }
     }
     return start;
@@ -187,7 +190,7 @@ int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     ApplyAppearance(arguments.dark);
     watchdog.WaitingFor("the sample project");
     const QStringList paths =
-        arguments.paths.isEmpty() ? SampleFiles(SampleProjectFolder()) : arguments.paths;
+        arguments.paths.isEmpty() ? SampleFiles(SampleProjectFolder(), SampleNames()) : arguments.paths;
     if (paths.isEmpty()) {
         throw LDataError(SampleProjectFailure());
     }
@@ -196,7 +199,9 @@ int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     preferences.writesBesideData = arguments.paths.isEmpty();  // what is given is the user's
     HostWindow window(preferences);
     const host::HostClasses classes = MakeHostClasses(window);
-    DialogDriver driver({arguments.pictureFolder, PictureSuffix(arguments)}, std::cout, watchdog);
+    const QStringList photos =
+        arguments.paths.isEmpty() ? SampleFiles(SampleProjectFolder(), {"*.jpg"}) : QStringList();
+    DialogDriver driver({arguments.pictureFolder, PictureSuffix(arguments), photos}, std::cout, watchdog);
     driver.Start();  // from now on messages are answered, and printed with their reason
     if (!window.OpenProject(arguments.projectFolder.isEmpty() ? folder.filePath("project")
                                                               : arguments.projectFolder)) {
