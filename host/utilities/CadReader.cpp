@@ -10,6 +10,7 @@
 #include "crs/GdalAccess.h"
 #include "crs/GdalRaii.h"
 #include "host/utilities/DgnScanner.h"
+#include "host/utilities/DwgCheck.h"
 #include "host/utilities/DxfScanner.h"
 #include "support/Files.h"
 #include "support/Format.h"
@@ -151,6 +152,7 @@ ReadWatch WatchWith(Scanner& scanner) {
 }
 
 FeatureInfo ReadDwg(const std::wstring& path) {
+    CheckDwg(path);
     FeatureInfo info = ReadThrough(path, CadKind::Dwg, {[](auto, auto) { return std::wstring(); }});
     if (info.tally.Features() == 0) {
         throw LDataError(Text(text::kDwgNothingReadable));
