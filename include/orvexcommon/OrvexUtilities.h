@@ -132,8 +132,9 @@ class ORVEXUTILITIES_API OrvexUtilities {
     ///   "Orientation" and, of the image as it is stored, "StoredWidth", "StoredHeight", "Bands",
     ///   "BitsPerBand", "Photometric" (TIFF's code), "Overviews"; of a georeferenced TIFF file "PixelWidth"
     ///   and "PixelHeight" on the ground.
-    /// An image that cannot be read has "SourceFile" and "Error", a sentence. Returns false if none could be
-    /// read; `tree` then has their errors.
+    /// They are looked for in XMP, under the same names in the vocabulary http://orvex.com/photo/1.0/, then
+    /// in the vocabularies of cameras and drones, and in EXIF. An image that cannot be read has "SourceFile"
+    /// and "Error", a sentence. Returns false if none could be read; `tree` then has their errors.
     static bool GetExifTagPTreeForImages(const std::vector<std::wstring>& paths,
                                          boost::property_tree::wptree& tree);
     /// Returns the preview that a JPEG or TIFF photo carries, as the bytes of a JPEG file of at most 1 MiB;

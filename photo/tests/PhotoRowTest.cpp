@@ -9,6 +9,7 @@
 #include "host/utilities/testing/PhotoSamples.h"
 #include "photo/PhotoColumns.h"
 #include "photo/PhotoSeries.h"
+#include "support/Format.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 
@@ -123,6 +124,7 @@ TEST(PhotoColumnsTest, ShowATruePosePhotoInTheirOrder) {
     EXPECT_EQ(columns[0].width, 18);
     EXPECT_EQ(Shown(row, "path"), row.path);
     EXPECT_EQ(std::get<std::int64_t>(ColumnNamed(columns, "modified").cell(row)), row.modifiedMs);
+    EXPECT_EQ(Shown(row, "modified"), UtcTimeText(row.modifiedMs));
     EXPECT_THAT(row.findings, IsEmpty());
     EXPECT_THAT(WhyNotTruePose(row), IsEmpty());
 }

@@ -4,10 +4,12 @@
 
 #include <QAbstractItemModelTester>
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <random>
 #include <stdexcept>
 
+#include "dialog/grid/GridColours.h"
 #include "dialog/grid/tests/SampleModel.h"
 #include "support/Format.h"
 #include "support/QtText.h"
@@ -281,6 +283,34 @@ TEST(ListModelTest, CellsLookAsTheColumnAndTheRowSay) {
     EXPECT_EQ(at(1, kFlag, GridModel::kIconRole).toInt(), 1);
     model.Remove({1, 0, 1});
     EXPECT_EQ(model.Count(), 0U) << "in any order, and twice";
+}
+
+/// Contrast of two colours as in WCAG 2: 1 to 21.
+double Contrast(const QColor& a, const QColor& b) {
+    const auto luminance = [](const QColor& colour) {
+        const auto part = [](double value) {
+            return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
+    };
+    const double lighter = std::max(luminance(a), luminance(b));
+    const double darker = std::min(luminance(a), luminance(b));
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+TEST(ListModelTest, ACellsColourCanBeReadInEveryPalette) {
+    SampleModel model;
+    model.Append({{L"good", 1.0}, {L"bad", 1.0, {}, false}});
+    const QColor green = model.index(0, kMore).data(Qt::ForegroundRole).value<QColor>();
+    EXPECT_EQ(green, QColor(0, 0x80, 0));
+    EXPECT_FALSE(model.index(1, kMore).data(Qt::ForegroundRole).isValid());
+    EXPECT_FALSE(model.index(0, kName).data(Qt::ForegroundRole).isValid());
+    const QPalette light(QColor(240, 240, 240), Qt::white);
+    EXPECT_EQ(ReadableOn(light, green), green);
+    QPalette dark = light;
+    dark.setColor(QPalette::Base, QColor(45, 45, 45));
+    dark.setColor(QPalette::WindowText, Qt::white);
+    EXPECT_GT(Contrast(ReadableOn(dark, green), dark.color(QPalette::Base)), 4.5);
 }
 
 TEST(ListModelTest, AChangeThatThrowsIsToldAllTheSame) {

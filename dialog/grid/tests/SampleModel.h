@@ -63,7 +63,8 @@ inline constexpr Column<SampleRecord> kSampleColumns[] = {
       .takesSpare = true},
      [](const SampleRecord& r) { return GridCell(L"Summary of " + r.name + L"\nsecond line\tof it"); }},
     {{.name = "more", .alsoKnownAs = "crs", .caption = text::kGridTotalsAccessibleName, .width = 400},
-     [](const SampleRecord& r) { return GridCell(r.crs); }},
+     [](const SampleRecord& r) { return GridCell(r.crs); },
+     {.colour = [](const SampleRecord& r) { return r.good ? std::optional(0x008000U) : std::nullopt; }}},
 };
 enum SampleColumn { kFlag, kPath, kName, kSize, kModified, kSummary, kMore };
 
