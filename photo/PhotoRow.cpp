@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cmath>
 #include <limits>
+#include <string_view>
 #include <utility>
 
 #include "orvexcommon/Geocoding.h"
@@ -26,16 +27,16 @@ std::int64_t ModifiedMs(const std::wstring& path) {
     return time ? std::chrono::floor<std::chrono::milliseconds>(*time).time_since_epoch().count() : 0;
 }
 
-void Take(const Tree& node, const wchar_t* key, std::wstring& value) {
-    if (const auto child = node.get_child_optional(key)) {
+void Take(const Tree& node, std::string_view key, std::wstring& value) {
+    if (const auto child = node.get_child_optional(FromUtf8(key))) {
         value = child->data();
     }
 }
 
 /// A number as the tree holds it; the tree's own conversion follows the process's locale.
 template <typename Number>
-void Take(const Tree& node, const wchar_t* key, Number& value) {
-    const auto child = node.get_child_optional(key);
+void Take(const Tree& node, std::string_view key, Number& value) {
+    const auto child = node.get_child_optional(FromUtf8(key));
     const std::string text = child ? ToUtf8(child->data()) : std::string();
     Number number{};
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -50,34 +51,7 @@ PhotoMetadata MetadataOf(const Tree& node) {
     data.imageUniqueId = data.cameraCalibrated = data.calibratedDate = Text(text::kPhotoNotAvailable);
     data.platformId = Text(text::kUnknown);
     data.posQuality = data.oriQuality = L"NONE";
-    Take(node, L"ImageUniqueID", data.imageUniqueId);
-    Take(node, L"PlatformID", data.platformId);
-    Take(node, L"POSQuality", data.posQuality);
-    Take(node, L"ORIQuality", data.oriQuality);
-    Take(node, L"GPSLongitude", data.gpsLongitude);
-    Take(node, L"GPSLatitude", data.gpsLatitude);
-    Take(node, L"GPSAltitude", data.gpsAltitude);
-    Take(node, L"CameraYaw", data.cameraYaw);
-    Take(node, L"CameraPitch", data.cameraPitch);
-    Take(node, L"CameraRoll", data.cameraRoll);
-    Take(node, L"CameraGPSXYAccuracy", data.cameraGpsXyAccuracy);
-    Take(node, L"CameraGPSZAccuracy", data.cameraGpsZAccuracy);
-    Take(node, L"CameraRollPitchAccuracy", data.cameraRollPitchAccuracy);
-    Take(node, L"CameraYawAccuracy", data.cameraYawAccuracy);
-    Take(node, L"CameraAdjGpsSec", data.cameraAdjGpsSec);
-    Take(node, L"CameraCalibrated", data.cameraCalibrated);
-    Take(node, L"ImageHeight", data.imageHeight);
-    Take(node, L"ImageWidth", data.imageWidth);
-    Take(node, L"CalibratedFocalLength", data.calibratedFocalLength);
-    Take(node, L"CalibratedCX", data.calibratedCx);
-    Take(node, L"CalibratedCY", data.calibratedCy);
-    Take(node, L"CalibratedK1", data.calibratedK1);
-    Take(node, L"CalibratedK2", data.calibratedK2);
-    Take(node, L"CalibratedK3", data.calibratedK3);
-    Take(node, L"CalibratedP1", data.calibratedP1);
-    Take(node, L"CalibratedP2", data.calibratedP2);
-    Take(node, L"CalibratedDate", data.calibratedDate);
-    Take(node, L"GeographicWKT", data.geographicWkt);
+    ForEachKey(data, [&](std::string_view key, auto& value) { Take(node, key, value); });
     return data;
 }
 
@@ -117,16 +91,16 @@ std::wstring PhotometricText(std::int32_t code) {
 PhotoImage ImageOf(const Tree& node) {
     PhotoImage image;
     std::int32_t photometric = -1;
-    Take(node, L"CameraModel", image.cameraModel);
-    Take(node, L"FileType", image.fileType);
-    Take(node, L"StoredWidth", image.width);
-    Take(node, L"StoredHeight", image.height);
-    Take(node, L"Bands", image.bands);
-    Take(node, L"BitsPerBand", image.bitsPerBand);
-    Take(node, L"Overviews", image.overviews);
-    Take(node, L"Photometric", photometric);
-    Take(node, L"PixelWidth", image.pixelWidth);
-    Take(node, L"PixelHeight", image.pixelHeight);
+    Take(node, "CameraModel", image.cameraModel);
+    Take(node, "FileType", image.fileType);
+    Take(node, "StoredWidth", image.width);
+    Take(node, "StoredHeight", image.height);
+    Take(node, "Bands", image.bands);
+    Take(node, "BitsPerBand", image.bitsPerBand);
+    Take(node, "Overviews", image.overviews);
+    Take(node, "Photometric", photometric);
+    Take(node, "PixelWidth", image.pixelWidth);
+    Take(node, "PixelHeight", image.pixelHeight);
     image.colorModel = ColorModelText(image.bands, image.bitsPerBand);
     image.photometric = PhotometricText(photometric);
     return image;

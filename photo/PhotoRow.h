@@ -44,6 +44,39 @@ struct PhotoMetadata {
     std::wstring geographicWkt;   ///< CRS of the position; empty if missing
 };
 
+/// Calls `use(key, value)` for every key, in the order in which they are read.
+template <typename Metadata, typename Use>
+void ForEachKey(Metadata& metadata, Use use) {
+    use("ImageUniqueID", metadata.imageUniqueId);
+    use("PlatformID", metadata.platformId);
+    use("POSQuality", metadata.posQuality);
+    use("ORIQuality", metadata.oriQuality);
+    use("GPSLongitude", metadata.gpsLongitude);
+    use("GPSLatitude", metadata.gpsLatitude);
+    use("GPSAltitude", metadata.gpsAltitude);
+    use("CameraYaw", metadata.cameraYaw);
+    use("CameraPitch", metadata.cameraPitch);
+    use("CameraRoll", metadata.cameraRoll);
+    use("CameraGPSXYAccuracy", metadata.cameraGpsXyAccuracy);
+    use("CameraGPSZAccuracy", metadata.cameraGpsZAccuracy);
+    use("CameraRollPitchAccuracy", metadata.cameraRollPitchAccuracy);
+    use("CameraYawAccuracy", metadata.cameraYawAccuracy);
+    use("CameraAdjGpsSec", metadata.cameraAdjGpsSec);
+    use("CameraCalibrated", metadata.cameraCalibrated);
+    use("ImageHeight", metadata.imageHeight);
+    use("ImageWidth", metadata.imageWidth);
+    use("CalibratedFocalLength", metadata.calibratedFocalLength);
+    use("CalibratedCX", metadata.calibratedCx);
+    use("CalibratedCY", metadata.calibratedCy);
+    use("CalibratedK1", metadata.calibratedK1);
+    use("CalibratedK2", metadata.calibratedK2);
+    use("CalibratedK3", metadata.calibratedK3);
+    use("CalibratedP1", metadata.calibratedP1);
+    use("CalibratedP2", metadata.calibratedP2);
+    use("CalibratedDate", metadata.calibratedDate);
+    use("GeographicWKT", metadata.geographicWkt);
+}
+
 /// Facts of the image itself, read without its pixels. 0 and empty where the format or the reader has none.
 struct PhotoImage {
     std::wstring cameraModel;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <type_traits>
 
 #include "host/inspect/ReportColumns.h"
 #include "host/inspect/ReportWriter.h"
@@ -241,39 +242,17 @@ Json FeatureJson(const FeatureRow& feature) {
 
 /// The metadata under the library's keys.
 Json PhotoJson(const PhotoRow& photo) {
-    const PhotoMetadata& data = photo.metadata;
-    return {
-        {"ImageUniqueID", JsonText(data.imageUniqueId)},
-        {"PlatformID", JsonText(data.platformId)},
-        {"POSQuality", JsonText(data.posQuality)},
-        {"ORIQuality", JsonText(data.oriQuality)},
-        {"GPSLongitude", data.gpsLongitude},
-        {"GPSLatitude", data.gpsLatitude},
-        {"GPSAltitude", data.gpsAltitude},
-        {"CameraYaw", data.cameraYaw},
-        {"CameraPitch", data.cameraPitch},
-        {"CameraRoll", data.cameraRoll},
-        {"CameraGPSXYAccuracy", data.cameraGpsXyAccuracy},
-        {"CameraGPSZAccuracy", data.cameraGpsZAccuracy},
-        {"CameraRollPitchAccuracy", data.cameraRollPitchAccuracy},
-        {"CameraYawAccuracy", data.cameraYawAccuracy},
-        {"CameraAdjGpsSec", data.cameraAdjGpsSec},
-        {"CameraCalibrated", JsonText(data.cameraCalibrated)},
-        {"ImageHeight", data.imageHeight},
-        {"ImageWidth", data.imageWidth},
-        {"CalibratedFocalLength", data.calibratedFocalLength},
-        {"CalibratedCX", data.calibratedCx},
-        {"CalibratedCY", data.calibratedCy},
-        {"CalibratedK1", data.calibratedK1},
-        {"CalibratedK2", data.calibratedK2},
-        {"CalibratedK3", data.calibratedK3},
-        {"CalibratedP1", data.calibratedP1},
-        {"CalibratedP2", data.calibratedP2},
-        {"CalibratedDate", JsonText(data.calibratedDate)},
-        {"GeographicWKT", JsonText(data.geographicWkt)},
-        {"timeUtc", JsonText(photo.timeUtc)},
-        {"truePose", photo.state == PhotoState::TruePose},
-    };
+    Json json;
+    ForEachKey(photo.metadata, [&](const char* key, const auto& value) {
+        if constexpr (std::is_arithmetic_v<std::remove_cvref_t<decltype(value)>>) {
+            json[key] = value;
+        } else {
+            json[key] = JsonText(value);
+        }
+    });
+    json["timeUtc"] = JsonText(photo.timeUtc);
+    json["truePose"] = photo.state == PhotoState::TruePose;
+    return json;
 }
 
 Json CellJson(const GridCell& cell) {
