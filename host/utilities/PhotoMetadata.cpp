@@ -249,6 +249,7 @@ Position PositionOf(const Photo& photo) {
         from({XmpVocabulary::Own, "GPSLongitude"}, {XmpVocabulary::Own, "GPSLatitude"}, stated),
         from({kDji, "GpsLongitude"}, {kDji, "GpsLatitude"}, wkt),
         from({kDji, "GpsLongtitude"}, {kDji, "GpsLatitude"}, wkt),
+        from({kDji, "Longitude"}, {kDji, "Latitude"}, wkt),
         {photo.exif.Degrees("Exif.GPSInfo.GPSLongitude", "Exif.GPSInfo.GPSLongitudeRef"),
          photo.exif.Degrees("Exif.GPSInfo.GPSLatitude", "Exif.GPSInfo.GPSLatitudeRef"), wkt},
     };

@@ -13,6 +13,7 @@
 #include "host/inspect/InspectCommand.h"
 #include "host/inspect/OrderedJobs.h"
 #include "host/inspect/ReportWriter.h"
+#include "host/utilities/testing/PhotoSamples.h"
 #include "las/testing/LasBuilder.h"
 #include "raster/testing/GeoTiff.h"
 #include "support/Text.h"
@@ -184,6 +185,24 @@ TEST(InspectJson, HasTheFactsOfAFeatureFile) {
                       {{"/kind", "feature"}, {"/loadable", false}, {"/feature", nullptr}});
         EXPECT_NE(objects[unreadable]["summary"], "");
     }
+}
+
+TEST(InspectJson, PrintsPhotosUnderTheKeysOfTheirMetadata) {
+    const TemporaryFolder folder;
+    const std::wstring photo =
+        folder.Write(L"photo.tif", testing::PosedPhoto(8.25, 47.5, 600, "2019:07:14", 33693));
+    const Json objects = Json::parse(Inspect({L"--json", L"--as", L"photo", photo}).out);
+    ExpectMembers(objects, {{"/0/kind", "photo"},
+                            {"/0/raster", nullptr},
+                            {"/0/photo/GPSLongitude", 8.25},
+                            {"/0/photo/GPSAltitude", 600},
+                            {"/0/photo/CameraYaw", 0},
+                            {"/0/photo/POSQuality", "NONE"},
+                            {"/0/photo/timeUtc", "2019-07-14 09:21:33"},
+                            {"/0/photo/truePose", true}});
+    constexpr std::size_t kKeys = 28;
+    EXPECT_EQ(objects[0]["photo"].size(), kKeys + 2);
+    EXPECT_EQ(Json::parse(Inspect({L"--json", photo}).out)[0]["kind"], "raster");
 }
 
 TEST(InspectCommand, RefusesUnknownArgumentsAndReportsMissingPaths) {
