@@ -236,7 +236,7 @@ void FootprintItem::SetHeading(const std::optional<double>& heading) {
 
 void FootprintItem::SetHovered(bool isHovered) {
     isHovered_ = isHovered;
-    setZValue(isHovered ? kFootprintOrder + 1 : kFootprintOrder);
+    setZValue(isHovered ? kHoveredOrder : kFootprintOrder);
     update();
 }
 
@@ -262,10 +262,10 @@ void FootprintItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* opt
         DrawOutline(*painter, *view);
     }
     fill.setAlpha(hasThumbnail_ ? 50 : 120);
-    painter->setBrush(fill);
+    painter->setBrush(isFeature ? QBrush(Qt::NoBrush) : QBrush(fill));
     const QColor strong = Mixed(colour, view->palette().color(QPalette::Text), 0.4);
     if ((option->state & QStyle::State_Selected) != 0) {
-        painter->setPen(QPen(strong, 2));
+        painter->setPen(QPen(strong, isFeature ? 1 : 2));
         DrawOutline(*painter, *view);
     }
     if (isHovered_) {

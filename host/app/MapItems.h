@@ -1,7 +1,6 @@
 #pragma once
-// What the map shows, from below: thumbnails, the coordinate grid, shapes of features (see FeatureItem),
-// footprints. Scene coordinates are those of
-// the coordinate system; the view turns y up.
+// What the map shows, from below: thumbnails, the coordinate grid, footprints, shapes of features (see
+// FeatureItem). Scene coordinates are those of the coordinate system; the view turns y up.
 #include <QGraphicsItem>
 #include <QImage>
 #include <QPolygonF>
@@ -19,7 +18,7 @@ namespace orvex {
 inline constexpr double kFarthest = 1e12;
 
 /// What lies over what, from below.
-enum MapOrder { kThumbnailOrder, kGridOrder, kFeatureOrder, kFootprintOrder };
+enum MapOrder { kThumbnailOrder, kGridOrder, kFootprintOrder, kHoveredOrder, kFeatureOrder };
 
 /// Corners of a file on the ground, in order around it; a raster's from its first pixel on; the place of a
 /// photo. Empty when the file states no extent, an inverted one, or one that is not finite or beyond any

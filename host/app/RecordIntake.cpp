@@ -290,9 +290,7 @@ void RecordIntake::ReportLeftOut() {
     const std::vector<ReportPrompt::Section> leftOut = SectionsOf(leftOut_);
     result_.news.insert(result_.news.begin(), leftOut.begin(), leftOut.end());
     result_.report = SectionsOf(toldLeftOut_);
-    if (!notes_.empty()) {
-        result_.report.push_back(SectionOf(text::kVectorRemarks, notes_));
-    }
+    std::ranges::move(SectionsOf(notes_), std::back_inserter(result_.report));
     result_.report.insert(result_.report.begin(), result_.news.begin(), result_.news.end());
 }
 

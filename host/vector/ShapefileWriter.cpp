@@ -149,8 +149,11 @@ void ShapefileWriter::Create(const OGRSpatialReference* crs) {
     const GdalErrorScope errors;
     ForgetStreamError();
     GDALDriver* const driver = GetGDALDriverManager()->GetDriverByName("ESRI Shapefile");
+    if (driver == nullptr) {
+        throw LDataError(FormatText(Text(text::kRasterDriverMissing), {L"SHP"}));
+    }
     const std::string path = ToUtf8(temporaryPath_ + L".shp");
-    dataset_.reset(driver == nullptr ? nullptr : driver->Create(path.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
+    dataset_.reset(driver->Create(path.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
     const GdalList options({"ENCODING=UTF-8", "RESIZE=YES", "2GB_LIMIT=YES", "SPATIAL_INDEX=NO"});
     OGRLayer* const layer =
         dataset_ == nullptr
