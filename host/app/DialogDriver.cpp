@@ -213,6 +213,9 @@ void DialogDriver::DropPhotos() {
     }
     QMimeData data;
     data.setUrls(urls);
+    // Without the first of the two events nobody is known to take the second.
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(page, &enter);
     QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(page, &drop);
 }
