@@ -61,6 +61,12 @@ QPushButton* MakeTextButton(const OptionRow& row) {
     return button;
 }
 
+QLabel* MakeNote(const OptionRow& row) {
+    auto* note = MakeControl<QLabel>(row.id, row.caption, row.tooltip);
+    note->setWordWrap(true);
+    return note;
+}
+
 bool IsEnabled(bool (*enabled)(const AddFilesParams&), const AddFilesParams& chosen) {
     return enabled == nullptr || enabled(chosen);
 }
@@ -140,7 +146,7 @@ QWidget* OptionForm::MakeLine(const OptionGroup& group, int line, QWidget*& capt
             row->addWidget(control.caption);
         }
         row->addWidget(control.widget);
-        isWide = isWide || option.control == OptionControl::Text;
+        isWide = isWide || option.control == OptionControl::Text || option.control == OptionControl::Note;
     }
     if (!isWide) {
         row->addStretch();
@@ -183,7 +189,7 @@ QWidget* OptionForm::MakeWidget(const OptionRow& row, Control& control) {
         case OptionControl::Button:
             return MakeTextButton(row);
         case OptionControl::Note:
-            return MakeControl<QLabel>(row.id, row.caption, row.tooltip);
+            return MakeNote(row);
         case OptionControl::DetailColumns:
             break;
     }

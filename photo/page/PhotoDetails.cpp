@@ -74,7 +74,8 @@ DetailSection PoseSection(const PhotoRow& row) {
         AddTogether(fields, row.metadata, std::span(kPosition).first(2));
     }
     AddStated(fields, row.metadata, std::span(kPosition).subspan(2));
-    AddTogether(fields, row.metadata, kOrientation);
+    AddStated(fields, row.metadata, std::span(kOrientation).first(1));
+    AddTogether(fields, row.metadata, std::span(kOrientation).subspan(1));
     AddField(fields, text::kPhotoTimeUtc, row.timeUtc);
     AddStated(fields, text::kPhotoPositionQuality, row.metadata.posQuality);
     AddStated(fields, text::kPhotoOrientationQuality, row.metadata.oriQuality);

@@ -27,6 +27,8 @@ constexpr std::int32_t kKmlOption = 1019;
 
 class FeaturePage : public testing::PageFixture {
   protected:
+    const std::wstring various = Text(text::kFeatureVarious);
+
     FeaturePage() : PageFixture(testing::MakePage<AddFeatureFilesPP>) {
         hostObjects.projectFolder = folder.Name(L"project");
     }
@@ -54,7 +56,7 @@ class FeaturePage : public testing::PageFixture {
 
 TEST_F(FeaturePage, FilesAreDescribedAndGetKeysOfTheirOwn) {
     page->AddPaths({Shp(L"towns"), Dxf(L"towns"), Dxf(L"sub/towns"), Kml(L"places")});
-    EXPECT_THAT(Shown("layer"), ElementsAre(L"towns", L"(Various)", L"(Various)", L"(Various)"));
+    EXPECT_THAT(Shown("layer"), ElementsAre(L"towns", various, various, various));
     EXPECT_THAT(Told(), IsEmpty());
     Grid().SelectRows({0});
     EXPECT_THAT(PaneText("featureOverview"), HasSubstr(L"Point"));
@@ -134,10 +136,10 @@ TEST_F(FeaturePage, RequiringACrsReadsTheFilesAgainAndWarnsWhenMoreAreLeftOut) {
     Open();
     testing::WritePrj(folder, L"with");
     page->AddPaths({Shp(L"with"), Shp(L"without"), Shp(L"taken"), Kml(L"c")});
-    EXPECT_THAT(Shown("layer"), ElementsAre(L"with", L"without", L"", L"(Various)"));
+    EXPECT_THAT(Shown("layer"), ElementsAre(L"with", L"without", L"", various));
     EXPECT_THAT(Shown("summary")[2], FormatText(Text(text::kFeatureLayerExists), {L"taken"}));
     Check(kRequireCrs);
-    EXPECT_THAT(Shown("layer"), ElementsAre(L"with", L"", L"", L"(Various)"));
+    EXPECT_THAT(Shown("layer"), ElementsAre(L"with", L"", L"", various));
     EXPECT_EQ(Shown("summary")[1], Text(text::kFeatureWithoutCrs));
     EXPECT_THAT(Told(), ElementsAre(Text(text::kFeatureUnknownCrsWarning)));
     testing::WritePrj(folder, L"without");
