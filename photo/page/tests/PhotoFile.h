@@ -1,6 +1,7 @@
 #pragma once
 #include <string>
 
+#include "support/Format.h"
 #include "support/testing/TemporaryFolder.h"
 
 namespace orvex::testing {
@@ -13,10 +14,10 @@ inline std::string PhotoBytes(double longitude, double latitude, double altitude
         "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
         "xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"><rdf:Description rdf:about=\"\" "
         "xmlns:drone-dji=\"http://www.dji.com/drone-dji/1.0/\"";
-    xmp += " drone-dji:GpsLongitude=\"" + std::to_string(longitude) + "\"";
-    xmp += " drone-dji:GpsLatitude=\"" + std::to_string(latitude) + "\"";
+    xmp += " drone-dji:GpsLongitude=\"" + ToUtf8(FormatText(L"%.6f", {longitude})) + "\"";
+    xmp += " drone-dji:GpsLatitude=\"" + ToUtf8(FormatText(L"%.6f", {latitude})) + "\"";
     if (altitude != 0) {
-        xmp += " drone-dji:AbsoluteAltitude=\"" + std::to_string(altitude) + "\"";
+        xmp += " drone-dji:AbsoluteAltitude=\"" + ToUtf8(FormatText(L"%.6f", {altitude})) + "\"";
     }
     xmp += "/></rdf:RDF></x:xmpmeta>";
     const auto segment = [](unsigned char marker, const std::string& content) {
