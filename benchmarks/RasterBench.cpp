@@ -13,9 +13,9 @@
 #include <string>
 
 #include "benchmarks/Bench.h"
-#include "crs/GdalRaii.h"
 #include "crs/GdalSetup.h"
 #include "raster/RasterRow.h"
+#include "support/GdalRaii.h"
 #include "support/Text.h"
 
 namespace orvex::bench {

@@ -5,10 +5,10 @@
 
 #include <mutex>
 
-#include "crs/GdalAccess.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Environment.h"
 #include "support/Files.h"
+#include "support/GdalAccess.h"
 #include "support/GdalErrorScope.h"
 #include "support/SpatialReference.h"
 #include "support/Text.h"

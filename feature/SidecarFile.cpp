@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "crs/FolderListing.h"
 #include "support/Files.h"
+#include "support/FolderListing.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
 

@@ -5,11 +5,11 @@
 #include <array>
 #include <cmath>
 
-#include "crs/GdalAccess.h"
-#include "crs/GdalRaii.h"
 #include "crs/GdalSetup.h"
 #include "support/Files.h"
+#include "support/GdalAccess.h"
 #include "support/GdalErrorScope.h"
+#include "support/GdalRaii.h"
 #include "support/Text.h"
 
 namespace orvex {

@@ -1,7 +1,7 @@
 #pragma once
 #include <string>
 
-#include "crs/GdalRaii.h"
+#include "support/GdalRaii.h"
 
 namespace orvex {
 

@@ -8,7 +8,6 @@
 #include <system_error>
 #include <utility>
 
-#include "crs/GdalAccess.h"
 #include "raster/GdalMetadata.h"
 #include "raster/Georeference.h"
 #include "raster/RasterBands.h"
@@ -19,6 +18,7 @@
 #include "raster/VrtDocument.h"
 #include "support/Files.h"
 #include "support/Format.h"
+#include "support/GdalAccess.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
 

@@ -1,9 +1,9 @@
 #pragma once
 #include <string>
 
-#include "crs/GdalRaii.h"
 #include "orvexcommon/RasterProperties.h"
 #include "support/GdalErrorScope.h"
+#include "support/GdalRaii.h"
 
 namespace orvex {
 

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "crs/GdalAccess.h"
 #include "support/Files.h"
+#include "support/GdalAccess.h"
 #include "support/Text.h"
 
 namespace orvex {

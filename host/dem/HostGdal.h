@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "crs/GdalRaii.h"
 #include "support/GdalErrorScope.h"
+#include "support/GdalRaii.h"
 
 namespace orvex {
 

@@ -21,11 +21,11 @@ constexpr std::string_view kReadableDwg = "AC1015";
 constexpr struct {
     std::string_view code;
     const wchar_t* release;
-} kDwgReleases[] = {{"MC0.0", L"1.0"},   {"AC1.2", L"1.2"},   {"AC1.40", L"1.4"},  {"AC1.50", L"2.05"},
-                    {"AC2.10", L"2.1"},  {"AC2.21", L"2.21"}, {"AC2.22", L"2.22"}, {"AC1001", L"2.22"},
-                    {"AC1002", L"2.5"},  {"AC1003", L"2.6"},  {"AC1004", L"9"},    {"AC1006", L"10"},
-                    {"AC1009", L"12"},   {"AC1012", L"13"},   {"AC1013", L"13"},   {"AC1014", L"14"},
-                    {"AC1018", L"2004"}, {"AC1021", L"2007"}, {"AC1024", L"2010"}, {"AC1027", L"2013"},
+} kDwgReleases[] = {{"MC0.0", L"R1.0"},  {"AC1.2", L"R1.2"},   {"AC1.40", L"R1.4"},  {"AC1.50", L"R2.05"},
+                    {"AC2.10", L"R2.1"}, {"AC2.21", L"R2.21"}, {"AC2.22", L"R2.22"}, {"AC1001", L"R2.22"},
+                    {"AC1002", L"R2.5"}, {"AC1003", L"R2.6"},  {"AC1004", L"R9"},    {"AC1006", L"R10"},
+                    {"AC1009", L"R12"},  {"AC1012", L"R13"},   {"AC1013", L"R13"},   {"AC1014", L"R14"},
+                    {"AC1018", L"2004"}, {"AC1021", L"2007"},  {"AC1024", L"2010"},  {"AC1027", L"2013"},
                     {"AC1032", L"2018"}};
 
 constexpr std::string_view kCompoundFile = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1"sv;  // of DGN 8, among others

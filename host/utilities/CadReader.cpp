@@ -7,14 +7,14 @@
 #include <limits>
 #include <optional>
 
-#include "crs/GdalAccess.h"
-#include "crs/GdalRaii.h"
 #include "host/utilities/DgnScanner.h"
 #include "host/utilities/DwgCheck.h"
 #include "host/utilities/DxfScanner.h"
 #include "support/Files.h"
 #include "support/Format.h"
+#include "support/GdalAccess.h"
 #include "support/GdalErrorScope.h"
+#include "support/GdalRaii.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
 

@@ -7,11 +7,11 @@
 #include <memory>
 #include <string_view>
 
-#include "crs/GdalAccess.h"
 #include "host/utilities/FileStart.h"
 #include "host/utilities/KmlParser.h"
 #include "support/Files.h"
 #include "support/Format.h"
+#include "support/GdalAccess.h"
 #include "support/GdalErrorScope.h"
 #include "support/LDataError.h"
 #include "support/Text.h"

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 #include <ogr_spatialref.h>
 
-#include "crs/GdalRaii.h"
 #include "crs/GdalSetup.h"
+#include "support/GdalRaii.h"
 #include "support/Text.h"
 
 namespace orvex::testing {

@@ -10,10 +10,10 @@
 #include <cstdlib>
 #include <system_error>
 
-#include "crs/GdalRaii.h"
 #include "raster/RasterRow.h"
 #include "raster/testing/GeoTiff.h"
 #include "raster/testing/TiffBytes.h"
+#include "support/GdalRaii.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 

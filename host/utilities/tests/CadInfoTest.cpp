@@ -5,12 +5,12 @@
 #include <string_view>
 #include <vector>
 
-#include "crs/GdalAccess.h"
-#include "crs/GdalRaii.h"
 #include "host/utilities/testing/FeatureAnswer.h"
 #include "support/Environment.h"
 #include "support/Files.h"
 #include "support/Format.h"
+#include "support/GdalAccess.h"
+#include "support/GdalRaii.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
@@ -220,7 +220,7 @@ TEST(CadInfo, NamesVersionsAndContentsThatCannotBeRead) {
         {"", Text(text::kRasterFileEmpty), Text(text::kRasterFileEmpty), Text(text::kRasterFileEmpty)},
         {"AC1032" + filler, release(L"2018", L"AC1032"), other(L"DXF"), other(L"DGN")},
         {"AC1027" + filler, release(L"2013", L"AC1027"), other(L"DXF"), other(L"DGN")},
-        {"AC1014" + filler, release(L"14", L"AC1014"), other(L"DXF"), other(L"DGN")},
+        {"AC1014" + filler, release(L"R14", L"AC1014"), other(L"DXF"), other(L"DGN")},
         {"AC2.10" + filler, release(L"2.1", L"AC2.10"), other(L"DXF"), other(L"DGN")},
         {"AC1099" + filler, FormatText(Text(text::kDwgUnknownRelease), {L"AC1099"}), other(L"DXF"),
          other(L"DGN")},

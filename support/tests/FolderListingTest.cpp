@@ -1,4 +1,4 @@
-#include "crs/FolderListing.h"
+#include "support/FolderListing.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

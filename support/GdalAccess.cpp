@@ -1,4 +1,4 @@
-#include "crs/GdalAccess.h"
+#include "support/GdalAccess.h"
 
 #include <cpl_string.h>
 #include <cpl_vsi.h>
@@ -15,8 +15,8 @@
 #include <utility>
 #include <vector>
 
-#include "crs/FolderListing.h"
 #include "support/Files.h"
+#include "support/FolderListing.h"
 #include "support/Text.h"
 
 namespace orvex {

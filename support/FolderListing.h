@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "crs/GdalRaii.h"
 #include "support/Files.h"
+#include "support/GdalRaii.h"
 
 namespace orvex {
 
