@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <fstream>
+#include <limits>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -40,8 +41,8 @@ constexpr FileFormat kFormats[] = {{L".DXF", OrvexUtilities::GetDXFInfo, {"DXF"}
 }
 
 /// Name under which GDAL finds the first KML file of an archive; "doc.kml" at its top comes before others.
-std::string KmlInArchive(const std::wstring& path) {
-    const std::string archive = "/vsizip/{" + ToUtf8(path) + "}";
+std::string KmlInArchive(const std::wstring& path, const std::string& nameOfFile) {
+    const std::string archive = "/vsizip/{" + nameOfFile + "}";
     const std::unique_ptr<VSIDIR, decltype(&VSICloseDir)> entries(VSIOpenDir(archive.c_str(), -1, nullptr),
                                                                   &VSICloseDir);
     std::string found;
@@ -81,13 +82,25 @@ bool IsArchive(const std::wstring& path) {
     return start == std::array{'P', 'K'};
 }
 
-std::string NameForGdal(const std::wstring& path, const std::wstring& extension) {
-    if (!extension.starts_with(L".KM")) {
-        return ToUtf8(path);
+std::string NameInside(const std::wstring& path, const std::string& nameOfFile, const FileFormat& format) {
+    if (format.extension != std::wstring_view(L".KML") && format.extension != std::wstring_view(L".KMZ")) {
+        return nameOfFile;
     }
-    const std::string name = IsArchive(path) ? KmlInArchive(path) : ToUtf8(path);
+    const std::string name = IsArchive(path) ? KmlInArchive(path, nameOfFile) : nameOfFile;
     RequireReadableSize(path, name);
     return name;
+}
+
+/// True for a DXF file of release 2007 or later, whose texts GDAL takes for Latin-1.
+bool IsUtf8Drawing(const std::wstring& path) {
+    constexpr std::string_view kFirstRelease = "AC1021";
+    std::string start(std::size_t{4} << 10U, '\0');
+    std::ifstream(ToPath(path), std::ios::binary)
+        .read(start.data(), static_cast<std::streamsize>(start.size()));
+    const std::size_t variable = start.find("$ACADVER");
+    const std::size_t release = variable == std::string::npos ? variable : start.find("AC", variable + 8);
+    return release != std::string::npos &&
+           std::string_view(start).substr(release, kFirstRelease.size()) >= kFirstRelease;
 }
 
 const FileFormat& FormatOf(const std::wstring& path) {
@@ -98,17 +111,6 @@ const FileFormat& FormatOf(const std::wstring& path) {
         Fail(path, FormatText(Text(text::kRasterDriverMissing), {extension}));
     }
     return *format;
-}
-
-GDALDatasetUniquePtr Open(const std::wstring& path, const FileFormat& format) {
-    const GdalErrorScope errors;
-    const std::string name = NameForGdal(path, format.extension);
-    GDALDatasetUniquePtr dataset(
-        GDALDataset::Open(name.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY, format.drivers.data()));
-    if (dataset == nullptr) {
-        Fail(path, FailureReason(errors));
-    }
-    return dataset;
 }
 
 /// Path of a file's ".prj" file in any letter case; empty if there is none.
@@ -141,8 +143,25 @@ VectorSource::VectorSource(const std::wstring& path)
     if (!format.inspect(path, featureCount_, extent, layers, remarks_)) {
         Fail(path, remarks_);
     }
-    dataset_ = Open(path, format);
+    Open();
     ReadCrsBeside();
+}
+
+void VectorSource::Open() {
+    constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
+    // GDAL 3.6 reads a DXF file on without end that ends within a line.
+    access_.emplace(AbsolutePath(path_), InspectionLimits{kNoLimit, kNoLimit, kNoLimit},
+                    ReadWatch{[](auto, auto) { return std::wstring(); }, isDrawing_ ? "\n" : ""});
+    const FileFormat& format = FormatOf(path_);
+    if (format.extension == std::wstring_view(L".DXF") && IsUtf8Drawing(path_)) {
+        encoding_.emplace("DXF_ENCODING", "UTF-8");
+    }
+    const GdalErrorScope errors;
+    const std::string name = NameInside(path_, access_->Name(), format);
+    dataset_.reset(GDALDataset::Open(name.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY, format.drivers.data()));
+    if (dataset_ == nullptr) {
+        Fail(path_, FailureReason(errors));
+    }
 }
 
 void VectorSource::ReadCrsBeside() {

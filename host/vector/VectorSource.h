@@ -6,6 +6,8 @@
 #include <string>
 
 #include "host/dem/HostGdal.h"
+#include "support/GdalAccess.h"
+#include "support/GdalRaii.h"
 
 namespace orvex {
 
@@ -20,7 +22,8 @@ struct DrawingText {
 };
 
 /// An open DWG, DXF, DGN, KML or KMZ file. Only the drivers of its kind see it, and they open no other file:
-/// a KML file's links are not followed, and an archive is read in place. Not thread-safe.
+/// a KML file's links are not followed, and an archive is read in place. To be used and destroyed by the
+/// thread that made it.
 class VectorSource {
   public:
     /// Throws LDataError with the file and the cause in plain words.
@@ -38,12 +41,15 @@ class VectorSource {
     std::optional<DrawingText> TextOf(OGRFeature& feature) const;
 
   private:
+    void Open();
     void ReadCrsBeside();
 
     std::wstring path_;
     bool isDrawing_;  ///< labels of KML features are names of places
     std::uint64_t featureCount_ = 0;
     std::wstring remarks_;
+    std::optional<GdalAccess> access_;  ///< as long as the file is read
+    std::optional<GdalOption> encoding_;
     GDALDatasetUniquePtr dataset_;
     std::optional<OGRSpatialReference> crsBeside_;
 };

@@ -221,7 +221,7 @@ TEST(CadInfo, NamesVersionsAndContentsThatCannotBeRead) {
         {"AC1032" + filler, release(L"2018", L"AC1032"), other(L"DXF"), other(L"DGN")},
         {"AC1027" + filler, release(L"2013", L"AC1027"), other(L"DXF"), other(L"DGN")},
         {"AC1014" + filler, release(L"R14", L"AC1014"), other(L"DXF"), other(L"DGN")},
-        {"AC2.10" + filler, release(L"2.1", L"AC2.10"), other(L"DXF"), other(L"DGN")},
+        {"AC2.10" + filler, release(L"R2.1", L"AC2.10"), other(L"DXF"), other(L"DGN")},
         {"AC1099" + filler, FormatText(Text(text::kDwgUnknownRelease), {L"AC1099"}), other(L"DXF"),
          other(L"DGN")},
         {"AC1015" + filler, Text(text::kCadUnreadable), other(L"DXF"), other(L"DGN")},

@@ -137,6 +137,15 @@ TEST_F(VectorConversionTest, EachLayerAndKindOfADrawingBecomesAShapefile) {
     EXPECT_EQ(testing::ReadFile(Out(L"Pl\u00E4ne_A_points.cpg")), "UTF-8");
 }
 
+// From release 2007 on; and a last line without an end, behind which GDAL 3.6 reads on for ever.
+TEST_F(VectorConversionTest, TextsOfNewDrawingsAreUtf8) {
+    const std::string header = "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1021\n0\nENDSEC\n";
+    std::string drawing = header + Dxf(Point("B\u00E4ume", 1, 2, 3));
+    drawing.pop_back();
+    ASSERT_TRUE(Convert(folder_.Write(L"in/new.dxf", drawing)));
+    EXPECT_EQ(Names(L".SHP"), (Texts{"new_B\u00E4ume_points.shp"}));
+}
+
 TEST_F(VectorConversionTest, OnlyTheKindsThatAreWantedAreWritten) {
     struct Case {
         bool VectorConversionOptions::*wanted;
