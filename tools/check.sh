@@ -1,5 +1,9 @@
-# Format, clang-tidy and the rules of the source tree. clang-tidy looks at the sources changed in the last 24 hours, whether
-# committed or not; at every source, and more thoroughly, with --all.
+# Format, clang-tidy and the rules of the source tree. clang-tidy looks at the sources changed in the last HOURS (24), whether
+# committed or not; at every source, and more thoroughly, with --all. Usage: check.sh [--all | HOURS]
+if ! [[ ${1:-24} =~ ^(--all|[1-9][0-9]*)$ ]]; then
+    echo "orvex: check: '$1' is neither --all nor a number of hours" >&2
+    exit 2
+fi
 source tools/build.sh dev
 
 status=0
@@ -10,7 +14,7 @@ mapfile -t sources < <(git ls-files --cached --others --exclude-standard -- '*.c
 if [ "${1:-}" = --all ]; then
     changed=("${sources[@]}")
 else
-    base=$(git rev-list -1 --before='24 hours ago' HEAD)
+    base=$(git rev-list -1 --before="${1:-24} hours ago" HEAD)
     if [ -n "$base" ]; then
         mapfile -t changed < <({ git diff --name-only "$base" -- '*.cpp'; git ls-files --others --exclude-standard -- '*.cpp'; } | sort -u)
     else
