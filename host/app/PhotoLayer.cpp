@@ -55,7 +55,9 @@ std::string Cut(const std::string& utf8, std::size_t width) {
 
 /// The path as it fits into its field: full, else relative to the layer; nullopt if neither does.
 std::optional<std::wstring> StoredPath(const std::wstring& path, const std::wstring& folder) {
-    const std::wstring relative = FromPath(ToPath(path).lexically_relative(ToPath(folder)));
+    // Without the name, since the root of a long path has another form on Windows.
+    const std::filesystem::path way = ToPath(FolderOf(path)).lexically_relative(ToPath(folder));
+    const std::wstring relative = way.empty() ? std::wstring() : FromPath(way / ToPath(FileNameOf(path)));
     for (const std::wstring& text : {path, relative}) {
         if (!text.empty() && ToUtf8(text).size() <= kPathWidth) {
             return text;

@@ -19,10 +19,8 @@ constexpr wchar_t kStandIn = L'_';
 bool IsForbidden(wchar_t c) {
     constexpr std::wstring_view kForbidden = L"<>:\"/\\|?*";
     constexpr wchar_t kDelete = 0x7F;
-    constexpr wchar_t kFirstUnpaired = 0xDC80;  // bytes that were no text
-    constexpr wchar_t kLastUnpaired = 0xDCFF;
-    const bool isBadByte = sizeof(wchar_t) > 2 && c >= kFirstUnpaired && c <= kLastUnpaired;
-    return c < L' ' || c == kDelete || c == 0xFFFD || isBadByte || kForbidden.find(c) != kForbidden.npos;
+    constexpr wchar_t kNoText = 0xFFFD;  // stands for bytes that are none
+    return c < L' ' || c == kDelete || c == kNoText || kForbidden.find(c) != kForbidden.npos;
 }
 
 /// True for names that Windows takes for devices, with any extension.
@@ -39,7 +37,7 @@ bool IsDevice(std::wstring_view name) {
 
 /// One part of a name.
 std::wstring SafePart(std::wstring_view part, std::size_t bytes) {
-    std::wstring safe(part);
+    std::wstring safe = FromUtf8(ValidUtf8(ToUtf8(part)));
     std::ranges::replace_if(safe, IsForbidden, kStandIn);
     safe = FromUtf8(CutUtf8(ToUtf8(safe), bytes));
     safe.erase(0, safe.find_first_not_of(L' '));
