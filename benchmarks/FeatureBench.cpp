@@ -30,7 +30,8 @@ constexpr int kLayers = 20;
 /// A drawing of lines, with the marks that programs write; a tenth of them inserted as blocks.
 std::string Entity(std::uint64_t number) {
     const double x = 500000 + 1.5 * static_cast<double>(number % 1000);
-    const double y = 4000000 + 1.5 * static_cast<double>(number / 1000);
+    const std::uint64_t line = number / 1000;
+    const double y = 4000000 + 1.5 * static_cast<double>(line);
     if (number % 10 == 0) {
         return fmt::format(
             "  0\nINSERT\n  5\n{:X}\n100\nAcDbEntity\n  8\nLayer{}\n100\nAcDbBlockReference\n  2\n"

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "host/app/NewShapefile.h"
+#include "host/app/RecordFiles.h"
 #include "host/dem/HostGdal.h"
 #include "support/Files.h"
 #include "support/Format.h"
@@ -41,7 +42,7 @@ constexpr double kHighest = 1e8;  ///< metres; beyond that an altitude is none a
 
 /// Paths in a layer may be relative to it.
 std::wstring FullPath(const std::wstring& stored, const std::wstring& folder) {
-    return ToPath(stored).is_absolute() ? NativePath(stored) : FromPath(ToPath(folder) / ToPath(stored));
+    return RootLength(stored) != 0 ? NativePath(stored) : JoinPath(folder, stored);
 }
 
 /// At most `width` bytes, whole characters.
@@ -55,9 +56,10 @@ std::string Cut(const std::string& utf8, std::size_t width) {
 
 /// The path as it fits into its field: full, else relative to the layer; nullopt if neither does.
 std::optional<std::wstring> StoredPath(const std::wstring& path, const std::wstring& folder) {
-    // Without the name, since the root of a long path has another form on Windows.
+    // Without the name: a long path has another form on Windows.
     const std::filesystem::path way = ToPath(FolderOf(path)).lexically_relative(ToPath(folder));
-    const std::wstring relative = way.empty() ? std::wstring() : FromPath(way / ToPath(FileNameOf(path)));
+    const std::wstring name = FileNameOf(path);
+    const std::wstring relative = way.empty() ? L"" : way == "." ? name : JoinPath(FromPath(way), name);
     for (const std::wstring& text : {path, relative}) {
         if (!text.empty() && ToUtf8(text).size() <= kPathWidth) {
             return text;
