@@ -233,7 +233,8 @@ void MapView::DrawNames(QPainter& painter) const {
             continue;
         }
         const QString name = ToQString(FileNameOf(FileOf(*item).path)) + SignOf(*item);
-        const QString text = metrics.elidedText(name, Qt::ElideMiddle, static_cast<int>(pixels.width()) - 8);
+        const double room = std::min<double>(pixels.width(), viewport()->width());
+        const QString text = metrics.elidedText(name, Qt::ElideMiddle, static_cast<int>(room) - 8);
         QRectF place(QPointF(), QSizeF(metrics.horizontalAdvance(text), metrics.height()));
         place.moveCenter(pixels.center());
         if (std::ranges::none_of(taken, [&](const QRectF& other) { return other.intersects(place); })) {

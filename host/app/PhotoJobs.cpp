@@ -200,7 +200,7 @@ std::wstring PhotosText(const AddFilesParams& record) {
     }
     std::wstring text = FormatText(Text(text::kRecordPhotoFiles), {record.photoFiles.size()}) + L"\n";
     for (const auto& [folder, lines] : linesOfFolder) {
-        text += folder + L"\n" + lines;
+        text.append(folder).append(L"\n").append(lines);
     }
     const bool isNew = record.photoLayer.empty();
     text += L"\n" + Text(text::kRecordOptions) + L"\n" +

@@ -42,7 +42,7 @@ std::vector<AssignedFile> FeatureFilesOf(const AddFilesParams& record, const Pro
 std::wstring FeaturesText(const AddFilesParams& record) {
     std::wstring text = FormatText(Text(text::kRecordFeatureFiles), {record.featureFiles.size()}) + L"\n";
     for (const auto& [key, path] : record.featureFiles) {
-        text += L"  " + key + L": " + path + L"\n";
+        text.append(L"  ").append(key).append(L": ").append(path).append(L"\n");
     }
     text += L"\n" + Text(text::kRecordOptions) + L"\n";
     if (!record.featureOutputFolder.empty()) {

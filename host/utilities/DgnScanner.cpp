@@ -18,7 +18,7 @@ void DgnScanner::Feed(std::span<const std::byte> bytes) {
         if (next_ + header_.size() > end) {
             break;
         }
-        next_ += header_.size() + 2U * (header_[2] + 256U * header_[3]);
+        next_ += header_.size() + std::uint64_t{2} * (header_[2] + 256U * header_[3]);
     }
     position_ = end;
 }

@@ -150,7 +150,7 @@ std::string ExifValues::GpsTime() const {
     }
     date[4] = date[7] = '-';
     const auto whole = static_cast<int>(*second);
-    const auto micro = static_cast<int>((*second - whole) * 1e6 + 0.5);
+    const auto micro = static_cast<int>(std::lround((*second - whole) * 1e6));
     return fmt::format("{} {:02}:{:02}:{:02}.{:06}", date, static_cast<int>(*hour), static_cast<int>(*minute),
                        whole, std::min(micro, 999999));
 }

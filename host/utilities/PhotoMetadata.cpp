@@ -191,8 +191,8 @@ constexpr Key<Number> kNumbers[] = {
     {"CalibratedP2", {{{kCamera, "PerspectiveDistortion", 4}, {kDji, "DewarpData", 8}}}},
 };
 
-void Put(Tree& node, std::string_view key, std::wstring value) {
-    node.push_back({FromUtf8(key), Tree(std::move(value))});
+void Put(Tree& node, std::string_view key, const std::wstring& value) {
+    node.push_back({FromUtf8(key), Tree(value)});
 }
 
 void Put(Tree& node, std::string_view key, double value) {

@@ -164,7 +164,8 @@ void VectorConverter::MakeFolder() const {
 bool VectorConverter::ConvertLayer(int index) {
     OGRLayer& layer = *source_.Dataset().GetLayer(index);
     const OGRFeatureDefn& definition = *layer.GetLayerDefn();
-    fields_.try_emplace(index, ShapefileFields(definition, false), ShapefileFields(definition, true));
+    fields_.emplace(index,
+                    LayerFields{ShapefileFields(definition, false), ShapefileFields(definition, true)});
     const GdalErrorScope errors;
     for (auto& feature : layer) {
         if (++done_ % kFeaturesPerPoll == 0) {

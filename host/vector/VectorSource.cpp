@@ -86,7 +86,7 @@ std::string NameInside(const std::wstring& path, const std::string& nameOfFile, 
     if (format.extension != std::wstring_view(L".KML") && format.extension != std::wstring_view(L".KMZ")) {
         return nameOfFile;
     }
-    const std::string name = IsArchive(path) ? KmlInArchive(path, nameOfFile) : nameOfFile;
+    std::string name = IsArchive(path) ? KmlInArchive(path, nameOfFile) : nameOfFile;
     RequireReadableSize(path, name);
     return name;
 }
@@ -115,7 +115,7 @@ const FileFormat& FormatOf(const std::wstring& path) {
 
 /// Path of a file's ".prj" file in any letter case; empty if there is none.
 std::wstring CrsFileBeside(const std::wstring& path) {
-    const std::wstring wanted = WithExtension(path, L".prj");
+    std::wstring wanted = WithExtension(path, L".prj");
     if (FileExists(wanted)) {
         return wanted;
     }

@@ -24,7 +24,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using testing::Record;
 using testing::TemporaryFolder;
 

@@ -97,7 +97,7 @@ TEST(PhotoLayer, HoldsTheRecordsAndNeverTakesTheNameOfAnother) {
 /// eight-bit code.
 std::wstring ForeignLayer(const TemporaryFolder& folder, const std::vector<std::wstring>& photos) {
     SetUpGdal();
-    const std::wstring path = folder.Name(L"FLIGHT.shp");
+    std::wstring path = folder.Name(L"FLIGHT.shp");
     const GDALDatasetUniquePtr dataset(GetGDALDriverManager()
                                            ->GetDriverByName("ESRI Shapefile")
                                            ->Create(ToUtf8(path).c_str(), 0, 0, 0, GDT_Unknown, nullptr));

@@ -1,5 +1,7 @@
 #include "host/utilities/testing/PhotoSamples.h"
 
+#include <fmt/format.h>
+
 #include <cmath>
 
 namespace orvex::testing {
@@ -118,8 +120,8 @@ std::string XmpWith(const std::string& address,
     std::string attributes;
     std::string elements;
     for (const auto& [name, value] : properties) {
-        attributes += asElements ? "" : " v:" + name + "=\"" + value + "\"";
-        elements += asElements ? "<v:" + name + ">" + value + "</v:" + name + ">" : "";
+        attributes += asElements ? "" : fmt::format(R"( v:{}="{}")", name, value);
+        elements += asElements ? fmt::format("<v:{0}>{1}</v:{0}>", name, value) : "";
     }
     return "<?xpacket begin=\"\xEF\xBB\xBF\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?><x:xmpmeta "
            "xmlns:x=\"adobe:ns:meta/\">"

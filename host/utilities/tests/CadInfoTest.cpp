@@ -21,7 +21,6 @@ namespace {
 using namespace std::string_literals;
 using testing::Ask;
 using testing::FeatureAnswer;
-using ::testing::HasSubstr;
 using testing::ReadFile;
 using testing::TemporaryFolder;
 

@@ -40,12 +40,13 @@ class KmlFiles {
         return Ask(&OrvexUtilities::GetKMLInfo, folder_.Write(L"plän.kml", bytes));
     }
     std::wstring Zip(const std::vector<std::pair<std::string, std::string>>& entries) {
-        const std::wstring path = folder_.Name(L"archive" + std::to_wstring(archives_++) + L".kmz");
-        const std::string archive = "/vsizip/" + ToUtf8(path);
+        std::wstring path = folder_.Name(L"archive" + std::to_wstring(archives_++) + L".kmz");
+        std::string archive = "/vsizip/";
+        archive += ToUtf8(path);
         // GDAL keeps an archive open for further entries as long as a handle to the archive itself is.
         VSILFILE* const whole = VSIFOpenL(archive.c_str(), "wb");
         for (const auto& [name, content] : entries) {
-            VSILFILE* const file = VSIFOpenL((archive + "/" + name).c_str(), "wb");
+            VSILFILE* const file = VSIFOpenL(std::string(archive).append("/").append(name).c_str(), "wb");
             VSIFWriteL(content.data(), 1, content.size(), file);
             VSIFCloseL(file);
         }

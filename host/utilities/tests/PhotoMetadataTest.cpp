@@ -208,7 +208,7 @@ TEST(PhotoMetadata, ReadsPropertiesOfListsAndPacketsThatAreDamaged) {
         {"a name before it", "xml:XMP=" + packet(yaw), "12.5"},
         {"cut off behind the property", packet(yaw).substr(0, packet(yaw).find("</r:Desc")), "12.5"},
         {"something behind it", packet(yaw) + "<junk", "12.5"},
-        {"no XML", "\xFF\xFE\x00", ""},
+        {"no XML", "\xFF\xFE", ""},
         {"nested too deeply", packet(yaw + deep), "12.5"},
         {"entities of its own", "<!DOCTYPE x [<!ENTITY a \"12.5\">]>" + packet("<v:Yaw>&a;</v:Yaw>"), ""},
         {"another vocabulary",
@@ -337,8 +337,10 @@ TEST(PhotoMetadata, NamesWhatCannotBeRead) {
 
 TEST(PhotoMetadata, KeepsTheOrderOfManyPathsAndIgnoresTheLocale) {
     const TemporaryFolder folder;
+    constexpr int kPhotos = 200;
     std::vector<std::wstring> paths;
-    for (int i = 0; i < 200; ++i) {
+    paths.reserve(kPhotos);
+    for (int i = 0; i < kPhotos; ++i) {
         paths.push_back(folder.Write(std::to_wstring(i) + L".jpg", testing::PosedPhoto(i * 0.25, 1.5, 2)));
     }
     const std::locale before = std::locale();

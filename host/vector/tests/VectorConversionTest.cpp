@@ -262,7 +262,8 @@ TEST_F(VectorConversionTest, ManyLayersTakeFewHandlesAndLoseNothing) {
     for (int round = 0; round < 3; ++round) {
         for (int layer = 0; layer < 150; ++layer) {
             entities += Point("L" + std::to_string(layer), round, layer, 0) +
-                        Label("L" + std::to_string(layer), std::string(100 + 10 * round, 't'));
+                        Label("L" + std::to_string(layer),
+                              std::string(100 + 10 * static_cast<std::size_t>(round), 't'));
         }
     }
     const auto result = Convert(folder_.Write(L"in/a.dxf", Dxf(entities)));
