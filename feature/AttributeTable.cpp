@@ -9,10 +9,10 @@
 #include <string_view>
 
 #include "feature/FeatureFindings.h"
-#include "feature/SidecarFile.h"
 #include "support/ByteReader.h"
 #include "support/GdalErrorScope.h"
 #include "support/LDataError.h"
+#include "support/SidecarFile.h"
 #include "support/Text.h"
 
 namespace orvex {

@@ -1,16 +1,15 @@
 #include "feature/FeatureRow.h"
 
 #include <algorithm>
-#include <chrono>
 #include <iterator>
 #include <utility>
 
 #include "feature/FeatureFindings.h"
 #include "feature/ShapefileReader.h"
-#include "feature/SidecarFile.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/Files.h"
 #include "support/LDataError.h"
+#include "support/SidecarFile.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -31,11 +30,6 @@ class ShapefileError : public LDataError {
   private:
     std::wstring summary_;
 };
-
-std::int64_t ModifiedMs(const std::wstring& path) {
-    const auto time = LastWriteTime(path);
-    return time ? std::chrono::floor<std::chrono::milliseconds>(*time).time_since_epoch().count() : 0;
-}
 
 void AddField(FeatureRow& row, std::wstring name, std::int32_t type) {
     if (name.empty() || type < 0 || type >= static_cast<std::int32_t>(std::size(kTypeWords))) {
@@ -193,23 +187,10 @@ void InspectLayers(FeatureRow& row) {
     row.isRead = true;
 }
 
-/// The CRS in the .prj file beside a file, as 8-bit text.
+/// The CRS in the .prj file beside a file.
 CrsPtr CrsBeside(const std::wstring& path, std::vector<Finding>& findings) {
-    constexpr std::size_t kMostBytes = std::size_t{1} << 20U;
-    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    const std::wstring prj = SidecarOf(path, L".prj");
-    if (prj.empty()) {
-        return DescribeCrs({});
-    }
     try {
-        const RegularFile file(prj);
-        if (file.Size() > kMostBytes) {
-            throw LDataError(FormatText(Text(text::kPrjTooLarge), {kMostBytes}));
-        }
-        const std::vector<std::byte> bytes = file.Read(0, kMostBytes);
-        std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-        text.remove_prefix(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
-        return DescribeCrs(std::string(text.substr(0, text.find_last_not_of(" \t\r\n\0") + 1)));
+        return DescribeCrs(ReadPrjBeside(path));
     } catch (const LDataError& error) {
         findings.push_back(MakeFinding(feature_finding::kPrjUnreadable, {error.Text()}));
         return DescribeCrs({});
@@ -301,8 +282,7 @@ std::wstring FeatureSummary(const FeatureRow& row) {
 }
 
 std::wstring FeatureLayerName(const FeatureRow& row) {
-    const std::wstring name = FileNameOf(row.path);
-    return name.substr(0, name.size() - UpperExtensionOf(name).size());
+    return WithExtension(FileNameOf(row.path), {});
 }
 
 }  // namespace orvex

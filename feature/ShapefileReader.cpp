@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "feature/FeatureFindings.h"
-#include "feature/SidecarFile.h"
 #include "support/ByteReader.h"
 #include "support/LDataError.h"
+#include "support/SidecarFile.h"
 #include "support/Text.h"
 
 namespace orvex {

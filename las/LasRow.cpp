@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <optional>
 #include <utility>
 
@@ -17,11 +16,6 @@
 
 namespace orvex {
 namespace {
-
-std::int64_t ModifiedMs(const std::wstring& path) {
-    const auto time = LastWriteTime(path);
-    return time ? std::chrono::floor<std::chrono::milliseconds>(*time).time_since_epoch().count() : 0;
-}
 
 bool Has(const LasRow& row, const FindingKind& kind) {
     return std::ranges::find(row.findings, kind.code, &LasFinding::code) != row.findings.end();

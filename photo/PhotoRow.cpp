@@ -2,7 +2,6 @@
 
 #include <boost/property_tree/ptree.hpp>
 #include <charconv>
-#include <chrono>
 #include <cmath>
 #include <limits>
 #include <string_view>
@@ -21,11 +20,6 @@ namespace orvex {
 namespace {
 
 using Tree = boost::property_tree::wptree;
-
-std::int64_t ModifiedMs(const std::wstring& path) {
-    const auto time = LastWriteTime(path);
-    return time ? std::chrono::floor<std::chrono::milliseconds>(*time).time_since_epoch().count() : 0;
-}
 
 void Take(const Tree& node, std::string_view key, std::wstring& value) {
     if (const auto child = node.get_child_optional(FromUtf8(key))) {

@@ -109,7 +109,7 @@ std::wstring NamedOverviews(GDALDatasetH dataset) {
 
 /// The same for the .aux files in which GDAL looks for overviews.
 std::wstring OverviewsNamedBeside(const std::wstring& path) {
-    const std::wstring stem = path.substr(0, path.size() - UpperExtensionOf(path).size());
+    const std::wstring stem = WithExtension(path, {});
     std::wstring named;
     for (const std::wstring& aux : {stem + L".aux", stem + L".AUX", path + L".aux", path + L".AUX"}) {
         if (named.empty() && FileExists(aux)) {

@@ -1,6 +1,5 @@
 #include "raster/RasterRow.h"
 
-#include <chrono>
 #include <utility>
 
 #include "crs/GdalSetup.h"
@@ -13,11 +12,6 @@
 
 namespace orvex {
 namespace {
-
-std::int64_t ModifiedMs(const std::wstring& path) {
-    const auto time = LastWriteTime(path);
-    return time ? std::chrono::floor<std::chrono::milliseconds>(*time).time_since_epoch().count() : 0;
-}
 
 RasterProperties ReadOurselves(const std::wstring& path) {
     if (!EnsureGdal()) {

@@ -49,6 +49,11 @@ std::optional<std::uint64_t> FileSizeOf(const std::wstring& path);
 using FileTime = std::chrono::sys_time<std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>>;
 /// Modification time; nullopt if there is no such file or folder.
 std::optional<FileTime> LastWriteTime(const std::wstring& path);
+/// The same in milliseconds since 1970-01-01 UTC; 0 when unknown.
+inline std::int64_t ModifiedMs(const std::wstring& path) {
+    const auto time = LastWriteTime(path);
+    return time ? std::chrono::floor<std::chrono::milliseconds>(*time).time_since_epoch().count() : 0;
+}
 /// Copies the modification time.
 SystemError CopyLastWriteTime(const std::wstring& from, const std::wstring& to);
 

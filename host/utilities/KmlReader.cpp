@@ -33,8 +33,7 @@ FeatureInfo ReadPlain(const std::wstring& path, const std::string& fallbackName)
 
 /// The file's name without its extension.
 std::string NameOf(const std::wstring& path) {
-    const std::wstring name = FileNameOf(path);
-    return ToUtf8(name.substr(0, name.size() - UpperExtensionOf(name).size()));
+    return ToUtf8(WithExtension(FileNameOf(path), {}));
 }
 
 }  // namespace

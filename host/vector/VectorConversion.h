@@ -40,11 +40,10 @@ inline constexpr std::size_t kMostShapefiles = 1000;
 
 /// Converts a DWG (2000), DXF, DGN (7), KML or KMZ file to shapefiles in the output folder, one for each
 /// layer and kind of geometry that occurs and is wanted: "<file>_<layer>_points.shp" and the like, or the
-/// next free
-/// "<file>_<layer>_points (2).shp": no file is replaced. Heights are kept: all shapes have a Z, 0 where the
-/// file states none. Points of a feature become features of their own, its lines and polygons one each. All
-/// shapefiles appear together once they are complete. Memory does not grow with a DXF file, apart from its
-/// blocks; of the other kinds, GDAL reads the file as a whole.
+/// next free "<file>_<layer>_points (2).shp": no file is replaced. Heights are kept: all shapes have a Z, 0
+/// where the file states none. Points of a feature become features of their own, its lines and polygons one
+/// each. All shapefiles appear together once they are complete. Memory does not grow with a DXF file, apart
+/// from its blocks; of the other kinds, GDAL reads the file as a whole.
 ///
 /// Progress counts features where the reader knows their number; a stop is polled for between features.
 /// Returns nullopt when stopped; leaves no file then, nor after a failure. Throws LDataError with the file

@@ -15,6 +15,7 @@
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
+#include "support/SidecarFile.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -113,22 +114,6 @@ const FileFormat& FormatOf(const std::wstring& path) {
     return *format;
 }
 
-/// Path of a file's ".prj" file in any letter case; empty if there is none.
-std::wstring CrsFileBeside(const std::wstring& path) {
-    std::wstring wanted = WithExtension(path, L".prj");
-    if (FileExists(wanted)) {
-        return wanted;
-    }
-    std::wstring found;
-    ListFolder(FolderOf(path), [&](const FolderEntry& entry) {
-        if (entry.kind == FileKind::File && EqualNoCase(FileNameOf(entry.path), FileNameOf(wanted))) {
-            found = entry.path;
-        }
-        return found.empty();
-    });
-    return found;
-}
-
 }  // namespace
 
 VectorSource::VectorSource(const std::wstring& path)
@@ -165,14 +150,12 @@ void VectorSource::Open() {
 }
 
 void VectorSource::ReadCrsBeside() {
-    constexpr std::size_t kMostBytes = 65536;
-    const std::wstring path = CrsFileBeside(path_);
-    std::ifstream file(ToPath(path), std::ios::binary);
-    std::string wkt(kMostBytes, '\0');
-    if (path.empty() || !file.read(wkt.data(), static_cast<std::streamsize>(wkt.size())).eof()) {
-        return;
+    std::string wkt;
+    try {
+        wkt = ReadPrjBeside(path_);
+    } catch (const LDataError& error) {
+        remarks_ += (remarks_.empty() ? L"" : L"\n") + FormatText(Text(text::kPrjUnreadable), {error.Text()});
     }
-    wkt.resize(static_cast<std::size_t>(file.gcount()));
     const GdalErrorScope errors;
     OGRSpatialReference crs;
     crs.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);

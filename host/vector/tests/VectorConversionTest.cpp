@@ -146,6 +146,14 @@ TEST_F(VectorConversionTest, TextsOfNewDrawingsAreUtf8) {
     EXPECT_EQ(Names(L".SHP"), (Texts{"new_B\u00E4ume_points.shp"}));
 }
 
+TEST_F(VectorConversionTest, ACoordinateSystemThatCannotBeReadIsTold) {
+    folder_.Write(L"in/a.PRJ", std::string((std::size_t{1} << 20U) + 1, ' '));
+    const auto result = Convert(folder_.Write(L"in/a.dxf", Dxf(Point("A", 1, 2, 3))));
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->wkt, "");
+    EXPECT_THAT(result->notes, ::testing::Contains(::testing::HasSubstr(L"(.prj)")));
+}
+
 TEST_F(VectorConversionTest, OnlyTheKindsThatAreWantedAreWritten) {
     struct Case {
         bool VectorConversionOptions::*wanted;

@@ -13,6 +13,10 @@ namespace orvex {
 /// none.
 std::wstring SidecarOf(const std::wstring& path, std::wstring_view extension);
 
+/// Text of the ".prj" file beside a file, without a byte order mark and blanks at its end; empty if there is
+/// none. Throws LDataError with the reason when it cannot be read or has more than a mebibyte.
+std::string ReadPrjBeside(const std::wstring& path);
+
 /// A regular file open for reading. Move-only.
 class RegularFile {
   public:

@@ -1,10 +1,11 @@
-#include "feature/SidecarFile.h"
+#include "support/SidecarFile.h"
 
 #include <algorithm>
 #include <array>
 
 #include "support/Files.h"
 #include "support/FolderListing.h"
+#include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
 
@@ -13,17 +14,13 @@ namespace {
 
 constexpr std::size_t kFoldersKept = 4;
 
-std::wstring WithoutExtension(const std::wstring& path) {
-    return path.substr(0, path.size() - UpperExtensionOf(path).size());
-}
-
 /// Searches the folder for a name that differs in letter case only; one with the file's own stem is
 /// preferred.
 std::wstring FindInFolder(const std::wstring& path, const std::wstring& wanted) {
     // Never destroyed: a worker may still ask while the process ends.
     static auto* const folders = new FolderListing(kFoldersKept);
     const GdalListPtr names = folders->Beside(path);
-    const std::wstring stem = FileNameOf(WithoutExtension(path)) + L'.';
+    const std::wstring stem = FileNameOf(WithExtension(path, L"."));
     const std::wstring key = ToUpper(FileNameOf(wanted));
     std::wstring found;
     for (const char* const* name = names ? names->Get() : nullptr; name != nullptr && *name != nullptr;
@@ -52,9 +49,8 @@ StringId RefusalOf(FileKind kind) {
 }  // namespace
 
 std::wstring SidecarOf(const std::wstring& path, std::wstring_view extension) {
-    const std::wstring stem = WithoutExtension(path);
-    const std::wstring upper = stem + ToUpper(extension);
-    const std::wstring given = stem + std::wstring(extension);
+    const std::wstring upper = WithExtension(path, ToUpper(extension));
+    const std::wstring given = WithExtension(path, extension);
     const bool isUpper = path.ends_with(UpperExtensionOf(path));
     for (const std::wstring& usual : {isUpper ? upper : given, isUpper ? given : upper}) {
         if (FileExists(usual)) {
@@ -83,6 +79,24 @@ std::vector<std::byte> RegularFile::Read(std::uint64_t offset, std::size_t lengt
     }
     bytes.resize(read);
     return bytes;
+}
+
+std::string ReadPrjBeside(const std::wstring& path) {
+    constexpr std::size_t kMostBytes = std::size_t{1} << 20U;
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    constexpr std::string_view kBlanks("\0 \t\r\n", 5);
+    const std::wstring prj = SidecarOf(path, L".prj");
+    if (prj.empty()) {
+        return {};
+    }
+    const RegularFile file(prj);
+    if (file.Size() > kMostBytes) {
+        throw LDataError(FormatText(Text(text::kPrjTooLarge), {kMostBytes}));
+    }
+    const std::vector<std::byte> bytes = file.Read(0, kMostBytes);
+    std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    text.remove_prefix(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+    return std::string(text.substr(0, text.find_last_not_of(kBlanks) + 1));
 }
 
 }  // namespace orvex
