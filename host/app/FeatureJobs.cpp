@@ -10,6 +10,7 @@
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
+#include "support/SidecarFile.h"
 
 namespace orvex {
 
@@ -47,7 +48,9 @@ NewFile Describe(const AssignedFile& assigned) {
         GDALDataset::Open(ToUtf8(assigned.path).c_str(), GDAL_OF_VECTOR, driver.data()));
     OGRLayer* const layer = dataset == nullptr ? nullptr : dataset->GetLayer(0);
     if (layer == nullptr) {
-        throw LDataError(FormatText(Text(text::kVectorUnreadable), {assigned.path, FailureReason(errors)}));
+        const bool hasIndex = !SidecarOf(assigned.path, L".shx").empty();
+        const std::wstring cause = hasIndex ? FailureReason(errors) : Text(text::kShapeIndexMissing);
+        throw LDataError(FormatText(Text(text::kVectorUnreadable), {assigned.path, cause}));
     }
     NewFile added;
     added.layer = assigned.layer;

@@ -99,11 +99,16 @@ TEST_F(FeaturesTest, OneBadFileDoesNotKeepTheOthersOut) {
     Add(L"b", L"bad.shp");
     Add(L"c", L"missing.kml");
     Add(L"wells", L"wells.shp");
+    folder_.Write(L"data/roads copy.shp", testing::ReadFile(folder_.Name(L"data/roads.shp")));
+    Add(L"roads copy", L"roads copy.shp");
     record_.featureImportText = record_.featureImportPoints = false;
     const IntakeResult result = Take();
     ASSERT_EQ(project_.layers.size(), 1U);
     EXPECT_EQ(project_.layers[0].files[0].feature.count, 24U);
-    EXPECT_EQ(result.news.size(), 3U);
+    EXPECT_EQ(result.news.size(), 4U);
+    EXPECT_TRUE(std::ranges::any_of(result.news, [](const auto& section) {
+        return section.heading.find(Text(text::kShapeIndexMissing)) != std::wstring::npos;
+    })) << "GDAL names an option of its own";
     for (const auto& section : result.news) {
         EXPECT_NE(section.heading.find(folder_.Name(L"data")), std::wstring::npos) << ToUtf8(section.heading);
     }
