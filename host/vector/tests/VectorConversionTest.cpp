@@ -1,5 +1,6 @@
 #include "host/vector/VectorConversion.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ogrsf_frmts.h>
 
