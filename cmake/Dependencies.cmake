@@ -1,6 +1,6 @@
 # The libraries of the README's table, as targets of the same names on both platforms.
 find_package(Threads REQUIRED)
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Test)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Network Widgets Test)
 find_package(SQLite3 REQUIRED)
 find_package(GDAL 3.6 CONFIG REQUIRED)
 find_package(PROJ REQUIRED)
@@ -9,11 +9,19 @@ find_package(LASzip REQUIRED)
 find_package(EXPAT REQUIRED)
 find_package(exiv2 CONFIG REQUIRED)
 
+# A header alone: on Windows it is taken from the folder of links below, and there is no OpenSSL for it.
+add_library(orvex_httplib INTERFACE)
+add_library(httplib::httplib ALIAS orvex_httplib)
+target_link_libraries(orvex_httplib INTERFACE Threads::Threads)
+
 if(NOT WIN32)
     find_package(fmt REQUIRED)
     find_package(nlohmann_json 3.11 REQUIRED)
     find_package(spdlog REQUIRED)
     find_package(GTest REQUIRED)
+    find_package(OpenSSL REQUIRED)
+    target_compile_definitions(orvex_httplib INTERFACE CPPHTTPLIB_OPENSSL_SUPPORT)
+    target_link_libraries(orvex_httplib INTERFACE OpenSSL::SSL OpenSSL::Crypto)
     return()
 endif()
 
@@ -37,6 +45,9 @@ target_link_libraries(orvex_spdlog_headers INTERFACE fmt::fmt)
 
 # Every target has this folder in its include path.
 file(CREATE_LINK "/usr/include/boost" "${headers}/boost" SYMBOLIC)
+file(CREATE_LINK "/usr/include/httplib.h" "${headers}/httplib.h" SYMBOLIC)
+target_include_directories(orvex_httplib SYSTEM INTERFACE "${headers}")
+target_link_libraries(orvex_httplib INTERFACE ws2_32 crypt32)
 
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
