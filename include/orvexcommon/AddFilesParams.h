@@ -35,7 +35,8 @@ using FilesByFolder = std::map<std::wstring, std::vector<std::wstring>>;
 class AddFilesParams {
   public:
     // Inputs.
-    /// Not used yet; may be null. Owned by the host.
+    /// Asked for the user's account, on the thread of the call; null: the object of kApplicationClass is.
+    /// Owned by the host.
     orvex::OrvexApplication* hostApplication = nullptr;
     /// Index of the initial tab among those that exist.
     std::int32_t initialTab = 0;

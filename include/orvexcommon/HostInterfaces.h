@@ -101,6 +101,20 @@ class OrvexProject : public HostObject {
     virtual std::int32_t OpenLayer(const std::wstring& path, std::unique_ptr<OrvexLayer>& layer) = 0;
 };
 
+/// The user's account at a cloud service: its state when it was asked for. A host whose tokens change gives
+/// the current one to whoever asks anew. Used on any one thread at a time. Each function returns a result
+/// code; a failure leaves the text unchanged.
+class OrvexUserAccount : public HostObject {
+  public:
+    /// Name for people; may be empty.
+    virtual std::int32_t GetUserName(std::wstring& name) = 0;
+    /// "https://host/path", "http://host:port", or the full path of a folder of listings.
+    virtual std::int32_t GetService(std::wstring& service) = 0;
+    /// Bearer token of the service; empty if it wants none. The component sends it to the service only, and
+    /// neither stores nor shows it.
+    virtual std::int32_t GetToken(std::wstring& token) = 0;
+};
+
 /// The host application object.
 class OrvexApplication : public HostObject {
   public:
@@ -112,6 +126,12 @@ class OrvexApplication : public HostObject {
     /// The open project. Null and a failure code if there is none to give: a host without photo layers need
     /// not override this.
     virtual std::unique_ptr<OrvexProject> GetProject(std::int32_t& result) {
+        result = kHostNotImplemented;
+        return nullptr;
+    }
+    /// The signed-in user's account; null with kHostOk if nobody is signed in, null with a failure code if
+    /// there is none to give: a host without cloud layers need not override this.
+    virtual std::unique_ptr<OrvexUserAccount> GetUserAccount(std::int32_t& result) {
         result = kHostNotImplemented;
         return nullptr;
     }

@@ -1,6 +1,7 @@
 #pragma once
 // The host's objects in memory, for tests.
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -16,6 +17,12 @@ struct FakeLayer {
     std::set<std::wstring> fields;  ///< as asked for
     std::set<std::wstring> photos;  ///< full paths, as asked for
     std::int32_t result = kHostOk;  ///< what every question to the layer returns
+};
+
+/// The account of a signed-in user.
+struct FakeAccount {
+    std::wstring userName, service, token;
+    std::int32_t result = kHostOk;  ///< what every question to the account returns
 };
 
 /// Answers from its members, which a test sets and reads at any time; every object made reads and writes
@@ -37,6 +44,9 @@ class FakeHostObjects final : public HostObjects {
     std::wstring photoFolder;                  ///< empty: none
     std::int32_t photoFolderResult = kHostOk;  ///< what GetPhotoFolder returns
     std::map<std::wstring, FakeLayer> layers;  ///< by path as given to OpenLayer, which fails for any other
+
+    std::optional<FakeAccount> account;    ///< nullopt: nobody is signed in
+    std::int32_t accountResult = kHostOk;  ///< another code: the application gives no account
 
     RasterInformationMaker rasterInformation;  ///< what RasterInformation gives; empty: the host has none
     ShapefileMaker shapefiles;                 ///< the same for Shapefiles
@@ -98,8 +108,31 @@ class FakeHostObjects final : public HostObjects {
             return result == kHostOk ? std::make_unique<Project>(host_) : nullptr;
         }
 
+        std::unique_ptr<OrvexUserAccount> GetUserAccount(std::int32_t& result) override {
+            result = host_.accountResult;
+            const bool isGiven = result == kHostOk && host_.account.has_value();
+            return isGiven ? std::make_unique<Account>(*host_.account) : nullptr;
+        }
+
       private:
         FakeHostObjects& host_;
+    };
+
+    class Account final : public OrvexUserAccount {
+      public:
+        explicit Account(FakeAccount account) : account_(std::move(account)) {}
+
+        std::int32_t GetUserName(std::wstring& name) override { return Answer(name, account_.userName); }
+        std::int32_t GetService(std::wstring& service) override { return Answer(service, account_.service); }
+        std::int32_t GetToken(std::wstring& token) override { return Answer(token, account_.token); }
+
+      private:
+        std::int32_t Answer(std::wstring& target, const std::wstring& value) const {
+            target = account_.result == kHostOk ? value : target;
+            return account_.result;
+        }
+
+        FakeAccount account_;
     };
 
     class Project final : public OrvexProject {
