@@ -3,7 +3,7 @@ set(runtime_root "${CMAKE_BINARY_DIR}/bin")
 set(runtime_stamp "${CMAKE_BINARY_DIR}/windows-runtime.stamp")
 
 set(qt_libraries)
-foreach(module Core Gui Widgets)
+foreach(module Core Gui Network Widgets)
     list(APPEND qt_libraries "${ORVEX_WINDOWS_PREFIX}/qt/bin/Qt6${module}.dll")
 endforeach()
 file(GLOB runtime_libraries "${ORVEX_WINDOWS_PREFIX}/geo/bin/*.dll")
@@ -18,7 +18,7 @@ foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll zlib1.dll)
 endforeach()
 set(test_libraries "${ORVEX_WINDOWS_PREFIX}/qt/bin/Qt6Test.dll")
 set(runtime_plugins platforms/qwindows.dll platforms/qoffscreen.dll styles/qwindowsvistastyle.dll
-    imageformats/qjpeg.dll)
+    imageformats/qjpeg.dll tls/qschannelbackend.dll)
 
 set(copy_plugins)
 foreach(plugin IN LISTS runtime_plugins)
@@ -29,7 +29,7 @@ endforeach()
 add_custom_command(
     OUTPUT "${runtime_stamp}"
     COMMAND ${CMAKE_COMMAND} -E make_directory "${runtime_root}/plugins/imageformats" "${runtime_root}/plugins/platforms"
-            "${runtime_root}/plugins/styles"
+            "${runtime_root}/plugins/styles" "${runtime_root}/plugins/tls"
     COMMAND ${CMAKE_COMMAND} -E copy ${runtime_libraries} ${test_libraries} "${runtime_root}"
     ${copy_plugins}
     COMMAND ${CMAKE_COMMAND} -E copy "${PROJECT_SOURCE_DIR}/windows/qt.conf" "${runtime_root}/qt.conf"

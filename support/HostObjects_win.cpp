@@ -12,6 +12,7 @@
 #include "support/com/ComGuard_win.h"
 #include "support/com/ComProject_win.h"
 #include "support/com/ComShapefile_win.h"
+#include "support/com/ComUserAccount_win.h"
 #include "support/com/ErrorReason_win.h"
 #include "support/com/RasterDetailItems.h"
 #include "support/com/Variant_win.h"
@@ -75,6 +76,9 @@ class ComApplication final : public OrvexApplication {
     }
     std::unique_ptr<OrvexProject> GetProject(std::int32_t& result) override {
         return MakeComProject(*object_.Get(), result);
+    }
+    std::unique_ptr<OrvexUserAccount> GetUserAccount(std::int32_t& result) override {
+        return MakeComUserAccount(*object_.Get(), result);
     }
 
   private:

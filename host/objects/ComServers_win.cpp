@@ -9,6 +9,7 @@
 #include "host/objects/ProjectServer_win.h"
 #include "host/objects/RasterInformationServer_win.h"
 #include "host/objects/ShapefileServer_win.h"
+#include "host/objects/UserAccountServer_win.h"
 #include "support/com/ComGuard_win.h"
 #include "support/com/ModuleFile_win.h"
 #include "support/com/Variant_win.h"
@@ -39,7 +40,7 @@ class ApplicationServer final : public DualObject<IOrvexApplication> {
   public:
     /// Asked for its project once, since the interfaces of a COM object never change.
     explicit ApplicationServer(std::unique_ptr<OrvexApplication> application)
-        : application_(std::move(application)) {
+        : application_(std::move(application)), account_(*this, *application_) {
         std::int32_t result = kHostOk;
         if (auto project = application_->GetProject(result)) {
             project_.emplace(*this, std::move(project));
@@ -69,12 +70,16 @@ class ApplicationServer final : public DualObject<IOrvexApplication> {
 
   protected:
     void* OtherInterface(REFIID interfaceId) override {
-        const bool isAsked = project_ && IsEqualIID(interfaceId, __uuidof(IOrvexProject));
-        return isAsked ? static_cast<IOrvexProject*>(&*project_) : nullptr;
+        if (IsEqualIID(interfaceId, __uuidof(IOrvexUserAccount))) {
+            return static_cast<IOrvexUserAccount*>(&account_);
+        }
+        const bool isProject = project_ && IsEqualIID(interfaceId, __uuidof(IOrvexProject));
+        return isProject ? static_cast<IOrvexProject*>(&*project_) : nullptr;
     }
 
   private:
     std::unique_ptr<OrvexApplication> application_;
+    UserAccountPart account_;
     std::optional<ProjectPart> project_;
 };
 

@@ -123,6 +123,28 @@ class HostProject final : public OrvexProject {
     LayerOpener openLayer_;
 };
 
+/// Copy of the account of a signed-in user.
+class HostAccount final : public OrvexUserAccount {
+  public:
+    explicit HostAccount(CloudAccount account) : account_(std::move(account)) {}
+
+    std::int32_t GetUserName(std::wstring& name) override {
+        name = account_.userName;
+        return kHostOk;
+    }
+    std::int32_t GetService(std::wstring& service) override {
+        service = account_.service;
+        return kHostOk;
+    }
+    std::int32_t GetToken(std::wstring& token) override {
+        token = account_.token;
+        return kHostOk;
+    }
+
+  private:
+    CloudAccount account_;
+};
+
 class HostApplication final : public OrvexApplication {
   public:
     explicit HostApplication(HostData data) : data_(std::move(data)) {}
@@ -150,6 +172,14 @@ class HostApplication final : public OrvexApplication {
         }
         result = kHostOk;
         return std::make_unique<HostProject>(data_.photoFolder, data_.openLayer);
+    }
+    std::unique_ptr<OrvexUserAccount> GetUserAccount(std::int32_t& result) override {
+        if (!data_.account) {
+            return OrvexApplication::GetUserAccount(result);
+        }
+        std::optional<CloudAccount> account;
+        result = Logged(L"host: no account: ", [&] { account = data_.account(); });
+        return account ? std::make_unique<HostAccount>(*std::move(account)) : nullptr;
     }
 
   private:

@@ -2,7 +2,9 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <optional>
 
+#include "orvexcommon/CloudAccount.h"
 #include "orvexcommon/HostInterfaces.h"
 #include "settings/RegistryKey.h"  // PrivateSettings, for programs that are this host
 
@@ -16,6 +18,9 @@ using PhotoFolderProvider = std::function<std::wstring()>;
 /// Opens the layer that the user named. Throws if it cannot be read.
 using LayerOpener = std::function<std::unique_ptr<OrvexLayer>(const std::wstring& path)>;
 
+/// Returns the account of the signed-in user; nullopt if nobody is signed in.
+using AccountProvider = std::function<std::optional<CloudAccount>()>;
+
 /// Option item: KML and KMZ files may be added.
 inline constexpr std::int32_t kAcceptKmlOption = 1019;
 
@@ -26,6 +31,7 @@ struct HostData {
     OptionItems options{{kAcceptKmlOption, std::int16_t{-1}}};
     PhotoFolderProvider photoFolder{};  ///< empty: the application object gives no project, as the next
     LayerOpener openLayer{};
+    AccountProvider account{};  ///< empty: the application object gives no account
 };
 
 /// "host.sqlite" in the folder of the user's settings.

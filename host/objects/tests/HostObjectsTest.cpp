@@ -194,6 +194,36 @@ TEST_F(HostObjectsTest, TheApplicationGivesTheProjectAndItsLayers) {
     }
 }
 
+// On Windows all of it comes in one call, so that a service never gets the token of another one.
+TEST_F(HostObjectsTest, TheApplicationGivesTheAccountOfNow) {
+    std::int32_t result = kHostOk;
+    {
+        const HostClasses classes(State());
+        EXPECT_EQ(Application()->GetUserAccount(result), nullptr);
+        EXPECT_EQ(result, kHostNotImplemented) << "a host without accounts";
+    }
+    std::optional<CloudAccount> signedIn;
+    bool isFailing = false;
+    HostData data = State();
+    data.account = [&] { return isFailing ? throw LDataError(L"no") : signedIn; };
+    const HostClasses classes(data);
+    const auto application = Application();
+    EXPECT_EQ(application->GetUserAccount(result), nullptr);
+    EXPECT_EQ(result, kHostOk) << "nobody is signed in";
+    signedIn = {L"J\u00fcrgen \U0001F600", L"https://cloud.example/\u00fc", std::wstring(L"t\0k", 3)};
+    const auto account = application->GetUserAccount(result);
+    ASSERT_NE(account, nullptr);
+    isFailing = true;
+    EXPECT_EQ(application->GetUserAccount(result), nullptr);
+    EXPECT_EQ(result, kHostFail);
+    CloudAccount copied;
+    EXPECT_EQ(account->GetUserName(copied.userName), kHostOk);
+    EXPECT_EQ(account->GetService(copied.service), kHostOk);
+    EXPECT_EQ(account->GetToken(copied.token), kHostOk);
+    EXPECT_EQ(std::tie(copied.userName, copied.service, copied.token),
+              std::tie(signedIn->userName, signedIn->service, signedIn->token));
+}
+
 // Whether the host has the class or the component reads the file by itself, the row is the same.
 TEST_F(HostObjectsTest, ARasterIsDescribedWithAllDetails) {
     testing::GeoTiff tiff;

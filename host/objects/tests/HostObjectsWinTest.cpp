@@ -6,7 +6,9 @@
 #include <map>
 #include <thread>
 
+#include "host/objects/tests/ForeignObject.h"
 #include "orvexcommon/HostInterfaces.h"
+#include "settings/testing/FakeHostObjects.h"
 #include "support/HostObjects.h"
 #include "support/com/ComApartment_win.h"
 #include "support/com/ComPtr_win.h"
@@ -256,6 +258,93 @@ TEST_F(HostObjectsWinTest, TheProjectIsAFurtherInterfaceOfTheApplication) {
         EXPECT_EQ(project->OpenLayer(nullptr, nullptr), E_POINTER);
     }
     RegisterHostClass(kApplicationClass, nullptr);
+}
+
+// The interface is there before anybody signs in, since those of a COM object never change.
+TEST_F(HostObjectsWinTest, TheAccountIsAFurtherInterfaceOfTheApplication) {
+    testing::FakeHostObjects fake;
+    RegisterHostClass(kApplicationClass, [&] {
+        std::int32_t result = kHostOk;
+        return fake.CreateApplication(result);
+    });
+    ComPtr<IOrvexApplication> application;
+    ASSERT_EQ(CoCreateInstance(std::bit_cast<CLSID>(kApplicationClass), nullptr, CLSCTX_ALL,
+                               __uuidof(IOrvexApplication), application.ReceiveAny()),
+              S_OK);
+    ComPtr<IOrvexUserAccount> account;
+    ASSERT_EQ(application->QueryInterface(__uuidof(IOrvexUserAccount), account.ReceiveAny()), S_OK);
+    const struct {
+        std::int32_t accountResult, result;
+        const wchar_t* service;
+        HRESULT wanted;
+    } cases[] = {{kHostNotImplemented, kHostOk, L"s", E_NOTIMPL},
+                 {kHostOk, kHostOk, L"", S_OK},
+                 {kHostOk, kHostFail, L"s", E_FAIL},
+                 {kHostOk, kHostOk, L"https://s", S_OK}};
+    for (const auto& c : cases) {
+        fake.accountResult = c.accountResult;
+        fake.account.reset();
+        if (*c.service != 0) {
+            fake.account = {L"name", c.service, L"token", c.result};
+        }
+        BString name;
+        BString service;
+        BString token;
+        EXPECT_EQ(account->GetAccount(name.Receive(), service.Receive(), token.Receive()), c.wanted);
+        EXPECT_EQ(TextOf(service.Get()), c.wanted == S_OK ? c.service : L"");
+        EXPECT_EQ(TextOf(token.Get()), c.wanted == S_OK && fake.account ? L"token" : L"");
+    }
+    BString name;
+    EXPECT_EQ(account->GetAccount(name.Receive(), nullptr, nullptr), E_POINTER);
+    account = {};
+    application = {};
+    RegisterHostClass(kApplicationClass, nullptr);
+}
+
+/// Another host's application object, with an account of its own, or with none of the interface.
+template <bool kHasAccount>
+class ForeignApplication final : public ForeignObject<IOrvexApplication> {
+  public:
+    class Account final : public ForeignObject<IOrvexUserAccount> {
+      public:
+        STDMETHODIMP GetAccount(BSTR* userName, BSTR* service, BSTR* token) override {
+            *userName = nullptr;
+            *service = SysAllocString(L"https://s");
+            *token = nullptr;
+            return S_OK;
+        }
+    };
+
+    STDMETHODIMP QueryInterface(REFIID interfaceId, void** object) override {
+        if (kHasAccount && IsEqualIID(interfaceId, __uuidof(IOrvexUserAccount))) {
+            *object = static_cast<IOrvexUserAccount*>(new Account);
+            return S_OK;
+        }
+        return ForeignObject::QueryInterface(interfaceId, object);
+    }
+    STDMETHODIMP GetProjectFolder(BSTR*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetOptionItem(long, VARIANT*) override { return E_NOTIMPL; }
+};
+
+TEST(ForeignApplication, ItsAccountIsACopyAndNullTextsAreEmpty) {
+    const ComApartment apartment;
+    std::int32_t result = kHostOk;
+    std::unique_ptr<OrvexUserAccount> account;
+    {
+        const ForeignClass<ForeignApplication<true>> registered(kApplicationClass);
+        account = MakeHostObjects()->CreateApplication(result)->GetUserAccount(result);
+        EXPECT_EQ(result, kHostOk);
+    }
+    EXPECT_EQ(ForeignObject<IOrvexUserAccount>::Live(), 0);
+    ASSERT_NE(account, nullptr);
+    std::wstring name = L"?";
+    std::wstring service;
+    EXPECT_EQ(account->GetUserName(name), kHostOk);
+    EXPECT_EQ(account->GetService(service), kHostOk);
+    EXPECT_EQ(name + service, L"https://s");
+    const ForeignClass<ForeignApplication<false>> registered(kApplicationClass);
+    EXPECT_EQ(MakeHostObjects()->CreateApplication(result)->GetUserAccount(result), nullptr);
+    EXPECT_EQ(result, kHostNotImplemented) << "as hosts were before there were accounts";
 }
 
 const CLSID kRasterClass = std::bit_cast<CLSID>(kRasterInformationClass);
