@@ -9,19 +9,18 @@ find_package(LASzip REQUIRED)
 find_package(EXPAT REQUIRED)
 find_package(exiv2 CONFIG REQUIRED)
 
-# A header alone: on Windows it is taken from the folder of links below, and there is no OpenSSL for it.
-add_library(orvex_httplib INTERFACE)
-add_library(httplib::httplib ALIAS orvex_httplib)
-target_link_libraries(orvex_httplib INTERFACE Threads::Threads)
-
 if(NOT WIN32)
     find_package(fmt REQUIRED)
     find_package(nlohmann_json 3.11 REQUIRED)
     find_package(spdlog REQUIRED)
     find_package(GTest REQUIRED)
     find_package(OpenSSL REQUIRED)
+    # Debian's header holds declarations only; the code is in a shared library, which was built with OpenSSL.
+    find_library(ORVEX_HTTPLIB cpp-httplib REQUIRED)
+    add_library(orvex_httplib INTERFACE)
+    add_library(httplib::httplib ALIAS orvex_httplib)
     target_compile_definitions(orvex_httplib INTERFACE CPPHTTPLIB_OPENSSL_SUPPORT)
-    target_link_libraries(orvex_httplib INTERFACE OpenSSL::SSL OpenSSL::Crypto)
+    target_link_libraries(orvex_httplib INTERFACE "${ORVEX_HTTPLIB}" OpenSSL::SSL OpenSSL::Crypto Threads::Threads)
     return()
 endif()
 
@@ -45,9 +44,6 @@ target_link_libraries(orvex_spdlog_headers INTERFACE fmt::fmt)
 
 # Every target has this folder in its include path.
 file(CREATE_LINK "/usr/include/boost" "${headers}/boost" SYMBOLIC)
-file(CREATE_LINK "/usr/include/httplib.h" "${headers}/httplib.h" SYMBOLIC)
-target_include_directories(orvex_httplib SYSTEM INTERFACE "${headers}")
-target_link_libraries(orvex_httplib INTERFACE ws2_32 crypt32)
 
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
