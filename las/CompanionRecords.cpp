@@ -50,9 +50,11 @@ std::uint64_t ThinnedLength(const ThinnedHead& head) {
 
 CompanionStatus FindCompanionStatus(const std::wstring& fileName, std::span<const VlrView> vlrs,
                                     std::span<const EvlrEntry> evlrs) {
-    if (FileExists(WithExtension(fileName, L".qvr"))) {
-        return CompanionStatus::QvrFile;
-    }
+    return FileExists(WithExtension(fileName, L".qvr")) ? CompanionStatus::QvrFile
+                                                        : FindCompanionRecord(vlrs, evlrs);
+}
+
+CompanionStatus FindCompanionRecord(std::span<const VlrView> vlrs, std::span<const EvlrEntry> evlrs) {
     if (std::ranges::any_of(evlrs,
                             [](const EvlrEntry& evlr) { return evlr.RecordId() == kCompanionEvlrId; })) {
         return CompanionStatus::ExtendedRecord;

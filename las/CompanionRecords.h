@@ -25,8 +25,9 @@ enum class CompanionStatus {
     ExtendedRecord = 6,  ///< the file holds an EVLR with record id 157
 };
 
-/// Companion index of a file with these records. A ".qvr" file takes precedence over an EVLR, an EVLR over a
-/// VLR.
+/// Companion index among a file's records. An EVLR takes precedence over a VLR.
+CompanionStatus FindCompanionRecord(std::span<const VlrView> vlrs, std::span<const EvlrEntry> evlrs);
+/// Companion index of a file with these records. A ".qvr" file takes precedence over them.
 CompanionStatus FindCompanionStatus(const std::wstring& fileName, std::span<const VlrView> vlrs,
                                     std::span<const EvlrEntry> evlrs);
 

@@ -45,11 +45,23 @@ std::unique_ptr<LASFile> LASFile::Open(const std::wstring& fileName, bool readOn
     MappedFile file = las->OpenFile();
     las->CopyHeader(file);
     las->ReadRecords(file);
+    las->isOnDisk_ = true;
     las->Register();
     las->companionStatus_ = FindCompanionStatus(fileName, las->GetVLRs(), las->evlrs_);
     if (!skipPointMapping) {
         las->points_ = LasPointViews::Create(std::move(file), las->header_, readOnly);
     }
+    return las;
+}
+
+std::unique_ptr<LASFile> LASFile::Read(const ByteSource& source, const std::wstring& name) {
+    std::unique_ptr<LASFile> las(new LASFile(name, true));
+    if (source.Size(las->fileSize_) != 0) {
+        ThrowOpenError(Text(text::kLasHeaderReadFailed), name);
+    }
+    las->CopyHeader(source);
+    las->ReadRecords(source);
+    las->companionStatus_ = FindCompanionRecord(las->GetVLRs(), las->evlrs_);
     return las;
 }
 
@@ -78,7 +90,7 @@ MappedFile LASFile::OpenFile() {
 
 // Fields that a truncated file lacks stay zero. Of one that is opened for writing, the whole header counts or
 // the legacy one.
-void LASFile::CopyHeader(const MappedFile& file) {
+void LASFile::CopyHeader(const ByteSource& file) {
     headerCopy_ = std::make_unique<std::byte[]>(las::kHeaderSize14);
     const std::span<std::byte> block(headerCopy_.get(), las::kHeaderSize14);
     std::size_t read = 0;
@@ -95,20 +107,32 @@ void LASFile::CopyHeader(const MappedFile& file) {
     header_ = LasHeader(block);
 }
 
-void LASFile::ReadRecords(const MappedFile& file) {
+void LASFile::ReadRecords(const ByteSource& file) {
+    ReadVlrList(file);
+    ReadExtraBytes();
+    ReadEvlrList(file);
+}
+
+void LASFile::ReadVlrList(const ByteSource& file) {
     SystemError error = 0;
     try {
         error = ReadVlrs(file, header_, vlrs_);
     } catch (const std::bad_alloc&) {
         ThrowOpenError(Text(text::kVlrReadFailed), fileName_);
     }
-    if (error != 0) {
+    hasUnreadRecords_ = error == ByteSource::kNoMoreReads;
+    if (error != 0 && !hasUnreadRecords_) {
         ThrowOpenError(Text(text::kVlrReadFailed), fileName_, error);
     }
-    ReadExtraBytes();
-    if (header_.VersionCode() == las::kLas14) {
-        evlrs_ = ReadEvlrs(file, header_.EvlrStart(), header_.EvlrCount(), !readOnly_);
+}
+
+void LASFile::ReadEvlrList(const ByteSource& file) {
+    if (header_.VersionCode() != las::kLas14 || header_.EvlrStart() == 0) {
+        return;
     }
+    evlrs_ = ReadEvlrs(file, header_.EvlrStart(), header_.EvlrCount(), !readOnly_);
+    const std::size_t wanted = std::min<std::size_t>(header_.EvlrCount(), kMostRecords);
+    hasUnreadRecords_ = hasUnreadRecords_ || evlrs_.size() < wanted;
 }
 
 // Programs write this record under user ids of their own as well, so only its record id counts.

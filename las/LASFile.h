@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "las/CompanionRecords.h"
+#include "las/FileIdRegistry.h"
 #include "las/LasHeader.h"
 #include "las/LasRecords.h"
 #include "orvexcommon/LasFileInfo.h"
@@ -27,6 +28,9 @@ class LASFile final : public LasFileInfo {
     /// Opens a file; `skipPointMapping` leaves the point data unmapped, as for a list of files. Throws
     /// LDataError.
     static std::unique_ptr<LASFile> Open(const std::wstring& fileName, bool readOnly, bool skipPointMapping);
+    /// Reads header and records of a file that is not on a disk of this machine: no file is looked for beside
+    /// it, and it gets no id in the registry. `name`: for FileName() and messages. Throws LDataError.
+    static std::unique_ptr<LASFile> Read(const ByteSource& source, const std::wstring& name);
     ~LASFile() override;
 
     const std::wstring& FileName() const override { return recordedName_ ? *recordedName_ : fileName_; }
@@ -51,6 +55,11 @@ class LASFile final : public LasFileInfo {
     const std::vector<VlrView>& GetVLRs() const { return vlrs_.records; }
     const std::vector<EvlrEntry>& GetEVLRs() const { return evlrs_; }
 
+    /// False for a file made by Read.
+    bool IsOnDisk() const { return isOnDisk_; }
+    /// True if the source gave no more before the last VLR or EVLR was read.
+    bool HasUnreadRecords() const { return hasUnreadRecords_; }
+
     bool HasProjectionRecords() const;
     /// Data of the first "LASF_Projection" record of an id, from the VLRs, else the EVLRs; nullopt if there
     /// is none.
@@ -69,8 +78,10 @@ class LASFile final : public LasFileInfo {
   private:
     LASFile(const std::wstring& fileName, bool readOnly);
     MappedFile OpenFile();
-    void CopyHeader(const MappedFile& file);
-    void ReadRecords(const MappedFile& file);
+    void CopyHeader(const ByteSource& file);
+    void ReadRecords(const ByteSource& file);
+    void ReadVlrList(const ByteSource& file);
+    void ReadEvlrList(const ByteSource& file);
     void ReadExtraBytes();
     void Register();
 
@@ -79,8 +90,10 @@ class LASFile final : public LasFileInfo {
     const std::wstring* recordedName_ = nullptr;  // the registry's copy
     bool readOnly_;
     bool hasRangeIncidencePhotoIndex_ = false;
+    bool isOnDisk_ = false;
+    bool hasUnreadRecords_ = false;
     bool isDamaged_ = false;  // set by who has examined the file
-    std::uint16_t registeredId_ = 0;
+    std::uint16_t registeredId_ = FileIdRegistry::kAny;
     CompanionStatus companionStatus_ = CompanionStatus::None;
     std::uint64_t fileSize_ = 0;
     std::unique_ptr<std::byte[]> headerCopy_;

@@ -33,13 +33,13 @@ constexpr std::array<std::uint8_t, 11> kDataTypeSizes{0, 1, 1, 2, 2, 4, 4, 8, 8,
     throw LDataError(L"Unable to read EVLRs. System Error");
 }
 
-[[noreturn]] void ThrowDataError() {
-    throw LDataError(L"Failed to read EVLR record data section of LAS file into memory.");
-}
+constexpr const wchar_t* kHeaderReadFailed = L"Failed to read EVLR header section of LAS file into memory.";
+constexpr const wchar_t* kDataReadFailed =
+    L"Failed to read EVLR record data section of LAS file into memory.";
 
 class EvlrReader {
   public:
-    EvlrReader(const MappedFile& file, bool truncates) : file_(file), truncates_(truncates) {}
+    EvlrReader(const ByteSource& file, bool truncates) : file_(file), truncates_(truncates) {}
 
     std::vector<EvlrEntry> Read(std::uint64_t start, std::uint32_t count) {
         if (file_.Size(fileSize_) != 0) {
@@ -52,13 +52,12 @@ class EvlrReader {
         entries.reserve(std::min(most, room));
         std::uint64_t position = start;
         while (entries.size() < most) {
-            EvlrEntry& entry = entries.emplace_back(ReadHeader(position));
-            const std::uint64_t dataPosition = position + EvlrEntry::kHeaderSize;
-            const std::string userId = entry.UserId();
-            if (userId == las::kProjectionUserId || userId == kOwnUserId) {
-                ReadData(entry, dataPosition);
+            std::optional<EvlrEntry> entry = ReadEntry(position);
+            if (!entry) {
+                break;
             }
-            position = NextPosition(entry, dataPosition);
+            position = NextPosition(*entry, position + EvlrEntry::kHeaderSize);
+            entries.push_back(*std::move(entry));
         }
         return entries;
     }
@@ -77,31 +76,49 @@ class EvlrReader {
         return fileSize_ - std::min(fileSize_, position);
     }
 
-    EvlrEntry ReadHeader(std::uint64_t position) const {
-        EvlrEntry::HeaderBytes header{};
+    /// False if the source gives no more.
+    bool ReadWhole(std::uint64_t position, std::span<std::byte> buffer, const wchar_t* failure) const {
         std::size_t read = 0;
-        if (position > fileSize_ || file_.ReadAt(position, header, read) != 0 || read < header.size()) {
-            throw LDataError(L"Failed to read EVLR header section of LAS file into memory.");
+        const SystemError error = file_.ReadAt(position, buffer, read);
+        if (error != ByteSource::kNoMoreReads && (error != 0 || read < buffer.size())) {
+            throw LDataError(failure);
         }
-        const auto length = ByteReader(header).Read<std::uint64_t>(at::kLength);
-        return {header, position, length > BytesFrom(position + header.size())};
+        return error == 0;
     }
 
-    void ReadData(EvlrEntry& entry, std::uint64_t position) {
+    /// The record at a position with the data that is kept; nullopt if the source gives no more.
+    std::optional<EvlrEntry> ReadEntry(std::uint64_t position) {
+        EvlrEntry::HeaderBytes header{};
+        if (position > fileSize_) {
+            throw LDataError(kHeaderReadFailed);
+        }
+        if (!ReadWhole(position, header, kHeaderReadFailed)) {
+            return std::nullopt;
+        }
+        const auto length = ByteReader(header).Read<std::uint64_t>(at::kLength);
+        EvlrEntry entry(header, position, length > BytesFrom(position + header.size()));
+        const std::string userId = entry.UserId();
+        const bool isKept = userId == las::kProjectionUserId || userId == kOwnUserId;
+        return !isKept || ReadData(entry, position + header.size()) ? std::optional(std::move(entry))
+                                                                    : std::nullopt;
+    }
+
+    /// False if the source gives no more.
+    bool ReadData(EvlrEntry& entry, std::uint64_t position) {
         if (entry.IsTruncated() && !truncates_) {
-            ThrowDataError();
+            throw LDataError(kDataReadFailed);
         }
         const std::uint64_t length = std::min(entry.RecordLength(), BytesFrom(position));
         if (length > kMostRecordData - copied_) {
-            return;
+            return true;
         }
         std::vector<std::byte> data(static_cast<std::size_t>(length));
-        std::size_t read = 0;
-        if (file_.ReadAt(position, data, read) != 0 || read < length) {
-            ThrowDataError();
+        if (!ReadWhole(position, data, kDataReadFailed)) {
+            return false;
         }
         copied_ += length;
         entry.SetData(std::move(data));
+        return true;
     }
 
     static std::uint64_t NextPosition(const EvlrEntry& entry, std::uint64_t dataPosition) {
@@ -114,7 +131,7 @@ class EvlrReader {
         return kLastPosition;
     }
 
-    const MappedFile& file_;
+    const ByteSource& file_;
     bool truncates_;
     std::uint64_t fileSize_ = 0;
     std::uint64_t copied_ = 0;  // bytes of data in private memory
@@ -145,15 +162,14 @@ std::uint64_t DataLength(std::span<const std::byte> vlr) {
 /// Reads VLRs one by one through a window, and keeps of each what a list needs.
 class VlrReader {
   public:
-    explicit VlrReader(const MappedFile& file) : file_(file) {}
+    explicit VlrReader(const ByteSource& file) : file_(file) {}
 
     SystemError Read(const LasHeader& header, VlrList& list) {
-        std::uint64_t end = 0;
-        if (const SystemError error = file_.Size(end)) {
+        if (const SystemError error = file_.Size(end_)) {
             return error;
         }
-        end = std::min<std::uint64_t>(end, header.OffsetToPoints());
-        WalkVlrs(header, end, [&](std::uint64_t start) { return Keep(start, end); });
+        end_ = std::min<std::uint64_t>(end_, header.OffsetToPoints());
+        WalkVlrs(header, end_, [&](std::uint64_t start) { return Keep(start); });
         // The views are made once the bytes stay where they are.
         kept_.shrink_to_fit();
         list.bytes = std::move(kept_);
@@ -175,13 +191,13 @@ class VlrReader {
     };
 
     /// The length of the data of the record at `start`; nullopt if the file ends before.
-    std::optional<std::uint64_t> Keep(std::uint64_t start, std::uint64_t end) {
+    std::optional<std::uint64_t> Keep(std::uint64_t start) {
         const std::span<const std::byte> header = Window(start, VlrView::kHeaderSize);
         if (header.size() < VlrView::kHeaderSize) {
             return std::nullopt;
         }
         const std::uint64_t length = DataLength(header);
-        const std::uint64_t present = std::min(length, end - start - VlrView::kHeaderSize);
+        const std::uint64_t present = std::min(length, end_ - start - VlrView::kHeaderSize);
         const bool isKept = IsOfUse(VlrView(header, start, true)) && present <= kMostRecordData - data_;
         const std::span<const std::byte> record =
             isKept ? Window(start, VlrView::kHeaderSize + present) : header;
@@ -203,7 +219,7 @@ class VlrReader {
     std::span<const std::byte> Window(std::uint64_t offset, std::uint64_t length) {
         if (offset < windowStart_ || offset + length > windowStart_ + window_.size()) {
             constexpr std::uint64_t kWindow = 8192;
-            window_.resize(std::max(kWindow, length));
+            window_.resize(std::max(std::min(kWindow, end_ - offset), length));
             windowStart_ = offset;
             std::size_t read = 0;
             error_ = file_.ReadAt(offset, window_, read);
@@ -212,8 +228,9 @@ class VlrReader {
         return ByteReader(window_).Bytes(offset - windowStart_, length);
     }
 
-    const MappedFile& file_;
+    const ByteSource& file_;
     SystemError error_ = 0;
+    std::uint64_t end_ = 0;  // of the VLRs
     std::uint64_t windowStart_ = 0;
     std::vector<std::byte> window_;
     std::vector<std::byte> kept_;
@@ -288,11 +305,11 @@ bool EvlrEntry::Is(std::string_view userId, std::uint16_t recordId) const {
     return RecordId() == recordId && UserId() == userId;
 }
 
-SystemError ReadVlrs(const MappedFile& file, const LasHeader& header, VlrList& list) {
+SystemError ReadVlrs(const ByteSource& file, const LasHeader& header, VlrList& list) {
     return VlrReader(file).Read(header, list);
 }
 
-std::vector<EvlrEntry> ReadEvlrs(const MappedFile& file, std::uint64_t start, std::uint32_t count,
+std::vector<EvlrEntry> ReadEvlrs(const ByteSource& file, std::uint64_t start, std::uint32_t count,
                                  bool truncates) {
     if (start == 0 || count == 0) {
         return {};

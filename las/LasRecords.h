@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "las/LasHeader.h"
+#include "support/ByteSource.h"
 #include "support/LasFormat.h"
-#include "support/MappedFile.h"
 
 namespace orvex {
 
@@ -104,14 +104,15 @@ class EvlrEntry {
 /// Reads the VLRs between the header and the points. Ends after the number of records stated in the header,
 /// at a record header that would not fit, or at kMostRecords. Empty if the stated header size is below that
 /// of the smallest header. Keeps the data of short records and of those that the reader decodes (CRS, extra
-/// bytes), up to kMostRecordData.
-SystemError ReadVlrs(const MappedFile& file, const LasHeader& header, VlrList& list);
+/// bytes), up to kMostRecordData. After an error `list` has the records before it.
+SystemError ReadVlrs(const ByteSource& file, const LasHeader& header, VlrList& list);
 
 /// Reads up to kMostRecords EVLRs from an offset; none if `start` or `count` is 0. Only the data of
 /// "LASF_Projection" and "Kst" records is kept, up to kMostRecordData. With `truncates` it ends at the end of
 /// the file; otherwise a truncated record is an error. Throws LDataError if a record cannot be read, also if
-/// `count` leads past the end of the file.
-std::vector<EvlrEntry> ReadEvlrs(const MappedFile& file, std::uint64_t start, std::uint32_t count,
+/// `count` leads past the end of the file. Returns fewer only if the source gives no more
+/// (ByteSource::kNoMoreReads).
+std::vector<EvlrEntry> ReadEvlrs(const ByteSource& file, std::uint64_t start, std::uint32_t count,
                                  bool truncates);
 
 /// One extra bytes attribute. Offsets and size are bytes.

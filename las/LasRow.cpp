@@ -43,7 +43,7 @@ void DescribeFileCrs(LasRow& row) {
     if (!crs.problem.empty()) {
         row.findings.push_back(
             {FindingInWords(las_finding::kCrsUnreadable, CrsProblemText(crs)), las::at::kVlrCount});
-    } else if (crs.wkt.empty() && !Has(row, las_finding::kRecordTooLarge)) {
+    } else if (crs.wkt.empty() && !Has(row, las_finding::kRecordTooLarge) && !file.HasUnreadRecords()) {
         row.findings.push_back({MakeFinding(las_finding::kNoCrs), las::at::kVlrCount});
     }
 }
@@ -62,7 +62,8 @@ void CheckExtent(LasRow& row) {
 // What decompression would trip over. It starts from the header, so that this has to be sound.
 void CheckCompression(LasRow& row) {
     std::wstring reason;
-    if (row.file->Header().IsCompressed() && !HasErrors(row) && !OrvexUtilities::LAZCheck(row.path, reason)) {
+    if (row.file->IsOnDisk() && row.file->Header().IsCompressed() && !HasErrors(row) &&
+        !OrvexUtilities::LAZCheck(row.path, reason)) {
         row.findings.push_back({FindingInWords(las_finding::kCompressionDamaged, std::move(reason)),
                                 row.file->Header().OffsetToPoints()});
     }
@@ -92,7 +93,6 @@ void RefuseWithoutSignature(LasRow& row) {
 }
 
 void Inspect(LasRow& row) {
-    row.file = LASFile::Open(row.path, true, true);
     row.loadable = true;
     RefuseWithoutSignature(row);
     if (!row.loadable) {
@@ -107,6 +107,21 @@ void Inspect(LasRow& row) {
     row.summary = SummaryOf(row.findings);
 }
 
+/// Row of a file that `open` opens.
+template <typename Open>
+LasRow InspectOpened(const std::wstring& path, const Open& open) {
+    LasRow row;
+    row.path = path;
+    row.crs = DescribeCrs({});
+    try {
+        row.file = open();
+        Inspect(row);
+    } catch (...) {
+        Refuse(row, CurrentExceptionText());
+    }
+    return row;
+}
+
 }  // namespace
 
 LasRow UnreadLasFile(const std::wstring& path, const std::wstring& message) {
@@ -118,17 +133,18 @@ LasRow UnreadLasFile(const std::wstring& path, const std::wstring& message) {
 }
 
 LasRow InspectLasFile(const std::wstring& path) {
-    LasRow row;
-    row.path = path;
-    row.crs = DescribeCrs({});
+    LasRow row = InspectOpened(path, [&] { return LASFile::Open(path, true, true); });
     row.modifiedMs = ModifiedMs(path);
-    try {
-        Inspect(row);
-    } catch (...) {
-        Refuse(row, CurrentExceptionText());
-    }
     if (!row.loadable) {
         row.fileSize = FileSizeOf(path).value_or(0);
+    }
+    return row;
+}
+
+LasRow InspectLasSource(const std::wstring& name, const ByteSource& source) {
+    LasRow row = InspectOpened(name, [&] { return LASFile::Read(source, name); });
+    if (!row.loadable) {
+        source.Size(row.fileSize);
     }
     return row;
 }

@@ -31,6 +31,10 @@ struct LasRow {
 /// Opens and reads one file; never throws. Safe from any thread; nothing is written.
 LasRow InspectLasFile(const std::wstring& path);
 
+/// Reads one file from elsewhere; never throws. Like InspectLasFile, except that nothing of a disk is looked
+/// at, the time of its last change is unknown, and compressed points are not checked.
+LasRow InspectLasSource(const std::wstring& name, const ByteSource& source);
+
 /// Row of a file that could not be read at all.
 LasRow UnreadLasFile(const std::wstring& path, const std::wstring& message);
 

@@ -37,7 +37,13 @@ class Validator {
         CheckVersion();
         CheckLayout();
         CheckPointFormat();
-        CheckExtraBytes();
+        if (file_.HasUnreadRecords()) {
+            Add(las_finding::kRecordsNotRead, at::kVlrCount,
+                {file_.GetVLRs().size(), header_.VlrCount(), file_.GetEVLRs().size(), header_.EvlrCount()});
+        } else {
+            CheckExtraBytes();
+            CheckRecordCounts();
+        }
         CheckScale();
         CheckExtent();
         CheckCreationDate();
@@ -46,7 +52,7 @@ class Validator {
         CheckWaveform();
         CheckVlrs();
         CheckEvlrs();
-        if (!file_.HasProjectionRecords()) {
+        if (!file_.HasProjectionRecords() && !file_.HasUnreadRecords()) {
             Add(las_finding::kNoCrs, at::kVlrCount);
         }
         SortFindings(findings_);
@@ -261,7 +267,7 @@ class Validator {
         const bool isExternal = header_.HasExternalWaveform();
         if (isExternal && header_.HasInternalWaveform()) {
             Add(las_finding::kWaveformBothBits, at::kGlobalEncoding);
-        } else if (isExternal && !HasWaveformFile()) {
+        } else if (isExternal && file_.IsOnDisk() && !HasWaveformFile()) {
             Add(las_finding::kWaveformFileMissing, at::kGlobalEncoding,
                 {FileNameOf(WithExtension(file_.FileName(), L".wdp"))});
         } else if (!isExternal && header_.WaveformStart() != 0 &&
@@ -291,12 +297,21 @@ class Validator {
         }
     }
 
+    void CheckRecordCounts() {
+        const std::size_t vlrs = file_.GetVLRs().size();
+        if (vlrs < header_.VlrCount()) {
+            Add(vlrs == kMostRecords ? las_finding::kVlrsNotListed : las_finding::kVlrCount, at::kVlrCount,
+                {header_.VlrCount(), vlrs});
+        }
+        const std::size_t evlrs = file_.GetEVLRs().size();
+        if (file_.GetVersionCode() == las::kLas14 && evlrs < header_.EvlrCount()) {
+            Add(evlrs == kMostRecords ? las_finding::kEvlrsNotListed : las_finding::kEvlrCount,
+                at::kEvlrCount, {header_.EvlrCount(), evlrs});
+        }
+    }
+
     void CheckVlrs() {
         const auto& vlrs = file_.GetVLRs();
-        if (vlrs.size() < header_.VlrCount()) {
-            Add(vlrs.size() == kMostRecords ? las_finding::kVlrsNotListed : las_finding::kVlrCount,
-                at::kVlrCount, {header_.VlrCount(), vlrs.size()});
-        }
         AddTooLarge(vlrs, [](const VlrView& vlr) {
             return vlr.UserId() == las::kProjectionUserId || vlr.RecordId() == las::kExtraBytesRecordId;
         });
@@ -312,10 +327,6 @@ class Validator {
         const auto& evlrs = file_.GetEVLRs();
         if (!evlrs.empty()) {
             CheckEvlrStart();
-        }
-        if (file_.GetVersionCode() == las::kLas14 && evlrs.size() < header_.EvlrCount()) {
-            Add(evlrs.size() == kMostRecords ? las_finding::kEvlrsNotListed : las_finding::kEvlrCount,
-                at::kEvlrCount, {header_.EvlrCount(), evlrs.size()});
         }
         AddTooLarge(evlrs, [](const EvlrEntry& evlr) { return evlr.UserId() == las::kProjectionUserId; });
         if (!evlrs.empty() && evlrs.back().IsTruncated()) {

@@ -56,6 +56,7 @@ inline constexpr FindingKind kEvlrsInsideData{"evlrs-inside-data", Warning, text
 inline constexpr FindingKind kEvlrTruncated{"evlr-truncated", Warning, text::kLasEvlrOverrun};
 inline constexpr FindingKind kVlrsNotListed{"vlrs-not-listed", Warning, text::kLasVlrsNotListed};
 inline constexpr FindingKind kEvlrsNotListed{"evlrs-not-listed", Warning, text::kLasEvlrsNotListed};
+inline constexpr FindingKind kRecordsNotRead{"records-not-read", Warning, text::kLasRecordsNotRead};
 inline constexpr FindingKind kRecordTooLarge{"record-too-large", Warning, text::kLasRecordTooLarge};
 inline constexpr FindingKind kCompressionDamaged{"compression-damaged", Error,
                                                  StringId{}};  // the decompressor's words

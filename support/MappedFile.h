@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "support/ByteSource.h"
 #include "support/Files.h"
 
 namespace orvex {
@@ -44,7 +45,7 @@ class MappedView {
 
 /// An open file; only this object keeps it open. Move-only. Offsets are explicit, so there is no file
 /// pointer.
-class MappedFile {
+class MappedFile final : public ByteSource {
   public:
     MappedFile() = default;
     MappedFile(MappedFile&& other) noexcept { Swap(other); }
@@ -52,7 +53,7 @@ class MappedFile {
         Swap(other);
         return *this;
     }
-    ~MappedFile() { Close(); }
+    ~MappedFile() override { Close(); }
 
     /// Opens an existing file for reading, or for reading and writing; others may read and write it
     /// meanwhile.
@@ -64,10 +65,8 @@ class MappedFile {
     void Close();
     bool IsOpen() const { return handle_ != kNone; }
 
-    /// Size in bytes.
-    SystemError Size(std::uint64_t& size) const;
-    /// Reads up to `buffer.size()` bytes from an offset; `read` is less only at the end of the file.
-    SystemError ReadAt(std::uint64_t offset, std::span<std::byte> buffer, std::size_t& read) const;
+    SystemError Size(std::uint64_t& size) const override;
+    SystemError ReadAt(std::uint64_t offset, std::span<std::byte> buffer, std::size_t& read) const override;
     /// Maps a range that lies inside the file; `writable` needs a file opened for writing.
     SystemError Map(std::uint64_t offset, std::uint64_t length, bool writable, MappedView& view) const;
 

@@ -327,7 +327,7 @@ void SetHandlers(XML_Parser parser, Handling& handling) {
         FormatText(Text(text::kKmlDamaged), {static_cast<std::uint64_t>(XML_GetCurrentLineNumber(parser))}));
 }
 
-void ParseAll(XML_Parser parser, const ByteSource& source, Handling& handling) {
+void ParseAll(XML_Parser parser, const KmlBytes& source, Handling& handling) {
     std::uint64_t passed = 0;
     for (bool isLast = false; !isLast;) {
         void* const buffer = XML_GetBuffer(parser, kBufferSize);
@@ -346,7 +346,7 @@ void ParseAll(XML_Parser parser, const ByteSource& source, Handling& handling) {
 
 }  // namespace
 
-FeatureInfo ParseKml(const ByteSource& source, const std::string& fallbackName) {
+FeatureInfo ParseKml(const KmlBytes& source, const std::string& fallbackName) {
     const Parser parser(XML_ParserCreate(nullptr), &XML_ParserFree);
     if (!parser) {
         throw std::bad_alloc();

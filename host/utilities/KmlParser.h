@@ -9,11 +9,11 @@
 namespace orvex {
 
 /// Reads the next bytes of a file into the buffer; returns their number, 0 at the end. Throws LDataError.
-using ByteSource = std::function<std::size_t(std::span<char> buffer)>;
+using KmlBytes = std::function<std::size_t(std::span<char> buffer)>;
 
 /// Counts the features of a KML document while it is read: placemarks and ground overlays, by the document or
 /// folder that holds them. `fallbackName` (UTF-8) names the layer of those that a named one does not hold.
 /// Throws LDataError, also for a document that would take much memory or time and hold little.
-FeatureInfo ParseKml(const ByteSource& source, const std::string& fallbackName);
+FeatureInfo ParseKml(const KmlBytes& source, const std::string& fallbackName);
 
 }  // namespace orvex

@@ -116,7 +116,7 @@ bool IsEncrypted(const std::wstring& path, const Table& table, std::string_view 
     return false;
 }
 
-ByteSource SourceOf(VSILFILE* file, std::uint64_t most) {
+KmlBytes SourceOf(VSILFILE* file, std::uint64_t most) {
     return [file, most, unpacked = std::uint64_t{0}](std::span<char> buffer) mutable {
         const std::size_t read = VSIFReadL(buffer.data(), 1, buffer.size(), file);
         unpacked += read;

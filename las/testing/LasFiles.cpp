@@ -1,10 +1,13 @@
 #include "las/testing/LasFiles.h"
 
+#include <algorithm>
+
 #include "las/LasColumns.h"
 #include "las/LasPointViews.h"
 #include "las/LasRow.h"
 #include "las/LasText.h"
 #include "las/LasValidate.h"
+#include "support/ByteReader.h"
 #include "support/LDataError.h"
 
 namespace orvex::testing {
@@ -39,13 +42,34 @@ std::wstring FailureToOpen(const std::wstring& path, bool readOnly) {
     }
 }
 
+SystemError MemorySource::Size(std::uint64_t& size) const {
+    size = bytes_.size();
+    return 0;
+}
+
+SystemError MemorySource::ReadAt(std::uint64_t offset, std::span<std::byte> buffer, std::size_t& read) const {
+    const auto piece = ByteReader(std::as_bytes(std::span(bytes_))).Bytes(offset, buffer.size());
+    if (piece.size() > left_) {
+        read = left_ = 0;
+        return error_;
+    }
+    read = piece.size();
+    left_ -= read;
+    std::ranges::copy(piece, buffer.begin());
+    return 0;
+}
+
 std::wstring RowText(const std::wstring& path) {
-    const LasRow row = InspectLasFile(path);
+    return RowText(InspectLasFile(path));
+}
+
+std::wstring RowText(const LasRow& row, bool withDisk) {
     row.crs->Identify();
     std::wstring text = FindingsText(row) + L"\n";
     for (const Column<LasRow>& column : LasColumns()) {
         // An address is another one each time.
-        const bool isStable = column.name != std::string_view("details");
+        const std::string_view name = column.name;
+        const bool isStable = name != "details" && (withDisk || name != "modified");
         text += isStable ? CellText(column, row) + L"\n" : L"";
     }
     return text + row.crs->prettyWkt + L"\n";

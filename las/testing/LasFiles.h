@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "las/LASFile.h"
+#include "las/LasRow.h"
 #include "las/testing/LasBuilder.h"
 #include "support/testing/TemporaryFolder.h"
 
@@ -22,8 +22,26 @@ class LasFolder : public TemporaryFolder {
 /// Text of the failure to open a file; empty if it opens.
 std::wstring FailureToOpen(const std::wstring& path, bool readOnly = true);
 
-/// All that the page shows of a file: its findings, its cells and its CRS.
+/// A file in memory that gives up to `most` bytes in all, and then `error`.
+class MemorySource final : public ByteSource {
+  public:
+    explicit MemorySource(std::string bytes, std::uint64_t most = ~std::uint64_t{0},
+                          SystemError error = kNoMoreReads)
+        : bytes_(std::move(bytes)), left_(most), error_(error) {}
+
+    SystemError Size(std::uint64_t& size) const override;
+    SystemError ReadAt(std::uint64_t offset, std::span<std::byte> buffer, std::size_t& read) const override;
+
+  private:
+    std::string bytes_;
+    mutable std::uint64_t left_;
+    SystemError error_;
+};
+
+/// All that the page shows of a file: its findings, its cells and its CRS. Without `withDisk`, all but what
+/// is not known of a file elsewhere: the time of its last change.
 std::wstring RowText(const std::wstring& path);
+std::wstring RowText(const LasRow& row, bool withDisk = true);
 
 /// Opens a file with its points and reads all there is to it, in one text: records, findings, attributes, its
 /// row and its last point. Gives the text of the failure for a file that cannot be opened; other exceptions

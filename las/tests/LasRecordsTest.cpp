@@ -4,6 +4,7 @@
 
 #include "las/testing/LasBuilder.h"
 #include "support/LDataError.h"
+#include "support/MappedFile.h"
 #include "support/testing/TemporaryFolder.h"
 #include "support/testing/TestSystem.h"
 
