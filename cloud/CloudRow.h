@@ -23,10 +23,18 @@ inline constexpr const wchar_t* kOrvexLasUrlKind = L"[ OrvexLAS URL ]";
 inline constexpr const wchar_t* kPackageUrlKind = L"[ Package URL ]";
 inline constexpr const wchar_t* kPackageFileKind = L"[ Package File ]";
 
-/// Codes and severities of what is known of a row beside what its file says.
+/// What is known of a row beside what its file says. None of it keeps a row from the record but for a name or
+/// a URL that is missing.
 namespace cloud_finding {
-extern const FindingKind kExpired, kExpiresSoon, kDuplicateName, kNoName, kNoUrl, kNotRead, kUnusable;
-}
+using enum FindingSeverity;
+inline constexpr FindingKind kExpired{"link-expired", Warning, text::kCloudLinkExpired};
+inline constexpr FindingKind kExpiresSoon{"link-expires-soon", Warning, text::kCloudLinkExpiresSoon};
+inline constexpr FindingKind kDuplicateName{"duplicate-name", Warning, text::kCloudDuplicateName};
+inline constexpr FindingKind kNoName{"no-name", Warning, text::kCloudNoName};
+inline constexpr FindingKind kNoUrl{"no-url", Warning, text::kCloudNoUrl};
+inline constexpr FindingKind kNotRead{"remote-not-read", Warning, StringId{}};  // the reason
+inline constexpr FindingKind kUnusable{"remote-unusable", Error, StringId{}};   // the reason
+}  // namespace cloud_finding
 
 /// One layer in the cloud as the grid and the details pane show it.
 struct CloudRow {

@@ -51,6 +51,8 @@ QIcon ButtonIcon(ButtonImage image) {
             return Load("refresh");
         case ButtonImage::Stop:
             return Load("stop");
+        case ButtonImage::LookInside:
+            return Load("look-inside");
     }
     return {};
 }

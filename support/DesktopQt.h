@@ -28,6 +28,8 @@ std::optional<std::wstring> PickSaveFileQt(const SaveFileRequest& request);
 /// True while a Ctrl key is held down, even if no window of this program has been told yet. Needs a
 /// QGuiApplication.
 bool IsControlKeyHeld();
+/// The same of a Shift key.
+bool IsShiftKeyHeld();
 
 /// Keeps a modal dialog from being deleted with its parent, under the code that has it on the stack. When the
 /// host destroys the parent, the dialog is taken from it and hidden, which ends its exec as if it were

@@ -78,4 +78,8 @@ bool IsControlKeyHeld() {
     return QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ControlModifier);
 }
 
+bool IsShiftKeyHeld() {
+    return QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ShiftModifier);
+}
+
 }  // namespace orvex

@@ -229,4 +229,9 @@ bool IsControlKeyHeld() {
            QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ControlModifier);
 }
 
+bool IsShiftKeyHeld() {
+    return GetAsyncKeyState(VK_SHIFT) < 0 ||
+           QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ShiftModifier);
+}
+
 }  // namespace orvex

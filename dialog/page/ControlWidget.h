@@ -36,6 +36,9 @@ Widget* MakeControl(int id, const FixedText& caption, StringId tooltip = {}) {
 
 QPushButton* MakeButton(int id, StringId caption, StringId tooltip, ButtonImage image);
 
+/// The same with the mark of a button that opens a menu; its click opens it.
+QPushButton* MakeMenuButton(int id, StringId caption, StringId tooltip, ButtonImage image);
+
 /// A button that shows its image only; screen readers say its tooltip.
 QToolButton* MakeIconButton(int id, StringId tooltip, ButtonImage image);
 

@@ -117,19 +117,26 @@ void ListPage::MakeButtonRow() {
     auto* row = new QWidget;
     auto* buttons = new QHBoxLayout(row);
     buttons->setContentsMargins(0, 0, 0, 0);
-    auto* caption = MakeControl<QLabel>(description_.listCaptionId, description_.listCaption);
-    caption->setBuddy(grid_->Table());  // a label gives the focus to none that refuses it itself
-    buttons->addWidget(caption);
-    buttons->addStretch();
+    if (description_.listCaption.value != 0) {
+        auto* caption = MakeControl<QLabel>(description_.listCaptionId, description_.listCaption);
+        caption->setBuddy(grid_->Table());  // a label gives the focus to none that refuses it itself
+        buttons->addWidget(caption);
+        buttons->addStretch();
+    }
     for (const PageButton& button : buttons_) {
         const ListPageDescription::Button& texts = button.texts;
         if (texts.id == description_.detailColumns.id) {
             buttons->addWidget(MakeDetailColumnsButton());
+        } else if (texts.opensMenu) {
+            buttons->addWidget(MakeMenuButton(texts.id, texts.caption, texts.tooltip, button.image));
         } else if (texts.caption.value == 0) {
             buttons->addWidget(MakeIconButton(texts.id, texts.tooltip, button.image));
         } else {
             buttons->addWidget(MakeButton(texts.id, texts.caption, texts.tooltip, button.image));
         }
+    }
+    if (description_.listCaption.value == 0) {
+        buttons->addStretch();
     }
     static_cast<QVBoxLayout*>(layout())->addWidget(row);
 }
@@ -148,7 +155,9 @@ void ListPage::MakeForm() {
     RunGuarded(services_.prompts, L"ReadOptions", [this] {
         form_->Show(StoredOptions(services_.options, services_.hostObjects).Load(description_.options));
     });
-    detailColumns_->setChecked(form_->Values().detailColumns);
+    if (detailColumns_ != nullptr) {
+        detailColumns_->setChecked(form_->Values().detailColumns);
+    }
     connect(form_, &OptionForm::Changed, this,
             Guarded(services_.prompts, L"OnOptions",
                     [this](bool changesLayers) { changesLayers ? Update() : EnableItems(); }));
@@ -237,9 +246,11 @@ bool ListPage::HasRows() const {
 }
 
 void ListPage::OnDetailColumns() {
-    const bool shown = detailColumns_->isChecked();
-    detailColumns_->setText(shown ? QStringLiteral("<<") : QStringLiteral(">>"));
-    form_->SetDetailColumns(shown);
+    const bool shown = detailColumns_ == nullptr || detailColumns_->isChecked();
+    if (detailColumns_ != nullptr) {
+        detailColumns_->setText(shown ? QStringLiteral("<<") : QStringLiteral(">>"));
+        form_->SetDetailColumns(shown);
+    }
     grid_->ShowDetailColumns(shown);
     FitColumns();
 }

@@ -33,10 +33,11 @@ struct ListPageDescription {
         int id = 0;
         StringId caption = {};  ///< 0: the button shows its image only
         StringId tooltip = {};
+        bool opensMenu = false;  ///< says so; with a caption
     };
 
     int listCaptionId = 0;
-    StringId listCaption = {};  ///< above the grid
+    StringId listCaption = {};  ///< above the grid; 0: the buttons begin at the left
     int gridId = 0;
     StringId emptyText = {};  ///< in the empty grid
     Button remove = {0, text::kRemove, text::kRemoveTooltip};

@@ -164,11 +164,12 @@ void RowMenu::ExportList() {
         return;
     }
     const std::wstring folder = FolderOf(rows_->Traits(records.front()).path);
-    const auto path =
-        services_.pickers.PickSaveFile({.title = Text(text::kListExportTitle),
-                                        .path = NativePath(folder + L"/" + FromUtf8(kind_) + L".csv"),
-                                        .filter = {Text(text::kListExportFilter), L"*.csv"},
-                                        .suffix = L"csv"});
+    const bool isUrl = folder.find(L"://") != std::wstring::npos;
+    const std::wstring name = FromUtf8(kind_) + L".csv";
+    const auto path = services_.pickers.PickSaveFile({.title = Text(text::kListExportTitle),
+                                                      .path = isUrl ? name : NativePath(folder + L"/" + name),
+                                                      .filter = {Text(text::kListExportFilter), L"*.csv"},
+                                                      .suffix = L"csv"});
     if (!path) {
         return;
     }
