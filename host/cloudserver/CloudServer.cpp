@@ -6,7 +6,6 @@
 #include <chrono>
 #include <condition_variable>
 #include <deque>
-#include <fstream>
 #include <map>
 #include <mutex>
 #include <random>
@@ -14,7 +13,7 @@
 
 #include "host/cloudserver/AccountFolder.h"
 #include "host/cloudserver/HttpServer.h"
-#include "host/cloudserver/Ranges.h"
+#include "host/cloudserver/Reply.h"
 #include "host/cloudserver/S3Signature.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
@@ -26,48 +25,9 @@ namespace {
 
 constexpr std::size_t kMostRequests = 10'000;  // that are remembered
 constexpr std::size_t kMostPage = 1000;
+constexpr const char* kAccessKey = "orvex";
+constexpr const char* kRegion = "local";
 constexpr int kListedUrlSeconds = 3600;
-constexpr std::size_t kPiece = 64 << 10;  // of a file that is sent
-
-/// An answer before it is handed to the library.
-struct Reply {
-    int status = 200;
-    std::vector<std::pair<std::string, std::string>> headers;
-    std::string type = "application/json";
-    std::string body;
-    std::wstring file;  ///< sent instead of `body`, if any: `length` bytes from `offset` on
-    std::uint64_t offset = 0;
-    std::uint64_t length = 0;
-};
-
-/// The codes are plain words without anything to escape.
-Reply ErrorReply(int status, const std::string& code, const std::string& message) {
-    Reply reply;
-    reply.status = status;
-    reply.body = R"({"error":{"code":")" + code + R"(","message":")" + message + "\"}}";
-    return reply;
-}
-
-Reply ErrorReply(int status) {
-    struct Error {
-        int status;
-        const char* code;
-        const char* message;
-    };
-    static constexpr Error errors[] = {
-        {400, "bad_request", "The request is malformed."},
-        {401, "unauthorized", "A valid bearer token is required."},
-        {403, "forbidden", "Access is not permitted."},
-        {404, "not_found", "There is nothing of this name."},
-        {405, "method_not_allowed", "Only GET and HEAD are possible."},
-        {416, "range_not_satisfiable", "The range lies outside of the file."},
-        {429, "too_many_requests", "There are too many requests."},
-    };
-    const auto* const found = std::ranges::find(errors, status, &Error::status);
-    return found != std::end(errors) ? ErrorReply(status, found->code, found->message)
-           : status >= 500           ? ErrorReply(status, "server_failed", "The server failed.")
-                                     : ErrorReply(status, "failed", "The request failed.");
-}
 
 /// "host:port" of a request if it can stand in a URL, else empty.
 std::string HostOf(const httplib::Request& request) {
@@ -139,11 +99,11 @@ class CloudServer::Impl {
     explicit Impl(CloudServerSettings settings)
         : settings_(Checked(std::move(settings))),
           folder_(FromPath(settings_.folder)),
-          key_{"orvex", settings_.signingSecret.empty() ? RandomSecret() : settings_.signingSecret, ""},
+          key_{kAccessKey, settings_.signingSecret.empty() ? RandomSecret() : settings_.signingSecret, ""},
           server_(MakeWireFactory(settings_.certificate, settings_.key),
                   [this](const auto& request, auto& response) { Answer(request, response); }) {
         server_.set_error_handler([](const auto&, httplib::Response& response) {
-            if (response.body.empty()) {  // one that the library gave by itself
+            if (!response.has_header("Content-Type")) {  // one that the library gives by itself
                 response.set_content(ErrorReply(response.status).body, "application/json");
             }
         });
@@ -185,20 +145,11 @@ class CloudServer::Impl {
         return {requests_.begin(), requests_.end()};
     }
 
-    /// URL of a file below the folder at a host; empty if there can be none.
     std::string Sign(const std::string& host, const std::string& file, int seconds) const {
-        S3Request request;
-        request.scheme = Scheme();
-        request.host = host;
-        request.path = "/" + PercentDecoded(file);
-        request.region = kRegion;
-        const auto time = Now() - std::chrono::seconds(seconds > 0 ? 0 : 2 - seconds);
-        return PresignS3Url(request, key_, time, std::chrono::seconds(std::max(seconds, 1)));
+        return SignFileUrl(Scheme() + "://" + host, key_.secretKey, file, seconds);
     }
 
   private:
-    static constexpr const char* kRegion = "local";
-
     void Answer(const httplib::Request& request, httplib::Response& response) {
         const std::shared_ptr<const CloudFault> fault = Begin(request);
         Reply reply;
@@ -210,7 +161,7 @@ class CloudServer::Impl {
         if (!fault->retryAfter.empty()) {
             reply.headers.emplace_back("Retry-After", fault->retryAfter);
         }
-        Send(std::move(reply), fault->cutAfter, response);
+        SendReply(std::move(reply), fault->cutAfter, bytesSent_, response);
     }
 
     /// Records a request and waits as its fault says; never null.
@@ -268,7 +219,7 @@ class CloudServer::Impl {
         if (!path.starts_with("/") || HostOf(request).empty()) {
             return ErrorReply(400);
         }
-        return path.starts_with("/files/") ? FileReply(request, path, ignoresRanges)
+        return path.starts_with("/files/") ? SignedFileReply(request, path, ignoresRanges)
                                            : ListingReply(request, path);
     }
 
@@ -301,7 +252,7 @@ class CloudServer::Impl {
         return listing ? reply : ErrorReply(404);
     }
 
-    Reply FileReply(const httplib::Request& request, const std::string& path, bool ignoresRanges) {
+    Reply SignedFileReply(const httplib::Request& request, const std::string& path, bool ignoresRanges) {
         switch (VerifyS3Request(request.method, HostOf(request), request.target, key_, Now())) {
             case S3Verdict::Valid:
                 break;
@@ -318,76 +269,12 @@ class CloudServer::Impl {
         const std::string tag = "\"" + std::to_string(*size) + "-" + std::to_string(ModifiedMs(file)) + "\"";
         const std::string condition = request.get_header_value("If-Range");
         const bool isWhole = ignoresRanges || (!condition.empty() && condition != tag);
-        Reply reply = PartOf(*size, isWhole ? "" : request.get_header_value("Range"));
+        Reply reply = FileReply(file, *size, isWhole ? "" : request.get_header_value("Range"));
         reply.headers.emplace_back("ETag", tag);
         if (!ignoresRanges) {
             reply.headers.emplace_back("Accept-Ranges", "bytes");
         }
-        reply.file = reply.status == 416 ? L"" : file;
         return reply;
-    }
-
-    /// Status, headers and part of a file of `size` bytes for a header "Range", empty for none.
-    static Reply PartOf(std::uint64_t size, const std::string& header) {
-        const RangeAnswer answer = AnswerRange(header, size);
-        Reply reply = answer.kind == RangeAnswer::Kind::Outside ? ErrorReply(416) : Reply();
-        if (answer.kind == RangeAnswer::Kind::Outside) {
-            reply.headers.emplace_back("Content-Range", "bytes */" + std::to_string(size));
-            return reply;
-        }
-        reply.type = "application/octet-stream";
-        reply.offset = answer.offset;
-        reply.length = answer.length;
-        if (answer.kind == RangeAnswer::Kind::Part) {
-            reply.status = 206;
-            reply.headers.emplace_back("Content-Range",
-                                       "bytes " + std::to_string(answer.offset) + "-" +
-                                           std::to_string(answer.offset + answer.length - 1) + "/" +
-                                           std::to_string(size));
-        }
-        return reply;
-    }
-
-    /// Hands an answer to the library, which asks for the body piece by piece.
-    void Send(Reply reply, std::int64_t cutAfter, httplib::Response& response) const {
-        response.status = reply.status;
-        for (const auto& [name, value] : reply.headers) {
-            response.set_header(name, value);
-        }
-        const std::uint64_t length = reply.file.empty() ? reply.body.size() : reply.length;
-        if (length == 0) {
-            response.set_header("Content-Type", reply.type);
-            return;
-        }
-        struct Source {
-            Reply reply;
-            std::ifstream file;
-            std::vector<char> piece;
-        };
-        const auto source = std::make_shared<Source>();
-        const std::string type = reply.type;
-        if (!reply.file.empty()) {
-            source->file.open(ToPath(reply.file), std::ios::binary);
-            source->piece.resize(kPiece);
-        }
-        source->reply = std::move(reply);
-        const std::uint64_t cut = cutAfter < 0 ? length : static_cast<std::uint64_t>(cutAfter);
-        response.set_content_provider(
-            static_cast<std::size_t>(length), type,
-            [source, cut, sent = bytesSent_](std::size_t at, std::size_t left, httplib::DataSink& sink) {
-                const std::size_t count = static_cast<std::size_t>(
-                    std::min<std::uint64_t>({left, kPiece, cut > at ? cut - at : 0}));
-                const char* data = source->reply.body.data() + at;
-                if (!source->reply.file.empty()) {
-                    source->file.seekg(static_cast<std::streamoff>(source->reply.offset + at));
-                    source->file.read(source->piece.data(), static_cast<std::streamsize>(count));
-                    data = source->piece.data();
-                }
-                // False closes the connection: the client sees that something is missing.
-                const bool isWritten = count > 0 && source->file && sink.write(data, count);
-                *sent += isWritten ? count : 0;
-                return isWritten;
-            });
     }
 
     const CloudServerSettings settings_;
@@ -406,6 +293,19 @@ class CloudServer::Impl {
 
     HttpServer server_;  // last: its threads use the rest
 };
+
+std::string SignFileUrl(const std::string& address, const std::string& signingSecret, const std::string& file,
+                        int seconds) {
+    const std::size_t slashes = address.find("//");
+    S3Request request;
+    request.scheme = address.substr(0, slashes - 1);
+    request.host = address.substr(slashes + 2);
+    request.path = "/" + PercentDecoded(file);
+    request.region = kRegion;
+    const auto time = Now() - std::chrono::seconds(seconds > 0 ? 0 : 2 - seconds);
+    return PresignS3Url(request, {kAccessKey, signingSecret, ""}, time,
+                        std::chrono::seconds(std::max(seconds, 1)));
+}
 
 CloudServer::CloudServer(CloudServerSettings settings) : impl_(std::make_unique<Impl>(std::move(settings))) {}
 

@@ -66,4 +66,9 @@ class CloudServer {
     std::unique_ptr<Impl> impl_;
 };
 
+/// Signed URL of a file for the server at `address` ("http://host:port") with this secret; see SignedUrl.
+/// `file` is its path below the folder, "files/a.las", percent-encoded or not.
+std::string SignFileUrl(const std::string& address, const std::string& signingSecret, const std::string& file,
+                        int seconds);
+
 }  // namespace orvex
