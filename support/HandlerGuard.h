@@ -3,13 +3,15 @@
 #include <type_traits>
 #include <utility>
 
+#include "support/Text.h"
+
 namespace orvex {
 
 class UserPrompts;
 
-/// Logs the exception being handled and shows it as "An exception occurred in NAME():" with its cause. To be
-/// called in a catch block; never throws.
-void ShowHandlerException(UserPrompts& prompts, std::wstring_view name) noexcept;
+/// Logs the exception being handled and shows it as "An exception occurred in NAME():" with its cause.
+/// `caption` of the message: 0 for the program's name. To be called in a catch block; never throws.
+void ShowHandlerException(UserPrompts& prompts, std::wstring_view name, StringId caption = {}) noexcept;
 
 /// Runs a handler and catches its exceptions: they are reported to the user, the dialog stays open. True if
 /// none was thrown.

@@ -144,6 +144,13 @@ void FilterLine::ShowCounts(const PropertyCounts& rows, std::size_t all) {
     }
 }
 
+void FilterLine::ShowWordsOnly(StringId placeholder, StringId tooltip) {
+    show_->hide();
+    words_->setPlaceholderText(ToQString(Text(placeholder)));
+    words_->setToolTip(ToQString(Text(tooltip)));
+    words_->setWhatsThis(words_->toolTip());
+}
+
 void FilterLine::SetCrowded(bool crowded) {
     crowded_ = crowded;
     Arrange();

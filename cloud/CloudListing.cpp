@@ -1,0 +1,173 @@
+#include "cloud/CloudListing.h"
+
+#include <algorithm>
+#include <boost/property_tree/json_parser.hpp>
+#include <boost/property_tree/ptree.hpp>
+#include <charconv>
+#include <iterator>
+#include <sstream>
+
+#include "support/Format.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+using Tree = boost::property_tree::ptree;
+
+constexpr std::size_t kMostMegabytes = 8;
+constexpr std::size_t kMostBytes = kMostMegabytes << 20U;
+constexpr std::size_t kMostValues = 250'000;  // of some 300 bytes each while the tree stands
+constexpr std::size_t kMostDepth = 32;
+constexpr std::size_t kMostCharacters = 32'768;
+
+/// What the tree's reader, which is recursive and takes whatever comes, must not be given: looked for without
+/// a stack.
+class JsonGuard {
+  public:
+    /// Replaces nulls by empty texts of the same length, since the tree cannot tell null from "null".
+    void Check(std::string& json) {
+        for (std::size_t i = 0; i < json.size(); ++i) {
+            const char c = json[i];
+            if (inString_) {
+                PassString(c);
+            } else if (c == 'n' && last_ == ':' && json.compare(i, 4, "null") == 0) {
+                json.replace(i, 4, "\"\"  ");
+                inString_ = true;
+            } else {
+                Pass(c);
+            }
+        }
+    }
+
+  private:
+    void PassString(char c) {
+        inString_ = isEscaped_ || c != '"';
+        isEscaped_ = !isEscaped_ && c == '\\';
+    }
+
+    void Pass(char c) {
+        const bool opens = c == '{' || c == '[';
+        inString_ = c == '"';
+        depth_ += opens ? 1 : 0;
+        depth_ -= depth_ > 0 && (c == '}' || c == ']') ? 1 : 0;
+        values_ += opens || c == ',' ? 1 : 0;
+        last_ = c == ' ' || c == '\t' || c == '\n' || c == '\r' ? last_ : c;
+        if (depth_ > kMostDepth) {
+            throw LDataError(FormatText(Text(text::kCloudListingTooDeep), {kMostDepth}));
+        }
+        if (values_ > kMostValues) {
+            throw LDataError(FormatText(Text(text::kCloudListingTooMany), {kMostValues}));
+        }
+    }
+
+    bool inString_ = false;
+    bool isEscaped_ = false;
+    char last_ = 0;  ///< that is no white space
+    std::size_t depth_ = 0;
+    std::size_t values_ = 0;
+};
+
+Tree ReadTree(const std::string& json) {
+    if (json.size() > kMostBytes) {
+        throw LDataError(FormatText(Text(text::kCloudListingTooLarge), {kMostMegabytes}));
+    }
+    std::string text = ValidUtf8(json);  // one name in another encoding does not hide a whole page
+    JsonGuard().Check(text);
+    std::istringstream stream(std::move(text));
+    Tree tree;
+    boost::property_tree::read_json(stream, tree);
+    return tree;
+}
+
+/// The text or number of a key; empty if lacking.
+std::string ValueOf(const Tree& object, const char* key) {
+    const auto found = object.find(key);
+    const bool isValue = found != object.not_found() && found->second.empty();
+    return isValue ? found->second.data() : std::string();
+}
+
+/// Control characters, and marks and overrides of the direction of writing, with which one name can be made
+/// to look like another.
+bool IsControl(wchar_t c) {
+    const auto isIn = [c](unsigned first, unsigned last) {
+        return static_cast<unsigned>(c) >= first && static_cast<unsigned>(c) <= last;
+    };
+    return isIn(0, 0x1F) || isIn(0x7F, 0x9F) || c == 0x061C || c == 0x200B || isIn(0x200E, 0x200F) ||
+           isIn(0x2028, 0x202E) || isIn(0x2066, 0x2069) || c == 0xFEFF;
+}
+
+std::wstring ShownValue(const Tree& layer, const char* key) {
+    const std::wstring shown = ShownCloudText(ValueOf(layer, key));
+    return shown.find_first_not_of(L' ') == std::wstring::npos ? Text(text::kUnknown) : shown;
+}
+
+/// What nobody could request is no URL.
+std::wstring UrlValue(const Tree& layer) {
+    std::wstring url = FromUtf8(ValueOf(layer, "url"));
+    return url.size() > kMostCharacters || std::ranges::any_of(url, IsControl) ? std::wstring() : url;
+}
+
+std::optional<std::uint64_t> BytesValue(const Tree& layer) {
+    const std::string text = ValueOf(layer, "bytes");
+    std::uint64_t bytes = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, bytes);
+    return error == std::errc() && stop == end ? std::optional(bytes) : std::nullopt;
+}
+
+CloudLayer LayerOf(const Tree& layer) {
+    const std::optional<std::uint64_t> bytes = BytesValue(layer);
+    return {.name = ShownValue(layer, "name"),
+            .type = ShownValue(layer, "type"),
+            .wkt = ShownValue(layer, "wkt"),
+            .size = bytes ? FormatText(kGibibytesFormat, {Gibibytes(*bytes)}) : Text(text::kUnknown),
+            .points = ShownValue(layer, "points"),
+            .crs = ShownValue(layer, "crs"),
+            .modified = ShownValue(layer, "modified"),
+            .url = UrlValue(layer),
+            .id = FromUtf8(ValueOf(layer, "id")),
+            .project = FromUtf8(ValueOf(layer, "project")),
+            .bytes = bytes};
+}
+
+}  // namespace
+
+CloudListingPage ParseProjectFiles(const std::string& json) {
+    const Tree tree = ReadTree(json);
+    const auto layers = tree.find("layers");
+    if (layers == tree.not_found() || !layers->second.data().empty()) {
+        throw LDataError(Text(text::kCloudListingNoLayers));
+    }
+    CloudListingPage page;
+    page.next = ValueOf(tree, "next");
+    page.layers.reserve(layers->second.size());
+    for (const auto& [key, layer] : layers->second) {
+        if (layer.data().empty()) {
+            page.layers.push_back(LayerOf(layer));
+        }
+    }
+    return page;
+}
+
+bool IsCycleArchive(std::string_view name) {
+    return name.find("Cycle - Archive") != std::string_view::npos;
+}
+
+std::wstring ShownCloudText(std::string_view utf8) {
+    std::wstring shown = FromUtf8(utf8);
+    if (shown.size() > kMostCharacters) {
+        shown.resize(WholeLength(shown, kMostCharacters));
+        shown += L"...";
+    }
+    std::ranges::replace_if(shown, IsControl, L' ');
+    return shown;
+}
+
+double Gibibytes(std::uint64_t bytes) {
+    constexpr double kGibibyte = 1024.0 * 1024.0 * 1024.0;
+    return static_cast<double>(bytes) / kGibibyte;
+}
+
+}  // namespace orvex

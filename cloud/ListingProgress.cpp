@@ -1,0 +1,39 @@
+#include "cloud/ListingProgress.h"
+
+#include "support/LDataError.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+constexpr std::size_t kMostEntries = 1'000'000;
+constexpr std::size_t kMostBytes = std::size_t{512} << 20U;
+constexpr int kMostEmptyPages = 100;
+
+}  // namespace
+
+void ListingProgress::Advance(const std::string& next, std::size_t bytes) {
+    bytes_ += bytes;
+    emptyPages_ = entries_ == entriesBefore_ ? emptyPages_ + 1 : 0;
+    entriesBefore_ = entries_;
+    next_ = next;
+    isComplete_ = next.empty();
+    if (!isComplete_ && !pages_.insert(next).second) {
+        next_.clear();
+        pages_.clear();
+        throw LDataError(Text(text::kCloudListingRepeats));
+    }
+    const bool isTooLong = entries_ >= kMostEntries || bytes_ > kMostBytes || emptyPages_ >= kMostEmptyPages;
+    if (!isComplete_ && isTooLong) {
+        isComplete_ = true;
+        throw LDataError(Text(text::kCloudListingTooLong));
+    }
+}
+
+bool ListingProgress::IsNew(const std::string& id) {
+    const bool isNew = id.empty() || ids_.insert(id).second;
+    entries_ += isNew ? 1 : 0;
+    return isNew;
+}
+
+}  // namespace orvex

@@ -1,0 +1,411 @@
+#include "cloud/page/BrowseCloudLayersDlg.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QShortcut>
+#include <QSplitter>
+#include <QTableView>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
+
+#include "cloud/page/CloudListPane.h"
+#include "dialog/Images.h"
+#include "dialog/WindowPlacement.h"
+#include "dialog/grid/GridView.h"
+#include "dialog/page/FilterLine.h"
+#include "dialog/page/Mnemonics.h"
+#include "support/Format.h"
+#include "support/HandlerGuard.h"
+#include "support/HelpViewer.h"
+#include "support/HostObjects.h"
+#include "support/LDataError.h"
+#include "support/QtText.h"
+
+namespace orvex {
+namespace {
+
+constexpr QSize kMinimumSize{640, 320};
+constexpr QSize kDefaultSize{1100, 640};
+constexpr int kProjectsWidth = 260;
+constexpr int kPauseMs = 120;
+constexpr const wchar_t* kPlacementName = L"BrowseCloudLayersDlg";
+
+constexpr CloudListTexts kProjectTexts{.name = "projects",
+                                       .label = text::kCloudBrowserProjects,
+                                       .filter = text::kCloudProjectFilter,
+                                       .one = text::kCloudOneProject,
+                                       .several = text::kCloudProjectCount,
+                                       .shownOf = text::kCloudProjectsShownOf,
+                                       .reading = text::kCloudReadingProjects};
+constexpr CloudListTexts kLayerTexts{.name = "layers",
+                                     .label = text::kCloudBrowserLayers,
+                                     .filter = text::kCloudLayerFilter,
+                                     .one = text::kCloudOneLayer,
+                                     .several = text::kCloudLayerCount,
+                                     .shownOf = text::kCloudLayersShownOf,
+                                     .reading = text::kCloudReadingLayers};
+
+/// Overwrites the token when the last request that needs the account has ended.
+struct WipeToken {
+    void operator()(CloudAccount* account) const {
+        volatile wchar_t* token = account->token.data();
+        std::fill(token, token + account->token.size(), L'\0');
+        delete account;
+    }
+};
+
+void RequireHost(std::int32_t result) {
+    if (result < 0) {
+        throw LDataError(FormatText(Text(text::kCloudAccountFailed), {static_cast<std::uint32_t>(result)}));
+    }
+}
+
+void RequireOk(const CloudOutcome& outcome) {
+    if (outcome.status != CloudStatus::Ok) {
+        throw LDataError(outcome.message.empty() ? Text(text::kCloudNotRead) : outcome.message);
+    }
+}
+
+QPushButton* MakeButton(StringId text, const char* name) {
+    auto* button = new QPushButton(ToQString(Text(text)));
+    button->setObjectName(QLatin1String(name));
+    return button;
+}
+
+}  // namespace
+
+template <typename Step>
+bool BrowseCloudLayersDlg::RunStep(const wchar_t* name, Step&& step) {
+    try {
+        step();
+        return true;
+    } catch (...) {
+        ShowHandlerException(services_.prompts, name, text::kCloudErrorCaption);
+        return false;
+    }
+}
+
+BrowseCloudLayersDlg::BrowseCloudLayersDlg(OrvexApplication* application, DialogServices& services,
+                                           QWidget* parent, CloudLibrary library)
+    : QDialog(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                          Qt::WindowMaximizeButtonHint | Qt::WindowCloseButtonHint),
+      application_(application),
+      services_(services),
+      library_(std::move(library)),
+      projectRows_(std::make_unique<ListModel<CloudProjectRow>>(CloudProjectColumns())),
+      layerRows_(std::make_unique<ListModel<CloudLayerRow>>(CloudLayerColumns())),
+      texts_(std::make_unique<SharedTexts>()),
+      projects_{L"PopulateFolders", text::kCloudNoProjects, &BrowseCloudLayersDlg::ReadProjects},
+      layers_{L"PopulateLayers", text::kCloudNoLayers, &BrowseCloudLayersDlg::ReadLayers} {
+    setObjectName(QStringLiteral("BrowseCloudLayersDlg"));
+    RunStep(L"InitializeColumns", [this] { InitializeColumns(); });
+    BuildWindow();
+    Connect(projects_);
+    Connect(layers_);
+    ConnectGrids();
+    Place();
+    EnableItems();
+}
+
+BrowseCloudLayersDlg::~BrowseCloudLayersDlg() {
+    // Before the rows that they show.
+    delete splitter_;
+}
+
+void BrowseCloudLayersDlg::InitializeColumns() {
+    const std::vector<QIcon> images = MakeImageList();
+    projects_.pane = new CloudListPane(kProjectTexts, *projectRows_, services_.prompts, images);
+    layers_.pane = new CloudListPane(kLayerTexts, *layerRows_, services_.prompts, images);
+    projects_.pane->Grid().Table()->setSelectionMode(QAbstractItemView::SingleSelection);
+    splitter_ = new QSplitter(Qt::Horizontal);
+    splitter_->addWidget(projects_.pane);
+    splitter_->addWidget(layers_.pane);
+    splitter_->setChildrenCollapsible(false);
+    splitter_->setStretchFactor(0, 0);
+    splitter_->setStretchFactor(1, 1);
+    splitter_->setSizes({kProjectsWidth, kDefaultSize.width() - kProjectsWidth});
+}
+
+void BrowseCloudLayersDlg::BuildWindow() {
+    setWindowTitle(ToQString(Text(text::kCloudBrowserTitle)));
+    setWindowIcon(ApplicationIcon());
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(splitter_, 1);
+    layout->addWidget(BuildButtons());
+    for (List* list : {&projects_, &layers_}) {
+        list->request = new CloudRequest(this);
+    }
+    layersLater_.setSingleShot(true);
+    layersLater_.setInterval(kPauseMs);
+    AssignMnemonics(*this);
+}
+
+QWidget* BrowseCloudLayersDlg::BuildButtons() {
+    auto* row = new QWidget;
+    auto* buttons = new QHBoxLayout(row);
+    buttons->setContentsMargins(0, 0, 0, 0);
+    ok_ = MakeButton(text::kCloudOk, "ok");
+    ok_->setDefault(true);
+    auto* cancel = MakeButton(text::kCloudCancel, "cancel");
+    auto* help = MakeButton(text::kCloudHelp, "help");
+    buttons->addStretch(1);
+    for (QPushButton* button : {ok_, cancel, help}) {
+        buttons->addWidget(button);
+    }
+    connect(ok_, &QPushButton::clicked, this, &BrowseCloudLayersDlg::accept);
+    connect(cancel, &QPushButton::clicked, this, &BrowseCloudLayersDlg::reject);
+    connect(help, &QPushButton::clicked, this, &BrowseCloudLayersDlg::OnBnClickedHelp);
+    auto* f1 = new QShortcut(QKeySequence(Qt::Key_F1), this);
+    connect(f1, &QShortcut::activated, this, &BrowseCloudLayersDlg::OnBnClickedHelp);
+    return row;
+}
+
+void BrowseCloudLayersDlg::Connect(List& list) {
+    UserPrompts& prompts = services_.prompts;
+    connect(list.request, &CloudRequest::Answered, this,
+            [this, &list](const CloudRequest::Answer& answer) { OnAnswer(list, answer); });
+    connect(list.request, &CloudRequest::Waiting, this,
+            Guarded(prompts, L"OnWaiting", [&list](const QString& text) {
+                list.pane->ShowState(CloudListState::Reading, ToWide(text));
+            }));
+    connect(list.pane, &CloudListPane::StopRequested, this, Guarded(prompts, L"OnStop", [&list] {
+                list.request->Cancel();
+                list.pane->ShowState(CloudListState::Stopped);
+            }));
+    connect(list.pane, &CloudListPane::ContinueRequested, this,
+            [this, &list] { RunStep(list.step, [&] { ContinueReading(list); }); });
+}
+
+void BrowseCloudLayersDlg::ConnectGrids() {
+    UserPrompts& prompts = services_.prompts;
+    GridView& projects = projects_.pane->Grid();
+    GridView& layers = layers_.pane->Grid();
+    connect(&projects, &GridView::CurrentRowChanged, this,
+            Guarded(prompts, L"OnProject", [this](int row) { OnProject(row); }));
+    connect(&projects, &GridView::ActivateRequested, &layers, qOverload<>(&QWidget::setFocus));
+    connect(&layersLater_, &QTimer::timeout, this, [this] { PopulateLayers(); });
+    connect(&layers, &GridView::ActivateRequested, this, &BrowseCloudLayersDlg::accept);
+    connect(&layers, &GridView::SelectionChanged, this, [this] { EnableItems(); });
+    auto* find = new QShortcut(QKeySequence::Find, this);
+    connect(find, &QShortcut::activated, this, Guarded(prompts, L"OnFind", [this] {
+                const bool inProjects = projects_.pane->isAncestorOf(focusWidget());
+                (inProjects ? projects_ : layers_).pane->Filter().Edit();
+            }));
+}
+
+void BrowseCloudLayersDlg::Place() {
+    setMinimumSize(kMinimumSize);
+    resize(kDefaultSize);
+    FitOntoScreen(*this);
+    projects_.pane->Grid().setFocus();
+    // Ctrl held while the dialog opens brings back its first size and place.
+    if (!IsControlKeyHeld()) {
+        RestoreWindowPlacement(*this, services_.options, kPlacementName);
+    }
+}
+
+// The window is there when the first message comes.
+void BrowseCloudLayersDlg::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (!std::exchange(hasBegun_, true)) {
+        QMetaObject::invokeMethod(this, &BrowseCloudLayersDlg::PopulateFolders, Qt::QueuedConnection);
+    }
+}
+
+/// Null when nobody is signed in.
+BrowseCloudLayersDlg::SharedAccount BrowseCloudLayersDlg::AskAccount() const {
+    std::int32_t result = kHostOk;
+    std::unique_ptr<OrvexApplication> made;
+    if (application_ == nullptr) {
+        made = services_.hostObjects.CreateApplication(result);
+        RequireHost(made ? kHostOk : std::min(result, kHostFail));
+    }
+    OrvexApplication& application = application_ == nullptr ? *made : *application_;
+    const std::unique_ptr<OrvexUserAccount> user = application.GetUserAccount(result);
+    if (!user) {
+        RequireHost(result == kHostNotImplemented ? kHostOk : result);
+        return nullptr;
+    }
+    const std::shared_ptr<CloudAccount> account(new CloudAccount, WipeToken());
+    RequireHost(user->GetUserName(account->userName));
+    RequireHost(user->GetService(account->service));
+    RequireHost(user->GetToken(account->token));
+    return account;
+}
+
+void BrowseCloudLayersDlg::PopulateFolders() {
+    RunStep(projects_.step, [this] {
+        layersLater_.stop();
+        for (List* list : {&projects_, &layers_}) {
+            list->request->Cancel();
+            list->progress = {};
+            list->pane->ShowState(CloudListState::Idle);
+        }
+        project_.reset();
+        projectRows_->Clear();
+        layerRows_->Clear();
+        ContinueReading(projects_);
+    });
+}
+
+void BrowseCloudLayersDlg::ContinueReading(List& list) {
+    try {
+        account_ = AskAccount();  // the user may have signed in meanwhile, or the token may be a new one
+        if (account_) {
+            (this->*list.read)();
+        } else {
+            projects_.pane->ShowState(CloudListState::Idle, Text(text::kCloudNotSignedIn));
+        }
+    } catch (...) {
+        list.pane->ShowState(CloudListState::Failed, CurrentExceptionText());
+        throw;
+    }
+}
+
+void BrowseCloudLayersDlg::ReadProjects() {
+    projects_.request->Start([this, list = library_.listProjects, account = account_,
+                              next = projects_.progress.Next()](const CloudCall& call) {
+        ArchivingProjectList page{.projects = {}, .next = next, .outcome = {}};
+        list(*account, page, {}, call);
+        RequireOk(page.outcome);
+        return CloudRequest::Answer([this, page = std::move(page)] { TakeProjects(page); });
+    });
+    projects_.pane->ShowState(CloudListState::Reading);
+}
+
+void BrowseCloudLayersDlg::TakeProjects(const ArchivingProjectList& page) {
+    std::vector<CloudProjectRow> rows;
+    std::size_t bytes = 0;
+    for (const ArchivingProject& project : page.projects) {
+        bytes += project.name.size() + project.id.size();
+        if (!IsCycleArchive(project.name) && projects_.progress.IsNew(project.id)) {
+            rows.push_back({ShownCloudText(project.name), project.id});
+        }
+    }
+    projectRows_->Append(std::move(rows));
+    GridView& grid = projects_.pane->Grid();
+    if (!project_ && projectRows_->rowCount() > 0) {
+        grid.Table()->selectRow(0);
+    }
+    projects_.progress.Advance(page.next, bytes);
+}
+
+// A filter that hides the project leaves its layers in the window.
+void BrowseCloudLayersDlg::OnProject(int row) {
+    const CloudProjectRow* project =
+        row < 0 ? nullptr : &projectRows_->Rows()[projectRows_->RecordOfRow(row)];
+    if (project == nullptr || project_ == project->id) {
+        return;
+    }
+    layers_.request->Cancel();
+    layers_.progress = {};
+    layerRows_->Clear();
+    texts_ = std::make_unique<SharedTexts>();
+    project_ = project->id;
+    layers_.pane->SetOwner(project->name);
+    layers_.pane->ShowState(CloudListState::Reading);
+    layersLater_.start();
+}
+
+void BrowseCloudLayersDlg::PopulateLayers() {
+    RunStep(layers_.step, [this] { ContinueReading(layers_); });
+}
+
+void BrowseCloudLayersDlg::ReadLayers() {
+    layers_.request->Start([this, get = library_.getFiles, account = account_, project = *project_,
+                            next = layers_.progress.Next()](const CloudCall& call) {
+        std::string json;
+        RequireOk(get(*account, project, next, json, call));
+        return CloudRequest::Answer(
+            [this, page = ParseProjectFiles(json), bytes = json.size()] { TakeLayers(page, bytes); });
+    });
+    layers_.pane->ShowState(CloudListState::Reading);
+}
+
+void BrowseCloudLayersDlg::TakeLayers(const CloudListingPage& page, std::size_t bytes) {
+    std::vector<CloudLayerRow> rows;
+    for (const CloudLayer& layer : page.layers) {
+        if (layers_.progress.IsNew(ToUtf8(layer.id))) {
+            rows.emplace_back(layer, *texts_);
+        }
+    }
+    layerRows_->Append(std::move(rows));
+    layers_.progress.Advance(page.next, bytes);
+}
+
+// A failure is told once: nothing more is read until the user wants to.
+void BrowseCloudLayersDlg::OnAnswer(List& list, const CloudRequest::Answer& answer) {
+    RunStep(list.step, [&] {
+        try {
+            answer();
+            if (!list.progress.IsComplete()) {
+                (this->*list.read)();
+                return;
+            }
+        } catch (...) {
+            list.pane->ShowState(CloudListState::Failed, CurrentExceptionText());
+            throw;
+        }
+        list.pane->ShowState(CloudListState::Idle, Text(list.empty));
+    });
+}
+
+/// Of layers that can be added.
+std::vector<std::size_t> BrowseCloudLayersDlg::SelectedRecords() const {
+    std::vector<std::size_t> records;
+    for (const int row : layers_.pane->Grid().SelectedRows()) {
+        const std::size_t record = layerRows_->RecordOfRow(row);
+        if (layerRows_->Rows()[record].CanBeAdded()) {
+            records.push_back(record);
+        }
+    }
+    return records;
+}
+
+void BrowseCloudLayersDlg::EnableItems() {
+    RunStep(L"EnableItems", [this] {
+        const std::size_t selected = SelectedRecords().size();
+        ok_->setEnabled(selected > 0);
+        layers_.pane->SetSelected(selected);
+    });
+}
+
+void BrowseCloudLayersDlg::accept() {
+    if (!SelectedRecords().empty() && RunStep(L"OnBnClickedOk", [this] { OnBnClickedOk(); })) {
+        QDialog::accept();
+    }
+}
+
+void BrowseCloudLayersDlg::OnBnClickedOk() {
+    std::vector<CloudLayer> selected;
+    for (const std::size_t record : SelectedRecords()) {
+        selected.push_back(layerRows_->Rows()[record].Layer());
+    }
+    SaveWindowPlacement(*this, services_.options, kPlacementName);
+    selected_ = std::move(selected);
+}
+
+void BrowseCloudLayersDlg::reject() {
+    RunStep(L"OnBnClickedCancel", [this] { SaveWindowPlacement(*this, services_.options, kPlacementName); });
+    QDialog::reject();
+}
+
+/// Every way of closing ends here.
+void BrowseCloudLayersDlg::done(int result) {
+    layersLater_.stop();
+    projects_.request->Cancel();
+    layers_.request->Cancel();
+    account_.reset();
+    QDialog::done(result);
+}
+
+void BrowseCloudLayersDlg::OnBnClickedHelp() {
+    RunStep(L"OnBnClickedHelp", [this] {
+        if (!services_.help.Show(HelpTopic::CloudLas)) {
+            throw LDataError(FormatText(Text(text::kHelpOpenFailed), {services_.help.ManualPath()}));
+        }
+    });
+}
+
+}  // namespace orvex

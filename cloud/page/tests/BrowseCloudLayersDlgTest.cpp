@@ -1,0 +1,5 @@
+#include "cloud/page/BrowseCloudLayersDlg.h"
+
+#include <gtest/gtest.h>
+
+TEST(BrowseCloudLayersDlg, Nothing) {}
