@@ -1,38 +1,45 @@
 #include "orvexcommon/CloudAccount.h"
 
+#include "host/cloudaccount/Accounts.h"
+#include "host/cloudaccount/CloudTexts.h"
+
 namespace orvex {
 namespace {
 
-CloudOutcome NotYet() {
-    return {CloudStatus::Unreachable, L"The cloud account cannot be read yet."};
+bool IsServer(const CloudAccount& account) {
+    const std::wstring service = ToUpper(account.service);
+    return service.starts_with(L"HTTPS://") || service.starts_with(L"HTTP://");
 }
-
-class NoReader final : public RangeReader {
-  public:
-    CloudOutcome Read(std::uint64_t, std::span<std::byte>, std::size_t& read, const CloudCall&) override {
-        read = 0;
-        return NotYet();
-    }
-    std::optional<std::uint64_t> FileSize() const override { return std::nullopt; }
-    std::uint64_t Transferred() const override { return 0; }
-};
 
 }  // namespace
 
-void listArchivingProjects(const CloudAccount&, ArchivingProjectList& list, const std::wstring&,
-                           const CloudCall&) {
+void listArchivingProjects(const CloudAccount& account, ArchivingProjectList& list,
+                           const std::wstring& filter, const CloudCall& call) {
     list.projects.clear();
-    list.outcome = NotYet();
+    list.outcome = {};
+    try {
+        ArchivingProjectList page{.projects = {}, .next = list.next, .outcome = {}};
+        if (IsServer(account)) {
+            cloud::ListServerProjects(account, filter, page, call);
+        } else {
+            cloud::ListFolderProjects(account.service, filter, page, call);
+        }
+        list = std::move(page);
+    } catch (...) {
+        list.outcome = cloud::CurrentOutcome();
+    }
 }
 
-CloudOutcome getArchivingProjectFiles(const CloudAccount&, const std::string&, const std::string&,
-                                      std::string& json, const CloudCall&) {
+CloudOutcome getArchivingProjectFiles(const CloudAccount& account, const std::string& projectId,
+                                      const std::string& page, std::string& json, const CloudCall& call) {
     json.clear();
-    return NotYet();
-}
-
-std::unique_ptr<RangeReader> openUrl(const std::wstring&) {
-    return std::make_unique<NoReader>();
+    try {
+        json = IsServer(account) ? cloud::ServerProjectFiles(account, projectId, page, call)
+                                 : cloud::FolderProjectFiles(account.service, projectId, page);
+        return {};
+    } catch (...) {
+        return cloud::CurrentOutcome();
+    }
 }
 
 }  // namespace orvex

@@ -13,11 +13,11 @@ namespace orvex {
 /// Departure from the usual answer to requests below a path. Members combine: a delayed answer can be cut
 /// off.
 struct CloudFault {
-    int delayMs = 0;             ///< before the answer; ends early with ClearFaults and with the server
-    int status = 0;              ///< answered instead of the usual, with an error body; 0: as usual
-    std::string retryAfter;      ///< header "Retry-After"; empty: none
-    std::int64_t cutAfter = -1;  ///< bytes of the body, then the connection is closed; -1: complete
-    std::string redirect;        ///< header "Location" of an answer 302 (or `status`); empty: none
+    int delayMs = 0;              ///< before the answer; ends early with ClearFaults and with the server
+    int status = 0;               ///< answered instead of the usual, with an error body; 0: as usual
+    std::string retryAfter = {};  ///< header "Retry-After"; empty: none
+    std::int64_t cutAfter = -1;   ///< bytes of the body, then the connection is closed; -1: complete
+    std::string redirect = {};    ///< header "Location" of an answer 302 (or `status`); empty: none
     std::optional<std::string> body = std::nullopt;  ///< instead of the usual, with 200 (or `status`)
     bool ignoresRanges = false;                      ///< files are sent whole with 200
     int times = -1;                                  ///< number of requests, then as usual; -1: all
@@ -26,10 +26,11 @@ struct CloudFault {
 struct CloudServerSettings {
     std::filesystem::path folder;  ///< holds projects.json, projects/<id>.json and files/
     std::string address = "127.0.0.1";
-    int port = 0;                            ///< 0: a free one
-    std::string token;                       ///< bearer token of the listings; empty: none is asked for
-    std::filesystem::path certificate, key;  ///< PEM; both or neither, with them the server speaks HTTPS only
-    std::string signingSecret;               ///< of file URLs; empty: a random one for this server
+    int port = 0;            ///< 0: a free one
+    std::string token = {};  ///< bearer token of the listings; empty: none is asked for
+    std::filesystem::path certificate = {},
+                          key = {};  ///< PEM; both or neither, with them the server speaks HTTPS only
+    std::string signingSecret = {};  ///< of file URLs; empty: a random one for this server
 };
 
 /// Server on threads of its own, from construction to destruction; all calls may be made on any thread.

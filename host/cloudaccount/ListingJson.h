@@ -1,0 +1,50 @@
+#pragma once
+// Listings: {"projects": [...]} and {"layers": [...]}, from a server or a file. `source` is the host or the
+// file that failures name.
+#include <QUrl>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "orvexcommon/CloudAccount.h"
+
+namespace orvex::cloud {
+
+/// Projects of a page.
+inline constexpr int kPageLength = 1000;
+inline constexpr std::size_t kMostPageBytes = 8 * 1024 * 1024;
+
+/// Reads a page of projects into `projects` and `next`. Projects without an id are left out; one without a
+/// name has its id for one. Throws CloudError.
+void ReadProjects(std::string_view json, const std::wstring& source, ArchivingProjectList& list);
+
+/// The project that an element of the array describes; its id is empty if it has none. `place`: offset of the
+/// element in the source, for the message of the CloudError that it throws.
+ArchivingProject ReadProject(std::string_view json, const std::wstring& source, std::uint64_t place);
+
+/// A page of layers in which relative URLs are absolute. A text that is no JSON is returned as it stands: the
+/// reader of the page says what is wrong with it. Throws CloudError if it is nested too deeply.
+std::string WithAbsoluteUrls(std::string json, const std::wstring& source, const QUrl& base);
+
+/// The same of one layer; a URL that leads out of a folder is emptied. Throws CloudError if it is no JSON.
+std::string LayerWithAbsoluteUrl(std::string_view json, const std::wstring& source, std::uint64_t place,
+                                 const QUrl& base);
+
+/// A part of a listing's array.
+struct ListingPart {
+    struct Element {
+        std::size_t at = 0;  ///< offset in the text
+        std::string_view json;
+    };
+    std::vector<Element> elements;  ///< those that are in the text completely
+    std::size_t end = 0;            ///< offset behind the last of them
+    bool isLast = false;            ///< the array ends there
+};
+
+/// Splits elements of the array named `key`, at most `most` of them. `place`: offset of `text` in its file;
+/// 0: it starts with the listing's object, else between two elements. `isWhole`: the file ends where the text
+/// does. Linear, without recursion. Throws CloudError.
+ListingPart SplitListing(std::string_view text, std::string_view key, std::uint64_t place, bool isWhole,
+                         std::size_t most, const std::wstring& source);
+
+}  // namespace orvex::cloud

@@ -1,0 +1,382 @@
+// The account on a server, over real sockets.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "host/cloudaccount/tests/RawServer.h"
+#include "host/cloudserver/CloudServer.h"
+#include "orvexcommon/CloudAccount.h"
+#include "support/Format.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
+#include "support/testing/TemporaryFolder.h"
+
+namespace orvex {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using testing::Head;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using testing::RawServer;
+
+constexpr const char* kToken = "secret-token.1234567890";
+
+CloudAccount AccountAt(const std::string& service) {
+    return {L"Someone", FromUtf8(service), FromUtf8(kToken)};
+}
+
+/// "127.0.0.1:8080" of "http://127.0.0.1:8080".
+std::wstring HostOf(const std::string& address) {
+    return FromUtf8(address.substr(address.find("//") + 2));
+}
+
+std::string ListOf(const std::string& body) {
+    return Head("200 OK",
+                "Content-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) + "\r\n") +
+           body;
+}
+
+/// The list that a server gives.
+ArchivingProjectList Projects(const std::string& service, const CloudCall& call = {}) {
+    ArchivingProjectList list;
+    listArchivingProjects(AccountAt(service), list, {}, call);
+    return list;
+}
+
+class RestAccountTest : public ::testing::Test {
+  protected:
+    RestAccountTest() {
+        folder_.Write(L"projects.json",
+                      R"({"projects":[{"id":"p1","name":"Übersicht"},{"id":"p 2/ü","name":"Two"}]})");
+        folder_.Write(L"projects/p1.json",
+                      R"({"layers":[{"name":"A","url":"files/a.las","bytes":18446744073709551615}]})");
+        folder_.Write(L"files/a.las", "0123456789");
+        server_ =
+            std::make_unique<CloudServer>(CloudServerSettings{.folder = folder_.Path(), .token = kToken});
+    }
+
+    testing::TemporaryFolder folder_;
+    std::unique_ptr<CloudServer> server_;
+};
+
+struct Fault {
+    const char* name;
+    CloudFault fault;
+    CloudStatus status;
+    StringId text{0};
+    int number = 0;  ///< of the text, after the host
+    std::size_t requests = 1;
+};
+
+TEST_F(RestAccountTest, TellsEveryFailureWithTheHostAndTheCause) {
+    const auto http = [](int status) { return CloudFault{.status = status, .retryAfter = "0"}; };
+    const std::vector<Fault> faults = {
+        {"none", {}, CloudStatus::Ok},
+        {"400", http(400), CloudStatus::BadAnswer, text::kCloudRequestRefused, 400},
+        {"401", http(401), CloudStatus::NotSignedIn, text::kCloudSignInAgain},
+        {"403", http(403), CloudStatus::Forbidden, text::kCloudForbidden},
+        {"404", http(404), CloudStatus::NotFound, text::kCloudNoSuchList},
+        {"410", http(410), CloudStatus::NotFound, text::kCloudNoSuchList},
+        {"429", http(429), CloudStatus::Busy, text::kCloudBusy, 0, 4},
+        {"429 once", {.status = 429, .retryAfter = "0", .times = 1}, CloudStatus::Ok, {0}, 0, 2},
+        {"429 until yesterday",
+         {.status = 429, .retryAfter = "Sun, 06 Nov 1994 08:49:37 GMT", .times = 3},
+         CloudStatus::Ok,
+         {0},
+         0,
+         4},
+        {"500", http(500), CloudStatus::ServerFailed, text::kCloudServerFailed, 500},
+        {"502", http(502), CloudStatus::ServerFailed, text::kCloudServerFailed, 502, 4},
+        {"503", http(503), CloudStatus::ServerFailed, text::kCloudServerFailed, 503, 4},
+        {"504 twice", {.status = 504, .retryAfter = "0", .times = 2}, CloudStatus::Ok, {0}, 0, 3},
+        {"redirect to nowhere", {.status = 302}, CloudStatus::BadAnswer, text::kCloudRequestRefused, 302},
+        {"redirect to itself",
+         {.redirect = "/v1/projects"},
+         CloudStatus::BadAnswer,
+         text::kCloudRedirectEndless,
+         0,
+         6},
+        {"redirect to a file",
+         {.redirect = "file:///etc/passwd"},
+         CloudStatus::BadAnswer,
+         text::kCloudRequestRefused,
+         302},
+        {"redirect within", {.redirect = "/v1/projects?limit=5", .times = 1}, CloudStatus::Ok, {0}, 0, 2},
+        {"cut off", {.cutAfter = 10}, CloudStatus::Unreachable, text::kCloudCutOff},
+        {"malformed",
+         {.body = R"({"projects":[{"id":"p1",}]})"},
+         CloudStatus::BadAnswer,
+         text::kCloudListMalformed,
+         25},
+        {"truncated",
+         {.body = R"({"projects":[{"id":"p1")"},
+         CloudStatus::BadAnswer,
+         text::kCloudListMalformed,
+         24},
+        {"empty", {.body = ""}, CloudStatus::BadAnswer, text::kCloudListMalformed, 1},
+        {"not UTF-8",
+         {.body = "{\"projects\":[{\"id\":\"\xFF\"}]}"},
+         CloudStatus::BadAnswer,
+         text::kCloudListMalformed,
+         21},
+        {"nested", {.body = std::string(100'000, '[')}, CloudStatus::BadAnswer, text::kCloudListTooDeep},
+        {"9 MB", {.body = std::string(9 << 20, ' ')}, CloudStatus::BadAnswer, text::kCloudTooLarge, 8},
+    };
+    for (const Fault& fault : faults) {
+        SCOPED_TRACE(fault.name);
+        server_->ClearFaults();
+        server_->SetFault("/v1/projects", fault.fault);
+        const std::size_t before = server_->Requests().size();
+        const ArchivingProjectList list = Projects(server_->Address());
+        EXPECT_EQ(list.outcome.status, fault.status);
+        EXPECT_EQ(list.projects.size(), fault.status == CloudStatus::Ok ? 2u : 0u);
+        EXPECT_THAT(list.next, IsEmpty());
+        EXPECT_EQ(server_->Requests().size() - before, fault.requests);
+        const std::wstring sentence =
+            FormatText(Text(fault.text), {HostOf(server_->Address()), fault.number});
+        EXPECT_EQ(list.outcome.message.substr(0, sentence.size()), sentence);
+        EXPECT_THAT(ToUtf8(list.outcome.message), Not(HasSubstr(kToken)));
+    }
+}
+
+TEST_F(RestAccountTest, ListsAndKeepsNumbersAndNames) {
+    const ArchivingProjectList list = Projects(server_->Address() + "/");
+    ASSERT_EQ(list.projects.size(), 2u);
+    EXPECT_EQ(list.projects[0].name, "Übersicht");
+    EXPECT_EQ(list.projects[1].id, "p 2/ü");
+
+    std::string json;
+    const CloudAccount account = AccountAt(server_->Address());
+    ASSERT_EQ(getArchivingProjectFiles(account, "p1", {}, json).status, CloudStatus::Ok);
+    const auto layers = nlohmann::json::parse(json)["layers"];
+    EXPECT_EQ(layers[0]["bytes"], 18446744073709551615u);
+    EXPECT_THAT(layers[0]["url"].get<std::string>(),
+                ::testing::StartsWith(server_->Address() + "/files/a.las"));
+
+    // An id is one part of the path, whatever it consists of.
+    for (const char* id : {"p 2/ü", "../projects", "..", "", "p1?x=", "%2e%2e"}) {
+        EXPECT_EQ(getArchivingProjectFiles(account, id, {}, json).status, CloudStatus::NotFound) << id;
+        EXPECT_THAT(json, IsEmpty());
+    }
+}
+
+TEST_F(RestAccountTest, RefusesAWrongTokenAndOneThatIsNoHeader) {
+    for (const wchar_t* token : {L"", L"wrong", L"a\r\nX-Other: b", L"schlüssel"}) {
+        ArchivingProjectList list;
+        listArchivingProjects({L"", FromUtf8(server_->Address()), token}, list, {});
+        EXPECT_EQ(list.outcome.status, CloudStatus::NotSignedIn);
+    }
+}
+
+TEST(RestAccount, MakesRelativeUrlsAbsoluteAndLeavesTheRestAsItStands) {
+    struct Case {
+        std::string url;
+        std::string expected;
+    };
+    std::string body;
+    RawServer server(
+        [&](RawServer&, QTcpSocket& socket, const std::string&) { RawServer::Send(socket, ListOf(body)); });
+    for (const Case& c : {Case{"files/a b.las", server.Address() + "/api/files/a%20b.las"},
+                          Case{"/x.las?s=a%2Fb", server.Address() + "/x.las?s=a%2Fb"},
+                          Case{"https://other/a.las", "https://other/a.las"}, Case{"", ""}}) {
+        body = R"({"layers":[{"points":12.50,"url":")" + c.url + R"("},7],"next":"n"})";
+        std::string json;
+        ASSERT_EQ(getArchivingProjectFiles(AccountAt(server.Address() + "/api"), "p", {}, json).status,
+                  CloudStatus::Ok);
+        EXPECT_EQ(nlohmann::json::parse(json)["layers"][0]["url"], c.expected);
+        EXPECT_EQ(nlohmann::json::parse(json)["next"], "n");
+    }
+    // The reader of the page says what is wrong with these.
+    for (const char* text : {"{\"layers\":[", "x", "[]"}) {
+        body = text;
+        std::string json;
+        EXPECT_EQ(getArchivingProjectFiles(AccountAt(server.Address()), "p", {}, json).status,
+                  CloudStatus::Ok);
+        EXPECT_EQ(json, text);
+    }
+}
+
+TEST(RestAccount, QuotesTheServersMessageWithoutWhatDoesNotBelongOnTheScreen) {
+    const std::string message = std::string("Ask\\u0007 Ms. Weber. ") + kToken + std::string(300, 'x');
+    const std::string body = R"({"error":{"code":"forbidden","message":")" + message + R"("}})";
+    RawServer server(Head("403 Forbidden", "Content-Length: " + std::to_string(body.size()) + "\r\n") + body);
+    const std::string text = ToUtf8(Projects(server.Address()).outcome.message);
+    EXPECT_THAT(text, AllOf(HasSubstr("Ask  Ms. Weber. xxx"), HasSubstr("xxx ..."), Not(HasSubstr(kToken)),
+                            Not(HasSubstr("\a"))));
+    EXPECT_LT(text.size(), 400u);
+}
+
+TEST(RestAccount, SendsTheTokenToNoOtherOrigin) {
+    RawServer other(ListOf(R"({"projects":[{"id":"stolen"}]})"));
+    RawServer service(Head("307 Temporary Redirect",
+                           "Location: " + other.Address() + "/v1/projects\r\nContent-Length: 0\r\n"));
+    const ArchivingProjectList list = Projects(service.Address());
+    EXPECT_EQ(list.outcome.status, CloudStatus::Untrusted);
+    EXPECT_EQ(list.outcome.message, FormatText(Text(text::kCloudRedirectElsewhere),
+                                               {HostOf(service.Address()), HostOf(other.Address())}));
+    EXPECT_THAT(other.Requests(), IsEmpty());
+    ASSERT_EQ(service.Requests().size(), 1u);
+    EXPECT_THAT(service.Requests()[0], HasSubstr(std::string("Authorization: Bearer ") + kToken + "\r\n"));
+    EXPECT_THAT(service.Requests()[0],
+                AllOf(HasSubstr("Accept-Encoding: identity\r\n"), Not(HasSubstr("Cookie"))));
+}
+
+TEST(RestAccount, SendsNoTokenWithoutASecureConnection) {
+    const ArchivingProjectList list = Projects("http://service.invalid");
+    EXPECT_EQ(list.outcome.status, CloudStatus::Untrusted);
+    EXPECT_EQ(list.outcome.message, FormatText(Text(text::kCloudServiceInsecure), {L"service.invalid"}));
+}
+
+struct RawCase {
+    const char* name;
+    std::string bytes;
+    CloudStatus status;
+    StringId text{0};
+    int number = 0;
+};
+
+TEST(RestAccount, StandsServersThatDoNotKeepToTheRules) {
+    const std::string list = R"({"projects":[{"id":"p1"},{"name":"no id"}]})";
+    const std::string chunk = "\r\n" + list + "\r\n";
+    const std::vector<RawCase> cases = {
+        {"without a length", Head("200 OK") + list, CloudStatus::Ok},
+        {"chunked", Head("200 OK", "Transfer-Encoding: chunked\r\n") + "2b" + chunk + "0\r\n\r\n",
+         CloudStatus::Ok},
+        {"a byte order mark", ListOf("\xEF\xBB\xBF" + list), CloudStatus::Ok},
+        {"a cookie and two lengths",
+         Head("200 OK", "Set-Cookie: a=b\r\nContent-Length: 43\r\nContent-Length: 43\r\n") + list,
+         CloudStatus::Ok},
+        {"chunks that end early", Head("200 OK", "Transfer-Encoding: chunked\r\n") + "2b" + chunk,
+         CloudStatus::Unreachable, text::kCloudCutOff},
+        {"a wrong chunk", Head("200 OK", "Transfer-Encoding: chunked\r\n") + "zz" + chunk,
+         CloudStatus::BadAnswer, text::kCloudListMalformed, 1},
+        {"a length that is too large", Head("200 OK", "Content-Length: 50\r\n") + list,
+         CloudStatus::Unreachable, text::kCloudCutOff},
+        {"100 MB announced", Head("200 OK", "Content-Length: 104857600\r\n"), CloudStatus::BadAnswer,
+         text::kCloudTooLarge, 8},
+        {"a page", Head("200 OK", "Content-Type: text/html; charset=utf-8\r\n") + "<html>",
+         CloudStatus::BadAnswer, text::kCloudWebPage},
+        {"a status alone", Head("204 No Content"), CloudStatus::BadAnswer, text::kCloudListMalformed, 1},
+        {"headers cut off", "HTTP/1.1 200 OK\r\nContent-Le", CloudStatus::Unreachable, text::kCloudNoAnswer},
+        {"nothing", "", CloudStatus::Unreachable, text::kCloudNoAnswer},
+        {"another protocol", "220 mail.example.org ESMTP\r\n\r\n", CloudStatus::Unreachable,
+         text::kCloudNoAnswer},
+        {"a challenge that Qt would answer",
+         Head("401 Unauthorized",
+              "WWW-Authenticate: Negotiate\r\nWWW-Authenticate: NTLM\r\nContent-Length: 0\r\n"),
+         CloudStatus::NotSignedIn, text::kCloudSignInAgain},
+    };
+    for (const RawCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        RawServer server(c.bytes);
+        const ArchivingProjectList page = Projects(server.Address());
+        EXPECT_EQ(page.outcome.status, c.status);
+        EXPECT_EQ(page.outcome.message, FormatText(Text(c.text), {HostOf(server.Address()), c.number}));
+        EXPECT_EQ(page.projects.size(), c.status == CloudStatus::Ok ? 1u : 0u);
+        for (const std::string& head : server.Requests()) {
+            EXPECT_THAT(head, HasSubstr(std::string("Authorization: Bearer ") + kToken));
+        }
+    }
+}
+
+TEST(RestAccount, TakesNoMoreThanAPageOfAnEndlessAnswer) {
+    const std::string block(1 << 16, ' ');
+    for (const char* status : {"200 OK", "500 Failed"}) {
+        std::atomic<std::uint64_t> sent = 0;
+        RawServer server([&](RawServer&, QTcpSocket& socket, const std::string&) {
+            for (bool goesOn = RawServer::Send(socket, Head(status)); goesOn && sent < 100u << 20;
+                 sent += block.size()) {
+                goesOn = RawServer::Send(socket, block);
+            }
+        });
+        const ArchivingProjectList list = Projects(server.Address());
+        EXPECT_EQ(list.outcome.status, *status == '2' ? CloudStatus::BadAnswer : CloudStatus::ServerFailed);
+        EXPECT_LT(sent, 30u << 20) << status;
+    }
+}
+
+TEST(RestAccount, SaysWhyThereIsNoServer) {
+    int port = 0;
+    {
+        const RawServer closed("");
+        port = closed.Port();
+    }
+    const std::wstring host = L"127.0.0.1:" + std::to_wstring(port);
+    const ArchivingProjectList refused = Projects("http://127.0.0.1:" + std::to_string(port));
+    EXPECT_EQ(refused.outcome.status, CloudStatus::Unreachable);
+    EXPECT_EQ(refused.outcome.message, FormatText(Text(text::kCloudConnectionRefused), {host}));
+
+    const ArchivingProjectList unknown = Projects("https://no-such-service.invalid/api");
+    EXPECT_EQ(unknown.outcome.status, CloudStatus::Unreachable);
+    EXPECT_EQ(unknown.outcome.message,
+              FormatText(Text(text::kCloudHostUnknown), {L"no-such-service.invalid"}));
+
+    for (const char* address : {"https://", "http:///v1", "https://a b/"}) {
+        EXPECT_EQ(Projects(address).outcome.status, CloudStatus::Unreachable) << address;
+    }
+}
+
+TEST(RestAccount, EndsInEveryPhaseWhenItIsCancelled) {
+    struct Phase {
+        const char* name;
+        std::string sent;  ///< before the server waits
+        const char* scheme = "http";
+    };
+    for (const Phase& phase :
+         {Phase{"headers", ""}, Phase{"within the headers", "HTTP/1.1 200 OK\r\n"},
+          Phase{"body", Head("200 OK", "Content-Length: 100\r\n") + "{"},
+          Phase{"body of a failure", Head("500 Failed", "Content-Length: 100\r\n") + "{"},
+          Phase{"handshake", "", "https"}}) {
+        SCOPED_TRACE(phase.name);
+        std::atomic<bool> isCancelled = false;
+        RawServer server([&](RawServer& raw, QTcpSocket& socket, const std::string&) {
+            RawServer::Send(socket, phase.sent);
+            isCancelled = true;
+            raw.Hold(socket);
+        });
+        const ArchivingProjectList list = Projects(phase.scheme + server.Address().substr(4),
+                                                   {.isCancelled = [&] { return isCancelled.load(); }});
+        EXPECT_EQ(list.outcome.status, CloudStatus::Cancelled);
+        EXPECT_THAT(ToUtf8(list.outcome.message), IsEmpty());
+        EXPECT_EQ(server.Requests().size(), 1u);
+    }
+
+    // Before the first request, which includes the search for proxies and names.
+    EXPECT_EQ(Projects("https://service.invalid", {.isCancelled = [] { return true; }}).outcome.status,
+              CloudStatus::Cancelled);
+
+    RawServer busy(Head("503 Busy", "Retry-After: 86400\r\nContent-Length: 0\r\n"));
+    bool isCancelled = false;
+    std::vector<std::wstring> told;
+    const CloudCall call{.isCancelled = [&] { return isCancelled; },
+                         .waiting =
+                             [&](const std::wstring& text) {
+                                 told.push_back(text);
+                                 isCancelled = true;
+                             }};
+    EXPECT_EQ(Projects(busy.Address(), call).outcome.status, CloudStatus::Cancelled);
+    const std::vector<std::wstring> expected = {
+        FormatText(Text(text::kCloudWaiting), {HostOf(busy.Address()), 60}), L""};
+    EXPECT_EQ(told, expected);
+}
+
+TEST_F(RestAccountTest, ServesSeveralThreadsAtOnce) {
+    std::vector<std::thread> threads;
+    std::atomic<std::size_t> projects = 0;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] { projects += Projects(server_->Address()).projects.size(); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(projects, 8u);
+}
+
+}  // namespace
+}  // namespace orvex
