@@ -6,7 +6,9 @@
 #include <iterator>
 #include <utility>
 
+#include "cloud/RemoteLas.h"
 #include "support/LDataError.h"
+#include "support/SignedUrl.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -21,14 +23,17 @@ void ReportCommon(const Inspection& inspection, FileReport& report) {
     report.findings.assign(inspection.findings.begin(), inspection.findings.end());
 }
 
-void InspectLas(FileReport& report) {
-    LasRow inspection = InspectLasFile(report.path);
+void ReportLas(LasRow inspection, FileReport& report) {
     ReportCommon(inspection, report);
     if (inspection.file) {
         inspection.crs->Identify();
         report.crs = inspection.crs;
         report.las = std::move(inspection);
     }
+}
+
+void InspectLas(FileReport& report) {
+    ReportLas(InspectLasFile(report.path), report);
 }
 
 /// Keeps what was read of a file that can be loaded.
@@ -63,6 +68,22 @@ constexpr ReportKind kKinds[] = {
     {"photo", DataKind::Photo, InspectPhotoFile},
 };
 
+FileReport InspectUrl(const std::wstring& url, const ReportKind* kind, const CloudCall& call) {
+    FileReport report;
+    report.kind = "cloud";
+    if (kind != nullptr && kind->data != DataKind::Las) {
+        report.path = ShownUrl(url);
+        report.summary = Text(text::kInspectUrlKind);
+        return report;
+    }
+    RemoteLas remote = InspectRemoteLas(url, call);
+    report.path = remote.row.path;
+    report.cloudStatus = remote.status;
+    report.transferred = remote.transferred;
+    ReportLas(std::move(remote.row), report);
+    return report;
+}
+
 template <typename Test>
 const ReportKind* FindKind(Test test) {
     const auto* const kind = std::ranges::find_if(kKinds, test);
@@ -94,7 +115,17 @@ bool ReportKind::IsSearched(std::wstring_view path) const {
     return found && CanBeReadAs(*found, data);
 }
 
-FileReport InspectFile(const std::wstring& path, const ReportKind* kind) {
+bool IsUrl(std::wstring_view path) {
+    constexpr std::wstring_view kSchemes[] = {L"HTTP://", L"HTTPS://"};
+    return std::ranges::any_of(kSchemes, [&](std::wstring_view scheme) {
+        return EqualNoCase(path.substr(0, scheme.size()), scheme);
+    });
+}
+
+FileReport InspectFile(const std::wstring& path, const ReportKind* kind, const CloudCall& call) {
+    if (IsUrl(path)) {
+        return InspectUrl(path, kind, call);
+    }
     FileReport report;
     report.path = path;
     const ReportKind* const reader = kind == nullptr ? ReportKindOf(path) : kind;

@@ -7,6 +7,7 @@
 
 #include "feature/FeatureRow.h"
 #include "las/LasRow.h"
+#include "orvexcommon/CloudAccount.h"
 #include "photo/PhotoRow.h"
 #include "raster/RasterRow.h"
 #include "support/DataKinds.h"
@@ -18,7 +19,8 @@ struct ReportKind;
 /// Result of inspecting one file. The file itself is closed.
 struct FileReport {
     std::wstring path;
-    std::string kind;  ///< name of a ReportKind, or "unknown" when no reader takes the file
+    std::string
+        kind;  ///< name of a ReportKind, "cloud" for a URL, or "unknown" when no reader takes the file
     bool loadable = false;
     std::wstring summary;
     std::vector<Finding> findings;      ///< worst first
@@ -28,6 +30,9 @@ struct FileReport {
     std::optional<PhotoRow> photo;      ///< of a photo whose metadata was read
     std::optional<FeatureRow> feature;  ///< of a feature file that could be read
     RasterUse use = RasterUse::Image;   ///< page that a raster is listed for
+    /// End of the look into the file of a URL, and the bytes received for it; nullopt for other files.
+    std::optional<CloudStatus> cloudStatus;
+    std::uint64_t transferred = 0;
 };
 
 /// Version of a LAS file as "1.4".
@@ -53,8 +58,12 @@ const ReportKind* FindReportKind(std::wstring_view name);
 /// Returns the kind that a file's name implies; null if no reader takes it.
 const ReportKind* ReportKindOf(std::wstring_view path);
 
-/// Reads a file as `kind`, or as its name implies when `kind` is null. Never throws: a failure becomes the
-/// summary. Safe from any thread.
-FileReport InspectFile(const std::wstring& path, const ReportKind* kind = nullptr);
+/// True for "http://..." and "https://...", in any letter case.
+bool IsUrl(std::wstring_view path);
+
+/// Reads a file as `kind`, or as its name implies when `kind` is null; of a URL, the LAS file there, with
+/// `call`. Never throws: a failure becomes the summary. Safe from any thread.
+FileReport InspectFile(const std::wstring& path, const ReportKind* kind = nullptr,
+                       const CloudCall& call = {});
 
 }  // namespace orvex

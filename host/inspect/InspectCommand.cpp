@@ -148,6 +148,10 @@ void SearchFolder(const std::wstring& top, const Options& options, InputPaths& i
 InputPaths CollectInputPaths(const Options& options) {
     InputPaths inputs;
     for (const std::wstring& text : options.paths) {
+        if (IsUrl(text)) {
+            inputs.files.push_back(text);
+            continue;
+        }
         const std::wstring path = NativePath(text);
         const FileKind kind = KindOf(path);
         if (kind == FileKind::Missing) {
@@ -198,27 +202,41 @@ class CountingLine {
         std::chrono::steady_clock::now() + std::chrono::milliseconds(300);
 };
 
-bool WriteReports(const std::vector<std::wstring>& files, const Options& options,
-                  const InspectStreams& streams) {
+/// What became of the files.
+struct RunResult {
+    bool isComplete = false;
+    bool isUrlUnread = false;  ///< a URL leads to no file, or to none that can be read
+};
+
+RunResult WriteReports(const std::vector<std::wstring>& files, const Options& options,
+                       const InspectStreams& streams) {
+    RunResult result;
+    const CloudCall call{streams.stop};
     const auto writer = MakeReportWriter(options.format, streams.out);
     CountingLine counting(streams.err, streams.showProgress, files.size());
     const unsigned jobs =
         options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
     OrderedJobs<FileReport> work(files.size(), jobs,
-                                 [&](std::size_t i) { return InspectFile(files[i], options.kind); });
-    const bool complete = work.Run(
+                                 [&](std::size_t i) { return InspectFile(files[i], options.kind, call); });
+    result.isComplete = work.Run(
         [&](std::size_t i, FileReport&& report) {
             writer->Write(report);
+            result.isUrlUnread =
+                result.isUrlUnread || report.cloudStatus.value_or(CloudStatus::Ok) != CloudStatus::Ok;
             counting.Tell(i + 1);
             return static_cast<bool>(streams.out);
         },
         streams.stop);
     writer->Finish();
     streams.out.flush();
-    return complete;
+    return result;
 }
 
 }  // namespace
+
+bool NeedsNetwork(const std::vector<std::wstring>& arguments) {
+    return std::ranges::any_of(arguments, IsUrl);
+}
 
 int RunInspectCommand(const std::vector<std::wstring>& arguments, const InspectStreams& streams) {
     const Options options = ParseArguments(arguments);
@@ -232,20 +250,20 @@ int RunInspectCommand(const std::vector<std::wstring>& arguments, const InspectS
         return kInspectOk;
     }
     const InputPaths inputs = CollectInputPaths(options);
-    const bool complete = WriteReports(inputs.files, options, streams);
+    const RunResult result = WriteReports(inputs.files, options, streams);
     for (const auto* lines : {&inputs.failures, &inputs.remarks}) {
         for (const std::wstring& line : *lines) {
             WriteLine(streams.err, line);
         }
     }
-    if (!complete && streams.stop()) {
+    if (!result.isComplete && streams.stop()) {
         return kInspectStopped;
     }
     if (!streams.out) {
         WriteLine(streams.err, Text(text::kInspectWriteFailed));
         return kInspectFailed;
     }
-    return inputs.failures.empty() ? kInspectOk : kInspectPathMissing;
+    return inputs.failures.empty() && !result.isUrlUnread ? kInspectOk : kInspectPathMissing;
 }
 
 }  // namespace orvex

@@ -298,6 +298,7 @@ Json ReportJson(const FileReport& report) {
         {"raster", report.raster ? RasterJson(*report.raster) : Json()},
         {"feature", report.feature ? FeatureJson(*report.feature) : Json()},
         {"photo", report.photo ? PhotoJson(*report.photo) : Json()},
+        {"transferred", report.cloudStatus ? Json(report.transferred) : Json()},
     };
 }
 

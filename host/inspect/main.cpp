@@ -1,6 +1,9 @@
 // orvex-inspect: prints what the dialog would show of files, without a window.
+#include <QCoreApplication>
+#include <atomic>
 #include <csignal>
 #include <iostream>
+#include <optional>
 
 #include "host/inspect/InspectCommand.h"
 #include "support/Environment.h"
@@ -9,10 +12,12 @@
 
 namespace {
 
-volatile std::sig_atomic_t interrupted = 0;
+// Read on all threads.
+std::atomic<bool> interrupted = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
 
 extern "C" void OnInterrupt(int) {
-    interrupted = 1;
+    interrupted = true;
 }
 
 }  // namespace
@@ -22,9 +27,13 @@ int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
     try {
         const orvex::TerminalSession terminal;
+        const std::vector<std::wstring> arguments = orvex::ProgramArguments(argc, argv);
+        std::optional<QCoreApplication> application;
+        if (orvex::NeedsNetwork(arguments)) {
+            application.emplace(argc, argv);
+        }
         return orvex::RunInspectCommand(
-            orvex::ProgramArguments(argc, argv),
-            {std::cout, std::cerr, terminal.CanRewriteLines(), [] { return interrupted != 0; }});
+            arguments, {std::cout, std::cerr, terminal.CanRewriteLines(), [] { return interrupted.load(); }});
     } catch (...) {
         std::cerr << orvex::ToUtf8(orvex::CurrentExceptionText()) << '\n';
         return orvex::kInspectFailed;
