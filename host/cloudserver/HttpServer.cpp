@@ -243,7 +243,7 @@ bool HttpServer::process_and_close_socket(socket_t socket) {
         bool goesOn = true;
         while (goesOn && connection.WaitForRequest(waiting_)) {
             bool isClosed = false;
-            bool isLast = false;
+            bool isLast = true;  // also after a head that could not be read: the next one cannot be found
             goesOn = process_request(connection, false, isClosed,
                                      [&](httplib::Request& request) { isLast = PrepareRequest(request); }) &&
                      !isClosed && !isLast;

@@ -153,9 +153,11 @@ void SendReply(Reply reply, std::int64_t cutAfter, const std::shared_ptr<std::at
             const auto count =
                 static_cast<std::size_t>(std::min<std::uint64_t>({left, kPiece, end > at ? end - at : 0}));
             const char* const data = count > 0 ? body->Piece(at, count) : nullptr;
-            // False closes the connection: the client sees that something is missing.
+            // Counted before the client has the bytes. False closes the connection: it sees that some are
+            // missing.
+            *sent += count;
             const bool isWritten = data != nullptr && sink.write(data, count);
-            *sent += isWritten ? count : 0;
+            *sent -= isWritten ? 0 : count;
             return isWritten;
         });
 }

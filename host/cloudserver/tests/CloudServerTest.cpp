@@ -41,6 +41,7 @@ class CloudServerTest : public ::testing::Test {
         server_ = std::make_unique<CloudServer>(settings);
         client_ = std::make_unique<httplib::Client>(server_->Address());
         client_->set_keep_alive(true);
+        client_->set_read_timeout(300);  // of a busy machine
     }
 
     /// The answer; its status is -1 if the connection broke.
@@ -188,10 +189,11 @@ TEST_F(CloudServerTest, SendsThePartOfAFileThatIsAskedFor) {
             EXPECT_EQ("bytes", response.get_header_value("Accept-Ranges"));
         }
     }
-    // The library answers these by itself.
+    // The library answers these by itself, and the connection ends.
     for (const std::string& malformed : {std::string("bytes=5-2"), std::string("bytes=x-"),
                                          std::string("bytes"), "bytes=" + std::string(7000, '1') + "-"}) {
-        EXPECT_THAT(Get(target, {{"Range", malformed}}).status, ::testing::AnyOf(200, 416))
+        Start({});
+        EXPECT_THAT(Get(Signed("a b.las"), {{"Range", malformed}}).status, ::testing::AnyOf(200, 416))
             << malformed.substr(0, 20);
     }
     EXPECT_EQ(416, Get(Signed("empty.las"), {{"Range", "bytes=0-"}}).status);
@@ -259,12 +261,20 @@ TEST_F(CloudServerTest, ServesLargeAccountsInPages) {
     EXPECT_EQ("p9990", filtered[1]["id"]);
 }
 
+/// Number of times that a part stands in a text.
+std::size_t CountOf(const std::string& text, std::string_view part) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size())) {
+        ++count;
+    }
+    return count;
+}
+
 TEST_F(CloudServerTest, KeepsAPageSmallEnoughForItsClients) {
     std::string layers = R"({"layers":[)";
-    for (int i = 0; i < 100'000; ++i) {
-        layers += (i == 0 ? "" : ",") +
-                  std::string(R"({"name":"Tile","url":"files/a b.las","bytes":12345678,"wkt":")") +
-                  std::string(i < 100 ? 100'000 : 10, 'x') + "\"}";
+    for (int i = 0; i < 20'000; ++i) {
+        layers += (i == 0 ? "" : ",") + std::string(R"({"name":"Tile","bytes":12345678,"wkt":")") +
+                  std::string(i < 60 ? 100'000 : 10, 'x') + "\"}";
     }
     folder_.Write(L"projects/p1.json", layers + "]}");
     std::size_t count = 0;
@@ -273,11 +283,12 @@ TEST_F(CloudServerTest, KeepsAPageSmallEnoughForItsClients) {
         const httplib::Response answer = Get("/v1/projects/p1/files?page=" + page);
         ASSERT_EQ(200, answer.status);
         EXPECT_LT(answer.body.size(), 5U << 20);
-        const Json parsed = Json::parse(answer.body);
-        count += parsed["layers"].size();
-        page = parsed["next"];
+        count += CountOf(answer.body, R"("name":"Tile")");
+        constexpr std::string_view next = R"("next":")";
+        page = answer.body.substr(answer.body.rfind(next) + next.size());
+        page.resize(page.find('"'));
     } while (!page.empty());
-    EXPECT_EQ(100'000U, count);
+    EXPECT_EQ(20'000U, count);
 }
 
 TEST_F(CloudServerTest, SaysWhyItCannotStart) {
