@@ -28,11 +28,7 @@ class AddCloudLASFileDlg : public QDialog {
     void accept() override;
     void reject() override;
 
-  protected:
-    void showEvent(QShowEvent* event) override;
-
   private:
-    void Build();
     QWidget* BuildGroup();
     QLayout* BuildButtons();
     void OnOk();

@@ -225,81 +225,19 @@ class FilePage : public ::testing::WithParamInterface<PageContract>, public Page
 TEST_P(FilePage, EveryControlHasItsTextAndNoneIsCutOff) {
     EXPECT_EQ(ToWide(Grid().ShownMessage()), GetParam().emptyText.Get());
     EXPECT_EQ(ToWide(Find<QTextEdit>(GetParam().overview)->toPlainText()), GetParam().nothingSelected.Get());
-    for (const auto* button : page->findChildren<QAbstractButton*>(QRegularExpression("^c[0-9]+$"))) {
-        const std::string name = button->objectName().toStdString();
-        EXPECT_FALSE(button->text().isEmpty() && button->icon().isNull()) << name;
-        EXPECT_FALSE(button->toolTip().isEmpty()) << name;
-        EXPECT_EQ(button->whatsThis(), button->toolTip()) << name;
-        EXPECT_GE(button->width(), button->fontMetrics().horizontalAdvance(button->text())) << name;
-    }
-    for (const auto* label : page->findChildren<QLabel*>(QRegularExpression("^c[0-9]+$"))) {
-        EXPECT_FALSE(label->text().isEmpty()) << label->objectName().toStdString();
-        EXPECT_GE(label->width(), label->minimumSizeHint().width()) << label->objectName().toStdString();
-    }
+    ExpectTextsOfControls();
 }
 
 TEST_P(FilePage, EveryTextHasALetterOfItsOwn) {
-    std::map<QString, std::vector<QString>> texts;  // by letter
-    const auto add = [&](const QString& text) {
-        texts[QKeySequence::mnemonic(text).toString()].push_back(text);
-    };
-    for (const auto* button : dialog->findChildren<QAbstractButton*>()) {
-        const bool hasWords = button->text().contains(QRegularExpression("[A-Za-z]"));
-        const bool mayHaveNone = qobject_cast<const QRadioButton*>(button) != nullptr &&
-                                 QKeySequence::mnemonic(button->text()).isEmpty();
-        if (hasWords && !mayHaveNone && button->isVisibleTo(dialog.get())) {
-            add(button->text());
-        }
-    }
-    for (const auto* label : page->findChildren<QLabel*>()) {
-        if (label->buddy() != nullptr && label->isVisibleTo(dialog.get())) {
-            add(label->text());
-        }
-    }
-    for (const auto* bar : dialog->findChildren<QTabBar*>()) {
-        for (int tab = 0; tab < bar->count() && !bar->tabText(tab).isEmpty(); ++tab) {
-            add(bar->tabText(tab));
-        }
-    }
-    for (const auto& [letter, sharing] : texts) {
-        EXPECT_NE(letter, QString()) << sharing.front().toStdString();
-        EXPECT_EQ(sharing.size(), 1U) << sharing.back().toStdString();
-    }
+    ExpectLettersOfTheirOwn();
 }
 
 TEST_P(FilePage, EverythingIsWithinReachOnAnyScreen) {
-    const auto isWhole = [](const QWidget& widget) {
-        return widget.visibleRegion().boundingRect().size() == widget.size();
-    };
-    const auto check = [&](const char* when) {
-        QCoreApplication::processEvents();
-        EXPECT_TRUE(dialog->screen()->availableGeometry().contains(dialog->frameGeometry())) << when;
-        for (const char* name : {"ok", "cancel"}) {
-            EXPECT_TRUE(isWhole(*dialog->findChild<QPushButton*>(QLatin1String(name)))) << when << name;
-        }
-        EXPECT_GE(Grid().height(), Grid().HeightOfRows(3)) << when;
-        auto* options = page->findChild<OptionsPanel*>();
-        for (const OptionCase& option : GetParam().options) {
-            auto* control = option.control == 0 ? nullptr : Find(option.control);
-            if (control != nullptr && options->isAncestorOf(control)) {
-                // Of an input field ensureWidgetVisible() shows the cursor only.
-                const QRect place(control->mapTo(options->widget(), QPoint()), control->size());
-                options->ensureVisible(place.right() + 1, place.bottom() + 1, 0, 0);
-                options->ensureVisible(place.left(), place.top(), 0, 0);
-                EXPECT_TRUE(isWhole(*control)) << when << option.control;
-            }
-        }
-    };
-    check("first ");
-    const std::pair<QPoint, QSize> elsewhere[] = {
-        {{2000, 1500}, {1600, 1200}}, {{-300, -300}, {900, 500}}, {{0, 0}, {5000, 3000}}};
-    for (const auto& [place, size] : elsewhere) {
-        dialog->move(place);
-        dialog->resize(size);
-        dialog->done(QDialog::Rejected);
-        Open();
-        check("restored ");
+    std::vector<int> controls;
+    for (const OptionCase& option : GetParam().options) {
+        controls.push_back(option.control);
     }
+    ExpectEverythingWithinReach(controls);
 }
 
 TEST_P(FilePage, RowsSelectionAndWorkDecideWhatCanBePressed) {

@@ -5,13 +5,19 @@
 #include <QAbstractItemModelTester>
 #include <QLabel>
 #include <QPushButton>
+#include <QRadioButton>
+#include <QRegularExpression>
+#include <QScreen>
+#include <QTabBar>
 #include <QTest>
 #include <algorithm>
 #include <array>
 #include <filesystem>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "dialog/AddFilesDlg.h"
@@ -19,6 +25,7 @@
 #include "dialog/grid/GridFilter.h"
 #include "dialog/grid/GridView.h"
 #include "dialog/page/ControlWidget.h"
+#include "dialog/page/OptionsPanel.h"
 #include "dialog/testing/ScriptedServices.h"
 #include "orvexcommon/LasFileInfo.h"
 #include "orvexcommon/RasterFileInfo.h"
@@ -162,6 +169,66 @@ class PageFixture : public ::testing::Test, protected ScriptedServices {
 
     void Drop(const std::vector<std::wstring>& paths) const { DropOn(*page, paths); }
 
+    /// Every control has a text or an image, and a tooltip; no text is cut off.
+    void ExpectTextsOfControls() const {
+        for (const auto* button : page->findChildren<QAbstractButton*>(QRegularExpression("^c[0-9]+$"))) {
+            const std::string name = button->objectName().toStdString();
+            EXPECT_FALSE(button->text().isEmpty() && button->icon().isNull()) << name;
+            EXPECT_FALSE(button->toolTip().isEmpty()) << name;
+            EXPECT_EQ(button->whatsThis(), button->toolTip()) << name;
+            EXPECT_GE(button->width(), button->fontMetrics().horizontalAdvance(button->text())) << name;
+        }
+        for (const auto* label : page->findChildren<QLabel*>(QRegularExpression("^c[0-9]+$"))) {
+            EXPECT_FALSE(label->text().isEmpty()) << label->objectName().toStdString();
+            EXPECT_GE(label->width(), label->minimumSizeHint().width()) << label->objectName().toStdString();
+        }
+    }
+
+    /// No two texts in sight share a mnemonic.
+    void ExpectLettersOfTheirOwn() const {
+        std::map<QString, std::vector<QString>> texts;  // by letter
+        const auto add = [&](const QString& text) {
+            texts[QKeySequence::mnemonic(text).toString()].push_back(text);
+        };
+        for (const auto* button : dialog->findChildren<QAbstractButton*>()) {
+            const bool hasWords = button->text().contains(QRegularExpression("[A-Za-z]"));
+            const bool mayHaveNone = qobject_cast<const QRadioButton*>(button) != nullptr &&
+                                     QKeySequence::mnemonic(button->text()).isEmpty();
+            if (hasWords && !mayHaveNone && button->isVisibleTo(dialog.get())) {
+                add(button->text());
+            }
+        }
+        for (const auto* label : page->findChildren<QLabel*>()) {
+            if (label->buddy() != nullptr && label->isVisibleTo(dialog.get())) {
+                add(label->text());
+            }
+        }
+        for (const auto* bar : dialog->findChildren<QTabBar*>()) {
+            for (int tab = 0; tab < bar->count() && !bar->tabText(tab).isEmpty(); ++tab) {
+                add(bar->tabText(tab));
+            }
+        }
+        for (const auto& [letter, sharing] : texts) {
+            EXPECT_NE(letter, QString()) << sharing.front().toStdString();
+            EXPECT_EQ(sharing.size(), 1U) << sharing.back().toStdString();
+        }
+    }
+
+    /// The dialog stays on the screen, wherever it was left; of the page, some rows and the options that are
+    /// shown by `controls` (0: none) can be reached.
+    void ExpectEverythingWithinReach(const std::vector<int>& controls) {
+        ExpectWithinReach(controls, "first ");
+        const std::pair<QPoint, QSize> elsewhere[] = {
+            {{2000, 1500}, {1600, 1200}}, {{-300, -300}, {900, 500}}, {{0, 0}, {5000, 3000}}};
+        for (const auto& [place, size] : elsewhere) {
+            dialog->move(place);
+            dialog->resize(size);
+            dialog->done(QDialog::Rejected);
+            Open();
+            ExpectWithinReach(controls, "restored ");
+        }
+    }
+
     TemporaryFolder folder;
     AddFilesParams given;   ///< the record with the host's inputs
     AddFilesParams params;  ///< the record of this dialog
@@ -170,6 +237,29 @@ class PageFixture : public ::testing::Test, protected ScriptedServices {
     AddFilesPage* page = nullptr;
 
   private:
+    void ExpectWithinReach(const std::vector<int>& controls, const char* when) const {
+        const auto isWhole = [](const QWidget& widget) {
+            return widget.visibleRegion().boundingRect().size() == widget.size();
+        };
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(dialog->screen()->availableGeometry().contains(dialog->frameGeometry())) << when;
+        for (const char* name : {"ok", "cancel"}) {
+            EXPECT_TRUE(isWhole(*dialog->findChild<QPushButton*>(QLatin1String(name)))) << when << name;
+        }
+        EXPECT_GE(Grid().height(), Grid().HeightOfRows(3)) << when;
+        auto* options = page->findChild<OptionsPanel*>();
+        for (const int id : controls) {
+            auto* control = id == 0 ? nullptr : Find(id);
+            if (control != nullptr && options->isAncestorOf(control)) {
+                // Of an input field ensureWidgetVisible() shows the cursor only.
+                const QRect place(control->mapTo(options->widget(), QPoint()), control->size());
+                options->ensureVisible(place.right() + 1, place.bottom() + 1, 0, 0);
+                options->ensureVisible(place.left(), place.top(), 0, 0);
+                EXPECT_TRUE(isWhole(*control)) << when << id;
+            }
+        }
+    }
+
     std::array<PageDescription, 2> pages_{};
     std::unique_ptr<QAbstractItemModelTester> tester_;
 };

@@ -1,0 +1,417 @@
+#include "cloud/page/AddCloudLASFilesPP.h"
+
+#include <QAction>
+#include <QInputDialog>
+#include <QMenu>
+#include <QPushButton>
+#include <QTableView>
+#include <QTimer>
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
+
+#include "cloud/CloudColumns.h"
+#include "cloud/page/AddCloudLASFileDlg.h"
+#include "cloud/page/BrowseCloudLayersDlg.h"
+#include "cloud/page/CloudDetails.h"
+#include "cloud/page/RemoteRun.h"
+#include "dialog/DialogProgress.h"
+#include "dialog/grid/GridView.h"
+#include "dialog/page/ControlWidget.h"
+#include "dialog/page/ListHistory.h"
+#include "support/FilePickers.h"
+#include "support/Format.h"
+#include "support/HandlerGuard.h"
+
+namespace orvex {
+namespace {
+
+constexpr int kAdd = 351;
+constexpr int kLookInside = 43550;
+constexpr std::size_t kMostRemovals = 20;  // that can be undone
+constexpr const wchar_t* kAddTooltip =
+    L"Add an Orvex Cloud Layer(s) by browsing Orvex Cloud LAS Layers/Packages or by providing the Pre-signed "
+    L"S3 URL of the layer to be added.";
+
+ListPageDescription Describe() {
+    using enum DetailsTab::Kind;
+    ListPageDescription page;
+    page.gridId = 357;
+    page.emptyText = text::kCloudEmptyGrid;
+    page.remove.id = 352;
+    page.clear.id = 353;
+    page.selectAll.id = 355;
+    page.help.id = 356;
+    page.helpTopic = HelpTopic::CloudLas;
+    page.splitterName = "cloudSplitter";
+    page.paneStateName = L"AddCloudLASFilesDetails";
+    page.columnStateName = L"AddCloudLASFilesColumns";
+    page.kind = "cloud";
+    page.detailsTabs = {{"cloudOverview", text::kDetailsOverviewTab, Html},
+                        {"cloudCrs", text::kDetailsCrsTab, Html},
+                        {"cloudRecords", text::kDetailsRecordsTab, PlainText}};
+    page.nothingSelected = text::kCloudNoSelection;
+    return page;
+}
+
+/// Everything about the page but its columns.
+const ListPageDescription& CloudPage() {
+    static const ListPageDescription page = Describe();
+    return page;
+}
+
+template <typename Function>
+void UseReal(Function& source, Function& real) {
+    if (!source) {
+        source = std::move(real);
+    }
+}
+
+std::optional<std::wstring> AskName(const std::wstring& name, QWidget* parent) {
+    QInputDialog dialog(parent);
+    const ParentGuard guard(dialog);
+    dialog.setObjectName(QStringLiteral("renameLayer"));
+    dialog.setWindowTitle(ToQString(Text(text::kCloudRenameTitle)));
+    dialog.setLabelText(ToQString(Text(text::kCloudRenameLabel)));
+    dialog.setTextValue(ToQString(name));
+    dialog.setOkButtonText(ToQString(Text(text::kOk)));
+    dialog.setCancelButtonText(ToQString(Text(text::kCancel)));
+    dialog.resize(420, dialog.height());
+    return dialog.exec() == QDialog::Accepted ? std::optional(ToWide(dialog.textValue().trimmed()))
+                                              : std::nullopt;
+}
+
+/// The row of a URL; rows may have gone since it had the index `expected`. Null: this one has.
+CloudRow* RowOfUrl(std::vector<CloudRow>& rows, std::size_t expected, const std::wstring& url) {
+    if (expected < rows.size() && rows[expected].url == url) {
+        return &rows[expected];
+    }
+    const auto found = std::ranges::find(rows, url, &CloudRow::url);
+    return found == rows.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+AddCloudLASFilesPP::AddCloudLASFilesPP(const PageContext& context, QWidget* parent)
+    : AddCloudLASFilesPP(context, CloudSources(), parent) {}
+
+AddCloudLASFilesPP::AddCloudLASFilesPP(const PageContext& context, CloudSources sources, QWidget* parent)
+    : ListPage(context, CloudPage(), parent),
+      sources_(std::move(sources)),
+      model_(new ListModel<CloudRow>(CloudColumns(), this)),
+      expiry_(new QTimer(this)) {
+    FillSources();
+    setAcceptDrops(false);
+    setWindowIcon(context.images[kImageCloud]);
+    expiry_->setSingleShot(true);
+    expiry_->setObjectName(QStringLiteral("expiry"));
+    MakeRowActions();
+    Start(*model_);
+    auto* add = findChild<QPushButton*>(ControlName(kAdd));
+    add->setToolTip(QString::fromWCharArray(kAddTooltip));
+    add->setWhatsThis(add->toolTip());
+    Grid().Table()->setAccessibleName(ToQString(Text(text::kCloudTab)));
+    MakeAddMenu();
+    AdaptRowMenu();
+    UserPrompts& prompts = Services().prompts;
+    connect(expiry_, &QTimer::timeout, this, Guarded(prompts, L"OnExpiry", [this] { Update(); }));
+    // The first row of a name goes into the record, in the order of the grid.
+    connect(model_, &GridModel::SortChanged, this, Guarded(prompts, L"OnSort", [this] { RowsChanged(); }));
+    const auto enable = Guarded(prompts, L"EnableItems", [this] { EnableRowActions(); });
+    connect(&Grid(), &GridView::SelectionChanged, this, enable);
+    connect(&Progress(), &DialogProgress::RunningChanged, this, enable);
+    EnableRowActions();
+}
+
+void AddCloudLASFilesPP::FillSources() {
+    CloudSources real;
+    real.browse = [this] { return Browse(); };
+    real.askUrl = [this](const std::wstring& typed) -> std::optional<std::wstring> {
+        DialogServices services = Services();
+        AddCloudLASFileDlg dialog(services, window());
+        dialog.SetUrl(typed);
+        return dialog.exec() == QDialog::Accepted ? std::optional(dialog.Url()) : std::nullopt;
+    };
+    real.askName = [this](const std::wstring& name) { return AskName(name, window()); };
+    real.inspect = [](const std::wstring& url, const CloudCall& call) { return InspectRemoteLas(url, call); };
+    real.now = CurrentTimeMs;
+    UseReal(sources_.browse, real.browse);
+    UseReal(sources_.askUrl, real.askUrl);
+    UseReal(sources_.askName, real.askName);
+    UseReal(sources_.inspect, real.inspect);
+    UseReal(sources_.now, real.now);
+}
+
+std::vector<CloudLayer> AddCloudLASFilesPP::Browse() {
+    DialogServices services = Services();
+    BrowseCloudLayersDlg dialog(Params().hostApplication, services, window());
+    return dialog.exec() == QDialog::Accepted ? dialog.SelectedLayers() : std::vector<CloudLayer>();
+}
+
+std::vector<ListPage::PageButton> AddCloudLASFilesPP::Buttons() {
+    std::vector<PageButton> buttons{
+        {{kAdd, text::kCloudAdd, {}, true}, ButtonImage::AddFiles, Usable::WhenIdle, L"OnAdd", [this] {
+             OnAdd();
+         }}};
+    std::ranges::move(ListPage::Buttons(), std::back_inserter(buttons));
+    buttons.insert(buttons.end() - 1, {{kLookInside, text::kCloudLookInside, text::kCloudLookInsideTooltip},
+                                       ButtonImage::LookInside,
+                                       Usable::WithRows,
+                                       L"OnLookInside",
+                                       [this] { OnLookInside(); }});
+    return buttons;
+}
+
+void AddCloudLASFilesPP::MakeAddMenu() {
+    struct Entry {
+        const char* name;
+        StringId text;
+        bool isOffered;
+        const wchar_t* handler;
+        void (AddCloudLASFilesPP::*run)();
+    };
+    using Page = AddCloudLASFilesPP;
+    constexpr Entry kEntries[] = {
+        {"32773", text::kCloudBrowseLayersCommand, true, L"OnBrowseLayersInOrvexCloud",
+         &Page::OnBrowseLayersInOrvexCloud},
+        {"32771", text::kCloudEnterUrlCommand, true, L"OnPresignedUrl", &Page::OnPresignedUrl},
+        {"32774", text::kCloudBrowsePackagesCommand, false, L"OnBrowsePackagesInOrvexCloud",
+         &Page::OnBrowsePackagesInOrvexCloud},
+        {"32776", text::kCloudImportPackageCommand, false, L"OnImportLayerPackageFile",
+         &Page::OnImportLayerPackageFile},
+    };
+    addMenu_ = new QMenu(this);
+    addMenu_->setObjectName(QStringLiteral("addMenu"));
+    for (const Entry& entry : kEntries) {
+        QAction* action = addMenu_->addAction(ToQString(Text(entry.text)));
+        action->setObjectName(QLatin1String(entry.name));
+        action->setEnabled(entry.isOffered);
+        connect(action, &QAction::triggered, this,
+                Guarded(Services().prompts, entry.handler, [this, run = entry.run] { (this->*run)(); }));
+    }
+}
+
+void AddCloudLASFilesPP::OnAdd() {
+    const int below = findChild<QPushButton*>(ControlName(kAdd))->height();
+    addMenu_->setActiveAction(addMenu_->actions().front());
+    addMenu_->popup(mapToGlobal(QPoint(0, below)));
+}
+
+void AddCloudLASFilesPP::OnBrowseLayersInOrvexCloud() {
+    std::vector<CloudLayer> layers = sources_.browse();
+    std::unordered_set<std::wstring_view> known;
+    for (const CloudRow& row : model_->Rows()) {
+        known.insert(row.url);
+    }
+    std::vector<CloudRow> rows;
+    for (const CloudLayer& layer : layers) {
+        if (known.insert(layer.url).second) {
+            rows.push_back(BrowsedRow(layer));
+        }
+    }
+    if (layers.empty()) {
+        return;
+    }
+    const std::size_t added = rows.size();
+    known.clear();  // of rows whose addresses change
+    Append(std::move(rows));
+    Progress().SetOutcome(FormatText(Text(text::kCloudLayersAdded), {added, layers.size() - added}));
+}
+
+void AddCloudLASFilesPP::OnPresignedUrl() {
+    std::optional<std::wstring> url = sources_.askUrl({});
+    while (url && HasUrlIgnoringCase(*url)) {
+        ShowMessage(Text(text::kCloudUrlAlreadyListed), text::kInvalidInputCaption, PromptIcon::Error);
+        url = sources_.askUrl(*url);
+    }
+    if (url) {
+        std::vector<CloudRow> rows;
+        rows.push_back(PresignedRow(*url));
+        Append(std::move(rows));
+    }
+}
+
+bool AddCloudLASFilesPP::HasUrlIgnoringCase(const std::wstring& url) const {
+    return std::ranges::any_of(model_->Rows(),
+                               [&](const CloudRow& row) { return EqualNoCase(row.url, url); });
+}
+
+// Packages are not offered.
+void AddCloudLASFilesPP::OnBrowsePackagesInOrvexCloud() {}
+
+void AddCloudLASFilesPP::OnImportLayerPackageFile() {
+    OpenFilesRequest request;
+    request.filters = {{L"Cloud Package Files (*.CPKG)", L"*.CPKG"}, {L"All Files (*.*)", L"*.*"}};
+    Services().pickers.PickFiles(request);
+}
+
+void AddCloudLASFilesPP::Append(std::vector<CloudRow> rows) {
+    if (!rows.empty()) {
+        removed_.clear();  // the places of its rows are others'
+        model_->Append(std::move(rows));
+    }
+    Update();
+}
+
+void AddCloudLASFilesPP::MakeRowActions() {
+    undo_ = AddRowAction("undo", text::kUndo, QKeySequence(Qt::CTRL | Qt::Key_Z), L"OnUndo",
+                         &AddCloudLASFilesPP::OnUndo);
+    undo_->setShortcutContext(Qt::WindowShortcut);  // the grid has no focus when its rows have gone
+    lookInside_ = AddRowAction("lookInside", text::kCloudLookInside, {}, L"OnLookInside",
+                               &AddCloudLASFilesPP::OnLookInside);
+    rename_ = AddRowAction("rename", text::kCloudRename, QKeySequence(Qt::Key_F2), L"OnRename",
+                           &AddCloudLASFilesPP::OnRename);
+    QMenu* const menu = Grid().ContextMenu();
+    QAction* const first = menu->actions().value(0);
+    menu->insertActions(first, {undo_, lookInside_, rename_});
+    menu->insertSeparator(first);
+}
+
+QAction* AddCloudLASFilesPP::AddRowAction(const char* name, StringId caption, const QKeySequence& key,
+                                          const wchar_t* handler, void (AddCloudLASFilesPP::*run)()) {
+    auto* action = new QAction(ToQString(Text(caption)), this);
+    action->setObjectName(QLatin1String(name));
+    action->setShortcut(key);
+    action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    Grid().addAction(action);
+    connect(action, &QAction::triggered, this,
+            Guarded(Services().prompts, handler, [this, run] { (this->*run)(); }));
+    return action;
+}
+
+/// What the menu has for files.
+void AddCloudLASFilesPP::AdaptRowMenu() {
+    for (const char* name : {"showInFolder", "sameLayer"}) {
+        Grid().findChild<QAction*>(QLatin1String(name))->setVisible(false);
+    }
+    Grid().findChild<QAction*>(QStringLiteral("copyPath"))->setText(ToQString(Text(text::kCloudCopyUrl)));
+}
+
+void AddCloudLASFilesPP::EnableRowActions() {
+    const bool idle = !Progress().IsRunning();
+    undo_->setEnabled(idle && !removed_.empty());
+    lookInside_->setEnabled(idle && model_->Count() > 0);
+    rename_->setEnabled(idle && Grid().SelectedRows().size() == 1);
+}
+
+void AddCloudLASFilesPP::OnRename() {
+    const std::vector<std::size_t> records = SelectedRecords();
+    if (records.size() != 1 || Progress().IsRunning()) {
+        return;
+    }
+    const auto typed = sources_.askName(model_->Rows()[records.front()].name);
+    if (typed && !typed->empty() && records.front() < model_->Count()) {
+        constexpr std::string_view kChanged[] = {"name"};
+        model_->Change([&](std::vector<CloudRow>& rows) { rows[records.front()].name = *typed; }, kChanged);
+        Update();
+    }
+}
+
+/// The selected ones; without a selection those of which nothing is known, or all.
+std::vector<std::size_t> AddCloudLASFilesPP::RecordsToInspect() const {
+    std::vector<std::size_t> records = SelectedRecords();
+    if (!records.empty()) {
+        return records;
+    }
+    records = model_->RecordsInOrder();
+    const auto isKnown = [this](std::size_t record) { return model_->Rows()[record].remote != nullptr; };
+    if (!std::ranges::all_of(records, isKnown)) {
+        std::erase_if(records, isKnown);
+    }
+    return records;
+}
+
+void AddCloudLASFilesPP::OnLookInside() {
+    if (Progress().IsRunning()) {
+        return;
+    }
+    std::vector<std::size_t> records = RecordsToInspect();
+    std::erase_if(records, [this](std::size_t record) { return model_->Rows()[record].url.empty(); });
+    std::vector<std::wstring> urls;
+    for (const std::size_t record : records) {
+        urls.push_back(model_->Rows()[record].url);
+    }
+    std::size_t done = 0;
+    std::uint64_t received = 0;
+    const auto take = [&](const std::vector<Inspected>& batch) {
+        model_->Change([&](std::vector<CloudRow>& rows) {
+            for (const auto& [index, remote] : batch) {
+                ++done;
+                received += remote->transferred;
+                if (CloudRow* row = RowOfUrl(rows, records[index], urls[index])) {
+                    TakeRemote(*row, remote);
+                }
+            }
+        });
+        Update();
+    };
+    {
+        const DialogProgress::Run run(Progress());
+        InspectRemotes(urls, sources_.inspect, Progress(), take);
+    }
+    Progress().SetOutcome(FormatText(Text(text::kCloudLookedInto),
+                                     {done, urls.size(), GroupedNumber((received + 500) / 1000)}));
+}
+
+void AddCloudLASFilesPP::BeforeRemoval(std::span<const std::size_t> records) {
+    Removed removed{{records.begin(), records.end()}, {}};
+    std::ranges::sort(removed.places);
+    for (const std::size_t record : removed.places) {
+        removed.rows.push_back(model_->Rows()[record]);
+    }
+    if (!removed.rows.empty()) {
+        removed_.push_back(std::move(removed));
+    }
+    if (removed_.size() > kMostRemovals) {
+        removed_.erase(removed_.begin());
+    }
+}
+
+void AddCloudLASFilesPP::OnUndo() {
+    if (removed_.empty() || Progress().IsRunning()) {
+        return;
+    }
+    Removed last = std::move(removed_.back());
+    removed_.pop_back();
+    const std::size_t before = model_->Count();
+    model_->Append(std::move(last.rows));
+    model_->Permute(NewIndices(before, last.places));
+    Update();
+    SelectRecords(last.places);
+    Progress().SetOutcome(FormatText(Text(text::kCloudLayersRestored), {last.places.size()}));
+}
+
+void AddCloudLASFilesPP::Release() {
+    ListPage::Release();
+    removed_.clear();
+    EnableRowActions();
+}
+
+void AddCloudLASFilesPP::RowsChanged() {
+    constexpr std::string_view kChanged[] = {"state"};
+    const std::vector<std::size_t> order = model_->RecordsInOrder();
+    const std::int64_t now = sources_.now();
+    std::optional<std::int64_t> next;
+    model_->Change([&](std::vector<CloudRow>& rows) { next = ApplyCloudRules(rows, order, now); }, kChanged);
+    expiry_->stop();
+    if (next) {
+        constexpr std::int64_t kDayMs = 24LL * 60 * 60 * 1000;
+        expiry_->start(static_cast<int>(std::min(*next - now, kDayMs)));
+    }
+    EnableRowActions();
+}
+
+DetailsContent AddCloudLASFilesPP::Details(std::span<const std::size_t> records) const {
+    return CloudDetailsContent(model_->Rows(), records, DetailsPane().CaptionColour());
+}
+
+bool AddCloudLASFilesPP::Store() {
+    for (const std::size_t record : model_->RecordsInOrder()) {
+        StoreCloudRow(model_->Rows()[record], Params());
+    }
+    return true;
+}
+
+}  // namespace orvex
