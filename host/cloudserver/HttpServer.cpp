@@ -197,7 +197,8 @@ bool PrepareRequest(httplib::Request& request) {
 HttpServer::HttpServer(std::unique_ptr<WireFactory> wires, Handler answer) : wires_(std::move(wires)) {
     PutBack();
     set_socket_options(SetListenerOptions);
-    set_tcp_nodelay(true);  // head and body are sent apart
+    set_keep_alive_max_count(1000);  // as it is told to clients
+    set_tcp_nodelay(true);           // head and body are sent apart
     set_pre_routing_handler([answer = std::move(answer)](const auto& request, auto& response) {
         answer(request, response);
         return HandlerResponse::Handled;

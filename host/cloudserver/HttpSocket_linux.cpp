@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <csignal>
 
+#include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
@@ -104,12 +105,15 @@ class TlsWires : public WireFactory {
     SslContext context_;
 };
 
-/// Why the last OpenSSL call of this thread failed.
+/// Why the last OpenSSL call of this thread failed; the first reason is the cause, the others say who
+/// noticed.
 std::wstring SslErrorText() {
-    const unsigned long error = ERR_peek_last_error();
+    const unsigned long error = ERR_peek_error();
     const char* const reason = ERR_reason_error_string(error);
+    std::wstring text = ERR_SYSTEM_ERROR(error) ? SystemErrorText(ERR_GET_REASON(error))
+                                                : FromUtf8(reason != nullptr ? reason : "unknown error");
     ERR_clear_error();
-    return FromUtf8(reason != nullptr ? reason : "unknown error");
+    return text;
 }
 
 void Require(bool succeeded, const std::filesystem::path& file) {
@@ -126,6 +130,7 @@ std::unique_ptr<WireFactory> MakeWireFactory(const std::filesystem::path& certif
     if (certificate.empty() && key.empty()) {
         return std::make_unique<PlainWires>();
     }
+    ERR_clear_error();
     SslContext context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
     Require(context != nullptr, certificate);
     SSL_CTX_set_min_proto_version(context.get(), TLS1_2_VERSION);

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "host/cloudserver/testing/TestCertificate.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
@@ -189,6 +190,8 @@ TEST_F(CloudServerTest, SendsThePartOfAFileThatIsAskedFor) {
             EXPECT_EQ("bytes", response.get_header_value("Accept-Ranges"));
         }
     }
+    EXPECT_EQ(416, Get(Signed("empty.las"), {{"Range", "bytes=0-"}}).status);
+    EXPECT_EQ(200, Get(Signed("empty.las")).status);
     // The library answers these by itself, and the connection ends.
     for (const std::string& malformed : {std::string("bytes=5-2"), std::string("bytes=x-"),
                                          std::string("bytes"), "bytes=" + std::string(7000, '1') + "-"}) {
@@ -196,8 +199,6 @@ TEST_F(CloudServerTest, SendsThePartOfAFileThatIsAskedFor) {
         EXPECT_THAT(Get(Signed("a b.las"), {{"Range", malformed}}).status, ::testing::AnyOf(200, 416))
             << malformed.substr(0, 20);
     }
-    EXPECT_EQ(416, Get(Signed("empty.las"), {{"Range", "bytes=0-"}}).status);
-    EXPECT_EQ(200, Get(Signed("empty.las")).status);
 }
 
 TEST_F(CloudServerTest, SendsTheWholeFileWhenItHasChangedSinceTheFirstPart) {
@@ -291,6 +292,30 @@ TEST_F(CloudServerTest, KeepsAPageSmallEnoughForItsClients) {
     EXPECT_EQ(20'000U, count);
 }
 
+TEST_F(CloudServerTest, SpeaksHttpsWithACertificate) {
+    const auto files = orvex::testing::WriteTestCertificate(folder_.Path());
+    const std::string body(3'000'000, 'x');
+    folder_.Write(L"files/large.las", body);
+    Start(
+        {.folder = {}, .token = {}, .certificate = files.certificate, .key = files.key, .signingSecret = {}});
+    EXPECT_THAT(server_->Address(), StartsWith("https://127.0.0.1:"));
+    EXPECT_EQ(httplib::Error::SSLServerVerification, client_->Get("/v1/projects").error());
+    client_ = std::make_unique<httplib::Client>(server_->Address());
+    client_->set_ca_cert_path(files.certificate.string());
+    client_->set_keep_alive(true);
+    EXPECT_EQ(200, Get("/v1/projects").status);
+    EXPECT_TRUE(body == Get(Signed("large.las")).body);
+    CloudFault fault;
+    fault.cutAfter = 100'000;
+    server_->SetFault("/files", fault);
+    EXPECT_EQ(-1, Get(Signed("large.las")).status);
+    // One that does not speak TLS is no obstacle to others.
+    httplib::Client plain("127.0.0.1",
+                          std::stoi(server_->Address().substr(server_->Address().rfind(':') + 1)));
+    EXPECT_FALSE(plain.Get("/v1/projects"));
+    EXPECT_EQ(200, Get("/v1/projects").status);
+}
+
 TEST_F(CloudServerTest, SaysWhyItCannotStart) {
     const auto failureOf = [](CloudServerSettings settings) {
         try {
@@ -311,7 +336,9 @@ TEST_F(CloudServerTest, SaysWhyItCannotStart) {
     EXPECT_THAT(failureOf(settings), HasSubstr("'192.0.2.1' is not an address of this computer"));
     settings.address = "127.0.0.1";
     settings.certificate = settings.key = folder_.Path() / "projects.json";
-    EXPECT_THAT(failureOf(settings), HasSubstr("projects.json' cannot be used: "));
+    EXPECT_THAT(failureOf(settings), HasSubstr("projects.json' cannot be used: no start line"));
+    settings.certificate = settings.key = folder_.Path() / "none.pem";
+    EXPECT_THAT(failureOf(settings), HasSubstr("none.pem' cannot be used: No such file"));
 }
 
 TEST_F(CloudServerTest, LeavesTheSignalHandlingOfTheProcess) {
