@@ -3,6 +3,8 @@
 #include <QHostAddress>
 #include <QTcpServer>
 #include <future>
+#include <memory>
+#include <utility>
 
 namespace orvex::testing {
 namespace {
@@ -11,17 +13,30 @@ constexpr int kSliceMs = 20;
 
 }  // namespace
 
+struct RawServer::Connection {
+    std::unique_ptr<QTcpSocket> socket;
+    std::string head;  ///< as far as it has come
+};
+
 RawServer::RawServer(Answer answer) : answer_(std::move(answer)) {
     std::promise<int> port;
     thread_ = std::thread([this, &port] {
         QTcpServer server;
         server.listen(QHostAddress::LocalHost);
         port.set_value(server.serverPort());
+        std::vector<std::unique_ptr<Connection>> connections;
         while (!stops_) {
-            if (server.waitForNewConnection(kSliceMs)) {
-                const std::unique_ptr<QTcpSocket> socket(server.nextPendingConnection());
-                Serve(*socket);
+            server.waitForNewConnection(connections.empty() ? kSliceMs : 0);
+            while (server.hasPendingConnections()) {
+                connections.push_back(std::make_unique<Connection>());
+                connections.back()->socket.reset(server.nextPendingConnection());
             }
+            for (const auto& connection : connections) {
+                Serve(*connection);
+            }
+            std::erase_if(connections, [](const auto& connection) {
+                return connection->socket->state() == QAbstractSocket::UnconnectedState;
+            });
         }
     });
     port_ = port.get_future().get();
@@ -41,23 +56,20 @@ std::vector<std::string> RawServer::Requests() const {
     return requests_;
 }
 
-void RawServer::Serve(QTcpSocket& socket) {
-    std::string head;
-    while (!stops_ && socket.state() == QAbstractSocket::ConnectedState) {
-        if (!socket.waitForReadyRead(kSliceMs)) {
-            continue;
-        }
-        head += socket.readAll().toStdString();
-        // A client that speaks TLS sends no line at all.
-        if (head.find("\r\n\r\n") == std::string::npos && head[0] != '\x16') {
-            continue;
-        }
-        {
-            const std::lock_guard guard(mutex_);
-            requests_.push_back(head);
-        }
-        answer_(*this, socket, std::exchange(head, {}));
+void RawServer::Serve(Connection& connection) {
+    QTcpSocket& socket = *connection.socket;
+    socket.waitForReadyRead(1);
+    connection.head += socket.readAll().toStdString();
+    std::string& head = connection.head;
+    // A client that speaks TLS sends no line at all.
+    if (head.empty() || (head.find("\r\n\r\n") == std::string::npos && head[0] != '\x16')) {
+        return;
     }
+    {
+        const std::lock_guard guard(mutex_);
+        requests_.push_back(head);
+    }
+    answer_(*this, socket, std::exchange(head, {}));
 }
 
 bool RawServer::Send(QTcpSocket& socket, const std::string& bytes) {

@@ -10,8 +10,8 @@
 
 namespace orvex::testing {
 
-/// On a thread of its own, one connection at a time. The connection is kept for further requests unless an
-/// answer closes it.
+/// On a thread of its own, which gives one answer at a time. A connection is kept for further requests unless
+/// an answer closes it.
 class RawServer {
   public:
     /// Called on the server's thread for each request; `head` ends with its empty line.
@@ -35,7 +35,9 @@ class RawServer {
     void Hold(QTcpSocket& socket) const;
 
   private:
-    void Serve(QTcpSocket& socket);
+    struct Connection;
+
+    void Serve(Connection& connection);
 
     Answer answer_;
     int port_ = 0;
