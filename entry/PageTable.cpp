@@ -1,5 +1,6 @@
 #include "entry/PageTable.h"
 
+#include "cloud/page/AddCloudLASFilesPP.h"
 #include "feature/page/AddFeatureFilesPP.h"
 #include "las/page/AddLASFilesPP.h"
 #include "photo/page/AddPhotoFilesPP.h"
@@ -57,6 +58,14 @@ std::span<const PageDescription> AddFilesPages() {
          .image = kImagePhoto,
          .pageSwitch = &AddFilesParams::showPhotoTab,
          .create = Make<AddPhotoFilesPP>},
+        {.kind = PageKind::CloudLas,
+         .caption = text::kCloudTab,
+         .insertFailure = text::kCloudTabInsertFailed,
+         .createFailure = text::kCloudPageCreateFailed,
+         .templateId = 410,
+         .image = kImageCloudLas,
+         .pageSwitch = &AddFilesParams::showCloudTab,
+         .create = Make<AddCloudLASFilesPP>},
     };
     return pages;
 }
