@@ -76,6 +76,11 @@ constexpr Column<Row> kLayerColumns[] = {
      Of<&Row::project>},
 };
 
+/// What makes a layer the same when its project is read again; a URL may have another signature then.
+const std::string& LayerKey(const Row& row) {
+    return row.id.empty() ? row.url : row.id;
+}
+
 }  // namespace
 
 SharedTexts::Shared SharedTexts::Of(const std::wstring& text) {
@@ -112,6 +117,33 @@ CloudLayer CloudLayerRow::Layer() const {
             .id = FromUtf8(id),
             .project = *project,
             .bytes = bytes};
+}
+
+void KeptLayers::Keep(const std::string& project, const CloudLayerRow& layer) {
+    layers_[project].insert_or_assign(LayerKey(layer), layer);
+}
+
+bool KeptLayers::Take(const std::string& project, const CloudLayerRow& layer) {
+    const auto found = layers_.find(project);
+    return found != layers_.end() && found->second.erase(LayerKey(layer)) > 0;
+}
+
+std::size_t KeptLayers::Count() const {
+    std::size_t count = 0;
+    for (const auto& [project, layers] : layers_) {
+        count += layers.size();
+    }
+    return count;
+}
+
+std::vector<CloudLayer> KeptLayers::All() const {
+    std::vector<CloudLayer> all;
+    for (const auto& [project, layers] : layers_) {
+        for (const auto& [key, layer] : layers) {
+            all.push_back(layer.Layer());
+        }
+    }
+    return all;
 }
 
 std::span<const Column<CloudProjectRow>> CloudProjectColumns() {

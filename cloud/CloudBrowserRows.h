@@ -1,5 +1,6 @@
 #pragma once
 // The rows and columns of the cloud layer browser.
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
@@ -39,6 +40,21 @@ struct CloudLayerRow {
     std::string name, points, modified, url, id;  ///< UTF-8
     SharedTexts::Shared type, wkt, crs, project;
     std::optional<std::uint64_t> bytes;
+};
+
+/// Layers that were selected in projects which are not shown now.
+class KeptLayers {
+  public:
+    void Keep(const std::string& project, const CloudLayerRow& layer);
+    /// True if the project's layer was kept; it no longer is.
+    bool Take(const std::string& project, const CloudLayerRow& layer);
+    void Forget(const std::string& project) { layers_.erase(project); }
+    void Clear() { layers_.clear(); }
+    std::size_t Count() const;
+    std::vector<CloudLayer> All() const;
+
+  private:
+    std::map<std::string, std::map<std::string, CloudLayerRow>> layers_;  ///< by project and LayerKey
 };
 
 std::span<const Column<CloudProjectRow>> CloudProjectColumns();

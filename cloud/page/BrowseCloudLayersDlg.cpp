@@ -15,12 +15,14 @@
 #include "dialog/grid/GridView.h"
 #include "dialog/page/FilterLine.h"
 #include "dialog/page/Mnemonics.h"
+#include "settings/OptionStore.h"
 #include "support/Format.h"
 #include "support/HandlerGuard.h"
 #include "support/HelpViewer.h"
 #include "support/HostObjects.h"
 #include "support/LDataError.h"
 #include "support/QtText.h"
+#include "support/SignedUrl.h"
 
 namespace orvex {
 namespace {
@@ -30,6 +32,7 @@ constexpr QSize kDefaultSize{1100, 640};
 constexpr int kProjectsWidth = 260;
 constexpr int kPauseMs = 120;
 constexpr const wchar_t* kPlacementName = L"BrowseCloudLayersDlg";
+constexpr const wchar_t* kSplitterName = L"BrowseCloudLayersDlgSplitter";
 
 constexpr CloudListTexts kProjectTexts{.name = "projects",
                                        .label = text::kCloudBrowserProjects,
@@ -65,6 +68,12 @@ void RequireOk(const CloudOutcome& outcome) {
     if (outcome.status != CloudStatus::Ok) {
         throw LDataError(outcome.message.empty() ? Text(text::kCloudNotRead) : outcome.message);
     }
+}
+
+/// Whose projects these are: "anna, https://host/path".
+std::wstring ShownAccount(const CloudAccount& account) {
+    const std::wstring service = ShownUrl(account.service);
+    return ShownCloudText(ToUtf8(account.userName.empty() ? service : account.userName + L", " + service));
 }
 
 QPushButton* MakeButton(StringId text, const char* name) {
@@ -187,6 +196,7 @@ void BrowseCloudLayersDlg::ConnectGrids() {
     connect(&layersLater_, &QTimer::timeout, this, [this] { PopulateLayers(); });
     connect(&layers, &GridView::ActivateRequested, this, &BrowseCloudLayersDlg::accept);
     connect(&layers, &GridView::SelectionChanged, this, [this] { EnableItems(); });
+    connect(layers_.pane, &CloudListPane::DeselectRequested, this, [this] { OnDeselect(); });
     auto* find = new QShortcut(QKeySequence::Find, this);
     connect(find, &QShortcut::activated, this, Guarded(prompts, L"OnFind", [this] {
                 const bool inProjects = projects_.pane->isAncestorOf(focusWidget());
@@ -202,7 +212,14 @@ void BrowseCloudLayersDlg::Place() {
     // Ctrl held while the dialog opens brings back its first size and place.
     if (!IsControlKeyHeld()) {
         RestoreWindowPlacement(*this, services_.options, kPlacementName);
+        const auto sizes = services_.options.ReadPlacement(kSplitterName);
+        splitter_->restoreState(QByteArray::fromStdString(sizes.value_or(std::string())));
     }
+}
+
+void BrowseCloudLayersDlg::SavePlacement() const {
+    SaveWindowPlacement(*this, services_.options, kPlacementName);
+    services_.options.WritePlacement(kSplitterName, splitter_->saveState().toStdString());
 }
 
 // The window is there when the first message comes.
@@ -234,18 +251,27 @@ BrowseCloudLayersDlg::SharedAccount BrowseCloudLayersDlg::AskAccount() const {
     return account;
 }
 
+void BrowseCloudLayersDlg::ClearLists() {
+    layersLater_.stop();
+    kept_.Clear();
+    project_.reset();
+    projectRows_->Clear();
+    layerRows_->Clear();
+    for (List* list : {&projects_, &layers_}) {
+        list->request->Cancel();
+        list->progress = {};
+        list->pane->SetOwner({});
+        list->pane->ShowState(CloudListState::Idle);
+    }
+}
+
 void BrowseCloudLayersDlg::PopulateFolders() {
     RunStep(projects_.step, [this] {
-        layersLater_.stop();
-        for (List* list : {&projects_, &layers_}) {
-            list->request->Cancel();
-            list->progress = {};
-            list->pane->ShowState(CloudListState::Idle);
-        }
-        project_.reset();
-        projectRows_->Clear();
-        layerRows_->Clear();
+        ClearLists();
         ContinueReading(projects_);
+        if (account_) {
+            layers_.pane->ShowState(CloudListState::Idle, Text(text::kCloudNoProjectSelected));
+        }
     });
 }
 
@@ -253,8 +279,10 @@ void BrowseCloudLayersDlg::ContinueReading(List& list) {
     try {
         account_ = AskAccount();  // the user may have signed in meanwhile, or the token may be a new one
         if (account_) {
+            projects_.pane->SetOwner(ShownAccount(*account_));
             (this->*list.read)();
         } else {
+            ClearLists();
             projects_.pane->ShowState(CloudListState::Idle, Text(text::kCloudNotSignedIn));
         }
     } catch (...) {
@@ -300,6 +328,7 @@ void BrowseCloudLayersDlg::OnProject(int row) {
     }
     layers_.request->Cancel();
     layers_.progress = {};
+    KeepSelection();
     layerRows_->Clear();
     texts_ = std::make_unique<SharedTexts>();
     project_ = project->id;
@@ -330,8 +359,43 @@ void BrowseCloudLayersDlg::TakeLayers(const CloudListingPage& page, std::size_t 
             rows.emplace_back(layer, *texts_);
         }
     }
+    const std::size_t before = layerRows_->Count();
     layerRows_->Append(std::move(rows));
+    SelectKept(before);
     layers_.progress.Advance(page.next, bytes);
+    if (layers_.progress.IsComplete()) {
+        kept_.Forget(*project_);  // those are no longer in the project
+    }
+    EnableItems();
+}
+
+void BrowseCloudLayersDlg::KeepSelection() {
+    for (const std::size_t record : SelectedRecords()) {
+        kept_.Keep(*project_, layerRows_->Rows()[record]);
+    }
+}
+
+/// Selects again what was selected when this project was shown before.
+void BrowseCloudLayersDlg::SelectKept(std::size_t firstRecord) {
+    std::vector<int> rows;
+    for (std::size_t record = firstRecord; record < layerRows_->Count(); ++record) {
+        if (kept_.Take(*project_, layerRows_->Rows()[record])) {
+            rows.push_back(layerRows_->RowOfRecord(record));
+        }
+    }
+    std::erase_if(rows, [](int row) { return row < 0; });
+    if (!rows.empty()) {
+        GridView& grid = layers_.pane->Grid();
+        const std::vector<int> selected = grid.SelectedRows();
+        rows.insert(rows.end(), selected.begin(), selected.end());
+        std::ranges::sort(rows);
+        grid.SelectRows(rows);
+    }
+}
+
+void BrowseCloudLayersDlg::OnDeselect() {
+    kept_.Clear();
+    EnableItems();
 }
 
 // A failure is told once: nothing more is read until the user wants to.
@@ -365,29 +429,30 @@ std::vector<std::size_t> BrowseCloudLayersDlg::SelectedRecords() const {
 
 void BrowseCloudLayersDlg::EnableItems() {
     RunStep(L"EnableItems", [this] {
-        const std::size_t selected = SelectedRecords().size();
+        const std::size_t elsewhere = kept_.Count();
+        const std::size_t selected = SelectedRecords().size() + elsewhere;
         ok_->setEnabled(selected > 0);
-        layers_.pane->SetSelected(selected);
+        layers_.pane->SetSelected(selected, elsewhere);
     });
 }
 
 void BrowseCloudLayersDlg::accept() {
-    if (!SelectedRecords().empty() && RunStep(L"OnBnClickedOk", [this] { OnBnClickedOk(); })) {
+    if (ok_->isEnabled() && RunStep(L"OnBnClickedOk", [this] { OnBnClickedOk(); })) {
         QDialog::accept();
     }
 }
 
 void BrowseCloudLayersDlg::OnBnClickedOk() {
-    std::vector<CloudLayer> selected;
+    std::vector<CloudLayer> selected = kept_.All();
     for (const std::size_t record : SelectedRecords()) {
         selected.push_back(layerRows_->Rows()[record].Layer());
     }
-    SaveWindowPlacement(*this, services_.options, kPlacementName);
+    SavePlacement();
     selected_ = std::move(selected);
 }
 
 void BrowseCloudLayersDlg::reject() {
-    RunStep(L"OnBnClickedCancel", [this] { SaveWindowPlacement(*this, services_.options, kPlacementName); });
+    RunStep(L"OnBnClickedCancel", [this] { SavePlacement(); });
     QDialog::reject();
 }
 

@@ -45,7 +45,7 @@ class BrowseCloudLayersDlg : public QDialog {
                          CloudLibrary library = {});
     ~BrowseCloudLayersDlg() override;
 
-    /// The layers that were selected, in the order shown, when the dialog was closed with OK; otherwise none.
+    /// The layers that were selected, in any project, when the dialog was closed with OK; otherwise none.
     /// Each has a URL.
     std::vector<CloudLayer> SelectedLayers() const { return selected_; }
 
@@ -80,6 +80,7 @@ class BrowseCloudLayersDlg : public QDialog {
     void Place();
 
     SharedAccount AskAccount() const;
+    void ClearLists();
     void PopulateFolders();
     void ReadProjects();
     void TakeProjects(const ArchivingProjectList& page);
@@ -89,8 +90,12 @@ class BrowseCloudLayersDlg : public QDialog {
     void TakeLayers(const CloudListingPage& page, std::size_t bytes);
     void OnAnswer(List& list, const CloudRequest::Answer& answer);
     void ContinueReading(List& list);
+    void KeepSelection();
+    void SelectKept(std::size_t firstRecord);
+    void OnDeselect();
     std::vector<std::size_t> SelectedRecords() const;
     void EnableItems();
+    void SavePlacement() const;
     void OnBnClickedOk();
     void OnBnClickedHelp();
 
@@ -105,6 +110,7 @@ class BrowseCloudLayersDlg : public QDialog {
     List projects_;
     List layers_;
     std::optional<std::string> project_;  ///< whose layers are shown
+    KeptLayers kept_;                     ///< in other projects
     QTimer layersLater_;  ///< while the user moves through the projects none of them is asked for
     QSplitter* splitter_ = nullptr;
     QPushButton* ok_ = nullptr;

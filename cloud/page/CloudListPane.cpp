@@ -128,6 +128,10 @@ QWidget* CloudListPane::MakeFoot(const std::vector<QIcon>& images) {
     continue_ = new QPushButton(ToQString(Text(text::kCloudTryAgain)));
     continue_->setAutoDefault(false);
     continue_->setToolTip(ToQString(Text(text::kCloudReadOnTooltip)));
+    deselect_ = new QPushButton(ToQString(Text(text::kCloudDeselectThose)));
+    deselect_->setAutoDefault(false);
+    deselect_->setToolTip(ToQString(Text(text::kCloudDeselectThoseTooltip)));
+    SetName(*deselect_, texts_, "Deselect");
     SetName(*busy_, texts_, "Busy");
     SetName(*line_, texts_, "Status");
     SetName(*stop_, texts_, "Stop");
@@ -135,11 +139,13 @@ QWidget* CloudListPane::MakeFoot(const std::vector<QIcon>& images) {
     row->addWidget(busy_);
     row->addWidget(warning_);
     row->addWidget(line_, 1);
+    row->addWidget(deselect_);
     row->addWidget(stop_);
     row->addWidget(continue_);
     foot->setFixedHeight(continue_->sizeHint().height());  // the grid does not jump when they come and go
     connect(stop_, &QToolButton::clicked, this, &CloudListPane::StopRequested);
     connect(continue_, &QPushButton::clicked, this, &CloudListPane::ContinueRequested);
+    connect(deselect_, &QPushButton::clicked, this, &CloudListPane::DeselectRequested);
     return foot;
 }
 
@@ -147,8 +153,9 @@ void CloudListPane::SetOwner(const std::wstring& owner) {
     owner_->Show(owner);
 }
 
-void CloudListPane::SetSelected(std::size_t selected) {
+void CloudListPane::SetSelected(std::size_t selected, std::size_t elsewhere) {
     selected_ = selected;
+    elsewhere_ = elsewhere;
     Arrange();
 }
 
@@ -166,24 +173,28 @@ std::wstring CloudListPane::CountText() const {
     return FormatText(Text(all == 1 ? texts_.one : texts_.several), {all});
 }
 
+std::wstring CloudListPane::SelectedText() const {
+    if (selected_ == 0) {
+        return {};
+    }
+    return L"   " + (elsewhere_ == 0
+                         ? FormatText(Text(text::kCloudSelected), {selected_})
+                         : FormatText(Text(text::kCloudSelectedElsewhere), {selected_, elsewhere_}));
+}
+
 std::wstring CloudListPane::FootText() const {
-    const bool isEmpty = rows_.Count() == 0;
-    const std::wstring selected =
-        selected_ == 0 ? std::wstring() : L"   " + FormatText(Text(text::kCloudSelected), {selected_});
     switch (state_) {
         case CloudListState::Reading:
-            return (!message_.empty() ? message_
-                    : isEmpty         ? std::wstring()
-                                      : FormatText(Text(text::kCloudSoFar), {CountText()})) +
-                   selected;
+            return message_.empty() ? FormatText(Text(text::kCloudSoFar), {CountText()}) + SelectedText()
+                                    : message_;
         case CloudListState::Stopped:
-            return FormatText(Text(text::kCloudStoppedAt), {CountText()}) + selected;
+            return FormatText(Text(text::kCloudStoppedAt), {CountText()}) + SelectedText();
         case CloudListState::Failed:
             return message_;
         case CloudListState::Idle:
             break;
     }
-    return isEmpty ? std::wstring() : CountText() + selected;
+    return (rows_.Count() == 0 ? std::wstring() : CountText()) + SelectedText();
 }
 
 void CloudListPane::Arrange() {
@@ -194,6 +205,7 @@ void CloudListPane::Arrange() {
     busy_->setVisible(isReading);
     stop_->setVisible(isReading);
     warning_->setVisible(isFailed);
+    deselect_->setVisible(elsewhere_ > 0 && !isFailed);
     continue_->setVisible(isFailed || isStopped);
     continue_->setText(ToQString(Text(isStopped ? text::kListContinue : text::kCloudTryAgain)));
     if (rows_.Count() == 0) {

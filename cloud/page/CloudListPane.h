@@ -52,12 +52,13 @@ class CloudListPane : public QWidget {
     /// `message`: why the list is empty (Idle), why reading takes longer (Reading), or the failure.
     void ShowState(CloudListState state, const std::wstring& message = {});
     CloudListState State() const { return state_; }
-    /// Counted in the line below the list; nullopt-like -1: not shown.
-    void SetSelected(std::size_t selected);
+    /// Selected entries, told in the line below the list; `elsewhere`: those of them that are in other lists.
+    void SetSelected(std::size_t selected, std::size_t elsewhere);
 
   signals:
     void StopRequested();
     void ContinueRequested();  ///< after it was stopped, or has failed
+    void DeselectRequested();  ///< what is selected elsewhere
 
   private:
     class Line;
@@ -65,6 +66,7 @@ class CloudListPane : public QWidget {
     QWidget* MakeHead(const CloudListTexts& texts);
     QWidget* MakeFoot(const std::vector<QIcon>& images);
     std::wstring CountText() const;
+    std::wstring SelectedText() const;
     std::wstring FootText() const;
     void Arrange();
 
@@ -78,9 +80,11 @@ class CloudListPane : public QWidget {
     Line* line_;
     QToolButton* stop_;
     QPushButton* continue_;
+    QPushButton* deselect_;
     CloudListState state_ = CloudListState::Idle;
     std::wstring message_;
     std::size_t selected_ = 0;
+    std::size_t elsewhere_ = 0;
 };
 
 }  // namespace orvex
