@@ -14,6 +14,7 @@
 #include "dialog/page/ListModel.h"
 #include "orvexcommon/CloudAccount.h"
 #include "support/DesktopQt.h"
+#include "support/HandlerGuard.h"
 
 class QPushButton;
 class QSplitter;
@@ -70,8 +71,17 @@ class BrowseCloudLayersDlg : public QDialog {
         ListingProgress progress = {};
     };
 
+    /// True if the step has not failed; a failure is told under the step's name.
     template <typename Step>
-    bool RunStep(const wchar_t* name, Step&& step);
+    bool RunStep(const wchar_t* name, Step&& step) noexcept {
+        try {
+            step();
+            return true;
+        } catch (...) {
+            ShowHandlerException(services_.prompts, name, text::kCloudErrorCaption);
+            return false;
+        }
+    }
     void InitializeColumns();
     void BuildWindow();
     QWidget* BuildButtons();

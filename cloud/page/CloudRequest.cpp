@@ -14,7 +14,7 @@ namespace orvex {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr auto kPatience = std::chrono::seconds(1);
+constexpr auto kPatience = std::chrono::milliseconds(500);
 constexpr std::size_t kMostWorkers = 8;
 
 }  // namespace

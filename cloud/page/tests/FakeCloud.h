@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "cloud/page/BrowseCloudLayersDlg.h"
+#include "cloud/page/tests/BrowserFixture.h"
 
 namespace orvex::testing {
 
@@ -98,6 +98,50 @@ class FakeCloud {
     std::vector<std::string> asked_;
     std::set<std::wstring> tokens_;
     int running_ = 0;
+};
+
+inline constexpr const char* kSecret = "5ec4e7";
+
+inline std::string LayerJson(const std::string& name, const std::string& id) {
+    return R"({"name":")" + name + R"(","type":"LAZ","wkt":"PROJCS[\"x\"]","bytes":1610612736,"points":12,)" +
+           R"("crs":"EPSG:25832","url":"https://h/)" + id + ".laz?X-Amz-Signature=" + kSecret +
+           R"(","id":")" + id + R"(","project":"p"})";
+}
+
+/// A page of layers called by their ids.
+inline std::string Listing(const std::vector<std::string>& ids, const std::string& next = {}) {
+    std::string json = R"({"next":")" + next + R"(","layers":[)";
+    for (const std::string& id : ids) {
+        json += (json.back() == '[' ? "" : ",") + LayerJson(id, id);
+    }
+    return json + "]}";
+}
+
+class BrowseCloudLayers : public BrowserFixture {
+  protected:
+    BrowseCloudLayers() {
+        library = FakeCloud::Library(cloud);
+        hostObjects.account = FakeAccount{L"anna", L"https://cloud.example/v", L"t0ken"};
+        cloud->Set("projects", {.projects = {{"Bay", "p1"}, {"Coast", "p2"}, {"Dunes", "p3"}}});
+        cloud->Set("p1", {.json = Listing({"a", "b", "c"})});
+        cloud->Set("p2", {.json = Listing({"d", "e"})});
+        cloud->Set("p3", {.json = Listing({})});
+    }
+    ~BrowseCloudLayers() override {
+        dialog.reset();
+        for (const char* page : {"projects", "p1", "p2", "p3", "p1@2"}) {
+            cloud->Release(page);
+        }
+        EXPECT_TRUE(QTest::qWaitFor([this] { return cloud->Running() == 0; }));
+    }
+    /// Opens the dialog, and waits for the first project's layers.
+    void OpenAndRead() {
+        Open();
+        ASSERT_TRUE(Until([this] { return Layers() == std::vector<std::wstring>{L"a", L"b", L"c"}; }));
+        ASSERT_TRUE(Until([this] { return IsIdle("layers") && IsIdle("projects"); }));
+    }
+
+    std::shared_ptr<FakeCloud> cloud = std::make_shared<FakeCloud>();
 };
 
 }  // namespace orvex::testing
