@@ -149,7 +149,10 @@ std::size_t HostStart(View url, std::size_t start) {
 
 UrlParts Split(View url) {
     const std::size_t scheme = SchemeLength(url);
-    const std::size_t host = HostStart(url, scheme);
+    std::size_t host = scheme;
+    for (std::size_t next = HostStart(url, host); next != host; next = HostStart(url, host)) {
+        host = next;
+    }
     const std::size_t end = std::min(url.find(L'#', host), url.size());
     const std::size_t query = std::min(url.find(L'?', host), end);
     return {url.substr(0, scheme), url.substr(host, query - host), url.substr(query, end - query)};
@@ -157,6 +160,9 @@ UrlParts Split(View url) {
 
 /// Host, folder or file name without parameters behind "&" or an encoded "?".
 View ShownName(View name) {
+    // Some proxies take a URL with its user info as part of their path.
+    const std::size_t at = name.rfind(L'@');
+    name.remove_prefix(name.find(L':') < at && at != View::npos ? at + 1 : 0);
     const std::wstring decoded = Decoded(name);
     const std::size_t start = decoded.find_first_of(kNestedStarts);
     return start == std::wstring::npos || !HoldsSecret(View(decoded).substr(start))

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <utility>
 
+#include "cloud/CloudRow.h"
 #include "cloud/RemoteLas.h"
 #include "support/LDataError.h"
 #include "support/SignedUrl.h"
@@ -68,6 +69,20 @@ constexpr ReportKind kKinds[] = {
     {"photo", DataKind::Photo, InspectPhotoFile},
 };
 
+/// Adds what the cloud page says about the link itself.
+void AddExpiry(const std::wstring& url, FileReport& report) {
+    constexpr std::size_t kFirst[] = {0};
+    std::vector<CloudRow> rows;
+    rows.push_back(PresignedRow(url));
+    ApplyCloudRules(rows, kFirst, CurrentTimeMs());
+    const std::vector<Finding>& found = rows.front().findings;
+    report.findings.insert(report.findings.end(), found.begin(), found.end());
+    std::ranges::stable_sort(report.findings, std::ranges::greater(), &Finding::severity);
+    if (report.loadable) {
+        report.summary = SummaryOf(report.findings);
+    }
+}
+
 FileReport InspectUrl(const std::wstring& url, const ReportKind* kind, const CloudCall& call) {
     FileReport report;
     report.kind = "cloud";
@@ -81,6 +96,7 @@ FileReport InspectUrl(const std::wstring& url, const ReportKind* kind, const Clo
     report.cloudStatus = remote.status;
     report.transferred = remote.transferred;
     ReportLas(std::move(remote.row), report);
+    AddExpiry(url, report);
     return report;
 }
 
