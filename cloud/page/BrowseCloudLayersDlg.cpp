@@ -27,7 +27,7 @@ namespace {
 
 constexpr QSize kMinimumSize{640, 320};
 constexpr QSize kDefaultSize{1100, 640};
-constexpr int kProjectsWidth = 260;
+constexpr int kProjectsWidth = 235;
 constexpr int kPauseMs = 120;
 constexpr const wchar_t* kPlacementName = L"BrowseCloudLayersDlg";
 constexpr const wchar_t* kSplitterName = L"BrowseCloudLayersDlgSplitter";

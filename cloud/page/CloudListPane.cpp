@@ -185,8 +185,8 @@ std::wstring CloudListPane::SelectedText() const {
 std::wstring CloudListPane::FootText() const {
     switch (state_) {
         case CloudListState::Reading:
-            return message_.empty() ? FormatText(Text(text::kCloudSoFar), {CountText()}) + SelectedText()
-                                    : message_;
+            return (message_.empty() ? FormatText(Text(text::kCloudSoFar), {CountText()}) : message_) +
+                   SelectedText();
         case CloudListState::Stopped:
             return FormatText(Text(text::kCloudStoppedAt), {CountText()}) + SelectedText();
         case CloudListState::Failed:

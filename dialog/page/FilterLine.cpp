@@ -130,6 +130,7 @@ void FilterLine::Edit() {
 void FilterLine::ShowProblem(const std::wstring& problem) {
     problemText_ = ToQString(problem);
     problemIcon_->setVisible(!problem.empty());
+    problem_->setVisible(!isNarrow_ || !problem.empty());
     problem_->setToolTip(TooltipText(problemText_));
     problem_->setAccessibleName(problemText_);
     words_->setAccessibleDescription(problemText_);
@@ -146,6 +147,8 @@ void FilterLine::ShowCounts(const PropertyCounts& rows, std::size_t all) {
 
 void FilterLine::ShowWordsOnly(StringId placeholder, StringId tooltip) {
     show_->hide();
+    problem_->hide();
+    isNarrow_ = true;
     words_->setPlaceholderText(ToQString(Text(placeholder)));
     words_->setToolTip(ToQString(Text(tooltip)));
     words_->setWhatsThis(words_->toolTip());

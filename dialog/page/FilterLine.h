@@ -36,7 +36,8 @@ class FilterLine : public QWidget {
     void ShowProblem(const std::wstring& problem);
     /// Numbers of rows, for the menu.
     void ShowCounts(const PropertyCounts& rows, std::size_t all);
-    /// For lists whose rows have no properties: no menu, and texts of their own.
+    /// For narrow lists whose rows have no properties: no menu, no room for a problem while there is none,
+    /// and texts of their own.
     void ShowWordsOnly(StringId placeholder, StringId tooltip);
     /// Where there is no room the line shows only while it is used.
     void SetCrowded(bool crowded);
@@ -73,6 +74,7 @@ class FilterLine : public QWidget {
     std::vector<Choice> choices_;
     std::optional<RowProperty> property_;
     bool crowded_ = false;
+    bool isNarrow_ = false;
 };
 
 }  // namespace orvex

@@ -215,7 +215,7 @@ TEST_F(BrowseCloudLayers, FiltersWorkOnWhatHasArrived) {
     Type("projects", "coast 9999");
     ASSERT_TRUE(Until([this] { return Model("projects").rowCount() == 1; }));
     EXPECT_EQ(Layers().size(), 3U);
-    Type("layers", "-b size>1");
+    Type("layers", "name!=b size>1");
     EXPECT_EQ(Layers(), (Names{L"a", L"c"}));
     Type("layers", "none");
     EXPECT_EQ(Message("layers"), Text(text::kFilterNothing));

@@ -29,7 +29,7 @@ class BrowseCloudServer : public BrowserFixture {
     BrowseCloudServer() {
         folder.Write(L"projects.json", R"({"projects":[{"name":"Bay","id":"p1"},{"name":"Coast","id":"p2"},)"
                                        R"({"name":"Cycle - Archive","id":"p3"}]})");
-        folder.Write(L"projects/p1.json", LayersJson(2500));
+        folder.Write(L"projects/p1.json", LayersJson(1100));
         folder.Write(L"projects/p2.json", LayersJson(3));
         server = std::make_unique<CloudServer>(CloudServerSettings{.folder = folder.Path(), .token = kToken});
         hostObjects.account = FakeAccount{L"anna", FromUtf8(server->Address()), FromUtf8(kToken)};
@@ -38,7 +38,7 @@ class BrowseCloudServer : public BrowserFixture {
 
     void OpenAndRead() {
         Open();
-        ASSERT_TRUE(Until([this] { return Layers().size() == 2500 && IsIdle("layers"); }));
+        ASSERT_TRUE(Until([this] { return Layers().size() == 1100 && IsIdle("layers"); }));
         EXPECT_EQ(Column("projects", 0), (Names{L"Bay", L"Coast"}));
     }
     /// Shows the second project, whose layers fail.
@@ -55,7 +55,7 @@ class BrowseCloudServer : public BrowserFixture {
         Click("layersContinue");
         EXPECT_TRUE(Until([this] { return Layers().size() == 3 && IsIdle("layers"); }));
         ClickRow("projects", 0);
-        EXPECT_TRUE(Until([this] { return Layers().size() == 2500 && IsIdle("layers"); }));
+        EXPECT_TRUE(Until([this] { return Layers().size() == 1100 && IsIdle("layers"); }));
         return told;
     }
 
@@ -117,7 +117,7 @@ TEST_F(BrowseCloudServer, SlowAnswersFreezeNothing) {
     const auto asked = [this] { return server->Requests().back() == "GET /v1/projects/p2/files"; };
     ASSERT_TRUE(Until(asked));
     ClickRow("projects", 0);
-    EXPECT_TRUE(Until([this] { return Layers().size() == 2500 && IsIdle("layers"); }));
+    EXPECT_TRUE(Until([this] { return Layers().size() == 1100 && IsIdle("layers"); }));
     ClickRow("projects", 1);
     ASSERT_TRUE(Until(asked));
     Click("cancel");
