@@ -12,6 +12,7 @@
 #include <QSslError>
 #include <QSslKey>
 #include <QStringList>
+#include <QThreadPool>
 #include <QTimer>
 #include <algorithm>
 #include <exception>
@@ -331,6 +332,12 @@ void BackOff(const HttpAnswer& answer, int attempt, const HttpLimits& limits, co
     }
 }
 
+/// A manager waits for its thread, which a server that sends headers without end keeps busy for seconds.
+void DestroyElsewhere(std::unique_ptr<QNetworkAccessManager> manager) {
+    manager->moveToThread(nullptr);
+    QThreadPool::globalInstance()->start([raw = manager.release()] { delete raw; });
+}
+
 }  // namespace
 
 bool IsSameOrigin(const QUrl& a, const QUrl& b) {
@@ -355,6 +362,16 @@ void HttpClient::FindProxies(const QUrl& url, const CloudCall& call) {
     proxiesOf_ = url;
 }
 
+HttpAnswer HttpClient::Send(const HttpRequest& request, const QUrl& url, const CloudCall& call) {
+    try {
+        return Transfer(*manager_, request, url, limits_, call, received_).Run();
+    } catch (...) {
+        DestroyElsewhere(std::move(manager_));
+        proxiesOf_.clear();
+        throw;
+    }
+}
+
 HttpAnswer HttpClient::Get(const HttpRequest& request, const CloudCall& call) {
     if (QCoreApplication::instance() == nullptr) {
         throw CloudError(CloudStatus::Unreachable, Text(text::kCloudWithoutApplication));
@@ -369,7 +386,7 @@ HttpAnswer HttpClient::Get(const HttpRequest& request, const CloudCall& call) {
             ThrowCancelled();
         }
         FindProxies(url, call);
-        HttpAnswer answer = Transfer(*manager_, request, url, limits_, call, received_).Run();
+        HttpAnswer answer = Send(request, url, call);
         if ((answer.status >= 200 && answer.status < 300) ||
             (answer.status == 416 && !request.range.isEmpty())) {
             return answer;

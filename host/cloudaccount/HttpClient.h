@@ -58,6 +58,7 @@ class HttpClient {
 
   private:
     void FindProxies(const QUrl& url, const CloudCall& call);
+    HttpAnswer Send(const HttpRequest& request, const QUrl& url, const CloudCall& call);
 
     HttpLimits limits_;
     std::unique_ptr<QNetworkAccessManager> manager_;
