@@ -30,6 +30,7 @@ std::wstring AllFindings(const CloudRow& row) {
     return FindingLines(row.findings);
 }
 
+// Beside the name, which never scrolls out of sight as the words do.
 int StateIcon(const CloudRow& row) {
     return row.remote == nullptr && row.findings.empty() ? -1 : LoadFlagImage(LoadFlagOf(row));
 }
@@ -76,7 +77,7 @@ constexpr GridColumn StateColumn() {
 }
 
 constexpr Column<CloudRow> kColumns[] = {
-    {{NameColumn()}, TextOf<&CloudRow::name>, {.tooltip = ShownPath}},
+    {{NameColumn()}, TextOf<&CloudRow::name>, {.tooltip = ShownPath, .icon = StateIcon}},
     {{WithTooltip(TextColumn("source", text::kCloudSource, 100), text::kCloudSourceTooltip)},
      TextOf<&CloudRow::kind>},
     {{SizeColumn()}, Size},
@@ -90,7 +91,7 @@ constexpr Column<CloudRow> kColumns[] = {
     {{HiddenColumn("layerId", text::kCloudLayerId)}, TextOf<&CloudRow::value2>},
     {{HiddenColumn("projectId", text::kCloudProjectId)}, TextOf<&CloudRow::value3>},
     {{WithTooltip(TextColumn("expires", text::kCloudExpires, 130), text::kCloudExpiresTooltip)}, Expires},
-    {{StateColumn()}, State, {.tooltip = AllFindings, .icon = StateIcon}},
+    {{StateColumn()}, State, {.tooltip = AllFindings}},
 };
 
 }  // namespace

@@ -44,11 +44,13 @@ CloudRow RowOfUrl(std::wstring url, const wchar_t* kind) {
     return row;
 }
 
+// A link that has expired is why its file cannot be read, and comes first.
 void AddExpiry(CloudRow& row, std::int64_t now) {
-    if (row.expiresMs && *row.expiresMs <= now + kHourMs) {
-        const FindingKind& kind =
-            *row.expiresMs <= now ? cloud_finding::kExpired : cloud_finding::kExpiresSoon;
-        row.findings.push_back(MakeFinding(kind, {UtcTimeText(*row.expiresMs)}));
+    if (row.expiresMs && *row.expiresMs <= now) {
+        row.findings.insert(row.findings.begin(),
+                            MakeFinding(cloud_finding::kExpired, {UtcTimeText(*row.expiresMs)}));
+    } else if (row.expiresMs && *row.expiresMs <= now + kHourMs) {
+        row.findings.push_back(MakeFinding(cloud_finding::kExpiresSoon, {UtcTimeText(*row.expiresMs)}));
     }
 }
 
@@ -137,9 +139,9 @@ std::optional<std::int64_t> ApplyCloudRules(std::vector<CloudRow>& rows, std::sp
     for (const std::size_t index : order) {
         CloudRow& row = rows[index];
         row.findings.clear();
-        AddExpiry(row, now);
         names.Judge(row);
         AddRemote(row);
+        AddExpiry(row, now);
         std::ranges::stable_sort(row.findings, std::ranges::greater(), &Finding::severity);
         row.summary = row.findings.empty() ? std::wstring() : row.findings.front().text;
         if (const auto change = NextChange(row, now); change && (!next || *change < *next)) {

@@ -55,8 +55,7 @@ AddCloudLASFileDlg::AddCloudLASFileDlg(DialogServices& services, QWidget* parent
     setWindowTitle(ToQString(Text(text::kPresignedUrlTitle)));
     setWindowIcon(MakeImageList()[kImageCloud]);
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(BuildGroup());
-    layout->addStretch(1);
+    layout->addWidget(BuildGroup(), 1);
     layout->addLayout(BuildButtons());
     AssignMnemonics(*this);
     auto* help = new QShortcut(Qt::Key_F1, this);
@@ -77,8 +76,8 @@ QWidget* AddCloudLASFileDlg::BuildGroup() {
     notes_->setObjectName(QStringLiteral("urlNotes"));
     notes_->setWordWrap(true);
     notes_->setTextFormat(Qt::PlainText);
-    // Lines come and go while the user types, in room that is there from the start.
-    notes_->setMinimumHeight(3 * notes_->fontMetrics().lineSpacing());
+    // Sentences come and go while the user types, in room that is there from the start.
+    notes_->setMinimumHeight(4 * notes_->fontMetrics().lineSpacing());
     notes_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     auto* group = new QGroupBox(ToQString(Text(text::kPresignedUrlGroup)));
     auto* grid = new QGridLayout(group);
@@ -88,6 +87,7 @@ QWidget* AddCloudLASFileDlg::BuildGroup() {
     grid->addWidget(field_, 0, 1);
     grid->addWidget(MakeText(text::kPresignedUrlHint), 1, 1);
     grid->addWidget(notes_, 2, 1);
+    grid->setRowStretch(2, 1);
     connect(field_, &QLineEdit::textChanged, this,
             Guarded(services_.prompts, L"OnUrl", [this] { ShowNotes(); }));
     return group;
@@ -149,11 +149,11 @@ void AddCloudLASFileDlg::OnHelp() {
 }
 
 void AddCloudLASFileDlg::ShowNotes() {
-    QString lines;
+    QString sentences;
     for (const std::wstring& note : UrlNotes(ToWide(field_->text().trimmed()), CurrentTimeMs())) {
-        lines += (lines.isEmpty() ? QString() : QStringLiteral("\n")) + ToQString(note);
+        sentences += (sentences.isEmpty() ? QString() : QStringLiteral(" ")) + ToQString(note);
     }
-    notes_->setText(lines);
+    notes_->setText(sentences);
 }
 
 }  // namespace orvex

@@ -201,6 +201,8 @@ TEST(CloudRules, TakeWhatALookInsideHasFound) {
     EXPECT_THAT(Codes(rows[1]), ElementsAre("remote-unusable", "link-expired"));
     EXPECT_THAT(Codes(rows[2]), ElementsAre("link-expired", "remote-not-read"));
     EXPECT_THAT(Codes(rows[3]), ElementsAre("wkt-bit-missing"));
+    ApplyCloudRules(rows, InOrder(rows), kNoon + 30 * kMinuteMs);
+    EXPECT_THAT(Codes(rows[2]), ElementsAre("remote-not-read", "link-expires-soon"));
     EXPECT_NE(rows[0].crs, nullptr);
     EXPECT_EQ(rows[2].crs, nullptr);
     EXPECT_TRUE(rows[1].loadable);  // nothing of this keeps a row from the record
@@ -211,10 +213,11 @@ TEST(UrlNotes, SayWhatIsOddAndNeverTheUrl) {
     const auto notes = [](const std::wstring& url, std::int64_t after = 0) {
         return UrlNotes(url, kNoon + after * kMinuteMs);
     };
+    const auto said = [](StringId id) { return FormatText(Text(id), {L"2026-09-24 13:00"}); };
     EXPECT_THAT(notes(L""), IsEmpty());
-    EXPECT_THAT(notes(text, -1), ElementsAre(L"The link expires on 2026-09-24 13:00 UTC."));
-    EXPECT_THAT(notes(text), ElementsAre(L"The link expires within the hour, on 2026-09-24 13:00 UTC."));
-    EXPECT_THAT(notes(text, 60), ElementsAre(L"The link expired on 2026-09-24 13:00 UTC."));
+    EXPECT_THAT(notes(text, -1), ElementsAre(said(text::kCloudLinkExpires)));
+    EXPECT_THAT(notes(text), ElementsAre(said(text::kCloudLinkExpiresSoon)));
+    EXPECT_THAT(notes(text, 60), ElementsAre(said(text::kCloudLinkExpired)));
     EXPECT_THAT(notes(L"HTTPS://a/b.las"), ElementsAre(Text(text::kCloudLinkHasNoEnd)));
     EXPECT_THAT(notes(L"<\"a.las \r\n'"),
                 ElementsAre(Text(text::kCloudLinkHasNoEnd), Text(text::kCloudUrlScheme),

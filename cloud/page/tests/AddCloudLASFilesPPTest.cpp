@@ -13,7 +13,6 @@
 #include <QTimer>
 #include <atomic>
 #include <fstream>
-#include <mutex>
 #include <thread>
 
 #include "dialog/testing/PageFixture.h"
@@ -129,8 +128,10 @@ class CloudPage : protected ScriptOfPage, public testing::PageFixture {
     /// A file that the network has.
     RemoteLas Remote(const std::wstring& url) const {
         RemoteLas remote;
-        remote.row = InspectLasFile(
-            las_.Write(testing::LasBuilder().ProjectedEpsg(25832).AddPoints(5, 500000, 5500000)));
+        const testing::LasBuilder file =
+            testing::LasBuilder().ProjectedEpsg(25832).AddPoints(5, 500000, 5500000);
+        // Several threads ask at a time.
+        remote.row = InspectLasFile(las_.Write(file, std::to_wstring(++asked_) + L".las"));
         remote.row.path = url;
         remote.transferred = 65'400;
         remote.status = CloudStatus::Ok;
@@ -139,6 +140,7 @@ class CloudPage : protected ScriptOfPage, public testing::PageFixture {
 
   private:
     testing::LasFolder las_;
+    mutable std::atomic<int> asked_ = 0;
 };
 
 TEST_F(CloudPage, IsLaidOutAsPagesAre) {
