@@ -172,7 +172,7 @@ class CloudServer::Impl {
         if (requests_.size() > kMostRequests) {
             requests_.pop_front();
         }
-        const std::shared_ptr<const CloudFault> fault = TakeFault(path);
+        std::shared_ptr<const CloudFault> fault = TakeFault(path);
         changed_.wait_for(lock, std::chrono::milliseconds(fault->delayMs),
                           [&, clearings = clearings_] { return isEnding_ || clearings_ != clearings; });
         return fault;

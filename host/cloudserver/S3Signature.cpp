@@ -106,7 +106,7 @@ std::string CanonicalQuery(const Parameters& parameters) {
     std::ranges::sort(encoded);
     std::string query;
     for (const auto& [name, value] : encoded) {
-        query += (query.empty() ? "" : "&") + name + "=" + value;
+        query.append(query.empty() ? "" : "&").append(name).append("=").append(value);
     }
     return query;
 }

@@ -25,7 +25,7 @@ Owned<X509> MakeCertificate(EVP_PKEY* key) {
     X509* const x = certificate.get();
     Require(X509_set_version(x, X509_VERSION_3) == 1 && ASN1_INTEGER_set(X509_get_serialNumber(x), 1) == 1 &&
             X509_gmtime_adj(X509_getm_notBefore(x), -3600) != nullptr &&
-            X509_gmtime_adj(X509_getm_notAfter(x), 24 * 3600) != nullptr && X509_set_pubkey(x, key) == 1);
+            X509_gmtime_adj(X509_getm_notAfter(x), 24 * 3600L) != nullptr && X509_set_pubkey(x, key) == 1);
     X509_NAME* const name = X509_get_subject_name(x);
     const auto* const text = reinterpret_cast<const unsigned char*>("127.0.0.1");
     Require(X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, text, -1, -1, 0) == 1 &&
@@ -47,7 +47,7 @@ TestCertificate WriteTestCertificate(const std::filesystem::path& folder) {
     const Owned<EVP_PKEY> key(EVP_EC_gen("P-256"), EVP_PKEY_free);
     Require(key != nullptr);
     const Owned<X509> certificate = MakeCertificate(key.get());
-    const TestCertificate files{folder / "certificate.pem", folder / "key.pem"};
+    TestCertificate files{folder / "certificate.pem", folder / "key.pem"};
     WritePem(files.certificate, [&](BIO* file) { return PEM_write_bio_X509(file, certificate.get()); });
     WritePem(files.key, [&](BIO* file) {
         return PEM_write_bio_PrivateKey(file, key.get(), nullptr, nullptr, 0, nullptr, nullptr);

