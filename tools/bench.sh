@@ -1,5 +1,5 @@
 # Runs the benchmarks of the release build: one line per figure, and the same as JSON in build/bench/.
-benchmarks=(las grid dem raster feature photo)
+benchmarks=(las grid dem raster feature photo cloud)
 name=${1:-all}
 if [ "$name" != all ]; then
     if [[ " ${benchmarks[*]} " != *" $name "* ]]; then
