@@ -286,8 +286,9 @@ TEST_F(ServedAccount, TrustsOnlyCertificatesOfKnownAuthoritiesForThisHost) {
                .key = folder_.Path() / "key.pem"});
         const ArchivingProjectList list = Projects(server_->Address());
         EXPECT_EQ(list.outcome.status, c.status) << ToUtf8(list.outcome.message);
-        const std::wstring sentence =
-            FormatText(Text(text::kCloudUntrusted), {HostOf(server_->Address()), L""});
+        const std::wstring frame =
+            FormatText(Text(text::kCloudUntrusted), {HostOf(server_->Address()), L"|"});
+        const std::wstring sentence = frame.substr(0, frame.find(L'|'));
         EXPECT_EQ(list.outcome.message.starts_with(sentence), c.status != CloudStatus::Ok);
         EXPECT_EQ(server_->Requests().size(), c.status == CloudStatus::Ok ? 1u : 0u);
     }
