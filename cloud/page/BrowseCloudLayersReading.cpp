@@ -106,10 +106,11 @@ void BrowseCloudLayersDlg::ContinueReading(List& list) {
 void BrowseCloudLayersDlg::ReadProjects() {
     projects_.request->Start([this, list = library_.listProjects, account = account_,
                               next = projects_.progress.Next()](const CloudCall& call) {
-        ArchivingProjectList page{.projects = {}, .next = next, .outcome = {}};
-        list(*account, page, {}, call);
-        RequireOk(page.outcome);
-        return CloudRequest::Answer([this, page = std::move(page)] { TakeProjects(page); });
+        const auto page = std::make_shared<ArchivingProjectList>();
+        page->next = next;
+        list(*account, *page, {}, call);
+        RequireOk(page->outcome);
+        return CloudRequest::Answer([this, page] { TakeProjects(*page); });
     });
     projects_.pane->ShowState(CloudListState::Reading);
 }
@@ -158,8 +159,8 @@ void BrowseCloudLayersDlg::ReadLayers() {
                             next = layers_.progress.Next()](const CloudCall& call) {
         std::string json;
         RequireOk(get(*account, project, next, json, call));
-        return CloudRequest::Answer(
-            [this, page = ParseProjectFiles(json), bytes = json.size()] { TakeLayers(page, bytes); });
+        const auto page = std::make_shared<const CloudListingPage>(ParseProjectFiles(json));
+        return CloudRequest::Answer([this, page, bytes = json.size()] { TakeLayers(*page, bytes); });
     });
     layers_.pane->ShowState(CloudListState::Reading);
 }
