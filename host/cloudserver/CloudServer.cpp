@@ -107,9 +107,7 @@ class CloudServer::Impl {
                 response.set_content(ErrorReply(response.status).body, "application/json");
             }
         });
-        const int port = server_.Start(settings_.address, settings_.port);
-        const bool isIpv6 = settings_.address.find(':') != std::string::npos;
-        host_ = (isIpv6 ? "[" + settings_.address + "]" : settings_.address) + ":" + std::to_string(port);
+        address_ = ServerAddress(settings_, server_.Start(settings_.address, settings_.port));
     }
     ~Impl() {
         {
@@ -122,8 +120,7 @@ class CloudServer::Impl {
     Impl(const Impl&) = delete;
     Impl& operator=(const Impl&) = delete;
 
-    std::string Scheme() const { return settings_.certificate.empty() ? "http" : "https"; }
-    const std::string& Host() const { return host_; }
+    const std::string& Address() const { return address_; }
     std::uint64_t BytesSent() const { return *bytesSent_; }
 
     void SetFault(const std::string& prefix, CloudFault fault) {
@@ -145,8 +142,8 @@ class CloudServer::Impl {
         return {requests_.begin(), requests_.end()};
     }
 
-    std::string Sign(const std::string& host, const std::string& file, int seconds) const {
-        return SignFileUrl(Scheme() + "://" + host, key_.secretKey, file, seconds);
+    std::string Sign(const std::string& address, const std::string& file, int seconds) const {
+        return SignFileUrl(address, key_.secretKey, file, seconds);
     }
 
   private:
@@ -242,8 +239,10 @@ class CloudServer::Impl {
         if (path == "/v1/projects") {
             listing = folder_.Projects(*page);
         } else if (const auto project = ProjectOf(path)) {
+            // As the client has reached this server, whatever the name that it uses.
+            const std::string address = address_.substr(0, address_.find("//") + 2) + HostOf(request);
             listing = folder_.Layers(*project, *page, [&](const std::string& file) {
-                return file.starts_with("files/") ? Sign(HostOf(request), file, kListedUrlSeconds) : "";
+                return file.starts_with("files/") ? Sign(address, file, kListedUrlSeconds) : "";
             });
         }
         Reply reply;
@@ -280,7 +279,7 @@ class CloudServer::Impl {
     const CloudServerSettings settings_;
     AccountFolder folder_;
     const S3Credentials key_;
-    std::string host_;
+    std::string address_;
     const std::shared_ptr<std::atomic<std::uint64_t>> bytesSent_ =
         std::make_shared<std::atomic<std::uint64_t>>(0);
 
@@ -293,6 +292,12 @@ class CloudServer::Impl {
 
     HttpServer server_;  // last: its threads use the rest
 };
+
+std::string ServerAddress(const CloudServerSettings& settings, int port) {
+    const bool isIpv6 = settings.address.find(':') != std::string::npos;
+    return (settings.certificate.empty() ? "http://" : "https://") +
+           (isIpv6 ? "[" + settings.address + "]" : settings.address) + ":" + std::to_string(port);
+}
 
 std::string SignFileUrl(const std::string& address, const std::string& signingSecret, const std::string& file,
                         int seconds) {
@@ -312,7 +317,7 @@ CloudServer::CloudServer(CloudServerSettings settings) : impl_(std::make_unique<
 CloudServer::~CloudServer() = default;
 
 std::string CloudServer::Address() const {
-    return impl_->Scheme() + "://" + impl_->Host();
+    return impl_->Address();
 }
 
 void CloudServer::SetFault(const std::string& pathPrefix, CloudFault fault) {
@@ -324,7 +329,7 @@ void CloudServer::ClearFaults() {
 }
 
 std::string CloudServer::SignedUrl(const std::string& file, int seconds) const {
-    return impl_->Sign(impl_->Host(), file.starts_with("files/") ? file : "files/" + file, seconds);
+    return impl_->Sign(impl_->Address(), file.starts_with("files/") ? file : "files/" + file, seconds);
 }
 
 std::uint64_t CloudServer::BytesSent() const {

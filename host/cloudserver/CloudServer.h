@@ -67,6 +67,9 @@ class CloudServer {
     std::unique_ptr<Impl> impl_;
 };
 
+/// Address of a server with these settings at a port: "https://[::1]:8080".
+std::string ServerAddress(const CloudServerSettings& settings, int port);
+
 /// Signed URL of a file for the server at `address` ("http://host:port") with this secret; see SignedUrl.
 /// `file` is its path below the folder, "files/a.las", percent-encoded or not.
 std::string SignFileUrl(const std::string& address, const std::string& signingSecret, const std::string& file,

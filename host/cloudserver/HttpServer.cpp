@@ -25,8 +25,9 @@ constexpr int kMostWaiting = 64;
 constexpr std::size_t kMostHead = 32 << 10;
 constexpr auto kHeadTime = 10s;
 constexpr auto kIdleTime = 5s;
-constexpr auto kStallTime = 30s;  // of a client that does not take its answer
-constexpr auto kSlice = 20ms;     // after which a waiting connection looks whether the server ends
+constexpr auto kShortIdleTime = 250ms;  // of a new connection, while others wait
+constexpr auto kStallTime = 30s;        // of a client that does not take its answer
+constexpr auto kSlice = 20ms;           // after which a waiting connection looks whether the server ends
 
 /// One connection, as httplib reads and writes it.
 class Connection : public httplib::Stream {
@@ -34,20 +35,22 @@ class Connection : public httplib::Stream {
     Connection(socket_t socket, std::unique_ptr<Wire> wire, const std::atomic<bool>& stopping)
         : socket_(socket), wire_(std::move(wire)), stopping_(stopping) {}
 
-    /// Waits for the first byte of a request; false if none comes, or others wait for the thread.
+    /// Waits for the first byte of a request; false if none comes in time, which is short while others wait.
     bool WaitForRequest(const std::atomic<int>& waiting) {
         headLeft_ = kMostHead;
-        const auto end = Clock::now() + kIdleTime;
-        headEnd_ = end;
-        for (bool isFirst = true; position_ == size_; isFirst = false) {
-            const bool isOver = stopping_ || Clock::now() >= end || (!isFirst && waiting > 0);
-            if (isOver) {
+        const auto begin = Clock::now();
+        const auto patience = isUsed_ ? kSlice : kShortIdleTime;
+        headEnd_ = begin + kIdleTime;
+        while (position_ == size_) {
+            const auto now = Clock::now();
+            if (stopping_ || now >= headEnd_ || (waiting > 0 && now >= begin + patience)) {
                 return false;
             }
             if (WaitForSocket(socket_, false, kSlice) && !Fill()) {
                 return false;
             }
         }
+        isUsed_ = true;
         headEnd_ = Clock::now() + kHeadTime;
         return true;
     }
@@ -109,6 +112,7 @@ class Connection : public httplib::Stream {
     std::array<char, 4096> buffer_;
     std::size_t position_ = 0, size_ = 0;
     std::size_t headLeft_ = 0;
+    bool isUsed_ = false;  ///< has had a request
     Clock::time_point headEnd_;
 };
 

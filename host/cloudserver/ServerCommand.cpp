@@ -183,9 +183,8 @@ int PrintSignedUrl(const Options& options, std::ostream& out) {
         options.server.port == 0) {
         throw LDataError(FormatText(Text(text::kCloudServerNotSigned), {options.signedFile, folder}));
     }
-    const std::string scheme = options.server.certificate.empty() ? "http://" : "https://";
-    out << SignFileUrl(scheme + options.server.address + ":" + std::to_string(options.server.port),
-                       options.server.signingSecret, PercentEncoded(file, true), options.expires)
+    out << SignFileUrl(ServerAddress(options.server, options.server.port), options.server.signingSecret,
+                       PercentEncoded(file, true), options.expires)
         << std::endl;
     return kServerOk;
 }

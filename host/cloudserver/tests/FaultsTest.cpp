@@ -207,7 +207,7 @@ TEST_F(FaultsTest, ClosesAConnectionWhoseHeadHasNoEnd) {
 }
 
 TEST_F(FaultsTest, AnswersWhileOthersKeepConnectionsIdle) {
-    std::vector<std::unique_ptr<RawConnection>> idle(60);
+    std::vector<std::unique_ptr<RawConnection>> idle(40);
     for (auto& connection : idle) {
         connection = std::make_unique<RawConnection>(*server_);
     }
