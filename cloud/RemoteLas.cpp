@@ -23,7 +23,8 @@ constexpr std::uint64_t kFurtherRead = std::uint64_t{8} << 10U;
 /// Parts of a remote file, each requested once.
 class RemoteSource final : public ByteSource {
   public:
-    RemoteSource(RangeReader& reader, const CloudCall& call) : reader_(reader), call_(call) {}
+    RemoteSource(RangeReader& reader, const CloudCall& call, std::chrono::milliseconds most)
+        : reader_(reader), call_(call), end_(Clock::now() + most) {}
 
     SystemError Size(std::uint64_t& size) const override {
         if (parts_.empty()) {
@@ -61,6 +62,7 @@ class RemoteSource final : public ByteSource {
     const CloudOutcome& Outcome() const { return outcome_; }
 
   private:
+    using Clock = std::chrono::steady_clock;
     static constexpr SystemError kFailed = -2;  // the outcome says why
 
     struct Part {
@@ -93,13 +95,27 @@ class RemoteSource final : public ByteSource {
         return Request(offset, std::min(length, left));
     }
 
+    /// Reads until the time is up: a server that sends little by little is not waited for.
+    CloudOutcome Read(std::uint64_t offset, std::span<std::byte> buffer, std::size_t& read) const {
+        bool isTimeUp = false;
+        const auto isCancelled = [&] {
+            isTimeUp = Clock::now() >= end_;
+            return isTimeUp || (call_.isCancelled && call_.isCancelled());
+        };
+        CloudOutcome outcome = reader_.Read(offset, buffer, read, {isCancelled, call_.waiting});
+        if (outcome.status == CloudStatus::Cancelled && isTimeUp) {
+            return {CloudStatus::Unreachable, Text(text::kRemoteTooSlow)};
+        }
+        return outcome;
+    }
+
     SystemError Request(std::uint64_t offset, std::uint64_t length) const {
         if (outcome_.status != CloudStatus::Ok) {
             return kFailed;
         }
         std::vector<std::byte> bytes(static_cast<std::size_t>(length));
         std::size_t read = 0;
-        outcome_ = reader_.Read(offset, bytes, read, call_);
+        outcome_ = Read(offset, bytes, read);
         const std::optional<std::uint64_t> size = reader_.FileSize();
         size_ = size.value_or(0);
         const std::uint64_t promised = std::min(length, size_ - std::min(size_, offset));
@@ -117,6 +133,7 @@ class RemoteSource final : public ByteSource {
     // Reading is what fills the cache.
     RangeReader& reader_;
     const CloudCall& call_;
+    const Clock::time_point end_;
     mutable std::vector<Part> parts_;
     mutable std::uint64_t size_ = 0;
     mutable CloudOutcome outcome_;
@@ -128,9 +145,10 @@ std::wstring ReasonOf(const CloudOutcome& outcome) {
 
 }  // namespace
 
-RemoteLas InspectRemoteLas(RangeReader& reader, const std::wstring& shownUrl, const CloudCall& call) {
+RemoteLas InspectRemoteLas(RangeReader& reader, const std::wstring& shownUrl, const CloudCall& call,
+                           std::chrono::milliseconds most) {
     RemoteLas remote;
-    const RemoteSource source(reader, call);
+    const RemoteSource source(reader, call, most);
     remote.row = InspectLasSource(shownUrl, source);
     remote.status = source.Outcome().status;
     if (remote.status != CloudStatus::Ok) {

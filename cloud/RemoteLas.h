@@ -1,4 +1,5 @@
 #pragma once
+#include <chrono>
 #include <cstdint>
 #include <string>
 
@@ -10,6 +11,7 @@ namespace orvex {
 /// Most that a look into a remote file may cost.
 inline constexpr std::uint64_t kMostRemoteBytes = std::uint64_t{512} << 10U;
 inline constexpr int kMostRemoteReads = 40;
+inline constexpr std::chrono::milliseconds kMostRemoteTime{120'000};
 
 /// A look into a LAS, LAZ or COPC file on a server: its header and records, never its points.
 struct RemoteLas {
@@ -20,10 +22,12 @@ struct RemoteLas {
 };
 
 /// Reads up to kMostRemoteBytes by up to kMostRemoteReads range requests; what they do not reach is a
-/// finding. Never throws. Safe from any thread. The process must have a QCoreApplication.
+/// finding. Ends after kMostRemoteTime. Never throws. Safe from any thread. The process must have a
+/// QCoreApplication.
 RemoteLas InspectRemoteLas(const std::wstring& url, const CloudCall& call = {});
 
 /// The same through a reader. `shownUrl`: from ShownUrl.
-RemoteLas InspectRemoteLas(RangeReader& reader, const std::wstring& shownUrl, const CloudCall& call = {});
+RemoteLas InspectRemoteLas(RangeReader& reader, const std::wstring& shownUrl, const CloudCall& call = {},
+                           std::chrono::milliseconds most = kMostRemoteTime);
 
 }  // namespace orvex

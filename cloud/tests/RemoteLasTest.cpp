@@ -37,7 +37,10 @@ class MemoryReader final : public RangeReader {
     const std::vector<std::pair<std::uint64_t, std::uint64_t>>& Requests() const { return requests_; }
 
     CloudOutcome Read(std::uint64_t offset, std::span<std::byte> buffer, std::size_t& read,
-                      const CloudCall&) override {
+                      const CloudCall& call) override {
+        if (call.isCancelled()) {
+            return {CloudStatus::Cancelled};
+        }
         const bool isGood = requests_.size() < good_;
         requests_.emplace_back(offset, buffer.size());
         const std::uint64_t there = size_ - std::min(size_, offset);
@@ -182,12 +185,30 @@ TEST(RemoteLas, FailureIsTheRowsReason) {
         EXPECT_EQ(remote.transferred, good * 65'536 + 100);
         EXPECT_EQ(reader.Requests().size(), good + 1) << "no attempt after a failure";
     }
-    MemoryReader cancelled(bytes);
-    const RemoteLas remote = InspectRemoteLas(cancelled.Fail(0, {CloudStatus::Cancelled, L""}), kName);
-    EXPECT_EQ(remote.status, CloudStatus::Cancelled);
-    EXPECT_EQ(remote.row.summary, Text(text::kRemoteCancelled));
     MemoryReader shortened(bytes);
     EXPECT_EQ(InspectRemoteLas(shortened.Fail(1, {}, 10), kName).status, CloudStatus::BadAnswer);
+}
+
+TEST(RemoteLas, EndsWhenCancelledAndWhenItsTimeIsUp) {
+    using std::chrono::milliseconds;
+    const CloudCall cancelled{.isCancelled = [] { return true; }};
+    const struct {
+        CloudCall call;
+        milliseconds most;
+        CloudStatus status;
+        StringId reason;
+    } cases[] = {
+        {cancelled, kMostRemoteTime, CloudStatus::Cancelled, text::kRemoteCancelled},
+        {{}, milliseconds(0), CloudStatus::Unreachable, text::kRemoteTooSlow},
+    };
+    for (const auto& [call, most, status, reason] : cases) {
+        MemoryReader reader(testing::RichLas().Build());
+        const RemoteLas remote = InspectRemoteLas(reader, kName, call, most);
+        EXPECT_EQ(remote.status, status);
+        EXPECT_FALSE(remote.row.loadable);
+        EXPECT_EQ(remote.row.summary, Text(reason));
+        EXPECT_TRUE(reader.Requests().empty());
+    }
 }
 
 // The reader of the library runs, and answers that there is no such thing.
