@@ -6,6 +6,9 @@
 #include <QDir>
 #include <QDropEvent>
 #include <QEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPixmap>
@@ -27,6 +30,10 @@ constexpr int kTickMs = 15;
 /// Ticks without a progress bar until a run counts as over: between two parts of one it may be hidden
 /// briefly.
 constexpr int kQuietTicks = 4;
+
+/// Places in the add menu of the cloud page.
+constexpr int kBrowseCommand = 0;
+constexpr int kUrlCommand = 1;
 
 struct TabName {
     const char* page;
@@ -185,6 +192,8 @@ void DialogDriver::AddTabSteps(int tab) {
         dialog_->findChild<QTabBar*>()->setCurrentIndex(tab);
         DropPhotos();
     });
+    AddWhenIdle("the cloud layer browser", [this] { OpenAddMenu(kBrowseCommand); });
+    AddWhenIdle("the pre-signed URL dialog", [this] { OpenAddMenu(kUrlCommand); });
     AddWhenIdle("the files of the tab", [this] {
         TakeTabPicture();
         if (GridOf(dialog_) != nullptr) {
@@ -218,6 +227,19 @@ void DialogDriver::DropPhotos() {
     QApplication::sendEvent(page, &enter);
     QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(page, &drop);
+}
+
+/// Runs a command of the cloud page's add menu. The menu, and the dialog that the command opens, are answered
+/// while this waits for them.
+void DialogDriver::OpenAddMenu(int command) {
+    auto* const page = dialog_->findChild<QWidget*>("page410");
+    if (page == nullptr || !page->isVisible() || settings_.cloudUrl.isEmpty()) {
+        return;
+    }
+    menuCommand_ = command;
+    if (auto* add = page->findChild<QAbstractButton*>("c351")) {
+        add->click();
+    }
 }
 
 /// The push button of a page whose caption shows which way the columns go.
@@ -272,7 +294,74 @@ void DialogDriver::RunStep() {
     inStep_ = false;
 }
 
+/// Chooses the command of the open menu as a key does, which also closes it; through the event queue, because
+/// the timer that calls this stands still until it returns.
+bool DialogDriver::AnswerMenu() {
+    auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    if (menu == nullptr || menu->actions().size() <= menuCommand_ || menu == answered_) {
+        return menu != nullptr;
+    }
+    answered_ = menu;
+    watchdog_.WaitingFor("the menu to close");
+    TakePicture(menu, "cloud-menu");
+    menu->setActiveAction(menu->actions().at(menuCommand_));
+    for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        QCoreApplication::postEvent(menu, new QKeyEvent(type, Qt::Key_Return, Qt::NoModifier));
+    }
+    return true;
+}
+
+/// True when the browser shows layers and their number no longer grows.
+bool DialogDriver::HasLayersToPick(QWidget* browser) {
+    int rows = 0;
+    int grids = 0;
+    for (const auto* grid : browser->findChildren<QTableView*>()) {
+        rows += grid->model() == nullptr ? 0 : grid->model()->rowCount();
+        grids += grid->model() != nullptr && grid->model()->rowCount() > 0 ? 1 : 0;
+    }
+    layersQuiet_ = rows == layersToPick_ ? layersQuiet_ + 1 : 0;
+    layersToPick_ = rows;
+    return grids > 1 && layersQuiet_ > kQuietTicks;
+}
+
+/// Picks every layer of the browser's first project; enters the URL in the pre-signed URL dialog. False for
+/// any other window.
+bool DialogDriver::UseCloudDialog(QWidget* window) {
+    const bool isBrowser = window->inherits("orvex::BrowseCloudLayersDlg");
+    if (!isBrowser && !window->inherits("orvex::AddCloudLASFileDlg")) {
+        return false;
+    }
+    if (window == answered_) {
+        return true;
+    }
+    watchdog_.WaitingFor(isBrowser ? "the layers of the account" : "the pre-signed URL dialog");
+    if (isBrowser && !HasLayersToPick(window)) {
+        return true;
+    }
+    answered_ = window;
+    if (isBrowser) {
+        window->findChildren<QTableView*>().last()->selectAll();
+    } else if (auto* url = window->findChild<QLineEdit*>("url")) {
+        url->setText(settings_.cloudUrl);
+    }
+    TakePicture(window, isBrowser ? "cloud-browser" : "cloud-url");
+    Agree(window);
+    return true;
+}
+
+/// Presses the window's OK from the event queue; see AnswerMenu.
+void DialogDriver::Agree(QWidget* window) {
+    auto* button = AgreeingButton(window);
+    button = button == nullptr ? window->findChild<QAbstractButton*>("c358") : button;
+    if (button != nullptr) {
+        QMetaObject::invokeMethod(button, &QAbstractButton::click, Qt::QueuedConnection);
+    }
+}
+
 bool DialogDriver::AnswerOtherWindow() {
+    if (AnswerMenu()) {
+        return true;
+    }
     QWidget* window = QApplication::activeModalWidget();
     if (window == nullptr || window == FindAddFilesDialog() || !window->isVisible()) {
         answered_ = nullptr;
@@ -282,7 +371,7 @@ bool DialogDriver::AnswerOtherWindow() {
         watchdog_.WaitingFor(TextOf(window).toStdString());
         return true;  // It closes by itself when the work is done.
     }
-    if (window != answered_) {
+    if (!UseCloudDialog(window) && window != answered_) {
         answered_ = window;
         Answer(window);
     }

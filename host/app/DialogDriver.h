@@ -59,6 +59,7 @@ class DialogDriver final : public QObject {
     struct Settings {
         QString pictureFolder;  ///< empty: no pictures
         QString pictureSuffix;  ///< behind each picture's name
+        QString cloudUrl;       ///< entered as a pre-signed URL; empty: no cloud layers are added
         QStringList photos;     ///< dropped on the photo page: by their names alone images are rasters
     };
 
@@ -85,12 +86,17 @@ class DialogDriver final : public QObject {
     void RunStep();
     bool AnswerOtherWindow();
     void Answer(QWidget* window);
+    bool AnswerMenu();
+    bool UseCloudDialog(QWidget* window);
+    bool HasLayersToPick(QWidget* browser);
+    void Agree(QWidget* window);
     void Add(const QString& waitsFor, std::function<bool()> isReady, std::function<void()> run);
     void AddWhenIdle(const QString& waitsFor, std::function<void()> run);
     void AddDialogSteps();
     void AddTabSteps(int tab);
     void TakeTabPicture(const QString& suffix = {});
     void DropPhotos();
+    void OpenAddMenu(int command);
     void ToggleDetailColumns();
     bool IsIdle();
     QString CurrentTabName() const;
@@ -103,6 +109,9 @@ class DialogDriver final : public QObject {
     QWidget* dialog_ = nullptr;
     std::set<QString> tabsWithFiles_;
     QWidget* answered_ = nullptr;
+    int menuCommand_ = 0;   ///< of the cloud page's add menu, which is about to open
+    int layersToPick_ = 0;  ///< rows of the cloud layer browser at the last tick
+    int layersQuiet_ = 0;   ///< ticks since their number has changed
     int quietTicks_ = 0;
     int messages_ = 0;
     bool inStep_ = false;

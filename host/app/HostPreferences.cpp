@@ -39,6 +39,9 @@ HostPreferences::HostPreferences(QString path) : path_(std::move(path)) {
     windowGeometry = BytesFrom(json["windowGeometry"]);
     windowState = BytesFrom(json["windowState"]);
     dark = json["dark"].toBool();
+    if (json["cloudService"].isString()) {
+        cloudService = json["cloudService"].toString();
+    }
 }
 
 QString HostPreferences::DefaultPath() {
@@ -65,7 +68,8 @@ void HostPreferences::Save() const {
                            {"dataFolder", dataFolder},
                            {"windowGeometry", QString::fromLatin1(windowGeometry.toBase64())},
                            {"windowState", QString::fromLatin1(windowState.toBase64())},
-                           {"dark", dark}};
+                           {"dark", dark},
+                           {"cloudService", cloudService ? QJsonValue(*cloudService) : QJsonValue()}};
     QDir().mkpath(QFileInfo(path_).path());
     (void)WriteWholeFile(path_, QJsonDocument(json).toJson());
 }

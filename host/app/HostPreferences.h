@@ -2,6 +2,7 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <optional>
 
 namespace orvex {
 
@@ -24,6 +25,10 @@ class HostPreferences {
     QByteArray windowGeometry;
     QByteArray windowState;
     bool dark = false;
+    /// Service of the cloud account, without its token: empty if the user has signed out, nullopt if nothing
+    /// was chosen yet.
+    std::optional<QString> cloudService;
+    QString sampleAccount;  ///< of this process only: folder of an account for who has none; empty: none
     bool writesBesideData = true;  ///< of this process only: pyramids may be built beside rasters
 
     /// Through a temporary name, renamed when complete.

@@ -18,6 +18,7 @@
 #include <algorithm>
 
 #include "host/app/Application.h"
+#include "host/app/CloudSignIn.h"
 #include "host/app/HostText.h"
 #include "host/app/LayerTreeModel.h"
 #include "host/app/MapView.h"
@@ -76,6 +77,7 @@ HostWindow::HostWindow(HostPreferences& preferences, QWidget* parent)
     FitOntoScreen(*this);
     restoreState(preferences_.windowState);
     ProjectChanged();
+    SetAccount(std::nullopt);
 }
 
 HostWindow::~HostWindow() {
@@ -121,6 +123,7 @@ bool HostWindow::AddFiles(const QStringList& paths) {
     record.showDemTab = true;
     record.showPhotoTab = true;
     record.showFeatureTab = true;
+    record.showCloudTab = true;
     record.initialFolder = ToWidePath(preferences_.dataFolder.isEmpty() ? folder_ : preferences_.dataFolder);
     record.existingLasLayers = project_.LayersForDialog(LayerKind::Las);
     record.existingRasterLayers = project_.LayersForDialog(LayerKind::Raster);
@@ -144,13 +147,18 @@ void HostWindow::TakeRecord(const AddFilesParams& record) {
     Project changed = project_;
     const IntakeResult result =
         RecordIntake(changed, folder_, preferences_.writesBesideData, this).Take(record);
-    counts_ = {CountFiles(record.lasFiles), CountFiles(record.rasterFiles), CountFiles(record.demFiles),
-               result.convertedDems,        record.photoFiles.size(),       record.featureFiles.size()};
+    counts_ = {CountFiles(record.lasFiles),
+               CountFiles(record.rasterFiles),
+               CountFiles(record.demFiles),
+               result.convertedDems,
+               record.photoFiles.size(),
+               record.featureFiles.size(),
+               record.presignedUrlLayers.size() + record.cloudLasLayers.size()};
     record_->setPlainText(result.status + '\n' + ReportText(result.report) + '\n' +
                           ToQString(RecordText(record)));
     if (result.mainLayer) {
         Change(std::move(changed), text::kChangeAdd);
-        crsChoice_->setCurrentIndex(CrsIndexOf(project_.layers[*result.mainLayer].wkt));
+        ShowCrsOf(*result.mainLayer);
         SelectFiles(result.places);
         map_->FitSelected();
     }
@@ -164,9 +172,16 @@ void HostWindow::TakeRecord(const AddFilesParams& record) {
 /// Switches the map to the CRS of a layer and fits all of it.
 void HostWindow::ShowLayer(const std::optional<std::size_t>& layer) {
     if (layer) {
-        crsChoice_->setCurrentIndex(CrsIndexOf(project_.layers[*layer].wkt));
+        ShowCrsOf(*layer);
     }
     map_->FitAll();
+}
+
+/// Switches the map to the CRS of a layer, if that is known.
+void HostWindow::ShowCrsOf(std::size_t layer) {
+    if (project_.layers[layer].kind != LayerKind::Cloud) {
+        crsChoice_->setCurrentIndex(CrsIndexOf(project_.layers[layer].wkt));
+    }
 }
 
 /// Stores the folder where the next dialog's pickers open: rasters and elevation models tend to come from one
@@ -262,7 +277,7 @@ void HostWindow::FillCrsChoice() {
     const QSignalBlocker blocker(crsChoice_);
     crsChoice_->clear();
     for (const Layer& layer : project_.layers) {
-        if (CrsIndexOf(layer.wkt) >= 0) {
+        if (layer.kind == LayerKind::Cloud || CrsIndexOf(layer.wkt) >= 0) {
             continue;
         }
         const std::string name = OrvexUtilities::CrsGetCRSName(layer.wkt);
@@ -324,6 +339,22 @@ bool HostWindow::SaveBeforeClosing() {
     return UserPromptsQt(this).Show({ToWide(problem) + L"\n\n" + Text(text::kCloseUnsavedQuestion),
                                      Text(text::kHostName), PromptIcon::Warning, PromptButtons::YesNo}) ==
            PromptAnswer::Yes;
+}
+
+void HostWindow::SetAccount(std::optional<CloudAccount> account) {
+    account_ = std::move(account);
+    signedIn_->setText(account_ ? HostText(text::kStatusSignedIn, {account_->userName})
+                                : HostText(text::kStatusSignedOut));
+    signedIn_->setToolTip(account_ ? TooltipText(ToQString(account_->service)) : QString());
+}
+
+void HostWindow::ChooseAccount() {
+    CloudAccountDlg dialog(preferences_, account_, this);
+    if (dialog.exec() == QDialog::Accepted) {
+        SetAccount(dialog.Account());
+        preferences_.cloudService = account_ ? ToQString(account_->service) : QString();
+        preferences_.Save();
+    }
 }
 
 void HostWindow::SetDark(bool dark) {

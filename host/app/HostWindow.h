@@ -10,6 +10,7 @@
 
 #include "host/app/HostPreferences.h"
 #include "host/app/Project.h"
+#include "orvexcommon/CloudAccount.h"
 #include "support/Text.h"
 
 class AddFilesParams;
@@ -33,6 +34,7 @@ struct RecordCounts {
     std::size_t convertedDems = 0;
     std::size_t photos = 0;
     std::size_t features = 0;
+    std::size_t cloudLayers = 0;
 };
 
 /// Main window of the reference host: a project's layers, their map and the text of the last record.
@@ -50,6 +52,9 @@ class HostWindow final : public QMainWindow {
     bool AddFiles(const QStringList& paths = {});
     /// Adds the files of a record to the project, shows and selects them, and reports those left out.
     void TakeRecord(const AddFilesParams& record);
+    /// Signs the user in to an account, or out.
+    void SetAccount(std::optional<CloudAccount> account);
+    const std::optional<CloudAccount>& Account() const { return account_; }
     /// Asks for the access to LiDAR data and stores the answer in the project.
     void AskLidarAccess();
 
@@ -93,13 +98,16 @@ class HostWindow final : public QMainWindow {
     void BuildFileActions(QMenu* edit);
     void ReloadTree();
     void ShowLayer(const std::optional<std::size_t>& layer);
+    void ShowCrsOf(std::size_t layer);
     void RememberFolder(const AddFilesParams& record);
     int CrsIndexOf(const std::string& wkt);
     void SetDark(bool dark);
+    void ChooseAccount();
     void ShowAbout();
 
     HostPreferences& preferences_;
     QString folder_;
+    std::optional<CloudAccount> account_;
     RecordCounts counts_;
     Project project_;
     CrsGroups crsGroups_;
@@ -110,6 +118,7 @@ class HostWindow final : public QMainWindow {
     QPlainTextEdit* record_ = nullptr;
     QLabel* position_ = nullptr;
     QLabel* totals_ = nullptr;
+    QLabel* signedIn_ = nullptr;
     QUndoStack* undo_ = nullptr;
     QList<QAction*> fileActions_;                             ///< on the selected files
     std::set<std::pair<LayerKind, std::wstring>> collapsed_;  ///< layers that the user has folded

@@ -8,6 +8,7 @@
 #include <QTreeView>
 #include <QUndoCommand>
 #include <QUndoStack>
+#include <algorithm>
 #include <functional>
 #include <iterator>
 #include <utility>
@@ -16,6 +17,7 @@
 #include "host/app/HostWindow.h"
 #include "host/app/LayerTreeModel.h"
 #include "host/app/MapView.h"
+#include "host/app/RecordCloud.h"
 #include "support/FilePickers.h"
 
 namespace orvex {
@@ -85,14 +87,19 @@ void HostWindow::SelectionChanged() {
     const FilePlaces files = SelectedFiles();
     std::set<int> selected;
     for (const auto& [layer, file] : files) {
+        if (project_.layers[layer].kind == LayerKind::Cloud) {
+            continue;
+        }
         selected.insert(CrsIndexOf(project_.layers[layer].wkt));
     }
     if (!selected.empty() && !selected.contains(crsChoice_->currentIndex())) {
         crsChoice_->setCurrentIndex(*selected.begin());
     }
     map_->SetSelected(files);
+    const bool isOnDisk = std::ranges::any_of(
+        files, [this](const auto& place) { return project_.layers[place.first].kind != LayerKind::Cloud; });
     for (QAction* action : fileActions_) {
-        action->setEnabled(!files.empty());
+        action->setEnabled(action->objectName() == "showInFolder" ? isOnDisk : !files.empty());
     }
 }
 
@@ -138,19 +145,22 @@ void HostWindow::ShowFileMenu(const QPoint& place) {
 void HostWindow::CopyPaths() {
     QStringList paths;
     for (const auto& [layer, file] : SelectedFiles()) {
-        paths.append(ToQString(NativePath(project_.layers[layer].files[file].path)));
+        const Layer& from = project_.layers[layer];
+        paths.append(ToQString(ShownPath(from.kind, from.files[file].path)));
     }
     QApplication::clipboard()->setText(paths.join('\n'));
 }
 
 void HostWindow::ShowInFolder() {
-    const FilePlaces files = SelectedFiles();
-    if (!files.empty()) {
-        const auto& [layer, file] = *files.begin();
+    for (const auto& [layer, file] : SelectedFiles()) {
+        if (project_.layers[layer].kind == LayerKind::Cloud) {
+            continue;
+        }
         const std::wstring& path = project_.layers[layer].files[file].path;
         if (!MakeFilePickers()->ShowInFolder(path)) {
             statusBar()->showMessage(HostText(text::kListFolderNotShown, {FolderOf(path)}), 8000);
         }
+        return;
     }
 }
 

@@ -102,7 +102,10 @@ void HostWindow::BuildViews() {
 
     position_ = new QLabel;
     totals_ = new QLabel;
+    signedIn_ = new QLabel;
+    signedIn_->setObjectName("signedIn");
     statusBar()->addWidget(position_, 1);
+    statusBar()->addPermanentWidget(signedIn_);
     statusBar()->addPermanentWidget(totals_);
 }
 
@@ -178,6 +181,9 @@ void HostWindow::BuildActions() {
     QAction* lidar = data->addAction(HostIcon("las"), HostText(text::kCommandLidarAccess), this,
                                      &HostWindow::AskLidarAccess);
     lidar->setObjectName("lidarAccess");
+    QAction* account = data->addAction(HostIcon("cloud"), HostText(text::kCommandCloudAccount), this,
+                                       &HostWindow::ChooseAccount);
+    account->setObjectName("cloudAccount");
 
     BuildFileActions(edit);
     viewMenu_->addSeparator();
@@ -211,6 +217,7 @@ void HostWindow::BuildFileActions(QMenu* edit) {
     connect(fit, &QAction::triggered, map_, &MapView::FitSelected);
     QAction* show =
         edit->addAction(HostText(text::kCommandShowFileInFolder), this, &HostWindow::ShowInFolder);
+    show->setObjectName("showInFolder");
     QAction* copy = edit->addAction(HostText(text::kCommandCopyPath), QKeySequence("Ctrl+Shift+C"), this,
                                     &HostWindow::CopyPaths);
     copy->setObjectName("copyPath");

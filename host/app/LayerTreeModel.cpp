@@ -1,8 +1,10 @@
 #include "host/app/LayerTreeModel.h"
 
+#include <QIcon>
 #include <numeric>
 
 #include "host/app/HostText.h"
+#include "host/app/RecordCloud.h"
 #include "orvexcommon/OrvexUtilities.h"
 
 namespace orvex {
@@ -11,6 +13,11 @@ namespace {
 
 /// The internal id of a layer; that of a file is its layer's place plus one.
 constexpr quintptr kLayerId = 0;
+
+/// True for files that hold points or features whose number is known.
+bool IsCounted(LayerKind kind) {
+    return kind == LayerKind::Las || kind == LayerKind::Feature;
+}
 
 /// Points of a LAS file, features of a shapefile.
 std::uint64_t CountOf(LayerKind kind, const LayerFile& file) {
@@ -25,7 +32,7 @@ std::uint64_t CountOf(const Layer& layer) {
 
 /// Points, features or pixels; of a raster that could not be read nothing is known.
 QString SizeOf(LayerKind kind, const LayerFile& file) {
-    if (kind == LayerKind::Photo) {
+    if (!IsCounted(kind) && kind != LayerKind::Raster) {
         return {};
     }
     if (kind != LayerKind::Raster) {
@@ -65,6 +72,9 @@ QString FormatOf(LayerKind kind, const LayerFile& file) {
     if (kind == LayerKind::Photo) {
         return FormatOf(file.photo);
     }
+    if (kind == LayerKind::Cloud) {
+        return HostText(file.cloud.isPresigned ? text::kTreePresignedUrl : text::kTreeCloudLayer);
+    }
     if (kind == LayerKind::Las) {
         return HostText(text::kTreeLasFormat, {file.version / 10, file.version % 10, file.pointFormat});
     }
@@ -75,6 +85,24 @@ QString FormatOf(LayerKind kind, const LayerFile& file) {
     return file.raster.PixelToWorld()
                ? format
                : HostText(text::kTreeRasterWithoutPlace, {file.raster.driver}).trimmed();
+}
+
+/// In place of a colour, which the map does not show.
+QIcon CloudIcon() {
+    QIcon icon;
+    for (const int size : {16, 32}) {
+        icon.addFile(QString(":/orvexhost/cloud-%1.png").arg(size), {size, size});
+    }
+    return icon;
+}
+
+/// A line about a file that the map does not show.
+QString PlaceRemark(LayerKind kind, const LayerFile& file) {
+    if (kind == LayerKind::Cloud) {
+        return '\n' + HostText(text::kCloudExtentUnknown);
+    }
+    const bool isNowhere = kind == LayerKind::Raster && !file.raster.PixelToWorld();
+    return isNowhere ? '\n' + HostText(text::kRasterWithoutPlaceTooltip) : QString();
 }
 
 }  // namespace
@@ -152,7 +180,10 @@ QVariant LayerTreeModel::data(const QModelIndex& index, int role) const {
 
 QVariant LayerTreeModel::LayerData(const Layer& layer, std::size_t index, int column, int role) const {
     if (role == Qt::DecorationRole && column == kName) {
-        return ColourOf(index);
+        return layer.kind == LayerKind::Cloud ? QVariant(CloudIcon()) : QVariant(ColourOf(index));
+    }
+    if (role == Qt::ToolTipRole && layer.kind == LayerKind::Cloud) {
+        return FileData(layer.kind, layer.files.front(), column, role);
     }
     if (role == Qt::ToolTipRole) {
         const std::string name = OrvexUtilities::CrsGetCRSName(layer.wkt);
@@ -165,9 +196,7 @@ QVariant LayerTreeModel::LayerData(const Layer& layer, std::size_t index, int co
         case kName:
             return ToQString(layer.name);
         case kSize:
-            return layer.kind == LayerKind::Raster || layer.kind == LayerKind::Photo
-                       ? QString()
-                       : ToQString(GroupedNumber(CountOf(layer)));
+            return IsCounted(layer.kind) ? ToQString(GroupedNumber(CountOf(layer))) : QString();
         default:
             return HostText(text::kTreeLayerFiles, {layer.files.size()});
     }
@@ -175,16 +204,15 @@ QVariant LayerTreeModel::LayerData(const Layer& layer, std::size_t index, int co
 
 QVariant LayerTreeModel::FileData(LayerKind kind, const LayerFile& file, int column, int role) const {
     if (role == Qt::ToolTipRole) {
-        const bool isNowhere = kind == LayerKind::Raster && !file.raster.PixelToWorld();
-        return TooltipText(ToQString(file.path) +
-                           (isNowhere ? '\n' + HostText(text::kRasterWithoutPlaceTooltip) : QString()));
+        return TooltipText(ToQString(kind == LayerKind::Cloud ? ShownPath(kind, file.path) : file.path) +
+                           PlaceRemark(kind, file));
     }
     if (role != Qt::DisplayRole) {
         return {};
     }
     switch (column) {
         case kName:
-            return ToQString(FileNameOf(file.path));
+            return ToQString(kind == LayerKind::Cloud ? FileNameOfUrl(file.path) : FileNameOf(file.path));
         case kSize:
             return SizeOf(kind, file);
         default:

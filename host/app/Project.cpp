@@ -12,6 +12,22 @@ namespace orvex {
 
 namespace {
 
+/// Files of a kind by path; URLs in other letters are others.
+class KnownFiles {
+  public:
+    explicit KnownFiles(LayerKind kind) : isCloud_(kind == LayerKind::Cloud) {}
+
+    /// False if the file is known already.
+    bool Insert(const std::wstring& path) {
+        return isCloud_ ? urls_.insert(path).second : paths_.Insert(path);
+    }
+
+  private:
+    bool isCloud_;
+    PathSet paths_;
+    std::set<std::wstring> urls_;
+};
+
 /// Adds the layers that the files go to and the project lacks, by name and number.
 void MakeMissingLayers(std::vector<Layer>& layers, LayerKind kind, const std::vector<NewFile>& files) {
     std::map<std::wstring, std::string, decltype(&NaturalLess)> wktOfLayer(&NaturalLess);
@@ -86,7 +102,7 @@ std::vector<std::wstring> Project::PathsOf(LayerKind kind) const {
 }
 
 AddedFiles Project::Take(LayerKind kind, const std::vector<NewFile>& files) {
-    PathSet known;
+    KnownFiles known(kind);
     for (const std::wstring& path : PathsOf(kind)) {
         known.Insert(path);
     }

@@ -15,7 +15,7 @@ namespace orvex {
 enum class LidarAccess { ReadOnly, ReadWrite, NotAtAll };
 
 /// What the files of a layer are.
-enum class LayerKind { Las, Raster, Feature, Photo };
+enum class LayerKind { Las, Raster, Feature, Photo, Cloud };
 
 /// What is known of a raster of the project.
 struct RasterInfo {
@@ -54,12 +54,21 @@ struct PhotoInfo {
     friend bool operator==(const PhotoInfo&, const PhotoInfo&) = default;
 };
 
+/// Where a cloud layer comes from.
+struct CloudInfo {
+    bool isPresigned = false;  ///< entered as a URL; else picked from an account
+    std::wstring id, project;  ///< its own and its project's name in the account; empty for a URL
+
+    friend bool operator==(const CloudInfo&, const CloudInfo&) = default;
+};
+
 /// One file of a layer: what the footprint view and the tree tell of it without opening it.
 struct LayerFile {
-    std::wstring path;
+    std::wstring path;      ///< of a cloud layer the URL, which may hold a signature: see ShownPath
     RasterInfo raster;      ///< of a raster layer's files
     FeatureInfo feature{};  ///< of a feature layer's shapefiles
-    PhotoInfo photo{};      ///< of a photo layer's photos; the rest is of LAS files
+    PhotoInfo photo{};      ///< of a photo layer's photos
+    CloudInfo cloud{};      ///< of a cloud layer's file; the rest is of LAS files
     std::uint64_t points = 0;
     std::array<double, 3> min{};  ///< in the units of the layer's CRS
     std::array<double, 3> max{};

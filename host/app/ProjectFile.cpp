@@ -11,13 +11,14 @@
 #include <string>
 
 #include "host/app/HostText.h"
+#include "support/SignedUrl.h"
 #include "support/TemporaryFile.h"
 
 namespace orvex {
 
 namespace {
 
-constexpr int kFormatVersion = 3;
+constexpr int kFormatVersion = 4;
 /// A kind of layer in the file, and the least version that holds it: a project is written as the least
 /// version that holds all of its layers, which older programs read.
 struct KindInFile {
@@ -28,7 +29,8 @@ struct KindInFile {
 constexpr KindInFile kKinds[] = {{LayerKind::Las, "las", 1},
                                  {LayerKind::Raster, "raster", 2},
                                  {LayerKind::Feature, "feature", 3},
-                                 {LayerKind::Photo, "photo", 3}};
+                                 {LayerKind::Photo, "photo", 3},
+                                 {LayerKind::Cloud, "cloud", 4}};
 constexpr const char* kAccessNames[] = {"readOnly", "readWrite", "notAtAll"};
 
 QString FilePath(const QString& folder) {
@@ -157,6 +159,21 @@ LayerFile PhotoFromJson(const QJsonObject& json) {
     return file;
 }
 
+QJsonObject CloudToJson(const LayerFile& file) {
+    return {{"url", ToQString(file.path)},
+            {"presigned", file.cloud.isPresigned},
+            {"id", ToQString(file.cloud.id)},
+            {"project", ToQString(file.cloud.project)}};
+}
+
+LayerFile CloudFromJson(const QJsonObject& json) {
+    LayerFile file;
+    file.path = ToWide(json["url"].toString());
+    file.cloud = {json["presigned"].toBool(), ToWide(json["id"].toString()),
+                  ToWide(json["project"].toString())};
+    return file;
+}
+
 const KindInFile& InFile(LayerKind kind) {
     return *std::ranges::find(kKinds, kind, &KindInFile::kind);
 }
@@ -176,6 +193,8 @@ QJsonObject FileToJson(LayerKind kind, const LayerFile& file) {
             return RasterToJson(file);
         case LayerKind::Photo:
             return PhotoToJson(file);
+        case LayerKind::Cloud:
+            return CloudToJson(file);
         default:
             return FeatureToJson(file);
     }
@@ -189,6 +208,8 @@ LayerFile FileFromJson(LayerKind kind, const QJsonObject& json) {
             return RasterFromJson(json);
         case LayerKind::Photo:
             return PhotoFromJson(json);
+        case LayerKind::Cloud:
+            return CloudFromJson(json);
         default:
             return FeatureFromJson(json);
     }
@@ -217,6 +238,12 @@ Layer LayerFromJson(const QJsonObject& json) {
     return layer;
 }
 
+/// True if a layer's URL says more than may be shown.
+bool HoldsSignedUrl(const Project& project) {
+    const std::vector<std::wstring> urls = project.PathsOf(LayerKind::Cloud);
+    return std::ranges::any_of(urls, [](const std::wstring& url) { return ShownUrl(url) != url; });
+}
+
 LidarAccess AccessFromName(const QString& name) {
     for (int i = 0; i < 3; ++i) {
         if (name == QLatin1String(kAccessNames[i])) {
@@ -228,9 +255,13 @@ LidarAccess AccessFromName(const QString& name) {
 
 }  // namespace
 
-std::wstring WriteWholeFile(const QString& path, const QByteArray& bytes) {
+std::wstring WriteWholeFile(const QString& path, const QByteArray& bytes, bool isSecret) {
     TemporaryFile temporary(ToWide(path));
     QFile file(ToQString(temporary.Path()));
+    if (isSecret) {
+        // A file system without permissions keeps no secrets; that is no reason to lose the project.
+        (void)file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+    }
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush()) {
         return ToWide(file.errorString());
     }
@@ -280,7 +311,8 @@ bool SaveProject(const QString& folder, const Project& project, QString& problem
                            {"lidarAccess", kAccessNames[static_cast<int>(project.lidarAccess)]},
                            {"layers", layers}};
     QDir().mkpath(folder);
-    const std::wstring reason = WriteWholeFile(FilePath(folder), QJsonDocument(json).toJson());
+    const std::wstring reason =
+        WriteWholeFile(FilePath(folder), QJsonDocument(json).toJson(), HoldsSignedUrl(project));
     if (!reason.empty()) {
         problem = HostText(text::kProjectSaveFailed, {ToWide(FilePath(folder)), reason});
     }

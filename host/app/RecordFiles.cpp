@@ -4,6 +4,7 @@
 #include <span>
 
 #include "host/app/PhotoJobs.h"
+#include "host/app/RecordCloud.h"
 #include "host/app/RecordFeatures.h"
 #include "host/dem/DemConversion.h"
 #include "orvexcommon/AddFilesParams.h"
@@ -382,6 +383,9 @@ std::wstring RecordText(const AddFilesParams& record) {
     }
     if (const std::wstring photos = PhotosText(record); !photos.empty()) {
         text += (text.empty() ? L"" : L"\n") + photos;
+    }
+    if (!record.presignedUrlLayers.empty() || !record.cloudLasLayers.empty()) {
+        text += (text.empty() ? L"" : L"\n") + CloudText(record);
     }
     return text.empty() ? Text(text::kRecordEmpty) + L"\n" : text;
 }

@@ -9,6 +9,7 @@
 #include "host/app/FeatureJobs.h"
 #include "host/app/HostText.h"
 #include "host/app/RasterJobs.h"
+#include "host/app/RecordCloud.h"
 #include "host/app/RecordFeatures.h"
 #include "host/app/RecordFiles.h"
 #include "host/app/WorkDialog.h"
@@ -72,8 +73,10 @@ IntakeResult RecordIntake::Take(const AddFilesParams& record) {
     TakeDems(record);
     TakeFeatures(record);
     TakePhotos(record);
+    TakeCloudLayers(record);
     result_.status = Status(CountFiles(record.lasFiles) + CountFiles(record.rasterFiles) +
-                            CountFiles(record.demFiles) + chosenFeatures_ + record.photoFiles.size());
+                            CountFiles(record.demFiles) + chosenFeatures_ + record.photoFiles.size() +
+                            record.presignedUrlLayers.size() + record.cloudLasLayers.size());
     ReportLeftOut();
     return result_;
 }
@@ -277,6 +280,16 @@ void RecordIntake::TakeFeatures(const AddFilesParams& record) {
     notes_ = result.notes;
     Report(text::kVectorRemarks, result.warnings);
     Keep(project_.Take(LayerKind::Feature, result.files));
+}
+
+void RecordIntake::TakeCloudLayers(const AddFilesParams& record) {
+    const CloudLayers layers = CloudLayersOf(record, project_);
+    Report(text::kCloudLayersRenamed, layers.renamed);
+    AddedFiles added = project_.Take(LayerKind::Cloud, layers.files);
+    for (std::wstring& url : added.others) {
+        url = ShownPath(LayerKind::Cloud, url);
+    }
+    Keep(added);
 }
 
 /// Adds files that are added all the same, with what is the matter.

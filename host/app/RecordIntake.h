@@ -42,6 +42,7 @@ class RecordIntake {
     void TakeDems(const AddFilesParams& record);
     void TakeFeatures(const AddFilesParams& record);
     void TakePhotos(const AddFilesParams& record);
+    void TakeCloudLayers(const AddFilesParams& record);
     void TakeImport(const PhotoImport& import, bool replaces);
     LidarAccess LasAccess(const AddFilesParams& record);
     void BuildPyramids(const std::vector<NewFile>& rasters);

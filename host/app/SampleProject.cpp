@@ -3,6 +3,7 @@
 #include <fstream>
 #include <string>
 
+#include "host/app/SampleAccount.h"
 #include "host/app/SampleLasFile.h"
 #include "host/app/SamplePhotos.h"
 #include "host/app/SampleRasters.h"
@@ -105,13 +106,37 @@ void EnsureFolder(const fs::path& folder, const std::function<void(const fs::pat
     }
 }
 
+/// An empty path if `build` fails.
+template <typename Build>
+fs::path MadeFolder(const fs::path& folder, Build build) {
+    try {
+        build();
+        return folder;
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+void EnsureSurveys(const fs::path& folder) {
+    fs::create_directories(folder);
+    EnsureFolder(SampleData(folder), WriteSurveys);
+}
+
 }  // namespace
 
+fs::path EnsureSampleAccount(const fs::path& folder) {
+    const fs::path account = folder / "cloud";
+    return MadeFolder(account, [&] {
+        EnsureSurveys(folder);
+        EnsureFolder(account,
+                     [&](const fs::path& part) { WriteSampleAccount(part, SampleData(folder), kUtm32); });
+    });
+}
+
 fs::path EnsureSampleProject(const fs::path& folder) {
-    try {
+    return MadeFolder(folder, [&] {
         const fs::path data = SampleData(folder);
-        fs::create_directories(folder);
-        EnsureFolder(data, WriteSurveys);
+        EnsureSurveys(folder);
         // Separate parts: a project of an earlier version gets the ones it lacks.
         EnsureFolder(data / "rasters",
                      [](const fs::path& part) { WriteSampleRasters(part, kWest, kSouth, kUtm32); });
@@ -122,10 +147,7 @@ fs::path EnsureSampleProject(const fs::path& folder) {
         EnsureFolder(data / "photos", [&data](const fs::path& part) {
             WriteSamplePhotos(part, data / "rasters" / "orthophoto.tif");
         });
-        return folder;
-    } catch (const std::exception&) {
-        return {};
-    }
+    });
 }
 
 }  // namespace orvex

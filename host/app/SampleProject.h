@@ -9,6 +9,10 @@ namespace orvex {
 /// a temporary name and renamed when complete. Returns the folder; empty if it cannot be created.
 std::filesystem::path EnsureSampleProject(const std::filesystem::path& folder);
 
+/// Creates a sample project's surveys, and beside its data the folder of a cloud account with some of them,
+/// unless they exist. Returns the account's folder; empty if it cannot be created.
+std::filesystem::path EnsureSampleAccount(const std::filesystem::path& folder);
+
 /// Data folder of a sample project.
 inline std::filesystem::path SampleData(const std::filesystem::path& folder) {
     return folder / "data";

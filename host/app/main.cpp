@@ -8,11 +8,13 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QUrl>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
 
 #include "host/app/Application.h"
+#include "host/app/CloudSignIn.h"
 #include "host/app/DialogDriver.h"
 #include "host/app/HostArguments.h"
 #include "host/app/HostText.h"
@@ -31,16 +33,26 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{120};
 
+/// Where the sample project is, or is to be.
+std::filesystem::path SamplePlace() {
+    return ToPath(ToWide(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
+                         "/orvex/sample-project"));
+}
+
 /// The sample project in the user's cache folder; empty when it cannot be made.
 QString SampleProjectFolder() {
-    const QString folder =
-        QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + "/orvex/sample-project";
-    return ToQString(FromPath(EnsureSampleProject(ToPath(ToWide(folder)))));
+    return ToQString(FromPath(EnsureSampleProject(SamplePlace())));
 }
 
 std::wstring SampleProjectFailure() {
     return FormatText(Text(text::kSampleProjectFailed),
                       {ToWide(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation))});
+}
+
+/// Signs the window's user in. The account of the sample project is for those who have none.
+void SignIn(HostWindow& window, HostPreferences& preferences) {
+    preferences.sampleAccount = ToQString(FromPath(EnsureSampleAccount(SamplePlace())));
+    window.SetAccount(AccountAtStart(preferences));
 }
 
 /// Files that the dialog sorts to its pages by their names.
@@ -91,6 +103,7 @@ host::HostClasses MakeHostClasses(const HostWindow& window) {
     data.openLayer = [folder](const std::wstring& path) {
         return OpenPhotoLayer(PhotoLayerPath(path, folder()));
     };
+    data.account = [&window] { return window.Account(); };
     return host::HostClasses(std::move(data));
 }
 
@@ -133,11 +146,9 @@ void HoverPhoto(const HostWindow& window) {
 
 /// True if the record came back with files of every kind that is expected, and with any at all.
 bool Holds(const RecordCounts& counts, const std::set<QString>& expected) {
-    const std::pair<const char*, std::size_t> kinds[] = {{"las", counts.las},
-                                                         {"raster", counts.rasters},
-                                                         {"dem", counts.dems},
-                                                         {"photo", counts.photos},
-                                                         {"feature", counts.features}};
+    const std::pair<const char*, std::size_t> kinds[] = {
+        {"las", counts.las},      {"raster", counts.rasters},   {"dem", counts.dems},
+        {"photo", counts.photos}, {"feature", counts.features}, {"cloud", counts.cloudLayers}};
     for (const auto& [name, count] : kinds) {
         if (expected.contains(name) && count == 0) {
             std::cerr << "orvex-host: no files of the tab '" << name << "' came back" << std::endl;
@@ -148,7 +159,8 @@ bool Holds(const RecordCounts& counts, const std::set<QString>& expected) {
         std::cerr << "orvex-host: no elevation file became a LAS file" << std::endl;
         return false;
     }
-    return counts.las + counts.rasters + counts.dems + counts.photos + counts.features > 0;
+    return counts.las + counts.rasters + counts.dems + counts.photos + counts.features + counts.cloudLayers >
+           0;
 }
 
 /// Opens the host's window and, where there is something to add, the dialog with it. Returns the exit code.
@@ -164,6 +176,11 @@ int RunInteractive(int& argc, char** argv, const HostArguments& arguments) {
     HostWindow window(preferences);
     const host::HostClasses classes = MakeHostClasses(window);
     window.show();
+    try {
+        SignIn(window, preferences);
+    } catch (const LDataError& error) {
+        QMessageBox::warning(&window, HostText(text::kHostName), ToQString(error.Text()));
+    }
     if (start.project.isEmpty()) {
         QMessageBox::warning(&window, HostText(text::kHostName), ToQString(SampleProjectFailure()));
     } else {
@@ -198,10 +215,16 @@ int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     preferences.dark = arguments.dark;
     preferences.writesBesideData = arguments.paths.isEmpty();  // what is given is the user's
     HostWindow window(preferences);
+    SignIn(window, preferences);
     const host::HostClasses classes = MakeHostClasses(window);
     const QStringList photos =
         arguments.paths.isEmpty() ? SampleFiles(SampleProjectFolder(), {"*.jpg"}) : QStringList();
-    DialogDriver driver({arguments.pictureFolder, PictureSuffix(arguments), photos}, std::cout, watchdog);
+    const QString cloudUrl = arguments.paths.isEmpty()
+                                 ? QUrl::fromLocalFile(preferences.sampleAccount + "/files/no-crs.las")
+                                       .toString(QUrl::FullyEncoded)
+                                 : QString();
+    DialogDriver driver({arguments.pictureFolder, PictureSuffix(arguments), cloudUrl, photos}, std::cout,
+                        watchdog);
     driver.Start();  // from now on messages are answered, and printed with their reason
     if (!window.OpenProject(arguments.projectFolder.isEmpty() ? folder.filePath("project")
                                                               : arguments.projectFolder)) {
@@ -221,9 +244,9 @@ int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     watchdog.WaitingFor("the LiDAR question");
     window.AskLidarAccess();
     // The sample project has files of every kind.
-    const std::set<QString> expected = arguments.paths.isEmpty()
-                                           ? std::set<QString>{"las", "raster", "feature", "dem", "photo"}
-                                           : driver.TabsWithFiles();
+    const std::set<QString> expected =
+        arguments.paths.isEmpty() ? std::set<QString>{"las", "raster", "feature", "dem", "photo"}
+                                  : driver.TabsWithFiles();
     return Holds(window.LastRecordCounts(), expected) ? 0 : 1;
 }
 

@@ -1,0 +1,96 @@
+#include "host/app/RecordCloud.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "orvexcommon/AddFilesParams.h"
+#include "support/Format.h"
+#include "support/SignedUrl.h"
+#include "support/Text.h"
+
+namespace orvex {
+
+namespace {
+
+using TextMap = std::map<std::wstring, std::wstring>;
+
+std::wstring ValueOf(const TextMap& values, const std::wstring& name) {
+    const auto found = values.find(name);
+    return found == values.end() ? std::wstring() : found->second;
+}
+
+/// Every cloud layer under its name in the record.
+std::vector<NewFile> LayersIn(const AddFilesParams& record) {
+    std::vector<NewFile> layers;
+    const auto add = [&](const std::wstring& name, const std::wstring& url, CloudInfo cloud) {
+        NewFile& layer = layers.emplace_back();
+        layer.layer = name;
+        layer.file.path = url;
+        layer.file.cloud = std::move(cloud);
+    };
+    for (const auto& [name, url] : record.presignedUrlLayers) {
+        add(name, url, {true, {}, {}});
+    }
+    for (const auto& [name, url] : record.cloudLasLayers) {
+        add(name, url,
+            {false, ValueOf(record.cloudLasLayerValues2, name), ValueOf(record.cloudLasLayerValues3, name)});
+    }
+    return layers;
+}
+
+/// The name, or the first free one with a number behind it.
+std::wstring FreeName(const std::wstring& name, const std::set<std::wstring>& taken) {
+    std::wstring free = name;
+    for (int number = 2; taken.contains(free); ++number) {
+        free = name + L" (" + std::to_wstring(number) + L")";
+    }
+    return free;
+}
+
+}  // namespace
+
+CloudLayers CloudLayersOf(const AddFilesParams& record, const Project& project) {
+    std::set<std::wstring> names;
+    for (const auto& [name, wkt] : project.LayersForDialog(LayerKind::Cloud)) {
+        names.insert(name);
+    }
+    const std::vector<std::wstring> known = project.PathsOf(LayerKind::Cloud);
+    CloudLayers layers;
+    layers.files = LayersIn(record);
+    for (NewFile& layer : layers.files) {
+        if (std::ranges::find(known, layer.file.path) != known.end()) {
+            continue;  // it is not going to be taken
+        }
+        const std::wstring name = FreeName(layer.layer, names);
+        if (name != layer.layer) {
+            layers.renamed.push_back({layer.layer, FormatText(Text(text::kCloudLayerNewName), {name})});
+            layer.layer = name;
+        }
+        names.insert(name);
+    }
+    return layers;
+}
+
+std::wstring CloudText(const AddFilesParams& record) {
+    const std::vector<NewFile> layers = LayersIn(record);
+    std::wstring text = FormatText(Text(text::kRecordCloudLayers), {layers.size()}) + L"\n";
+    for (const NewFile& layer : layers) {
+        const CloudInfo& cloud = layer.file.cloud;
+        text += L"  " + layer.layer + L": " + ShownUrl(layer.file.path) + L"\n    " +
+                (cloud.isPresigned ? Text(text::kTreePresignedUrl)
+                                   : FormatText(Text(text::kRecordCloudLayer), {cloud.id, cloud.project})) +
+                L"\n";
+    }
+    return text;
+}
+
+std::wstring ShownPath(LayerKind kind, const std::wstring& path) {
+    return kind == LayerKind::Cloud ? ShownUrl(path) : NativePath(path);
+}
+
+std::wstring FileNameOfUrl(const std::wstring& url) {
+    return FileNameOf(url.substr(0, url.find_first_of(L"?#")));
+}
+
+}  // namespace orvex
