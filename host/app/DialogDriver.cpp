@@ -61,6 +61,12 @@ QTableView* GridOf(QWidget* dialog) {
     return nullptr;
 }
 
+/// The grid of layers in the cloud layer browser; null while there is none.
+QTableView* LayerGridOf(const QWidget& browser) {
+    const auto* grid = browser.findChild<QWidget*>("layersGrid");
+    return grid == nullptr ? nullptr : grid->findChild<QTableView*>();
+}
+
 /// The first button whose role agrees. Roles, because a program may have given its buttons texts of its own.
 template <typename Box>
 QAbstractButton* ButtonByRole(const Box& box) {
@@ -92,7 +98,8 @@ QAbstractButton* AgreeingButton(QWidget* window) {
     if (const auto* box = window->findChild<QDialogButtonBox*>()) {
         return ButtonByRole(*box);
     }
-    return window->findChild<QAbstractButton*>("ok");
+    auto* ok = window->findChild<QAbstractButton*>("ok");
+    return ok == nullptr ? window->findChild<QAbstractButton*>("c358") : ok;
 }
 
 Watchdog::Watchdog(std::chrono::seconds patience)
@@ -194,6 +201,7 @@ void DialogDriver::AddTabSteps(int tab) {
     });
     AddWhenIdle("the cloud layer browser", [this] { OpenAddMenu(kBrowseCommand); });
     AddWhenIdle("the pre-signed URL dialog", [this] { OpenAddMenu(kUrlCommand); });
+    AddWhenIdle("the look into cloud layers", [this] { ClickOnCloudPage("c43550"); });
     AddWhenIdle("the files of the tab", [this] {
         TakeTabPicture();
         if (GridOf(dialog_) != nullptr) {
@@ -230,15 +238,17 @@ void DialogDriver::DropPhotos() {
 }
 
 /// Runs a command of the cloud page's add menu. The menu, and the dialog that the command opens, are answered
-/// while this waits for them.
+/// as other windows are.
 void DialogDriver::OpenAddMenu(int command) {
-    auto* const page = dialog_->findChild<QWidget*>("page410");
-    if (page == nullptr || !page->isVisible() || settings_.cloudUrl.isEmpty()) {
-        return;
-    }
     menuCommand_ = command;
-    if (auto* add = page->findChild<QAbstractButton*>("c351")) {
-        add->click();
+    ClickOnCloudPage("c351");
+}
+
+/// Only if the page is shown and there is an account to pick layers from.
+void DialogDriver::ClickOnCloudPage(const char* button) {
+    auto* const page = dialog_->findChild<QWidget*>("page410");
+    if (page != nullptr && page->isVisible() && !settings_.cloudUrl.isEmpty()) {
+        page->findChild<QAbstractButton*>(button)->click();
     }
 }
 
@@ -313,15 +323,11 @@ bool DialogDriver::AnswerMenu() {
 
 /// True when the browser shows layers and their number no longer grows.
 bool DialogDriver::HasLayersToPick(QWidget* browser) {
-    int rows = 0;
-    int grids = 0;
-    for (const auto* grid : browser->findChildren<QTableView*>()) {
-        rows += grid->model() == nullptr ? 0 : grid->model()->rowCount();
-        grids += grid->model() != nullptr && grid->model()->rowCount() > 0 ? 1 : 0;
-    }
+    const QTableView* grid = LayerGridOf(*browser);
+    const int rows = grid == nullptr ? 0 : grid->model()->rowCount();
     layersQuiet_ = rows == layersToPick_ ? layersQuiet_ + 1 : 0;
     layersToPick_ = rows;
-    return grids > 1 && layersQuiet_ > kQuietTicks;
+    return rows > 0 && layersQuiet_ > kQuietTicks;
 }
 
 /// Picks every layer of the browser's first project; enters the URL in the pre-signed URL dialog. False for
@@ -340,22 +346,14 @@ bool DialogDriver::UseCloudDialog(QWidget* window) {
     }
     answered_ = window;
     if (isBrowser) {
-        window->findChildren<QTableView*>().last()->selectAll();
+        LayerGridOf(*window)->selectAll();
     } else if (auto* url = window->findChild<QLineEdit*>("url")) {
         url->setText(settings_.cloudUrl);
     }
     TakePicture(window, isBrowser ? "cloud-browser" : "cloud-url");
-    Agree(window);
+    // From the event queue; see AnswerMenu.
+    QMetaObject::invokeMethod(AgreeingButton(window), &QAbstractButton::click, Qt::QueuedConnection);
     return true;
-}
-
-/// Presses the window's OK from the event queue; see AnswerMenu.
-void DialogDriver::Agree(QWidget* window) {
-    auto* button = AgreeingButton(window);
-    button = button == nullptr ? window->findChild<QAbstractButton*>("c358") : button;
-    if (button != nullptr) {
-        QMetaObject::invokeMethod(button, &QAbstractButton::click, Qt::QueuedConnection);
-    }
 }
 
 bool DialogDriver::AnswerOtherWindow() {

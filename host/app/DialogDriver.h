@@ -89,7 +89,6 @@ class DialogDriver final : public QObject {
     bool AnswerMenu();
     bool UseCloudDialog(QWidget* window);
     bool HasLayersToPick(QWidget* browser);
-    void Agree(QWidget* window);
     void Add(const QString& waitsFor, std::function<bool()> isReady, std::function<void()> run);
     void AddWhenIdle(const QString& waitsFor, std::function<void()> run);
     void AddDialogSteps();
@@ -97,6 +96,7 @@ class DialogDriver final : public QObject {
     void TakeTabPicture(const QString& suffix = {});
     void DropPhotos();
     void OpenAddMenu(int command);
+    void ClickOnCloudPage(const char* button);
     void ToggleDetailColumns();
     bool IsIdle();
     QString CurrentTabName() const;
