@@ -80,6 +80,8 @@ class AddCloudLASFilesPP final : public ListPage {
     bool HasUrlIgnoringCase(const std::wstring& url) const;
     std::vector<std::size_t> RecordsToInspect() const;
 
+    static constexpr int kAddButton = 351;
+
     CloudSources sources_;
     ListModel<CloudRow>* model_;
     QMenu* addMenu_ = nullptr;

@@ -30,6 +30,14 @@ class PresignedUrlDialog : public ::testing::Test, protected testing::ScriptedSe
         dialog->show();
         EXPECT_TRUE(QTest::qWaitForWindowExposed(dialog.get()));
     }
+    void OpenHolding(Qt::Key key, Qt::KeyboardModifier modifier) {
+        QWidget keyboard;
+        keyboard.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&keyboard));
+        QTest::keyPress(keyboard.windowHandle(), key, modifier);
+        Open();
+        QTest::keyRelease(keyboard.windowHandle(), key, Qt::NoModifier);
+    }
     QLineEdit& Field() const { return *dialog->findChild<QLineEdit*>("url"); }
     QPushButton& Button(int id) const { return *dialog->findChild<QPushButton*>(ControlName(id)); }
     void Click(int id) const { QTest::mouseClick(&Button(id), Qt::LeftButton); }
@@ -130,6 +138,13 @@ TEST_F(PresignedUrlDialog, FitsTheScreenAndComesBackWhereItWas) {
     Open();
     EXPECT_EQ(dialog->height(), 300);
     EXPECT_TRUE(screen.contains(dialog->frameGeometry()));
+    EXPECT_EQ(Field().text(), "");
+    OpenHolding(Qt::Key_Control, Qt::ControlModifier);
+    EXPECT_NE(dialog->height(), 300);
+    OpenHolding(Qt::Key_Shift, Qt::ShiftModifier);
+    EXPECT_EQ(Field().text(), "https://example.com/lidar/example.laz");
+    dialog->SetUrl(L"https://h/typed.las");
+    EXPECT_EQ(Field().text(), "https://h/typed.las");
 }
 
 }  // namespace
