@@ -19,7 +19,7 @@ using Tree = boost::property_tree::ptree;
 constexpr std::size_t kMostMegabytes = 8;
 constexpr std::size_t kMostBytes = kMostMegabytes << 20U;
 constexpr std::size_t kMostValues = 250'000;  // of some 300 bytes each while the tree stands
-constexpr std::size_t kMostDepth = 32;
+constexpr std::size_t kMostDepth = 64;
 constexpr std::size_t kMostCharacters = 32'768;
 
 /// What the tree's reader, which is recursive and takes whatever comes, must not be given: looked for without

@@ -11,7 +11,7 @@ std::vector<std::string> Seeds() {
         R"({"error":{"code":"not_found","message":"gone"}})",
         "\xEF\xBB\xBF{\"layers\":[{\"name\":\"a\\u202eb\xFF\",\"url\":\"x\\n\"}]}",
         "{\"layers\":[{\"name\":\"a",
-        "{\"layers\":" + std::string(40, '[') + std::string(40, ']') + "}"};
+        "{\"layers\":" + std::string(70, '[') + std::string(70, ']') + "}"};
 }
 
 }  // namespace orvex::fuzz

@@ -1,4 +1,5 @@
 // The browser's lists: who is signed in, and what the cloud account answers.
+#include <QTableView>
 #include <algorithm>
 #include <utility>
 

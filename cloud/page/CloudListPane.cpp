@@ -1,10 +1,12 @@
 #include "cloud/page/CloudListPane.h"
 
+#include <QAction>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTableView>
 #include <QToolButton>
 #include <QVBoxLayout>
 

@@ -155,10 +155,10 @@ TEST(CloudListing, WhatIsNoListingIsRefused) {
 }
 
 TEST(CloudListing, HostileTextsCostLittle) {
-    const std::wstring deep = FormatText(Text(text::kCloudListingTooDeep), {32});
+    const std::wstring deep = FormatText(Text(text::kCloudListingTooDeep), {64});
     EXPECT_EQ(Refusal(Repeated("[", 100'000)), deep);
     EXPECT_EQ(Refusal(Repeated("{\"a\":", 100'000)), deep);
-    EXPECT_EQ(Refusal("{\"layers\":" + Repeated("[", 33) + Repeated("]", 33) + "}"), deep);
+    EXPECT_EQ(Refusal("{\"layers\":" + Repeated("[", 64) + Repeated("]", 64) + "}"), deep);
     const std::wstring large = FormatText(Text(text::kCloudListingTooLarge), {8});
     EXPECT_EQ(Refusal(std::string(std::size_t{100} << 20U, '[')), large);
     const std::wstring many = FormatText(Text(text::kCloudListingTooMany), {250'000});

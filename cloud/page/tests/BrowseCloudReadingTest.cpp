@@ -88,7 +88,7 @@ TEST_F(BrowseCloudLayers, FailuresAreToldOnceAndReadingGoesOn) {
          "layers",
          L"PopulateLayers",
          {.json = std::string(100'000, '[')},
-         FormatText(Text(text::kCloudListingTooDeep), {32})},
+         FormatText(Text(text::kCloudListingTooDeep), {64})},
         {"p1@2",
          "layers",
          L"PopulateLayers",
