@@ -39,6 +39,12 @@ std::string HostOf(const httplib::Request& request) {
     return isPlain && request.get_header_value_count("Host") == 1 ? host : std::string();
 }
 
+/// "host" of "host:port", "::1" of "[::1]:port".
+std::string_view WithoutPort(std::string_view host) {
+    return host.starts_with('[') ? host.substr(1, std::min(host.find(']'), host.size()) - 1)
+                                 : host.substr(0, host.find(':'));
+}
+
 std::string PathOf(const httplib::Request& request) {
     return request.target.substr(0, request.target.find('?'));
 }
@@ -105,6 +111,7 @@ class CloudServer::Impl {
         server_.set_error_handler([](const auto&, httplib::Response& response) {
             if (!response.has_header("Content-Type")) {  // one that the library gives by itself
                 response.set_content(ErrorReply(response.status).body, "application/json");
+                response.set_header("Connection", "close");  // HttpServer ends it
             }
         });
         address_ = ServerAddress(settings_, server_.Start(settings_.address, settings_.port));
@@ -220,12 +227,22 @@ class CloudServer::Impl {
                                            : ListingReply(request, path);
     }
 
+    /// A page in a browser can give a name of its own to this computer's address, and then read what needs no
+    /// token.
+    bool IsDisguised(const httplib::Request& request) const {
+        return settings_.token.empty() && IsLoopback(settings_.address) &&
+               !IsLoopback(WithoutPort(HostOf(request)));
+    }
+
     bool IsSignedIn(const httplib::Request& request) const {
         return settings_.token.empty() ||
                EqualSecrets(request.get_header_value("Authorization"), "Bearer " + settings_.token);
     }
 
     Reply ListingReply(const httplib::Request& request, const std::string& path) {
+        if (IsDisguised(request)) {
+            return ErrorReply(403);
+        }
         if (!IsSignedIn(request)) {
             Reply reply = ErrorReply(401);
             reply.headers.emplace_back("WWW-Authenticate", "Bearer");
@@ -292,6 +309,11 @@ class CloudServer::Impl {
 
     HttpServer server_;  // last: its threads use the rest
 };
+
+bool IsLoopback(std::string_view address) {
+    const bool isNumber = address.find_first_not_of("0123456789.") == std::string_view::npos;
+    return (isNumber && address.starts_with("127.")) || address == "::1" || address == "localhost";
+}
 
 std::string ServerAddress(const CloudServerSettings& settings, int port) {
     const bool isIpv6 = settings.address.find(':') != std::string::npos;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orvex {
@@ -66,6 +67,9 @@ class CloudServer {
     class Impl;
     std::unique_ptr<Impl> impl_;
 };
+
+/// True for an address or name that means this computer everywhere.
+bool IsLoopback(std::string_view address);
 
 /// Address of a server with these settings at a port: "https://[::1]:8080".
 std::string ServerAddress(const CloudServerSettings& settings, int port);

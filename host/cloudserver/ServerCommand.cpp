@@ -143,10 +143,6 @@ void ParseOption(const std::vector<std::wstring>& arguments, std::size_t& i, Opt
     }
 }
 
-bool IsLoopback(const std::string& address) {
-    return address.starts_with("127.") || address == "::1" || address == "localhost";
-}
-
 Options ParseArguments(const std::vector<std::wstring>& arguments) {
     Options options;
     options.server.port = kDefaultPort;

@@ -185,6 +185,17 @@ TEST_F(FaultsTest, RefusesMalformedRequests) {
             StartsWith("HTTP/1.1 400 "))
             << head;
     }
+    for (const auto& [host, status] : {std::pair{"127.0.0.1:80", "200"},
+                                       {"localhost", "200"},
+                                       {"[::1]:80", "200"},
+                                       {"127.0.0.1.example", "403"},
+                                       {"localhost.example:80", "403"},
+                                       {"[", "403"}}) {
+        EXPECT_THAT(Exchange("GET /v1/projects HTTP/1.1\r\nHost: " + std::string(host) +
+                             "\r\nConnection: close\r\n\r\n"),
+                    StartsWith(std::string("HTTP/1.1 ") + status))
+            << host;
+    }
     const std::string two = Exchange(
         "GET /v1/projects HTTP/1.1\r\nHost: a\r\n\r\nHEAD /v1/projects HTTP/1.1\r\nHost: a\r\nConnection: "
         "close\r\n\r\n");
