@@ -60,6 +60,9 @@ std::unique_ptr<LASFile> LASFile::Read(const ByteSource& source, const std::wstr
         ThrowOpenError(Text(text::kLasHeaderReadFailed), name);
     }
     las->CopyHeader(source);
+    if (!las->header_.HasSignature()) {
+        return las;  // no reason to fetch more of whatever it is
+    }
     las->ReadRecords(source);
     las->companionStatus_ = FindCompanionRecord(las->GetVLRs(), las->evlrs_);
     return las;

@@ -28,8 +28,9 @@ class LASFile final : public LasFileInfo {
     /// Opens a file; `skipPointMapping` leaves the point data unmapped, as for a list of files. Throws
     /// LDataError.
     static std::unique_ptr<LASFile> Open(const std::wstring& fileName, bool readOnly, bool skipPointMapping);
-    /// Reads header and records of a file that is not on a disk of this machine: no file is looked for beside
-    /// it, and it gets no id in the registry. `name`: for FileName() and messages. Throws LDataError.
+    /// Reads header and records, of a file without signature only the header. For a file that is not on a
+    /// disk of this machine: none is looked for beside it, and it gets no id in the registry. `name`: for
+    /// FileName() and messages. Throws LDataError.
     static std::unique_ptr<LASFile> Read(const ByteSource& source, const std::wstring& name);
     ~LASFile() override;
 

@@ -60,6 +60,12 @@ GridCell Address(const LasRow& row) {
     return std::to_wstring(address);
 }
 
+/// Path of a file; of one at a URL, without its parameters.
+std::wstring_view PathAlone(const LasRow& row) {
+    const std::wstring_view path = row.path;
+    return path.find(L"://") == std::wstring_view::npos ? path : path.substr(0, path.find(L'?'));
+}
+
 GridCell Modified(const LasRow& row) {
     const std::int64_t time = row.modifiedMs;
     return time == 0 ? GridCell() : GridCell(UtcTimeText(time));
@@ -264,10 +270,10 @@ constexpr Column<LasRow> kColumns[] = {
       .basic = true,
       .frozen = true,
       .footer = FooterKind::Count},
-     [](const LasRow& row) { return GridCell(FileNameOf(row.path)); },
+     [](const LasRow& row) { return GridCell(FileNameOf(PathAlone(row))); },
      {.tooltip = PathText}},
     {{.name = "folder", .caption = text::kLasFolder, .maximumWidth = 400},
-     [](const LasRow& row) { return GridCell(FolderOf(row.path)); },
+     [](const LasRow& row) { return GridCell(FolderOf(PathAlone(row))); },
      {.tooltip = PathText}},
     {{.name = "size",
       .caption = text::kLasSizeMegabytes,
