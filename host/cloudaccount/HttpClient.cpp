@@ -13,6 +13,7 @@
 #include <QSslKey>
 #include <QStringList>
 #include <QThreadPool>
+#include <QTimeZone>
 #include <QTimer>
 #include <algorithm>
 #include <exception>
@@ -299,7 +300,7 @@ std::chrono::milliseconds RetryAfter(const QByteArray& value, std::chrono::milli
     }
     QDateTime date =
         QLocale::c().toDateTime(QString::fromLatin1(value.trimmed()), "ddd, dd MMM yyyy hh:mm:ss 'GMT'");
-    date.setTimeSpec(Qt::UTC);
+    date.setTimeZone(QTimeZone::utc());
     return date.isValid() ? std::chrono::milliseconds(QDateTime::currentDateTimeUtc().msecsTo(date))
                           : otherwise;
 }

@@ -1,7 +1,8 @@
 #pragma once
 // The host's cloud-account library: the archiving projects of a signed-in user, and parts of files that have
-// a URL. Every function blocks the calling thread, may be called on any thread, and returns soon after the
-// caller has cancelled. The process must have a QCoreApplication.
+// a URL. Every function blocks the calling thread, may be called on any thread, throws nothing, and returns
+// within about 100 ms after the caller has cancelled. What uses the network needs a QCoreApplication in the
+// process, and is Unreachable without one; folders and file: URLs need none.
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -28,7 +29,9 @@ struct CloudAccount {
     std::wstring userName;  ///< shown to the user; may be empty
     /// Base address of the service ("https://host/path"), or the full path of a folder of listings.
     std::wstring service;
-    std::wstring token;  ///< bearer token, sent to the service only; empty: none. Never shown or logged.
+    /// Bearer token; empty: none. Sent to the service's scheme, host and port only, and over http only to
+    /// this computer. Never shown or logged.
+    std::wstring token;
 };
 
 enum class CloudStatus {
@@ -86,7 +89,7 @@ ORVEXCLOUDACCOUNT_API CloudOutcome getArchivingProjectFiles(const CloudAccount& 
                                                             const CloudCall& call = {});
 
 /// Reads parts of a file that has a URL, without an account: one connection as long as the server keeps it.
-/// For one thread.
+/// Belongs to the thread of the first Read, which also destroys it.
 class RangeReader {
   public:
     virtual ~RangeReader() = default;
