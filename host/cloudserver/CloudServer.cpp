@@ -257,7 +257,8 @@ class CloudServer::Impl {
             listing = folder_.Projects(*page);
         } else if (const auto project = ProjectOf(path)) {
             // As the client has reached this server, whatever the name that it uses.
-            const std::string address = address_.substr(0, address_.find("//") + 2) + HostOf(request);
+            const std::string scheme = settings_.certificate.empty() ? "http://" : "https://";
+            const std::string address = scheme + HostOf(request);
             listing = folder_.Layers(*project, *page, [&](const std::string& file) {
                 return file.starts_with("files/") ? Sign(address, file, kListedUrlSeconds) : "";
             });
