@@ -63,8 +63,8 @@ QTableView* GridOf(QWidget* dialog) {
 
 /// The grid of layers in the cloud layer browser; null while there is none.
 QTableView* LayerGridOf(const QWidget& browser) {
-    const auto* grid = browser.findChild<QWidget*>("layersGrid");
-    return grid == nullptr ? nullptr : grid->findChild<QTableView*>();
+    auto* grid = browser.findChild<QWidget*>("layersGrid");
+    return grid == nullptr ? nullptr : GridOf(grid);
 }
 
 /// The first button whose role agrees. Roles, because a program may have given its buttons texts of its own.
