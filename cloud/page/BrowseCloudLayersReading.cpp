@@ -35,6 +35,10 @@ void RequireOk(const CloudOutcome& outcome) {
     }
 }
 
+bool IsSameUser(const CloudAccount& a, const CloudAccount& b) {
+    return a.service == b.service && a.userName == b.userName;
+}
+
 /// Whose projects these are: "anna, https://host/path".
 std::wstring ShownAccount(const CloudAccount& account) {
     const std::wstring service = ShownUrl(account.service);
@@ -90,14 +94,19 @@ void BrowseCloudLayersDlg::PopulateFolders() {
 
 void BrowseCloudLayersDlg::ContinueReading(List& list) {
     try {
-        account_ = AskAccount();  // the user may have signed in meanwhile, or the token may be a new one
-        if (account_) {
-            projects_.pane->SetOwner(ShownAccount(*account_));
-            (this->*list.read)();
-        } else {
+        // The user may have signed in meanwhile, or the token may be a new one.
+        const SharedAccount before = std::exchange(account_, AskAccount());
+        if (!account_) {
             ClearLists();
             projects_.pane->ShowState(CloudListState::Idle, Text(text::kCloudNotSignedIn));
+            return;
         }
+        const bool isAnother = before && !IsSameUser(*before, *account_);
+        if (isAnother) {
+            ClearLists();
+        }
+        projects_.pane->SetOwner(ShownAccount(*account_));
+        (this->*(isAnother ? projects_ : list).read)();
     } catch (...) {
         list.pane->ShowState(CloudListState::Failed, CurrentExceptionText());
         throw;
@@ -168,6 +177,7 @@ void BrowseCloudLayersDlg::ReadLayers() {
 
 void BrowseCloudLayersDlg::TakeLayers(const CloudListingPage& page, std::size_t bytes) {
     std::vector<CloudLayerRow> rows;
+    rows.reserve(page.layers.size());
     for (const CloudLayer& layer : page.layers) {
         if (layers_.progress.IsNew(ToUtf8(layer.id))) {
             rows.emplace_back(layer, *texts_);

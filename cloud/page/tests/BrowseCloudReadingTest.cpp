@@ -44,6 +44,22 @@ TEST_F(BrowseCloudLayers, NobodyIsSignedIn) {
     EXPECT_TRUE(Until([this] { return Layers().size() == 3; }));
 }
 
+TEST_F(BrowseCloudLayers, AnotherUserHasOtherProjects) {
+    OpenAndRead();
+    ClickRow("layers", 0);
+    hostObjects.account->userName = L"ben";
+    cloud->Set("projects", {.projects = {{"Eyot", "p3"}, {"Coast", "p2"}}});
+    ClickRow("projects", 1);
+    ASSERT_TRUE(Until([this] { return Column("projects", 0) == Names{L"Eyot", L"Coast"}; }));
+    ASSERT_TRUE(Until([this] { return IsIdle("layers") && cloud->Asked().back() == "p3"; }));
+    EXPECT_FALSE(CanAdd());
+    // Signed out.
+    hostObjects.account.reset();
+    ClickRow("projects", 1);
+    ASSERT_TRUE(Until([this] { return Message("projects") == Text(text::kCloudNotSignedIn); }));
+    EXPECT_THAT(prompts.shown, IsEmpty());
+}
+
 TEST_F(BrowseCloudLayers, RowsAppearPageByPage) {
     cloud->Set("projects", {.projects = {{"Bay", "p1"}}, .next = "2"});
     cloud->Set("projects@2", {.projects = {{"Bay", "p1"}, {"Coast", "p2"}}, .isHeld = true});
