@@ -149,11 +149,13 @@ TEST_F(ServedAccount, ListsAndKeepsNumbersAndNames) {
     EXPECT_THAT(layers[0]["url"].get<std::string>(),
                 ::testing::StartsWith(server_->Address() + "/files/a.las"));
 
-    // An id is one part of the path, whatever it consists of.
+    // An id is one part of the path, whatever it consists of; dots alone are not sent.
+    const std::size_t before = server_->Requests().size();
     for (const char* id : {"p 2/ü", "../projects", "..", "", "p1?x=", "%2e%2e"}) {
         EXPECT_EQ(getArchivingProjectFiles(account, id, {}, json).status, CloudStatus::NotFound) << id;
         EXPECT_THAT(json, IsEmpty());
     }
+    EXPECT_EQ(server_->Requests().size() - before, 4u);
 }
 
 TEST_F(ServedAccount, RefusesAWrongTokenAndOneThatIsNoHeader) {

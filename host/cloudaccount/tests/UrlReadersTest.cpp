@@ -115,7 +115,7 @@ TEST(UrlReader, BelievesNoAnswerThatIsNotThePartAskedFor) {
         {"chunked", range + "Transfer-Encoding: chunked\r\n", "4\r\n4567\r\n0\r\n\r\n", CloudStatus::Ok},
         {"total unknown", "Content-Range: bytes 4-7/*\r\nContent-Length: 4\r\n", "4567", CloudStatus::Ok},
         {"no range", "Content-Length: 4\r\n", "4567", CloudStatus::BadAnswer, text::kCloudRangeWrong},
-        {"another place", "Content-Range: bytes 5-8/10\r\nContent-Length: 4\r\n", "4567",
+        {"another place", "Content-Range: bytes 3-6/10\r\nContent-Length: 4\r\n", "4567",
          CloudStatus::BadAnswer, text::kCloudRangeWrong},
         {"more", "Content-Range: bytes 4-9/10\r\nContent-Length: 6\r\n", "456789", CloudStatus::BadAnswer,
          text::kCloudRangeWrong},
@@ -182,6 +182,17 @@ TEST(UrlReader, FollowsARedirectOnceAndCarriesNoSecretAlong) {
                 AllOf(HasSubstr("GET /a.las?X-Amz-Signature=abc HTTP/1.1"), Not(HasSubstr("Authorization"))));
     EXPECT_THAT(storage.Requests()[0], AllOf(HasSubstr("GET /b.las?sig=1%2F2 HTTP/1.1"),
                                              Not(HasSubstr("Authorization")), Not(HasSubstr("abc"))));
+}
+
+TEST(UrlReader, AnswersNoChallengeWithANameInTheUrl) {
+    RawServer server(
+        Head("401 Unauthorized", "WWW-Authenticate: Basic realm=\"x\"\r\nContent-Length: 0\r\n"));
+    const Part part =
+        Read(*openUrl(FromUtf8("http://user:password@" + server.Address().substr(7) + "/a.las")), 0, 1);
+    EXPECT_EQ(part.outcome.status, CloudStatus::NotSignedIn);
+    for (const std::string& head : server.Requests()) {
+        EXPECT_THAT(head, Not(HasSubstr("Authorization")));
+    }
 }
 
 TEST(UrlReader, OpensNothingButFilesOfThisComputer) {
