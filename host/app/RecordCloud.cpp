@@ -39,6 +39,23 @@ std::vector<NewFile> LayersIn(const AddFilesParams& record) {
     return layers;
 }
 
+/// True for two links to one layer of an account, which signs each link anew.
+bool IsSameLayer(const LayerFile& a, const LayerFile& b) {
+    const auto addressOf = [](const LayerFile& file) {
+        return file.path.substr(0, file.path.find_first_of(L"?#"));
+    };
+    return !a.cloud.id.empty() && a.cloud == b.cloud && addressOf(a) == addressOf(b);
+}
+
+bool IsIn(const Project& project, const LayerFile& file) {
+    return std::ranges::any_of(project.layers, [&file](const Layer& layer) {
+        return layer.kind == LayerKind::Cloud &&
+               std::ranges::any_of(layer.files, [&file](const LayerFile& known) {
+                   return known.path != file.path && IsSameLayer(known, file);
+               });
+    });
+}
+
 /// The name, or the first free one with a number behind it.
 std::wstring FreeName(const std::wstring& name, const std::set<std::wstring>& taken) {
     std::wstring free = name;
@@ -57,7 +74,13 @@ CloudLayers CloudLayersOf(const AddFilesParams& record, const Project& project) 
     }
     const std::vector<std::wstring> known = project.PathsOf(LayerKind::Cloud);
     CloudLayers layers;
-    layers.files = LayersIn(record);
+    for (NewFile& layer : LayersIn(record)) {
+        if (IsIn(project, layer.file)) {
+            layers.renewed.push_back(std::move(layer.file));
+        } else {
+            layers.files.push_back(std::move(layer));
+        }
+    }
     for (NewFile& layer : layers.files) {
         if (std::ranges::find(known, layer.file.path) != known.end()) {
             continue;  // it is not going to be taken
@@ -70,6 +93,22 @@ CloudLayers CloudLayersOf(const AddFilesParams& record, const Project& project) 
         names.insert(name);
     }
     return layers;
+}
+
+FilePlaces RenewLinks(Project& project, const std::vector<LayerFile>& renewed) {
+    FilePlaces places;
+    for (std::size_t layer = 0; layer < project.layers.size(); ++layer) {
+        for (std::size_t i = 0; i < project.layers[layer].files.size(); ++i) {
+            LayerFile& file = project.layers[layer].files[i];
+            const auto link = std::ranges::find_if(
+                renewed, [&file](const LayerFile& other) { return IsSameLayer(file, other); });
+            if (link != renewed.end()) {
+                file.path = link->path;
+                places.emplace(layer, i);
+            }
+        }
+    }
+    return places;
 }
 
 std::wstring CloudText(const AddFilesParams& record) {

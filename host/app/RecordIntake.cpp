@@ -289,6 +289,9 @@ void RecordIntake::TakeCloudLayers(const AddFilesParams& record) {
     for (std::wstring& url : added.others) {
         url = ShownPath(LayerKind::Cloud, url);
     }
+    const FilePlaces renewed = RenewLinks(project_, layers.renewed);
+    added.mainLayer = added.places.empty() && !renewed.empty() ? renewed.begin()->first : added.mainLayer;
+    added.places.insert(renewed.begin(), renewed.end());
     Keep(added);
 }
 

@@ -113,6 +113,22 @@ TEST_F(CloudLayersTest, AKnownUrlIsLeftOutAndAKnownNameGetsANumber) {
     EXPECT_FALSE(report_.contains("store.example")) << "the dialog has told";
 }
 
+// A service signs the links of each listing anew.
+TEST_F(CloudLayersTest, ALayerThatIsPickedAgainKeepsItsPlaceAndGetsTheNewLink) {
+    const auto pick = [&](const wchar_t* url) {
+        Record record;
+        record.cloudLasLayers = {{L"a", url}};
+        record.cloudLasLayerValues2 = {{L"a", L"id7"}};
+        record.cloudLasLayerValues3 = {{L"a", L"p1"}};
+        window_.TakeRecord(record);
+    };
+    pick(L"https://h/a.las?X-Amz-Signature=1");
+    pick(L"https://h/a.las?X-Amz-Signature=2");
+    pick(L"https://other/a.las?X-Amz-Signature=3");
+    EXPECT_THAT(LayerNames(), ElementsAre(L"a", L"a (2)"));
+    EXPECT_EQ(window_.CurrentProject().layers[0].files.at(0).path, L"https://h/a.las?X-Amz-Signature=2");
+}
+
 // Whoever can read a signed URL can read the layer.
 TEST_F(CloudLayersTest, TheProjectFileKeepsUrlsExactlyAndSignedOnesForItsUser) {
     const QString where = window_.ProjectFolder();
