@@ -37,7 +37,7 @@ class WireFactory {
 std::unique_ptr<WireFactory> MakeWireFactory(const std::filesystem::path& certificate,
                                              const std::filesystem::path& key);
 
-// What differs between the systems' sockets.
+// Sockets and signals.
 
 /// True if the socket became readable or writable within the time, or failed.
 bool WaitForSocket(socket_t socket, bool forWriting, std::chrono::milliseconds time);
