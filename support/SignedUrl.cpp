@@ -84,14 +84,14 @@ bool IsOfSignedScheme(std::string_view name) {
 
 bool IsSecretName(std::string_view name) {
     constexpr std::size_t kLongestName = 31;  // what is longer is a token without a name
-    constexpr auto kWhole =
-        std::to_array<std::string_view>({"sig",   "sign", "sas", "si", "sip", "skoid", "sktid", "saoid",
-                                         "suoid", "scid", "sid", "pw", "pin", "otp",   "code",  "hmac",
-                                         "nonce", "hash", "ak",  "sk", "qak", "tok",   "hdnea", "hdnts"});
+    constexpr auto kWhole = std::to_array<std::string_view>(
+        {"sig",  "sign", "sas", "si",  "sip", "skoid", "sktid", "saoid", "suoid",
+         "scid", "sid",  "pw",  "pin", "otp", "code",  "hmac",  "nonce", "hash",
+         "md5",  "ak",   "sk",  "qak", "tok", "hdnea", "hdnts"});
     constexpr auto kParts = std::to_array<std::string_view>(
         {"signature", "credential", "token", "secret", "passw", "passphrase", "pwd", "policy", "accesskey",
          "accessid", "keypair", "bearer", "session", "cookie", "jwt", "saml", "ticket", "sharedaccess"});
-    constexpr auto kEnds = std::to_array<std::string_view>({"key", "keyid", "pass"});
+    constexpr auto kEnds = std::to_array<std::string_view>({"key", "keyid", "pass", "sig"});
     const bool isAuthority = name.find("auth") != std::string_view::npos && !name.ends_with("author");
     return name.size() > kLongestName || isAuthority || IsOfSignedScheme(name) || name.starts_with("qsign") ||
            std::ranges::find(kWhole, name) != kWhole.end() ||
@@ -170,13 +170,18 @@ View ShownName(View name) {
                : name.substr(0, name.find_first_of(L"%&"));
 }
 
+/// Some stores have the secret in the path: host/p/SECRET/n/...
+bool IsSecretFolder(View path, View folder, std::size_t begin) {
+    return path.substr(0, begin).ends_with(L"/p/") && path.substr(begin + folder.size()).starts_with(L"/n/");
+}
+
 std::wstring ShownPath(View path) {
     std::wstring shown;
     ForEachPiece(path, L"/;", [&](View piece, std::size_t begin) {
         const bool isParameter = begin > 0 && path[begin - 1] == L';';
         if (!isParameter || !HoldsSecret(Decoded(piece))) {
             shown += begin > 0 ? path.substr(begin - 1, 1) : View();
-            shown += isParameter ? piece : ShownName(piece);
+            shown += isParameter ? piece : IsSecretFolder(path, piece, begin) ? View() : ShownName(piece);
         }
     });
     return shown;

@@ -62,6 +62,12 @@ const Case kCases[] = {
      L"x?access_token=SECRET&api-key=SECRET&key=SECRET&Authorization=Bearer%20SECRET&sas=SECRET&"
      L"password=SECRET&pwd=SECRET&client_secret=SECRET&code=SECRET&q-sign-time=SECRET&author=me&monk=1",
      L"https://h.example/x?author=me&monk=1"},
+    {L"https://h.example/"
+     L"x?temp_url_sig=SECRET&temp_url_expires=1772366400&urlSig=SECRET&x-sig=SECRET&md5=SECRET",
+     L"https://h.example/x?temp_url_expires=1772366400"},
+    {L"https://h.example/p/SECRET/n/space/b/bucket/o/x.las",
+     L"https://h.example/p//n/space/b/bucket/o/x.las"},
+    {L"https://h.example/p/o/x.las", L"https://h.example/p/o/x.las"},
     {L"https://h.example/x?0123456789abcdef0123456789ABCDEF==&v=2", L"https://h.example/x?v=2"},
     {L"https://h.example/x?from=https%3A%2F%2Fo.example%2Fy%3Fsig%3DSECRET&v=2", L"https://h.example/x?v=2"},
     {L"https://h.example/x?from=https%253A%252F%252Fu:SECRET@o.example%252Fy&v=2",
