@@ -12,8 +12,9 @@ bool IsLoopback(const QUrl& url);
 
 /// The system's proxies for a host, in the order in which they are to be tried. Searching for the network's
 /// configuration can take seconds: it is done elsewhere, and nullopt is returned when `isCancelled` says so
-/// or it does not end. Addresses of this machine are reached directly. The system, whose rules can be a
-/// program from the network, is told nothing but scheme, host and port.
+/// or it does not end. Answers are kept for a minute, for all threads. Addresses of this machine are reached
+/// directly. The system, whose rules can be a program from the network, is told nothing but scheme, host and
+/// port.
 std::optional<QList<QNetworkProxy>> SystemProxiesFor(const QUrl& url,
                                                      const std::function<bool()>& isCancelled);
 
