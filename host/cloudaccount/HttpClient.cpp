@@ -34,6 +34,8 @@ constexpr std::chrono::milliseconds kLongestBackOff = 60s;
 constexpr int kMostAttempts = 4;
 constexpr int kMostRedirects = 5;
 constexpr std::int64_t kMostErrorBytes = 16 * 1024;
+// A caller with windows does not expect its own commands while it is blocked.
+constexpr auto kWithoutInput = QEventLoop::ExcludeUserInputEvents;
 // What Qt may read ahead of us.
 constexpr std::int64_t kReadBuffer = 256 * 1024;
 
@@ -128,7 +130,7 @@ class Transfer {
     HttpAnswer Run() {
         const Ticks ticks([this] { Guard([this] { Check(); }); });
         if (!reply_->isFinished()) {
-            loop_.exec();
+            loop_.exec(kWithoutInput);
         }
         if (failure_) {
             std::rethrow_exception(failure_);
@@ -315,21 +317,27 @@ void BackOff(const HttpAnswer& answer, int attempt, const HttpLimits& limits, co
     }
     QEventLoop loop;
     QTimer::singleShot(delay, &loop, &QEventLoop::quit);
-    bool isCancelled = IsCancelled(call);
-    const Ticks ticks([&] {
-        isCancelled = isCancelled || IsCancelled(call);
-        if (isCancelled) {
+    std::exception_ptr failure;
+    const auto check = [&] {  // what is thrown must not pass through Qt
+        try {
+            if (!failure && IsCancelled(call)) {
+                ThrowCancelled();
+            }
+        } catch (...) {
+            failure = std::current_exception();
             loop.quit();
         }
-    });
-    if (!isCancelled) {
-        loop.exec();
+    };
+    check();
+    const Ticks ticks(check);
+    if (!failure) {
+        loop.exec(kWithoutInput);
     }
     if (seconds > 0 && call.waiting) {
         call.waiting({});
     }
-    if (isCancelled) {
-        ThrowCancelled();
+    if (failure) {
+        std::rethrow_exception(failure);
     }
 }
 

@@ -152,7 +152,7 @@ class HttpReader final : public RangeReader {
         if (isOther || (size_ && total && *size_ != *total)) {
             Throw(CloudStatus::BadAnswer, text::kCloudChanged, headers);
         }
-        eTag_ = headers.eTag;
+        eTag_ = headers.eTag.isEmpty() ? eTag_ : headers.eTag;
         size_ = total ? total : size_;
     }
 
