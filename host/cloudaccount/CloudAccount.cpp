@@ -1,14 +1,24 @@
 #include "orvexcommon/CloudAccount.h"
 
+#include <QString>
+
 #include "host/cloudaccount/Accounts.h"
 #include "host/cloudaccount/CloudTexts.h"
 
 namespace orvex {
 namespace {
 
+using cloud::CloudError;
+
+/// A damaged address is no folder either, whose message would show what the address may hold.
 bool IsServer(const CloudAccount& account) {
-    const std::wstring service = ToUpper(account.service);
-    return service.starts_with(L"HTTPS://") || service.starts_with(L"HTTP://");
+    const QString service = QString::fromStdWString(account.service).trimmed();
+    const bool isServer =
+        service.startsWith("https:", Qt::CaseInsensitive) || service.startsWith("http:", Qt::CaseInsensitive);
+    if (!isServer && service.contains("://")) {
+        throw CloudError(CloudStatus::Unreachable, Text(text::kCloudServiceInvalid));
+    }
+    return isServer;
 }
 
 }  // namespace

@@ -64,7 +64,7 @@ void Erase(std::wstring& text, const std::wstring& what, const wchar_t* substitu
 
 /// The server's own message, if it is as documented: {"error": {"message": ...}}.
 std::wstring MessageIn(std::string_view body, std::string_view secret) {
-    if (IsNestedTooDeeply(body)) {
+    if (ExcessOf(body) != JsonExcess::None) {
         return {};
     }
     const auto json = nlohmann::json::parse(body, nullptr, false);
@@ -131,8 +131,9 @@ CloudOutcome OutcomeOf(int httpStatus, bool isAccount, const QUrl& url, std::str
     return outcome;
 }
 
-bool IsNestedTooDeeply(std::string_view json) {
+JsonExcess ExcessOf(std::string_view json) {
     int depth = 0;
+    int values = 0;
     bool inString = false;
     for (std::size_t i = 0; i < json.size(); ++i) {
         const char c = json[i];
@@ -141,15 +142,17 @@ bool IsNestedTooDeeply(std::string_view json) {
             inString = c != '"';
         } else if (c == '"') {
             inString = true;
-        } else if (c == '[' || c == '{') {
-            if (++depth > kDeepestNesting) {
-                return true;
-            }
         } else if (c == ']' || c == '}') {
             --depth;
+        } else if (c == '[' || c == '{' || c == ',') {
+            depth += c == ',' ? 0 : 1;
+            ++values;
+        }
+        if (depth > kDeepestNesting || values > kMostValues) {
+            return depth > kDeepestNesting ? JsonExcess::Depth : JsonExcess::Values;
         }
     }
-    return false;
+    return JsonExcess::None;
 }
 
 }  // namespace orvex::cloud

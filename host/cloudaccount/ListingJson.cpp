@@ -11,20 +11,27 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+// Ids and names of pages are sent back in addresses, of which servers take some KiB.
+constexpr std::size_t kLongestName = 4096;
+
 /// `place`: from 1.
 [[noreturn]] void ThrowMalformed(const std::wstring& source, std::uint64_t place) {
     throw CloudError(CloudStatus::BadAnswer, FormatText(Text(text::kCloudListMalformed), {source, place}));
 }
 
-void RefuseDeepNesting(std::string_view json, const std::wstring& source) {
-    if (IsNestedTooDeeply(json)) {
+void RefuseExcess(std::string_view json, const std::wstring& source) {
+    const JsonExcess excess = ExcessOf(json);
+    if (excess == JsonExcess::Depth) {
         throw CloudError(CloudStatus::BadAnswer, FormatText(Text(text::kCloudListTooDeep), {source}));
+    }
+    if (excess == JsonExcess::Values) {
+        throw CloudError(CloudStatus::BadAnswer, FormatText(Text(text::kCloudListingTooMany), {kMostValues}));
     }
 }
 
 /// `place`: offset of the text in its source.
 Json Parse(std::string_view json, const std::wstring& source, std::uint64_t place) {
-    RefuseDeepNesting(json, source);
+    RefuseExcess(json, source);
     try {
         return Json::parse(json);
     } catch (const Json::parse_error& error) {
@@ -39,6 +46,15 @@ std::string TextOf(const Json& object, const char* key) {
                                                                                : std::string();
 }
 
+/// Name of the page that follows; empty if there is none.
+std::string NextOf(const Json& listing, std::string_view json, const std::wstring& source) {
+    std::string next = TextOf(listing, "next");
+    if (next.size() > kLongestName) {
+        ThrowMalformed(source, std::min(json.rfind("\"next\""), json.size() - 1) + 1);
+    }
+    return next;
+}
+
 const Json* ArrayOf(const Json& listing, const char* key) {
     const auto member = listing.is_object() ? listing.find(key) : listing.end();
     return listing.is_object() && member != listing.end() && member->is_array() ? &*member : nullptr;
@@ -46,22 +62,36 @@ const Json* ArrayOf(const Json& listing, const char* key) {
 
 ArchivingProject ProjectOf(const Json& json) {
     ArchivingProject project{TextOf(json, "name"), TextOf(json, "id")};
+    if (project.id.size() > kLongestName) {
+        project.id.clear();
+    }
     if (project.name.empty()) {
         project.name = project.id;
     }
     return project;
 }
 
-/// Whether a URL was changed.
+/// True for files on servers, and for those below a listing's own folder. An encoded separator becomes one
+/// in a path: "..%2F" leads out.
+bool MayBeNamed(const QUrl& url, const QUrl& base) {
+    const QByteArray folder = base.toEncoded();
+    const QByteArray encoded = url.toEncoded();
+    const QByteArray below = encoded.mid(folder.size()).toLower();
+    const bool isInside =
+        base.isLocalFile() && encoded.startsWith(folder) && !below.contains("%2f") && !below.contains("%5c");
+    return url.isValid() && (url.scheme() == "https" || url.scheme() == "http" || isInside);
+}
+
+/// Whether a URL was changed. One that may not be named is emptied.
 bool MakeUrlAbsolute(Json& layer, const QUrl& base) {
     const std::string text = TextOf(layer, "url");
     const QUrl url(QString::fromStdString(text));
-    if (text.empty() || !url.isRelative()) {
+    const QUrl absolute = base.resolved(url);
+    const bool isAllowed = url.isValid() && MayBeNamed(absolute, base);
+    if (text.empty() || (isAllowed && !url.isRelative())) {
         return false;
     }
-    const QUrl absolute = base.resolved(url);
-    const bool isInside = !base.isLocalFile() || absolute.toEncoded().startsWith(base.toEncoded());
-    layer["url"] = isInside ? absolute.toEncoded().toStdString() : std::string();
+    layer["url"] = isAllowed ? absolute.toEncoded().toStdString() : std::string();
     return true;
 }
 
@@ -173,12 +203,12 @@ void ReadProjects(std::string_view json, const std::wstring& source, ArchivingPr
         throw CloudError(CloudStatus::BadAnswer,
                          FormatText(Text(text::kCloudListLacks), {source, L"projects"}));
     }
+    list.next = NextOf(listing, json, source);
     for (const Json& element : *projects) {
         if (ArchivingProject project = ProjectOf(element); !project.id.empty()) {
             list.projects.push_back(std::move(project));
         }
     }
-    list.next = TextOf(listing, "next");
 }
 
 ArchivingProject ReadProject(std::string_view json, const std::wstring& source, std::uint64_t place) {
@@ -186,12 +216,13 @@ ArchivingProject ReadProject(std::string_view json, const std::wstring& source, 
 }
 
 std::string WithAbsoluteUrls(std::string json, const std::wstring& source, const QUrl& base) {
-    RefuseDeepNesting(json, source);
+    RefuseExcess(json, source);
     Json listing = Json::parse(json, nullptr, false);
     const auto layers = listing.is_object() ? listing.find("layers") : listing.end();
     if (!listing.is_object() || layers == listing.end() || !layers->is_array()) {
         return json;
     }
+    NextOf(listing, json, source);
     bool isChanged = false;
     for (Json& layer : *layers) {
         isChanged = MakeUrlAbsolute(layer, base) || isChanged;

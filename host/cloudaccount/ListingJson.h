@@ -14,8 +14,8 @@ namespace orvex::cloud {
 inline constexpr int kPageLength = 1000;
 inline constexpr std::size_t kMostPageBytes = 8 * 1024 * 1024;
 
-/// Reads a page of projects into `projects` and `next`. Projects without an id are left out; one without a
-/// name has its id for one. Throws CloudError.
+/// Reads a page of projects into `projects` and `next`. Projects without an id, or with one of more than
+/// 4 KiB, are left out; one without a name has its id for one. Throws CloudError.
 void ReadProjects(std::string_view json, const std::wstring& source, ArchivingProjectList& list);
 
 /// The project that an element of the array describes; its id is empty if it has none. `place`: offset of the
@@ -23,10 +23,12 @@ void ReadProjects(std::string_view json, const std::wstring& source, ArchivingPr
 ArchivingProject ReadProject(std::string_view json, const std::wstring& source, std::uint64_t place);
 
 /// A page of layers in which relative URLs are absolute. A text that is no JSON is returned as it stands: the
-/// reader of the page says what is wrong with it. Throws CloudError if it is nested too deeply.
+/// reader of the page says what is wrong with it. Throws CloudError if it is nested too deeply, or has too
+/// many values or a "next" of more than 4 KiB. A URL that is neither a server's nor below a folder's `base`
+/// is emptied.
 std::string WithAbsoluteUrls(std::string json, const std::wstring& source, const QUrl& base);
 
-/// The same of one layer; a URL that leads out of a folder is emptied. Throws CloudError if it is no JSON.
+/// The same of one layer. Throws CloudError if it is no JSON.
 std::string LayerWithAbsoluteUrl(std::string_view json, const std::wstring& source, std::uint64_t place,
                                  const QUrl& base);
 

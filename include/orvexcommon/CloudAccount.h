@@ -1,7 +1,8 @@
 #pragma once
 // The host's cloud-account library: the archiving projects of a signed-in user, and parts of files that have
-// a URL. Every function blocks the calling thread, may be called on any thread, throws nothing, and returns
-// within about 100 ms after the caller has cancelled. What uses the network needs a QCoreApplication in the
+// a URL. Every function blocks the calling thread, on which user input waits meanwhile, may be called on any
+// thread, throws nothing, and returns within about 100 ms after the caller has cancelled; of folders and
+// file: URLs as soon as the file system answers. What uses the network needs a QCoreApplication in the
 // process, and is Unreachable without one; folders and file: URLs need none.
 #include <cstddef>
 #include <cstdint>

@@ -83,9 +83,16 @@ TEST(FolderAccount, FiltersByPartsOfNamesInAnyLetterCase) {
 
 TEST(FolderAccount, MakesUrlsAbsoluteThatStayInTheFolder) {
     const TemporaryFolder folder;
+    const std::string root = (FromPath(folder.Path()).starts_with(L"/") ? "file://" : "file:///") +
+                             ToUtf8(FromPath(folder.Path()));
     folder.Write(L"projects/p1.json",
                  R"({"layers":[{"url":"files/a b.las"},{"url":"files/%C3%BC.las"},{"url":"https://h/x"},
-        {"url":"../x.las"},{"url":"/etc/passwd"},{"url":"//server/share"},{"bytes":18446744073709551615,"url":"files/c"}]})");
+        {"bytes":18446744073709551615,"url":"files/c"},{"url":")" +
+                     root +
+                     R"(/files/d.las"},{"url":"../x.las"},{"url":"/etc/passwd"},{"url":"//server/share"},
+        {"url":"files/..%2f..%2Fx.las"},{"url":"files/..%5c..%5Cx.las"},{"url":"files/%2e%2e/%2e%2e/x.las"},
+        {"url":"file:///etc/passwd"},{"url":")" +
+                     root + R"(/../x.las"},{"url":"ftp://h/x.las"}]})");
     std::string json;
     ASSERT_EQ(Files(folder, "p1", {}, json).status, CloudStatus::Ok);
     const auto layers = nlohmann::json::parse(json)["layers"];
@@ -93,10 +100,12 @@ TEST(FolderAccount, MakesUrlsAbsoluteThatStayInTheFolder) {
     EXPECT_THAT(layers[0]["url"].get<std::string>(), ::testing::StartsWith("file:///"));
     EXPECT_THAT(layers[1]["url"].get<std::string>(), HasSubstr("/files/%C3%BC.las"));
     EXPECT_EQ(layers[2]["url"], "https://h/x");
-    for (const int i : {3, 4, 5}) {
-        EXPECT_EQ(layers[static_cast<std::size_t>(i)]["url"], "") << i;
+    EXPECT_EQ(layers[3]["bytes"], 18446744073709551615u);
+    EXPECT_THAT(layers[4]["url"].get<std::string>(), ::testing::EndsWith("/files/d.las"));
+    EXPECT_EQ(layers.size(), 14u);
+    for (std::size_t i = 5; i < layers.size(); ++i) {
+        EXPECT_EQ(layers[i]["url"], "") << i;
     }
-    EXPECT_EQ(layers[6]["bytes"], 18446744073709551615u);
 }
 
 TEST(FolderAccount, RefusesIdsThatLeadOutOfTheFolder) {
@@ -132,6 +141,8 @@ TEST(FolderAccount, NamesTheFileAndThePlaceOfAFault) {
           Case{"no comma", R"({"projects":[,{"id":"a"}]})", text::kCloudListMalformed, 14},
           Case{"depth", R"({"projects":[)" + std::string(100'000, '[') + std::string(100'000, ']') + "]}",
                text::kCloudListTooDeep},
+          Case{"too many values", R"({"projects":[[)" + std::string(250'000, ',') + "]]}",
+               text::kCloudListingTooMany, 250'000},
           Case{"a huge element", R"({"projects":[")" + std::string(9 << 20, 'x') + "\"]}",
                text::kCloudTooLarge, 8}}) {
         SCOPED_TRACE(c.name);
@@ -139,8 +150,10 @@ TEST(FolderAccount, NamesTheFileAndThePlaceOfAFault) {
         const ArchivingProjectList list = Projects(folder);
         EXPECT_EQ(list.outcome.status, CloudStatus::BadAnswer);
         const bool lacks = c.text.value == text::kCloudListLacks.value;
-        EXPECT_EQ(list.outcome.message, lacks ? FormatText(Text(c.text), {path, L"projects"})
-                                              : FormatText(Text(c.text), {path, c.number}));
+        const bool isUnnamed = c.text.value == text::kCloudListingTooMany.value;
+        EXPECT_EQ(list.outcome.message, lacks       ? FormatText(Text(c.text), {path, L"projects"})
+                                        : isUnnamed ? FormatText(Text(c.text), {c.number})
+                                                    : FormatText(Text(c.text), {path, c.number}));
     }
 }
 
@@ -157,9 +170,18 @@ TEST(FolderAccount, FindsOutThatAListingHasChangedBetweenPages) {
     }
 }
 
+TEST(CloudAccount, TakesNoAddressForAFolder) {
+    for (const wchar_t* service : {L" https:/user:SECRET@h/", L"ftp://user:SECRET@h/", L"\thttps://\n"}) {
+        ArchivingProjectList list;
+        listArchivingProjects({L"", service, L""}, list, {});
+        EXPECT_EQ(list.outcome.status, CloudStatus::Unreachable);
+        EXPECT_EQ(list.outcome.message, Text(text::kCloudServiceInvalid));
+    }
+}
+
 TEST(CloudAccount, SaysThatAServerNeedsQt) {
     ArchivingProjectList list;
-    listArchivingProjects({L"", L"http://127.0.0.1:1", L""}, list, {});
+    listArchivingProjects({L"", L" http://127.0.0.1:1", L""}, list, {});
     EXPECT_EQ(list.outcome.status, CloudStatus::Unreachable);
     EXPECT_EQ(list.outcome.message, Text(text::kCloudWithoutApplication));
     std::byte buffer[4];

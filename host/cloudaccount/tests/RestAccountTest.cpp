@@ -42,7 +42,8 @@ TEST(RestAccount, MakesRelativeUrlsAbsoluteAndLeavesTheRestAsItStands) {
     };
     for (const Case& c :
          {Case{"files/a b.las", "/api/files/a%20b.las"}, Case{"/x.las?s=a%2Fb", "/x.las?s=a%2Fb"},
-          Case{"https://other/a.las", "https://other/a.las"}, Case{"", ""}}) {
+          Case{"https://other/a.las", "https://other/a.las"}, Case{"", ""}, Case{"file:///etc/passwd", ""},
+          Case{"ftp://other/a.las", ""}}) {
         RawServer server(ListOf(R"({"layers":[{"points":12.50,"url":")" + c.url + R"("},7],"next":"n"})"));
         std::string json;
         ASSERT_EQ(getArchivingProjectFiles(AccountAt(server.Address() + "/api"), "p", {}, json).status,
@@ -88,9 +89,12 @@ TEST(RestAccount, SendsTheTokenToNoOtherOrigin) {
 }
 
 TEST(RestAccount, SendsNoTokenWithoutASecureConnection) {
-    const ArchivingProjectList list = Projects("http://service.invalid");
-    EXPECT_EQ(list.outcome.status, CloudStatus::Untrusted);
-    EXPECT_EQ(list.outcome.message, FormatText(Text(text::kCloudServiceInsecure), {L"service.invalid"}));
+    // Whoever answers for a name below "localhost" may be another computer.
+    for (const char* host : {"service.invalid", "service.localhost"}) {
+        const ArchivingProjectList list = Projects(std::string("http://") + host);
+        EXPECT_EQ(list.outcome.status, CloudStatus::Untrusted);
+        EXPECT_EQ(list.outcome.message, FormatText(Text(text::kCloudServiceInsecure), {FromUtf8(host)}));
+    }
 }
 
 struct RawCase {
@@ -140,6 +144,38 @@ TEST(RestAccount, StandsServersThatDoNotKeepToTheRules) {
         for (const std::string& head : server.Requests()) {
             EXPECT_THAT(head, HasSubstr(std::string("Authorization: Bearer ") + kToken));
         }
+    }
+}
+
+TEST(RestAccount, KeepsNoNamesThatFitIntoNoAddress) {
+    const std::string longName(5'000, 'x');
+    RawServer ids(ListOf(R"({"projects":[{"id":")" + longName + R"("},{"id":"b"}]})"));
+    EXPECT_EQ(Projects(ids.Address()).projects.size(), 1u);
+    for (const char* key : {"projects", "layers"}) {
+        RawServer server(
+            ListOf(std::string(R"({")") + key + R"(":[{"id":"a"}],"next":")" + longName + R"("})"));
+        ArchivingProjectList list = Projects(server.Address());
+        std::string json;
+        const CloudOutcome outcome =
+            *key == 'p' ? list.outcome : getArchivingProjectFiles(AccountAt(server.Address()), "p", {}, json);
+        EXPECT_EQ(outcome.status, CloudStatus::BadAnswer);
+        EXPECT_EQ(outcome.message, FormatText(Text(text::kCloudListMalformed),
+                                              {HostOf(server.Address()), *key == 'p' ? 26 : 24}));
+        EXPECT_THAT(list.projects, IsEmpty());
+        EXPECT_THAT(json, IsEmpty());
+    }
+}
+
+TEST(RestAccount, RefusesListsWithTooManyValues) {
+    const std::string values = "[" + std::string(250'000, ',') + "]";
+    for (const char* key : {"projects", "layers"}) {
+        RawServer server(ListOf(std::string(R"({")") + key + R"(":)" + values + "}"));
+        std::string json;
+        const CloudOutcome outcome =
+            *key == 'p' ? Projects(server.Address()).outcome
+                        : getArchivingProjectFiles(AccountAt(server.Address()), "p", {}, json);
+        EXPECT_EQ(outcome.status, CloudStatus::BadAnswer);
+        EXPECT_EQ(outcome.message, FormatText(Text(text::kCloudListingTooMany), {250'000}));
     }
 }
 
