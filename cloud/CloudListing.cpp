@@ -103,10 +103,11 @@ std::wstring ShownValue(const Tree& layer, const char* key) {
     return shown.find_first_not_of(L' ') == std::wstring::npos ? Text(text::kUnknown) : shown;
 }
 
-/// What nobody could request is no URL.
-std::wstring UrlValue(const Tree& layer) {
-    std::wstring url = FromUtf8(ValueOf(layer, "url"));
-    return url.size() > kMostCharacters || std::ranges::any_of(url, IsControl) ? std::wstring() : url;
+/// A URL or an identifier; empty if nobody could request or print it. Mended it would stand for another
+/// layer.
+std::wstring ExactValue(const Tree& layer, const char* key) {
+    std::wstring value = FromUtf8(ValueOf(layer, key));
+    return value.size() > kMostCharacters || std::ranges::any_of(value, IsControl) ? std::wstring() : value;
 }
 
 std::optional<std::uint64_t> BytesValue(const Tree& layer) {
@@ -126,9 +127,9 @@ CloudLayer LayerOf(const Tree& layer) {
             .points = ShownValue(layer, "points"),
             .crs = ShownValue(layer, "crs"),
             .modified = ShownValue(layer, "modified"),
-            .url = UrlValue(layer),
-            .id = FromUtf8(ValueOf(layer, "id")),
-            .project = FromUtf8(ValueOf(layer, "project")),
+            .url = ExactValue(layer, "url"),
+            .id = ExactValue(layer, "id"),
+            .project = ExactValue(layer, "project"),
             .bytes = bytes};
 }
 

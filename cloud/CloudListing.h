@@ -18,9 +18,9 @@ struct CloudLayer {
     std::wstring points;    ///< number of points, as the listing has it
     std::wstring crs;       ///< name of the coordinate reference system
     std::wstring modified;  ///< as the listing has it
-    std::wstring url;       ///< as the listing has it; empty if lacking, or no URL can look like that
-    std::wstring id;        ///< as the listing has it; empty if lacking
-    std::wstring project;   ///< identifier of the project, as the listing has it; empty if lacking
+    std::wstring url;       ///< as the listing has it; empty if lacking, endless, or with control characters
+    std::wstring id;        ///< the same for the identifier of the layer
+    std::wstring project;   ///< the same for that of the project
     std::optional<std::uint64_t> bytes;  ///< nullopt unless it is an unsigned 64-bit integer
 };
 

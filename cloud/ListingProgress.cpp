@@ -9,13 +9,18 @@ namespace {
 constexpr std::size_t kMostEntries = 1'000'000;
 constexpr std::size_t kMostBytes = std::size_t{512} << 20U;
 constexpr int kMostEmptyPages = 100;
+constexpr std::size_t kLongestPageName = 4096;  // that is kept, and sent with the request
 
 }  // namespace
 
 void ListingProgress::Advance(const std::string& next, std::size_t bytes) {
-    bytes_ += bytes;
+    bytes_ += bytes + next.size();
     emptyPages_ = entries_ == entriesBefore_ ? emptyPages_ + 1 : 0;
     entriesBefore_ = entries_;
+    if (next.size() > kLongestPageName) {
+        isComplete_ = true;
+        throw LDataError(Text(text::kCloudListingTooLong));
+    }
     next_ = next;
     isComplete_ = next.empty();
     if (!isComplete_ && !pages_.insert(next).second) {

@@ -118,7 +118,13 @@ TEST(CloudListing, TextsAreShownWithoutControlsAndNotEndless) {
     EXPECT_EQ(LayerOf(R"("name":"a\u0007b\u202Ec\u2066d\u200Ee\u001B[31m")").name, L"a b c d e [31m");
     EXPECT_EQ(LayerOf("\"name\":\"\xFF\xC3(\"").name, L"\uFFFD\uFFFD(");
     EXPECT_EQ(LayerOf("\"name\":\"" + std::string(100'000, 'n') + "\"").name.size(), 32'771U);
-    EXPECT_EQ(LayerOf("\"url\":\"https://" + std::string(100'000, 'n') + "\"").url, L"");
+    // What stands for a layer elsewhere is not mended but left out.
+    for (const std::string& value :
+         {std::string(100'000, 'n'), std::string(R"(a\nb)"), std::string(R"(a\u202Eb)")}) {
+        const std::string end = R"(":")" + value + "\"";
+        const CloudLayer layer = LayerOf("\"url" + end + ",\"id" + end + ",\"project" + end);
+        EXPECT_EQ(layer.url + layer.id + layer.project, L"");
+    }
 }
 
 TEST(CloudListing, MalformedTextIsToldInTheReadersWords) {
@@ -200,6 +206,14 @@ TEST(ListingProgress, EndsWhateverTheServiceSays) {
     large.IsNew("a");
     EXPECT_THROW(large.Advance("2", std::size_t{513} << 20U), LDataError);
     EXPECT_TRUE(large.IsComplete());
+
+    ListingProgress longNames;
+    longNames.IsNew("a");
+    longNames.Advance(std::string(4096, 'a'), 2);
+    longNames.IsNew("b");
+    EXPECT_THROW(longNames.Advance(std::string(4097, 'b'), 2), LDataError);
+    EXPECT_TRUE(longNames.IsComplete());
+    EXPECT_EQ(longNames.Next(), std::string(4096, 'a')) << "the page that was read";
 }
 
 }  // namespace orvex
