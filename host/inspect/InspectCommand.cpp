@@ -12,6 +12,7 @@
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/NaturalOrder.h"
+#include "support/SignedUrl.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -29,9 +30,17 @@ struct Options {
     std::wstring error;
 };
 
-/// A text about a path or an argument, as one line.
+/// True for what may have been meant as a link; a drive's colon is its path's second character, and Windows
+/// has paths that begin with "\\?\".
+bool IsLikeUrl(const std::wstring& text) {
+    const std::size_t colon = std::min(text.find(L":/"), text.find(L":\\"));
+    const bool isLink = text.find(L'?') != std::wstring::npos || (colon != std::wstring::npos && colon > 1);
+    return isLink && !text.starts_with(L"\\\\");
+}
+
+/// A text about a path or an argument, as one line. A mistyped link gives access like one that is not.
 std::wstring PathLine(StringId text, const std::wstring& path, const std::wstring& reason = {}) {
-    return WithoutControls(FormatText(Text(text), {path, reason}));
+    return WithoutControls(FormatText(Text(text), {IsLikeUrl(path) ? ShownUrl(path) : path, reason}));
 }
 
 /// Number of jobs, 1 to kMostJobs; nullopt for any other text.

@@ -238,6 +238,14 @@ TEST(InspectCommand, ReportsWhatItCannotReadAndFoldersWithoutFiles) {
     EXPECT_THAT(empty.err, HasSubstr("empty' holds no file"));
 
     EXPECT_THAT(Inspect({L"bell\a.las"}).err, HasSubstr("'bell .las' does not exist"));
+    // Links that are mistyped, or of another kind, give access all the same.
+    for (const wchar_t* link :
+         {L"https:/h/a.las?X-Amz-Signature=5ec4e7", L" https://h/a.las?sig=5ec4e7",
+          L"s3://h/a.las?token=5ec4e7", L"ftp://me:5ec4e7@h/a.las", L"--url=https://h/a.las?sig=5ec4e7"}) {
+        const std::string told = Inspect({link}).err;
+        EXPECT_THAT(told, HasSubstr("a.las"));
+        EXPECT_THAT(told, Not(HasSubstr("5ec4e7")));
+    }
     std::error_code refused;  // on Windows by a right that few users have
     std::filesystem::create_symlink("circle", folder.Path() / "circle", refused);
     if (!refused) {
