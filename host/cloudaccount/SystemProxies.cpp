@@ -32,7 +32,7 @@ QUrl OriginOf(const QUrl& url) {
 }
 
 /// A question to the system, on a thread of its own. The thread is left behind while the system does not
-/// answer: one of a pool would keep the process from ending, and other look-ups from starting.
+/// answer: Qt's application waits for its pool when it is destroyed, and a full pool starts no other look-up.
 class LookUp {
   public:
     static std::shared_ptr<LookUp> Start(const QUrl& origin) {
