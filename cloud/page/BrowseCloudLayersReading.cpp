@@ -35,8 +35,9 @@ void RequireOk(const CloudOutcome& outcome) {
     }
 }
 
+/// A user's token is renewed now and then; it tells those apart who have no names.
 bool IsSameUser(const CloudAccount& a, const CloudAccount& b) {
-    return a.service == b.service && a.userName == b.userName;
+    return a.service == b.service && a.userName == b.userName && (!a.userName.empty() || a.token == b.token);
 }
 
 /// Whose projects these are: "anna, https://host/path".

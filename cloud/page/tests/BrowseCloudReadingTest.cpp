@@ -53,6 +53,15 @@ TEST_F(BrowseCloudLayers, AnotherUserHasOtherProjects) {
     ASSERT_TRUE(Until([this] { return Column("projects", 0) == Names{L"Eyot", L"Coast"}; }));
     ASSERT_TRUE(Until([this] { return IsIdle("layers") && cloud->Asked().back() == "p3"; }));
     EXPECT_FALSE(CanAdd());
+    // Where users have no names, their tokens tell them apart.
+    for (const wchar_t* token : {L"one", L"two"}) {
+        hostObjects.account->userName.clear();
+        hostObjects.account->token = token;
+        cloud->Set("projects", {.projects = {{ToUtf8(token), "p3"}, {"Coast", "p2"}}});
+        ClickRow("projects", 1);
+        ASSERT_TRUE(Until([&] { return Column("projects", 0) == Names{token, L"Coast"}; }));
+        ASSERT_TRUE(Until([this] { return IsIdle("layers") && cloud->Asked().back() == "p3"; }));
+    }
     // Signed out.
     hostObjects.account.reset();
     ClickRow("projects", 1);
