@@ -1,6 +1,7 @@
 #include "host/cloudserver/TokenFile.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -33,6 +34,7 @@ std::string RandomToken() {
     throw LDataError(FormatText(Text(text::kListExportFailed), {file, SystemErrorText(error)}));
 }
 
+/// Writes the file unless there is one.
 void WritePrivately(const std::wstring& file, const std::string& text) {
     if (const SystemError error = CreateFolders(FolderOf(file)); error != 0) {
         ThrowUnwritable(file, error);
@@ -49,7 +51,8 @@ void WritePrivately(const std::wstring& file, const std::string& text) {
         ThrowUnwritable(file, LastStreamError());
     }
     stream.close();
-    if (const SystemError error = temporary.Commit(); error != 0) {
+    bool taken = false;  // by another server that starts for the first time
+    if (const SystemError error = temporary.CommitTo(file, taken); error != 0 && !taken) {
         ThrowUnwritable(file, error);
     }
 }
@@ -77,7 +80,11 @@ std::string ReadToken(const std::wstring& file) {
 }
 
 std::string UserToken(std::wstring& file) {
-    file = FromPath(UserConfigFolder() / "cloud-server-token");
+    const std::filesystem::path folder = UserConfigFolder();
+    if (folder.empty()) {
+        ThrowUnwritable(L"$HOME/.config/orvex/cloud-server-token", ENOENT);
+    }
+    file = FromPath(folder / "cloud-server-token");
     if (!FileExists(file)) {
         WritePrivately(file, RandomToken() + "\n");
     }
