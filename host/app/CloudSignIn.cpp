@@ -33,11 +33,22 @@ std::wstring TokenIn(const QString& path) {
     return ToWide(QString::fromUtf8(file.readLine(kLongestToken)).trimmed());
 }
 
-/// The token that belongs to ORVEX_CLOUD_ACCOUNT and to no other account.
-std::wstring EnvironmentToken() {
-    const QString path = qEnvironmentVariable("ORVEX_CLOUD_TOKEN_FILE");
+/// Removes the token from the environment, which every program inherits that this one starts.
+QString TakeTokenVariable() {
     const QString token = qEnvironmentVariable("ORVEX_CLOUD_TOKEN").trimmed();
-    return token.isEmpty() && !path.isEmpty() ? TokenIn(path) : ToWide(token);
+    qunsetenv("ORVEX_CLOUD_TOKEN");
+    return token;
+}
+
+/// The token that belongs to ORVEX_CLOUD_ACCOUNT and to no other account. `variable`: of ORVEX_CLOUD_TOKEN.
+std::wstring EnvironmentToken(const QString& variable) {
+    const QString path = qEnvironmentVariable("ORVEX_CLOUD_TOKEN_FILE");
+    return variable.isEmpty() && !path.isEmpty() ? TokenIn(path) : ToWide(variable);
+}
+
+/// Asks the disk, which may take long for a share that is away.
+bool HoldsAccount(const QDir& folder) {
+    return folder.exists("projects.json");
 }
 
 QLabel* Hint(StringId text) {
@@ -60,7 +71,7 @@ std::optional<CloudAccount> AccountAt(const QString& service, const std::wstring
         return CloudAccount{ToWide(url.host()), ToWide(address), token};
     }
     const QDir folder(QDir::fromNativeSeparators(service.trimmed()));
-    if (service.trimmed().isEmpty() || !folder.exists("projects.json")) {
+    if (service.trimmed().isEmpty() || (folder.isRelative() && !HoldsAccount(folder))) {
         return std::nullopt;
     }
     return CloudAccount{ToWide(folder.dirName()), ToWidePath(folder.absolutePath()), {}};
@@ -68,6 +79,7 @@ std::optional<CloudAccount> AccountAt(const QString& service, const std::wstring
 
 std::optional<CloudAccount> AccountAtStart(const HostPreferences& preferences) {
     const QString named = qEnvironmentVariable("ORVEX_CLOUD_ACCOUNT");
+    const QString token = TakeTokenVariable();
     if (named.isEmpty()) {
         const QString service = preferences.cloudService.value_or(preferences.sampleAccount);
         std::optional<CloudAccount> account = AccountAt(service);
@@ -76,7 +88,7 @@ std::optional<CloudAccount> AccountAtStart(const HostPreferences& preferences) {
         }
         return account;
     }
-    std::optional<CloudAccount> account = AccountAt(named, EnvironmentToken());
+    std::optional<CloudAccount> account = AccountAt(named, EnvironmentToken(token));
     if (!account) {
         throw LDataError(FormatText(Text(text::kCloudServiceRefused), {ShownUrl(ToWide(named))}));
     }
@@ -138,7 +150,8 @@ void CloudAccountDlg::ChooseFolder() {
 void CloudAccountDlg::SignIn() {
     const QString service = service_->currentText();
     std::optional<CloudAccount> chosen = AccountAt(service, ToWide(token_->text().trimmed()));
-    if (!chosen) {
+    const QDir folder(chosen ? ToQString(chosen->service) : QString());
+    if (!chosen || (folder.isAbsolute() && !HoldsAccount(folder))) {
         QMessageBox::warning(this, windowTitle(),
                              HostText(text::kCloudServiceRefused, {ShownUrl(ToWide(service.trimmed()))}));
         return;

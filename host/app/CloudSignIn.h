@@ -12,13 +12,14 @@ namespace orvex {
 
 class HostPreferences;
 
-/// Account at the address of a service, or in a folder that holds projects.json; nullopt for anything else.
-/// An address gets along without password, parameters and fragment, which are not used.
+/// Account at the address of a service, in a folder named by its full path, or in another one that holds
+/// projects.json; nullopt for anything else. A full path is not looked up: that can take long. An address
+/// gets along without password, parameters and fragment, which are not used.
 std::optional<CloudAccount> AccountAt(const QString& service, const std::wstring& token = {});
 
 /// Account at the start: that of ORVEX_CLOUD_ACCOUNT, with the token of ORVEX_CLOUD_TOKEN or in the file that
 /// ORVEX_CLOUD_TOKEN_FILE names; else the one of the preferences. nullopt if nobody is signed in. Throws
-/// LDataError if the file of the token cannot be read.
+/// LDataError if the file of the token cannot be read. ORVEX_CLOUD_TOKEN is unset afterwards.
 std::optional<CloudAccount> AccountAtStart(const HostPreferences& preferences);
 
 /// Lets the user choose an account, or sign out.

@@ -20,12 +20,13 @@ std::wstring ValueOf(const TextMap& values, const std::wstring& name) {
     return found == values.end() ? std::wstring() : found->second;
 }
 
-/// Every cloud layer under its name in the record.
+/// Every cloud layer under its name in the record. What follows a line break in a name would pass for a line
+/// of a report.
 std::vector<NewFile> LayersIn(const AddFilesParams& record) {
     std::vector<NewFile> layers;
     const auto add = [&](const std::wstring& name, const std::wstring& url, CloudInfo cloud) {
         NewFile& layer = layers.emplace_back();
-        layer.layer = name;
+        layer.layer = WithoutControls(name);
         layer.file.path = url;
         layer.file.cloud = std::move(cloud);
     };
@@ -116,10 +117,11 @@ std::wstring CloudText(const AddFilesParams& record) {
     std::wstring text = FormatText(Text(text::kRecordCloudLayers), {layers.size()}) + L"\n";
     for (const NewFile& layer : layers) {
         const CloudInfo& cloud = layer.file.cloud;
-        text += L"  " + layer.layer + L": " + ShownUrl(layer.file.path) + L"\n    " +
-                (cloud.isPresigned ? Text(text::kTreePresignedUrl)
-                                   : FormatText(Text(text::kRecordCloudLayer), {cloud.id, cloud.project})) +
-                L"\n";
+        const std::wstring source =
+            cloud.isPresigned ? Text(text::kTreePresignedUrl)
+                              : FormatText(Text(text::kRecordCloudLayer), {cloud.id, cloud.project});
+        text += L"  " + layer.layer + L": " + WithoutControls(ShownUrl(layer.file.path)) + L"\n    " +
+                WithoutControls(source) + L"\n";
     }
     return text;
 }
@@ -129,7 +131,8 @@ std::wstring ShownPath(LayerKind kind, const std::wstring& path) {
 }
 
 std::wstring FileNameOfUrl(const std::wstring& url) {
-    return FileNameOf(url.substr(0, url.find_first_of(L"?#")));
+    const std::wstring shown = ShownUrl(url);
+    return FileNameOf(shown.substr(0, shown.find(L'?')));
 }
 
 }  // namespace orvex

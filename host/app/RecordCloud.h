@@ -29,7 +29,7 @@ std::wstring CloudText(const AddFilesParams& record);
 /// Path of a file for people: of a cloud layer's, the URL without its signature.
 std::wstring ShownPath(LayerKind kind, const std::wstring& path);
 
-/// Name of a cloud layer's file in its URL.
+/// Name of a cloud layer's file in its URL, for people.
 std::wstring FileNameOfUrl(const std::wstring& url);
 
 }  // namespace orvex

@@ -96,6 +96,20 @@ TEST_F(CloudLayersTest, EachBecomesALayerOfItsOwnNameAndItsSignatureIsNotShown) 
     EXPECT_TRUE(window_.CurrentProject().IsEmpty());
 }
 
+TEST_F(CloudLayersTest, NamesAndUrlsOfOthersTellNoSecretsAndForgeNoLines) {
+    Record record;
+    record.cloudLasLayers = {{L"a\n  b", L"https://me:5ec4e7@h/One.laz;sig=5ec4e7"}};
+    record.cloudLasLayerValues2 = {{L"a\n  b", L"id\n  forged"}};
+    record.cloudLasLayerValues3 = {{L"a\n  b", L"p\n  forged"}};
+    window_.TakeRecord(record);
+    EXPECT_EQ(Tree().index(0, 0, Tree().index(0, 0)).data(), "One.laz");
+    EXPECT_FALSE(window_.LastRecord().contains("\n  b"));
+    EXPECT_FALSE(window_.LastRecord().contains("\n  forged"));
+    record.cloudLasLayers = {{L"c", L"https://me:5ec4e7@h"}};
+    window_.TakeRecord(record);
+    EXPECT_EQ(Tree().index(0, 0, Tree().index(1, 0)).data(), "h");
+}
+
 TEST_F(CloudLayersTest, AKnownUrlIsLeftOutAndAKnownNameGetsANumber) {
     Record first;
     first.presignedUrlLayers = {{L"Cloud LAS_Layer", kSigned}};
@@ -155,6 +169,7 @@ TEST_F(CloudLayersTest, TheAccountIsThatOfTheEnvironmentElseTheChosenOneElseTheS
     preferences_.sampleAccount = ToQString(FromPath(sample));
     folder_.Write(L"token.txt", "s3cret \n");
     const QString tokenFile = ToQString(folder_.Name(L"token.txt"));
+    const QString away = ToQString(folder_.Name(L"away"));
     const struct {
         const char* what;
         const char* account;
@@ -165,6 +180,7 @@ TEST_F(CloudLayersTest, TheAccountIsThatOfTheEnvironmentElseTheChosenOneElseTheS
         {"nothing chosen", "", "t", {}, {}, FromPath(sample), Text(text::kSampleAccount), L""},
         {"signed out", "", "t", {}, "", L"", L"", L""},
         {"chosen", "", "t", {}, "https://h:1/p", L"https://h:1/p", L"h", L""},
+        {"on a drive that is not there", "", "t", {}, away, ToWidePath(away), L"away", L""},
         {"environment", "http://me:pw@h/p/?q=1#f", " t ", tokenFile, "", L"http://h/p", L"h", L"t"},
         {"token file", "https://h", "", tokenFile, "", L"https://h", L"h", L"s3cret"},
     };
@@ -178,6 +194,7 @@ TEST_F(CloudLayersTest, TheAccountIsThatOfTheEnvironmentElseTheChosenOneElseTheS
         EXPECT_EQ(account.service, c.service);
         EXPECT_EQ(account.userName, c.userName);
         EXPECT_EQ(account.token, c.sent);
+        EXPECT_FALSE(qEnvironmentVariableIsSet("ORVEX_CLOUD_TOKEN")) << "for programs that are started";
     }
     qputenv("ORVEX_CLOUD_TOKEN_FILE", "/nowhere");
     EXPECT_THROW(AccountAtStart(preferences_), LDataError);
