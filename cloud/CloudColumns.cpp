@@ -1,5 +1,8 @@
 #include "cloud/CloudColumns.h"
 
+#include <algorithm>
+#include <string_view>
+
 #include "cloud/CloudListing.h"
 #include "support/ImageIndex.h"
 
@@ -19,11 +22,21 @@ GridCell Expires(const CloudRow& row) {
     return row.expiresMs ? GridCell(UtcTimeText(*row.expiresMs)) : GridCell();
 }
 
-GridCell State(const CloudRow& row) {
-    if (!row.summary.empty()) {
-        return row.summary;
-    }
+std::wstring StateWithoutFindings(const CloudRow& row) {
     return Text(row.remote == nullptr ? text::kCloudNotInspected : text::kInspectionOk);
+}
+
+GridCell State(const CloudRow& row) {
+    return row.summary.empty() ? StateWithoutFindings(row) : row.summary;
+}
+
+// Which rows have a name that is taken follows from the order of the list, so it takes no part in it.
+GridCell StateOrder(const CloudRow& row) {
+    const auto counts = [](const Finding& finding) {
+        return std::string_view(finding.code) != cloud_finding::kDuplicateName.code;
+    };
+    const auto first = std::ranges::find_if(row.findings, counts);
+    return first == row.findings.end() ? StateWithoutFindings(row) : first->text;
 }
 
 std::wstring AllFindings(const CloudRow& row) {
@@ -91,7 +104,7 @@ constexpr Column<CloudRow> kColumns[] = {
     {{HiddenColumn("layerId", text::kCloudLayerId)}, TextOf<&CloudRow::value2>},
     {{HiddenColumn("projectId", text::kCloudProjectId)}, TextOf<&CloudRow::value3>},
     {{WithTooltip(TextColumn("expires", text::kCloudExpires, 130), text::kCloudExpiresTooltip)}, Expires},
-    {{StateColumn()}, State, {.tooltip = AllFindings}},
+    {{StateColumn()}, State, {.tooltip = AllFindings, .order = StateOrder}},
 };
 
 }  // namespace

@@ -68,6 +68,7 @@ struct CellLook {
     std::wstring (*words)(const Row& row) = nullptr;
     /// Text colour as 0xRRGGBB, meant for a white background; nullopt: the usual one.
     std::optional<std::uint32_t> (*colour)(const Row& row) = nullptr;
+    GridCell (*order)(const Row& row) = nullptr;  ///< what the rows are sorted by; null: the cell
 };
 
 /// One column of a table of rows. The functions are called on the user-interface thread.

@@ -247,11 +247,17 @@ void AddCloudLASFilesPP::Release() {
 }
 
 void AddCloudLASFilesPP::RowsChanged() {
-    constexpr std::string_view kChanged[] = {"state"};
-    const std::vector<std::size_t> order = model_->RecordsInOrder();
+    constexpr std::string_view kChanged[] = {"name", "state"};  // the icon stands beside the name
     const std::int64_t now = sources_.now();
     std::optional<std::int64_t> next;
-    model_->Change([&](std::vector<CloudRow>& rows) { next = ApplyCloudRules(rows, order, now); }, kChanged);
+    std::vector<std::size_t> order;
+    // A list sorted by state may get another order, and with it other names that are taken; those do not
+    // change it again.
+    while (order != model_->RecordsInOrder()) {
+        order = model_->RecordsInOrder();
+        model_->Change([&](std::vector<CloudRow>& rows) { next = ApplyCloudRules(rows, order, now); },
+                       kChanged);
+    }
     expiry_->stop();
     if (next) {
         constexpr std::int64_t kDayMs = 24LL * 60 * 60 * 1000;

@@ -201,6 +201,10 @@ int GridModel::FindRow(int column, std::wstring_view start, int from) const {
     return -1;
 }
 
+GridCell GridModel::SortValue(std::size_t record, int column) const {
+    return Cell(record, column);
+}
+
 const wchar_t* GridModel::NumberFormat(std::size_t, int column) const {
     const wchar_t* format = columns_[static_cast<std::size_t>(column)].format;
     return *format ? format : L"%g";

@@ -83,6 +83,8 @@ class GridModel : public QAbstractTableModel {
   protected:
     virtual std::size_t RecordCount() const = 0;
     virtual GridCell Cell(std::size_t record, int column) const = 0;
+    /// What a cell is sorted by; itself by default.
+    virtual GridCell SortValue(std::size_t record, int column) const;
     /// printf-like format of one numeric cell; the column's by default.
     virtual const wchar_t* NumberFormat(std::size_t record, int column) const;
     /// A flag in words.

@@ -84,7 +84,7 @@ GridSortKeys GridModel::KeysOf(int column) const {
     }
     keys.Reserve(recordCount_);
     for (std::size_t record = 0; record < recordCount_; ++record) {
-        keys.Append(Cell(record, column));
+        keys.Append(SortValue(record, column));
     }
     return keys;
 }
@@ -92,7 +92,7 @@ GridSortKeys GridModel::KeysOf(int column) const {
 void GridModel::AppendKeys(std::size_t firstRecord) {
     try {
         for (std::size_t record = firstRecord; sortColumn_ >= 0 && record < recordCount_; ++record) {
-            keys_.Append(Cell(record, sortColumn_));
+            keys_.Append(SortValue(record, sortColumn_));
         }
     } catch (...) {
         // Keys of some rows only would be read beyond their end: the rows stay as they are, unsorted.

@@ -123,6 +123,11 @@ class ListModel : public ListRows {
 
     GridCell Cell(std::size_t record, int column) const override { return At(column).cell(rows_[record]); }
 
+    GridCell SortValue(std::size_t record, int column) const override {
+        const auto order = At(column).look.order;
+        return order == nullptr ? Cell(record, column) : order(rows_[record]);
+    }
+
     const wchar_t* NumberFormat(std::size_t record, int column) const override {
         return orvex::NumberFormat(At(column), rows_[record]);
     }

@@ -7,11 +7,13 @@
 #include <QDialog>
 #include <QLineEdit>
 #include <QMenu>
+#include <QSignalSpy>
 #include <QTableView>
 #include <QTimer>
 
 #include "cloud/page/tests/CloudPageFixture.h"
 #include "support/Format.h"
+#include "support/SignedUrl.h"
 
 namespace orvex {
 namespace {
@@ -125,8 +127,35 @@ TEST_F(CloudPage, TheFirstOfANameInTheOrderOfTheGridIsStored) {
     EXPECT_TRUE(Press("ok"));
 }
 
+TEST_F(CloudPage, AListSortedByStateMarksWhatTheRecordLeavesOut) {
+    const auto expectMarks = [this](const char* when) {
+        SCOPED_TRACE(when);
+        const std::wstring stored = Stored().presignedUrlLayers.at(L"Cloud LAS_Layer");
+        const std::wstring mark = FormatText(Text(text::kCloudDuplicateName), {L"Cloud LAS_Layer"});
+        const std::vector<std::wstring> urls = Shown("url");
+        for (int row = 0; row < Model().rowCount(); ++row) {
+            const QModelIndex state = Model().index(row, ColumnNamed("state"));
+            const bool isMarked = state.data(Qt::ToolTipRole).toString().contains(ToQString(mark));
+            const bool isStored = ShownUrl(stored) == urls[static_cast<std::size_t>(row)];
+            EXPECT_NE(isMarked, isStored) << row;
+            EXPECT_EQ(isStored, row == 0);
+        }
+    };
+    Enter(L"https://h/1.las");
+    Enter(L"https://h/2.las");
+    for (const auto order : {Qt::AscendingOrder, Qt::DescendingOrder}) {
+        Model().sort(ColumnNamed("state"), order);
+        expectMarks("two of a name");
+        Enter(kSigned);
+        expectMarks("with one of another state");
+        Grid().SelectRows({Model().RowOfRecord(2)});
+        Click(352);
+    }
+}
+
 TEST_F(CloudPage, ALinkThatEndsMeanwhileIsToldAndAddedAllTheSame) {
     Enter(kSigned);
+    QSignalSpy changed(&Model(), &QAbstractItemModel::dataChanged);
     EXPECT_THAT(Shown("expires"), ElementsAre(L"2026-09-24 13:00"));
     EXPECT_EQ(page->findChild<QTimer*>("expiry")->interval(), kHourMs);
     EXPECT_THAT(Shown("state"),
@@ -137,6 +166,8 @@ TEST_F(CloudPage, ALinkThatEndsMeanwhileIsToldAndAddedAllTheSame) {
         return Shown("state").front() == FormatText(Text(text::kCloudLinkExpired), {L"2026-09-24 13:00"});
     }));
     EXPECT_FALSE(page->findChild<QTimer*>("expiry")->isActive());
+    ASSERT_THAT(changed, SizeIs(1));
+    EXPECT_EQ(changed[0][0].toModelIndex().column(), ColumnNamed("name")) << "where the icon is";
     EXPECT_EQ(Stored().presignedUrlLayers, (Map{{L"Cloud LAS_Layer", kSigned}}));
     EXPECT_TRUE(Press("ok"));
     EXPECT_THAT(prompts.shown, IsEmpty());
