@@ -51,6 +51,9 @@ class ListingFile {
         return part_.elements;
     }
 
+    /// Where Next() has looked for them.
+    const std::string& PartText() const { return text_; }
+
     /// Name of the page that follows; empty after the last.
     std::string NextPage() const {
         return IsAtEnd() ? std::string() : std::to_string(next_) + ":" + std::to_string(size_);
@@ -90,6 +93,16 @@ bool IsFileName(std::string_view id) {
            });
 }
 
+std::string PageOfLayers(ListingFile& file, const QUrl& base) {
+    std::string json = "{\"layers\":[";
+    for (const ListingPart::Element& element : file.Next()) {
+        json += json.back() == '[' ? "" : ",\n";
+        json += LayerWithAbsoluteUrl(element.json, file.Path(), base);
+    }
+    const std::string next = file.NextPage();
+    return json + (next.empty() ? "]}" : "],\"next\":\"" + next + "\"}");
+}
+
 std::wstring InFolder(const std::wstring& folder, const std::wstring& name) {
     return AbsolutePath(folder) + L"/" + name;
 }
@@ -123,13 +136,11 @@ std::string FolderProjectFiles(const std::wstring& folder, const std::string& pr
     }
     ListingFile file(InFolder(folder, L"projects/" + FromUtf8(projectId) + L".json"), "layers", page);
     const QUrl base = QUrl::fromLocalFile(QString::fromStdWString(AbsolutePath(folder)) + QLatin1Char('/'));
-    std::string json = "{\"layers\":[";
-    for (const ListingPart::Element& element : file.Next()) {
-        json += json.back() == '[' ? "" : ",\n";
-        json += LayerWithAbsoluteUrl(element.json, file.Path(), file.PlaceOf(element), base);
+    try {
+        return PageOfLayers(file, base);
+    } catch (const MalformedListing&) {
+        return AsNoJson(file.PartText());
     }
-    const std::string next = file.NextPage();
-    return json + (next.empty() ? "]}" : "],\"next\":\"" + next + "\"}");
 }
 
 }  // namespace orvex::cloud

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "host/cloudaccount/CloudTexts.h"
 #include "support/Format.h"
 
 namespace orvex::cloud {
@@ -16,7 +15,8 @@ constexpr std::size_t kLongestName = 4096;
 
 /// `place`: from 1.
 [[noreturn]] void ThrowMalformed(const std::wstring& source, std::uint64_t place) {
-    throw CloudError(CloudStatus::BadAnswer, FormatText(Text(text::kCloudListMalformed), {source, place}));
+    throw MalformedListing(CloudStatus::BadAnswer,
+                           FormatText(Text(text::kCloudListMalformed), {source, place}));
 }
 
 void RefuseExcess(std::string_view json, const std::wstring& source) {
@@ -82,17 +82,21 @@ bool MayBeNamed(const QUrl& url, const QUrl& base) {
     return url.isValid() && (url.scheme() == "https" || url.scheme() == "http" || isInside);
 }
 
-/// Whether a URL was changed. One that may not be named is emptied.
-bool MakeUrlAbsolute(Json& layer, const QUrl& base) {
+/// One that may not be named is emptied.
+void MakeUrlAbsolute(Json& layer, const QUrl& base) {
     const std::string text = TextOf(layer, "url");
     const QUrl url(QString::fromStdString(text));
     const QUrl absolute = base.resolved(url);
     const bool isAllowed = url.isValid() && MayBeNamed(absolute, base);
-    if (text.empty() || (isAllowed && !url.isRelative())) {
-        return false;
+    if (!text.empty() && (!isAllowed || url.isRelative())) {
+        layer["url"] = isAllowed ? absolute.toEncoded().toStdString() : std::string();
     }
-    layer["url"] = isAllowed ? absolute.toEncoded().toStdString() : std::string();
-    return true;
+}
+
+/// One name in another encoding does not spoil a whole page. Discarded: no JSON.
+Json ParseLayers(std::string_view json, const std::wstring& source) {
+    RefuseExcess(json, source);
+    return Json::parse(ValidUtf8(json), nullptr, false);
 }
 
 /// Walks over JSON text without understanding more of it than brackets and strings.
@@ -215,25 +219,31 @@ ArchivingProject ReadProject(std::string_view json, const std::wstring& source, 
     return ProjectOf(Parse(json, source, place));
 }
 
-std::string WithAbsoluteUrls(std::string json, const std::wstring& source, const QUrl& base) {
-    RefuseExcess(json, source);
-    Json listing = Json::parse(json, nullptr, false);
-    const auto layers = listing.is_object() ? listing.find("layers") : listing.end();
-    if (!listing.is_object() || layers == listing.end() || !layers->is_array()) {
-        return json;
+std::string WithAbsoluteUrls(const std::string& json, const std::wstring& source, const QUrl& base) {
+    Json listing = ParseLayers(json, source);
+    if (listing.is_discarded()) {
+        return AsNoJson(json);
     }
     NextOf(listing, json, source);
-    bool isChanged = false;
-    for (Json& layer : *layers) {
-        isChanged = MakeUrlAbsolute(layer, base) || isChanged;
+    if (listing.is_object() && listing.contains("layers")) {
+        for (Json& layer : listing["layers"]) {
+            MakeUrlAbsolute(layer, base);
+        }
     }
-    return isChanged ? listing.dump() : json;
+    return listing.dump();
 }
 
-std::string LayerWithAbsoluteUrl(std::string_view json, const std::wstring& source, std::uint64_t place,
-                                 const QUrl& base) {
-    Json layer = Parse(json, source, place);
-    return MakeUrlAbsolute(layer, base) ? layer.dump() : std::string(json);
+std::string LayerWithAbsoluteUrl(std::string_view json, const std::wstring& source, const QUrl& base) {
+    Json layer = ParseLayers(json, source);
+    if (layer.is_discarded()) {
+        return AsNoJson(json);
+    }
+    MakeUrlAbsolute(layer, base);
+    return layer.dump();
+}
+
+std::string AsNoJson(std::string_view json) {
+    return std::string(json) + '?';
 }
 
 ListingPart SplitListing(std::string_view text, std::string_view key, std::uint64_t place, bool isWhole,

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/cloudaccount/CloudTexts.h"
 #include "orvexcommon/CloudAccount.h"
 
 namespace orvex::cloud {
@@ -22,15 +23,22 @@ void ReadProjects(std::string_view json, const std::wstring& source, ArchivingPr
 /// element in the source, for the message of the CloudError that it throws.
 ArchivingProject ReadProject(std::string_view json, const std::wstring& source, std::uint64_t place);
 
-/// A page of layers in which relative URLs are absolute. A text that is no JSON is returned as it stands: the
-/// reader of the page says what is wrong with it. Throws CloudError if it is nested too deeply, or has too
-/// many values or a "next" of more than 4 KiB. A URL that is neither a server's nor below a folder's `base`
-/// is emptied.
-std::string WithAbsoluteUrls(std::string json, const std::wstring& source, const QUrl& base);
+/// The text is no JSON.
+class MalformedListing final : public CloudError {
+    using CloudError::CloudError;
+};
 
-/// The same of one layer. Throws CloudError if it is no JSON.
-std::string LayerWithAbsoluteUrl(std::string_view json, const std::wstring& source, std::uint64_t place,
-                                 const QUrl& base);
+/// A page of layers in which relative URLs are absolute, written anew. Of a text that is no JSON, AsNoJson.
+/// Throws CloudError if it is nested too deeply, or has too many values or a "next" of more than 4 KiB. A URL
+/// that is neither a server's nor below a folder's `base` is emptied.
+std::string WithAbsoluteUrls(const std::string& json, const std::wstring& source, const QUrl& base);
+
+/// The same of one layer.
+std::string LayerWithAbsoluteUrl(std::string_view json, const std::wstring& source, const QUrl& base);
+
+/// A text for the reader of the page, who says what is wrong with it: nobody takes it for JSON, and so for
+/// URLs that have been looked at.
+std::string AsNoJson(std::string_view json);
 
 /// A part of a listing's array.
 struct ListingPart {
@@ -45,7 +53,7 @@ struct ListingPart {
 
 /// Splits elements of the array named `key`, at most `most` of them. `place`: offset of `text` in its file;
 /// 0: it starts with the listing's object, else between two elements. `isWhole`: the file ends where the text
-/// does. Linear, without recursion. Throws CloudError.
+/// does. Linear, without recursion. Throws CloudError, MalformedListing if no element can be split off.
 ListingPart SplitListing(std::string_view text, std::string_view key, std::uint64_t place, bool isWhole,
                          std::size_t most, const std::wstring& source);
 

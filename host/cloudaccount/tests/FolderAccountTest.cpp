@@ -106,6 +106,29 @@ TEST(FolderAccount, MakesUrlsAbsoluteThatStayInTheFolder) {
     for (std::size_t i = 5; i < layers.size(); ++i) {
         EXPECT_EQ(layers[i]["url"], "") << i;
     }
+
+    folder.Write(L"projects/p2.json", "{\"layers\":[{\"name\":\"M\xFCller\",\"url\":\"files/a\"}]}");
+    ASSERT_EQ(Files(folder, "p2", {}, json).status, CloudStatus::Ok) << "a name in another encoding";
+    EXPECT_THAT(nlohmann::json::parse(json)["layers"][0]["url"].get<std::string>(),
+                ::testing::EndsWith("/files/a"));
+}
+
+TEST(FolderAccount, LeavesItToTheReaderOfAPageToSayWhatIsMalformed) {
+    const TemporaryFolder folder;
+    for (const char* listing : {"", "[]", R"({"layers":[{"id":"a)", R"({"layers":[,{"id":"a"}]})"}) {
+        folder.Write(L"projects/p1.json", listing);
+        std::string json;
+        EXPECT_EQ(Files(folder, "p1", {}, json).status, CloudStatus::Ok) << listing;
+        EXPECT_EQ(json, std::string(listing) + "?");
+    }
+    // A number that is too large is JSON to some readers.
+    for (const char* text : {R"({"id":})", R"({"url":"file:///etc/passwd","bytes":1e999})"}) {
+        const std::string layer = text;
+        folder.Write(L"projects/p1.json", "{\"layers\":[" + layer + "]}");
+        std::string json;
+        EXPECT_EQ(Files(folder, "p1", {}, json).status, CloudStatus::Ok) << layer;
+        EXPECT_EQ(json, "{\"layers\":[" + layer + "?]}");
+    }
 }
 
 TEST(FolderAccount, RefusesIdsThatLeadOutOfTheFolder) {

@@ -149,6 +149,21 @@ TEST_F(ServedAccount, ListsAndKeepsNumbersAndNames) {
     EXPECT_THAT(layers[0]["url"].get<std::string>(),
                 ::testing::StartsWith(server_->Address() + "/files/a.las"));
 
+    server_->SetFault("/v1/projects/p1",
+                      {.body = "{\"layers\":[{\"name\":\"M\xFCller\"},{\"url\":\"files/a.las\"}]}"});
+    ASSERT_EQ(getArchivingProjectFiles(account, "p1", {}, json).status, CloudStatus::Ok);
+    EXPECT_EQ(nlohmann::json::parse(json)["layers"][1]["url"], server_->Address() + "/files/a.las")
+        << "beside a name in another encoding";
+    for (const char* body :
+         {R"({"layers":[{"url":"file:///a"}],"layers":[]})",
+          R"({"layers":[{"url":"file:///a","url":"https://h/a"}]})",
+          R"({"layers":{"a":{"url":"file:///a"}}})", R"({"layers":[{"url":"file:///a","bytes":1e999}]})"}) {
+        server_->SetFault("/v1/projects/p1", {.body = body});
+        ASSERT_EQ(getArchivingProjectFiles(account, "p1", {}, json).status, CloudStatus::Ok);
+        EXPECT_TRUE(json.ends_with("?") || json.find("file:") == std::string::npos) << json;
+    }
+    server_->ClearFaults();
+
     // An id is one part of the path, whatever it consists of; dots alone are not sent.
     const std::size_t before = server_->Requests().size();
     for (const char* id : {"p 2/ü", "../projects", "..", "", "p1?x=", "%2e%2e"}) {
