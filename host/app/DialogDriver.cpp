@@ -321,17 +321,34 @@ bool DialogDriver::AnswerMenu() {
     return true;
 }
 
-/// True when the browser shows layers and their number no longer grows.
-bool DialogDriver::HasLayersToPick(QWidget* browser) {
-    const QTableView* grid = LayerGridOf(*browser);
-    const int rows = grid == nullptr ? 0 : grid->model()->rowCount();
-    layersQuiet_ = rows == layersToPick_ ? layersQuiet_ + 1 : 0;
-    layersToPick_ = rows;
-    return rows > 0 && layersQuiet_ > kQuietTicks;
+/// True when the browser no longer reads its lists: to their ends, or because reading has failed.
+bool DialogDriver::HasRead(QWidget* browser) {
+    if (browser != reading_) {
+        // It has queued the beginning of its reading while it was shown.
+        QMetaObject::invokeMethod(
+            this, [this, browser] { reading_ = browser; }, Qt::QueuedConnection);
+        return false;
+    }
+    const auto isRead = [browser](const char* busy) {
+        return !browser->findChild<QWidget*>(busy)->isVisible();
+    };
+    return isRead("projectsBusy") && isRead("layersBusy");
 }
 
-/// Picks every layer of the browser's first project; enters the URL in the pre-signed URL dialog. False for
-/// any other window.
+/// Selects every layer of the browser's first project. The button to choose then.
+QAbstractButton* DialogDriver::PickLayers(QWidget* browser) {
+    if (QTableView* layers = LayerGridOf(*browser)) {
+        layers->selectAll();
+    }
+    QAbstractButton* ok = AgreeingButton(browser);
+    if (ok->isEnabled()) {
+        return ok;
+    }
+    out_ << "the cloud layer browser has no layers to pick" << std::endl;
+    return browser->findChild<QAbstractButton*>("cancel");
+}
+
+/// Picks layers in the browser; enters the URL in the pre-signed URL dialog. False for any other window.
 bool DialogDriver::UseCloudDialog(QWidget* window) {
     const bool isBrowser = window->inherits("orvex::BrowseCloudLayersDlg");
     if (!isBrowser && !window->inherits("orvex::AddCloudLASFileDlg")) {
@@ -341,18 +358,17 @@ bool DialogDriver::UseCloudDialog(QWidget* window) {
         return true;
     }
     watchdog_.WaitingFor(isBrowser ? "the layers of the account" : "the pre-signed URL dialog");
-    if (isBrowser && !HasLayersToPick(window)) {
+    if (isBrowser && !HasRead(window)) {
         return true;
     }
     answered_ = window;
-    if (isBrowser) {
-        LayerGridOf(*window)->selectAll();
-    } else if (auto* url = window->findChild<QLineEdit*>("url")) {
+    if (auto* url = window->findChild<QLineEdit*>("url")) {
         url->setText(settings_.cloudUrl);
     }
+    QAbstractButton* button = isBrowser ? PickLayers(window) : AgreeingButton(window);
     TakePicture(window, isBrowser ? "cloud-browser" : "cloud-url");
     // From the event queue; see AnswerMenu.
-    QMetaObject::invokeMethod(AgreeingButton(window), &QAbstractButton::click, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(button, &QAbstractButton::click, Qt::QueuedConnection);
     return true;
 }
 
@@ -363,6 +379,7 @@ bool DialogDriver::AnswerOtherWindow() {
     QWidget* window = QApplication::activeModalWidget();
     if (window == nullptr || window == FindAddFilesDialog() || !window->isVisible()) {
         answered_ = nullptr;
+        reading_ = nullptr;
         return false;
     }
     if (window->objectName() == "work") {

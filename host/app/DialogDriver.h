@@ -88,7 +88,8 @@ class DialogDriver final : public QObject {
     void Answer(QWidget* window);
     bool AnswerMenu();
     bool UseCloudDialog(QWidget* window);
-    bool HasLayersToPick(QWidget* browser);
+    bool HasRead(QWidget* browser);
+    QAbstractButton* PickLayers(QWidget* browser);
     void Add(const QString& waitsFor, std::function<bool()> isReady, std::function<void()> run);
     void AddWhenIdle(const QString& waitsFor, std::function<void()> run);
     void AddDialogSteps();
@@ -109,9 +110,8 @@ class DialogDriver final : public QObject {
     QWidget* dialog_ = nullptr;
     std::set<QString> tabsWithFiles_;
     QWidget* answered_ = nullptr;
-    int menuCommand_ = 0;   ///< of the cloud page's add menu, which is about to open
-    int layersToPick_ = 0;  ///< rows of the cloud layer browser at the last tick
-    int layersQuiet_ = 0;   ///< ticks since their number has changed
+    QWidget* reading_ = nullptr;  ///< the cloud layer browser that has begun to read
+    int menuCommand_ = 0;         ///< of the cloud page's add menu, which is about to open
     int quietTicks_ = 0;
     int messages_ = 0;
     bool inStep_ = false;
