@@ -76,11 +76,6 @@ constexpr Column<Row> kLayerColumns[] = {
      Of<&Row::project>},
 };
 
-/// What makes a layer the same when its project is read again; a URL may have another signature then.
-const std::string& LayerKey(const Row& row) {
-    return row.id.empty() ? row.url : row.id;
-}
-
 }  // namespace
 
 SharedTexts::Shared SharedTexts::Of(const std::wstring& text) {
@@ -119,13 +114,25 @@ CloudLayer CloudLayerRow::Layer() const {
             .bytes = bytes};
 }
 
+std::string CloudLayerRow::Key() const {
+    return id + '\n' + url.substr(0, url.find('?'));
+}
+
 void KeptLayers::Keep(const std::string& project, const CloudLayerRow& layer) {
-    layers_[project].insert_or_assign(LayerKey(layer), layer);
+    layers_[project].emplace(layer.Key(), layer);
 }
 
 bool KeptLayers::Take(const std::string& project, const CloudLayerRow& layer) {
     const auto found = layers_.find(project);
-    return found != layers_.end() && found->second.erase(LayerKey(layer)) > 0;
+    if (found == layers_.end()) {
+        return false;
+    }
+    const auto kept = found->second.find(layer.Key());
+    if (kept == found->second.end()) {
+        return false;
+    }
+    found->second.erase(kept);
+    return true;
 }
 
 std::size_t KeptLayers::Count() const {

@@ -36,6 +36,8 @@ struct CloudLayerRow {
     CloudLayer Layer() const;
     /// False for a layer that the listing names without a URL.
     bool CanBeAdded() const { return !url.empty(); }
+    /// What makes a layer the same when its project is read again: a URL may have another signature then.
+    std::string Key() const;
 
     std::string name, points, modified, url, id;  ///< UTF-8
     SharedTexts::Shared type, wkt, crs, project;
@@ -54,7 +56,7 @@ class KeptLayers {
     std::vector<CloudLayer> All() const;
 
   private:
-    std::map<std::string, std::map<std::string, CloudLayerRow>> layers_;  ///< by project and LayerKey
+    std::map<std::string, std::multimap<std::string, CloudLayerRow>> layers_;  ///< by project and key
 };
 
 std::span<const Column<CloudProjectRow>> CloudProjectColumns();

@@ -14,6 +14,8 @@ constexpr std::size_t kLongestPageName = 4096;  // that is kept, and sent with t
 }  // namespace
 
 void ListingProgress::Advance(const std::string& next, std::size_t bytes) {
+    ids_.insert(pageIds_.begin(), pageIds_.end());
+    pageIds_.clear();
     bytes_ += bytes + next.size();
     emptyPages_ = entries_ == entriesBefore_ ? emptyPages_ + 1 : 0;
     entriesBefore_ = entries_;
@@ -36,9 +38,14 @@ void ListingProgress::Advance(const std::string& next, std::size_t bytes) {
 }
 
 bool ListingProgress::IsNew(const std::string& id) {
-    const bool isNew = id.empty() || ids_.insert(id).second;
-    entries_ += isNew ? 1 : 0;
-    return isNew;
+    if (ids_.contains(id)) {
+        return false;
+    }
+    if (!id.empty()) {
+        pageIds_.push_back(id);
+    }
+    ++entries_;
+    return true;
 }
 
 }  // namespace orvex

@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <string>
 #include <unordered_set>
+#include <vector>
 
 namespace orvex {
 
@@ -18,13 +19,15 @@ class ListingProgress {
     /// been read already (reading can begin anew then), or the list has become too long (it is complete
     /// then).
     void Advance(const std::string& next, std::size_t bytes);
-    /// True the first time for an entry's identifier; entries without one count as different.
+    /// False for the identifier of an entry of an earlier page: the list has changed since. Entries of one
+    /// page, and those without an identifier, count as different.
     bool IsNew(const std::string& id);
 
   private:
     std::string next_;
     std::unordered_set<std::string> pages_;  ///< that have been named
-    std::unordered_set<std::string> ids_;
+    std::unordered_set<std::string> ids_;    ///< of the pages before this one
+    std::vector<std::string> pageIds_;
     std::size_t bytes_ = 0;
     std::size_t entries_ = 0;
     std::size_t entriesBefore_ = 0;  ///< the last page
