@@ -14,7 +14,7 @@ namespace orvex {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr auto kPatience = std::chrono::milliseconds(500);
+constexpr auto kPatience = std::chrono::milliseconds(150);
 constexpr std::size_t kMostWorkers = 8;
 
 }  // namespace
@@ -43,12 +43,11 @@ struct CloudRequest::Link {
 
 CloudRequest::~CloudRequest() {
     Cancel();
-    const Clock::time_point end = Clock::now() + kPatience;
     for (BackgroundWorker& worker : workers_) {
         worker.RequestStop();
     }
     for (BackgroundWorker& worker : workers_) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(patienceEnds_ - Clock::now());
         worker.WaitForEnd(std::max(left, std::chrono::milliseconds(0)));
     }
 }
@@ -72,6 +71,7 @@ void CloudRequest::Cancel() {
     }
     if (std::exchange(link_, nullptr) != nullptr) {
         workers_.back().RequestStop();
+        patienceEnds_ = Clock::now() + kPatience;
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 #include <QObject>
+#include <chrono>
 #include <functional>
 #include <list>
 #include <memory>
@@ -21,7 +22,7 @@ class CloudRequest : public QObject {
     using Work = std::function<Answer(const CloudCall& call)>;
 
     using QObject::QObject;
-    /// Waits a moment for requests that end; leaves those behind that do not.
+    /// Waits until a moment after Cancel for requests that end; leaves those behind that do not.
     ~CloudRequest() override;
 
     /// Cancels the request that runs. Throws LDataError if too many before it have not ended.
@@ -42,6 +43,7 @@ class CloudRequest : public QObject {
 
     std::shared_ptr<Link> link_;  ///< with the request that runs; null: none does
     std::list<BackgroundWorker> workers_;
+    std::chrono::steady_clock::time_point patienceEnds_;
 };
 
 }  // namespace orvex
