@@ -7,6 +7,7 @@
 #include <QTableView>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "cloud/page/CloudListPane.h"
@@ -68,7 +69,9 @@ BrowseCloudLayersDlg::BrowseCloudLayersDlg(OrvexApplication* application, Dialog
       projects_{L"PopulateFolders", text::kCloudNoProjects, &BrowseCloudLayersDlg::ReadProjects},
       layers_{L"PopulateLayers", text::kCloudNoLayers, &BrowseCloudLayersDlg::ReadLayers} {
     setObjectName(QStringLiteral("BrowseCloudLayersDlg"));
-    RunStep(L"InitializeColumns", [this] { InitializeColumns(); });
+    if (!RunStep(L"InitializeColumns", [this] { InitializeColumns(); })) {
+        return;
+    }
     BuildWindow();
     Connect(projects_);
     Connect(layers_);
@@ -78,18 +81,24 @@ BrowseCloudLayersDlg::BrowseCloudLayersDlg(OrvexApplication* application, Dialog
 }
 
 BrowseCloudLayersDlg::~BrowseCloudLayersDlg() {
+    // Both before either waits for its thread.
+    for (const List* list : {&projects_, &layers_}) {
+        if (list->request != nullptr) {
+            list->request->Cancel();
+        }
+    }
     // Before the rows that they show.
     delete splitter_;
 }
 
 void BrowseCloudLayersDlg::InitializeColumns() {
     const std::vector<QIcon> images = MakeImageList();
+    splitter_ = new QSplitter(Qt::Horizontal, this);
     projects_.pane = new CloudListPane(kProjectTexts, *projectRows_, services_.prompts, images);
-    layers_.pane = new CloudListPane(kLayerTexts, *layerRows_, services_.prompts, images);
-    projects_.pane->Grid().Table()->setSelectionMode(QAbstractItemView::SingleSelection);
-    splitter_ = new QSplitter(Qt::Horizontal);
     splitter_->addWidget(projects_.pane);
+    layers_.pane = new CloudListPane(kLayerTexts, *layerRows_, services_.prompts, images);
     splitter_->addWidget(layers_.pane);
+    projects_.pane->Grid().Table()->setSelectionMode(QAbstractItemView::SingleSelection);
     splitter_->setChildrenCollapsible(false);
     splitter_->setStretchFactor(0, 0);
     splitter_->setStretchFactor(1, 1);
@@ -105,6 +114,7 @@ void BrowseCloudLayersDlg::BuildWindow() {
     for (List* list : {&projects_, &layers_}) {
         list->request = new CloudRequest(this);
     }
+    layersLater_.setObjectName(QStringLiteral("layersLater"));
     layersLater_.setSingleShot(true);
     layersLater_.setInterval(kPauseMs);
     AssignMnemonics(*this);
@@ -138,8 +148,11 @@ void BrowseCloudLayersDlg::Connect(List& list) {
             Guarded(prompts, L"OnWaiting", [&list](const QString& text) {
                 list.pane->ShowState(CloudListState::Reading, ToWide(text));
             }));
-    connect(list.pane, &CloudListPane::StopRequested, this, Guarded(prompts, L"OnStop", [&list] {
+    connect(list.pane, &CloudListPane::StopRequested, this, Guarded(prompts, L"OnStop", [this, &list] {
                 list.request->Cancel();
+                if (&list == &layers_) {
+                    layersLater_.stop();
+                }
                 list.pane->ShowState(CloudListState::Stopped);
             }));
     connect(list.pane, &CloudListPane::ContinueRequested, this,
@@ -152,6 +165,9 @@ void BrowseCloudLayersDlg::ConnectGrids() {
     GridView& layers = layers_.pane->Grid();
     connect(&projects, &GridView::CurrentRowChanged, this,
             Guarded(prompts, L"OnProject", [this](int row) { OnProject(row); }));
+    connect(projectRows_.get(), &GridModel::FilterAboutToChange, this, [this] { isFiltering_ = true; });
+    connect(projectRows_.get(), &GridModel::FilterChanged, this,
+            Guarded(prompts, L"OnProjectsFiltered", [this] { OnProjectsFiltered(); }));
     connect(&projects, &GridView::ActivateRequested, &layers, qOverload<>(&QWidget::setFocus));
     connect(&layersLater_, &QTimer::timeout, this, [this] { PopulateLayers(); });
     connect(&layers, &GridView::ActivateRequested, this, &BrowseCloudLayersDlg::accept);
@@ -196,22 +212,28 @@ void BrowseCloudLayersDlg::KeepSelection() {
     }
 }
 
-/// Selects again what was selected when this project was shown before.
+/// Selects again what was selected when this project was shown before. The filter goes when it hides any of
+/// that.
 void BrowseCloudLayersDlg::SelectKept(std::size_t firstRecord) {
-    std::vector<int> rows;
+    std::vector<std::size_t> records;
     for (std::size_t record = firstRecord; record < layerRows_->Count(); ++record) {
         if (kept_.Take(*project_, layerRows_->Rows()[record])) {
-            rows.push_back(layerRows_->RowOfRecord(record));
+            records.push_back(record);
         }
     }
-    std::erase_if(rows, [](int row) { return row < 0; });
-    if (!rows.empty()) {
-        GridView& grid = layers_.pane->Grid();
-        const std::vector<int> selected = grid.SelectedRows();
-        rows.insert(rows.end(), selected.begin(), selected.end());
-        std::ranges::sort(rows);
-        grid.SelectRows(rows);
+    if (records.empty()) {
+        return;
     }
+    const auto rowOf = [this](std::size_t record) { return layerRows_->RowOfRecord(record); };
+    if (std::ranges::any_of(records, [&](std::size_t record) { return rowOf(record) < 0; })) {
+        layers_.pane->Filter().Clear();
+        layerRows_->SetFilter({});
+    }
+    GridView& grid = layers_.pane->Grid();
+    std::vector<int> rows = grid.SelectedRows();
+    std::ranges::transform(records, std::back_inserter(rows), rowOf);
+    std::ranges::sort(rows);
+    grid.SelectRows(rows);
 }
 
 void BrowseCloudLayersDlg::OnDeselect() {
@@ -238,6 +260,10 @@ void BrowseCloudLayersDlg::EnableItems() {
         ok_->setEnabled(selected > 0);
         layers_.pane->SetSelected(selected, elsewhere);
     });
+}
+
+int BrowseCloudLayersDlg::exec() {
+    return ok_ == nullptr ? QDialog::Rejected : QDialog::exec();
 }
 
 void BrowseCloudLayersDlg::accept() {

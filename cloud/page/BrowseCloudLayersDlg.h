@@ -51,6 +51,8 @@ class BrowseCloudLayersDlg : public QDialog {
     std::vector<CloudLayer> SelectedLayers() const { return selected_; }
 
   public slots:
+    /// Shows nothing when the window could not be made, which has been told then.
+    int exec() override;
     void accept() override;
     void reject() override;
     void done(int result) override;
@@ -95,6 +97,8 @@ class BrowseCloudLayersDlg : public QDialog {
     void ReadProjects();
     void TakeProjects(const ArchivingProjectList& page);
     void OnProject(int row);
+    void OnProjectsFiltered();
+    void ClearLayers();
     void PopulateLayers();
     void ReadLayers();
     void TakeLayers(const CloudListingPage& page, std::size_t bytes);
@@ -121,11 +125,12 @@ class BrowseCloudLayersDlg : public QDialog {
     List layers_;
     std::optional<std::string> project_;  ///< whose layers are shown
     KeptLayers kept_;                     ///< in other projects
-    QTimer layersLater_;  ///< while the user moves through the projects none of them is asked for
+    QTimer layersLater_{this};  ///< while the user moves through the projects none of them is asked for
     QSplitter* splitter_ = nullptr;
     QPushButton* ok_ = nullptr;
     std::vector<CloudLayer> selected_;
     bool hasBegun_ = false;
+    bool isFiltering_ = false;  ///< the projects
 };
 
 }  // namespace orvex

@@ -94,6 +94,7 @@ void BrowseCloudLayersDlg::PopulateFolders() {
 }
 
 void BrowseCloudLayersDlg::ContinueReading(List& list) {
+    List* read = &list;
     try {
         // The user may have signed in meanwhile, or the token may be a new one.
         const SharedAccount before = std::exchange(account_, AskAccount());
@@ -105,11 +106,12 @@ void BrowseCloudLayersDlg::ContinueReading(List& list) {
         const bool isAnother = before && !IsSameUser(*before, *account_);
         if (isAnother) {
             ClearLists();
+            read = &projects_;
         }
         projects_.pane->SetOwner(ShownAccount(*account_));
-        (this->*(isAnother ? projects_ : list).read)();
+        (this->*read->read)();
     } catch (...) {
-        list.pane->ShowState(CloudListState::Failed, CurrentExceptionText());
+        read->pane->ShowState(CloudListState::Failed, CurrentExceptionText());
         throw;
     }
 }
@@ -147,18 +149,38 @@ void BrowseCloudLayersDlg::TakeProjects(const ArchivingProjectList& page) {
 void BrowseCloudLayersDlg::OnProject(int row) {
     const CloudProjectRow* project =
         row < 0 ? nullptr : &projectRows_->Rows()[projectRows_->RecordOfRow(row)];
-    if (project == nullptr || project_ == project->id) {
+    if (isFiltering_ || project == nullptr || project_ == project->id) {
         return;
     }
     layers_.request->Cancel();
-    layers_.progress = {};
-    KeepSelection();
-    layerRows_->Clear();
-    texts_ = std::make_unique<SharedTexts>();
+    ClearLayers();
     project_ = project->id;
     layers_.pane->SetOwner(project->name);
     layers_.pane->ShowState(CloudListState::Reading);
     layersLater_.start();
+}
+
+// The grid has made another project current if the filter hides this one.
+void BrowseCloudLayersDlg::OnProjectsFiltered() {
+    isFiltering_ = false;
+    const auto& projects = projectRows_->Rows();
+    const auto shown = std::ranges::find_if(
+        projects, [this](const CloudProjectRow& project) { return project_ == project.id; });
+    const int row = projectRows_->RowOfRecord(static_cast<std::size_t>(shown - projects.begin()));
+    GridView& grid = projects_.pane->Grid();
+    if (row < 0) {
+        grid.ClearSelection();
+    } else if (row != grid.CurrentRow()) {
+        grid.Table()->selectRow(row);
+    }
+}
+
+/// What is selected is kept.
+void BrowseCloudLayersDlg::ClearLayers() {
+    layers_.progress = {};
+    KeepSelection();
+    layerRows_->Clear();
+    texts_ = std::make_unique<SharedTexts>();
 }
 
 void BrowseCloudLayersDlg::PopulateLayers() {
@@ -166,6 +188,9 @@ void BrowseCloudLayersDlg::PopulateLayers() {
 }
 
 void BrowseCloudLayersDlg::ReadLayers() {
+    if (layers_.progress.Next().empty()) {
+        ClearLayers();  // those of a list that did not end would be there twice
+    }
     layers_.request->Start([this, get = library_.getFiles, account = account_, project = *project_,
                             next = layers_.progress.Next()](const CloudCall& call) {
         std::string json;
@@ -180,8 +205,9 @@ void BrowseCloudLayersDlg::TakeLayers(const CloudListingPage& page, std::size_t 
     std::vector<CloudLayerRow> rows;
     rows.reserve(page.layers.size());
     for (const CloudLayer& layer : page.layers) {
-        if (layers_.progress.IsNew(ToUtf8(layer.id))) {
-            rows.emplace_back(layer, *texts_);
+        CloudLayerRow row(layer, *texts_);
+        if (layers_.progress.IsNew(row.id.empty() ? std::string() : row.Key())) {
+            rows.push_back(std::move(row));
         }
     }
     const std::size_t before = layerRows_->Count();
@@ -204,7 +230,8 @@ void BrowseCloudLayersDlg::OnAnswer(List& list, const CloudRequest::Answer& answ
                 return;
             }
         } catch (...) {
-            list.pane->ShowState(CloudListState::Failed, CurrentExceptionText());
+            const bool canGoOn = !list.progress.IsComplete();
+            list.pane->ShowState(CloudListState::Failed, CurrentExceptionText(), canGoOn);
             throw;
         }
         list.pane->ShowState(CloudListState::Idle, Text(list.empty));

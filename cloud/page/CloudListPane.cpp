@@ -161,9 +161,10 @@ void CloudListPane::SetSelected(std::size_t selected, std::size_t elsewhere) {
     Arrange();
 }
 
-void CloudListPane::ShowState(CloudListState state, const std::wstring& message) {
+void CloudListPane::ShowState(CloudListState state, const std::wstring& message, bool canGoOn) {
     state_ = state;
     message_ = message;
+    canGoOn_ = canGoOn;
     Arrange();
 }
 
@@ -208,7 +209,7 @@ void CloudListPane::Arrange() {
     stop_->setVisible(isReading);
     warning_->setVisible(isFailed);
     deselect_->setVisible(elsewhere_ > 0 && !isFailed);
-    continue_->setVisible(isFailed || isStopped);
+    continue_->setVisible((isFailed || isStopped) && canGoOn_);
     continue_->setText(ToQString(Text(isStopped ? text::kListContinue : text::kCloudTryAgain)));
     if (rows_.Count() == 0) {
         grid_->SetEmptyText(ToQString(isReading && message_.empty() ? Text(texts_.reading)

@@ -50,7 +50,8 @@ class CloudListPane : public QWidget {
     /// Names beside the label whose list it is.
     void SetOwner(const std::wstring& owner);
     /// `message`: why the list is empty (Idle), why reading takes longer (Reading), or the failure.
-    void ShowState(CloudListState state, const std::wstring& message = {});
+    /// `canGoOn`: after Stopped or Failed.
+    void ShowState(CloudListState state, const std::wstring& message = {}, bool canGoOn = true);
     CloudListState State() const { return state_; }
     /// Selected entries, told in the line below the list; `elsewhere`: those of them that are in other lists.
     void SetSelected(std::size_t selected, std::size_t elsewhere);
@@ -83,6 +84,7 @@ class CloudListPane : public QWidget {
     QPushButton* deselect_;
     CloudListState state_ = CloudListState::Idle;
     std::wstring message_;
+    bool canGoOn_ = true;
     std::size_t selected_ = 0;
     std::size_t elsewhere_ = 0;
 };

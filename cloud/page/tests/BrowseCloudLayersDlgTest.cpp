@@ -66,6 +66,24 @@ TEST_F(BrowseCloudLayers, LayersArePickedInSeveralProjects) {
     EXPECT_EQ(dialog->SelectedLayers().back().url, L"https://h/c.laz?X-Amz-Signature=5ec4e7");
 }
 
+TEST_F(BrowseCloudLayers, WhatIsSelectedIsShownAgainWhateverTheFilter) {
+    OpenAndRead();
+    ClickRow("layers", 2);
+    ClickRow("projects", 1);
+    ASSERT_TRUE(Until([this] { return Layers().size() == 2 && IsIdle("layers"); }));
+    cloud->Set("p1", {.json = Listing({"a"}, "2")});
+    cloud->Set("p1@2", {.json = Listing({"b", "c"}), .isHeld = true});
+    ClickRow("projects", 0);
+    ASSERT_TRUE(Until([this] { return Layers() == Names{L"a"}; }));
+    Type("layers", "name=a");
+    cloud->Release("p1@2");
+    ASSERT_TRUE(Until([this] { return IsIdle("layers"); }));
+    EXPECT_EQ(Layers().size(), 3U);
+    EXPECT_THAT(Grid("layers").SelectedRows(), ElementsAre(2));
+    Click("ok");
+    EXPECT_EQ(Selected(), Names{L"c"});
+}
+
 TEST_F(BrowseCloudLayers, WhatIsSelectedElsewhereCanBeDropped) {
     OpenAndRead();
     ClickRow("layers", 0);

@@ -193,6 +193,55 @@ TEST_F(BrowseCloudLayers, StopAndGoOn) {
     cloud->Release("p1@2");
     Click("layersContinue");
     EXPECT_TRUE(Until([this] { return Layers() == Names{L"a", L"b"} && IsIdle("layers"); }));
+    // At once after another project was chosen: that one is not asked for.
+    ClickRow("projects", 1);
+    Click("layersStop");
+    EXPECT_FALSE(Find<QTimer>("layersLater").isActive());
+    Click("layersContinue");
+    EXPECT_TRUE(Until([this] { return Layers() == Names{L"d", L"e"} && IsIdle("layers"); }));
+}
+
+TEST_F(BrowseCloudLayers, LayersOfOneIdAndOtherUrlsAreDifferent) {
+    const std::string tiles = R"({"name":"t1","id":"t","url":"https://h/1.laz?s=1"},)"
+                              R"({"name":"t2","id":"t","url":"https://h/2.laz?s=1"},)"
+                              R"({"name":"t3","id":"t","url":"https://h/2.laz?part=3"})";
+    cloud->Set("p1", {.json = R"({"layers":[)" + tiles + R"(],"next":"2"})"});
+    cloud->Set("p1@2", {.json = R"({"layers":[{"name":"t2","id":"t","url":"https://h/2.laz?s=2"}]})"});
+    Open();
+    ASSERT_TRUE(Until([this] { return !Layers().empty() && IsIdle("layers"); }));
+    EXPECT_EQ(Layers(), (Names{L"t1", L"t2", L"t3"}));
+    Grid("layers").SelectAll();
+    ClickRow("projects", 1);
+    ASSERT_TRUE(Until([this] { return Layers().size() == 2 && IsIdle("layers"); }));
+    Click("ok");
+    EXPECT_EQ(Selected(), (Names{L"t1", L"t2", L"t3"}));
+}
+
+TEST_F(BrowseCloudLayers, AListThatDidNotEndIsReadAnew) {
+    const std::string a = R"({"name":"a","url":"https://h/a.laz"})";
+    cloud->Set("p1", {.json = R"({"layers":[)" + a + R"(],"next":"2"})"});
+    cloud->Set("p1@2", {.json = Listing({}, "2")});
+    Open();
+    ASSERT_TRUE(Until([this] { return HasFailed("layers"); }));
+    ClickRow("layers", 0);
+    cloud->Set("p1", {.json = R"({"layers":[)" + a + "]}"});
+    Click("layersContinue");
+    ASSERT_TRUE(Until([this] { return IsIdle("layers"); }));
+    EXPECT_EQ(Layers(), Names{L"a"});
+    EXPECT_TRUE(CanAdd());
+}
+
+TEST_F(BrowseCloudLayers, AListThatIsTooLongIsNotReadOn) {
+    cloud->Set("p1", {.json = Listing({"a"}, "1")});
+    for (int page = 1; page <= 100; ++page) {
+        cloud->Set("p1@" + std::to_string(page), {.json = Listing({}, std::to_string(page + 1))});
+    }
+    Open();
+    ASSERT_TRUE(Until([this] { return HasFailed("layers"); }));
+    EXPECT_EQ(Status("layers"), Text(text::kCloudListingTooLong));
+    EXPECT_FALSE(Find<QWidget>("layersContinue").isVisible());
+    ClickRow("projects", 1);
+    EXPECT_TRUE(Until([this] { return Layers().size() == 2 && IsIdle("layers"); }));
 }
 
 TEST_F(BrowseCloudLayers, AnAccountThatDoesNotAnswerKeepsNothingOpen) {
@@ -225,6 +274,25 @@ TEST_F(BrowseCloudLayers, SilentRequestsDoNotPileUp) {
     EXPECT_TRUE(Until([this] { return Layers().size() == 3; }));
 }
 
+TEST_F(BrowseCloudLayers, ProjectsOfAnotherUserThatCannotBeAskedFor) {
+    cloud->Set("projects", {.projects = {{"Bay", "p1"}, {"Coast", "p2"}}, .next = "2"});
+    cloud->Set("projects@2", {.isHeld = true, .isDeaf = true});
+    Open();
+    ASSERT_TRUE(Until([this] { return Layers().size() == 3 && IsIdle("layers"); }));
+    for (int i = 1; i <= 8; ++i) {
+        ASSERT_TRUE(Until([&] { return cloud->Running() == i; }));
+        Click("projectsStop");
+        if (i < 8) {
+            Click("projectsContinue");
+        }
+    }
+    hostObjects.account->userName = L"ben";
+    ClickRow("projects", 1);
+    EXPECT_TRUE(Until([this] { return HasFailed("projects") && IsIdle("layers"); }));
+    EXPECT_EQ(Status("projects"), Text(text::kCloudAccountSilent));
+    cloud->Release("projects@2");
+}
+
 TEST_F(BrowseCloudLayers, FiltersWorkOnWhatHasArrived) {
     std::vector<ArchivingProject> projects;
     for (int i = 0; i < 10'000; ++i) {
@@ -237,8 +305,15 @@ TEST_F(BrowseCloudLayers, FiltersWorkOnWhatHasArrived) {
     ASSERT_TRUE(Until([this] { return Model("projects").rowCount() == 1234; }));
     EXPECT_EQ(Status("projects"), FormatText(Text(text::kCloudProjectsShownOf), {1234, 10'000}));
     // A project that the filter hides keeps its layers in the window.
-    Type("projects", "coast 9999");
-    ASSERT_TRUE(Until([this] { return Model("projects").rowCount() == 1; }));
+    for (const char* filter : {"bay 1", "coast 9999"}) {
+        Type("projects", filter);
+        ASSERT_TRUE(Until([this] { return Column("projects", 0).front() != L"Bay 0"; }));
+        EXPECT_EQ(Layers().size(), 3U) << filter;
+    }
+    EXPECT_EQ(cloud->Asked(), (std::vector<std::string>{"projects", "p1"}));
+    EXPECT_THAT(Grid("projects").SelectedRows(), IsEmpty());
+    Type("projects", "bay 0");
+    ASSERT_TRUE(Until([this] { return Grid("projects").SelectedRows() == std::vector{0}; }));
     EXPECT_EQ(Layers().size(), 3U);
     Type("layers", "name!=b size>1");
     EXPECT_EQ(Layers(), (Names{L"a", L"c"}));
