@@ -266,9 +266,9 @@ std::optional<std::int64_t> CompactTime(View value) {
     TimeText text(value);
     const std::int64_t day = TakeDay(text, false);
     text.Take(L'T');
-    const int hours = text.Number(2, 23);
-    const int minutes = text.Number(2, 59);
-    const int seconds = text.Number(2, 59);
+    const std::int64_t hours = text.Number(2, 23);
+    const std::int64_t minutes = text.Number(2, 59);
+    const std::int64_t seconds = text.Number(2, 59);
     text.Take(L'Z');
     const bool isGood = text.IsGood() && text.IsAtEnd() && day >= 0;
     return isGood ? std::optional(day + hours * 3600 + minutes * 60 + seconds) : std::nullopt;

@@ -187,6 +187,7 @@ void AddCloudLASFilesPP::OnLookInside() {
     std::vector<std::size_t> records = RecordsToInspect();
     std::erase_if(records, [this](std::size_t record) { return model_->Rows()[record].url.empty(); });
     std::vector<std::wstring> urls;
+    urls.reserve(records.size());
     for (const std::size_t record : records) {
         urls.push_back(model_->Rows()[record].url);
     }

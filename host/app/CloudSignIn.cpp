@@ -21,7 +21,7 @@ namespace orvex {
 
 namespace {
 
-constexpr qint64 kLongestToken = 64 * 1024;
+constexpr qint64 kLongestToken = 64 << 10U;
 
 /// First line of the file.
 std::wstring TokenIn(const QString& path) {
@@ -35,7 +35,7 @@ std::wstring TokenIn(const QString& path) {
 
 /// Removes the token from the environment, which every program inherits that this one starts.
 QString TakeTokenVariable() {
-    const QString token = qEnvironmentVariable("ORVEX_CLOUD_TOKEN").trimmed();
+    QString token = qEnvironmentVariable("ORVEX_CLOUD_TOKEN").trimmed();
     qunsetenv("ORVEX_CLOUD_TOKEN");
     return token;
 }

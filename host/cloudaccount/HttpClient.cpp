@@ -33,11 +33,11 @@ constexpr auto kInterval = 50ms;
 constexpr std::chrono::milliseconds kLongestBackOff = 60s;
 constexpr int kMostAttempts = 4;
 constexpr int kMostRedirects = 5;
-constexpr std::int64_t kMostErrorBytes = 16 * 1024;
+constexpr std::int64_t kMostErrorBytes = 16 << 10U;
 // A caller with windows does not expect its own commands while it is blocked.
 constexpr auto kWithoutInput = QEventLoop::ExcludeUserInputEvents;
 // What Qt may read ahead of us.
-constexpr std::int64_t kReadBuffer = 256 * 1024;
+constexpr std::int64_t kReadBuffer = 256 << 10U;
 
 bool IsCancelled(const CloudCall& call) {
     return call.isCancelled && call.isCancelled();

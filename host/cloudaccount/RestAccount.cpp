@@ -32,7 +32,7 @@ QUrl ServiceOf(const CloudAccount& account) {
 
 /// The token as a header can carry it.
 QByteArray TokenOf(const CloudAccount& account, const QUrl& service) {
-    const QByteArray token = QString::fromStdWString(account.token).trimmed().toUtf8();
+    QByteArray token = QString::fromStdWString(account.token).trimmed().toUtf8();
     if (!std::ranges::all_of(token, [](char c) { return c > ' ' && c <= '~'; })) {
         const CloudOutcome outcome = HostOutcome(CloudStatus::NotSignedIn, text::kCloudSignInAgain, service);
         throw CloudError(outcome.status, outcome.message);

@@ -177,7 +177,7 @@ class FileReader final : public RangeReader {
         if (call.isCancelled && call.isCancelled()) {
             return {CloudStatus::Cancelled};
         }
-        if (const CloudOutcome outcome = Open(); outcome.status != CloudStatus::Ok) {
+        if (CloudOutcome outcome = Open(); outcome.status != CloudStatus::Ok) {
             return outcome;
         }
         std::uint64_t size = 0;

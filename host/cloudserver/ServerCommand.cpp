@@ -25,7 +25,7 @@ namespace orvex {
 namespace {
 
 constexpr int kDefaultPort = 8080;
-constexpr std::int64_t kMostSeconds = 7 * 24 * std::int64_t(3600);  // what the signature's scheme allows
+constexpr std::int64_t kMostSeconds = std::int64_t{7} * 24 * 3600;  // what the signature's scheme allows
 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 
 struct Options {

@@ -81,8 +81,10 @@ TEST_F(CloudPage, LayersOfTheBrowserAreAddedOncePerUrl) {
     EXPECT_EQ(record.cloudLasLayers,
               (Map{{L"A", L"https://h/a.las"}, {L"B", L"https://h/b.las"}, {L"C", L"https://h/B.las"}}));
     EXPECT_EQ(record.cloudLasLayerValues2, (Map{{L"A", L"id of A"}, {L"B", L"id of B"}, {L"C", L"id of C"}}));
+    constexpr int kMany = 10'000;
     std::vector<CloudLayer> many;
-    for (int i = 0; i < 10'000; ++i) {
+    many.reserve(kMany);
+    for (int i = 0; i < kMany; ++i) {
         many.push_back(Layer(L"layer " + std::to_wstring(i), L"https://h/" + std::to_wstring(i)));
     }
     Browse(std::move(many));
