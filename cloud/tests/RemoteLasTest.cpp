@@ -109,7 +109,8 @@ std::string WithEvlrsAt(std::uint64_t start, std::uint32_t count) {
 TEST(RemoteLas, OnlyHeaderAndRecordsAreRequested) {
     // The points lie between the first request and the EVLRs; the data of the first EVLR is skipped.
     constexpr std::uint64_t kPoints = 50'000'000;
-    const std::string hierarchy(20'000'000, 'h');
+    std::string hierarchy;
+    hierarchy.resize(20'000'000, 'h');
     const std::string bytes = LasBuilder(14, 6)
                                   .MarkCompressed()
                                   .AddPoints(1)

@@ -35,8 +35,9 @@ std::string Listing(const std::string& key, int count) {
     std::string json = "{ \"version\" : {\"a\":[1,\"]}\"]}, \"" + key + "\" : [";
     for (int i = 0; i < count; ++i) {
         const std::string number = std::to_string(i);
-        json += (i == 0 ? "\n" : ",\n") + std::string(R"({"id":"p)") + number + R"(","name":"Projekt )" +
-                number + R"(","url":"files/a b.las"})";
+        json += i == 0 ? "\n" : ",\n";
+        json.append(R"({"id":"p)").append(number).append(R"(","name":"Projekt )").append(number);
+        json += R"(","url":"files/a b.las"})";
     }
     return json + "], \"more\":1}";
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <nlohmann/json.hpp>
 #include <thread>
@@ -274,10 +275,10 @@ TEST(RestAccount, ServesSeveralThreadsAtOnce) {
     RawServer server([](RawServer&, QTcpSocket& socket, const std::string&) {
         RawServer::SendAndClose(socket, ListOf(R"({"projects":[{"id":"a"},{"id":"b"}]})"));
     });
-    std::vector<std::thread> threads;
+    std::array<std::thread, 4> threads;
     std::atomic<std::size_t> projects = 0;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] { projects += Projects(server.Address()).projects.size(); });
+    for (std::thread& thread : threads) {
+        thread = std::thread([&] { projects += Projects(server.Address()).projects.size(); });
     }
     for (std::thread& thread : threads) {
         thread.join();
