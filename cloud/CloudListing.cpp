@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "support/Format.h"
+#include "support/JsonLimits.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
 
@@ -16,65 +17,46 @@ namespace {
 
 using Tree = boost::property_tree::ptree;
 
-constexpr std::size_t kMostMegabytes = 8;
-constexpr std::size_t kMostBytes = kMostMegabytes << 20U;
-constexpr std::size_t kMostValues = 250'000;  // of some 300 bytes each while the tree stands
-constexpr std::size_t kMostDepth = 64;
 constexpr std::size_t kMostCharacters = 32'768;
 
-/// What the tree's reader, which is recursive and takes whatever comes, must not be given: looked for without
-/// a stack.
-class JsonGuard {
-  public:
-    /// Replaces nulls by empty texts of the same length, since the tree cannot tell null from "null".
-    void Check(std::string& json) {
-        for (std::size_t i = 0; i < json.size(); ++i) {
-            const char c = json[i];
-            if (inString_) {
-                PassString(c);
-            } else if (c == 'n' && last_ == ':' && json.compare(i, 4, "null") == 0) {
-                json.replace(i, 4, "\"\"  ");
-                inString_ = true;
-            } else {
-                Pass(c);
-            }
+/// The tree's reader is recursive and takes whatever comes.
+void RefuseExcess(const std::string& json) {
+    if (json.size() > kMostJsonBytes) {
+        throw LDataError(FormatText(Text(text::kCloudListingTooLarge), {kMostJsonBytes >> 20U}));
+    }
+    switch (ExcessOf(json)) {
+        case JsonExcess::Depth:
+            throw LDataError(FormatText(Text(text::kCloudListingTooDeep), {kMostJsonDepth}));
+        case JsonExcess::Values:
+            throw LDataError(FormatText(Text(text::kCloudListingTooMany), {kMostJsonValues}));
+        case JsonExcess::None:
+            break;
+    }
+}
+
+/// Replaces nulls by empty texts of the same length, since the tree cannot tell null from "null".
+void EmptyNulls(std::string& json) {
+    bool inString = false;
+    char last = 0;  // that is no white space
+    for (std::size_t i = 0; i < json.size(); ++i) {
+        const char c = json[i];
+        if (inString) {
+            i += c == '\\' ? 1 : 0;
+            inString = c != '"';
+        } else if (c == 'n' && last == ':' && json.compare(i, 4, "null") == 0) {
+            json.replace(i, 4, "\"\"  ");
+            inString = true;
+        } else {
+            inString = c == '"';
+            last = c == ' ' || c == '\t' || c == '\n' || c == '\r' ? last : c;
         }
     }
-
-  private:
-    void PassString(char c) {
-        inString_ = isEscaped_ || c != '"';
-        isEscaped_ = !isEscaped_ && c == '\\';
-    }
-
-    void Pass(char c) {
-        const bool opens = c == '{' || c == '[';
-        inString_ = c == '"';
-        depth_ += opens ? 1 : 0;
-        depth_ -= depth_ > 0 && (c == '}' || c == ']') ? 1 : 0;
-        values_ += opens || c == ',' ? 1 : 0;
-        last_ = c == ' ' || c == '\t' || c == '\n' || c == '\r' ? last_ : c;
-        if (depth_ > kMostDepth) {
-            throw LDataError(FormatText(Text(text::kCloudListingTooDeep), {kMostDepth}));
-        }
-        if (values_ > kMostValues) {
-            throw LDataError(FormatText(Text(text::kCloudListingTooMany), {kMostValues}));
-        }
-    }
-
-    bool inString_ = false;
-    bool isEscaped_ = false;
-    char last_ = 0;  ///< that is no white space
-    std::size_t depth_ = 0;
-    std::size_t values_ = 0;
-};
+}
 
 Tree ReadTree(const std::string& json) {
-    if (json.size() > kMostBytes) {
-        throw LDataError(FormatText(Text(text::kCloudListingTooLarge), {kMostMegabytes}));
-    }
+    RefuseExcess(json);
     std::string text = ValidUtf8(json);  // one name in another encoding does not hide a whole page
-    JsonGuard().Check(text);
+    EmptyNulls(text);
     std::istringstream stream(std::move(text));
     Tree tree;
     boost::property_tree::read_json(stream, tree);

@@ -172,7 +172,9 @@ View ShownName(View name) {
 
 /// Some stores have the secret in the path: host/p/SECRET/n/...
 bool IsSecretFolder(View path, View folder, std::size_t begin) {
-    return path.substr(0, begin).ends_with(L"/p/") && path.substr(begin + folder.size()).starts_with(L"/n/");
+    const View before = path.substr(0, begin);
+    const bool isFirst = before.size() > 3 && before.find(L'/') == before.size() - 3;
+    return isFirst && before.ends_with(L"/p/") && path.substr(begin + folder.size()).starts_with(L"/n/");
 }
 
 std::wstring ShownPath(View path) {

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "support/Format.h"
+#include "support/JsonLimits.h"
 
 namespace orvex::cloud {
 namespace {
@@ -12,7 +13,6 @@ namespace {
 using Error = QNetworkReply::NetworkError;
 
 constexpr std::size_t kLongestQuote = 200;
-constexpr int kDeepestNesting = 64;
 
 struct NetworkFailure {
     Error error;
@@ -129,30 +129,6 @@ CloudOutcome OutcomeOf(int httpStatus, bool isAccount, const QUrl& url, std::str
         outcome.message = FormatText(Text(text::kCloudServerSays), {outcome.message, message});
     }
     return outcome;
-}
-
-JsonExcess ExcessOf(std::string_view json) {
-    int depth = 0;
-    int values = 0;
-    bool inString = false;
-    for (std::size_t i = 0; i < json.size(); ++i) {
-        const char c = json[i];
-        if (inString) {
-            i += c == '\\' ? 1 : 0;
-            inString = c != '"';
-        } else if (c == '"') {
-            inString = true;
-        } else if (c == ']' || c == '}') {
-            --depth;
-        } else if (c == '[' || c == '{' || c == ',') {
-            depth += c == ',' ? 0 : 1;
-            ++values;
-        }
-        if (depth > kDeepestNesting || values > kMostValues) {
-            return depth > kDeepestNesting ? JsonExcess::Depth : JsonExcess::Values;
-        }
-    }
-    return JsonExcess::None;
 }
 
 }  // namespace orvex::cloud

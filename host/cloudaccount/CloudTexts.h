@@ -38,10 +38,4 @@ CloudOutcome OutcomeOf(QNetworkReply::NetworkError error, bool answering, const 
 CloudOutcome OutcomeOf(int httpStatus, bool isAccount, const QUrl& url, std::string_view body,
                        std::string_view secret);
 
-/// How a JSON text goes beyond any listing: arrays and objects nested more than 64 deep, or more than
-/// kMostValues values. Asked before a parser sees a foreign text.
-enum class JsonExcess { None, Depth, Values };
-inline constexpr int kMostValues = 250'000;
-JsonExcess ExcessOf(std::string_view json);
-
 }  // namespace orvex::cloud

@@ -7,6 +7,7 @@
 #include "host/cloudaccount/ListingJson.h"
 #include "support/Files.h"
 #include "support/Format.h"
+#include "support/JsonLimits.h"
 #include "support/MappedFile.h"
 
 namespace orvex::cloud {
@@ -39,7 +40,7 @@ class ListingFile {
     /// The next elements; valid until the next call.
     const std::vector<ListingPart::Element>& Next() {
         start_ = next_;
-        text_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kMostPageBytes, size_ - start_)));
+        text_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kMostJsonBytes, size_ - start_)));
         std::size_t read = 0;
         const SystemError error = file_.ReadAt(start_, std::as_writable_bytes(std::span(text_)), read);
         if (error != 0) {

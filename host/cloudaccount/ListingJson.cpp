@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "support/Format.h"
+#include "support/JsonLimits.h"
 
 namespace orvex::cloud {
 namespace {
@@ -25,7 +26,8 @@ void RefuseExcess(std::string_view json, const std::wstring& source) {
         throw CloudError(CloudStatus::BadAnswer, FormatText(Text(text::kCloudListTooDeep), {source}));
     }
     if (excess == JsonExcess::Values) {
-        throw CloudError(CloudStatus::BadAnswer, FormatText(Text(text::kCloudListingTooMany), {kMostValues}));
+        throw CloudError(CloudStatus::BadAnswer,
+                         FormatText(Text(text::kCloudListingTooMany), {kMostJsonValues}));
     }
 }
 
@@ -195,7 +197,7 @@ void EnterArray(Scanner& scanner, std::string_view key, const std::wstring& sour
         ThrowMalformed(source, place + scanner.At() + 1);
     }
     throw CloudError(CloudStatus::BadAnswer,
-                     FormatText(Text(text::kCloudTooLarge), {source, kMostPageBytes >> 20}));
+                     FormatText(Text(text::kCloudTooLarge), {source, kMostJsonBytes >> 20U}));
 }
 
 }  // namespace

@@ -13,7 +13,6 @@ namespace orvex::cloud {
 
 /// Projects of a page.
 inline constexpr int kPageLength = 1000;
-inline constexpr std::size_t kMostPageBytes = 8U << 20U;
 
 /// Reads a page of projects into `projects` and `next`. Projects without an id, or with one of more than
 /// 4 KiB, are left out; one without a name has its id for one. Throws CloudError.

@@ -7,6 +7,7 @@
 #include "host/cloudaccount/ListingJson.h"
 #include "host/cloudaccount/SystemProxies.h"
 #include "support/Format.h"
+#include "support/JsonLimits.h"
 
 namespace orvex::cloud {
 namespace {
@@ -63,7 +64,7 @@ std::string Get(const CloudAccount& account, const QUrl& service, const QByteArr
     request.url = QUrl::fromEncoded(url);
     request.isAccount = true;
     request.token = TokenOf(account, service);
-    request.mostBytes = kMostPageBytes;
+    request.mostBytes = kMostJsonBytes;
     request.checkHeaders = RefuseWebPage;
     HttpClient client;
     return client.Get(request, call).body.toStdString();

@@ -68,6 +68,8 @@ const Case kCases[] = {
     {L"https://h.example/p/SECRET/n/space/b/bucket/o/x.las",
      L"https://h.example/p//n/space/b/bucket/o/x.las"},
     {L"https://h.example/p/o/x.las", L"https://h.example/p/o/x.las"},
+    {L"file:///p/2024/n/x.las", L"file:///p/2024/n/x.las"},
+    {L"file:///srv/p/2024/n/x.las", L"file:///srv/p/2024/n/x.las"},
     {L"https://h.example/x?0123456789abcdef0123456789ABCDEF==&v=2", L"https://h.example/x?v=2"},
     {L"https://h.example/x?from=https%3A%2F%2Fo.example%2Fy%3Fsig%3DSECRET&v=2", L"https://h.example/x?v=2"},
     {L"https://h.example/x?from=https%253A%252F%252Fu:SECRET@o.example%252Fy&v=2",
