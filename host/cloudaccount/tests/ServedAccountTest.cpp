@@ -1,11 +1,6 @@
 // An account on the sample server.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <openssl/bio.h>
-#include <openssl/ec.h>
-#include <openssl/evp.h>
-#include <openssl/pem.h>
-#include <openssl/x509v3.h>
 
 #include <QSslCertificate>
 #include <QSslConfiguration>
@@ -15,6 +10,7 @@
 
 #include "host/cloudaccount/tests/CloudCalls.h"
 #include "host/cloudserver/CloudServer.h"
+#include "host/cloudserver/testing/TestCertificate.h"
 #include "orvexcommon/CloudAccount.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
@@ -33,6 +29,7 @@ using ::testing::Not;
 using testing::Part;
 using testing::Projects;
 using testing::Read;
+using testing::TestCertificate;
 
 class ServedAccount : public ::testing::Test {
   protected:
@@ -216,91 +213,28 @@ TEST_F(ServedAccount, TellsEveryFailureWithoutTheSignature) {
               CloudStatus::Forbidden);
 }
 
-template <auto Free>
-struct Deleter {
-    template <typename Object>
-    void operator()(Object* object) const {
-        Free(object);
-    }
-};
-using Key = std::unique_ptr<EVP_PKEY, Deleter<EVP_PKEY_free>>;
-using Certificate = std::unique_ptr<X509, Deleter<X509_free>>;
-
-struct Identity {
-    Key key;
-    Certificate certificate;
-};
-
-void AddExtension(X509& certificate, int kind, const std::string& value) {
-    const std::unique_ptr<X509_EXTENSION, Deleter<X509_EXTENSION_free>> extension(
-        X509V3_EXT_conf_nid(nullptr, nullptr, kind, value.c_str()));
-    X509_add_ext(&certificate, extension.get(), -1);
-}
-
-/// A certificate for `names` ("IP:127.0.0.1"), or of an authority when they are empty; signed by `issuer` or,
-/// without one, by itself.
-Identity MakeIdentity(const std::string& names, const Identity* issuer, long validForSeconds = 3600) {
-    Identity identity{Key(EVP_EC_gen("P-256")), Certificate(X509_new())};
-    X509& certificate = *identity.certificate;
-    X509_set_version(&certificate, 2);
-    ASN1_INTEGER_set(X509_get_serialNumber(&certificate), issuer == nullptr ? 1 : 2);
-    X509_gmtime_adj(X509_getm_notBefore(&certificate), -7200);
-    X509_gmtime_adj(X509_getm_notAfter(&certificate), validForSeconds);
-    X509_set_pubkey(&certificate, identity.key.get());
-    X509_NAME_add_entry_by_txt(X509_get_subject_name(&certificate), "CN", MBSTRING_ASC,
-                               reinterpret_cast<const unsigned char*>(names.empty() ? "Test CA" : "Test"), -1,
-                               -1, 0);
-    X509_set_issuer_name(&certificate,
-                         X509_get_subject_name(issuer == nullptr ? &certificate : issuer->certificate.get()));
-    AddExtension(certificate, NID_basic_constraints, names.empty() ? "critical,CA:TRUE" : "CA:FALSE");
-    if (!names.empty()) {
-        AddExtension(certificate, NID_subject_alt_name, names);
-    }
-    X509_sign(&certificate, (issuer == nullptr ? identity : *issuer).key.get(), EVP_sha256());
-    return identity;
-}
-
-template <typename Write>
-std::string Pem(const Write& write) {
-    const std::unique_ptr<BIO, Deleter<BIO_free>> memory(BIO_new(BIO_s_mem()));
-    write(memory.get());
-    char* bytes = nullptr;
-    const long length = BIO_get_mem_data(memory.get(), &bytes);
-    return {bytes, static_cast<std::size_t>(length)};
-}
-
-std::string PemOf(const Certificate& certificate) {
-    return Pem([&](BIO* out) { PEM_write_bio_X509(out, certificate.get()); });
-}
-
 TEST_F(ServedAccount, TrustsOnlyCertificatesOfKnownAuthoritiesForThisHost) {
     struct Case {
         const char* name;
-        Identity identity;
+        TestCertificate certificate;
         CloudStatus status;
     };
-    const Identity authority = MakeIdentity("", nullptr);
+    const TestCertificate authority("");
     const QSslConfiguration old = QSslConfiguration::defaultConfiguration();
     QSslConfiguration trusting = old;
-    trusting.setCaCertificates({QSslCertificate(QByteArray::fromStdString(PemOf(authority.certificate)))});
+    trusting.setCaCertificates({QSslCertificate(QByteArray::fromStdString(authority.CertificatePem()))});
     trusting.setPeerVerifyMode(QSslSocket::VerifyNone);  // of the process; not of the library
     QSslConfiguration::setDefaultConfiguration(trusting);
-    std::vector<Case> cases;
-    cases.push_back({"good", MakeIdentity("IP:127.0.0.1", &authority), CloudStatus::Ok});
-    cases.push_back({"self-signed", MakeIdentity("IP:127.0.0.1", nullptr), CloudStatus::Untrusted});
-    cases.push_back(
-        {"of another host", MakeIdentity("DNS:other.example", &authority), CloudStatus::Untrusted});
-    cases.push_back({"expired", MakeIdentity("IP:127.0.0.1", &authority, -3600), CloudStatus::Untrusted});
+    const Case cases[] = {
+        {"good", TestCertificate("IP:127.0.0.1", &authority), CloudStatus::Ok},
+        {"self-signed", TestCertificate("IP:127.0.0.1"), CloudStatus::Untrusted},
+        {"of another host", TestCertificate("DNS:other.example", &authority), CloudStatus::Untrusted},
+        {"expired", TestCertificate("IP:127.0.0.1", &authority, -3600), CloudStatus::Untrusted},
+    };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        folder_.Write(L"key.pem", Pem([&](BIO* out) {
-                          PEM_write_bio_PrivateKey(out, c.identity.key.get(), nullptr, nullptr, 0, nullptr,
-                                                   nullptr);
-                      }));
-        folder_.Write(L"certificate.pem", PemOf(c.identity.certificate));
-        Start({.folder = {},
-               .certificate = folder_.Path() / "certificate.pem",
-               .key = folder_.Path() / "key.pem"});
+        const auto files = c.certificate.Write(folder_.Path());
+        Start({.folder = {}, .certificate = files.certificate, .key = files.key});
         const ArchivingProjectList list = Projects(server_->Address());
         EXPECT_EQ(list.outcome.status, c.status) << ToUtf8(list.outcome.message);
         const std::wstring frame =

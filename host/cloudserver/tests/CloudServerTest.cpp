@@ -1,5 +1,6 @@
 #include "host/cloudserver/tests/CloudServerFixture.h"
 
+#include <csignal>
 #include <filesystem>
 
 #include "support/LDataError.h"
@@ -11,6 +12,15 @@ namespace {
 using Json = nlohmann::json;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+
+// The library's clients write to connections that the server has closed.
+[[maybe_unused]] const auto previous = std::signal(SIGPIPE, SIG_IGN);
+
+TEST_F(CloudServerTest, LeavesTheSignalHandlingOfTheProcess) {
+    std::signal(SIGPIPE, SIG_DFL);
+    Start({});
+    EXPECT_EQ(SIG_DFL, std::signal(SIGPIPE, SIG_IGN));
+}
 
 TEST_F(CloudServerTest, ListsProjectsAndSignsTheFilesOfTheirLayers) {
     const Json projects = GetJson("/v1/projects");
@@ -241,6 +251,18 @@ TEST_F(CloudServerTest, SaysWhyItCannotStart) {
     settings.port = 0;
     settings.address = "192.0.2.1";  // reserved for examples
     EXPECT_THAT(failureOf(settings), HasSubstr("'192.0.2.1' is not an address of this computer"));
+}
+
+TEST_F(CloudServerTest, FollowsNoLinkOutOfTheFolder) {
+    const orvex::testing::TemporaryFolder outside;
+    outside.Write(L"secret.las", "secret");
+    const std::filesystem::path files = folder_.Path() / "files";
+    std::filesystem::create_symlink(outside.Path() / "secret.las", files / "link.las");
+    std::filesystem::create_directory_symlink(outside.Path(), files / "folder");
+    std::filesystem::create_symlink("a b.las", files / "inside.las");
+    EXPECT_EQ(404, Get(Signed("link.las")).status);
+    EXPECT_EQ(404, Get(Signed("folder/secret.las")).status);
+    EXPECT_EQ(200, Get(Signed("inside.las")).status);
 }
 
 }  // namespace

@@ -1,12 +1,9 @@
-#include <csignal>
 #include <filesystem>
 
-#include "host/cloudserver/TokenFile.h"
 #include "host/cloudserver/testing/TestCertificate.h"
 #include "host/cloudserver/tests/CloudServerFixture.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
-#include "support/testing/TestSystem.h"
 
 namespace orvex {
 namespace {
@@ -14,17 +11,8 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-// The library's clients write to connections that the server has closed.
-[[maybe_unused]] const auto previous = std::signal(SIGPIPE, SIG_IGN);
-
-TEST_F(CloudServerTest, LeavesTheSignalHandlingOfTheProcess) {
-    std::signal(SIGPIPE, SIG_DFL);
-    Start({});
-    EXPECT_EQ(SIG_DFL, std::signal(SIGPIPE, SIG_IGN));
-}
-
 TEST_F(CloudServerTest, SpeaksHttpsWithACertificate) {
-    const auto files = orvex::testing::WriteTestCertificate(folder_.Path());
+    const auto files = orvex::testing::TestCertificate("IP:127.0.0.1").Write(folder_.Path());
     const std::string body(3'000'000, 'x');
     folder_.Write(L"files/large.las", body);
     Start(
@@ -61,27 +49,6 @@ TEST_F(CloudServerTest, SaysWhyACertificateCannotBeUsed) {
             EXPECT_THAT(ToUtf8(error.Text()), HasSubstr(text));
         }
     }
-}
-
-TEST_F(CloudServerTest, FollowsNoLinkOutOfTheFolder) {
-    const orvex::testing::TemporaryFolder outside;
-    outside.Write(L"secret.las", "secret");
-    const std::filesystem::path files = folder_.Path() / "files";
-    std::filesystem::create_symlink(outside.Path() / "secret.las", files / "link.las");
-    std::filesystem::create_directory_symlink(outside.Path(), files / "folder");
-    std::filesystem::create_symlink("a b.las", files / "inside.las");
-    EXPECT_EQ(404, Get(Signed("link.las")).status);
-    EXPECT_EQ(404, Get(Signed("folder/secret.las")).status);
-    EXPECT_EQ(200, Get(Signed("inside.las")).status);
-}
-
-TEST(TokenFile, CanBeReadByItsUserOnly) {
-    const orvex::testing::TemporaryFolder folder;
-    const orvex::testing::Variable config(L"ORVEX_CONFIG_DIR", folder.Name(L"config"));
-    std::wstring file;
-    UserToken(file);
-    EXPECT_EQ(std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
-              std::filesystem::status(file).permissions());
 }
 
 }  // namespace

@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 #include <httplib.h>
 
+#include <filesystem>
 #include <sstream>
 
+#include "host/cloudserver/TokenFile.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 #include "support/testing/TestSystem.h"
@@ -141,6 +143,15 @@ TEST_F(ServerCommandTest, SaysWhatIsWrongWithItsArguments) {
         EXPECT_EQ("", result.out);
     }
     EXPECT_THAT(Run({L"--help"}).out, HasSubstr("usage: orvex-cloud-server FOLDER"));
+}
+
+TEST(TokenFile, CanBeReadByItsUserOnly) {
+    const orvex::testing::TemporaryFolder folder;
+    const orvex::testing::Variable config(L"ORVEX_CONFIG_DIR", folder.Name(L"config"));
+    std::wstring file;
+    UserToken(file);
+    EXPECT_EQ(std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
+              std::filesystem::status(file).permissions());
 }
 
 }  // namespace
