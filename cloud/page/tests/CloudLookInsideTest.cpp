@@ -17,7 +17,6 @@
 namespace orvex {
 namespace {
 
-using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
@@ -149,6 +148,7 @@ TEST_F(CloudPage, EscapeStopsALookInsideAndKeepsWhatWasFound) {
         return cancelled;
     };
     std::vector<CloudLayer> layers;
+    layers.reserve(9);
     for (int i = 0; i < 9; ++i) {
         layers.push_back(Layer(std::to_wstring(i), L"https://h/" + std::to_wstring(i) + L".las"));
     }
