@@ -2,9 +2,11 @@
 // The host's layer-utilities library: file kinds, LAZ, CAD and KML files, coordinate reference systems,
 // metadata of photos.
 #include <boost/property_tree/ptree_fwd.hpp>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -63,6 +65,22 @@ class ORVEXUTILITIES_API OrvexUtilities {
     /// a file that was at `lasPath`.
     static bool LAZDecompress(const std::wstring& lazPath, const std::wstring& lasPath,
                               Kst::ProgressIf& progress, std::wstring& reason);
+    /// Reads the points of a LAZ file as whole records of the LAS file that LAZDecompress makes of it, on up
+    /// to `threads` threads, 0 for one per core. `sink` is called on several threads at once, the calling
+    /// thread among them, with a point's number and the records from that point on (a megabyte at most,
+    /// unless one record is more; valid during the call); the ranges come in any order and hold every point
+    /// once. Returns false with an empty reason if the sink returned false, which ends the reading, and with
+    /// a reason in plain words on failure; then the sink may have got other points already. What the sink
+    /// throws is a failure too.
+    static bool LAZReadPoints(
+        const std::wstring& path, unsigned threads,
+        const std::function<bool(std::uint64_t first, std::span<const std::byte> records)>& sink,
+        std::wstring& reason);
+    /// Reads the header and the VLRs of the LAS file that LAZDecompress makes of a LAZ file: all bytes before
+    /// its first point, except that the header's places of extended records are still those in the LAZ file.
+    /// Point format and record length can differ from the LAZ file's own: old writers packed formats 6 to 10
+    /// into older ones. False with a reason in plain words on failure.
+    static bool LAZReadHead(const std::wstring& path, std::string& head, std::wstring& reason);
     /// Key that is equal for two LAS files exactly if they fit into one layer: same horizontal and vertical
     /// CRS and same units, whatever the dialect of WKT and the name of a CRS without a code. `wkt` may be
     /// empty ("no CRS" is a group of its own). For comparison only. A CRS without a code is searched for in

@@ -1,0 +1,166 @@
+#include "host/utilities/LazPoints.h"
+
+#include <laszip/laszip_api.h>
+
+#include <algorithm>
+#include <sstream>
+#include <streambuf>
+#include <vector>
+
+#include "support/Files.h"
+#include "support/Format.h"
+#include "support/LDataError.h"
+#include "support/LasFormat.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+// More points than any drive holds; the codec counts with signed numbers.
+constexpr std::uint64_t kMaxPoints = std::uint64_t{1} << 62;
+// What is read from the file at a time.
+constexpr std::size_t kInputBuffer = 1 << 18;
+
+/// LAS 1.4 has a 64-bit count beside the old one, which may then be 0.
+std::uint64_t PointCountOf(const laszip_header& header) {
+    return header.version_minor >= 4 && header.extended_number_of_point_records != 0
+               ? header.extended_number_of_point_records
+               : header.number_of_point_records;
+}
+
+template <typename T>
+void PutField(std::string& bytes, std::size_t offset, T value) {
+    if (offset + sizeof(value) <= bytes.size()) {
+        std::memcpy(bytes.data() + offset, &value, sizeof(value));
+    }
+}
+
+}  // namespace
+
+/// Memory that the writing codec writes records to.
+class LazPoints::Records final : public std::streambuf {
+  public:
+    std::ostream& Stream() { return stream_; }
+    /// Makes room for so many bytes, none of them written.
+    void Reset(std::size_t size) {
+        bytes_.resize(std::max(size, bytes_.size()));
+        setp(bytes_.data(), bytes_.data() + size);
+    }
+    std::span<const std::byte> Written() const {
+        return std::as_bytes(std::span(pbase(), static_cast<std::size_t>(pptr() - pbase())));
+    }
+
+  private:
+    std::vector<char> bytes_;
+    std::ostream stream_{this};
+};
+
+void LazPoints::CodecDeleter::operator()(void* codec) const noexcept {
+    // Open readers and writers leak otherwise. If nothing is open, closing only sets an error text.
+    laszip_close_reader(codec);
+    laszip_close_writer(codec);
+    laszip_destroy(codec);
+}
+
+LazPoints::Codec LazPoints::CreateCodec() {
+    laszip_POINTER codec = nullptr;
+    if (laszip_create(&codec) != 0) {
+        throw LDataError(Text(text::kLazOutOfMemory));
+    }
+    return Codec(codec);
+}
+
+LazPoints::LazPoints(const std::wstring& path) : path_(path), records_(std::make_unique<Records>()) {
+    OpenReader();
+    OpenWriter();
+}
+
+LazPoints::~LazPoints() = default;
+
+void LazPoints::OpenReader() {
+    ForgetStreamError();
+    input_.open(ToPath(path_), std::ios::binary);
+    if (!input_) {
+        throw LDataError(FormatText(Text(text::kLazCannotRead), {path_, SystemErrorText(LastStreamError())}));
+    }
+    reader_ = CreateCodec();
+    // Points of formats 6 to 10 that were packed into older formats for old readers come out as they were.
+    Check(laszip_request_compatibility_mode(reader_.get(), 1), reader_);
+    laszip_BOOL compressed = 0;
+    Check(laszip_open_reader_stream(reader_.get(), input_, &compressed), reader_);
+    Check(laszip_get_header_pointer(reader_.get(), &header_), reader_);
+    Check(laszip_get_point_pointer(reader_.get(), &point_), reader_);
+    count_ = PointCountOf(*header_);
+    if (count_ > kMaxPoints) {
+        throw LDataError(FormatText(Text(text::kLazHeaderDamaged), {path_}));
+    }
+}
+
+void LazPoints::OpenWriter() {
+    writer_ = CreateCodec();
+    laszip_header header = *header_;
+    header.number_of_variable_length_records = 0;
+    header.vlrs = nullptr;
+    Check(laszip_set_header(writer_.get(), &header), writer_);
+    constexpr laszip_BOOL kCompress = 0, kWithoutHeader = 1;
+    Check(laszip_open_writer_stream(writer_.get(), records_->Stream(), kCompress, kWithoutHeader), writer_);
+}
+
+std::size_t LazPoints::RecordLength() const {
+    return header_->point_data_record_length;
+}
+
+std::string LazPoints::Head() const {
+    std::ostringstream stream;
+    const Codec writer = CreateCodec();
+    // Announced are no points, since none are written: the codec counts them on closing.
+    laszip_header header = *header_;
+    header.number_of_point_records = 0;
+    header.extended_number_of_point_records = 0;
+    Check(laszip_preserve_generating_software(writer.get(), 1), writer);
+    Check(laszip_set_header(writer.get(), &header), writer);
+    // The octree of a COPC file holds places of compressed chunks; a LAS file that kept it would claim an
+    // index that leads nowhere. Not finding the record is no error.
+    laszip_remove_vlr(writer.get(), las::kCopcUserId.data(), 1);
+    Check(laszip_open_writer_stream(writer.get(), stream, 0, 0), writer);
+    Check(laszip_close_writer(writer.get()), writer);
+    std::string bytes = stream.str();
+    PutField(bytes, las::at::kLegacyPointCount, header_->number_of_point_records);
+    if (header_->version_minor >= 4) {
+        PutField(bytes, las::at::kPointCount, std::uint64_t{header_->extended_number_of_point_records});
+    }
+    return bytes;
+}
+
+void LazPoints::Seek(std::uint64_t point) {
+    if (point != next_) {
+        Check(laszip_seek_point(reader_.get(), static_cast<laszip_I64>(point)), reader_);
+        next_ = point;
+    }
+}
+
+std::span<const std::byte> LazPoints::Read(std::size_t count) {
+    records_->Reset(count * RecordLength());
+    for (std::size_t i = 0; i < count; ++i, ++next_) {
+        Check(laszip_read_point(reader_.get()), reader_);
+        Check(laszip_set_point(writer_.get(), point_), writer_);
+        Check(laszip_write_point(writer_.get()), writer_);
+    }
+    return records_->Written();
+}
+
+std::uint64_t LazPoints::Place() {
+    return static_cast<std::uint64_t>(input_.tellg());
+}
+
+void LazPoints::Check(int result, const Codec& codec) const {
+    if (result == 0) {
+        return;
+    }
+    laszip_CHAR* cause = nullptr;
+    laszip_get_error(codec.get(), &cause);
+    throw LDataError(FormatText(Text(text::kLazCannotDecompress),
+                                {path_, cause == nullptr ? std::wstring() : FromUtf8(cause)}));
+}
+
+}  // namespace orvex
