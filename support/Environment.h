@@ -25,6 +25,10 @@ std::filesystem::path ModuleFolder();
 /// for temporary files.
 std::filesystem::path UserCacheFolder();
 
+/// Folder for temporary files that all users of a machine and other programs can find: "/tmp", on Windows
+/// "C:\tmp". It may not exist.
+std::filesystem::path SharedTemporaryFolder();
+
 /// Folder of the user's settings. It may not exist; empty if the user has no home folder.
 /// Linux: ORVEX_CONFIG_DIR, else "orvex" in XDG_CONFIG_HOME, else ".config/orvex" in the home folder.
 /// Windows: ORVEX_CONFIG_DIR, else "Orvex" in APPDATA, else in the profile's roaming application data.

@@ -62,6 +62,10 @@ std::filesystem::path UserCacheFolder() {
     return (home.empty() ? "/tmp" : home) / ".cache" / "orvex";
 }
 
+std::filesystem::path SharedTemporaryFolder() {
+    return "/tmp";
+}
+
 std::filesystem::path UserConfigFolder() {
     if (auto folder = PathIn(L"ORVEX_CONFIG_DIR"); !folder.empty()) {
         return folder;

@@ -106,6 +106,10 @@ std::filesystem::path UserCacheFolder() {
     return (local && !local->empty() ? ToPath(*local) : std::filesystem::temp_directory_path()) / kFolderName;
 }
 
+std::filesystem::path SharedTemporaryFolder() {
+    return L"C:\\tmp";
+}
+
 std::filesystem::path UserConfigFolder() {
     return ConfigFolder(L"ORVEX_CONFIG_DIR", L"APPDATA", FOLDERID_RoamingAppData);
 }

@@ -67,6 +67,13 @@ class MappedFile final : public ByteSource {
 
     SystemError Size(std::uint64_t& size) const override;
     SystemError ReadAt(std::uint64_t offset, std::span<std::byte> buffer, std::size_t& read) const override;
+    /// Writes bytes at an offset of a file opened for writing; it grows as needed.
+    SystemError WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) const;
+    /// Gives the file a size and, where the file system can, the space on the drive, so that a full drive
+    /// shows now. New bytes are zero.
+    SystemError Reserve(std::uint64_t size) const;
+    /// Returns when all that was written has reached the drive.
+    SystemError Sync() const;
     /// Maps a range that lies inside the file; `writable` needs a file opened for writing.
     SystemError Map(std::uint64_t offset, std::uint64_t length, bool writable, MappedView& view) const;
 

@@ -88,6 +88,44 @@ SystemError MappedFile::ReadAt(std::uint64_t offset, std::span<std::byte> buffer
     return 0;
 }
 
+SystemError MappedFile::WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) const {
+    if (offset > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max()) - bytes.size()) {
+        return EFBIG;
+    }
+    for (std::size_t written = 0; written < bytes.size();) {
+        const ssize_t put = pwrite(Descriptor(handle_), bytes.data() + written, bytes.size() - written,
+                                   static_cast<off_t>(offset + written));
+        if (put < 0 && errno == EINTR) {
+            continue;
+        }
+        if (put <= 0) {
+            return put < 0 ? errno : ENOSPC;
+        }
+        written += static_cast<std::size_t>(put);
+    }
+    return 0;
+}
+
+SystemError MappedFile::Reserve(std::uint64_t size) const {
+    if (size > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max())) {
+        return EFBIG;
+    }
+    const int descriptor = Descriptor(handle_);
+    const auto length = static_cast<off_t>(size);
+    if (ftruncate(descriptor, length) != 0) {
+        return errno;
+    }
+    // Not every file system can; the C library's own way would write every block.
+    if (length == 0 || fallocate(descriptor, 0, 0, length) == 0 || errno == EOPNOTSUPP || errno == ENOSYS) {
+        return 0;
+    }
+    return errno;
+}
+
+SystemError MappedFile::Sync() const {
+    return fsync(Descriptor(handle_)) == 0 ? 0 : errno;
+}
+
 SystemError MappedFile::Map(std::uint64_t offset, std::uint64_t length, bool writable,
                             MappedView& view) const {
     if (mapping_ == kNone) {

@@ -109,6 +109,43 @@ SystemError MappedFile::ReadAt(std::uint64_t offset, std::span<std::byte> buffer
     return 0;
 }
 
+SystemError MappedFile::WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) const {
+    constexpr std::size_t kLargestWrite = std::size_t{1} << 30U;  // the call counts with 32 bits
+    if (offset > static_cast<std::uint64_t>(std::numeric_limits<LONGLONG>::max()) - bytes.size()) {
+        return ERROR_FILE_TOO_LARGE;
+    }
+    for (std::size_t written = 0; written < bytes.size();) {
+        OVERLAPPED place{};
+        place.Offset = LowPart(offset + written);
+        place.OffsetHigh = HighPart(offset + written);
+        const auto wanted = static_cast<DWORD>(std::min(bytes.size() - written, kLargestWrite));
+        DWORD put = 0;
+        if (WriteFile(SystemHandle(handle_), bytes.data() + written, wanted, &put, &place) == FALSE) {
+            return LastError();
+        }
+        if (put == 0) {
+            return ERROR_DISK_FULL;
+        }
+        written += put;
+    }
+    return 0;
+}
+
+SystemError MappedFile::Reserve(std::uint64_t size) const {
+    FILE_END_OF_FILE_INFO end{};
+    if (size > static_cast<std::uint64_t>(std::numeric_limits<LONGLONG>::max())) {
+        return ERROR_FILE_TOO_LARGE;
+    }
+    end.EndOfFile.QuadPart = static_cast<LONGLONG>(size);
+    return SetFileInformationByHandle(SystemHandle(handle_), FileEndOfFileInfo, &end, sizeof(end)) == FALSE
+               ? LastError()
+               : 0;
+}
+
+SystemError MappedFile::Sync() const {
+    return FlushFileBuffers(SystemHandle(handle_)) == FALSE ? LastError() : 0;
+}
+
 SystemError MappedFile::Map(std::uint64_t offset, std::uint64_t length, bool writable,
                             MappedView& view) const {
     std::uint64_t size = 0;
