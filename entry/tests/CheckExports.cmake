@@ -13,6 +13,7 @@ if(LIBRARY MATCHES "\\.dll$")
     endforeach()
     set(wanted
         "?GetAddingLidarChoice@@YA?AW4AddLidarChoice@@_N@Z"
+        "?GetLasCompanions@@YAPEBVLasCompanions@orvex@@XZ"
         "?MessageRegardingAddingLidar@@YAXPEAUHWND__@@AEBV?$basic_string@_WU?$char_traits@_W@std@@V?$allocator@_W@2@@std@@_N222222AEA_N@Z"
         "?ShowAddFilesDialog@@YA_NPEAVAddFilesParams@@@Z"
         DllCanUnloadNow DllGetClassObject DllInstall DllRegisterServer DllUnregisterServer)
@@ -25,7 +26,7 @@ else()
             list(APPEND names "${CMAKE_MATCH_1}")
         endif()
     endforeach()
-    set(wanted GetAddingLidarChoice MessageRegardingAddingLidar ShowAddFilesDialog)
+    set(wanted GetAddingLidarChoice GetLasCompanions MessageRegardingAddingLidar ShowAddFilesDialog)
 endif()
 if(NOT result EQUAL 0)
     message(FATAL_ERROR "the exports of ${LIBRARY} could not be read")
