@@ -1,7 +1,6 @@
 #include "host/inspect/InspectCommand.h"
 
 #include <algorithm>
-#include <chrono>
 #include <iterator>
 #include <optional>
 #include <ostream>
@@ -9,6 +8,7 @@
 
 #include "host/inspect/OrderedJobs.h"
 #include "host/inspect/ReportWriter.h"
+#include "host/terminal/Terminal.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/NaturalOrder.h"
@@ -43,29 +43,6 @@ std::wstring PathLine(StringId text, const std::wstring& path, const std::wstrin
     return WithoutControls(FormatText(Text(text), {IsLikeUrl(path) ? ShownUrl(path) : path, reason}));
 }
 
-/// Number of jobs, 1 to kMostJobs; nullopt for any other text.
-std::optional<unsigned> ParseJobs(const std::wstring& text) {
-    unsigned jobs = 0;
-    for (const wchar_t c : text) {
-        if (c < L'0' || c > L'9' || jobs > kMostJobs) {
-            return std::nullopt;
-        }
-        jobs = jobs * 10 + static_cast<unsigned>(c - L'0');
-    }
-    return jobs >= 1 && jobs <= kMostJobs ? std::optional(jobs) : std::nullopt;
-}
-
-/// Value of an option written "--name value" or "--name=value"; nullopt if `arguments[i]` is another option,
-/// empty if the value is missing.
-std::optional<std::wstring> ValueOf(const std::wstring& name, const std::vector<std::wstring>& arguments,
-                                    std::size_t& i) {
-    const std::wstring& argument = arguments[i];
-    if (argument == name) {
-        return i + 1 < arguments.size() ? arguments[++i] : std::wstring();
-    }
-    return argument.starts_with(name + L"=") ? std::optional(argument.substr(name.size() + 1)) : std::nullopt;
-}
-
 void ParseOption(const std::vector<std::wstring>& arguments, std::size_t& i, Options& options) {
     const std::wstring& argument = arguments[i];
     if (argument == L"--json") {
@@ -77,8 +54,8 @@ void ParseOption(const std::vector<std::wstring>& arguments, std::size_t& i, Opt
     } else if (argument == L"--help" || argument == L"-h") {
         options.help = true;
     } else if (const auto count = ValueOf(L"--jobs", arguments, i)) {
-        const std::optional<unsigned> jobs = ParseJobs(*count);
-        options.jobs = jobs.value_or(0);
+        const std::optional<std::uint64_t> jobs = ParseNumber(*count, 1, kMostJobs);
+        options.jobs = static_cast<unsigned>(jobs.value_or(0));
         options.error = jobs ? L"" : FormatText(Text(text::kInspectJobsRange), {kMostJobs});
     } else if (const auto name = ValueOf(L"--as", arguments, i)) {
         options.kind = FindReportKind(*name);
@@ -174,43 +151,6 @@ InputPaths CollectInputPaths(const Options& options) {
     return inputs;
 }
 
-void WriteLine(std::ostream& out, const std::wstring& line) {
-    out << ValidUtf8(ToUtf8(line)) << '\n';
-}
-
-/// Progress line on the terminal, rewritten a few times a second and wiped at the end.
-class CountingLine {
-  public:
-    CountingLine(std::ostream& err, bool shown, std::size_t total)
-        : err_(err), shown_(shown), total_(total) {}
-    ~CountingLine() {
-        if (written_) {
-            err_ << "\r\x1b[K" << std::flush;
-        }
-    }
-    CountingLine(const CountingLine&) = delete;
-    CountingLine& operator=(const CountingLine&) = delete;
-
-    void Tell(std::size_t done) {
-        const auto now = std::chrono::steady_clock::now();
-        if (!shown_ || now < next_) {
-            return;
-        }
-        next_ = now + std::chrono::milliseconds(100);
-        written_ = true;
-        err_ << '\r' << ToUtf8(FormatText(Text(text::kInspectProgress), {done, total_})) << "\x1b[K"
-             << std::flush;
-    }
-
-  private:
-    std::ostream& err_;
-    const bool shown_;
-    const std::size_t total_;
-    bool written_ = false;
-    std::chrono::steady_clock::time_point next_ =
-        std::chrono::steady_clock::now() + std::chrono::milliseconds(300);
-};
-
 /// What became of the files.
 struct RunResult {
     bool isComplete = false;
@@ -222,7 +162,7 @@ RunResult WriteReports(const std::vector<std::wstring>& files, const Options& op
     RunResult result;
     const CloudCall call{streams.stop};
     const auto writer = MakeReportWriter(options.format, streams.out);
-    CountingLine counting(streams.err, streams.showProgress, files.size());
+    ProgressLine counting(streams.err, streams.showProgress);
     const unsigned jobs =
         options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
     OrderedJobs<FileReport> work(files.size(), jobs,
@@ -232,7 +172,9 @@ RunResult WriteReports(const std::vector<std::wstring>& files, const Options& op
             writer->Write(report);
             result.isUrlUnread =
                 result.isUrlUnread || report.cloudStatus.value_or(CloudStatus::Ok) != CloudStatus::Ok;
-            counting.Tell(i + 1);
+            if (counting.IsDue()) {
+                counting.Tell(FormatText(Text(text::kInspectProgress), {i + 1, files.size()}));
+            }
             return static_cast<bool>(streams.out);
         },
         streams.stop);

@@ -1,7 +1,6 @@
 #pragma once
 #include <functional>
 #include <iosfwd>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,22 +30,5 @@ bool NeedsNetwork(const std::vector<std::wstring>& arguments);
 
 /// Runs the command `orvex-inspect` with its arguments (without the program's name); returns the exit code.
 int RunInspectCommand(const std::vector<std::wstring>& arguments, const InspectStreams& streams);
-
-/// Prepares the standard output and error streams for UTF-8 bytes, on a terminal or in a file, until
-/// destroyed.
-class TerminalSession {
-  public:
-    TerminalSession();
-    ~TerminalSession();
-    TerminalSession(const TerminalSession&) = delete;
-    TerminalSession& operator=(const TerminalSession&) = delete;
-
-    /// True if the error stream is a terminal that knows the escape sequences for rewriting a line.
-    bool CanRewriteLines() const;
-
-  private:
-    struct State;
-    std::unique_ptr<State> state_;
-};
 
 }  // namespace orvex

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "host/inspect/InspectCommand.h"
+#include "host/terminal/Terminal.h"
 #include "support/Environment.h"
 #include "support/LDataError.h"
 #include "support/Text.h"

@@ -218,7 +218,7 @@ std::vector<Violation> CheckKindsAreApart(const Tree& tree) {
 
 std::vector<Violation> CheckHostSeesPublicHeadersOnly(const Tree& tree) {
     constexpr std::array hidden = {"crs", "dialog", "entry", "settings"};
-    constexpr std::array inspecting = {"host/dem/", "host/inspect/", "host/objects/"};
+    constexpr std::array inspecting = {"host/companion/", "host/dem/", "host/inspect/", "host/objects/"};
     std::vector<Violation> violations;
     for (const auto& [file, source] : tree.sources) {
         const bool mayInspect = StartsWithAny(file, inspecting);

@@ -1,6 +1,6 @@
 #include <unistd.h>
 
-#include "host/inspect/InspectCommand.h"
+#include "host/terminal/Terminal.h"
 
 namespace orvex {
 

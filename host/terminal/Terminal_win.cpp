@@ -6,7 +6,7 @@
 
 #include <iostream>
 
-#include "host/inspect/InspectCommand.h"
+#include "host/terminal/Terminal.h"
 
 namespace orvex {
 
