@@ -142,11 +142,14 @@ IndexVlr EncodeQvrIndex(const QvrIndex& index) {
     return record;
 }
 
+std::uint16_t QvrVersionOf(std::span<const std::byte> payload) {
+    return ByteReader(payload).Read<std::uint16_t>(index_at::kVersion);
+}
+
 std::optional<QvrIndex> DecodeQvrIndex(std::span<const std::byte> payload) {
     const ByteReader reader(payload);
     const auto order = reader.Read<std::uint8_t>(index_at::kOrder);
-    if (payload.size() != kIndexPayloadSize || order > 1 ||
-        reader.Read<std::uint16_t>(index_at::kVersion) != kQvrVersion) {
+    if (payload.size() != kIndexPayloadSize || order > 1 || QvrVersionOf(payload) != kQvrVersion) {
         return std::nullopt;
     }
     QvrIndex index;
@@ -210,6 +213,13 @@ std::uint64_t QvrHash(std::span<const std::byte> bytes, std::uint64_t seed) {
         hash = (std::rotl(hash, 31) ^ word) * 0x9E3779B97F4A7C15U;
     }
     return Mix(hash);
+}
+
+std::uint64_t QvrHeaderHash(std::span<const std::byte> start) {
+    const ByteReader reader(start);
+    const auto size =
+        std::min<std::uint64_t>(reader.Read<std::uint16_t>(las::at::kHeaderSize), las::kHeaderSize14);
+    return QvrHash(reader.Bytes(0, size), 0);
 }
 
 }  // namespace orvex

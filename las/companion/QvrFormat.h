@@ -59,7 +59,7 @@ struct QvrIndex {
     std::uint64_t sourceSize = 0;  ///< bytes
     std::int64_t sourceTime = 0;   ///< last change, nanoseconds since 1970-01-01 UTC
     std::uint64_t sourcePoints = 0;
-    std::uint64_t sourceHeaderHash = 0;  ///< QvrHash of the header block with seed 0
+    std::uint64_t sourceHeaderHash = 0;  ///< QvrHeaderHash of its first bytes
     std::uint64_t seed = 0;
     QvrBox box;
     bool isRandom = true;  ///< representatives chosen at random, not the first in the file
@@ -82,6 +82,8 @@ struct QvrEntry {
 
 /// Index VLR with its header.
 IndexVlr EncodeQvrIndex(const QvrIndex& index);
+/// Version that the payload of an index VLR states; 0 if it is too short.
+std::uint16_t QvrVersionOf(std::span<const std::byte> payload);
 /// Index from the VLR's payload; nullopt for another length or version, and for values out of range.
 std::optional<QvrIndex> DecodeQvrIndex(std::span<const std::byte> payload);
 
@@ -92,5 +94,8 @@ QvrEntry DecodeQvrEntry(std::span<const std::byte, kThinnedEntrySize> bytes);
 
 /// 64-bit hash of bytes; of a point record and the seed it is the point's priority in random order.
 std::uint64_t QvrHash(std::span<const std::byte> bytes, std::uint64_t seed);
+/// QvrHash, with seed 0, of a LAS or LAZ file's header as it is stored, from the file's first bytes: as many
+/// as the header states as its size, but at most las::kHeaderSize14 and at most as many as there are.
+std::uint64_t QvrHeaderHash(std::span<const std::byte> start);
 
 }  // namespace orvex

@@ -1,0 +1,94 @@
+#include "las/companion/CompanionState.h"
+
+#include <array>
+#include <chrono>
+#include <cstddef>
+
+#include "las/companion/QvrBuilder.h"
+#include "las/companion/QvrFile.h"
+#include "support/Files.h"
+#include "support/Format.h"
+#include "support/LDataError.h"
+#include "support/MappedFile.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+/// The texts of all that differs, one behind the other.
+class Differences {
+  public:
+    void Add(std::wstring text) { text_ += (text_.empty() ? L"" : L"; ") + text; }
+    template <typename Number>
+    void AddIfOther(StringId text, Number then, Number now) {
+        if (then != now) {
+            Add(FormatText(Text(text), {then, now}));
+        }
+    }
+    const std::wstring& All() const { return text_; }
+
+  private:
+    std::wstring text_;
+};
+
+void CompareTime(Differences& differences, const QvrIndex& index, const std::wstring& source) {
+    using std::chrono::milliseconds;
+    constexpr std::int64_t kTolerance = 2000;
+    const std::int64_t then =
+        std::chrono::floor<milliseconds>(std::chrono::nanoseconds(index.sourceTime)).count();
+    const std::int64_t now = ModifiedMs(source);
+    // Unsigned, because a damaged time may be as far away as numbers go.
+    const auto apart = static_cast<std::uint64_t>(now) - static_cast<std::uint64_t>(then);
+    if (apart + kTolerance > 2 * kTolerance) {
+        differences.Add(FormatText(Text(text::kQvrTimeDiffers), {UtcTimeText(then), UtcTimeText(now)}));
+    }
+}
+
+/// The file's first bytes, as many as the longest header has; zeros beyond its end.
+std::array<std::byte, las::kHeaderSize14> StartOf(const std::wstring& path) {
+    std::array<std::byte, las::kHeaderSize14> start{};
+    MappedFile file;
+    std::size_t read = 0;
+    SystemError error = file.Open(path, true);
+    if (error == 0) {
+        error = file.ReadAt(0, start, read);
+    }
+    if (error != 0) {
+        throw LDataError(FormatText(Text(text::kInspectUnreadable), {path, SystemErrorText(error)}));
+    }
+    return start;
+}
+
+std::wstring DifferencesOf(const QvrHead& head, const std::wstring& source) {
+    const auto start = StartOf(source);
+    const LasHeader then = head.Header();
+    const LasHeader now(start);
+    Differences differences;
+    differences.AddIfOther(text::kQvrSizeDiffers, head.index.sourceSize, FileSizeOf(source).value_or(0));
+    CompareTime(differences, head.index, source);
+    differences.AddIfOther(text::kQvrCountDiffers, head.index.sourcePoints, now.PointCount());
+    if (then.Minimum() != now.Minimum() || then.Maximum() != now.Maximum()) {
+        differences.Add(Text(text::kQvrExtentDiffers));
+    } else if (head.index.sourceHeaderHash != QvrHeaderHash(start)) {
+        differences.Add(Text(text::kQvrHeaderDiffers));
+    }
+    return differences.All();
+}
+
+}  // namespace
+
+CompanionFacts CheckCompanion(const std::wstring& source) {
+    const std::wstring companion = QvrPathOf(source);
+    if (UpperExtensionOf(source) == L".QVR" || !FileExists(companion)) {
+        return {};
+    }
+    try {
+        std::wstring differences = DifferencesOf(ReadQvrHead(companion), source);
+        const CompanionState state = differences.empty() ? CompanionState::Fresh : CompanionState::Stale;
+        return {state, std::move(differences)};
+    } catch (...) {
+        return {CompanionState::Unreadable, CurrentExceptionText()};
+    }
+}
+
+}  // namespace orvex

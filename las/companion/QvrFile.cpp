@@ -1,0 +1,267 @@
+#include "las/companion/QvrFile.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "las/LasRecords.h"
+#include "support/ByteReader.h"
+#include "support/Format.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+[[noreturn]] void Fail(StringId text, const std::wstring& path,
+                       std::initializer_list<std::uint64_t> numbers = {}) {
+    std::vector<std::uint64_t> all(numbers);
+    all.resize(2);
+    throw LDataError(FormatText(Text(text), {path, all[0], all[1]}));
+}
+
+[[noreturn]] void FailToRead(const std::wstring& path, SystemError error) {
+    throw LDataError(FormatText(Text(text::kInspectUnreadable), {path, SystemErrorText(error)}));
+}
+
+MappedFile OpenForReading(const std::wstring& path) {
+    MappedFile file;
+    if (const SystemError error = file.Open(path, true)) {
+        FailToRead(path, error);
+    }
+    return file;
+}
+
+std::uint64_t SizeOf(const MappedFile& file, const std::wstring& path) {
+    std::uint64_t size = 0;
+    if (const SystemError error = file.Size(size)) {
+        FailToRead(path, error);
+    }
+    return size;
+}
+
+QvrIndex IndexOf(const VlrList& vlrs, const std::wstring& path) {
+    const auto found = std::ranges::find_if(
+        vlrs.records, [](const VlrView& vlr) { return vlr.Is(kCompanionUserId, kIndexRecordId); });
+    if (found == vlrs.records.end()) {
+        Fail(text::kQvrNoIndex, path);
+    }
+    const std::optional<QvrIndex> index = DecodeQvrIndex(found->Data());
+    if (!index && found->Data().size() == kIndexPayloadSize && QvrVersionOf(found->Data()) != kQvrVersion) {
+        Fail(text::kQvrVersionUnknown, path, {QvrVersionOf(found->Data()), kQvrVersion});
+    }
+    if (!index) {
+        Fail(text::kQvrIndexWrong, path);
+    }
+    return *index;
+}
+
+/// Points are read by their numbers, so that all must have whole records.
+void CheckPoints(const QvrHead& head, std::uint64_t fileSize, const std::wstring& path) {
+    const LasHeader header = head.Header();
+    const las::PointFormatFacts* const format = las::FindPointFormat(header.PointFormat());
+    if (format == nullptr || header.PointRecordLength() < format->minimumLength || header.IsCompressed() ||
+        header.PointCount() != head.index.sourcePoints) {
+        Fail(text::kQvrIndexWrong, path);
+    }
+    const std::uint64_t start = header.OffsetToPoints();
+    const std::uint64_t room = fileSize < start ? 0 : (fileSize - start) / header.PointRecordLength();
+    if (room < header.PointCount()) {
+        Fail(text::kQvrTruncated, path, {room, header.PointCount()});
+    }
+}
+
+QvrHead ReadHead(const MappedFile& file, const std::wstring& path, VlrList& vlrs) {
+    QvrHead head;
+    std::size_t read = 0;
+    if (const SystemError error = file.ReadAt(0, head.block, read)) {
+        FailToRead(path, error);
+    }
+    if (read < las::kLegacyHeaderSize || !head.Header().HasSignature()) {
+        Fail(text::kQvrNoIndex, path);
+    }
+    if (const SystemError error = ReadVlrs(file, head.Header(), vlrs)) {
+        FailToRead(path, error);
+    }
+    head.index = IndexOf(vlrs, path);
+    CheckPoints(head, SizeOf(file, path), path);
+    return head;
+}
+
+/// Reads the entries of the thinned records one after the other and checks each against those before it.
+class EntryReader {
+  public:
+    EntryReader(const MappedFile& file, const QvrHead& head, const std::wstring& path)
+        : file_(file), head_(head), path_(path) {}
+
+    std::vector<QvrEntry> Read(const VlrList& vlrs) {
+        for (const VlrView& vlr : vlrs.records) {
+            if (vlr.Is(kCompanionUserId, kThinnedRecordId)) {
+                ReadRecord(vlr);
+            }
+        }
+        if (entries_.size() != head_.index.entryCount) {
+            FailAtEnd();
+        }
+        if (points_ != head_.Header().PointCount()) {
+            Fail(text::kQvrEntryWrong, path_, {entries_.size()});
+        }
+        return std::move(entries_);
+    }
+
+  private:
+    [[noreturn]] void FailAtEnd() const {
+        Fail(text::kQvrEntriesMissing, path_, {entries_.size(), head_.index.entryCount});
+    }
+
+    void ReadRecord(const VlrView& vlr) {
+        record_.resize(las::kVlrHeaderSize + vlr.RecordLength());
+        std::size_t read = 0;
+        if (const SystemError error = file_.ReadAt(vlr.FileOffset(), record_, read)) {
+            FailToRead(path_, error);
+        }
+        // Written records do not have the mark that the check asks for.
+        const std::uint16_t mark = las::kVlrSignature10;
+        std::memcpy(record_.data() + las::record_at::kReserved, &mark, sizeof(mark));
+        const std::optional<ThinnedHead> head =
+            CheckThinnedVlr(std::span<const std::byte>(record_).first(read), 0);
+        if (vlr.IsTruncated() || read < record_.size() || !head || head->entrySize != kThinnedEntrySize ||
+            head->value != entries_.size()) {
+            FailAtEnd();
+        }
+        auto rest = std::span<const std::byte>(record_).subspan(las::kVlrHeaderSize + kThinnedHeadSize);
+        for (std::uint32_t i = 0; i < head->count; ++i, rest = rest.subspan(kThinnedEntrySize)) {
+            Add(DecodeQvrEntry(rest.first<kThinnedEntrySize>()));
+        }
+    }
+
+    void Add(const QvrEntry& entry) {
+        const QvrBox& box = head_.index.box;
+        const bool isPossible = entry.first == points_ && entry.count != 0 &&
+                                entry.count <= head_.index.MostPerEntry() &&
+                                entry.generation <= kQvrLastGeneration && entry.depth <= kQvrLevels &&
+                                box.Contains(entry.position);
+        if (!isPossible || (!entries_.empty() && !Follows(entry, entries_.back()))) {
+            Fail(text::kQvrEntryWrong, path_, {entries_.size()});
+        }
+        points_ += entry.count;
+        entries_.push_back(entry);
+    }
+
+    bool Follows(const QvrEntry& entry, const QvrEntry& last) const {
+        const QvrBox& box = head_.index.box;
+        return std::pair(last.generation, box.Code(last.position)) <=
+               std::pair(entry.generation, box.Code(entry.position));
+    }
+
+    const MappedFile& file_;
+    const QvrHead& head_;
+    const std::wstring& path_;
+    std::vector<std::byte> record_;
+    std::vector<QvrEntry> entries_;
+    std::uint64_t points_ = 0;  // of the entries
+};
+
+bool Meet(const LasExtent& a, const LasExtent& b) {
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        if (!(a.minimum[axis] <= b.maximum[axis] && b.minimum[axis] <= a.maximum[axis])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Adds a range behind the others, joined with the last one where they touch.
+void Append(std::vector<PointRange>& ranges, const PointRange& range) {
+    if (!ranges.empty() && ranges.back().first + ranges.back().count == range.first) {
+        ranges.back().count += range.count;
+    } else {
+        ranges.push_back(range);
+    }
+}
+
+}  // namespace
+
+QvrHead ReadQvrHead(const std::wstring& path) {
+    VlrList vlrs;
+    return ReadHead(OpenForReading(path), path, vlrs);
+}
+
+std::unique_ptr<QvrFile> QvrFile::Open(const std::wstring& path) {
+    std::unique_ptr<QvrFile> qvr(new QvrFile);
+    qvr->path_ = path;
+    qvr->file_ = OpenForReading(path);
+    VlrList vlrs;
+    qvr->head_ = ReadHead(qvr->file_, path, vlrs);
+    qvr->entries_ = EntryReader(qvr->file_, qvr->head_, path).Read(vlrs);
+    const LasHeader header = qvr->Header();
+    qvr->frame_ = {header.Scale(), header.Offset(), {header.Minimum(), header.Maximum()}};
+    return qvr;
+}
+
+LasExtent QvrFile::BoxOf(const QvrEntry& entry) const {
+    const QvrRawBox cell = head_.index.box.Cell(entry.position, entry.depth);
+    LasExtent box;
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const double a = cell.low[axis] * frame_.scale[axis] + frame_.offset[axis];
+        const double b = cell.high[axis] * frame_.scale[axis] + frame_.offset[axis];
+        box.minimum[axis] = std::min(a, b);  // a scale may be negative
+        box.maximum[axis] = std::max(a, b);
+    }
+    return box;
+}
+
+std::vector<PointRange> QvrFile::Select(const LasExtent& view, std::uint64_t mostPoints) const {
+    std::vector<PointRange> selected;
+    for (auto entry = entries_.begin(); entry != entries_.end();) {
+        const std::uint16_t generation = entry->generation;
+        std::vector<PointRange> ranges;
+        std::uint64_t points = 0;
+        for (; entry != entries_.end() && entry->generation == generation; ++entry) {
+            if (Meet(BoxOf(*entry), view)) {
+                Append(ranges, {entry->first, entry->count});
+                points += entry->count;
+            }
+        }
+        if (points > mostPoints) {
+            break;
+        }
+        mostPoints -= points;
+        for (const PointRange& range : ranges) {
+            Append(selected, range);
+        }
+    }
+    return selected;
+}
+
+void QvrFile::Read(PointRange points, std::span<std::byte> records) const {
+    std::size_t read = 0;
+    const std::uint64_t offset = Header().OffsetToPoints() + points.first * RecordLength();
+    if (const SystemError error = file_.ReadAt(offset, records, read)) {
+        FailToRead(path_, error);
+    }
+    if (read < records.size()) {
+        Fail(text::kQvrTruncated, path_, {points.first + read / RecordLength(), PointCount()});
+    }
+}
+
+std::array<double, 3> QvrFile::PositionOf(std::span<const std::byte> record) const {
+    const ByteReader reader(record);
+    std::array<double, 3> position{};
+    for (std::size_t axis = 0; axis < position.size(); ++axis) {
+        position[axis] = reader.Read<std::int32_t>(las::point_at::kPosition + 4 * axis) * frame_.scale[axis] +
+                         frame_.offset[axis];
+    }
+    return position;
+}
+
+std::uint8_t QvrFile::ClassificationOf(std::span<const std::byte> record) const {
+    constexpr std::uint8_t kLegacyClass = 0x1F;
+    const ByteReader reader(record);
+    if (Header().PointFormat() < las::kFirstExtendedFormat) {
+        return reader.Read<std::uint8_t>(las::point_at::kLegacyClassification) & kLegacyClass;
+    }
+    return reader.Read<std::uint8_t>(las::point_at::kClassification);
+}
+
+}  // namespace orvex
