@@ -14,7 +14,6 @@
 #include "support/Text.h"
 
 namespace orvex {
-namespace {
 
 MappedFile OpenForReading(const std::wstring& path, std::uint64_t& size) {
     MappedFile file;
@@ -27,6 +26,8 @@ MappedFile OpenForReading(const std::wstring& path, std::uint64_t& size) {
     }
     return file;
 }
+
+namespace {
 
 bool IsKnownPoint(std::uint8_t formatByte, std::uint16_t recordLength) {
     const las::PointFormatFacts* const format = las::FindPointFormat(formatByte & ~las::kCompressionBits);
@@ -51,6 +52,16 @@ bool IsWaveform(const std::string& userId, std::uint16_t recordId) {
 }
 
 }  // namespace
+
+std::vector<std::byte> ReadPart(const MappedFile& file, std::uint64_t offset, std::uint64_t length) {
+    std::vector<std::byte> bytes(static_cast<std::size_t>(length));
+    std::size_t read = 0;
+    if (file.ReadAt(offset, bytes, read) != 0) {
+        read = 0;
+    }
+    bytes.resize(read);
+    return bytes;
+}
 
 LazLayout ReadLazLayout(const std::wstring& path) {
     LazLayout layout;
@@ -140,16 +151,6 @@ constexpr std::uint16_t kExtraBytes = 0, kFirstLayeredItem = 10, kExtraBytes14 =
     throw LDataError(FormatText(Text(text), {path}));
 }
 
-std::vector<std::byte> ReadPart(const MappedFile& file, std::uint64_t offset, std::uint64_t length) {
-    std::vector<std::byte> bytes(static_cast<std::size_t>(length));
-    std::size_t read = 0;
-    if (file.ReadAt(offset, bytes, read) != 0) {
-        read = 0;
-    }
-    bytes.resize(read);
-    return bytes;
-}
-
 /// The payload of the codec's record among the records between header and points.
 std::optional<std::vector<std::byte>> ReadCodecRecord(const MappedFile& file, const LazLayout& layout) {
     std::uint64_t offset = layout.headerSize;
@@ -200,36 +201,38 @@ std::optional<std::uint64_t> NumberAt(const MappedFile& file, std::uint64_t offs
 /// The points start with the place of the table; -1 there means that the place is in the file's last 8 bytes.
 /// A writer that was interrupted leaves its own place there: then chunks of one size can still be found,
 /// those of varying size cannot.
-bool IsChunkTableThere(const MappedFile& file, const LazLayout& layout, bool varies) {
+LazChunkTable FindChunkTable(const std::wstring& path, const MappedFile& file, const LazLayout& layout,
+                             bool varies) {
     std::optional<std::uint64_t> place = NumberAt(file, layout.offsetToPoints);
     if (place == std::numeric_limits<std::uint64_t>::max()) {
         place = NumberAt(file, layout.fileSize - 8);
     }
-    if (place == layout.offsetToPoints) {
-        return !varies;
+    if (place == layout.offsetToPoints && !varies) {
+        return {};
     }
-    if (!place || *place < layout.offsetToPoints || *place >= layout.fileSize) {
-        return false;
+    if (!place || *place <= layout.offsetToPoints || *place >= layout.fileSize) {
+        Fail(text::kLazChunkTableMissing, path);
     }
     const std::vector<std::byte> table = ReadPart(file, *place, 8);
     const auto chunks = ByteReader(table).TryRead<std::uint32_t>(4);
-    return ByteReader(table).Read<std::uint32_t>(0) == 0 && chunks && *chunks > 0 &&
-           *chunks <= layout.fileSize;
+    if (ByteReader(table).Read<std::uint32_t>(0) != 0 || !chunks || *chunks == 0 ||
+        *chunks > layout.fileSize) {
+        Fail(text::kLazChunkTableMissing, path);
+    }
+    return {*place, std::uint64_t{layout.offsetToPoints} + 8, 0};
 }
 
 }  // namespace
 
-void RequireUsableCodecRecord(const std::wstring& path, const LazLayout& layout) {
-    MappedFile file;
-    if (const SystemError error = file.Open(path, true); error != 0) {
-        throw LDataError(FormatText(Text(text::kLazCannotRead), {path, SystemErrorText(error)}));
-    }
+LazChunkTable RequireUsableCodecRecord(const std::wstring& path, const LazLayout& layout) {
+    std::uint64_t size = 0;
+    const MappedFile file = OpenForReading(path, size);
     const std::optional<std::vector<std::byte>> bytes = ReadCodecRecord(file, layout);
     if (!bytes && layout.isCompressed) {
         Fail(text::kLazCodecRecordDamaged, path);
     }
     if (!bytes) {
-        return;
+        return {};
     }
     const ByteReader record(*bytes);
     const auto compressor = record.Read<std::uint16_t>(0);
@@ -237,11 +240,14 @@ void RequireUsableCodecRecord(const std::wstring& path, const LazLayout& layout)
         !AreItemsRight(record, layout.recordLength)) {
         Fail(text::kLazCodecRecordDamaged, path);
     }
-    const bool varies = record.Read<std::uint32_t>(12) == kVaryingChunks;
-    if (compressor >= kFirstChunkedCompressor && layout.hasPoints &&
-        !IsChunkTableThere(file, layout, varies)) {
-        Fail(text::kLazChunkTableMissing, path);
+    if (compressor < kFirstChunkedCompressor || !layout.hasPoints) {
+        return {};
     }
+    const auto chunkSize = record.Read<std::uint32_t>(12);
+    const bool varies = chunkSize == kVaryingChunks;
+    LazChunkTable table = FindChunkTable(path, file, layout, varies);
+    table.chunkSize = varies ? 0 : chunkSize;
+    return table;
 }
 
 }  // namespace orvex

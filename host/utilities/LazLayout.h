@@ -1,9 +1,12 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace orvex {
+
+class MappedFile;
 
 /// Layout of a LAS or LAZ file from its public header block (LAS 1.0 to 1.4), checked against the file's
 /// size.
@@ -28,6 +31,11 @@ struct ExtendedRecord {
     bool isWaveform = false;   ///< the waveform data packets
 };
 
+/// Throws LDataError if the file cannot be opened.
+MappedFile OpenForReading(const std::wstring& path, std::uint64_t& size);
+/// Bytes of a file from a place on; fewer where it ends or cannot be read.
+std::vector<std::byte> ReadPart(const MappedFile& file, std::uint64_t offset, std::uint64_t length);
+
 /// Reads the layout. Throws LDataError if the file cannot be read, is not a LAS file, or states sizes and
 /// counts that cannot be right: the codec allocates memory from them unchecked.
 LazLayout ReadLazLayout(const std::wstring& path);
@@ -36,9 +44,16 @@ LazLayout ReadLazLayout(const std::wstring& path);
 /// index the compressed chunks.
 std::vector<ExtendedRecord> ReadExtendedRecords(const std::wstring& path, const LazLayout& layout);
 
+/// The table at the end of the points that lists the chunks in which they are compressed, each for itself.
+struct LazChunkTable {
+    std::uint64_t place = 0;      ///< in the file; 0 if there is none
+    std::uint64_t start = 0;      ///< place of the first chunk
+    std::uint32_t chunkSize = 0;  ///< points in each chunk but the last; 0 if the table lists them
+};
+
 /// Checks what the codec trusts blindly: its own record ("laszip encoded", 22204), which lists the items of a
-/// point, and the table of chunks. Throws LDataError if they cannot be right, or the record of a compressed
-/// file is missing.
-void RequireUsableCodecRecord(const std::wstring& path, const LazLayout& layout);
+/// point, and the start of the table of chunks, which it returns. Throws LDataError if they cannot be right,
+/// or the record of a compressed file is missing.
+LazChunkTable RequireUsableCodecRecord(const std::wstring& path, const LazLayout& layout);
 
 }  // namespace orvex

@@ -18,21 +18,12 @@ namespace {
 
 // More points than any drive holds; the codec counts with signed numbers.
 constexpr std::uint64_t kMaxPoints = std::uint64_t{1} << 62;
-// What is read from the file at a time.
-constexpr std::size_t kInputBuffer = 1 << 18;
 
 /// LAS 1.4 has a 64-bit count beside the old one, which may then be 0.
 std::uint64_t PointCountOf(const laszip_header& header) {
     return header.version_minor >= 4 && header.extended_number_of_point_records != 0
                ? header.extended_number_of_point_records
                : header.number_of_point_records;
-}
-
-template <typename T>
-void PutField(std::string& bytes, std::size_t offset, T value) {
-    if (offset + sizeof(value) <= bytes.size()) {
-        std::memcpy(bytes.data() + offset, &value, sizeof(value));
-    }
 }
 
 }  // namespace
@@ -98,10 +89,7 @@ void LazPoints::OpenReader() {
 
 void LazPoints::OpenWriter() {
     writer_ = CreateCodec();
-    laszip_header header = *header_;
-    header.number_of_variable_length_records = 0;
-    header.vlrs = nullptr;
-    Check(laszip_set_header(writer_.get(), &header), writer_);
+    Check(laszip_set_header(writer_.get(), header_), writer_);
     constexpr laszip_BOOL kCompress = 0, kWithoutHeader = 1;
     Check(laszip_open_writer_stream(writer_.get(), records_->Stream(), kCompress, kWithoutHeader), writer_);
 }
@@ -113,23 +101,13 @@ std::size_t LazPoints::RecordLength() const {
 std::string LazPoints::Head() const {
     std::ostringstream stream;
     const Codec writer = CreateCodec();
-    // Announced are no points, since none are written: the codec counts them on closing.
-    laszip_header header = *header_;
-    header.number_of_point_records = 0;
-    header.extended_number_of_point_records = 0;
     Check(laszip_preserve_generating_software(writer.get(), 1), writer);
-    Check(laszip_set_header(writer.get(), &header), writer);
+    Check(laszip_set_header(writer.get(), header_), writer);
     // The octree of a COPC file holds places of compressed chunks; a LAS file that kept it would claim an
     // index that leads nowhere. Not finding the record is no error.
     laszip_remove_vlr(writer.get(), las::kCopcUserId.data(), 1);
     Check(laszip_open_writer_stream(writer.get(), stream, 0, 0), writer);
-    Check(laszip_close_writer(writer.get()), writer);
-    std::string bytes = stream.str();
-    PutField(bytes, las::at::kLegacyPointCount, header_->number_of_point_records);
-    if (header_->version_minor >= 4) {
-        PutField(bytes, las::at::kPointCount, std::uint64_t{header_->extended_number_of_point_records});
-    }
-    return bytes;
+    return stream.str();
 }
 
 void LazPoints::Seek(std::uint64_t point) {
@@ -149,8 +127,10 @@ std::span<const std::byte> LazPoints::Read(std::size_t count) {
     return records_->Written();
 }
 
-std::uint64_t LazPoints::Place() {
-    return static_cast<std::uint64_t>(input_.tellg());
+void LazPoints::RequireEnd(std::uint64_t end) {
+    if (input_.tellg() != static_cast<std::streamoff>(end)) {
+        Fail(Text(text::kLazChunkDamaged));
+    }
 }
 
 void LazPoints::Check(int result, const Codec& codec) const {
@@ -159,8 +139,11 @@ void LazPoints::Check(int result, const Codec& codec) const {
     }
     laszip_CHAR* cause = nullptr;
     laszip_get_error(codec.get(), &cause);
-    throw LDataError(FormatText(Text(text::kLazCannotDecompress),
-                                {path_, cause == nullptr ? std::wstring() : FromUtf8(cause)}));
+    Fail(cause == nullptr ? std::wstring() : FromUtf8(cause));
+}
+
+void LazPoints::Fail(const std::wstring& cause) const {
+    throw LDataError(FormatText(Text(text::kLazCannotDecompress), {path_, cause}));
 }
 
 }  // namespace orvex

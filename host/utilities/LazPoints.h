@@ -25,6 +25,7 @@ class LazPoints {
     LazPoints(const LazPoints&) = delete;
     LazPoints& operator=(const LazPoints&) = delete;
 
+    const std::wstring& Path() const { return path_; }
     std::uint64_t Count() const { return count_; }
     /// Bytes of a record; more than in the LAZ file's header if points were packed into an older format.
     std::size_t RecordLength() const;
@@ -38,8 +39,8 @@ class LazPoints {
     void Seek(std::uint64_t point);
     /// The next `count` records, valid until the next call.
     std::span<const std::byte> Read(std::size_t count);
-    /// Place in the file up to which the codec has read.
-    std::uint64_t Place();
+    /// Throws the codec's error of a damaged chunk unless all that has been read of the file ends at `end`.
+    void RequireEnd(std::uint64_t end);
 
   private:
     struct CodecDeleter {
@@ -52,6 +53,7 @@ class LazPoints {
     void OpenReader();
     void OpenWriter();
     void Check(int result, const Codec& codec) const;
+    [[noreturn]] void Fail(const std::wstring& cause) const;
 
     std::wstring path_;
     // The codecs use the streams, so they are declared after them and destroyed before.
@@ -68,8 +70,9 @@ class LazPoints {
 /// Takes records from several threads; false stops the reading.
 using LazSink = std::function<bool(std::uint64_t first, std::span<const std::byte> records)>;
 
-/// Reads all points on up to `threads` threads, the calling one among them; 0 stands for one per core. False
-/// if the sink stopped it. What is thrown does not depend on the number of threads.
-bool ReadLazPoints(const std::wstring& path, const LazLayout& layout, unsigned threads, const LazSink& sink);
+/// Reads all points on up to `threads` threads, 0 for one per core. `points` is an open reader of the file,
+/// just opened; the calling thread reads with it. False if the sink stopped it. A damaged file leads to the
+/// same exception whatever the number of threads.
+bool ReadLazPoints(LazPoints& points, const LazChunkTable& table, unsigned threads, const LazSink& sink);
 
 }  // namespace orvex

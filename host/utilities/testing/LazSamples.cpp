@@ -92,6 +92,9 @@ void FillPoint(laszip_point_struct& point, const LazSample& sample, std::uint32_
     for (std::uint32_t band = 0; band < 4; ++band) {
         point.rgb[band] = static_cast<laszip_U16>(i * (band + 3));
     }
+    for (std::uint32_t k = 0; k < sizeof(point.wave_packet); ++k) {
+        point.wave_packet[k] = static_cast<laszip_U8>(k < 4 ? i : i / 50 + k);
+    }
     for (laszip_I32 k = 0; k < point.num_extra_bytes; ++k) {
         point.extra_bytes[k] = static_cast<laszip_U8>(i + static_cast<std::uint32_t>(k));
     }
@@ -108,6 +111,7 @@ void WriteSample(const std::wstring& path, const LazSample& sample, bool compres
     writer.Check(laszip_preserve_generating_software(writer.Get(), 1));
     writer.Check(laszip_request_native_extension(writer.Get(), sample.compatibilityMode ? 0 : 1));
     writer.Check(laszip_request_compatibility_mode(writer.Get(), sample.compatibilityMode ? 1 : 0));
+    writer.Check(laszip_set_chunk_size(writer.Get(), sample.chunkSize));
     // Sets the sizes of the point that the codec holds, with its extra bytes.
     const laszip_header_struct copy = *header;
     writer.Check(laszip_set_header(writer.Get(), &copy));

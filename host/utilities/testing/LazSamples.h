@@ -10,7 +10,8 @@ struct LazSample {
     std::uint8_t pointFormat = 1;
     std::uint16_t recordLength = 28;  ///< more than the format's own: extra bytes
     std::uint32_t points = 1000;
-    bool compatibilityMode = false;  ///< formats 6 to 10 packed into older ones when compressed
+    bool compatibilityMode = false;   ///< formats 6 to 10 packed into older ones when compressed
+    std::uint32_t chunkSize = 50000;  ///< points in a chunk when compressed
 };
 
 /// Writes the sample, compressed or not; the two hold the same points and records.
