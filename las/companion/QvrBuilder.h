@@ -31,13 +31,16 @@ struct QvrPlan {
 /// Path of a file's companion: beside it, with the extension "qvr".
 std::wstring QvrPathOf(const std::wstring& source);
 
+/// The message when a companion cannot be built.
+std::wstring QvrFailureText(const std::wstring& source, const std::wstring& reason);
+
 /// Plans the companion of a LAS or LAZ file. Throws LDataError if the source cannot be read or is not
 /// complete, or if the drive has not enough space.
 QvrPlan PlanQvr(const std::wstring& source, const QvrSettings& settings = {});
 
 /// Builds a planned companion, under a temporary name until it is complete; progress is called from this
 /// thread only. The file is the same for every number of threads and every amount of memory. Returns false if
-/// cancelled. Throws LDataError, with a text for the user. After a cancellation and a failure, what was at
+/// cancelled. Throws LDataError with QvrFailureText. After a cancellation and a failure, what was at
 /// the target is still there and nothing else.
 bool BuildQvr(const QvrPlan& plan, const QvrSettings& settings, Kst::ProgressIf& progress);
 

@@ -138,7 +138,7 @@ class EntryReader {
     void Add(const QvrEntry& entry) {
         const QvrBox& box = head_.index.box;
         const bool isPossible = entry.first == points_ && entry.count != 0 &&
-                                entry.count <= head_.index.MostPerEntry() &&
+                                head_.index.CanHave(entry.count, entry.depth) &&
                                 entry.generation <= kQvrLastGeneration && entry.depth <= kQvrLevels &&
                                 box.Contains(entry.position);
         if (!isPossible || (!entries_.empty() && !Follows(entry, entries_.back()))) {

@@ -54,7 +54,7 @@ struct QvrBox {
 
 /// Payload of the index VLR.
 struct QvrIndex {
-    std::uint16_t factor = 10;  ///< thinning factor; an entry has at most MostPerEntry points
+    std::uint16_t factor = 10;  ///< thinning factor
     // The file that the companion was built from.
     std::uint64_t sourceSize = 0;  ///< bytes
     std::int64_t sourceTime = 0;   ///< last change, nanoseconds since 1970-01-01 UTC
@@ -65,7 +65,11 @@ struct QvrIndex {
     bool isRandom = true;  ///< representatives chosen at random, not the first in the file
     std::uint32_t entryCount = 0;
 
+    /// Most points of an entry whose octant can be split.
     std::uint32_t MostPerEntry() const { return 512U * factor; }
+    bool CanHave(std::uint32_t count, unsigned depth) const {
+        return count <= MostPerEntry() || depth == kQvrLevels;
+    }
     bool operator==(const QvrIndex&) const = default;
 };
 

@@ -1,0 +1,223 @@
+#include "las/companion/QvrOrder.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <utility>
+
+namespace orvex {
+namespace {
+
+constexpr std::size_t kFewKeys = 48;
+constexpr std::size_t kMostBins = 2048;
+constexpr std::uint32_t kNoPoint = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint32_t kMostCount = std::numeric_limits<std::uint32_t>::max();
+
+bool IsBefore(const QvrKey& a, const QvrKey& b) {
+    return a.place < b.place;
+}
+
+/// Distributes keys over bins of equal ranges of codes and sorts these.
+class BinSort {
+  public:
+    void Sort(std::span<QvrKey> keys, std::span<QvrKey> scratch) {
+        const auto [least, most] = CodesOf(keys);
+        if (keys.size() <= kFewKeys || least == most) {
+            std::ranges::sort(keys, IsBefore);
+            return;
+        }
+        const auto range = static_cast<unsigned>(std::bit_width(most - least));
+        const auto bits = static_cast<unsigned>(std::bit_width(std::min(keys.size() / 4, kMostBins) - 1));
+        const unsigned shift = range > bits ? range - bits : 0;
+        const std::size_t bins = ((most - least) >> shift) + 1;
+        std::array<std::uint32_t, kMostBins + 1> space;
+        const auto ends = std::span(space).first(bins + 1);
+        std::ranges::fill(ends, 0U);
+        Distribute(keys, scratch, least, shift, ends);
+        std::ranges::copy(scratch, keys.begin());
+        std::uint32_t start = 0;
+        for (const std::uint32_t end : ends.first(bins)) {
+            if (end - start > 1) {
+                Sort(keys.subspan(start, end - start), scratch.subspan(start, end - start));
+            }
+            start = end;
+        }
+    }
+
+  private:
+    static std::pair<std::uint64_t, std::uint64_t> CodesOf(std::span<const QvrKey> keys) {
+        std::uint64_t least = std::numeric_limits<std::uint64_t>::max();
+        std::uint64_t most = 0;
+        for (const QvrKey& key : keys) {
+            least = std::min(least, key.place.code);
+            most = std::max(most, key.place.code);
+        }
+        return {least, most};
+    }
+
+    /// Afterwards ends[bin] is the end of a bin in `to`.
+    static void Distribute(std::span<const QvrKey> keys, std::span<QvrKey> to, std::uint64_t least,
+                           unsigned shift, std::span<std::uint32_t> ends) {
+        for (const QvrKey& key : keys) {
+            ++ends[((key.place.code - least) >> shift) + 1];
+        }
+        for (std::size_t bin = 1; bin < ends.size(); ++bin) {
+            ends[bin] += ends[bin - 1];
+        }
+        for (const QvrKey& key : keys) {
+            to[ends[(key.place.code - least) >> shift]++] = key;
+        }
+    }
+};
+
+/// The tree of the cells in which points meet, taken along the curve: `open_` is the path to the last point.
+class Generations {
+  public:
+    Generations(std::span<const QvrKey> keys, const QvrStretch& stretch, std::span<std::uint8_t> generations)
+        : keys_(keys), stretch_(stretch), generations_(generations) {}
+
+    void Assign() {
+        std::uint32_t winner = 0;
+        for (std::uint32_t i = 1; i < keys_.size(); ++i) {
+            const unsigned depth = CommonDepth(keys_[i - 1].place.code, keys_[i].place.code);
+            if (depth == kQvrLevels) {
+                generations_[i] = static_cast<std::uint8_t>(kQvrLastGeneration);
+                continue;
+            }
+            winner = CloseBelow(depth, winner);
+            if (open_.empty() || open_.back().depth < depth) {
+                open_.push_back({depth});
+            }
+            open_.back().Add(winner);
+            winner = i;
+        }
+        while (!open_.empty()) {
+            winner = Close(winner);
+        }
+        if (winner != kNoPoint && stretch_.HasCell(keys_[winner].place.code, 0)) {
+            generations_[winner] = 0;
+        }
+    }
+
+  private:
+    struct Node {
+        unsigned depth = 0;
+        unsigned count = 0;
+        std::array<std::uint32_t, 8> winners{};  // of the cells of the next depth
+
+        void Add(std::uint32_t winner) {
+            if (winner != kNoPoint) {
+                winners[count++] = winner;
+            }
+        }
+    };
+
+    std::uint32_t CloseBelow(unsigned depth, std::uint32_t winner) {
+        while (!open_.empty() && open_.back().depth > depth) {
+            winner = Close(winner);
+        }
+        return winner;
+    }
+
+    /// Winner of the deepest open cell; kNoPoint if that cell reaches beyond the stretch.
+    std::uint32_t Close(std::uint32_t last) {
+        Node node = open_.back();
+        open_.pop_back();
+        node.Add(last);
+        if (node.count == 0 || !stretch_.HasCell(keys_[node.winners[0]].place.code, node.depth)) {
+            return kNoPoint;
+        }
+        const std::span<std::uint32_t> winners(node.winners.data(), node.count);
+        SortByPriority(winners);
+        for (unsigned rank = 1; rank < node.count; ++rank) {
+            generations_[winners[rank]] = static_cast<std::uint8_t>(QvrGeneration(node.depth + 1, rank - 1));
+        }
+        return winners[0];
+    }
+
+    // Insertion keeps equal priorities in the order of the curve.
+    void SortByPriority(std::span<std::uint32_t> winners) const {
+        for (std::size_t i = 1; i < winners.size(); ++i) {
+            for (std::size_t j = i; j > 0 && Priority(winners[j]) < Priority(winners[j - 1]); --j) {
+                std::swap(winners[j], winners[j - 1]);
+            }
+        }
+    }
+
+    std::uint64_t Priority(std::uint32_t key) const { return keys_[key].place.priority; }
+
+    std::span<const QvrKey> keys_;
+    const QvrStretch& stretch_;
+    std::span<std::uint8_t> generations_;
+    std::vector<Node> open_;
+};
+
+}  // namespace
+
+void SortQvrKeys(std::vector<QvrKey>& keys, std::vector<QvrKey>& scratch) {
+    scratch.resize(keys.size());
+    BinSort().Sort(keys, scratch);
+}
+
+unsigned CommonDepth(std::uint64_t a, std::uint64_t b) {
+    return a == b ? kQvrLevels : (static_cast<unsigned>(std::countl_zero(a ^ b)) - 1) / 3;
+}
+
+bool QvrStretch::HasCell(std::uint64_t code, unsigned depth) const {
+    const unsigned shift = 3 * (kQvrLevels - depth);
+    const std::uint64_t start = code >> shift << shift;
+    const std::uint64_t end = start + (std::uint64_t{1} << shift);
+    // Of the points of the code that the stretch begins within, some lie before it.
+    return (low.priority == 0 ? low.code : low.code + 1) <= start && end <= high.code;
+}
+
+void AssignGenerations(std::span<const QvrKey> keys, const QvrStretch& stretch,
+                       std::span<std::uint8_t> generations) {
+    std::ranges::fill(generations, kOpenGeneration);
+    if (!keys.empty()) {
+        Generations(keys, stretch, generations).Assign();
+    }
+}
+
+// The tree of the cells in which runs meet; a cell with few enough points becomes one run.
+void QvrRunJoiner::Add(const QvrRun& run) {
+    if (!runs_.empty()) {
+        QvrRun& previous = runs_.back();
+        const unsigned depth = CommonDepth(previous.lastCode, run.firstCode);
+        if (depth == kQvrLevels && run.count <= kMostCount - previous.count) {
+            previous.count += run.count;
+            last_.total += run.count;
+            return;
+        }
+        while (!open_.empty() && open_.back().depth > depth) {
+            Close();
+        }
+        if (open_.empty() || open_.back().depth < depth) {
+            open_.push_back({depth, last_.start, 0});
+        }
+        open_.back().total += last_.total;
+    }
+    last_ = {kQvrLevels, runs_.size(), run.count};
+    runs_.push_back(run);
+}
+
+void QvrRunJoiner::Close() {
+    open_.back().total += last_.total;
+    last_ = open_.back();
+    open_.pop_back();
+    QvrRun& first = runs_[last_.start];
+    if (last_.total <= most_ && stretch_.HasCell(first.firstCode, last_.depth)) {
+        first.lastCode = runs_.back().lastCode;
+        first.count = static_cast<std::uint32_t>(last_.total);
+        runs_.resize(last_.start + 1);
+    }
+}
+
+std::vector<QvrRun> QvrRunJoiner::Take() {
+    while (!open_.empty()) {
+        Close();
+    }
+    return std::move(runs_);
+}
+
+}  // namespace orvex

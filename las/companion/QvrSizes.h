@@ -1,0 +1,39 @@
+#pragma once
+#include <cstddef>
+#include <cstdint>
+
+#include "las/companion/QvrBuilder.h"
+#include "las/companion/QvrFormat.h"
+
+namespace orvex {
+
+/// Form of a stored point: its record, and in file order its number behind it.
+struct QvrRecordForm {
+    std::size_t recordLength = 0;
+    bool isRandom = true;
+    std::uint64_t seed = 0;
+
+    std::size_t Stride() const { return recordLength + (isRandom ? 0 : sizeof(std::uint64_t)); }
+    static QvrPosition PositionOf(const std::byte* stored);
+    std::uint64_t PriorityOf(const std::byte* stored) const;
+};
+
+/// Amounts that follow from the number of points and the settings.
+struct QvrSizes {
+    QvrRecordForm form;
+    unsigned threads = 1;
+    std::uint32_t mostPoints = 0;    ///< in a bucket; below 2^24
+    std::uint32_t wantedPoints = 0;  ///< in a bucket
+    std::uint32_t mostBuckets = 0;   ///< of one distribution
+    std::uint32_t blockRecords = 1;  ///< at most mostPoints
+    bool isInMemory = true;
+    std::uint64_t temporaryBytes = 0;
+    std::uint64_t memoryBytes = 0;
+
+    static QvrSizes For(std::uint64_t points, std::size_t recordLength, const QvrSettings& settings);
+    std::size_t BlockBytes() const { return blockRecords * form.Stride(); }
+    /// Buckets that points are best distributed over.
+    std::uint64_t BucketsFor(std::uint64_t points) const;
+};
+
+}  // namespace orvex

@@ -1,0 +1,76 @@
+#include "las/companion/QvrWork.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+#include <vector>
+
+namespace orvex {
+
+void QvrWork::Begin(const std::wstring& text, std::uint64_t total) {
+    done_ = 0;
+    total_ = total;
+    progress_.SetText(text);
+    progress_.SetRange(total);
+}
+
+void QvrWork::Run(std::uint64_t count, const std::function<void(std::uint64_t)>& task) {
+    next_ = 0;
+    failure_ = nullptr;
+    Report();
+    {
+        std::vector<std::jthread> threads;
+        running_ = static_cast<unsigned>(std::min<std::uint64_t>(threads_, count));
+        for (unsigned i = running_; i > 0; --i) {
+            threads.emplace_back([&] { RunTasks(count, task); });
+        }
+        WaitForThreads();
+    }
+    if (failure_) {
+        std::rethrow_exception(failure_);
+    }
+    Report();
+    if (cancelled_) {
+        throw QvrCancelled();
+    }
+}
+
+void QvrWork::RunTasks(std::uint64_t count, const std::function<void(std::uint64_t)>& task) {
+    std::exception_ptr failure;
+    try {
+        for (std::uint64_t i = next_++; i < count && !stopped_; i = next_++) {
+            task(i);
+        }
+    } catch (...) {
+        failure = std::current_exception();
+        stopped_ = true;
+    }
+    const std::lock_guard guard(lock_);
+    if (failure && !failure_) {
+        failure_ = failure;
+    }
+    --running_;
+    ended_.notify_one();
+}
+
+void QvrWork::WaitForThreads() {
+    std::unique_lock guard(lock_);
+    while (running_ != 0) {
+        // The system clock, because the thread sanitizer does not know the call behind the other one.
+        ended_.wait_until(guard, std::chrono::system_clock::now() + std::chrono::milliseconds(50));
+        guard.unlock();
+        Report();
+        guard.lock();
+    }
+}
+
+void QvrWork::Report() {
+    // Points that have to be distributed once more count again.
+    progress_.SetPosition(std::min<std::uint64_t>(done_, total_));
+    if (!cancelled_ && progress_.IsCancelled()) {
+        cancelled_ = true;
+        stopped_ = true;
+    }
+}
+
+}  // namespace orvex

@@ -1,0 +1,332 @@
+#include "las/companion/QvrBuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+#include "host/utilities/testing/LazSamples.h"
+#include "las/companion/QvrFile.h"
+#include "las/companion/QvrVerify.h"
+#include "las/companion/tests/QvrClouds.h"
+#include "support/Format.h"
+#include "support/LDataError.h"
+#include "support/Text.h"
+
+namespace orvex {
+namespace {
+
+using testing::BuiltQvr;
+using testing::Cloud;
+using testing::CloudParts;
+using testing::ExpectedOrder;
+using testing::LasBuilder;
+using testing::LasFolder;
+
+using Position = std::array<double, 3>;
+
+QvrSettings With(unsigned threads, std::uint64_t memory, bool isRandom = true) {
+    QvrSettings settings;
+    settings.threads = threads;
+    settings.memory = memory;
+    settings.randomOrder = isRandom;
+    settings.factor = 1;
+    return settings;
+}
+
+constexpr std::uint64_t kMuch = std::uint64_t{64} << 20U;
+constexpr std::uint64_t kLittle = std::uint64_t{64} << 10U;
+
+/// The companion's points, entries and generations against the definition of their order.
+void ExpectDefinedOrder(const std::wstring& path, const std::vector<std::string>& source) {
+    const auto qvr = QvrFile::Open(path);
+    const ExpectedOrder expected(source, qvr->Index());
+    const CloudParts built(testing::ReadFile(path));
+    EXPECT_EQ(built.records, expected.records);
+    std::vector<std::uint16_t> generations;
+    for (const QvrEntry& entry : qvr->Entries()) {
+        generations.insert(generations.end(), entry.count, entry.generation);
+        EXPECT_TRUE(qvr->Index().CanHave(entry.count, entry.depth));
+        const std::string record = expected.records[entry.first];
+        const QvrPosition first{testing::At<std::int32_t>(record, 0), testing::At<std::int32_t>(record, 4),
+                                testing::At<std::int32_t>(record, 8)};
+        EXPECT_EQ(entry.position, first);
+    }
+    EXPECT_EQ(generations, expected.generations);
+    Kst::NullProgress progress;
+    EXPECT_EQ(VerifyQvrPoints(*qvr, progress), SumOfPoints(path, progress)) << "octants and order";
+}
+
+TEST(QvrBuilder, KeepsEveryByteOfEveryFormat) {
+    struct {
+        int version, format;
+        std::uint8_t extraBytes;
+    } const cases[] = {{10, 0, 0}, {11, 1, 0}, {12, 0, 0}, {12, 2, 5}, {12, 3, 0}, {13, 4, 0},  {13, 5, 3},
+                       {14, 1, 0}, {14, 6, 0}, {14, 7, 4}, {14, 8, 0}, {14, 9, 0}, {14, 10, 19}};
+    const LasFolder folder;
+    for (const auto& [version, format, extraBytes] : cases) {
+        SCOPED_TRACE(::testing::Message() << version << ", format " << format);
+        Cloud cloud{version, format, 3000, extraBytes};
+        cloud.change = [version = version](LasBuilder& builder) {
+            builder.AddVlr("someone", 7, "kept").AddVlr("copc", 1, "not").AddVlr("laszip encoded", 22204, "");
+            if (version == 14) {
+                builder.AddEvlr("someone", 8, "kept, too").AddEvlr("LASF_Spec", 65535, "packets");
+            }
+        };
+        const std::wstring path = folder.TemporaryFolder::Write(L"a.las", cloud.Bytes());
+        BuiltQvr(path, With(2, kMuch));
+        ExpectDefinedOrder(folder.Name(L"a.qvr"), CloudParts(cloud.Bytes()).records);
+        const auto source = LASFile::Open(path, true, true);
+        const auto built = LASFile::Open(folder.Name(L"a.qvr"), true, true);
+        EXPECT_EQ(built->GetPointCount(), 3000U);
+        EXPECT_EQ(built->PointFormat(), format);
+        EXPECT_EQ(built->GetVersionCode(), source->GetVersionCode());
+        EXPECT_EQ(built->GetExtraBytes().Attributes().size(), extraBytes == 0 ? 0U : 1U);
+        EXPECT_EQ(built->GetVLRs().front().UserId(), "someone");
+        EXPECT_FALSE(std::ranges::any_of(built->GetVLRs(), [](const VlrView& vlr) {
+            return vlr.UserId() == "copc" || vlr.UserId() == "laszip encoded";
+        }));
+        ASSERT_EQ(built->GetEVLRs().size(), version == 14 ? 1U : 0U);
+        EXPECT_EQ(testing::ReadFile(folder.Name(L"a.qvr")).ends_with("kept, too"), version == 14);
+    }
+    EXPECT_EQ(folder.Entries(), 2U);
+}
+
+/// Clouds that are hard to divide, each with few enough points for the slow reference.
+std::vector<std::pair<const char*, Cloud>> OddClouds() {
+    const auto with = [](std::size_t points, std::function<Position(std::size_t)> position) {
+        return Cloud{12, 0, points, 0, std::move(position)};
+    };
+    std::vector<std::pair<const char*, Cloud>> clouds{
+        {"none", with(0, nullptr)},
+        {"one", with(1, nullptr)},
+        {"plane", with(5000, nullptr)},
+        {"one place", with(4000,
+                           [](std::size_t) {
+                               return Position{5, 6, 7};
+                           })},
+        {"two places", with(4000,
+                            [](std::size_t i) {
+                                return Position{i % 40 == 0 ? 9.0 : 5.0, 6, 7};
+                            })},
+        {"pairs", with(4000,
+                       [](std::size_t i) {
+                           return Position{0.01 * double(i / 2), 6, 7};
+                       })},
+        {"far apart",
+         with(3000,
+              [](std::size_t i) {
+                  return Position{i % 3 == 0 ? -21474836.48 : 21474836.47, double(i), 0.01 * double(i % 7)};
+              })},
+        {"in one cell",
+         with(3000,
+              [](std::size_t i) {
+                  return Position{i == 0 ? 21474836.0 : 0.01 * double(i % 30), i == 1 ? -21474836.0 : 0, 0};
+              })},
+    };
+    clouds.emplace_back("alike", Cloud{12, 0, 3000, 0, [](std::size_t) { return Position{5, 6, 7}; }, true});
+    Cloud outside{12, 1, 3000};
+    outside.change = [](LasBuilder& builder) { builder.Lie(las::at::kMaximum, 50.0); };
+    clouds.emplace_back("outside its extent", outside);
+    outside.change = [](LasBuilder& builder) { builder.Lie(las::at::kMaximum, 1e300); };
+    clouds.emplace_back("extent too large", outside);
+    return clouds;
+}
+
+TEST(QvrBuilder, IsTheSameForAllThreadsAndBudgets) {
+    const LasFolder folder;
+    for (const auto& [name, cloud] : OddClouds()) {
+        for (const bool isRandom : {true, false}) {
+            SCOPED_TRACE(::testing::Message() << name << (isRandom ? ", random" : ", file order"));
+            const std::string bytes = cloud.Bytes();
+            const std::wstring path = folder.TemporaryFolder::Write(L"a.las", bytes);
+            const std::string built = BuiltQvr(path, With(1, kMuch, isRandom));
+            ExpectDefinedOrder(folder.Name(L"a.qvr"), CloudParts(bytes).records);
+            for (const unsigned threads : {1U, 2U, 5U}) {
+                EXPECT_TRUE(BuiltQvr(path, With(threads, kLittle, isRandom)) == built) << threads;
+            }
+            EXPECT_TRUE(BuiltQvr(path, With(5, kMuch, isRandom)) == built);
+            EXPECT_EQ(folder.Entries(), 2U) << "temporary files";
+        }
+    }
+}
+
+TEST(QvrBuilder, SeedAndOrderDecideTheRepresentatives) {
+    const LasFolder folder;
+    const std::wstring path = folder.TemporaryFolder::Write(L"a.las", Cloud{}.Bytes());
+    QvrSettings settings = With(2, kMuch);
+    const std::string random = BuiltQvr(path, settings);
+    settings.seed = 1;
+    EXPECT_NE(CloudParts(BuiltQvr(path, settings)).records.front(), CloudParts(random).records.front());
+    settings.randomOrder = false;
+    EXPECT_EQ(CloudParts(BuiltQvr(path, settings)).records.front(),
+              CloudParts(Cloud{}.Bytes()).records.front());
+}
+
+// Cells of a grid of 16 by 16 that hold the fewest and the most of the first points.
+std::pair<std::size_t, std::size_t> Spread(const std::vector<std::string>& records, std::size_t count) {
+    std::vector<std::size_t> cells(256);
+    for (const std::string& record : std::span(records).first(count)) {
+        const auto cell = [&](std::size_t at) {
+            return static_cast<std::size_t>(testing::At<std::int32_t>(record, at)) / 512;
+        };
+        ++cells.at(16 * cell(0) + cell(4));
+    }
+    const auto [least, most] = std::ranges::minmax(cells);
+    return {least, most};
+}
+
+TEST(QvrBuilder, EveryStartOfTheFileCoversTheExtentEvenly) {
+    std::mt19937 random(7);
+    Cloud cloud{12, 0, 40000};
+    // Lines of flight, the last with ten times the points; the corners set the extent.
+    cloud.position = [&random](std::size_t i) {
+        const auto unit = [&] { return static_cast<double>(random() % 8192) / 100; };
+        const double x = i < 20000 ? 0.9 * 81.92 * double(i) / 20000 : 73.728 + unit() / 10;
+        return i < 2 ? Position{81.91 * double(i), 81.91 * double(i), 0}
+                     : Position{std::min(x, 81.91), unit(), 0};
+    };
+    const LasFolder folder;
+    const std::wstring path = folder.TemporaryFolder::Write(L"a.las", cloud.Bytes());
+    const std::vector<std::string> built = CloudParts(BuiltQvr(path, With(2, kMuch))).records;
+    const std::vector<std::string> source = CloudParts(cloud.Bytes()).records;
+    for (const std::size_t count : {256U, 1024U, 2048U, 4096U}) {
+        const auto [least, most] = Spread(built, count);
+        EXPECT_GE(least, count / 256 / 2) << count;
+        EXPECT_LE(most, 4 * count / 256) << count;
+        EXPECT_EQ(Spread(source, count).first, 0U) << "control: the file's own order";
+    }
+}
+
+TEST(QvrBuilder, TakesLazFiles) {
+    const LasFolder folder;
+    for (const std::uint8_t format : {std::uint8_t{1}, std::uint8_t{7}}) {
+        const testing::LazSample sample{static_cast<std::uint8_t>(format == 7 ? 4 : 2), format,
+                                        static_cast<std::uint16_t>(format == 7 ? 40 : 28), 7000};
+        testing::WriteSample(folder.Name(L"a.laz"), sample, true);
+        testing::WriteSample(folder.Name(L"b.las"), sample, false);
+        const std::vector<std::string> source = CloudParts(testing::ReadFile(folder.Name(L"b.las"))).records;
+        for (const std::uint64_t memory : {kMuch, kLittle}) {
+            SCOPED_TRACE(::testing::Message() << int{format} << ", " << memory);
+            BuiltQvr(folder.Name(L"a.laz"), With(2, memory));
+            ExpectDefinedOrder(folder.Name(L"a.qvr"), source);
+        }
+    }
+}
+
+/// Stops at a call; counts them.
+class StopAt final : public Kst::ProgressIf {
+  public:
+    StopAt(StringId text, int call) : text_(FormatText(Text(text), {L"a.las"})), left_(call) {}
+    void SetRange(std::uint64_t) override {}
+    void SetText(const std::wstring& text) override { isPhase_ = text == text_; }
+    void SetPosition(std::uint64_t) override {}
+    bool IsCancelled() override { return isPhase_ && left_-- <= 0; }
+
+  private:
+    const std::wstring text_;
+    bool isPhase_ = false;
+    int left_;
+};
+
+TEST(QvrBuilder, CancellingLeavesWhatWasThere) {
+    const LasFolder folder;
+    const std::wstring path = folder.TemporaryFolder::Write(L"a.las", Cloud{}.Bytes());
+    for (const StringId phase : {text::kQvrReading, text::kQvrOrdering, text::kQvrWriting}) {
+        for (const int call : {0, 1}) {
+            for (const std::uint64_t memory : {kMuch, kLittle}) {
+                folder.TemporaryFolder::Write(L"a.qvr", "old");
+                StopAt progress(phase, call);
+                const QvrSettings settings = With(2, memory);
+                EXPECT_FALSE(BuildQvr(PlanQvr(path, settings), settings, progress));
+                EXPECT_EQ(testing::ReadFile(folder.Name(L"a.qvr")), "old");
+                EXPECT_EQ(folder.Entries(), 2U);
+            }
+        }
+    }
+}
+
+std::wstring FailureToPlan(const std::wstring& path, const QvrSettings& settings = {}) {
+    try {
+        PlanQvr(path, settings);
+    } catch (const LDataError& error) {
+        return error.Text();
+    }
+    return {};
+}
+
+TEST(QvrBuilder, RefusesWhatItCannotRead) {
+    const LasFolder folder;
+    const std::wstring name = folder.Name(L"a.las");
+    const std::string whole = Cloud{}.Bytes();
+    const auto failure = [&](const std::string& bytes) {
+        return FailureToPlan(folder.TemporaryFolder::Write(L"a.las", bytes));
+    };
+    EXPECT_EQ(failure(whole.substr(0, whole.size() - 1)),
+              FormatText(Text(text::kQvrSourceTruncated), {name, GroupedNumber(3000), GroupedNumber(2999)}));
+    EXPECT_EQ(failure("no LAS file"), FormatText(Text(text::kLazNotLas), {name}));
+    const std::wstring damaged = FormatText(Text(text::kLazHeaderDamaged), {name});
+    for (const auto& [offset, value] : {std::pair<std::size_t, char>{104, 11}, {105, 19}, {94, 1}, {99, 1}}) {
+        std::string bytes = whole;
+        bytes[offset] = value;
+        EXPECT_EQ(failure(bytes), damaged) << offset;
+    }
+    EXPECT_EQ(FailureToPlan(folder.Name(L"a.qvr")).empty(), false);
+    QvrSettings settings;
+    settings.target = folder.TemporaryFolder::Write(L"a.las", whole);
+    EXPECT_EQ(FailureToPlan(settings.target, settings), FormatText(Text(text::kQvrIsCompanion), {name}));
+    EXPECT_EQ(folder.Entries(), 1U);
+}
+
+/// Changes the source in one phase.
+class ChangeAt final : public Kst::ProgressIf {
+  public:
+    ChangeAt(StringId text, const std::wstring& path)
+        : text_(FormatText(Text(text), {L"a.las"})), path_(path) {}
+    void SetRange(std::uint64_t) override {}
+    void SetText(const std::wstring& text) override {
+        if (text == text_) {
+            std::filesystem::resize_file(ToPath(path_), 2000);
+        }
+    }
+    void SetPosition(std::uint64_t) override {}
+    bool IsCancelled() override { return false; }
+
+  private:
+    const std::wstring text_;
+    const std::wstring path_;
+};
+
+TEST(QvrBuilder, NoticesThatTheSourceChanges) {
+    const LasFolder folder;
+    for (const StringId phase : {text::kQvrReading, text::kQvrOrdering, text::kQvrWriting}) {
+        const std::wstring path = folder.TemporaryFolder::Write(L"a.las", Cloud{}.Bytes());
+        ChangeAt progress(phase, path);
+        try {
+            BuildQvr(PlanQvr(path), {}, progress);
+            ADD_FAILURE() << "not noticed";
+        } catch (const LDataError& error) {
+            EXPECT_EQ(error.Text(), L"Failed to create qvr file for " + path +
+                                        L". Please try increasing thinning factor. \nReason: " +
+                                        FormatText(Text(text::kQvrSourceChanged), {path}));
+        }
+        EXPECT_EQ(folder.Entries(), 1U);
+    }
+}
+
+TEST(QvrBuilder, AGreaterFactorGivesFewerEntries) {
+    const LasFolder folder;
+    const std::wstring path = folder.TemporaryFolder::Write(L"a.las", Cloud{12, 0, 60000}.Bytes());
+    std::size_t before = 60000;
+    for (const std::uint16_t factor : {std::uint16_t{0}, std::uint16_t{10}, std::uint16_t{65535}}) {
+        QvrSettings settings = With(2, kMuch);
+        settings.factor = factor;
+        BuiltQvr(path, settings);
+        const std::size_t entries = QvrFile::Open(folder.Name(L"a.qvr"))->Entries().size();
+        EXPECT_LT(entries, before) << factor;
+        before = entries;
+    }
+}
+
+}  // namespace
+}  // namespace orvex
