@@ -2,10 +2,12 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string_view>
 
 #include "support/Text.h"
@@ -14,9 +16,24 @@ namespace orvex::bench {
 
 namespace fs = std::filesystem;
 
-std::optional<BenchOptions> ParseBenchOptions(int argc, char** argv, std::size_t files) {
-    const bool hasFiles = files > 0;
-    BenchOptions options{{}, files};
+namespace {
+
+/// Numbers between commas; 0 for what is none.
+std::vector<std::uint64_t> Numbers(const std::string& list) {
+    std::vector<std::uint64_t> numbers;
+    std::istringstream stream(list);
+    for (std::string number; std::getline(stream, number, ',');) {
+        numbers.push_back(std::strtoull(number.c_str(), nullptr, 10));
+    }
+    return numbers;
+}
+
+}  // namespace
+
+std::optional<BenchOptions> ParseBenchOptions(int argc, char** argv, BenchOptions defaults) {
+    const bool hasFiles = defaults.files > 0;
+    const bool hasPoints = !defaults.points.empty();
+    BenchOptions options = std::move(defaults);
     bool isValid = argc % 2 == 1;
     for (int i = 1; i < argc && isValid; i += 2) {
         const std::string_view name = argv[i];
@@ -24,12 +41,20 @@ std::optional<BenchOptions> ParseBenchOptions(int argc, char** argv, std::size_t
             options.output = argv[i + 1];
         } else if (name == "--files" && hasFiles) {
             options.files = std::strtoul(argv[i + 1], nullptr, 10);
+        } else if (name == "--points" && hasPoints) {
+            options.points = Numbers(argv[i + 1]);
+        } else if (name == "--tile" && hasPoints) {
+            options.tile = argv[i + 1];
         } else {
             isValid = false;
         }
     }
-    if (!isValid || (hasFiles && options.files == 0)) {
-        std::cerr << "usage: " << argv[0] << (hasFiles ? " [--files N]" : "") << " [--output FILE]\n";
+    const bool isEmpty =
+        (hasFiles && options.files == 0) ||
+        (hasPoints && (options.points.empty() || std::ranges::count(options.points, 0U) > 0));
+    if (!isValid || isEmpty) {
+        std::cerr << "usage: " << argv[0] << (hasFiles ? " [--files N]" : "")
+                  << (hasPoints ? " [--points N[,N...]] [--tile FILE]" : "") << " [--output FILE]\n";
         return std::nullopt;
     }
     return options;

@@ -2,6 +2,7 @@
 // What the benchmark programs share: command line, timing, figures and files to measure.
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -11,13 +12,19 @@
 namespace orvex::bench {
 
 struct BenchOptions {
-    std::string output;     ///< JSON file for the figures; empty for none
-    std::size_t files = 0;  ///< files to measure with
+    std::string output;                 ///< JSON file for the figures; empty for none
+    std::size_t files = 0;              ///< files to measure with
+    std::vector<std::uint64_t> points;  ///< sizes of files to measure with
+    std::string tile;                   ///< LAS file to make those files of; empty for generated terrain
 };
 
-/// Parses "[--files N] [--output FILE]". `files` is the default of --files; with 0 the program has no such
-/// option. nullopt for any other command line, after its usage has gone to the standard error.
-std::optional<BenchOptions> ParseBenchOptions(int argc, char** argv, std::size_t files = 0);
+/// Parses "[--files N] [--points N[,N...]] [--tile FILE] [--output FILE]". The program has --files if there
+/// is a default for it, --points and --tile if there is one for --points. nullopt for any other command line,
+/// after its usage has gone to the standard error.
+std::optional<BenchOptions> ParseBenchOptions(int argc, char** argv, BenchOptions defaults);
+inline std::optional<BenchOptions> ParseBenchOptions(int argc, char** argv, std::size_t files = 0) {
+    return ParseBenchOptions(argc, argv, BenchOptions{{}, files, {}, {}});
+}
 
 /// Duration of `run`, milliseconds.
 template <typename Run>

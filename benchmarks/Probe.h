@@ -1,7 +1,9 @@
 #pragma once
 // System calls of the benchmarks.
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace orvex::bench {
 
@@ -14,6 +16,10 @@ std::uint64_t HeapInUse();
 
 /// Bytes of the most memory that this program has had resident so far.
 std::uint64_t PeakMemory();
+
+/// Runs a program of the PATH with these arguments, its own name first, and without its output. Returns its
+/// exit code; nullopt if there is no such program.
+std::optional<int> RunProgram(const std::vector<std::string>& arguments);
 
 /// Copies a file by the system's own means: the command `cp`, on Windows CopyFile.
 bool CopyWithSystem(const std::wstring& from, const std::wstring& to);

@@ -30,16 +30,30 @@ std::uint64_t ReadBarely(const std::string& path) {
     return bytes;
 }
 
-bool CopyWithSystem(const std::wstring& from, const std::wstring& to) {
-    const std::string source = ToUtf8(from);
-    const std::string target = ToUtf8(to);
+std::optional<int> RunProgram(const std::vector<std::string>& arguments) {
+    constexpr int kNoProgram = 127;
+    std::vector<char*> pointers;
+    for (const std::string& argument : arguments) {
+        pointers.push_back(const_cast<char*>(argument.c_str()));
+    }
+    pointers.push_back(nullptr);
     const pid_t child = fork();
     if (child == 0) {
-        execlp("cp", "cp", "--", source.c_str(), target.c_str(), nullptr);
-        _exit(127);
+        const int nowhere = open("/dev/null", O_WRONLY);
+        dup2(nowhere, STDOUT_FILENO);
+        dup2(nowhere, STDERR_FILENO);
+        execvp(pointers.front(), pointers.data());
+        _exit(kNoProgram);
     }
     int status = 0;
-    return child > 0 && waitpid(child, &status, 0) == child && status == 0;
+    if (child <= 0 || waitpid(child, &status, 0) != child || WEXITSTATUS(status) == kNoProgram) {
+        return std::nullopt;
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+bool CopyWithSystem(const std::wstring& from, const std::wstring& to) {
+    return RunProgram({"cp", "--", ToUtf8(from), ToUtf8(to)}) == 0;
 }
 
 std::uint64_t PeakMemory() {

@@ -3,6 +3,7 @@
 #include <psapi.h>
 
 #include <heapapi.h>
+#include <process.h>
 
 #include <algorithm>
 #include <array>
@@ -45,6 +46,21 @@ std::uint64_t ReadBarely(const std::string& path) {
     std::memcpy(&start, buffer.data() + 96, sizeof(start));
     bytes += Read(file.Get(), buffer.data(), std::min<std::size_t>(buffer.size(), start) - kHeader);
     return bytes;
+}
+
+std::optional<int> RunProgram(const std::vector<std::string>& arguments) {
+    // The C runtime joins arguments with blanks; quotes keep those with blanks together.
+    std::vector<std::wstring> texts;
+    for (const std::string& argument : arguments) {
+        texts.push_back(L'"' + FromUtf8(argument) + L'"');
+    }
+    std::vector<const wchar_t*> pointers;
+    for (const std::wstring& text : texts) {
+        pointers.push_back(text.c_str());
+    }
+    pointers.push_back(nullptr);
+    const std::intptr_t result = _wspawnvp(_P_WAIT, FromUtf8(arguments.front()).c_str(), pointers.data());
+    return result == -1 ? std::nullopt : std::optional(static_cast<int>(result));
 }
 
 bool CopyWithSystem(const std::wstring& from, const std::wstring& to) {

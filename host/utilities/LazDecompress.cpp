@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <atomic>
 #include <fstream>
-#include <mutex>
 #include <span>
 #include <string>
 #include <thread>
@@ -45,7 +44,7 @@ class LazDecompressor {
     void PatchField(std::uint64_t offset, T value);
     void Finish();
 
-    bool WriteAt(std::uint64_t offset, std::span<const std::byte> bytes);
+    void WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) const;
     [[noreturn]] void FailToWrite(SystemError error) const;
 
     std::wstring lazPath_;
@@ -55,8 +54,7 @@ class LazDecompressor {
     std::vector<ExtendedRecord> extendedRecords_;
 
     TemporaryFile temporary_;
-    std::mutex outputLock_;
-    std::ofstream output_;
+    MappedFile output_;
     std::uint64_t pointsStart_ = 0;
     std::size_t recordLength_ = 0;
     const std::thread::id caller_ = std::this_thread::get_id();  ///< the one that may report progress
@@ -110,13 +108,17 @@ void LazDecompressor::RequireSpace(const LazPoints& points) const {
 
 void LazDecompressor::WriteHead(const LazPoints& points) {
     const std::string head = points.Head();
+    pointsStart_ = head.size();
     ForgetStreamError();
-    output_.open(ToPath(temporary_.Path()), std::ios::binary | std::ios::trunc);
-    if (!output_) {
+    // Unlike the file that is written at any place, the stream makes the file if it has not been made before,
+    // or tells why it cannot be.
+    std::ofstream stream(ToPath(temporary_.Path()), std::ios::binary | std::ios::trunc);
+    if (!stream.write(head.data(), static_cast<std::streamsize>(head.size())).flush()) {
         FailToWrite(LastStreamError());
     }
-    WriteAt(0, std::as_bytes(std::span(head)));
-    pointsStart_ = head.size();
+    if (const SystemError error = output_.Open(temporary_.Path(), false); error != 0) {
+        FailToWrite(error);
+    }
 }
 
 bool LazDecompressor::WritePoints(LazPoints& points, const LazChunkTable& table) {
@@ -134,9 +136,7 @@ bool LazDecompressor::WritePoints(LazPoints& points, const LazChunkTable& table)
 }
 
 bool LazDecompressor::TakeRecords(std::uint64_t first, std::span<const std::byte> records) {
-    if (!WriteAt(pointsStart_ + first * recordLength_, records)) {
-        return false;
-    }
+    WriteAt(pointsStart_ + first * recordLength_, records);
     pointsDone_ += records.size() / recordLength_;
     if (std::this_thread::get_id() != caller_) {
         return true;
@@ -145,19 +145,10 @@ bool LazDecompressor::TakeRecords(std::uint64_t first, std::span<const std::byte
     return !progress_.IsCancelled();
 }
 
-/// False if another thread has failed to write before.
-bool LazDecompressor::WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) {
-    const std::lock_guard guard(outputLock_);
-    if (!output_) {
-        return false;
+void LazDecompressor::WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) const {
+    if (const SystemError error = output_.WriteAt(offset, bytes); error != 0) {
+        FailToWrite(error);
     }
-    ForgetStreamError();
-    output_.seekp(static_cast<std::streamoff>(offset));
-    if (!output_.write(reinterpret_cast<const char*>(bytes.data()),
-                       static_cast<std::streamsize>(bytes.size()))) {
-        FailToWrite(LastStreamError());
-    }
-    return true;
 }
 
 bool LazDecompressor::CopyExtendedRecords() {
@@ -212,11 +203,7 @@ void LazDecompressor::PatchField(std::uint64_t offset, T value) {
 }
 
 void LazDecompressor::Finish() {
-    ForgetStreamError();
-    output_.close();
-    if (!output_) {
-        FailToWrite(LastStreamError());
-    }
+    output_.Close();
     SystemError error = CopyLastWriteTime(lazPath_, temporary_.Path());
     if (error == 0) {
         error = temporary_.Commit();
