@@ -7,6 +7,7 @@
 #include "las/FileIdRegistry.h"
 #include "las/LasCrs.h"
 #include "las/LasPointViews.h"
+#include "las/companion/QvrBuilder.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
@@ -41,17 +42,45 @@ LASFile::LASFile(const std::wstring& fileName, bool readOnly) : fileName_(fileNa
 LASFile::~LASFile() = default;
 
 std::unique_ptr<LASFile> LASFile::Open(const std::wstring& fileName, bool readOnly, bool skipPointMapping) {
-    std::unique_ptr<LASFile> las(new LASFile(fileName, readOnly));
+    Kst::NullProgress none;
+    LasConstruction options;
+    options.readOnly = readOnly;
+    options.skipPointMapping = skipPointMapping;
+    return Construct(fileName, options, none);
+}
+
+std::unique_ptr<LASFile> LASFile::Construct(const std::wstring& fileName, const LasConstruction& options,
+                                            Kst::ProgressIf& progress) {
+    std::unique_ptr<LASFile> las(new LASFile(fileName, options.readOnly));
     MappedFile file = las->OpenFile();
     las->CopyHeader(file);
     las->ReadRecords(file);
     las->isOnDisk_ = true;
     las->Register();
     las->companionStatus_ = FindCompanionStatus(fileName, las->GetVLRs(), las->evlrs_);
-    if (!skipPointMapping) {
-        las->points_ = LasPointViews::Create(std::move(file), las->header_, readOnly);
+    if (las->BuildCompanion(fileName, options, progress)) {
+        las->companionStatus_ = CompanionStatus::QvrFile;
+    } else if (!options.skipPointMapping) {
+        las->points_ = LasPointViews::Create(std::move(file), las->header_, options.readOnly);
     }
     return las;
+}
+
+/// True if a companion was asked for and built.
+bool LASFile::BuildCompanion(const std::wstring& fileName, const LasConstruction& options,
+                             Kst::ProgressIf& progress) {
+    if (!options.buildQvr || companionStatus_ == CompanionStatus::ExtendedRecord) {
+        return false;
+    }
+    try {
+        QvrSettings settings;
+        settings.factor = options.factor;
+        return BuildQvr(PlanQvr(fileName, settings), settings, progress);
+    } catch (...) {
+        throw LDataError(FormatText(
+            L"Failed to create qvr file for %s. Please try increasing thinning factor. \nReason: %s",
+            {fileName, CurrentExceptionText()}));
+    }
 }
 
 std::unique_ptr<LASFile> LASFile::Read(const ByteSource& source, const std::wstring& name) {

@@ -15,10 +15,19 @@
 #include "orvexcommon/LasFileInfo.h"
 #include "support/MappedFile.h"
 #include "support/ModuleUse.h"
+#include "support/ProgressIf.h"
 
 namespace orvex {
 
 class LasPointViews;
+
+/// How a file is constructed. LASFile::Open builds no companion.
+struct LasConstruction {
+    bool readOnly = true;
+    bool skipPointMapping = false;  ///< leave the point data unmapped, as for a list of files
+    bool buildQvr = false;          ///< build the companion, unless the file has the EVLR of an index
+    std::uint16_t factor = 10;      ///< thinning factor of the companion
+};
 
 /// Open LAS file. The members of LasFileInfo are described there. Header and records are copies, so that
 /// nothing that happens to the file later can harm the process; without its point data an object keeps
@@ -28,6 +37,11 @@ class LASFile final : public LasFileInfo {
     /// Opens a file; `skipPointMapping` leaves the point data unmapped, as for a list of files. Throws
     /// LDataError.
     static std::unique_ptr<LASFile> Open(const std::wstring& fileName, bool readOnly, bool skipPointMapping);
+    /// The same; a companion is built as asked for, also in the place of an existing one. Of a file with a
+    /// companion that was just built the points are not mapped; after a cancellation the file is opened
+    /// without a new companion. Throws LDataError.
+    static std::unique_ptr<LASFile> Construct(const std::wstring& fileName, const LasConstruction& options,
+                                              Kst::ProgressIf& progress);
     /// Reads header and records, of a file without signature only the header. For a file that is not on a
     /// disk of this machine: none is looked for beside it, and it gets no id in the registry. `name`: for
     /// FileName() and messages. Throws LDataError.
@@ -85,6 +99,8 @@ class LASFile final : public LasFileInfo {
     void ReadEvlrList(const ByteSource& file);
     void ReadExtraBytes();
     void Register();
+    bool BuildCompanion(const std::wstring& fileName, const LasConstruction& options,
+                        Kst::ProgressIf& progress);
 
     ModuleUse use_;                               // the host may hold the object after the call
     std::wstring fileName_;                       // empty once the registry has the name

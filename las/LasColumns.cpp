@@ -92,12 +92,17 @@ GridCell Group(const LasRow& row) {
     return row.place.group == 0 ? GridCell() : GridCell(std::to_wstring(row.place.group));
 }
 
-std::wstring Companion(const LASFile& file) {
-    switch (file.GetCompanionStatus()) {
-        case 2:
-            return Text(text::kIndexQvr);
-        case 3:
-        case 6:
+GridCell Companion(const LasRow& row) {
+    if (row.file == nullptr) {
+        return {};
+    }
+    switch (static_cast<CompanionStatus>(row.file->GetCompanionStatus())) {
+        case CompanionStatus::QvrFile:
+            return Text(row.companion == CompanionState::Stale        ? text::kIndexQvrStale
+                        : row.companion == CompanionState::Unreadable ? text::kIndexQvrUnreadable
+                                                                      : text::kIndexQvr);
+        case CompanionStatus::IndexRecord:
+        case CompanionStatus::ExtendedRecord:
             return Text(text::kIndexOrvexLas);
         default:
             return Text(text::kCellNone);
@@ -301,7 +306,7 @@ constexpr Column<LasRow> kColumns[] = {
      OfCrs<[](const CrsDescription& crs) { return crs.verticalName; }>},
     {{.name = "units", .caption = text::kUnits}, OfCrs<Units>},
     {{.name = "group", .caption = text::kLasGroup, .tooltip = text::kLasGroupTooltip}, Group},
-    {{.name = "companion", .caption = text::kLasIndex, .tooltip = text::kLasIndexTooltip}, OfFile<Companion>},
+    {{.name = "companion", .caption = text::kLasIndex, .tooltip = text::kLasIndexTooltip}, Companion},
     {{.name = "compressed", .caption = text::kLasCompressed, .tooltip = text::kLasCompressedTooltip},
      OfFile<Compressed>},
     {{.name = "returns", .caption = text::kLasReturns, .tooltip = text::kLasReturnsTooltip}, OfFile<Returns>},

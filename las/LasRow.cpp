@@ -69,6 +69,21 @@ void CheckCompression(LasRow& row) {
     }
 }
 
+// Only files with a companion pay for this.
+void ReadCompanionState(LasRow& row) {
+    if (!row.file->IsOnDisk() ||
+        row.file->GetCompanionStatus() != static_cast<int>(CompanionStatus::QvrFile)) {
+        return;
+    }
+    const CompanionFacts facts = CheckCompanion(row.path);
+    row.companion = facts.state;
+    if (facts.state == CompanionState::Stale) {
+        row.findings.push_back({MakeFinding(las_finding::kQvrStale, {facts.reason})});
+    } else if (facts.state == CompanionState::Unreadable) {
+        row.findings.push_back({MakeFinding(las_finding::kQvrUnreadable, {facts.reason})});
+    }
+}
+
 /// The row of a file that cannot be opened: what that means, and the message of the exception.
 void Refuse(LasRow& row, const std::wstring& message) {
     row.loadable = false;
@@ -103,6 +118,7 @@ void Inspect(LasRow& row) {
     CheckCompression(row);
     DescribeFileCrs(row);
     CheckExtent(row);
+    ReadCompanionState(row);
     SortFindings(row.findings);
     row.summary = SummaryOf(row.findings);
 }

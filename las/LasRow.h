@@ -9,6 +9,7 @@
 #include "las/LASFile.h"
 #include "las/LasCrs.h"
 #include "las/LasValidate.h"
+#include "las/companion/CompanionState.h"
 #include "support/Finding.h"
 
 namespace orvex {
@@ -23,9 +24,10 @@ struct LasRow {
     std::unique_ptr<LASFile> file;     ///< null when not loadable, and once it belongs to the host
     CrsPtr crs;  ///< never null; of the WKT that cannot be read, if there is nothing else
     LasCrsSource crsSource = LasCrsSource::None;
-    std::uint64_t fileSize = 0;   ///< bytes; 0 when unknown
-    std::int64_t modifiedMs = 0;  ///< milliseconds since 1970-01-01 UTC; 0 when unknown
-    LayerPlace place;             ///< among the layers of the project; set by the page
+    CompanionState companion = CompanionState::None;  ///< of the QVR file beside it
+    std::uint64_t fileSize = 0;                       ///< bytes; 0 when unknown
+    std::int64_t modifiedMs = 0;                      ///< milliseconds since 1970-01-01 UTC; 0 when unknown
+    LayerPlace place;                                 ///< among the layers of the project; set by the page
 };
 
 /// Opens and reads one file; never throws. Safe from any thread; nothing is written.

@@ -63,6 +63,8 @@ inline constexpr FindingKind kCompressionDamaged{"compression-damaged", Error,
 inline constexpr FindingKind kExtraBytesSpread{"extra-bytes-spread", Warning, text::kLasExtraBytesSpread};
 inline constexpr FindingKind kDateImpossible{"creation-date-impossible", Note, text::kLasDateImpossible};
 inline constexpr FindingKind kNoCrs{"no-crs", Note, text::kFileWithoutCrs};
+inline constexpr FindingKind kQvrStale{"companion-stale", Warning, text::kLasQvrStale};
+inline constexpr FindingKind kQvrUnreadable{"companion-unreadable", Warning, text::kLasQvrUnreadable};
 inline constexpr FindingKind kCrsUnreadable{"crs-unreadable", Warning, text::kCrsUnreadable};
 }  // namespace las_finding
 

@@ -1,8 +1,8 @@
 #include "las/companion/CompanionState.h"
 
-#include <array>
 #include <chrono>
 #include <cstddef>
+#include <vector>
 
 #include "las/companion/QvrBuilder.h"
 #include "las/companion/QvrFile.h"
@@ -44,9 +44,9 @@ void CompareTime(Differences& differences, const QvrIndex& index, const std::wst
     }
 }
 
-/// The file's first bytes, as many as the longest header has; zeros beyond its end.
-std::array<std::byte, las::kHeaderSize14> StartOf(const std::wstring& path) {
-    std::array<std::byte, las::kHeaderSize14> start{};
+/// The file's first bytes, up to as many as the longest header has.
+std::vector<std::byte> StartOf(const std::wstring& path) {
+    std::vector<std::byte> start(las::kHeaderSize14);
     MappedFile file;
     std::size_t read = 0;
     SystemError error = file.Open(path, true);
@@ -56,6 +56,7 @@ std::array<std::byte, las::kHeaderSize14> StartOf(const std::wstring& path) {
     if (error != 0) {
         throw LDataError(FormatText(Text(text::kInspectUnreadable), {path, SystemErrorText(error)}));
     }
+    start.resize(read);
     return start;
 }
 

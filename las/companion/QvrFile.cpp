@@ -199,8 +199,15 @@ std::unique_ptr<QvrFile> QvrFile::Open(const std::wstring& path) {
     return qvr;
 }
 
+LasExtent QvrFile::RootBox() const {
+    return CoordinatesOf(head_.index.box.Cell(head_.index.box.minimum, 0));
+}
+
 LasExtent QvrFile::BoxOf(const QvrEntry& entry) const {
-    const QvrRawBox cell = head_.index.box.Cell(entry.position, entry.depth);
+    return CoordinatesOf(head_.index.box.Cell(entry.position, entry.depth));
+}
+
+LasExtent QvrFile::CoordinatesOf(const QvrRawBox& cell) const {
     LasExtent box;
     for (std::size_t axis = 0; axis < 3; ++axis) {
         const double a = cell.low[axis] * frame_.scale[axis] + frame_.offset[axis];

@@ -49,6 +49,8 @@ class QvrFile {
     /// Scale and offset of the coordinates, and the header's extent.
     const LasPointFrame& Frame() const { return frame_; }
 
+    /// The box that holds all points, in coordinates.
+    LasExtent RootBox() const;
     /// Octant of an entry, in coordinates.
     LasExtent BoxOf(const QvrEntry& entry) const;
     /// Points for a picture of a view, in coordinates: of whole generations as many as have up to
@@ -65,6 +67,7 @@ class QvrFile {
 
   private:
     QvrFile() = default;
+    LasExtent CoordinatesOf(const QvrRawBox& cell) const;
 
     std::wstring path_;
     MappedFile file_;

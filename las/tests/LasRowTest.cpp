@@ -10,6 +10,7 @@
 #include "host/utilities/testing/LazSamples.h"
 #include "las/LasColumns.h"
 #include "las/testing/LasBuilder.h"
+#include "las/testing/QvrSample.h"
 #include "support/Format.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
@@ -235,6 +236,28 @@ TEST_F(LasRowTest, SaysWhyAFileCannotBeLoaded) {
         const std::wstring plain = UnreadLasFile(L"a", message).summary;
         EXPECT_THAT(plain, Not(AnyOf(IsEmpty(), HasSubstr(message)))) << ToUtf8(message);
     }
+}
+
+TEST_F(LasRowTest, ShowsWhetherItsCompanionBelongsToIt) {
+    const LasBuilder las = LasBuilder(12, 1).AddPoints(5);
+    const std::wstring path = folder_.Write(L"a.las", las.Build());
+    EXPECT_EQ(Shown(InspectLasFile(path), "companion"), Text(text::kCellNone));
+    testing::WriteQvrBeside(path);
+    const LasRow fresh = InspectLasFile(path);
+    EXPECT_EQ(Shown(fresh, "companion"), Text(text::kIndexQvr));
+    EXPECT_EQ(fresh.summary, kNoCrs);
+
+    const LasRow stale = Inspect(LasBuilder(las).Append("x"));
+    EXPECT_EQ(Shown(stale, "companion"), Text(text::kIndexQvrStale));
+    EXPECT_STREQ(stale.findings.front().code, "companion-stale");
+    EXPECT_THAT(ToUtf8(stale.summary), HasSubstr("the size was 367 bytes and is 368"));
+    EXPECT_FALSE(HasErrors(stale));
+
+    folder_.Write(L"a.qvr", "companion");
+    const LasRow unreadable = InspectLasFile(path);
+    EXPECT_EQ(Shown(unreadable, "companion"), Text(text::kIndexQvrUnreadable));
+    EXPECT_STREQ(unreadable.findings.front().code, "companion-unreadable");
+    EXPECT_THAT(ToUtf8(unreadable.summary), HasSubstr("a.qvr' is not a QVR file"));
 }
 
 // Compressed points cannot be counted by the file's size; the table of chunks is at its end.
