@@ -24,10 +24,11 @@ bool IsUsable(const Rectangle& rectangle) {
            rectangle[0] <= rectangle[2] && rectangle[1] <= rectangle[3];
 }
 
-/// The extent of the points; that of the root box where the header does not know it.
-Rectangle WholeOf(const QvrFile& qvr) {
+/// What the picture shows: of octants all, of points their extent, as far as the header knows it.
+Rectangle RectangleOf(const QvrFile& qvr, const CompanionOptions& options) {
     const Rectangle stated = RectangleOf(qvr.Frame().extent);
-    return IsUsable(stated) ? stated : RectangleOf(qvr.RootBox());
+    const bool isStated = IsUsable(stated) && !options.entries;
+    return options.extent.value_or(isStated ? stated : RectangleOf(qvr.RootBox()));
 }
 
 std::vector<PointRange> RangesOf(const QvrFile& qvr, const CompanionOptions& options) {
@@ -55,7 +56,7 @@ class Drawer {
           progress_(progress),
           ranges_(RangesOf(qvr, options)),
           count_(CountOf(ranges_)),
-          rectangle_(options.extent.value_or(WholeOf(qvr))) {}
+          rectangle_(RectangleOf(qvr, options)) {}
 
     CompanionPicture Draw() {
         CompanionPicture picture;
@@ -76,16 +77,18 @@ class Drawer {
     }
 
     void DrawEntries(CompanionPicture& picture) const {
-        std::vector<Rectangle> outlines;
+        const std::uint16_t last = LastGeneration();
+        std::vector<Outline> outlines;
         std::uint64_t points = 0;
         for (const PointRange& range : ranges_) {
             auto entry = std::ranges::lower_bound(qvr_.Entries(), range.first, {}, &QvrEntry::first);
             for (; entry != qvr_.Entries().end() && entry->first < range.first + range.count; ++entry) {
-                outlines.push_back(RectangleOf(qvr_.BoxOf(*entry)));
+                outlines.push_back({RectangleOf(qvr_.BoxOf(*entry)),
+                                    static_cast<float>(entry->generation) / std::max<float>(last, 1)});
                 points += entry->count;
             }
         }
-        picture.image = DrawRectangles(rectangle_, options_.width, outlines);
+        picture.image = DrawOutlines(rectangle_, options_.width, outlines);
         picture.words = FormatText(Text(text::kCompanionShownRuns),
                                    {picture.path, outlines.size(), points, qvr_.PointCount(),
                                     LastGeneration(), qvr_.Entries().back().generation});

@@ -149,17 +149,20 @@ QImage PointPicture::Image(PointColour colour) const {
     return image;
 }
 
-QImage DrawRectangles(const Rectangle& rectangle, int width, const std::vector<Rectangle>& outlines) {
+QImage DrawOutlines(const Rectangle& rectangle, int width, const std::vector<Outline>& outlines) {
     const Rectangle frame = WithSides(rectangle);
     QImage image(width, HeightFor(frame, width), QImage::Format_RGB32);
     image.fill(Qt::white);
     QPainter painter(&image);
-    for (const Rectangle& outline : outlines) {
-        const double left = Part(frame, 0, outline[0]) * image.width();
-        const double right = Part(frame, 0, outline[2]) * image.width();
-        const double bottom = (1 - Part(frame, 1, outline[1])) * image.height();
-        const double top = (1 - Part(frame, 1, outline[3])) * image.height();
-        painter.drawRect(QRectF(left, top, right - left, bottom - top));
+    const double right = image.width() - 1;
+    const double down = image.height() - 1;
+    for (const Outline& outline : outlines) {
+        painter.setPen(QColor(HeightColour(outline.colour)));
+        const QPointF topLeft(Part(frame, 0, outline.rectangle[0]) * right,
+                              (1 - Part(frame, 1, outline.rectangle[3])) * down);
+        const QPointF bottomRight(Part(frame, 0, outline.rectangle[2]) * right,
+                                  (1 - Part(frame, 1, outline.rectangle[1])) * down);
+        painter.drawRect(QRectF(topLeft, bottomRight));
     }
     return image;
 }

@@ -53,8 +53,13 @@ class PointPicture {
     std::vector<bool> cells_;
 };
 
-/// Draws the outlines of rectangles into the same frame of a new picture.
-QImage DrawRectangles(const std::array<double, 4>& rectangle, int width,
-                      const std::vector<std::array<double, 4>>& outlines);
+/// A rectangle to be outlined, coloured by a number from 0 to 1.
+struct Outline {
+    std::array<double, 4> rectangle{};
+    float colour = 0;
+};
+
+/// Picture of a rectangle of the plane with others in it.
+QImage DrawOutlines(const std::array<double, 4>& rectangle, int width, const std::vector<Outline>& outlines);
 
 }  // namespace orvex

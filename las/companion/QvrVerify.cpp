@@ -5,7 +5,7 @@
 #include <mutex>
 #include <thread>
 
-#include "las/LASFile.h"
+#include "las/companion/QvrSource.h"
 #include "orvexcommon/OrvexUtilities.h"
 #include "support/ByteReader.h"
 #include "support/Format.h"
@@ -91,9 +91,9 @@ class PointVerifier {
 /// Adds up points on several threads and reports from the one that made it.
 class Adder {
   public:
-    Adder(const LasHeader& header, Kst::ProgressIf& progress)
-        : length_(header.PointRecordLength()), progress_(progress) {
-        progress_.SetRange(header.PointCount());
+    Adder(const QvrSource& source, Kst::ProgressIf& progress)
+        : length_(source.RecordLength()), progress_(progress) {
+        progress_.SetRange(source.Points());
     }
 
     /// False once the user has asked to stop.
@@ -121,44 +121,24 @@ class Adder {
     PointSum sum_;
 };
 
-PointSum SumOfLas(const LASFile& las, const std::wstring& path, Kst::ProgressIf& progress) {
-    const std::uint64_t length = las.Header().PointRecordLength();
-    if (length == 0) {
-        return {};
-    }
-    Adder adder(las.Header(), progress);
-    MappedFile file;
-    SystemError error = file.Open(path, true);
-    std::vector<std::byte> records(std::max(kBlock / length, std::uint64_t{1}) * length);
-    const std::uint64_t start = las.Header().OffsetToPoints();
-    for (std::uint64_t point = 0; error == 0 && point < las.GetPointCount();) {
-        const std::uint64_t left = las.GetPointCount() - point;
-        const auto part = std::span(records).first(std::min(left, records.size() / length) * length);
-        std::size_t read = 0;
-        error = file.ReadAt(start + point * length, part, read);
-        if (error == 0 && (read < part.size() || !adder.Add(part))) {
-            break;
+void AddLasPoints(const QvrSource& source, Adder& adder) {
+    const std::uint64_t most = std::max<std::uint64_t>(kBlock / source.RecordLength(), 1);
+    std::vector<std::byte> records;
+    for (std::uint64_t first = 0; first < source.Points(); first += most) {
+        records.resize(std::min(most, source.Points() - first) * source.RecordLength());
+        source.ReadPoints(first, records);
+        if (!adder.Add(records)) {
+            return;
         }
-        point += part.size() / length;
     }
-    if (error != 0) {
-        throw LDataError(FormatText(Text(text::kInspectUnreadable), {path, SystemErrorText(error)}));
-    }
-    return adder.Sum();
 }
 
-PointSum SumOfLaz(const std::wstring& path, Kst::ProgressIf& progress) {
-    std::string head;
+void AddLazPoints(const QvrSource& source, Adder& adder) {
     std::wstring reason;
-    if (!OrvexUtilities::LAZReadHead(path, head, reason)) {
-        throw LDataError(reason);
-    }
-    Adder adder(LasHeader(std::as_bytes(std::span(head))), progress);
     const auto sink = [&](std::uint64_t, std::span<const std::byte> records) { return adder.Add(records); };
-    if (!OrvexUtilities::LAZReadPoints(path, 0, sink, reason) && !reason.empty()) {
+    if (!OrvexUtilities::LAZReadPoints(source.Path(), 0, sink, reason) && !reason.empty()) {
         throw LDataError(reason);
     }
-    return adder.Sum();
 }
 
 }  // namespace
@@ -168,8 +148,10 @@ PointSum VerifyQvrPoints(const QvrFile& qvr, Kst::ProgressIf& progress) {
 }
 
 PointSum SumOfPoints(const std::wstring& path, Kst::ProgressIf& progress) {
-    const auto las = LASFile::Open(path, true, true);
-    return las->Header().IsCompressed() ? SumOfLaz(path, progress) : SumOfLas(*las, path, progress);
+    const QvrSource source(path);
+    Adder adder(source, progress);
+    source.IsCompressed() ? AddLazPoints(source, adder) : AddLasPoints(source, adder);
+    return adder.Sum();
 }
 
 }  // namespace orvex

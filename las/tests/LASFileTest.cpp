@@ -8,9 +8,12 @@
 
 #include "las/LasPointViews.h"
 #include "las/LasRow.h"
+#include "las/companion/QvrFile.h"
 #include "las/testing/LasFiles.h"
 #include "support/Files.h"
+#include "support/LDataError.h"
 #include "support/Text.h"
+#include "support/testing/Scripted.h"
 #include "support/testing/TestSystem.h"
 
 namespace orvex {
@@ -95,6 +98,45 @@ TEST_F(LASFileTest, DecidesTheCompanionStatus) {
     folder_.Write(L"a.qvr", "");
     EXPECT_EQ(statusOf(both), 2);
     EXPECT_EQ(LASFile::Open(folder_.Write(both, L"b.las"), true, true)->GetCompanionStatus(), 6);
+}
+
+TEST_F(LASFileTest, IsConstructedWithACompanionWhenAsked) {
+    const std::wstring path = folder_.Write(LasBuilder(12, 0).AddPoints(50));
+    const std::wstring qvr = WithExtension(path, L".qvr");
+    Kst::NullProgress progress;
+    EXPECT_NE(LASFile::Construct(path, {}, progress)->Points(), nullptr);
+    EXPECT_FALSE(FileExists(qvr));
+    LasConstruction options;
+    options.buildQvr = true;
+    options.factor = 3;
+    const auto file = LASFile::Construct(path, options, progress);
+    EXPECT_EQ(file->GetCompanionStatus(), 2);
+    EXPECT_EQ(file->Points(), nullptr);
+    EXPECT_EQ(QvrFile::Open(qvr)->Index().factor, 3);
+
+    const std::wstring indexed =
+        folder_.Write(LasBuilder(14, 6).AddPoints(1).AddEvlr("any", 157, "data"), L"b.las");
+    EXPECT_EQ(LASFile::Construct(indexed, options, progress)->GetCompanionStatus(), 6);
+    EXPECT_FALSE(FileExists(WithExtension(indexed, L".qvr")));
+
+    testing::RecordingProgress cancel;
+    cancel.stopAfter = 0;
+    std::filesystem::remove(ToPath(qvr));
+    const auto cancelled = LASFile::Construct(path, options, cancel);
+    EXPECT_EQ(cancelled->GetCompanionStatus(), 0);
+    EXPECT_NE(cancelled->Points(), nullptr);
+
+    const std::wstring cut = folder_.Write(LasBuilder(12, 0).AddPoints(50).Cut(600), L"c.las");
+    try {
+        LASFile::Construct(cut, options, progress);
+        ADD_FAILURE();
+    } catch (const LDataError& error) {
+        const std::wstring start =
+            L"Failed to create qvr file for " + cut + L". Please try increasing thinning factor. \nReason: ";
+        EXPECT_EQ(error.Text().substr(0, start.size()), start);
+        EXPECT_NE(error.Text().find(L"50 points"), std::wstring::npos);
+    }
+    EXPECT_FALSE(FileExists(WithExtension(cut, L".qvr")));
 }
 
 TEST_F(LASFileTest, ReadsEvlrsOfLas14Only) {

@@ -71,6 +71,30 @@ TEST_F(CompanionCommand, SaysWhatIsWrongWithItsArguments) {
     EXPECT_EQ(Companion({L"--help"}).code, kCompanionOk);
 }
 
+TEST_F(CompanionCommand, BuildsCompanionsAndReplacesThemOnlyWhenTold) {
+    const std::wstring las = WriteLas(L"a.las");
+    const Ran built = Companion({L"build", L"--order", L"file", L"--factor", L"20", las});
+    EXPECT_EQ(built.code, kCompanionOk) << built.err;
+    EXPECT_THAT(built.out,
+                AllOf(HasSubstr("a.las: 400 points; QVR file 0.0 MB"), HasSubstr("a.qvr: built in")));
+    EXPECT_THAT(Companion({L"check", L"--deep", las}).out, HasSubstr("thinning factor 20, file order."));
+    const Ran again = Companion({L"build", las});
+    EXPECT_EQ(again.code, kCompanionOk);
+    EXPECT_THAT(again.out, HasSubstr("a.qvr: fresh; --overwrite builds it again."));
+
+    WriteLas(L"a.las", 401);
+    const std::string before = testing::ReadFile(folder_.Name(L"a.qvr"));
+    const Ran refused = Companion({L"build", las});
+    EXPECT_EQ(refused.code, kCompanionFailed);
+    EXPECT_THAT(refused.err, HasSubstr("not overwritten without --overwrite"));
+    EXPECT_EQ(testing::ReadFile(folder_.Name(L"a.qvr")), before);
+    EXPECT_EQ(Companion({L"build", L"--overwrite", las}, true).code, kCompanionInterrupted);
+    EXPECT_EQ(testing::ReadFile(folder_.Name(L"a.qvr")), before);
+    EXPECT_EQ(Companion({L"build", L"--overwrite", L"--seed", L"7", las}).code, kCompanionOk);
+    EXPECT_THAT(Companion({L"check", L"--deep", las}).out, HasSubstr("random order (seed 7)"));
+    EXPECT_EQ(folder_.Entries(), 2U);
+}
+
 TEST_F(CompanionCommand, ChecksWhetherACompanionIsSoundAndHoldsThePoints) {
     const std::wstring las = WriteLas(L"a.las");
     EXPECT_THAT(Companion({L"check", las}).err, HasSubstr("a.las: there is no QVR file beside it."));

@@ -9,7 +9,9 @@
 #include <limits>
 #include <set>
 
+#include "host/utilities/testing/LazSamples.h"
 #include "las/companion/CompanionState.h"
+#include "las/companion/QvrBuilder.h"
 #include "las/companion/QvrVerify.h"
 #include "las/testing/LasBuilder.h"
 #include "las/testing/QvrSample.h"
@@ -133,6 +135,12 @@ TEST_F(QvrFileTest, HoldsThePointsOfItsSource) {
     Kst::NullProgress progress;
     const PointSum sum = SumOfPoints(folder_.Write(L"a.las", las_), progress);
     EXPECT_EQ(VerifyQvrPoints(*QvrFile::Open(Write(qvr_)), progress), sum);
+    const std::wstring laz = folder_.Name(L"c.laz");
+    testing::WriteSample(laz, {.versionMinor = 4, .pointFormat = 6, .recordLength = 30, .points = 60'000},
+                         true);
+    ASSERT_TRUE(BuildQvr(PlanQvr(laz), {}, progress));
+    EXPECT_EQ(CheckCompanion(laz).state, CompanionState::Fresh);
+    EXPECT_EQ(VerifyQvrPoints(*QvrFile::Open(QvrPathOf(laz)), progress), SumOfPoints(laz, progress));
     std::string other = las_;
     other.back() = static_cast<char>(other.back() ^ 1);
     EXPECT_NE(SumOfPoints(folder_.Write(L"b.las", other), progress), sum);
