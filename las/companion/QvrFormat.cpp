@@ -42,29 +42,9 @@ void Put(std::span<std::byte> bytes, std::size_t offset, T value) {
     std::memcpy(bytes.subspan(offset, sizeof(T)).data(), &value, sizeof(T));
 }
 
-/// Finalizer of the splitmix64 generator: every bit of the result depends on every bit of the argument.
-constexpr std::uint64_t Mix(std::uint64_t value) {
-    value = (value ^ (value >> 30U)) * 0xBF58476D1CE4E5B9U;
-    value = (value ^ (value >> 27U)) * 0x94D049BB133111EBU;
-    return value ^ (value >> 31U);
-}
-
-/// The lowest 21 bits, two zeros between neighbours.
-constexpr std::uint64_t Spread(std::uint64_t value) {
-    value = (value | (value << 32U)) & 0x001F00000000FFFFU;
-    value = (value | (value << 16U)) & 0x001F0000FF0000FFU;
-    value = (value | (value << 8U)) & 0x100F00F00F00F00FU;
-    value = (value | (value << 4U)) & 0x10C30C30C30C30C3U;
-    return (value | (value << 2U)) & 0x1249249249249249U;
-}
-
-constexpr std::uint32_t Distance(std::int32_t from, std::int32_t to) {
-    return static_cast<std::uint32_t>(to) - static_cast<std::uint32_t>(from);
-}
-
 /// Smallest power of two above the distance, as its exponent.
 std::uint8_t NeededLog2(std::int32_t minimum, std::int32_t maximum) {
-    return static_cast<std::uint8_t>(std::bit_width(Distance(minimum, std::max(minimum, maximum))));
+    return static_cast<std::uint8_t>(std::bit_width(qvr::Distance(minimum, std::max(minimum, maximum))));
 }
 
 double UsableScale(double scale) {
@@ -97,7 +77,7 @@ QvrBox QvrBox::Around(const QvrPosition& minimum, const QvrPosition& maximum,
 
 bool QvrBox::Contains(const QvrPosition& position) const {
     for (std::size_t axis = 0; axis < 3; ++axis) {
-        const std::uint64_t distance = Distance(minimum[axis], position[axis]);
+        const std::uint64_t distance = qvr::Distance(minimum[axis], position[axis]);
         if (position[axis] < minimum[axis] || distance >> log2Size[axis] != 0) {
             return false;
         }
@@ -105,20 +85,12 @@ bool QvrBox::Contains(const QvrPosition& position) const {
     return true;
 }
 
-std::uint64_t QvrBox::Code(const QvrPosition& position) const {
-    std::uint64_t code = 0;
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-        const std::uint64_t steps = std::uint64_t{Distance(minimum[axis], position[axis])} << kQvrLevels;
-        code = (code << 1U) | Spread(steps >> log2Size[axis]);
-    }
-    return code;
-}
-
 QvrRawBox QvrBox::Cell(const QvrPosition& position, unsigned depth) const {
     QvrRawBox cell;
     for (std::size_t axis = 0; axis < 3; ++axis) {
         const double side = std::ldexp(1.0, static_cast<int>(log2Size[axis]) - static_cast<int>(depth));
-        const double steps = std::floor(static_cast<double>(Distance(minimum[axis], position[axis])) / side);
+        const double steps =
+            std::floor(static_cast<double>(qvr::Distance(minimum[axis], position[axis])) / side);
         cell.low[axis] = minimum[axis] + steps * side;
         cell.high[axis] = cell.low[axis] + side;
     }
@@ -203,16 +175,6 @@ QvrEntry DecodeQvrEntry(std::span<const std::byte, kThinnedEntrySize> bytes) {
     entry.generation = reader.Read<std::uint16_t>(entry_at::kGeneration);
     entry.depth = reader.Read<std::uint16_t>(entry_at::kDepth);
     return entry;
-}
-
-std::uint64_t QvrHash(std::span<const std::byte> bytes, std::uint64_t seed) {
-    std::uint64_t hash = Mix(seed ^ bytes.size());
-    for (; !bytes.empty(); bytes = bytes.subspan(std::min<std::size_t>(8, bytes.size()))) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, bytes.data(), std::min<std::size_t>(8, bytes.size()));
-        hash = (std::rotl(hash, 31) ^ word) * 0x9E3779B97F4A7C15U;
-    }
-    return Mix(hash);
 }
 
 std::uint64_t QvrHeaderHash(std::span<const std::byte> start) {

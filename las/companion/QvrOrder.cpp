@@ -85,13 +85,14 @@ class Generations {
                 continue;
             }
             winner = CloseBelow(depth, winner);
-            if (open_.empty() || open_.back().depth < depth) {
-                open_.push_back({depth});
+            if (count_ == 0 || open_[count_ - 1].depth < depth) {
+                open_[count_].depth = depth;
+                open_[count_++].count = 0;
             }
-            open_.back().Add(winner);
+            open_[count_ - 1].Add(winner);
             winner = i;
         }
-        while (!open_.empty()) {
+        while (count_ > 0) {
             winner = Close(winner);
         }
         if (winner != kNoPoint && stretch_.HasCell(keys_[winner].place.code, 0)) {
@@ -113,7 +114,7 @@ class Generations {
     };
 
     std::uint32_t CloseBelow(unsigned depth, std::uint32_t winner) {
-        while (!open_.empty() && open_.back().depth > depth) {
+        while (count_ > 0 && open_[count_ - 1].depth > depth) {
             winner = Close(winner);
         }
         return winner;
@@ -121,8 +122,7 @@ class Generations {
 
     /// Winner of the deepest open cell; kNoPoint if that cell reaches beyond the stretch.
     std::uint32_t Close(std::uint32_t last) {
-        Node node = open_.back();
-        open_.pop_back();
+        Node& node = open_[--count_];
         node.Add(last);
         if (node.count == 0 || !stretch_.HasCell(keys_[node.winners[0]].place.code, node.depth)) {
             return kNoPoint;
@@ -149,7 +149,8 @@ class Generations {
     std::span<const QvrKey> keys_;
     const QvrStretch& stretch_;
     std::span<std::uint8_t> generations_;
-    std::vector<Node> open_;
+    std::array<Node, kQvrLevels> open_{};  // of increasing depths
+    std::size_t count_ = 0;
 };
 
 }  // namespace
@@ -189,22 +190,22 @@ void QvrRunJoiner::Add(const QvrRun& run) {
             last_.total += run.count;
             return;
         }
-        while (!open_.empty() && open_.back().depth > depth) {
+        while (openCount_ > 0 && open_[openCount_ - 1].depth > depth) {
             Close();
         }
-        if (open_.empty() || open_.back().depth < depth) {
-            open_.push_back({depth, last_.start, 0});
+        if (openCount_ == 0 || open_[openCount_ - 1].depth < depth) {
+            open_[openCount_++] = {depth, last_.start, 0};
         }
-        open_.back().total += last_.total;
+        open_[openCount_ - 1].total += last_.total;
     }
     last_ = {kQvrLevels, runs_.size(), run.count};
     runs_.push_back(run);
 }
 
 void QvrRunJoiner::Close() {
-    open_.back().total += last_.total;
-    last_ = open_.back();
-    open_.pop_back();
+    Node& node = open_[--openCount_];
+    node.total += last_.total;
+    last_ = node;
     QvrRun& first = runs_[last_.start];
     if (last_.total <= most_ && stretch_.HasCell(first.firstCode, last_.depth)) {
         first.lastCode = runs_.back().lastCode;
@@ -214,7 +215,7 @@ void QvrRunJoiner::Close() {
 }
 
 std::vector<QvrRun> QvrRunJoiner::Take() {
-    while (!open_.empty()) {
+    while (openCount_ > 0) {
         Close();
     }
     return std::move(runs_);

@@ -1,6 +1,7 @@
 #pragma once
 // The order of a companion's points, for one stretch of the Morton curve at a time: sorting, generations, and
 // the runs of points that become entries.
+#include <array>
 #include <compare>
 #include <cstdint>
 #include <limits>
@@ -53,7 +54,7 @@ struct QvrRun {
     std::uint64_t firstCode = 0;
     std::uint64_t lastCode = 0;
     std::uint32_t count = 0;
-    QvrPosition position{};    ///< of its first point
+    QvrPosition position{};    ///< of its first point; who joins runs can fill it in afterwards
     std::uint32_t bucket = 0;  ///< of its first point
     std::uint32_t place = 0;   ///< of its first point in the sorted bucket
     std::uint8_t generation = 0;
@@ -81,7 +82,8 @@ class QvrRunJoiner {
     QvrStretch stretch_;
     std::uint64_t most_;
     std::vector<QvrRun> runs_;
-    std::vector<Node> open_;  // the path to the last run
+    std::array<Node, kQvrLevels + 1> open_{};  // the path to the last run, of increasing depths
+    std::size_t openCount_ = 0;
     Node last_;
 };
 

@@ -77,19 +77,20 @@ void QvrOrdering::SortKeys(std::uint64_t points, Workspace& space) const {
 
 void QvrOrdering::CollectRuns(std::size_t bucket, const Workspace& space) {
     const std::size_t stride = sizes_.form.Stride();
+    const auto number = static_cast<std::uint32_t>(bucket);
     std::vector<QvrRunJoiner> joiners(kGenerations, {buckets_[bucket].stretch, mostPerEntry_});
     for (std::uint32_t place = 0; place < space.keys.size(); ++place) {
         const QvrKey& key = space.keys[place];
         const std::uint8_t generation = space.generations[place];
         if (generation != kOpenGeneration) {
-            joiners[generation].Add({key.place.code, key.place.code, 1,
-                                     QvrRecordForm::PositionOf(&space.stored[key.point * stride]),
-                                     static_cast<std::uint32_t>(bucket), place, generation});
+            joiners[generation].Add({key.place.code, key.place.code, 1, {}, number, place, generation});
         }
     }
     for (QvrRunJoiner& joiner : joiners) {
-        const std::vector<QvrRun> runs = joiner.Take();
-        ordered_[bucket].runs.insert(ordered_[bucket].runs.end(), runs.begin(), runs.end());
+        for (QvrRun& run : joiner.Take()) {
+            run.position = QvrRecordForm::PositionOf(&space.stored[space.keys[run.place].point * stride]);
+            ordered_[bucket].runs.push_back(run);
+        }
     }
 }
 

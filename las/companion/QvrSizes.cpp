@@ -1,7 +1,6 @@
 #include "las/companion/QvrSizes.h"
 
 #include <algorithm>
-#include <cstring>
 #include <thread>
 
 namespace orvex {
@@ -26,21 +25,6 @@ constexpr std::uint32_t Narrow(std::uint64_t number) {
 
 }  // namespace
 
-QvrPosition QvrRecordForm::PositionOf(const std::byte* stored) {
-    QvrPosition position;
-    std::memcpy(position.data(), stored, sizeof(position));
-    return position;
-}
-
-std::uint64_t QvrRecordForm::PriorityOf(const std::byte* stored) const {
-    if (isRandom) {
-        return QvrHash({stored, recordLength}, seed);
-    }
-    std::uint64_t number = 0;
-    std::memcpy(&number, stored + recordLength, sizeof(number));
-    return number;
-}
-
 QvrSizes QvrSizes::For(std::uint64_t points, std::size_t recordLength, const QvrSettings& settings) {
     QvrSizes sizes;
     sizes.form = {recordLength, settings.randomOrder.value_or(true), settings.seed};
@@ -59,6 +43,10 @@ QvrSizes QvrSizes::For(std::uint64_t points, std::size_t recordLength, const Qvr
         std::max(buckets * kMemoryBlock, std::min<std::uint64_t>(sizes.wantedPoints, points) * perPoint);
     const std::uint64_t perStored = stride + sizeof(std::uint32_t);
     sizes.isInMemory = settings.memory > usual && points <= (settings.memory - usual) / perStored;
+    if (sizes.isInMemory) {
+        const std::uint64_t left = (settings.memory - points * perStored) / sizes.threads / perPoint;
+        sizes.mostPoints = Narrow(std::clamp<std::uint64_t>(left, sizes.wantedPoints, sizes.mostPoints));
+    }
     const std::uint64_t block =
         std::clamp(perThread / buckets, kSmallestBlock, sizes.isInMemory ? kMemoryBlock : kFileBlock);
     sizes.blockRecords = Narrow(std::clamp<std::uint64_t>(block / stride, 1, sizes.mostPoints));

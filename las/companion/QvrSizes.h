@@ -1,6 +1,7 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "las/companion/QvrBuilder.h"
 #include "las/companion/QvrFormat.h"
@@ -14,8 +15,19 @@ struct QvrRecordForm {
     std::uint64_t seed = 0;
 
     std::size_t Stride() const { return recordLength + (isRandom ? 0 : sizeof(std::uint64_t)); }
-    static QvrPosition PositionOf(const std::byte* stored);
-    std::uint64_t PriorityOf(const std::byte* stored) const;
+    static QvrPosition PositionOf(const std::byte* stored) {
+        QvrPosition position;
+        std::memcpy(position.data(), stored, sizeof(position));
+        return position;
+    }
+    std::uint64_t PriorityOf(const std::byte* stored) const {
+        if (isRandom) {
+            return QvrHash({stored, recordLength}, seed);
+        }
+        std::uint64_t number = 0;
+        std::memcpy(&number, stored + recordLength, sizeof(number));
+        return number;
+    }
 };
 
 /// Amounts that follow from the number of points and the settings.

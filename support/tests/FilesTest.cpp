@@ -219,6 +219,21 @@ TEST(MappedFile, ReadsAndMapsBeyondFourGigabytes) {
     EXPECT_NE(file.ReadAt(~std::uint64_t{0}, beyond, read), 0);
     EXPECT_NE(file.Map(size - 4, 5, false, view), 0);
     EXPECT_NE(file.Map(~std::uint64_t{0}, 4, false, view), 0);
+    EXPECT_NE(file.WriteAt(0, beyond), 0) << "opened for reading";
+
+    MappedFile writer;
+    ASSERT_EQ(writer.Open(name, false), 0);
+    const std::array written{std::byte{'a'}, std::byte{'b'}};
+    EXPECT_EQ(writer.WriteAt(4 * kGigabyte + 12346, written), 0);
+    EXPECT_EQ(writer.Sync(), 0);
+    std::array<std::byte, 4> around{};
+    ASSERT_EQ(file.ReadAt(4 * kGigabyte + 12345, around, read), 0);
+    EXPECT_EQ(ByteReader(around).FixedText(0, read), "fab ");
+    EXPECT_NE(writer.WriteAt(~std::uint64_t{0}, written), 0);
+    EXPECT_NE(writer.Reserve(~std::uint64_t{0}), 0);
+    EXPECT_EQ(writer.Reserve(100), 0);
+    EXPECT_EQ(file.Size(size), 0);
+    EXPECT_EQ(size, 100U);
 }
 
 // Other programs go on reading and writing a file that is listed.

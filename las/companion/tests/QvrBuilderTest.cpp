@@ -151,6 +151,24 @@ TEST(QvrBuilder, IsTheSameForAllThreadsAndBudgets) {
     }
 }
 
+// The example of docs/formats/qvr.md.
+TEST(QvrBuilder, BuildsTheWorkedExample) {
+    const Position positions[] = {{1, 1, 0}, {7, 7, 0}, {6, 7, 0}, {1, 6, 0}, {0, 0, 0}};
+    Cloud cloud{12, 0, 5};
+    cloud.position = [&](std::size_t i) { return Position{positions[i][0] / 100, positions[i][1] / 100, 0}; };
+    const LasFolder folder;
+    const std::wstring path = folder.TemporaryFolder::Write(L"a.las", cloud.Bytes());
+    const std::vector<std::string> built = CloudParts(BuiltQvr(path, With(2, kMuch, false))).records;
+    const std::vector<std::string> source = CloudParts(cloud.Bytes()).records;
+    EXPECT_EQ(built, (std::vector{source[0], source[1], source[3], source[4], source[2]}));
+    const auto qvr = QvrFile::Open(folder.Name(L"a.qvr"));
+    const std::vector<QvrEntry> entries{{{1, 1, 0}, 0, 1, 0, 21},
+                                        {{7, 7, 0}, 1, 1, 1, 21},
+                                        {{1, 6, 0}, 2, 1, 2, 21},
+                                        {{0, 0, 0}, 3, 2, 15, 0}};
+    EXPECT_TRUE(std::ranges::equal(qvr->Entries(), entries));
+}
+
 TEST(QvrBuilder, SeedAndOrderDecideTheRepresentatives) {
     const LasFolder folder;
     const std::wstring path = folder.TemporaryFolder::Write(L"a.las", Cloud{}.Bytes());
