@@ -172,13 +172,18 @@ bool LazDecompressor::CopyExtendedRecords() {
 bool LazDecompressor::CopyBytes(std::uint64_t from, std::uint64_t length, std::uint64_t to) {
     std::uint64_t size = 0;
     const MappedFile input = OpenForReading(lazPath_, size);
+    std::vector<std::byte> block;
     for (std::uint64_t done = 0; done < length;) {
         if (progress_.IsCancelled()) {
             return false;
         }
-        const std::vector<std::byte> block =
-            ReadPart(input, from + done, std::min(kCopyBlock, length - done));
-        if (block.empty()) {
+        block.resize(static_cast<std::size_t>(std::min(kCopyBlock, length - done)));
+        std::size_t read = 0;
+        const SystemError error = input.ReadAt(from + done, block, read);
+        if (error != 0) {
+            throw LDataError(FormatText(Text(text::kLazCannotRead), {lazPath_, SystemErrorText(error)}));
+        }
+        if (read < block.size()) {  // cut off since its layout was read
             throw LDataError(FormatText(Text(text::kLazHeaderDamaged), {lazPath_}));
         }
         WriteAt(to + done, block);

@@ -124,7 +124,11 @@ std::span<const std::byte> LazPoints::Read(std::size_t count) {
         Check(laszip_set_point(writer_.get(), point_), writer_);
         Check(laszip_write_point(writer_.get()), writer_);
     }
-    return records_->Written();
+    const std::span<const std::byte> written = records_->Written();
+    if (written.size() != count * RecordLength()) {  // the items of a point are not what the header says
+        throw LDataError(FormatText(Text(text::kLazHeaderDamaged), {path_}));
+    }
+    return written;
 }
 
 void LazPoints::RequireEnd(std::uint64_t end) {
