@@ -124,7 +124,7 @@ CloudRow BrowsedRow(const CloudLayer& layer) {
 }
 
 LoadFlag LoadFlagOf(const CloudRow& row) {
-    return LoadFlagFor(row.loadable, row.findings, row.place.inProject);
+    return LoadFlagFor(row.loadable, row.findings, row.place);
 }
 
 void TakeRemote(CloudRow& row, std::shared_ptr<const RemoteLas> remote) {

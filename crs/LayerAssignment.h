@@ -22,6 +22,7 @@ struct LayerPlace {
     bool exists = false;     ///< an existing layer of the project
     unsigned group = 0;      ///< files with the same number can share a layer; 0: none
     bool inProject = false;  ///< the project has the file already; set when the page reads the file
+    bool isAwaited = false;  ///< not read yet: its drive does not answer, while others are read
 };
 
 /// Key that files in one layer have in common: the compatibility group of their CRS; its text while the
@@ -43,11 +44,12 @@ std::vector<LayerPlace> PlaceInLayers(std::span<const CrsPtr> files,
                                       const std::map<std::wstring, std::wstring>& existing,
                                       const LayerRules& rules, const std::wstring& prefix);
 
-/// Gives rows (each with a `place`) their new places, in their order. That the project has a file stays.
+/// Gives rows (each with a `place`) their new places, in their order. What reading has set stays.
 template <typename Rows>
 void TakePlaces(Rows& rows, std::vector<LayerPlace> places) {
     for (std::size_t i = 0; i < rows.size(); ++i) {
         places[i].inProject = rows[i].place.inProject;
+        places[i].isAwaited = rows[i].place.isAwaited;
         rows[i].place = std::move(places[i]);
     }
 }

@@ -1,4 +1,5 @@
 #pragma once
+#include "support/Drives.h"
 
 namespace orvex {
 
@@ -8,14 +9,15 @@ class HostObjects;
 class OptionStore;
 class UserPrompts;
 
-/// External services of the dialogs, provided by the entry layer and faked in tests. Every member outlives
-/// the dialogs.
+/// External services of the dialogs, provided by the entry layer and faked in tests. Every object that is
+/// referred to outlives the dialogs.
 struct DialogServices {
     UserPrompts& prompts;
     FilePickers& pickers;
     HelpViewer& help;
     const OptionStore& options;
     HostObjects& hostObjects;
+    DriveAccess drives = {};
 };
 
 }  // namespace orvex

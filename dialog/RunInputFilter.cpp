@@ -1,5 +1,6 @@
 #include "dialog/RunInputFilter.h"
 
+#include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QHeaderView>
@@ -8,6 +9,16 @@
 
 namespace orvex {
 namespace {
+
+constexpr const char* kAllowed = "allowedDuringRun";
+
+bool IsAllowed(const QWidget* widget) {
+    return widget->property(kAllowed).toBool();
+}
+
+bool IsPressingKey(const QKeyEvent& key) {
+    return key.key() == Qt::Key_Space || key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+}
 
 // The view that a widget is, or is the viewport or a scroll bar of.
 bool AllowsBrowsing(const QWidget* widget) {
@@ -40,13 +51,14 @@ bool IsBrowsingKey(const QKeyEvent& key) {
 
 bool StartsByKey(const QWidget* widget, const QKeyEvent& key) {
     const bool stops = key.key() == Qt::Key_Escape;
-    return !stops && !(AllowsBrowsing(widget) && IsBrowsingKey(key));
+    return !stops && !(AllowsBrowsing(widget) && IsBrowsingKey(key)) &&
+           !(IsAllowed(widget) && IsPressingKey(key));
 }
 
 bool Starts(const QWidget* widget, QEvent* event) {
     switch (event->type()) {
         case QEvent::MouseButtonPress:
-            return !AllowsBrowsing(widget);
+            return !AllowsBrowsing(widget) && !IsAllowed(widget);
         case QEvent::KeyPress:
         case QEvent::ShortcutOverride:
             return StartsByKey(widget, *static_cast<QKeyEvent*>(event));
@@ -74,6 +86,10 @@ void RunInputFilter::SetActive(bool active) {
     } else {
         qApp->removeEventFilter(this);
     }
+}
+
+void RunInputFilter::AllowDuringRun(QAbstractButton& button) {
+    button.setProperty(kAllowed, true);
 }
 
 bool RunInputFilter::eventFilter(QObject* watched, QEvent* event) {

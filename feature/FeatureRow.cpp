@@ -274,7 +274,7 @@ FeatureRow UnreadFeatureFile(const std::wstring& path, const std::wstring& messa
 }
 
 LoadFlag LoadFlagOf(const FeatureRow& row) {
-    return LoadFlagFor(row.loadable, row.findings, row.place.inProject);
+    return LoadFlagFor(row.loadable, row.findings, row.place);
 }
 
 std::wstring FeatureSummary(const FeatureRow& row) {

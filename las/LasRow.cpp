@@ -166,7 +166,7 @@ LasRow InspectLasSource(const std::wstring& name, const ByteSource& source) {
 }
 
 LoadFlag LoadFlagOf(const LasRow& row) {
-    return LoadFlagFor(row.file != nullptr, row.findings, row.place.inProject);
+    return LoadFlagFor(row.file != nullptr, row.findings, row.place);
 }
 
 bool HasErrors(const LasRow& row) {

@@ -172,7 +172,7 @@ constexpr Column<PhotoRow> kColumns[] = {
       .headerIcon = kImageLoadable},
      [](const PhotoRow& row) { return GridCell(PhotoStateDigit(row.state)); },
      {.tooltip = FindingsText,
-      .icon = [](const PhotoRow& row) { return PhotoStateImage(row.state); },
+      .icon = [](const PhotoRow& row) { return row.place.isAwaited ? -1 : PhotoStateImage(row.state); },
       .words = [](const PhotoRow& row) { return LoadFlagText(LoadFlagOf(row)); }}},
     {Basic(TextColumn("timeUtc", text::kPhotoTimeUtc, 300)),
      [](const PhotoRow& row) { return GridCell(row.timeUtc); }},

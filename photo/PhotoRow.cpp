@@ -180,7 +180,7 @@ PhotoRow UnreadPhoto(const std::wstring& path, const std::wstring& message) {
 }
 
 LoadFlag LoadFlagOf(const PhotoRow& row) {
-    return LoadFlagFor(row.loadable, row.findings, row.place.inProject);
+    return LoadFlagFor(row.loadable, row.findings, row.place);
 }
 
 bool HasPosition(const PhotoRow& row) {

@@ -113,7 +113,7 @@ RasterRow UnreadRasterFile(const std::wstring& path, const std::wstring& message
 }
 
 LoadFlag LoadFlagOf(const RasterRow& row) {
-    return LoadFlagFor(row.IsDescribed(), row.findings, row.place.inProject);
+    return LoadFlagFor(row.IsDescribed(), row.findings, row.place);
 }
 
 std::wstring FindingsText(const RasterRow& row) {

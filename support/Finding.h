@@ -34,21 +34,21 @@ inline Finding FindingInWords(const FindingKind& kind, std::wstring text) {
     return {kind.severity, std::move(text), kind.code};
 }
 
-/// State of a row, worst last. Noted: nothing but notes is known of the file. InProject: nor anything but
-/// notes, and the project has the file already.
-enum class LoadFlag { Good, Noted, InProject, Findings, NotLoadable };
+/// State of a row, worst last. Awaited: not read yet. Noted: nothing but notes is known of the file.
+/// InProject: nor anything but notes, and the project has the file already.
+enum class LoadFlag { Awaited, Good, Noted, InProject, Findings, NotLoadable };
 
-/// Image of a state, in the dialog's list.
+/// Image of a state, in the dialog's list; -1 for none.
 inline int LoadFlagImage(LoadFlag flag) {
-    constexpr ImageIndex kImages[] = {kImageLoadable, kImageInformation, kImageLink, kImageWarning,
-                                      kImageNotLoadable};
+    constexpr int kImages[] = {-1,         kImageLoadable, kImageInformation,
+                               kImageLink, kImageWarning,  kImageNotLoadable};
     return kImages[static_cast<int>(flag)];
 }
 
 /// A state in a word.
 inline std::wstring LoadFlagText(LoadFlag flag) {
-    constexpr StringId kTexts[] = {text::kInspectionOk, text::kStatusNote, text::kStatusInProject,
-                                   text::kStatusWarning, text::kStatusError};
+    constexpr StringId kTexts[] = {text::kStatusWaiting,   text::kInspectionOk,  text::kStatusNote,
+                                   text::kStatusInProject, text::kStatusWarning, text::kStatusError};
     return Text(kTexts[static_cast<int>(flag)]);
 }
 
@@ -58,16 +58,20 @@ inline double LoadFlagNumber(LoadFlag flag) {
     return static_cast<double>(LoadFlag::NotLoadable) - static_cast<double>(flag);
 }
 
-/// State of a file with these findings (of Finding, or of a type derived from it), worst first.
-template <typename Findings>
-LoadFlag LoadFlagFor(bool loadable, const Findings& findings, bool inProject) {
+/// State of a file with these findings (of Finding, or of a type derived from it), worst first. `place`: of
+/// its row.
+template <typename Findings, typename Place>
+LoadFlag LoadFlagFor(bool loadable, const Findings& findings, const Place& place) {
+    if (place.isAwaited) {
+        return LoadFlag::Awaited;
+    }
     if (!loadable) {
         return LoadFlag::NotLoadable;
     }
     if (!findings.empty() && findings.front().severity > FindingSeverity::Note) {
         return LoadFlag::Findings;
     }
-    if (inProject) {
+    if (place.inProject) {
         return LoadFlag::InProject;
     }
     return findings.empty() ? LoadFlag::Good : LoadFlag::Noted;

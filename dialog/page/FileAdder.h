@@ -2,7 +2,6 @@
 // Adding files to a page's grid: duplicate check, inspection on worker threads, progress, Escape, and the
 // question whether to go on.
 #include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -12,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "dialog/page/ReadQueue.h"
+#include "support/Drives.h"
 #include "support/Text.h"
 
 namespace Kst {
@@ -39,36 +40,38 @@ struct AddingRequest {
     std::unordered_multimap<std::wstring, std::wstring> listed;  ///< the paths in the grid by their PathKey
     std::size_t rowsBefore = 0;                                  ///< rows in the grid
     bool asksAtMany = true;  ///< the question of AddingDescription; false for files agreed to before
+    DriveAccess drives = {};
 };
 
 struct AddingSummary {
-    std::size_t offered = 0;  ///< paths asked for
-    std::size_t added = 0;    ///< records delivered
-    std::size_t skipped = 0;  ///< listed already, under their own path or their buddy's
-    bool stopped = false;     ///< by Escape or by the answer to the question; the rest was not looked at
-    std::vector<std::wstring> unread;  ///< that rest, in its order
+    std::size_t offered = 0;           ///< paths asked for
+    std::size_t added = 0;             ///< rows of files that were read
+    std::size_t skipped = 0;           ///< listed already, under their own path or their buddy's
+    bool stopped = false;              ///< by Escape or by the answer to the question
+    std::vector<std::wstring> unread;  ///< the files that were not read then, or were skipped, in their order
     std::wstring abandonedPath;        ///< the file that did not answer when the run was stopped; empty: none
 };
 
 namespace adding {
 
-/// A record whose type only the page knows.
-struct Inspected {
-    virtual ~Inspected() = default;
+/// A record that takes the place of one. Rows are counted from 0 on in each run.
+struct Replacement {
+    std::size_t row;
+    InspectedPtr record;
 };
-using InspectedPtr = std::unique_ptr<Inspected>;
 
 struct Steps {
     /// As many records as paths; on worker threads.
     std::function<std::vector<InspectedPtr>(std::span<const std::wstring> paths)> inspect;
-    std::size_t pathsAtOnce = 1;                                   ///< at most, in one call
-    std::function<void(std::vector<InspectedPtr> batch)> deliver;  ///< on this thread
+    std::size_t pathsAtOnce = 1;  ///< at most, in one call
+    /// The record of a file that is awaited. This one and those below are called on this thread.
+    std::function<InspectedPtr(const std::wstring& path, const std::wstring& text)> await;
+    std::function<void(std::vector<InspectedPtr> batch)> append;
+    std::function<void(std::vector<Replacement> read)> replace;
+    std::function<void(const std::vector<std::size_t>& rows)> remove;
+    std::function<void(std::size_t files)> tellAwaited;
+    std::function<bool()> mustSkip;
 };
-
-/// How many threads read files from now on, 1 to 4: one more while reading costs so much that the threads are
-/// not in each other's way, else one less. `files`: read by all of them since the last call, in `spent`
-/// together; none while a drive is awaited.
-std::size_t NextReaders(std::size_t readers, std::size_t files, std::chrono::nanoseconds spent);
 
 AddingSummary Run(const AddingDescription& description, AddingRequest request, const Steps& steps,
                   UserPrompts& prompts, Kst::ProgressIf& progress);
@@ -89,8 +92,21 @@ class FileReader {
     using InspectSeveral = std::function<std::vector<Record>(std::span<const std::wstring> paths)>;
     /// Makes the record of a file whose inspection threw; on the worker threads too.
     using Failed = std::function<Record(const std::wstring& path, const std::wstring& message)>;
-    /// Takes records into the grid, in the order of the paths: a batch at most every 30 ms or 100 records.
-    using Deliver = std::function<void(std::vector<Record> batch)>;
+    /// Where records go. Rows are counted from 0 on in each run; their numbers ascend.
+    struct Rows {
+        /// Takes records to the end, in the order of the paths: a batch at most every 30 ms or 100 records.
+        std::function<void(std::vector<Record> batch)> append;
+        /// Takes the records of files that were awaited.
+        std::function<void(std::vector<std::pair<std::size_t, Record>> read)> replace;
+        /// Removes rows of files that were awaited and are not read in this run, or are listed already.
+        std::function<void(const std::vector<std::size_t>& rows)> remove;
+        /// Turns the record of a failure into one of a file that is awaited; may be empty.
+        std::function<void(Record& record, const std::wstring& text)> await = {};
+        /// Called when the number of files that are awaited has changed; may be empty.
+        std::function<void(std::size_t files)> tellAwaited = {};
+        /// True once when these are not to be waited for; may be empty.
+        std::function<bool()> mustSkip = {};
+    };
 
     FileReader(Inspect inspect, Failed failed)
         : FileReader(
@@ -116,9 +132,9 @@ class FileReader {
     }
 
     /// Returns when all files are read or the run was stopped. The caller opens the DialogProgress::Run and
-    /// keeps its controls disabled meanwhile: events are handled. An exception of `deliver` ends the run and
+    /// keeps its controls disabled meanwhile: events are handled. An exception of `rows` ends the run and
     /// passes.
-    AddingSummary Add(const AddingDescription& description, AddingRequest request, const Deliver& deliver,
+    AddingSummary Add(const AddingDescription& description, AddingRequest request, const Rows& rows,
                       UserPrompts& prompts, Kst::ProgressIf& progress) const;
 
   private:
@@ -129,6 +145,11 @@ class FileReader {
 
     static std::vector<Record> Read(const InspectSeveral& inspect, const Failed& failed,
                                     std::span<const std::wstring> paths);
+    static Record& In(const adding::InspectedPtr& inspected) {
+        return static_cast<Holder&>(*inspected).record;
+    }
+    void AddInspection(adding::Steps& steps, const std::function<void(const std::wstring&)>& reach) const;
+    void AddRows(adding::Steps& steps, const Rows& rows) const;
 
     InspectSeveral inspect_;
     std::size_t pathsAtOnce_;
@@ -151,26 +172,57 @@ std::vector<Record> FileReader<Record>::Read(const InspectSeveral& inspect, cons
 }
 
 template <typename Record>
-AddingSummary FileReader<Record>::Add(const AddingDescription& description, AddingRequest request,
-                                      const Deliver& deliver, UserPrompts& prompts,
-                                      Kst::ProgressIf& progress) const {
-    adding::Steps steps;
+void FileReader<Record>::AddInspection(adding::Steps& steps,
+                                       const std::function<void(const std::wstring&)>& reach) const {
     steps.pathsAtOnce = pathsAtOnce_;
-    steps.inspect = [inspect = inspect_, failed = failed_](std::span<const std::wstring> paths) {
+    steps.inspect = [inspect = inspect_, failed = failed_, reach](std::span<const std::wstring> paths) {
+        if (reach) {
+            std::ranges::for_each(paths, reach);
+        }
         std::vector<adding::InspectedPtr> inspected;
         for (Record& record : Read(inspect, failed, paths)) {
             inspected.push_back(std::make_unique<Holder>(std::move(record)));
         }
         return inspected;
     };
-    steps.deliver = [&deliver](std::vector<adding::InspectedPtr> batch) {
+}
+
+template <typename Record>
+void FileReader<Record>::AddRows(adding::Steps& steps, const Rows& rows) const {
+    steps.await = [this, &rows](const std::wstring& path, const std::wstring& text) {
+        Record record = failed_(path, text);
+        if (rows.await) {
+            rows.await(record, text);
+        }
+        return std::make_unique<Holder>(std::move(record));
+    };
+    steps.append = [&rows](const std::vector<adding::InspectedPtr>& batch) {
         std::vector<Record> records;
         records.reserve(batch.size());
-        for (adding::InspectedPtr& inspected : batch) {
-            records.push_back(std::move(static_cast<Holder&>(*inspected).record));
+        for (const adding::InspectedPtr& inspected : batch) {
+            records.push_back(std::move(In(inspected)));
         }
-        deliver(std::move(records));
+        rows.append(std::move(records));
     };
+    steps.replace = [&rows](const std::vector<adding::Replacement>& read) {
+        std::vector<std::pair<std::size_t, Record>> records;
+        for (const adding::Replacement& one : read) {
+            records.emplace_back(one.row, std::move(In(one.record)));
+        }
+        rows.replace(std::move(records));
+    };
+    steps.remove = rows.remove;
+    steps.tellAwaited = rows.tellAwaited;
+    steps.mustSkip = rows.mustSkip;
+}
+
+template <typename Record>
+AddingSummary FileReader<Record>::Add(const AddingDescription& description, AddingRequest request,
+                                      const Rows& rows, UserPrompts& prompts,
+                                      Kst::ProgressIf& progress) const {
+    adding::Steps steps;
+    AddInspection(steps, request.drives.reach);
+    AddRows(steps, rows);
     return adding::Run(description, std::move(request), steps, prompts, progress);
 }
 

@@ -26,6 +26,7 @@ FileListPage::FileListPage(const PageContext& context, const FileListPageDescrip
     MakeHistoryActions();
     connect(&Status(), &ListStatus::ContinueRequested, this,
             Guarded(Services().prompts, L"OnContinue", [this] { ContinueReading(); }));
+    connect(&Status(), &ListStatus::SkipRequested, this, [this] { mustSkip_ = Progress().IsRunning(); });
 }
 
 std::vector<ListPage::PageButton> FileListPage::Buttons() {
@@ -213,11 +214,18 @@ AddingSummary FileListPage::ReadFiles(AddingRequest request) {
         summary = AddRows(std::move(request), appended);
         DoLateWork();
     } catch (...) {
+        RemoveAwaited();
+        TellAwaited(0);
         FilesAdded(wasEmpty);
         throw;
     }
     FilesAdded(wasEmpty);
     return summary;
+}
+
+void FileListPage::TellAwaited(std::size_t files) {
+    mustSkip_ = mustSkip_ && files > 0;  // of an earlier run
+    Status().SetAwaited(files);
 }
 
 void FileListPage::DoLateWork() {

@@ -4,6 +4,8 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -74,6 +76,8 @@ class FileListPage : public ListPage {
     virtual AddingRequest RequestFor(std::vector<std::wstring> paths) const = 0;
     /// Inspects files and appends their rows; `appended` is called after each batch. Within a run.
     virtual AddingSummary AddRows(AddingRequest request, const std::function<void()>& appended) = 0;
+    /// Removes the rows of files that are not read yet, after a run that failed.
+    virtual void RemoveAwaited() = 0;
     /// Inspects the files of all rows again, the last one first, which Escape may stop. True when a row has
     /// something new to say. Within a run.
     virtual bool RereadRows() = 0;
@@ -92,6 +96,10 @@ class FileListPage : public ListPage {
 
     /// Reads the files of all rows again, with progress.
     void ReadAgain();
+    /// Shows how many files are awaited, with what skips them.
+    void TellAwaited(std::size_t files);
+    /// True once after the user has asked not to wait for them.
+    bool TakeSkip() { return std::exchange(mustSkip_, false); }
 
     void BeforeRemoval(std::span<const std::size_t> records) override;
     void Cleared() override;
@@ -139,6 +147,7 @@ class FileListPage : public ListPage {
     QAction* redo_ = nullptr;
     std::vector<std::wstring> unread_;  ///< that runs which were stopped have not looked at
     std::size_t askedFor_ = 0;          ///< files of those runs, read or not
+    bool mustSkip_ = false;
 };
 
 /// Gives up a row's detail object if it is the one in the host's record.
@@ -181,7 +190,8 @@ class TypedFileListPage : public FileListPage {
     void RemoveRows(std::vector<std::size_t> records) override { model_->Remove(std::move(records)); }
 
     AddingRequest RequestFor(std::vector<std::wstring> paths) const override {
-        AddingRequest request{std::move(paths), {}, model_->Count()};
+        AddingRequest request{.paths = std::move(paths), .listed = {}, .rowsBefore = model_->Count()};
+        request.drives = Services().drives;
         for (const Row& row : model_->Rows()) {
             request.listed.emplace(PathKey(row.path), row.path);
         }
@@ -189,40 +199,101 @@ class TypedFileListPage : public FileListPage {
     }
 
     AddingSummary AddRows(AddingRequest request, const std::function<void()>& appended) override {
-        const auto deliver = [&](std::vector<Row> batch) {
+        const std::size_t before = model_->Count();
+        typename FileReader<Row>::Rows rows = AwaitedRows();
+        rows.append = [&](std::vector<Row> batch) {
             const std::size_t first = model_->Count();
             model_->Append(std::move(batch));
             appended();
             RowsRead(first);
         };
-        return reader_.Add(Description().adding, std::move(request), deliver, Services().prompts, Progress());
+        rows.replace = [&](auto read) {
+            model_->Change([&](std::vector<Row>& all) {
+                for (auto& [row, record] : read) {
+                    all[before + row] = std::move(record);
+                }
+            });
+            RowsRead(before + read.front().first);
+        };
+        rows.remove = [&](std::vector<std::size_t> gone) {
+            std::ranges::for_each(gone, [&](std::size_t& row) { row += before; });
+            model_->Remove(std::move(gone));
+        };
+        return reader_.Add(Description().adding, std::move(request), rows, Services().prompts, Progress());
+    }
+
+    void RemoveAwaited() override {
+        std::vector<std::size_t> records;
+        for (std::size_t record = 0; record < model_->Count(); ++record) {
+            if (model_->Rows()[record].place.isAwaited) {
+                records.push_back(record);
+            }
+        }
+        model_->Remove(std::move(records));
     }
 
     bool RereadRows() override {
         AddingRequest request;
+        request.drives = Services().drives;
         for (auto row = model_->Rows().rbegin(); row != model_->Rows().rend(); ++row) {
             request.paths.push_back(row->path);
         }
-        std::vector<Row> fresh;  // of the last rows, last first; fewer than rows when stopped
-        const auto keep = [&](std::vector<Row> batch) {
-            std::ranges::move(batch, std::back_inserter(fresh));
-        };
+        std::vector<Row> fresh;
         AddingDescription again;
         again.progressText = Description().refreshProgress;
-        reader_.Add(again, std::move(request), keep, Services().prompts, Progress());
+        reader_.Add(again, std::move(request), RowsIn(fresh), Services().prompts, Progress());
+        return TakeFresh(std::move(fresh));
+    }
+
+  private:
+    typename FileReader<Row>::Rows AwaitedRows() {
+        typename FileReader<Row>::Rows rows;
+        rows.await = [](Row& row, const std::wstring& text) {
+            row.summary = text;
+            row.findings.clear();
+            row.place.isAwaited = true;
+            if constexpr (requires { row.threw; }) {
+                row.threw = false;
+            }
+        };
+        rows.tellAwaited = [this](std::size_t files) { TellAwaited(files); };
+        rows.mustSkip = [this] { return TakeSkip(); };
+        return rows;
+    }
+
+    typename FileReader<Row>::Rows RowsIn(std::vector<Row>& fresh) {
+        typename FileReader<Row>::Rows rows = AwaitedRows();
+        rows.append = [&](std::vector<Row> batch) { std::ranges::move(batch, std::back_inserter(fresh)); };
+        rows.replace = [&](auto read) {
+            for (auto& [row, record] : read) {
+                fresh[row] = std::move(record);
+            }
+        };
+        rows.remove = [&](const std::vector<std::size_t>& gone) { EraseAt(fresh, gone); };
+        return rows;
+    }
+
+    /// Takes rows that were read again, some or all. True if one has something new to say.
+    bool TakeFresh(std::vector<Row> fresh) {
         bool isNew = false;
         model_->Change([&](std::vector<Row>& rows) {
-            auto row = rows.rbegin();
-            for (Row& read : fresh) {
-                isNew = isNew || read.summary != row->summary;
-                *row++ = std::move(read);
+            std::unordered_map<std::wstring_view, Row*> rowOf;
+            for (Row& row : fresh) {
+                rowOf.emplace(row.path, &row);
+            }
+            for (Row& row : rows) {
+                if (const auto read = rowOf.find(row.path); read != rowOf.end()) {
+                    isNew = isNew || read->second->summary != row.summary;
+                    Row taken = std::move(*read->second);
+                    rowOf.erase(read);
+                    row = std::move(taken);
+                }
             }
         });
         RowsRead(0);
         return isNew;
     }
 
-  private:
     /// The files are compared where they are read: a drive that does not answer holds up nothing else.
     void MarkExisting() {
         if (const auto member = Description().existingFiles;

@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QToolButton>
 
+#include "dialog/RunInputFilter.h"
 #include "support/Format.h"
 #include "support/ImageIndex.h"
 #include "support/QtText.h"
@@ -33,10 +34,10 @@ ListStatus::ListStatus(const std::vector<QIcon>& images, QWidget* parent) : QWid
     auto* line = new QHBoxLayout(this);
     line->setContentsMargins(0, 0, 0, 0);
     line->setSpacing(6);
-    stopped_ = new QLabel;
-    stopped_->setObjectName(QStringLiteral("statusStopped"));
-    stopped_->hide();
-    line->addWidget(stopped_);
+    awaited_ = AddLabel("statusAwaited");
+    skip_ = AddButton("statusSkip", text::kListSkip, text::kListSkipTooltip);
+    RunInputFilter::AllowDuringRun(*skip_);
+    stopped_ = AddLabel("statusStopped");
     continue_ = AddButton("statusContinue", text::kListContinue, text::kListContinueTooltip);
     AddCount(RowProperty::Errors, "statusErrors", text::kListErrors, images[kImageNotLoadable]);
     AddCount(RowProperty::Warnings, "statusWarnings", text::kListWarnings, images[kImageWarning]);
@@ -47,9 +48,18 @@ ListStatus::ListStatus(const std::vector<QIcon>& images, QWidget* parent) : QWid
     // What does not fit is cut off at the right; the dialog can be as narrow as before.
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     setFixedHeight(removeThose_->sizeHint().height());
+    connect(skip_, &QToolButton::clicked, this, &ListStatus::SkipRequested);
     connect(continue_, &QToolButton::clicked, this, &ListStatus::ContinueRequested);
     connect(removeThose_, &QToolButton::clicked, this,
             [this] { emit RemoveRequested(RowProperty::InProject); });
+}
+
+QLabel* ListStatus::AddLabel(const char* name) {
+    auto* label = new QLabel;
+    label->setObjectName(QLatin1String(name));
+    label->hide();
+    layout()->addWidget(label);
+    return label;
 }
 
 QToolButton* ListStatus::AddButton(const char* name, StringId text, StringId tooltip, const QIcon& icon) {
@@ -92,15 +102,23 @@ void ListStatus::ClearStopped() {
     Arrange();
 }
 
+void ListStatus::SetAwaited(std::size_t files) {
+    awaited_->setText(ToQString(FormatText(Text(text::kListWaiting), {files})));
+    isWaiting_ = files > 0;
+    Arrange();
+}
+
 void ListStatus::SetCrowded(bool crowded) {
     crowded_ = crowded;
     Arrange();
 }
 
 void ListStatus::Arrange() {
+    awaited_->setVisible(isWaiting_);
+    skip_->setVisible(isWaiting_);
     stopped_->setVisible(isStopped_);
     continue_->setVisible(isStopped_);
-    setVisible(!crowded_ || isStopped_);
+    setVisible(!crowded_ || isStopped_ || isWaiting_);
 }
 
 }  // namespace orvex

@@ -24,13 +24,16 @@ class ListStatus : public QWidget {
     /// Says that reading ended after `read` of `of` files, and offers to continue.
     void SetStopped(std::size_t read, std::size_t of);
     void ClearStopped();
-    /// Where there is no room the line shows only what can be continued.
+    /// Says how many files wait for a drive, and offers to skip them; 0: nothing.
+    void SetAwaited(std::size_t files);
+    /// Where there is no room the line shows only what can be skipped or continued.
     void SetCrowded(bool crowded);
 
   signals:
     void SelectRequested(RowProperty property);
     void RemoveRequested(RowProperty property);
     void ContinueRequested();
+    void SkipRequested();
 
   private:
     struct Count {
@@ -44,12 +47,17 @@ class ListStatus : public QWidget {
 
     void Arrange();
 
+    QLabel* AddLabel(const char* name);
+
+    QLabel* awaited_;
+    QToolButton* skip_;
     QLabel* stopped_;
     QToolButton* continue_;
     std::vector<Count> counts_;
     QToolButton* removeThose_;
     bool crowded_ = false;
     bool isStopped_ = false;
+    bool isWaiting_ = false;
 };
 
 }  // namespace orvex

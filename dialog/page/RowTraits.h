@@ -39,8 +39,9 @@ RowTraits TraitsOf(const Row& row) {
                      .inProject = row.place.inProject,
                      .path = row.path,
                      .layer = row.place.layer};
+    const bool isRead = traits.flag != LoadFlag::Awaited;
     const bool isLoadable = traits.flag != LoadFlag::NotLoadable;
-    traits.crs = isLoadable ? row.crs : nullptr;
+    traits.crs = isRead && isLoadable ? row.crs : nullptr;
     traits.lacksCrs = traits.crs != nullptr && traits.crs->sourceWkt.empty();
     traits.hasErrors = !isLoadable;
     for (const Finding& finding : row.findings) {

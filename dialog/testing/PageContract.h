@@ -17,10 +17,13 @@
 #include <QTabBar>
 #include <QTableView>
 #include <QTextEdit>
+#include <QTimer>
 #include <QToolButton>
 #include <QWhatsThis>
 #include <algorithm>
 #include <fstream>
+#include <functional>
+#include <future>
 #include <map>
 #include <new>
 #include <optional>
@@ -159,6 +162,10 @@ class FilePage : public ::testing::WithParamInterface<PageContract>, public Page
     }
     bool Has(int id) const { return id != 0 && Enabled(id); }
     FilesByFolder Files() const { return FilesIn(params, GetParam().files); }
+    int SummaryColumn() const {
+        const int summary = ColumnNamed("summary");
+        return summary < std::ssize(Model().Columns()) ? summary : ColumnNamed("state");
+    }
     bool ShowsLayers() const { return ColumnNamed("layer") < std::ssize(Model().Columns()); }
 
     /// Text of a control, or "on" and "off".
@@ -519,6 +526,97 @@ TEST_P(FilePage, ProgressIsShownAndEscapeKeepsWhatWasAdded) {
     EXPECT_EQ(Names().back(), NameOf(L"tile898"));
     EXPECT_THAT(prompts.shown, ::testing::SizeIs(GetParam().asksAtTen ? 3 : 1))
         << "once for each list, and the failure";
+}
+
+/// A folder on a drive of its own that answers when the test lets it; nothing else is waited for.
+class DeadDrive {
+  public:
+    explicit DeadDrive(std::wstring folder) : folder_(std::move(folder)) {}
+    ~DeadDrive() {
+        Answer();
+        gone_.wait();  // those that have waited for it
+    }
+    DeadDrive(const DeadDrive&) = delete;
+    DeadDrive& operator=(const DeadDrive&) = delete;
+
+    DriveAccess Access() {
+        return {.driveOf = [](const std::wstring& folder) { return folder; },
+                .patience = {},
+                .reach =
+                    [drive = folder_, open = gate_.get_future().share(),
+                     last = std::shared_ptr<void>(nullptr, [this](void*) { last_.set_value(); })](
+                        const std::wstring& path) {
+                        if (FolderOf(path) == drive) {
+                            open.wait();
+                        }
+                    }};
+    }
+    void Answer() {
+        if (!std::exchange(isOpen_, true)) {
+            gate_.set_value();
+        }
+    }
+
+  private:
+    const std::wstring folder_;
+    std::promise<void> gate_;
+    std::promise<void> last_;
+    std::future<void> gone_ = last_.get_future();
+    bool isOpen_ = false;
+};
+
+TEST_P(FilePage, ADriveThatDoesNotAnswerHoldsUpItsOwnRowsAndCanBeSkipped) {
+    const std::wstring a = Good(L"dead/a");
+    const std::wstring b = Good(L"b");
+    const std::wstring c = Good(L"dead/c");
+    const std::wstring waiting = FormatText(Text(text::kWaitingFor), {FolderOf(a)});
+    DeadDrive drive(FolderOf(a));
+    services.drives = drive.Access();
+    Open();
+    services.drives = {};  // the page keeps a copy
+    auto& rows = dynamic_cast<ListRows&>(Model());
+    const auto* errors = Find("statusErrors");
+    std::vector<std::wstring> shown;
+    const auto whenOthersAreRead = [&](const std::function<void()>& act) {
+        const auto isAwaited = [&](std::size_t record) {
+            return rows.Traits(record).flag == LoadFlag::Awaited;
+        };
+        if (shown.empty() && rows.Count() == 3 && isAwaited(0) && !isAwaited(1) && isAwaited(2) &&
+            Find("statusSkip")->isVisible()) {
+            shown = Names();
+            EXPECT_THAT(rows.CellText(0, SummaryColumn()), ::testing::HasSubstr(waiting));
+            EXPECT_EQ(ToWide(Find<QLabel>("statusAwaited")->text()),
+                      FormatText(Text(text::kListWaiting), {2}));
+            EXPECT_FALSE(errors->isVisible()) << "nothing is wrong with them";
+            act();
+        }
+    };
+    const std::vector<std::wstring> all{NameOf(L"a"), NameOf(L"b"), NameOf(L"c")};
+    QTimer timer;
+    timer.start(1);
+    const auto run = [&](const std::function<void()>& start, const std::function<void()>& act) {
+        shown.clear();
+        const auto tick = QObject::connect(&timer, &QTimer::timeout, [&] { whenOthersAreRead(act); });
+        start();
+        QObject::disconnect(tick);
+        EXPECT_EQ(shown, all);
+        EXPECT_FALSE(Find("statusSkip")->isVisible());
+    };
+    run([&] { Pick({a, b, c}); }, [&] { Click("statusSkip"); });
+    EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"b")));
+    EXPECT_TRUE(Find("statusContinue")->isVisible()) << "the others can be read later";
+    EXPECT_EQ(ToWide(Find<QLabel>("statusStopped")->text()), FormatText(Text(text::kListStopped), {1, 3}));
+    EXPECT_THAT(prompts.shown, ::testing::IsEmpty());
+    Click(GetParam().clear);
+    run([&] { Pick({a, b, c}); }, [&] { drive.Answer(); });
+    EXPECT_EQ(Names(), all);
+    Click(GetParam().refresh == 0 ? GetParam().detailColumns : GetParam().refresh);
+    EXPECT_EQ(Names(), all);
+    for (std::size_t record = 0; record < rows.Count(); ++record) {
+        EXPECT_FALSE(rows.Traits(record).hasErrors) << record;
+        EXPECT_NE(rows.Traits(record).flag, LoadFlag::Awaited);
+    }
+    Close();
 }
 
 TEST_P(FilePage, FilesThatTheProjectHasAreMarkedFromTheStart) {

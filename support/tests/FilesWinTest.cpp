@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include "support/Drives.h"
 #include "support/Files.h"
 #include "support/Handle_win.h"
 #include "support/MappedFile.h"
@@ -15,6 +16,23 @@ TEST(Files, AreTheSameInAnyLetterCaseAndWithAnySeparator) {
     const std::wstring file = folder.Write(L"sub\\Größe.las", "x");
     EXPECT_TRUE(IsSameFile(file, folder.Name(L"SUB/GRÖßE.LAS")));
     EXPECT_EQ(CanonicalPath(folder.Name(L"SUB")), CanonicalPath(folder.Name(L"sub")));
+}
+
+TEST(Drives, AreLettersSharesAndVolumes) {
+    const std::pair<const wchar_t*, const wchar_t*> cases[] = {
+        {LR"(c:\data\tiles)", L"C:"},
+        {L"C:", L"C:"},
+        {LR"(\\?\c:\data)", L"C:"},
+        {LR"(\\nas\share\data)", LR"(\\NAS\SHARE)"},
+        {L"//nas/share", LR"(\\NAS\SHARE)"},
+        {LR"(\\?\UNC\nas\Share\data)", LR"(\\NAS\SHARE)"},
+        {LR"(\\nas)", LR"(\\NAS)"},
+        {LR"(\\?\Volume{12}\data)", L"VOLUME{12}"},
+        {L"", L""},
+    };
+    for (const auto& [folder, drive] : cases) {
+        EXPECT_EQ(FindDrivesByName()(folder), drive) << ToUtf8(folder);
+    }
 }
 
 TEST(MappedFile, NamesTheSystemsReason) {

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "support/Drives.h"
 #include "support/Environment.h"
 #include "support/MappedFile.h"
 #include "support/Text.h"
@@ -35,6 +36,28 @@ TEST(Environment, NamesTheSettingsFolders) {
     EXPECT_EQ(MachineConfigFolder(), "/etc/orvex");
     const Variable moved(L"ORVEX_MACHINE_CONFIG_DIR", L"/elsewhere");
     EXPECT_EQ(MachineConfigFolder(), "/elsewhere");
+}
+
+TEST(Drives, AreToldApartWithoutLookingAtThem) {
+    const DriveFinder driveOf = FindDrivesByName();
+    EXPECT_NE(driveOf(L"/"), L"");
+    EXPECT_NE(driveOf(L"/proc"), driveOf(L"/"));
+    EXPECT_EQ(driveOf(L"/proc/self/not there"), driveOf(L"/proc"));
+    EXPECT_EQ(driveOf(L"/processes"), driveOf(L"/")) << "no part of a name";
+    EXPECT_EQ(driveOf(L""), L"");
+}
+
+TEST(Drives, LinksAreFollowedFromTheDriveWithTheRootFolder) {
+    const testing::TemporaryFolder folder;
+    const DriveFinder driveOf = FindDrivesByName();
+    std::filesystem::create_directory_symlink("/proc/self", ToPath(folder.Name(L"link")));
+    std::filesystem::create_directory_symlink("link/fd", ToPath(folder.Name(L"further")));
+    std::filesystem::create_directory_symlink("circle", ToPath(folder.Name(L"circle")));
+    const std::wstring here = driveOf(folder.Name({}));
+    const bool isFollowed = here == driveOf(L"/");
+    EXPECT_EQ(driveOf(folder.Name(L"link/task")), isFollowed ? driveOf(L"/proc") : here);
+    EXPECT_EQ(driveOf(folder.Name(L"further/deep")), isFollowed ? driveOf(L"/proc") : here);
+    EXPECT_EQ(driveOf(folder.Name(L"circle/x")), here);
 }
 
 TEST(Environment, TheCacheFolderIsNeverTheCurrentOne) {
