@@ -198,6 +198,7 @@ void DialogDriver::AddTabSteps(int tab) {
     AddWhenIdle("the tab " + QString::number(tab), [this, tab] {
         dialog_->findChild<QTabBar*>()->setCurrentIndex(tab);
         DropPhotos();
+        ChooseCompanions();
     });
     AddWhenIdle("the cloud layer browser", [this] { OpenAddMenu(kBrowseCommand); });
     AddWhenIdle("the pre-signed URL dialog", [this] { OpenAddMenu(kUrlCommand); });
@@ -235,6 +236,14 @@ void DialogDriver::DropPhotos() {
     QApplication::sendEvent(page, &enter);
     QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(page, &drop);
+}
+
+/// Has QVR companions built for LAS files.
+void DialogDriver::ChooseCompanions() {
+    auto* const button = dialog_->findChild<QAbstractButton*>("c269");
+    if (button != nullptr && button->isVisible() && button->isEnabled()) {
+        button->click();
+    }
 }
 
 /// Runs a command of the cloud page's add menu. The menu, and the dialog that the command opens, are answered

@@ -99,6 +99,7 @@ class DialogDriver final : public QObject {
     void OpenAddMenu(int command);
     void ClickOnCloudPage(const char* button);
     void ToggleDetailColumns();
+    void ChooseCompanions();
     bool IsIdle();
     QString CurrentTabName() const;
 

@@ -258,7 +258,7 @@ void FootprintItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* opt
     fill.setAlpha(isLight_ ? 25 : 60);
     if (!isFeature || !hasThumbnail_) {
         painter->setPen(QPen(colour, 1, isOutline && !hasThumbnail_ ? Qt::DashLine : Qt::SolidLine));
-        painter->setBrush(isOutline ? QBrush(Qt::NoBrush) : QBrush(fill));
+        painter->setBrush(isOutline || hasThumbnail_ ? QBrush(Qt::NoBrush) : QBrush(fill));
         DrawOutline(*painter, *view);
     }
     fill.setAlpha(hasThumbnail_ ? 50 : 120);

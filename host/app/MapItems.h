@@ -1,6 +1,6 @@
 #pragma once
-// What the map shows, from below: thumbnails, the coordinate grid, footprints, shapes of features (see
-// FeatureItem). Scene coordinates are those of the coordinate system; the view turns y up.
+// What the map shows, from below: thumbnails, the coordinate grid, points of LAS files, footprints, shapes of
+// features (see FeatureItem). Scene coordinates are those of the coordinate system; the view turns y up.
 #include <QGraphicsItem>
 #include <QImage>
 #include <QPolygonF>
@@ -18,7 +18,7 @@ namespace orvex {
 inline constexpr double kFarthest = 1e12;
 
 /// What lies over what, from below.
-enum MapOrder { kThumbnailOrder, kGridOrder, kFootprintOrder, kHoveredOrder, kFeatureOrder };
+enum MapOrder { kThumbnailOrder, kGridOrder, kPointOrder, kFootprintOrder, kHoveredOrder, kFeatureOrder };
 
 /// Corners of a file on the ground, in order around it; a raster's from its first pixel on; the place of a
 /// photo. Empty when the file states no extent, an inverted one, or one that is not finite or beyond any
@@ -78,7 +78,8 @@ class FootprintItem final : public QGraphicsItem {
     QRectF Pixels() const;
     /// True if the footprint, widened by `slack` on every side, contains a place.
     bool Contains(const QPointF& world, double slack) const;
-    /// A raster without a thumbnail has a dashed outline, and so has a shapefile of which not all is drawn.
+    /// A raster without a thumbnail has a dashed outline, and so has a shapefile of which not all is drawn. A
+    /// LAS file whose points are drawn is not filled.
     void SetHasThumbnail(bool hasThumbnail);
     /// On a map with rasters fills are lighter, so that thumbnails shine through.
     void SetLight(bool isLight);

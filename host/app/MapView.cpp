@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "host/app/FeatureItem.h"
 #include "host/app/HostText.h"
@@ -41,6 +42,7 @@ MapView::MapView(const Project& project, QWidget* parent) : QGraphicsView(parent
     connect(&thumbnails_, &Thumbnails::Changed, this, &MapView::UpdateThumbnails);
     connect(&photoCard_, &PhotoCard::Changed, viewport(), qOverload<>(&QWidget::update));
     connect(&shapes_, &Thumbnails::Changed, this, &MapView::UpdateShapes);
+    connect(&points_, &MapPoints::Changed, this, &MapView::UpdatePoints);
 }
 
 void MapView::ShowCrs(const std::string& wkt) {
@@ -54,6 +56,7 @@ void MapView::Reload() {
     footprints_.clear();
     thumbnailItems_.clear();
     shapeItems_.clear();
+    pointItem_ = nullptr;
     scene_.clear();
     for (std::size_t layer = 0; layer < project_.layers.size(); ++layer) {
         if (groups_.Of(project_.layers[layer].wkt) == groups_.Of(wkt_)) {
@@ -71,6 +74,8 @@ void MapView::Reload() {
     UpdateThumbnails();
     shapes_.Request(PathsOf(LayerKind::Feature));
     UpdateShapes();
+    points_.SetFiles(PointFiles());
+    ShowPoints();
     viewport()->update();
 }
 
@@ -127,6 +132,49 @@ void MapView::UpdateShapes() {
     }
 }
 
+std::vector<PointFile> MapView::PointFiles() const {
+    std::vector<PointFile> files;
+    for (const FootprintItem* item : footprints_) {
+        const LayerFile& file = FileOf(*item);
+        if (project_.layers[item->Layer()].kind == LayerKind::Las && !file.footprintOnly) {
+            files.push_back({file.PointsPath(), item->Extent(), file.min[2], file.max[2], file.thinning});
+        }
+    }
+    return files;
+}
+
+/// Asks for the points of what the view shows.
+void MapView::ShowPoints() {
+    // As the view draws: it is at whole pixels.
+    const QRectF pixels(viewport()->rect());
+    points_.Show(viewportTransform().inverted().mapRect(pixels),
+                 (pixels.size() * viewport()->devicePixelRatioF()).toSize());
+}
+
+void MapView::UpdatePoints() {
+    delete std::exchange(pointItem_, nullptr);
+    if (const auto& [image, world] = points_.Picture(); !image.isNull()) {
+        RasterInfo place;
+        place.width = image.width();
+        place.height = image.height();
+        place.transform = {world.left(),
+                           world.width() / image.width(),
+                           0,
+                           world.bottom(),
+                           0,
+                           -world.height() / image.height()};
+        pointItem_ = new ThumbnailItem(image, place);
+        pointItem_->setZValue(kPointOrder);
+        scene_.addItem(pointItem_);
+    }
+    for (FootprintItem* item : footprints_) {
+        if (project_.layers[item->Layer()].kind == LayerKind::Las) {
+            const CompanionUse* const use = points_.UseOf(FileOf(*item).PointsPath());
+            item->SetHasThumbnail(use != nullptr && use->isShown);
+        }
+    }
+}
+
 void MapView::FitAll() {
     Fit(ExtentOf([](const FootprintItem&) { return true; }), kMargin);
     fitWhenSized_ = true;
@@ -171,6 +219,7 @@ void MapView::LookAt(const QPointF& world, double pixelsPerUnit) {
     // in 32 bits, would not reach every place at every scale.
     constexpr double kTiny = 1e-300;
     setSceneRect(QRectF(centre_, QSizeF(kTiny, kTiny)));
+    ShowPoints();
 }
 
 void MapView::ZoomAbout(const QPointF& pixel, double factor) {
@@ -248,6 +297,8 @@ void MapView::resizeEvent(QResizeEvent* event) {
     QGraphicsView::resizeEvent(event);
     if (fitWhenSized_) {
         FitAll();
+    } else {
+        ShowPoints();
     }
 }
 
@@ -282,12 +333,23 @@ bool MapView::IsPhoto(const FootprintItem* item) const {
     return item != nullptr && project_.layers[item->Layer()].kind == LayerKind::Photo;
 }
 
+/// A line on the companion of a LAS file; empty if there is none, or nothing is known of it yet.
+QString MapView::CompanionRemark(const LayerFile& file) const {
+    const CompanionUse* const use = points_.UseOf(file.PointsPath());
+    if (use == nullptr || (!use->isShown && use->reason.isEmpty())) {
+        return {};
+    }
+    return '\n' + (use->isShown ? HostText(text::kMapPointsShown)
+                                : HostText(text::kMapCompanionNotUsed, {ToWide(use->reason)}));
+}
+
 QString MapView::Describe(const FootprintItem& item) const {
     const Layer& layer = project_.layers[item.Layer()];
     const LayerFile& file = FileOf(item);
     const QString name = ToQString(file.path) + '\n' + ToQString(layer.name) + '\n';
     if (layer.kind == LayerKind::Las) {
-        return name + HostText(text::kFootprintPointsTooltip, {GroupedNumber(file.points)});
+        return name + HostText(text::kFootprintPointsTooltip, {GroupedNumber(file.points)}) +
+               CompanionRemark(file);
     }
     if (layer.kind == LayerKind::Photo) {
         return name + ToQString(file.photo.timeUtc);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/app/FeatureShapes.h"
+#include "host/app/MapPoints.h"
 #include "host/app/PhotoCard.h"
 #include "host/app/Project.h"
 #include "host/app/Thumbnails.h"
@@ -15,9 +16,9 @@ namespace orvex {
 
 class FootprintItem;
 
-/// The map: footprints of the files of one coordinate system, thumbnails of the rasters and shapes of the
-/// shapefiles among them. The
-/// wheel zooms about the cursor, dragging pans, a click selects, hovering names the file.
+/// The map: footprints of the files of one coordinate system, thumbnails of the rasters, shapes of the
+/// shapefiles and points of the LAS files that have companions among them. The wheel zooms about the cursor,
+/// dragging pans, a click selects, hovering names the file.
 class MapView final : public QGraphicsView {
     Q_OBJECT
 
@@ -37,9 +38,10 @@ class MapView final : public QGraphicsView {
     /// Highlights files (layer and place in it) without emitting a signal.
     void SetSelected(const std::set<std::pair<std::size_t, std::size_t>>& files);
 
-    /// True while thumbnails and shapes are being read.
+    /// True while thumbnails, shapes and points are being read.
     bool IsLoading() const {
-        return thumbnails_.IsLoading() || shapes_.IsLoading() || photoCard_.IsLoading();
+        return thumbnails_.IsLoading() || shapes_.IsLoading() || photoCard_.IsLoading() ||
+               points_.IsLoading();
     }
 
     QSize sizeHint() const override { return {640, 480}; }
@@ -71,6 +73,10 @@ class MapView final : public QGraphicsView {
     void AddLayer(std::size_t layer);
     void UpdateThumbnails();
     void UpdateShapes();
+    void UpdatePoints();
+    void ShowPoints();
+    std::vector<PointFile> PointFiles() const;
+    QString CompanionRemark(const LayerFile& file) const;
     std::vector<std::wstring> PathsOf(LayerKind kind) const;
     QRectF ExtentOf(const std::function<bool(const FootprintItem&)>& isMeant) const;
     void LookAt(const QPointF& world, double pixelsPerUnit);
@@ -93,11 +99,13 @@ class MapView final : public QGraphicsView {
     CrsGroups groups_;
     Thumbnails thumbnails_;
     Thumbnails shapes_{nullptr, ReadShapes};  ///< of the shapefiles
+    MapPoints points_;                        ///< of the LAS files
     PhotoCard photoCard_;
     QGraphicsScene scene_;
     std::vector<FootprintItem*> footprints_;  ///< owned by the scene, as the next
     std::vector<QGraphicsItem*> thumbnailItems_;
     std::vector<QGraphicsItem*> shapeItems_;
+    QGraphicsItem* pointItem_ = nullptr;
     FootprintItem* hovered_ = nullptr;
     QPointF centre_;            ///< scene coordinates at the middle of the view
     bool fitWhenSized_ = true;  ///< until the user zooms or pans, a new size fits again

@@ -76,6 +76,11 @@ struct LayerFile {
     int pointFormat = 0;
     bool readOnly = true;
     bool footprintOnly = false;
+    int thinning = 0;       ///< one of so many points is drawn while the map moves; 0: not stated
+    std::wstring opened{};  ///< of a LAZ file that was decompressed: the LAS file; else empty
+
+    /// The file that holds the points, and has the companion.
+    const std::wstring& PointsPath() const { return opened.empty() ? path : opened; }
 
     friend bool operator==(const LayerFile&, const LayerFile&) = default;
 };

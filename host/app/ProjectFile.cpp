@@ -87,6 +87,8 @@ QJsonObject LasToJson(const LayerFile& file) {
         {"pointFormat", file.pointFormat},
         {"readOnly", file.readOnly},
         {"footprintOnly", file.footprintOnly},
+        {"thinning", file.thinning},
+        {"opened", PathToJson(file.opened)},
     };
 }
 
@@ -100,6 +102,8 @@ LayerFile LasFromJson(const QJsonObject& json) {
     file.pointFormat = json["pointFormat"].toInt();
     file.readOnly = json["readOnly"].toBool(true);
     file.footprintOnly = json["footprintOnly"].toBool();
+    file.thinning = json["thinning"].toInt();
+    file.opened = PathFromJson(json["opened"]);
     return file;
 }
 

@@ -120,6 +120,22 @@ std::wstring Choice(std::int32_t choice, std::initializer_list<StringId> texts) 
     return Text(texts.begin()[choice >= 0 && choice < last ? choice : last]);
 }
 
+/// An option that asks for OrvexLAS files.
+template <bool AddFilesParams::*kMember>
+std::wstring NotWritten(Record record) {
+    const std::wstring value = YesNo<kMember>(record);
+    return record.*kMember ? FormatText(Text(text::kRecordOrvexLasNotWritten), {value}) : value;
+}
+
+std::wstring PyramidType(Record record) {
+    const std::wstring type =
+        Choice(record.lasPyramidType - 1,
+               {text::kRecordPyramidOrvexLas, text::kRecordPyramidQvr, text::kRecordPyramidNone});
+    return record.lasPyramidType == kPyramidOrvexLas
+               ? FormatText(Text(text::kRecordOrvexLasNotWritten), {type})
+               : type;
+}
+
 constexpr RecordOption kLasOptions[] = {
     {text::kRecordOpen, Access<&AddFilesParams::lasOpenSetting>},
     {text::kRecordLoad,
@@ -130,18 +146,14 @@ constexpr RecordOption kLasOptions[] = {
     {text::kRecordIgnoreIncompatibleCrs, YesNo<&AddFilesParams::lasIgnoreIncompatibleCrs>},
     {text::kRecordLoadCorruptFiles, YesNo<&AddFilesParams::lasLoadCorruptFiles>},
     {text::kRecordThinning, Number<&AddFilesParams::lasThinning>},
-    {text::kRecordPyramid,
-     [](Record record) {
-         return Choice(record.lasPyramidType - 1,
-                       {text::kRecordPyramidOrvexLas, text::kRecordPyramidQvr, text::kRecordPyramidNone});
-     }},
-    {text::kRecordConvertQvr, YesNo<&AddFilesParams::convertExistingQvr>},
+    {text::kRecordPyramid, PyramidType},
+    {text::kRecordConvertQvr, NotWritten<&AddFilesParams::convertExistingQvr>},
     {text::kRecordOriginalLasFiles,
      [](Record record) {
          return Choice(record.orvexLasBackupOption,
                        {text::kRecordOverwrite, text::kRecordBackup, text::kRecordBackupCompress});
      }},
-    {text::kRecordRecreateOrvexLas, YesNo<&AddFilesParams::reCreateOrvexLas>},
+    {text::kRecordRecreateOrvexLas, NotWritten<&AddFilesParams::reCreateOrvexLas>},
 };
 
 constexpr RecordOption kRasterOptions[] = {
@@ -295,6 +307,10 @@ std::vector<NewFile> LasFilesOf(const AddFilesParams& record, const LeftOutFiles
         added.file = Describe(details);
         added.file.path = path;
         added.file.footprintOnly = record.lasLoadSetting;
+        added.file.thinning = record.lasThinning;
+        if (details != nullptr && details->FileName() != path) {
+            added.file.opened = details->FileName();
+        }
     }
     return files;
 }

@@ -17,6 +17,7 @@
 #include "orvexcommon/AddFilesParams.h"
 #include "orvexcommon/Exports.h"
 #include "orvexcommon/LasFileInfo.h"
+#include "support/DesktopQt.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/ProjectPath.h"
@@ -145,7 +146,61 @@ void RecordIntake::TakeLas(const AddFilesParams& record) {
     for (NewFile& file : files) {
         file.file.readOnly = file.file.readOnly || access == LidarAccess::ReadOnly;
     }
+    if (record.lasPyramidType == kPyramidQvr && !record.lasLoadSetting && writesBesideData_) {
+        BuildCompanions(record, files);
+    }
     Keep(project_.Take(LayerKind::Las, files));
+}
+
+/// Files whose companions cannot be built are added without.
+void RecordIntake::BuildCompanions(const AddFilesParams& record, const std::vector<NewFile>& files) {
+    CompanionCheck check = CompanionsOf(files);
+    LasCompanionOptions options;
+    options.factor = record.lasThinning < 2 ? options.factor : record.lasThinning;
+    if (!check.unfit.empty() && ConfirmReplacing(check.unfit)) {
+        options.replaceExisting = true;
+        std::ranges::transform(check.unfit, std::back_inserter(check.missing), &FileFailure::path);
+    } else {
+        Report(text::kCompanionsNotUsed, check.unfit);
+    }
+    if (check.missing.empty()) {
+        return;
+    }
+    const auto result = std::make_shared<CompanionResult>();
+    const WorkEnd end = WorkDialog::Run(window_, HostText(text::kCompanionsTitle),
+                                        [=, paths = check.missing](Kst::ProgressIf& progress) {
+                                            *result = orvex::BuildCompanions(paths, options, progress);
+                                        });
+    if (end == WorkEnd::Abandoned || result->stopped) {
+        remarks_ += ' ' + HostText(text::kStatusCompanionsStopped);
+    }
+    if (end == WorkEnd::Finished) {
+        Report(text::kCompanionsFailed, result->failures);
+        if (result->built > 0) {
+            remarks_ += ' ' + HostText(text::kStatusCompanionsBuilt, {result->built});
+        }
+    }
+}
+
+/// Nothing when looking at them takes too long and is stopped.
+CompanionCheck RecordIntake::CompanionsOf(const std::vector<NewFile>& files) {
+    std::vector<std::wstring> paths;
+    std::ranges::transform(files, std::back_inserter(paths),
+                           [](const NewFile& file) { return file.file.PointsPath(); });
+    const auto check = std::make_shared<CompanionCheck>();
+    const WorkEnd end = WorkDialog::Run(
+        window_, HostText(text::kCompanionsTitle),
+        [paths, check](Kst::ProgressIf& progress) { *check = CheckCompanions(paths, progress); });
+    return end == WorkEnd::Finished ? *check : CompanionCheck();
+}
+
+bool RecordIntake::ConfirmReplacing(const std::vector<FileFailure>& unfit) {
+    const ReportPrompt question{Text(text::kCompanionsTitle),
+                                Text(text::kCompanionsStale),
+                                {SectionOf(text::kCompanionsStaleFiles, unfit)},
+                                Text(text::kCompanionsReplace),
+                                Text(text::kCompanionsKeep)};
+    return UserPromptsQt(window_).ShowReport(question) == PromptAnswer::Yes;
 }
 
 /// How LAS files are opened. The dialog has asked that; the LiDAR question comes only where its answer can

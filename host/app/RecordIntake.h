@@ -3,6 +3,7 @@
 #include <optional>
 #include <vector>
 
+#include "host/app/CompanionJobs.h"
 #include "host/app/PhotoJobs.h"
 #include "host/app/RasterJobs.h"
 #include "support/Text.h"
@@ -29,8 +30,9 @@ struct IntakeResult {
 /// way. For one record.
 class RecordIntake {
   public:
-    /// `projectFolder` replaces the project token in folder names. `writesBesideData`: pyramids may be built,
-    /// which lie beside their rasters. `window` is the parent of questions and progress.
+    /// `projectFolder` replaces the project token in folder names. `writesBesideData`: pyramids and
+    /// companions may be built, which lie beside their files. `window` is the parent of questions and
+    /// progress.
     RecordIntake(Project& project, QString projectFolder, bool writesBesideData, QWidget* window);
 
     IntakeResult Take(const AddFilesParams& record);
@@ -38,6 +40,9 @@ class RecordIntake {
   private:
     void LookAtFiles(const AddFilesParams& record);
     void TakeLas(const AddFilesParams& record);
+    void BuildCompanions(const AddFilesParams& record, const std::vector<NewFile>& files);
+    CompanionCheck CompanionsOf(const std::vector<NewFile>& files);
+    bool ConfirmReplacing(const std::vector<FileFailure>& unfit);
     void TakeRasters(const AddFilesParams& record);
     void TakeDems(const AddFilesParams& record);
     void TakeFeatures(const AddFilesParams& record);

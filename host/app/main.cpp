@@ -243,6 +243,10 @@ int RunDriven(int& argc, char** argv, const HostArguments& arguments) {
     watchdog.WaitingFor("the picture of the host");
     WaitForThumbnails(window);
     driver.TakePicture(&window, "host");
+    if (window.ShowKind(LayerKind::Las)) {
+        WaitForThumbnails(window);
+        driver.TakePicture(&window, "host-points");
+    }
     if (window.ShowKind(LayerKind::Photo)) {
         HoverPhoto(window);
         WaitForThumbnails(window);

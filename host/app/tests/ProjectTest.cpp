@@ -30,6 +30,8 @@ LayerFile File(const std::wstring& path) {
     file.pointFormat = 10;
     file.readOnly = false;
     file.footprintOnly = true;
+    file.thinning = 256;
+    file.opened = path + L".las";
     return file;
 }
 
