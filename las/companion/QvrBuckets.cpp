@@ -219,14 +219,22 @@ std::vector<QvrBucket> QvrBuckets::ReadLaz() {
     box_ = {{Extent().first}, {32, 32, 32}};
     box_.minimum.fill(std::numeric_limits<std::int32_t>::min());
     Distribution distribution(*this, {}, {});
+    AddLazPoints(distribution);
+    const auto [low, high] = distribution.PointExtent();
+    box_ = QvrBox::Around(low, high, source_.Scale());
+    std::vector<QvrBucket> all = distribution.Take();
+    return sizes_.BucketsFor(source_.Points()) > 1 ? Split(all.front()) : std::move(all);
+}
+
+void QvrBuckets::AddLazPoints(Distribution& distribution) {
     std::atomic<std::uint64_t> points = 0;
+    const auto add = [&](std::uint64_t first, std::span<const std::byte> records) {
+        points += records.size() / sizes_.form.recordLength;
+        distribution.Add(records, first);
+        return !work_.IsStopped();
+    };
     work_.Begin(FormatText(Text(text::kQvrReading), {FileNameOf(source_.Path())}), 2 * source_.Points());
     work_.Run(1, [&](std::uint64_t) {
-        const auto add = [&](std::uint64_t first, std::span<const std::byte> records) {
-            points += records.size() / sizes_.form.recordLength;
-            distribution.Add(records, first);
-            return !work_.IsStopped();
-        };
         std::wstring reason;
         if (!OrvexUtilities::LAZReadPoints(source_.Path(), sizes_.threads, add, reason) && !reason.empty()) {
             throw LDataError(reason);
@@ -237,10 +245,6 @@ std::vector<QvrBucket> QvrBuckets::ReadLaz() {
             FormatText(Text(text::kQvrSourceTruncated),
                        {source_.Path(), GroupedNumber(source_.Points()), GroupedNumber(points)}));
     }
-    const auto [low, high] = distribution.PointExtent();
-    box_ = QvrBox::Around(low, high, source_.Scale());
-    std::vector<QvrBucket> all = distribution.Take();
-    return sizes_.BucketsFor(points) > 1 ? Split(all.front()) : std::move(all);
 }
 
 std::vector<std::byte> QvrBuckets::SampleSource() const {

@@ -76,6 +76,7 @@ class QvrBuckets {
     std::vector<QvrBucket> ReadLas();
     std::vector<QvrBucket> ReadLaz();
     Extent DistributeLas(Distribution& distribution);
+    void AddLazPoints(Distribution& distribution);
     std::vector<std::byte> SampleSource() const;
     std::vector<std::byte> SampleBucket(const QvrBucket& bucket) const;
     std::vector<QvrPlace> BoundsOf(const std::vector<std::byte>& sample, std::uint64_t points,

@@ -9,8 +9,9 @@ namespace {
 // A bucket of so many points and its keys stay in a processor's cache.
 constexpr std::uint64_t kHandyPoints = std::uint64_t{1} << 17U;
 constexpr std::uint64_t kMostPoints = (std::uint64_t{1} << 24U) - 1;
-// Beside a point itself: its key twice, its generation, its place in the order.
-constexpr std::uint64_t kBytesPerPoint = 64;
+// Two keys of a point, its generation, its place in the order.
+constexpr std::uint64_t kKeyBytes = 64;
+constexpr std::uint64_t kMostBuckets = std::uint64_t{1} << 16U;
 constexpr std::uint64_t kMemoryBlock = std::uint64_t{16} << 10U;
 constexpr std::uint64_t kFileBlock = std::uint64_t{64} << 10U;
 constexpr std::uint64_t kSmallestBlock = std::uint64_t{4} << 10U;
@@ -30,34 +31,51 @@ QvrSizes QvrSizes::For(std::uint64_t points, std::size_t recordLength, const Qvr
     sizes.form = {recordLength, settings.randomOrder.value_or(true), settings.seed};
     sizes.threads =
         settings.threads == 0 ? std::max(1U, std::thread::hardware_concurrency()) : settings.threads;
-    // The blocks that are filled while points are distributed, then the buckets that are ordered.
-    const std::uint64_t perThread = settings.memory / 4 * 3 / sizes.threads;
-    const std::uint64_t stride = sizes.form.Stride();
-    const std::uint64_t perPoint = 2 * stride + kBytesPerPoint;
-    sizes.mostPoints = Narrow(std::clamp<std::uint64_t>(perThread / perPoint, 64, kMostPoints));
-    sizes.wantedPoints = Narrow(std::min<std::uint64_t>(sizes.mostPoints / 3 * 2, kHandyPoints));
-    sizes.mostBuckets = Narrow(std::clamp<std::uint64_t>(perThread / kSmallestBlock, 8, 1U << 16U));
-    const std::uint64_t buckets = sizes.BucketsFor(points);
-    const std::uint64_t usual =
-        sizes.threads *
-        std::max(buckets * kMemoryBlock, std::min<std::uint64_t>(sizes.wantedPoints, points) * perPoint);
-    const std::uint64_t perStored = stride + sizeof(std::uint32_t);
-    sizes.isInMemory = settings.memory > usual && points <= (settings.memory - usual) / perStored;
-    if (sizes.isInMemory) {
-        const std::uint64_t left = (settings.memory - points * perStored) / sizes.threads / perPoint;
-        sizes.mostPoints = Narrow(std::clamp<std::uint64_t>(left, sizes.wantedPoints, sizes.mostPoints));
-    }
-    const std::uint64_t block =
-        std::clamp(perThread / buckets, kSmallestBlock, sizes.isInMemory ? kMemoryBlock : kFileBlock);
-    sizes.blockRecords = Narrow(std::clamp<std::uint64_t>(block / stride, 1, sizes.mostPoints));
-    const std::uint64_t blocks = sizes.threads * buckets * sizes.BlockBytes();
-    const std::uint64_t ordered =
-        sizes.threads * std::min<std::uint64_t>(sizes.mostPoints, points) * perPoint;
-    sizes.memoryBytes = std::max(blocks, ordered) + (sizes.isInMemory ? points * perStored : 0);
-    // Blocks that are not full: those of every thread when a distribution ends, and one of each bucket's
-    // order.
-    sizes.temporaryBytes = sizes.isInMemory ? 0 : points * perStored + 2 * blocks;
+    sizes.ChooseBuckets(settings.memory);
+    sizes.ChoosePlace(points, settings.memory);
+    sizes.AddUp(points);
     return sizes;
+}
+
+// A thread has the blocks that it fills while points are distributed, and later the bucket that it orders.
+void QvrSizes::ChooseBuckets(std::uint64_t memory) {
+    const std::uint64_t perThread = memory / 4 * 3 / threads;
+    mostPoints = Narrow(std::clamp<std::uint64_t>(perThread / BytesPerPoint(), 64, kMostPoints));
+    wantedPoints = Narrow(std::min<std::uint64_t>(mostPoints / 3 * 2, kHandyPoints));
+    mostBuckets = Narrow(std::clamp<std::uint64_t>(perThread / kSmallestBlock, 8, kMostBuckets));
+}
+
+void QvrSizes::ChoosePlace(std::uint64_t points, std::uint64_t memory) {
+    const std::uint64_t buckets = BucketsFor(points);
+    const std::uint64_t ordered = std::min<std::uint64_t>(wantedPoints, points) * BytesPerPoint();
+    const std::uint64_t working = threads * std::max(buckets * kMemoryBlock, ordered);
+    isInMemory = memory > working && points <= (memory - working) / BytesPerStored();
+    if (isInMemory) {
+        const std::uint64_t left = (memory - points * BytesPerStored()) / threads / BytesPerPoint();
+        mostPoints = Narrow(std::clamp<std::uint64_t>(left, wantedPoints, mostPoints));
+    }
+    const std::uint64_t block = std::clamp(memory / 4 * 3 / threads / buckets, kSmallestBlock,
+                                           isInMemory ? kMemoryBlock : kFileBlock);
+    blockRecords = Narrow(std::clamp<std::uint64_t>(block / form.Stride(), 1, mostPoints));
+}
+
+void QvrSizes::AddUp(std::uint64_t points) {
+    const std::uint64_t blocks = threads * BucketsFor(points) * BlockBytes();
+    const std::uint64_t ordered = threads * std::min<std::uint64_t>(mostPoints, points) * BytesPerPoint();
+    const std::uint64_t stored = points * BytesPerStored();
+    memoryBytes = std::max(blocks, ordered) + (isInMemory ? stored : 0);
+    // Some blocks are not full: those of every thread when a distribution ends, and one of each bucket's
+    // order.
+    temporaryBytes = isInMemory ? 0 : stored + 2 * blocks;
+}
+
+// Records that are read and those in their new order, with keys and numbers.
+std::uint64_t QvrSizes::BytesPerPoint() const {
+    return 2 * form.Stride() + kKeyBytes;
+}
+
+std::uint64_t QvrSizes::BytesPerStored() const {
+    return form.Stride() + sizeof(std::uint32_t);
 }
 
 std::uint64_t QvrSizes::BucketsFor(std::uint64_t points) const {

@@ -46,6 +46,13 @@ struct QvrSizes {
     std::size_t BlockBytes() const { return blockRecords * form.Stride(); }
     /// Buckets that points are best distributed over.
     std::uint64_t BucketsFor(std::uint64_t points) const;
+
+  private:
+    void ChooseBuckets(std::uint64_t memory);
+    void ChoosePlace(std::uint64_t points, std::uint64_t memory);
+    void AddUp(std::uint64_t points);
+    std::uint64_t BytesPerPoint() const;   // that is being ordered
+    std::uint64_t BytesPerStored() const;  // in the buckets, with its order
 };
 
 }  // namespace orvex
