@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <fstream>
 
 #include "benchmarks/Probe.h"
 #include "support/Text.h"
@@ -61,6 +62,20 @@ std::uint64_t PeakMemory() {
     struct rusage usage {};
     getrusage(RUSAGE_SELF, &usage);
     return static_cast<std::uint64_t>(usage.ru_maxrss) * kKilobyte;
+}
+
+void ResetPeakMemory() {
+    malloc_trim(0);  // what is free stays resident otherwise
+    std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+double ProcessorTime() {
+    struct rusage usage {};
+    getrusage(RUSAGE_SELF, &usage);
+    const auto milliseconds = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) * 1e-3;
+    };
+    return milliseconds(usage.ru_utime) + milliseconds(usage.ru_stime);
 }
 
 std::uint64_t HeapInUse() {

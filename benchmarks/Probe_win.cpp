@@ -73,6 +73,22 @@ std::uint64_t PeakMemory() {
     return counters.PeakWorkingSetSize;
 }
 
+void ResetPeakMemory() {}
+
+double ProcessorTime() {
+    FILETIME created{};
+    FILETIME ended{};
+    FILETIME kernel{};
+    FILETIME user{};
+    GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
+    const auto milliseconds = [](const FILETIME& time) {
+        constexpr double kStepsPerMillisecond = 1e4;
+        return static_cast<double>(std::uint64_t{time.dwHighDateTime} << 32U | time.dwLowDateTime) /
+               kStepsPerMillisecond;
+    };
+    return milliseconds(kernel) + milliseconds(user);
+}
+
 std::uint64_t HeapInUse() {
     std::array<HANDLE, 64> heaps;
     const DWORD count =
