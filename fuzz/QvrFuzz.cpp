@@ -34,7 +34,7 @@ void Select(const QvrFile& qvr, const LasExtent& view, std::uint64_t most) {
         count += range.count;
     }
     Require(end <= qvr.PointCount(), "ranges are points of the file");
-    Require(count <= most, "no more points than asked for");
+    Require(count / QvrFile::kMostBeside <= most, "no more points than asked for");
 }
 
 void ReadAll(const std::wstring& path) {

@@ -90,7 +90,7 @@ class Runner {
                 case CompanionAction::Check:
                     return Check(PairOf(file));
                 default:
-                    return Show(PairOf(file).qvr);
+                    return Show(PairOf(file));
             }
         } catch (...) {
             return Fail(CurrentExceptionText());
@@ -137,10 +137,17 @@ class Runner {
                                                     : facts.reason;
     }
 
-    bool Check(const CompanionPair& pair) {
+    /// Throws unless the companion is there.
+    static void RequireCompanion(const CompanionPair& pair) {
         if (!FileExists(pair.qvr)) {
-            return Fail(FormatText(Text(text::kCompanionMissing), {pair.source}));
+            const std::wstring& named = pair.source.empty() ? pair.qvr : pair.source;
+            throw LDataError(FormatText(
+                Text(FileExists(named) ? text::kCompanionMissing : text::kPathDoesNotExist), {named}));
         }
+    }
+
+    bool Check(const CompanionPair& pair) {
+        RequireCompanion(pair);
         const CompanionFacts facts =
             pair.source.empty() ? CompanionFacts{CompanionState::Fresh, {}} : CheckCompanion(pair.source);
         if (facts.state == CompanionState::Unreadable) {
@@ -189,16 +196,17 @@ class Runner {
         return true;
     }
 
-    bool Show(const std::wstring& path) {
-        const auto qvr = QvrFile::Open(path);
+    bool Show(const CompanionPair& pair) {
+        RequireCompanion(pair);
+        const auto qvr = QvrFile::Open(pair.qvr);
         TerminalProgress progress(streams_);
-        progress.SetText(path);
+        progress.SetText(pair.qvr);
         const CompanionPicture picture = DrawCompanion(*qvr, options_, progress);
         if (progress.IsCancelled()) {
             return false;
         }
         if (picture.image.isNull()) {
-            return Fail(FormatText(Text(text::kCompanionNothingToDraw), {path}));
+            return Fail(FormatText(Text(text::kCompanionNothingToDraw), {pair.qvr}));
         }
         SavePicture(picture.image, picture.path);
         WriteLine(streams_.out, WithoutControls(picture.words));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 #include "las/LasRecords.h"
@@ -171,6 +172,20 @@ bool Meet(const LasExtent& a, const LasExtent& b) {
     return true;
 }
 
+/// Part of a box that lies in a view that it meets, 0 to 1.
+double ShareOf(const LasExtent& box, const LasExtent& view) {
+    double share = 1;
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const double whole = box.maximum[axis] - box.minimum[axis];
+        const double part =
+            std::min(box.maximum[axis], view.maximum[axis]) - std::max(box.minimum[axis], view.minimum[axis]);
+        if (part < whole) {  // neither flat nor without bounds
+            share *= part / whole;
+        }
+    }
+    return share;
+}
+
 /// Adds a range behind the others, joined with the last one where they touch.
 void Append(std::vector<PointRange>& ranges, const PointRange& range) {
     if (!ranges.empty() && ranges.back().first + ranges.back().count == range.first) {
@@ -219,21 +234,24 @@ LasExtent QvrFile::CoordinatesOf(const QvrRawBox& cell) const {
 }
 
 std::vector<PointRange> QvrFile::Select(const LasExtent& view, std::uint64_t mostPoints) const {
+    constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
+    const std::uint64_t mostInAll = mostPoints > kNoLimit / kMostBeside ? kNoLimit : mostPoints * kMostBeside;
     std::vector<PointRange> selected;
+    std::uint64_t points = 0;
+    double inView = 0;
     for (auto entry = entries_.begin(); entry != entries_.end();) {
         const std::uint16_t generation = entry->generation;
         std::vector<PointRange> ranges;
-        std::uint64_t points = 0;
         for (; entry != entries_.end() && entry->generation == generation; ++entry) {
-            if (Meet(BoxOf(*entry), view)) {
+            if (const LasExtent box = BoxOf(*entry); Meet(box, view)) {
                 Append(ranges, {entry->first, entry->count});
                 points += entry->count;
+                inView += entry->count * ShareOf(box, view);
             }
         }
-        if (points > mostPoints) {
+        if (inView > static_cast<double>(mostPoints) || points > mostInAll) {
             break;
         }
-        mostPoints -= points;
         for (const PointRange& range : ranges) {
             Append(selected, range);
         }

@@ -53,9 +53,12 @@ class QvrFile {
     LasExtent RootBox() const;
     /// Octant of an entry, in coordinates.
     LasExtent BoxOf(const QvrEntry& entry) const;
-    /// Points for a picture of a view, in coordinates: of whole generations as many as have up to
-    /// `mostPoints` points in the entries whose octants meet the view. The more points, the denser the
-    /// picture, evenly at every place. In file order; adjacent ranges are joined.
+    /// Points for a picture of a view, in coordinates: whole generations of the entries whose octants meet
+    /// the view, as many as put up to about `mostPoints` points into it. The more points, the denser the
+    /// picture, evenly at every place. The ranges hold points beside the view as well, in all up to
+    /// kMostBeside times `mostPoints`; of a view of everything never more than `mostPoints`. In file order,
+    /// adjacent ones joined.
+    static constexpr std::uint64_t kMostBeside = 8;
     std::vector<PointRange> Select(const LasExtent& view, std::uint64_t mostPoints) const;
 
     /// Reads the records of points below PointCount() into a buffer of their size. Throws LDataError.

@@ -76,7 +76,7 @@ TEST_F(QvrFileTest, SelectsWholeGenerationsOfTheOctantsThatMeetTheView) {
                     EXPECT_TRUE(selected.insert(range.first + i).second);
                 }
             }
-            EXPECT_LE(selected.size(), most);
+            EXPECT_LE(selected.size() / (view == corner ? QvrFile::kMostBeside : 1), most);
             ASSERT_FALSE(selected.empty());
             const auto last = std::ranges::find_if(qvr->Entries(), [&](const QvrEntry& entry) {
                 return *selected.rbegin() < entry.first + entry.count;
@@ -92,6 +92,18 @@ TEST_F(QvrFileTest, SelectsWholeGenerationsOfTheOctantsThatMeetTheView) {
             }
         }
     }
+}
+
+// The coarse generations come in runs that are much larger than a small view.
+TEST_F(QvrFileTest, FillsASmallViewAsWellAsALargeOne) {
+    const auto qvr = QvrFile::Open(Write(QvrBytes(las_, 0, 0)));
+    const LasExtent quarter{{1000, 2000, 0}, {1014.4, 2014.4, 1000}};
+    std::uint64_t end = 0;
+    for (const PointRange& range : qvr->Select(quarter, 100)) {
+        end = range.first + range.count;
+    }
+    EXPECT_GT(end, 200U);
+    EXPECT_LE(end, 800U);
 }
 
 // A negative scale turns an axis around.
@@ -204,15 +216,17 @@ TEST_F(QvrFileTest, NamesWhatIsWrongWithAFile) {
 }
 
 TEST_F(QvrFileTest, FindsPointsThatAreNotInTheirPlaces) {
-    const auto sample = QvrFile::Open(Write(qvr_));
+    auto sample = QvrFile::Open(Write(qvr_));
     const auto run =
         std::ranges::find_if(sample->Entries(), [](const QvrEntry& entry) { return entry.count > 2; });
     ASSERT_NE(run, sample->Entries().end());
     const std::size_t length = sample->RecordLength();
-    const std::size_t second = sample->Header().OffsetToPoints() + (run->first + 1) * length;
-    const std::string swapped = qvr_.substr(second + length, length) + qvr_.substr(second, length);
-    EXPECT_THAT(Failure(With(second, swapped)),
-                HasSubstr("point " + std::to_string(run->first + 2) + " stands before"));
+    const std::uint64_t first = run->first + 1;
+    const std::size_t offset = sample->Header().OffsetToPoints() + first * length;
+    sample.reset();  // an open file cannot be replaced everywhere
+    const std::string swapped = qvr_.substr(offset + length, length) + qvr_.substr(offset, length);
+    EXPECT_THAT(Failure(With(offset, swapped)),
+                HasSubstr("point " + std::to_string(first + 1) + " stands before"));
 }
 
 // Nothing is reserved for what a file states, only for what it holds.
