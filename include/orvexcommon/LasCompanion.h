@@ -82,9 +82,9 @@ class LasCompanion {
     /// Minimum and maximum of X, Y, Z in the units of the CRS, from the header.
     virtual std::array<double, 3> Minimum() const = 0;
     virtual std::array<double, 3> Maximum() const = 0;
-    /// Ranges that show an extent (minX, minY, maxX, maxY in the units of the CRS) evenly with about
-    /// `mostPoints` points, never more, in ascending order. They hold points beside the extent as well. Empty
-    /// if no point can lie in it.
+    /// Ranges that show an extent (minX, minY, maxX, maxY in the units of the CRS) evenly with up to about
+    /// `mostPoints` points in it, in ascending order. They hold points beside the extent as well, in all up
+    /// to eight times as many. Empty if no point can lie in it.
     virtual std::vector<LasPointRange> Select(const std::array<double, 4>& extent,
                                               std::uint64_t mostPoints) const = 0;
     /// Appends the points of a range, whose part beyond the last point is left out. False if the file can no
