@@ -34,6 +34,7 @@ std::uint64_t ReadBarely(const std::string& path) {
 std::optional<int> RunProgram(const std::vector<std::string>& arguments) {
     constexpr int kNoProgram = 127;
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) {
         pointers.push_back(const_cast<char*>(argument.c_str()));
     }
