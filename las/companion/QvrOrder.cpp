@@ -3,13 +3,15 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <numeric>
 #include <utility>
 
 namespace orvex {
 namespace {
 
-constexpr std::size_t kFewKeys = 48;
-constexpr std::size_t kMostBins = 2048;
+constexpr std::size_t kFewKeys = 256;
+constexpr unsigned kDigitBits = 11;
+constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
 constexpr std::uint32_t kNoPoint = std::numeric_limits<std::uint32_t>::max();
 constexpr std::uint32_t kMostCount = std::numeric_limits<std::uint32_t>::max();
 
@@ -17,58 +19,30 @@ bool IsBefore(const QvrKey& a, const QvrKey& b) {
     return a.place < b.place;
 }
 
-/// Distributes keys over bins of equal ranges of codes and sorts these.
-class BinSort {
-  public:
-    void Sort(std::span<QvrKey> keys, std::span<QvrKey> scratch) {
-        const auto [least, most] = CodesOf(keys);
-        if (keys.size() <= kFewKeys || least == most) {
-            std::ranges::sort(keys, IsBefore);
-            return;
-        }
-        const auto range = static_cast<unsigned>(std::bit_width(most - least));
-        const auto bits = static_cast<unsigned>(std::bit_width(std::min(keys.size() / 4, kMostBins) - 1));
-        const unsigned shift = range > bits ? range - bits : 0;
-        const std::size_t bins = ((most - least) >> shift) + 1;
-        std::array<std::uint32_t, kMostBins + 1> space;
-        const auto ends = std::span(space).first(bins + 1);
-        std::ranges::fill(ends, 0U);
-        Distribute(keys, scratch, least, shift, ends);
-        std::ranges::copy(scratch, keys.begin());
-        std::uint32_t start = 0;
-        for (const std::uint32_t end : ends.first(bins)) {
-            if (end - start > 1) {
-                Sort(keys.subspan(start, end - start), scratch.subspan(start, end - start));
-            }
-            start = end;
-        }
+/// Sorts by one digit of the codes, keeping the order of keys with the same digit.
+void SortByDigit(std::span<const QvrKey> keys, std::span<QvrKey> sorted, unsigned shift) {
+    const auto digit = [shift](const QvrKey& key) { return (key.place.code >> shift) & (kDigits - 1); };
+    std::array<std::uint32_t, kDigits> next{};
+    for (const QvrKey& key : keys) {
+        ++next[digit(key)];
     }
+    std::exclusive_scan(next.begin(), next.end(), next.begin(), 0U);
+    for (const QvrKey& key : keys) {
+        sorted[next[digit(key)]++] = key;
+    }
+}
 
-  private:
-    static std::pair<std::uint64_t, std::uint64_t> CodesOf(std::span<const QvrKey> keys) {
-        std::uint64_t least = std::numeric_limits<std::uint64_t>::max();
-        std::uint64_t most = 0;
-        for (const QvrKey& key : keys) {
-            least = std::min(least, key.place.code);
-            most = std::max(most, key.place.code);
+/// Sorts keys that are sorted by code by the priority, too.
+void SortAlike(std::span<QvrKey> keys) {
+    for (auto first = keys.begin(); first != keys.end();) {
+        const auto last = std::find_if(
+            first + 1, keys.end(), [&](const QvrKey& key) { return key.place.code != first->place.code; });
+        if (last - first > 1) {
+            std::sort(first, last, IsBefore);
         }
-        return {least, most};
+        first = last;
     }
-
-    /// Afterwards ends[bin] is the end of a bin in `to`.
-    static void Distribute(std::span<const QvrKey> keys, std::span<QvrKey> to, std::uint64_t least,
-                           unsigned shift, std::span<std::uint32_t> ends) {
-        for (const QvrKey& key : keys) {
-            ++ends[((key.place.code - least) >> shift) + 1];
-        }
-        for (std::size_t bin = 1; bin < ends.size(); ++bin) {
-            ends[bin] += ends[bin - 1];
-        }
-        for (const QvrKey& key : keys) {
-            to[ends[(key.place.code - least) >> shift]++] = key;
-        }
-    }
-};
+}
 
 /// The tree of the cells in which points meet, taken along the curve: `open_` is the path to the last point.
 class Generations {
@@ -156,8 +130,22 @@ class Generations {
 }  // namespace
 
 void SortQvrKeys(std::vector<QvrKey>& keys, std::vector<QvrKey>& scratch) {
+    if (keys.size() <= kFewKeys) {
+        std::ranges::sort(keys, IsBefore);
+        return;
+    }
     scratch.resize(keys.size());
-    BinSort().Sort(keys, scratch);
+    std::uint64_t differing = 0;
+    for (const QvrKey& key : keys) {
+        differing |= key.place.code ^ keys.front().place.code;
+    }
+    // Codes of one stretch have their upper bits in common, and often their lowest.
+    const auto lowest = static_cast<unsigned>(std::countr_zero(differing));
+    for (unsigned shift = lowest; shift < 64 && differing >> shift != 0; shift += kDigitBits) {
+        SortByDigit(keys, scratch, shift);
+        keys.swap(scratch);
+    }
+    SortAlike(keys);
 }
 
 unsigned CommonDepth(std::uint64_t a, std::uint64_t b) {

@@ -25,8 +25,7 @@ struct QvrKey {
     std::uint32_t point = 0;  ///< number of the record in its buffer
 };
 
-/// Sorts by place, in linear time for points that are spread over many cells. `scratch` becomes as large as
-/// `keys`.
+/// Sorts by place, in linear time as far as codes differ. `scratch` becomes as large as `keys`.
 void SortQvrKeys(std::vector<QvrKey>& keys, std::vector<QvrKey>& scratch);
 
 /// Depth of the smallest cell that holds two Morton codes; kQvrLevels for equal ones.
