@@ -1,13 +1,17 @@
 #pragma once
 // What the benchmark programs share: command line, timing, figures and files to measure.
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "benchmarks/Probe.h"
 
 namespace orvex::bench {
 
@@ -33,6 +37,19 @@ double Milliseconds(const Run& run) {
     run();
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
+
+/// The best of several runs: milliseconds that passed, and those of all processors together.
+struct Best {
+    double time = std::numeric_limits<double>::infinity();
+    double processor = std::numeric_limits<double>::infinity();
+
+    template <typename Run>
+    void Take(const Run& run) {
+        const double before = ProcessorTime();
+        time = std::min(time, Milliseconds(run));
+        processor = std::min(processor, ProcessorTime() - before);
+    }
+};
 
 /// Figures of a run, printed as they come ("figure<TAB>name<TAB>value<TAB>unit") and kept for a file.
 class Figures {

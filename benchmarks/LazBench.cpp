@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <fstream>
 #include <iostream>
-#include <limits>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -72,19 +71,6 @@ void ReadOnly(const std::wstring& laz) {
         throw std::runtime_error(ToUtf8(reason));
     }
 }
-
-/// The best of several runs: the time that passed, and that of the processors.
-struct Best {
-    double time = std::numeric_limits<double>::infinity();
-    double processor = std::numeric_limits<double>::infinity();
-
-    template <typename Run>
-    void Take(const Run& run) {
-        const double before = ProcessorTime();
-        time = std::min(time, Milliseconds(run));
-        processor = std::min(processor, ProcessorTime() - before);
-    }
-};
 
 void Measure(const std::string& name, const std::wstring& las, std::uint64_t points, Figures& figures) {
     const BenchFolder folder;
