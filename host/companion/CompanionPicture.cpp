@@ -95,7 +95,7 @@ class Drawer {
     }
 
     void DrawPoints(CompanionPicture& picture) {
-        PointPicture drawn(rectangle_, options_.width, count_);
+        PointPicture drawn(rectangle_, options_.width, std::min(count_, options_.points));
         progress_.SetRange(count_);
         std::uint64_t done = 0;
         for (const PointRange& range : ranges_) {
