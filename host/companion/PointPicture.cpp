@@ -34,10 +34,12 @@ int Step(double part, int count) {
     return std::min(static_cast<int>(part * count), count - 1);
 }
 
-// Dark blue over green to yellow: brighter is higher, for colour-blind eyes and in grey as well.
+constexpr QRgb kBackground = 0xff101418;
+
+// Blue over green to yellow: brighter is higher, for colour-blind eyes and in grey as well.
 QRgb HeightColour(float part) {
     constexpr std::array<std::array<float, 3>, 5> kStops{
-        {{68, 1, 84}, {59, 82, 139}, {33, 145, 140}, {94, 201, 98}, {253, 231, 37}}};
+        {{70, 90, 190}, {40, 130, 170}, {33, 165, 140}, {110, 205, 90}, {253, 231, 37}}};
     const float place = std::clamp(part, 0.0F, 1.0F) * (kStops.size() - 1);
     const auto stop = std::min<std::size_t>(static_cast<std::size_t>(place), kStops.size() - 2);
     const float rest = place - static_cast<float>(stop);
@@ -56,16 +58,16 @@ QRgb ClassColour(std::uint8_t classification) {
         0xff6fb04a, 0xff2f7d32,
         0xffd1452f,                          // building
         0xffe000e0,                          // low noise
-        0xff606060,                          // key point
+        0xff909090,                          // key point
         0xff3277c8,                          // water
         0xff704c8c,                          // rail
-        0xff4a4a4a,                          // road
+        0xff6a6a6a,                          // road
         0xffa0a0a0,                          // overlap
         0xffe6b800, 0xffe69100, 0xffc87800,  // wires and their towers
         0xffff6fae, 0xff00a0a0,              // connectors, bridge deck
         0xffe000e0,                          // high noise
     };
-    return classification < kColours.size() ? kColours[classification] : 0xff000000;
+    return classification < kColours.size() ? kColours[classification] : 0xffffffff;
 }
 
 }  // namespace
@@ -73,10 +75,11 @@ QRgb ClassColour(std::uint8_t classification) {
 PointPicture::PointPicture(const Rectangle& rectangle, int width, std::uint64_t expectedPoints)
     : rectangle_(WithSides(rectangle)), width_(width), height_(HeightFor(rectangle_, width)) {
     constexpr double kMostDot = 7;
+    constexpr double kDotPart = 0.6;  // of the distance between points that lie even
     constexpr double kPointsPerCell = 4;
     const double points = static_cast<double>(std::max<std::uint64_t>(expectedPoints, 1));
     const double area = static_cast<double>(width_) * height_;
-    dot_ = static_cast<int>(std::clamp(std::sqrt(area / points) / 2, 1.0, kMostDot));
+    dot_ = static_cast<int>(std::clamp(std::round(std::sqrt(area / points) * kDotPart), 1.0, kMostDot));
     const double side = std::max(std::sqrt(area * kPointsPerCell / points), 1.0);
     cellColumns_ = std::max(1, static_cast<int>(width_ / side));
     cellRows_ = std::max(1, static_cast<int>(height_ / side));
@@ -138,7 +141,7 @@ QImage PointPicture::Image(PointColour colour) const {
             const Pixel& pixel = pixels_[static_cast<std::size_t>(row) * static_cast<std::size_t>(width_) +
                                          static_cast<std::size_t>(column)];
             if (!pixel.isDrawn) {
-                line[column] = 0xffffffff;
+                line[column] = kBackground;
             } else if (colour == PointColour::Height) {
                 line[column] = HeightColour((pixel.height - low) / span);
             } else {
@@ -152,7 +155,7 @@ QImage PointPicture::Image(PointColour colour) const {
 QImage DrawOutlines(const Rectangle& rectangle, int width, const std::vector<Outline>& outlines) {
     const Rectangle frame = WithSides(rectangle);
     QImage image(width, HeightFor(frame, width), QImage::Format_RGB32);
-    image.fill(Qt::white);
+    image.fill(kBackground);
     QPainter painter(&image);
     const double right = image.width() - 1;
     const double down = image.height() - 1;

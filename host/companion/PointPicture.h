@@ -30,7 +30,7 @@ class PointPicture {
     /// Part of those cells that holds a point, 0 to 1.
     double CoveredCells() const;
 
-    /// The picture on white; heights in the range of all but the lowest and highest hundredth.
+    /// The picture; heights are coloured in the range of all but the lowest and highest hundredth.
     QImage Image(PointColour colour) const;
 
   private:
