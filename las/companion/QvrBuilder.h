@@ -9,9 +9,10 @@ namespace orvex {
 
 struct QvrSettings {
     std::uint16_t factor = 10;  ///< thinning factor; a greater one gives fewer entries; 0 counts as 1
-    std::uint64_t memory = std::uint64_t{512} << 20U;  ///< bytes that the builder may use
-    unsigned threads = 0;                              ///< 0: one per processor
-    std::uint64_t seed = 0;                            ///< of the random order
+    /// Bytes that the builder may use; with less than a few megabytes for each thread it needs more.
+    std::uint64_t memory = std::uint64_t{512} << 20U;
+    unsigned threads = 0;    ///< 0: one per processor
+    std::uint64_t seed = 0;  ///< of the random order
     /// Representatives at random, else the first in the file; nullopt: at random unless the marker file
     /// exists.
     std::optional<bool> randomOrder;

@@ -54,19 +54,20 @@ void QvrSizes::ChoosePlace(std::uint64_t points, std::uint64_t memory) {
         const std::uint64_t left = (memory - points * BytesPerStored()) / threads / BytesPerPoint();
         mostPoints = Narrow(std::clamp<std::uint64_t>(left, wantedPoints, mostPoints));
     }
-    const std::uint64_t block = std::clamp(memory / 4 * 3 / threads / buckets, kSmallestBlock,
+    // Those that are not full shall not take more than a quarter of the space.
+    const std::uint64_t fair = points * form.Stride() / (4 * (threads + 1) * buckets);
+    const std::uint64_t block = std::clamp(std::min(memory / 4 * 3 / threads / buckets, fair), kSmallestBlock,
                                            isInMemory ? kMemoryBlock : kFileBlock);
     blockRecords = Narrow(std::clamp<std::uint64_t>(block / form.Stride(), 1, mostPoints));
 }
 
 void QvrSizes::AddUp(std::uint64_t points) {
-    const std::uint64_t blocks = threads * BucketsFor(points) * BlockBytes();
+    const std::uint64_t blocks = BucketsFor(points) * BlockBytes();
     const std::uint64_t ordered = threads * std::min<std::uint64_t>(mostPoints, points) * BytesPerPoint();
     const std::uint64_t stored = points * BytesPerStored();
-    memoryBytes = std::max(blocks, ordered) + (isInMemory ? stored : 0);
-    // Some blocks are not full: those of every thread when a distribution ends, and one of each bucket's
-    // order.
-    temporaryBytes = isInMemory ? 0 : stored + 2 * blocks;
+    memoryBytes = std::max(threads * blocks, ordered) + (isInMemory ? stored : 0);
+    // Of a bucket, one block of every thread and one of its order are not full.
+    temporaryBytes = isInMemory ? 0 : stored + (threads + 1) * blocks;
 }
 
 // Records that are read and those in their new order, with keys and numbers.

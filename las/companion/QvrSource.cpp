@@ -20,6 +20,9 @@ namespace {
 // A header and its records take some kilobytes; the offset to the points allows for 4 GiB.
 constexpr std::uint64_t kMostHead = std::uint64_t{64} << 20U;
 
+// More than any drive holds, and few enough for sizes of 64 bits, whatever the record length.
+constexpr std::uint64_t kMostPoints = std::uint64_t{1} << 46U;
+
 [[noreturn]] void FailToRead(const std::wstring& path, SystemError error) {
     throw LDataError(FormatText(Text(text::kLazCannotRead), {path, SystemErrorText(error)}));
 }
@@ -107,7 +110,7 @@ void QvrSource::RequireSound() const {
     const auto headerSize = stored.Read<std::uint16_t>(las::at::kHeaderSize);
     const las::PointFormatFacts* const facts = las::FindPointFormat(format);
     if (facts == nullptr || length < facts->minimumLength || headerSize < las::kLegacyHeaderSize ||
-        headerSize > head_.size()) {
+        headerSize > head_.size() || LasHeader(head_).PointCount() > kMostPoints) {
         throw LDataError(FormatText(Text(text::kLazHeaderDamaged), {path_}));
     }
 }

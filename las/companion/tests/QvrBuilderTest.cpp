@@ -37,9 +37,30 @@ QvrSettings With(unsigned threads, std::uint64_t memory, bool isRandom = true) {
 constexpr std::uint64_t kMuch = std::uint64_t{64} << 20U;
 constexpr std::uint64_t kLittle = std::uint64_t{64} << 10U;
 
+QvrPosition PositionOf(const std::string& record) {
+    return {testing::At<std::int32_t>(record, 0), testing::At<std::int32_t>(record, 4),
+            testing::At<std::int32_t>(record, 8)};
+}
+
+QvrBox BoxAround(const std::vector<std::string>& records, const std::array<double, 3>& scale) {
+    QvrPosition low = PositionOf(records.front());
+    QvrPosition high = low;
+    for (const std::string& record : records) {
+        const QvrPosition position = PositionOf(record);
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            low[axis] = std::min(low[axis], position[axis]);
+            high[axis] = std::max(high[axis], position[axis]);
+        }
+    }
+    return QvrBox::Around(low, high, scale);
+}
+
 /// The companion's points, entries and generations against the definition of their order.
 void ExpectDefinedOrder(const std::wstring& path, const std::vector<std::string>& source) {
     const auto qvr = QvrFile::Open(path);
+    if (!source.empty()) {
+        EXPECT_EQ(qvr->Index().box, BoxAround(source, qvr->Header().Scale())) << "whatever the header states";
+    }
     const ExpectedOrder expected(source, qvr->Index());
     const CloudParts built(testing::ReadFile(path));
     EXPECT_EQ(built.records, expected.records);
@@ -47,10 +68,7 @@ void ExpectDefinedOrder(const std::wstring& path, const std::vector<std::string>
     for (const QvrEntry& entry : qvr->Entries()) {
         generations.insert(generations.end(), entry.count, entry.generation);
         EXPECT_TRUE(qvr->Index().CanHave(entry.count, entry.depth));
-        const std::string record = expected.records[entry.first];
-        const QvrPosition first{testing::At<std::int32_t>(record, 0), testing::At<std::int32_t>(record, 4),
-                                testing::At<std::int32_t>(record, 8)};
-        EXPECT_EQ(entry.position, first);
+        EXPECT_EQ(entry.position, PositionOf(expected.records[entry.first]));
     }
     EXPECT_EQ(generations, expected.generations);
     Kst::NullProgress progress;
@@ -126,7 +144,7 @@ std::vector<std::pair<const char*, Cloud>> OddClouds() {
     };
     clouds.emplace_back("alike", Cloud{12, 0, 3000, 0, [](std::size_t) { return Position{5, 6, 7}; }, true});
     Cloud outside{12, 1, 3000};
-    outside.change = [](LasBuilder& builder) { builder.Lie(las::at::kMaximum, 50.0); };
+    outside.change = [](LasBuilder& builder) { builder.Lie(las::at::kMinimum, 50.0); };
     clouds.emplace_back("outside its extent", outside);
     outside.change = [](LasBuilder& builder) { builder.Lie(las::at::kMaximum, 1e300); };
     clouds.emplace_back("extent too large", outside);
@@ -232,6 +250,49 @@ TEST(QvrBuilder, TakesLazFiles) {
     }
 }
 
+/// The most bytes that files without these extensions have in a folder, at the start of every phase.
+class DiskUse final : public Kst::ProgressIf {
+  public:
+    explicit DiskUse(const LasFolder& folder) : folder_(FromPath(folder.Path())) {}
+    void SetRange(std::uint64_t) override {}
+    void SetText(const std::wstring&) override {
+        std::uint64_t bytes = 0;
+        ListFolder(folder_, [&](const FolderEntry& entry) {
+            const std::wstring extension = UpperExtensionOf(entry.path);
+            bytes += extension == L".LAS" || extension == L".LAZ" ? 0 : FileSizeOf(entry.path).value_or(0);
+            return true;
+        });
+        most = std::max(most, bytes);
+    }
+    void SetPosition(std::uint64_t) override {}
+    bool IsCancelled() override { return false; }
+
+    std::uint64_t most = 0;
+
+  private:
+    const std::wstring folder_;
+};
+
+TEST(QvrBuilder, TemporarySpaceIsThatOfThePlan) {
+    const LasFolder folder;
+    const testing::LazSample sample{2, 0, 20, 120000};
+    testing::WriteSample(folder.Name(L"a.las"), sample, false);
+    testing::WriteSample(folder.Name(L"a.laz"), sample, true);
+    Kst::NullProgress progress;
+    for (const wchar_t* const name : {L"a.las", L"a.laz"}) {
+        const QvrSettings settings = With(2, 3U << 20U);
+        const QvrPlan plan = PlanQvr(folder.Name(name), settings);
+        DiskUse use(folder);
+        EXPECT_TRUE(BuildQvr(plan, settings, use));
+        EXPECT_LE(use.most, plan.temporaryBytes) << name;
+        EXPECT_GE(use.most, 120000U * 24) << name << ": points and order were not in memory";
+        EXPECT_LE(FileSizeOf(plan.target), plan.targetBytes);
+        EXPECT_EQ(VerifyQvrPoints(*QvrFile::Open(plan.target), progress),
+                  SumOfPoints(folder.Name(L"a.las"), progress));
+        RemoveFile(plan.target);
+    }
+}
+
 /// Stops at a call; counts them.
 class StopAt final : public Kst::ProgressIf {
   public:
@@ -289,7 +350,10 @@ TEST(QvrBuilder, RefusesWhatItCannotRead) {
         bytes[offset] = value;
         EXPECT_EQ(failure(bytes), damaged) << offset;
     }
-    EXPECT_EQ(FailureToPlan(folder.Name(L"a.qvr")).empty(), false);
+    Cloud immense{14, 6};
+    immense.change = [](LasBuilder& builder) { builder.Lie(las::at::kPointCount, std::uint64_t{1} << 60U); };
+    EXPECT_EQ(failure(immense.Bytes()), damaged) << "sizes would overflow";
+    EXPECT_FALSE(FailureToPlan(folder.Name(L"missing.las")).empty());
     QvrSettings settings;
     settings.target = folder.TemporaryFolder::Write(L"a.las", whole);
     EXPECT_EQ(FailureToPlan(settings.target, settings), FormatText(Text(text::kQvrIsCompanion), {name}));
