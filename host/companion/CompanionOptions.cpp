@@ -118,7 +118,7 @@ constexpr Option kOptions[] = {Number < [](Options & o) -> auto& {return o.setti
     {L"--extent", Show, true, SetExtent, text::kCompanionExtentForm},
     Switch<&Options::entries>(L"--entries", Show),
     {L"--colour", Show, true, SetColour, text::kCompanionChoice, 0, 0, L"height | classification"},
-    Number<&Options::width, 16, 8192>(L"--width", Show),
+    Number<&Options::width, 16, 4096>(L"--width", Show),
     {L"--output", Show, true, SetOutput, text::kCompanionChoice, 0, 0, L"PNG"},
 };  // namespace orvex
 
