@@ -1,11 +1,16 @@
-// Sorting, filtering and scrolling of the grid with 100,000 rows. Times are given as ratios to work that
-// cannot be avoided, done in the same run, so that figures of different machines compare.
+// Sorting, filtering and scrolling of the grid with 100,000 rows, and what its time grows by from 10,000 rows
+// on. Times are given as ratios to work that cannot be avoided, done in the same run, so that figures of
+// different machines compare.
 #include <QApplication>
 #include <QScrollBar>
 #include <QTableView>
 #include <algorithm>
 #include <chrono>
+#include <ctime>
+#include <functional>
 #include <limits>
+#include <map>
+#include <memory>
 #include <numeric>
 #include <string>
 #include <string_view>
@@ -13,6 +18,7 @@
 #include <vector>
 
 #include "benchmarks/Bench.h"
+#include "crs/LayerAssignment.h"
 #include "dialog/grid/GridFilter.h"
 #include "dialog/grid/GridView.h"
 #include "support/DesktopQt.h"
@@ -41,11 +47,11 @@ struct File {
 };
 
 // The same files in every run, unsorted.
-std::vector<File> MakeFiles() {
+std::vector<File> MakeFiles(std::size_t rows = kRows) {
     std::vector<File> files;
-    files.reserve(kRows);
+    files.reserve(rows);
     std::uint32_t state = 12345;
-    for (std::size_t i = 0; i < kRows; ++i) {
+    for (std::size_t i = 0; i < rows; ++i) {
         state = state * 1664525U + 1013904223U;
         files.push_back({L"survey_2021_tile_" + std::to_wstring(state >> 12) + L".las", state / 1000.0});
     }
@@ -54,9 +60,16 @@ std::vector<File> MakeFiles() {
 
 class FilesModel : public GridModel {
   public:
-    FilesModel() : GridModel({std::begin(kColumns), std::end(kColumns)}) {
-        std::vector<File> files = MakeFiles();
+    explicit FilesModel(std::size_t rows = kRows) : GridModel({std::begin(kColumns), std::end(kColumns)}) {
+        std::vector<File> files = MakeFiles(rows);
         AppendRecords(files.size(), [&] { files_ = std::move(files); });
+    }
+
+    void Remove(const std::vector<std::size_t>& records) {
+        RemoveRecords(records, [&] { EraseAt(files_, records); });
+    }
+    void Clear() {
+        ClearRecords([this] { files_.clear(); });
     }
 
   protected:
@@ -84,13 +97,22 @@ class FilesModel : public GridModel {
 
 /// The shortest of several runs in milliseconds; `prepare` runs before each and is not counted.
 template <class Prepare, class Run>
-double Shortest(const Prepare& prepare, const Run& run) {
+double Shortest(const Prepare& prepare, const Run& run,
+                double (*time)(const Run&) = bench::Milliseconds<Run>) {
     double shortest = std::numeric_limits<double>::infinity();
     for (int i = 0; i < kRepeats; ++i) {
         prepare();
-        shortest = std::min(shortest, bench::Milliseconds(run));
+        shortest = std::min(shortest, time(run));
     }
     return shortest;
+}
+
+/// Processor time in milliseconds: a long run shares the machine with other programs, a short one hardly.
+template <class Run>
+double ProcessorTime(const Run& run) {
+    const std::clock_t start = std::clock();
+    run();
+    return static_cast<double>(std::clock() - start) * 1e3 / CLOCKS_PER_SEC;
 }
 
 /// std::stable_sort of row numbers over keys that are there already.
@@ -221,6 +243,93 @@ void MeasureFiltering(bench::Figures& figures) {
                 "ms");
 }
 
+/// A list of so many rows in a view, sorted, as users have it before they change it.
+struct Shown {
+    explicit Shown(std::size_t rows) : model(rows) {
+        view.SetModel(&model);
+        view.resize(900, 500);
+        view.show();
+        model.sort(0);
+        QCoreApplication::processEvents();
+    }
+
+    /// Removes every `step`-th row as a user does.
+    void Remove(int step) {
+        std::vector<int> rows;
+        for (int row = 0; row < model.rowCount(); row += step) {
+            rows.push_back(row);
+        }
+        view.SelectRows(rows);
+        view.RemoveSelection([this](std::vector<std::size_t> records) {
+            std::ranges::sort(records);
+            model.Remove(records);
+        });
+    }
+
+    UserPromptsQt prompts;
+    FilesModel model;
+    GridView view{prompts};
+};
+
+/// CRSs of so many files, `different` of them different.
+std::vector<CrsPtr> MakeCrss(std::size_t files, std::size_t different) {
+    std::vector<CrsPtr> crss;
+    for (std::size_t i = 0; i < files; ++i) {
+        if (i < different) {
+            auto crs = std::make_shared<CrsDescription>();
+            crs->sourceWkt = "CRS number " + std::to_string(i);
+            crss.push_back(std::move(crs));
+        } else {
+            crss.push_back(crss[i % different]);
+        }
+    }
+    return crss;
+}
+
+/// Time of what is done to a list of so many rows, in milliseconds.
+using TimeOf = std::function<double(std::size_t rows)>;
+
+/// The time with 100,000 rows, and by what it is longer than ten times that with 10,000.
+void AddGrowth(bench::Figures& figures, const std::string& name, const TimeOf& time) {
+    const double few = time(kRows / 10);
+    const double many = time(kRows);
+    figures.Add(name + "_100k", many, "ms");
+    figures.Add(name + "_growth", many / few / 10, "ratio");
+}
+
+TimeOf InList(const std::function<void(Shown&)>& change) {
+    return [change](std::size_t rows) {
+        std::unique_ptr<Shown> list;
+        const auto run = [&] {
+            change(*list);
+            QCoreApplication::processEvents();
+        };
+        return Shortest([&] { list = std::make_unique<Shown>(rows); }, run, ProcessorTime);
+    };
+}
+
+TimeOf Naming(std::size_t filesPerCrs) {
+    return [filesPerCrs](std::size_t rows) {
+        const std::vector<CrsPtr> files = MakeCrss(rows, rows / filesPerCrs);
+        std::map<std::wstring, std::wstring> existing;
+        for (std::size_t i = 1; i < rows; i += 2) {
+            existing.emplace(L"LAS Layer_" + std::to_wstring(i), L"");
+        }
+        const auto run = [&] { PlaceInLayers(files, existing, {.append = false}, L"LAS Layer_"); };
+        return Shortest([] {}, run, ProcessorTime);
+    };
+}
+
+void MeasureGrowth(bench::Figures& figures) {
+    AddGrowth(figures, "grid_list_sort", InList([](Shown& list) { list.model.sort(2); }));
+    AddGrowth(figures, "grid_list_clear", InList([](Shown& list) { list.model.Clear(); }));
+    AddGrowth(figures, "grid_list_remove_all", InList([](Shown& list) { list.Remove(1); }));
+    AddGrowth(figures, "grid_list_remove_every_second", InList([](Shown& list) { list.Remove(2); }));
+    AddGrowth(figures, "grid_list_remove_every_hundredth", InList([](Shown& list) { list.Remove(100); }));
+    AddGrowth(figures, "grid_list_names_of_layers", Naming(1000));
+    AddGrowth(figures, "grid_list_names_of_a_layer_each", Naming(1));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -237,5 +346,6 @@ int main(int argc, char** argv) {
     MeasureSorting(model, figures);
     MeasureScrolling(model, figures);
     MeasureFiltering(figures);
+    MeasureGrowth(figures);
     return figures.Write(options->output) ? 0 : 1;
 }

@@ -1,10 +1,10 @@
 #pragma once
-#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "crs/AreaOfUse.h"
@@ -63,8 +63,9 @@ CrsPtr DescribeCrs(const std::string& wkt);
 template <typename Rows>
 std::vector<CrsPtr> UnidentifiedCrss(const Rows& rows) {
     std::vector<CrsPtr> found;
+    std::unordered_set<CrsPtr> seen;
     for (const auto& row : rows) {
-        if (row.crs->identity.Known() == nullptr && std::ranges::find(found, row.crs) == found.end()) {
+        if (row.crs->identity.Known() == nullptr && seen.insert(row.crs).second) {
             found.push_back(row.crs);
         }
     }

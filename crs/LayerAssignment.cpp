@@ -1,7 +1,8 @@
 #include "crs/LayerAssignment.h"
 
+#include <algorithm>
+#include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 
 #include "support/Text.h"
 
@@ -14,22 +15,39 @@ class NewLayerNames {
   public:
     NewLayerNames(const std::wstring& prefix, const std::map<std::wstring, std::wstring>& existing)
         : prefix_(prefix) {
+        const std::wstring upperPrefix = ToUpper(prefix);
         for (const auto& [name, wkt] : existing) {
-            used_.insert(ToUpper(name));
+            const std::wstring upper = ToUpper(name);
+            if (upper.starts_with(upperPrefix)) {
+                AddNumber(std::wstring_view(upper).substr(upperPrefix.size()));
+            }
         }
+        std::ranges::sort(used_);
+        nextUsed_ = used_.begin();
     }
 
     std::wstring Next() {
-        std::wstring name;
-        do {
-            name = prefix_ + std::to_wstring(++number_);
-        } while (used_.contains(ToUpper(name)));
-        return name;
+        ++number_;
+        for (; nextUsed_ != used_.end() && *nextUsed_ <= number_; ++nextUsed_) {
+            number_ += *nextUsed_ == number_ ? 1 : 0;
+        }
+        return prefix_ + std::to_wstring(number_);
     }
 
   private:
+    // Of a name that Next could give; it has neither other letters nor leading zeros.
+    void AddNumber(std::wstring_view digits) {
+        constexpr std::size_t kMostDigits = 9;
+        const bool isNumber = !digits.empty() && digits.size() <= kMostDigits && digits[0] != L'0' &&
+                              std::ranges::all_of(digits, [](wchar_t c) { return c >= L'0' && c <= L'9'; });
+        if (isNumber) {
+            used_.push_back(static_cast<unsigned>(std::stoul(std::wstring(digits))));
+        }
+    }
+
     const std::wstring& prefix_;
-    std::unordered_set<std::wstring> used_;
+    std::vector<unsigned> used_;
+    std::vector<unsigned>::const_iterator nextUsed_;
     unsigned number_ = 0;
 };
 
@@ -97,11 +115,16 @@ std::vector<LayerPlace> PlaceInLayers(std::span<const CrsPtr> files,
     const LayersByKey existingByKey = rules.append ? ExistingByKey(existing) : LayersByKey{};
     const Layer shared = rules.ignoreCrs ? SharedLayer(files, existing, existingByKey, names) : Layer{};
     std::unordered_map<std::string, LayerPlace> groups;
+    std::unordered_map<const CrsDescription*, const LayerPlace*> known;  // files share few descriptions
     std::vector<LayerPlace> places;
     places.reserve(files.size());
     for (const CrsPtr& crs : files) {
         if (crs == nullptr) {
             places.emplace_back();
+            continue;
+        }
+        if (const auto found = known.find(crs.get()); found != known.end()) {
+            places.push_back(*found->second);
             continue;
         }
         const auto [place, isNew] = groups.try_emplace(LayerKeyOf(*crs));
@@ -112,6 +135,7 @@ std::vector<LayerPlace> PlaceInLayers(std::span<const CrsPtr> files,
                                                                : Layer{names.Next(), false};
             place->second = {layer.name, layer.exists, static_cast<unsigned>(groups.size())};
         }
+        known.emplace(crs.get(), &place->second);
         places.push_back(place->second);
     }
     return places;
