@@ -19,11 +19,14 @@ namespace {
 constexpr int kPatienceMs = 1000;
 constexpr qint64 kShowEveryMs = 250;
 constexpr int kUsualThinning = 10;
+/// Few pixels stay empty between so many.
+constexpr double kPointsPerPixel = 2;
 /// Points of a picture: some 32 bytes each are read, and drawing them takes a fraction of a second.
 constexpr double kMostPoints = 2e6;
 /// Of a view that moves, so many are drawn in any case: it looks the same then as when it rests.
 constexpr double kFewPoints = 1e5;
 constexpr std::uint64_t kPointsPerRead = 32768;
+constexpr std::uint64_t kSamples = 200;
 /// Companions kept open; each takes a file descriptor.
 constexpr std::size_t kMostOpen = 128;
 
@@ -96,7 +99,7 @@ class MapPoints::Drawing {
                 pixels += seen_.back().pixels;
             }
         }
-        density_ = std::min(1.0, kMostPoints / std::max(pixels, 1.0));
+        density_ = std::min(kPointsPerPixel, kMostPoints / std::max(pixels, 1.0));
         hasMany_ = density_ * pixels > kFewPoints;
     }
 
@@ -145,14 +148,31 @@ class MapPoints::Drawing {
         const auto ranges =
             companion->Select({job_.world.left(), job_.world.top(), job_.world.right(), job_.world.bottom()},
                               static_cast<std::uint64_t>(std::max(1.0, mostPoints)));
-        double count = 0;
-        for (const LasPointRange& range : ranges) {
-            count += static_cast<double>(range.count);
-        }
-        canvas.SetSpacing(std::sqrt(seen.pixels / std::max(count, 1.0)));
+        canvas.SetSpacing(std::sqrt(seen.pixels / CountInView(*companion, ranges)));
         for (const LasPointRange& range : ranges) {
             DrawRange(*companion, range, canvas);
         }
+    }
+
+    /// Number of the points in the view, at least 1: most may lie beside it. Estimated from samples.
+    double CountInView(const LasCompanion& companion, const std::vector<LasPointRange>& ranges) {
+        std::uint64_t count = 0;
+        for (const LasPointRange& range : ranges) {
+            count += range.count;
+        }
+        const std::uint64_t step = count / kSamples + 1;
+        std::uint64_t before = 0;  // points of the ranges before
+        points_.clear();
+        for (const LasPointRange& range : ranges) {
+            for (std::uint64_t i = (step - before % step) % step; i < range.count && !IsGivenUp();
+                 i += step) {
+                companion.Read({range.first + i, 1}, points_);
+            }
+            before += range.count;
+        }
+        const auto inView = std::ranges::count_if(
+            points_, [this](const LasPoint& point) { return job_.world.contains(point.x, point.y); });
+        return std::max(1.0, static_cast<double>(inView) * static_cast<double>(step));
     }
 
     void DrawRange(const LasCompanion& companion, LasPointRange range, PointCanvas& canvas) {

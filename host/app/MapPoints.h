@@ -37,7 +37,7 @@ struct CompanionUse {
 };
 
 /// The points of LAS files that have fresh companions, drawn on a worker thread for one view after the other,
-/// about one point for each pixel. Each view is first drawn with few points, so that a view that moves is
+/// about two points for each pixel. Each view is first drawn with few points, so that a view that moves is
 /// followed.
 class MapPoints final : public QObject {
     Q_OBJECT
@@ -50,7 +50,7 @@ class MapPoints final : public QObject {
 
     /// Sets the files; their companions are looked at again.
     void SetFiles(std::vector<PointFile> files);
-    /// Draws a view of so many pixels. Changed() then comes once or twice, if there are files.
+    /// Draws a view of so many pixels. If there are files, Changed() then comes at least once.
     void Show(const QRectF& world, const QSize& pixels);
 
     /// Of the latest view that has been drawn.

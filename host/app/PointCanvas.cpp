@@ -61,7 +61,7 @@ PointCanvas::PointCanvas(const QRectF& world, const QSize& pixels, double low, d
 }
 
 void PointCanvas::SetSpacing(double pixels) {
-    side_ = static_cast<int>(std::clamp(std::ceil(1.25 * pixels), 1.0, kLargestSide));
+    side_ = static_cast<int>(std::clamp(std::ceil(1.5 * pixels), 1.0, kLargestSide));
 }
 
 QRgb PointCanvas::ColourOf(const LasPoint& point) const {

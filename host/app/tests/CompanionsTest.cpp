@@ -151,6 +151,18 @@ TEST_F(Companions, AreReplacedOnlyWithPermission) {
     EXPECT_EQ(State(), LasCompanionState::Fresh);
 }
 
+TEST_F(Companions, OfAFileThatWasDecompressedIsThatOfItsPoints) {
+    Record record;
+    record.lasPyramidType = kPyramidQvr;
+    folder_.Write(L"tile.laz", "compressed");
+    record.AddFile(FromPath(folder_.Path()), L"tile.laz", L"layer").name = tile_;
+    RecordIntake(project_, ToQString(FromPath(folder_.Path())), true, &window_).Take(record);
+    EXPECT_EQ(State(), LasCompanionState::Fresh);
+    const LayerFile& file = project_.layers.at(0).files.at(0);
+    EXPECT_EQ(file.path, folder_.Name(L"tile.laz"));
+    EXPECT_EQ(file.PointsPath(), tile_);
+}
+
 TEST_F(Companions, AFileWithoutOneIsAddedAllTheSame) {
     folder_.Write(L"cut.las", testing::ReadFile(tile_).substr(0, 5000));
     const IntakeResult result = Take(kPyramidQvr, false, true, L"cut.las");
