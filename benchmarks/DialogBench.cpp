@@ -29,7 +29,7 @@ namespace orvex::bench {
 
 namespace {
 
-/// Drops files and folders on a widget, as a file manager would. Returns when the drop was handled.
+/// Drops files and folders on a widget, as a file manager would. Returns when the files have been added.
 void DropPaths(QWidget* target, const QStringList& paths) {
     QList<QUrl> urls;
     for (const QString& path : paths) {
@@ -42,6 +42,8 @@ void DropPaths(QWidget* target, const QStringList& paths) {
     QApplication::sendEvent(target, &enter);
     QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(target, &drop);
+    // The files are added by a queued call, which returns when all rows are there.
+    QCoreApplication::processEvents();
 }
 
 using Clock = std::chrono::steady_clock;

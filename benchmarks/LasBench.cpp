@@ -2,19 +2,16 @@
 #include <QApplication>
 #include <QTemporaryDir>
 #include <algorithm>
-#include <fstream>
 #include <limits>
 #include <string>
 #include <vector>
 
-#include <fmt/format.h>
-
 #include "benchmarks/Bench.h"
 #include "benchmarks/DialogBench.h"
+#include "benchmarks/ListFiles.h"
 #include "benchmarks/Probe.h"
 #include "host/objects/HostClasses.h"
 #include "las/LasRow.h"
-#include "las/testing/LasBuilder.h"
 #include "settings/RegistryKey.h"
 #include "support/QtText.h"
 #include "support/Text.h"
@@ -23,40 +20,6 @@ namespace orvex::bench {
 namespace {
 
 constexpr std::size_t kFilesPerFolder = 1000;
-
-/// WKT record of a UTM zone.
-std::string Wkt(std::size_t zone) {
-    return fmt::format(
-        "PROJCS[\"WGS 84 / UTM zone {0}N\",GEOGCS[\"WGS 84\",DATUM[\"WGS_1984\","
-        "SPHEROID[\"WGS "
-        "84\",6378137,298.257223563,AUTHORITY[\"EPSG\",\"7030\"]],AUTHORITY[\"EPSG\",\"6326\"]],"
-        "PRIMEM[\"Greenwich\",0,AUTHORITY[\"EPSG\",\"8901\"]],UNIT[\"degree\",0.0174532925199433,"
-        "AUTHORITY[\"EPSG\",\"9122\"]],AUTHORITY[\"EPSG\",\"4326\"]],PROJECTION[\"Transverse_Mercator\"],"
-        "PARAMETER[\"latitude_of_origin\",0],PARAMETER[\"central_meridian\",{1}],PARAMETER[\"scale_factor\","
-        "0.9996],"
-        "PARAMETER[\"false_easting\",500000],PARAMETER[\"false_northing\",0],UNIT[\"metre\",1,"
-        "AUTHORITY[\"EPSG\",\"9001\"]],AXIS[\"Easting\",EAST],AXIS[\"Northing\",NORTH],"
-        "AUTHORITY[\"EPSG\",\"{2}\"]]",
-        zone, static_cast<int>(zone) * 6 - 183, 32600 + zone);
-}
-
-std::string VariantBytes(std::size_t variant) {
-    return testing::LasBuilder(14, 6)
-        .AddPoints(100, 400000.0 + 100.0 * static_cast<double>(variant), 5000000)
-        .Wkt(Wkt(variant + 20))
-        .AddVlr("Vendor", 100, std::string(64, 'v'), "what another program writes")
-        .AddExtraBytes("Amplitude", 3, 2)
-        .Build();
-}
-
-/// LAS files with different WKTs.
-Corpus LasCorpus(std::size_t files) {
-    const auto write = [](const std::filesystem::path& path, std::size_t variant) {
-        const std::string bytes = VariantBytes(variant);
-        std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    };
-    return {files, {".las", kFilesPerFolder, write}};
-}
 
 constexpr int kRounds = 7;
 
@@ -113,11 +76,12 @@ int main(int argc, char** argv) {
 
     orvex::bench::Figures figures;
     orvex::bench::MeasureOpening(figures);
-    const orvex::bench::Corpus corpus = orvex::bench::LasCorpus(options->files);
+    const auto kind = orvex::bench::LasFiles(orvex::bench::kFilesPerFolder);
+    const orvex::bench::Corpus corpus(options->files, kind);
     orvex::bench::MeasureAdding(corpus, figures);
     orvex::bench::MeasureEscape(corpus, figures);
     // Files that no run before has met, so that each of them is counted whole.
-    orvex::bench::MeasureMemory(orvex::bench::LasCorpus(options->files), figures);
+    orvex::bench::MeasureMemory({options->files, kind}, figures);
     orvex::bench::MeasureListing(corpus, figures);
     return figures.Write(options->output) ? 0 : 1;
 }

@@ -4,14 +4,13 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <limits>
 #include <string>
 
 #include "benchmarks/Bench.h"
+#include "benchmarks/ListFiles.h"
 #include "benchmarks/Probe.h"
-#include "host/utilities/testing/PhotoSamples.h"
 #include "photo/PhotoRow.h"
 #include "photo/PhotoSeries.h"
 #include "support/Text.h"
@@ -20,24 +19,8 @@ namespace orvex::bench {
 namespace {
 
 constexpr int kRounds = 5;
-constexpr std::size_t kPixelBytes = std::size_t{64} << 10U;
 constexpr std::size_t kFew = 100;
 constexpr std::size_t kCompared = 1000;  // the other program takes seconds for these
-
-/// A photo of a drone: EXIF with maker notes, XMP, and 64 KiB that stand for the picture.
-void WriteVariant(const std::filesystem::path& path, std::size_t variant) {
-    testing::ExifBytes exif;
-    exif.Position(8.5 + static_cast<double>(variant) * 1e-4, 47.25, 520)
-        .GpsTime("2019:07:14", 9, 21, {33, 1});
-    exif.Text(testing::ExifBytes::kImage, 0x10F, "Maker").Text(testing::ExifBytes::kImage, 0x110, "M1");
-    exif.Fractions(testing::ExifBytes::kExif, 0x920A, {{88, 10}});
-    exif.Bytes(testing::ExifBytes::kExif, 0x927C, std::string(20000, 'm'));
-    const std::string xmp = testing::XmpWith(
-        "http://www.dji.com/drone-dji/1.0/",
-        {{"AbsoluteAltitude", "+520.5"}, {"GimbalYawDegree", "-90.3"}, {"GimbalPitchDegree", "-89.9"}});
-    std::ofstream(path, std::ios::binary)
-        << testing::JpegWith(exif.Build(), xmp, 5472, 3648) << std::string(kPixelBytes, 'p');
-}
 
 std::vector<PhotoRow> Inspect(const std::vector<std::wstring>& paths) {
     std::vector<PhotoRow> rows;
@@ -93,7 +76,7 @@ void InspectApart(const std::vector<std::wstring>& paths) {
 
 /// The same photos in one list and in lists of a hundred.
 void MeasureGrowth(std::size_t files, Figures& figures) {
-    const Corpus corpus(files, {".jpg", files, WriteVariant});
+    const Corpus corpus(files, DronePhotos(files));
     const std::vector<std::wstring>& paths = corpus.Paths();
     double apart = std::numeric_limits<double>::infinity();
     double together = apart;
@@ -131,7 +114,7 @@ int main(int argc, char** argv) {
     }
     Figures figures;
     {
-        const Corpus corpus(kCompared, {".jpg", kCompared, WriteVariant});
+        const Corpus corpus(kCompared, DronePhotos(kCompared));
         Compare(corpus.Folder(), corpus.Paths(), "list", figures);
     }
     // Real photos differ more than made ones.

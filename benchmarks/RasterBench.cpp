@@ -2,17 +2,16 @@
 // the program gdalinfo, which describes one file per call.
 #include <fmt/format.h>
 #include <gdal.h>
-#include <ogr_spatialref.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <iostream>
 #include <limits>
-#include <stdexcept>
 #include <string>
 
 #include "benchmarks/Bench.h"
+#include "benchmarks/ListFiles.h"
 #include "crs/GdalSetup.h"
 #include "raster/RasterRow.h"
 #include "support/GdalRaii.h"
@@ -22,31 +21,6 @@ namespace orvex::bench {
 namespace {
 
 constexpr int kRounds = 7;
-constexpr int kEdge = 256;
-constexpr int kBands = 3;
-
-/// A typical orthophoto: tiled, compressed, with overviews, in a UTM zone.
-void WriteVariant(const std::filesystem::path& path, std::size_t variant) {
-    const char* options[] = {"TILED=YES",      "COMPRESS=DEFLATE", "PHOTOMETRIC=RGB",
-                             "BLOCKXSIZE=128", "BLOCKYSIZE=128",   nullptr};
-    const GdalDataset dataset(GDALCreate(GDALGetDriverByName("GTiff"), path.string().c_str(), kEdge, kEdge,
-                                         kBands, GDT_Byte, const_cast<char**>(options)));
-    if (!dataset) {
-        throw std::runtime_error("cannot write " + path.string());
-    }
-    std::array<double, 6> transform{
-        400000.0 + 100.0 * static_cast<double>(variant), 0.1, 0, 5000000, 0, -0.1};
-    GDALSetGeoTransform(dataset.get(), transform.data());
-    OGRSpatialReference crs;
-    crs.importFromEPSG(32620 + static_cast<int>(variant));
-    GDALSetSpatialRef(dataset.get(), OGRSpatialReference::ToHandle(&crs));
-    std::array<int, 2> levels{2, 4};
-    if (GDALBuildOverviews(dataset.get(), "NEAREST", 2, levels.data(), 0, nullptr, nullptr, nullptr) !=
-        CE_None) {
-        throw std::runtime_error("cannot write the overviews of " + path.string());
-    }
-}
-
 std::vector<std::string> Names(const Corpus& corpus) {
     std::vector<std::string> names;
     std::ranges::transform(corpus.Paths(), std::back_inserter(names), ToUtf8);
@@ -71,11 +45,15 @@ void OpenAndPlace(const std::vector<std::string>& names) {
     }
 }
 
+RasterRow InspectImage(const std::wstring& path) {
+    return InspectRasterFile(path, RasterUse::Image);
+}
+
 std::size_t InspectAll(const std::vector<std::wstring>& paths) {
     std::vector<RasterRow> rows;
     rows.reserve(paths.size());
     for (const std::wstring& path : paths) {
-        rows.push_back(InspectRasterFile(path, RasterUse::Image));
+        rows.push_back(InspectImage(path));
     }
     return static_cast<std::size_t>(std::ranges::count_if(rows, &RasterRow::loadable));
 }
@@ -100,11 +78,13 @@ void Measure(const Corpus& corpus, Figures& figures) {
     double opened = std::numeric_limits<double>::infinity();
     double placed = opened;
     double inspected = opened;
+    double read = opened;
     std::size_t loadable = 0;
     for (int round = 0; round < kRounds; ++round) {
         opened = std::min(opened, Milliseconds([&] { OpenAndClose(names); }));
         placed = std::min(placed, Milliseconds([&] { OpenAndPlace(names); }));
         inspected = std::min(inspected, Milliseconds([&] { loadable = InspectAll(corpus.Paths()); }));
+        read = std::min(read, Milliseconds([&] { ReadAsDialog<RasterRow>(corpus.Paths(), InspectImage); }));
     }
     figures.Add("raster_list_files", static_cast<double>(loadable), "files");
     figures.Add("raster_list_opened", opened, "ms");
@@ -112,6 +92,8 @@ void Measure(const Corpus& corpus, Figures& figures) {
     figures.Add("raster_list_inspected", inspected, "ms");
     figures.Add("raster_list_ratio", inspected / opened, "ratio");
     figures.Add("raster_list_placed_ratio", inspected / placed, "ratio");
+    figures.Add("raster_list_read", read, "ms");
+    figures.Add("raster_list_read_placed_ratio", read / placed, "ratio");
     if (const double gdalinfo = GdalinfoMilliseconds(corpus, names); gdalinfo > 0) {
         figures.Add("raster_list_gdalinfo", gdalinfo, "ms");
         figures.Add("raster_list_gdalinfo_ratio", inspected / gdalinfo, "ratio");
@@ -131,7 +113,7 @@ int main(int argc, char** argv) {
         std::cerr << "GDAL's data is missing beside this program\n";
         return 1;
     }
-    const orvex::bench::Corpus corpus(options->files, {".tif", options->files, orvex::bench::WriteVariant});
+    const orvex::bench::Corpus corpus(options->files, orvex::bench::Orthophotos(options->files));
     orvex::bench::Measure(corpus, figures);
     return figures.Write(options->output) ? 0 : 1;
 }

@@ -117,7 +117,7 @@ void Fill(CrsDescription& description) {
     description.area = FindAreaOfUse(crs, description.epsg);
 }
 
-CrsPtr Describe(const std::string& wkt) {
+CrsPtr Describe(std::string_view wkt) {
     auto description = std::make_shared<CrsDescription>();
     description->sourceWkt = wkt;
     if (!wkt.empty()) {
@@ -161,12 +161,12 @@ long CrsDescription::Epsg() const {
     return epsg != 0 || known == nullptr ? epsg : known->epsg;
 }
 
-CrsPtr DescribeCrs(const std::string& wkt) {
+CrsPtr DescribeCrs(std::string_view wkt) {
     // Never destroyed: a worker may still ask while the process ends.
     static auto* const cache = new TextCache<CrsPtr>(kDescriptionsKept, kTextKept);
     static const CrsPtr none = std::make_shared<CrsDescription>();
     try {
-        return cache->Get(wkt, [&wkt] { return Describe(wkt); });
+        return cache->Get(wkt, [wkt] { return Describe(wkt); });
     } catch (...) {
         LogWarning(L"A CRS could not be described: " + CurrentExceptionText());
         return none;

@@ -4,6 +4,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
@@ -57,7 +58,7 @@ using CrsPtr = std::shared_ptr<const CrsDescription>;
 
 /// Describes a WKT; the few hundred used last are cached. Never null, never throws. GDAL's errors do not
 /// reach the console. Safe from any thread.
-CrsPtr DescribeCrs(const std::string& wkt);
+CrsPtr DescribeCrs(std::string_view wkt);
 
 /// The CRSs of rows (with a CrsPtr `crs`) whose identity is not known yet, each once.
 template <typename Rows>

@@ -8,26 +8,22 @@ FileIdRegistry& FileIdRegistry::Instance() {
 }
 
 std::uint16_t FileIdRegistry::FileId(const std::wstring& fileName, std::uint16_t requested) {
+    if (requested == kAny) {
+        return Enter(fileName).first;
+    }
     const std::lock_guard guard(lock_);
-    if (requested != kAny) {
-        Record(fileName, requested);
-        return requested;
-    }
-    if (const auto known = idOfName_.find(fileName); known != idOfName_.end()) {
-        return known->second;
-    }
-    const std::uint16_t id = NextId();
-    if (id != kAny) {
-        Record(fileName, id);
-    }
-    return id;
+    Record(fileName, requested);
+    return requested;
 }
 
 // Names are never taken out, and the map's nodes stay where they are.
-const std::wstring* FileIdRegistry::RecordedName(const std::wstring& fileName) {
+std::pair<std::uint16_t, const std::wstring*> FileIdRegistry::Enter(const std::wstring& fileName) {
     const std::lock_guard guard(lock_);
-    const auto known = idOfName_.find(fileName);
-    return known == idOfName_.end() ? nullptr : &known->first;
+    if (const auto known = idOfName_.find(fileName); known != idOfName_.end()) {
+        return {known->second, &known->first};
+    }
+    const std::uint16_t id = NextId();
+    return {id, id == kAny ? nullptr : Record(fileName, id)};
 }
 
 std::uint16_t FileIdRegistry::NextId() const {
@@ -48,7 +44,7 @@ std::uint16_t FileIdRegistry::NextId() const {
     return free;
 }
 
-void FileIdRegistry::Record(const std::wstring& fileName, std::uint16_t id) {
+const std::wstring* FileIdRegistry::Record(const std::wstring& fileName, std::uint16_t id) {
     const auto [entry, isNew] = idOfName_.try_emplace(fileName, id);
     if (!isNew) {
         const auto old = namesOfId_.find(entry->second);
@@ -58,6 +54,7 @@ void FileIdRegistry::Record(const std::wstring& fileName, std::uint16_t id) {
         entry->second = id;
     }
     ++namesOfId_[id];
+    return &entry->first;
 }
 
 }  // namespace orvex

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
 namespace orvex {
 
@@ -22,13 +23,13 @@ class FileIdRegistry {
     /// the smallest free id; kAny itself, unrecorded, if all are taken.
     std::uint16_t FileId(const std::wstring& fileName, std::uint16_t requested);
 
-    /// The registry's copy of a recorded name, valid for the life of the process, so that the rows of a long
-    /// list need no copies of their own; null for a name that is not recorded.
-    const std::wstring* RecordedName(const std::wstring& fileName);
+    /// The name's id as FileId gives it for kAny, and the registry's copy of the name, valid for the life of
+    /// the process, so that the rows of a long list need no copies of their own; null if it is not recorded.
+    std::pair<std::uint16_t, const std::wstring*> Enter(const std::wstring& fileName);
 
   private:
     std::uint16_t NextId() const;
-    void Record(const std::wstring& fileName, std::uint16_t id);
+    const std::wstring* Record(const std::wstring& fileName, std::uint16_t id);
 
     std::mutex lock_;
     std::unordered_map<std::wstring, std::uint16_t> idOfName_;

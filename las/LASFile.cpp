@@ -1,7 +1,9 @@
 #include "las/LASFile.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
+#include <tuple>
 #include <utility>
 
 #include "las/FileIdRegistry.h"
@@ -11,6 +13,7 @@
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
+#include "support/SourceWindow.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -21,6 +24,11 @@ constexpr std::size_t kMessageLimit = 515;
 [[noreturn]] void ThrowOpenError(std::wstring_view format, const std::wstring& fileName,
                                  SystemError error = 0) {
     throw LDataError(FormatText(format, {fileName, error}, kMessageLimit));
+}
+
+const LasVlrsPtr& NoVlrs() {
+    static const auto* const none = new LasVlrsPtr(std::make_shared<const LasVlrs>());
+    return *none;
 }
 
 template <typename Records>
@@ -38,7 +46,8 @@ bool HasProjectionIn(const Records& records) {
 
 }  // namespace
 
-LASFile::LASFile(const std::wstring& fileName, bool readOnly) : fileName_(fileName), readOnly_(readOnly) {}
+LASFile::LASFile(const std::wstring& fileName, bool readOnly)
+    : fileName_(fileName), readOnly_(readOnly), vlrs_(NoVlrs()) {}
 LASFile::~LASFile() = default;
 
 std::unique_ptr<LASFile> LASFile::Open(const std::wstring& fileName, bool readOnly, bool skipPointMapping) {
@@ -53,9 +62,10 @@ std::unique_ptr<LASFile> LASFile::Construct(const std::wstring& fileName, const 
                                             Kst::ProgressIf& progress) {
     std::unique_ptr<LASFile> las(new LASFile(fileName, options.readOnly));
     MappedFile file = las->OpenFile();
-    las->CopyHeader(file);
-    las->ReadRecords(file);
+    SourceWindow start(file, las->fileSize_);
     las->isOnDisk_ = true;
+    las->CopyHeader(start);
+    las->ReadRecords(file, start);
     las->Register();
     las->companionStatus_ = FindCompanionStatus(fileName, las->GetVLRs(), las->evlrs_);
     if (las->BuildCompanion(fileName, options, progress)) {
@@ -88,11 +98,15 @@ std::unique_ptr<LASFile> LASFile::Read(const ByteSource& source, const std::wstr
     if (source.Size(las->fileSize_) != 0) {
         ThrowOpenError(Text(text::kLasHeaderReadFailed), name);
     }
-    las->CopyHeader(source);
+    SourceWindow header(source, las->fileSize_, 0);
+    las->CopyHeader(header);
     if (!las->header_.HasSignature()) {
         return las;  // no reason to fetch more of whatever it is
     }
-    las->ReadRecords(source);
+    constexpr std::uint64_t kPart = 8192;  // such a source may give only so much
+    SourceWindow records(source, std::min<std::uint64_t>(las->fileSize_, las->header_.OffsetToPoints()),
+                         kPart);
+    las->ReadRecords(source, records);
     las->companionStatus_ = FindCompanionRecord(las->GetVLRs(), las->evlrs_);
     return las;
 }
@@ -110,11 +124,9 @@ MappedFile LASFile::OpenFile() {
         }
         ThrowOpenError(L"CreateFile failed on '%s'. GetLastError: %i.", fileName_, error);
     }
-    SystemError error = file.Size(fileSize_);
-    if (error == 0) {
-        error = file.CreateMapping();
-    }
-    if (error != 0) {
+    fileSize_ = file.OpenedSize();
+    modifiedMs_ = std::chrono::floor<std::chrono::milliseconds>(file.OpenedTime()).time_since_epoch().count();
+    if (const SystemError error = file.CreateMapping()) {
         ThrowOpenError(L"CreateFileMapping failed on '%s'. GetLastError: %i.", fileName_, error);
     }
     return file;
@@ -122,33 +134,29 @@ MappedFile LASFile::OpenFile() {
 
 // Fields that a truncated file lacks stay zero. Of one that is opened for writing, the whole header counts or
 // the legacy one.
-void LASFile::CopyHeader(const ByteSource& file) {
-    headerCopy_ = std::make_unique<std::byte[]>(las::kHeaderSize14);
-    const std::span<std::byte> block(headerCopy_.get(), las::kHeaderSize14);
-    std::size_t read = 0;
-    if (file.ReadAt(0, block, read) != 0) {
+void LASFile::CopyHeader(SourceWindow& start) {
+    const std::span<const std::byte> read = start.Bytes(0, las::kHeaderSize14);
+    if (start.Error() != 0) {
         ThrowOpenError(Text(text::kLasHeaderReadFailed), fileName_);
     }
-    if (read < las::kLegacyHeaderSize) {
+    if (read.size() < las::kLegacyHeaderSize) {
         ThrowOpenError(L"ReadHeaderBlock failed on '%s'.", fileName_);
     }
-    if (read < (readOnly_ ? las::kHeaderSize13 : las::kHeaderSize14)) {
-        // Half an offset is none.
-        std::ranges::fill(block.subspan(las::kLegacyHeaderSize), std::byte{0});
-    }
-    header_ = LasHeader(block);
+    // Half an offset is none.
+    const bool isWhole = read.size() >= (readOnly_ ? las::kHeaderSize13 : las::kHeaderSize14);
+    std::ranges::copy(isWhole ? read : read.first(las::kLegacyHeaderSize), headerCopy_.begin());
+    header_ = LasHeader(headerCopy_);
 }
 
-void LASFile::ReadRecords(const ByteSource& file) {
-    ReadVlrList(file);
-    ReadExtraBytes();
+void LASFile::ReadRecords(const ByteSource& file, SourceWindow& start) {
+    ReadVlrList(start);
     ReadEvlrList(file);
 }
 
-void LASFile::ReadVlrList(const ByteSource& file) {
+void LASFile::ReadVlrList(SourceWindow& start) {
     SystemError error = 0;
     try {
-        error = ReadVlrs(file, header_, vlrs_);
+        error = isOnDisk_ ? ReadSharedVlrs(start, header_, vlrs_) : ReadVlrs(start, header_, vlrs_);
     } catch (const std::bad_alloc&) {
         ThrowOpenError(Text(text::kVlrReadFailed), fileName_);
     }
@@ -167,31 +175,16 @@ void LASFile::ReadEvlrList(const ByteSource& file) {
     hasUnreadRecords_ = hasUnreadRecords_ || evlrs_.size() < wanted;
 }
 
-// Programs write this record under user ids of their own as well, so only its record id counts.
-void LASFile::ReadExtraBytes() {
-    for (const VlrView& vlr : GetVLRs()) {
-        if (vlr.RecordId() != las::kExtraBytesRecordId) {
-            continue;
-        }
-        if (vlr.UserId() == las::kSpecUserId &&
-            vlr.Description().substr(0, 31) == "Xtra:range/incidentVec/photoNdx") {
-            hasRangeIncidencePhotoIndex_ = true;
-        }
-        extraBytes_.Add(vlr.Data());
-    }
-}
-
 void LASFile::Register() {
-    FileIdRegistry& registry = FileIdRegistry::Instance();
-    registeredId_ = registry.FileId(fileName_, FileIdRegistry::kAny);
-    recordedName_ = registry.RecordedName(fileName_);
-    if (recordedName_) {
+    std::tie(registeredId_, recordedName_) = FileIdRegistry::Instance().Enter(fileName_);
+    if (recordedName_ != nullptr) {
         std::wstring().swap(fileName_);  // an assignment would keep the memory
     }
 }
 
 std::string LASFile::CrsWkt() const {
-    return ReadLasCrs(*this).wkt;
+    const CrsPtr crs = ReadLasCrs(*this).crs;
+    return crs ? crs->sourceWkt : std::string();
 }
 
 bool LASFile::HasProjectionRecords() const {

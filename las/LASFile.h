@@ -1,5 +1,6 @@
 #pragma once
 // One LAS file: its header, its records and, on request, its point data.
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -65,9 +66,12 @@ class LASFile final : public LasFileInfo {
     int GetVersionCode() const { return header_.VersionCode(); }
     const LasHeader& Header() const { return header_; }
     std::uint64_t FileSize() const { return fileSize_; }
+    /// When the file was last changed before it was opened, milliseconds since 1970-01-01 UTC; 0 if not
+    /// known.
+    std::int64_t ModifiedMs() const { return modifiedMs_; }
 
     /// Records in file order; valid as long as the file.
-    const std::vector<VlrView>& GetVLRs() const { return vlrs_.records; }
+    const std::vector<VlrView>& GetVLRs() const { return vlrs_->list.records; }
     const std::vector<EvlrEntry>& GetEVLRs() const { return evlrs_; }
 
     /// False for a file made by Read.
@@ -83,9 +87,9 @@ class LASFile final : public LasFileInfo {
     std::optional<std::span<const std::byte>> FindGeoKeyDirectory() const;
     std::optional<std::span<const std::byte>> FindWKT() const;
 
-    const ExtraBytes& GetExtraBytes() const { return extraBytes_; }
+    const ExtraBytes& GetExtraBytes() const { return vlrs_->extraBytes; }
     /// True if the extra bytes hold range, incidence vector and photo index.
-    bool HasRangeIncidencePhotoIndex() const { return hasRangeIncidencePhotoIndex_; }
+    bool HasRangeIncidencePhotoIndex() const { return vlrs_->hasRangeIncidencePhotoIndex; }
 
     /// Point data; null if it was not asked for, the points are compressed, or the point record length is 0.
     const LasPointViews* Points() const { return points_.get(); }
@@ -93,11 +97,10 @@ class LASFile final : public LasFileInfo {
   private:
     LASFile(const std::wstring& fileName, bool readOnly);
     MappedFile OpenFile();
-    void CopyHeader(const ByteSource& file);
-    void ReadRecords(const ByteSource& file);
-    void ReadVlrList(const ByteSource& file);
+    void CopyHeader(SourceWindow& start);
+    void ReadRecords(const ByteSource& file, SourceWindow& start);
+    void ReadVlrList(SourceWindow& start);
     void ReadEvlrList(const ByteSource& file);
-    void ReadExtraBytes();
     void Register();
     bool BuildCompanion(const std::wstring& fileName, const LasConstruction& options,
                         Kst::ProgressIf& progress);
@@ -106,18 +109,17 @@ class LASFile final : public LasFileInfo {
     std::wstring fileName_;                       // empty once the registry has the name
     const std::wstring* recordedName_ = nullptr;  // the registry's copy
     bool readOnly_;
-    bool hasRangeIncidencePhotoIndex_ = false;
     bool isOnDisk_ = false;
     bool hasUnreadRecords_ = false;
     bool isDamaged_ = false;  // set by who has examined the file
     std::uint16_t registeredId_ = FileIdRegistry::kAny;
     CompanionStatus companionStatus_ = CompanionStatus::None;
     std::uint64_t fileSize_ = 0;
-    std::unique_ptr<std::byte[]> headerCopy_;
+    std::int64_t modifiedMs_ = 0;
+    std::array<std::byte, las::kHeaderSize14> headerCopy_{};
     LasHeader header_;
-    VlrList vlrs_;
+    LasVlrsPtr vlrs_;  // never null
     std::vector<EvlrEntry> evlrs_;
-    ExtraBytes extraBytes_;
     std::unique_ptr<LasPointViews> points_;
 };
 

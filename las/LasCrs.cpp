@@ -16,34 +16,35 @@ namespace {
 constexpr std::size_t kConversionsKept = 256;
 constexpr std::size_t kBytesKept = std::size_t{4} << 20U;
 
-std::string BytesOf(const LASFile& file, std::uint16_t recordId, std::size_t most) {
+std::string_view BytesOf(const LASFile& file, std::uint16_t recordId, std::size_t most) {
     const auto data = file.FindProjectionRecord(recordId);
-    return data ? std::string(reinterpret_cast<const char*>(data->data()), std::min(data->size(), most))
-                : std::string();
+    return data ? std::string_view(reinterpret_cast<const char*>(data->data()), std::min(data->size(), most))
+                : std::string_view();
 }
 
 // The text ends at its first zero byte; some writers pad it with blanks or line breaks.
-std::string WktRecord(const LASFile& file) {
-    std::string text = BytesOf(file, las::kWktRecordId, kMostRecordData);
-    text.resize(std::min(text.find('\0'), text.size()));
-    text.erase(text.find_last_not_of(" \t\r\n") + 1);
-    return text;
+std::string_view WktRecord(const LASFile& file) {
+    const std::string_view text = BytesOf(file, las::kWktRecordId, kMostRecordData);
+    const std::string_view whole = text.substr(0, text.find('\0'));
+    return whole.substr(0, whole.find_last_not_of(" \t\r\n") + 1);
 }
 
 LasCrs FromWkt(const LASFile& file) {
-    std::string wkt = WktRecord(file);
+    const std::string_view wkt = WktRecord(file);
     if (wkt.empty()) {
         return {};
     }
-    const std::wstring problem = DescribeCrs(wkt)->problem;
-    if (problem.empty()) {
-        return {std::move(wkt), LasCrsSource::Wkt, {}, {}};
+    CrsPtr crs = DescribeCrs(wkt);
+    if (crs->problem.empty()) {
+        return {std::move(crs), LasCrsSource::Wkt, {}, {}};
     }
-    return {{}, LasCrsSource::None, FormatText(Text(text::kWktUnreadable), {problem}), std::move(wkt)};
+    return {{}, LasCrsSource::None, FormatText(Text(text::kWktUnreadable), {crs->problem}), std::string(wkt)};
 }
 
+using GeoRecords = std::array<std::string, 3>;
+
 // The payloads of the three records behind each other, each with its length before it.
-std::string Joined(const std::array<std::string, 3>& payloads) {
+std::string Joined(const GeoRecords& payloads) {
     std::string joined;
     for (const std::string& payload : payloads) {
         joined += std::to_string(payload.size()) + ' ' + payload;
@@ -51,21 +52,21 @@ std::string Joined(const std::array<std::string, 3>& payloads) {
     return joined;
 }
 
-LasCrs ConvertGeoKeys(const std::array<std::string, 3>& payloads) {
+LasCrs ConvertGeoKeys(const GeoRecords& payloads) {
     EnsureGdal();
     std::string reason;
-    std::string wkt = OrvexUtilities::CrsWktFromGeoKeys(payloads[0], payloads[1], payloads[2], reason);
-    const auto source = wkt.empty() ? LasCrsSource::None : LasCrsSource::GeoKeys;
-    return {std::move(wkt), source, FromUtf8(reason), {}};
+    const std::string wkt = OrvexUtilities::CrsWktFromGeoKeys(payloads[0], payloads[1], payloads[2], reason);
+    return wkt.empty() ? LasCrs{{}, LasCrsSource::None, FromUtf8(reason), {}}
+                       : LasCrs{DescribeCrs(wkt), LasCrsSource::GeoKeys, FromUtf8(reason), {}};
 }
 
 LasCrs FromGeoKeys(const LASFile& file) {
     // The tiles of a folder share a few CRSs, and a conversion takes far longer than reading a header. Never
     // destroyed: a worker may still ask while the process ends.
     static auto* const cache = new TextCache<LasCrs>(kConversionsKept, kBytesKept);
-    const std::array<std::string, 3> payloads{BytesOf(file, las::kGeoKeyDirectoryRecordId, las::kMostVlrData),
-                                              BytesOf(file, las::kGeoDoublesRecordId, las::kMostVlrData),
-                                              BytesOf(file, las::kGeoTextRecordId, las::kMostVlrData)};
+    const GeoRecords payloads{std::string(BytesOf(file, las::kGeoKeyDirectoryRecordId, las::kMostVlrData)),
+                              std::string(BytesOf(file, las::kGeoDoublesRecordId, las::kMostVlrData)),
+                              std::string(BytesOf(file, las::kGeoTextRecordId, las::kMostVlrData))};
     if (payloads.front().empty()) {
         return {};
     }
@@ -77,7 +78,7 @@ LasCrs FromGeoKeys(const LASFile& file) {
 LasCrs ReadLasCrs(const LASFile& file) {
     const bool isWktFirst = file.Header().HasWktBit() || !file.FindGeoKeyDirectory();
     LasCrs crs = isWktFirst ? FromWkt(file) : FromGeoKeys(file);
-    if (!crs.wkt.empty()) {
+    if (crs.crs) {
         return crs;
     }
     LasCrs other = isWktFirst ? FromGeoKeys(file) : FromWkt(file);

@@ -1,6 +1,8 @@
 #pragma once
 #include <string>
 
+#include "crs/CrsDescription.h"
+
 namespace orvex {
 
 class LASFile;
@@ -9,8 +11,8 @@ enum class LasCrsSource { None, Wkt, GeoKeys };
 
 /// CRS from the projection records of a file.
 struct LasCrs {
-    std::string wkt;                           ///< UTF-8; empty if there is no CRS or none that can be read
-    LasCrsSource source = LasCrsSource::None;  ///< of `wkt`
+    CrsPtr crs;                                ///< null if there is no CRS or none that can be read
+    LasCrsSource source = LasCrsSource::None;  ///< of `crs`
     std::wstring problem;  ///< why records cannot be read, in a sentence; empty if none had to be passed over
     std::string unreadableWkt;  ///< text of a WKT record that cannot be read
 };

@@ -8,7 +8,9 @@
 #include "support/ByteReader.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
+#include "support/SourceWindow.h"
 #include "support/Text.h"
+#include "support/TextCache.h"
 
 namespace orvex {
 namespace {
@@ -162,13 +164,10 @@ std::uint64_t DataLength(std::span<const std::byte> vlr) {
 /// Reads VLRs one by one through a window, and keeps of each what a list needs.
 class VlrReader {
   public:
-    explicit VlrReader(const ByteSource& file) : file_(file) {}
+    explicit VlrReader(SourceWindow& file) : file_(file) {}
 
     SystemError Read(const LasHeader& header, VlrList& list) {
-        if (const SystemError error = file_.Size(end_)) {
-            return error;
-        }
-        end_ = std::min<std::uint64_t>(end_, header.OffsetToPoints());
+        end_ = std::min<std::uint64_t>(file_.Size(), header.OffsetToPoints());
         WalkVlrs(header, end_, [&](std::uint64_t start) { return Keep(start); });
         // The views are made once the bytes stay where they are.
         kept_.shrink_to_fit();
@@ -179,7 +178,7 @@ class VlrReader {
                 std::span<const std::byte>(list.bytes).subspan(place.keptAt, place.length), place.fileOffset,
                 place.isTruncated);
         }
-        return error_;
+        return file_.Error();
     }
 
   private:
@@ -192,7 +191,7 @@ class VlrReader {
 
     /// The length of the data of the record at `start`; nullopt if the file ends before.
     std::optional<std::uint64_t> Keep(std::uint64_t start) {
-        const std::span<const std::byte> header = Window(start, VlrView::kHeaderSize);
+        const std::span<const std::byte> header = file_.Bytes(start, VlrView::kHeaderSize);
         if (header.size() < VlrView::kHeaderSize) {
             return std::nullopt;
         }
@@ -200,7 +199,7 @@ class VlrReader {
         const std::uint64_t present = std::min(length, end_ - start - VlrView::kHeaderSize);
         const bool isKept = IsOfUse(VlrView(header, start, true)) && present <= kMostRecordData - data_;
         const std::span<const std::byte> record =
-            isKept ? Window(start, VlrView::kHeaderSize + present) : header;
+            isKept ? file_.Bytes(start, VlrView::kHeaderSize + present) : header;
         if (record.size() < VlrView::kHeaderSize) {
             return std::nullopt;
         }
@@ -215,24 +214,8 @@ class VlrReader {
                vlr.RecordId() == las::kExtraBytesRecordId;
     }
 
-    /// The bytes from an offset; fewer at the end of the file or on an error. Valid until the next call.
-    std::span<const std::byte> Window(std::uint64_t offset, std::uint64_t length) {
-        if (offset < windowStart_ || offset + length > windowStart_ + window_.size()) {
-            constexpr std::uint64_t kWindow = 8192;
-            window_.resize(std::max(std::min(kWindow, end_ - offset), length));
-            windowStart_ = offset;
-            std::size_t read = 0;
-            error_ = file_.ReadAt(offset, window_, read);
-            window_.resize(error_ == 0 ? read : 0);
-        }
-        return ByteReader(window_).Bytes(offset - windowStart_, length);
-    }
-
-    const ByteSource& file_;
-    SystemError error_ = 0;
+    SourceWindow& file_;
     std::uint64_t end_ = 0;  // of the VLRs
-    std::uint64_t windowStart_ = 0;
-    std::vector<std::byte> window_;
     std::vector<std::byte> kept_;
     std::uint64_t data_ = 0;  // bytes of data in kept_
     std::vector<Place> places_;
@@ -306,6 +289,15 @@ bool EvlrEntry::Is(std::string_view userId, std::uint16_t recordId) const {
 }
 
 SystemError ReadVlrs(const ByteSource& file, const LasHeader& header, VlrList& list) {
+    std::uint64_t size = 0;
+    if (const SystemError error = file.Size(size)) {
+        return error;
+    }
+    SourceWindow window(file, size);
+    return ReadVlrs(window, header, list);
+}
+
+SystemError ReadVlrs(SourceWindow& file, const LasHeader& header, VlrList& list) {
     return VlrReader(file).Read(header, list);
 }
 
@@ -348,6 +340,79 @@ bool ExtraBytes::IsSpread() const {
 const ExtraBytesAttribute* ExtraBytes::Find(const std::wstring& name) const {
     const auto found = std::ranges::find(attributes_, name, &ExtraBytesAttribute::name);
     return found == attributes_.end() ? nullptr : &*found;
+}
+
+namespace {
+
+/// Programs write this record under user ids of their own as well, so only its record id counts.
+void DecodeExtraBytes(LasVlrs& vlrs) {
+    for (const VlrView& vlr : vlrs.list.records) {
+        if (vlr.RecordId() != las::kExtraBytesRecordId) {
+            continue;
+        }
+        if (vlr.UserId() == las::kSpecUserId &&
+            vlr.Description().substr(0, 31) == "Xtra:range/incidentVec/photoNdx") {
+            vlrs.hasRangeIncidencePhotoIndex = true;
+        }
+        vlrs.extraBytes.Add(vlr.Data());
+    }
+}
+
+}  // namespace
+
+SystemError ReadVlrs(SourceWindow& file, const LasHeader& header, LasVlrsPtr& vlrs) {
+    auto own = std::make_shared<LasVlrs>();
+    const SystemError error = ReadVlrs(file, header, own->list);
+    if (error == 0 || error == ByteSource::kNoMoreReads) {
+        DecodeExtraBytes(*own);
+    }
+    vlrs = std::move(own);
+    return error;
+}
+
+namespace {
+
+constexpr std::size_t kVlrsKept = 256;
+constexpr std::size_t kVlrBytesKept = std::size_t{4} << 20U;
+constexpr std::uint64_t kMostShared = std::uint64_t{64} << 10U;
+
+/// All that ReadVlrs depends on: three fields of the header, and the bytes between header and points. Empty
+/// if there are none, too many, or fewer than the header says.
+std::string KeyOf(SourceWindow& file, const LasHeader& header) {
+    const std::uint64_t start = header.HeaderSize();
+    const std::uint64_t end = header.OffsetToPoints();
+    if (start < las::kLegacyHeaderSize || start >= end || end - start > kMostShared || end > file.Size()) {
+        return {};
+    }
+    const std::span<const std::byte> area = file.Bytes(start, end - start);
+    if (area.size() < end - start) {
+        return {};
+    }
+    const std::array<std::uint32_t, 3> fields{header.HeaderSize(), header.OffsetToPoints(),
+                                              header.VlrCount()};
+    std::string key;
+    key.reserve(sizeof(fields) + area.size());
+    key.append(reinterpret_cast<const char*>(fields.data()), sizeof(fields));
+    key.append(reinterpret_cast<const char*>(area.data()), area.size());
+    return key;
+}
+
+}  // namespace
+
+SystemError ReadSharedVlrs(SourceWindow& file, const LasHeader& header, LasVlrsPtr& vlrs) {
+    // The tiles of a folder mostly have the same VLRs, which are the most of what a row would keep. Never
+    // destroyed: a worker may still ask while the process ends.
+    static auto* const cache = new TextCache<LasVlrsPtr>(kVlrsKept, kVlrBytesKept);
+    const std::string key = KeyOf(file, header);
+    if (key.empty()) {
+        return ReadVlrs(file, header, vlrs);
+    }
+    vlrs = cache->Get(key, [&] {
+        LasVlrsPtr read;
+        ReadVlrs(file, header, read);  // from the window: no error
+        return read;
+    });
+    return 0;
 }
 
 }  // namespace orvex

@@ -16,6 +16,8 @@
 
 namespace orvex {
 
+class SourceWindow;
+
 /// Most records of one kind that are listed. Files have a handful; a file of zeros would otherwise turn into
 /// as many empty records as its size allows.
 inline constexpr std::size_t kMostRecords = 1U << 16U;
@@ -107,6 +109,9 @@ class EvlrEntry {
 /// bytes), up to kMostRecordData. After an error `list` has the records before it.
 SystemError ReadVlrs(const ByteSource& file, const LasHeader& header, VlrList& list);
 
+/// The same through a window of the file.
+SystemError ReadVlrs(SourceWindow& file, const LasHeader& header, VlrList& list);
+
 /// Reads up to kMostRecords EVLRs from an offset; none if `start` or `count` is 0. Only the data of
 /// "LASF_Projection" and "Kst" records is kept, up to kMostRecordData. With `truncates` it ends at the end of
 /// the file; otherwise a truncated record is an error. Throws LDataError if a record cannot be read, also if
@@ -149,5 +154,19 @@ class ExtraBytes {
     std::vector<ExtraBytesAttribute> attributes_;
     std::uint64_t pointEnd_ = 0;  // of the attributes in a point record
 };
+
+/// The VLRs of a file and the extra bytes that they describe. Files with the same VLRs share one.
+struct LasVlrs {
+    VlrList list;
+    ExtraBytes extraBytes;
+    bool hasRangeIncidencePhotoIndex = false;  ///< the extra bytes hold them
+};
+using LasVlrsPtr = std::shared_ptr<const LasVlrs>;
+
+/// Reads the VLRs as the other ReadVlrs do, `vlrs` having those before an error. Throws LDataError for an
+/// invalid description of extra bytes.
+SystemError ReadVlrs(SourceWindow& file, const LasHeader& header, LasVlrsPtr& vlrs);
+/// The same, for a file on a disk. Safe from any thread.
+SystemError ReadSharedVlrs(SourceWindow& file, const LasHeader& header, LasVlrsPtr& vlrs);
 
 }  // namespace orvex

@@ -38,12 +38,12 @@ void DescribeFileCrs(LasRow& row) {
         return;
     }
     const LasCrs crs = ReadLasCrs(file);
-    row.crs = DescribeCrs(crs.wkt.empty() ? crs.unreadableWkt : crs.wkt);
+    row.crs = crs.crs ? crs.crs : DescribeCrs(crs.unreadableWkt);
     row.crsSource = crs.source;
     if (!crs.problem.empty()) {
         row.findings.push_back(
             {FindingInWords(las_finding::kCrsUnreadable, CrsProblemText(crs)), las::at::kVlrCount});
-    } else if (crs.wkt.empty() && !Has(row, las_finding::kRecordTooLarge) && !file.HasUnreadRecords()) {
+    } else if (!crs.crs && !Has(row, las_finding::kRecordTooLarge) && !file.HasUnreadRecords()) {
         row.findings.push_back({MakeFinding(las_finding::kNoCrs), las::at::kVlrCount});
     }
 }
@@ -114,6 +114,7 @@ void Inspect(LasRow& row) {
         return;
     }
     row.fileSize = row.file->FileSize();
+    row.modifiedMs = row.file->ModifiedMs();
     row.findings = ValidateLas(*row.file);
     CheckCompression(row);
     DescribeFileCrs(row);
@@ -150,9 +151,9 @@ LasRow UnreadLasFile(const std::wstring& path, const std::wstring& message) {
 
 LasRow InspectLasFile(const std::wstring& path) {
     LasRow row = InspectOpened(path, [&] { return LASFile::Open(path, true, true); });
-    row.modifiedMs = ModifiedMs(path);
     if (!row.loadable) {
         row.fileSize = FileSizeOf(path).value_or(0);
+        row.modifiedMs = ModifiedMs(path);
     }
     return row;
 }

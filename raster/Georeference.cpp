@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "crs/CrsDescription.h"
+#include "raster/GeoKeys.h"
 #include "support/SpatialReference.h"
 #include "support/Text.h"
 
@@ -93,9 +94,15 @@ void ReadTransform(GDALDatasetH dataset, RasterProperties& properties) {
 
 }  // namespace
 
-void ReadGeoreference(GDALDatasetH dataset, RasterProperties& properties) {
+void ReadGeoreference(GDALDatasetH dataset, const GeoKeyFacts* known, RasterProperties& properties) {
     ReadTransform(dataset, properties);
-    ReadCrs(dataset, properties);
+    if (known != nullptr) {
+        properties.wkt = known->wkt;
+        properties.linearUnit = known->linearUnit;
+        properties.projectionCode = known->projectionCode;
+    } else {
+        ReadCrs(dataset, properties);
+    }
     properties.controlPoints = GDALGetGCPCount(dataset);
     properties.hasRpc = GDALGetMetadata(dataset, "RPC") != nullptr;
 }

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "raster/GdalMetadata.h"
+#include "raster/GeoKeys.h"
 #include "raster/TiffStructure.h"
 
 namespace orvex {
@@ -44,7 +45,7 @@ std::optional<double> Limit(GDALRasterBandH band, const char* item, GetLimit get
     return isStated != 0 ? std::optional(value) : std::nullopt;
 }
 
-RasterBandProperties Describe(GDALRasterBandH band, bool onlyStated) {
+RasterBandProperties Describe(GDALRasterBandH band, bool onlyStated, const GeoKeyFacts* known) {
     RasterBandProperties properties;
     properties.dataType = GdalText(GDALGetDataTypeName(GDALGetRasterDataType(band)));
     properties.bits = BandBits(band);
@@ -56,7 +57,7 @@ RasterBandProperties Describe(GDALRasterBandH band, bool onlyStated) {
     properties.maximum = Limit(band, "STATISTICS_MAXIMUM", GDALGetRasterMaximum, onlyStated);
     properties.overviews = onlyStated ? 0 : GDALGetOverviewCount(band);
     properties.description = GdalText(GDALGetDescription(band));
-    properties.unit = GdalText(GDALGetRasterUnitType(band));
+    properties.unit = known != nullptr ? known->verticalUnit : GdalText(GDALGetRasterUnitType(band));
     int isStated = 0;
     const double scale = GDALGetRasterScale(band, &isStated);
     properties.scale = isStated != 0 ? scale : 1;
@@ -182,24 +183,27 @@ int BandBits(GDALRasterBandH band) {
         .value_or(GDALGetDataTypeSizeBits(GDALGetRasterDataType(band)));
 }
 
-void ReadBands(GDALDatasetH dataset, bool onlyStated, RasterProperties& properties) {
+void ReadBands(GDALDatasetH dataset, bool onlyStated, const GeoKeyFacts* known,
+               RasterProperties& properties) {
     properties.bands = GDALGetRasterCount(dataset);
     const int described = std::min(properties.bands, static_cast<int>(kMostBandsDescribed));
+    std::vector<RasterBandProperties> bands;
     for (int number = 1; number <= described; ++number) {
         GDALRasterBandH band = GDALGetRasterBand(dataset, number);
         if (band == nullptr) {
             break;
         }
-        properties.bandDetails.push_back(Describe(band, onlyStated));
+        bands.push_back(Describe(band, onlyStated, known));
     }
-    if (!properties.bandDetails.empty()) {
-        properties.bitsPerBand = properties.bandDetails.front().bits;
-        properties.overviews = properties.bandDetails.front().overviews;
+    if (!bands.empty()) {
+        properties.bitsPerBand = bands.front().bits;
+        properties.overviews = bands.front().overviews;
     }
+    properties.bandDetails = std::move(bands);
 }
 
 void ReadColors(GDALDatasetH dataset, const std::wstring& path, RasterProperties& properties) {
-    if (properties.bandDetails.empty()) {
+    if (properties.bandDetails->empty()) {
         return;
     }
     ReadInterpretation(dataset, GDALGetRasterBand(dataset, 1), properties);

@@ -35,11 +35,11 @@ constexpr FindingKind kNoVerticalCrs{"dem-no-vertical-crs", Note, text::kDemNoVe
 constexpr std::int64_t kManyPixels = std::int64_t{1} << 26U;
 
 const RasterBandProperties* FirstBand(const RasterProperties& properties) {
-    return properties.bandDetails.empty() ? nullptr : &properties.bandDetails.front();
+    return properties.bandDetails->empty() ? nullptr : &properties.bandDetails->front();
 }
 
 void CheckCrs(const RasterProperties& properties, const CrsDescription& crs, Findings& findings) {
-    if (properties.wkt.empty()) {
+    if (properties.wkt->empty()) {
         findings.push_back(MakeFinding(kNoCrs));
     } else if (crs.name.empty()) {
         findings.push_back(MakeFinding(kCrsUnreadable));
@@ -93,7 +93,7 @@ void CheckDem(const RasterProperties& properties, const CrsDescription& crs, Fin
             findings.push_back(MakeFinding(kNoNoDataValue));
         }
     }
-    if (!properties.wkt.empty() && crs.verticalName.empty()) {
+    if (!properties.wkt->empty() && crs.verticalName.empty()) {
         findings.push_back(MakeFinding(kNoVerticalCrs));
     }
 }

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "raster/GdalMetadata.h"
+#include "raster/GeoKeys.h"
 #include "raster/Georeference.h"
 #include "raster/RasterBands.h"
 #include "raster/RasterDrivers.h"
@@ -77,13 +78,13 @@ std::wstring Acquired(GDALDatasetH dataset) {
     return {};
 }
 
-void ReadFormat(GDALDatasetH dataset, RasterProperties& properties) {
+void ReadFormat(GDALDatasetH dataset, const GeoKeyFacts* known, RasterProperties& properties) {
     GDALDriverH driver = GDALGetDatasetDriver(dataset);
     properties.driver = GdalText(GDALGetDriverShortName(driver));
     properties.format = GdalText(GDALGetDriverLongName(driver));
     properties.compression = MetadataText(dataset, "COMPRESSION", "IMAGE_STRUCTURE");
     properties.interleave = MetadataText(dataset, "INTERLEAVE", "IMAGE_STRUCTURE");
-    properties.pixelIs = MetadataText(dataset, "AREA_OR_POINT", nullptr);
+    properties.pixelIs = known != nullptr ? known->pixelIs : MetadataText(dataset, "AREA_OR_POINT", nullptr);
     properties.acquired = Acquired(dataset);
 }
 
@@ -143,9 +144,11 @@ void ReadOverviewFile(const std::wstring& path, RasterProperties& properties) {
     const int levels = hasOwn ? 0 : LevelsIn(path + L".ovr", "GTiff");
     if (levels > 0) {
         properties.overviews = levels;
-        for (RasterBandProperties& band : properties.bandDetails) {
+        std::vector<RasterBandProperties> bands = properties.bandDetails;
+        for (RasterBandProperties& band : bands) {
             band.overviews = levels;
         }
+        properties.bandDetails = std::move(bands);
     }
 }
 
@@ -154,17 +157,29 @@ std::wstring Naming(StringId text, const std::wstring& name) {
     return name.empty() ? name : FormatText(Text(text), {name});
 }
 
-RasterProperties Describe(GDALDatasetH dataset, const std::wstring& path) {
+GeoKeyFacts GeoKeyFactsOf(const RasterProperties& properties) {
+    return {properties.pixelIs, properties.bandDetails->empty() ? L"" : properties.bandDetails->front().unit,
+            properties.wkt, properties.linearUnit, properties.projectionCode};
+}
+
+RasterProperties Describe(GDALDatasetH dataset, const std::wstring& path, const GdalErrorScope& errors) {
     RasterProperties properties;
     ReadSize(dataset, properties);
-    ReadFormat(dataset, properties);
-    // Asking for overviews opens the files that a VRT, or the overview file that any raster, names.
+    // Asking for overviews opens the files that a VRT, or the overview file that any raster, names; so does
+    // asking for the files beside it.
     const std::wstring inFile = NamedOverviews(dataset);
     const std::wstring named = inFile.empty() ? OverviewsNamedBeside(path) : inFile;
+    const std::string keys = named.empty() ? ReadGeoKeys(dataset, path) : std::string();
+    GeoKeyFacts facts;
+    const GeoKeyFacts* const known = FindGeoKeyFacts(keys, facts) ? &facts : nullptr;
+    ReadFormat(dataset, known, properties);
     const bool onlyStated = properties.driver == L"VRT" || !named.empty();
-    ReadBands(dataset, onlyStated, properties);
+    ReadBands(dataset, onlyStated, known, properties);
     ReadColors(dataset, path, properties);
-    ReadGeoreference(dataset, properties);
+    ReadGeoreference(dataset, known, properties);
+    if (known == nullptr && errors.Messages().empty()) {
+        KeepGeoKeyFacts(keys, GeoKeyFactsOf(properties));
+    }
     properties.totalBytes = FileSizeOf(path).value_or(0);
     if (!onlyStated) {
         std::wstring fault = CheckTiffBlocks(dataset, properties.totalBytes);
@@ -195,7 +210,7 @@ GdalDataset Open(const std::wstring& path, const std::string& name, const GdalLi
 RasterProperties Read(const std::wstring& path, const GdalAccess& access, const GdalErrorScope& errors) {
     const VrtSources sources = CheckVrt(path, ReadStart(path));
     const GdalDataset dataset = Open(path, access.Name(), *RasterDrivers().describing, errors);
-    RasterProperties properties = Describe(dataset.get(), path);
+    RasterProperties properties = Describe(dataset.get(), path, errors);
     std::vector<std::wstring> texts{access.Refusal(), Naming(text::kRasterPixelsElsewhere, sources.distant),
                                     Naming(text::kRasterReferencedFileMissing, sources.missing)};
     std::ranges::move(PlainMessages(errors.Messages()), std::back_inserter(texts));

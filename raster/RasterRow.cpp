@@ -1,5 +1,8 @@
 #include "raster/RasterRow.h"
 
+#include <algorithm>
+#include <deque>
+#include <mutex>
 #include <utility>
 
 #include "crs/GdalSetup.h"
@@ -48,6 +51,42 @@ RasterProperties Read(const std::wstring& path, const RasterInformationMaker& ma
     return properties.hasDetails ? properties : WithDetails(std::move(properties), path);
 }
 
+/// The bands of the rasters inspected last. The files of a folder mostly have the same, which would be the
+/// most of what a row keeps.
+class LatestBands {
+  public:
+    using Bands = Shared<std::vector<RasterBandProperties>>;
+
+    /// Replaces bands by equal ones that other rows have.
+    void Share(Bands& bands) {
+        const std::lock_guard guard(lock_);
+        const auto known = std::ranges::find(latest_, bands);
+        if (known != latest_.end()) {
+            bands = *known;
+            return;
+        }
+        latest_.push_front(bands);
+        latest_.resize(std::min(latest_.size(), kKept));
+    }
+
+  private:
+    static constexpr std::size_t kKept = 16;
+
+    std::mutex lock_;
+    std::deque<Bands> latest_;
+};
+
+/// Has the row share what others have as well: bands, and the text of its CRS.
+void ShareWithOthers(RasterRow& row) {
+    // Never destroyed: a worker may still ask while the process ends.
+    static auto* const latest = new LatestBands;
+    RasterProperties& properties = row.file->properties;
+    latest->Share(properties.bandDetails);
+    if (*properties.wkt == row.crs->sourceWkt) {
+        properties.wkt = Shared(std::shared_ptr<const std::string>(row.crs, &row.crs->sourceWkt));
+    }
+}
+
 void Inspect(RasterRow& row, RasterUse use, const RasterInformationMaker& maker) {
     auto file = std::make_unique<RasterFile>();
     file->path = row.path;
@@ -58,7 +97,8 @@ void Inspect(RasterRow& row, RasterUse use, const RasterInformationMaker& maker)
     row.file = std::move(file);
     row.loadable = true;
     row.unit = RasterUnitText(row.Properties().linearUnit);
-    row.crs = DescribeCrs(row.Properties().wkt);
+    row.crs = DescribeCrs(*row.Properties().wkt);
+    ShareWithOthers(row);
     std::wstring reason;
     Is_BigTIFF(row.path, row.file->bigTiff, reason);
     row.findings = ValidateRaster(row.Properties(), *row.crs, use);

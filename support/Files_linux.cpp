@@ -8,6 +8,7 @@
 #include <limits>
 #include <system_error>
 
+#include "support/FileTime_linux.h"
 #include "support/Files.h"
 #include "support/Text.h"
 
@@ -15,6 +16,12 @@ namespace orvex {
 namespace {
 
 namespace fs = std::filesystem;
+
+/// What a path names, links followed; the error otherwise. Not std::filesystem, which takes paths apart
+/// before it asks the system: a list asks for several files per row.
+SystemError StatusOf(const std::wstring& path, struct stat& status) {
+    return stat(ToUtf8(path).c_str(), &status) == 0 ? 0 : errno;
+}
 
 FileKind KindOfType(fs::file_type type) {
     switch (type) {
@@ -52,9 +59,19 @@ void ForgetStreamError() {
 }
 
 FileKind KindOf(const std::wstring& path) {
-    std::error_code error;
-    const FileKind kind = KindOfType(fs::status(ToPath(path), error).type());
-    return error == std::errc::filename_too_long ? FileKind::Missing : kind;
+    struct stat status {};
+    switch (StatusOf(path, status)) {
+        case 0:
+            return S_ISREG(status.st_mode)   ? FileKind::File
+                   : S_ISDIR(status.st_mode) ? FileKind::Folder
+                                             : FileKind::Other;
+        case ENOENT:
+        case ENOTDIR:
+        case ENAMETOOLONG:
+            return FileKind::Missing;
+        default:
+            return FileKind::NoAccess;
+    }
 }
 
 bool CanCreateFilesIn(const std::filesystem::path& folder) {
@@ -63,17 +80,15 @@ bool CanCreateFilesIn(const std::filesystem::path& folder) {
 }
 
 std::optional<std::uint64_t> FileSizeOf(const std::wstring& path) {
-    std::error_code error;
-    const auto size = fs::file_size(ToPath(path), error);
-    return error ? std::nullopt : std::optional<std::uint64_t>(size);
+    struct stat status {};
+    return StatusOf(path, status) == 0 && S_ISREG(status.st_mode)
+               ? std::optional(static_cast<std::uint64_t>(status.st_size))
+               : std::nullopt;
 }
 
 std::optional<FileTime> LastWriteTime(const std::wstring& path) {
-    std::error_code error;
-    const auto time = fs::last_write_time(ToPath(path), error);
-    return error
-               ? std::nullopt
-               : std::optional(std::chrono::floor<FileTime::duration>(std::chrono::file_clock::to_sys(time)));
+    struct stat status {};
+    return StatusOf(path, status) == 0 ? std::optional(FileTimeOf(status.st_mtim)) : std::nullopt;
 }
 
 SystemError CopyLastWriteTime(const std::wstring& from, const std::wstring& to) {

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "support/FileTime_win.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/Handle_win.h"
@@ -56,10 +57,6 @@ FileKind KindOfAttributes(DWORD attributes) {
         return FileKind::Other;
     }
     return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? FileKind::Folder : FileKind::File;
-}
-
-std::uint64_t Joined(DWORD high, DWORD low) {
-    return (std::uint64_t{high} << 32U) | low;
 }
 
 /// Why a file could not be replaced. A mapped one counts as one without access rights for the system,
@@ -173,10 +170,7 @@ std::optional<FileTime> LastWriteTime(const std::wstring& path) {
     if (!facts) {
         return std::nullopt;
     }
-    constexpr std::chrono::sys_days kFirstDay = std::chrono::year{1601} / std::chrono::January / 1;
-    const FILETIME& time = facts->ftLastWriteTime;
-    return FileTime(kFirstDay) +
-           FileTime::duration(static_cast<std::int64_t>(Joined(time.dwHighDateTime, time.dwLowDateTime)));
+    return FileTimeOf(facts->ftLastWriteTime);
 }
 
 SystemError CopyLastWriteTime(const std::wstring& from, const std::wstring& to) {

@@ -64,6 +64,9 @@ class MappedFile final : public ByteSource {
     /// Closes file and mapping; views stay valid.
     void Close();
     bool IsOpen() const { return handle_ != kNone; }
+    /// Size in bytes and modification time when the file was opened.
+    std::uint64_t OpenedSize() const { return openedSize_; }
+    FileTime OpenedTime() const { return openedTime_; }
 
     SystemError Size(std::uint64_t& size) const override;
     SystemError ReadAt(std::uint64_t offset, std::span<std::byte> buffer, std::size_t& read) const override;
@@ -87,11 +90,15 @@ class MappedFile final : public ByteSource {
         std::swap(handle_, other.handle_);
         std::swap(mapping_, other.mapping_);
         std::swap(readOnly_, other.readOnly_);
+        std::swap(openedSize_, other.openedSize_);
+        std::swap(openedTime_, other.openedTime_);
     }
 
     std::intptr_t handle_ = kNone;
     std::intptr_t mapping_ = kNone;
     bool readOnly_ = true;
+    std::uint64_t openedSize_ = 0;
+    FileTime openedTime_;
 };
 
 }  // namespace orvex

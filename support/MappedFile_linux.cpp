@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <limits>
 
+#include "support/FileTime_linux.h"
 #include "support/MappedFile.h"
 #include "support/Text.h"
 
@@ -40,6 +41,8 @@ SystemError MappedFile::Open(const std::wstring& path, bool readOnly) {
     }
     handle_ = descriptor;
     readOnly_ = readOnly;
+    openedSize_ = static_cast<std::uint64_t>(status.st_size);
+    openedTime_ = FileTimeOf(status.st_mtim);
     return 0;
 }
 

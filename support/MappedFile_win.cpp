@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "support/FileTime_win.h"
 #include "support/Handle_win.h"
 #include "support/MappedFile.h"
 #include "support/Text.h"
@@ -53,6 +54,12 @@ SystemError MappedFile::Open(const std::wstring& path, bool readOnly) {
     if (GetFileType(file.Get()) != FILE_TYPE_DISK) {
         return ERROR_BAD_FILE_TYPE;
     }
+    BY_HANDLE_FILE_INFORMATION facts{};
+    if (GetFileInformationByHandle(file.Get(), &facts) == FALSE) {
+        return LastError();
+    }
+    openedSize_ = Joined(facts.nFileSizeHigh, facts.nFileSizeLow);
+    openedTime_ = FileTimeOf(facts.ftLastWriteTime);
     handle_ = reinterpret_cast<std::intptr_t>(file.Release());
     readOnly_ = readOnly;
     return 0;

@@ -109,6 +109,16 @@ std::size_t DecodeOne(std::string_view bytes, char32_t& code) {
     return code < minimum || code > 0x10FFFF || IsEscape(code) ? 0 : length;
 }
 
+/// Length of the ASCII characters with which a text begins.
+template <typename View>
+std::size_t CountAscii(View text) {
+    const auto end = std::ranges::find_if(text, [](auto c) {
+        constexpr unsigned kFirstOther = 0x80;
+        return static_cast<unsigned>(c) >= kFirstOther;
+    });
+    return static_cast<std::size_t>(end - text.begin());
+}
+
 std::size_t NameStart(std::wstring_view path) {
     const std::size_t root = RootLength(path);
     std::size_t start = path.size();
@@ -141,9 +151,12 @@ std::size_t CountCharacters(std::wstring_view text) {
 }
 
 std::string ToUtf8(std::wstring_view text) {
-    std::string out;
-    out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    // Nearly all texts are ASCII.
+    const std::size_t ascii = CountAscii(text);
+    std::string out(ascii, '\0');
+    std::transform(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(ascii), out.begin(),
+                   [](wchar_t c) { return static_cast<char>(c); });
+    for (std::size_t i = ascii; i < text.size(); ++i) {
         auto code = static_cast<char32_t>(text[i]);
         if (IsPair(text, i)) {
             code = 0x10000 + ((code - 0xD800) << 10) + (static_cast<char32_t>(text[i + 1]) - 0xDC00);
@@ -159,8 +172,9 @@ std::string ToUtf8(std::wstring_view text) {
 }
 
 std::wstring FromUtf8(std::string_view bytes) {
-    std::wstring out;
-    out.reserve(bytes.size());
+    const std::size_t ascii = CountAscii(bytes);
+    std::wstring out(bytes.begin(), bytes.begin() + ascii);
+    bytes.remove_prefix(ascii);
     while (!bytes.empty()) {
         char32_t code = 0;
         std::size_t length = DecodeOne(bytes, code);

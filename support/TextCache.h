@@ -21,7 +21,7 @@ class TextCache {
     /// The value that `make` returns for the text; it never runs on two threads at once. Throws what `make`
     /// throws; it is then called again the next time.
     template <typename Make>
-    Value Get(const std::string& text, const Make& make) {
+    Value Get(std::string_view text, const Make& make) {
         Value value;
         if (Find(text, value)) {
             return value;
@@ -35,11 +35,8 @@ class TextCache {
         return value;
     }
 
-  private:
-    using Entry = std::pair<const std::string, Value>;
-    using Entries = std::list<Entry>;
-
-    bool Find(const std::string& text, Value& value) {
+    /// Takes the value that is kept for the text; false if there is none.
+    bool Find(std::string_view text, Value& value) {
         const std::lock_guard guard(lock_);
         const auto place = places_.find(text);
         if (place == places_.end()) {
@@ -50,7 +47,16 @@ class TextCache {
         return true;
     }
 
-    void Insert(const std::string& text, const Value& value) {
+    /// Keeps a value that was made elsewhere, unless there is one for the text.
+    void Put(std::string_view text, const Value& value) {
+        Get(text, [&value] { return value; });
+    }
+
+  private:
+    using Entry = std::pair<const std::string, Value>;
+    using Entries = std::list<Entry>;
+
+    void Insert(std::string_view text, const Value& value) {
         if (text.size() > mostBytes_) {
             return;
         }

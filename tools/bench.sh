@@ -1,5 +1,5 @@
 # Runs the benchmarks of the release build: one line per figure, and the same as JSON in build/bench/.
-benchmarks=(las companion laz grid dem raster feature photo cloud)
+benchmarks=(las list companion laz grid dem raster feature photo cloud)
 # Further arguments go to the one benchmark: ./orvex bench companion --points 100000000
 name=${1:-all}
 if [ "$name" != all ]; then

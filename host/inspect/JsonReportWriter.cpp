@@ -219,7 +219,7 @@ Json RasterJson(const RasterRow& raster) {
         {"acquired", JsonText(properties.acquired)},
         {"sidecars", JsonTexts(properties.sidecars)},
         {"totalBytes", properties.totalBytes},
-        {"bandDetails", JsonList(properties.bandDetails, BandJson)},
+        {"bandDetails", JsonList(*properties.bandDetails, BandJson)},
     };
 }
 

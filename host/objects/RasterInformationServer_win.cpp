@@ -80,7 +80,7 @@ HRESULT RasterInformationServer::get_LinearUnit(BSTR* name) {
     return ReturnText(name, open_, properties_.linearUnit);
 }
 HRESULT RasterInformationServer::get_Wkt(BSTR* text) {
-    return ReturnText(text, open_, FromUtf8(properties_.wkt));
+    return ReturnText(text, open_, FromUtf8(*properties_.wkt));
 }
 HRESULT RasterInformationServer::get_ProjectionCode(long* code) {
     return Number(code, &RasterProperties::projectionCode);

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "orvexcommon/Shared.h"
+
 namespace orvex {
 
 /// One band of a raster file.
@@ -38,7 +40,7 @@ struct RasterEssentials {
     double pixelWidth = 0;    ///< ground units per pixel along a row, not negative; 0 without georeference
     double pixelHeight = 0;   ///< the same along a column
     std::wstring linearUnit;  ///< English name as in the CRS; empty without a CRS
-    std::string wkt;          ///< UTF-8; empty without a CRS
+    Shared<std::string> wkt;  ///< UTF-8; empty without a CRS
     std::int32_t projectionCode = 0;  ///< EPSG code; 32767 for a user-defined CRS, 0 for none
     std::int32_t colorModel = -1;     ///< 0 black and white, 1 grayscale, 2 colour, else unknown
     /// 0 white is zero, 1 black is zero, 2 RGB, 3 palette, 4 transparency mask, -1 unknown.
@@ -63,11 +65,12 @@ struct RasterProperties : RasterEssentials {
     /// X = t[0] + column * t[1] + row * t[2], Y = t[3] + column * t[4] + row * t[5]; none without
     /// georeference.
     std::optional<std::array<double, 6>> transform;
-    std::int32_t controlPoints = 0;                 ///< ground control points
-    bool hasRpc = false;                            ///< rational polynomial coefficients
-    std::vector<RasterBandProperties> bandDetails;  ///< at most kMostBandsDescribed, in the order of the file
-    std::vector<std::wstring> sidecars;             ///< full paths of the associated files
-    std::uint64_t totalBytes = 0;                   ///< of the file and its sidecars; 0 when unknown
+    std::int32_t controlPoints = 0;  ///< ground control points
+    bool hasRpc = false;             ///< rational polynomial coefficients
+    /// At most kMostBandsDescribed, in the order of the file.
+    Shared<std::vector<RasterBandProperties>> bandDetails;
+    std::vector<std::wstring> sidecars;  ///< full paths of the associated files
+    std::uint64_t totalBytes = 0;        ///< of the file and its sidecars; 0 when unknown
     std::vector<std::wstring> warnings;  ///< messages of the reader while opening, without duplicates
 
     bool operator==(const RasterProperties&) const = default;

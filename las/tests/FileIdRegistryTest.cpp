@@ -33,8 +33,7 @@ TEST(FileIdRegistry, GivesAndReplacesIds) {
     for (const auto& step : steps) {
         EXPECT_EQ(registry.FileId(step.name, step.requested), step.id) << step.requested;
     }
-    EXPECT_EQ(*registry.RecordedName(L"b"), L"b");
-    EXPECT_EQ(registry.RecordedName(L"never asked for"), nullptr);
+    EXPECT_EQ(*registry.Enter(L"b").second, L"b");
 }
 
 TEST(FileIdRegistry, ReusesFreeIdsAtTheEndOfTheNumbers) {
@@ -46,6 +45,7 @@ TEST(FileIdRegistry, ReusesFreeIdsAtTheEndOfTheNumbers) {
         registry.FileId(std::to_wstring(id), id);
     }
     EXPECT_EQ(registry.FileId(L"one too many", kAny), kAny);
+    EXPECT_EQ(registry.Enter(L"one too many").second, nullptr);
     EXPECT_EQ(registry.FileId(L"last", kAny), 65534);
     registry.FileId(L"7", 8);
     EXPECT_EQ(registry.FileId(L"one too many", kAny), 7);

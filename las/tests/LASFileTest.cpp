@@ -65,6 +65,22 @@ TEST_F(LASFileTest, FindsTheWktInVlrsThenEvlrs) {
     EXPECT_EQ(wktOf(LasBuilder().AddVlr("liblas", 2112, "text")), "none");
 }
 
+TEST_F(LASFileTest, SharesVlrsWithFilesThatHaveTheSame) {
+    const auto tile = [](std::size_t points) {
+        return LasBuilder(14, 6).AddPoints(points).AddVlr("a", 1, "one").AddVlr("b", 2, "two");
+    };
+    const auto first = folder_.Open(tile(1));
+    EXPECT_EQ(&folder_.Open(tile(7))->GetVLRs(), &first->GetVLRs());
+    const auto fewer = folder_.Open(tile(1).Lie(las::at::kVlrCount, std::uint32_t{1}));
+    EXPECT_EQ(fewer->GetVLRs().size(), 1U);
+    EXPECT_EQ(first->GetVLRs().size(), 2U);
+    const auto later = folder_.Open(tile(1).HeaderSize(376));
+    EXPECT_EQ(later->GetVLRs().front().FileOffset(), 376U);
+    // The same up to the end of the file, which cuts the second record off.
+    const auto cut = folder_.Open(tile(1).Cut(375 + 57 + 54));
+    EXPECT_TRUE(cut->GetVLRs().back().IsTruncated());
+}
+
 TEST_F(LASFileTest, DecodesExtraBytesOfAnyUserId) {
     const std::string descriptor = std::string(2, '\0') + '\x0B' + std::string(189, '\0');
     EXPECT_EQ(FailureToOpen(folder_.Write(LasBuilder().AddVlr("anybody", 4, descriptor))),

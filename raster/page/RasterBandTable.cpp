@@ -37,7 +37,7 @@ std::wstring Distinct(const RasterProperties& properties,
                       const std::function<std::wstring(const RasterBandProperties&)>& textOf) {
     std::vector<std::wstring> texts;
     std::wstring joined;
-    for (const RasterBandProperties& band : properties.bandDetails) {
+    for (const RasterBandProperties& band : *properties.bandDetails) {
         std::wstring text = textOf(band);
         if (text.empty() || std::ranges::find(texts, text) != texts.end()) {
             continue;
@@ -56,7 +56,7 @@ template <typename Better>
 std::wstring Best(const RasterProperties& properties, std::optional<double> RasterBandProperties::*member,
                   Better better) {
     std::optional<double> best;
-    for (const RasterBandProperties& band : properties.bandDetails) {
+    for (const RasterBandProperties& band : *properties.bandDetails) {
         const std::optional<double>& value = band.*member;
         if (value.has_value() && !std::isnan(*value) && (!best.has_value() || better(*value, *best))) {
             best = value;
@@ -159,7 +159,7 @@ DetailTable BandTable(const RasterProperties& properties) {
 
 std::size_t UnlistedBands(const RasterProperties& properties) {
     const auto bands = static_cast<std::size_t>(std::max(properties.bands, 0));
-    return properties.bandDetails.size() < bands ? bands - properties.bandDetails.size() : 0;
+    return properties.bandDetails->size() < bands ? bands - properties.bandDetails->size() : 0;
 }
 
 }  // namespace orvex

@@ -73,9 +73,9 @@ std::wstring Sidecars(const RasterProperties& properties) {
 /// Size in memory of all pixels.
 double PixelBytes(const RasterProperties& properties) {
     double bits = static_cast<double>(properties.bands) * properties.bitsPerBand;
-    if (static_cast<std::size_t>(properties.bands) == properties.bandDetails.size()) {
+    if (static_cast<std::size_t>(properties.bands) == properties.bandDetails->size()) {
         bits = 0;
-        for (const RasterBandProperties& band : properties.bandDetails) {
+        for (const RasterBandProperties& band : *properties.bandDetails) {
             bits += band.bits;
         }
     }

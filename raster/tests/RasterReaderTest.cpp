@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ogr_spatialref.h>
 
 #include <tuple>
 
@@ -55,7 +56,7 @@ TEST(RasterReader, EveryFactOfAFileAndABand) {
     const RasterProperties p = ReadRasterProperties(path);
     EXPECT_EQ(std::tuple(p.width, p.height, p.pixelWidth, p.pixelHeight), std::tuple(20, 10, 0.5, 0.5));
     EXPECT_EQ(std::tuple(p.linearUnit, p.projectionCode), std::tuple(L"metre", 32633));
-    EXPECT_TRUE(p.wkt.starts_with("PROJCS[\"WGS 84 / UTM zone 33N\"")) << p.wkt;
+    EXPECT_TRUE(p.wkt->starts_with("PROJCS[\"WGS 84 / UTM zone 33N\"")) << *p.wkt;
     EXPECT_EQ(std::tuple(p.colorModel, p.rasterKind), std::tuple(2, 2));
     EXPECT_EQ(std::tuple(p.bands, p.bitsPerBand, p.overviews), std::tuple(3, 16, 2));
     ASSERT_TRUE(p.extent);
@@ -71,15 +72,15 @@ TEST(RasterReader, EveryFactOfAFileAndABand) {
     EXPECT_THAT(p.warnings, IsEmpty());
     EXPECT_EQ(folder.Entries(), 1U) << "nothing was written beside it";
 
-    ASSERT_EQ(p.bandDetails.size(), 3U);
-    const RasterBandProperties& band = p.bandDetails[1];
+    ASSERT_EQ(p.bandDetails->size(), 3U);
+    const RasterBandProperties& band = (*p.bandDetails)[1];
     EXPECT_EQ(std::tuple(band.dataType, band.bits), std::tuple(L"UInt16", 16));
     EXPECT_EQ(std::tuple(band.blockWidth, band.blockHeight), std::tuple(32, 16));
     EXPECT_EQ(std::tuple(band.nodata, band.minimum, band.maximum), std::tuple(65535, 3, 4000.5));
     EXPECT_EQ(std::tuple(band.colorInterpretation, band.overviews), std::tuple(L"Green", 2));
     EXPECT_EQ(std::tuple(band.description, band.unit), std::tuple(L"gr\u00fcn", L"m"));
     EXPECT_EQ(std::tuple(band.scale, band.offset), std::tuple(0.25, -100));
-    EXPECT_EQ(p.bandDetails[0].minimum, std::nullopt) << "the limit of the data type is no minimum";
+    EXPECT_EQ((*p.bandDetails)[0].minimum, std::nullopt) << "the limit of the data type is no minimum";
 }
 
 TEST(RasterReader, CodeAndUnitOfTheCrs) {
@@ -100,6 +101,51 @@ TEST(RasterReader, CodeAndUnitOfTheCrs) {
         const RasterProperties p = Read(tiff);
         EXPECT_EQ(p.projectionCode, c.code) << c.crs;
         EXPECT_EQ(p.linearUnit, c.unit) << c.crs;
+    }
+}
+
+/// Control points in the CRS of GeoTiff, and no transform.
+void SetControlPoints(GDALDatasetH dataset) {
+    OGRSpatialReference crs;
+    crs.importFromEPSG(32633);
+    char id[] = "";
+    const GDAL_GCP point{id, id, 1, 2, 500000, 5300000, 0};
+    EXPECT_EQ(GDALSetGCPs2(dataset, 1, &point, OGRSpatialReference::ToHandle(&crs)), CE_None);
+}
+
+// What the keys of a GeoTIFF file say is worked out once for all files with the same keys.
+TEST(RasterReader, FilesWithEqualKeysKeepWhatElseTheySay) {
+    const auto unit = [](GDALDatasetH dataset) {
+        GDALSetRasterUnitType(GDALGetRasterBand(dataset, 1), "fathom");
+    };
+    const GeoTiff points{.transform = std::nullopt, .change = SetControlPoints};
+    constexpr const char* kOtherCrs = "<PAMDataset><SRS>EPSG:25832</SRS></PAMDataset>";
+    const struct {
+        const wchar_t* name;
+        GeoTiff tiff;
+        const char* beside;
+        std::int32_t code;
+        const wchar_t* unit;
+        const wchar_t* pixelIs;
+    } files[] = {{L"first.tif", {}, nullptr, 32633, L"", L"Area"},
+                 {L"second.tif", {}, nullptr, 32633, L"", L"Area"},
+                 {L"unit.tif", {.change = unit}, nullptr, 32633, L"fathom", L"Area"},
+                 {L"beside.tif", {}, kOtherCrs, 25832, L"", L""},
+                 {L"points.tif", points, nullptr, 0, L"", L"Area"},
+                 {L"big.tif", {.options = {"BIGTIFF=YES", "ENDIANNESS=BIG"}}, nullptr, 32633, L"", L"Area"},
+                 {L"heights.tif", {.crs = "EPSG:32633+5773"}, nullptr, 32633, L"metre", L"Area"},
+                 {L"more heights.tif", {.crs = "EPSG:32633+5773"}, nullptr, 32633, L"metre", L"Area"},
+                 {L"third.tif", {}, nullptr, 32633, L"", L"Area"}};
+    const TemporaryFolder folder;
+    for (const auto& file : files) {
+        const std::wstring path = file.tiff.Write(folder, file.name);
+        if (file.beside != nullptr) {
+            folder.Write(std::wstring(file.name) + L".aux.xml", file.beside);
+        }
+        const RasterProperties p = ReadRasterProperties(path);
+        EXPECT_EQ(p.projectionCode, file.code) << ToUtf8(file.name);
+        EXPECT_EQ(p.bandDetails->front().unit, file.unit) << ToUtf8(file.name);
+        EXPECT_EQ(p.pixelIs, file.pixelIs) << ToUtf8(file.name);
     }
 }
 

@@ -107,7 +107,7 @@ TEST(RasterRow, TheHostsObjectIsAskedFirst) {
     EXPECT_EQ(brief.Properties().width, 7);
     EXPECT_EQ(brief.Properties().projectionCode, 4711);
     EXPECT_EQ(brief.unit, L"foot");
-    EXPECT_EQ(brief.Properties().wkt, "") << "the object's word holds for what every object says";
+    EXPECT_EQ(*brief.Properties().wkt, "") << "the object's word holds for what every object says";
     EXPECT_TRUE(brief.Properties().hasDetails);
     EXPECT_EQ(brief.Properties().driver, L"GTiff") << "what it leaves out is read";
 

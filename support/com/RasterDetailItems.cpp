@@ -180,8 +180,8 @@ SettingValue RasterDetail(const RasterProperties& properties, std::wstring_view 
     if (name == kTransform) {
         return properties.transform ? Entry(*properties.transform, position) : SettingValue();
     }
-    return position < properties.bandDetails.size()
-               ? Find(kBandDetails, properties.bandDetails[position], name)
+    return position < properties.bandDetails->size()
+               ? Find(kBandDetails, (*properties.bandDetails)[position], name)
                : SettingValue();
 }
 
@@ -196,10 +196,11 @@ void ReadRasterDetails(const RasterDetailSource& source, RasterProperties& prope
     properties.sidecars = TextList(kSidecars, source);
     properties.warnings = TextList(kWarnings, source);
     const auto bands = static_cast<std::size_t>(std::max(properties.bands, 0));
-    properties.bandDetails.resize(std::min(bands, kMostBandsDescribed));
-    for (std::size_t i = 0; i < properties.bandDetails.size(); ++i) {
-        Fill(kBandDetails, properties.bandDetails[i], static_cast<std::int32_t>(i) + 1, source);
+    std::vector<RasterBandProperties> details(std::min(bands, kMostBandsDescribed));
+    for (std::size_t i = 0; i < details.size(); ++i) {
+        Fill(kBandDetails, details[i], static_cast<std::int32_t>(i) + 1, source);
     }
+    properties.bandDetails = std::move(details);
 }
 
 }  // namespace orvex

@@ -60,7 +60,7 @@ TEST(RecordFiles, RastersGoToLayersOfTheirOwnKind) {
     first.transform = {{1, 2, 3, 4, 5, 6}};
     record.AddRaster(NativePath(L"/a"), L"1.tif", L"same name");
     record.AddRaster(NativePath(L"/a"), L"there.tif", L"same name");
-    record.AddRaster(NativePath(L"/b"), L"3.tif", L"Raster Layer_2").properties.wkt = kDegrees;
+    record.AddRaster(NativePath(L"/b"), L"3.tif", L"Raster Layer_2").properties.wkt = std::string(kDegrees);
     record.rasterFiles[NativePath(L"/b")].push_back(L"undescribed.tif");
     EXPECT_THAT(UndescribedRastersOf(record), ElementsAre(NativePath(L"/b/undescribed.tif")));
     const AddedFiles added = project.Take(LayerKind::Raster, RasterFilesOf(record));

@@ -234,8 +234,8 @@ TEST_F(HostObjectsTest, ARasterIsDescribedWithAllDetails) {
     const RasterProperties withoutClass =
         InspectRasterFile(path, RasterUse::Image, host_->RasterInformation()).Properties();
     EXPECT_EQ(withoutClass.projectionCode, 32633);
-    ASSERT_EQ(withoutClass.bandDetails.size(), 3U);
-    EXPECT_EQ(withoutClass.bandDetails[0].nodata, -1);
+    ASSERT_EQ(withoutClass.bandDetails->size(), 3U);
+    EXPECT_EQ(withoutClass.bandDetails->front().nodata, -1);
     const HostClasses classes(State());
     RasterProperties described;
     std::wstring reason;

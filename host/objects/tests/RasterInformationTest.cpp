@@ -70,22 +70,23 @@ constexpr std::int32_t kGreatest = std::numeric_limits<std::int32_t>::max();
 RasterProperties FullProperties() {
     const RasterBandProperties odd{L"Float32", 17, 256,      kGreatest, L"Undefined", -9999.25, -kInfinity,
                                    1e300,      5,  kOddText, L"m",      0.1,          -273.15};
-    return {{kGreatest, 1, 0.1, 5e-324, L"US survey foot", "LOCAL_CS[\"\xC3\x9C\xF0\x9F\x97\xBA\"]", 32767, 2,
-             3, 2, 16, 4, std::array<double, 4>{-1.5, -2.5, 1e9, 0.1}},
-            true,
-            L"GTiff",
-            L"GeoTIFF",
-            L"DEFLATE",
-            L"BAND",
-            L"Point",
-            L"2021:06:01 12:00:00",
-            std::array<double, 6>{1, 2, 3, -4, 5.5, -6},
-            7,
-            true,
-            {odd, RasterBandProperties()},
-            {L"/a/b.ovr", kOddText},
-            std::uint64_t{1} << 52,
-            {L"first", L"", L"third"}};
+    return {
+        {kGreatest, 1, 0.1, 5e-324, L"US survey foot", std::string("LOCAL_CS[\"\xC3\x9C\xF0\x9F\x97\xBA\"]"),
+         32767, 2, 3, 2, 16, 4, std::array<double, 4>{-1.5, -2.5, 1e9, 0.1}},
+        true,
+        L"GTiff",
+        L"GeoTIFF",
+        L"DEFLATE",
+        L"BAND",
+        L"Point",
+        L"2021:06:01 12:00:00",
+        std::array<double, 6>{1, 2, 3, -4, 5.5, -6},
+        7,
+        true,
+        std::vector<RasterBandProperties>{odd, {}},
+        {L"/a/b.ovr", kOddText},
+        std::uint64_t{1} << 52,
+        {L"first", L"", L"third"}};
 }
 
 TEST_F(RasterInformationTest, EveryPropertyArrivesAndWhatIsNotStatedStaysSo) {
@@ -95,8 +96,9 @@ TEST_F(RasterInformationTest, EveryPropertyArrivesAndWhatIsNotStatedStaysSo) {
     detailed.hasDetails = true;
     RasterProperties more = detailed;  // bands than are described
     more.bands = 300;
-    more.bandDetails.resize(kMostBandsDescribed);
-    more.bandDetails.back().description = L"last";
+    std::vector<RasterBandProperties> described(kMostBandsDescribed);
+    described.back().description = L"last";
+    more.bandDetails = described;
     Offer();
     for (const RasterProperties& properties : {FullProperties(), detailed, bare, more}) {
         properties_ = properties;

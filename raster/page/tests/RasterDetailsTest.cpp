@@ -55,10 +55,11 @@ RasterRow Dem(const std::wstring& layer = {}) {
     RasterRow row = testing::DescribedRaster(L"/d/dem.tif", testing::ProjectedWkt(), layer);
     RasterProperties& properties = row.file->properties;
     properties.bands = 2;
-    properties.bandDetails = {FloatBand(-9999), FloatBand(kNan)};
-    properties.bandDetails[0].minimum = 12.5;
-    properties.bandDetails[1].minimum = -3;
-    properties.bandDetails[0].maximum = 1000000;
+    std::vector<RasterBandProperties> bands{FloatBand(-9999), FloatBand(kNan)};
+    bands[0].minimum = 12.5;
+    bands[1].minimum = -3;
+    bands[0].maximum = 1000000;
+    properties.bandDetails = bands;
     properties.compression = L"DEFLATE";
     properties.pixelIs = L"Point";
     properties.transform = {{500000, 0.5, 0, 5700100, 0, -0.25}};
@@ -97,7 +98,9 @@ TEST(RasterDetails, FieldsOfEachKindOfFile) {
 
 TEST(RasterDetails, ColumnsInWhichEveryBandIsEmptyAreLeftOut) {
     RasterRow row = Dem();
-    row.file->properties.bandDetails[1].scale = 0.1F;
+    std::vector<RasterBandProperties> scaled = row.file->properties.bandDetails;
+    scaled[1].scale = 0.1F;
+    row.file->properties.bandDetails = std::move(scaled);
     row.file->properties.bands = 300;
     const DetailTable table = BandTable(row.Properties());
     EXPECT_THAT(table.captions, ElementsAre(text::kRasterBand, text::kRasterDataType, text::kBitsPerBand,
@@ -113,12 +116,15 @@ TEST(RasterDetails, ColumnsInWhichEveryBandIsEmptyAreLeftOut) {
 
 TEST(RasterDetails, ValuesAreWrittenPlainlyAndMayBeCut) {
     RasterProperties properties;
-    properties.bandDetails = {FloatBand(1000000), FloatBand(-3.4028234663852886e38), FloatBand(0.00005)};
+    std::vector<RasterBandProperties> bands{FloatBand(1000000), FloatBand(-3.4028234663852886e38),
+                                            FloatBand(0.00005)};
+    properties.bandDetails = bands;
     EXPECT_EQ(DistinctNodata(properties), L"1000000, -3.4028235e+38, 0.00005");
-    properties.bandDetails.clear();
+    bands.clear();
     for (int i = 0; i < 20; ++i) {
-        properties.bandDetails.push_back(FloatBand(i));
+        bands.push_back(FloatBand(i));
     }
+    properties.bandDetails = bands;
     EXPECT_EQ(DistinctNodata(properties), L"0, 1, 2, 3, 4, 5, 6, 7, ...");
 }
 

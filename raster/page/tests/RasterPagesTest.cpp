@@ -34,7 +34,7 @@ class RasterPageFixture : public testing::PageFixture {
     std::wstring BadTif(const std::wstring& name) const { return folder.Write(name, "no raster"); }
     /// The WKT of a code as a project stores it.
     std::wstring Wkt(int epsg) const {
-        return FromUtf8(InspectRasterFile(Tif(L"wkt.tif", epsg), RasterUse::Image).Properties().wkt);
+        return FromUtf8(*InspectRasterFile(Tif(L"wkt.tif", epsg), RasterUse::Image).Properties().wkt);
     }
 };
 

@@ -69,7 +69,7 @@ TEST(RasterDetailItems, AListWithoutAnEndEnds) {
     ReadRasterDetails([](std::wstring_view, std::int32_t) { return SettingValue(L"again"); }, properties);
     EXPECT_EQ(properties.sidecars.size(), 1000U);
     EXPECT_EQ(properties.warnings.size(), 1000U);
-    EXPECT_EQ(properties.bandDetails.size(), kMostBandsDescribed);
+    EXPECT_EQ(properties.bandDetails->size(), kMostBandsDescribed);
 }
 
 TEST(RasterDetailItems, OddQuestionsAreNotAnswered) {
