@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <winioctl.h>
+
 #include <algorithm>
 #include <limits>
 
@@ -144,6 +146,9 @@ SystemError MappedFile::Reserve(std::uint64_t size) const {
         return ERROR_FILE_TOO_LARGE;
     }
     end.EndOfFile.QuadPart = static_cast<LONGLONG>(size);
+    // A write far behind the others would fill everything before it with zeros. Not every file system can.
+    DWORD bytes = 0;
+    DeviceIoControl(SystemHandle(handle_), FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &bytes, nullptr);
     return SetFileInformationByHandle(SystemHandle(handle_), FileEndOfFileInfo, &end, sizeof(end)) == FALSE
                ? LastError()
                : 0;
