@@ -2,8 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <thread>
-#include <vector>
+#include <system_error>
 
 namespace orvex {
 
@@ -21,9 +20,7 @@ void QvrWork::Run(std::uint64_t count, const std::function<void(std::uint64_t)>&
     {
         std::vector<std::jthread> threads;
         running_ = static_cast<unsigned>(std::min<std::uint64_t>(threads_, count));
-        for (unsigned i = running_; i > 0; --i) {
-            threads.emplace_back([&] { RunTasks(count, task); });
-        }
+        Start(threads, [&] { RunTasks(count, task); });
         WaitForThreads();
     }
     if (failure_) {
@@ -32,6 +29,22 @@ void QvrWork::Run(std::uint64_t count, const std::function<void(std::uint64_t)>&
     Report();
     if (cancelled_) {
         throw QvrCancelled();
+    }
+}
+
+void QvrWork::Start(std::vector<std::jthread>& threads, const std::function<void()>& run) {
+    const unsigned wanted = running_;
+    try {
+        while (threads.size() < wanted) {
+            threads.emplace_back(run);
+        }
+    } catch (const std::system_error&) {
+        if (threads.empty()) {
+            throw;
+        }
+        // The system has no further thread; those that there are do everything.
+        const std::lock_guard guard(lock_);
+        running_ -= wanted - static_cast<unsigned>(threads.size());
     }
 }
 

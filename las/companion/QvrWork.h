@@ -5,6 +5,8 @@
 #include <exception>
 #include <functional>
 #include <mutex>
+#include <thread>
+#include <vector>
 
 #include "support/ProgressIf.h"
 
@@ -30,6 +32,7 @@ class QvrWork {
     bool IsStopped() const { return stopped_; }
 
   private:
+    void Start(std::vector<std::jthread>& threads, const std::function<void()>& run);
     void RunTasks(std::uint64_t count, const std::function<void(std::uint64_t)>& task);
     void WaitForThreads();
     void Report();
