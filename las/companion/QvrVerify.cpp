@@ -40,21 +40,24 @@ class PointVerifier {
     PointSum Run() {
         progress_.SetRange(qvr_.PointCount());
         for (std::size_t i = 0; i < qvr_.Entries().size(); ++i) {
-            if (progress_.IsCancelled()) {
+            if (!VerifyEntry(i)) {
                 return {};
             }
-            progress_.SetPosition(qvr_.Entries()[i].first);
-            VerifyEntry(i);
         }
         return sum_;
     }
 
   private:
-    void VerifyEntry(std::size_t number) {
+    /// False once the user has asked to stop.
+    bool VerifyEntry(std::size_t number) {
         const QvrEntry& entry = qvr_.Entries()[number];
         const std::uint64_t most = std::max<std::uint64_t>(kBlock / qvr_.RecordLength(), 1);
         for (std::uint64_t done = 0; done < entry.count;) {
+            if (progress_.IsCancelled()) {
+                return false;
+            }
             const PointRange part{entry.first + done, std::min(most, entry.count - done)};
+            progress_.SetPosition(part.first);
             records_.resize(part.count * qvr_.RecordLength());
             qvr_.Read(part, records_);
             sum_ += SumOf(records_, qvr_.RecordLength());
@@ -64,6 +67,7 @@ class PointVerifier {
             }
             done += part.count;
         }
+        return true;
     }
 
     void VerifyPoint(std::size_t number, std::uint64_t point, const QvrPosition& position) {
