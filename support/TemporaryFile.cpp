@@ -64,7 +64,8 @@ TemporaryFile::TemporaryFile(const std::wstring& target) : target_(target) {
     for (int i = 0; i < kMostNames; ++i) {
         const std::wstring name = std::wstring(kStart) + std::to_wstring(random()) + std::wstring(kEnd);
         path_ = FromPath(ToPath(folder) / name);
-        if (file_.Create(path_) == 0) {
+        creationError_ = file_.Create(path_);
+        if (creationError_ == 0) {
             return;
         }
         file_ = {};

@@ -10,13 +10,14 @@ namespace orvex {
 /// extension.
 class TemporaryFile {
   public:
-    /// Makes an empty file, unless the folder refuses; who writes it then learns why.
+    /// Makes an empty file. If the folder refuses, CreationError tells why, and so does opening the file.
     explicit TemporaryFile(const std::wstring& target);
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     const std::wstring& Path() const { return path_; }
+    SystemError CreationError() const { return creationError_; }
     /// Renames the file to its target, replacing an existing one.
     SystemError Commit();
     /// Renames the file to a free name beside the target; `taken` tells whether the name not being free was
@@ -29,6 +30,7 @@ class TemporaryFile {
     std::wstring target_;
     std::wstring path_;
     OwnedFile file_;
+    SystemError creationError_ = 0;
     bool committed_ = false;
 };
 

@@ -12,7 +12,6 @@
 namespace orvex {
 namespace {
 
-constexpr std::uint64_t kReadBytes = std::uint64_t{512} << 10U;
 constexpr std::uint64_t kMostSpots = 8192;
 constexpr std::uint64_t kSpotsPerBucket = 16;
 constexpr std::uint64_t kPointsPerSpot = 16;
@@ -148,8 +147,8 @@ class QvrBuckets::Distribution {
         if (first == 0 || bounds_[first - 1].code < code || bounds_[first - 1].priority == 0) {
             return first;
         }
-        const bool hasNumber = form_.isRandom || stride == form_.Stride();
-        const QvrPlace place{code, hasNumber ? form_.PriorityOf(point) : number};
+        const QvrPlace place =
+            stride == form_.Stride() ? owner_.PlaceOf(point) : owner_.PlaceOf(point, number);
         return static_cast<std::size_t>(std::ranges::upper_bound(bounds_, place) - bounds_.begin());
     }
 
@@ -183,11 +182,10 @@ std::vector<QvrBucket> QvrBuckets::Make() {
 
 // Headers nearly always state the extent of the points. Only if one does not, the file is read twice.
 std::vector<QvrBucket> QvrBuckets::ReadLas() {
-    const std::vector<std::byte> sample = SampleSource();
     const auto [low, high] = source_.StatedExtent();
     box_ = QvrBox::Around(low, high, source_.Scale());
     for (;;) {
-        Distribution distribution(*this, BoundsOf(sample, source_.Points(), {}), {});
+        Distribution distribution(*this, BoundsOf(SampleSource(), source_.Points(), {}), {});
         const auto [first, last] = DistributeLas(distribution);
         const QvrBox box = QvrBox::Around(first, last, source_.Scale());
         if (box == box_) {
@@ -199,7 +197,7 @@ std::vector<QvrBucket> QvrBuckets::ReadLas() {
 }
 
 QvrBuckets::Extent QvrBuckets::DistributeLas(Distribution& distribution) {
-    const std::uint64_t perRead = std::max<std::uint64_t>(1, kReadBytes / sizes_.form.recordLength);
+    const std::uint64_t perRead = sizes_.readBytes / sizes_.form.recordLength;
     QvrPool<std::vector<std::byte>> buffers;
     work_.Begin(FormatText(Text(text::kQvrReading), {FileNameOf(source_.Path())}), source_.Points());
     work_.Run(DivideUp(source_.Points(), perRead), [&](std::uint64_t read) {
@@ -247,54 +245,47 @@ void QvrBuckets::AddLazPoints(Distribution& distribution) {
     }
 }
 
-std::vector<std::byte> QvrBuckets::SampleSource() const {
+std::vector<QvrPlace> QvrBuckets::SampleSource() const {
     const std::uint64_t points = source_.Points();
-    const std::uint64_t spots = std::min({points, kMostSpots, kSpotsPerBucket * sizes_.BucketsFor(points)});
-    const std::size_t stride = sizes_.form.Stride();
+    const std::uint64_t spots =
+        std::min({DivideUp(points, kPointsPerSpot), kMostSpots, kSpotsPerBucket * sizes_.BucketsFor(points)});
     const std::size_t length = sizes_.form.recordLength;
-    std::vector<std::byte> sample;
+    std::vector<QvrPlace> sample;
     std::vector<std::byte> read;
     for (std::uint64_t spot = 0; spot < spots; ++spot) {
         const std::uint64_t first = points / spots * spot;
         const std::uint64_t count = std::min(kPointsPerSpot, points - first);
         read.resize(count * length);
         source_.ReadPoints(first, read);
-        for (std::uint64_t number = first; number < first + count; ++number) {
-            const std::byte* const record = &read[(number - first) * length];
-            sample.insert(sample.end(), record, record + length);
-            const auto* const bytes = reinterpret_cast<const std::byte*>(&number);
-            sample.insert(sample.end(), bytes, bytes + (stride - length));
+        for (std::uint64_t i = 0; i < count; ++i) {
+            sample.push_back(PlaceOf(&read[i * length], first + i));
         }
     }
     return sample;
 }
 
-std::vector<std::byte> QvrBuckets::SampleBucket(const QvrBucket& bucket) const {
+std::vector<QvrPlace> QvrBuckets::SampleBucket(const QvrBucket& bucket) const {
     const std::size_t stride = sizes_.form.Stride();
-    const std::size_t parts = bucket.parts.size();
-    const std::size_t spots = std::min<std::size_t>(parts, kMostSpots);
-    std::vector<std::byte> sample;
+    const std::uint64_t parts = bucket.parts.size();
+    const std::uint64_t spots =
+        std::min({parts, kMostSpots, kSpotsPerBucket * sizes_.BucketsFor(bucket.points)});
+    std::vector<QvrPlace> sample;
     std::vector<std::byte> read;
-    for (std::size_t spot = 0; spot < spots; ++spot) {
+    for (std::uint64_t spot = 0; spot < spots; ++spot) {
         const QvrBucket::Part& part = bucket.parts[parts / spots * spot];
         read.resize(part.records * stride);
         store_.Get(part.block, read);
-        const std::size_t step = std::max<std::size_t>(1, part.records / (4 * kPointsPerSpot));
+        const std::size_t step = DivideUp(part.records, 4 * kPointsPerSpot);
         for (std::size_t record = 0; record < part.records; record += step) {
-            const std::byte* const stored = &read[record * stride];
-            sample.insert(sample.end(), stored, stored + stride);
+            sample.push_back(PlaceOf(&read[record * stride]));
         }
     }
     return sample;
 }
 
 // Places that part the sample evenly. Where many points have one place, that place alone becomes a bucket.
-std::vector<QvrPlace> QvrBuckets::BoundsOf(const std::vector<std::byte>& sample, std::uint64_t points,
+std::vector<QvrPlace> QvrBuckets::BoundsOf(std::vector<QvrPlace> places, std::uint64_t points,
                                            const QvrStretch& stretch) const {
-    std::vector<QvrPlace> places;
-    for (std::size_t at = 0; at < sample.size(); at += sizes_.form.Stride()) {
-        places.push_back(PlaceOf(&sample[at]));
-    }
     std::ranges::sort(places);
     const std::uint64_t buckets = sizes_.BucketsFor(points);
     std::vector<QvrPlace> bounds;
@@ -374,6 +365,11 @@ void QvrBuckets::Load(const QvrBucket& bucket, std::vector<std::byte>& stored) c
 
 QvrPlace QvrBuckets::PlaceOf(const std::byte* stored) const {
     return {box_.Code(QvrRecordForm::PositionOf(stored)), sizes_.form.PriorityOf(stored)};
+}
+
+QvrPlace QvrBuckets::PlaceOf(const std::byte* record, std::uint64_t number) const {
+    return {box_.Code(QvrRecordForm::PositionOf(record)),
+            sizes_.form.isRandom ? sizes_.form.PriorityOf(record) : number};
 }
 
 }  // namespace orvex

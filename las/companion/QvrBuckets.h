@@ -68,6 +68,8 @@ class QvrBuckets {
     /// Stored points of a bucket.
     void Load(const QvrBucket& bucket, std::vector<std::byte>& stored) const;
     QvrPlace PlaceOf(const std::byte* stored) const;
+    /// Place of a record that is not stored, by its number in the source.
+    QvrPlace PlaceOf(const std::byte* record, std::uint64_t number) const;
 
   private:
     using Extent = std::pair<QvrPosition, QvrPosition>;
@@ -77,9 +79,10 @@ class QvrBuckets {
     std::vector<QvrBucket> ReadLaz();
     Extent DistributeLas(Distribution& distribution);
     void AddLazPoints(Distribution& distribution);
-    std::vector<std::byte> SampleSource() const;
-    std::vector<std::byte> SampleBucket(const QvrBucket& bucket) const;
-    std::vector<QvrPlace> BoundsOf(const std::vector<std::byte>& sample, std::uint64_t points,
+    std::vector<QvrPlace> SampleSource() const;
+    std::vector<QvrPlace> SampleBucket(const QvrBucket& bucket) const;
+    /// `places`: of a sample of the points.
+    std::vector<QvrPlace> BoundsOf(std::vector<QvrPlace> places, std::uint64_t points,
                                    const QvrStretch& stretch) const;
     std::vector<QvrBucket> SplitLarge(std::vector<QvrBucket> buckets);
     std::vector<QvrBucket> Split(const QvrBucket& bucket);

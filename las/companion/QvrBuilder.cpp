@@ -1,9 +1,11 @@
 #include "las/companion/QvrBuilder.h"
 
 #include <algorithm>
+#include <atomic>
 #include <limits>
 
 #include "las/companion/QvrBuckets.h"
+#include "las/companion/QvrFile.h"
 #include "las/companion/QvrOrdering.h"
 #include "las/companion/QvrSource.h"
 #include "las/companion/QvrStore.h"
@@ -21,6 +23,8 @@ namespace orvex {
 namespace {
 
 constexpr std::uint64_t kCopyBytes = std::uint64_t{1} << 20U;
+// Written at most before the drive has all of it, so that the end does not wait for gigabytes.
+constexpr std::uint64_t kMostUnsynced = std::uint64_t{256} << 20U;
 
 /// The settings without anything left open.
 QvrSettings Settled(QvrSettings settings) {
@@ -38,6 +42,12 @@ std::uint64_t OwnRecordBytes(std::uint64_t entries) {
     return sizeof(IndexVlr) + ThinnedBytesNeeded(count, kThinnedEntrySize);
 }
 
+void Require(const std::wstring& target, SystemError error) {
+    if (error != 0) {
+        throw LDataError(FormatText(Text(text::kLazCannotWrite), {target, SystemErrorText(error)}));
+    }
+}
+
 /// One building of a companion; used once.
 class Build {
   public:
@@ -48,7 +58,9 @@ class Build {
           sizes_(QvrSizes::For(source_.Points(), source_.RecordLength(), settings)),
           store_(sizes_.BlockBytes(), sizes_.isInMemory ? std::wstring() : plan.target),
           work_(sizes_.threads, progress),
-          output_(plan.target) {}
+          output_(plan.target) {
+        Require(output_.CreationError());
+    }
 
     void Run() {
         QvrBuckets points(source_, sizes_, store_, work_);
@@ -65,7 +77,7 @@ class Build {
         work_.Begin(Line(text::kQvrWriting), source_.Points());
         WriteHead(index, ordering.Entries());
         WritePoints(ordering);
-        WriteEvlrs();
+        WritePieces(EvlrsAt(), source_.KeptEvlrs());
         source_.RequireUnchanged();
         Finish();
     }
@@ -74,22 +86,22 @@ class Build {
     std::wstring Line(StringId text) const { return FormatText(Text(text), {FileNameOf(plan_.source)}); }
 
     void WriteHead(QvrIndex& index, const std::vector<QvrEntry>& entries) {
-        const std::uint64_t end = source_.KeptHeadBytes() + OwnRecordBytes(entries.size());
-        if (end > std::numeric_limits<std::uint32_t>::max()) {
+        const std::uint64_t ownBytes = OwnRecordBytes(entries.size());
+        pointsAt_ = source_.KeptHeadBytes() + ownBytes;
+        if (pointsAt_ > std::numeric_limits<std::uint32_t>::max()) {
             throw LDataError(FormatText(Text(text::kQvrTooManyEntries), {GroupedNumber(entries.size())}));
         }
         index.entryCount = static_cast<std::uint32_t>(entries.size());
         const IndexVlr indexRecord = EncodeQvrIndex(index);
-        std::vector<std::byte> own(indexRecord.begin(), indexRecord.end());
-        const std::vector<std::byte> thinned = EncodeQvrEntries(entries);
-        own.insert(own.end(), thinned.begin(), thinned.end());
         const auto count =
             static_cast<std::uint32_t>(1 + ThinnedVlrCount(index.entryCount, kThinnedEntrySize));
-        const std::vector<std::byte> head = source_.CompanionHead(own, count);
-        pointsAt_ = head.size();
+        const std::vector<std::byte> header = source_.CompanionHeader(ownBytes, count);
         Require(file_.Open(output_.Path(), false));
         Require(file_.Reserve(EvlrsAt() + source_.KeptEvlrBytes()));
-        Require(file_.WriteAt(0, head));
+        Require(file_.WriteAt(0, header));
+        Require(file_.WriteAt(header.size(), indexRecord));
+        Require(file_.WriteAt(header.size() + indexRecord.size(), EncodeQvrEntries(entries)));
+        WritePieces(header.size() + ownBytes, source_.KeptVlrs());
     }
 
     std::uint64_t EvlrsAt() const { return pointsAt_ + source_.Points() * source_.RecordLength(); }
@@ -109,20 +121,28 @@ class Build {
                 }
                 left = left.subspan(bytes.size());
             }
+            SyncSometimes(sorted->records.size());
             work_.Done(sorted->order.size());
             spaces.Give(std::move(sorted));
         });
     }
 
-    void WriteEvlrs() {
-        std::uint64_t at = EvlrsAt();
+    void SyncSometimes(std::uint64_t written) {
+        const std::uint64_t before = written_.fetch_add(written);
+        if (before / kMostUnsynced != (before + written) / kMostUnsynced) {
+            Require(file_.Sync());
+        }
+    }
+
+    void WritePieces(std::uint64_t at, const std::vector<QvrSource::Piece>& pieces) {
         std::vector<std::byte> block;
-        for (const QvrSource::Piece& piece : source_.KeptEvlrs()) {
+        for (const QvrSource::Piece& piece : pieces) {
             for (std::uint64_t done = 0; done < piece.length; done += block.size()) {
                 block.resize(std::min(kCopyBytes, piece.length - done));
                 work_.Run(1, [&](std::uint64_t) {
-                    source_.ReadPiece(piece.offset + done, block);
+                    source_.ReadPiece(piece, done, block);
                     Require(file_.WriteAt(at + done, block));
+                    SyncSometimes(block.size());
                 });
             }
             at += piece.length;
@@ -132,14 +152,11 @@ class Build {
     void Finish() {
         work_.Run(1, [&](std::uint64_t) { Require(file_.Sync()); });
         file_.Close();
+        QvrFile::Open(output_.Path());  // throws if what was written is no companion
         Require(output_.Commit());
     }
 
-    void Require(SystemError error) const {
-        if (error != 0) {
-            throw LDataError(FormatText(Text(text::kLazCannotWrite), {plan_.target, SystemErrorText(error)}));
-        }
-    }
+    void Require(SystemError error) const { orvex::Require(plan_.target, error); }
 
     const QvrPlan& plan_;
     const QvrSettings& settings_;
@@ -150,7 +167,20 @@ class Build {
     TemporaryFile output_;
     MappedFile file_;  // closed before the temporary file is removed
     std::uint64_t pointsAt_ = 0;
+    std::atomic<std::uint64_t> written_ = 0;
 };
+
+/// Throws if a file cannot be put at the target, where the system can tell before one is written.
+void RequireWritable(const std::wstring& target) {
+    const FileKind kind = KindOf(target);
+    if (kind != FileKind::Missing && kind != FileKind::File) {
+        Require(target, MappedFile().Open(target, false));
+    }
+    const std::wstring folder = FolderOf(target);
+    if (!CanCreateFilesIn(ToPath(folder.empty() ? L"." : folder))) {
+        Require(target, TemporaryFile(target).CreationError());
+    }
+}
 
 void RequireSpace(const QvrPlan& plan) {
     const std::wstring folder = FolderOf(plan.target);
@@ -180,15 +210,13 @@ QvrPlan PlanQvr(const std::wstring& source, const QvrSettings& settings) {
     if (IsSameFile(plan.source, plan.target) || EqualNoCase(plan.source, plan.target)) {
         throw LDataError(FormatText(Text(text::kQvrIsCompanion), {source}));
     }
+    RequireWritable(plan.target);
     const QvrSource file(source);
     const QvrSettings settled = Settled(settings);
     const QvrSizes sizes = QvrSizes::For(file.Points(), file.RecordLength(), settled);
     plan.points = file.Points();
-    // A split octant has more points than an entry may have, and up to eight entries instead.
-    const std::uint64_t entries =
-        std::min(file.Points(), 8 * (file.Points() / (512U * settled.factor)) + 1000);
-    plan.targetBytes = file.KeptHeadBytes() + OwnRecordBytes(entries) + file.Points() * file.RecordLength() +
-                       file.KeptEvlrBytes();
+    plan.targetBytes = file.KeptHeadBytes() + OwnRecordBytes(sizes.mostEntries) +
+                       file.Points() * file.RecordLength() + file.KeptEvlrBytes();
     plan.temporaryBytes = sizes.temporaryBytes;
     plan.memoryBytes = sizes.memoryBytes;
     RequireSpace(plan);

@@ -9,7 +9,8 @@ namespace orvex {
 
 struct QvrSettings {
     std::uint16_t factor = 10;  ///< thinning factor; a greater one gives fewer entries; 0 counts as 1
-    /// Bytes that the builder may use; with less than a few megabytes for each thread it needs more.
+    /// Bytes that the builder may use. Where they do not suffice for all threads, fewer work. With less than
+    /// 32 MiB, and for more than some 10^8 points with 512 MiB, it needs more; the plan tells how much.
     std::uint64_t memory = std::uint64_t{512} << 20U;
     unsigned threads = 0;    ///< 0: one per processor
     std::uint64_t seed = 0;  ///< of the random order
@@ -36,7 +37,7 @@ std::wstring QvrPathOf(const std::wstring& source);
 std::wstring QvrFailureText(const std::wstring& source, const std::wstring& reason);
 
 /// Plans the companion of a LAS or LAZ file. Throws LDataError if the source cannot be read or is not
-/// complete, or if the drive has not enough space.
+/// complete, if the target cannot be written, or if the drive has not enough space.
 QvrPlan PlanQvr(const std::wstring& source, const QvrSettings& settings = {});
 
 /// Builds a planned companion, under a temporary name until it is complete; progress is called from this

@@ -41,15 +41,32 @@ std::uint64_t SizeOf(const MappedFile& file, const std::wstring& path) {
     return size;
 }
 
-QvrIndex IndexOf(const VlrList& vlrs, const std::wstring& path) {
-    const auto found = std::ranges::find_if(
-        vlrs.records, [](const VlrView& vlr) { return vlr.Is(kCompanionUserId, kIndexRecordId); });
-    if (found == vlrs.records.end()) {
+/// The file's bytes from an offset to at most an end; fewer at its end.
+void ReadUpTo(const MappedFile& file, std::uint64_t offset, std::uint64_t end, std::vector<std::byte>& bytes,
+              const std::wstring& path) {
+    bytes.resize(std::min<std::uint64_t>(bytes.size(), end - std::min(offset, end)));
+    std::size_t read = 0;
+    if (const SystemError error = file.ReadAt(offset, bytes, read)) {
+        FailToRead(path, error);
+    }
+    bytes.resize(read);
+}
+
+/// Index from the first VLR.
+QvrIndex ReadIndex(const MappedFile& file, const LasHeader& header, const std::wstring& path) {
+    std::vector<std::byte> record(sizeof(IndexVlr));
+    ReadUpTo(file, header.HeaderSize(), header.OffsetToPoints(), record, path);
+    if (record.size() < las::kVlrHeaderSize || header.VlrCount() == 0 ||
+        header.HeaderSize() < las::kLegacyHeaderSize) {
         Fail(text::kQvrNoIndex, path);
     }
-    const std::optional<QvrIndex> index = DecodeQvrIndex(found->Data());
-    if (!index && found->Data().size() == kIndexPayloadSize && QvrVersionOf(found->Data()) != kQvrVersion) {
-        Fail(text::kQvrVersionUnknown, path, {QvrVersionOf(found->Data()), kQvrVersion});
+    const VlrView vlr(record, header.HeaderSize(), false);
+    if (!vlr.Is(kCompanionUserId, kIndexRecordId)) {
+        Fail(text::kQvrNoIndex, path);
+    }
+    const std::optional<QvrIndex> index = DecodeQvrIndex(vlr.Data());
+    if (!index && vlr.Data().size() == kIndexPayloadSize && QvrVersionOf(vlr.Data()) != kQvrVersion) {
+        Fail(text::kQvrVersionUnknown, path, {QvrVersionOf(vlr.Data()), kQvrVersion});
     }
     if (!index) {
         Fail(text::kQvrIndexWrong, path);
@@ -72,7 +89,7 @@ void CheckPoints(const QvrHead& head, std::uint64_t fileSize, const std::wstring
     }
 }
 
-QvrHead ReadHead(const MappedFile& file, const std::wstring& path, VlrList& vlrs) {
+QvrHead ReadHead(const MappedFile& file, const std::wstring& path) {
     QvrHead head;
     std::size_t read = 0;
     if (const SystemError error = file.ReadAt(0, head.block, read)) {
@@ -81,10 +98,7 @@ QvrHead ReadHead(const MappedFile& file, const std::wstring& path, VlrList& vlrs
     if (read < las::kLegacyHeaderSize || !head.Header().HasSignature()) {
         Fail(text::kQvrNoIndex, path);
     }
-    if (const SystemError error = ReadVlrs(file, head.Header(), vlrs)) {
-        FailToRead(path, error);
-    }
-    head.index = IndexOf(vlrs, path);
+    head.index = ReadIndex(file, head.Header(), path);
     CheckPoints(head, SizeOf(file, path), path);
     return head;
 }
@@ -95,11 +109,11 @@ class EntryReader {
     EntryReader(const MappedFile& file, const QvrHead& head, const std::wstring& path)
         : file_(file), head_(head), path_(path) {}
 
-    std::vector<QvrEntry> Read(const VlrList& vlrs) {
-        for (const VlrView& vlr : vlrs.records) {
-            if (vlr.Is(kCompanionUserId, kThinnedRecordId)) {
-                ReadRecord(vlr);
-            }
+    std::vector<QvrEntry> Read() {
+        std::uint64_t offset = head_.Header().HeaderSize() + sizeof(IndexVlr);
+        for (std::uint32_t left = head_.Header().VlrCount() - 1;
+             left > 0 && entries_.size() < head_.index.entryCount; --left) {
+            offset += ReadRecord(offset);
         }
         if (entries_.size() != head_.index.entryCount) {
             FailAtEnd();
@@ -115,25 +129,29 @@ class EntryReader {
         Fail(text::kQvrEntriesMissing, path_, {entries_.size(), head_.index.entryCount});
     }
 
-    void ReadRecord(const VlrView& vlr) {
-        record_.resize(las::kVlrHeaderSize + vlr.RecordLength());
-        std::size_t read = 0;
-        if (const SystemError error = file_.ReadAt(vlr.FileOffset(), record_, read)) {
-            FailToRead(path_, error);
+    /// Length of the record at an offset.
+    std::uint64_t ReadRecord(std::uint64_t offset) {
+        record_.resize(las::kVlrHeaderSize + std::numeric_limits<std::uint16_t>::max());
+        ReadUpTo(file_, offset, head_.Header().OffsetToPoints(), record_, path_);
+        if (record_.size() < las::kVlrHeaderSize + kThinnedHeadSize) {
+            FailAtEnd();
+        }
+        const VlrView vlr(record_, offset, false);
+        if (!vlr.Is(kCompanionUserId, kThinnedRecordId) || !vlr.HasData()) {
+            FailAtEnd();
         }
         // Written records do not have the mark that the check asks for.
         const std::uint16_t mark = las::kVlrSignature10;
         std::memcpy(record_.data() + las::record_at::kReserved, &mark, sizeof(mark));
-        const std::optional<ThinnedHead> head =
-            CheckThinnedVlr(std::span<const std::byte>(record_).first(read), 0);
-        if (vlr.IsTruncated() || read < record_.size() || !head || head->entrySize != kThinnedEntrySize ||
-            head->value != entries_.size()) {
+        const std::optional<ThinnedHead> head = CheckThinnedVlr(record_, 0);
+        if (!head || head->entrySize != kThinnedEntrySize || head->value != entries_.size()) {
             FailAtEnd();
         }
-        auto rest = std::span<const std::byte>(record_).subspan(las::kVlrHeaderSize + kThinnedHeadSize);
+        auto rest = vlr.Data().subspan(kThinnedHeadSize);
         for (std::uint32_t i = 0; i < head->count; ++i, rest = rest.subspan(kThinnedEntrySize)) {
             Add(DecodeQvrEntry(rest.first<kThinnedEntrySize>()));
         }
+        return las::kVlrHeaderSize + vlr.RecordLength();
     }
 
     void Add(const QvrEntry& entry) {
@@ -198,17 +216,15 @@ void Append(std::vector<PointRange>& ranges, const PointRange& range) {
 }  // namespace
 
 QvrHead ReadQvrHead(const std::wstring& path) {
-    VlrList vlrs;
-    return ReadHead(OpenForReading(path), path, vlrs);
+    return ReadHead(OpenForReading(path), path);
 }
 
 std::unique_ptr<QvrFile> QvrFile::Open(const std::wstring& path) {
     std::unique_ptr<QvrFile> qvr(new QvrFile);
     qvr->path_ = path;
     qvr->file_ = OpenForReading(path);
-    VlrList vlrs;
-    qvr->head_ = ReadHead(qvr->file_, path, vlrs);
-    qvr->entries_ = EntryReader(qvr->file_, qvr->head_, path).Read(vlrs);
+    qvr->head_ = ReadHead(qvr->file_, path);
+    qvr->entries_ = EntryReader(qvr->file_, qvr->head_, path).Read();
     const LasHeader header = qvr->Header();
     qvr->frame_ = {header.Scale(), header.Offset(), {header.Minimum(), header.Maximum()}};
     return qvr;

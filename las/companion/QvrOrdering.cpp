@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <tuple>
+#include <utility>
 
 namespace orvex {
 namespace {
@@ -138,10 +139,11 @@ void QvrOrdering::DecideOpenPoints() {
     }
 }
 
-std::vector<QvrEntry> QvrOrdering::Entries() const {
+std::vector<QvrEntry> QvrOrdering::Entries() {
     std::vector<QvrRun> runs;
     for (std::uint32_t bucket = 0; bucket < ordered_.size(); ++bucket) {
-        runs.insert(runs.end(), ordered_[bucket].runs.begin(), ordered_[bucket].runs.end());
+        const std::vector<QvrRun> own = std::exchange(ordered_[bucket].runs, {});
+        runs.insert(runs.end(), own.begin(), own.end());
         for (const Open& open : ordered_[bucket].open) {
             runs.push_back(
                 {open.at.code, open.at.code, 1, open.position, bucket, open.place, open.generation});

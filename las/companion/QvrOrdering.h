@@ -24,8 +24,8 @@ class QvrOrdering {
     /// Orders all buckets; an entry will have at most `mostPerEntry` points where its octant can be split.
     void Run(std::uint32_t mostPerEntry);
 
-    /// The entries, in file order.
-    std::vector<QvrEntry> Entries() const;
+    /// The entries, in file order; to be called once.
+    std::vector<QvrEntry> Entries();
     std::size_t BucketCount() const { return buckets_.size(); }
     /// Numbers of the first points that the buckets have of each generation.
     std::vector<Counts> FirstPoints() const;

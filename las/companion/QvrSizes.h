@@ -38,6 +38,9 @@ struct QvrSizes {
     std::uint32_t wantedPoints = 0;  ///< in a bucket
     std::uint32_t mostBuckets = 0;   ///< of one distribution
     std::uint32_t blockRecords = 1;  ///< at most mostPoints
+    std::uint64_t readBytes = 0;     ///< that a thread reads at once; at least one record
+    std::uint64_t mostEntries = 0;
+    std::uint64_t entriesBytes = 0;  ///< in memory, where the points lie on a surface
     bool isInMemory = true;
     std::uint64_t temporaryBytes = 0;
     std::uint64_t memoryBytes = 0;
@@ -48,9 +51,13 @@ struct QvrSizes {
     std::uint64_t BucketsFor(std::uint64_t points) const;
 
   private:
-    void ChooseBuckets(std::uint64_t memory);
+    void ChooseThreads(std::uint64_t points, std::uint64_t memory);
+    void ChooseBuckets(std::uint64_t points, std::uint64_t memory);
     void ChoosePlace(std::uint64_t points, std::uint64_t memory);
     void AddUp(std::uint64_t points);
+    std::uint64_t RoomForBuckets(std::uint64_t memory) const;
+    std::uint64_t KeptBytes(std::uint64_t points) const;  // of buckets and entries, until all is ordered
+    std::uint64_t FinalBuckets(std::uint64_t points) const;
     std::uint64_t BytesPerPoint() const;   // that is being ordered
     std::uint64_t BytesPerStored() const;  // in the buckets, with its order
 };

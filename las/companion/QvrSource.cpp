@@ -17,9 +17,6 @@
 namespace orvex {
 namespace {
 
-// A header and its records take some kilobytes; the offset to the points allows for 4 GiB.
-constexpr std::uint64_t kMostHead = std::uint64_t{64} << 20U;
-
 // More than any drive holds, and few enough for sizes of 64 bits, whatever the record length.
 constexpr std::uint64_t kMostPoints = std::uint64_t{1} << 46U;
 
@@ -64,6 +61,7 @@ QvrSource::QvrSource(const std::wstring& path) : path_(path) {
     Open();
     ReadHead();
     RequireSound();
+    KeepHeader();
     KeepVlrs();
     KeepEvlrs();
     if (!isCompressed_) {
@@ -86,12 +84,13 @@ void QvrSource::ReadHead() {
     }
     headerHash_ = QvrHeaderHash(head_);
     const auto offsetToPoints = stored.Read<std::uint32_t>(las::at::kOffsetToPoints);
-    if (offsetToPoints > std::min(kMostHead, size_)) {
+    if (offsetToPoints > size_) {
         throw LDataError(FormatText(Text(text::kLazHeaderDamaged), {path_}));
     }
     isCompressed_ = LasHeader(head_).IsCompressed();
     if (!isCompressed_) {
-        head_ = ReadBytes(0, offsetToPoints);
+        const std::uint64_t headerSize = stored.Read<std::uint16_t>(las::at::kHeaderSize);
+        head_ = ReadBytes(0, std::min<std::uint64_t>(headerSize, offsetToPoints));
         return;
     }
     std::string head;
@@ -115,29 +114,52 @@ void QvrSource::RequireSound() const {
     }
 }
 
-// Sets what follows from the head, too: the header has been found sound.
-void QvrSource::KeepVlrs() {
+void QvrSource::KeepHeader() {
     headerBlock_ = head_;
     headerBlock_.resize(std::max<std::size_t>(head_.size(), las::kHeaderSize14));
     headerSize_ = Header().HeaderSize();
     headerBlock_.resize(std::max(headerSize_, las::kHeaderSize14));
     points_ = Header().PointCount();
     recordLength_ = Header().PointRecordLength();
-    const ByteReader stored(head_);
+}
+
+void QvrSource::KeepVlrs() {
+    const std::uint64_t end = isCompressed_ ? head_.size() : Header().OffsetToPoints();
     std::uint64_t offset = headerSize_;
-    for (std::uint32_t left = Header().VlrCount(); left > 0; --left) {
-        const auto length = stored.TryRead<std::uint16_t>(offset + las::record_at::kLength);
-        const std::uint64_t bytes = las::kVlrHeaderSize + length.value_or(0);
-        if (!length || !stored.Contains(offset, bytes)) {
-            break;
+    for (std::size_t left = std::min<std::size_t>(Header().VlrCount(), kMostRecords);
+         left > 0 && end - offset >= las::kVlrHeaderSize; --left) {
+        Piece vlr{offset, las::kVlrHeaderSize, isCompressed_};
+        std::array<std::byte, las::kVlrHeaderSize> header{};
+        ReadPiece(vlr, 0, header);
+        const VlrView view(header, offset, true);
+        if (view.RecordLength() > end - offset - las::kVlrHeaderSize) {
+            return;
         }
-        if (IsKeptVlr(stored.FixedText(offset + las::record_at::kUserId, las::kUserIdLength),
-                      stored.Read<std::uint16_t>(offset + las::record_at::kRecordId))) {
-            const auto record = stored.Bytes(offset, bytes);
-            vlrBytes_.insert(vlrBytes_.end(), record.begin(), record.end());
-            ++vlrCount_;
+        vlr.length += view.RecordLength();
+        offset += vlr.length;
+        if (view.RecordId() == las::kExtraBytesRecordId) {
+            RequireReadable(vlr);
         }
-        offset += bytes;
+        if (!IsKeptVlr(view.UserId(), view.RecordId())) {
+            continue;
+        }
+        ++vlrCount_;
+        if (!vlrs_.empty() && vlrs_.back().offset + vlrs_.back().length == vlr.offset) {
+            vlrs_.back().length += vlr.length;
+        } else {
+            vlrs_.push_back(vlr);
+        }
+    }
+}
+
+// The companion has the same record, and nobody could open it.
+void QvrSource::RequireReadable(const Piece& vlr) const {
+    std::vector<std::byte> descriptors(vlr.length - las::kVlrHeaderSize);
+    ReadPiece(vlr, las::kVlrHeaderSize, descriptors);
+    try {
+        ExtraBytes().Add(descriptors);
+    } catch (const LDataError& error) {
+        throw LDataError(path_ + L": " + error.Text());
     }
 }
 
@@ -158,7 +180,7 @@ void QvrSource::KeepEvlrs() {
         }
         if (IsKeptEvlr(stored.FixedText(las::record_at::kUserId, las::kUserIdLength),
                        stored.Read<std::uint16_t>(las::record_at::kRecordId))) {
-            evlrs_.push_back({offset, las::kEvlrHeaderSize + length});
+            evlrs_.push_back({offset, las::kEvlrHeaderSize + length, false});
         }
         offset += las::kEvlrHeaderSize + length;
     }
@@ -187,10 +209,18 @@ std::pair<QvrPosition, QvrPosition> QvrSource::StatedExtent() const {
 }
 
 void QvrSource::ReadPoints(std::uint64_t first, std::span<std::byte> records) const {
-    ReadPiece(Header().OffsetToPoints() + first * recordLength_, records);
+    ReadFile(Header().OffsetToPoints() + first * recordLength_, records);
 }
 
-void QvrSource::ReadPiece(std::uint64_t offset, std::span<std::byte> bytes) const {
+void QvrSource::ReadPiece(const Piece& piece, std::uint64_t from, std::span<std::byte> bytes) const {
+    if (piece.isInHead) {
+        std::ranges::copy(std::span(head_).subspan(piece.offset + from, bytes.size()), bytes.begin());
+    } else {
+        ReadFile(piece.offset + from, bytes);
+    }
+}
+
+void QvrSource::ReadFile(std::uint64_t offset, std::span<std::byte> bytes) const {
     std::size_t read = 0;
     Require(path_, file_.ReadAt(offset, bytes, read));
     if (read < bytes.size()) {
@@ -221,35 +251,32 @@ QvrIndex QvrSource::Index() const {
     return index;
 }
 
-std::uint64_t QvrSource::KeptEvlrBytes() const {
+std::uint64_t QvrSource::BytesOf(const std::vector<Piece>& pieces) {
     std::uint64_t bytes = 0;
-    for (const Piece& piece : evlrs_) {
+    for (const Piece& piece : pieces) {
         bytes += piece.length;
     }
     return bytes;
 }
 
-std::vector<std::byte> QvrSource::CompanionHead(std::span<const std::byte> ownRecords,
-                                                std::uint32_t ownCount) const {
-    const std::uint64_t pointsAt = KeptHeadBytes() + ownRecords.size();
-    std::vector<std::byte> head(head_.begin(), head_.begin() + headerSize_);
-    const auto format = std::to_integer<std::uint8_t>(head[las::at::kPointFormat]);
-    Put(head, las::at::kPointFormat, static_cast<std::uint8_t>(format & ~las::kCompressionBits));
-    Put(head, las::at::kVlrCount, vlrCount_ + ownCount);
-    Put(head, las::at::kOffsetToPoints, static_cast<std::uint32_t>(pointsAt));
+std::vector<std::byte> QvrSource::CompanionHeader(std::uint64_t ownBytes, std::uint32_t ownCount) const {
+    const std::uint64_t pointsAt = KeptHeadBytes() + ownBytes;
+    std::vector<std::byte> header(head_.begin(), head_.begin() + headerSize_);
+    const auto format = std::to_integer<std::uint8_t>(header[las::at::kPointFormat]);
+    Put(header, las::at::kPointFormat, static_cast<std::uint8_t>(format & ~las::kCompressionBits));
+    Put(header, las::at::kVlrCount, vlrCount_ + ownCount);
+    Put(header, las::at::kOffsetToPoints, static_cast<std::uint32_t>(pointsAt));
     if (Header().VersionCode() >= las::kLas13) {
         const auto bits = static_cast<std::uint16_t>(las::encoding::kInternalWaveform);
-        Put(head, las::at::kGlobalEncoding, static_cast<std::uint16_t>(Header().GlobalEncoding() & ~bits));
-        Put(head, las::at::kWaveformStart, std::uint64_t{0});
+        Put(header, las::at::kGlobalEncoding, static_cast<std::uint16_t>(Header().GlobalEncoding() & ~bits));
+        Put(header, las::at::kWaveformStart, std::uint64_t{0});
     }
     if (Header().VersionCode() == las::kLas14) {
         const std::uint64_t end = pointsAt + points_ * recordLength_;
-        Put(head, las::at::kEvlrStart, evlrs_.empty() ? std::uint64_t{0} : end);
-        Put(head, las::at::kEvlrCount, static_cast<std::uint32_t>(evlrs_.size()));
+        Put(header, las::at::kEvlrStart, evlrs_.empty() ? std::uint64_t{0} : end);
+        Put(header, las::at::kEvlrCount, static_cast<std::uint32_t>(evlrs_.size()));
     }
-    head.insert(head.end(), vlrBytes_.begin(), vlrBytes_.end());
-    head.insert(head.end(), ownRecords.begin(), ownRecords.end());
-    return head;
+    return header;
 }
 
 }  // namespace orvex

@@ -11,6 +11,7 @@ namespace orvex {
 QvrStore::QvrStore(std::size_t blockBytes, const std::wstring& target) : blockBytes_(blockBytes) {
     if (!target.empty()) {
         temporary_.emplace(target);
+        Require(temporary_->CreationError());
         Require(file_.Open(temporary_->Path(), false));
     }
 }

@@ -7,6 +7,7 @@
 
 #include "host/utilities/testing/LazSamples.h"
 #include "las/companion/QvrFile.h"
+#include "las/companion/QvrSizes.h"
 #include "las/companion/QvrVerify.h"
 #include "las/companion/tests/QvrClouds.h"
 #include "support/Format.h"
@@ -100,14 +101,31 @@ TEST(QvrBuilder, KeepsEveryByteOfEveryFormat) {
         EXPECT_EQ(built->PointFormat(), format);
         EXPECT_EQ(built->GetVersionCode(), source->GetVersionCode());
         EXPECT_EQ(built->GetExtraBytes().Attributes().size(), extraBytes == 0 ? 0U : 1U);
-        EXPECT_EQ(built->GetVLRs().front().UserId(), "someone");
-        EXPECT_FALSE(std::ranges::any_of(built->GetVLRs(), [](const VlrView& vlr) {
-            return vlr.UserId() == "copc" || vlr.UserId() == "laszip encoded";
-        }));
+        ASSERT_EQ(built->GetVLRs().size(), extraBytes == 0 ? 3U : 4U) << "index, one record of entries, kept";
+        EXPECT_TRUE(built->GetVLRs().front().Is(kCompanionUserId, kIndexRecordId));
+        EXPECT_EQ(std::ranges::count(built->GetVLRs(), std::string("someone"), &VlrView::UserId), 1);
         ASSERT_EQ(built->GetEVLRs().size(), version == 14 ? 1U : 0U);
         EXPECT_EQ(testing::ReadFile(folder.Name(L"a.qvr")).ends_with("kept, too"), version == 14);
     }
     EXPECT_EQ(folder.Entries(), 2U);
+}
+
+// More records than a list of files keeps the data of, and more than fit into the area for a header.
+TEST(QvrBuilder, KeepsAllRecordsOfTheSource) {
+    for (const int records : {17, 1100}) {
+        Cloud cloud{12, 0, 100};
+        cloud.change = [records](LasBuilder& builder) {
+            for (int i = 0; i < records; ++i) {
+                builder.AddVlr("LASF_Projection", static_cast<std::uint16_t>(100 + i),
+                               std::string(65535, 'p'));
+            }
+        };
+        const LasFolder folder;
+        const std::string bytes = cloud.Bytes();
+        const std::string built = BuiltQvr(folder.TemporaryFolder::Write(L"a.las", bytes), With(2, kMuch));
+        ExpectDefinedOrder(folder.Name(L"a.qvr"), CloudParts(bytes).records);
+        EXPECT_TRUE(CloudParts(built).head.ends_with(CloudParts(bytes).head.substr(227))) << records;
+    }
 }
 
 /// Clouds that are hard to divide, each with few enough points for the slow reference.
@@ -279,17 +297,42 @@ TEST(QvrBuilder, TemporarySpaceIsThatOfThePlan) {
     testing::WriteSample(folder.Name(L"a.las"), sample, false);
     testing::WriteSample(folder.Name(L"a.laz"), sample, true);
     Kst::NullProgress progress;
-    for (const wchar_t* const name : {L"a.las", L"a.laz"}) {
-        const QvrSettings settings = With(2, 3U << 20U);
+    // With many threads and little memory, points are distributed more than once.
+    const std::pair<const wchar_t*, QvrSettings> cases[] = {
+        {L"a.las", With(2, 3U << 20U)}, {L"a.laz", With(2, 3U << 20U)}, {L"a.las", With(16, 3U << 20U)}};
+    for (const auto& [name, settings] : cases) {
         const QvrPlan plan = PlanQvr(folder.Name(name), settings);
         DiskUse use(folder);
         EXPECT_TRUE(BuildQvr(plan, settings, use));
-        EXPECT_LE(use.most, plan.temporaryBytes) << name;
+        EXPECT_LE(use.most, plan.temporaryBytes) << name << ", " << settings.threads;
         EXPECT_GE(use.most, 120000U * 24) << name << ": points and order were not in memory";
         EXPECT_LE(FileSizeOf(plan.target), plan.targetBytes);
         EXPECT_EQ(VerifyQvrPoints(*QvrFile::Open(plan.target), progress),
                   SumOfPoints(folder.Name(L"a.las"), progress));
         RemoveFile(plan.target);
+    }
+}
+
+TEST(QvrBuilder, PlannedMemoryIsThatOfTheSettings) {
+    constexpr std::uint64_t kMiB = std::uint64_t{1} << 20U;
+    constexpr std::uint64_t kBytesOfABucket = 20000;  // counts, runs and representatives, as measured
+    const struct {
+        std::uint64_t points;
+        std::size_t recordLength;
+        unsigned threads;
+        std::uint64_t memory;
+    } cases[] = {{10'000'000, 34, 2, 512 * kMiB},   {50'000, 65535, 64, 512 * kMiB},
+                 {1000, 65535, 2, 16 * kMiB},       {12'000'000, 34, 64, 16 * kMiB},
+                 {300'000'000, 34, 64, 512 * kMiB}, {1'000'000'000, 34, 16, 512 * kMiB}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(::testing::Message() << c.points << " points, " << c.threads << " threads");
+        QvrSettings settings;
+        settings.threads = c.threads;
+        settings.memory = c.memory;
+        const QvrSizes sizes = QvrSizes::For(c.points, c.recordLength, settings);
+        EXPECT_LE(sizes.memoryBytes, c.memory + c.memory / 4);
+        EXPECT_LE(sizes.threads * sizes.BucketsFor(c.points) * sizes.BlockBytes(), sizes.memoryBytes);
+        EXPECT_LE(c.points / sizes.wantedPoints * kBytesOfABucket, sizes.memoryBytes / 2);
     }
 }
 
@@ -350,6 +393,10 @@ TEST(QvrBuilder, RefusesWhatItCannotRead) {
         bytes[offset] = value;
         EXPECT_EQ(failure(bytes), damaged) << offset;
     }
+    Cloud arrays{12, 1, 10};
+    arrays.change = [](LasBuilder& builder) { builder.AddExtraBytes("normal", 25, 12); };
+    EXPECT_EQ(failure(arrays.Bytes()),
+              name + L": GetExtraByteOffsets: '25' is not a valid extra bytes data_type value.");
     Cloud immense{14, 6};
     immense.change = [](LasBuilder& builder) { builder.Lie(las::at::kPointCount, std::uint64_t{1} << 60U); };
     EXPECT_EQ(failure(immense.Bytes()), damaged) << "sizes would overflow";
@@ -357,7 +404,13 @@ TEST(QvrBuilder, RefusesWhatItCannotRead) {
     QvrSettings settings;
     settings.target = folder.TemporaryFolder::Write(L"a.las", whole);
     EXPECT_EQ(FailureToPlan(settings.target, settings), FormatText(Text(text::kQvrIsCompanion), {name}));
+    settings.target = folder.Name(L"missing/a.qvr");
+    EXPECT_TRUE(FailureToPlan(name, settings).find(settings.target) != std::wstring::npos);
     EXPECT_EQ(folder.Entries(), 1U);
+    settings.target = folder.Name(L"a.qvr");
+    CreateFolders(settings.target);
+    EXPECT_TRUE(FailureToPlan(name, settings).find(settings.target) != std::wstring::npos);
+    EXPECT_EQ(folder.Entries(), 2U);
 }
 
 /// Changes the source in one phase.
