@@ -28,7 +28,7 @@ CompanionCheck CheckCompanions(const std::vector<std::wstring>& paths, Kst::Prog
     progress.SetRange(paths.size());
     progress.SetText(Text(text::kCompanionsChecking));
     CompanionCheck check;
-    for (std::size_t i = 0; i < paths.size() && !progress.IsCancelled(); ++i) {
+    for (std::size_t i = 0; i < paths.size() && !check.stopped; ++i) {
         const LasCompanionStatus status = GetLasCompanions()->Status(paths[i]);
         if (status.state == LasCompanionState::None) {
             check.missing.push_back(paths[i]);
@@ -36,6 +36,7 @@ CompanionCheck CheckCompanions(const std::vector<std::wstring>& paths, Kst::Prog
             check.unfit.push_back({paths[i], status.reason});
         }
         progress.SetPosition(i + 1);
+        check.stopped = progress.IsCancelled();
     }
     return check;
 }

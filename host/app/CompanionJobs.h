@@ -12,6 +12,7 @@ namespace orvex {
 struct CompanionCheck {
     std::vector<std::wstring> missing;
     std::vector<FileFailure> unfit;  ///< companions that differ or cannot be read, with the reason
+    bool stopped = false;            ///< by the user; the lists lack the rest
 };
 
 /// What became of LAS files that were to get companions.

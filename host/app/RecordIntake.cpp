@@ -155,6 +155,10 @@ void RecordIntake::TakeLas(const AddFilesParams& record) {
 /// Files whose companions cannot be built are added without.
 void RecordIntake::BuildCompanions(const AddFilesParams& record, const std::vector<NewFile>& files) {
     CompanionCheck check = CompanionsOf(files);
+    if (check.stopped) {
+        remarks_ += ' ' + HostText(text::kStatusCompanionsStopped);
+        return;
+    }
     LasCompanionOptions options;
     options.factor = record.lasThinning < 2 ? options.factor : record.lasThinning;
     if (!check.unfit.empty() && ConfirmReplacing(check.unfit)) {
@@ -182,7 +186,6 @@ void RecordIntake::BuildCompanions(const AddFilesParams& record, const std::vect
     }
 }
 
-/// Nothing when looking at them takes too long and is stopped.
 CompanionCheck RecordIntake::CompanionsOf(const std::vector<NewFile>& files) {
     std::vector<std::wstring> paths;
     std::ranges::transform(files, std::back_inserter(paths),
@@ -191,7 +194,7 @@ CompanionCheck RecordIntake::CompanionsOf(const std::vector<NewFile>& files) {
     const WorkEnd end = WorkDialog::Run(
         window_, HostText(text::kCompanionsTitle),
         [paths, check](Kst::ProgressIf& progress) { *check = CheckCompanions(paths, progress); });
-    return end == WorkEnd::Finished ? *check : CompanionCheck();
+    return end == WorkEnd::Finished ? *check : CompanionCheck{{}, {}, true};
 }
 
 bool RecordIntake::ConfirmReplacing(const std::vector<FileFailure>& unfit) {
