@@ -11,6 +11,7 @@
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QStatusBar>
 #include <QTimer>
 #include <QTreeView>
@@ -145,6 +146,8 @@ bool HostWindow::AddFiles(const QStringList& paths) {
 void HostWindow::TakeRecord(const AddFilesParams& record) {
     RememberFolder(record);
     Project changed = project_;
+    map_->ClosePoints();  // what is open cannot be replaced everywhere
+    auto showAgain = qScopeGuard([this] { map_->ReloadPoints(); });
     const IntakeResult result =
         RecordIntake(changed, folder_, preferences_.writesBesideData, this).Take(record);
     counts_ = {CountFiles(record.lasFiles),
@@ -157,6 +160,7 @@ void HostWindow::TakeRecord(const AddFilesParams& record) {
     record_->setPlainText(result.status + '\n' + ReportText(result.report) + '\n' +
                           ToQString(RecordText(record)));
     if (result.mainLayer) {
+        showAgain.dismiss();
         Change(std::move(changed), text::kChangeAdd);
         ShowCrsOf(*result.mainLayer);
         SelectFiles(result.places);

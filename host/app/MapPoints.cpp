@@ -1,14 +1,16 @@
 #include "host/app/MapPoints.h"
 
-#include <QElapsedTimer>
+#include <QDeadlineTimer>
 #include <QThreadPool>
 #include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <functional>
 #include <mutex>
+#include <numeric>
 #include <utility>
 
+#include "host/app/MapItems.h"
 #include "host/app/PointCanvas.h"
 #include "support/QtText.h"
 
@@ -17,7 +19,7 @@ namespace orvex {
 namespace {
 
 constexpr int kPatienceMs = 1000;
-constexpr qint64 kShowEveryMs = 250;
+constexpr std::int64_t kShowEveryMs = 250;
 constexpr int kUsualThinning = 10;
 /// Few pixels stay empty between so many.
 constexpr double kPointsPerPixel = 2;
@@ -26,12 +28,21 @@ constexpr double kMostPoints = 2e6;
 /// Of a view that moves, so many are drawn in any case: it looks the same then as when it rests.
 constexpr double kFewPoints = 1e5;
 constexpr std::uint64_t kPointsPerRead = 32768;
+/// Points of a file that are held until the size of their pixels is known. Of more, samples are read before.
+constexpr std::uint64_t kMostHeld = 1U << 18U;
 constexpr std::uint64_t kSamples = 200;
-/// Companions kept open; each takes a file descriptor.
-constexpr std::size_t kMostOpen = 128;
+/// Companions kept open; each takes a file descriptor and its index.
+constexpr std::size_t kMostOpen = 256;
 
-double AreaOf(const QRectF& world) {
-    return world.width() * world.height();
+/// Pixels that a file takes in a view along one axis, at least one; none, 0, where it lies beside the view.
+double PixelsAlong(double low, double high, double viewLow, double viewHigh, int pixels) {
+    const double common = std::min(high, viewHigh) - std::max(low, viewLow);
+    return common >= 0 ? std::max(1.0, common / (viewHigh - viewLow) * pixels) : 0;
+}
+
+std::uint64_t CountOf(const std::vector<LasPointRange>& ranges) {
+    return std::accumulate(ranges.begin(), ranges.end(), std::uint64_t{0},
+                           [](std::uint64_t sum, const LasPointRange& range) { return sum + range.count; });
 }
 
 }  // namespace
@@ -43,8 +54,32 @@ struct MapPoints::Files {
     double high = 0;
     std::atomic<bool> isDropped = false;  ///< nothing of them is wanted any more
 
-    std::map<std::wstring, std::unique_ptr<LasCompanion>> open;
-    std::map<std::wstring, CompanionUse> uses;
+    struct Open {
+        std::unique_ptr<LasCompanion> companion;
+        std::uint64_t used = 0;  ///< the greater, the later
+    };
+    std::map<std::wstring, Open> open;
+    std::uint64_t uses = 0;  ///< of all that are open
+    std::map<std::wstring, CompanionUse> known;
+
+    /// Leaves out those of damaged headers.
+    void FindHeights() {
+        low = kFarthest;
+        high = -kFarthest;
+        for (const PointFile& file : all) {
+            if (std::abs(file.low) <= kFarthest && std::abs(file.high) <= kFarthest) {
+                low = std::min(low, file.low);
+                high = std::max(high, file.high);
+            }
+        }
+        if (low > high) {
+            low = high = 0;
+        }
+    }
+    void CloseLeastUsed() {
+        const auto isEarlier = [](const auto& a, const auto& b) { return a.second.used < b.second.used; };
+        open.erase(std::min_element(open.begin(), open.end(), isEarlier));
+    }
 };
 
 /// A view that is to be drawn.
@@ -65,12 +100,14 @@ struct MapPoints::Drawn {
 /// Shared with the worker, which may outlive the owner.
 struct MapPoints::Link {
     const LasCompanions& companions;
+    const Clock clock;
     std::mutex lock;
     MapPoints* owner;             ///< null once it is gone
     std::shared_ptr<Job> wanted;  ///< the next view to draw
     bool isWorking = false;
 
-    Link(const LasCompanions& from, MapPoints* points) : companions(from), owner(points) {}
+    Link(const LasCompanions& from, Clock milliseconds, MapPoints* points)
+        : companions(from), clock(std::move(milliseconds)), owner(points) {}
 
     /// The next view; null ends the worker.
     std::shared_ptr<Job> Next() {
@@ -90,13 +127,13 @@ struct MapPoints::Link {
 /// One view on the worker thread.
 class MapPoints::Drawing {
   public:
-    Drawing(const LasCompanions& companions, const Job& job) : companions_(companions), job_(job) {
-        sinceShown_.start();
+    Drawing(const LasCompanions& companions, const Clock& clock, const Job& job)
+        : companions_(companions), clock_(clock), job_(job), start_(clock()), shown_(start_) {
         double pixels = 0;
         for (const PointFile& file : job.files->all) {
-            if (file.extent.intersects(job.world)) {
-                seen_.push_back({&file, PixelsOf(file)});
-                pixels += seen_.back().pixels;
+            if (const double taken = PixelsOf(file.extent); taken > 0) {
+                seen_.push_back({&file, taken});
+                pixels += taken;
             }
         }
         density_ = std::min(kPointsPerPixel, kMostPoints / std::max(pixels, 1.0));
@@ -110,13 +147,16 @@ class MapPoints::Drawing {
     /// companions on a slow drive take long to be opened.
     PointPicture Draw(bool isThinned, const std::function<void(PointPicture)>& show) {
         const Files& files = *job_.files;
+        // Opening others may close those that are open.
+        std::stable_partition(seen_.begin(), seen_.end(),
+                              [&](const Seen& seen) { return files.open.contains(seen.file->path); });
         PointCanvas canvas(job_.world, job_.pixels, files.low, files.high);
         for (const Seen& seen : seen_) {
             const int thinning = seen.file->thinning < 2 ? kUsualThinning : seen.file->thinning;
             DrawFile(seen, density_ * seen.pixels / (isThinned ? thinning : 1), canvas);
-            if (!hasFirst_ && sinceShown_.elapsed() > kShowEveryMs) {
+            if (!hasFirst_ && clock_() - shown_ > kShowEveryMs) {
                 show({canvas.Image(), job_.world});
-                sinceShown_.start();
+                shown_ = clock_();
             }
         }
         return {canvas.Image(), job_.world};
@@ -124,8 +164,7 @@ class MapPoints::Drawing {
     /// There is some time for the first picture even if there is a later view; else one that moves would show
     /// none.
     bool IsGivenUp() const {
-        return job_.files->isDropped ||
-               (job_.isOutdated && (hasFirst_ || sinceShown_.elapsed() > kShowEveryMs));
+        return job_.files->isDropped || (job_.isOutdated && (hasFirst_ || clock_() - start_ > kShowEveryMs));
     }
     void SetFirstDone() { hasFirst_ = true; }
 
@@ -135,9 +174,10 @@ class MapPoints::Drawing {
         double pixels;  ///< of its part in the view
     };
 
-    double PixelsOf(const PointFile& file) const {
-        const double share = AreaOf(file.extent.intersected(job_.world)) / AreaOf(job_.world);
-        return std::max(1.0, share * job_.pixels.width() * job_.pixels.height());
+    double PixelsOf(const QRectF& extent) const {
+        const QRectF& world = job_.world;
+        return PixelsAlong(extent.left(), extent.right(), world.left(), world.right(), job_.pixels.width()) *
+               PixelsAlong(extent.top(), extent.bottom(), world.top(), world.bottom(), job_.pixels.height());
     }
 
     void DrawFile(const Seen& seen, double mostPoints, PointCanvas& canvas) {
@@ -148,21 +188,45 @@ class MapPoints::Drawing {
         const auto ranges =
             companion->Select({job_.world.left(), job_.world.top(), job_.world.right(), job_.world.bottom()},
                               static_cast<std::uint64_t>(std::max(1.0, mostPoints)));
-        canvas.SetSpacing(std::sqrt(seen.pixels / CountInView(*companion, ranges)));
-        for (const LasPointRange& range : ranges) {
-            DrawRange(*companion, range, canvas);
+        const std::uint64_t count = CountOf(ranges);
+        if (count > kMostHeld) {
+            DrawMany(*companion, ranges, count / kSamples, seen.pixels, canvas);
+        } else {
+            DrawFew(*companion, ranges, seen.pixels, canvas);
         }
     }
 
-    /// Number of the points in the view, at least 1: most may lie beside it. Estimated from samples.
-    double CountInView(const LasCompanion& companion, const std::vector<LasPointRange>& ranges) {
-        std::uint64_t count = 0;
-        for (const LasPointRange& range : ranges) {
-            count += range.count;
-        }
-        const std::uint64_t step = count / kSamples + 1;
-        std::uint64_t before = 0;  // points of the ranges before
+    void DrawFew(const LasCompanion& companion, const std::vector<LasPointRange>& ranges, double pixels,
+                 PointCanvas& canvas) {
         points_.clear();
+        ReadAll(companion, ranges, [] {});
+        canvas.SetSpacing(std::sqrt(pixels / CountInView(1)));
+        canvas.Draw(points_);
+    }
+
+    void DrawMany(const LasCompanion& companion, const std::vector<LasPointRange>& ranges, std::uint64_t step,
+                  double pixels, PointCanvas& canvas) {
+        points_.clear();
+        ReadSamples(companion, ranges, step);
+        canvas.SetSpacing(std::sqrt(pixels / CountInView(step)));
+        points_.clear();
+        ReadAll(companion, ranges, [&] {
+            canvas.Draw(points_);
+            points_.clear();
+        });
+    }
+
+    /// Number of the points in the view, at least 1; one of `step` was read.
+    double CountInView(std::uint64_t step) const {
+        const auto inView = std::ranges::count_if(
+            points_, [this](const LasPoint& point) { return job_.world.contains(point.x, point.y); });
+        return std::max(1.0, static_cast<double>(inView) * static_cast<double>(step));
+    }
+
+    /// Appends one of `step` points of the ranges.
+    void ReadSamples(const LasCompanion& companion, const std::vector<LasPointRange>& ranges,
+                     std::uint64_t step) {
+        std::uint64_t before = 0;  // points of the ranges before
         for (const LasPointRange& range : ranges) {
             for (std::uint64_t i = (step - before % step) % step; i < range.count && !IsGivenUp();
                  i += step) {
@@ -170,55 +234,60 @@ class MapPoints::Drawing {
             }
             before += range.count;
         }
-        const auto inView = std::ranges::count_if(
-            points_, [this](const LasPoint& point) { return job_.world.contains(point.x, point.y); });
-        return std::max(1.0, static_cast<double>(inView) * static_cast<double>(step));
     }
 
-    void DrawRange(const LasCompanion& companion, LasPointRange range, PointCanvas& canvas) {
-        while (range.count > 0 && !IsGivenUp()) {
-            const LasPointRange piece{range.first, std::min(range.count, kPointsPerRead)};
-            points_.clear();
-            if (!companion.Read(piece, points_)) {
-                return;
+    /// Appends the points of the ranges piece by piece; `use` is called after each.
+    void ReadAll(const LasCompanion& companion, const std::vector<LasPointRange>& ranges,
+                 const std::function<void()>& use) {
+        for (LasPointRange range : ranges) {
+            while (range.count > 0 && !IsGivenUp()) {
+                const LasPointRange piece{range.first, std::min(range.count, kPointsPerRead)};
+                if (!companion.Read(piece, points_)) {
+                    return;
+                }
+                use();
+                range = {range.first + piece.count, range.count - piece.count};
             }
-            canvas.Draw(points_);
-            range = {range.first + piece.count, range.count - piece.count};
         }
     }
 
     /// The companion of a file if it is fresh, else null.
     const LasCompanion* Open(const std::wstring& path) {
         Files& files = *job_.files;
-        const auto use = files.uses.find(path);
-        if (use != files.uses.end() && !use->second.isShown) {
+        const auto known = files.known.find(path);
+        if (known != files.known.end() && !known->second.isShown) {
             return nullptr;
         }
         const auto open = files.open.find(path);
         if (open != files.open.end()) {
-            return open->second.get();
+            open->second.used = ++files.uses;
+            return open->second.companion.get();
         }
         if (files.open.size() >= kMostOpen) {
-            files.open.erase(files.open.begin());
+            files.CloseLeastUsed();
         }
         std::wstring reason;
         std::unique_ptr<LasCompanion> companion = companions_.Open(path, reason);
-        files.uses[path] = {companion != nullptr, ToQString(reason)};
-        return companion == nullptr ? nullptr : (files.open[path] = std::move(companion)).get();
+        files.known[path] = {companion != nullptr, ToQString(reason)};
+        return companion == nullptr
+                   ? nullptr
+                   : (files.open[path] = {std::move(companion), ++files.uses}).companion.get();
     }
 
     const LasCompanions& companions_;
+    const Clock& clock_;
     const Job& job_;
     std::vector<Seen> seen_;
     std::vector<LasPoint> points_;
     double density_ = 1;  ///< points for each pixel
     bool hasMany_ = false;
     bool hasFirst_ = false;
-    QElapsedTimer sinceShown_;
+    const std::int64_t start_;
+    std::int64_t shown_;  ///< when the last picture went
 };
 
-MapPoints::MapPoints(const LasCompanions& companions)
-    : link_(std::make_shared<Link>(companions, this)),
+MapPoints::MapPoints(const LasCompanions& companions, Clock clock)
+    : link_(std::make_shared<Link>(companions, std::move(clock), this)),
       pool_(std::make_unique<QThreadPool>()),
       files_(std::make_shared<Files>()) {
     pool_->setMaxThreadCount(1);
@@ -235,6 +304,10 @@ MapPoints::~MapPoints() {
     }
 }
 
+std::int64_t MapPoints::SteadyMilliseconds() {
+    return QDeadlineTimer::current().deadline();
+}
+
 /// Gives up the files and the view.
 void MapPoints::Drop() {
     files_->isDropped = true;
@@ -248,17 +321,20 @@ void MapPoints::SetFiles(std::vector<PointFile> files) {
     files_ = std::make_shared<Files>();
     uses_.clear();
     picture_ = {};
-    const auto isLower = [](const PointFile& a, const PointFile& b) { return a.low < b.low; };
-    const auto isLessHigh = [](const PointFile& a, const PointFile& b) { return a.high < b.high; };
-    if (!files.empty()) {
-        files_->low = std::ranges::min_element(files, isLower)->low;
-        files_->high = std::ranges::max_element(files, isLessHigh)->high;
-    }
     files_->all = std::move(files);
+    files_->FindHeights();
+}
+
+void MapPoints::Close() {
+    const std::shared_ptr<Files> closed = files_;  // pictures on their way hold it, too
+    SetFiles({});
+    if (pool_->waitForDone(kPatienceMs)) {
+        closed->open.clear();
+    }
 }
 
 void MapPoints::Show(const QRectF& world, const QSize& pixels) {
-    if (files_->all.empty() || !(AreaOf(world) > 0) || pixels.isEmpty()) {
+    if (files_->all.empty() || !(world.width() > 0 && world.height() > 0) || pixels.isEmpty()) {
         return;
     }
     if (job_ != nullptr) {
@@ -286,9 +362,9 @@ void MapPoints::Work(const std::shared_ptr<Link>& link) {
 }
 
 void MapPoints::DrawView(Link& link, const std::shared_ptr<Job>& job) {
-    Drawing drawing(link.companions, *job);
+    Drawing drawing(link.companions, link.clock, *job);
     const auto show = [&](PointPicture picture) {
-        link.Deliver({job, std::move(picture), job->files->uses, false});
+        link.Deliver({job, std::move(picture), job->files->known, false});
     };
     for (const bool isThinned : {true, false}) {
         if (isThinned && !drawing.HasMany()) {
@@ -298,7 +374,7 @@ void MapPoints::DrawView(Link& link, const std::shared_ptr<Job>& job) {
         if (drawing.IsGivenUp()) {
             return;
         }
-        link.Deliver({job, std::move(picture), job->files->uses, !isThinned});
+        link.Deliver({job, std::move(picture), job->files->known, !isThinned});
         drawing.SetFirstDone();
     }
 }

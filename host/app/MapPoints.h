@@ -4,6 +4,7 @@
 #include <QRectF>
 #include <QString>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -43,13 +44,20 @@ class MapPoints final : public QObject {
     Q_OBJECT
 
   public:
+    /// Milliseconds since some moment; called on the worker.
+    using Clock = std::function<std::int64_t()>;
+
     /// `companions` must outlive the worker, as the component's do.
-    explicit MapPoints(const LasCompanions& companions = *GetLasCompanions());
+    explicit MapPoints(const LasCompanions& companions = *GetLasCompanions(),
+                       Clock clock = SteadyMilliseconds);
     /// A companion that is being read from a drive that has gone is left to itself after a second.
     ~MapPoints() override;
 
     /// Sets the files; their companions are looked at again.
     void SetFiles(std::vector<PointFile> files);
+    /// Gives up the files and closes their companions, so that these can be replaced. One that is being read
+    /// from a drive that does not answer is waited for a second.
+    void Close();
     /// Draws a view of so many pixels. If there are files, Changed() then comes at least once.
     void Show(const QRectF& world, const QSize& pixels);
 
@@ -71,6 +79,7 @@ class MapPoints final : public QObject {
     struct Link;
     class Drawing;
 
+    static std::int64_t SteadyMilliseconds();
     static void Work(const std::shared_ptr<Link>& link);
     static void DrawView(Link& link, const std::shared_ptr<Job>& job);
     void Take(const Drawn& drawn);

@@ -74,9 +74,13 @@ void MapView::Reload() {
     UpdateThumbnails();
     shapes_.Request(PathsOf(LayerKind::Feature));
     UpdateShapes();
+    ReloadPoints();
+    viewport()->update();
+}
+
+void MapView::ReloadPoints() {
     points_.SetFiles(PointFiles());
     ShowPoints();
-    viewport()->update();
 }
 
 /// Full paths of the files of a kind that are shown.

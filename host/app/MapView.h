@@ -32,6 +32,10 @@ class MapView final : public QGraphicsView {
     void ShowCrs(const std::string& wkt);
     /// Takes what is shown from the project again; nothing is selected then.
     void Reload();
+    /// Closes the companions of LAS files, so that they can be replaced. Until ReloadPoints() the map shows
+    /// the points that it has.
+    void ClosePoints() { points_.Close(); }
+    void ReloadPoints();
     void FitAll();
     /// Fits the selected files; all when none is.
     void FitSelected();

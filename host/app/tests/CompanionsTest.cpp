@@ -8,11 +8,14 @@
 #include <QWidget>
 #include <filesystem>
 
+#include "host/app/CompanionJobs.h"
 #include "host/app/HostText.h"
+#include "host/app/HostWindow.h"
 #include "host/app/MapView.h"
 #include "host/app/RecordIntake.h"
 #include "host/app/SampleLasFile.h"
 #include "host/app/tests/TestRecord.h"
+#include "host/objects/HostClasses.h"
 #include "orvexcommon/LasCompanion.h"
 #include "support/Files.h"
 #include "support/QtText.h"
@@ -45,6 +48,19 @@ class Answer {
   private:
     QTimer timer_;
     bool wasAsked_ = false;
+};
+
+/// The user's stop at one of the times when it is asked for.
+class StopAt final : public Kst::ProgressIf {
+  public:
+    explicit StopAt(int time) : left_(time) {}
+    void SetRange(std::uint64_t) override {}
+    void SetText(const std::wstring&) override {}
+    void SetPosition(std::uint64_t) override {}
+    bool IsCancelled() override { return left_ == 0 || --left_ == 0; }
+
+  private:
+    int left_;
 };
 
 class Companions : public ::testing::Test {
@@ -170,6 +186,48 @@ TEST_F(Companions, AFileWithoutOneIsAddedAllTheSame) {
     ASSERT_EQ(result.news.size(), 1U);
     EXPECT_EQ(result.news[0].heading, Text(text::kCompanionsFailed));
     EXPECT_EQ(folder_.Entries(), 2U) << "nothing is left";
+}
+
+TEST_F(Companions, ThatTheMapShowsAreReplaced) {
+    const PrivateSettings settings(ToPath(folder_.Name(L"settings")));
+    HostPreferences preferences{QString()};
+    HostWindow window(preferences);
+    window.OpenProject(ToQString(folder_.Name(L"project")));
+    const MapView& map = *window.findChild<MapView*>("footprints");
+    const auto take = [&](const std::wstring& name) {
+        Record record;
+        record.lasPyramidType = kPyramidQvr;
+        auto& info = record.AddFile(FromPath(folder_.Path()), name, L"layer");
+        info.name = tile_;
+        info.high = {512120, 120, 350};
+        info.low = {512000, 0, 150};
+        window.TakeRecord(record);
+        EXPECT_EQ(State(), LasCompanionState::Fresh) << ToQString(name).toStdString();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !map.IsLoading(); }, 60000));
+    };
+    take(L"tile.las");
+    WriteTile(1000);
+    folder_.Write(L"tile.laz", "compressed");
+    const Answer replace(text::kCompanionsReplace);
+    take(L"tile.laz");  // from which tile.las was decompressed again
+    EXPECT_TRUE(replace.WasAsked());
+}
+
+TEST_F(Companions, LeaveNothingWhenTheUserStops) {
+    StopAt atOnce(0);
+    EXPECT_TRUE(CheckCompanions({tile_}, atOnce).stopped);
+    StopAt never(-1);
+    EXPECT_FALSE(CheckCompanions({tile_}, never).stopped);
+    bool stopped = true;
+    for (int time = 1; stopped; time *= 2) {
+        StopAt progress(time);
+        const CompanionResult result = BuildCompanions({tile_}, {}, progress);
+        stopped = result.built == 0;
+        EXPECT_TRUE(result.failures.empty());
+        EXPECT_TRUE(result.stopped || !stopped) << time;
+        EXPECT_EQ(folder_.Entries(), stopped ? 1U : 2U) << time;
+        EXPECT_EQ(State(), stopped ? LasCompanionState::None : LasCompanionState::Fresh) << time;
+    }
 }
 
 TEST_F(Companions, ShowTheirPointsOnTheMap) {

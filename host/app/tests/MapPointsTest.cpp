@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <QSignalSpy>
+#include <QSemaphore>
 #include <QTest>
+#include <atomic>
 #include <cmath>
 #include <limits>
 #include <set>
+#include <string>
 
 #include "host/app/PointCanvas.h"
 
@@ -61,7 +63,15 @@ TEST(PointCanvas, ShowsTheHighestPointOfEachPixel) {
 /// 1000 x 1000 points one unit apart from (0, 0) on, in the order of their bits reversed.
 class Lattice final : public LasCompanion {
   public:
-    explicit Lattice(std::uint64_t& asked) : asked_(asked) {}
+    struct Use {
+        std::uint64_t asked = 0;     ///< points that the latest view was drawn with, at most
+        std::uint64_t selected = 0;  ///< points in all, also of the next
+        std::uint64_t read = 0;
+        int open = 0;
+    };
+
+    explicit Lattice(Use& use) : use_(use) { ++use_.open; }
+    ~Lattice() override { --use_.open; }
 
     std::uint64_t PointCount() const override { return kSide * kSide; }
     std::array<double, 3> Minimum() const override { return {0, 0, 0}; }
@@ -69,7 +79,7 @@ class Lattice final : public LasCompanion {
     /// Of every tile of 25 x 25 that meets the extent, as many points.
     std::vector<LasPointRange> Select(const std::array<double, 4>& extent,
                                       std::uint64_t mostPoints) const override {
-        asked_ = mostPoints;
+        use_.asked = mostPoints;
         std::vector<std::uint64_t> tiles;
         for (std::uint64_t tile = 0; tile < kTiles * kTiles; ++tile) {
             const auto [x, y] = CornerOf(tile);
@@ -80,10 +90,12 @@ class Lattice final : public LasCompanion {
         std::vector<LasPointRange> ranges;
         for (const std::uint64_t tile : tiles) {
             ranges.push_back({tile * kPerTile, std::min<std::uint64_t>(kPerTile, mostPoints / tiles.size())});
+            use_.selected += ranges.back().count;
         }
         return ranges;
     }
     bool Read(const LasPointRange& range, std::vector<LasPoint>& points) const override {
+        use_.read += range.count;
         for (std::uint64_t i = range.first; i < range.first + range.count; ++i) {
             const auto [x, y] = CornerOf(i / kPerTile);
             const std::uint64_t place = (i % kPerTile) * 353 % kPerTile;  // spread over the tile
@@ -103,10 +115,10 @@ class Lattice final : public LasCompanion {
         return {static_cast<double>(tile % kTiles * kTile), static_cast<double>(tile / kTiles * kTile)};
     }
 
-    std::uint64_t& asked_;
+    Use& use_;
 };
 
-/// The files "lattice" have one; "stale" has one that is not used; others have none.
+/// Files whose names begin with "lattice" have one; "stale" has one that is not used; others have none.
 class FakeCompanions final : public LasCompanions {
   public:
     LasCompanionStatus Status(const std::wstring&) const override { return {}; }
@@ -116,18 +128,29 @@ class FakeCompanions final : public LasCompanions {
         return {};
     }
     std::unique_ptr<LasCompanion> Open(const std::wstring& path, std::wstring& reason) const override {
+        ++opened;
+        onOpen();
         reason = path == L"stale" ? L"another size" : L"";
-        return path == L"lattice" ? std::make_unique<Lattice>(asked) : nullptr;
+        return path.starts_with(L"lattice") ? std::make_unique<Lattice>(use) : nullptr;
     }
 
-    mutable std::uint64_t asked = 0;  ///< points that the latest view was drawn with, at most
+    mutable Lattice::Use use;
+    mutable int opened = 0;
+    std::function<void()> onOpen = [] {};
 };
 
 struct MapPointsTest : ::testing::Test {
     MapPointsTest() {
-        points.SetFiles({{L"lattice", {0, 0, 1000, 1000}, 0, 1, 20},
-                         {L"stale", {0, 0, 1000, 1000}, 0, 1, 20},
-                         {L"none", {0, 0, 1000, 1000}, 0, 1, 20}});
+        points.SetFiles(
+            {{L"lattice", kAll, 0, 1, 20}, {L"stale", kAll, 0, 1, 20}, {L"none", kAll, 0, 1, 20}});
+    }
+    /// So many files of an extent.
+    void SetLattices(int count, const QRectF& extent) {
+        std::vector<PointFile> files;
+        for (int i = 0; i < count; ++i) {
+            files.push_back({L"lattice" + std::to_wstring(i), extent, 0, 1, 20});
+        }
+        points.SetFiles(std::move(files));
     }
     /// Shows a view and waits until it is complete.
     void Draw(const QRectF& world, const QSize& pixels) {
@@ -135,8 +158,11 @@ struct MapPointsTest : ::testing::Test {
         ASSERT_TRUE(QTest::qWaitFor([this] { return !points.IsLoading(); }, 60000));
     }
 
+    static constexpr QRectF kAll{0, 0, 1000, 1000};
+
     FakeCompanions companions;
-    MapPoints points{companions};
+    std::atomic<std::int64_t> now = 0;  ///< milliseconds
+    MapPoints points{companions, [this] { return now.load(); }};
 };
 
 TEST_F(MapPointsTest, CoversAFileAtEveryZoom) {
@@ -156,11 +182,76 @@ TEST_F(MapPointsTest, CoversAFileAtEveryZoom) {
         const double covered = Filled(points.Picture().image) / 90000.0;
         EXPECT_GE(covered, c.covered) << c.world.left();
         EXPECT_LE(covered, c.most) << c.world.left();
-        EXPECT_LE(companions.asked, 2U * 300 * 300);
+        EXPECT_LE(companions.use.asked, 2U * 300 * 300);
         if (c.most > 0) {
             EXPECT_EQ(points.Picture().world, c.world);
         }
     }
+}
+
+TEST_F(MapPointsTest, ReadsEachPointOfASmallSelectionOnce) {
+    Draw(kAll, {100, 100});
+    EXPECT_GT(companions.use.read, 0U);
+    EXPECT_EQ(companions.use.read, companions.use.selected);
+}
+
+TEST_F(MapPointsTest, DrawsFilesWithoutAnArea) {
+    for (const QRectF& extent : {QRectF(500, 0, 0, 1000), QRectF(0, 500, 1000, 0)}) {
+        points.SetFiles({{L"lattice", extent, 0, 1, 20}});
+        Draw({490, 490, 20, 20}, {300, 300});
+        EXPECT_FALSE(points.Picture().image.isNull());
+        EXPECT_EQ(companions.use.asked, 2U * 300) << "a pixel wide";
+    }
+    points.SetFiles({{L"lattice", {500, 500, 0, 0}, 0, 1, 20}});
+    Draw({490, 490, 20, 20}, {300, 300});
+    EXPECT_EQ(companions.use.asked, 2U) << "a single point";
+}
+
+TEST_F(MapPointsTest, HeightsThatCannotBeChangeNoColour) {
+    Draw({490, 490, 20, 20}, {300, 300});
+    const QImage usual = points.Picture().image;
+    for (const double wrong : {kNaN, -1e300, -std::numeric_limits<double>::infinity()}) {
+        points.SetFiles({{L"none", kAll, wrong, 1, 20}, {L"lattice", kAll, 0, 1, 20}});
+        Draw({490, 490, 20, 20}, {300, 300});
+        EXPECT_TRUE(points.Picture().image == usual) << wrong;
+    }
+}
+
+TEST_F(MapPointsTest, KeepsManyCompanionsOpen) {
+    constexpr int kFiles = 300;
+    SetLattices(kFiles, {0, 0, 20, 20});
+    Draw({0, 0, 20, 20}, {20, 20});
+    EXPECT_GE(companions.opened, kFiles);
+    companions.opened = 0;
+    Draw({1, 1, 20, 20}, {20, 20});
+    EXPECT_LE(companions.opened, 100) << "with few points, then with all";
+    EXPECT_GT(companions.use.open, kFiles / 2);
+    QSemaphore isDrawn;
+    companions.onOpen = [&] { isDrawn.release(); };
+    points.Show({2, 2, 20, 20}, {20, 20});
+    EXPECT_TRUE(isDrawn.tryAcquire(1, 60000));
+    points.Close();
+    EXPECT_EQ(companions.use.open, 0) << "they can be replaced";
+}
+
+TEST_F(MapPointsTest, GivesUpAViewOnASlowDriveForALaterOne) {
+    QSemaphore isDrawn;
+    QSemaphore isOutdated;
+    companions.onOpen = [&] {
+        now += 20;
+        if (companions.opened == 3) {
+            isDrawn.release();
+            EXPECT_TRUE(isOutdated.tryAcquire(1, 60000));
+        }
+    };
+    SetLattices(100, {0, 0, 20, 20});
+    points.Show({0, 0, 20, 20}, {20, 20});
+    EXPECT_TRUE(isDrawn.tryAcquire(1, 60000));
+    points.Show({500, 500, 20, 20}, {20, 20});
+    isOutdated.release();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !points.IsLoading(); }, 60000));
+    EXPECT_LT(companions.opened, 20);
+    EXPECT_EQ(points.Picture().world, QRectF(500, 500, 20, 20));
 }
 
 TEST_F(MapPointsTest, DrawsAViewWithFewPointsFirst) {
