@@ -1,11 +1,14 @@
+#include "support/Drives_linux.h"
+
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
-#include "support/Drives.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -17,7 +20,15 @@ constexpr int kMostLinks = 40;  // as the system itself
 struct Mount {
     std::string folder;
     std::string device;  ///< its numbers
+    bool isLocal;        ///< a disk of this computer that has links
 };
+
+bool IsLocal(const std::string& type) {
+    constexpr std::array<std::string_view, 13> kTypes{"bcachefs", "btrfs", "ext2",  "ext3",    "ext4",
+                                                      "f2fs",     "jfs",   "ntfs3", "overlay", "reiserfs",
+                                                      "tmpfs",    "xfs",   "zfs"};
+    return std::ranges::find(kTypes, type) != kTypes.end();
+}
 
 // The table writes blanks and the like as a backslash and three octal digits.
 std::string WithoutEscapes(const std::string& text) {
@@ -42,34 +53,26 @@ bool IsWithin(const std::string& path, const std::string& folder) {
 
 class Mounts {
   public:
-    Mounts() {
-        std::ifstream table("/proc/self/mountinfo");
+    explicit Mounts(std::istream& table) {
         for (std::string line; std::getline(table, line);) {
             std::istringstream fields(line);
             std::string number, parent, device, root, folder;
             if (fields >> number >> parent >> device >> root >> folder) {
-                mounts_.push_back({WithoutEscapes(folder), device});
+                std::string field, type;
+                while (fields >> field && field != "-") {  // options, of any number
+                }
+                fields >> type;
+                mounts_.push_back({WithoutEscapes(folder), device, IsLocal(type) || folder == "/"});
             }
         }
     }
 
-    std::string DeviceOf(const std::string& path) const {
-        const Mount* deepest = nullptr;
-        for (const Mount& mount : mounts_) {  // the last of those on one folder hides the others
-            if (IsWithin(path, mount.folder) &&
-                (deepest == nullptr || mount.folder.size() >= deepest->folder.size())) {
-                deepest = &mount;
-            }
-        }
-        return deepest == nullptr ? std::string() : deepest->device;
-    }
-
-    // Follows links as long as they are on the drive with the root folder.
+    // Follows links as long as they are on local disks. What is on no drive that is known counts as on one
+    // with all that begins with the same folder.
     std::string DeviceBehind(const fs::path& folder) const {
-        const std::string home = DeviceOf("/");
         fs::path rest = folder;
         for (int links = 0; links <= kMostLinks; ++links) {
-            const auto [link, behind] = FirstLink(rest, home);
+            const auto [link, behind] = FirstLink(rest);
             if (link.empty()) {
                 break;
             }
@@ -77,17 +80,30 @@ class Mounts {
             const fs::path target = fs::read_symlink(link, error);
             rest = ((link.parent_path() / target) / behind).lexically_normal();
         }
-        return DeviceOf(rest.native());
+        const Mount* const mount = MountOf(rest.native());
+        return mount != nullptr ? mount->device : rest.native().substr(0, rest.native().find('/', 1));
     }
 
   private:
-    // The first link on a path, and the path behind it; none on another drive.
-    std::pair<fs::path, fs::path> FirstLink(const fs::path& path, const std::string& home) const {
+    const Mount* MountOf(const std::string& path) const {
+        const Mount* deepest = nullptr;
+        for (const Mount& mount : mounts_) {  // the last of those on one folder hides the others
+            if (IsWithin(path, mount.folder) &&
+                (deepest == nullptr || mount.folder.size() >= deepest->folder.size())) {
+                deepest = &mount;
+            }
+        }
+        return deepest;
+    }
+
+    // The first link on a path, and the path behind it; none on a drive that is not local.
+    std::pair<fs::path, fs::path> FirstLink(const fs::path& path) const {
         fs::path known;
         for (auto part = path.begin(); part != path.end(); ++part) {
             known /= *part;
             std::error_code error;
-            if (DeviceOf(known.native()) != home) {
+            const Mount* const mount = MountOf(known.native());
+            if (mount == nullptr || !mount->isLocal) {
                 return {};
             }
             if (fs::is_symlink(fs::symlink_status(known, error))) {
@@ -104,10 +120,15 @@ class Mounts {
 
 }  // namespace
 
-DriveFinder FindDrivesByName() {
-    return [mounts = Mounts()](const std::wstring& folder) {
+DriveFinder FindDrivesIn(std::istream& mountTable) {
+    return [mounts = Mounts(mountTable)](const std::wstring& folder) {
         return FromUtf8(mounts.DeviceBehind(ToPath(folder)));
     };
+}
+
+DriveFinder FindDrivesByName() {
+    std::ifstream table("/proc/self/mountinfo");
+    return FindDrivesIn(table);
 }
 
 }  // namespace orvex

@@ -231,8 +231,10 @@ TEST(MappedFile, ReadsAndMapsBeyondFourGigabytes) {
     EXPECT_EQ(ByteReader(around).FixedText(0, read), "fab ");
     EXPECT_NE(writer.WriteAt(~std::uint64_t{0}, written), 0);
     EXPECT_NE(writer.Reserve(~std::uint64_t{0}), 0);
+    view = {};
+    file.Close();  // a file that is mapped is not cut on every system
     EXPECT_EQ(writer.Reserve(100), 0);
-    EXPECT_EQ(file.Size(size), 0);
+    EXPECT_EQ(writer.Size(size), 0);
     EXPECT_EQ(size, 100U);
 }
 

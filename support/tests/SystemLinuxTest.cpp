@@ -3,7 +3,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "support/Drives.h"
+#include <sstream>
+
+#include "support/Drives_linux.h"
 #include "support/Environment.h"
 #include "support/MappedFile.h"
 #include "support/Text.h"
@@ -46,17 +48,44 @@ TEST(Drives, AreToldApartWithoutLookingAtThem) {
     EXPECT_EQ(driveOf(L"/processes"), driveOf(L"/")) << "no part of a name";
 }
 
-TEST(Drives, LinksAreFollowedFromTheDriveWithTheRootFolder) {
+TEST(Drives, LinksAreFollowedOnLocalDisksOnly) {
     const testing::TemporaryFolder folder;
-    const DriveFinder driveOf = FindDrivesByName();
-    std::filesystem::create_directory_symlink("/proc/self", ToPath(folder.Name(L"link")));
-    std::filesystem::create_directory_symlink("link/fd", ToPath(folder.Name(L"further")));
+    const std::string here = ToUtf8(folder.Name({}));
+    std::filesystem::create_directory(ToPath(folder.Name(L"home")));
+    std::filesystem::create_directory(ToPath(folder.Name(L"share")));
+    std::filesystem::create_directory_symlink("../share/in", ToPath(folder.Name(L"home/link")));
+    std::filesystem::create_directory_symlink("home/link/deep", ToPath(folder.Name(L"further")));
     std::filesystem::create_directory_symlink("circle", ToPath(folder.Name(L"circle")));
-    const std::wstring here = driveOf(folder.Name({}));
-    const bool isFollowed = here == driveOf(L"/");
-    EXPECT_EQ(driveOf(folder.Name(L"link/task")), isFollowed ? driveOf(L"/proc") : here);
-    EXPECT_EQ(driveOf(folder.Name(L"further/deep")), isFollowed ? driveOf(L"/proc") : here);
-    EXPECT_EQ(driveOf(folder.Name(L"circle/x")), here);
+    std::filesystem::create_directory_symlink("../home", ToPath(folder.Name(L"share/back")));
+    const std::string root = "22 1 8:1 / / rw,relatime shared:1 - ext4 /dev/a rw\n";
+    const std::string rest = "24 22 8:2 / " + here + "home rw shared:2 master:3 - xfs /dev/b rw\n" +
+                             "25 22 0:50 / " + here + "share rw - nfs4 server:/ rw\n";
+    const struct {
+        const char* what;
+        std::string table;
+        const wchar_t *link, *further, *circle, *back;
+    } cases[] = {
+        {"local disks", root + rest, L"0:50", L"0:50", L"8:1", L"0:50"},
+        {"a root of any kind", "22 1 0:9 / / rw - virtiofs root rw\n" + rest, L"0:50", L"0:50", L"0:9",
+         L"0:50"},
+        {"no table: nothing is looked at", "", nullptr, nullptr, nullptr, nullptr},
+    };
+    const std::wstring unknown = folder.Name({}).substr(0, folder.Name({}).find(L'/', 1));
+    for (const auto& c : cases) {
+        std::istringstream table(c.table);
+        const DriveFinder driveOf = FindDrivesIn(table);
+        const std::pair<const wchar_t*, const wchar_t*> folders[] = {{L"home/link/x", c.link},
+                                                                     {L"further/x", c.further},
+                                                                     {L"circle/x", c.circle},
+                                                                     {L"share/back/x", c.back}};
+        for (const auto& [name, drive] : folders) {
+            EXPECT_EQ(driveOf(folder.Name(name)), drive == nullptr ? unknown : drive)
+                << c.what << ToUtf8(name);
+        }
+    }
+    std::istringstream none;
+    std::filesystem::create_directory_symlink("/proc/self", ToPath(folder.Name(L"out")));
+    EXPECT_EQ(FindDrivesIn(none)(folder.Name(L"out/x")), unknown);
 }
 
 TEST(Environment, TheCacheFolderIsNeverTheCurrentOne) {
