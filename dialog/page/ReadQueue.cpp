@@ -10,9 +10,9 @@ constexpr std::size_t kMostReaders = 4;
 // Time for one file from which another thread is worth it: a LAS file on a local drive takes half of it, a
 // raster several times as much.
 constexpr auto kWorthAReader = std::chrono::microseconds(100);
-constexpr std::size_t kMostOverdue = 4;  // calls on a drive; it is not asked further meanwhile
-constexpr std::size_t kMostDrives = 32;
-constexpr std::size_t kMostKept = 256;  // files of a drive that are read ahead of the grid
+constexpr std::size_t kMostOverdue = 4;   // calls on a drive; it is not asked further meanwhile
+constexpr std::size_t kMostThreads = 16;  // of all drives, without those in overdue calls
+constexpr std::size_t kMostKept = 256;    // files of a drive that are read ahead of the grid
 // A window that was busy for longer has not held up anything itself.
 constexpr Clock::duration kLongestStep = std::chrono::milliseconds(50);
 
@@ -28,6 +28,7 @@ struct ReadQueue::Folder {
 
 struct ReadQueue::Drive {
     std::map<Place, Folder*> offered = {};  ///< folders of which files may be claimed, by the first of these
+    std::size_t unclaimed = 0;              ///< files, in all folders
     std::size_t threads = 0;
     std::size_t wanted = 1;   ///< calls at once, without those that are overdue
     std::size_t calls = 0;    ///< that have not returned
@@ -66,8 +67,7 @@ ReadQueue::Folder* ReadQueue::FindFolder(const std::wstring& name) {
 }
 
 ReadQueue::Folder& ReadQueue::AddFolder(const std::wstring& name, const std::wstring& drive) {
-    const bool isOwn = drives_.contains(drive) || drives_.size() + 1 < kMostDrives;
-    std::unique_ptr<Drive>& queue = drives_[isOwn ? drive : std::wstring()];
+    std::unique_ptr<Drive>& queue = drives_[drive];
     if (queue == nullptr) {
         queue = std::make_unique<Drive>();
     }
@@ -81,6 +81,7 @@ void ReadQueue::AddFile(Folder* folder) {
         return;
     }
     folder->unread.push_back(place);
+    ++folder->drive.unclaimed;
     ++unread_;
     if (folder->unread.size() == 1) {
         Offer(*folder);
@@ -111,11 +112,26 @@ bool ReadQueue::CanClaim(const Drive& drive) const {
 }
 
 bool ReadQueue::LacksThread(const Drive& drive) const {
-    return CanClaim(drive) && drive.threads == drive.calls;
+    const bool isAllowed = drive.threads == drive.overdue || threads_ < kMostThreads + overdue_;
+    return isAllowed && CanClaim(drive) && !HasIdleThread(drive);
 }
 
 void ReadQueue::AddThread(Drive& drive) {
     ++drive.threads;
+    ++threads_;
+}
+
+void ReadQueue::RemoveThread(Drive& drive) {
+    --drive.threads;
+    --threads_;
+}
+
+bool ReadQueue::HasIdleThread(const Drive& drive) {
+    return drive.threads > drive.calls;
+}
+
+bool ReadQueue::HasUnclaimed(const Drive& drive) {
+    return drive.unclaimed > 0;
 }
 
 ReadQueue::Call& ReadQueue::Claim(Drive& drive, Clock::time_point now) {
@@ -129,6 +145,7 @@ ReadQueue::Call& ReadQueue::Claim(Drive& drive, Clock::time_point now) {
         Offer(folder);
         files_[place].state = State::Reading;
         ++folder.reading;
+        --drive.unclaimed;
         ++drive.kept;
         call.places.push_back(place);
     }
@@ -173,6 +190,7 @@ void ReadQueue::MarkOverdue(Clock::time_point now) {
         }
         call.isOverdue = true;
         ++call.drive.overdue;
+        ++overdue_;
         for (const Place place : call.places) {
             Folder& folder = *files_[place].folder;
             if (folder.overdue++ == 0 && !folder.unread.empty()) {
@@ -187,6 +205,7 @@ void ReadQueue::EndOverdue(const Call& call) {
         return;
     }
     --call.drive.overdue;
+    --overdue_;
     for (const Place place : call.places) {
         Folder& folder = *files_[place].folder;
         --folder.overdue;
@@ -275,6 +294,7 @@ void ReadQueue::Skip() {
 void ReadQueue::GiveUp(Folder& folder) {
     folder.isSkipped = true;
     unread_ -= folder.unread.size() + folder.reading;
+    folder.drive.unclaimed -= folder.unread.size();
     if (folder.overdue == 0 && !folder.unread.empty()) {
         folder.drive.offered.erase(folder.unread.front());
     }

@@ -50,7 +50,7 @@ class ReadQueue {
     ReadQueue(std::size_t pathsAtOnce, Clock::duration patience);
     ~ReadQueue();
 
-    /// The folder of that name; null before it is added. Drives beyond the 32nd share a queue.
+    /// The folder of that name; null before it is added.
     Folder* FindFolder(const std::wstring& name);
     Folder& AddFolder(const std::wstring& name, const std::wstring& drive);
     /// Adds the next file of the list. Null: it is listed already and not to be read.
@@ -59,9 +59,15 @@ class ReadQueue {
     std::vector<Drive*> Drives();
     /// True if a call may read files of the drive now: there are some, and room for what is found in them.
     bool CanClaim(const Drive& drive) const;
-    /// True if such a call needs a thread more than the drive has.
+    /// True if such a call needs a thread more than the drive has, and may have it: of the threads that are
+    /// not in overdue calls there are 16 in all, but each drive has one in any case.
     bool LacksThread(const Drive& drive) const;
-    static void AddThread(Drive& drive);
+    void AddThread(Drive& drive);
+    void RemoveThread(Drive& drive);
+    /// True if a thread of the drive has no call.
+    static bool HasIdleThread(const Drive& drive);
+    /// True if files of the drive wait for a call, now or later.
+    static bool HasUnclaimed(const Drive& drive);
     /// Begins to read the next files, as many as one call is given. Only if CanClaim. Valid until Return.
     Call& Claim(Drive& drive, Clock::time_point now);
     static const std::vector<Place>& Places(const Call& call);
@@ -109,6 +115,8 @@ class ReadQueue {
     Place next_ = 0;           ///< the first file whose turn has not come
     std::vector<Place> late_;  ///< read since they were taken as awaited
     std::size_t unread_ = 0;
+    std::size_t threads_ = 0;  ///< of all drives
+    std::size_t overdue_ = 0;  ///< calls, of all drives
     Clock::time_point lastTake_{};
 };
 

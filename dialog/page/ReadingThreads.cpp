@@ -66,7 +66,7 @@ std::vector<ReadingThreads::Taken> ReadingThreads::Take() {
     const std::lock_guard guard(lock_);
     std::vector<Taken> taken = queue_.Take(Clock::now());
     Staff();
-    changed_.notify_all();
+    Wake();
     return taken;
 }
 
@@ -167,11 +167,21 @@ void ReadingThreads::Staff() {
         if (queue_.LacksThread(*drive)) {
             try {
                 threads_.emplace_back([this, drive, stop = *stop_] { Read(*drive, stop); });
-                ReadQueue::AddThread(*drive);
+                queue_.AddThread(*drive);
             } catch (const std::system_error&) {
                 return;
             }
         }
+    }
+}
+
+// With the lock held. Only if a thread that waits has something to do: all of them would wake up.
+void ReadingThreads::Wake() {
+    const auto isExpected = [this](const ReadQueue::Drive* drive) {
+        return ReadQueue::HasIdleThread(*drive) && (queue_.CanClaim(*drive) || HasEnded(*drive));
+    };
+    if (std::ranges::any_of(queue_.Drives(), isExpected)) {
+        changed_.notify_all();
     }
 }
 
@@ -190,12 +200,13 @@ void ReadingThreads::Read(ReadQueue::Drive& drive, const std::stop_token& stop) 
     }
 }
 
-// The next files to be read in one call; nullopt when there is nothing left to do.
+// The next files to be read in one call; nullopt when there is nothing left to do, and the thread ends.
 std::optional<ReadingThreads::Work> ReadingThreads::Claim(ReadQueue::Drive& drive,
                                                           const std::stop_token& stop) {
     std::unique_lock guard(lock_);
-    changed_.wait(guard, stop, [&] { return HasEnded() || queue_.CanClaim(drive); });
-    if (HasEnded() || stop.stop_requested()) {
+    changed_.wait(guard, stop, [&] { return HasEnded(drive) || queue_.CanClaim(drive); });
+    if (HasEnded(drive) || stop.stop_requested()) {
+        queue_.RemoveThread(drive);
         return std::nullopt;
     }
     Work work{&queue_.Claim(drive, Clock::now()), {}};

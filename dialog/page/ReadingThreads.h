@@ -76,8 +76,12 @@ class ReadingThreads {
     void Plan(const std::stop_token& stop);
     void AddFile(Place place, std::optional<std::vector<Namesakes>> namesakes);
     void Staff();
+    void Wake();
     void Read(ReadQueue::Drive& drive, const std::stop_token& stop);
     bool HasEnded() const { return closed_ || (isPlanned_ && queue_.Unread() == 0); }
+    bool HasEnded(const ReadQueue::Drive& drive) const {
+        return HasEnded() || (isPlanned_ && !ReadQueue::HasUnclaimed(drive));
+    }
     std::optional<Work> Claim(ReadQueue::Drive& drive, const std::stop_token& stop);
     std::vector<InspectedPtr> Inspect(const Work& work) const;
 

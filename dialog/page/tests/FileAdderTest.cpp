@@ -1,7 +1,3 @@
-#include "dialog/page/FileAdder.h"
-
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <atomic>
 #include <future>
@@ -10,96 +6,19 @@
 #include <thread>
 
 #include "dialog/page/ProjectFiles.h"
+#include "dialog/page/tests/FileAdding.h"
 #include "support/Files.h"
 #include "support/Format.h"
-#include "support/ProgressIf.h"
-#include "support/testing/Scripted.h"
 #include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
 
 using ::testing::ElementsAre;
+using testing::FileAdding;
 using ::testing::IsEmpty;
+using testing::Row;
 using ::testing::SizeIs;
-
-struct Row {
-    std::wstring path;
-    std::wstring note;
-};
-
-// Stops when a condition that the test names holds.
-class ConditionalProgress final : public Kst::ProgressIf {
-  public:
-    std::function<bool()> stopWhen = [] { return false; };
-    std::vector<std::wstring> texts;
-    std::vector<std::uint64_t> positions;
-    std::uint64_t total = 0;
-    void SetRange(std::uint64_t range) override { total = range; }
-    void SetText(const std::wstring& text) override { texts.push_back(text); }
-    void SetPosition(std::uint64_t done) override { positions.push_back(done); }
-    bool IsCancelled() override { return stopWhen(); }
-};
-
-class FileAdding : public ::testing::Test {
-  protected:
-    std::vector<std::wstring> Files(int count) {
-        std::vector<std::wstring> paths;
-        paths.reserve(static_cast<std::size_t>(count));
-        for (int i = 0; i < count; ++i) {
-            paths.push_back(L"/data/" + std::to_wstring(i) + L".las");
-        }
-        return paths;
-    }
-
-    AddingSummary Add(AddingRequest request) {
-        return Add(FileReader<Row>(inspect, Failed), std::move(request));
-    }
-    AddingSummary Add(const FileReader<Row>& reader, AddingRequest request) {
-        FileReader<Row>::Rows listing;
-        listing.append = [this](std::vector<Row> batch) {
-            batchSizes.push_back(batch.size());
-            std::move(batch.begin(), batch.end(), std::back_inserter(rows));
-            shown();
-        };
-        listing.replace = [this](auto read) {
-            for (auto& [row, record] : read) {
-                rows.at(row) = std::move(record);
-            }
-            shown();
-        };
-        listing.remove = [this](const std::vector<std::size_t>& gone) {
-            for (auto row = gone.rbegin(); row != gone.rend(); ++row) {
-                rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(*row));
-            }
-        };
-        listing.tellAwaited = [this](std::size_t files) { awaited.push_back(files); };
-        listing.mustSkip = [this] { return mustSkip(); };
-        return reader.Add(description, std::move(request), listing, prompts, progress);
-    }
-
-    static Row Failed(const std::wstring& path, const std::wstring& message) { return {path, message}; }
-
-    std::vector<std::wstring> Paths() const {
-        std::vector<std::wstring> paths;
-        std::ranges::transform(rows, std::back_inserter(paths), &Row::path);
-        return paths;
-    }
-
-    AddingDescription description{text::kLasReadingProgress, text::kLasManyFilesQuestion,
-                                  text::kLasManyFilesCaption, 10, nullptr};
-    std::function<Row(const std::wstring&)> inspect = [](const std::wstring& path) {
-        return Row{path, L"ok"};
-    };
-    ConditionalProgress progress;
-    testing::ScriptedPrompts prompts;
-    std::vector<Row> rows;
-    std::vector<std::size_t> batchSizes;
-    std::vector<std::size_t> awaited;     ///< numbers that were told
-    std::function<void()> shown = [] {};  ///< after a change of the rows
-    std::function<bool()> mustSkip = [] { return false; };
-    std::atomic<bool> seen_ = false;
-};
 
 TEST_F(FileAdding, ASlowFileKeepsItsPlaceWhileOthersAreRead) {
     description.confirmText = {};
@@ -273,107 +192,6 @@ TEST_F(FileAdding, AnErrorOfTheGridEndsTheRun) {
     shown = [] { throw std::runtime_error("grid"); };
     EXPECT_THROW(Add(reader, {Files(2000), {}, 100}), std::runtime_error);
 }
-
-/// Files of a folder that answers when the test lets it, and others; every call that does not return at once
-/// is overdue.
-class DeadFolder : public FileAdding {
-  protected:
-    DeadFolder() {
-        description.confirmText = {};
-        inspect = [open = gate_.get_future().share(), asked = isAsked_](const std::wstring& path) {
-            if (FolderOf(path) == L"/dead") {
-                *asked = true;
-                open.wait();
-            }
-            return Row{path, L"ok"};
-        };
-        for (int i = 0; i < 300; ++i) {
-            for (const wchar_t* folder : {L"/dead/", L"/live/"}) {
-                paths_.push_back(folder + std::to_wstring(i) + L".las");
-            }
-        }
-    }
-    void Open() {
-        if (!std::exchange(isOpen_, true)) {
-            gate_.set_value();
-        }
-    }
-    /// True when all files have rows, and those of the folder that answers are read.
-    bool AreOthersRead() const {
-        return rows.size() == paths_.size() && std::ranges::all_of(rows, [](const Row& row) {
-                   return FolderOf(row.path) == L"/dead" || row.note == L"ok";
-               });
-    }
-
-    std::vector<std::wstring> paths_;
-    /// The folder is being read. Of threads that outlive a test too.
-    std::shared_ptr<std::atomic<bool>> isAsked_ = std::make_shared<std::atomic<bool>>(false);
-
-  private:
-    std::promise<void> gate_;
-    bool isOpen_ = false;
-};
-
-/// The names of the drives that the two folders are on.
-class DeadDrive : public DeadFolder,
-                  public ::testing::WithParamInterface<std::pair<std::wstring, std::wstring>> {
-  protected:
-    AddingRequest Request() const {
-        const auto driveOf = [drives = GetParam()](const std::wstring& folder) {
-            return folder == L"/dead" ? drives.first : drives.second;
-        };
-        return {.paths = paths_, .listed = {}, .drives = {.driveOf = driveOf, .patience = {}}};
-    }
-};
-
-TEST_P(DeadDrive, HoldsUpOnlyItsOwnRowsWhichAreFilledInTheirPlace) {
-    const std::wstring twin = L"/dead/7.LAS";  // neither is there: one file
-    paths_.push_back(twin);
-    std::vector<std::wstring> waiting;
-    shown = [&] {
-        if (waiting.empty() && AreOthersRead()) {
-            std::ranges::transform(rows, std::back_inserter(waiting), &Row::note);
-            Open();
-        }
-    };
-    const AddingSummary summary = Add(Request());
-    EXPECT_THAT(waiting, ::testing::Contains(FormatText(Text(text::kWaitingFor), {L"/dead"})).Times(301));
-    paths_.pop_back();
-    EXPECT_EQ(Paths(), paths_);
-    EXPECT_THAT(rows, ::testing::Each(::testing::Field(&Row::note, L"ok")));
-    EXPECT_EQ(summary.added, 600U);
-    EXPECT_EQ(summary.skipped, 1U);
-    EXPECT_THAT(summary.unread, IsEmpty());
-    EXPECT_EQ(awaited.back(), 0U);
-}
-
-TEST_P(DeadDrive, IsSkippedAndItsFilesAreLeft) {
-    mustSkip = [this] { return AreOthersRead(); };
-    const AddingSummary summary = Add(Request());
-    EXPECT_FALSE(summary.stopped);
-    EXPECT_EQ(summary.abandonedPath, L"");
-    const auto isDead = [](const std::wstring& path) { return FolderOf(path) == L"/dead"; };
-    std::vector<std::wstring> live = paths_;
-    std::erase_if(live, isDead);
-    EXPECT_EQ(Paths(), live);
-    std::erase_if(paths_, std::not_fn(isDead));
-    EXPECT_EQ(summary.unread, paths_);
-    EXPECT_EQ(awaited.back(), 0U);
-    Open();
-}
-
-TEST_P(DeadDrive, IsLeftByEscapeWithItsFiles) {
-    progress.stopWhen = [this] { return *isAsked_ && AreOthersRead(); };
-    const AddingSummary summary = Add(Request());
-    EXPECT_TRUE(summary.stopped);
-    EXPECT_EQ(FolderOf(summary.abandonedPath), L"/dead");
-    EXPECT_THAT(rows, ::testing::AllOf(SizeIs(300), ::testing::Each(::testing::Field(&Row::note, L"ok"))));
-    EXPECT_THAT(summary.unread, SizeIs(300));
-    Open();
-}
-
-INSTANTIATE_TEST_SUITE_P(FileAdding, DeadDrive,
-                         ::testing::Values(std::pair(L"dead", L"live"), std::pair(L"disk", L"disk")));
 
 /// Reads files several in a call, of which those throw that have one of a path.
 class BatchReading : public FileAdding {

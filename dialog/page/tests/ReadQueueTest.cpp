@@ -160,15 +160,77 @@ TEST_F(ReadQueues, TheRestIsTakenWithGaps) {
     EXPECT_EQ(queue.FirstInWork(), 0U);
 }
 
-TEST_F(ReadQueues, HaveSoManyDrives) {
-    for (wchar_t drive = L'a'; drive < L'a' + 100; ++drive) {
+TEST_F(ReadQueues, ADeadDriveAmongManyIsSkippedAlone) {
+    constexpr std::size_t kOthers = 99;
+    for (wchar_t drive = L'a'; drive < static_cast<wchar_t>(L'a' + kOthers); ++drive) {
         Add({drive, L'1'});
     }
-    EXPECT_EQ(queue.Drives().size(), 32U);
-    for (std::size_t drive = 0; drive < 32; ++drive) {
+    for (const wchar_t* folder : {L"A1", L"A2", L"A3", L"A4", L"A5"}) {
+        Add(folder);
+    }
+    for (int i = 0; i < 4; ++i) {
+        Take();
+        Claim(0);
+    }
+    Take(kPatience);
+    queue.Skip();
+    EXPECT_EQ(queue.Unread(), kOthers);
+    for (std::size_t drive = 0; drive < queue.Drives().size(); ++drive) {
         ReadAll(drive);
     }
     EXPECT_EQ(queue.Unread(), 0U);
+}
+
+TEST_F(ReadQueues, ThreadsAreLimitedInAllButEachDriveHasOneThatIsNotOverdue) {
+    const auto staff = [this] {
+        std::size_t threads = 0;
+        for (ReadQueue::Drive* const drive : queue.Drives()) {
+            for (; queue.LacksThread(*drive); ++threads) {
+                queue.AddThread(*drive);
+                queue.Claim(*drive, now);
+            }
+        }
+        return threads;
+    };
+    for (int drive = 0; drive < 20; ++drive) {
+        for (const wchar_t* folder : {L"1", L"2", L"3", L"4", L"5", L"6", L"7", L"8"}) {
+            Add(static_cast<wchar_t>(L'A' + drive) + std::wstring(folder));
+        }
+    }
+    for (int i = 0; i < 3; ++i) {
+        Take();
+    }
+    for (const std::size_t others : {16, 12, 8, 4}) {
+        EXPECT_EQ(staff(), 16U + others) << "four drives have four more, the others one";
+        EXPECT_EQ(staff(), 0U);
+        Take(kPatience);
+    }
+    EXPECT_EQ(staff(), 0U) << "four are overdue on each";
+}
+
+TEST_F(ReadQueues, ThreadsOfADriveWithNothingLeftToClaimMakeRoomForOthers) {
+    Add(L"A1", 40);
+    Add(L"B1", 40);
+    for (int i = 0; i < 3; ++i) {
+        Take();
+    }
+    for (int i = 0; i < 15; ++i) {
+        queue.AddThread(Drive(0));
+    }
+    queue.AddThread(Drive(1));
+    ReadQueue::Call& only = Claim(1);
+    EXPECT_TRUE(ReadQueue::HasIdleThread(Drive(0)));
+    EXPECT_FALSE(ReadQueue::HasIdleThread(Drive(1)));
+    EXPECT_FALSE(queue.LacksThread(Drive(1)));
+    ReadAll(0);
+    EXPECT_FALSE(ReadQueue::HasUnclaimed(Drive(0)));
+    EXPECT_TRUE(ReadQueue::HasUnclaimed(Drive(1)));
+    queue.RemoveThread(Drive(0));
+    EXPECT_TRUE(queue.LacksThread(Drive(1)));
+    Take(kPatience);
+    queue.Skip();
+    EXPECT_FALSE(ReadQueue::HasUnclaimed(Drive(1))) << "skipped";
+    Return(only);
 }
 
 }  // namespace
