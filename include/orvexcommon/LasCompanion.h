@@ -34,7 +34,7 @@ struct LasCompanionStatus {
 struct LasCompanionOptions {
     /// Thinning factor, 2 to 256: a greater one makes the index smaller and coarser.
     std::uint16_t factor = 10;
-    std::uint64_t memory = 512ULL << 20U;  ///< bytes that building may use, whatever the file's size
+    std::uint64_t memory = 512ULL << 20U;  ///< bytes that building may use; a plan tells what it needs
     unsigned threads = 0;                  ///< 0: one for each processor
     bool replaceExisting = false;          ///< a companion that exists, fresh or not, is replaced
 };

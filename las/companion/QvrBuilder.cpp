@@ -210,8 +210,8 @@ QvrPlan PlanQvr(const std::wstring& source, const QvrSettings& settings) {
     if (IsSameFile(plan.source, plan.target) || EqualNoCase(plan.source, plan.target)) {
         throw LDataError(FormatText(Text(text::kQvrIsCompanion), {source}));
     }
-    RequireWritable(plan.target);
     const QvrSource file(source);
+    RequireWritable(plan.target);
     const QvrSettings settled = Settled(settings);
     const QvrSizes sizes = QvrSizes::For(file.Points(), file.RecordLength(), settled);
     plan.points = file.Points();

@@ -99,7 +99,8 @@ void QvrSizes::AddUp(std::uint64_t points) {
     memoryBytes = threads * std::max(distributed, ordered) + KeptBytes(points) + (isInMemory ? stored : 0);
     // Of a bucket, one block of every thread and one of its order are not full. A place that many points
     // share is a bucket of its own.
-    const std::uint64_t notFull = (threads + 2) * (FinalBuckets(points) + BucketsFor(points));
+    const std::uint64_t all = FinalBuckets(points);
+    const std::uint64_t notFull = (threads + 2) * (all + (all > mostBuckets ? mostBuckets : 0));
     temporaryBytes = isInMemory ? 0 : stored + notFull * BlockBytes();
 }
 
