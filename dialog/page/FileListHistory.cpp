@@ -80,7 +80,7 @@ void FileListPage::BeforeRemoval(std::span<const std::size_t> records) {
 
 void FileListPage::Cleared() {
     unread_.clear();
-    KeepUnread(0, {});
+    KeepUnread({}, {});
 }
 
 void FileListPage::Release() {
@@ -104,10 +104,10 @@ void FileListPage::Restore(const ListChange& change) {
         placeOf.emplace(path, place);
     }
     const std::size_t before = RowCount();
-    AddingRequest request = RequestFor(std::move(paths));
+    AddingRequest request = RequestFor(paths);
     request.asksAtMany = false;
     const AddingSummary summary = ReadFiles(std::move(request));
-    KeepUnread(summary.offered, summary.unread);
+    KeepUnread(paths, summary);
     std::vector<std::size_t> places;  // of those that were read, in the order of the change
     for (std::size_t record = before; record < RowCount(); ++record) {
         places.push_back(placeOf.at(PathOf(record)));

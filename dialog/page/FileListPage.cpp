@@ -4,6 +4,8 @@
 #include <QDropEvent>
 #include <QMimeData>
 #include <algorithm>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 #include "dialog/DialogProgress.h"
@@ -130,7 +132,7 @@ void FileListPage::AddFound(std::vector<std::wstring> paths, bool recursive) {
     }
     outcome_.clear();
     if (!found.stopped && !found.files.empty()) {
-        AddFiles(std::move(found.files));
+        AddFiles(found.files);
     }
     if (!others.empty() && unread_.empty()) {
         offers_->Offer(*this, others);
@@ -143,9 +145,9 @@ ScanResult FileListPage::Search(ScanRequest request) {
     return ScanPathsWithProgress(std::move(request), Text(description_.scanProgress), Progress());
 }
 
-void FileListPage::AddFiles(std::vector<std::wstring> paths) {
-    const AddingSummary summary = ReadNew(RequestFor(std::move(paths)));
-    KeepUnread(summary.offered, summary.unread);
+void FileListPage::AddFiles(const std::vector<std::wstring>& paths) {
+    const AddingSummary summary = ReadNew(RequestFor(paths));
+    KeepUnread(paths, summary);
     TellOutcome(summary);
 }
 
@@ -154,8 +156,7 @@ void FileListPage::ContinueReading() {
         AddingRequest request = RequestFor(unread_);
         request.asksAtMany = false;
         const AddingSummary summary = ReadNew(std::move(request));
-        unread_.clear();  // only now: a run that threw can be continued as well
-        KeepUnread(0, summary.unread);
+        KeepUnread(std::vector(unread_), summary);  // only now: a run that threw can be continued as well
         TellOutcome(summary);
     }
 }
@@ -177,14 +178,31 @@ void FileListPage::TellOutcome(const AddingSummary& summary) {
     }
 }
 
-void FileListPage::KeepUnread(std::size_t asked, const std::vector<std::wstring>& unread) {
-    askedFor_ += unread.empty() ? 0 : asked;
-    unread_.insert(unread_.end(), unread.begin(), unread.end());
+/// How many files were read again if not all were, and which of them did not answer.
+void FileListPage::TellRereading(const AddingSummary& summary) {
+    if (!summary.unread.empty()) {
+        const std::size_t read = summary.offered - summary.unread.size();
+        std::wstring text = FormatText(Text(text::kListStopped), {read, summary.offered});
+        text += summary.abandonedPath.empty() ? std::wstring() : L": " + summary.abandonedPath;
+        Progress().SetOutcome(text);
+    }
+}
+
+/// `asked`: the files of the run, some of which an earlier one may have left.
+void FileListPage::KeepUnread(const std::vector<std::wstring>& asked, const AddingSummary& summary) {
+    const std::unordered_set<std::wstring_view> known(asked.begin(), asked.end());
+    const std::size_t left = std::erase_if(unread_, [&](const auto& path) { return known.contains(path); });
+    if (left > 0) {
+        readBeside_ += summary.added;
+    } else if (!summary.unread.empty()) {
+        readBeside_ += summary.offered - summary.unread.size();
+    }
+    unread_.insert(unread_.end(), summary.unread.begin(), summary.unread.end());
     if (unread_.empty()) {
-        askedFor_ = 0;
+        readBeside_ = 0;
         Status().ClearStopped();
     } else {
-        Status().SetStopped(askedFor_ - unread_.size(), askedFor_);
+        Status().SetStopped(readBeside_, readBeside_ + unread_.size());
     }
 }
 
@@ -261,13 +279,20 @@ AddingReview FileListPage::Review() const {
 }
 
 void FileListPage::ReadAgain() {
-    const DialogProgress::Run run(Progress());
-    const bool isNew = RereadRows();
-    DoLateWork();
-    if (isNew) {
-        FitColumns();  // what is new may need a wider column
+    Rereading rereading;
+    try {
+        const DialogProgress::Run run(Progress());
+        rereading = RereadRows();
+        DoLateWork();
+        if (rereading.isNew) {
+            FitColumns();  // what is new may need a wider column
+        }
+        Update();
+    } catch (...) {
+        TellAwaited(0);
+        throw;
     }
-    Update();
+    TellRereading(rereading.summary);
 }
 
 bool FileListPage::Accepts(const std::wstring& path) const {

@@ -78,9 +78,13 @@ class FileListPage : public ListPage {
     virtual AddingSummary AddRows(AddingRequest request, const std::function<void()>& appended) = 0;
     /// Removes the rows of files that are not read yet, after a run that failed.
     virtual void RemoveAwaited() = 0;
-    /// Inspects the files of all rows again, the last one first, which Escape may stop. True when a row has
-    /// something new to say. Within a run.
-    virtual bool RereadRows() = 0;
+    struct Rereading {
+        AddingSummary summary;
+        bool isNew = false;  ///< a row has something new to say
+    };
+    /// Inspects the files of all rows again, the last one first, which Escape may stop: rows of files that
+    /// are not read stay as they are. Within a run.
+    virtual Rereading RereadRows() = 0;
     virtual std::size_t RowCount() const = 0;
     virtual const ListRows& Rows() const = 0;
     virtual const std::wstring& PathOf(std::size_t record) const = 0;
@@ -116,16 +120,17 @@ class FileListPage : public ListPage {
 
     void AddFound(std::vector<std::wstring> paths, bool recursive);
     ScanResult Search(ScanRequest request);
-    void AddFiles(std::vector<std::wstring> paths);
+    void AddFiles(const std::vector<std::wstring>& paths);
     void ContinueReading();
     void TellOutcome(const AddingSummary& summary);
+    void TellRereading(const AddingSummary& summary);
     /// Reads files and appends their rows, as a change of its own or as part of one.
     AddingSummary ReadNew(AddingRequest request);
     AddingSummary ReadFiles(AddingRequest request);
     void RecordAdded(std::size_t first);
     void FilesAdded(bool wasEmpty);
     void DoLateWork();
-    void KeepUnread(std::size_t asked, const std::vector<std::wstring>& unread);
+    void KeepUnread(const std::vector<std::wstring>& asked, const AddingSummary& summary);
 
     void MakeHistoryActions();
     QAction* AddHistoryAction(StringId caption, const QList<QKeySequence>& keys);
@@ -146,7 +151,7 @@ class FileListPage : public ListPage {
     QAction* undo_ = nullptr;
     QAction* redo_ = nullptr;
     std::vector<std::wstring> unread_;  ///< that runs which were stopped have not looked at
-    std::size_t askedFor_ = 0;          ///< files of those runs, read or not
+    std::size_t readBeside_ = 0;        ///< files that those runs have read, or found listed
     bool mustSkip_ = false;
 };
 
@@ -232,7 +237,7 @@ class TypedFileListPage : public FileListPage {
         model_->Remove(std::move(records));
     }
 
-    bool RereadRows() override {
+    Rereading RereadRows() override {
         AddingRequest request;
         request.drives = Services().drives;
         for (auto row = model_->Rows().rbegin(); row != model_->Rows().rend(); ++row) {
@@ -241,8 +246,9 @@ class TypedFileListPage : public FileListPage {
         std::vector<Row> fresh;
         AddingDescription again;
         again.progressText = Description().refreshProgress;
-        reader_.Add(again, std::move(request), RowsIn(fresh), Services().prompts, Progress());
-        return TakeFresh(std::move(fresh));
+        AddingSummary summary =
+            reader_.Add(again, std::move(request), RowsIn(fresh), Services().prompts, Progress());
+        return {std::move(summary), TakeFresh(std::move(fresh))};
     }
 
   private:

@@ -21,6 +21,7 @@
 #include <QToolButton>
 #include <QWhatsThis>
 #include <algorithm>
+#include <atomic>
 #include <fstream>
 #include <functional>
 #include <future>
@@ -528,7 +529,7 @@ TEST_P(FilePage, ProgressIsShownAndEscapeKeepsWhatWasAdded) {
         << "once for each list, and the failure";
 }
 
-/// A folder on a drive of its own that answers when the test lets it; nothing else is waited for.
+/// A folder on a drive of its own that answers while the test lets it; nothing else is waited for.
 class DeadDrive {
   public:
     explicit DeadDrive(std::wstring folder) : folder_(std::move(folder)) {}
@@ -543,26 +544,25 @@ class DeadDrive {
         return {.driveOf = [](const std::wstring& folder) { return folder; },
                 .patience = {},
                 .reach =
-                    [drive = folder_, open = gate_.get_future().share(),
+                    [drive = folder_, &isSilent = isSilent_,
                      last = std::shared_ptr<void>(nullptr, [this](void*) { last_.set_value(); })](
                         const std::wstring& path) {
                         if (FolderOf(path) == drive) {
-                            open.wait();
+                            isSilent.wait(true);
                         }
                     }};
     }
     void Answer() {
-        if (!std::exchange(isOpen_, true)) {
-            gate_.set_value();
-        }
+        isSilent_ = false;
+        isSilent_.notify_all();
     }
+    void FallSilent() { isSilent_ = true; }
 
   private:
     const std::wstring folder_;
-    std::promise<void> gate_;
+    std::atomic<bool> isSilent_ = true;  ///< outlives those that have waited
     std::promise<void> last_;
     std::future<void> gone_ = last_.get_future();
-    bool isOpen_ = false;
 };
 
 TEST_P(FilePage, ADriveThatDoesNotAnswerHoldsUpItsOwnRowsAndCanBeSkipped) {
@@ -577,44 +577,78 @@ TEST_P(FilePage, ADriveThatDoesNotAnswerHoldsUpItsOwnRowsAndCanBeSkipped) {
     auto& rows = dynamic_cast<ListRows&>(Model());
     const auto* errors = Find("statusErrors");
     std::vector<std::wstring> shown;
-    const auto whenOthersAreRead = [&](const std::function<void()>& act) {
-        const auto isAwaited = [&](std::size_t record) {
-            return rows.Traits(record).flag == LoadFlag::Awaited;
-        };
-        if (shown.empty() && rows.Count() == 3 && isAwaited(0) && !isAwaited(1) && isAwaited(2) &&
-            Find("statusSkip")->isVisible()) {
+    const auto awaited = [&] {
+        std::vector<std::size_t> records;
+        for (std::size_t record = 0; record < rows.Count(); ++record) {
+            if (rows.Traits(record).flag == LoadFlag::Awaited) {
+                records.push_back(record);
+            }
+        }
+        return records;
+    };
+    // `records`: those that are awaited in the list, which files that are read again are not.
+    const auto whenOthersAreRead = [&](std::size_t records, const std::function<void()>& act) {
+        if (shown.empty() && rows.Count() == 3 && awaited().size() == records &&
+            Find("statusSkip")->isVisible() &&
+            ToWide(Find<QLabel>("statusAwaited")->text()) == FormatText(Text(text::kListWaiting), {2})) {
             shown = Names();
-            EXPECT_THAT(rows.CellText(0, SummaryColumn()), ::testing::HasSubstr(waiting));
-            EXPECT_EQ(ToWide(Find<QLabel>("statusAwaited")->text()),
-                      FormatText(Text(text::kListWaiting), {2}));
+            for (const std::size_t record : awaited()) {
+                EXPECT_THAT(rows.CellText(record, SummaryColumn()), ::testing::HasSubstr(waiting));
+            }
             EXPECT_FALSE(errors->isVisible()) << "nothing is wrong with them";
             act();
         }
     };
     const std::vector<std::wstring> all{NameOf(L"a"), NameOf(L"b"), NameOf(L"c")};
+    const std::vector<std::wstring> bFirst{NameOf(L"b"), NameOf(L"a"), NameOf(L"c")};
+    const std::function<void()> skip = [&] { Click("statusSkip"); };
+    const std::function<void()> pick = [&] { Pick({a, b, c}); };
+    const std::function<void()> refresh = [&] { Click(GetParam().refresh); };
     QTimer timer;
     timer.start(1);
-    const auto run = [&](const std::function<void()>& start, const std::function<void()>& act) {
+    const auto run = [&](const std::function<void()>& start, std::size_t records,
+                         const std::function<void()>& act, const std::vector<std::wstring>& names) {
         shown.clear();
-        const auto tick = QObject::connect(&timer, &QTimer::timeout, [&] { whenOthersAreRead(act); });
+        const auto tick =
+            QObject::connect(&timer, &QTimer::timeout, [&] { whenOthersAreRead(records, act); });
         start();
         QObject::disconnect(tick);
-        EXPECT_EQ(shown, all);
+        EXPECT_EQ(shown, names);
         EXPECT_FALSE(Find("statusSkip")->isVisible());
     };
-    run([&] { Pick({a, b, c}); }, [&] { Click("statusSkip"); });
-    EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"b")));
-    EXPECT_TRUE(Find("statusContinue")->isVisible()) << "the others can be read later";
-    EXPECT_EQ(ToWide(Find<QLabel>("statusStopped")->text()), FormatText(Text(text::kListStopped), {1, 3}));
+    const std::wstring stopped = FormatText(Text(text::kListStopped), {1, 3});
+    for (const auto& names : {all, bFirst}) {  // the second time b is listed already
+        run(pick, 2, skip, names);
+        EXPECT_THAT(Names(), ::testing::ElementsAre(NameOf(L"b")));
+        EXPECT_TRUE(Find("statusContinue")->isVisible()) << "the others can be read later";
+        EXPECT_EQ(ToWide(Find<QLabel>("statusStopped")->text()), stopped);
+    }
     EXPECT_THAT(prompts.shown, ::testing::IsEmpty());
+    run(
+        pick, 2, [&] { drive.Answer(); }, bFirst);
+    EXPECT_FALSE(Find("statusContinue")->isVisible()) << "they have been read";
     Click(GetParam().clear);
-    run([&] { Pick({a, b, c}); }, [&] { drive.Answer(); });
+    drive.FallSilent();
+    run(
+        pick, 2, [&] { drive.Answer(); }, all);
     EXPECT_EQ(Names(), all);
-    Click(GetParam().refresh == 0 ? GetParam().detailColumns : GetParam().refresh);
+    refresh();
+    drive.FallSilent();
+    run(refresh, 0, skip, all);
+    EXPECT_EQ(Outcome(), stopped);
+    QMetaObject::Connection failing;
+    const auto fail = [&] {
+        failing = QObject::connect(dialog->findChild<QProgressBar*>(QStringLiteral("progress")),
+                                   &QProgressBar::valueChanged, [] { throw std::bad_alloc(); });
+        drive.Answer();
+    };
+    run(refresh, 0, fail, all);
+    QObject::disconnect(failing);
+    EXPECT_THAT(prompts.shown, ::testing::SizeIs(1));
     EXPECT_EQ(Names(), all);
+    EXPECT_THAT(awaited(), ::testing::IsEmpty());
     for (std::size_t record = 0; record < rows.Count(); ++record) {
         EXPECT_FALSE(rows.Traits(record).hasErrors) << record;
-        EXPECT_NE(rows.Traits(record).flag, LoadFlag::Awaited);
     }
     Close();
 }

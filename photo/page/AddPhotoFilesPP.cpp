@@ -139,11 +139,11 @@ AddingSummary AddPhotoFilesPP::AddRows(AddingRequest request, const std::functio
     return summary;
 }
 
-bool AddPhotoFilesPP::RereadRows() {
+AddPhotoFilesPP::Rereading AddPhotoFilesPP::RereadRows() {
     preview_->Forget();
-    const bool isNew = TypedFileListPage::RereadRows();
+    Rereading rereading = TypedFileListPage::RereadRows();
     TellIfNoneWasRead();
-    return isNew;
+    return rereading;
 }
 
 void AddPhotoFilesPP::TellIfNoneWasRead() const {

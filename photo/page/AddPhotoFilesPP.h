@@ -15,7 +15,7 @@ class AddPhotoFilesPP final : public TypedFileListPage<PhotoRow> {
 
   protected:
     AddingSummary AddRows(AddingRequest request, const std::function<void()>& appended) override;
-    bool RereadRows() override;
+    Rereading RereadRows() override;
     std::vector<std::function<void()>> LateWork() const override;
     void RowsChanged() override;
     DetailsContent Details(std::span<const std::size_t> records) const override;

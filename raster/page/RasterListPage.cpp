@@ -50,7 +50,7 @@ AddingSummary RasterListPage::AddRows(AddingRequest request, const std::function
     return TypedFileListPage::AddRows(std::move(request), appended);
 }
 
-bool RasterListPage::RereadRows() {
+RasterListPage::Rereading RasterListPage::RereadRows() {
     hasReportedException_ = false;
     return TypedFileListPage::RereadRows();
 }

@@ -18,7 +18,7 @@ class RasterListPage : public TypedFileListPage<RasterRow> {
 
     DetailsContent Details(std::span<const std::size_t> records) const override;
     AddingSummary AddRows(AddingRequest request, const std::function<void()>& appended) override;
-    bool RereadRows() override;
+    Rereading RereadRows() override;
     void RowsRead(std::size_t first) override;
     std::vector<std::function<void()>> LateWork() const override;
 
