@@ -99,9 +99,9 @@ TEST_F(ForeignRasterTest, OddAnswersAreUnderstoodAndNoObjectIsLeft) {
         {L"plain",
          kHostOk,
          true,
-         {300, 200, 0.25, 0.5, L"metre", "LOCAL_CS[\"\xC3\x9C\"]", 0, 1, 1, 3, 8, 2, extent}},
-        {L"odd", kHostOk, true, {300, 200, 0.25, 0, L"", "", 0, 99, -7, 0, 8, 2, {}}},
-        {L"bare", kHostOk, false, {300, 200, 0, 0, L"", "", 0, -1, -1, 0, 0, 0, {}}},
+         {300, 200, 0.25, 0.5, L"metre", std::string("LOCAL_CS[\"\xC3\x9C\"]"), 0, 1, 1, 3, 8, 2, extent}},
+        {L"odd", kHostOk, true, {300, 200, 0.25, 0, L"", std::string(), 0, 99, -7, 0, 8, 2, {}}},
+        {L"bare", kHostOk, false, {300, 200, 0, 0, L"", std::string(), 0, -1, -1, 0, 0, 0, {}}},
         {L"no size", kHostFail, false, {}},
         {L"fails", static_cast<std::int32_t>(E_ACCESSDENIED), false, {}},
     };
