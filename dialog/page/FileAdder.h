@@ -206,6 +206,7 @@ void FileReader<Record>::AddRows(adding::Steps& steps, const Rows& rows) const {
     };
     steps.replace = [&rows](const std::vector<adding::Replacement>& read) {
         std::vector<std::pair<std::size_t, Record>> records;
+        records.reserve(read.size());
         for (const adding::Replacement& one : read) {
             records.emplace_back(one.row, std::move(In(one.record)));
         }
