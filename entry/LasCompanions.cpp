@@ -24,6 +24,8 @@ LasCompanionState StateOf(CompanionState state) {
             return LasCompanionState::Fresh;
         case CompanionState::Stale:
             return LasCompanionState::Stale;
+        case CompanionState::OfOther:
+            return LasCompanionState::OfOther;
         default:
             return LasCompanionState::Unreadable;
     }
@@ -34,6 +36,7 @@ QvrSettings SettingsOf(const LasCompanionOptions& options) {
     settings.factor = options.factor;
     settings.memory = options.memory;
     settings.threads = options.threads;
+    settings.replaceExisting = options.replaceExisting;
     return settings;
 }
 
@@ -61,8 +64,9 @@ class OpenCompanion final : public LasCompanion {
         const std::uint64_t first = std::min(range.first, count);
         const std::uint64_t end = first + std::min(range.count, count - first);
         try {
-            for (std::uint64_t next = first; next < end; next += kPointsPerRead) {
-                ReadPiece({next, std::min(kPointsPerRead, end - next)}, points);
+            const std::uint64_t most = file_->PointsPerRead();
+            for (std::uint64_t next = first; next < end; next += most) {
+                ReadPiece({next, std::min(most, end - next)}, points);
             }
             return true;
         } catch (...) {
@@ -71,8 +75,6 @@ class OpenCompanion final : public LasCompanion {
     }
 
   private:
-    static constexpr std::uint64_t kPointsPerRead = 16384;
-
     void ReadPiece(const PointRange& piece, std::vector<LasPoint>& points) const {
         const std::size_t length = file_->RecordLength();
         std::vector<std::byte> records(length * piece.count);
@@ -116,16 +118,13 @@ class Companions final : public LasCompanions {
         return Guarded(
             [&]() -> LasCompanionPlan {
                 const QvrPlan plan = PlanQvr(lasPath, SettingsOf(options));
-                LasCompanionPlan result{plan.source,         plan.target,      plan.points, plan.targetBytes,
-                                        plan.temporaryBytes, plan.memoryBytes, {}};
-                if (!options.replaceExisting && FileExists(plan.target)) {
-                    result.problem = FormatText(Text(text::kCompanionExists), {plan.target});
-                }
-                return result;
+                return {plan.source,         plan.target,      plan.points, plan.targetBytes,
+                        plan.temporaryBytes, plan.memoryBytes, {}};
             },
             [&](const std::wstring& reason) {
                 LasCompanionPlan result;
                 result.source = lasPath;
+                result.target = QvrPathOf(lasPath);
                 result.problem = reason;
                 return result;
             });

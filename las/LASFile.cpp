@@ -85,6 +85,7 @@ bool LASFile::BuildCompanion(const std::wstring& fileName, const LasConstruction
     try {
         QvrSettings settings;
         settings.factor = options.factor;
+        settings.replaceExisting = true;
         return BuildQvr(PlanQvr(fileName, settings), settings, progress);
     } catch (...) {
         throw LDataError(FormatText(

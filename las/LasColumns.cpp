@@ -100,6 +100,7 @@ GridCell Companion(const LasRow& row) {
         case CompanionStatus::QvrFile:
             return Text(row.companion == CompanionState::Stale        ? text::kIndexQvrStale
                         : row.companion == CompanionState::Unreadable ? text::kIndexQvrUnreadable
+                        : row.companion == CompanionState::OfOther    ? text::kIndexQvrOther
                                                                       : text::kIndexQvr);
         case CompanionStatus::IndexRecord:
         case CompanionStatus::ExtendedRecord:

@@ -81,6 +81,8 @@ void ReadCompanionState(LasRow& row) {
         row.findings.push_back({MakeFinding(las_finding::kQvrStale, {facts.reason})});
     } else if (facts.state == CompanionState::Unreadable) {
         row.findings.push_back({MakeFinding(las_finding::kQvrUnreadable, {facts.reason})});
+    } else if (facts.state == CompanionState::OfOther) {
+        row.findings.push_back({FindingInWords(las_finding::kQvrOfOther, facts.reason)});
     }
 }
 

@@ -65,6 +65,7 @@ inline constexpr FindingKind kDateImpossible{"creation-date-impossible", Note, t
 inline constexpr FindingKind kNoCrs{"no-crs", Note, text::kFileWithoutCrs};
 inline constexpr FindingKind kQvrStale{"companion-stale", Warning, text::kLasQvrStale};
 inline constexpr FindingKind kQvrUnreadable{"companion-unreadable", Warning, text::kLasQvrUnreadable};
+inline constexpr FindingKind kQvrOfOther{"companion-of-other-file", Warning, StringId{}};  // a whole sentence
 inline constexpr FindingKind kCrsUnreadable{"crs-unreadable", Warning, text::kCrsUnreadable};
 }  // namespace las_finding
 

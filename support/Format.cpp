@@ -207,4 +207,11 @@ std::wstring UtcTimeText(std::int64_t milliseconds) {
                        static_cast<unsigned>(date.day()), clock.hours().count(), clock.minutes().count()});
 }
 
+std::wstring UtcSecondText(std::int64_t milliseconds) {
+    using namespace std::chrono;
+    const std::chrono::milliseconds time(milliseconds);
+    const auto second = floor<seconds>(time) - floor<minutes>(time);
+    return UtcTimeText(milliseconds) + FormatText(L":%02d", {second.count()});
+}
+
 }  // namespace orvex

@@ -43,5 +43,7 @@ std::wstring GroupedNumber(std::uint64_t number);
 
 /// "2024-05-17 09:30": a time in milliseconds since 1970-01-01 UTC, to the minute, in UTC.
 std::wstring UtcTimeText(std::int64_t milliseconds);
+/// The same to the second: "2024-05-17 09:30:07".
+std::wstring UtcSecondText(std::int64_t milliseconds);
 
 }  // namespace orvex

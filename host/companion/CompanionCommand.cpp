@@ -51,11 +51,9 @@ CompanionPair PairOf(const std::wstring& file) {
         return {file, QvrPathOf(file)};
     }
     CompanionPair pair{{}, file};
-    for (const wchar_t* extension : {L".las", L".laz", L".LAS", L".LAZ"}) {
-        const std::wstring source = WithExtension(file, extension);
+    for (const std::wstring& source : SourcesBeside(file)) {
         // Of two files the companion is that of the one which it was built from.
-        if (FileExists(source) &&
-            (pair.source.empty() || CheckCompanion(source).state == CompanionState::Fresh)) {
+        if (pair.source.empty() || CheckCompanion(source).state == CompanionState::Fresh) {
             pair.source = source;
         }
     }
@@ -116,14 +114,16 @@ class Runner {
         if (facts.state != CompanionState::None && !options_.overwrite) {
             return Fail(FormatText(Text(text::kCompanionIsThere), {qvr, StateText(facts)}));
         }
-        const QvrPlan plan = PlanQvr(file, options_.settings);
+        QvrSettings settings = options_.settings;
+        settings.replaceExisting = options_.overwrite;
+        const QvrPlan plan = PlanQvr(file, settings);
         constexpr double kMegabyte = 1e-6;
         Say(text::kCompanionPlan, {file, plan.points, static_cast<double>(plan.targetBytes) * kMegabyte,
                                    static_cast<double>(plan.temporaryBytes) * kMegabyte,
                                    static_cast<double>(plan.memoryBytes) * kMegabyte});
         const auto start = std::chrono::steady_clock::now();
         TerminalProgress progress(streams_);
-        if (BuildQvr(plan, options_.settings, progress)) {
+        if (BuildQvr(plan, settings, progress)) {
             const double seconds =
                 std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
             Say(text::kCompanionBuilt,
@@ -150,7 +150,7 @@ class Runner {
         RequireCompanion(pair);
         const CompanionFacts facts =
             pair.source.empty() ? CompanionFacts{CompanionState::Fresh, {}} : CheckCompanion(pair.source);
-        if (facts.state == CompanionState::Unreadable) {
+        if (facts.state == CompanionState::Unreadable || facts.state == CompanionState::OfOther) {
             return Fail(facts.reason);
         }
         const auto qvr = QvrFile::Open(pair.qvr);
@@ -207,6 +207,11 @@ class Runner {
         }
         if (picture.image.isNull()) {
             return Fail(FormatText(Text(text::kCompanionNothingToDraw), {pair.qvr}));
+        }
+        for (const std::wstring& input : {pair.source, pair.qvr}) {
+            if (IsSameFile(picture.path, input)) {
+                return Fail(FormatText(Text(text::kCompanionOverInput), {input}));
+            }
         }
         SavePicture(picture.image, picture.path);
         WriteLine(streams_.out, WithoutControls(picture.words));

@@ -23,6 +23,7 @@ enum class LasCompanionState {
     Fresh,       ///< the companion was built from the file as it is
     Stale,       ///< the file has been changed or replaced since
     Unreadable,  ///< the companion, or the file itself, cannot be read, or is damaged
+    OfOther,     ///< it fits the file of the same name in the other format: tile.las beside tile.laz
 };
 
 struct LasCompanionStatus {
@@ -32,19 +33,22 @@ struct LasCompanionStatus {
 };
 
 struct LasCompanionOptions {
-    /// Thinning factor, 2 to 256: a greater one makes the index smaller and coarser.
+    /// Thinning factor: a greater one makes the index smaller and coarser. The dialog gives 2 to 256; any
+    /// number is taken, 0 as 1.
     std::uint16_t factor = 10;
     std::uint64_t memory = 512ULL << 20U;  ///< bytes that building may use; a plan tells what it needs
     unsigned threads = 0;                  ///< 0: one for each processor
-    bool replaceExisting = false;          ///< a companion that exists, fresh or not, is replaced
+    /// A file at the companion's path, whatever it is, is replaced. Otherwise it makes planning fail, and
+    /// building as well if it appears while that goes on.
+    bool replaceExisting = false;
 };
 
 /// Space that building a companion takes.
 struct LasCompanionPlan {
-    std::wstring source;               ///< full path of the LAS or LAZ file
-    std::wstring target;               ///< full path of its companion
+    std::wstring source;               ///< path of the LAS or LAZ file as it was given
+    std::wstring target;               ///< path of its companion, in the same folder
     std::uint64_t points = 0;          ///< of the source
-    std::uint64_t targetBytes = 0;     ///< size of the companion
+    std::uint64_t targetBytes = 0;     ///< size of the companion, at most
     std::uint64_t temporaryBytes = 0;  ///< beside the companion, until it is complete
     std::uint64_t memoryBytes = 0;
     std::wstring problem;  ///< why it cannot be built, in plain words; empty if it can
@@ -54,7 +58,7 @@ enum class LasCompanionEnd { Built, Cancelled, Failed };
 
 struct LasCompanionResult {
     LasCompanionEnd end = LasCompanionEnd::Failed;
-    std::wstring reason;  ///< of a failure, with the name of the file; else empty
+    std::wstring reason;  ///< of a failure, for the user; else empty
 };
 
 /// Points that follow each other in a companion.
@@ -99,8 +103,8 @@ class LasCompanions {
     /// Reads the header of the file and looks at the space on the disk; writes nothing.
     virtual LasCompanionPlan Plan(const std::wstring& lasPath, const LasCompanionOptions& options) const = 0;
     /// Builds a companion under a temporary name, renamed when complete. Cancelled or failed, it leaves what
-    /// was there. `progress` is called on the thread of the call; its range and position count steps of equal
-    /// work.
+    /// was there. `progress` is called on the thread of the call; it gets one range, in which the position
+    /// only grows, and a text for each phase.
     virtual LasCompanionResult Build(const LasCompanionPlan& plan, const LasCompanionOptions& options,
                                      Kst::ProgressIf& progress) const = 0;
     /// Opens the companion of a file. Null with a reason for the user unless it is fresh.

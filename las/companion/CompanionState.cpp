@@ -40,7 +40,7 @@ void CompareTime(Differences& differences, const QvrIndex& index, const std::wst
     // Unsigned, because a damaged time may be as far away as numbers go.
     const auto apart = static_cast<std::uint64_t>(now) - static_cast<std::uint64_t>(then);
     if (apart + kTolerance > 2 * kTolerance) {
-        differences.Add(FormatText(Text(text::kQvrTimeDiffers), {UtcTimeText(then), UtcTimeText(now)}));
+        differences.Add(FormatText(Text(text::kQvrTimeDiffers), {UtcSecondText(then), UtcSecondText(now)}));
     }
 }
 
@@ -68,15 +68,39 @@ std::wstring DifferencesOf(const QvrHead& head, const std::wstring& source) {
     differences.AddIfOther(text::kQvrSizeDiffers, head.index.sourceSize, FileSizeOf(source).value_or(0));
     CompareTime(differences, head.index, source);
     differences.AddIfOther(text::kQvrCountDiffers, head.index.sourcePoints, now.PointCount());
-    if (then.Minimum() != now.Minimum() || then.Maximum() != now.Maximum()) {
-        differences.Add(Text(text::kQvrExtentDiffers));
-    } else if (head.index.sourceHeaderHash != QvrHeaderHash(start)) {
-        differences.Add(Text(text::kQvrHeaderDiffers));
+    // The hash first: an extent that is no number differs from itself.
+    if (head.index.sourceHeaderHash != QvrHeaderHash(start)) {
+        const bool isExtent = then.Minimum() != now.Minimum() || then.Maximum() != now.Maximum();
+        differences.Add(Text(isExtent ? text::kQvrExtentDiffers : text::kQvrHeaderDiffers));
     }
     return differences.All();
 }
 
+/// The other file that a companion was built from as it is; empty if there is none.
+std::wstring OwnerOf(const QvrHead& head, const std::wstring& companion, const std::wstring& notThis) {
+    for (const std::wstring& file : SourcesBeside(companion)) {
+        try {
+            if (!IsSameFile(file, notThis) && DifferencesOf(head, file).empty()) {
+                return file;
+            }
+        } catch (const LDataError&) {
+            continue;  // a file that cannot be read claims nothing
+        }
+    }
+    return {};
+}
+
 }  // namespace
+
+std::vector<std::wstring> SourcesBeside(const std::wstring& companion) {
+    std::vector<std::wstring> sources;
+    for (const wchar_t* extension : {L".las", L".laz", L".LAS", L".LAZ"}) {
+        if (std::wstring source = WithExtension(companion, extension); FileExists(source)) {
+            sources.push_back(std::move(source));
+        }
+    }
+    return sources;
+}
 
 CompanionFacts CheckCompanion(const std::wstring& source) {
     const std::wstring companion = QvrPathOf(source);
@@ -84,9 +108,15 @@ CompanionFacts CheckCompanion(const std::wstring& source) {
         return {};
     }
     try {
-        std::wstring differences = DifferencesOf(ReadQvrHead(companion), source);
-        const CompanionState state = differences.empty() ? CompanionState::Fresh : CompanionState::Stale;
-        return {state, std::move(differences)};
+        const QvrHead head = ReadQvrHead(companion);
+        std::wstring differences = DifferencesOf(head, source);
+        if (differences.empty()) {
+            return {CompanionState::Fresh, {}};
+        }
+        if (const std::wstring owner = OwnerOf(head, companion, source); !owner.empty()) {
+            return {CompanionState::OfOther, FormatText(Text(text::kQvrOfOther), {FileNameOf(owner)})};
+        }
+        return {CompanionState::Stale, std::move(differences)};
     } catch (...) {
         return {CompanionState::Unreadable, CurrentExceptionText()};
     }

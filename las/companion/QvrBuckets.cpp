@@ -199,7 +199,7 @@ std::vector<QvrBucket> QvrBuckets::ReadLas() {
 QvrBuckets::Extent QvrBuckets::DistributeLas(Distribution& distribution) {
     const std::uint64_t perRead = sizes_.readBytes / sizes_.form.recordLength;
     QvrPool<std::vector<std::byte>> buffers;
-    work_.Begin(FormatText(Text(text::kQvrReading), {FileNameOf(source_.Path())}), source_.Points());
+    work_.Begin(QvrPhase::Reading, source_.Path(), source_.Points());
     work_.Run(DivideUp(source_.Points(), perRead), [&](std::uint64_t read) {
         const std::uint64_t first = read * perRead;
         const std::uint64_t count = std::min(perRead, source_.Points() - first);
@@ -231,7 +231,7 @@ void QvrBuckets::AddLazPoints(Distribution& distribution) {
         distribution.Add(records, first);
         return !work_.IsStopped();
     };
-    work_.Begin(FormatText(Text(text::kQvrReading), {FileNameOf(source_.Path())}), 2 * source_.Points());
+    work_.Begin(QvrPhase::Reading, source_.Path(), 2 * source_.Points());
     work_.Run(1, [&](std::uint64_t) {
         std::wstring reason;
         if (!OrvexUtilities::LAZReadPoints(source_.Path(), sizes_.threads, add, reason) && !reason.empty()) {

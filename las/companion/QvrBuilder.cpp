@@ -72,9 +72,9 @@ class Build {
         index.isRandom = sizes_.form.isRandom;
         index.box = points.Box();
         QvrOrdering ordering(points, std::move(buckets), sizes_, store_, work_);
-        work_.Begin(Line(text::kQvrOrdering), source_.Points());
+        work_.Begin(QvrPhase::Ordering, plan_.source, source_.Points());
         ordering.Run(index.MostPerEntry());
-        work_.Begin(Line(text::kQvrWriting), source_.Points());
+        work_.Begin(QvrPhase::Writing, plan_.source, source_.Points());
         WriteHead(index, ordering.Entries());
         WritePoints(ordering);
         WritePieces(EvlrsAt(), source_.KeptEvlrs());
@@ -83,8 +83,6 @@ class Build {
     }
 
   private:
-    std::wstring Line(StringId text) const { return FormatText(Text(text), {FileNameOf(plan_.source)}); }
-
     void WriteHead(QvrIndex& index, const std::vector<QvrEntry>& entries) {
         const std::uint64_t ownBytes = OwnRecordBytes(entries.size());
         pointsAt_ = source_.KeptHeadBytes() + ownBytes;
@@ -153,7 +151,17 @@ class Build {
         work_.Run(1, [&](std::uint64_t) { Require(file_.Sync()); });
         file_.Close();
         QvrFile::Open(output_.Path());  // throws if what was written is no companion
-        Require(output_.Commit());
+        Require(settings_.replaceExisting ? output_.Commit() : CommitNew());
+    }
+
+    /// A file that has appeared at the target meanwhile stays.
+    SystemError CommitNew() {
+        bool isTaken = false;
+        const SystemError error = output_.CommitTo(plan_.target, isTaken);
+        if (isTaken) {
+            throw LDataError(FormatText(Text(text::kCompanionExists), {plan_.target}));
+        }
+        return error;
     }
 
     void Require(SystemError error) const { orvex::Require(plan_.target, error); }
@@ -200,17 +208,15 @@ std::wstring QvrPathOf(const std::wstring& source) {
     return WithExtension(source, L".qvr");
 }
 
-std::wstring QvrFailureText(const std::wstring& source, const std::wstring& reason) {
-    return L"Failed to create qvr file for " + source + L"." + L" Please try increasing thinning factor. \n" +
-           L"Reason: " + reason;
-}
-
 QvrPlan PlanQvr(const std::wstring& source, const QvrSettings& settings) {
     QvrPlan plan{source, settings.target.empty() ? QvrPathOf(source) : settings.target};
     if (IsSameFile(plan.source, plan.target) || EqualNoCase(plan.source, plan.target)) {
         throw LDataError(FormatText(Text(text::kQvrIsCompanion), {source}));
     }
     const QvrSource file(source);
+    if (!settings.replaceExisting && FileExists(plan.target)) {
+        throw LDataError(FormatText(Text(text::kCompanionExists), {plan.target}));
+    }
     RequireWritable(plan.target);
     const QvrSettings settled = Settled(settings);
     const QvrSizes sizes = QvrSizes::For(file.Points(), file.RecordLength(), settled);
@@ -231,8 +237,6 @@ bool BuildQvr(const QvrPlan& plan, const QvrSettings& settings, Kst::ProgressIf&
         return true;
     } catch (const QvrCancelled&) {
         return false;
-    } catch (...) {
-        throw LDataError(QvrFailureText(plan.source, CurrentExceptionText()));
     }
 }
 

@@ -17,7 +17,8 @@ struct QvrSettings {
     /// Representatives at random, else the first in the file; nullopt: at random unless the marker file
     /// exists.
     std::optional<bool> randomOrder;
-    std::wstring target;  ///< empty: QvrPathOf the source
+    std::wstring target;           ///< empty: QvrPathOf the source
+    bool replaceExisting = false;  ///< otherwise a file at the target is an error, also one that appears late
 };
 
 /// Needs of a companion, before anything is written.
@@ -33,17 +34,15 @@ struct QvrPlan {
 /// Path of a file's companion: beside it, with the extension "qvr".
 std::wstring QvrPathOf(const std::wstring& source);
 
-/// The message when a companion cannot be built.
-std::wstring QvrFailureText(const std::wstring& source, const std::wstring& reason);
-
 /// Plans the companion of a LAS or LAZ file. Throws LDataError if the source cannot be read or is not
-/// complete, if the target cannot be written, or if the drive has not enough space.
+/// complete, if a file at the target is not to be replaced or cannot be, or if the drive has not enough
+/// space.
 QvrPlan PlanQvr(const std::wstring& source, const QvrSettings& settings = {});
 
 /// Builds a planned companion, under a temporary name until it is complete; progress is called from this
-/// thread only. The file is the same for every number of threads and every amount of memory. Returns false if
-/// cancelled. Throws LDataError with QvrFailureText. After a cancellation and a failure, what was at
-/// the target is still there and nothing else.
+/// thread only, with one range for all phases. The file is the same for every number of threads and every
+/// amount of memory. Returns false if cancelled. Throws LDataError. After a cancellation and a failure, what
+/// was at the target is still there and nothing else.
 bool BuildQvr(const QvrPlan& plan, const QvrSettings& settings, Kst::ProgressIf& progress);
 
 }  // namespace orvex

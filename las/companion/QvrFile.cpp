@@ -275,6 +275,11 @@ std::vector<PointRange> QvrFile::Select(const LasExtent& view, std::uint64_t mos
     return selected;
 }
 
+std::uint64_t QvrFile::PointsPerRead() const {
+    constexpr std::uint64_t kReadBytes = std::uint64_t{1} << 20U;
+    return kReadBytes / RecordLength();
+}
+
 void QvrFile::Read(PointRange points, std::span<std::byte> records) const {
     std::size_t read = 0;
     const std::uint64_t offset = Header().OffsetToPoints() + points.first * RecordLength();

@@ -61,6 +61,8 @@ class QvrFile {
     static constexpr std::uint64_t kMostBeside = 8;
     std::vector<PointRange> Select(const LasExtent& view, std::uint64_t mostPoints) const;
 
+    /// Points whose records take up to a megabyte, at least one: a record can have 64 kB.
+    std::uint64_t PointsPerRead() const;
     /// Reads the records of points below PointCount() into a buffer of their size. Throws LDataError.
     void Read(PointRange points, std::span<std::byte> records) const;
     /// X, Y, Z of a point record.

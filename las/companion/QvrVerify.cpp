@@ -51,12 +51,11 @@ class PointVerifier {
     /// False once the user has asked to stop.
     bool VerifyEntry(std::size_t number) {
         const QvrEntry& entry = qvr_.Entries()[number];
-        const std::uint64_t most = std::max<std::uint64_t>(kBlock / qvr_.RecordLength(), 1);
         for (std::uint64_t done = 0; done < entry.count;) {
             if (progress_.IsCancelled()) {
                 return false;
             }
-            const PointRange part{entry.first + done, std::min(most, entry.count - done)};
+            const PointRange part{entry.first + done, std::min(qvr_.PointsPerRead(), entry.count - done)};
             progress_.SetPosition(part.first);
             records_.resize(part.count * qvr_.RecordLength());
             qvr_.Read(part, records_);

@@ -4,13 +4,28 @@
 #include <chrono>
 #include <system_error>
 
-namespace orvex {
+#include "support/Files.h"
+#include "support/Format.h"
+#include "support/Text.h"
 
-void QvrWork::Begin(const std::wstring& text, std::uint64_t total) {
+namespace orvex {
+namespace {
+
+constexpr StringId kPhaseTexts[] = {text::kQvrReading, text::kQvrOrdering, text::kQvrWriting};
+constexpr std::uint64_t kStepsPerPhase = 1000;
+
+}  // namespace
+
+QvrWork::QvrWork(unsigned threads, Kst::ProgressIf& progress) : threads_(threads), progress_(progress) {
+    progress_.SetRange(std::size(kPhaseTexts) * kStepsPerPhase);
+}
+
+void QvrWork::Begin(QvrPhase phase, const std::wstring& file, std::uint64_t total) {
+    const auto index = static_cast<std::size_t>(phase);
     done_ = 0;
     total_ = total;
-    progress_.SetText(text);
-    progress_.SetRange(total);
+    before_ = index * kStepsPerPhase;
+    progress_.SetText(FormatText(Text(kPhaseTexts[index]), {FileNameOf(file)}));
 }
 
 void QvrWork::Run(std::uint64_t count, const std::function<void(std::uint64_t)>& task) {
@@ -79,7 +94,9 @@ void QvrWork::WaitForThreads() {
 
 void QvrWork::Report() {
     // Points that have to be distributed once more count again.
-    progress_.SetPosition(std::min<std::uint64_t>(done_, total_));
+    const double share = total_ == 0 ? 1 : static_cast<double>(done_) / static_cast<double>(total_);
+    told_ = std::max(told_, before_ + static_cast<std::uint64_t>(std::min(share, 1.0) * kStepsPerPhase));
+    progress_.SetPosition(told_);
     if (!cancelled_ && progress_.IsCancelled()) {
         cancelled_ = true;
         stopped_ = true;

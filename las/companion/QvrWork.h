@@ -15,18 +15,21 @@ namespace orvex {
 /// What QvrWork::Run throws when the user has stopped.
 struct QvrCancelled {};
 
+/// Phases of building a companion, each a third of its progress.
+enum class QvrPhase { Reading, Ordering, Writing };
+
 /// Tasks on several threads, while the calling thread reports their progress and asks for cancellation.
 class QvrWork {
   public:
-    QvrWork(unsigned threads, Kst::ProgressIf& progress) : threads_(threads), progress_(progress) {}
+    QvrWork(unsigned threads, Kst::ProgressIf& progress);
 
     unsigned Threads() const { return threads_; }
-    /// Starts a step of `total` points.
-    void Begin(const std::wstring& text, std::uint64_t total);
+    /// Starts a phase of `total` points, or starts it again; `file` names what is built.
+    void Begin(QvrPhase phase, const std::wstring& file, std::uint64_t total);
     /// Calls `task` for the numbers from 0 to `count` - 1, each once, on the threads. Throws what the first
     /// failed task threw, or QvrCancelled, when all threads are back.
     void Run(std::uint64_t count, const std::function<void(std::uint64_t)>& task);
-    /// Reports points of the step as done; any thread.
+    /// Reports points of the phase as done; any thread.
     void Done(std::uint64_t points) { done_ += points; }
     /// True if tasks should end early; any thread.
     bool IsStopped() const { return stopped_; }
@@ -39,6 +42,8 @@ class QvrWork {
 
     const unsigned threads_;
     Kst::ProgressIf& progress_;
+    std::uint64_t before_ = 0;  // progress of earlier phases
+    std::uint64_t told_ = 0;
     std::uint64_t total_ = 0;
     std::atomic<std::uint64_t> done_ = 0;
     std::atomic<std::uint64_t> next_ = 0;

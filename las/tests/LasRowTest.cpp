@@ -253,6 +253,13 @@ TEST_F(LasRowTest, ShowsWhetherItsCompanionBelongsToIt) {
     EXPECT_THAT(ToUtf8(stale.summary), HasSubstr("the size was 367 bytes and is 368"));
     EXPECT_FALSE(HasErrors(stale));
 
+    const std::wstring twin = folder_.Write(L"a.laz", LasBuilder(las).AddPoints(1).Build());
+    testing::WriteQvrBeside(twin);
+    const LasRow other = InspectLasFile(path);
+    EXPECT_EQ(Shown(other, "companion"), Text(text::kIndexQvrOther));
+    EXPECT_STREQ(other.findings.front().code, "companion-of-other-file");
+    EXPECT_THAT(ToUtf8(other.summary), HasSubstr("is that of 'a.laz'"));
+
     folder_.Write(L"a.qvr", "companion");
     const LasRow unreadable = InspectLasFile(path);
     EXPECT_EQ(Shown(unreadable, "companion"), Text(text::kIndexQvrUnreadable));

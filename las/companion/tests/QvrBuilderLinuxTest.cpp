@@ -19,6 +19,7 @@ TEST(QvrBuilder, FullDriveLeavesWhatWasThere) {
     for (const std::uint64_t memory : {std::uint64_t{64} << 20U, std::uint64_t{64} << 10U}) {
         QvrSettings settings;
         settings.memory = memory;
+        settings.replaceExisting = true;
         Kst::NullProgress progress;
         const QvrPlan plan = PlanQvr(path, settings);
         const testing::FileSizeLimit full(10000);
@@ -26,7 +27,6 @@ TEST(QvrBuilder, FullDriveLeavesWhatWasThere) {
             BuildQvr(plan, settings, progress);
             ADD_FAILURE() << "written beyond the limit";
         } catch (const LDataError& error) {
-            EXPECT_TRUE(error.Text().starts_with(L"Failed to create qvr file for " + path));
             EXPECT_TRUE(error.Text().ends_with(SystemErrorText(EFBIG)));
         }
         EXPECT_EQ(testing::ReadFile(folder.Name(L"a.qvr")), "old");

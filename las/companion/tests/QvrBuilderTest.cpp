@@ -13,6 +13,7 @@
 #include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
+#include "support/testing/Scripted.h"
 
 namespace orvex {
 namespace {
@@ -32,6 +33,7 @@ QvrSettings With(unsigned threads, std::uint64_t memory, bool isRandom = true) {
     settings.memory = memory;
     settings.randomOrder = isRandom;
     settings.factor = 1;
+    settings.replaceExisting = true;
     return settings;
 }
 
@@ -410,15 +412,31 @@ TEST(QvrBuilder, RefusesWhatItCannotRead) {
     EXPECT_EQ(folder.Entries(), 2U);
 }
 
-/// Changes the source in one phase.
+/// Counts ranges and looks whether the position goes back.
+class Forward final : public testing::RecordingProgress {
+  public:
+    void SetRange(std::uint64_t range) override {
+        ++ranges;
+        RecordingProgress::SetRange(range);
+    }
+    void SetPosition(std::uint64_t done) override {
+        isForward = isForward && done >= position;
+        RecordingProgress::SetPosition(done);
+    }
+
+    std::size_t ranges = 0;
+    bool isForward = true;
+};
+
+/// Changes something when a phase begins.
 class ChangeAt final : public Kst::ProgressIf {
   public:
-    ChangeAt(StringId text, const std::wstring& path)
-        : text_(FormatText(Text(text), {L"a.las"})), path_(path) {}
+    ChangeAt(StringId text, std::function<void()> change)
+        : text_(FormatText(Text(text), {L"a.las"})), change_(std::move(change)) {}
     void SetRange(std::uint64_t) override {}
     void SetText(const std::wstring& text) override {
         if (text == text_) {
-            std::filesystem::resize_file(ToPath(path_), 2000);
+            change_();
         }
     }
     void SetPosition(std::uint64_t) override {}
@@ -426,23 +444,54 @@ class ChangeAt final : public Kst::ProgressIf {
 
   private:
     const std::wstring text_;
-    const std::wstring path_;
+    const std::function<void()> change_;
 };
 
 TEST(QvrBuilder, NoticesThatTheSourceChanges) {
     const LasFolder folder;
     for (const StringId phase : {text::kQvrReading, text::kQvrOrdering, text::kQvrWriting}) {
         const std::wstring path = folder.TemporaryFolder::Write(L"a.las", Cloud{}.Bytes());
-        ChangeAt progress(phase, path);
+        ChangeAt progress(phase, [&] { std::filesystem::resize_file(ToPath(path), 2000); });
         try {
             BuildQvr(PlanQvr(path), {}, progress);
             ADD_FAILURE() << "not noticed";
         } catch (const LDataError& error) {
-            EXPECT_EQ(error.Text(), L"Failed to create qvr file for " + path +
-                                        L". Please try increasing thinning factor. \nReason: " +
-                                        FormatText(Text(text::kQvrSourceChanged), {path}));
+            EXPECT_EQ(error.Text(), FormatText(Text(text::kQvrSourceChanged), {path}));
         }
         EXPECT_EQ(folder.Entries(), 1U);
+    }
+}
+
+// Another process can have built it, or the user copied it there.
+TEST(QvrBuilder, KeepsACompanionThatAppearsMeanwhile) {
+    const LasFolder folder;
+    const std::wstring path = folder.TemporaryFolder::Write(L"a.las", Cloud{}.Bytes());
+    const std::wstring exists = FormatText(Text(text::kCompanionExists), {folder.Name(L"a.qvr")});
+    ChangeAt progress(text::kQvrWriting, [&] { folder.TemporaryFolder::Write(L"a.qvr", "theirs"); });
+    const QvrPlan plan = PlanQvr(path);
+    try {
+        BuildQvr(plan, {}, progress);
+        ADD_FAILURE() << "replaced";
+    } catch (const LDataError& error) {
+        EXPECT_EQ(error.Text(), exists);
+    }
+    EXPECT_TRUE(testing::ReadFile(folder.Name(L"a.qvr")) == "theirs");
+    EXPECT_EQ(folder.Entries(), 2U);
+    EXPECT_EQ(FailureToPlan(path), exists);
+}
+
+// A bar that runs to its end several times tells nothing.
+TEST(QvrBuilder, ReportsOneProgressForAllPhases) {
+    const LasFolder folder;
+    Cloud twice;  // read again, because points lie outside the header's extent
+    twice.change = [](LasBuilder& builder) { builder.Lie(179, 0.0); };
+    for (const Cloud& cloud : {Cloud{}, twice, Cloud{12, 0, 0}}) {
+        Forward progress;
+        const std::wstring path = folder.TemporaryFolder::Write(L"a.las", cloud.Bytes());
+        EXPECT_TRUE(BuildQvr(PlanQvr(path, With(2, kLittle)), With(2, kLittle), progress));
+        EXPECT_EQ(progress.ranges, 1U);
+        EXPECT_TRUE(progress.isForward);
+        EXPECT_EQ(progress.position, progress.total);
     }
 }
 

@@ -15,6 +15,8 @@
 #include "las/companion/QvrVerify.h"
 #include "las/testing/LasBuilder.h"
 #include "las/testing/QvrSample.h"
+#include "support/Files.h"
+#include "support/Format.h"
 #include "support/LDataError.h"
 #include "support/Text.h"
 #include "support/testing/Bytes.h"
@@ -287,9 +289,37 @@ TEST_F(QvrFileTest, TellsAFreshCompanionFromAnother) {
                   c.reasons.size())
             << reason;
     }
+    std::filesystem::last_write_time(ToPath(las), time + std::chrono::seconds(3));
+    const auto secondsOf = [](auto at) {
+        return UtcSecondText(std::chrono::floor<std::chrono::milliseconds>(at.time_since_epoch()).count());
+    };
+    const auto now = LastWriteTime(las).value();
+    EXPECT_THAT(ToUtf8(CheckCompanion(las).reason),
+                HasSubstr(ToUtf8(FormatText(Text(text::kQvrTimeDiffers),
+                                            {secondsOf(now - std::chrono::seconds(3)), secondsOf(now)}))));
     folder_.Write(L"b.qvr", "companion");
     EXPECT_EQ(CheckCompanion(las).state, CompanionState::Unreadable);
     EXPECT_THAT(ToUtf8(CheckCompanion(las).reason), HasSubstr("no index record"));
+}
+
+// Damaged headers state extents that are no numbers.
+TEST_F(QvrFileTest, IsFreshWhateverExtentTheHeaderStates) {
+    const std::wstring las =
+        folder_.Write(L"b.las", LasBuilder(14, 6).AddPoints(5).Lie(179, std::nan("")).Build());
+    testing::WriteQvrBeside(las);
+    EXPECT_EQ(CheckCompanion(las).state, CompanionState::Fresh) << ToUtf8(CheckCompanion(las).reason);
+}
+
+TEST_F(QvrFileTest, IsThatOfOneOfTheTwoFilesBesideIt) {
+    const std::wstring las = folder_.Write(L"b.las", las_);
+    testing::WriteQvrBeside(las);
+    const std::wstring laz = folder_.Write(L"b.laz", las_ + "x");
+    EXPECT_EQ(CheckCompanion(las).state, CompanionState::Fresh);
+    const CompanionFacts other = CheckCompanion(laz);
+    EXPECT_EQ(other.state, CompanionState::OfOther);
+    EXPECT_EQ(other.reason, FormatText(Text(text::kQvrOfOther), {L"b.las"}));
+    folder_.Write(L"b.las", las_ + "xy");
+    EXPECT_EQ(CheckCompanion(laz).state, CompanionState::Stale) << "of neither";
 }
 
 }  // namespace
