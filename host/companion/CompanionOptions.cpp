@@ -4,8 +4,10 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <map>
 
 #include "host/terminal/Terminal.h"
+#include "support/Files.h"
 #include "support/Format.h"
 #include "support/Text.h"
 
@@ -78,7 +80,7 @@ bool SetColour(CompanionOptions& options, const std::wstring& value) {
 
 bool SetOutput(CompanionOptions& options, const std::wstring& value) {
     options.output = value;
-    return !value.empty();
+    return UpperExtensionOf(value) == L".PNG";
 }
 
 bool SetExtent(CompanionOptions& options, const std::wstring& value) {
@@ -119,7 +121,7 @@ constexpr Option kOptions[] = {Number < [](Options & o) -> auto& {return o.setti
     Switch<&Options::entries>(L"--entries", Show),
     {L"--colour", Show, true, SetColour, text::kCompanionChoice, 0, 0, L"height | classification"},
     Number<&Options::width, 16, 4096>(L"--width", Show),
-    {L"--output", Show, true, SetOutput, text::kCompanionChoice, 0, 0, L"PNG"},
+    {L"--output", Show, true, SetOutput, text::kCompanionChoice, 0, 0, L"*.png"},
 };  // namespace orvex
 
 std::wstring ErrorOf(const Option& option) {
@@ -166,7 +168,24 @@ bool ParseAction(const std::wstring& name, CompanionOptions& options) {
     return false;
 }
 
+/// An error if two files would be drawn as one picture; else empty.
+std::wstring SamePicture(const std::vector<std::wstring>& files) {
+    std::map<std::wstring, std::wstring> drawn;
+    for (const std::wstring& file : files) {
+        const auto [other, isNew] = drawn.try_emplace(ToUpper(PictureNameOf(file)), file);
+        if (!isNew) {
+            return WithoutControls(
+                FormatText(Text(text::kCompanionSamePicture), {other->second, file, PictureNameOf(file)}));
+        }
+    }
+    return {};
+}
+
 }  // namespace
+
+std::wstring PictureNameOf(const std::wstring& file) {
+    return WithExtension(FileNameOf(file), L".qvr.png");
+}
 
 CompanionOptions ParseCompanionArguments(const std::vector<std::wstring>& arguments) {
     CompanionOptions options;
@@ -187,6 +206,8 @@ CompanionOptions ParseCompanionArguments(const std::vector<std::wstring>& argume
         options.error = Text(text::kCompanionNoFile);
     } else if (options.error.empty() && !options.output.empty() && options.files.size() > 1) {
         options.error = Text(text::kCompanionOneOutput);
+    } else if (options.error.empty() && options.action == CompanionAction::Show) {
+        options.error = SamePicture(options.files);
     }
     return options;
 }

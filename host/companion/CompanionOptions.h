@@ -33,6 +33,9 @@ struct CompanionOptions {
     std::wstring output;  ///< empty: in the current folder, named after the file
 };
 
+/// Name of the picture of a LAS, LAZ, or QVR file, in the current folder.
+std::wstring PictureNameOf(const std::wstring& file);
+
 /// Reads the arguments of the program, without its name.
 CompanionOptions ParseCompanionArguments(const std::vector<std::wstring>& arguments);
 

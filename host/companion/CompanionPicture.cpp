@@ -62,7 +62,7 @@ class Drawer {
         CompanionPicture picture;
         picture.path = options_.output;
         if (picture.path.empty()) {
-            picture.path = WithExtension(FileNameOf(qvr_.Path()), L".qvr.png");
+            picture.path = PictureNameOf(qvr_.Path());
         }
         if (count_ != 0 && IsUsable(rectangle_)) {
             options_.entries ? DrawEntries(picture) : DrawPoints(picture);
@@ -115,13 +115,12 @@ class Drawer {
 
     /// False if cancelled.
     bool DrawRange(PointPicture& drawn, const PointRange& range, std::uint64_t before) {
-        constexpr std::uint64_t kBlock = 1U << 15U;
         const std::size_t length = qvr_.RecordLength();
         for (std::uint64_t done = 0; done < range.count;) {
             if (progress_.IsCancelled()) {
                 return false;
             }
-            const PointRange part{range.first + done, std::min(kBlock, range.count - done)};
+            const PointRange part{range.first + done, std::min(qvr_.PointsPerRead(), range.count - done)};
             records_.resize(part.count * length);
             qvr_.Read(part, records_);
             for (std::span<const std::byte> rest = records_; !rest.empty(); rest = rest.subspan(length)) {

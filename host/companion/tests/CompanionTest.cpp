@@ -61,6 +61,8 @@ TEST_F(CompanionCommand, SaysWhatIsWrongWithItsArguments) {
         {{L"show", L"--extent", L"1,2,3,inf", L"a.las"}, "--extent takes four numbers"},
         {{L"show", L"--extent", L"3,2,1,4", L"a.las"}, "--extent takes four numbers"},
         {{L"show", L"--output", L"a.png", L"a.las", L"b.las"}, "--output needs a single file."},
+        {{L"show", L"--output", L"a.las", L"a.qvr"}, "--output takes *.png."},
+        {{L"show", L"a/t.las", L"b/T.laz"}, "would both be drawn as 'T.qvr.png'"},
     };
     for (const auto& c : cases) {
         const Ran ran = Companion(c.arguments);
@@ -158,6 +160,14 @@ TEST_F(CompanionCommand, DrawsTheFirstPoints) {
     EXPECT_EQ(nowhere.code, kCompanionFailed);
     EXPECT_THAT(nowhere.err, HasSubstr("a.png' could not be written"));
     EXPECT_EQ(folder_.Entries(), 3U) << "nothing is left beside the picture";
+
+    // A LAS file is one whatever its name.
+    std::filesystem::rename(ToPath(las), ToPath(png));
+    const std::string points = testing::ReadFile(png);
+    const Ran over = Companion({L"show", L"--output", png, png});
+    EXPECT_EQ(over.code, kCompanionFailed);
+    EXPECT_THAT(over.err, HasSubstr("The picture would replace "));
+    EXPECT_TRUE(testing::ReadFile(png) == points);
 }
 
 TEST(PointPicture, ShowsTheHigherOfTwoPointsAndCountsItsCells) {
