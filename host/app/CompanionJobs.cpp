@@ -16,6 +16,16 @@ std::wstring ProgressText(std::size_t index, std::size_t count, const LasCompani
                                                        static_cast<double>(plan.temporaryBytes) / kMegabyte});
 }
 
+LasCompanionPlan PlanOf(const CompanionJob& job, const LasCompanionOptions& options) {
+    LasCompanionPlan plan = GetLasCompanions()->Plan(job.path, options);
+    // Of two files of one name that are built one after the other, the first one keeps the companion.
+    if (const LasCompanionStatus status = GetLasCompanions()->Status(job.path);
+        status.state == LasCompanionState::OfOther) {
+        plan.problem = status.reason;
+    }
+    return plan;
+}
+
 LasCompanionResult BuildOne(const LasCompanionPlan& plan, const LasCompanionOptions& options,
                             Kst::ProgressIf& progress) {
     return plan.problem.empty() ? GetLasCompanions()->Build(plan, options, progress)
@@ -30,10 +40,21 @@ CompanionCheck CheckCompanions(const std::vector<std::wstring>& paths, Kst::Prog
     CompanionCheck check;
     for (std::size_t i = 0; i < paths.size() && !check.stopped; ++i) {
         const LasCompanionStatus status = GetLasCompanions()->Status(paths[i]);
-        if (status.state == LasCompanionState::None) {
-            check.missing.push_back(paths[i]);
-        } else if (status.state != LasCompanionState::Fresh) {
-            check.unfit.push_back({paths[i], status.reason});
+        const FileFailure unfit{paths[i], status.reason};
+        switch (status.state) {
+            case LasCompanionState::None:
+                check.missing.push_back(paths[i]);
+                break;
+            case LasCompanionState::Fresh:
+                break;
+            case LasCompanionState::Stale:
+                check.stale.push_back(unfit);
+                break;
+            case LasCompanionState::OfOther:
+                check.ofOthers.push_back(unfit);
+                break;
+            default:
+                check.unreadable.push_back(unfit);
         }
         progress.SetPosition(i + 1);
         check.stopped = progress.IsCancelled();
@@ -41,18 +62,19 @@ CompanionCheck CheckCompanions(const std::vector<std::wstring>& paths, Kst::Prog
     return check;
 }
 
-CompanionResult BuildCompanions(const std::vector<std::wstring>& paths, const LasCompanionOptions& options,
+CompanionResult BuildCompanions(const std::vector<CompanionJob>& jobs, LasCompanionOptions options,
                                 Kst::ProgressIf& progress) {
     CompanionResult result;
-    progress.SetRange(kStepsPerFile * paths.size());
-    for (std::size_t i = 0; i < paths.size() && !result.stopped; ++i) {
-        const LasCompanionPlan plan = GetLasCompanions()->Plan(paths[i], options);
-        progress.SetText(ProgressText(i, paths.size(), plan));
+    progress.SetRange(kStepsPerFile * jobs.size());
+    for (std::size_t i = 0; i < jobs.size() && !result.stopped; ++i) {
+        options.replaceExisting = jobs[i].replacesExisting;
+        const LasCompanionPlan plan = PlanOf(jobs[i], options);
+        progress.SetText(ProgressText(i, jobs.size(), plan));
         PartProgress part(progress, i);
         const LasCompanionResult built = BuildOne(plan, options, part);
         result.built += built.end == LasCompanionEnd::Built ? 1 : 0;
         if (built.end == LasCompanionEnd::Failed) {
-            result.failures.push_back({paths[i], built.reason});
+            result.failures.push_back({jobs[i].path, built.reason});
         }
         result.stopped = built.end == LasCompanionEnd::Cancelled || progress.IsCancelled();
     }

@@ -8,11 +8,20 @@
 
 namespace orvex {
 
-/// LAS files that are to get companions, by what is there already. Files with fresh ones are in neither list.
+/// LAS files that are to get companions, by what is there already, with the reason. Files with fresh ones are
+/// in no list.
 struct CompanionCheck {
     std::vector<std::wstring> missing;
-    std::vector<FileFailure> unfit;  ///< companions that differ or cannot be read, with the reason
-    bool stopped = false;            ///< by the user; the lists lack the rest
+    std::vector<FileFailure> stale;
+    std::vector<FileFailure> unreadable;
+    std::vector<FileFailure> ofOthers;  ///< good companions of other files, which are not to be replaced
+    bool stopped = false;               ///< by the user; the lists lack the rest
+};
+
+/// A companion to be built.
+struct CompanionJob {
+    std::wstring path;              ///< of the LAS file
+    bool replacesExisting = false;  ///< the user has agreed
 };
 
 /// What became of LAS files that were to get companions.
@@ -26,9 +35,10 @@ struct CompanionResult {
 CompanionCheck CheckCompanions(const std::vector<std::wstring>& paths, Kst::ProgressIf& progress);
 
 /// Builds the companions of files, one after the other. The range of `progress` is a thousand for each file;
-/// its text tells the file and the space that its companion takes. Never throws, except for want of memory.
-/// From any thread.
-CompanionResult BuildCompanions(const std::vector<std::wstring>& paths, const LasCompanionOptions& options,
+/// its text tells the file and the space that its companion takes. `replaceExisting` of the options is not
+/// used; companions that are those of other files by then are never replaced. Never throws, except for want
+/// of memory. From any thread.
+CompanionResult BuildCompanions(const std::vector<CompanionJob>& jobs, LasCompanionOptions options,
                                 Kst::ProgressIf& progress);
 
 }  // namespace orvex

@@ -154,27 +154,21 @@ void RecordIntake::TakeLas(const AddFilesParams& record) {
 
 /// Files whose companions cannot be built are added without.
 void RecordIntake::BuildCompanions(const AddFilesParams& record, const std::vector<NewFile>& files) {
-    CompanionCheck check = CompanionsOf(files);
+    const CompanionCheck check = CompanionsOf(files);
     if (check.stopped) {
         remarks_ += ' ' + HostText(text::kStatusCompanionsStopped);
         return;
     }
+    const std::vector<CompanionJob> jobs = CompanionJobsOf(check);
     LasCompanionOptions options;
     options.factor = record.lasThinning < 2 ? options.factor : record.lasThinning;
-    if (!check.unfit.empty() && ConfirmReplacing(check.unfit)) {
-        options.replaceExisting = true;
-        std::ranges::transform(check.unfit, std::back_inserter(check.missing), &FileFailure::path);
-    } else {
-        Report(text::kCompanionsNotUsed, check.unfit);
-    }
-    if (check.missing.empty()) {
+    if (jobs.empty()) {
         return;
     }
     const auto result = std::make_shared<CompanionResult>();
-    const WorkEnd end = WorkDialog::Run(window_, HostText(text::kCompanionsTitle),
-                                        [=, paths = check.missing](Kst::ProgressIf& progress) {
-                                            *result = orvex::BuildCompanions(paths, options, progress);
-                                        });
+    const WorkEnd end = WorkDialog::Run(
+        window_, HostText(text::kCompanionsTitle),
+        [=](Kst::ProgressIf& progress) { *result = orvex::BuildCompanions(jobs, options, progress); });
     if (end == WorkEnd::Abandoned || result->stopped) {
         remarks_ += ' ' + HostText(text::kStatusCompanionsStopped);
     }
@@ -194,14 +188,44 @@ CompanionCheck RecordIntake::CompanionsOf(const std::vector<NewFile>& files) {
     const WorkEnd end = WorkDialog::Run(
         window_, HostText(text::kCompanionsTitle),
         [paths, check](Kst::ProgressIf& progress) { *check = CheckCompanions(paths, progress); });
-    return end == WorkEnd::Finished ? *check : CompanionCheck{{}, {}, true};
+    if (end == WorkEnd::Finished) {
+        return *check;
+    }
+    CompanionCheck none;
+    none.stopped = true;
+    return none;
 }
 
-bool RecordIntake::ConfirmReplacing(const std::vector<FileFailure>& unfit) {
-    const ReportPrompt question{Text(text::kCompanionsTitle),
-                                Text(text::kCompanionsStale),
-                                {SectionOf(text::kCompanionsStaleFiles, unfit)},
-                                Text(text::kCompanionsReplace),
+/// Companions to be built, as far as the user agrees; reports those that are there and not used.
+std::vector<CompanionJob> RecordIntake::CompanionJobsOf(const CompanionCheck& check) {
+    std::vector<CompanionJob> jobs;
+    for (const std::wstring& path : check.missing) {
+        jobs.push_back({path, false});
+    }
+    std::vector<FileFailure> unfit = check.stale;
+    unfit.insert(unfit.end(), check.unreadable.begin(), check.unreadable.end());
+    std::vector<FileFailure> notUsed = check.ofOthers;
+    if (!unfit.empty() && ConfirmReplacing(check)) {
+        std::ranges::transform(unfit, std::back_inserter(jobs), [](const FileFailure& file) {
+            return CompanionJob{file.path, true};
+        });
+    } else {
+        notUsed.insert(notUsed.end(), unfit.begin(), unfit.end());
+    }
+    Report(text::kCompanionsNotUsed, notUsed);
+    return jobs;
+}
+
+bool RecordIntake::ConfirmReplacing(const CompanionCheck& check) {
+    std::vector<ReportPrompt::Section> sections;
+    for (const auto& [heading, files] : {std::pair(text::kCompanionsStaleFiles, &check.stale),
+                                         std::pair(text::kCompanionsUnreadable, &check.unreadable)}) {
+        if (!files->empty()) {
+            sections.push_back(SectionOf(heading, *files));
+        }
+    }
+    const ReportPrompt question{Text(text::kCompanionsTitle), Text(text::kCompanionsStale),
+                                std::move(sections), Text(text::kCompanionsReplace),
                                 Text(text::kCompanionsKeep)};
     return UserPromptsQt(window_).ShowReport(question) == PromptAnswer::Yes;
 }

@@ -42,7 +42,8 @@ class RecordIntake {
     void TakeLas(const AddFilesParams& record);
     void BuildCompanions(const AddFilesParams& record, const std::vector<NewFile>& files);
     CompanionCheck CompanionsOf(const std::vector<NewFile>& files);
-    bool ConfirmReplacing(const std::vector<FileFailure>& unfit);
+    std::vector<CompanionJob> CompanionJobsOf(const CompanionCheck& check);
+    bool ConfirmReplacing(const CompanionCheck& check);
     void TakeRasters(const AddFilesParams& record);
     void TakeDems(const AddFilesParams& record);
     void TakeFeatures(const AddFilesParams& record);

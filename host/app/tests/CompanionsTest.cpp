@@ -161,10 +161,37 @@ TEST_F(Companions, AreReplacedOnlyWithPermission) {
     EXPECT_EQ(GetLasCompanions()->Build(plan, {}, progress).end, LasCompanionEnd::Failed);
     EXPECT_TRUE(testing::ReadFile(folder_.Name(L"tile.qvr")) == old);
     EXPECT_EQ(ShareOfPoints(), 0) << "a stale companion is not shown";
-    const Answer replace(text::kCompanionsReplace);
+    for (const std::string& there : {old, std::string("no companion")}) {
+        folder_.Write(L"tile.qvr", there);
+        const Answer replace(text::kCompanionsReplace);
+        Take();
+        EXPECT_TRUE(replace.WasAsked());
+        EXPECT_EQ(State(), LasCompanionState::Fresh);
+    }
+}
+
+TEST_F(Companions, OfAnotherFileAreLeftToIt) {
     Take();
-    EXPECT_TRUE(replace.WasAsked());
+    const std::string good = testing::ReadFile(folder_.Name(L"tile.qvr"));
+    const std::wstring twin = folder_.Write(L"tile.laz", testing::ReadFile(tile_) + "x");
+    const Answer replace(text::kCompanionsReplace);
+    const IntakeResult result = Take(kPyramidQvr, false, true, L"tile.laz");
+    EXPECT_FALSE(replace.WasAsked());
+    ASSERT_EQ(result.news.size(), 1U);
+    EXPECT_EQ(result.news[0].heading, Text(text::kCompanionsNotUsed));
+    EXPECT_TRUE(testing::ReadFile(folder_.Name(L"tile.qvr")) == good);
+
+    // Permission is for one file each; of twins that are built in one go the first gets the companion.
+    folder_.Write(L"tile.qvr", "no companion");
+    const std::wstring other = folder_.Write(L"other.las", testing::ReadFile(tile_));
+    folder_.Write(L"other.qvr", "theirs");
+    Kst::NullProgress progress;
+    const CompanionResult built =
+        BuildCompanions({{tile_, true}, {other, false}, {twin, true}}, {}, progress);
+    EXPECT_EQ(built.built, 1U);
+    EXPECT_EQ(built.failures.size(), 2U);
     EXPECT_EQ(State(), LasCompanionState::Fresh);
+    EXPECT_EQ(testing::ReadFile(folder_.Name(L"other.qvr")), "theirs");
 }
 
 TEST_F(Companions, OfAFileThatWasDecompressedIsThatOfItsPoints) {
