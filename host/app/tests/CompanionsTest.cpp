@@ -248,7 +248,7 @@ TEST_F(Companions, LeaveNothingWhenTheUserStops) {
     bool stopped = true;
     for (int time = 1; stopped; time *= 2) {
         StopAt progress(time);
-        const CompanionResult result = BuildCompanions({tile_}, {}, progress);
+        const CompanionResult result = BuildCompanions({{tile_, false}}, {}, progress);
         stopped = result.built == 0;
         EXPECT_TRUE(result.failures.empty());
         EXPECT_TRUE(result.stopped || !stopped) << time;
