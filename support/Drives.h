@@ -10,9 +10,9 @@ namespace orvex {
 using DriveFinder = std::function<std::wstring(const std::wstring& folder)>;
 
 /// Finds drives of Linux by their device in the table of mounts as it is now (/proc/self/mountinfo), without
-/// the table by the first folder; those of Windows by letter, volume or share. Follows links on the drive with
-/// the root folder and on other local disks of Linux, and looks at nothing else: a folder behind a link on
-/// another drive counts as on that one. The function is safe on any thread.
+/// the table by the first folder; those of Windows by letter, volume or share. Follows links on the drive
+/// with the root folder and on other local disks of Linux, and looks at nothing else: a folder behind a link
+/// on another drive counts as on that one. The function is safe on any thread.
 DriveFinder FindDrivesByName();
 
 /// What reading many files asks of the drives that they are on.
