@@ -52,11 +52,15 @@ class OpenCompanion final : public LasCompanion {
                                       std::uint64_t mostPoints) const override {
         constexpr double kFarthest = std::numeric_limits<double>::max();
         const LasExtent view{{extent[0], extent[1], -kFarthest}, {extent[2], extent[3], kFarthest}};
-        std::vector<LasPointRange> ranges;
-        for (const PointRange& range : file_->Select(view, mostPoints)) {
-            ranges.push_back({range.first, range.count});
+        try {
+            std::vector<LasPointRange> ranges;
+            for (const PointRange& range : file_->Select(view, mostPoints)) {
+                ranges.push_back({range.first, range.count});
+            }
+            return ranges;
+        } catch (...) {
+            return {};  // no memory
         }
-        return ranges;
     }
 
     bool Read(const LasPointRange& range, std::vector<LasPoint>& points) const override {
@@ -106,7 +110,7 @@ class Companions final : public LasCompanions {
     LasCompanionStatus Status(const std::wstring& lasPath) const override {
         return Guarded(
             [&]() -> LasCompanionStatus {
-                const CompanionFacts facts = CheckCompanion(lasPath);
+                const CompanionFacts facts = ExamineCompanion(lasPath);
                 return {StateOf(facts.state), QvrPathOf(lasPath), facts.reason};
             },
             [&](const std::wstring& reason) {

@@ -105,7 +105,7 @@ class Runner {
     }
 
     bool Build(const std::wstring& file) {
-        const CompanionFacts facts = CheckCompanion(file);
+        const CompanionFacts facts = ExamineCompanion(file);
         const std::wstring qvr = QvrPathOf(file);
         if (facts.state == CompanionState::Fresh && !options_.overwrite) {
             Say(text::kCompanionIsFresh, {qvr});

@@ -122,4 +122,16 @@ CompanionFacts CheckCompanion(const std::wstring& source) {
     }
 }
 
+CompanionFacts ExamineCompanion(const std::wstring& source) {
+    CompanionFacts facts = CheckCompanion(source);
+    if (facts.state == CompanionState::Fresh) {
+        try {
+            QvrFile::Open(QvrPathOf(source));
+        } catch (...) {
+            facts = {CompanionState::Unreadable, CurrentExceptionText()};
+        }
+    }
+    return facts;
+}
+
 }  // namespace orvex

@@ -24,6 +24,9 @@ struct CompanionFacts {
 /// throws; safe from any thread. Fresh: size, number of points and header are those of the file that it was
 /// built from, and the time of the last change is, give or take two seconds, which FAT and archives round to.
 CompanionFacts CheckCompanion(const std::wstring& source);
+/// The same; a fresh companion's whole index is read as well, still no point, and it is Unreadable if that is
+/// damaged.
+CompanionFacts ExamineCompanion(const std::wstring& source);
 
 /// LAS and LAZ files beside a companion that it may be of.
 std::vector<std::wstring> SourcesBeside(const std::wstring& companion);

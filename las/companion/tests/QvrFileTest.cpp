@@ -302,6 +302,20 @@ TEST_F(QvrFileTest, TellsAFreshCompanionFromAnother) {
     EXPECT_THAT(ToUtf8(CheckCompanion(las).reason), HasSubstr("no index record"));
 }
 
+// A row of a list does without the index's entries; who builds or draws does not.
+TEST_F(QvrFileTest, IsNotFreshWhenItsIndexIsDamaged) {
+    const std::wstring las = folder_.Write(L"b.las", las_);
+    const std::wstring qvr = testing::WriteQvrBeside(las);
+    EXPECT_EQ(ExamineCompanion(las).state, CompanionState::Fresh);
+    std::string bytes = testing::ReadFile(qvr);
+    bytes.replace(bytes.find("BrightwellMarshSoftware Thinned") - 22 + 54 + 12 + 20, 4, 4, '\xff');
+    folder_.Write(L"b.qvr", bytes);
+    EXPECT_EQ(CheckCompanion(las).state, CompanionState::Fresh);
+    const CompanionFacts facts = ExamineCompanion(las);
+    EXPECT_EQ(facts.state, CompanionState::Unreadable);
+    EXPECT_THAT(ToUtf8(facts.reason), HasSubstr(ToUtf8(qvr)));
+}
+
 // Damaged headers state extents that are no numbers.
 TEST_F(QvrFileTest, IsFreshWhateverExtentTheHeaderStates) {
     const std::wstring las =
