@@ -99,8 +99,9 @@ class Lattice final : public LasCompanion {
         for (std::uint64_t i = range.first; i < range.first + range.count; ++i) {
             const auto [x, y] = CornerOf(i / kPerTile);
             const std::uint64_t place = (i % kPerTile) * 353 % kPerTile;  // spread over the tile
-            points.push_back({x + static_cast<double>(place % kTile) + 0.5,
-                              y + static_cast<double>(place / kTile) + 0.5, 0.5, 2});
+            const std::uint64_t row = place / kTile;
+            points.push_back(
+                {x + static_cast<double>(place % kTile) + 0.5, y + static_cast<double>(row) + 0.5, 0.5, 2});
         }
         return true;
     }
@@ -112,7 +113,8 @@ class Lattice final : public LasCompanion {
     static constexpr std::uint64_t kPerTile = kTile * kTile;
 
     static std::pair<double, double> CornerOf(std::uint64_t tile) {
-        return {static_cast<double>(tile % kTiles * kTile), static_cast<double>(tile / kTiles * kTile)};
+        const std::uint64_t row = tile / kTiles;
+        return {static_cast<double>(tile % kTiles * kTile), static_cast<double>(row * kTile)};
     }
 
     Use& use_;
@@ -147,6 +149,7 @@ struct MapPointsTest : ::testing::Test {
     /// So many files of an extent.
     void SetLattices(int count, const QRectF& extent) {
         std::vector<PointFile> files;
+        files.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i) {
             files.push_back({L"lattice" + std::to_wstring(i), extent, 0, 1, 20});
         }
