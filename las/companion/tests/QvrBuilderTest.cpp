@@ -146,7 +146,8 @@ std::vector<std::pair<const char*, Cloud>> OddClouds() {
                             })},
         {"pairs", with(4000,
                        [](std::size_t i) {
-                           return Position{0.01 * double(i / 2), 6, 7};
+                           const std::size_t pair = i / 2;
+                           return Position{0.01 * double(pair), 6, 7};
                        })},
         {"far apart",
          with(3000,

@@ -113,7 +113,7 @@ TEST_F(QvrFileTest, GivesBoxesAndPointsInCoordinates) {
     for (const double scale : {0.01, -0.01}) {
         const LasBuilder las = LasBuilder(12, 3).Scale(scale, scale, scale).Offset(7, 8, 9).AddPoints(50);
         const auto qvr = QvrFile::Open(Write(QvrBytes(las.Build(), 0)));
-        std::vector<std::byte> records(50U * qvr->RecordLength());
+        std::vector<std::byte> records(std::size_t{50} * qvr->RecordLength());
         qvr->Read({0, 50}, records);
         const std::array least{1000.0, 2000.0, 100.0};
         for (const QvrEntry& entry : qvr->Entries()) {
