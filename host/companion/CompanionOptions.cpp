@@ -101,28 +101,35 @@ bool SetExtent(CompanionOptions& options, const std::wstring& value) {
     return extent[0] < extent[2] && extent[1] < extent[3];
 }
 
-using Options = CompanionOptions;
-constexpr Option kOptions[] = {Number < [](Options & o) -> auto& {return o.settings.factor;
-}  // namespace
-, 1, kMostFactor > (L"--factor", Build), Number < [](Options& o) -> auto& {
-    return o.settings.memory;
+// Members of a member, which no pointer to a member names.
+std::uint16_t& Factor(CompanionOptions& options) {
+    return options.settings.factor;
 }
-, 16, 1U << 20U, kMegabyte > (L"--memory", Build), Number < [](Options& o) -> auto& {
-    return o.settings.threads;
+std::uint64_t& Memory(CompanionOptions& options) {
+    return options.settings.memory;
 }
-, 1, 256 > (L"--threads", Build), Number < [](Options& o) -> auto& {
-    return o.settings.seed;
+unsigned& Threads(CompanionOptions& options) {
+    return options.settings.threads;
 }
-, 0, kAnyNumber > (L"--seed", Build),
+std::uint64_t& Seed(CompanionOptions& options) {
+    return options.settings.seed;
+}
+
+constexpr Option kOptions[] = {
+    Number<Factor, 1, kMostFactor>(L"--factor", Build),
+    Number<Memory, 16, 1U << 20U, kMegabyte>(L"--memory", Build),
+    Number<Threads, 1, 256>(L"--threads", Build),
+    Number<Seed, 0, kAnyNumber>(L"--seed", Build),
     {L"--order", Build, true, SetOrder, text::kCompanionChoice, 0, 0, L"random | file"},
-    Switch<&Options::overwrite>(L"--overwrite", Build), Switch<&Options::deep>(L"--deep", Check),
-    Number<&Options::points, 1, kAnyNumber>(L"--points", Show),
+    Switch<&CompanionOptions::overwrite>(L"--overwrite", Build),
+    Switch<&CompanionOptions::deep>(L"--deep", Check),
+    Number<&CompanionOptions::points, 1, kAnyNumber>(L"--points", Show),
     {L"--extent", Show, true, SetExtent, text::kCompanionExtentForm},
-    Switch<&Options::entries>(L"--entries", Show),
+    Switch<&CompanionOptions::entries>(L"--entries", Show),
     {L"--colour", Show, true, SetColour, text::kCompanionChoice, 0, 0, L"height | classification"},
-    Number<&Options::width, 16, 4096>(L"--width", Show),
+    Number<&CompanionOptions::width, 16, 4096>(L"--width", Show),
     {L"--output", Show, true, SetOutput, text::kCompanionChoice, 0, 0, L"*.png"},
-};  // namespace orvex
+};
 
 std::wstring ErrorOf(const Option& option) {
     if (option.error == text::kCompanionNumberRange) {
@@ -140,7 +147,15 @@ std::optional<std::wstring> ValueOf(const Option& option, const std::vector<std:
     return arguments[i] == option.name ? std::optional(std::wstring()) : std::nullopt;
 }
 
+bool IsHelp(const std::wstring& argument) {
+    return argument == L"--help" || argument == L"-h";
+}
+
 void ParseOption(const std::vector<std::wstring>& arguments, std::size_t& i, CompanionOptions& options) {
+    options.help = IsHelp(arguments[i]);
+    if (options.help) {
+        return;
+    }
     for (const Option& option : kOptions) {
         if (option.action != options.action) {
             continue;
@@ -162,7 +177,7 @@ bool ParseAction(const std::wstring& name, CompanionOptions& options) {
         options.action = found->second;
         return true;
     }
-    options.help = name == L"--help" || name == L"-h";
+    options.help = IsHelp(name);
     options.error =
         options.help ? L"" : WithoutControls(FormatText(Text(text::kCompanionUnknownCommand), {name}));
     return false;
@@ -193,7 +208,7 @@ CompanionOptions ParseCompanionArguments(const std::vector<std::wstring>& argume
         return options;
     }
     bool onlyFiles = false;
-    for (std::size_t i = 1; i < arguments.size() && options.error.empty(); ++i) {
+    for (std::size_t i = 1; i < arguments.size() && options.error.empty() && !options.help; ++i) {
         if (!onlyFiles && arguments[i] == L"--") {
             onlyFiles = true;
         } else if (!onlyFiles && arguments[i].size() > 1 && arguments[i].front() == L'-') {
@@ -201,6 +216,9 @@ CompanionOptions ParseCompanionArguments(const std::vector<std::wstring>& argume
         } else {
             options.files.push_back(NativePath(arguments[i]));
         }
+    }
+    if (options.help) {
+        return options;
     }
     if (options.error.empty() && options.files.empty()) {
         options.error = Text(text::kCompanionNoFile);

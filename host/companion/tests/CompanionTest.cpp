@@ -71,6 +71,7 @@ TEST_F(CompanionCommand, SaysWhatIsWrongWithItsArguments) {
         EXPECT_THAT(ran.out, IsEmpty());
     }
     EXPECT_EQ(Companion({L"--help"}).code, kCompanionOk);
+    EXPECT_EQ(Companion({L"show", L"--points", L"9", L"--help"}).code, kCompanionOk);
 }
 
 TEST_F(CompanionCommand, BuildsCompanionsAndReplacesThemOnlyWhenTold) {
