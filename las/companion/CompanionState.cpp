@@ -1,5 +1,6 @@
 #include "las/companion/CompanionState.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <vector>
@@ -95,7 +96,11 @@ std::wstring OwnerOf(const QvrHead& head, const std::wstring& companion, const s
 std::vector<std::wstring> SourcesBeside(const std::wstring& companion) {
     std::vector<std::wstring> sources;
     for (const wchar_t* extension : {L".las", L".laz", L".LAS", L".LAZ"}) {
-        if (std::wstring source = WithExtension(companion, extension); FileExists(source)) {
+        std::wstring source = WithExtension(companion, extension);
+        // Where the case of names does not matter, "a.las" and "a.LAS" are one file.
+        const bool isKnown = std::ranges::any_of(
+            sources, [&](const std::wstring& known) { return IsSameFile(known, source); });
+        if (!isKnown && FileExists(source)) {
             sources.push_back(std::move(source));
         }
     }
