@@ -57,8 +57,11 @@ bool StatesRasterType(std::string_view directory) {
     constexpr std::size_t kEntry = 4;
     constexpr std::uint16_t kRasterType = 1025;
     std::vector<std::uint16_t> numbers(directory.size() / sizeof(std::uint16_t));
+    if (numbers.size() < kEntry) {
+        return false;
+    }
     std::memcpy(numbers.data(), directory.data(), numbers.size() * sizeof(std::uint16_t));
-    if (numbers.size() < kEntry || numbers.size() < kEntry * (std::size_t{numbers[kEntry - 1]} + 1)) {
+    if (numbers.size() < kEntry * (std::size_t{numbers[kEntry - 1]} + 1)) {
         return false;
     }
     for (std::size_t i = kEntry; i <= kEntry * numbers[kEntry - 1]; i += kEntry) {
