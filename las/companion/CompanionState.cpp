@@ -19,7 +19,7 @@ namespace {
 /// The texts of all that differs, one behind the other.
 class Differences {
   public:
-    void Add(std::wstring text) { text_ += (text_.empty() ? L"" : L"; ") + text; }
+    void Add(const std::wstring& text) { text_ += (text_.empty() ? L"" : L"; ") + text; }
     template <typename Number>
     void AddIfOther(StringId text, Number then, Number now) {
         if (then != now) {

@@ -17,6 +17,7 @@ struct QvrPlace {
     std::uint64_t code = 0;
     std::uint64_t priority = 0;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): a false alarm about comparisons that the compiler writes
     auto operator<=>(const QvrPlace&) const = default;
 };
 

@@ -39,7 +39,8 @@ QvrSizes QvrSizes::For(std::uint64_t points, std::size_t recordLength, const Qvr
     sizes.form = {recordLength, settings.randomOrder.value_or(true), settings.seed};
     sizes.threads =
         settings.threads == 0 ? std::max(1U, std::thread::hardware_concurrency()) : settings.threads;
-    const std::uint64_t fullEntries = points / (512U * std::max<std::uint16_t>(1, settings.factor));
+    const std::uint64_t fullEntries =
+        points / (std::uint64_t{512} * std::max<std::uint16_t>(1, settings.factor));
     // A split octant has more points than an entry may have, and up to eight entries instead.
     sizes.mostEntries = std::min(points, 8 * fullEntries + 1000);
     sizes.entriesBytes = fullEntries * kEntriesBytes;
@@ -69,7 +70,7 @@ void QvrSizes::ChooseBuckets(std::uint64_t points, std::uint64_t memory) {
     readBytes =
         std::max<std::uint64_t>(std::clamp(perThread / 8, kSmallestRead, kLargestRead), form.recordLength);
     mostPoints = Narrow(std::clamp<std::uint64_t>(perThread / BytesPerPoint(), kFewestPoints, kMostPoints));
-    wantedPoints = Narrow(std::min<std::uint64_t>(mostPoints / 3 * 2, handy));
+    wantedPoints = Narrow(std::min(std::uint64_t{mostPoints} / 3 * 2, handy));
     mostBuckets = Narrow(std::clamp<std::uint64_t>(perThread / block, 8, kMostBuckets));
 }
 
@@ -86,7 +87,8 @@ void QvrSizes::ChoosePlace(std::uint64_t points, std::uint64_t memory) {
         mostPoints = Narrow(std::clamp<std::uint64_t>(left, wantedPoints, mostPoints));
     }
     // Those that are not full shall not take more than a quarter of the space.
-    const std::uint64_t fair = points * form.Stride() / (4 * (threads + 1) * FinalBuckets(points));
+    const std::uint64_t fair =
+        points * form.Stride() / (std::uint64_t{4} * (threads + 1) * FinalBuckets(points));
     const std::uint64_t block = std::clamp(std::min(memory / 4 * 3 / threads / buckets, fair), kSmallestBlock,
                                            isInMemory ? kMemoryBlock : kFileBlock);
     blockRecords = Narrow(std::clamp<std::uint64_t>(block / form.Stride(), 1, mostPoints));

@@ -138,7 +138,7 @@ std::string QvrBytes(const std::string& las, std::int64_t time, std::uint16_t de
 
 std::wstring WriteQvrBeside(const std::wstring& lasPath) {
     const auto time = LastWriteTime(lasPath).value().time_since_epoch();
-    const std::wstring path = QvrPathOf(lasPath);
+    std::wstring path = QvrPathOf(lasPath);
     std::ofstream(ToPath(path), std::ios::binary)
         << QvrBytes(ReadFile(lasPath), std::chrono::duration_cast<std::chrono::nanoseconds>(time).count());
     return path;
