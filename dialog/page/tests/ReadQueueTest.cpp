@@ -200,7 +200,7 @@ TEST_F(ReadQueues, ThreadsAreLimitedInAllButEachDriveHasOneThatIsNotOverdue) {
     for (int i = 0; i < 3; ++i) {
         Take();
     }
-    for (const std::size_t others : {16, 12, 8, 4}) {
+    for (const std::size_t others : {16U, 12U, 8U, 4U}) {
         EXPECT_EQ(staff(), 16U + others) << "four drives have four more, the others one";
         EXPECT_EQ(staff(), 0U);
         Take(kPatience);
