@@ -329,6 +329,8 @@ void MapPoints::Close() {
     const std::shared_ptr<Files> closed = files_;  // pictures on their way hold it, too
     SetFiles({});
     if (pool_->waitForDone(kPatienceMs)) {
+        // The worker took it last; Qt's wait is one that the thread sanitizer does not see.
+        const std::lock_guard guard(link_->lock);
         closed->open.clear();
     }
 }
