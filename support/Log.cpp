@@ -4,7 +4,11 @@
 #include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/spdlog.h>
 
+#include <algorithm>
+#include <condition_variable>
 #include <filesystem>
+#include <mutex>
+#include <vector>
 
 #include "support/Environment.h"
 #include "support/Files.h"
@@ -40,13 +44,84 @@ spdlog::logger& Logger() {
     return *logger;
 }
 
+void Log(LogLevel level, std::wstring_view line) {
+    const std::string text = ToUtf8(line);
+    if (!LogRedirection::Deliver(level, text)) {
+        Logger().log(level == LogLevel::Info ? spdlog::level::info : spdlog::level::warn, "{}", text);
+    }
+}
+
 }  // namespace
 
+struct LogRedirection::Registry {
+    std::mutex lock;
+    std::condition_variable ended;  ///< a call of a receiver
+    std::vector<LogRedirection*> all;
+
+    static Registry& Instance() {
+        // Never destroyed: a worker may log while the process ends.
+        static auto* const registry = new Registry;
+        return *registry;
+    }
+
+    /// Begins a call of the receiver in charge; null if there is none.
+    LogRedirection* Begin() {
+        const std::lock_guard guard(lock);
+        const auto own = std::find_if(all.rbegin(), all.rend(), [](const LogRedirection* redirection) {
+            return redirection->thread_ == std::this_thread::get_id();
+        });
+        LogRedirection* const chosen = own != all.rend() ? *own : all.empty() ? nullptr : all.back();
+        if (chosen != nullptr) {
+            ++chosen->running_;
+        }
+        return chosen;
+    }
+
+    void End(LogRedirection& redirection) {
+        const std::lock_guard guard(lock);
+        --redirection.running_;
+        ended.notify_all();
+    }
+};
+
+LogRedirection::LogRedirection(LogReceiver receiver) : receiver_(std::move(receiver)) {
+    if (receiver_) {
+        Registry& registry = Registry::Instance();
+        const std::lock_guard guard(registry.lock);
+        registry.all.push_back(this);
+    }
+}
+
+LogRedirection::~LogRedirection() {
+    Registry& registry = Registry::Instance();
+    std::unique_lock guard(registry.lock);
+    std::erase(registry.all, this);
+    registry.ended.wait(guard, [this] { return running_ == 0; });
+}
+
+bool LogRedirection::Deliver(LogLevel level, const std::string& line) {
+    thread_local bool isReceiving = false;
+    Registry& registry = Registry::Instance();
+    LogRedirection* const redirection = isReceiving ? nullptr : registry.Begin();
+    if (redirection == nullptr) {
+        return false;
+    }
+    isReceiving = true;
+    try {
+        redirection->receiver_(level, line);
+    } catch (...) {
+        // A host's log that fails must not end what was logged.
+    }
+    isReceiving = false;
+    registry.End(*redirection);
+    return true;
+}
+
 void LogInfo(std::wstring_view line) {
-    Logger().info("{}", ToUtf8(line));
+    Log(LogLevel::Info, line);
 }
 void LogWarning(std::wstring_view line) {
-    Logger().warn("{}", ToUtf8(line));
+    Log(LogLevel::Warning, line);
 }
 
 }  // namespace orvex
