@@ -1,7 +1,7 @@
 #include <vector>
 
-#include "host/inspect/ReportColumns.h"
 #include "host/inspect/ReportWriter.h"
+#include "report/ReportColumns.h"
 #include "support/FileTableCsv.h"
 
 namespace orvex {

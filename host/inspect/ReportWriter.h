@@ -2,7 +2,7 @@
 #include <iosfwd>
 #include <memory>
 
-#include "host/inspect/FileReport.h"
+#include "report/FileReport.h"
 
 namespace orvex {
 

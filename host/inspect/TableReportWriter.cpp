@@ -3,8 +3,8 @@
 #include <iterator>
 #include <ostream>
 
-#include "host/inspect/ReportColumns.h"
 #include "host/inspect/ReportWriter.h"
+#include "report/ReportColumns.h"
 #include "support/Text.h"
 
 namespace orvex {

@@ -51,10 +51,10 @@ bool IsKind(std::string_view folder) {
     return std::ranges::find(kKinds, folder) != kKinds.end();
 }
 
-// A kind's own folder, crs/ and settings/ are core; <kind>/page/ is not.
+// A kind's own folder, crs/, report/ and settings/ are core; <kind>/page/ is not.
 bool IsCore(std::string_view path) {
     const std::string_view top = TopFolderOf(path);
-    const bool isCoreFolder = IsKind(top) || top == "crs" || top == "settings";
+    const bool isCoreFolder = IsKind(top) || top == "crs" || top == "report" || top == "settings";
     return isCoreFolder && !IsTest(path) && path.find("/page/") == std::string_view::npos;
 }
 
@@ -217,7 +217,7 @@ std::vector<Violation> CheckKindsAreApart(const Tree& tree) {
 }
 
 std::vector<Violation> CheckHostSeesPublicHeadersOnly(const Tree& tree) {
-    constexpr std::array hidden = {"crs", "dialog", "entry", "settings"};
+    constexpr std::array hidden = {"crs", "dialog", "entry", "report", "settings"};
     constexpr std::array inspecting = {"host/companion/", "host/dem/", "host/inspect/", "host/objects/"};
     std::vector<Violation> violations;
     for (const auto& [file, source] : tree.sources) {

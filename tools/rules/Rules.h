@@ -14,7 +14,7 @@ struct Violation {
 };
 
 /// Core files reach no Qt header, neither directly nor through headers of the tree. Core are the folder of a
-/// kind of data (las/, raster/ ...) without its page/ folder, crs/ and settings/.
+/// kind of data (las/, raster/ ...) without its page/ folder, crs/, report/ and settings/.
 std::vector<Violation> CheckCoreIsWithoutQt(const Tree& tree);
 /// No kind of data includes another; what two of them need is in crs/, support/ or dialog/.
 std::vector<Violation> CheckKindsAreApart(const Tree& tree);

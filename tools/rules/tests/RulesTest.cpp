@@ -36,6 +36,8 @@ TEST(Rules, WhatBreaksThemIsFound) {
             {L"dialog/Units.h", "#include \"Other.h\"\n"},
             {L"dialog/Other.h", "#include \"dialog/Units.h\"\n#include <QtCore/QObject>\n"},
             {L"host/app/Window.cpp", "#include \"orvexcommon/Exports.h\"\n#include \"crs/Crs.h\"\n"},
+            {L"host/app/Report.cpp", "#include \"report/FileReport.h\"\n"},
+            {L"report/FileReport.h", "#include \"dialog/Other.h\"\n"},
             {L"host/inspect/Report.cpp", "#include \"crs/Crs.h\"\n#include \"settings/Store.h\"\n"},
             {L"host/objects/Objects.cpp", "#include \"settings/Store.h\"\n#include \"entry/Module.h\"\n"},
             {L"dialog/Seam.cpp", "/* a\n comment */\n#ifdef _WIN32\n#include <Windows.h>\n#endif\n"},
@@ -50,6 +52,7 @@ TEST(Rules, WhatBreaksThemIsFound) {
                     "dialog/Texts.cpp:4: texts are fetched through Text(text::k...)",
                     "dialog/Texts.cpp:7: a text is named by number instead of text::k...",
                     "dialog/Texts.cpp:8: a text is named by number instead of text::k...",
+                    "host/app/Report.cpp:1: the host includes what is not public: report/FileReport.h",
                     "host/app/Window.cpp:2: the host includes what is not public: crs/Crs.h",
                     "host/inspect/Report.cpp:2: the host includes what is not public: settings/Store.h",
                     "host/objects/Objects.cpp:2: the host includes what is not public: entry/Module.h",
@@ -58,7 +61,8 @@ TEST(Rules, WhatBreaksThemIsFound) {
                     "dialog/Other.h -> <QtCore/QObject>",
                     "las/LasFile.cpp:3: a kind of data includes another: raster/RasterInfo.h",
                     "raster/RasterInfo.h:1: a core file includes Qt: dialog/Units.h -> dialog/Other.h -> "
-                    "<QtCore/QObject>"));
+                    "<QtCore/QObject>",
+                    "report/FileReport.h:1: a core file includes Qt: dialog/Other.h -> <QtCore/QObject>"));
 }
 
 TEST(Rules, WrongLetterCaseIsFound) {

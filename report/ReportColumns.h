@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/inspect/FileReport.h"
+#include "report/FileReport.h"
 #include "support/Column.h"
 
 namespace orvex {

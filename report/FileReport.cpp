@@ -1,4 +1,4 @@
-#include "host/inspect/FileReport.h"
+#include "report/FileReport.h"
 
 #include <fmt/format.h>
 

@@ -1,4 +1,4 @@
-#include "host/inspect/ReportColumns.h"
+#include "report/ReportColumns.h"
 
 #include <algorithm>
 #include <stdexcept>
