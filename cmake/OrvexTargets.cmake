@@ -91,6 +91,15 @@ function(orvex_program target)
     orvex_common_options(${target})
 endfunction()
 
+# A program that is installed. It says its version.
+function(orvex_installed_program target)
+    orvex_program(${target} ${ARGN})
+    install(TARGETS ${target} RUNTIME DESTINATION bin)
+    add_test(NAME ${target}_version COMMAND ${target} --version)
+    string(REPLACE . "\\." version "${PROJECT_VERSION}")
+    set_tests_properties(${target}_version PROPERTIES PASS_REGULAR_EXPRESSION "^${target} ${version}\r?\n$")
+endfunction()
+
 # The test programs that are worth running under the thread sanitizer.
 add_custom_target(orvex_thread_tests)
 

@@ -23,6 +23,8 @@ void ParseOption(const QStringList& arguments, qsizetype& i, HostArguments& pars
         parsed.dark = true;
     } else if (option == "--help" || option == "-h") {
         parsed.help = true;
+    } else if (option == "--version") {
+        parsed.version = true;
     } else if (option == "--pictures") {
         parsed.pictureFolder = TakeValue(arguments, i, parsed);
     } else if (option == "--project") {

@@ -14,6 +14,7 @@ struct HostArguments {
     double scale = 1;
     bool dark = false;
     bool help = false;
+    bool version = false;
     QString error;  ///< what is wrong with the command line; empty when nothing is
 };
 

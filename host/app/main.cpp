@@ -24,6 +24,7 @@
 #include "host/app/PhotoJobs.h"
 #include "host/app/SampleProject.h"
 #include "host/objects/HostClasses.h"
+#include "orvexcommon/Version.h"
 #include "support/Environment.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
@@ -293,6 +294,10 @@ int RunHost(int argc, char** argv) {
         out << HostText(text::kHostUsage).toStdString() << '\n';
         return arguments.help ? 0 : 2;
     }
+    if (arguments.version) {
+        std::cout << "orvex-host " ORVEX_VERSION_TEXT "\n";
+        return 0;
+    }
     if (!Exist(arguments.paths)) {
         return 1;
     }
@@ -301,7 +306,7 @@ int RunHost(int argc, char** argv) {
     }
     QApplication::setOrganizationName("orvex");
     QApplication::setApplicationName("orvex-host");
-    QApplication::setApplicationVersion(ORVEX_VERSION);
+    QApplication::setApplicationVersion(ORVEX_VERSION_TEXT);
     return arguments.drive ? RunDriven(argc, argv, arguments) : RunInteractive(argc, argv, arguments);
 }
 

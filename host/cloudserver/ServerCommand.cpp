@@ -15,6 +15,7 @@
 #include "host/cloudserver/CloudServer.h"
 #include "host/cloudserver/S3Signature.h"
 #include "host/cloudserver/TokenFile.h"
+#include "orvexcommon/Version.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
@@ -36,6 +37,7 @@ struct Options {
     int expires = 3600;
     std::vector<std::pair<std::string, CloudFault>> faults;  ///< with their path prefixes
     bool help = false;
+    bool version = false;
     std::wstring error;
 
     CloudFault& Fault() {
@@ -69,6 +71,7 @@ using enum OptionRow::Value;
 constexpr OptionRow kOptions[] = {
     {L"--help", None, 0, 0, [](Options& o, const std::wstring&, std::int64_t) { o.help = true; }},
     {L"-h", None, 0, 0, [](Options& o, const std::wstring&, std::int64_t) { o.help = true; }},
+    {L"--version", None, 0, 0, [](Options& o, const std::wstring&, std::int64_t) { o.version = true; }},
     {L"--address", Words, 0, 0,
      [](Options& o, const std::wstring& text, std::int64_t) { o.server.address = ToUtf8(text); }},
     {L"--port", Number, 0, 65535,
@@ -155,7 +158,7 @@ Options ParseArguments(const std::vector<std::wstring>& arguments) {
             options.error = FormatText(Text(text::kInspectUnknownOption), {arguments[i]});
         }
     }
-    if (!options.error.empty() || options.help) {
+    if (!options.error.empty() || options.help || options.version) {
         return options;
     }
     if (options.server.folder.empty()) {
@@ -221,6 +224,10 @@ int RunServerCommand(const std::vector<std::wstring>& arguments, const ServerStr
         Options options = ParseArguments(arguments);
         if (options.help) {
             WriteLine(streams.out, Text(text::kCloudServerUsage));
+            return kServerOk;
+        }
+        if (options.version) {
+            WriteLine(streams.out, L"orvex-cloud-server " ORVEX_VERSION_TEXT);
             return kServerOk;
         }
         if (!options.error.empty()) {

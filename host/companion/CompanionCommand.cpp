@@ -9,6 +9,7 @@
 #include "las/companion/CompanionState.h"
 #include "las/companion/QvrFile.h"
 #include "las/companion/QvrVerify.h"
+#include "orvexcommon/Version.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/LDataError.h"
@@ -233,6 +234,10 @@ int RunCompanionCommand(const std::vector<std::wstring>& arguments, const Compan
     }
     if (options.help) {
         WriteLine(streams.out, Text(text::kCompanionUsage));
+        return kCompanionOk;
+    }
+    if (options.version) {
+        WriteLine(streams.out, L"orvex-companion " ORVEX_VERSION_TEXT);
         return kCompanionOk;
     }
     return Runner(options, streams).Run();

@@ -178,8 +178,10 @@ bool ParseAction(const std::wstring& name, CompanionOptions& options) {
         return true;
     }
     options.help = IsHelp(name);
-    options.error =
-        options.help ? L"" : WithoutControls(FormatText(Text(text::kCompanionUnknownCommand), {name}));
+    options.version = name == L"--version";
+    if (!options.help && !options.version) {
+        options.error = WithoutControls(FormatText(Text(text::kCompanionUnknownCommand), {name}));
+    }
     return false;
 }
 

@@ -17,6 +17,7 @@ struct CompanionOptions {
     CompanionAction action = CompanionAction::Check;
     std::vector<std::wstring> files;
     bool help = false;
+    bool version = false;
     std::wstring error;  ///< a sentence; empty if the arguments are understood
 
     QvrSettings settings;    ///< of Build
