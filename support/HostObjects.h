@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "orvexcommon/HostInterfaces.h"
 
@@ -31,6 +32,10 @@ inline std::wstring ProjectFolderOf(OrvexApplication* application) {
     std::wstring folder;
     return application != nullptr && application->GetProjectFolder(folder) >= 0 ? folder : std::wstring();
 }
+
+/// Text for the log and for the host's developers when an object that the component needs cannot be created:
+/// names the class and says what the host has to register. `result`: failure code of its creation.
+std::wstring MissingObjectText(std::string_view name, const ClassId& id, std::int32_t result);
 
 /// The host's objects by class id: in-process factories on Linux, COM on Windows.
 std::unique_ptr<HostObjects> MakeHostObjects();

@@ -3,6 +3,7 @@
 #include <cpl_conv.h>
 #include <cpl_string.h>
 #include <ogr_srs_api.h>
+#include <proj.h>
 
 #include <string_view>
 
@@ -53,6 +54,19 @@ std::string WithoutEnsembles(std::string_view wkt) {
     return text;
 }
 
+/// False for PROJ's own folders, which GDAL gives while nobody has set any.
+bool AreSetByHost(const CPLStringList& folders) {
+    const auto joined = [&](char separator) {
+        std::string text;
+        for (int i = 0; i < folders.size(); ++i) {
+            text.append(i == 0 ? 0U : 1U, separator).append(folders[i]);
+        }
+        return text;
+    };
+    const std::string_view own = proj_info().searchpath;
+    return joined(':') != own && joined(';') != own;  // Windows has the latter
+}
+
 }  // namespace
 
 std::string ExportWkt(const OGRSpatialReference& crs, const char* format, bool multiLine) {
@@ -70,13 +84,19 @@ void PreferProjData(const std::filesystem::path& folder) {
     if (!FileExists(FromPath(folder / "proj.db"))) {
         return;
     }
-    CPLStringList paths;
-    paths.AddString(ToUtf8(FromPath(folder)).c_str());
     const CPLStringList known(OSRGetPROJSearchPaths());
+    const std::string ours = ToUtf8(FromPath(folder));
+    CPLStringList paths;
+    if (!AreSetByHost(known)) {
+        paths.AddString(ours.c_str());
+    }
     for (int i = 0; i < known.size(); ++i) {
         if (paths.FindString(known[i]) < 0) {
             paths.AddString(known[i]);
         }
+    }
+    if (paths.FindString(ours.c_str()) < 0) {
+        paths.AddString(ours.c_str());
     }
     OSRSetPROJSearchPaths(paths.List());
 }

@@ -11,8 +11,9 @@ namespace orvex {
 /// written as datums. Call it inside a GdalErrorScope.
 std::string ExportWkt(const OGRSpatialReference& crs, const char* format, bool multiLine = false);
 
-/// Puts `folder` in front of the folders where PROJ looks for its database and grids, for the whole process.
-/// Does nothing if the folder has no database. Safe from any thread.
+/// Adds `folder` to those where PROJ looks for its database and grids, for the whole process: behind the ones
+/// that the host has set through GDAL, but before those of the system and the environment, whose database may
+/// be another version's. Does nothing if the folder has no database. Safe from any thread.
 void PreferProjData(const std::filesystem::path& folder);
 
 }  // namespace orvex

@@ -10,15 +10,23 @@
 #include <ogr_srs_api.h>
 
 #include <filesystem>
+#include <string>
 #include <thread>
+#include <vector>
 
+#include "orvexcommon/OrvexUtilities.h"
 #include "support/Environment.h"
 #include "support/GdalErrorScope.h"
+#include "support/SpatialReference.h"
 #include "support/Text.h"
 #include "support/testing/TemporaryFolder.h"
 
 namespace orvex {
 namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 std::string DataOption() {
     return CPLGetConfigOption("GDAL_DATA", "unset");
@@ -56,8 +64,7 @@ TEST(GdalSetup, OfTheBuildFolderAndOfAMovedOne) {
     EXPECT_EQ(DataOption(), ToUtf8(FromPath(ModuleFolder() / "gdal-data")));
     EXPECT_NE(GDALGetDriverByName("GTiff"), nullptr);
     const CPLStringList folders(OSRGetPROJSearchPaths());
-    ASSERT_GT(folders.size(), 0);
-    EXPECT_EQ(folders[0], ToUtf8(FromPath(ModuleFolder() / "proj")));
+    EXPECT_GE(folders.FindString(ToUtf8(FromPath(ModuleFolder() / "proj")).c_str()), 0);
     EXPECT_GT(std::filesystem::file_size(ModuleFolder() / "gdal-data" / "pcs.csv"), 100000U);
 
     const testing::TemporaryFolder folder;
@@ -70,8 +77,50 @@ TEST(GdalSetup, OfTheBuildFolderAndOfAMovedOne) {
     EXPECT_EQ(DataOption(), ToUtf8(FromPath(ModuleFolder() / "gdal-data")));
 }
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
+TEST(GdalSetup, TheCacheKeepsTheSizeThatTheHostHasGivenIt) {
+    const GIntBig memory = CPLGetUsablePhysicalRAM();
+    const GIntBig before = GDALGetCacheMax64();
+    struct Case {
+        const char* what;
+        GIntBig set;
+        const char* option;
+        GIntBig expected;
+    };
+    const GIntBig ofGdal = memory / 20;
+    const GIntBig quarter = memory / 4;
+    for (const Case& row :
+         {Case{"nothing set", ofGdal, nullptr, quarter}, Case{"set by the host", 12345678, nullptr, 12345678},
+          Case{"the option", ofGdal, "5%", ofGdal}, Case{"nothing set any more", ofGdal, nullptr, quarter}}) {
+        CPLSetConfigOption("GDAL_CACHEMAX", row.option);
+        GDALSetCacheMax64(row.set);
+        for (int call = 0; call < 2; ++call) {
+            EXPECT_TRUE(OrvexUtilities::SetGDALRasterCacheSize(0.25)) << row.what;
+            EXPECT_NEAR(static_cast<double>(GDALGetCacheMax64()), static_cast<double>(row.expected), 2)
+                << row.what;
+        }
+    }
+    CPLSetConfigOption("GDAL_CACHEMAX", nullptr);
+    GDALSetCacheMax64(before);
+}
+
+TEST(GdalSetup, ProjLooksFirstWhereTheHostHasSetIt) {
+    const std::filesystem::path folder = ModuleFolder() / "proj";
+    const std::string ours = ToUtf8(FromPath(folder));
+    const auto folders = [] {
+        const CPLStringList list(OSRGetPROJSearchPaths());
+        return std::vector<std::string>(list.List(), list.List() + list.size());
+    };
+    const char* const grids[] = {"/the host's grids", nullptr};
+    OSRSetPROJSearchPaths(grids);
+    PreferProjData(folder);
+    PreferProjData(folder);
+    EXPECT_THAT(folders(), ElementsAre(grids[0], ours));
+    OSRSetPROJSearchPaths(nullptr);
+    PreferProjData(folder);
+    PreferProjData(folder);
+    EXPECT_THAT(folders(), Contains(ours).Times(1));
+    EXPECT_EQ(folders().front(), ours) << "before PROJ's own";
+}
 
 void Report(const char* message, CPLErr severity = CE_Failure) {
     CPLError(severity, CPLE_AppDefined, "%s", message);

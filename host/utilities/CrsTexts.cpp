@@ -2,6 +2,9 @@
 #include <cpl_conv.h>
 #include <gdal.h>
 
+#include <atomic>
+#include <cstdlib>
+
 #include "host/utilities/CadReader.h"
 #include "host/utilities/CrsReading.h"
 #include "orvexcommon/OrvexUtilities.h"
@@ -21,6 +24,18 @@ long UnitCode(const OGRSpatialReference& crs, const char* node) {
     const long known = EpsgCode(crs);
     OGRSpatialReference full;
     return ImportEpsg(known, full) ? EpsgCode(full, node) : 0;
+}
+
+/// Size of the cache as it was set here last; 0 while it was not.
+std::atomic<GIntBig> cacheSizeSet = 0;
+
+/// GDAL does not tell, so any size counts that is neither its own default nor ours.
+bool HasHostSetCacheSize(GIntBig memory) {
+    constexpr double kDefaultFraction = 0.05;
+    const GIntBig now = GDALGetCacheMax64();
+    const auto defaultSize = static_cast<GIntBig>(static_cast<double>(memory) * kDefaultFraction);
+    return CPLGetConfigOption("GDAL_CACHEMAX", nullptr) != nullptr ||
+           (now != cacheSizeSet && std::abs(now - defaultSize) > 1);
 }
 
 }  // namespace
@@ -88,6 +103,9 @@ bool OrvexUtilities::SetGDALRasterCacheSize(double fraction) {
         return false;
     }
     PrepareGdalReading();
-    GDALSetCacheMax64(static_cast<GIntBig>(static_cast<double>(memory) * fraction));
+    if (!HasHostSetCacheSize(memory)) {
+        cacheSizeSet = static_cast<GIntBig>(static_cast<double>(memory) * fraction);
+        GDALSetCacheMax64(cacheSizeSet);
+    }
     return true;
 }

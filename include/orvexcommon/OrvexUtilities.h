@@ -125,8 +125,9 @@ class ORVEXUTILITIES_API OrvexUtilities {
     /// (as in WKT2). False if the WKT is unreadable or has no code for its horizontal CRS.
     static bool CrsGetEPSGFromWKT(const std::string& wkt, long& code, long& horizontal, long& vertical,
                                   long& geographic, long& linearUnit, long& angularUnit);
-    /// Sets GDAL's raster block cache to a fraction (above 0, at most 1) of physical memory. False if out of
-    /// range. Also prepares what this library needs of GDAL: call it before other threads use GDAL.
+    /// Sets GDAL's raster block cache to a fraction (above 0, at most 1) of physical memory, unless the host
+    /// has set it (GDALSetCacheMax, or the option GDAL_CACHEMAX). False if out of range. Also prepares what
+    /// this library needs of GDAL: call it before other threads use GDAL.
     static bool SetGDALRasterCacheSize(double fraction);
     /// WKT (WKT1, else WKT2) from the GeoTIFF keys of a LAS file: the payloads of the records 34735
     /// (directory), 34736 (doubles, may be empty) and 34737 (text, may be empty), little-endian. Empty if
