@@ -1,5 +1,6 @@
 # Lays out GDAL's and PROJ's data beside the component's library, where it looks for them: bin/gdal-data (with pcs.csv,
-# made from PROJ's database), bin/gdalplugins and bin/proj; the same when installed. A second build does nothing.
+# made from PROJ's database), bin/gdalplugins and bin/proj; installed, they lie where
+# OrvexInstall.cmake says. A second build does nothing.
 find_program(ORVEX_GDAL_CONFIG gdal-config)
 if(ORVEX_GDAL_CONFIG AND NOT CMAKE_CROSSCOMPILING)
     execute_process(COMMAND "${ORVEX_GDAL_CONFIG}" --datadir OUTPUT_VARIABLE gdal_config_data
@@ -37,6 +38,7 @@ add_custom_command(
     VERBATIM)
 
 add_custom_target(orvex_gdal_data ALL DEPENDS "${data_stamp}" "${pcs_csv}")
+add_dependencies(orvex_installed orvex_gdal_data)
 
 # Tests that set GDAL up from their own folder find the same data; on Windows they lie in bin/ themselves.
 if(NOT WIN32)
@@ -46,4 +48,10 @@ if(NOT WIN32)
     endforeach()
 endif()
 
-install(DIRECTORY "${data_root}/gdal-data" "${data_root}/gdalplugins" "${data_root}/proj" DESTINATION bin)
+# GDAL's data suit one release of GDAL, as its library's name does. PROJ's database has to suit the library to the letter, and
+# a system's PROJ brings its own.
+set(installed_data "${data_root}/gdal-data" "${data_root}/gdalplugins")
+if(WIN32)
+    list(APPEND installed_data "${data_root}/proj")
+endif()
+install(DIRECTORY ${installed_data} DESTINATION "${ORVEX_INSTALL_DATA}" COMPONENT data)

@@ -12,9 +12,9 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 # Holds orvexcommon/TextIds.h, which the target orvex_text_ids makes.
 set(ORVEX_GENERATED_INCLUDE "${CMAKE_BINARY_DIR}/include")
-# A moved build or install folder still finds its own libraries.
+# A moved build folder still finds its own libraries.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
-set(CMAKE_INSTALL_RPATH "$ORIGIN")
+include("${CMAKE_CURRENT_LIST_DIR}/OrvexInstall.cmake")
 
 set(ORVEX_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
 option(ORVEX_FUZZ "Build the fuzzers" OFF)
@@ -35,6 +35,8 @@ if(ORVEX_LLD AND NOT WIN32)
 endif()
 
 if(NOT WIN32)
+    # What a release loads cannot be written over once it is loaded.
+    add_link_options($<$<CONFIG:Release>:LINKER:-z,relro,-z,now>)
     # Programs as well as libraries, so that they share precompiled headers.
     add_compile_options(-fPIC)
 endif()
@@ -82,7 +84,8 @@ function(orvex_host_library target)
     orvex_common_options(${target})
     string(TOUPPER "${target}_BUILD" build_macro)
     target_compile_definitions(${target} PRIVATE ${build_macro})
-    install(TARGETS ${target} LIBRARY DESTINATION bin RUNTIME DESTINATION bin ARCHIVE DESTINATION lib)
+    orvex_install_library(${target})
+    set_property(GLOBAL APPEND PROPERTY ORVEX_HOST_LIBRARIES ${target})
 endfunction()
 
 # A program in bin/.
@@ -94,7 +97,8 @@ endfunction()
 # A program that is installed. It says its version.
 function(orvex_installed_program target)
     orvex_program(${target} ${ARGN})
-    install(TARGETS ${target} RUNTIME DESTINATION bin)
+    add_dependencies(orvex_installed ${target})
+    install(TARGETS ${target} RUNTIME DESTINATION "${ORVEX_INSTALL_PROGRAMS}" COMPONENT tools)
     add_test(NAME ${target}_version COMMAND ${target} --version)
     string(REPLACE . "\\." version "${PROJECT_VERSION}")
     set_tests_properties(${target}_version PROPERTIES PASS_REGULAR_EXPRESSION "^${target} ${version}\r?\n$")

@@ -52,7 +52,7 @@ bool GdalSetup::Run(const std::filesystem::path& folder) {
 
 bool GdalSetup::Run() {
     // Looking the folder up takes a system call, and this runs for every file.
-    return Run(attempted_ ? std::filesystem::path() : ModuleFolder());
+    return Run(attempted_ ? std::filesystem::path() : DataFolder());
 }
 
 bool EnsureGdal() {

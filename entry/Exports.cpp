@@ -29,7 +29,7 @@ class ComponentParts {
     std::unique_ptr<HostObjects> hostObjects_ = MakeHostObjects();
     UserPromptsQt prompts_;
     std::unique_ptr<FilePickers> pickers_ = MakeFilePickers();
-    std::unique_ptr<HelpViewer> help_ = MakeHelpViewer(ModuleFolder());
+    std::unique_ptr<HelpViewer> help_ = MakeHelpViewer(DataFolder());
     OptionStore options_{*registry_};
     DialogServices services_{prompts_, *pickers_, *help_, options_, *hostObjects_};
 };

@@ -20,6 +20,11 @@ std::vector<std::wstring> ProgramArguments(int argc, const char* const* argv);
 /// from the address of one of its functions, so it is right after the folder has been moved.
 std::filesystem::path ModuleFolder();
 
+/// Folder of the files that the component brings: GDAL's data, the manual. ModuleFolder() where they lie
+/// beside it, as in a build or on Windows; else "share/orvexcommon" of the prefix that the component is
+/// installed in, derived from ModuleFolder(), so it is right after the prefix has been moved.
+std::filesystem::path DataFolder();
+
 /// Folder for files that can be lost without harm, such as the log; not created here.
 /// Linux: "$XDG_CACHE_HOME/orvex", else "~/.cache/orvex". Windows: "%LOCALAPPDATA%\Orvex", else the folder
 /// for temporary files.

@@ -53,6 +53,22 @@ std::filesystem::path ModuleFolder() {
     return file.parent_path();
 }
 
+std::filesystem::path DataFolder() {
+    const std::filesystem::path module = ModuleFolder();
+    std::error_code error;
+    if (std::filesystem::is_directory(module / "gdal-data", error)) {
+        return module;
+    }
+    // Programs lie in PREFIX/bin, libraries in PREFIX/lib or PREFIX/lib/ARCHITECTURE.
+    for (const std::filesystem::path& prefix : {module.parent_path(), module.parent_path().parent_path()}) {
+        std::filesystem::path data = prefix / "share" / "orvexcommon";
+        if (std::filesystem::is_directory(data, error)) {
+            return data;
+        }
+    }
+    return module;
+}
+
 // The base directory rules say that paths that are not absolute are to be ignored.
 std::filesystem::path UserCacheFolder() {
     if (const auto base = PathIn(L"XDG_CACHE_HOME"); base.is_absolute()) {

@@ -97,6 +97,10 @@ std::vector<std::wstring> ProgramArguments(int, const char* const*) {
     return arguments;
 }
 
+std::filesystem::path DataFolder() {
+    return ModuleFolder();
+}
+
 std::filesystem::path ModuleFolder() {
     return std::filesystem::path(ModuleFile(reinterpret_cast<const void*>(&ModuleFolder))).parent_path();
 }

@@ -1,6 +1,7 @@
 # Installs the missing Debian packages of tools/packages.txt and the locale of the second test run; other scripts call
 # install_missing with their own lists. Needs root only if something is missing. If apt does not offer LASzip, it is taken
 # from the next Debian release, pinned so that no other package can be.
+source tools/as_root.sh
 
 # Prints the packages in a list (one name a line) that are not installed.
 missing_packages() {
@@ -12,17 +13,6 @@ missing_packages() {
 }
 
 has_test_locale() { locale -a 2>/dev/null | grep -qix 'de_DE\.utf-\?8'; }
-
-as_root() {
-    if [ "$(id -u)" = 0 ]; then
-        "$@"
-    elif command -v sudo >/dev/null; then
-        sudo "$@"
-    else
-        echo "orvex: this step needs root: $*" >&2
-        return 1
-    fi
-}
 
 # apt-get, without its progress. While another program holds one of apt's locks it waits, after saying so; apt-get itself
 # can wait for some of the locks only.
@@ -66,18 +56,27 @@ archive_address() {
     echo "$address"
 }
 
+# Prints the source of packages that offers LASzip to apt, and the pin that keeps everything else of it away.
+laszip_source() {
+    local next address
+    next=$(next_release)
+    address=$(archive_address "$(machine_release)")
+    printf 'Types: deb\nURIs: %s\nSuites: %s\nComponents: main\nSigned-By: %s\n' "$address" "$next" "$debian_keyring"
+}
+laszip_pin() {
+    local next
+    next=$(next_release)
+    printf 'Package: *\nPin: release n=%s\nPin-Priority: -1\n\nPackage: liblaszip-dev liblaszip8 liblaszip-api8\nPin: release n=%s\nPin-Priority: 500\n' \
+        "$next" "$next"
+}
+
 offer_next_release_laszip() {
     [ -n "$(apt-cache madison liblaszip-dev 2>/dev/null)" ] && return 0
-    local release next address file
-    release=$(machine_release)
-    next=$(next_release)
-    address=$(archive_address "$release")
+    local file
     file=$(mktemp)
-    printf 'Types: deb\nURIs: %s\nSuites: %s\nComponents: main\nSigned-By: %s\n' \
-        "$address" "$next" "$debian_keyring" >"$file"
+    laszip_source >"$file"
     as_root install -m 644 "$file" /etc/apt/sources.list.d/orvex-laszip.sources
-    printf 'Package: *\nPin: release n=%s\nPin-Priority: -1\n\nPackage: liblaszip-dev liblaszip8 liblaszip-api8\nPin: release n=%s\nPin-Priority: 500\n' \
-        "$next" "$next" >"$file"
+    laszip_pin >"$file"
     as_root install -m 644 "$file" /etc/apt/preferences.d/orvex-laszip
     rm -f "$file"
     apt_get update

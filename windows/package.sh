@@ -23,6 +23,7 @@ copy_licences() {
     local folder=$1 source library
     mkdir -p "$folder"
     cp LICENSE "$folder/OrvexCommon.txt"
+    cp THIRD-PARTY.md "$folder/"
     while read -r library source; do
         cp -L "/usr/share/doc/$source/copyright" "$folder/$library.txt"
     done <windows/licences.txt

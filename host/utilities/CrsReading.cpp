@@ -18,7 +18,7 @@ constexpr std::size_t kMaxWktLength = 1 << 20;
 /// to find.
 void FindProjData() {
     static std::once_flag once;
-    std::call_once(once, [] { PreferProjData(ModuleFolder() / "proj"); });
+    std::call_once(once, [] { PreferProjData(DataFolder() / "proj"); });
 }
 
 }  // namespace
