@@ -56,6 +56,7 @@ SystemSettings::SystemSettings(HostObjects& objects) {
     std::int32_t result = kHostOk;
     object_ = objects.CreateSystemSettings(result);
     if (!object_) {
+        LogWarning(MissingObjectText("OrvexSystemSettings", kSystemSettingsClass, result));
         throw LDataError(L"Failed to create OrvexSystemSettings object");
     }
 }

@@ -8,7 +8,8 @@
 namespace orvex {
 
 /// Typed access to the section "AddFilesDlg" of the host's settings object, for one use. The constructor
-/// throws LDataError "Failed to create OrvexSystemSettings object" if the host cannot create the object.
+/// throws LDataError "Failed to create OrvexSystemSettings object" if the host cannot create the object; the
+/// log then says what the host has to register.
 class SystemSettings {
   public:
     explicit SystemSettings(HostObjects& objects);

@@ -31,6 +31,8 @@ class FakeHostObjects final : public HostObjects {
   public:
     /// Settings by section and key.
     std::map<std::pair<std::wstring, std::wstring>, SettingValue> settings;
+    /// Settings that were asked for, with the value that the component gave: its default.
+    std::map<std::pair<std::wstring, std::wstring>, SettingValue> asked;
     std::int32_t createSettingsResult = kHostOk;  ///< another code: the settings object cannot be made
     std::int32_t getResult = kHostOk;             ///< what Get returns; a failure leaves the value alone
     std::int32_t setResult = kHostOk;             ///< what Set returns; a failure stores nothing
@@ -68,6 +70,7 @@ class FakeHostObjects final : public HostObjects {
         explicit Settings(FakeHostObjects& host) : host_(host) {}
 
         std::int32_t Get(const std::wstring& section, const std::wstring& key, SettingValue& value) override {
+            host_.asked.try_emplace({section, key}, value);
             const auto stored = host_.settings.find({section, key});
             if (host_.getResult == kHostOk && stored != host_.settings.end()) {
                 value = stored->second;

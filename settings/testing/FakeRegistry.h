@@ -20,6 +20,7 @@ class FakeRegistry final : public RegistryStore {
     std::set<RegistryRoot> denyOpen;  ///< roots whose base key cannot be opened
     bool denySubkeys = false;         ///< no other key can be opened
     bool throws = false;              ///< there is no memory for anything
+    std::set<std::wstring> asked;     ///< names of the values that were queried
 
     /// Puts a value into the store whatever the switches say; `subkey` empty: into the base key.
     void Put(RegistryRoot root, const std::wstring& subkey, const std::wstring& name, Value value) {
@@ -46,6 +47,7 @@ class FakeRegistry final : public RegistryStore {
 
         RegistryStatus Query(const std::wstring& name, RegistryType type,
                              std::vector<std::byte>& data) const override {
+            registry_.asked.insert(name);
             const Value* value = registry_.Find(root_, subkey_, name);
             if (value == nullptr || value->type != type) {
                 return value == nullptr ? RegistryStatus::NotFound : RegistryStatus::WrongType;

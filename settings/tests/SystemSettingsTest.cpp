@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <string>
 
 #include "settings/testing/FakeHostObjects.h"
 #include "support/LDataError.h"
+#include "support/Log.h"
 
 namespace orvex {
 namespace {
@@ -67,7 +69,13 @@ TEST_F(SystemSettingsTest, FailuresGiveFallbacksAndKeepOldValues) {
     EXPECT_EQ(settings.GetNumber(L"DEMThinningFactor", 2), 2);
 
     host_.createSettingsResult = kHostClassNotRegistered;
+    std::string logged;
+    const LogRedirection log([&](LogLevel, const std::string& line) { logged += line; });
     EXPECT_THROW(SystemSettings none(host_), LDataError);
+    for (const char* part : {"OrvexSystemSettings", "{38E5B774-7F17-48A4-BB8A-CEEA8FE4F258}",
+                             "is not registered", "0x80040154", "RegisterHostClass"}) {
+        EXPECT_NE(logged.find(part), std::string::npos) << part << " is not in: " << logged;
+    }
 }
 
 }  // namespace
