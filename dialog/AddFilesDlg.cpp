@@ -30,6 +30,7 @@
 #include "support/Format.h"
 #include "support/HandlerGuard.h"
 #include "support/HostObjects.h"
+#include "support/LDataError.h"
 #include "support/QtText.h"
 #include "support/UserPrompts.h"
 
@@ -172,11 +173,11 @@ std::int32_t AddFilesDlg::AskHostApplication() {
 
 bool AddFilesDlg::Run() {
     if (const std::int32_t result = Initialise(); result < 0) {
-        services_.prompts.Show(
-            {FormatText(Text(text::kHostObjectMissing), {static_cast<std::uint32_t>(result)}),
-             Text(text::kAddFilesTitle), PromptIcon::Error, PromptButtons::Ok});
+        const std::wstring failure =
+            FormatText(Text(text::kHostObjectMissing), {static_cast<std::uint32_t>(result)});
+        services_.prompts.Show({failure, Text(text::kAddFilesTitle), PromptIcon::Error, PromptButtons::Ok});
         ReleasePages();
-        return false;
+        throw LDataError(failure);
     }
     if (exec() != QDialog::Accepted) {
         ReleasePages();

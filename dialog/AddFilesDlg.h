@@ -43,8 +43,8 @@ class AddFilesDlg : public QDialog {
     std::int32_t Initialise();
 
     /// Initialises the dialog and runs it modally. True if it was closed with OK and pages have written
-    /// anything to add; if it was closed in any other way, every page has released its objects. Reports to
-    /// the user if it cannot be opened.
+    /// anything to add; if it was closed in any other way, every page has released its objects. If it cannot
+    /// be opened, throws LDataError after the user was told.
     bool Run();
 
     /// Makes every page release the objects of its rows, and restores the record as the host gave it.

@@ -2,21 +2,21 @@
 
 #include <algorithm>
 #include <iterator>
+#include <type_traits>
 #include <unordered_set>
 #include <utility>
 
 #include "orvexcommon/AddFilesParams.h"
+#include "record/RecordMembers.h"
 #include "support/PathSet.h"
 #include "support/UniqueNames.h"
 
 namespace orvex {
 namespace {
 
-using Texts = std::map<std::wstring, std::wstring>;
-
 constexpr FilesByFolder AddFilesParams::*kFileLists[] = {
     &AddFilesParams::lasFiles, &AddFilesParams::rasterFiles, &AddFilesParams::demFiles};
-constexpr Texts AddFilesParams::*kTexts[] = {
+constexpr TextByName AddFilesParams::*kTexts[] = {
     &AddFilesParams::presignedUrlLayers,   &AddFilesParams::cloudLasLayers,
     &AddFilesParams::cloudLasLayerValues2, &AddFilesParams::cloudLasLayerValues3,
     &AddFilesParams::lasFileLayers,        &AddFilesParams::rasterFileLayers,
@@ -28,6 +28,14 @@ void AppendNew(std::vector<std::wstring> added, std::vector<std::wstring>& names
                          [&](const std::wstring& name) { return known.insert(name).second; });
 }
 
+/// Empties lists and maps; options stay.
+template <typename Value>
+void Clear(Value& value) {
+    if constexpr (requires { value.clear(); } && !std::is_same_v<Value, std::wstring>) {
+        value.clear();
+    }
+}
+
 /// `added` becomes the earlier elements and those of its own whose key is new.
 template <typename Map>
 void PutBehind(Map earlier, Map& added) {
@@ -36,7 +44,7 @@ void PutBehind(Map earlier, Map& added) {
 }
 
 /// The earlier files keep their keys.
-void AddEarlierFeatures(Texts earlier, Texts& added) {
+void AddEarlierFeatures(TextByName earlier, TextByName& added) {
     UniqueNames keys;
     PathSet files;
     for (const auto& [key, path] : earlier) {
@@ -53,16 +61,11 @@ void AddEarlierFeatures(Texts earlier, Texts& added) {
 }  // namespace
 
 void ClearResults(AddFilesParams& record) {
-    for (const auto member : kFileLists) {
-        (record.*member).clear();
+    for (const RecordMember& row : RecordMembers()) {
+        if (row.use == MemberUse::Result) {
+            std::visit([&](auto member) { Clear(record.*member); }, row.member);
+        }
     }
-    for (const auto member : kTexts) {
-        (record.*member).clear();
-    }
-    record.featureFiles.clear();
-    record.lasFileDetails.clear();
-    record.rasterFileDetails.clear();
-    record.photoFiles.clear();
 }
 
 bool HasResults(const AddFilesParams& record) {

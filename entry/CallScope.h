@@ -31,8 +31,7 @@ class ModalEnd : public QObject {
 /// host's process as it was before, however the call ends.
 class CallScope {
   public:
-    /// `owner` is the host's window; 0: this thread's active one. Throws LDataError if windows cannot be
-    /// shown.
+    /// `owner` is the host's window; 0: this thread's active one. Throws WindowsNotShown.
     explicit CallScope(NativeWindow owner = 0);
     ~CallScope();
     CallScope(const CallScope&) = delete;

@@ -14,7 +14,6 @@
 
 #include "entry/HostProcess.h"
 #include "support/Environment.h"
-#include "support/LDataError.h"
 #include "support/Log.h"
 #include "support/QtText.h"
 #include "support/Text.h"
@@ -87,7 +86,7 @@ std::string PlatformOption() {
         }
     }
     if (usable.isEmpty()) {
-        throw LDataError(faults.empty() ? L"there is no display" : faults);
+        throw WindowsNotShown(faults.empty() ? L"there is no display" : faults);
     }
     return usable.join(';').toStdString();
 }
@@ -158,9 +157,10 @@ QtSession::QtSession() {
     if (running == nullptr) {
         own_ = std::make_unique<Application>();
     } else if (qobject_cast<const QApplication*>(running) == nullptr) {
-        throw LDataError(L"the process has a QCoreApplication, which has no windows, and no QApplication");
+        throw WindowsNotShown(
+            L"the process has a QCoreApplication, which has no windows, and no QApplication");
     } else if (QThread::currentThread() != running->thread()) {
-        throw LDataError(L"the QApplication of the process belongs to another thread");
+        throw WindowsNotShown(L"the QApplication of the process belongs to another thread");
     }
 }
 

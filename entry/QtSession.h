@@ -1,7 +1,15 @@
 #pragma once
 #include <memory>
 
+#include "support/LDataError.h"
+
 namespace orvex {
+
+/// Windows cannot be shown on this thread.
+class WindowsNotShown : public LDataError {
+  public:
+    using LDataError::LDataError;
+};
 
 /// Qt for one call. A QApplication that the host has on this thread is used as it is. In a host without Qt,
 /// one is created on this thread and destroyed again, for every call, on whatever thread that comes. The
@@ -9,7 +17,7 @@ namespace orvex {
 /// are also looked for in "plugins" beside this module.
 class QtSession {
   public:
-    /// Throws LDataError if windows cannot be shown on this thread: the host's application is a
+    /// Throws WindowsNotShown: the host's application is a
     /// QCoreApplication or belongs to another thread, or neither a platform plugin nor its display can be
     /// used.
     QtSession();
