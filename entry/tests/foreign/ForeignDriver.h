@@ -1,6 +1,8 @@
 #pragma once
 // Functions of a library with Qt that a host without Qt loads beside the component: they drive the dialog
-// from inside and provide the host's class objects. C functions, so that they are found by name.
+// from inside and provide the host's class objects. C functions, so that they are found by name from any
+// language. A program that does not load it by itself can have it preloaded or linked in: ORVEX_DRIVER in the
+// environment then works its first dialog.
 #include <cstddef>
 
 extern "C" {
