@@ -54,7 +54,6 @@ void AddExpiry(CloudRow& row, std::int64_t now) {
     }
 }
 
-// The findings of a file that could be read are Finding's alone; its type knows offsets beside.
 void AddRemote(CloudRow& row) {
     if (row.remote == nullptr) {
         return;

@@ -27,8 +27,9 @@ inline constexpr const wchar_t* kPackageFileKind = L"[ Package File ]";
 /// a URL that is missing.
 namespace cloud_finding {
 using enum FindingSeverity;
-inline constexpr FindingKind kExpired{"link-expired", Warning, text::kCloudLinkExpired};
-inline constexpr FindingKind kExpiresSoon{"link-expires-soon", Warning, text::kCloudLinkExpiresSoon};
+inline constexpr FindingKind kExpired{"link-expired", Warning, text::kCloudLinkExpired, {.member = "/path"}};
+inline constexpr FindingKind kExpiresSoon{
+    "link-expires-soon", Warning, text::kCloudLinkExpiresSoon, {.member = "/path"}};
 inline constexpr FindingKind kDuplicateName{"duplicate-name", Warning, text::kCloudDuplicateName};
 inline constexpr FindingKind kNoName{"no-name", Warning, text::kCloudNoName};
 inline constexpr FindingKind kNoUrl{"no-url", Warning, text::kCloudNoUrl};

@@ -33,6 +33,7 @@ void CheckExtentOf(const FeatureRow& row, Findings& findings) {
         findings.push_back(MakeFinding(feature_finding::kExtentInverted, {inverted}));
     }
     if (std::optional<Finding> finding = CheckExtent(*row.crs, low, high)) {
+        finding->where.member = "/feature/extent";
         findings.push_back(*std::move(finding));
     }
 }

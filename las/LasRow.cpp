@@ -18,7 +18,7 @@ namespace orvex {
 namespace {
 
 bool Has(const LasRow& row, const FindingKind& kind) {
-    return std::ranges::find(row.findings, kind.code, &LasFinding::code) != row.findings.end();
+    return std::ranges::find(row.findings, kind.code, &Finding::code) != row.findings.end();
 }
 
 std::wstring CrsProblemText(const LasCrs& crs) {
@@ -42,9 +42,9 @@ void DescribeFileCrs(LasRow& row) {
     row.crsSource = crs.source;
     if (!crs.problem.empty()) {
         row.findings.push_back(
-            {FindingInWords(las_finding::kCrsUnreadable, CrsProblemText(crs)), las::at::kVlrCount});
+            FoundAt(las::at::kVlrCount, FindingInWords(las_finding::kCrsUnreadable, CrsProblemText(crs))));
     } else if (!crs.crs && !Has(row, las_finding::kRecordTooLarge) && !file.HasUnreadRecords()) {
-        row.findings.push_back({MakeFinding(las_finding::kNoCrs), las::at::kVlrCount});
+        row.findings.push_back(FoundAt(las::at::kVlrCount, MakeFinding(las_finding::kNoCrs)));
     }
 }
 
@@ -55,7 +55,8 @@ void CheckExtent(LasRow& row) {
     std::optional<Finding> finding =
         row.file->GetPointCount() == 0 ? std::nullopt : CheckExtent(*row.crs, low, high);
     if (finding) {
-        row.findings.push_back({*std::move(finding), las::at::kMaximum});
+        finding->where.member = "/las/max";
+        row.findings.push_back(FoundAt(las::at::kMaximum, *std::move(finding)));
     }
 }
 
@@ -64,8 +65,8 @@ void CheckCompression(LasRow& row) {
     std::wstring reason;
     if (row.file->IsOnDisk() && row.file->Header().IsCompressed() && !HasErrors(row) &&
         !OrvexUtilities::LAZCheck(row.path, reason)) {
-        row.findings.push_back({FindingInWords(las_finding::kCompressionDamaged, std::move(reason)),
-                                row.file->Header().OffsetToPoints()});
+        row.findings.push_back(FoundAt(row.file->Header().OffsetToPoints(),
+                                       FindingInWords(las_finding::kCompressionDamaged, std::move(reason))));
     }
 }
 
@@ -78,11 +79,11 @@ void ReadCompanionState(LasRow& row) {
     const CompanionFacts facts = CheckCompanion(row.path);
     row.companion = facts.state;
     if (facts.state == CompanionState::Stale) {
-        row.findings.push_back({MakeFinding(las_finding::kQvrStale, {facts.reason})});
+        row.findings.push_back(MakeFinding(las_finding::kQvrStale, {facts.reason}));
     } else if (facts.state == CompanionState::Unreadable) {
-        row.findings.push_back({MakeFinding(las_finding::kQvrUnreadable, {facts.reason})});
+        row.findings.push_back(MakeFinding(las_finding::kQvrUnreadable, {facts.reason}));
     } else if (facts.state == CompanionState::OfOther) {
-        row.findings.push_back({FindingInWords(las_finding::kQvrOfOther, facts.reason)});
+        row.findings.push_back(FindingInWords(las_finding::kQvrOfOther, facts.reason));
     }
 }
 
@@ -91,9 +92,9 @@ void Refuse(LasRow& row, const std::wstring& message) {
     row.loadable = false;
     row.file.reset();
     row.summary = PlainLasFailure(message);
-    row.findings = {{FindingInWords(las_finding::kUnreadable, row.summary)}};
+    row.findings = {FindingInWords(las_finding::kUnreadable, row.summary)};
     if (row.summary != message) {
-        row.findings.push_back({MakeFinding(las_finding::kReaderMessage, {message})});
+        row.findings.push_back(MakeFinding(las_finding::kReaderMessage, {message}));
     }
 }
 
@@ -104,7 +105,7 @@ void RefuseWithoutSignature(LasRow& row) {
     }
     row.loadable = false;
     row.findings.clear();
-    row.findings.push_back({MakeFinding(las_finding::kSignatureMissing, {row.path}), 0});
+    row.findings.push_back(FoundAt(0, MakeFinding(las_finding::kSignatureMissing, {row.path})));
     row.summary = row.findings.front().text;
     row.file.reset();
 }
@@ -174,7 +175,7 @@ LoadFlag LoadFlagOf(const LasRow& row) {
 
 bool HasErrors(const LasRow& row) {
     return std::ranges::any_of(
-        row.findings, [](const LasFinding& finding) { return finding.severity == FindingSeverity::Error; });
+        row.findings, [](const Finding& finding) { return finding.severity == FindingSeverity::Error; });
 }
 
 std::wstring LoadConditionText() {

@@ -20,9 +20,9 @@ struct LasRow {
     std::wstring path;
     bool loadable = false;
     std::wstring summary;  ///< one line: the reason when not loadable, else the first finding or "OK"
-    std::vector<LasFinding> findings;  ///< everything that is odd about the file, worst first
-    std::unique_ptr<LASFile> file;     ///< null when not loadable, and once it belongs to the host
-    CrsPtr crs;  ///< never null; of the WKT that cannot be read, if there is nothing else
+    std::vector<Finding> findings;  ///< everything that is odd about the file, worst first
+    std::unique_ptr<LASFile> file;  ///< null when not loadable, and once it belongs to the host
+    CrsPtr crs;                     ///< never null; of the WKT that cannot be read, if there is nothing else
     LasCrsSource crsSource = LasCrsSource::None;
     CompanionState companion = CompanionState::None;  ///< of the QVR file beside it
     std::uint64_t fileSize = 0;                       ///< bytes; 0 when unknown

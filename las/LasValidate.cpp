@@ -26,11 +26,15 @@ std::uint16_t SmallestHeaderSize(int versionCode) {
     return version == nullptr ? las::kLegacyHeaderSize : version->headerSize;
 }
 
+// The lists of records in the report of a file.
+constexpr const char* kVlrs = "/las/vlrs";
+constexpr const char* kEvlrs = "/las/evlrs";
+
 class Validator {
   public:
     explicit Validator(const LASFile& file) : file_(file), header_(file.Header()) {}
 
-    std::vector<LasFinding> Run() {
+    std::vector<Finding> Run() {
         if (!header_.HasSignature()) {
             Add(las_finding::kSignatureMissing, 0, {file_.FileName()});
         }
@@ -61,7 +65,16 @@ class Validator {
 
   private:
     void Add(const FindingKind& kind, std::uint64_t offset, std::initializer_list<FormatArg> arguments = {}) {
-        findings_.push_back({MakeFinding(kind, arguments), offset});
+        findings_.push_back(FoundAt(offset, MakeFinding(kind, arguments)));
+    }
+
+    /// A finding about a record; `list`: the records of its kind, in the report.
+    template <typename Record>
+    void AddOfRecord(const FindingKind& kind, const char* list, std::size_t index, const Record& record,
+                     std::initializer_list<FormatArg> arguments) {
+        Add(kind, record.FileOffset(), arguments);
+        findings_.back().where.member = list;
+        findings_.back().where.index = index;
     }
 
     void CheckVersion() {
@@ -312,14 +325,14 @@ class Validator {
 
     void CheckVlrs() {
         const auto& vlrs = file_.GetVLRs();
-        AddTooLarge(vlrs, [](const VlrView& vlr) {
+        AddTooLarge(kVlrs, vlrs, [](const VlrView& vlr) {
             return vlr.UserId() == las::kProjectionUserId || vlr.RecordId() == las::kExtraBytesRecordId;
         });
         if (file_.GetExtraBytes().IsSpread()) {
             Add(las_finding::kExtraBytesSpread, at::kVlrCount);
         }
         if (!vlrs.empty() && vlrs.back().IsTruncated()) {
-            AddTruncated(las_finding::kVlrTruncated, vlrs);
+            AddTruncated(las_finding::kVlrTruncated, kVlrs, vlrs);
         }
     }
 
@@ -328,47 +341,51 @@ class Validator {
         if (!evlrs.empty()) {
             CheckEvlrStart();
         }
-        AddTooLarge(evlrs, [](const EvlrEntry& evlr) { return evlr.UserId() == las::kProjectionUserId; });
+        AddTooLarge(kEvlrs, evlrs,
+                    [](const EvlrEntry& evlr) { return evlr.UserId() == las::kProjectionUserId; });
         if (!evlrs.empty() && evlrs.back().IsTruncated()) {
-            AddTruncated(las_finding::kEvlrTruncated, evlrs);
+            AddTruncated(las_finding::kEvlrTruncated, kEvlrs, evlrs);
         }
     }
 
     // The first one stands for all.
     template <typename Records, typename Decoded>
-    void AddTooLarge(const Records& records, Decoded isDecoded) {
+    void AddTooLarge(const char* list, const Records& records, Decoded isDecoded) {
         const auto found = std::ranges::find_if(
             records, [&](const auto& record) { return !record.HasData() && isDecoded(record); });
         if (found != records.end()) {
-            Add(las_finding::kRecordTooLarge, found->FileOffset(),
-                {FromUtf8(found->UserId()), found->RecordId(),
-                 static_cast<double>(found->RecordLength()) * 1e-6});
+            AddOfRecord(las_finding::kRecordTooLarge, list, static_cast<std::size_t>(found - records.begin()),
+                        *found,
+                        {FromUtf8(found->UserId()), found->RecordId(),
+                         static_cast<double>(found->RecordLength()) * 1e-6});
         }
     }
 
     // Only the last record of a list can be truncated.
     template <typename Records>
-    void AddTruncated(const FindingKind& kind, const Records& records) {
+    void AddTruncated(const FindingKind& kind, const char* list, const Records& records) {
         const auto& last = records.back();
-        Add(kind, last.FileOffset(), {records.size(), FromUtf8(last.UserId()), last.RecordId()});
+        AddOfRecord(kind, list, records.size() - 1, last,
+                    {records.size(), FromUtf8(last.UserId()), last.RecordId()});
     }
 
     const LASFile& file_;
     const LasHeader& header_;
-    std::vector<LasFinding> findings_;
+    std::vector<Finding> findings_;
 };
 
 }  // namespace
 
-std::vector<LasFinding> ValidateLas(const LASFile& file) {
+std::vector<Finding> ValidateLas(const LASFile& file) {
     return Validator(file).Run();
 }
 
-void SortFindings(std::vector<LasFinding>& findings) {
+void SortFindings(std::vector<Finding>& findings) {
     // The first one is the row's summary, and of the notes the missing CRS matters most.
-    const auto rank = [](const LasFinding& finding) {
+    const auto rank = [](const Finding& finding) {
         return std::tuple(-static_cast<int>(finding.severity),
-                          std::string_view(finding.code) != las_finding::kNoCrs.code, finding.offset);
+                          std::string_view(finding.code) != las_finding::kNoCrs.code,
+                          finding.where.offset.value_or(0));
     };
     std::ranges::stable_sort(findings, {}, rank);
 }

@@ -17,27 +17,36 @@ constexpr FindingKind kNoPosition{"no-position", Warning, text::kPhotoNoPosition
 constexpr FindingKind kPositionZero{"position-zero", Warning, text::kPhotoPositionZero};
 constexpr FindingKind kOutOfRange{"position-out-of-range", Warning, text::kPhotoPositionOutOfRange};
 constexpr FindingKind kCoordinateZero{"coordinate-zero", Note, text::kPhotoCoordinateZero};
-constexpr FindingKind kNoAltitude{"no-altitude", Note, text::kPhotoNoAltitude};
-constexpr FindingKind kNoSize{"no-image-size", Note, text::kPhotoNoImageSize};
-constexpr FindingKind kNoCrs{"no-crs", Note, text::kPhotoNoPositionCrs};
-constexpr FindingKind kCrsUnreadable{"crs-unreadable", Warning, text::kCrsUnreadable};
-constexpr FindingKind kNoTime{"no-gps-time", Note, text::kPhotoNoGpsTime};
-constexpr FindingKind kBeyondLeapSeconds{"beyond-leap-seconds", Note, text::kPhotoTimeBeyondLeapSeconds};
-constexpr FindingKind kNoFocalLength{"no-focal-length", Note, text::kPhotoNoFocalLength};
+constexpr FindingKind kNoAltitude{
+    "no-altitude", Note, text::kPhotoNoAltitude, {.member = "/photo/GPSAltitude"}};
+constexpr FindingKind kNoSize{
+    "no-image-size", Note, text::kPhotoNoImageSize, {.member = "/photo/ImageWidth"}};
+constexpr FindingKind kNoCrs{"no-crs", Note, text::kPhotoNoPositionCrs, {.member = "/photo/GeographicWKT"}};
+constexpr FindingKind kCrsUnreadable{
+    "crs-unreadable", Warning, text::kCrsUnreadable, {.member = "/photo/GeographicWKT"}};
+constexpr FindingKind kNoTime{
+    "no-gps-time", Note, text::kPhotoNoGpsTime, {.member = "/photo/CameraAdjGpsSec"}};
+constexpr FindingKind kBeyondLeapSeconds{
+    "beyond-leap-seconds", Note, text::kPhotoTimeBeyondLeapSeconds, {.member = "/photo/timeUtc"}};
+constexpr FindingKind kNoFocalLength{
+    "no-focal-length", Note, text::kPhotoNoFocalLength, {.member = "/photo/CalibratedFocalLength"}};
 constexpr FindingKind kAccuracyAbsurd{"accuracy-absurd", Warning, text::kPhotoAccuracyAbsurd};
-constexpr FindingKind kSizeContradicts{"size-contradicts", Note, text::kPhotoSizeContradicts};
+constexpr FindingKind kSizeContradicts{
+    "size-contradicts", Note, text::kPhotoSizeContradicts, {.member = "/photo/ImageWidth"}};
 
 /// An accuracy, and above which value it is of no use. 0 is a missing one.
 struct Accuracy {
     double PhotoMetadata::*value;
     double most;
     StringId caption;
+    const char* member;
 };
 constexpr Accuracy kAccuracies[] = {
-    {&PhotoMetadata::cameraGpsXyAccuracy, 1000, text::kPhotoXyAccuracy},
-    {&PhotoMetadata::cameraGpsZAccuracy, 1000, text::kPhotoZAccuracy},
-    {&PhotoMetadata::cameraRollPitchAccuracy, 180, text::kPhotoRollPitchAccuracy},
-    {&PhotoMetadata::cameraYawAccuracy, 180, text::kPhotoYawAccuracy},
+    {&PhotoMetadata::cameraGpsXyAccuracy, 1000, text::kPhotoXyAccuracy, "/photo/CameraGPSXYAccuracy"},
+    {&PhotoMetadata::cameraGpsZAccuracy, 1000, text::kPhotoZAccuracy, "/photo/CameraGPSZAccuracy"},
+    {&PhotoMetadata::cameraRollPitchAccuracy, 180, text::kPhotoRollPitchAccuracy,
+     "/photo/CameraRollPitchAccuracy"},
+    {&PhotoMetadata::cameraYawAccuracy, 180, text::kPhotoYawAccuracy, "/photo/CameraYawAccuracy"},
 };
 
 /// What a photo lacks to be a true pose photo.
@@ -91,6 +100,7 @@ void CheckCamera(const PhotoRow& row, Findings& findings) {
         const double value = data.*accuracy.value;
         if (value < 0 || value > accuracy.most) {
             findings.push_back(MakeFinding(kAccuracyAbsurd, {Text(accuracy.caption), value}));
+            findings.back().where.member = accuracy.member;
         }
     }
     if (image.width != 0 && data.imageWidth != 0 &&

@@ -18,18 +18,25 @@ namespace {
 using enum FindingSeverity;
 using Findings = std::vector<Finding>;
 
-constexpr FindingKind kNoCrs{"no-crs", Note, text::kFileWithoutCrs};
-constexpr FindingKind kCrsUnreadable{"crs-unreadable", Warning, text::kCrsUnreadable};
-constexpr FindingKind kRotated{"rotated", Note, text::kRasterRotated};
-constexpr FindingKind kControlPointsOnly{"control-points-only", Warning, text::kRasterControlPointsOnly};
-constexpr FindingKind kRpcOnly{"rpc-only", Warning, text::kRasterRpcOnly};
-constexpr FindingKind kNoGeoreference{"no-georeference", Warning, text::kRasterNoGeoreference};
-constexpr FindingKind kNoOverviews{"no-overviews", Note, text::kRasterNoOverviews};
-constexpr FindingKind kSeveralBands{"dem-several-bands", Warning, text::kDemSeveralBands};
-constexpr FindingKind kColors{"dem-colors", Warning, text::kDemColors};
-constexpr FindingKind kComplexNumbers{"dem-complex-numbers", Error, text::kDemComplexNumbers};
-constexpr FindingKind kNoNoDataValue{"dem-no-nodata-value", Note, text::kDemNoNoDataValue};
-constexpr FindingKind kNoVerticalCrs{"dem-no-vertical-crs", Note, text::kDemNoVerticalCrs};
+constexpr FindingKind kNoCrs{"no-crs", Note, text::kFileWithoutCrs, {.member = "/crs"}};
+constexpr FindingKind kCrsUnreadable{"crs-unreadable", Warning, text::kCrsUnreadable, {.member = "/crs"}};
+constexpr FindingKind kRotated{"rotated", Note, text::kRasterRotated, {.member = "/raster/transform"}};
+constexpr FindingKind kControlPointsOnly{
+    "control-points-only", Warning, text::kRasterControlPointsOnly, {.member = "/raster/controlPoints"}};
+constexpr FindingKind kRpcOnly{"rpc-only", Warning, text::kRasterRpcOnly, {.member = "/raster/hasRpc"}};
+constexpr FindingKind kNoGeoreference{
+    "no-georeference", Warning, text::kRasterNoGeoreference, {.member = "/raster/transform"}};
+constexpr FindingKind kNoOverviews{
+    "no-overviews", Note, text::kRasterNoOverviews, {.member = "/raster/overviews"}};
+constexpr FindingKind kSeveralBands{
+    "dem-several-bands", Warning, text::kDemSeveralBands, {.member = "/raster/bands"}};
+constexpr FindingKind kColors{"dem-colors", Warning, text::kDemColors, {.member = "/raster/colorModel"}};
+constexpr FindingKind kComplexNumbers{
+    "dem-complex-numbers", Error, text::kDemComplexNumbers, {.member = "/raster/dataType"}};
+constexpr FindingKind kNoNoDataValue{
+    "dem-no-nodata-value", Note, text::kDemNoNoDataValue, {.member = "/raster/nodata"}};
+constexpr FindingKind kNoVerticalCrs{
+    "dem-no-vertical-crs", Note, text::kDemNoVerticalCrs, {.member = "/crs/verticalName"}};
 
 // 8192 x 8192. Larger images are slow to draw as a whole without overviews.
 constexpr std::int64_t kManyPixels = std::int64_t{1} << 26U;
@@ -65,6 +72,7 @@ void CheckPlace(const RasterProperties& properties, const CrsDescription& crs, F
     if (properties.extent) {
         const std::span<const double, 4> extent(*properties.extent);
         if (std::optional<Finding> finding = CheckExtent(crs, extent.first<2>(), extent.last<2>())) {
+            finding->where.member = "/raster/extent";
             findings.push_back(*std::move(finding));
         }
     }

@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <type_traits>
 
 #include "las/LasText.h"
@@ -249,6 +250,23 @@ Json CellsJson(const FileReport& report) {
     return cells;
 }
 
+Json TextOrNull(const std::string& text) {
+    return text.empty() ? Json() : Json(text);
+}
+
+/// Null for a finding about the file as a whole.
+Json WhereJson(const FindingPlace& where) {
+    const std::string member = where.member + (where.index ? "/" + std::to_string(*where.index) : "");
+    if (member.empty() && *where.sidecar == '\0' && !where.offset) {
+        return {};
+    }
+    return {
+        {"member", TextOrNull(member)},
+        {"sidecar", TextOrNull(where.sidecar)},
+        {"offset", OrNull(where.offset)},
+    };
+}
+
 Json FindingsJson(const std::vector<Finding>& findings) {
     constexpr std::array kSeverities{"note", "warning", "error"};
     return JsonList(findings, [&](const Finding& finding) -> Json {
@@ -256,13 +274,14 @@ Json FindingsJson(const std::vector<Finding>& findings) {
             {"code", finding.code},
             {"severity", kSeverities.at(static_cast<std::size_t>(finding.severity))},
             {"text", JsonText(finding.text)},
+            {"where", WhereJson(finding.where)},
         };
     });
 }
 
 }  // namespace
 
-void AppendJson(std::string& out, const nlohmann::ordered_json& value, std::size_t depth) {
+void AppendJson(std::string& out, const nlohmann::ordered_json& value, std::optional<std::size_t> depth) {
     if (value.is_string()) {
         AppendText(out, value);
     } else if (value.is_number_float()) {
@@ -270,24 +289,25 @@ void AppendJson(std::string& out, const nlohmann::ordered_json& value, std::size
     } else if (!value.is_structured() || value.empty()) {
         out += value.dump();
     } else {
-        const bool isOneLine = value.front().is_number();
-        const std::string lineEnd = '\n' + std::string(2 * depth, ' ');
+        const bool isOneLine = !depth || value.front().is_number();
+        const std::string lineEnd = isOneLine ? "" : '\n' + std::string(2 * *depth, ' ');
         const char* separator = "";
         out += value.is_object() ? '{' : '[';
         for (const auto& [key, entry] : value.items()) {
             out += separator;
             out += isOneLine ? "" : lineEnd + "  ";
             out += value.is_object() ? Json(key).dump() + ": " : "";
-            AppendJson(out, entry, depth + 1);
+            AppendJson(out, entry, depth ? std::optional(*depth + 1) : std::nullopt);
             separator = isOneLine ? ", " : ",";
         }
-        out += isOneLine ? "" : lineEnd;
+        out += lineEnd;
         out += value.is_object() ? '}' : ']';
     }
 }
 
 nlohmann::ordered_json FileReportJson(const FileReport& report) {
     return {
+        {"schema", kReportSchema},
         {"path", JsonText(report.path)},
         {"kind", report.kind},
         {"loadable", report.loadable},

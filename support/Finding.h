@@ -1,5 +1,7 @@
 #pragma once
+#include <cstdint>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -11,11 +13,22 @@ namespace orvex {
 
 enum class FindingSeverity { Note, Warning, Error };
 
+/// Part of a file that a finding is about, as far as it is known.
+struct FindingPlace {
+    /// JSON pointer to what the finding is about, in the report of the file: "/las/scale". Empty: none.
+    const char* member = "";
+    /// Extension, in lower case, of the file beside it that the finding is about; empty: the file itself.
+    const char* sidecar = "";
+    std::optional<std::uint64_t> offset = {};  ///< bytes from the start of the file to the field or data
+    std::optional<std::size_t> index = {};     ///< element of the list that `member` is
+};
+
 /// A row in a table of findings.
 struct FindingKind {
     const char* code;  ///< for scripts: lower-case words joined by hyphens, never changed
     FindingSeverity severity;
     StringId text;  ///< a sentence, with conversions as FormatText takes them
+    FindingPlace where = {};
 };
 
 /// One finding of a file's validation.
@@ -23,15 +36,22 @@ struct Finding {
     FindingSeverity severity;
     std::wstring text;      ///< a sentence in plain words
     const char* code = "";  ///< that of its FindingKind
+    FindingPlace where = {};
 };
 
 inline Finding MakeFinding(const FindingKind& kind, std::initializer_list<FormatArg> arguments = {}) {
-    return {kind.severity, FormatText(Text(kind.text), arguments), kind.code};
+    return {kind.severity, FormatText(Text(kind.text), arguments), kind.code, kind.where};
 }
 
 /// A finding that has a text of its own instead of that of its kind.
 inline Finding FindingInWords(const FindingKind& kind, std::wstring text) {
-    return {kind.severity, std::move(text), kind.code};
+    return {kind.severity, std::move(text), kind.code, kind.where};
+}
+
+/// The same finding, with a place in the file.
+inline Finding FoundAt(std::uint64_t offset, Finding finding) {
+    finding.where.offset = offset;
+    return finding;
 }
 
 /// State of a row, worst last. Awaited: not read yet. Noted: nothing but notes is known of the file.

@@ -183,7 +183,7 @@ TEST(CloudRules, TakeWhatALookInsideHasFound) {
         found->row.loadable = loadable;
         found->row.summary = L"why not";
         found->row.crs = std::make_shared<CrsDescription>();
-        found->row.findings = {{{FindingSeverity::Note, L"a note", "wkt-bit-missing"}, {}}};
+        found->row.findings = {{FindingSeverity::Note, L"a note", "wkt-bit-missing"}};
         found->status = status;
         return found;
     };

@@ -39,7 +39,7 @@ class RemoteLasServerTest : public ::testing::Test {
 /// bytes.
 std::vector<std::string> FactsOf(const LasRow& row) {
     std::vector<std::string> facts{ToUtf8(row.crs->prettyWkt)};
-    for (const LasFinding& finding : row.findings) {
+    for (const Finding& finding : row.findings) {
         const std::string_view code = finding.code;
         if (code != las_finding::kCompressionDamaged.code && code != las_finding::kReaderMessage.code) {
             facts.emplace_back(code);

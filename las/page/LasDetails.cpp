@@ -263,8 +263,7 @@ QString UnreadableWktHtml(const LasRow& row) {
 
 QString CrsHtml(const LasRow& row, const QString& captionColour) {
     if (row.crsSource == LasCrsSource::None) {
-        const auto found =
-            std::ranges::find(row.findings, las_finding::kCrsUnreadable.code, &LasFinding::code);
+        const auto found = std::ranges::find(row.findings, las_finding::kCrsUnreadable.code, &Finding::code);
         return TextHtml(found == row.findings.end() ? Text(text::kDetailsNoCrs) : found->text) +
                UnreadableWktHtml(row);
     }

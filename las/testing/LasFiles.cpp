@@ -79,7 +79,7 @@ std::wstring ReadAllOfLas(const std::wstring& path, bool readOnly) {
     try {
         const auto file = LASFile::Open(path, readOnly, false);
         std::wstring text = LasVlrText(*file) + LasEvlrText(*file) + LasGpsTimeText(*file) + L"\n";
-        for (const LasFinding& finding : ValidateLas(*file)) {
+        for (const Finding& finding : ValidateLas(*file)) {
             text += finding.text + L"\n";
         }
         for (const ExtraBytesAttribute& attribute : file->GetExtraBytes().Attributes()) {

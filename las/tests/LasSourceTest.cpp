@@ -17,7 +17,7 @@ using testing::MemorySource;
 
 std::vector<std::string> CodesOf(const LasRow& row) {
     std::vector<std::string> codes;
-    for (const LasFinding& finding : row.findings) {
+    for (const Finding& finding : row.findings) {
         codes.emplace_back(finding.code);
     }
     return codes;

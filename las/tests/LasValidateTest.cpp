@@ -19,12 +19,12 @@ using Codes = std::vector<std::string>;
 
 class LasValidateTest : public ::testing::Test {
   protected:
-    std::vector<LasFinding> Validate(const LasBuilder& builder) const {
+    std::vector<Finding> Validate(const LasBuilder& builder) const {
         return ValidateLas(*folder_.Open(builder));
     }
     Codes CodesOf(const LasBuilder& builder) const {
         Codes codes;
-        for (const LasFinding& finding : Validate(builder)) {
+        for (const Finding& finding : Validate(builder)) {
             EXPECT_FALSE(finding.text.empty());
             EXPECT_EQ(finding.text.find(L'#'), std::wstring::npos) << "no text for the finding";
             codes.push_back(finding.code);
