@@ -2,86 +2,24 @@
 
 #include <algorithm>
 #include <iterator>
-#include <optional>
 #include <ostream>
 #include <thread>
+#include <utility>
 
+#include "host/inspect/InspectNames.h"
+#include "host/inspect/InspectOptions.h"
 #include "host/inspect/OrderedJobs.h"
 #include "host/inspect/ReportWriter.h"
 #include "host/terminal/Terminal.h"
+#include "orvexcommon/Version.h"
 #include "support/Files.h"
 #include "support/Format.h"
 #include "support/NaturalOrder.h"
-#include "support/SignedUrl.h"
 #include "support/Text.h"
 
 namespace orvex {
 
 namespace {
-
-constexpr unsigned kMostJobs = 256;
-
-struct Options {
-    ReportFormat format = ReportFormat::Table;
-    unsigned jobs = 0;                 ///< 0: one per processor
-    const ReportKind* kind = nullptr;  ///< of all files; null: as their names imply
-    bool help = false;
-    std::vector<std::wstring> paths;
-    std::wstring error;
-};
-
-/// True for what may have been meant as a link; a drive's colon is its path's second character, and Windows
-/// has paths that begin with "\\?\".
-bool IsLikeUrl(const std::wstring& text) {
-    const std::size_t colon = std::min(text.find(L":/"), text.find(L":\\"));
-    const bool isLink = text.find(L'?') != std::wstring::npos || (colon != std::wstring::npos && colon > 1);
-    return isLink && !text.starts_with(L"\\\\");
-}
-
-/// A text about a path or an argument, as one line. A mistyped link gives access like one that is not.
-std::wstring PathLine(StringId text, const std::wstring& path, const std::wstring& reason = {}) {
-    return WithoutControls(FormatText(Text(text), {IsLikeUrl(path) ? ShownUrl(path) : path, reason}));
-}
-
-void ParseOption(const std::vector<std::wstring>& arguments, std::size_t& i, Options& options) {
-    const std::wstring& argument = arguments[i];
-    if (argument == L"--json") {
-        options.format = ReportFormat::Json;
-    } else if (argument == L"--csv") {
-        options.format = ReportFormat::Csv;
-    } else if (argument == L"--table") {
-        options.format = ReportFormat::Table;
-    } else if (argument == L"--help" || argument == L"-h") {
-        options.help = true;
-    } else if (const auto count = ValueOf(L"--jobs", arguments, i)) {
-        const std::optional<std::uint64_t> jobs = ParseNumber(*count, 1, kMostJobs);
-        options.jobs = static_cast<unsigned>(jobs.value_or(0));
-        options.error = jobs ? L"" : FormatText(Text(text::kInspectJobsRange), {kMostJobs});
-    } else if (const auto name = ValueOf(L"--as", arguments, i)) {
-        options.kind = FindReportKind(*name);
-        options.error = options.kind != nullptr ? L"" : Text(text::kInspectAsValues);
-    } else {
-        options.error = PathLine(text::kInspectUnknownOption, argument);
-    }
-}
-
-Options ParseArguments(const std::vector<std::wstring>& arguments) {
-    Options options;
-    bool onlyPaths = false;
-    for (std::size_t i = 0; i < arguments.size() && options.error.empty(); ++i) {
-        if (!onlyPaths && arguments[i] == L"--") {
-            onlyPaths = true;
-        } else if (!onlyPaths && arguments[i].size() > 1 && arguments[i].front() == L'-') {
-            ParseOption(arguments, i, options);
-        } else {
-            options.paths.push_back(arguments[i]);
-        }
-    }
-    if (options.error.empty() && !options.help && options.paths.empty()) {
-        options.error = Text(text::kInspectNoPath);
-    }
-    return options;
-}
 
 /// Files to read, and lines for the user about paths that do not exist, cannot be read or hold nothing.
 struct InputPaths {
@@ -90,19 +28,70 @@ struct InputPaths {
     std::vector<std::wstring> remarks;
 };
 
-bool IsSearched(const std::wstring& path, const Options& options) {
+bool IsSearched(const std::wstring& path, const InspectOptions& options) {
     return options.kind == nullptr ? ReportKindOf(path) != nullptr : options.kind->IsSearched(path);
 }
 
-/// Files below a folder in natural order of their full paths. Links to folders are not followed (they can
-/// form cycles). What cannot be read is added to the failures.
-void SearchFolder(const std::wstring& top, const Options& options, InputPaths& inputs) {
-    const std::size_t failuresBefore = inputs.failures.size();
-    std::vector<std::wstring> found;
-    std::vector<std::wstring> waiting{top};
-    while (!waiting.empty()) {
-        const std::wstring folder = std::move(waiting.back());
-        waiting.pop_back();
+/// Collects the files to read, of folders in natural order of their full paths.
+class PathSearch {
+  public:
+    PathSearch(const InspectOptions& options, const InspectStreams& streams)
+        : options_(options), streams_(streams) {}
+
+    /// Throws InspectNameError for names that nobody can have meant.
+    InputPaths Run() {
+        for (const std::wstring& path : options_.paths) {
+            if (path == kStandardInput) {
+                const std::vector<std::wstring> names =
+                    ReadNames(streams_.read, options_.namesEndWithNull ? '\0' : '\n');
+                std::ranges::for_each(names, [this](const std::wstring& name) { Add(name); });
+            } else {
+                Add(path);
+            }
+        }
+        return std::move(inputs_);
+    }
+
+  private:
+    void Add(const std::wstring& text) {
+        if (streams_.stop()) {
+            return;
+        }
+        if (IsUrl(text)) {
+            inputs_.files.push_back(text);
+            return;
+        }
+        const std::wstring path = NativePath(text);
+        const FileKind kind = KindOf(path);
+        if (kind == FileKind::Missing) {
+            inputs_.failures.push_back(PathLine(text::kPathDoesNotExist, path));
+        } else if (kind == FileKind::Folder || kind == FileKind::NoAccess) {
+            SearchFolder(path);
+        } else {
+            inputs_.files.push_back(path);
+        }
+    }
+
+    void SearchFolder(const std::wstring& top) {
+        const std::size_t failuresBefore = inputs_.failures.size();
+        std::vector<std::wstring> found;
+        std::vector<std::wstring> waiting{top};
+        while (!waiting.empty() && !streams_.stop()) {
+            const std::wstring folder = std::move(waiting.back());
+            waiting.pop_back();
+            ListInto(folder, found, waiting);
+        }
+        if (found.empty() && inputs_.failures.size() == failuresBefore) {
+            inputs_.remarks.push_back(PathLine(text::kInspectNothingFound, top));
+        }
+        SortNaturally(found);
+        std::ranges::move(found, std::back_inserter(inputs_.files));
+    }
+
+    /// Links to folders are not followed (they can form cycles). What cannot be read is added to the
+    /// failures.
+    void ListInto(const std::wstring& folder, std::vector<std::wstring>& found,
+                  std::vector<std::wstring>& waiting) {
         std::wstring hidden;  // of a folder whose names may be read, but not what they stand for
         SystemError error = ListFolder(folder, [&](FolderEntry entry) {
             if (entry.isLink && entry.kind != FileKind::File) {
@@ -112,7 +101,7 @@ void SearchFolder(const std::wstring& top, const Options& options, InputPaths& i
                 hidden = std::move(entry.path);
             } else if (entry.kind == FileKind::Folder) {
                 waiting.push_back(std::move(entry.path));
-            } else if (entry.kind == FileKind::File && IsSearched(entry.path, options)) {
+            } else if (entry.kind == FileKind::File && IsSearched(entry.path, options_)) {
                 found.push_back(std::move(entry.path));
             }
             return true;
@@ -121,91 +110,103 @@ void SearchFolder(const std::wstring& top, const Options& options, InputPaths& i
             error = ListFolder(hidden, [](const FolderEntry&) { return false; });
         }
         if (error != 0) {
-            inputs.failures.push_back(PathLine(text::kInspectUnreadable, folder, SystemErrorText(error)));
+            inputs_.failures.push_back(PathLine(text::kInspectUnreadable, folder, SystemErrorText(error)));
         }
     }
-    if (found.empty() && inputs.failures.size() == failuresBefore) {
-        inputs.remarks.push_back(PathLine(text::kInspectNothingFound, top));
-    }
-    SortNaturally(found);
-    std::ranges::move(found, std::back_inserter(inputs.files));
-}
 
-InputPaths CollectInputPaths(const Options& options) {
-    InputPaths inputs;
-    for (const std::wstring& text : options.paths) {
-        if (IsUrl(text)) {
-            inputs.files.push_back(text);
-            continue;
+    const InspectOptions& options_;
+    const InspectStreams& streams_;
+    InputPaths inputs_;
+};
+
+/// Counts the files that were read: on a terminal in one line, else in a line for each whole percent.
+class FileCount {
+  public:
+    FileCount(const InspectStreams& streams, bool isAsked, std::size_t files)
+        : err_(streams.err),
+          line_(streams.err, isAsked && streams.isTerminal),
+          tellsLines_(isAsked && !streams.isTerminal),
+          files_(files) {}
+
+    void Tell(std::size_t read) {
+        const std::size_t percent = read * 100 / files_;
+        const bool isLineDue = tellsLines_ && percent != std::exchange(percent_, percent);
+        if (!isLineDue && !line_.IsDue()) {
+            return;
         }
-        const std::wstring path = NativePath(text);
-        const FileKind kind = KindOf(path);
-        if (kind == FileKind::Missing) {
-            inputs.failures.push_back(PathLine(text::kPathDoesNotExist, path));
-        } else if (kind == FileKind::Folder || kind == FileKind::NoAccess) {
-            SearchFolder(path, options, inputs);
-        } else {
-            inputs.files.push_back(path);
+        const std::wstring text = FormatText(Text(text::kInspectProgress), {read, files_});
+        line_.Tell(text);
+        if (isLineDue) {
+            WriteLine(err_, text);
+            err_.flush();
         }
     }
-    return inputs;
-}
+
+  private:
+    std::ostream& err_;
+    ProgressLine line_;
+    const bool tellsLines_;
+    const std::size_t files_;
+    std::size_t percent_ = 0;
+};
 
 /// What became of the files.
 struct RunResult {
     bool isComplete = false;
     bool isUrlUnread = false;  ///< a URL leads to no file, or to none that can be read
+    std::size_t failed = 0;    ///< files that have what --fail-on names
 };
 
-RunResult WriteReports(const std::vector<std::wstring>& files, const Options& options,
+bool IsFailure(const FileReport& report, FailOn failOn) {
+    const FindingSeverity least = failOn == FailOn::Error ? FindingSeverity::Error : FindingSeverity::Warning;
+    return failOn != FailOn::None &&
+           (!report.loadable || std::ranges::any_of(report.findings, [least](const Finding& finding) {
+               return finding.severity >= least;
+           }));
+}
+
+RunResult WriteReports(const std::vector<std::wstring>& files, const InspectOptions& options,
                        const InspectStreams& streams) {
     RunResult result;
     const CloudCall call{streams.stop};
     const auto writer = MakeReportWriter(options.format, streams.out);
-    ProgressLine counting(streams.err, streams.showProgress);
+    FileCount count(streams, options.progress, files.size());
     const unsigned jobs =
         options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
     OrderedJobs<FileReport> work(files.size(), jobs,
                                  [&](std::size_t i) { return InspectFile(files[i], options.kind, call); });
-    result.isComplete = work.Run(
-        [&](std::size_t i, FileReport&& report) {
-            writer->Write(report);
-            result.isUrlUnread =
-                result.isUrlUnread || report.cloudStatus.value_or(CloudStatus::Ok) != CloudStatus::Ok;
-            if (counting.IsDue()) {
-                counting.Tell(FormatText(Text(text::kInspectProgress), {i + 1, files.size()}));
-            }
-            return static_cast<bool>(streams.out);
-        },
-        streams.stop);
+    result.isComplete =
+        !streams.stop() && work.Run(
+                               [&](std::size_t i, FileReport&& report) {
+                                   writer->Write(report);
+                                   result.isUrlUnread =
+                                       result.isUrlUnread ||
+                                       report.cloudStatus.value_or(CloudStatus::Ok) != CloudStatus::Ok;
+                                   result.failed += IsFailure(report, options.failOn) ? 1 : 0;
+                                   count.Tell(i + 1);
+                                   return static_cast<bool>(streams.out);
+                               },
+                               streams.stop);
     writer->Finish();
     streams.out.flush();
     return result;
 }
 
-}  // namespace
-
-bool NeedsNetwork(const std::vector<std::wstring>& arguments) {
-    return std::ranges::any_of(arguments, IsUrl);
+void WriteLines(std::ostream& out, const std::vector<std::wstring>& lines) {
+    std::ranges::for_each(lines, [&](const std::wstring& line) { WriteLine(out, line); });
 }
 
-int RunInspectCommand(const std::vector<std::wstring>& arguments, const InspectStreams& streams) {
-    const Options options = ParseArguments(arguments);
-    if (!options.error.empty()) {
-        WriteLine(streams.err, options.error);
-        WriteLine(streams.err, Text(text::kInspectUsage));
-        return kInspectUsage;
-    }
-    if (options.help) {
-        WriteLine(streams.out, Text(text::kInspectUsage));
-        return kInspectOk;
-    }
-    const InputPaths inputs = CollectInputPaths(options);
+int RefuseArguments(const InspectStreams& streams, const std::wstring& error) {
+    WriteLines(streams.err, {error, Text(text::kInspectUsage), Text(text::kInspectTryHelp)});
+    return kInspectUsage;
+}
+
+/// Reads and prints the files; returns the exit code.
+int InspectPaths(const InputPaths& inputs, const InspectOptions& options, const InspectStreams& streams) {
     const RunResult result = WriteReports(inputs.files, options, streams);
-    for (const auto* lines : {&inputs.failures, &inputs.remarks}) {
-        for (const std::wstring& line : *lines) {
-            WriteLine(streams.err, line);
-        }
+    WriteLines(streams.err, inputs.failures);
+    if (!options.quiet) {
+        WriteLines(streams.err, inputs.remarks);
     }
     if (!result.isComplete && streams.stop()) {
         return kInspectStopped;
@@ -214,7 +215,38 @@ int RunInspectCommand(const std::vector<std::wstring>& arguments, const InspectS
         WriteLine(streams.err, Text(text::kInspectWriteFailed));
         return kInspectFailed;
     }
-    return inputs.failures.empty() && !result.isUrlUnread ? kInspectOk : kInspectPathMissing;
+    if (result.failed > 0) {
+        WriteLine(streams.err,
+                  FormatText(Text(text::kInspectFoundToFail), {result.failed, inputs.files.size()}));
+    }
+    return inputs.failures.empty() && !result.isUrlUnread && result.failed == 0 ? kInspectOk
+                                                                                : kInspectPathMissing;
+}
+
+}  // namespace
+
+bool NeedsNetwork(const std::vector<std::wstring>& arguments) {
+    return std::ranges::any_of(arguments, [](const std::wstring& argument) {
+        return argument == kStandardInput || IsUrl(argument);
+    });
+}
+
+int RunInspectCommand(const std::vector<std::wstring>& arguments, const InspectStreams& streams) {
+    const InspectOptions options = ParseInspectOptions(arguments);
+    if (!options.error.empty()) {
+        return RefuseArguments(streams, options.error);
+    }
+    if (options.help || options.version) {
+        WriteLine(streams.out, options.help ? InspectHelp() : L"orvex-inspect " ORVEX_VERSION_TEXT);
+        return kInspectOk;
+    }
+    InputPaths inputs;
+    try {
+        inputs = PathSearch(options, streams).Run();
+    } catch (const InspectNameError& error) {
+        return RefuseArguments(streams, error.Text());
+    }
+    return InspectPaths(inputs, options, streams);
 }
 
 }  // namespace orvex

@@ -26,10 +26,31 @@ class JsonReportWriter final : public ReportWriter {
     bool isFirst_ = true;
 };
 
+/// One object per line.
+class NdjsonReportWriter final : public ReportWriter {
+  public:
+    explicit NdjsonReportWriter(std::ostream& out) : out_(out) {}
+
+    void Write(const FileReport& report) override {
+        std::string text;
+        AppendJson(text, FileReportJson(report), std::nullopt);
+        out_ << text << '\n' << std::flush;
+    }
+
+    void Finish() override {}
+
+  private:
+    std::ostream& out_;
+};
+
 }  // namespace
 
 std::unique_ptr<ReportWriter> MakeJsonReportWriter(std::ostream& out) {
     return std::make_unique<JsonReportWriter>(out);
+}
+
+std::unique_ptr<ReportWriter> MakeNdjsonReportWriter(std::ostream& out) {
+    return std::make_unique<NdjsonReportWriter>(out);
 }
 
 }  // namespace orvex

@@ -6,7 +6,7 @@
 
 namespace orvex {
 
-enum class ReportFormat { Table, Csv, Json };
+enum class ReportFormat { Table, Csv, Json, Ndjson };
 
 /// Prints reports: Write once per file, in the order of the output, then Finish once. Finish also completes
 /// the output of a run that was stopped.
@@ -21,6 +21,7 @@ class ReportWriter {
 std::unique_ptr<ReportWriter> MakeReportWriter(ReportFormat format, std::ostream& out);
 
 std::unique_ptr<ReportWriter> MakeJsonReportWriter(std::ostream& out);
+std::unique_ptr<ReportWriter> MakeNdjsonReportWriter(std::ostream& out);
 std::unique_ptr<ReportWriter> MakeCsvReportWriter(std::ostream& out);
 std::unique_ptr<ReportWriter> MakeTableReportWriter(std::ostream& out);
 

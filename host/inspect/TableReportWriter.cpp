@@ -130,6 +130,8 @@ std::unique_ptr<ReportWriter> MakeReportWriter(ReportFormat format, std::ostream
     switch (format) {
         case ReportFormat::Json:
             return MakeJsonReportWriter(out);
+        case ReportFormat::Ndjson:
+            return MakeNdjsonReportWriter(out);
         case ReportFormat::Csv:
             return MakeCsvReportWriter(out);
         case ReportFormat::Table:

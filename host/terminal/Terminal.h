@@ -1,9 +1,12 @@
 #pragma once
 // What the command line programs share: the standard streams, a line of progress, options with a value.
 #include <chrono>
+#include <cstddef>
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -18,6 +21,11 @@ class TerminalSession {
     TerminalSession(const TerminalSession&) = delete;
     TerminalSession& operator=(const TerminalSession&) = delete;
 
+    /// Reads from standard input; returns the number of bytes, 0 at its end, when reading fails, or once
+    /// `stop`, which is polled, returns true. On Windows only the end of the input, and Ctrl+C on a console,
+    /// end the wait for it.
+    static std::size_t Read(std::span<char> buffer, const std::function<bool()>& stop);
+
     /// True if the error stream is a terminal that knows the escape sequences for rewriting a line.
     bool CanRewriteLines() const;
 
@@ -25,6 +33,10 @@ class TerminalSession {
     struct State;
     std::unique_ptr<State> state_;
 };
+
+/// Language of the texts ("en"), whatever the user's. To be called before the first text is asked for and
+/// before there are other threads.
+void ChooseLanguage(const std::wstring& language);
 
 /// Progress line on a terminal, rewritten a few times a second and wiped at the end.
 class ProgressLine {

@@ -41,8 +41,19 @@ TerminalSession::~TerminalSession() {
     }
 }
 
+std::size_t TerminalSession::Read(std::span<char> buffer, const std::function<bool()>& stop) {
+    DWORD size = 0;
+    const bool isRead = !stop() && ReadFile(GetStdHandle(STD_INPUT_HANDLE), buffer.data(),
+                                            static_cast<DWORD>(buffer.size()), &size, nullptr) != FALSE;
+    return isRead && !stop() ? size : 0;
+}
+
 bool TerminalSession::CanRewriteLines() const {
     return state_->canRewriteLines;
+}
+
+void ChooseLanguage(const std::wstring& language) {
+    SetEnvironmentVariableW(L"ORVEX_LANGUAGE", language.c_str());
 }
 
 }  // namespace orvex

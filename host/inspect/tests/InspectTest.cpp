@@ -1,19 +1,15 @@
-// The command orvex-inspect: its JSON, CSV and table, and its arguments.
+// The command orvex-inspect: its arguments, its input and how it ends.
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <numeric>
-#include <regex>
 #include <sstream>
 #include <system_error>
 
 #include "feature/testing/TestShapefile.h"
-#include "host/inspect/InspectCommand.h"
 #include "host/inspect/OrderedJobs.h"
-#include "host/inspect/ReportWriter.h"
-#include "host/utilities/testing/PhotoSamples.h"
+#include "host/inspect/tests/InspectRun.h"
 #include "las/testing/LasBuilder.h"
 #include "raster/testing/GeoTiff.h"
 #include "support/Text.h"
@@ -22,188 +18,19 @@
 namespace orvex {
 namespace {
 
+using testing::Arguments;
+using testing::ExpectMembers;
 using testing::GeoTiff;
 using ::testing::HasSubstr;
+using testing::Inspect;
+using testing::Json;
 using testing::LasBuilder;
 using ::testing::Not;
+using testing::Objects;
+using testing::Outcome;
 using ::testing::StartsWith;
 using testing::TemporaryFolder;
 using testing::TestShapefile;
-using Json = nlohmann::ordered_json;
-using Arguments = std::vector<std::wstring>;
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr const char* kWkt =
-    "GEOGCS[\"WGS 84\",DATUM[\"WGS_1984\",SPHEROID[\"WGS "
-    "84\",6378137,298.257223563]],PRIMEM[\"Greenwich\",0],"
-    "UNIT[\"degree\",0.0174532925199433],AUTHORITY[\"EPSG\",\"4326\"]]";
-
-struct Outcome {
-    int code;
-    std::string out;
-    std::string err;
-};
-
-Outcome Inspect(const Arguments& arguments, bool stop = false) {
-    std::ostringstream out;
-    std::ostringstream err;
-    const int code = RunInspectCommand(arguments, {out, err, false, [stop] { return stop; }});
-    return {code, out.str(), err.str()};
-}
-
-/// The command's JSON; its objects in order.
-Json Objects(Arguments arguments) {
-    arguments.insert(arguments.begin(), L"--json");
-    const Outcome outcome = Inspect(arguments);
-    EXPECT_EQ(outcome.code, kInspectOk) << outcome.err;
-    return Json::parse(outcome.out);
-}
-
-/// Expects members by their paths.
-void ExpectMembers(const Json& object, const std::vector<std::pair<std::string, Json>>& members) {
-    for (const auto& [path, value] : members) {
-        const Json::json_pointer pointer(path);
-        EXPECT_EQ(object.contains(pointer) ? object.at(pointer) : "missing", value) << path;
-    }
-}
-
-GeoTiff Heights(double nodata) {
-    GeoTiff tiff;
-    tiff.type = GDT_Float32;
-    tiff.options = {"COMPRESS=LZW", "BIGTIFF=YES"};
-    tiff.change = [nodata](GDALDatasetH dataset) {
-        GDALSetRasterNoDataValue(GDALGetRasterBand(dataset, 1), nodata);
-    };
-    return tiff;
-}
-
-TEST(InspectJson, HasTheFactsOfALasFileUnderTheirKeys) {
-    const TemporaryFolder folder;
-    const std::string bytes = LasBuilder(14, 6)
-                                  .AddPoints(4, 10, 50)
-                                  .Wkt(kWkt)
-                                  .AddVlr("vendor", 7, "12345678", "eight bytes")
-                                  .AddEvlr("vendor", 8, "data", "behind")
-                                  .AddEvlr("\xFF\xFE", 9, "", "\x80")
-                                  .AddExtraBytes("Amplitude", 3, 2)
-                                  .AddExtraBytes("Width", 5, 4)
-                                  .EncodingBits(1)
-                                  .Lie(179, kNaN)
-                                  .Build();
-    const std::wstring path = folder.Write(L"Größe '1'.LAS", bytes);
-    const Json object = Objects({path}).at(0);
-    ExpectMembers(
-        object,
-        {{"/path", ToUtf8(path)},
-         {"/kind", "las"},
-         {"/loadable", true},
-         {"/raster", nullptr},
-         {"/crs/name", "WGS 84"},
-         {"/crs/isGeographic", true},
-         {"/crs/epsg", 4326},
-         {"/las/version", "1.4"},
-         {"/las/versionCode", 5},
-         {"/las/pointFormat", 6},
-         {"/las/pointRecordLength", 30 + 6},
-         {"/las/pointCount", 4},
-         {"/las/globalEncoding", 17},
-         {"/las/min/0", 10},
-         {"/las/max/0", nullptr},
-         {"/las/evlrs/0", {{"userId", "vendor"}, {"recordId", 8}, {"length", 4}, {"description", "behind"}}},
-         {"/las/evlrs/1/userId", "\xEF\xBF\xBD\xEF\xBF\xBD"},
-         {"/findings/0/code", "extent-not-finite"},
-         {"/findings/0/severity", "warning"},
-         {"/columns/systemId", "TEST"},
-         {"/columns/created", "2024-01-01"},
-         {"/columns/size", static_cast<double>(bytes.size()) * 1e-6},
-         {"/columns/pointsByReturn", "1: 4"},
-         {"/columns/maximumX", nullptr},
-         {"/las/pointsByReturn/0", 4},
-         {"/las/legacyPointCount", 0},
-         {"/las/copc", false},
-         {"/las/extraBytes/1", {{"name", "Width"}, {"type", "uint32"}, {"offset", 2}, {"size", 4}}}});
-    EXPECT_THAT(object["las"]["evlrText"].get<std::string>(), HasSubstr("= behind"));
-    EXPECT_THAT(object["las"]["vlrText"].get<std::string>(), HasSubstr("31 32 33 34 35 36 37 38"));
-}
-
-TEST(InspectJson, HasTheFactsOfARasterAndNullsForWhatIsNotThere) {
-    const TemporaryFolder folder;
-    GeoTiff bare;
-    bare.transform.reset();
-    bare.crs = "";
-    const Json objects = Objects({bare.Write(folder, L"a.tif"), Heights(kNaN).Write(folder, L"b.tif"),
-                                  folder.Write(L"c.tif", "no raster"), folder.Write(L"d.las", "LASF"),
-                                  folder.Write(L"e.txt", "text"), Heights(-9999).Write(folder, L"f.tif")});
-    ExpectMembers(objects[5], {{"/kind", "raster"},
-                               {"/las", nullptr},
-                               {"/crs/epsg", 32633},
-                               {"/raster/width", 20},
-                               {"/raster/dataType", "Float32"},
-                               {"/raster/pixelSize", {0.5, 0.5}},
-                               {"/raster/extent", {500000, 5299995, 500010, 5300000}},
-                               {"/raster/compression", "LZW"},
-                               {"/raster/nodata", -9999}});
-    ExpectMembers(objects[0], {{"/raster/extent", nullptr},
-                               {"/raster/nodata", nullptr},
-                               {"/raster/transform", nullptr},
-                               {"/raster/pixelSize", {0, 0}}});
-    ExpectMembers(objects[1], {{"/raster/nodata", "nan"}, {"/columns/bands", 1}});
-    ExpectMembers(objects, {{"/0/findings/0/code", "no-georeference"}, {"/2/findings/0/code", "unreadable"}});
-    for (const std::size_t unreadable : {2U, 3U, 4U}) {
-        ExpectMembers(objects[unreadable],
-                      {{"/loadable", false}, {"/crs", nullptr}, {"/las", nullptr}, {"/raster", nullptr}});
-        EXPECT_NE(objects[unreadable]["summary"], "");
-    }
-    ExpectMembers(objects, {{"/2/kind", "raster"}, {"/3/kind", "las"}, {"/4/kind", "unknown"}});
-}
-
-TEST(InspectJson, HasTheFactsOfAFeatureFile) {
-    const TemporaryFolder folder;
-    TestShapefile empty;
-    empty.points.clear();
-    folder.Write(L"b.PRJ", kWkt);
-    const Json objects = Objects({empty.Write(folder, L"a"), TestShapefile().Write(folder, L"b"),
-                                  folder.Write(L"c.shp", "no shapefile"), folder.Write(L"d.kmz", "no KMZ")});
-    ExpectMembers(objects[0], {{"/kind", "feature"},
-                               {"/loadable", true},
-                               {"/findings/0/code", "no-features"},
-                               {"/feature/featureCount", 0},
-                               {"/feature/extent", nullptr}});
-    ExpectMembers(objects[1], {{"/raster", nullptr},
-                               {"/crs/epsg", 4326},
-                               {"/feature/type", "SHP"},
-                               {"/feature/featureCount", 3},
-                               {"/feature/geometry", "Point"},
-                               {"/feature/layers", Json::array({{{"name", "b"}, {"count", 3}}})},
-                               {"/feature/extent", {7, 50, 9, 52}},
-                               {"/feature/fields/1", {{"name", "HEIGHT"}, {"type", "Double"}}},
-                               {"/feature/fields/2/type", "Integer"},
-                               {"/columns/features", 3},
-                               {"/columns/maximumY", 52}});
-    for (const std::size_t unreadable : {2U, 3U}) {
-        ExpectMembers(objects[unreadable],
-                      {{"/kind", "feature"}, {"/loadable", false}, {"/feature", nullptr}});
-        EXPECT_NE(objects[unreadable]["summary"], "");
-    }
-}
-
-TEST(InspectJson, PrintsPhotosUnderTheKeysOfTheirMetadata) {
-    const TemporaryFolder folder;
-    const std::wstring photo =
-        folder.Write(L"photo.tif", testing::PosedPhoto(8.25, 47.5, 600, "2019:07:14", 33693));
-    const Json objects = Json::parse(Inspect({L"--json", L"--as", L"photo", photo}).out);
-    ExpectMembers(objects, {{"/0/kind", "photo"},
-                            {"/0/raster", nullptr},
-                            {"/0/photo/GPSLongitude", 8.25},
-                            {"/0/photo/GPSAltitude", 600},
-                            {"/0/photo/CameraYaw", 0},
-                            {"/0/photo/POSQuality", "NONE"},
-                            {"/0/photo/timeUtc", "2019-07-14 09:21:33"},
-                            {"/0/photo/truePose", true}});
-    constexpr std::size_t kKeys = 28;
-    EXPECT_EQ(objects[0]["photo"].size(), kKeys + 2);
-    EXPECT_EQ(Json::parse(Inspect({L"--json", photo}).out)[0]["kind"], "raster");
-}
 
 TEST(InspectCommand, RefusesUnknownArgumentsAndReportsMissingPaths) {
     const TemporaryFolder folder;
@@ -214,14 +41,23 @@ TEST(InspectCommand, RefusesUnknownArgumentsAndReportsMissingPaths) {
                                {L"--jobs=99999999999", good},
                                {good, L"--jobs"},
                                {good, L"--as"},
-                               {good, L"--as=film"}};
+                               {good, L"--as=film"},
+                               {good, L"--json", L"--csv"},
+                               {good, L"--table", L"--ndjson"},
+                               {good, L"--json=yes"},
+                               {good, L"--fail-on", L"note"},
+                               {good, L"--language=fr"},
+                               {good, L"--null"}};
     for (const Arguments& arguments : cases) {
         const Outcome outcome = Inspect(arguments);
         EXPECT_EQ(outcome.code, kInspectUsage);
         EXPECT_NE(outcome.err, "");
         EXPECT_EQ(outcome.out, "");
     }
+    EXPECT_THAT(Inspect({L"--json", L"--csv", good}).err, HasSubstr("--json and --csv"));
+    EXPECT_EQ(Inspect({L"--json", L"--json", good}).code, kInspectOk);
     EXPECT_EQ(Inspect({L"--", good}).code, kInspectOk);
+    EXPECT_THAT(Inspect({L"--", L"-"}).err, HasSubstr("-' does not exist"));
     EXPECT_EQ(Inspect({L"--help"}).code, kInspectOk);
 
     const Outcome missing = Inspect({L"--json", folder.Name(L"none.las"), good});
@@ -253,6 +89,80 @@ TEST(InspectCommand, ReportsWhatItCannotReadAndFoldersWithoutFiles) {
         EXPECT_EQ(circle.code, kInspectPathMissing);
         EXPECT_THAT(circle.err, HasSubstr("circle' cannot be read: "));
     }
+}
+
+TEST(InspectCommand, FailsForTheFindingsAskedFor) {
+    const TemporaryFolder folder;
+    const std::wstring noted = folder.Write(L"noted.las", LasBuilder().AddPoints(1).Build());
+    const std::wstring empty = folder.Write(L"empty.las", LasBuilder().Build());
+    const std::wstring cutOff = folder.Write(L"cut.las", LasBuilder().AddPoints(5).Build().substr(0, 250));
+    const std::wstring other = folder.Write(L"other.txt", "text");
+    const struct {
+        std::wstring path;
+        int none, error, warning;
+    } cases[] = {{noted, kInspectOk, kInspectOk, kInspectOk},
+                 {empty, kInspectOk, kInspectOk, kInspectPathMissing},
+                 {cutOff, kInspectOk, kInspectPathMissing, kInspectPathMissing},
+                 {other, kInspectOk, kInspectPathMissing, kInspectPathMissing}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(Inspect({c.path}).code, c.none) << ToUtf8(c.path);
+        EXPECT_EQ(Inspect({L"--fail-on=none", c.path}).code, c.none) << ToUtf8(c.path);
+        EXPECT_EQ(Inspect({L"--fail-on=error", c.path}).code, c.error) << ToUtf8(c.path);
+        EXPECT_EQ(Inspect({L"--fail-on", L"warning", c.path}).code, c.warning) << ToUtf8(c.path);
+    }
+    EXPECT_EQ(Inspect({L"--fail-on=error", noted, cutOff, other}).err,
+              "2 of 3 files have what --fail-on names.\n");
+}
+
+TEST(InspectCommand, ReadsNamesFromStandardInput) {
+    const TemporaryFolder folder;
+    const std::string las = LasBuilder().AddPoints(1).Build();
+    const std::string a = ToUtf8(folder.Write(L"Größe a.las", las));
+    const std::string b = ToUtf8(folder.Write(L"sub/b.las", las));
+    const std::wstring named = folder.Write(L"c.las", las);
+    const std::string sub = ToUtf8(folder.Name(L"sub"));
+    const struct {
+        Arguments arguments;
+        std::string input;
+        std::vector<std::string> paths;
+    } cases[] = {{{L"-"}, a + "\n" + b + "\n", {a, b}},
+                 {{L"-"}, "\xEF\xBB\xBF" + a + "\r\n\r\n" + b, {a, b}},
+                 {{L"-0", L"-"}, a + '\0' + b, {a, b}},
+                 {{L"--null", L"-"}, a + '\0', {a}},
+                 {{named, L"-", named}, sub, {ToUtf8(named), b, ToUtf8(named)}},
+                 {{L"-"}, "", {}}};
+    for (const auto& c : cases) {
+        Arguments arguments = c.arguments;
+        arguments.insert(arguments.begin(), L"--json");
+        const Outcome outcome = Inspect(arguments, false, c.input);
+        EXPECT_EQ(outcome.code, kInspectOk) << outcome.err;
+        std::vector<std::string> paths;
+        for (const Json& object : Json::parse(outcome.out)) {
+            paths.push_back(object["path"]);
+        }
+        EXPECT_EQ(paths, c.paths);
+    }
+    // A list with zero bytes would be one long name that the system cuts off at the first of them.
+    for (const std::string& input : {a + '\0' + b, std::string(std::size_t{2} << 20U, 'a')}) {
+        const Outcome outcome = Inspect({L"-"}, false, input);
+        EXPECT_EQ(outcome.code, kInspectUsage);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_THAT(outcome.err, StartsWith("A name on standard input "));
+    }
+}
+
+TEST(InspectCommand, CountsFilesAndMentionsEmptyFoldersAsAsked) {
+    const TemporaryFolder folder;
+    const std::wstring good = folder.Write(L"good.las", LasBuilder().AddPoints(1).Build());
+    const Arguments all = {good, good, folder.Name(L"empty")};
+    folder.Write(L"empty/notes.txt", "no LAS");
+    const auto told = [&all](const wchar_t* option) {
+        return Inspect({option, L"--jobs=1", all[0], all[1], all[2]}).err;
+    };
+    const std::string remark = told(L"--table");
+    EXPECT_THAT(remark, HasSubstr("empty' holds no file"));
+    EXPECT_EQ(told(L"--quiet"), "");
+    EXPECT_EQ(told(L"--progress"), "1 of 2 files\n2 of 2 files\n" + remark);
 }
 
 TEST(OrderedJobs, EndsWithTheThreadsThatCanBeStarted) {
@@ -343,26 +253,6 @@ TEST(InspectCommand, StopsWithACompleteDocumentAndReportsAFullDrive) {
     std::ostringstream err;
     EXPECT_EQ(RunInspectCommand({good}, {full, err}), kInspectFailed);
     EXPECT_EQ(err.str(), ToUtf8(Text(text::kInspectWriteFailed)) + '\n');
-}
-
-TEST(InspectCsv, PrintsTheColumnsOfThePages) {
-    const TemporaryFolder folder;
-    FileReport report = InspectFile(folder.Write(L"a.las", LasBuilder().AddPoints(3).Build()));
-    report.path = L"a, \"b\"\x1b.las";
-    std::ostringstream out;
-    const auto writer = MakeReportWriter(ReportFormat::Csv, out);
-    writer->Write(report);
-    writer->Finish();
-    EXPECT_THAT(out.str(), StartsWith("path,kind,loadable,summary,findings,"));
-    EXPECT_THAT(out.str(), HasSubstr("\r\n\"a, \"\"b\"\" .las\",las,true,"));
-
-    const std::string raster = Inspect({L"--csv", Heights(-9999).Write(folder, L"a.tif")}).out;
-    EXPECT_THAT(raster, HasSubstr(",500000,5299995,,500010,5300000,,"));
-    EXPECT_THAT(raster, Not(HasSubstr(",details,"))) << "hidden columns are not printed";
-    const std::string header = raster.substr(0, raster.find("\r\n"));
-    // What stands in several lines is quoted, and may hold commas: the findings and the WKT.
-    const std::string plain = std::regex_replace(raster, std::regex("\"[^\"]*(\"\"[^\"]*)*\""), "");
-    EXPECT_EQ(std::ranges::count(plain, ','), 2 * std::ranges::count(header, ','));
 }
 
 }  // namespace

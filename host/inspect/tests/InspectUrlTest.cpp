@@ -1,11 +1,14 @@
 // The command orvex-inspect with URLs, over real sockets.
 #include <gmock/gmock.h>
 
+#include <QProcess>
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "host/cloudserver/CloudServer.h"
 #include "host/inspect/InspectCommand.h"
+#include "host/inspect/tests/InspectRun.h"
 #include "las/testing/LasFiles.h"
 #include "support/Text.h"
 
@@ -37,6 +40,9 @@ class InspectUrlTest : public ::testing::Test {
         std::ostringstream err;
         const int code = RunInspectCommand(arguments, {out, err, false, [stop] { return stop; }});
         out_ = out.str();
+        if (std::ranges::count(arguments, L"--json") > 0) {
+            testing::KeepOutput(out_, L".json");
+        }
         EXPECT_THAT(out_ + err.str(), Not(AnyOf(HasSubstr("Signature"), HasSubstr("Credential"))));
         return code;
     }
@@ -95,6 +101,60 @@ TEST_F(InspectUrlTest, SaysWhyAUrlCannotBeReadAndGoesOn) {
 TEST_F(InspectUrlTest, StopsWhileTheServerIsSilent) {
     server_.SetFault("/files/", {.delayMs = 3'600'000});
     EXPECT_EQ(Run({Signed("a.las"), Signed("b.las")}, true), kInspectStopped);
+}
+
+/// The program itself, for a user whose language is German.
+class InspectProgram {
+  public:
+    explicit InspectProgram(const QStringList& arguments) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("ORVEX_LANGUAGE", "de");
+        process_.setProcessEnvironment(environment);
+        process_.start(ORVEX_INSPECT_PROGRAM, arguments);
+    }
+
+    /// Waits for a line on standard error.
+    std::string ErrorLine() {
+        process_.setReadChannel(QProcess::StandardError);
+        while (!process_.canReadLine() && process_.waitForReadyRead()) {
+        }
+        return process_.readLine().toStdString();
+    }
+    void Terminate() { process_.terminate(); }
+    /// Waits for the end; returns the exit code.
+    int Code() {
+        return process_.waitForFinished() && process_.exitStatus() == QProcess::NormalExit
+                   ? process_.exitCode()
+                   : -1;
+    }
+    std::string Output() { return process_.readAllStandardOutput().toStdString(); }
+
+  private:
+    QProcess process_;
+};
+
+TEST_F(InspectUrlTest, ATerminatedProgramHasPrintedACompleteDocument) {
+    server_.SetFault("/files/", {.delayMs = 3'600'000});
+    InspectProgram program({"--json", "--progress", "--jobs=2", QString::fromStdWString(local_),
+                            QString::fromStdWString(Signed("b.las"))});
+    ASSERT_EQ(program.ErrorLine(), "1 of 2 files\n");
+    program.Terminate();
+    EXPECT_EQ(program.Code(), kInspectStopped);
+    const Json objects = Json::parse(program.Output(), nullptr, false);
+    ASSERT_EQ(objects.size(), 1U);
+    EXPECT_EQ(objects[0]["loadable"], true);
+}
+
+TEST_F(InspectUrlTest, TheProgramPrintsEnglishUnlessAskedForAnotherLanguage) {
+    const QString path = QString::fromStdWString(folder_.Write(L"a.txt", "text"));
+    const auto summary = [&path](QStringList options) {
+        InspectProgram program(options << "--json" << path);
+        EXPECT_EQ(program.Code(), kInspectOk);
+        return Json::parse(program.Output(), nullptr, false)[0]["summary"].get<std::string>();
+    };
+    EXPECT_EQ(summary({}), "Files of this kind cannot be inspected.");
+    EXPECT_EQ(summary({"--language", "en"}), "Files of this kind cannot be inspected.");
+    EXPECT_EQ(summary({"--language=de"}), "Dateien dieser Art können nicht untersucht werden.");
 }
 
 }  // namespace
