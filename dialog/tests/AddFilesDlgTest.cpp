@@ -126,7 +126,7 @@ TEST_F(Shell, DoesNotOpenWithoutTheHostApplication) {
     hostObjects.createApplicationResult = kHostClassNotRegistered;
     const auto dialog = Make();
     EXPECT_EQ(dialog->Initialise(), kHostClassNotRegistered);
-    EXPECT_FALSE(dialog->Run());
+    EXPECT_THROW(dialog->Run(), LDataError);
     ASSERT_THAT(prompts.shown, SizeIs(1));
     EXPECT_NE(prompts.shown[0].text.find(L"80040154"), std::wstring::npos) << "the code is told";
     EXPECT_THAT(journal.lines, ElementsAre("release las"));
