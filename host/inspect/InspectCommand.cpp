@@ -81,7 +81,7 @@ class PathSearch {
             waiting.pop_back();
             ListInto(folder, found, waiting);
         }
-        if (found.empty() && inputs_.failures.size() == failuresBefore) {
+        if (found.empty() && inputs_.failures.size() == failuresBefore && !streams_.stop()) {
             inputs_.remarks.push_back(PathLine(text::kInspectNothingFound, top));
         }
         SortNaturally(found);
@@ -104,7 +104,7 @@ class PathSearch {
             } else if (entry.kind == FileKind::File && IsSearched(entry.path, options_)) {
                 found.push_back(std::move(entry.path));
             }
-            return true;
+            return !streams_.stop();
         });
         if (error == 0 && !hidden.empty()) {
             error = ListFolder(hidden, [](const FolderEntry&) { return false; });

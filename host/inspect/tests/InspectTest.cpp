@@ -248,6 +248,17 @@ TEST(InspectCommand, StopsWithACompleteDocumentAndReportsAFullDrive) {
     EXPECT_EQ(stopped.code, kInspectStopped);
     EXPECT_EQ(stopped.out, "[]\n");
 
+    // In the middle of the search of a folder, which was not found to be empty then.
+    folder.Write(L"empty/notes.txt", "no LAS");
+    int polls = 0;
+    std::ostringstream out;
+    std::ostringstream remarks;
+    EXPECT_EQ(RunInspectCommand({L"--json", folder.Name(L"empty")},
+                                {out, remarks, false, [&polls] { return ++polls > 2; }}),
+              kInspectStopped);
+    EXPECT_EQ(out.str(), "[]\n");
+    EXPECT_EQ(remarks.str(), "");
+
     RefusingBuffer refusing;
     std::ostream full(&refusing);
     std::ostringstream err;
