@@ -17,6 +17,6 @@ at_prefix() {
 # The loader finds libraries in these prefixes by a list that it keeps.
 update_loader() {
     case "$prefix" in
-        /usr | /usr/local) as_root ldconfig ;;
+        /usr | /usr/local) as_root ldconfig || true ;;
     esac
 }
