@@ -14,6 +14,9 @@
 
 namespace orvex {
 
+/// Option item of the host: true (-1) if KML and KMZ files may be added.
+inline constexpr std::int32_t kKmlOptionItem = 1019;
+
 /// Kind of a feature file, as its extension tells it.
 enum class FeatureKind { Dwg, Dxf, Dgn, Shp, Kml, Kmz };
 

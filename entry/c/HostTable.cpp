@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "feature/FeatureRow.h"
 #include "settings/FileSettings.h"
 #include "support/JsonLimits.h"
 #include "support/JsonText.h"
@@ -15,9 +16,6 @@ namespace orvex {
 namespace {
 
 using Json = nlohmann::json;
-
-// Option item: KML and KMZ files may be added.
-constexpr std::int32_t kAcceptKmlOption = 1019;
 
 /// Text that a function of the host puts.
 class PutText {
@@ -171,7 +169,7 @@ class TableApplication final : public OrvexApplication {
             return registered_->GetOptionItem(item, value);
         }
         if (table_.get_option == nullptr) {
-            value = item == kAcceptKmlOption ? SettingValue(std::int16_t{-1}) : value;
+            value = item == kKmlOptionItem ? SettingValue(std::int16_t{-1}) : value;
             return kHostOk;
         }
         return Logged("get_option", [&] {

@@ -204,9 +204,9 @@ bool AddFeatureFilesPP::HasAny(bool (*test)(FeatureKind kind)) const {
 
 /// The host decides whether it takes KML and KMZ files.
 bool AddFeatureFilesPP::AreKmlFilesAllowed(OrvexApplication* application) const {
-    constexpr std::int32_t kKmlOption = 1019;
     SettingValue allowed;
-    if (application != nullptr && application->GetOptionItem(kKmlOption, allowed) >= 0 && IsTrue(allowed)) {
+    if (application != nullptr && application->GetOptionItem(kKmlOptionItem, allowed) >= 0 &&
+        IsTrue(allowed)) {
         return true;
     }
     ShowMessage(Text(text::kKmlSwitchedOff), text::kErrorCaption, PromptIcon::Warning);

@@ -144,8 +144,10 @@ ORVEX_API OrvexStatus orvex_show_lidar_messages(const OrvexHost* host, const cha
 /* Reads one file without a window, as the command orvex-inspect does. `path`: of a file, or the http(s) URL
  * of a LAS file (for which the process needs a QCoreApplication). `request`: {"kind": "las"}, or "raster",
  * "dem", "feature", "photo"; without it, the kind that the file's name implies. `result`: the object that
- * orvex-inspect prints for the file, also for one that is missing or cannot be loaded: "loadable" is false
- * then, and "summary" says why. */
+ * orvex-inspect prints for the file (docs/inspect.schema.json), also for one that is missing or cannot be
+ * loaded: "loadable" is false then, and "summary" says why. Its texts are in the language of the component's
+ * windows; codes and names of members do not depend on that. Waits for the file system as long as that does.
+ */
 ORVEX_API OrvexStatus orvex_inspect(const char* path, const char* request, char** result);
 
 /* Reads an option of the component by its stored name ("optAddLASThinning"). `value`: JSON, a number or a

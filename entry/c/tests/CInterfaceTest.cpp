@@ -87,9 +87,10 @@ class CInterface : public ::testing::Test {
 };
 
 TEST_F(CInterface, GivesAHostInCWhatTheUserHasChosen) {
-    std::vector<std::wstring> names{L"a \"1\".las", FromUtf8("\xC3\xBC\xF0\x9F\x98\x80.las")};
+    std::vector<std::wstring> names{L"a '1'.las", FromUtf8("\xC3\xBC\xF0\x9F\x98\x80.las")};
 #if !defined(_WIN32)
     names.push_back(FromUtf8("caf\xE9.las"));
+    names.push_back(L"a\\\"1\".las");
 #endif
     std::vector<std::wstring> paths;
     for (const std::wstring& name : names) {
@@ -152,6 +153,22 @@ TEST_F(CInterface, TheStatusTellsHowTheCallEnded) {
     EXPECT_EQ(orvex_ask_adding_lidar(&table, 1, &choice), ORVEX_NOT_SHOWN);
     EXPECT_EQ(choice, ORVEX_LIDAR_READ_ONLY);
     qputenv("ORVEX_QT_PLATFORM", platform);
+}
+
+TEST_F(CInterface, OneThreadAtATimeShowsWindows) {
+    OrvexStatus other = ORVEX_OK;
+    DialogScript::Begin({"click cancel"}, [&other] {
+        std::thread([&other] {
+            Given result;
+            other = orvex_show_add_files(nullptr, nullptr, &result.text);
+            EXPECT_THAT(orvex_last_error(), HasSubstr("another thread"));
+        }).join();
+        return true;
+    });
+    Given result;
+    EXPECT_EQ(orvex_show_add_files(nullptr, nullptr, &result.text), ORVEX_CANCELLED);
+    EXPECT_EQ(other, ORVEX_NOT_SHOWN);
+    EXPECT_STREQ(orvex_last_error(), "");
 }
 
 TEST_F(CInterface, HostileRequestsAreRefusedByName) {
