@@ -34,9 +34,10 @@ std::vector<std::wstring> ReadNames(const std::function<std::size_t(std::span<ch
     std::string rest;  // begins at the start of a name
     std::array<char, std::size_t{1} << 16U> buffer{};
     while (const std::size_t size = read(buffer)) {
+        const std::size_t searched = rest.size();
         rest.append(buffer.data(), size);
         std::size_t start = 0;
-        for (std::size_t at = 0; (at = rest.find(end, start)) != std::string::npos; start = at + 1) {
+        for (std::size_t at = searched; (at = rest.find(end, at)) != std::string::npos; start = ++at) {
             AddName(std::string_view(rest).substr(start, at - start), end, names);
         }
         rest.erase(0, start);
