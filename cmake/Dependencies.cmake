@@ -9,6 +9,9 @@ find_package(LASzip REQUIRED)
 find_package(EXPAT REQUIRED)
 find_package(exiv2 CONFIG REQUIRED)
 
+# For tests. The system's own Python has the packages of tools/packages.txt; another one on the PATH may not.
+find_program(ORVEX_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)
+
 if(NOT WIN32)
     find_package(fmt REQUIRED)
     find_package(nlohmann_json 3.11 REQUIRED)
