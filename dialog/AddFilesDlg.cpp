@@ -165,16 +165,20 @@ std::int32_t AddFilesDlg::AskHostApplication() {
     std::int32_t result = kHostOk;
     const std::unique_ptr<OrvexApplication> application = services_.hostObjects.CreateApplication(result);
     if (!application) {
+        hostFault_ = MissingObjectText("OrvexApplication", kApplicationClass, result);
         return result < 0 ? result : kHostFail;
     }
     std::wstring folder;
-    return application->GetProjectFolder(folder);
+    result = application->GetProjectFolder(folder);
+    hostFault_ = L"OrvexApplication::GetProjectFolder has failed.";
+    return result;
 }
 
 bool AddFilesDlg::Run() {
     if (const std::int32_t result = Initialise(); result < 0) {
         const std::wstring failure =
-            FormatText(Text(text::kHostObjectMissing), {static_cast<std::uint32_t>(result)});
+            FormatText(Text(text::kHostObjectMissing), {static_cast<std::uint32_t>(result)}) + L"\n\n" +
+            hostFault_;
         services_.prompts.Show({failure, Text(text::kAddFilesTitle), PromptIcon::Error, PromptButtons::Ok});
         ReleasePages();
         throw LDataError(failure);

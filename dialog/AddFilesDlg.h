@@ -89,6 +89,7 @@ class AddFilesDlg : public QDialog {
     const ParentGuard guard_{*this};
     AddFilesParams& params_;
     const AddFilesParams before_;  ///< the record as the host gave it
+    std::wstring hostFault_;       ///< why AskHostApplication has failed, for the host's developers
     DialogServices& services_;
     std::vector<QIcon> images_;
     CTabCtrlEx* tabs_;

@@ -14,6 +14,7 @@ namespace orvex {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
@@ -123,13 +124,17 @@ TEST_F(Shell, AMissingPageIsReportedAndTheOthersWork) {
 TEST_F(Shell, DoesNotOpenWithoutTheHostApplication) {
     hostObjects.projectFolderResult = kHostFail;
     EXPECT_EQ(Make()->Initialise(), kHostFail);
+    EXPECT_THROW(Make()->Run(), LDataError);
     hostObjects.createApplicationResult = kHostClassNotRegistered;
     const auto dialog = Make();
     EXPECT_EQ(dialog->Initialise(), kHostClassNotRegistered);
     EXPECT_THROW(dialog->Run(), LDataError);
-    ASSERT_THAT(prompts.shown, SizeIs(1));
-    EXPECT_NE(prompts.shown[0].text.find(L"80040154"), std::wstring::npos) << "the code is told";
-    EXPECT_THAT(journal.lines, ElementsAre("release las"));
+    ASSERT_THAT(prompts.shown, SizeIs(2));
+    EXPECT_THAT(ToUtf8(prompts.shown[0].text), HasSubstr("GetProjectFolder"));
+    for (const char* told : {"80040154", "{A59ECFF0-11E3-4339-B008-8FBD1D3B6420}", "RegisterHostClass"}) {
+        EXPECT_THAT(ToUtf8(prompts.shown[1].text), HasSubstr(told));
+    }
+    EXPECT_THAT(journal.lines, ElementsAre("release las", "release las"));
     EXPECT_EQ(StoredTab(), std::nullopt) << "what never opened stores nothing";
 }
 

@@ -1,18 +1,32 @@
 // The library as a host calls it: real halves of every seam, with settings of the test's own.
 #include "orvexcommon/Exports.h"
 
+#include <cpl_conv.h>
+#include <cpl_error.h>
+#include <cpl_string.h>
+#include <gdal.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QDir>
+#include <QLocale>
 #include <QMessageBox>
+#include <QProcessEnvironment>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QRegularExpression>
+#include <QStyle>
 #include <QTabBar>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
+#include <algorithm>
+#include <cfenv>
+#include <clocale>
 #include <functional>
+#include <map>
 #include <memory>
 #include <thread>
 
@@ -150,6 +164,69 @@ TEST_F(Exports, AHostThatDestroysTheOwnerCancelsWhateverIsOpen) {
         EXPECT_EQ(owner, nullptr) << c.topmost;
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << c.topmost;
     }
+}
+
+/// What a host would notice if it changed, by name.
+std::map<std::string, QString> ProcessFacts() {
+    const auto list = [](char** texts) {
+        const CPLStringList options(texts);
+        QStringList lines;
+        for (int i = 0; i < options.size(); ++i) {
+            lines.append(QString::fromUtf8(options[i]));
+        }
+        return lines.filter(QRegularExpression(QStringLiteral("^(?!GDAL_DATA=|GDAL_DRIVER_PATH=)")))
+            .join('\n');
+    };
+    return {{"current folder", QDir::currentPath()},
+            {"C locale", QString::fromUtf8(std::setlocale(LC_ALL, nullptr))},
+            {"environment", QProcessEnvironment::systemEnvironment().toStringList().join('\n')},
+            {"rounding", QString::number(std::fegetround())},
+            {"GDAL's options", list(CPLGetConfigOptions())},
+            {"GDAL's options of the thread", list(CPLGetThreadLocalConfigOptions())},
+            {"GDAL's cache", QString::number(GDALGetCacheMax64())},
+            {"Qt's locale", QLocale().name()},
+            {"Qt's folders", QCoreApplication::libraryPaths().join('\n')},
+            {"names", QCoreApplication::organizationName() + '/' + QCoreApplication::applicationName()},
+            {"quits on last window closed", QString::number(QGuiApplication::quitOnLastWindowClosed())},
+            {"font", QApplication::font().toString()},
+            {"style", QApplication::style()->name() + '/' + qApp->styleSheet()},
+            {"text colour", QApplication::palette().color(QPalette::Text).name()},
+            {"cursor", QString::number(QGuiApplication::overrideCursor() != nullptr)},
+            {"windows", QString::number(QApplication::topLevelWidgets().size())}};
+}
+
+void HandleGdalError(CPLErr, CPLErrorNum, const char*) {}
+void HandleQtMessage(QtMsgType, const QMessageLogContext&, const QString&) {}
+
+TEST_F(Exports, TheProcessOfAHostWithQtIsAsItWas) {
+    GDALSetCacheMax64(12345678);
+    CPLSetErrorHandler(HandleGdalError);
+    const QtMessageHandler usual = qInstallMessageHandler(HandleQtMessage);
+    const std::map<std::string, QString> before = ProcessFacts();
+    const testing::TemporaryFolder folder;
+    AddFilesParams params;
+    params.showRasterTab = params.showFeatureTab = params.showDemTab = params.showPhotoTab =
+        params.showCloudTab = true;
+    params.initialTab = 1;
+    params.initialPaths = {
+        folder.Write(L"heights.asc", "ncols 1\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\n7\n")};
+    QTimer closing;
+    QObject::connect(&closing, &QTimer::timeout, &closing, [] {
+        const QWidget* dialog = QApplication::activeModalWidget();
+        const QList<QTableView*> lists =
+            dialog != nullptr ? dialog->findChildren<QTableView*>() : QList<QTableView*>();
+        const bool isRead =
+            std::ranges::any_of(lists, [](const QTableView* list) { return list->model()->rowCount() == 1; });
+        if (isRead) {
+            dialog->findChild<QPushButton*>(QStringLiteral("cancel"))->click();
+        }
+    });
+    closing.start(0);
+    EXPECT_FALSE(ShowAddFilesDialog(&params));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_THAT(ProcessFacts(), ::testing::ContainerEq(before));
+    EXPECT_EQ(qInstallMessageHandler(usual), &HandleQtMessage);
+    EXPECT_EQ(CPLSetErrorHandler(nullptr), &HandleGdalError);
 }
 
 TEST_F(Exports, WrongCallsDoNothing) {

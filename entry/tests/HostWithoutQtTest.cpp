@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QProcessEnvironment>
 #include <QtGlobal>
 #include <clocale>
 #include <filesystem>
@@ -58,6 +59,7 @@ TEST(HostWithoutQt, TheProcessIsAsItWas) {
     std::setlocale(LC_ALL, "C");
     qInstallMessageHandler(LogOfTheHost);
     const testing::TemporaryFolder elsewhere;
+    const QStringList environment = QProcessEnvironment::systemEnvironment().toStringList();
     DialogScript::Begin({"click ok"}, [&] {
         std::filesystem::current_path(elsewhere.Path());
         return true;
@@ -66,6 +68,7 @@ TEST(HostWithoutQt, TheProcessIsAsItWas) {
     EXPECT_EQ(std::filesystem::current_path(), folder);
     EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
     EXPECT_EQ(qInstallMessageHandler(nullptr), &LogOfTheHost);
+    EXPECT_EQ(QProcessEnvironment::systemEnvironment().toStringList(), environment);
 }
 
 TEST(HostWithoutQt, WhatCannotBeShownIsRefused) {
