@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <mutex>
 #include <nlohmann/json.hpp>
 
 #include "entry/c/HostTable.h"
@@ -99,6 +101,21 @@ char* Given(const std::string& text) {
     return copy;
 }
 
+/// Gives the log's lines to a host's function; null: to the file.
+void SetProcessLog(void (*log)(void* context, int32_t level, const char* line), void* context) {
+    // Never destroyed: a worker may log while the process ends.
+    static auto* const lock = new std::mutex;
+    static auto* const redirection = new std::unique_ptr<LogRedirection>;
+    const std::lock_guard guard(*lock);
+    redirection->reset();
+    if (log != nullptr) {
+        *redirection =
+            std::make_unique<LogRedirection>([log, context](LogLevel level, const std::string& line) {
+                log(context, static_cast<int32_t>(level), line.c_str());
+            });
+    }
+}
+
 struct FindingMember {
     const char* name;
     bool LidarFindings::*member;
@@ -161,6 +178,7 @@ using orvex::CallHost;
 using orvex::CallWithHost;
 using orvex::Clear;
 using orvex::Require;
+using orvex::SetProcessLog;
 
 int32_t orvex_interface_version(void) {
     return ORVEX_INTERFACE_VERSION;
@@ -233,6 +251,13 @@ OrvexStatus orvex_set_option(const char* name, const char* value) {
         Require(value, L"value");
         const auto registry = orvex::MakeRegistryStore();
         WriteOption(orvex::OptionStore(*registry), name, value);
+        return CallEnd::Ok;
+    });
+}
+
+OrvexStatus orvex_set_log(void (*log)(void* context, int32_t level, const char* line), void* context) {
+    return Call(L"orvex_set_log", [&] {
+        SetProcessLog(log, context);
         return CallEnd::Ok;
     });
 }

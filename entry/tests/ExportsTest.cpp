@@ -31,6 +31,7 @@
 #include <thread>
 
 #include "orvexcommon/HostInterfaces.h"
+#include "orvexcommon/orvex.h"
 #include "settings/RegistryKey.h"
 #include "settings/testing/FakeHostObjects.h"
 #include "support/Text.h"
@@ -229,8 +230,16 @@ TEST_F(Exports, TheProcessOfAHostWithQtIsAsItWas) {
     EXPECT_EQ(CPLSetErrorHandler(nullptr), &HandleGdalError);
 }
 
+void Append(void* lines, std::int32_t level, const char* line) {
+    static_cast<std::string*>(lines)->append(std::to_string(level)).append(" ").append(line).append("\n");
+}
+
 TEST_F(Exports, WrongCallsDoNothing) {
+    std::string lines;
+    EXPECT_EQ(orvex_set_log(Append, &lines), ORVEX_OK);
     EXPECT_FALSE(ShowAddFilesDialog(nullptr));
+    EXPECT_THAT(lines, ::testing::MatchesRegex("1 ShowAddFilesDialog: .*\n"));
+    EXPECT_EQ(orvex_set_log(nullptr, nullptr), ORVEX_OK);
     bool stop = true;
     MessageRegardingAddingLidar(nullptr, L"Caption", false, false, false, false, false, false, false, stop);
     EXPECT_TRUE(stop) << "only ever set";

@@ -15,7 +15,7 @@
 // arguments, however, have the layout of this library's compiler: std::map, std::vector and std::wstring of
 // libstdc++ (mingw-w64's GCC 12 or newer with libstdc++-6.dll) and virtual functions of the Itanium ABI. A
 // host built with another compiler or standard library must not pass its own AddFilesParams or std::wstring;
-// it may call GetAddingLidarChoice, which takes and returns plain values.
+// it may call GetAddingLidarChoice, which takes and returns plain values, or use orvex.h.
 #include <string>
 
 #include "orvexcommon/AddFilesParams.h"

@@ -163,6 +163,13 @@ ORVEX_API OrvexStatus orvex_set_option(const char* name, const char* value);
  * returns a status. */
 ORVEX_API const char* orvex_last_error(void);
 
+/* Receives every line that the component logs in this process, in place of the log file, until another
+ * function is set; null: the log file again. For hosts that call the functions of Exports.h, and for lines
+ * between calls; a call with a `log` of its own keeps its lines. Called as OrvexHost's `log` is. When this
+ * returns the function that was set before is not running any more; not to be called from it. */
+ORVEX_API OrvexStatus orvex_set_log(void (*log)(void* context, int32_t level, const char* line),
+                                    void* context);
+
 /* Frees a text that a function has returned; null is allowed. No status. */
 ORVEX_API void orvex_free(char* text);
 
