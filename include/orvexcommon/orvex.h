@@ -114,9 +114,10 @@ ORVEX_API const char* orvex_version(void);
 
 /* Shows the Add Files dialog. `request`: an object with inputs of the record (docs/record.md), all of them
  * optional:
- *   {"initialTab": 0, "showRasterTab": true, "existingLasLayers": {"Ground": "<WKT>"}, "initialPaths":
- * ["/data"]} `result`: an object with every result of the record. Lists are arrays, maps are objects; an
- * entry of "lasFileDetails" and "rasterFileDetails" is the object that orvex_inspect returns for the file.
+ *   {"showRasterTab": true, "existingLasLayers": {"Ground": "<WKT>"}, "initialPaths": ["/data"]}
+ *
+ * `result`: an object with every result of the record. Lists are arrays, maps are objects; an entry of
+ * "lasFileDetails" and "rasterFileDetails" is the object that orvex_inspect returns for the file.
  * ORVEX_OK only if the user has confirmed and anything was chosen. `host` may be null; `result` not. */
 ORVEX_API OrvexStatus orvex_show_add_files(const OrvexHost* host, const char* request, char** result);
 
