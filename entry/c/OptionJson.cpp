@@ -9,6 +9,7 @@
 #include "settings/OptionCatalogue.h"
 #include "settings/OptionStore.h"
 #include "support/JsonText.h"
+#include "support/QtText.h"
 #include "support/Text.h"
 
 namespace orvex {
@@ -27,43 +28,11 @@ const OptionDescription& OptionNamed(std::string_view name) {
     return *found;
 }
 
-/// A text as the store has it: UTF-16 with a terminating zero, in this machine's byte order, which is the
-/// least significant byte first on all that the component runs on.
-std::vector<char16_t> StoredText(const std::wstring& text) {
-    std::vector<char16_t> units;
-    for (const auto c : text) {
-        auto code = static_cast<std::uint32_t>(c);
-        if (code > 0xFFFF) {
-            code -= 0x10000;
-            units.push_back(static_cast<char16_t>(0xD800 + (code >> 10U)));
-            code = 0xDC00 + (code & 0x3FFU);
-        }
-        units.push_back(static_cast<char16_t>(code));
-    }
-    units.push_back(0);
-    return units;
-}
-
-std::wstring TextOf(const std::vector<char16_t>& units) {
-    std::wstring text;
-    for (std::size_t i = 0; i < units.size() && units[i] != 0; ++i) {
-        const std::uint32_t high = units[i];
-        const std::uint32_t low = i + 1 < units.size() ? units[i + 1] : 0U;
-        const bool isPair = high >> 10U == 0xD800U >> 10U && low >> 10U == 0xDC00U >> 10U;
-        if (sizeof(wchar_t) > sizeof(char16_t) && isPair) {
-            text.push_back(static_cast<wchar_t>(0x10000 + ((high & 0x3FFU) << 10U) + (low & 0x3FFU)));
-            ++i;
-        } else {
-            text.push_back(static_cast<wchar_t>(high));
-        }
-    }
-    return text;
-}
-
+// The store has texts as UTF-16 with a terminating zero, as QString has them.
 std::string ReadText(const OptionStore& options, OrvexOptionItem2 item) {
     std::vector<char16_t> units(kLongestRegistryValue / sizeof(char16_t) + 1);
     const std::size_t size = options.Read(item, units.data(), units.size() * sizeof(char16_t));
-    return size == 0 ? "null" : JsonQuoted(TextOf(units));
+    return size == 0 ? "null" : JsonQuoted(ToWide(QString(reinterpret_cast<const QChar*>(units.data()))));
 }
 
 template <typename Number>
@@ -97,8 +66,9 @@ bool Put(const OptionStore& options, const OptionDescription& option, const Json
         if (!value.is_string()) {
             throw InvalidCall(L"the value is not a string, as the option is");
         }
-        const std::vector<char16_t> units = StoredText(JsonWide(value.get_ref<const std::string&>()));
-        return options.Write(option.item, units.data(), units.size() * sizeof(char16_t)) != 0;
+        const QString text = ToQString(JsonWide(value.get_ref<const std::string&>()));
+        const std::size_t units = static_cast<std::size_t>(text.size()) + 1;
+        return options.Write(option.item, text.utf16(), units * sizeof(char16_t)) != 0;
     }
     switch (option.size) {
         case sizeof(double):
