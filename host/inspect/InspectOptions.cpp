@@ -198,9 +198,10 @@ std::wstring InspectHelp() {
     std::wstring help = Text(text::kInspectUsage) + L"\n\n" + Wrapped(Text(text::kInspectAbout), 0);
     help += L"\n\n" + Text(text::kInspectOptionsHeading) + L":\n";
     for (const InspectOption& option : kOptions) {
-        const std::wstring letter = *option.letter == L'\0' ? L"" : std::wstring(option.letter) + L", ";
-        const std::wstring value = *option.value == L'\0' ? L"" : L" " + std::wstring(option.value);
-        help += HelpLine(L"  " + letter + option.name + value, Text(option.help));
+        std::wstring form = L"  ";
+        form.append(option.letter).append(*option.letter == L'\0' ? L"" : L", ");
+        form.append(option.name).append(*option.value == L'\0' ? L"" : L" ").append(option.value);
+        help += HelpLine(form, Text(option.help));
     }
     help += L"\n" + Text(text::kInspectExitHeading) + L":\n";
     for (const InspectExitCode& code : kExitCodes) {
