@@ -102,7 +102,9 @@ void AppendMembers(std::string& page, const Json& schema, const Json& object, co
         const Json& part = ObjectOf(schema, member);
         if (part.contains("properties")) {
             const bool isList = Resolved(schema, member).contains("items");
-            AppendMembers(page, schema, part, (path.empty() ? "" : path + ".") + name + (isList ? "[]" : ""));
+            const std::string_view separator = path.empty() ? "" : ".";
+            AppendMembers(page, schema, part,
+                          fmt::format("{}{}{}{}", path, separator, name, isList ? "[]" : ""));
         }
     }
 }
