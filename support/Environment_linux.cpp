@@ -54,7 +54,7 @@ std::filesystem::path ModuleFolder() {
 }
 
 std::filesystem::path DataFolder() {
-    const std::filesystem::path module = ModuleFolder();
+    std::filesystem::path module = ModuleFolder();
     std::error_code error;
     if (std::filesystem::is_directory(module / "gdal-data", error)) {
         return module;
