@@ -27,6 +27,7 @@ windows_units=()
 for file in "${changed[@]}"; do
     [ -f "$file" ] || continue
     case "$file" in
+        packaging/tests/consumer/*) ;;  # built against an installed component only
         *_win.cpp | *WinTest.cpp) windows_units+=("$file") ;;
         */tests/*.cpp) test_units+=("$file") ;;
         *.cpp) units+=("$file") ;;

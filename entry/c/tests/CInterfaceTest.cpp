@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QByteArray>
+#include <array>
 #include <cstddef>
 #include <nlohmann/json.hpp>
 #include <regex>
@@ -30,7 +31,6 @@ std::shared_ptr<void> PrivateSettingsOfTest() {
 namespace {
 
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 using Json = nlohmann::json;
 using testing::DialogScript;
 
@@ -94,6 +94,7 @@ TEST_F(CInterface, GivesAHostInCWhatTheUserHasChosen) {
     names.push_back(L"a\\\"1\".las");
 #endif
     std::vector<std::wstring> paths;
+    paths.reserve(names.size());
     for (const std::wstring& name : names) {
         paths.push_back(folder.Write(testing::LasBuilder().AddPoints(4), name));
     }
@@ -361,14 +362,15 @@ TEST_F(CInterface, TheLidarAnswerAndMessages) {
 TEST_F(CInterface, ThreadsHaveTheirOwnErrors) {
     const std::string path = ToUtf8(folder.Write(testing::LasBuilder().AddPoints(2)));
     EXPECT_EQ(orvex_inspect(nullptr, nullptr, nullptr), ORVEX_INVALID);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&path] {
+    std::array<std::thread, 4> threads;
+    for (std::thread& thread : threads) {
+        thread = std::thread([&path] {
             EXPECT_STREQ(orvex_last_error(), "");
             for (int call = 0; call < 20; ++call) {
                 Given result;
                 EXPECT_EQ(orvex_inspect(path.c_str(), nullptr, &result.text), ORVEX_OK);
-                EXPECT_EQ(orvex_get_option("optNothing", &result.text), ORVEX_INVALID);
+                Given option;
+                EXPECT_EQ(orvex_get_option("optNothing", &option.text), ORVEX_INVALID);
                 EXPECT_THAT(orvex_last_error(), HasSubstr("optNothing"));
             }
         });

@@ -143,7 +143,8 @@ TEST(InspectCommand, ReadsNamesFromStandardInput) {
         EXPECT_EQ(paths, c.paths);
     }
     // A list with zero bytes would be one long name that the system cuts off at the first of them.
-    for (const std::string& input : {a + '\0' + b, std::string(std::size_t{2} << 20U, 'a')}) {
+    for (const std::string& input :
+         {std::string(a).append(1, '\0').append(b), std::string(std::size_t{2} << 20U, 'a')}) {
         const Outcome outcome = Inspect({L"-"}, false, input);
         EXPECT_EQ(outcome.code, kInspectUsage);
         EXPECT_EQ(outcome.out, "");
