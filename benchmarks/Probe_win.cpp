@@ -51,10 +51,12 @@ std::uint64_t ReadBarely(const std::string& path) {
 std::optional<int> RunProgram(const std::vector<std::string>& arguments) {
     // The C runtime joins arguments with blanks; quotes keep those with blanks together.
     std::vector<std::wstring> texts;
+    texts.reserve(arguments.size());
     for (const std::string& argument : arguments) {
         texts.push_back(L'"' + FromUtf8(argument) + L'"');
     }
     std::vector<const wchar_t*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (const std::wstring& text : texts) {
         pointers.push_back(text.c_str());
     }
