@@ -20,7 +20,7 @@
  * Paths are native, in UTF-8. A file name that is no valid Unicode survives: as an argument by its own bytes
  * (on Windows a lone surrogate by its three bytes); in JSON as escapes of lone surrogates, "\udc80" to
  * "\udcff" for the bytes 0x80 to 0xff, as Python's "surrogateescape" has it. Requests may hold such escapes
- * as well.
+ * as well. The object of a file (orvex_inspect) has U+FFFD there: the caller knows the path.
  */
 #include <stddef.h>
 #include <stdint.h>
