@@ -1,6 +1,5 @@
 // orvex-companion: builds, checks and draws the QVR companions of LAS files, without a window.
-#include <atomic>
-#include <csignal>
+#include <functional>
 #include <iostream>
 
 #include "host/companion/CompanionCommand.h"
@@ -9,26 +8,13 @@
 #include "support/LDataError.h"
 #include "support/Text.h"
 
-namespace {
-
-// Read on all threads.
-std::atomic<bool> interrupted = false;
-static_assert(std::atomic<bool>::is_always_lock_free);
-
-extern "C" void OnInterrupt(int) {
-    interrupted = true;
-}
-
-}  // namespace
-
 int main(int argc, char** argv) {
-    std::signal(SIGINT, OnInterrupt);
+    const std::function<bool()> stop = orvex::StopOnSignals();
     std::ios::sync_with_stdio(false);
     try {
         const orvex::TerminalSession terminal;
-        return orvex::RunCompanionCommand(
-            orvex::ProgramArguments(argc, argv),
-            {std::cout, std::cerr, terminal.CanRewriteLines(), [] { return interrupted.load(); }});
+        return orvex::RunCompanionCommand(orvex::ProgramArguments(argc, argv),
+                                          {std::cout, std::cerr, terminal.CanRewriteLines(), stop});
     } catch (...) {
         std::cerr << orvex::ToUtf8(orvex::CurrentExceptionText()) << '\n';
         return orvex::kCompanionFailed;

@@ -1,7 +1,6 @@
 // orvex-inspect: prints what the dialog would show of files, without a window.
 #include <QCoreApplication>
-#include <atomic>
-#include <csignal>
+#include <functional>
 #include <iostream>
 #include <optional>
 #include <span>
@@ -13,21 +12,8 @@
 #include "support/LDataError.h"
 #include "support/Text.h"
 
-namespace {
-
-// Read on all threads.
-std::atomic<bool> interrupted = false;
-static_assert(std::atomic<bool>::is_always_lock_free);
-
-extern "C" void OnInterrupt(int) {
-    interrupted = true;
-}
-
-}  // namespace
-
 int main(int argc, char** argv) {
-    std::signal(SIGINT, OnInterrupt);
-    std::signal(SIGTERM, OnInterrupt);
+    const std::function<bool()> stop = orvex::StopOnSignals();
     std::ios::sync_with_stdio(false);
     try {
         const orvex::TerminalSession terminal;
@@ -37,7 +23,6 @@ int main(int argc, char** argv) {
         if (orvex::NeedsNetwork(arguments)) {
             application.emplace(argc, argv);
         }
-        const auto stop = [] { return interrupted.load(); };
         const auto read = [&stop](std::span<char> buffer) {
             return orvex::TerminalSession::Read(buffer, stop);
         };

@@ -1,10 +1,29 @@
 #include "host/terminal/Terminal.h"
 
+#include <atomic>
+#include <csignal>
 #include <ostream>
 
 #include "support/Text.h"
 
 namespace orvex {
+namespace {
+
+// Read on all threads.
+std::atomic<bool> stopSignalled = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
+
+extern "C" void OnStopSignal(int) {
+    stopSignalled = true;
+}
+
+}  // namespace
+
+std::function<bool()> StopOnSignals() {
+    std::signal(SIGINT, OnStopSignal);
+    std::signal(SIGTERM, OnStopSignal);
+    return [] { return stopSignalled.load(); };
+}
 
 ProgressLine::ProgressLine(std::ostream& err, bool shown)
     : err_(err), shown_(shown), next_(std::chrono::steady_clock::now() + std::chrono::milliseconds(300)) {}

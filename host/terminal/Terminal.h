@@ -38,6 +38,10 @@ class TerminalSession {
 /// before there are other threads.
 void ChooseLanguage(const std::wstring& language);
 
+/// From now on Ctrl+C and SIGTERM do not end the program. Returns a function that tells, on any thread,
+/// whether one of them has come.
+std::function<bool()> StopOnSignals();
+
 /// Progress line on a terminal, rewritten a few times a second and wiped at the end.
 class ProgressLine {
   public:
